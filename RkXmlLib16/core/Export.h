@@ -1,0 +1,7 @@
+#ifndef RKXMLLIB16_CORE_EXPORT_H
+#define RKXMLLIB16_CORE_EXPORT_H
+
+// Marks what crosses the boundary of the shared library; everything else is hidden.
+#define RKXML_EXPORT __attribute__((visibility("default")))
+
+#endif

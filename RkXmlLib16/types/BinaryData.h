@@ -1,0 +1,113 @@
+#ifndef RKXMLLIB16_TYPES_BINARYDATA_H
+#define RKXMLLIB16_TYPES_BINARYDATA_H
+
+#include <cstdint>
+#include <string>
+
+#include "RkXmlLib16/core/Export.h"
+#include "RkXmlLib16/support/CriticalSection.h"
+
+namespace RkXmlLib16 {
+
+// The shared, reference counted bytes behind CBinaryData. Created with a count of 1.
+class RKXML_EXPORT CDataHolder {
+ public:
+  CDataHolder();
+  // Takes ownership of `data` (allocated with new[]), or copies it when `copy` is true.
+  CDataHolder(unsigned char* data, unsigned long length, bool copy);
+  CDataHolder(const CDataHolder&) = delete;
+  CDataHolder& operator=(const CDataHolder&) = delete;
+
+  void AddRef();
+  // Drops one reference and frees the holder with the last one. With `last` the caller demands that this is the last
+  // reference: CRkException "Failed to release data. [RefCount=%d]" otherwise.
+  void Release(bool last);
+  // This holder when nobody shares it; otherwise a new holder with a copy of the bytes, and one reference on this
+  // holder is dropped.
+  CDataHolder* GetExclusiveCopy();
+  // Appends a copy of `length` bytes, which may lie in this holder; the capacity becomes twice the new length when it
+  // does not suffice. Throws CRkException "Failed to append. [RefCount=%d]" when the holder is shared.
+  void Append(const unsigned char* data, unsigned long length);
+  // Makes room for `capacity` bytes in all.
+  void Reserve(unsigned long capacity);
+
+  unsigned char* GetData() const noexcept { return m_data; }
+  unsigned long GetLength() const noexcept { return m_length; }
+
+ private:
+  friend class CBinaryData;
+  ~CDataHolder();
+
+  unsigned char* m_data = nullptr;
+  unsigned long m_length = 0;
+  unsigned long m_capacity = 0;
+  std::int64_t m_refCount = 1;
+  CRKCriticalSection m_lock;
+};
+
+// A byte buffer: the value of base64Binary and hexBinary properties and the result of the To*Stream entry points.
+// A value type: copies share one buffer and the first writer copies it. Lengths count bytes.
+//
+//   CBinaryData d;
+//   d.SetAsHexString(L"00ab");
+//   d.GetAsBase64();  // "AKs="
+class RKXML_EXPORT CBinaryData {
+ public:
+  CBinaryData();
+  CBinaryData(const CBinaryData& other);
+  CBinaryData(CBinaryData&& other) noexcept;
+  // Copies the bytes, or takes ownership of `data` (allocated with new[]) when `copy` is false.
+  CBinaryData(unsigned char* data, unsigned long length, bool copy);
+  // The raw bytes of the wide characters, four a character, without terminator.
+  explicit CBinaryData(const wchar_t* text);
+  CBinaryData& operator=(const CBinaryData& other);
+  CBinaryData& operator=(CBinaryData&& other) noexcept;
+  virtual ~CBinaryData();
+
+  // The bytes; null or unspecified when the length is 0. Writing through the pointer changes every copy that shares
+  // the buffer.
+  unsigned char* GetData() const noexcept;
+  unsigned long GetLength() const noexcept;
+  // Throw CRkException "Index Out of range [%d]". The writable form gives this object its own copy first.
+  unsigned char operator[](unsigned long index) const;
+  unsigned char& operator[](unsigned long index);
+  bool operator==(const CBinaryData& other) const noexcept;
+  bool operator!=(const CBinaryData& other) const noexcept { return !(*this == other); }
+  void Clear();
+  // Hands the bytes to the caller, who frees them with delete[], and leaves this object empty. Other copies are not
+  // affected. `length`, when not null, receives the number of bytes.
+  unsigned char* ReleaseData(unsigned long* length = nullptr);
+
+  // Replace the content by a copy of the bytes, or by the raw bytes of the wide characters.
+  void SetBuffer(const unsigned char* data, unsigned long length);
+  void SetBuffer(const wchar_t* text);
+  void Append(const unsigned char* data, unsigned long length);
+  void Append(unsigned char byte);
+  void Append(wchar_t character);
+  void Append(const wchar_t* text);
+  void Append(const std::wstring& text);
+  void Append(const CBinaryData& other);
+  // Makes room for `capacity` bytes in all, so that appends up to it do not move the bytes.
+  void Reserve(unsigned long capacity);
+
+  // Two upper-case digits a byte, no separators.
+  std::wstring GetAsHexString() const;
+  static std::wstring GetAsHexString(const unsigned char* data, unsigned long length);
+  // Throw CRkException "Invalid length in hex string" and "Invalid char in hex string [%c]".
+  void SetAsHexString(const wchar_t* text);
+  // Allocates `*data` with new[], which the caller frees, and returns the number of bytes.
+  static unsigned long ConvertToHexData(const wchar_t* text, unsigned char** data);
+  // RFC 4648 base64, padded, without line breaks.
+  std::wstring GetAsBase64() const;
+  // Skips white space; throws CRkException on other characters that are not base64.
+  void SetAsBase64(const wchar_t* text);
+
+ private:
+  CDataHolder& Exclusive();
+
+  CDataHolder* m_holder;  // never null but in a moved-from object
+};
+
+}  // namespace RkXmlLib16
+
+#endif
