@@ -1,0 +1,63 @@
+#include "RkXmlLib16/core/Exception.h"
+
+#include <memory>
+#include <typeinfo>
+
+#include "Expect.h"
+
+using namespace RkXmlLib16;
+
+TEST(Exception, AppendsOnlyANonEmptyPathToTheMessage) {
+  EXPECT_WIDE_EQ(L"m", CRkException(L"m", L"").GetMessage());
+  const CRkException e(L"Failed to process the element.", L"/Order/Line");
+  EXPECT_WIDE_EQ(L"Failed to process the element.\nPath: /Order/Line", e.GetMessage());
+  EXPECT_WIDE_EQ(L"/Order/Line", e.GetPath());
+}
+
+TEST(Exception, FullMessageHasOneMessagePerLineOutermostFirst) {
+  const CRkInvalidValueException first(L"first");
+  const CRkInvalidStateException second(L"second", first);
+  const CRkValidationException third(L"third", L"", second);
+  EXPECT_WIDE_EQ(L"third\nsecond\nfirst", third.GetFullMessage());
+  EXPECT_WIDE_EQ(L"first", first.GetFullMessage());
+  EXPECT_EQ(typeid(CRkInvalidStateException), typeid(*third.GetInnerException()));
+}
+
+TEST(Exception, ACopyOfACopyDoesNotRepeatThePathSuffix) {
+  const CRkValidationException inner(L"m", L"/a");
+  const CRkException copy(inner);
+  EXPECT_WIDE_EQ(L"m\nPath: /a", copy.GetMessage());
+  const CRkInvalidParamException other(copy);
+  EXPECT_WIDE_EQ(L"m\nPath: /a", other.GetMessage());
+  EXPECT_WIDE_EQ(L"/a", other.GetPath());
+}
+
+TEST(Exception, AssignmentKeepsTheTargetsPathAndItsOldInnerExceptionAliveIntended) {
+  CRkException target(L"old", L"/old", CRkException(L"old inner"));
+  const CRkException* oldInner = target.GetInnerException();
+  target = CRkException(L"new", L"/new", CRkException(L"new inner"));
+  target = CRkException(L"newest", L"/newest");
+  EXPECT_WIDE_EQ(L"newest", target.GetMessage().substr(0, 6));
+  EXPECT_WIDE_EQ(L"/old", target.GetPath());
+  EXPECT_EQ(nullptr, target.GetInnerException());
+  EXPECT_WIDE_EQ(L"old inner", oldInner->GetMessage());
+  target = *&target;
+  EXPECT_WIDE_EQ(L"/old", target.GetPath());
+}
+
+template <class T>
+class ExceptionClass : public testing::Test {};
+using Classes = testing::Types<CRkException, CRkValidationException, CRkInvalidValueException,
+                               CRkInvalidNamespaceException, CRkInvalidStateException, CRkInvalidParamException,
+                               CRkOverFlowException>;
+TYPED_TEST_SUITE(ExceptionClass, Classes);
+
+TYPED_TEST(ExceptionClass, ClonesItsOwnClassWithMessagePathAndInner) {
+  const TypeParam e(CRkException(L"m", L"/p", CRkOverFlowException(L"cause")));
+  const std::unique_ptr<const CRkException> clone(e.Clone());
+  EXPECT_EQ(typeid(TypeParam), typeid(*clone));
+  EXPECT_WIDE_EQ(L"m\nPath: /p", clone->GetMessage());
+  ASSERT_NE(nullptr, clone->GetInnerException());
+  EXPECT_NE(e.GetInnerException(), clone->GetInnerException());
+  EXPECT_EQ(typeid(CRkOverFlowException), typeid(*clone->GetInnerException()));
+}
