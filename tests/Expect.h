@@ -44,8 +44,8 @@ void ExpectThrows(const std::type_info& type, const std::wstring& message, Call&
 }  // namespace RkXmlTest
 
 // The expression throws exactly this class with exactly this message (GetMessage()).
-#define EXPECT_RK_THROWS(Class, message, expression)                                                        \
-  ::RkXmlTest::ExpectThrows(                                                                                \
+#define EXPECT_RK_THROWS(Class, message, expression) \
+  ::RkXmlTest::ExpectThrows(                         \
       typeid(::RkXmlLib16::Class), message, [&] { static_cast<void>(expression); }, __FILE__, __LINE__)
 
 // Two wide texts are equal; shows them narrow when they are not.

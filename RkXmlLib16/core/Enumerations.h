@@ -22,15 +22,15 @@ enum CompressionType : std::int32_t { CompressionType_None = 0, CompressionType_
 // XML declaration in front of a Fast Infoset document (ITU-T X.891 clause 12.3).
 enum FInfoDecl : std::int32_t {
   FInfoDecl_None = 0,
-  FInfoDecl_Encoding = 1,                   // <?xml encoding='finf'?>
-  FInfoDecl_EncodingStandaloneYes = 2,      // <?xml encoding='finf' standalone='yes'?>
-  FInfoDecl_EncodingStandaloneNo = 3,       // <?xml encoding='finf' standalone='no'?>
-  FInfoDecl_Version10 = 4,                  // <?xml version='1.0' encoding='finf'?>
-  FInfoDecl_Version10StandaloneYes = 5,     // <?xml version='1.0' encoding='finf' standalone='yes'?>
-  FInfoDecl_Version10StandaloneNo = 6,      // <?xml version='1.0' encoding='finf' standalone='no'?>
-  FInfoDecl_Version11 = 7,                  // <?xml version='1.1' encoding='finf'?>
-  FInfoDecl_Version11StandaloneYes = 8,     // <?xml version='1.1' encoding='finf' standalone='yes'?>
-  FInfoDecl_Version11StandaloneNo = 9       // <?xml version='1.1' encoding='finf' standalone='no'?>
+  FInfoDecl_Encoding = 1,                // <?xml encoding='finf'?>
+  FInfoDecl_EncodingStandaloneYes = 2,   // <?xml encoding='finf' standalone='yes'?>
+  FInfoDecl_EncodingStandaloneNo = 3,    // <?xml encoding='finf' standalone='no'?>
+  FInfoDecl_Version10 = 4,               // <?xml version='1.0' encoding='finf'?>
+  FInfoDecl_Version10StandaloneYes = 5,  // <?xml version='1.0' encoding='finf' standalone='yes'?>
+  FInfoDecl_Version10StandaloneNo = 6,   // <?xml version='1.0' encoding='finf' standalone='no'?>
+  FInfoDecl_Version11 = 7,               // <?xml version='1.1' encoding='finf'?>
+  FInfoDecl_Version11StandaloneYes = 8,  // <?xml version='1.1' encoding='finf' standalone='yes'?>
+  FInfoDecl_Version11StandaloneNo = 9    // <?xml version='1.1' encoding='finf' standalone='no'?>
 };
 
 // XSD primitive kind, as passed to writers, conversions and collections.

@@ -81,8 +81,7 @@ CRkInvalidValueException* CRkInvalidValueException::Clone() const {
 }
 
 CRkInvalidNamespaceException::CRkInvalidNamespaceException() = default;
-CRkInvalidNamespaceException::CRkInvalidNamespaceException(const CRkException& other)
-    : CRkValidationException(other) {}
+CRkInvalidNamespaceException::CRkInvalidNamespaceException(const CRkException& other) : CRkValidationException(other) {}
 CRkInvalidNamespaceException::CRkInvalidNamespaceException(const CRkInvalidNamespaceException& other) = default;
 CRkInvalidNamespaceException::CRkInvalidNamespaceException(std::wstring message, std::wstring path)
     : CRkValidationException(std::move(message), std::move(path)) {}

@@ -47,9 +47,9 @@ TEST(Exception, AssignmentKeepsTheTargetsPathAndItsOldInnerExceptionAliveIntende
 
 template <class T>
 class ExceptionClass : public testing::Test {};
-using Classes = testing::Types<CRkException, CRkValidationException, CRkInvalidValueException,
-                               CRkInvalidNamespaceException, CRkInvalidStateException, CRkInvalidParamException,
-                               CRkOverFlowException>;
+using Classes =
+    testing::Types<CRkException, CRkValidationException, CRkInvalidValueException, CRkInvalidNamespaceException,
+                   CRkInvalidStateException, CRkInvalidParamException, CRkOverFlowException>;
 TYPED_TEST_SUITE(ExceptionClass, Classes);
 
 TYPED_TEST(ExceptionClass, ClonesItsOwnClassWithMessagePathAndInner) {

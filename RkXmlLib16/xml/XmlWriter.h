@@ -1,0 +1,125 @@
+#ifndef RKXMLLIB16_XML_XMLWRITER_H
+#define RKXMLLIB16_XML_XMLWRITER_H
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "RkXmlLib16/core/Enumerations.h"
+#include "RkXmlLib16/core/Export.h"
+
+namespace RkXmlLib16 {
+
+// What the metadata records tell a writer about the children of the open element.
+enum ContextState : std::int32_t {
+  ContextState_None = 0,
+  ContextState_CollectionStart = 1,  // the items of a collection are about to be written
+  ContextState_ArrayOpen = 2,        // a writer has opened an array for them
+  ContextState_CollectionEnd = 3     // the items have been written
+};
+
+// The interface through which objects are written, whatever the document form. It owns what all forms share: the stack
+// of open elements with their namespace scopes, the declarations of the root element, and the invention of prefixes
+// (W3C Namespaces in XML 1.0). A writer serves one document on one thread.
+class RKXML_EXPORT CXmlWriter {
+ public:
+  // Namespace URI to prefix, in ascending order of the URIs.
+  using NamespaceMap = std::map<std::wstring, std::wstring, std::less<>>;
+
+  // One open element and its namespace scope. A scope without declarations of its own shares those of the nearest
+  // ancestor that has some.
+  class RKXML_EXPORT CXmlWriterContext {
+   public:
+    // The root element: takes copies of the writer's default namespace and declarations.
+    CXmlWriterContext(const std::wstring& localName, const std::wstring& namespaceUri,
+                      const std::wstring& defaultNamespace, const NamespaceMap& namespaces,
+                      std::unique_ptr<CXmlWriterContext> parent);
+    // A child element of `parent`, which it owns.
+    CXmlWriterContext(const std::wstring& localName, const std::wstring& namespaceUri,
+                      std::unique_ptr<CXmlWriterContext> parent);
+    CXmlWriterContext(const CXmlWriterContext&) = delete;
+    CXmlWriterContext& operator=(const CXmlWriterContext&) = delete;
+    // Frees the whole chain of parents without recursion.
+    virtual ~CXmlWriterContext();
+
+    const std::wstring& GetDefaultNamespace() const;
+    const NamespaceMap& GetNamespaceMap() const;
+    void SetDefaultNamespace(const std::wstring& namespaceUri);
+    void SetNamespaceMapValue(const std::wstring& namespaceUri, const std::wstring& prefix);
+    // The prefix of the namespace in scope. Like a map's subscript: an absent namespace is added with an empty prefix.
+    std::wstring& GetNamespaceMapValue(const std::wstring& namespaceUri);
+    std::wstring& GetNamespaceMapValue(const wchar_t* namespaceUri);
+    // The prefix of the namespace in scope, or null; inserts nothing.
+    const std::wstring* FindPrefix(const std::wstring& namespaceUri) const;
+
+    std::uint64_t m_childCount = 0;
+    bool m_startTagOpen = true;
+    std::int64_t m_depth = 0;
+    std::wstring m_namespaceUri;
+    std::wstring m_localName;
+    std::unique_ptr<CXmlWriterContext> m_parent;
+    ContextState m_state = ContextState_None;
+
+   private:
+    friend class CXmlWriter;
+    CXmlWriterContext& Scope();
+    const CXmlWriterContext& Scope() const;
+
+    std::wstring m_defaultNamespace;                // valid only in a scope of its own
+    std::unique_ptr<NamespaceMap> m_namespaces;     // null while the scope is inherited
+    CXmlWriterContext* m_inheritedScope = nullptr;  // the ancestor whose scope holds, null for a scope of its own
+  };
+
+  CXmlWriter();
+  CXmlWriter(const CXmlWriter&) = delete;
+  CXmlWriter& operator=(const CXmlWriter&) = delete;
+  virtual ~CXmlWriter();
+
+  virtual void Open();
+  // Throws CRkException "An Element has not been closed.".
+  virtual void Close();
+  // Before the root element these hold for the document; later for the open element.
+  virtual void SetDefaultNamespace(const std::wstring& namespaceUri);
+  virtual void AddNamespace(const std::wstring& prefix, const std::wstring& namespaceUri);
+  virtual void WriteComment(const std::wstring& text) = 0;
+  // `text` is the whole instruction, L"<?go now?>".
+  virtual void WritePI(const std::wstring& text) = 0;
+  virtual void WriteInlineSchema(const std::wstring& schemaText) = 0;
+  virtual void WriteStartElement(const std::wstring& localName, const std::wstring& namespaceUri) = 0;
+  // `type` tells the kind of value that the text came from.
+  virtual void WriteString(const std::wstring& text, ItemType type) = 0;
+  virtual void WriteEndElement() = 0;
+  // Throws CRkException "Attributes must be added before elements".
+  virtual void WriteAttributeString(const std::wstring& localName, const std::wstring& namespaceUri,
+                                    const std::wstring& value, ItemType type) = 0;
+  // xsi:type and xsi:nil="true" (XML Schema Part 1).
+  virtual void WriteAttributeType(const std::wstring& typeNamespaceUri, const std::wstring& typeName,
+                                  ItemType type) = 0;
+  virtual void WriteAttributeNil() = 0;
+
+  // Sets the state of the open element; without one it does nothing.
+  void SetContextState(ContextState state);
+  // The first of "AA", "AB", ... that is not a prefix in the map.
+  static std::wstring GetUniquePrefix(const NamespaceMap& namespaces);
+  static std::wstring NsIntToString(int n);
+
+  // The namespace bound to the prefix xml.
+  static const std::wstring XML_NAMESPACE;
+  // The XML Schema instance namespace (xsi:type, xsi:nil).
+  static const std::wstring XSI_NAMESPACE;
+
+ protected:
+  // Opens a context under the present one and makes it current.
+  CXmlWriterContext& PushContext(const std::wstring& localName, const std::wstring& namespaceUri);
+  // Destroys the current context and makes its parent current.
+  void PopContext();
+
+  std::wstring m_defaultNamespace;
+  std::unique_ptr<CXmlWriterContext> m_context;
+  NamespaceMap m_namespaces;
+};
+
+}  // namespace RkXmlLib16
+
+#endif
