@@ -1,6 +1,7 @@
 #ifndef RKXMLLIB16_TYPES_BINARYDATA_H
 #define RKXMLLIB16_TYPES_BINARYDATA_H
 
+#include <atomic>
 #include <cstdint>
 #include <string>
 
@@ -13,7 +14,7 @@ namespace RkXmlLib16 {
 class RKXML_EXPORT CDataHolder {
  public:
   CDataHolder();
-  // Takes ownership of `data` (allocated with new[]), or copies it when `copy` is true.
+  // Owns `data` (allocated with new[]) from now on, or copies it when `copy` is true.
   CDataHolder(unsigned char* data, unsigned long length, bool copy);
   CDataHolder(const CDataHolder&) = delete;
   CDataHolder& operator=(const CDataHolder&) = delete;
@@ -28,7 +29,9 @@ class RKXML_EXPORT CDataHolder {
   // Appends a copy of `length` bytes, which may lie in this holder; the capacity becomes twice the new length when it
   // does not suffice. Throws CRkException "Failed to append. [RefCount=%d]" when the holder is shared.
   void Append(const unsigned char* data, unsigned long length);
-  // Makes room for `capacity` bytes in all.
+  // Appends `count` bytes for the caller to fill and returns the first. The holder must not be shared.
+  unsigned char* Extend(unsigned long count);
+  // Makes room for `capacity` bytes in all. The holder must not be shared.
   void Reserve(unsigned long capacity);
 
   unsigned char* GetData() const noexcept { return m_data; }
@@ -38,10 +41,16 @@ class RKXML_EXPORT CDataHolder {
   friend class CBinaryData;
   ~CDataHolder();
 
+  bool IsShared() const noexcept { return m_refCount.load(std::memory_order_acquire) > 1; }
+  unsigned long GrownCapacity(unsigned long count) const;
+  // Moves the bytes to a new array and returns the old one, which the caller frees.
+  unsigned char* Move(unsigned long capacity);
+
   unsigned char* m_data = nullptr;
   unsigned long m_length = 0;
   unsigned long m_capacity = 0;
-  std::int64_t m_refCount = 1;
+  // Changed under the lock. Reading it needs none: nobody but the only owner can make it grow from 1.
+  std::atomic<std::int64_t> m_refCount{1};
   CRKCriticalSection m_lock;
 };
 
@@ -53,10 +62,11 @@ class RKXML_EXPORT CDataHolder {
 //   d.GetAsBase64();  // "AKs="
 class RKXML_EXPORT CBinaryData {
  public:
-  CBinaryData();
+  CBinaryData() noexcept;
   CBinaryData(const CBinaryData& other);
   CBinaryData(CBinaryData&& other) noexcept;
-  // Copies the bytes, or takes ownership of `data` (allocated with new[]) when `copy` is false.
+  // Copies the bytes, or owns `data` (allocated with new[]) from now on when `copy` is false. If the constructor
+  // throws, `data` stays the caller's.
   CBinaryData(unsigned char* data, unsigned long length, bool copy);
   // The raw bytes of the wide characters, four a character, without terminator.
   explicit CBinaryData(const wchar_t* text);
@@ -89,6 +99,11 @@ class RKXML_EXPORT CBinaryData {
   void Append(const CBinaryData& other);
   // Makes room for `capacity` bytes in all, so that appends up to it do not move the bytes.
   void Reserve(unsigned long capacity);
+  // Appends `count` bytes for the caller to fill and returns the first of them.
+  unsigned char* Extend(unsigned long count);
+  // Drops the bytes from `length` on; does nothing when there are fewer.
+  void Truncate(unsigned long length);
+  void Swap(CBinaryData& other) noexcept;
 
   // Two upper-case digits a byte, no separators.
   std::wstring GetAsHexString() const;
@@ -99,13 +114,15 @@ class RKXML_EXPORT CBinaryData {
   static unsigned long ConvertToHexData(const wchar_t* text, unsigned char** data);
   // RFC 4648 base64, padded, without line breaks.
   std::wstring GetAsBase64() const;
-  // Skips white space; throws CRkException on other characters that are not base64.
+  // Skips white space; throws CRkException on other characters that are not base64 (see CBase64::Decode). Like
+  // SetAsHexString it leaves the content as it was when it throws.
   void SetAsBase64(const wchar_t* text);
 
  private:
+  void CheckIndex(unsigned long index) const;
   CDataHolder& Exclusive();
 
-  CDataHolder* m_holder;  // never null but in a moved-from object
+  CDataHolder* m_holder = nullptr;  // null only while empty
 };
 
 }  // namespace RkXmlLib16
