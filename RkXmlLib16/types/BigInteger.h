@@ -1,0 +1,116 @@
+#ifndef RKXMLLIB16_TYPES_BIGINTEGER_H
+#define RKXMLLIB16_TYPES_BIGINTEGER_H
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "RkXmlLib16/core/Export.h"
+#include "RkXmlLib16/types/DigitVector.h"
+
+namespace RkXmlLib16 {
+
+class CDecimal;
+
+// An xs:integer of any size: a sign and decimal digits. A value type: copy freely, no locking.
+// Zero may carry either sign and prints as "0".
+//
+//   CBigInteger n(L"123456789012345678901234567890");
+//   (n * n % 97).ToString();
+class RKXML_EXPORT CBigInteger {
+ public:
+  CBigInteger() : CBigInteger(0) {}
+  CBigInteger(int value);
+  CBigInteger(unsigned int value);
+  CBigInteger(long value);
+  CBigInteger(unsigned long value);
+  CBigInteger(long long value);
+  CBigInteger(unsigned long long value);
+  // Rounds with ceil(x - 0.5) of the magnitude. Throws CRkInvalidValueException when the value is not finite.
+  explicit CBigInteger(double value);
+  // Parses lenient text: blanks around it, a leading sign; characters to the left of a non-digit are ignored. Text with
+  // any other character is parsed as a CDecimal, whose errors apply, and rounded to an integer, one half toward zero.
+  CBigInteger(const wchar_t* text);
+  explicit CBigInteger(std::wstring_view text);
+  // The decimal rounded to an integer, one half toward zero.
+  explicit CBigInteger(const CDecimal& value);
+  // `digits` least significant first.
+  CBigInteger(std::int32_t sign, CDigitVector digits);
+  CBigInteger(const CBigInteger& other);
+  CBigInteger(CBigInteger&& other) noexcept;
+  CBigInteger& operator=(const CBigInteger& other);
+  CBigInteger& operator=(CBigInteger&& other) noexcept;
+  virtual ~CBigInteger();
+
+  // Throw CRkInvalidValueException "ERROR: Value out of bound of int." and "... of LONGLONG.".
+  explicit operator int() const;
+  explicit operator long long() const;
+  std::wstring ToString() const;
+  void AppendTo(std::wstring& out) const;
+
+  // +1 or -1, also of zero.
+  std::int32_t GetSign() const noexcept { return m_sign; }
+  // Least significant first; no zeros at the high end, but zero itself may be empty.
+  const CDigitVector& GetDigits() const noexcept { return m_digits; }
+  bool IsZero() const noexcept { return m_digits.empty() || (m_digits.size() == 1 && m_digits[0] == 0); }
+
+  // Abs and Negate change this value, GetAbs and GetNegative leave it.
+  void Abs() noexcept { m_sign = 1; }
+  CBigInteger GetAbs() const;
+  void Negate() noexcept { m_sign = -m_sign; }
+  CBigInteger GetNegative() const;
+  CBigInteger operator-() const { return GetNegative(); }
+
+  // The sign alone decides across signs in < > <= >=, so a zero with sign -1 is below a zero with sign +1, though
+  // == calls them equal.
+  bool operator==(const CBigInteger& other) const noexcept;
+  bool operator!=(const CBigInteger& other) const noexcept { return !(*this == other); }
+  bool operator<(const CBigInteger& other) const noexcept;
+  bool operator>(const CBigInteger& other) const noexcept { return other < *this; }
+  bool operator<=(const CBigInteger& other) const noexcept { return *this < other || *this == other; }
+  bool operator>=(const CBigInteger& other) const noexcept { return other < *this || *this == other; }
+
+  // Quotients are truncated toward zero and the remainder has the dividend's sign. A zero divisor throws
+  // CRkInvalidValueException "ERROR: Overflow in operator/." (and so on by operator); the operands stay unchanged.
+  CBigInteger operator+(const CBigInteger& other) const;
+  CBigInteger operator-(const CBigInteger& other) const;
+  CBigInteger operator*(const CBigInteger& other) const;
+  CBigInteger operator/(const CBigInteger& other) const;
+  CBigInteger operator%(const CBigInteger& other) const;
+  CBigInteger& operator+=(const CBigInteger& other);
+  CBigInteger& operator-=(const CBigInteger& other);
+  CBigInteger& operator*=(const CBigInteger& other);
+  CBigInteger& operator/=(const CBigInteger& other);
+  CBigInteger& operator%=(const CBigInteger& other);
+
+  // The integer square root, rounded down. Throws CRkInvalidValueException for a negative value.
+  CBigInteger SquareRoot() const;
+  static CBigInteger Pow10(unsigned n);
+
+  // Magnitudes as digit vectors, least significant first; results may be the same objects as arguments.
+  static void Clean(CDigitVector& v) noexcept;
+  static int Compare(const CDigitVector& a, const CDigitVector& b) noexcept;  // -1, 0 or 1
+  static int Position(const CDigitVector& v) noexcept;                        // number of digits, at least 1
+  static void Build(const wchar_t* text, CDigitVector& v);
+  static void Build(unsigned int value, CDigitVector& v);
+  static void BuildDWORDLONG(unsigned long long value, CDigitVector& v);
+  static void BuildDouble(double value, CDigitVector& v);
+  static void Add(const CDigitVector& a, const CDigitVector& b, CDigitVector& r);
+  static void Subtract(const CDigitVector& a, const CDigitVector& b, CDigitVector& r);  // requires a >= b
+  static void Multiply(const CDigitVector& a, wchar_t digit, CDigitVector& r);
+  static void Multiply(const CDigitVector& a, const CDigitVector& b, CDigitVector& r);
+  static void ShiftLeft(CDigitVector& v, unsigned n);  // times 10 to the n
+  static void Pow10(unsigned n, CDigitVector& v);
+  // Throws CRkInvalidValueException "ERROR: Overflow in operator/." when b is zero.
+  static void Divide(const CDigitVector& a, const CDigitVector& b, CDigitVector& q, CDigitVector& r);
+
+ private:
+  void Parse(std::wstring_view text);
+
+  std::int32_t m_sign = 1;
+  CDigitVector m_digits;
+};
+
+}  // namespace RkXmlLib16
+
+#endif

@@ -1,0 +1,108 @@
+#ifndef RKXMLLIB16_TYPES_CONVERSIONS_H
+#define RKXMLLIB16_TYPES_CONVERSIONS_H
+
+#include <string>
+#include <string_view>
+
+#include "RkXmlLib16/core/Enumerations.h"
+#include "RkXmlLib16/core/Export.h"
+#include "RkXmlLib16/types/Whitespace.h"
+#include "RkXmlLib16/types/XsdValue.h"
+
+namespace RkXmlLib16 {
+
+// Every XSD primitive value from its lexical form and back. Reading first applies the whitespace rule; what cannot be
+// read throws CRkInvalidValueException, whose message quotes the text after that rule (hexBinary and base64Binary
+// throw CRkException). Numbers read and print the same under every locale of the process.
+//
+//   CConversions::i4FromString(L" 42 ", CWhitespaceUtils::collapse);  // 42
+//   CConversions::monthToString(5);                                   // "--05"
+//
+// i4 and ui4 are long and unsigned long, 64 bits wide.
+class RKXML_EXPORT CConversions {
+ public:
+  using Rule = CWhitespaceUtils::WhitespaceRule;
+
+  // The conversions behind the named ones, chosen by the kind, without a copy of the text:
+  //   long n = CConversions::FromText<ItemType_int>(view, CWhitespaceUtils::collapse);
+  // AppendTo puts the lexical form behind `out`. `format` (null or "%.3f" and the like) reaches float, double and
+  // decimal only.
+  template <ItemType kItem>
+  static XsdValue<kItem> FromText(std::wstring_view text, Rule rule);
+  template <ItemType kItem>
+  static void AppendTo(std::wstring& out, const XsdValue<kItem>& value, const wchar_t* format = nullptr);
+
+  // Integers read as wcstol and its siblings do in base 10: leading white space and a sign are accepted, and the
+  // unsigned ui4 and ui8 negate after a minus sign.
+  static char i1FromString(const std::wstring& text, Rule rule);
+  static short i2FromString(const std::wstring& text, Rule rule);
+  static long i4FromString(const std::wstring& text, Rule rule);
+  static long long i8FromString(const std::wstring& text, Rule rule);
+  static unsigned char ui1FromString(const std::wstring& text, Rule rule);
+  static unsigned short ui2FromString(const std::wstring& text, Rule rule);
+  static unsigned long ui4FromString(const std::wstring& text, Rule rule);
+  static unsigned long long ui8FromString(const std::wstring& text, Rule rule);
+  static std::wstring i1ToString(char value);
+  static std::wstring i2ToString(short value);
+  static std::wstring i4ToString(long value);
+  static std::wstring i8ToString(long long value);
+  static std::wstring ui1ToString(unsigned char value);
+  static std::wstring ui2ToString(unsigned short value);
+  static std::wstring ui4ToString(unsigned long value);
+  static std::wstring ui8ToString(unsigned long long value);
+
+  // "NaN", "INF" and "-INF", else what wcstod reads in the C locale. An empty format prints "%.7g" and "%.16g"; another
+  // one must hold exactly one conversion for a double.
+  static float r4FromString(const std::wstring& text, Rule rule);
+  static double r8FromString(const std::wstring& text, Rule rule);
+  static std::wstring r4ToString(float value);
+  static std::wstring r4ToString(float value, const std::wstring& format);
+  static std::wstring r8ToString(double value);
+  static std::wstring r8ToString(double value, const std::wstring& format);
+
+  // "true", "1", "false", "0", in any case.
+  static bool booleanFromString(const std::wstring& text, Rule rule);
+  static std::wstring booleanToString(bool value);
+  static wchar_t charFromString(const std::wstring& text, Rule rule);
+  static std::wstring charToString(wchar_t value);
+  static std::wstring stringFromString(const std::wstring& text, Rule rule);
+  static std::wstring stringToString(const std::wstring& value);
+
+  // gYear, gMonth and gDay as plain numbers; a zone in the text is dropped. The year prints without padding.
+  static unsigned short yearFromString(const std::wstring& text, Rule rule);
+  static unsigned char monthFromString(const std::wstring& text, Rule rule);
+  static unsigned char dayFromString(const std::wstring& text, Rule rule);
+  static std::wstring yearToString(unsigned short value);
+  static std::wstring monthToString(unsigned char value);
+  static std::wstring dayToString(unsigned char value);
+
+  static CDateTime dateFromString(const std::wstring& text, Rule rule);
+  static CDateTime timeFromString(const std::wstring& text, Rule rule);
+  static CDateTime datetimeFromString(const std::wstring& text, Rule rule);
+  static CDateTime yearMonthFromString(const std::wstring& text, Rule rule);
+  static CDateTime monthDayFromString(const std::wstring& text, Rule rule);
+  static std::wstring dateToString(const CDateTime& value);
+  static std::wstring timeToString(const CDateTime& value);
+  static std::wstring datetimeToString(const CDateTime& value);
+  static std::wstring yearMonthToString(const CDateTime& value);
+  static std::wstring monthDayToString(const CDateTime& value);
+
+  static CDateTimeSpan durationFromString(const std::wstring& text, Rule rule);
+  static std::wstring durationToString(const CDateTimeSpan& value);
+  static CBigInteger integerFromString(const std::wstring& text, Rule rule);
+  static std::wstring integerToString(const CBigInteger& value);
+  // The format, when not empty, is a printf format for a double with a precision ("%.2f"): a decimal prints with that
+  // many fraction digits, exactly.
+  static CDecimal decimalFromString(const std::wstring& text, Rule rule);
+  static std::wstring decimalToString(const CDecimal& value);
+  static std::wstring decimalToString(const CDecimal& value, const std::wstring& format);
+
+  static CBinaryData hexBinaryFromString(const std::wstring& text, Rule rule);
+  static std::wstring hexBinaryToString(const CBinaryData& value);
+  static CBinaryData base64BinaryFromString(const std::wstring& text, Rule rule);
+  static std::wstring base64BinaryToString(const CBinaryData& value);
+};
+
+}  // namespace RkXmlLib16
+
+#endif
