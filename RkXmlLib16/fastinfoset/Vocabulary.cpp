@@ -1,0 +1,202 @@
+#include "RkXmlLib16/fastinfoset/Vocabulary.h"
+
+#include <algorithm>
+#include <functional>
+
+namespace RkXmlLib16 {
+
+namespace {
+
+constexpr std::size_t kFirstBlockLength = 128;
+constexpr std::size_t kMaxBlockLength = 65536;
+constexpr std::wstring_view kXmlPrefix = L"xml";
+constexpr std::wstring_view kXmlNamespaceName = L"http://www.w3.org/XML/1998/namespace";
+
+std::size_t HashText(std::wstring_view text) { return std::hash<std::wstring_view>()(text); }
+
+std::size_t HashParts(const CQNameParts& name) {
+  // The indices have at most 21 bits each; the multiplication spreads them over the whole word.
+  const std::uint64_t joined = static_cast<std::uint64_t>(name.m_prefixIndex) << 42 ^
+                               static_cast<std::uint64_t>(name.m_namespaceNameIndex) << 21 ^ name.m_localNameIndex;
+  return (joined * 0x9E3779B97F4A7C15u) >> 16;
+}
+
+}  // namespace
+
+void CFIIndexHash::Insert(std::size_t hash, unsigned long index) {
+  if ((m_count + 1) * 2 > m_slots.size()) {
+    std::vector<Slot> old(std::max<std::size_t>(16, m_slots.size() * 2));
+    old.swap(m_slots);
+    for (const Slot& slot : old) {
+      if (slot.index != 0) Place(slot);
+    }
+  }
+  Place({Mix(hash), static_cast<std::uint32_t>(index)});
+  ++m_count;
+}
+
+void CFIIndexHash::Place(Slot slot) {
+  const std::size_t mask = m_slots.size() - 1;
+  std::size_t at = slot.hash & mask;
+  while (m_slots[at].index != 0) at = (at + 1) & mask;
+  m_slots[at] = slot;
+}
+
+CFIStringTable::CFIStringTable() = default;
+
+CFIStringTable::CFIStringTable(const CFIStringTable& other) {
+  m_entries.reserve(other.m_entries.size());
+  for (const std::wstring_view text : other.m_entries) Append(text);
+}
+
+CFIStringTable& CFIStringTable::operator=(const CFIStringTable& other) { return *this = CFIStringTable(other); }
+
+CFIStringTable::CFIStringTable(CFIStringTable&&) noexcept = default;
+
+CFIStringTable& CFIStringTable::operator=(CFIStringTable&&) noexcept = default;
+
+CFIStringTable::~CFIStringTable() = default;
+
+unsigned long CFIStringTable::Find(std::wstring_view text) const { return Find(text, HashText(text)); }
+
+unsigned long CFIStringTable::Find(std::wstring_view text, std::size_t hash) const {
+  HashNewEntries();
+  return m_hash.Find(hash, [&](unsigned long index) { return (*this)[index] == text; });
+}
+
+unsigned long CFIStringTable::Add(std::wstring_view text) {
+  const std::size_t hash = HashText(text);
+  const unsigned long index = Find(text, hash);
+  if (index != 0 || size() >= FI_MAX_TABLE_ENTRIES) return index;
+  Append(text);
+  m_hash.Insert(hash, size());
+  m_hashed = size();
+  return size();
+}
+
+void CFIStringTable::Append(std::wstring_view text) {
+  if (size() >= FI_MAX_TABLE_ENTRIES) return;
+  if (text.length() > m_freeLength) {
+    const std::size_t grown = m_blocks.empty() ? kFirstBlockLength : kMaxBlockLength;
+    const std::size_t length = std::max(grown, text.length());
+    m_blocks.push_back(std::unique_ptr<wchar_t[]>(new wchar_t[length]));
+    m_free = m_blocks.back().get();
+    m_freeLength = length;
+  }
+  m_entries.emplace_back(m_free, text.length());
+  std::copy(text.begin(), text.end(), m_free);
+  m_free += text.length();
+  m_freeLength -= text.length();
+}
+
+void CFIStringTable::HashNewEntries() const {
+  for (; m_hashed < size(); ++m_hashed) {
+    const std::wstring_view text = (*this)[m_hashed + 1];
+    const std::size_t hash = HashText(text);
+    if (m_hash.Find(hash, [&](unsigned long index) { return (*this)[index] == text; }) == 0) {
+      m_hash.Insert(hash, m_hashed + 1);
+    }
+  }
+}
+
+unsigned long CFIQNameTable::Find(const CQNameParts& name) const {
+  const auto find = [this](const CQNameParts& wanted) {
+    return m_hash.Find(HashParts(wanted), [&](unsigned long index) { return (*this)[index] == wanted; });
+  };
+  for (; m_hashed < size(); ++m_hashed) {
+    const CQNameParts& entry = m_entries[m_hashed];
+    if (find(entry) == 0) m_hash.Insert(HashParts(entry), m_hashed + 1);
+  }
+  return find(name);
+}
+
+unsigned long CFIQNameTable::Add(const CQNameParts& name) {
+  const unsigned long index = Find(name);
+  if (index != 0 || size() >= FI_MAX_TABLE_ENTRIES) return index;
+  m_entries.push_back(name);
+  m_hash.Insert(HashParts(name), size());
+  m_hashed = size();
+  return size();
+}
+
+void CFIQNameTable::Append(const CQNameParts& name) {
+  if (size() < FI_MAX_TABLE_ENTRIES) m_entries.push_back(name);
+}
+
+CFIVocabulary::CFIVocabulary() {
+  m_prefixNames.Append(kXmlPrefix);
+  m_namespaceNames.Append(kXmlNamespaceName);
+}
+
+CFIVocabulary::CFIVocabulary(const CFIVocabulary& other) = default;
+
+CFIVocabulary& CFIVocabulary::operator=(const CFIVocabulary& other) = default;
+
+CFIVocabulary::~CFIVocabulary() = default;
+
+bool CFIVocabulary::FindPrefixNameIndex(std::wstring_view name, unsigned long& index) const {
+  return FindIndex(m_prefixNames, name, index);
+}
+
+bool CFIVocabulary::FindNamespaceNameIndex(std::wstring_view name, unsigned long& index) const {
+  return FindIndex(m_namespaceNames, name, index);
+}
+
+bool CFIVocabulary::FindLocalNameIndex(std::wstring_view name, unsigned long& index) const {
+  return FindIndex(m_localNames, name, index);
+}
+
+bool CFIVocabulary::FindIndex(const CFIStringTable& map, std::wstring_view key, unsigned long& index) {
+  const unsigned long found = map.Find(key);
+  if (found == 0) return false;
+  index = found;
+  return true;
+}
+
+void CFIVocabulary::AddPrefixName(std::wstring_view name) { AddValueToMap(name, m_prefixNames); }
+
+void CFIVocabulary::AddNamespaceName(std::wstring_view name) { AddValueToMap(name, m_namespaceNames); }
+
+void CFIVocabulary::AddLocalName(std::wstring_view name) { AddValueToMap(name, m_localNames); }
+
+void CFIVocabulary::AddAttributeValue(std::wstring_view value) { AddValueToMap(value, m_attributeValues); }
+
+void CFIVocabulary::AddElementValue(std::wstring_view value) { AddValueToMap(value, m_characterChunks); }
+
+void CFIVocabulary::AddValueToMap(std::wstring_view text, CFIStringTable& map) { map.Add(text); }
+
+void CFIVocabulary::AddValueToVector(std::wstring_view text, CFIStringTable& vector) { vector.Append(text); }
+
+unsigned long CFIVocabulary::AddQName(std::wstring_view prefix, std::wstring_view namespaceName,
+                                      std::wstring_view localName, CFIQNameTable& table) {
+  CQNameParts parts;
+  if (!prefix.empty()) parts.m_prefixIndex = m_prefixNames.Add(prefix);
+  if (!namespaceName.empty()) parts.m_namespaceNameIndex = m_namespaceNames.Add(namespaceName);
+  if (!localName.empty()) parts.m_localNameIndex = m_localNames.Add(localName);
+  const bool isComplete = (prefix.empty() || parts.m_prefixIndex != 0) &&
+                          (namespaceName.empty() || parts.m_namespaceNameIndex != 0) &&
+                          (localName.empty() || parts.m_localNameIndex != 0);
+  return isComplete ? table.Add(parts) : 0;
+}
+
+unsigned long CFIVocabulary::AddElement(std::wstring_view prefix, std::wstring_view namespaceName,
+                                        std::wstring_view localName) {
+  return AddQName(prefix, namespaceName, localName, m_elementNames);
+}
+
+unsigned long CFIVocabulary::AddAttribute(std::wstring_view prefix, std::wstring_view namespaceName,
+                                          std::wstring_view localName) {
+  return AddQName(prefix, namespaceName, localName, m_attributeNames);
+}
+
+void CFIVocabulary::AddQNameToVector(unsigned long prefixIndex, unsigned long namespaceNameIndex,
+                                     unsigned long localNameIndex, CFIQNameTable& vector) {
+  vector.Append({prefixIndex, namespaceNameIndex, localNameIndex});
+}
+
+const std::vector<std::wstring>& CFIVocabulary::GetRestrictedAlphabets() {
+  static const std::vector<std::wstring> alphabets = {L"0123456789-+.e ", L"0123456789-:TZ "};
+  return alphabets;
+}
+
+}  // namespace RkXmlLib16
