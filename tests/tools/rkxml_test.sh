@@ -1,0 +1,166 @@
+#!/usr/bin/env bash
+# rkxml_test.sh PROGRAM DATA: runs the command-line tool as a user does.
+# shellcheck disable=SC2015
+set -uo pipefail
+rkxml=$1
+data=$2
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cd "$work" || exit 1
+failures=0
+
+fail() {
+  echo "FAILED: $*"
+  failures=$((failures + 1))
+}
+
+# run STATUS ARGUMENTS...: the exit status is STATUS; out and err hold what was said.
+run() {
+  local wanted=$1 status=0
+  shift
+  "$rkxml" "$@" >out 2>err </dev/null || status=$?
+  [ "$status" = "$wanted" ] || fail "rkxml $*: exit $status instead of $wanted: $(cat err)"
+}
+
+# refuses STATUS TEXT ARGUMENTS...: the same, with one line on standard error that holds TEXT.
+refuses() {
+  local status=$1 text=$2
+  shift 2
+  run "$status" "$@"
+  [ "$(wc -l <err)" = 1 ] && grep -qF -- "rkxml: " err && grep -qF -- "$text" err ||
+    fail "rkxml $*: says [$(cat err)] instead of one line with [$text]"
+  [ ! -s out ] || fail "rkxml $*: writes to standard output"
+}
+
+same() { cmp -s "$1" "$2" || fail "$1 and $2 differ"; }
+
+# same_document A B: equal under canonical XML, white space between elements aside.
+same_document() {
+  command -v xmllint >/dev/null || return 0
+  xmllint --noblanks --c14n "$1" >left && xmllint --noblanks --c14n "$2" >right && cmp -s left right ||
+    fail "$1 and $2 are not the same document"
+}
+
+nothing_left() {
+  local names
+  names=$(find . -maxdepth 1 -name '*.??????' ! -name '*.sample')
+  [ -z "$names" ] || fail "left behind: $names"
+}
+
+## Calls
+for call in '--help' '-h' 'convert --help' 'show -h'; do
+  # shellcheck disable=SC2086
+  run 0 $call
+  grep -q '^Usage: rkxml' out || fail "$call shows no usage"
+  [ "$(wc -L <out)" -le 80 ] || fail "$call is wider than a terminal"
+done
+run 0 --version
+grep -Eqx 'rkxml [0-9]+\.[0-9]+\.[0-9]+' out || fail "--version says $(cat out)"
+refuses 2 'see rkxml --help'
+refuses 2 'did you mean convert?' convrt a b
+refuses 2 'no output file' convert a
+refuses 2 'no input file' show
+refuses 2 'one file too many' show a b
+refuses 2 'did you mean --pretty?' convert --prety a b
+refuses 2 'does not go with show' show --compact a
+refuses 2 'takes no value' convert --compact=yes a b
+refuses 2 'needs a value' convert a b --indent
+refuses 2 '0 to 99' convert --indent x a b
+refuses 2 'lf, crlf' convert --eol cr a b
+refuses 2 'utf-8, utf-16, wide' convert --encoding latin a b
+refuses 2 "unknown option '--from?[31m'" convert $'--from\e[31m' x a b
+
+## Round trips
+track=$data/track.gpx
+run 0 convert "$track" pretty.gpx
+same_document "$track" pretty.gpx
+run 0 convert --compact "$track" track.gpx.gz
+gzip -t track.gpx.gz || fail "a name in .gz is not compressed"
+run 0 convert track.gpx.gz again.gpx
+same pretty.gpx again.gpx
+run 0 convert pretty.gpx pretty.gpx
+same pretty.gpx again.gpx
+"$rkxml" convert --compact - - <"$track" >piped.gpx || fail "pipe"
+run 0 convert --compact "$track" compact.gpx
+same piped.gpx compact.gpx
+[ "$(wc -l <compact.gpx)" -le 1 ] || fail "compact output has lines"
+run 0 convert --gzip "$track" gzipped.xml
+gzip -dc <gzipped.xml >gunzipped.xml
+same gunzipped.xml pretty.gpx
+printf '<a><b>x</b>\n<b y="1"/></a>' >small.xml
+run 0 convert --indent 3 --eol crlf small.xml -
+printf '<?xml version="1.0" encoding="UTF-8"?>\r\n<a>\r\n   <b>x</b>\r\n   <b y="1"/>\r\n</a>' >wanted
+same out wanted
+run 0 convert --encoding=wide --compact small.xml -
+[ "$(wc -c <out)" = $((4 * (21 + 30))) ] || fail "wide output is $(wc -c <out) bytes"
+cp small.xml -- --odd
+run 0 convert --compact -- --odd odd.xml
+[ -s odd.xml ] || fail "a file name that looks like an option"
+
+## show
+run 0 show track.gpx.gz
+for text in 'form        XML text' 'wrapper     gzip' 'encoding    UTF-8' 'root        gpx' \
+            'namespaces  (default)  http://www.topografix.com/GPX/1/1' '            hike       https://' \
+            'depth       7'; do
+  grep -qF -- "$text" out || fail "show does not say [$text] but $(cat out)"
+done
+elements=$(grep -o '<[a-z][A-Za-z:]*' "$track" | wc -l)
+grep -qx "elements    $elements" out || fail "show counts $(grep elements out), not $elements"
+printf '\377\376<\0a\0/\0>\0' >utf16.xml
+run 0 show utf16.xml
+grep -q 'UTF-16' out || fail "UTF-16 is not recognised"
+printf '<?xml version="1.0" encoding="ISO-8859-1"?><a b="\351"/>' >latin.xml
+run 0 show latin.xml
+grep -q 'ISO-8859-1' out && grep -q 'attributes  1' out && grep -q 'namespaces  none' out || fail "show latin.xml"
+
+## Deep documents
+{ printf '<d>%.0s' {1..100000}; printf '</d>%.0s' {1..100000}; } >deep.xml
+run 0 convert --compact deep.xml deep2.xml
+same_length=$(($(wc -c <deep2.xml) > 600000))
+[ $same_length = 1 ] || fail "the deep document is cut"
+run 0 show deep.xml
+grep -q 'depth       100,000' out || fail "deep.xml: $(cat out)"
+
+## Bad documents and files: one line, exit 1, and the target stays as it was
+echo precious >target.xml
+bad() {
+  refuses 1 "$2" convert "$1" target.xml
+  refuses 1 "$2" show "$1"
+  [ "$(cat target.xml)" = precious ] || fail "$1 has changed the target"
+  refuses 1 "$2" convert "$1" new.xml
+  [ ! -e new.xml ] || fail "$1 has made a target"
+  nothing_left
+}
+: >empty.xml
+bad empty.xml 'XML Stream is empty!'
+printf '<a><b></a>' >malformed.xml
+bad malformed.xml 'mismatched tag at line 1'
+head -c 900 "$track" >truncated.xml
+bad truncated.xml 'at line'
+head -c 900 track.gpx.gz >truncated.gpx.gz
+bad truncated.gpx.gz 'the gzip data is damaged or cut short'
+bad missing.xml 'cannot open missing.xml: No such file'
+bad . 'Is a directory'
+refuses 1 'cannot write' convert "$track" nowhere/target.xml
+refuses 1 'too small to shrink' convert small.xml small.xml.gz
+[ ! -e small.xml.gz ] || fail "a failed compression has made a target"
+if [ -e /dev/full ]; then
+  "$rkxml" convert "$track" - >/dev/full 2>err && fail "a full device goes unnoticed"
+  grep -q 'No space left' err || fail "a full device is not named"
+  refuses 1 'No space left' convert "$track" /dev/full
+fi
+# A file size limit breaks the write halfway.
+(ulimit -f 4 && trap '' XFSZ && "$rkxml" convert "$track" target.xml 2>/dev/null) && fail "a broken write goes unnoticed"
+[ "$(cat target.xml)" = precious ] || fail "a broken write has changed the target"
+nothing_left
+
+## The target keeps its mode, and a link stays a link
+chmod 640 target.xml
+ln -s target.xml link.xml
+run 0 convert "$track" link.xml
+[ -L link.xml ] && [ "$(stat -c %a target.xml)" = 640 ] || fail "mode or link is lost"
+same target.xml pretty.gpx
+nothing_left
+
+[ "$failures" = 0 ] || { echo "$failures failures"; exit 1; }
+echo "all passed"

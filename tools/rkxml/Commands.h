@@ -1,0 +1,21 @@
+#ifndef RKXML_TOOL_COMMANDS_H
+#define RKXML_TOOL_COMMANDS_H
+
+#include <string>
+
+#include "Options.h"
+
+// The commands. They throw FileError, CRkException and DocumentError.
+void Convert(const Options& options);
+void Show(const Options& options);
+
+// The help of a command, or of the tool for Command::None.
+std::string Help(Command command);
+
+// A document that is bad in a way that the tool can say better than the library.
+class DocumentError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+#endif

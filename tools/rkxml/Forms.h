@@ -1,0 +1,42 @@
+#ifndef RKXML_TOOL_FORMS_H
+#define RKXML_TOOL_FORMS_H
+
+#include <RkXmlLib16/RkXmlLib16.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Files.h"
+
+// How the output is to look.
+struct Layout {
+  bool pretty = true;
+  std::wstring indent = L"\t";
+  RkXmlLib16::EOLType eol = RkXmlLib16::EOLType_LF;
+  RkXmlLib16::XmlEncoding encoding = RkXmlLib16::XmlEncoding_UTF8;
+  bool gzip = false;
+};
+
+// A form that documents have. To add one, add a row to the table in Forms.cpp.
+struct Form {
+  const char* name;                           // as --from and --to take it
+  const char* title;                          // as people call it
+  std::vector<std::string_view> fileEndings;  // in lower case
+  void (*load)(RkXmlLib16::CXmlDocument& document, Bytes& bytes);
+  RkXmlLib16::CBinaryData (*write)(const RkXmlLib16::CXmlObjectBase& object, const Layout& layout,
+                                   const RkXmlLib16::CSerializationContext& context);
+};
+
+const std::vector<Form>& Forms();
+
+// The form with this name, or null.
+const Form* FindForm(std::string_view name);
+
+// The form that the ending of a file name tells, with or without ".gz" behind it; XML where it tells none.
+const Form& FormOfFile(std::string_view fileName);
+
+// Whether the file name ends in ".gz".
+bool IsGzipName(std::string_view fileName);
+
+#endif

@@ -1,0 +1,68 @@
+#include "Commands.h"
+
+namespace {
+
+std::string FormNames() {
+  std::string names;
+  for (const Form& form : Forms()) names += (names.empty() ? "" : ", ") + std::string(form.name);
+  return names;
+}
+
+}  // namespace
+
+std::string Help(Command command) {
+  switch (command) {
+    case Command::Convert:
+      return "Usage: rkxml convert [options] IN OUT\n"
+             "\n"
+             "Reads the document IN and writes it to OUT. '-' is standard input or output.\n"
+             "OUT appears complete or not at all; IN and OUT may be the same file.\n"
+             "\n"
+             "  --from FORM, --to FORM  form of IN and of OUT: " +
+             FormNames() +
+             "\n"
+             "                          (default: by file ending, else xml)\n"
+             "  --pretty                lines and indentation (default)\n"
+             "  --compact               no lines and no indentation\n"
+             "  --indent N|tab          indent by N blanks or by tabs (default: tab)\n"
+             "  --eol lf|crlf           line ends of pretty output (default: lf)\n"
+             "  --encoding NAME         utf-8 (default), utf-16 or wide; the last two are the\n"
+             "                          raw memory forms, which XML parsers do not read\n"
+             "  --gzip                  compress; implied when OUT ends in .gz\n"
+             "  -h, --help              this text\n"
+             "\n"
+             "A gzip or zlib wrapper around IN is recognised and taken off.\n"
+             "\n"
+             "Examples:\n"
+             "  rkxml convert --compact track.gpx track.gpx.gz\n"
+             "  rkxml convert --indent 2 track.gpx.gz - | less\n";
+    case Command::Show:
+      return "Usage: rkxml show [options] IN\n"
+             "\n"
+             "Shows what the document IN holds: form, wrapper, bytes, encoding, root element,\n"
+             "namespaces with their prefixes, number of elements and attributes, and greatest\n"
+             "depth. '-' is standard input.\n"
+             "\n"
+             "  --from FORM             form of IN: " +
+             FormNames() +
+             "\n"
+             "                          (default: by file ending, else xml)\n"
+             "  -h, --help              this text\n"
+             "\n"
+             "Example:\n"
+             "  rkxml show track.gpx.gz\n";
+    case Command::None:
+      break;
+  }
+  return "Usage: rkxml COMMAND [options] FILES\n"
+         "\n"
+         "Converts and inspects XML documents.\n"
+         "\n"
+         "  convert IN OUT          read a document and write it in another form or layout\n"
+         "  show IN                 tell what a document holds\n"
+         "  -h, --help              this text; rkxml COMMAND --help tells about a command\n"
+         "  --version               the version\n"
+         "\n"
+         "Exit status: 0 done, 1 the document is bad or a file cannot be read or written,\n"
+         "2 the call is wrong.\n";
+}

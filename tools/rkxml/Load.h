@@ -1,0 +1,16 @@
+#ifndef RKXML_TOOL_LOAD_H
+#define RKXML_TOOL_LOAD_H
+
+#include "Commands.h"
+
+// Fills `document` from the bytes of options.input. Failures name the file.
+void LoadDocument(RkXmlLib16::CXmlDocument& document, const Options& options, Bytes& bytes);
+
+// The wrapper around the bytes, told by its magic number.
+enum class Wrapper { None, Gzip, Zlib };
+Wrapper WrapperOf(const Bytes& bytes);
+
+// The bytes without their wrapper; unchanged when there is none or it is damaged.
+RkXmlLib16::CBinaryData Unwrapped(const Bytes& bytes);
+
+#endif

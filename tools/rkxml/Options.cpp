@@ -1,0 +1,164 @@
+#include "Options.h"
+
+#include <algorithm>
+#include <numeric>
+#include <string_view>
+#include <vector>
+
+#include "Text.h"
+
+using namespace RkXmlLib16;
+
+namespace {
+
+std::string Quoted(std::string_view word) { return "'" + ForTerminal(word) + "'"; }
+
+[[noreturn]] void ThrowBadValue(std::string_view option, std::string_view value, const std::string& allowed) {
+  throw UsageError("option " + std::string(option) + " does not take " + Quoted(value), "it takes " + allowed);
+}
+
+const Form* FormOption(std::string_view option, std::string_view value) {
+  if (const Form* form = FindForm(value)) return form;
+  std::string names;
+  for (const Form& form : Forms()) names += (names.empty() ? "" : ", ") + std::string(form.name);
+  ThrowBadValue(option, value, names);
+}
+
+std::wstring IndentOption(std::string_view value) {
+  if (value == "tab") return L"\t";
+  const bool digits = !value.empty() && value.size() <= 2 &&
+                      std::all_of(value.begin(), value.end(), [](char c) { return c >= '0' && c <= '9'; });
+  if (!digits) ThrowBadValue("--indent", value, "a number of blanks from 0 to 99, or tab");
+  return std::wstring(std::stoul(std::string(value)), L' ');
+}
+
+EOLType EolOption(std::string_view value) {
+  if (value == "lf") return EOLType_LF;
+  if (value == "crlf") return EOLType_CRLF;
+  ThrowBadValue("--eol", value, "lf, crlf");
+}
+
+XmlEncoding EncodingOption(std::string_view value) {
+  if (value == "utf-8") return XmlEncoding_UTF8;
+  if (value == "utf-16") return XmlEncoding_UTF16;
+  if (value == "wide") return XmlEncoding_Wide;
+  ThrowBadValue("--encoding", value, "utf-8, utf-16, wide");
+}
+
+// One option. `apply` gets the value, or an empty text for an option without one.
+struct Option {
+  std::string_view name;
+  bool takesValue;
+  bool forShow;
+  void (*apply)(Options& options, std::string_view value);
+};
+
+constexpr Option kOptions[] = {
+    {"--from", true, true, [](Options& o, std::string_view v) { o.from = FormOption("--from", v); }},
+    {"--to", true, false, [](Options& o, std::string_view v) { o.to = FormOption("--to", v); }},
+    {"--pretty", false, false, [](Options& o, std::string_view) { o.layout.pretty = true; }},
+    {"--compact", false, false, [](Options& o, std::string_view) { o.layout.pretty = false; }},
+    {"--indent", true, false, [](Options& o, std::string_view v) { o.layout.indent = IndentOption(v); }},
+    {"--eol", true, false, [](Options& o, std::string_view v) { o.layout.eol = EolOption(v); }},
+    {"--encoding", true, false, [](Options& o, std::string_view v) { o.layout.encoding = EncodingOption(v); }},
+    {"--gzip", false, false, [](Options& o, std::string_view) { o.layout.gzip = true; }},
+    {"--help", false, true, [](Options& o, std::string_view) { o.help = true; }},
+    {"-h", false, true, [](Options& o, std::string_view) { o.help = true; }},
+    {"--version", false, true, [](Options& o, std::string_view) { o.version = true; }},
+};
+
+// The number of characters to change, add or drop to make one word the other.
+std::size_t Distance(std::string_view a, std::string_view b) {
+  std::vector<std::size_t> row(b.size() + 1);
+  std::iota(row.begin(), row.end(), std::size_t{0});
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    std::size_t diagonal = row[0]++;
+    for (std::size_t k = 0; k < b.size(); ++k) {
+      const std::size_t changed = diagonal + (a[i] == b[k] ? 0 : 1);
+      diagonal = row[k + 1];
+      row[k + 1] = std::min({changed, row[k] + 1, diagonal + 1});
+    }
+  }
+  return row.back();
+}
+
+// "did you mean ...?" where a known word is near, else where to look.
+std::string Hint(std::string_view word, const std::vector<std::string_view>& known) {
+  for (const std::string_view name : known) {
+    if (word.size() < 32 && Distance(word, name) <= 2) return "did you mean " + std::string(name) + "?";
+  }
+  return "see rkxml --help";
+}
+
+const Option& FindOption(std::string_view name, Command command) {
+  std::vector<std::string_view> known;
+  for (const Option& option : kOptions) {
+    if (option.name == name) {
+      if (command != Command::Show || option.forShow) return option;
+      throw UsageError("option " + std::string(name) + " does not go with show", "see rkxml show --help");
+    }
+    known.push_back(option.name);
+  }
+  throw UsageError("unknown option " + Quoted(name), Hint(name, known));
+}
+
+Command ParseCommand(std::string_view word) {
+  if (word == "convert") return Command::Convert;
+  if (word == "show") return Command::Show;
+  throw UsageError("unknown command " + Quoted(word), Hint(word, {"convert", "show"}));
+}
+
+void TakeFiles(Options& options, const std::vector<std::string>& files) {
+  const bool convert = options.command == Command::Convert;
+  const std::size_t wanted = convert ? 2 : 1;
+  const char* const call = convert ? "the call is: rkxml convert [options] IN OUT" : "the call is: rkxml show IN";
+  if (files.size() < wanted) {
+    throw UsageError(files.empty() ? "no input file given" : "no output file given", call);
+  }
+  if (files.size() > wanted) throw UsageError("one file too many: " + Quoted(files[wanted]), call);
+  for (const std::string& file : files) {
+    if (file.empty()) throw UsageError("a file name is empty", call);
+  }
+  options.input = files[0];
+  if (options.from == nullptr) options.from = &FormOfFile(options.input);
+  if (!convert) return;
+  options.output = files[1];
+  if (options.to == nullptr) options.to = &FormOfFile(options.output);
+  if (IsGzipName(options.output)) options.layout.gzip = true;
+}
+
+}  // namespace
+
+Options ParseOptions(int argc, const char* const* argv) {
+  Options options;
+  std::vector<std::string> files;
+  bool onlyFiles = false;
+  for (int i = 1; i < argc; ++i) {
+    const std::string_view word = argv[i];
+    if (!onlyFiles && word == "--") {
+      onlyFiles = true;
+    } else if (!onlyFiles && word.size() > 1 && word[0] == '-') {
+      const std::size_t equals = word.find('=');
+      const Option& option = FindOption(word.substr(0, equals), options.command);
+      std::string_view value;
+      if (equals != std::string_view::npos) {
+        if (!option.takesValue) {
+          throw UsageError("option " + std::string(option.name) + " takes no value", "leave the '=' away");
+        }
+        value = word.substr(equals + 1);
+      } else if (option.takesValue) {
+        if (++i >= argc) throw UsageError("option " + std::string(option.name) + " needs a value", "see rkxml --help");
+        value = argv[i];
+      }
+      option.apply(options, value);
+    } else if (options.command == Command::None) {
+      options.command = ParseCommand(word);
+    } else {
+      files.emplace_back(word);
+    }
+  }
+  if (options.help || options.version) return options;
+  if (options.command == Command::None) throw UsageError("no command given", "see rkxml --help");
+  TakeFiles(options, files);
+  return options;
+}

@@ -1,0 +1,36 @@
+#ifndef RKXML_TOOL_OPTIONS_H
+#define RKXML_TOOL_OPTIONS_H
+
+#include <stdexcept>
+#include <string>
+
+#include "Forms.h"
+
+enum class Command { None, Convert, Show };
+
+// What the command line asks for.
+struct Options {
+  Command command = Command::None;
+  bool help = false;
+  bool version = false;
+  std::string input;
+  std::string output;
+  const Form* from = nullptr;  // never null once parsed
+  const Form* to = nullptr;    // never null once parsed
+  Layout layout;
+};
+
+// A wrong call: the reason, and on the next line what may help.
+class UsageError : public std::runtime_error {
+ public:
+  UsageError(const std::string& reason, std::string hint) : std::runtime_error(reason), m_hint(std::move(hint)) {}
+  const std::string& GetHint() const { return m_hint; }
+
+ private:
+  std::string m_hint;
+};
+
+// Throws UsageError.
+Options ParseOptions(int argc, const char* const* argv);
+
+#endif

@@ -1,0 +1,141 @@
+#include <cstdio>
+#include <unordered_set>
+
+#include "Load.h"
+#include "Progress.h"
+#include "Text.h"
+
+using namespace RkXmlLib16;
+
+namespace {
+
+struct Summary {
+  unsigned long long elements = 0;
+  unsigned long long attributes = 0;
+  unsigned long long depth = 0;
+  std::vector<CXmlText> namespaces;  // in the order of their first use
+};
+
+// The namespaces met so far, each once.
+class NamespaceList {
+ public:
+  explicit NamespaceList(std::vector<CXmlText>& list) : m_list(list) {}
+  void Add(CXmlText uri) {
+    if (uri.empty() || uri.c_str() == m_last) return;
+    m_last = uri.c_str();
+    if (m_known.insert(uri.View()).second) m_list.push_back(uri);
+  }
+
+ private:
+  std::vector<CXmlText>& m_list;
+  std::unordered_set<std::wstring_view> m_known;
+  const wchar_t* m_last = nullptr;
+};
+
+Summary Summarise(const CXmlDocument& document) {
+  Summary summary;
+  NamespaceList namespaces(summary.namespaces);
+  unsigned long long depth = 1;
+  for (const CXmlElement* e = document.GetDocumentElement(); e != nullptr;) {
+    ++summary.elements;
+    summary.depth = std::max(summary.depth, depth);
+    namespaces.Add(e->GetNamespaceURI());
+    for (const CXmlAttribute* attribute : e->GetAttributes()) {
+      ++summary.attributes;
+      namespaces.Add(attribute->GetNamespaceURI());
+    }
+    if (const CXmlElement* child = e->GetFirstElement()) {
+      e = child;
+      ++depth;
+      continue;
+    }
+    while (e != nullptr && e->GetNextSiblingElement() == nullptr) {
+      e = e->GetParentElement();
+      --depth;
+    }
+    if (e != nullptr) e = e->GetNextSiblingElement();
+  }
+  return summary;
+}
+
+bool StartsWith(std::string_view text, std::string_view start) { return text.substr(0, start.size()) == start; }
+
+// The XML declaration, or nothing.
+std::string_view DeclarationOf(std::string_view text) {
+  if (StartsWith(text, "\xEF\xBB\xBF")) text.remove_prefix(3);
+  const std::size_t end = StartsWith(text, "<?xml") ? text.find("?>") : std::string_view::npos;
+  return end == std::string_view::npos ? std::string_view() : text.substr(0, end + 2);
+}
+
+// The value of the declaration's encoding, or nothing.
+std::string_view DeclaredEncoding(std::string_view text) {
+  const std::string_view declaration = DeclarationOf(text);
+  const std::size_t name = declaration.find("encoding");
+  const std::size_t start = declaration.find_first_of("'\"", name);
+  if (name == std::string_view::npos || start == std::string_view::npos) return {};
+  return declaration.substr(start + 1, declaration.find(declaration[start], start + 1) - start - 1);
+}
+
+bool IsFastInfoset(std::string_view bytes) {
+  using namespace std::string_view_literals;
+  if (DeclaredEncoding(bytes) == "finf") return true;
+  return StartsWith(bytes, "\xE0\x00\x00\x01"sv);
+}
+
+std::string EncodingOf(std::string_view bytes) {
+  using namespace std::string_view_literals;
+  if (StartsWith(bytes, "\xFF\xFE") || StartsWith(bytes, "<\0?"sv)) return "UTF-16, little-endian";
+  if (StartsWith(bytes, "\xFE\xFF") || StartsWith(bytes, "\0<\0?"sv)) return "UTF-16, big-endian";
+  const std::string_view declared = DeclaredEncoding(bytes);
+  return declared.empty() ? "UTF-8" : ForTerminal(declared);
+}
+
+void Line(const char* name, const std::string& value) { std::printf("%-12s%s\n", name, value.c_str()); }
+
+void ShowNamespaces(const CXmlDocument& document, const std::vector<CXmlText>& namespaces) {
+  std::vector<std::string> prefixes;
+  std::size_t width = 0;
+  for (const CXmlText& uri : namespaces) {
+    const std::wstring alias = document.LookupAliasFromNamespace(uri.c_str());
+    prefixes.push_back(alias.empty() ? "(default)" : ForTerminal(alias));
+    width = std::max(width, prefixes.back().size());
+  }
+  if (namespaces.empty()) Line("namespaces", "none");
+  for (std::size_t i = 0; i < namespaces.size(); ++i) {
+    prefixes[i].resize(width, ' ');
+    Line(i == 0 ? "namespaces" : "", prefixes[i] + "  " + ForTerminal(namespaces[i]));
+  }
+}
+
+}  // namespace
+
+void Show(const Options& options) {
+  CXmlDocument document;
+  Bytes bytes = ReadFile(options.input);
+  {
+    Progress progress;
+    progress.Read(bytes.size());
+    LoadDocument(document, options, bytes);
+  }
+  const Wrapper wrapper = WrapperOf(bytes);
+  const CBinaryData inner = Unwrapped(bytes);
+  const std::string_view text(reinterpret_cast<const char*>(inner.GetData()), inner.GetLength());
+  const Summary summary = Summarise(document);
+  const bool isFastInfoset = IsFastInfoset(text);
+
+  Line("form", isFastInfoset ? "Fast Infoset" : options.from->title);
+  if (wrapper != Wrapper::None && text.size() != bytes.size()) {
+    Line("wrapper", wrapper == Wrapper::Gzip ? "gzip" : "zlib");
+    Line("bytes", Grouped(bytes.size()) + " (" + Grouped(text.size()) + " unwrapped)");
+  } else {
+    Line("wrapper", "none");
+    Line("bytes", Grouped(bytes.size()));
+  }
+  Line("encoding", isFastInfoset ? "binary" : EncodingOf(text));
+  Line("root", ForTerminal(document.GetDocumentElement()->GetLocalName()));
+  ShowNamespaces(document, summary.namespaces);
+  Line("elements", Grouped(summary.elements));
+  Line("attributes", Grouped(summary.attributes));
+  Line("depth", Grouped(summary.depth));
+  if (std::fflush(stdout) != 0) throw FileError("cannot write the standard stream");
+}

@@ -1,0 +1,34 @@
+#include "Text.h"
+
+using namespace RkXmlLib16;
+
+std::string ForTerminal(std::string_view text) {
+  std::string out(text);
+  for (std::size_t i = 0; i < out.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(out[i]);
+    if (byte < 0x20 || byte == 0x7F) out[i] = '?';
+    // U+0080 to U+009F are controls as well.
+    if (byte == 0xC2 && i + 1 < out.size() && static_cast<unsigned char>(out[i + 1]) < 0xA0) {
+      out.replace(i, 2, "?");
+    }
+  }
+  return out;
+}
+
+std::string ForTerminal(const std::wstring& text) {
+  const CBinaryData utf8 = CEncoder::UnicodeToUtf8Binary(text.c_str());
+  if (utf8.GetLength() == 0) return {};
+  return ForTerminal(std::string_view(reinterpret_cast<const char*>(utf8.GetData()), utf8.GetLength()));
+}
+
+std::string Reason(const CRkException& e) {
+  std::wstring message = e.GetMessage();
+  for (std::size_t at = 0; (at = message.find(L'\n', at)) != std::wstring::npos; at += 2) message.replace(at, 1, L"; ");
+  return ForTerminal(message);
+}
+
+std::string Grouped(unsigned long long number) {
+  std::string out = std::to_string(number);
+  for (std::size_t at = out.size(); at > 3;) out.insert(at -= 3, ",");
+  return out;
+}
