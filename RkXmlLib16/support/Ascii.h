@@ -1,0 +1,83 @@
+#ifndef RKXMLLIB16_SUPPORT_ASCII_H
+#define RKXMLLIB16_SUPPORT_ASCII_H
+
+#include <emmintrin.h>
+
+#include <cstddef>
+
+// Runs of ASCII, sixteen characters at a time. Most text of most documents is such a run.
+namespace RkXmlLib16 {
+
+static_assert(sizeof(wchar_t) == 4, "wide text is UTF-32");
+
+namespace Ascii {
+
+struct WideBlock {
+  __m128i a, b, c, d;
+
+  explicit WideBlock(const wchar_t* text) : a(Load(text)), b(Load(text + 4)), c(Load(text + 8)), d(Load(text + 12)) {}
+
+  bool IsAscii() const {
+    const __m128i all = _mm_or_si128(_mm_or_si128(a, b), _mm_or_si128(c, d));
+    const __m128i above = _mm_andnot_si128(_mm_set1_epi32(0x7F), all);
+    return _mm_movemask_epi8(_mm_cmpeq_epi32(above, _mm_setzero_si128())) == 0xFFFF;
+  }
+
+  static __m128i Load(const wchar_t* text) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(text)); }
+};
+
+inline bool IsAscii(wchar_t c) { return static_cast<char32_t>(c) < 0x80; }
+inline bool IsAscii(unsigned char c) { return c < 0x80; }
+
+// The number of characters before the first one that is not ASCII.
+inline std::size_t RunLength(const wchar_t* text, std::size_t length) {
+  std::size_t i = 0;
+  while (i + 16 <= length && WideBlock(text + i).IsAscii()) i += 16;
+  while (i < length && IsAscii(text[i])) ++i;
+  return i;
+}
+
+inline std::size_t RunLength(const unsigned char* bytes, std::size_t length) {
+  std::size_t i = 0;
+  while (i + 16 <= length && _mm_movemask_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + i))) == 0)
+    i += 16;
+  while (i < length && IsAscii(bytes[i])) ++i;
+  return i;
+}
+
+// Copies the run at the start of `text` to `out`, one byte a character, and returns its length.
+inline std::size_t NarrowRun(const wchar_t* text, std::size_t length, unsigned char* out) {
+  std::size_t i = 0;
+  for (; i + 16 <= length; i += 16) {
+    const WideBlock block(text + i);
+    if (!block.IsAscii()) break;
+    const __m128i bytes = _mm_packus_epi16(_mm_packs_epi32(block.a, block.b), _mm_packs_epi32(block.c, block.d));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out + i), bytes);
+  }
+  for (; i < length && IsAscii(text[i]); ++i) out[i] = static_cast<unsigned char>(text[i]);
+  return i;
+}
+
+// Copies the run at the start of `bytes` to `out`, one character a byte, and returns its length.
+inline std::size_t WidenRun(const unsigned char* bytes, std::size_t length, wchar_t* out) {
+  std::size_t i = 0;
+  const __m128i zero = _mm_setzero_si128();
+  for (; i + 16 <= length; i += 16) {
+    const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + i));
+    if (_mm_movemask_epi8(block) != 0) break;
+    const __m128i low = _mm_unpacklo_epi8(block, zero);
+    const __m128i high = _mm_unpackhi_epi8(block, zero);
+    __m128i* const to = reinterpret_cast<__m128i*>(out + i);
+    _mm_storeu_si128(to, _mm_unpacklo_epi16(low, zero));
+    _mm_storeu_si128(to + 1, _mm_unpackhi_epi16(low, zero));
+    _mm_storeu_si128(to + 2, _mm_unpacklo_epi16(high, zero));
+    _mm_storeu_si128(to + 3, _mm_unpackhi_epi16(high, zero));
+  }
+  for (; i < length && IsAscii(bytes[i]); ++i) out[i] = static_cast<wchar_t>(bytes[i]);
+  return i;
+}
+
+}  // namespace Ascii
+}  // namespace RkXmlLib16
+
+#endif
