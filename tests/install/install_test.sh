@@ -1,56 +1,97 @@
 #!/usr/bin/env bash
-# install_test.sh BUILD CMAKE COMPILER SANITIZE LIBDIR
+# install_test.sh PART BUILD CMAKE COMPILER SANITIZE LIBDIR: builds the project in consumer/ against an installed copy.
+# PART is prefix (what `cmake --install` makes) or packages (what `cpack -G DEB` makes, unpacked into an empty root).
 set -euo pipefail
-build=$1 cmake=$2 compiler=$3 sanitize=$4 libdir=$5
+part=$1 build=$2 cmake=$3 compiler=$4 sanitize=$5 libdir=$6
 source=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
-prefix=$build/installed
-work=$build/consumer
-flags=()
-[ -z "$sanitize" ] || flags=("-fsanitize=$sanitize")
-rm -rf "$prefix" "$work"
+work=$build/install_test/$part
+rm -rf "$work"
 mkdir -p "$work"
 
-"$cmake" --install "$build" --prefix "$prefix" >/dev/null
-
-echo "== what is installed"
-for file in "$libdir/libRkXmlLib16.so" "$libdir/libRkXmlLib16.so.16" include/RkXmlLib16/RkXmlLib16.h bin/rkxml \
-            "$libdir/pkgconfig/RkXmlLib16.pc" "$libdir/cmake/RkXmlLib16/RkXmlLib16Config.cmake" share/man/man1/rkxml.1 \
-            share/bash-completion/completions/rkxml; do
-  [ -e "$prefix/$file" ] || { echo "$file is not installed"; exit 1; }
-done
-[ -z "$(find "$prefix/include" -path '*/internal/*')" ] || { echo "internal headers are installed"; exit 1; }
-if grep -rlE '#include *<(expat|pcre2|zlib)\.h>' "$prefix/include"; then
-  echo "these headers need a dependency's header"
+fail() {
+  echo "$*"
   exit 1
-fi
-"$prefix/bin/rkxml" --version
+}
 
+# consume PREFIX: builds and runs the consumer with CMake and with pkg-config.
+consume() {
+  local prefix=$1 flags=()
+  [ -z "$sanitize" ] || flags=("-fsanitize=$sanitize")
+  echo "== a consumer with CMake"
+  "$cmake" -S "$source/consumer" -B "$work/cmake" -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_CXX_COMPILER="$compiler" \
+    -DCMAKE_CXX_FLAGS="${flags[*]}" >/dev/null
+  "$cmake" --build "$work/cmake" >/dev/null
+  "$work/cmake/consumer"
+
+  echo "== a consumer with pkg-config"
+  if ! command -v pkg-config >/dev/null; then
+    echo "no pkg-config here"
+    exit 77
+  fi
+  export PKG_CONFIG_PATH=$prefix/$libdir/pkgconfig PKG_CONFIG_ALLOW_SYSTEM_CFLAGS=1 PKG_CONFIG_ALLOW_SYSTEM_LIBS=1
+  pkg-config --exact-version=16.0.0 RkXmlLib16
+  # shellcheck disable=SC2046
+  "$compiler" -std=c++17 "${flags[@]}" "$source/consumer/consumer.cpp" -o "$work/by_pkg_config" \
+    $(pkg-config --cflags --libs RkXmlLib16)
+  LD_LIBRARY_PATH=$prefix/$libdir "$work/by_pkg_config"
+}
+
+# check_headers PREFIX: every installed header stands alone and needs no header of a dependency.
 compile_header() {
   echo "#include <$1>" | "${@:2}" -fsyntax-only -Wall -Wextra -Werror -x c++ - || { echo "fails alone: $1"; exit 1; }
 }
 export -f compile_header
-if [ -z "$sanitize" ]; then  # says nothing new there
-  echo "== every header alone and all of them, last first"
-  cd "$prefix/include"
+check_headers() {
+  echo "== headers"
+  cd "$1/include"
+  [ -z "$(find . -path '*/internal/*')" ] || fail "internal headers are installed"
+  ! grep -rlE '#include *<(expat|expat_external|pcre2|zlib)\.h>' . || fail "these need a header of a dependency"
   find RkXmlLib16 -name '*.h' | sort >"$work/headers"
+  local standard
   for standard in c++17 c++20; do
     # shellcheck disable=SC2016
     xargs -P "$(nproc)" -I @ bash -c 'compile_header "$@"' _ @ "$compiler" -std=$standard -I . <"$work/headers"
     tac "$work/headers" | sed 's/.*/#include <&>/' | "$compiler" -std=$standard -fsyntax-only -I . -x c++ -
   done
-fi
+}
 
-echo "== a consumer with CMake"
-"$cmake" -S "$source/consumer" -B "$work/cmake" -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_CXX_COMPILER="$compiler" \
-  -DCMAKE_CXX_FLAGS="${flags[*]}" >/dev/null
-"$cmake" --build "$work/cmake" >/dev/null
-"$work/cmake/consumer"
+test_prefix() {
+  local prefix=$work/prefix file
+  "$cmake" --install "$build" --prefix "$prefix" >/dev/null
+  for file in "$libdir/libRkXmlLib16.so" "$libdir/libRkXmlLib16.so.16" include/RkXmlLib16/RkXmlLib16.h bin/rkxml \
+              "$libdir/pkgconfig/RkXmlLib16.pc" "$libdir/cmake/RkXmlLib16/RkXmlLib16Config.cmake" \
+              share/man/man1/rkxml.1 share/bash-completion/completions/rkxml; do
+    [ -e "$prefix/$file" ] || fail "$file is not installed"
+  done
+  "$prefix/bin/rkxml" --version
+  consume "$prefix"
+  [ -n "$sanitize" ] || check_headers "$prefix"
+}
 
-echo "== a consumer with pkg-config"
-command -v pkg-config >/dev/null || { echo "no pkg-config here"; exit 77; }
-export PKG_CONFIG_PATH=$prefix/$libdir/pkgconfig
-pkg-config --exact-version=16.0.0 RkXmlLib16
-# shellcheck disable=SC2046
-"$compiler" -std=c++17 "${flags[@]}" "$source/consumer/consumer.cpp" -o "$work/by_pkg_config" \
-  $(pkg-config --cflags --libs RkXmlLib16)
-LD_LIBRARY_PATH=$prefix/$libdir "$work/by_pkg_config"
+# depends PACKAGE WORDS...: the package depends on each of these.
+depends() {
+  local found word
+  found=$(dpkg-deb --field "$work"/"$1"_*.deb Depends)
+  for word in "${@:2}"; do
+    [[ ", $found" == *", $word"* ]] || fail "$1 does not depend on $word but on $found"
+  done
+}
+
+test_packages() {
+  local root=$work/root deb
+  if ! command -v dpkg-deb >/dev/null || ! command -v dpkg-shlibdeps >/dev/null; then
+    echo "no tools for Debian packages here"
+    exit 77
+  fi
+  (cd "$build" && "$(dirname "$cmake")/cpack" -G DEB -B "$work" >"$work/log" 2>&1) || { cat "$work/log"; exit 1; }
+  depends librkxmllib16-16 'libc6 (' 'libexpat1 (' 'libpcre2-8-0 (' 'libstdc++6 (' 'zlib1g ('
+  depends librkxmllib16-dev 'librkxmllib16-16 (= 16.0.0'
+  depends rkxml 'librkxmllib16-16 (' 'libc6 (' 'libstdc++6 ('
+  for deb in "$work"/*.deb; do
+    dpkg-deb --extract "$deb" "$root"
+  done
+  LD_LIBRARY_PATH=$root/usr/$libdir "$root/usr/bin/rkxml" --version
+  consume "$root/usr"
+}
+
+"test_$part"

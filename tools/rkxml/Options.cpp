@@ -71,10 +71,10 @@ constexpr Option kOptions[] = {
 std::size_t Distance(std::string_view a, std::string_view b) {
   std::vector<std::size_t> row(b.size() + 1);
   std::iota(row.begin(), row.end(), std::size_t{0});
-  for (std::size_t i = 0; i < a.size(); ++i) {
+  for (const char c : a) {
     std::size_t diagonal = row[0]++;
     for (std::size_t k = 0; k < b.size(); ++k) {
-      const std::size_t changed = diagonal + (a[i] == b[k] ? 0 : 1);
+      const std::size_t changed = diagonal + (c == b[k] ? 0 : 1);
       diagonal = row[k + 1];
       row[k + 1] = std::min({changed, row[k] + 1, diagonal + 1});
     }
