@@ -11,19 +11,19 @@ set(CPACK_COMPONENTS_ALL runtime dev tool)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME librkxmllib16-16)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_GENERATE_SHLIBS ON)
-set(CPACK_COMPONENT_RUNTIME_DESCRIPTION
+set(CPACK_DEBIAN_RUNTIME_DESCRIPTION
   "XML data binding run-time (shared library)\nReads objects of generated classes from XML text, JSON and Fast Infoset documents and writes them back,\nchecking the facets and occurrence limits of their XML Schema.")
 
 set(CPACK_DEBIAN_DEV_PACKAGE_NAME librkxmllib16-dev)
 set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS
   "librkxmllib16-16 (= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})")
-set(CPACK_COMPONENT_DEV_DESCRIPTION
+set(CPACK_DEBIAN_DEV_DESCRIPTION
   "XML data binding run-time (development files)\nHeaders, the CMake package RkXmlLib16 and RkXmlLib16.pc.")
 
 set(CPACK_DEBIAN_TOOL_PACKAGE_NAME rkxml)
@@ -32,7 +32,7 @@ set(CPACK_DEBIAN_TOOL_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_TOOL_PACKAGE_DEPENDS
   "librkxmllib16-16 (>= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})")
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/RkXmlLib16)
-set(CPACK_COMPONENT_TOOL_DESCRIPTION
+set(CPACK_DEBIAN_TOOL_DESCRIPTION
   "convert and inspect XML documents\nConverts documents between plain and compressed, pretty and compact forms and shows what one holds.")
 
 include(CPack)

@@ -50,7 +50,7 @@ check_headers() {
   local standard
   for standard in c++17 c++20; do
     # shellcheck disable=SC2016
-    xargs -P "$(nproc)" -I @ bash -c 'compile_header "$@"' _ @ "$compiler" -std=$standard -I . <"$work/headers"
+    xargs -P "$(nproc)" -I {} bash -c 'compile_header "$@"' _ {} "$compiler" -std=$standard -I . <"$work/headers"
     tac "$work/headers" | sed 's/.*/#include <&>/' | "$compiler" -std=$standard -fsyntax-only -I . -x c++ -
   done
 }
