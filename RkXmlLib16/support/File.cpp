@@ -2,7 +2,9 @@
 
 #include <utility>
 
+#include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/support/Encoder.h"
+#include "RkXmlLib16/support/Format.h"
 
 namespace RkXmlLib16 {
 
@@ -34,6 +36,18 @@ unsigned long CFile::Read(void* bytes, unsigned long length) {
 bool CFile::Close() {
   FILE* const file = std::exchange(m_file, nullptr);
   return file == nullptr || std::fclose(file) == 0;
+}
+
+void ThrowWriteFailed(const std::wstring& fileName) {
+  throw CRkException(FormatString(L"Failed to write data to the file [%ls].", fileName.c_str()));
+}
+
+void OpenForWriting(CFile& file, const std::wstring& fileName, XmlEncoding encoding) {
+  static constexpr unsigned char kMark[] = {0xFF, 0xFE};
+  const bool marked = encoding == XmlEncoding_UTF16 || encoding == XmlEncoding_Wide;
+  if (file.Open(fileName.c_str(), "w") && (!marked || file.Write(kMark, sizeof kMark))) return;
+  file.Close();
+  ThrowWriteFailed(fileName);
 }
 
 }  // namespace RkXmlLib16

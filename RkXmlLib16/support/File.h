@@ -2,7 +2,9 @@
 #define RKXMLLIB16_SUPPORT_FILE_H
 
 #include <cstdio>
+#include <string>
 
+#include "RkXmlLib16/core/Enumerations.h"
 #include "RkXmlLib16/core/Export.h"
 
 namespace RkXmlLib16 {
@@ -31,6 +33,13 @@ class CFile {
  private:
   FILE* m_file = nullptr;
 };
+
+// Throws CRkException "Failed to write data to the file [%ls].".
+[[noreturn]] void ThrowWriteFailed(const std::wstring& fileName);
+
+// Creates the file and writes the byte order mark FF FE when the encoding is UTF16 or Wide. On a failure it closes the
+// file and throws as ThrowWriteFailed does.
+void OpenForWriting(CFile& file, const std::wstring& fileName, XmlEncoding encoding);
 
 }  // namespace RkXmlLib16
 

@@ -1,0 +1,82 @@
+#ifndef RKXMLLIB16_SUPPORT_STRINGBUFFER_H
+#define RKXMLLIB16_SUPPORT_STRINGBUFFER_H
+
+#include <cwchar>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "RkXmlLib16/core/Export.h"
+
+namespace RkXmlLib16 {
+
+// Wide text that grows in blocks, so that appending never moves what is there. Lengths count characters.
+//
+//   [aaaa][bbbb][cc  ]   all blocks but the last are full
+class RKXML_EXPORT CStringBuffer {
+ public:
+  // Blocks of 4095 characters, or of `blockSize` - 1 but at least one.
+  CStringBuffer();
+  explicit CStringBuffer(unsigned long blockSize);
+  CStringBuffer(const CStringBuffer&) = delete;
+  CStringBuffer& operator=(const CStringBuffer&) = delete;
+  virtual ~CStringBuffer();
+
+  // Append a text up to its first NUL; null is an empty text.
+  void Append(const wchar_t* text);
+  void Append(const std::wstring& text) { Append(text.c_str()); }
+  // Appends all characters, which should not be NUL. The text may lie in this buffer.
+  void Append(std::wstring_view text) {
+    if (text.size() > m_capacity - m_used) return AppendInPieces(text);
+    if (text.empty()) return;
+    std::wmemcpy(m_current + m_used, text.data(), text.size());
+    m_used += text.size();
+    m_totalLength += text.size();
+  }
+  void Append(wchar_t character) {
+    if (m_used == m_capacity) AddNewBlock();
+    m_current[m_used++] = character;
+    ++m_totalLength;
+  }
+  // Clear, then append. The text must not lie in this buffer.
+  void SetText(const wchar_t* text);
+
+  unsigned long GetLength() const noexcept { return m_totalLength; }
+  // The whole terminated text, good until the next change. Several blocks become one.
+  const wchar_t* GetText();
+  // A copy of the text; the blocks stay as they are.
+  std::wstring ToString() const;
+  // Calls `visit` with each block's text in order.
+  template <class Visit>
+  void ForEachBlock(Visit&& visit) const {
+    for (const Block& block : m_blocks)
+      visit(std::wstring_view(block.text.get(), block.text.get() == m_current ? m_used : block.capacity));
+  }
+
+  // Empties the buffer; a single block is kept for the next text.
+  void Empty();
+  void Clear();
+
+ private:
+  struct Block {
+    std::unique_ptr<wchar_t[]> text;  // one character more than the capacity, for the terminator
+    unsigned long capacity;
+  };
+
+  static Block MakeBlock(unsigned long capacity);
+  void AddNewBlock();
+  void AppendInPieces(std::wstring_view text);
+  void SetCurrent(unsigned long used);
+
+  std::vector<Block> m_blocks;
+  unsigned long m_blockSize = 4095;
+  unsigned long m_used = 0;      // of the last block
+  unsigned long m_capacity = 0;  // of the last block
+  wchar_t* m_current = nullptr;  // the last block
+  unsigned long m_totalLength = 0;
+};
+
+}  // namespace RkXmlLib16
+
+#endif

@@ -1,0 +1,192 @@
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+
+#include "Expect.h"
+#include "RkXmlLib16/support/BinaryStream.h"
+#include "RkXmlLib16/support/File.h"
+#include "RkXmlLib16/support/TextStream.h"
+
+using namespace RkXmlLib16;
+
+namespace {
+
+constexpr wchar_t kUnnamedFailure[] = L"Failed to write data to the file";
+constexpr wchar_t kUnknownEncoding[] = L"Unknown Encoding, select UTF-8 (contact our support team)";
+const std::wstring kHigh(1, 0xD83D);
+const std::wstring kLow(1, 0xDE00);
+
+std::wstring EncodedHex(XmlEncoding encoding, const std::wstring& text) {
+  CTextStream stream(encoding);
+  stream.Append(text);
+  return stream.GetEncodedStream().GetAsHexString();
+}
+
+// A file of this test, removed at its end.
+class ScratchFile {
+ public:
+  ScratchFile() : m_path(testing::TempDir() + "rkxml_stream_\xC3\xA9.tmp") {}
+  ~ScratchFile() { std::remove(m_path.c_str()); }
+  std::wstring Name() const {
+    std::wstring name;
+    for (const char c : testing::TempDir()) name += static_cast<wchar_t>(c);
+    return name + L"rkxml_stream_\u00E9.tmp";
+  }
+  std::wstring Hex() const {
+    std::ifstream file(m_path, std::ios::binary);
+    CBinaryData data;
+    for (std::istreambuf_iterator<char> at(file), end; at != end; ++at) data.Append(static_cast<unsigned char>(*at));
+    return data.GetAsHexString();
+  }
+
+ private:
+  std::string m_path;
+};
+
+bool HasFullDevice() { return std::ifstream("/dev/full").good(); }
+
+}  // namespace
+
+TEST(TextStream, EncodesItsText) {
+  EXPECT_WIDE_EQ(L"61C3A9", EncodedHex(XmlEncoding_UTF8, L"a\u00E9"));
+  EXPECT_WIDE_EQ(L"61000000E9000000", EncodedHex(XmlEncoding_Wide, L"a\u00E9"));
+  for (const auto encoding : {XmlEncoding_UTF8, XmlEncoding_UTF16, XmlEncoding_Wide})
+    EXPECT_WIDE_EQ(L"", EncodedHex(encoding, L""));
+  for (const auto encoding : {XmlEncoding_None, static_cast<XmlEncoding>(4)})
+    EXPECT_RK_THROWS(CRkException, kUnknownEncoding, CTextStream(encoding).GetEncodedStream());
+}
+
+TEST(TextStream, EncodingUtf16WidensTheBytesOfTheWideTextIntended) {
+  EXPECT_WIDE_EQ(L"6100000000000000E900", EncodedHex(XmlEncoding_UTF16, L"a\u00E9bcd"));
+  EXPECT_WIDE_EQ(L"AC0020000000", EncodedHex(XmlEncoding_UTF16, L"\u20ACbc"));
+}
+
+TEST(TextStream, EncodesAcrossBlocksWithoutJoiningThem) {
+  const std::wstring text = std::wstring(4094, L'x') + kHigh + kLow + L"y" + kHigh;
+  CTextStream stream(XmlEncoding_UTF8);
+  stream.Append(text);
+  const CBinaryData utf8 = stream.GetEncodedStream();
+  EXPECT_EQ(4094u + 4 + 1 + 3, utf8.GetLength());
+  EXPECT_WIDE_EQ(L"F09F988079EFBFBD", utf8.GetAsHexString().substr(2 * 4094));
+  EXPECT_EQ(text, stream.GetText());
+  stream.Open();
+  EXPECT_EQ(0u, stream.GetLength());
+}
+
+TEST(FileTextStream, WritesWhatWasFlushedWithItsMark) {
+  const struct {
+    XmlEncoding encoding;
+    const wchar_t* hex;
+  } kCases[] = {{XmlEncoding_UTF8, L"61C3A962"},
+                {XmlEncoding_UTF16, L"FFFE610000006200"},
+                {XmlEncoding_Wide, L"FFFE61000000E900000062000000"}};
+  for (const auto& c : kCases) {
+    const ScratchFile scratch;
+    CFileTextStream file(scratch.Name().c_str(), c.encoding);
+    file.Append(L"lost by Open");
+    file.Open();
+    file.Append(L"a\u00E9");
+    file.Flush();
+    EXPECT_EQ(0u, file.GetLength());
+    file.Append(L'b');
+    file.Close();
+    EXPECT_WIDE_EQ(c.hex, scratch.Hex());
+    file.Append(L"too late");
+    file.Flush();
+    file.Close();
+    EXPECT_WIDE_EQ(c.hex, scratch.Hex());
+  }
+}
+
+TEST(FileTextStream, APairSplitBetweenFlushesIsOneCharacter) {
+  const ScratchFile scratch;
+  {
+    CFileTextStream file(scratch.Name().c_str(), XmlEncoding_UTF8);
+    file.Open();
+    for (const std::wstring& piece : {L"a" + kHigh, kLow + L"b", kHigh, kHigh}) {
+      file.Append(piece);
+      file.Flush();
+      file.Flush();
+    }
+  }  // the destructor writes the rest
+  EXPECT_WIDE_EQ(L"61F09F988062EFBFBDEFBFBD", scratch.Hex());
+}
+
+TEST(FileTextStream, TellsOfFilesThatCannotBeWritten) {
+  CFileTextStream missing(L"/no/such/folder/x.xml", XmlEncoding_UTF8);
+  EXPECT_RK_THROWS(CRkException, L"Failed to write data to the file [/no/such/folder/x.xml].", missing.Open());
+  CFileTextStream null(nullptr, XmlEncoding_UTF8);
+  EXPECT_RK_THROWS(CRkException, L"Failed to write data to the file [].", null.Open());
+  const ScratchFile scratch;
+  CFileTextStream unknown(scratch.Name().c_str(), XmlEncoding_None);
+  unknown.Open();
+  unknown.Append(L"a");
+  EXPECT_RK_THROWS(CRkException, kUnknownEncoding, unknown.Flush());
+}
+
+TEST(FileTextStream, AFullDiskFailsOnceAndNeverInTheDestructor) {
+  if (!HasFullDevice()) GTEST_SKIP() << "no /dev/full";
+  CFileTextStream big(L"/dev/full", XmlEncoding_UTF8);
+  big.Open();
+  big.Append(std::wstring(100'000, L'x'));
+  EXPECT_RK_THROWS(CRkException, kUnnamedFailure, big.Flush());
+  big.Flush();
+  big.Close();
+
+  CFileTextStream small(L"/dev/full", XmlEncoding_UTF8);
+  small.Open();
+  small.Append(L"x");
+  small.Flush();
+  EXPECT_RK_THROWS(CRkException, L"Failed to write data to the file [/dev/full].", small.Close());
+
+  CFileTextStream dropped(L"/dev/full", XmlEncoding_UTF8);
+  dropped.Open();
+  dropped.Append(L"x");
+}
+
+TEST(BinaryStream, CollectsBytesWithoutTouchingTheSharedData) {
+  CBinaryData start;
+  start.SetAsHexString(L"01");
+  CBinaryStream stream(start);
+  const unsigned char bytes[] = {3, 4};
+  stream.Append(static_cast<unsigned char>(2));
+  stream.Append(bytes, 2);
+  stream.Append(start);
+  EXPECT_WIDE_EQ(L"0102030401", stream.GetBinaryStream().GetAsHexString());
+  EXPECT_WIDE_EQ(L"01", start.GetAsHexString());
+  EXPECT_EQ(0u, CBinaryStream(L"tracked").GetBinaryStream().GetLength());
+}
+
+TEST(FileBinaryStream, WritesTheBytesBehindTheMark) {
+  CBinaryData data;
+  data.SetAsHexString(L"000D0AFF");
+  for (const auto encoding : {XmlEncoding_None, XmlEncoding_UTF8, XmlEncoding_UTF16, XmlEncoding_Wide}) {
+    const ScratchFile scratch;
+    CFileBinaryStream(scratch.Name().c_str(), encoding, data).ToFile();
+    EXPECT_WIDE_EQ(encoding >= XmlEncoding_UTF16 ? L"FFFE000D0AFF" : L"000D0AFF", scratch.Hex());
+  }
+  EXPECT_RK_THROWS(CRkException, L"Failed to write data to the file [/].",
+                   CFileBinaryStream(L"/", XmlEncoding_None, data).ToFile());
+  if (HasFullDevice()) {
+    EXPECT_RK_THROWS(CRkException, L"Failed to write data to the file [/dev/full].",
+                     CFileBinaryStream(L"/dev/full", XmlEncoding_None, data).ToFile());
+  }
+}
+
+TEST(File, TellsItsLengthAndKeepsItsPosition) {
+  const ScratchFile scratch;
+  CFile file;
+  EXPECT_FALSE(file.Open(scratch.Name().c_str(), "r"));
+  EXPECT_TRUE(file.Close());
+  ASSERT_TRUE(file.Open(scratch.Name().c_str(), "w+"));
+  ASSERT_TRUE(file.Write("abcdef", 6));
+  std::fseek(file.Get(), 2, SEEK_SET);
+  EXPECT_EQ(6, _filelength(file.Get()));
+  char rest[8];
+  EXPECT_EQ(4u, file.Read(rest, sizeof rest));
+  EXPECT_EQ('c', rest[0]);
+  FILE* const pipe = popen("true", "r");
+  ASSERT_NE(nullptr, pipe);
+  EXPECT_EQ(-1, _filelength(pipe));
+  pclose(pipe);
+}
