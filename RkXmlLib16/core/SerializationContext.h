@@ -9,6 +9,7 @@
 #include "RkXmlLib16/core/Enumerations.h"
 #include "RkXmlLib16/core/Export.h"
 #include "RkXmlLib16/core/NamespaceAliasMap.h"
+#include "RkXmlLib16/core/ReadLimits.h"
 #include "RkXmlLib16/core/SmartPtr.h"
 
 namespace RkXmlLib16 {
@@ -98,6 +99,10 @@ class RKXML_EXPORT CSerializationContext {
   CFastInfosetContext* GetFIContext() const;
   CJsonContext* GetJsonContext() const;
 
+  // Reading: how much a document may ask for. Edit in place.
+  CReadLimits& GetLimits() noexcept { return m_limits; }
+  const CReadLimits& GetLimits() const noexcept { return m_limits; }
+
  private:
   mutable std::shared_ptr<CFastInfosetContext> m_fastInfosetContext;
   mutable std::shared_ptr<CJsonContext> m_jsonContext;
@@ -118,6 +123,7 @@ class RKXML_EXPORT CSerializationContext {
   bool m_writeDefaultElementValues = false;
   bool m_stripCDATA = true;
   std::wstring m_indentChars = L"\t";
+  CReadLimits m_limits;
   mutable std::mutex m_lazyLock;  // guards the creation of the three members that const getters create
 };
 
