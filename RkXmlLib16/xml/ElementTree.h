@@ -1,7 +1,12 @@
 #ifndef RKXMLLIB16_XML_ELEMENTTREE_H
 #define RKXMLLIB16_XML_ELEMENTTREE_H
 
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
+#include <memory>
 #include <string>
+#include <string_view>
 
 #include "RkXmlLib16/core/Enumerations.h"
 #include "RkXmlLib16/core/Export.h"
@@ -14,30 +19,111 @@ class CSerializationContext;
 class CXmlDocument;
 class CXmlElement;
 
+// A local name or namespace URI of a document, held once however often it occurs: within one document, two names are
+// equal when their addresses are.
+class CXmlName {
+ public:
+  constexpr CXmlText GetText() const noexcept { return {m_text, m_length}; }
+  constexpr std::wstring_view View() const noexcept { return {m_text, m_length}; }
+  constexpr bool empty() const noexcept { return m_length == 0; }
+
+ private:
+  friend class CXmlDocument;
+  friend class CXmlElement;
+  constexpr CXmlName(CXmlDocument* document, const wchar_t* text, std::uint32_t length, std::uint32_t hash) noexcept
+      : m_document(document), m_text(text), m_length(length), m_hash(hash) {}
+
+  CXmlDocument* m_document;
+  const wchar_t* m_text;
+  std::uint32_t m_length;
+  std::uint32_t m_hash;
+};
+
+// The head of a text in the storage of a document; the characters and their NUL follow it.
+struct CXmlTextBlock {
+  std::uint32_t m_length;
+  std::uint32_t m_capacity;  // without the NUL
+
+  wchar_t* Chars() noexcept { return reinterpret_cast<wchar_t*>(this + 1); }
+  const wchar_t* Chars() const noexcept { return reinterpret_cast<const wchar_t*>(this + 1); }
+};
+
 // One attribute of a loaded element. Namespace declarations are not attributes; xsi:type and xsi:nil are.
 class RKXML_EXPORT CXmlAttribute {
  public:
-  CXmlText GetLocalName() const noexcept;
-  CXmlText GetValue() const noexcept;
-  CXmlText GetNamespaceURI() const noexcept;
+  CXmlText GetLocalName() const noexcept { return m_localName->GetText(); }
+  CXmlText GetValue() const noexcept {
+    return m_value != nullptr ? CXmlText(m_value->Chars(), m_value->m_length) : CXmlText();
+  }
+  CXmlText GetNamespaceURI() const noexcept { return m_namespaceUri->GetText(); }
   // The owning element's path, "/@" and the name with the prefix of its namespace, if it has one.
   std::wstring GetXPath() const;
   // Namespace machinery: xsi:type, xsi:schemaLocation, xsi:noNamespaceSchemaLocation, xmlns.
   bool IsNamespaceAttribute() const noexcept;
   // xsi:nil.
   bool IsNilAttribute() const noexcept;
-  const CXmlElement* GetElement() const noexcept;
+  const CXmlElement* GetElement() const noexcept { return m_element; }
+  // The names as the document holds them, for comparison by address.
+  const CXmlName* GetLocalNameRef() const noexcept { return m_localName; }
+  const CXmlName* GetNamespaceRef() const noexcept { return m_namespaceUri; }
+
+ private:
+  friend class CXmlDocument;
+  CXmlAttribute(const CXmlElement* element, const CXmlName* localName, const CXmlName* namespaceUri) noexcept
+      : m_element(element), m_localName(localName), m_namespaceUri(namespaceUri) {}
+
+  const CXmlElement* m_element;
+  const CXmlName* m_localName;
+  const CXmlName* m_namespaceUri;
+  CXmlTextBlock* m_value = nullptr;  // null while empty
+};
+
+// The head of an element's attributes, which follow it.
+struct CXmlAttributeBlock {
+  std::uint32_t m_count;
+  std::uint32_t m_capacity;
+
+  CXmlAttribute* Attributes() noexcept { return reinterpret_cast<CXmlAttribute*>(this + 1); }
 };
 
 // The attributes of an element in document order; `for (CXmlAttribute* a : element->GetAttributes())`.
 class CXmlAttributes {
  public:
-  class iterator;
-  std::size_t size() const noexcept;
-  bool empty() const noexcept;
-  CXmlAttribute* operator[](std::size_t index) const noexcept;
-  iterator begin() const noexcept;
-  iterator end() const noexcept;
+  class iterator {
+   public:
+    using iterator_category = std::input_iterator_tag;
+    using value_type = CXmlAttribute*;
+    using difference_type = std::ptrdiff_t;
+    using pointer = CXmlAttribute* const*;
+    using reference = CXmlAttribute*;
+
+    constexpr explicit iterator(CXmlAttribute* at) noexcept : m_at(at) {}
+    CXmlAttribute* operator*() const noexcept { return m_at; }
+    iterator& operator++() noexcept {
+      ++m_at;
+      return *this;
+    }
+    iterator operator++(int) noexcept { return iterator(m_at++); }
+    friend bool operator==(iterator a, iterator b) noexcept { return a.m_at == b.m_at; }
+    friend bool operator!=(iterator a, iterator b) noexcept { return a.m_at != b.m_at; }
+
+   private:
+    CXmlAttribute* m_at;
+  };
+
+  CXmlAttributes() noexcept = default;
+  explicit CXmlAttributes(CXmlAttributeBlock* block) noexcept
+      : m_first(block != nullptr ? block->Attributes() : nullptr), m_count(block != nullptr ? block->m_count : 0) {}
+
+  std::size_t size() const noexcept { return m_count; }
+  bool empty() const noexcept { return m_count == 0; }
+  CXmlAttribute* operator[](std::size_t index) const noexcept { return m_first + index; }
+  iterator begin() const noexcept { return iterator(m_first); }
+  iterator end() const noexcept { return iterator(m_first + m_count); }
+
+ private:
+  CXmlAttribute* m_first = nullptr;
+  std::size_t m_count = 0;
 };
 
 // One element of a loaded document: names, attributes, children, and its text. All character data of the element is
@@ -49,14 +135,19 @@ class RKXML_EXPORT CXmlElement {
  public:
   CXmlElement(const CXmlDocument* document, const CXmlElement* parent);
 
-  CXmlElement* GetFirstElement() const noexcept;
-  CXmlElement* GetNextSiblingElement() const noexcept;
-  CXmlElement* GetParentElement() const noexcept;
-  const CXmlDocument* GetDocument() const noexcept;
-  CXmlAttributes GetAttributes() const noexcept;
-  CXmlText GetText() const noexcept;
-  CXmlText GetLocalName() const noexcept;
-  CXmlText GetNamespaceURI() const noexcept;
+  CXmlElement* GetFirstElement() const noexcept { return m_firstChild; }
+  CXmlElement* GetNextSiblingElement() const noexcept { return m_nextSibling; }
+  CXmlElement* GetParentElement() const noexcept { return m_parent; }
+  const CXmlDocument* GetDocument() const noexcept { return m_localName->m_document; }
+  CXmlAttributes GetAttributes() const noexcept { return CXmlAttributes(m_attributes); }
+  CXmlText GetText() const noexcept {
+    return m_text != nullptr ? CXmlText(m_text->Chars(), m_text->m_length) : CXmlText();
+  }
+  CXmlText GetLocalName() const noexcept { return m_localName->GetText(); }
+  CXmlText GetNamespaceURI() const noexcept { return m_namespaceUri->GetText(); }
+  // The names as the document holds them, for comparison by address.
+  const CXmlName* GetLocalNameRef() const noexcept { return m_localName; }
+  const CXmlName* GetNamespaceRef() const noexcept { return m_namespaceUri; }
   // The value of the first attribute with this name; empty when there is none.
   CXmlText GetAttribute(const wchar_t* localName, const wchar_t* namespaceUri) const noexcept;
   // The local name with the prefix that the document has for the namespace.
@@ -75,6 +166,22 @@ class RKXML_EXPORT CXmlElement {
   void AddAttribute(const wchar_t* localName, const wchar_t* value, const wchar_t* namespaceUri);
   // Unlinks and returns the last child; null when there is none. Its storage stays with the document.
   CXmlElement* RemoveLastChildElement();
+
+ private:
+  friend class CXmlDocument;
+  CXmlElement(CXmlElement* parent, const CXmlName* localName, const CXmlName* namespaceUri) noexcept
+      : m_localName(localName), m_namespaceUri(namespaceUri), m_parent(parent) {}
+  CXmlDocument& Owner() const;
+
+  // The document is reached through the names, which are never null.
+  const CXmlName* m_localName;
+  const CXmlName* m_namespaceUri;
+  CXmlElement* m_parent;
+  CXmlElement* m_nextSibling = nullptr;
+  CXmlElement* m_firstChild = nullptr;
+  CXmlElement* m_lastChild = nullptr;
+  CXmlAttributeBlock* m_attributes = nullptr;  // null without attributes
+  CXmlTextBlock* m_text = nullptr;             // null without text
 };
 
 // A document held as a tree of elements, filled from XML text, Fast Infoset or, by way of XML text, JSON. Each load
@@ -108,6 +215,8 @@ class RKXML_EXPORT CXmlDocument {
   // 16 bits of each character.
   void LoadXml(const char* text);
   void LoadXml(const wchar_t* text);
+  // XML text of this library's own making: like LoadXml, but characters above U+FFFF arrive whole (as surrogate pairs).
+  void LoadXmlWide(std::wstring_view text);
   // Convert JSON to XML text in UTF-8 without filling the tree. Files and streams may be wrapped and hold UTF-8.
   CBinaryData LoadJsonFile(const wchar_t* fileName);
   CBinaryData LoadJsonStream(unsigned char* bytes, unsigned long length);
@@ -115,25 +224,61 @@ class RKXML_EXPORT CXmlDocument {
   CBinaryData LoadJson(const wchar_t* text);
 
   // The root element, or null.
-  CXmlElement* GetDocumentElement() const noexcept;
-  const CSerializationContext& GetContext() const noexcept;
-  SchemaType GetSchemaType() const noexcept;
+  CXmlElement* GetDocumentElement() const noexcept { return m_documentElement; }
+  const CSerializationContext& GetContext() const noexcept { return *m_context; }
+  SchemaType GetSchemaType() const noexcept { return m_schemaType; }
+  // The bytes being read; for the readers, during a load only.
+  const unsigned char* GetInput() const noexcept { return m_input; }
+  std::size_t GetInputLength() const noexcept { return m_inputLength; }
 
   // Building, by the readers: the new element becomes the current one until EndElement.
   CXmlElement* AddDocElement(const wchar_t* namespaceUri, const wchar_t* localName);
   CXmlElement* AddChildElement(const wchar_t* namespaceUri, const wchar_t* localName);
   void EndElement();
-  CXmlElement* GetCurrentElement() const noexcept;
+  CXmlElement* GetCurrentElement() const noexcept { return m_currentElement; }
   void AddElementAttribute(CXmlElement* element, const std::wstring& localName, const std::wstring& value,
                            const std::wstring& namespaceUri);
   void AppendTextExcludingCR(CXmlElement* element, const wchar_t* text, unsigned long length);
   void AppendTextExcludingCR(CXmlElement* element, const wchar_t* text);
+
+  // The same for readers that keep tables of their own: a name is interned once and then passed by address. Texts are
+  // taken whole and may hold any character. An element without a current element becomes the document element.
+  const CXmlName* InternName(std::wstring_view text);
+  const CXmlName* GetEmptyName() const noexcept;
+  CXmlElement* AddElement(const CXmlName* namespaceUri, const CXmlName* localName);
+  // The attribute is valid until the next one is added to the element.
+  CXmlAttribute* AddAttribute(CXmlElement* element, const CXmlName* localName, const CXmlName* namespaceUri,
+                              std::wstring_view value);
+  void AppendText(CXmlElement* element, std::wstring_view text);  // drops carriage returns
+  // Room for `charCount` characters to be decoded into: at the end of the element's text, or as an attribute's value.
+  // Commit tells how many were used (at most charCount; carriage returns count as any character), directly after.
+  wchar_t* ReserveText(CXmlElement* element, std::size_t charCount);
+  void CommitText(CXmlElement* element, std::size_t charCount) noexcept;
+  wchar_t* ReserveValue(CXmlAttribute* attribute, std::size_t charCount);
+  void CommitValue(CXmlAttribute* attribute, std::size_t charCount) noexcept;
 
   // Prefixes as declared anywhere in the document, the latest declaration of a prefix winning. An unknown argument
   // gives the empty text.
   void AddNamespaceAlias(const wchar_t* prefix, const wchar_t* namespaceUri);
   CXmlText LookupAliasFromNamespace(const wchar_t* namespaceUri) const;
   CXmlText LookupNamespaceFromAlias(const wchar_t* prefix) const;
+
+ private:
+  friend class CXmlAttribute;
+  friend class CXmlElement;
+  struct Storage;
+
+  void Init();
+  void ParseBytes(const unsigned char* bytes, std::size_t length);
+  void ParseXml(const unsigned char* bytes, std::size_t length);
+  std::unique_ptr<Storage> m_storage;
+  const CSerializationContext* m_context;  // kept
+  ElementFilter m_filter;
+  SchemaType m_schemaType;
+  CXmlElement* m_documentElement = nullptr;
+  CXmlElement* m_currentElement = nullptr;
+  const unsigned char* m_input = nullptr;  // borrowed during a load
+  std::size_t m_inputLength = 0;
 };
 
 }  // namespace RkXmlLib16

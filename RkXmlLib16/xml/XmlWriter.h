@@ -44,6 +44,7 @@ class RKXML_EXPORT CXmlWriter {
     virtual ~CXmlWriterContext();
 
     const std::wstring& GetDefaultNamespace() const;
+    // Every declaration in scope.
     const NamespaceMap& GetNamespaceMap() const;
     void SetDefaultNamespace(const std::wstring& namespaceUri);
     void SetNamespaceMapValue(const std::wstring& namespaceUri, const std::wstring& prefix);
@@ -52,23 +53,25 @@ class RKXML_EXPORT CXmlWriter {
     std::wstring& GetNamespaceMapValue(const wchar_t* namespaceUri);
     // The prefix of the namespace in scope, or null; inserts nothing.
     const std::wstring* FindPrefix(const std::wstring& namespaceUri) const;
+    // Declares the namespace in this element with the first invented prefix that is free in scope, and returns it.
+    const std::wstring& InventPrefix(const std::wstring& namespaceUri);
 
     std::uint64_t m_childCount = 0;
     bool m_startTagOpen = true;
     std::int64_t m_depth = 0;
     std::wstring m_namespaceUri;
     std::wstring m_localName;
+    std::wstring m_prefix;  // as written in the start tag
     std::unique_ptr<CXmlWriterContext> m_parent;
     ContextState m_state = ContextState_None;
 
    private:
     friend class CXmlWriter;
-    CXmlWriterContext& Scope();
-    const CXmlWriterContext& Scope() const;
+    struct Scope;
+    Scope& OwnScope();
 
-    std::wstring m_defaultNamespace;                // valid only in a scope of its own
-    std::unique_ptr<NamespaceMap> m_namespaces;     // null while the scope is inherited
-    CXmlWriterContext* m_inheritedScope = nullptr;  // the ancestor whose scope holds, null for a scope of its own
+    std::unique_ptr<Scope> m_ownScope;  // null while the scope is inherited
+    Scope* m_scope = nullptr;           // the scope in effect: this element's own or that of an ancestor
   };
 
   CXmlWriter();
@@ -110,14 +113,21 @@ class RKXML_EXPORT CXmlWriter {
   static const std::wstring XSI_NAMESPACE;
 
  protected:
-  // Opens a context under the present one and makes it current.
+  // Opens a context under the present one and makes it current. The root element's default namespace is the writer's
+  // or, when that is empty, the first namespace that was added with an empty prefix.
   CXmlWriterContext& PushContext(const std::wstring& localName, const std::wstring& namespaceUri);
-  // Destroys the current context and makes its parent current.
+  // Closes the current context and makes its parent current. Its storage serves the next one that is opened.
   void PopContext();
+  // The prefix of the namespace in the current context. Without one (an empty one does not count) a prefix is invented
+  // there, which `invented` tells, so that the caller declares it. An element must be open.
+  const std::wstring& RequirePrefix(const std::wstring& namespaceUri, bool& invented);
 
   std::wstring m_defaultNamespace;
   std::unique_ptr<CXmlWriterContext> m_context;
   NamespaceMap m_namespaces;
+
+ private:
+  std::unique_ptr<CXmlWriterContext> m_closedContexts;  // kept for reuse, chained by their parents
 };
 
 }  // namespace RkXmlLib16

@@ -1,0 +1,55 @@
+#include "RkXmlLib16/xml/internal/Arena.h"
+
+#include <sys/mman.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <new>
+#include <utility>
+
+namespace RkXmlLib16 {
+
+namespace {
+
+constexpr std::size_t kFirstChunk = 4 * 1024;
+constexpr std::size_t kLargestChunk = 32 * 1024 * 1024;
+constexpr std::size_t kHugePage = 2 * 1024 * 1024;
+
+}  // namespace
+
+void CArena::FreeMemory::operator()(unsigned char* memory) const noexcept { std::free(memory); }
+
+void CArena::AddChunk(std::size_t atLeast) {
+  Chunk chunk = std::move(m_spare);
+  m_spare.size = 0;
+  if (chunk.size < atLeast) {
+    // Chunks double, so that small documents stay small and large ones need few; large chunks ask for huge pages,
+    // because page faults are a good part of filling them.
+    std::size_t size = m_chunks.empty() ? kFirstChunk : std::min(2 * m_chunks.back().size, kLargestChunk);
+    size = std::max(size, atLeast);
+    if (size >= 2 * kHugePage) {
+      if (size > SIZE_MAX - kHugePage) throw std::bad_alloc();
+      size = (size + kHugePage - 1) & ~(kHugePage - 1);
+      chunk.memory.reset(static_cast<unsigned char*>(std::aligned_alloc(kHugePage, size)));
+      if (chunk.memory != nullptr) ::madvise(chunk.memory.get(), size, MADV_HUGEPAGE);
+    } else {
+      chunk.memory.reset(static_cast<unsigned char*>(std::malloc(size)));
+    }
+    if (chunk.memory == nullptr) throw std::bad_alloc();
+    chunk.size = size;
+  }
+  m_chunks.push_back(std::move(chunk));
+  m_cursor = m_chunks.back().memory.get();
+  m_limit = m_cursor + m_chunks.back().size;
+}
+
+void CArena::RewindTo(const Mark& mark) noexcept {
+  while (m_chunks.size() > mark.chunkCount) {
+    m_spare = std::move(m_chunks.back());
+    m_chunks.pop_back();
+  }
+  m_cursor = mark.cursor;
+  m_limit = m_chunks.empty() ? m_cursor : m_chunks.back().memory.get() + m_chunks.back().size;
+}
+
+}  // namespace RkXmlLib16
