@@ -1,0 +1,87 @@
+#ifndef RKXMLLIB16_XML_XMLTEXTWRITER_H
+#define RKXMLLIB16_XML_XMLTEXTWRITER_H
+
+#include <string>
+#include <string_view>
+
+#include "RkXmlLib16/core/Export.h"
+#include "RkXmlLib16/support/TextStream.h"
+#include "RkXmlLib16/xml/XmlWriter.h"
+
+namespace RkXmlLib16 {
+
+// Writes XML text (W3C XML 1.0, Namespaces in XML 1.0) to a text stream. Formatted, which is the default, each element
+// stands on a line of its own, indented by its depth. Texts end at their first NUL.
+//
+//   CTextStream stream(XmlEncoding_UTF8);
+//   CXmlTextWriter writer(stream);
+//   writer.Open();
+//   writer.WriteStartDocument();
+//   writer.WriteStartElement(L"order", L"");
+//   writer.WriteString(L"7 < 8", ItemType_string);
+//   writer.WriteEndElement();
+//   writer.Close();  // <?xml version="1.0" encoding="UTF-8"?> and <order>7 &lt; 8</order>, each on its line
+class RKXML_EXPORT CXmlTextWriter : public CXmlWriter {
+ public:
+  explicit CXmlTextWriter(CTextStream& stream);  // kept
+  ~CXmlTextWriter() override;
+
+  // Whether elements are put on lines of their own.
+  bool GetFormat() const noexcept { return m_format; }
+  void SetFormat(bool format) noexcept { m_format = format; }
+  // Written once per level of depth; one tab at first. Null is an empty text.
+  const std::wstring& GetIndentChars() const noexcept { return m_indentChars; }
+  void SetIndentChars(const wchar_t* text);
+  // The end of each line and of the lines inside text. Throws CRkException "Invalid EOL type.".
+  EOLType GetEOLType() const noexcept { return m_eolType; }
+  void SetEOLType(EOLType type);
+
+  // The XML declaration, naming the stream's encoding when that is UTF-8 or UTF-16.
+  void WriteStartDocument();
+  // A line outside the root element, unchanged: a document type declaration or a stylesheet instruction. Throws
+  // CRkException "Headed directives must appear before an Element has been added." while an element is open.
+  void WriteHeaderDirective(const std::wstring& text);
+  // Text that is XML already: neither escaped nor indented, and an open start tag stays open.
+  void WriteRawElement(const std::wstring& text);
+
+  void Open() override;
+  void Close() override;
+  void WriteComment(const std::wstring& text) override;
+  void WritePI(const std::wstring& text) override;
+  void WriteInlineSchema(const std::wstring& schemaText) override;
+  void WriteStartElement(const std::wstring& localName, const std::wstring& namespaceUri) override;
+  // Text that begins with "<![CDATA[" is written unchanged, any other is escaped. Without an open element a text that
+  // is not empty throws CRkException.
+  void WriteString(const std::wstring& text, ItemType type) override;
+  // Throws CRkException when no element is open.
+  void WriteEndElement() override;
+  void WriteAttributeString(const std::wstring& localName, const std::wstring& namespaceUri, const std::wstring& value,
+                            ItemType type) override;
+  void WriteAttributeType(const std::wstring& typeNamespaceUri, const std::wstring& typeName, ItemType type) override;
+  void WriteAttributeNil() override;
+
+  // The same for text that is at hand without a string; it must not hold NUL.
+  void WriteText(std::wstring_view text);
+  void WriteAttribute(const std::wstring& localName, const std::wstring& namespaceUri, std::wstring_view value);
+
+ private:
+  enum class Escaping { Text, Attribute };
+
+  void Put(std::wstring_view text) { m_stream.Append(text); }
+  void PutEscaped(std::wstring_view text, Escaping where);
+  void PutDeclaration(std::wstring_view prefix, const std::wstring& namespaceUri);
+  void PutIndent(std::int64_t depth);
+  void CloseStartTag();
+  void RequireStartTag() const;
+  void FlushIfDue();
+
+  std::wstring m_indentChars = L"\t";
+  std::wstring m_endOfLine = L"\n";
+  EOLType m_eolType = EOLType_LF;
+  bool m_format = true;
+  CTextStream& m_stream;
+};
+
+}  // namespace RkXmlLib16
+
+#endif
