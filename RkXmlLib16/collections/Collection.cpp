@@ -1,0 +1,146 @@
+#include "RkXmlLib16/collections/Collection.h"
+
+#include <climits>
+#include <cstdlib>
+#include <memory>
+
+#include "RkXmlLib16/core/Exception.h"
+#include "RkXmlLib16/support/Format.h"
+
+namespace RkXmlLib16 {
+
+// A removal whose listeners are being told; its node becomes null when one of them removes it first.
+struct CXmlCollection::Removal {
+  Removal(CNode* toRemove, Removal*& innermost) : node(toRemove), outer(innermost), head(innermost) { head = this; }
+  Removal(const Removal&) = delete;
+  Removal& operator=(const Removal&) = delete;
+  ~Removal() { head = outer; }
+
+  CNode* node;
+  Removal* const outer;
+  Removal*& head;
+};
+
+CXmlCollection::CXmlCollection() = default;
+
+CXmlCollection::CXmlCollection(const wchar_t* name, const wchar_t* namespaceUri, int minOccurs, int maxOccurs)
+    : CXmlCollectionBase(name, namespaceUri, minOccurs, maxOccurs) {}
+
+CXmlCollection::~CXmlCollection() {
+  while (m_head != nullptr) {
+    const std::unique_ptr<CNode> node(m_head);
+    m_head = node->m_next;
+  }
+}
+
+void CXmlCollection::AttributesToXml_Int(CXmlWriter* writer, const CSerializationContext& context) const {
+  for (const CNode* node = m_head; node != nullptr; node = node->m_next) {
+    if (node->m_item != nullptr) node->m_item->GetBase()->AttributesToXml_Int(writer, context);
+  }
+}
+
+int CXmlCollection::GetCount() const { return m_count; }
+
+void CXmlCollection::Clear() {
+  while (GetCount() > 0) Remove(0);
+}
+
+void CXmlCollection::Remove(int index) { RemoveNode(GetNodeAtIndex(index)); }
+
+void CXmlCollection::AppendItem(CXmlObjectBase* item) {
+  FireOnCollectionAdd(item);
+  InsertBefore(nullptr, item);
+}
+
+void CXmlCollection::PrependItem(CXmlObjectBase* item) {
+  FireOnCollectionAdd(item);
+  InsertBefore(m_head, item);
+}
+
+void CXmlCollection::AddItemAt(int index, CXmlObjectBase* item) {
+  const auto check = [this, index] {
+    if (index < 0 || index > m_count) throw CRkInvalidParamException(L"Index out of range");
+  };
+  check();
+  FireOnCollectionAdd(item);
+  check();  // a listener may have removed items
+  InsertBefore(index == m_count ? nullptr : GetNodeAtIndex(index), item);
+}
+
+void CXmlCollection::AddAfterItem(const CXmlObjectBase* existing, CXmlObjectBase* item) {
+  FireOnCollectionAdd(item);
+  InsertBefore(existing == nullptr ? m_head : GetNodeForItem(existing)->m_next, item);
+}
+
+void CXmlCollection::AddBeforeItem(const CXmlObjectBase* existing, CXmlObjectBase* item) {
+  FireOnCollectionAdd(item);
+  InsertBefore(existing == nullptr ? nullptr : GetNodeForItem(existing), item);
+}
+
+CXmlCollection::CNode* CXmlCollection::GetNodeAtIndex(int index) const {
+  if (index < 0 || index >= m_count) {
+    throw CRkInvalidParamException(FormatString(L"Index %d is out of range, use 0 - %d", index, m_count));
+  }
+  CNode* node = m_head;
+  int at = 0;
+  if (m_count - 1 - index < index) {
+    node = m_tail;
+    at = m_count - 1;
+  }
+  if (m_lastNode != nullptr && std::abs(m_lastIndex - index) < std::abs(at - index)) {
+    node = m_lastNode;
+    at = m_lastIndex;
+  }
+  for (; at < index; ++at) node = node->m_next;
+  for (; at > index; --at) node = node->m_previous;
+  m_lastNode = node;
+  m_lastIndex = index;
+  return node;
+}
+
+CXmlCollection::CNode* CXmlCollection::GetNodeForItem(const CXmlObjectBase* item) const {
+  const CXmlObjectBase* const wanted = item != nullptr ? item->GetBase() : nullptr;
+  for (CNode* node = m_head; node != nullptr; node = node->m_next) {
+    if ((node->m_item != nullptr ? node->m_item->GetBase() : nullptr) == wanted) return node;
+  }
+  throw CRkInvalidParamException(L"The object was not found in the collection");
+}
+
+void CXmlCollection::RemoveNode(CNode* node) {
+  if (node == nullptr) throw CRkInvalidParamException(L"The object was not found in the collection");
+  {
+    const Removal removal(node, m_removal);
+    FireOnCollectionRemove(-1);
+    if (removal.node == nullptr) return;
+  }
+  Unlink(node);
+  FireOnCollectionRemoveComplete(-1);
+  FireOnCollectionChange();
+}
+
+void CXmlCollection::InsertBefore(CNode* next, CXmlObjectBase* item) {
+  if (m_count == INT_MAX) throw CRkException(L"The collection is full");
+  CNode* const node = new CNode(item);
+  const CSmartPtr<CXmlObjectBase> held(item);  // a listener may take the item out again
+  node->m_next = next;
+  node->m_previous = next != nullptr ? next->m_previous : m_tail;
+  (node->m_previous != nullptr ? node->m_previous->m_next : m_head) = node;
+  (next != nullptr ? next->m_previous : m_tail) = node;
+  ++m_count;
+  if (next != nullptr) m_lastNode = nullptr;
+  FireOnCollectionAddComplete(item);
+  FireOnCollectionChange();
+}
+
+void CXmlCollection::Unlink(CNode* node) {
+  const std::unique_ptr<CNode> removed(node);
+  for (Removal* removal = m_removal; removal != nullptr; removal = removal->outer) {
+    if (removal->node == node) removal->node = nullptr;
+  }
+  (node->m_previous != nullptr ? node->m_previous->m_next : m_head) = node->m_next;
+  (node->m_next != nullptr ? node->m_next->m_previous : m_tail) = node->m_previous;
+  --m_count;
+  m_lastNode = nullptr;
+}
+
+}  // namespace RkXmlLib16

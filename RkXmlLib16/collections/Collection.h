@@ -1,0 +1,82 @@
+#ifndef RKXMLLIB16_COLLECTIONS_COLLECTION_H
+#define RKXMLLIB16_COLLECTIONS_COLLECTION_H
+
+#include "RkXmlLib16/collections/CollectionBase.h"
+#include "RkXmlLib16/core/SmartPtr.h"
+
+namespace RkXmlLib16 {
+
+// The ordered list of objects behind every typed object collection. It holds one counted reference on each item; null
+// items are allowed. Every insertion tells the listeners that the item is about to be added, that it was added, and
+// that the collection changed; every removal likewise, with the index -1.
+//
+// Reading by index in a loop is fast in either direction: the node reached last is remembered.
+class RKXML_EXPORT CXmlCollection : public CXmlCollectionBase {
+ public:
+  // One place in the list.
+  class CNode {
+   public:
+    CXmlObjectBase* GetItem() const noexcept { return m_item; }
+    CNode* GetNext() const noexcept { return m_next; }
+    CNode* GetPrevious() const noexcept { return m_previous; }
+
+   private:
+    friend class CXmlCollection;
+    explicit CNode(CXmlObjectBase* item) : m_item(item) {}
+
+    CSmartPtr<CXmlObjectBase> m_item;
+    CNode* m_next = nullptr;
+    CNode* m_previous = nullptr;
+  };
+
+  CXmlCollection();
+  CXmlCollection(const wchar_t* name, const wchar_t* namespaceUri, int minOccurs, int maxOccurs);
+  ~CXmlCollection() override;
+
+  // Writes the attributes of every item, for items whose attributes stand on the parent's element.
+  void AttributesToXml_Int(CXmlWriter* writer, const CSerializationContext& context) const override;
+  using CXmlObjectBase::AttributesToXml_Int;
+
+  int GetCount() const override;
+  // Removes the items one by one, the first one first.
+  void Clear() override;
+  void Remove(int index) override;
+
+  // A counted reference is taken on `item`.
+  void AppendItem(CXmlObjectBase* item);
+  void PrependItem(CXmlObjectBase* item);
+  // `index` is 0 to the count. Throws CRkInvalidParamException "Index out of range".
+  void AddItemAt(int index, CXmlObjectBase* item);
+  // After `existing`, or at the beginning for null; before `existing`, or at the end for null. Throw
+  // CRkInvalidParamException "The object was not found in the collection", when the listeners have been told already
+  // that the item is about to be added.
+  void AddAfterItem(const CXmlObjectBase* existing, CXmlObjectBase* item);
+  void AddBeforeItem(const CXmlObjectBase* existing, CXmlObjectBase* item);
+
+  // The nodes belong to the collection. Throw CRkInvalidParamException "Index %d is out of range, use 0 - %d" (the
+  // index and the count) and "The object was not found in the collection".
+  CNode* GetNodeAtIndex(int index) const;
+  CNode* GetNodeForItem(const CXmlObjectBase* item) const;
+  void RemoveNode(CNode* node);
+
+  // The ends of the list, null when it is empty; for walks in a loop.
+  CNode* GetFirstNode() const noexcept { return m_head; }
+  CNode* GetLastNode() const noexcept { return m_tail; }
+
+ private:
+  struct Removal;
+
+  void InsertBefore(CNode* next, CXmlObjectBase* item);
+  void Unlink(CNode* node);
+
+  CNode* m_head = nullptr;
+  CNode* m_tail = nullptr;
+  int m_count = 0;
+  mutable CNode* m_lastNode = nullptr;  // the node that GetNodeAtIndex reached last, and its index
+  mutable int m_lastIndex = 0;
+  Removal* m_removal = nullptr;  // the innermost removal under way
+};
+
+}  // namespace RkXmlLib16
+
+#endif

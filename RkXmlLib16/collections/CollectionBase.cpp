@@ -1,0 +1,137 @@
+#include "RkXmlLib16/collections/CollectionBase.h"
+
+#include <utility>
+
+#include "RkXmlLib16/core/Exception.h"
+#include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/core/SmartPtr.h"
+#include "RkXmlLib16/support/Format.h"
+#include "RkXmlLib16/types/Variant.h"
+
+namespace RkXmlLib16 {
+
+// One notification on its way through the listeners; RemoveEventListener keeps its position right.
+struct CXmlCollectionBase::Walk {
+  explicit Walk(Walk*& innermost) : outer(innermost), head(innermost) { head = this; }
+  Walk(const Walk&) = delete;
+  Walk& operator=(const Walk&) = delete;
+  ~Walk() { head = outer; }
+
+  std::size_t next = 0;
+  Walk* const outer;
+  Walk*& head;
+};
+
+CXmlCollectionBase::CXmlCollectionBase() = default;
+
+CXmlCollectionBase::CXmlCollectionBase(const wchar_t* name, const wchar_t* namespaceUri, int minOccurs, int maxOccurs)
+    : m_namespaceUri(namespaceUri != nullptr ? namespaceUri : L""), m_minOccurs(minOccurs), m_maxOccurs(maxOccurs) {
+  SetElementName(name);
+}
+
+CXmlCollectionBase::~CXmlCollectionBase() = default;
+
+CXmlObjectBase* CXmlCollectionBase::GetBase() { return this; }
+
+const wchar_t* CXmlCollectionBase::GetTargetNamespace() const {
+  throw CRkException(
+      L"CXmlCollectionBase::GetTargetNamespace Should not be used from within a Collection (program logic error)");
+}
+
+const wchar_t* CXmlCollectionBase::GetNamespace() const { return m_namespaceUri.c_str(); }
+
+CXmlCollectionBase::Limit CXmlCollectionBase::CheckCount(const CSerializationContext& context) const {
+  if (context.GetIgnoreInvalidCollectionCounts()) return Limit::Kept;
+  const int count = GetCount();
+  if (m_maxOccurs != -1 && count > m_maxOccurs) return Limit::AboveMaximum;
+  return count >= m_minOccurs ? Limit::Kept : Limit::BelowMinimum;
+}
+
+void CXmlCollectionBase::ValidateCount(const CSerializationContext& context) const {
+  switch (CheckCount(context)) {
+    case Limit::Kept:
+      return;
+    case Limit::AboveMaximum:
+      throw CRkValidationException(
+          FormatString(L"The Maximum number of [%ls] elements allowed in this collection is %d", m_elementName.c_str(),
+                       m_maxOccurs),
+          L"");
+    case Limit::BelowMinimum:
+      throw CRkValidationException(
+          FormatString(L"The Minimum number of [%ls] elements allowed in this collection is %d", m_elementName.c_str(),
+                       m_minOccurs),
+          L"");
+  }
+}
+
+bool CXmlCollectionBase::IsValidCount(const CSerializationContext& context) const {
+  return CheckCount(context) == Limit::Kept;
+}
+
+void CXmlCollectionBase::AddEventListener(IEventSink* sink) {
+  if (sink != nullptr) m_listeners.push_back(sink);
+}
+
+void CXmlCollectionBase::RemoveEventListener(IEventSink* sink) {
+  for (std::size_t i = m_listeners.size(); i-- > 0;) {
+    if (m_listeners[i] != sink) continue;
+    m_listeners.erase(m_listeners.begin() + static_cast<std::ptrdiff_t>(i));
+    for (Walk* walk = m_walk; walk != nullptr; walk = walk->outer) {
+      if (i < walk->next) --walk->next;
+    }
+  }
+}
+
+template <class Notify>
+void CXmlCollectionBase::ForEachListener(Notify&& notify) {
+  Walk walk(m_walk);
+  while (walk.next < m_listeners.size()) notify(m_listeners[walk.next++]);
+}
+
+void CXmlCollectionBase::FireOnCollectionChange() {
+  ForEachListener([this](IEventSink* sink) { FireOnCollectionChangeEvent(sink, this); });
+}
+
+void CXmlCollectionBase::FireOnCollectionAdd(void* item) {
+  ForEachListener([this, item](IEventSink* sink) { FireOnCollectionAddEvent(sink, this, item); });
+}
+
+void CXmlCollectionBase::FireOnCollectionAddComplete(void* item) {
+  ForEachListener([this, item](IEventSink* sink) { FireOnCollectionAddCompleteEvent(sink, this, item); });
+}
+
+void CXmlCollectionBase::FireOnCollectionRemove(int index) {
+  ForEachListener([this, index](IEventSink* sink) { FireOnCollectionRemoveEvent(sink, this, index); });
+}
+
+void CXmlCollectionBase::FireOnCollectionRemoveComplete(int index) {
+  ForEachListener([this, index](IEventSink* sink) { FireOnCollectionRemoveCompleteEvent(sink, this, index); });
+}
+
+void CXmlObjectBase::FireOnCollectionChangeEvent(IEventSink* sink, CXmlCollectionBase* collection) {
+  sink->OnEvent(collection->GetBase(), IEventSink::MsgType_CollectionChanged, nullptr);
+}
+
+void CXmlObjectBase::FireOnCollectionAddEvent(IEventSink* sink, CXmlCollectionBase* collection, void* item) {
+  sink->OnEvent(collection->GetBase(), IEventSink::MsgType_ItemAdding, item);
+}
+
+void CXmlObjectBase::FireOnCollectionAddCompleteEvent(IEventSink* sink, CXmlCollectionBase* collection, void* item) {
+  sink->OnEvent(collection->GetBase(), IEventSink::MsgType_ItemAdded, item);
+}
+
+void CXmlObjectBase::FireOnCollectionRemoveEvent(IEventSink* sink, CXmlCollectionBase* collection, int index) {
+  sink->OnEvent(collection->GetBase(), IEventSink::MsgType_ItemRemoving, index == -1 ? nullptr : &index);
+}
+
+void CXmlObjectBase::FireOnCollectionRemoveCompleteEvent(IEventSink* sink, CXmlCollectionBase* collection, int index) {
+  sink->OnEvent(collection->GetBase(), IEventSink::MsgType_ItemRemoved, index == -1 ? nullptr : &index);
+}
+
+void RkVariant::SetXmlCollection(CXmlCollectionBase* collection) {
+  SetReference(kXmlCollection, collection, collection);
+}
+
+CSmartPtr<CXmlCollectionBase> RkVariant::GetXmlCollection() const { return Collection(); }
+
+}  // namespace RkXmlLib16

@@ -1,0 +1,21 @@
+#ifndef RKXMLLIB16_CORE_ELEMENTNAMEMATCH_H
+#define RKXMLLIB16_CORE_ELEMENTNAMEMATCH_H
+
+#include <string_view>
+
+#include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/xml/ElementTree.h"
+
+namespace RkXmlLib16 {
+
+// Whether the element bears this name: equal local names and, unless the context ignores namespaces, equal namespace
+// URIs. A null element matches nothing.
+inline bool ElementNameMatches(const CSerializationContext& context, const CXmlElement* element,
+                               std::wstring_view localName, std::wstring_view namespaceUri) {
+  return element != nullptr && element->GetLocalName().View() == localName &&
+         (context.GetIgnoreNamespaces() || element->GetNamespaceURI().View() == namespaceUri);
+}
+
+}  // namespace RkXmlLib16
+
+#endif

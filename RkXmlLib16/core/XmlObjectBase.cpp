@@ -1,0 +1,52 @@
+#include "RkXmlLib16/core/XmlObjectBase.h"
+
+#include <mutex>
+
+namespace RkXmlLib16 {
+
+void IEventSink::OnEvent(CXmlObjectBase* /*source*/, MsgType /*type*/, void* /*data*/) {}
+
+CXmlObjectBase::CXmlObjectBase() = default;
+CXmlObjectBase::~CXmlObjectBase() = default;
+
+void CXmlObjectBase::AttributesToXml_Int(CXmlWriter* /*writer*/, const CSerializationContext& /*context*/) const {}
+
+long long CXmlObjectBase::AddRef() {
+  const std::lock_guard<CRKCriticalSection> guard(m_lock);
+  return ++m_refCount;
+}
+
+long long CXmlObjectBase::Release() {
+  long long count;
+  {
+    const std::lock_guard<CRKCriticalSection> guard(m_lock);
+    count = --m_refCount;
+  }
+  if (count == 0) delete this;
+  return count;
+}
+
+long long CXmlObjectBase::GetRefCount() const {
+  const std::lock_guard<CRKCriticalSection> guard(m_lock);
+  return m_refCount;
+}
+
+void CXmlObjectBase::SetElementName(const wchar_t* name) { m_elementName = name != nullptr ? name : L""; }
+
+void CXmlObjectBase::ToXml_Int(const CXmlObjectBase* object, CXmlWriter* writer, bool registerNamespaces,
+                               const wchar_t* namespaceUri, const CSerializationContext& context,
+                               bool isOptionalChoice) {
+  object->ToXml_Int(writer, registerNamespaces, namespaceUri, context, isOptionalChoice);
+}
+
+CXmlElement* CXmlObjectBase::FromXml_Int(CXmlObjectBase* object, CXmlElement* element, CXmlElement* firstChild,
+                                         const CSerializationContext& context) {
+  return object->FromXml_Int(element, firstChild, context, false);
+}
+
+void CXmlObjectBase::AttributesToXml_Int(const CXmlObjectBase* object, CXmlWriter* writer,
+                                         const CSerializationContext& context) {
+  object->AttributesToXml_Int(writer, context);
+}
+
+}  // namespace RkXmlLib16

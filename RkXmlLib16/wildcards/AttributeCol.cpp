@@ -1,0 +1,119 @@
+#include "RkXmlLib16/wildcards/AttributeCol.h"
+
+#include "RkXmlLib16/core/Exception.h"
+#include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/xml/ElementTree.h"
+#include "RkXmlLib16/xml/XmlWriter.h"
+
+namespace RkXmlLib16 {
+
+CAttribute::CAttribute() = default;
+
+CAttribute::CAttribute(const wchar_t* localName, const wchar_t* value, const wchar_t* namespaceUri)
+    : m_namespaceUri(namespaceUri != nullptr ? namespaceUri : L"") {
+  SetElementName(localName);
+  SetValue(value);
+}
+
+CAttribute::~CAttribute() = default;
+
+CXmlObjectBase* CAttribute::GetBase() { return this; }
+const wchar_t* CAttribute::GetTargetNamespace() const { return m_namespaceUri.c_str(); }
+const wchar_t* CAttribute::GetNamespace() const { return m_namespaceUri.c_str(); }
+void CAttribute::SetValue(const wchar_t* value) { m_value = value != nullptr ? value : L""; }
+
+void CAttribute::AttributesToXml_Int(CXmlWriter* writer, const CSerializationContext& /*context*/) const {
+  writer->WriteAttributeString(m_elementName, m_namespaceUri, m_value, ItemType_string);
+}
+
+void CAttribute::ToXml_Int(CXmlWriter* writer, bool /*registerNamespaces*/, const wchar_t* /*namespaceUri*/,
+                           const CSerializationContext& context, bool /*isOptionalChoice*/) const {
+  AttributesToXml_Int(writer, context);
+}
+
+CXmlElement* CAttribute::FromXml_Int(CXmlElement* /*element*/, CXmlElement* /*firstChild*/,
+                                     const CSerializationContext& /*context*/, bool /*isOptionalChoice*/) {
+  throw CRkException(L"An attribute cannot be read from an element.");
+}
+
+CAttributeCol::CAttributeCol() = default;
+
+CAttributeCol::CAttributeCol(const wchar_t* constraint, const wchar_t* targetNamespace)
+    : m_rule(constraint, targetNamespace) {}
+
+CAttributeCol::~CAttributeCol() = default;
+
+void CAttributeCol::ToXml_Int(CXmlWriter* writer, bool /*registerNamespaces*/, const wchar_t* /*namespaceUri*/,
+                              const CSerializationContext& context, bool /*isOptionalChoice*/) const {
+  AttributesToXml_Int(writer, context);
+}
+
+CXmlElement* CAttributeCol::FromXml_Int(CXmlElement* element, CXmlElement* firstChild,
+                                        const CSerializationContext& /*context*/, bool /*isOptionalChoice*/) {
+  for (const CXmlAttribute* attribute : element->GetAttributes()) {
+    if (attribute->IsNamespaceAttribute() || !m_rule.Admits(attribute->GetNamespaceURI().c_str())) continue;
+    Add(attribute->GetLocalName().c_str(), attribute->GetValue().c_str(), attribute->GetNamespaceURI().c_str());
+  }
+  return firstChild;
+}
+
+void CAttributeCol::Test(const CAttribute* attribute) const {
+  if (attribute != nullptr) m_rule.TestAttribute(attribute->GetLocalName().c_str(), attribute->GetNamespace());
+}
+
+void CAttributeCol::Add(const wchar_t* localName, const wchar_t* value, const wchar_t* namespaceUri) {
+  const CSmartPtr<CAttribute> attribute(new CAttribute(localName, value, namespaceUri));
+  Add(attribute);
+}
+
+void CAttributeCol::Add(CAttribute* attribute) { AppendItem(attribute); }
+
+void CAttributeCol::AppendItem(CAttribute* attribute) {
+  Test(attribute);
+  CXmlCollection::AppendItem(attribute);
+}
+
+void CAttributeCol::PrependItem(CAttribute* attribute) {
+  Test(attribute);
+  CXmlCollection::PrependItem(attribute);
+}
+
+void CAttributeCol::AddItemAt(int index, CAttribute* attribute) {
+  Test(attribute);
+  CXmlCollection::AddItemAt(index, attribute);
+}
+
+void CAttributeCol::AddAfterItem(const CXmlObjectBase* existing, CAttribute* attribute) {
+  Test(attribute);
+  CXmlCollection::AddAfterItem(existing, attribute);
+}
+
+void CAttributeCol::AddBeforeItem(const CXmlObjectBase* existing, CAttribute* attribute) {
+  Test(attribute);
+  CXmlCollection::AddBeforeItem(existing, attribute);
+}
+
+CAttribute* CAttributeCol::Item(int index) const { return dynamic_cast<CAttribute*>(GetNodeAtIndex(index)->GetItem()); }
+
+CAttribute* CAttributeCol::Find(const wchar_t* localName, const wchar_t* namespaceUri) const {
+  const std::wstring_view name(localName != nullptr ? localName : L"");
+  const std::wstring_view uri(namespaceUri != nullptr ? namespaceUri : L"");
+  for (const CNode* node = GetFirstNode(); node != nullptr; node = node->GetNext()) {
+    auto* const attribute = dynamic_cast<CAttribute*>(node->GetItem());
+    if (attribute != nullptr && attribute->GetLocalName() == name && attribute->GetNamespace() == uri) return attribute;
+  }
+  return nullptr;
+}
+
+std::wstring CAttributeCol::GetValue(const wchar_t* localName, const wchar_t* namespaceUri) const {
+  const CAttribute* const attribute = Find(localName, namespaceUri);
+  return attribute != nullptr ? attribute->GetValue() : std::wstring();
+}
+
+CSmartPtr<CAttributeCol> CSerializationContext::GetAdditionalRootAttributes() const {
+  const std::scoped_lock lock(m_lazyLock);
+  if (m_additionalRootAttributes == nullptr) m_additionalRootAttributes = new CAttributeCol;
+  return static_cast<CAttributeCol*>(m_additionalRootAttributes.Get());
+}
+
+}  // namespace RkXmlLib16

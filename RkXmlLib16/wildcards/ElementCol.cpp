@@ -1,0 +1,90 @@
+#include "RkXmlLib16/wildcards/ElementCol.h"
+
+#include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/xml/ElementTree.h"
+
+namespace RkXmlLib16 {
+
+CElementCol::CElementCol() = default;
+
+CElementCol::CElementCol(const wchar_t* name, const wchar_t* namespaceUri, int minOccurs, int maxOccurs,
+                         const wchar_t* constraint, const wchar_t* targetNamespace)
+    : CXmlCollection(name, namespaceUri, minOccurs, maxOccurs), m_rule(constraint, targetNamespace) {}
+
+CElementCol::~CElementCol() = default;
+
+void CElementCol::ToXml_Int(CXmlWriter* writer, bool /*registerNamespaces*/, const wchar_t* namespaceUri,
+                            const CSerializationContext& context, bool isOptionalChoice) const {
+  ValidateCount(context);
+  for (const CNode* node = GetFirstNode(); node != nullptr; node = node->GetNext()) {
+    const CXmlObjectBase* const item = node->GetItem();
+    if (item != nullptr) item->ToXml_Int(writer, false, namespaceUri, context, isOptionalChoice);
+  }
+}
+
+CXmlElement* CElementCol::FromXml_Int(CXmlElement* /*parent*/, CXmlElement* current,
+                                      const CSerializationContext& /*context*/, bool /*isOptionalChoice*/) {
+  for (; current != nullptr && m_rule.Admits(current->GetNamespaceURI().c_str());
+       current = current->GetNextSiblingElement()) {
+    const CSmartPtr<CElement> element(new CElement(m_rule, *current));
+    CXmlCollection::AppendItem(element);
+  }
+  return current;
+}
+
+CXmlElement* CElementCol::FromXmlLockElementName_Int(const wchar_t* elementName, const wchar_t* /*namespaceUri*/,
+                                                     CXmlElement* /*parent*/, CXmlElement* current,
+                                                     const CSerializationContext& /*context*/) {
+  const std::wstring_view name(elementName != nullptr ? elementName : L"");
+  for (; current != nullptr && current->GetLocalName() == name && m_rule.Admits(current->GetNamespaceURI().c_str());
+       current = current->GetNextSiblingElement()) {
+    const CSmartPtr<CElement> element(new CElement(m_rule, *current));
+    CXmlCollection::AppendItem(element);
+  }
+  return current;
+}
+
+void CElementCol::Test(const CElement* element) const {
+  if (element != nullptr) m_rule.TestElement(element->GetNamespace());
+}
+
+void CElementCol::Add(CElement* element) { AppendItem(element); }
+
+void CElementCol::AppendItem(CElement* element) {
+  Test(element);
+  CXmlCollection::AppendItem(element);
+}
+
+void CElementCol::PrependItem(CElement* element) {
+  Test(element);
+  CXmlCollection::PrependItem(element);
+}
+
+void CElementCol::AddItemAt(int index, CElement* element) {
+  Test(element);
+  CXmlCollection::AddItemAt(index, element);
+}
+
+void CElementCol::AddAfterItem(const CXmlObjectBase* existing, CElement* element) {
+  Test(element);
+  CXmlCollection::AddAfterItem(existing, element);
+}
+
+void CElementCol::AddBeforeItem(const CXmlObjectBase* existing, CElement* element) {
+  Test(element);
+  CXmlCollection::AddBeforeItem(existing, element);
+}
+
+CElement* CElementCol::Item(int index) const { return dynamic_cast<CElement*>(GetNodeAtIndex(index)->GetItem()); }
+
+CElement* CElementCol::Find(const wchar_t* localName, const wchar_t* namespaceUri) const {
+  const std::wstring_view name(localName != nullptr ? localName : L"");
+  const std::wstring_view uri(namespaceUri != nullptr ? namespaceUri : L"");
+  for (const CNode* node = GetFirstNode(); node != nullptr; node = node->GetNext()) {
+    auto* const element = dynamic_cast<CElement*>(node->GetItem());
+    if (element != nullptr && element->GetElementNameRef() == name && element->GetNamespace() == uri) return element;
+  }
+  return nullptr;
+}
+
+}  // namespace RkXmlLib16

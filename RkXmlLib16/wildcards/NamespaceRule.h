@@ -1,0 +1,37 @@
+#ifndef RKXMLLIB16_WILDCARDS_NAMESPACERULE_H
+#define RKXMLLIB16_WILDCARDS_NAMESPACERULE_H
+
+#include <memory>
+#include <string>
+
+namespace RkXmlLib16 {
+
+// The namespaces that a wildcard admits, as its schema states them: "##any", "##other", "##local", "##targetNamespace",
+// URIs, or a list of these with single blanks. Cheap to copy.
+class CNamespaceRule {
+ public:
+  // Admits every namespace.
+  CNamespaceRule() = default;
+  // A null constraint is "##any".
+  CNamespaceRule(const wchar_t* constraint, const wchar_t* targetNamespace);
+
+  bool Admits(const wchar_t* namespaceUri) const;
+  // Throws CRkInvalidNamespaceException "Invalid Namespace [%ls].".
+  void TestElement(const wchar_t* namespaceUri) const;
+  // Throws CRkInvalidNamespaceException "Invalid Attribute [%ls]. The attributes namespace is Inappropriate.".
+  void TestAttribute(const wchar_t* localName, const wchar_t* namespaceUri) const;
+
+  const wchar_t* GetConstraint() const noexcept;
+  const wchar_t* GetTargetNamespace() const noexcept;
+
+ private:
+  struct Texts {
+    std::wstring constraint;
+    std::wstring targetNamespace;
+  };
+  std::shared_ptr<const Texts> m_texts;  // null admits every namespace
+};
+
+}  // namespace RkXmlLib16
+
+#endif
