@@ -60,6 +60,21 @@ unsigned long Transcode(Position at, const Position& end, Target* target, unsign
   return produced;
 }
 
+constexpr int kBlock = 16;
+
+// The UTF-8 length of so many characters without a branch in the loop; 0 when one of them is a surrogate or no
+// character.
+unsigned long PlainBlockLength(const wchar_t* text) {
+  unsigned length = kBlock;
+  unsigned odd = 0;
+  for (int i = 0; i < kBlock; ++i) {
+    const auto c = static_cast<unsigned>(text[i]);
+    length += (c > 0x7F ? 1u : 0u) + (c > 0x7FF ? 1u : 0u) + (c > 0xFFFF ? 1u : 0u);
+    odd |= (c - 0xD800 < 0x800 ? 1u : 0u) | (c > 0x10FFFF ? 1u : 0u);
+  }
+  return odd != 0 ? 0 : length;
+}
+
 const unsigned char* Bytes(std::string_view bytes) { return reinterpret_cast<const unsigned char*>(bytes.data()); }
 
 std::string_view View(const unsigned char* bytes, int length) {
@@ -84,6 +99,8 @@ std::wstring CEncoder::Utf8ToUnicode(const unsigned char* bytes, int length) {
 }
 
 std::wstring CEncoder::Utf8ToUnicode(std::string_view bytes) {
+  const unsigned char* const first = Bytes(bytes);
+  if (Ascii::RunLength(first, bytes.size()) == bytes.size()) return std::wstring(first, first + bytes.size());
   std::wstring text(UnicodeLength(bytes), L'\0');
   WriteUnicode(bytes, text.data());
   return text;
@@ -110,7 +127,9 @@ unsigned long CEncoder::Utf8Length(std::wstring_view text) {
   while (at != end) {
     const std::size_t run = Ascii::RunLength(at, static_cast<std::size_t>(end - at));
     length += run;
-    for (at += run; at != end && !Ascii::IsAscii(*at);) length += Utf8Form::Size(NextOrReplacement<WideForm>(at, end));
+    at += run;
+    for (unsigned long block; end - at >= kBlock && (block = PlainBlockLength(at)) != 0; at += kBlock) length += block;
+    for (int i = 0; i < kBlock && at != end; ++i) length += Utf8Form::Size(NextOrReplacement<WideForm>(at, end));
   }
   return length;
 }

@@ -3,6 +3,7 @@
 #include <locale.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
@@ -103,11 +104,12 @@ std::wstring FormatV(const wchar_t* format, va_list args) {
   std::size_t length = 0;
   FILE* const stream = open_wmemstream(&text, &length);
   if (stream == nullptr) throw std::bad_alloc();
+  bool complete;
   {
     const ScopedCLocale numbers;
-    std::vfwprintf(stream, native.c_str(), args);
+    complete = std::vfwprintf(stream, native.c_str(), args) >= 0 || errno != ENOMEM;
   }
-  const bool complete = std::fclose(stream) == 0;
+  complete = std::fclose(stream) == 0 && complete;
   const std::unique_ptr<wchar_t, decltype(&std::free)> owned(text, &std::free);
   if (!complete || text == nullptr) throw std::bad_alloc();
   return std::wstring(text, length);

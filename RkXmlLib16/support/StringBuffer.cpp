@@ -31,13 +31,14 @@ void CStringBuffer::SetText(const wchar_t* text) {
 const wchar_t* CStringBuffer::GetText() {
   if (m_blocks.empty()) return L"";
   if (m_blocks.size() > 1) {
-    Block whole = MakeBlock(m_totalLength);
+    const unsigned long length = GetLength();
+    Block whole = MakeBlock(length);
     wchar_t* end = whole.text.get();
     ForEachBlock(
         [&end](std::wstring_view block) { end = std::wmemcpy(end, block.data(), block.size()) + block.size(); });
     m_blocks.erase(m_blocks.begin() + 1, m_blocks.end());
     m_blocks.front() = std::move(whole);
-    SetCurrent(m_totalLength);
+    SetCurrent(0, length);
   }
   m_current[m_used] = L'\0';
   return m_current;
@@ -45,15 +46,14 @@ const wchar_t* CStringBuffer::GetText() {
 
 std::wstring CStringBuffer::ToString() const {
   std::wstring text;
-  text.reserve(m_totalLength);
+  text.reserve(GetLength());
   ForEachBlock([&text](std::wstring_view block) { text += block; });
   return text;
 }
 
 void CStringBuffer::Empty() {
   if (m_blocks.size() > 1) m_blocks.clear();
-  m_totalLength = 0;
-  SetCurrent(0);
+  SetCurrent(0, 0);
 }
 
 void CStringBuffer::Clear() {
@@ -68,12 +68,13 @@ CStringBuffer::Block CStringBuffer::MakeBlock(unsigned long capacity) {
 
 void CStringBuffer::AddNewBlock() {
   m_blocks.push_back(MakeBlock(m_blockSize));
-  SetCurrent(0);
+  SetCurrent(GetLength(), 0);
 }
 
-void CStringBuffer::SetCurrent(unsigned long used) {
+void CStringBuffer::SetCurrent(unsigned long before, unsigned long used) {
   m_current = m_blocks.empty() ? nullptr : m_blocks.back().text.get();
   m_capacity = m_blocks.empty() ? 0 : m_blocks.back().capacity;
+  m_before = before;
   m_used = used;
 }
 

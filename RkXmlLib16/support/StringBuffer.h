@@ -32,17 +32,15 @@ class RKXML_EXPORT CStringBuffer {
     if (text.empty()) return;
     std::wmemcpy(m_current + m_used, text.data(), text.size());
     m_used += text.size();
-    m_totalLength += text.size();
   }
   void Append(wchar_t character) {
     if (m_used == m_capacity) AddNewBlock();
     m_current[m_used++] = character;
-    ++m_totalLength;
   }
   // Clear, then append. The text must not lie in this buffer.
   void SetText(const wchar_t* text);
 
-  unsigned long GetLength() const noexcept { return m_totalLength; }
+  unsigned long GetLength() const noexcept { return m_before + m_used; }
   // The whole terminated text, good until the next change. Several blocks become one.
   const wchar_t* GetText();
   // A copy of the text; the blocks stay as they are.
@@ -67,14 +65,14 @@ class RKXML_EXPORT CStringBuffer {
   static Block MakeBlock(unsigned long capacity);
   void AddNewBlock();
   void AppendInPieces(std::wstring_view text);
-  void SetCurrent(unsigned long used);
+  void SetCurrent(unsigned long before, unsigned long used);
 
   std::vector<Block> m_blocks;
   unsigned long m_blockSize = 4095;
   unsigned long m_used = 0;      // of the last block
   unsigned long m_capacity = 0;  // of the last block
   wchar_t* m_current = nullptr;  // the last block
-  unsigned long m_totalLength = 0;
+  unsigned long m_before = 0;    // characters in the blocks before the last
 };
 
 }  // namespace RkXmlLib16

@@ -1,6 +1,5 @@
 #include "RkXmlLib16/support/Encoder.h"
 
-#include <climits>
 #include <vector>
 
 #include "Expect.h"
@@ -34,6 +33,20 @@ TEST(Encoder, EncodesUtf8AndReplacesWhatIsNoCharacter) {
   EXPECT_WIDE_EQ(L"EFBFBDF09F9880", Utf8Hex(kHigh + kHigh + kLow));
   EXPECT_WIDE_EQ(L"EFBFBDEFBFBD61", Utf8Hex(std::wstring(1, 0x110000) + static_cast<wchar_t>(-1) + L'a'));
   EXPECT_EQ(0u, CEncoder::UnicodeToUtf8Binary(static_cast<const wchar_t*>(nullptr)).GetLength());
+}
+
+// The length is counted in blocks where it can be; it must be what is written wherever pairs and lone halves fall.
+TEST(Encoder, CountsWhatItWrites) {
+  const wchar_t kinds[] = {L'a', 0xE9, 0x20AC, 0x1F600, 0xD83D, 0xDE00, 0x110000};
+  unsigned state = 1;
+  for (int round = 0; round < 5000; ++round) {
+    std::wstring text;
+    const unsigned variety = round % 7 + 1;
+    for (int i = 0; i < round % 70; ++i) text += kinds[(state = state * 1664525u + 1013904223u) / 65536 % variety];
+    std::vector<unsigned char> written(text.size() * 4 + 1);
+    const unsigned char* const end = CEncoder::WriteUtf8(text, written.data());
+    ASSERT_EQ(static_cast<unsigned long>(end - written.data()), CEncoder::Utf8Length(text));
+  }
 }
 
 TEST(Encoder, EveryCharacterSurvivesEachForm) {
