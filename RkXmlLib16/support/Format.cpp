@@ -34,8 +34,8 @@ class ScopedCLocale {
   locale_t m_previous;
 };
 
-// The format as the runtime understands it: "I64" becomes "ll", and %c becomes %lc, which takes the character as it is
-// where %c would send it through the locale.
+// The format as the runtime understands it: "I64" becomes "ll", %c becomes %lc, which takes the character as it is
+// where %c would send it through the locale, and %n becomes %d, so that nothing ever writes through an argument.
 std::wstring NativeFormat(std::wstring_view format) {
   std::wstring native;
   native.reserve(format.size() + 8);
@@ -53,9 +53,10 @@ std::wstring NativeFormat(std::wstring_view format) {
     } else if (format.substr(0, 1) == L"c") {
       native += L'l';
     }
-    // The conversion itself, which may be the second character of "%%".
-    native.append(format.substr(0, 1));
-    format.remove_prefix(std::min<std::size_t>(1, format.size()));
+    if (format.empty()) break;
+    // The conversion itself, or the second character of "%%".
+    native += format.front() == L'n' ? L'd' : format.front();
+    format.remove_prefix(1);
   }
   return native;
 }

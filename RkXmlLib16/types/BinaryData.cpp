@@ -115,7 +115,8 @@ CBinaryData::CBinaryData(CBinaryData&& other) noexcept : m_holder(std::exchange(
 CBinaryData::CBinaryData(unsigned char* data, unsigned long length, bool copy)
     : m_holder(new CDataHolder(data, length, copy)) {}
 
-CBinaryData::CBinaryData(const wchar_t* text) { Append(text); }
+// Delegates, so that a failing append frees what it allocated.
+CBinaryData::CBinaryData(const wchar_t* text) : CBinaryData() { Append(text); }
 
 CBinaryData& CBinaryData::operator=(const CBinaryData& other) {
   CBinaryData(other).Swap(*this);

@@ -41,7 +41,7 @@ TEST(Encoder, CountsWhatItWrites) {
   unsigned state = 1;
   for (int round = 0; round < 5000; ++round) {
     std::wstring text;
-    const unsigned variety = round % 7 + 1;
+    const unsigned variety = static_cast<unsigned>(round) % 7 + 1;
     for (int i = 0; i < round % 70; ++i) text += kinds[(state = state * 1664525u + 1013904223u) / 65536 % variety];
     std::vector<unsigned char> written(text.size() * 4 + 1);
     const unsigned char* const end = CEncoder::WriteUtf8(text, written.data());

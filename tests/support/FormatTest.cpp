@@ -15,6 +15,7 @@ TEST(Format, FormatsTextNumbersAndTheSixtyFourBitPrefix) {
   EXPECT_WIDE_EQ(L"[   ab][ab   ][00042][+7][ 3.50]",
                  FormatString(L"[%5ls][%-*.2ls][%05d][%+d][%5.2f]", L"ab", 5, L"abc", 42, 7, 3.5));
   EXPECT_WIDE_EQ(L"I64 100%", FormatString(L"I64 %d%%", 100));
+  EXPECT_WIDE_EQ(L"Error [2]", FormatString(L"Error [%n]", 2));
   EXPECT_WIDE_EQ(L"", FormatString(L""));
 }
 
