@@ -10,13 +10,13 @@ namespace RkXmlLib16 {
 
 namespace {
 
-// A position in UTF-16 that lies as bytes in memory. A last odd byte reads as a lone surrogate.
+// A position in UTF-16 that lies as bytes in memory. A last odd byte reads as a high surrogate, which stays alone.
 class Utf16Bytes {
  public:
   Utf16Bytes(const unsigned char* at, const unsigned char* end, bool bigEndian)
       : m_at(at), m_end(end), m_bigEndian(bigEndian) {}
   char16_t operator*() const {
-    if (m_end - m_at < 2) return 0xDC00;
+    if (m_end - m_at < 2) return 0xD800;
     const unsigned first = m_at[0];
     const unsigned second = m_at[1];
     return static_cast<char16_t>(m_bigEndian ? first << 8 | second : second << 8 | first);

@@ -91,6 +91,7 @@ TEST(Encoder, ReadsUtf16InBothByteOrders) {
                                                                              "\x3D\xD8",
                                                                              6)));
   EXPECT_WIDE_EQ(L"a\uFFFD", CEncoder::Utf16ToUnicode(std::string_view("a\0b", 3)));
+  EXPECT_WIDE_EQ(L"\uFFFD\uFFFD", CEncoder::Utf16ToUnicode(std::string_view("\x3D\xD8\x00", 3)));
 }
 
 // The runs of ASCII are converted sixteen at a time: a foreign character at every place of texts of every short length.
