@@ -1,0 +1,446 @@
+#include "RkXmlLib16/json/JsonTextWriter.h"
+
+#include <cstdint>
+
+#include "RkXmlLib16/core/Exception.h"
+#include "RkXmlLib16/support/TextStream.h"
+
+namespace RkXmlLib16 {
+
+namespace {
+
+constexpr std::size_t kFlushLength = 4096;
+const std::wstring kNone;
+
+[[noreturn]] void ThrowUnknownNamespace(const std::wstring& name) {
+  throw CRkException(L"Unknown Namespace: " + name + L".");
+}
+
+constexpr bool IsUnquoted(ItemType type) {
+  return (type >= ItemType_byte && type <= ItemType_double) || type == ItemType_boolean || type == ItemType_decimal ||
+         type == ItemType_integer;
+}
+
+std::size_t SkipDigits(std::wstring_view text, std::size_t i) {
+  while (i < text.size() && text[i] >= L'0' && text[i] <= L'9') ++i;
+  return i;
+}
+
+// A number of RFC 8259 that a binary64 can hold. Beyond its range strict parsers may refuse the document; the length
+// limit on the exponent keeps the arithmetic exact and drops nothing, since such a text is written as a string.
+bool IsStrictNumber(std::wstring_view text) {
+  constexpr std::int64_t kMaxExponent = 307;
+  std::size_t i = !text.empty() && text[0] == L'-' ? 1 : 0;
+  const std::size_t integer = i;
+  i = SkipDigits(text, i);
+  const std::size_t integerEnd = i;
+  if (integerEnd == integer || (text[integer] == L'0' && integerEnd - integer > 1)) return false;
+  std::int64_t magnitude = static_cast<std::int64_t>(integerEnd - integer) - 1;
+  if (i < text.size() && text[i] == L'.') {
+    const std::size_t fraction = ++i;
+    i = SkipDigits(text, i);
+    if (i == fraction) return false;
+  }
+  if (i < text.size() && (text[i] == L'e' || text[i] == L'E')) {
+    ++i;
+    const bool negative = i < text.size() && text[i] == L'-';
+    if (i < text.size() && (text[i] == L'-' || text[i] == L'+')) ++i;
+    const std::size_t exponent = i;
+    i = SkipDigits(text, i);
+    if (i == exponent || i - exponent > 6) return false;
+    std::int64_t value = 0;
+    for (std::size_t k = exponent; k < i; ++k) value = value * 10 + (text[k] - L'0');
+    magnitude += negative ? -value : value;
+  }
+  return i == text.size() && magnitude <= kMaxExponent;
+}
+
+bool IsStrictLiteral(std::wstring_view text) { return text == L"true" || text == L"false" || IsStrictNumber(text); }
+
+}  // namespace
+
+CJsonTextWriter::CJsonTextWriter(CTextStream& stream) : m_stream(stream) {}
+CJsonTextWriter::~CJsonTextWriter() = default;
+
+void CJsonTextWriter::SetIndentChars(const wchar_t* text) { m_indentChars = text != nullptr ? text : L""; }
+
+void CJsonTextWriter::SetEOLType(EOLType type) {
+  if (type != EOLType_CRLF && type != EOLType_LF) throw CRkException(L"Invalid EOL type.");
+  m_eol = type == EOLType_CRLF ? L"\r\n" : L"\n";
+  m_eolType = type;
+}
+
+void CJsonTextWriter::Open() {
+  CXmlWriter::Open();
+  m_stream.Open();
+}
+
+void CJsonTextWriter::Close() {
+  m_stream.Close();
+  CXmlWriter::Close();
+}
+
+void CJsonTextWriter::WriteStartDocument() {
+  Put(L"{");
+  PutLine();
+  FlushWhenFull();
+}
+
+void CJsonTextWriter::WriteEndDocument() {
+  PutLine();
+  Put(L"}");
+  FlushWhenFull();
+}
+
+void CJsonTextWriter::WriteIndent(int level) {
+  for (int i = 0; i < level; ++i) Put(m_indentChars);
+  FlushWhenFull();
+}
+
+void CJsonTextWriter::WriteOpenBrackets(CXmlWriterContext& context) {
+  if (m_valuePending) {
+    if (m_itemPending) SeparateItem(context);
+    CXmlWriterContext* owner = context.m_parent.get();
+    if (owner != nullptr && owner->m_state == ContextState_CollectionStart) OpenArray(context, *owner);
+    Put(L"{");
+    m_valuePending = false;
+  } else {
+    Put(L",");
+  }
+  PutLine();
+  FlushWhenFull();
+}
+
+void CJsonTextWriter::WriteValue(const std::wstring& text, ItemType type) {
+  if (IsUnquoted(type) && (!m_strict || IsStrictLiteral(text))) {
+    m_stream.Append(text);
+  } else {
+    Put(L"\"");
+    PutEscaped(text);
+    Put(L"\"");
+  }
+  FlushWhenFull();
+}
+
+void CJsonTextWriter::WriteComment(const std::wstring& text) {
+  if (m_strict) return;
+  Put(L"/* ");
+  PutEscaped(text);
+  Put(L" */");
+  Put(m_eol);
+  FlushWhenFull();
+}
+
+void CJsonTextWriter::WritePI(const std::wstring&) {}
+void CJsonTextWriter::WriteInlineSchema(const std::wstring&) {}
+
+void CJsonTextWriter::WriteStartElement(const std::wstring& localName, const std::wstring& namespaceUri) {
+  const bool root = m_context == nullptr;
+  const bool item = !root && ContinuesArray(localName, namespaceUri);
+  const bool keyHasPrefix = !item && m_roundTrip == JsonRoundTrip_Namespaces;
+  if (keyHasPrefix && !root && FindElementPrefix(namespaceUri) == nullptr) ThrowUnknownNamespace(localName);
+  // An item that turns out to have only text cannot stand in an array without markers.
+  const bool undecided = item && m_roundTrip == JsonRoundTrip_Plain;
+  if (!root) {
+    if (!item) CloseArray(*m_context, Top(), false);
+    if (!undecided) OpenMember();
+  }
+
+  CXmlWriterContext& context = PushContext(localName, namespaceUri);
+  if (m_frameCount == m_frames.size()) m_frames.emplace_back();
+  ++m_frameCount;
+  Top().arrayItem = item;
+  Top().arrayOpen = false;
+  m_valuePending = true;
+  m_itemPending = undecided;
+  if (root) context.m_depth = 1;  // the braces of the document are level 0
+
+  if (undecided) return;
+  PutIndent(context.m_depth);
+  if (root && keyHasPrefix) {
+    DeclareNamespaces();
+  } else if (!item) {
+    PutKey({}, keyHasPrefix ? *FindElementPrefix(namespaceUri) : kNone, localName);
+  }
+  FlushWhenFull();
+}
+
+// The key of the root element and the declarations in its object.
+void CJsonTextWriter::DeclareNamespaces() {
+  CXmlWriterContext& root = *m_context;
+  if (const std::wstring* known = FindElementPrefix(root.m_namespaceUri)) {
+    PutKey({}, *known, root.m_localName);
+  } else {
+    bool invented;
+    const std::wstring& prefix = RequirePrefix(root.m_namespaceUri, invented);
+    PutKey({}, prefix, root.m_localName);
+    WriteNamespaceMember(prefix, root.m_namespaceUri);
+  }
+  if (!root.GetDefaultNamespace().empty()) WriteNamespaceMember(kNone, root.GetDefaultNamespace());
+  for (const auto& [uri, prefix] : m_namespaces) {
+    if (uri != XML_NAMESPACE && !prefix.empty()) WriteNamespaceMember(prefix, uri);
+  }
+}
+
+void CJsonTextWriter::WriteString(const std::wstring& text, ItemType type) {
+  if (text.empty()) {
+    if (m_context == nullptr) return;
+    if (!m_valuePending) {
+      if (!m_strict) Put(L"null");
+    } else if (!Top().arrayItem && !m_textPending) {
+      m_textPending = true;
+      m_text.clear();
+      m_textType = type;
+    }
+    return FlushWhenFull();
+  }
+  RequireOpenElement();
+  if (m_textPending) {
+    m_textType = m_text.empty() ? type : ItemType_string;
+    m_text += text;
+  } else if (m_valuePending && (!Top().arrayItem || m_itemPending)) {
+    m_textPending = true;
+    m_text = text;
+    m_textType = type;
+  } else {
+    WriteTextMember(text, type);
+    FlushWhenFull();
+  }
+}
+
+void CJsonTextWriter::WriteEndElement() {
+  RequireOpenElement();
+  CXmlWriterContext& context = *m_context;
+  CloseArray(context, Top(), true);
+  if (!m_valuePending) {
+    PutLine();
+    PutIndent(context.m_depth);
+    Put(L"}");
+  } else if (m_textPending) {
+    if (m_itemPending) WriteItemAsMember(context);
+    if (m_text.empty()) {
+      Put(L"null");
+    } else {
+      WriteValue(m_text, m_textType);
+    }
+  } else if (Top().arrayItem || m_strict) {
+    if (m_itemPending) SeparateItem(context);
+    Put(L"{}");
+  }
+  m_valuePending = m_itemPending = m_textPending = false;
+  PopContext();
+  --m_frameCount;
+  FlushWhenFull();
+}
+
+void CJsonTextWriter::WriteAttributeString(const std::wstring& localName, const std::wstring& namespaceUri,
+                                           const std::wstring& value, ItemType type) {
+  RequireOpenElement();
+  const bool prefixed = m_roundTrip == JsonRoundTrip_Namespaces && !namespaceUri.empty();
+  const std::wstring* prefix = prefixed ? FindAttributePrefix(namespaceUri) : &kNone;
+  if (prefix == nullptr) ThrowUnknownNamespace(localName);
+  CloseArray(*m_context, Top(), false);
+  OpenMember();
+  PutIndent(m_context->m_depth + 1);
+  PutKey(m_roundTrip == JsonRoundTrip_Plain ? L"" : L"@", *prefix, localName);
+  WriteValue(value, type);
+}
+
+void CJsonTextWriter::WriteAttributeType(const std::wstring& typeNamespaceUri, const std::wstring& typeName,
+                                         ItemType type) {
+  if (m_roundTrip != JsonRoundTrip_Namespaces) return;
+  RequireOpenElement();
+  const std::wstring* prefix = FindElementPrefix(typeNamespaceUri);
+  if (prefix == nullptr) ThrowUnknownNamespace(typeName);
+  WriteAttributeString(L"type", XSI_NAMESPACE, prefix->empty() ? typeName : *prefix + L":" + typeName, type);
+}
+
+void CJsonTextWriter::WriteAttributeNil() {
+  if (!m_strict || m_roundTrip != JsonRoundTrip_Namespaces) return;
+  RequireOpenElement();
+  bool invented;
+  const std::wstring& prefix = RequirePrefix(XSI_NAMESPACE, invented);
+  if (invented) WriteNamespaceMember(prefix, XSI_NAMESPACE);
+  WriteAttributeString(L"nil", XSI_NAMESPACE, L"true", ItemType_boolean);
+}
+
+// Whether the element is the next item of the array that is open in the current element.
+bool CJsonTextWriter::ContinuesArray(const std::wstring& localName, const std::wstring& namespaceUri) {
+  const Frame& frame = Top();
+  return frame.arrayOpen && m_context->m_state == ContextState_ArrayOpen && frame.arrayName == localName &&
+         (m_roundTrip != JsonRoundTrip_Namespaces || frame.arrayNamespace == namespaceUri);
+}
+
+void CJsonTextWriter::OpenArray(CXmlWriterContext& item, CXmlWriterContext& owner) {
+  owner.m_state = ContextState_ArrayOpen;
+  Frame& frame = Owner();
+  frame.arrayOpen = true;
+  frame.arrayName = item.m_localName;
+  frame.arrayNamespace = item.m_namespaceUri;
+  Put(L"[");
+  if (m_format) {
+    ++item.m_depth;
+    ++owner.m_depth;
+    PutLine();
+    PutIndent(item.m_depth);
+  }
+}
+
+// Closes the array of `owner`, if one is open: at the end of the owner, or before a member that is not its item.
+void CJsonTextWriter::CloseArray(CXmlWriterContext& owner, Frame& frame, bool atEnd) {
+  if (owner.m_state == ContextState_CollectionEnd) owner.m_state = ContextState_None;
+  if (!frame.arrayOpen) return;
+  frame.arrayOpen = false;
+  if (owner.m_state == ContextState_ArrayOpen) owner.m_state = ContextState_CollectionStart;
+  if (m_format) {
+    PutLine();
+    PutIndent(owner.m_depth);
+    --owner.m_depth;
+    if (atEnd && owner.m_parent != nullptr) --owner.m_parent->m_depth;
+  }
+  Put(L"]");
+}
+
+void CJsonTextWriter::OpenMember() {
+  if (m_textPending) {
+    m_textPending = false;
+    if (!m_text.empty()) WriteTextMember(m_text, m_textType);
+  }
+  WriteOpenBrackets(*m_context);
+}
+
+void CJsonTextWriter::SeparateItem(const CXmlWriterContext& item) {
+  m_itemPending = false;
+  Put(L",");
+  PutLine();
+  PutIndent(item.m_depth);
+}
+
+// Takes an item out of the array that it would have continued: a member with a key of its own.
+void CJsonTextWriter::WriteItemAsMember(CXmlWriterContext& item) {
+  CXmlWriterContext& owner = *item.m_parent;
+  CloseArray(owner, Owner(), false);
+  item.m_depth = owner.m_depth + 1;
+  SeparateItem(item);
+  PutKey({}, kNone, item.m_localName);
+}
+
+void CJsonTextWriter::WriteTextMember(const std::wstring& text, ItemType type) {
+  CloseArray(*m_context, Top(), false);
+  WriteOpenBrackets(*m_context);
+  PutIndent(m_context->m_depth + 1);
+  Put(m_roundTrip == JsonRoundTrip_Plain ? L"\"\": " : L"\"#text\": ");
+  WriteValue(text, type);
+}
+
+void CJsonTextWriter::WriteNamespaceMember(const std::wstring& prefix, const std::wstring& namespaceUri) {
+  OpenMember();
+  PutIndent(m_context->m_depth + 1);
+  if (prefix.empty()) {
+    Put(L"\"@xmlns\": \"");
+  } else {
+    PutKey(L"@", L"xmlns", prefix);
+    Put(L"\"");
+  }
+  PutName(namespaceUri);
+  Put(L"\"");
+}
+
+const std::wstring* CJsonTextWriter::FindElementPrefix(const std::wstring& namespaceUri) const {
+  if (namespaceUri.empty() || namespaceUri == m_context->GetDefaultNamespace()) return &kNone;
+  return FindAttributePrefix(namespaceUri);
+}
+
+const std::wstring* CJsonTextWriter::FindAttributePrefix(const std::wstring& namespaceUri) const {
+  const std::wstring* prefix = m_context->FindPrefix(namespaceUri);
+  return prefix != nullptr && !prefix->empty() ? prefix : nullptr;
+}
+
+void CJsonTextWriter::RequireOpenElement() const {
+  if (m_context == nullptr) throw CRkException(L"No Element is open.");
+}
+
+void CJsonTextWriter::Put(std::wstring_view text) { m_stream.Append(text); }
+
+void CJsonTextWriter::PutLine() {
+  if (m_format) Put(m_eol);
+}
+
+void CJsonTextWriter::PutIndent(std::int64_t level) {
+  if (!m_format) return;
+  for (std::int64_t i = 0; i < level; ++i) Put(m_indentChars);
+}
+
+void CJsonTextWriter::PutKey(std::wstring_view marker, const std::wstring& prefix, const std::wstring& localName) {
+  Put(L"\"");
+  Put(marker);
+  if (!prefix.empty()) {
+    PutName(prefix);
+    Put(L":");
+  }
+  PutName(localName);
+  Put(L"\": ");
+}
+
+// Keys and namespace URIs; like every text they end at a NUL.
+void CJsonTextWriter::PutName(const std::wstring& name) {
+  if (m_strict) {
+    PutEscaped(name);
+  } else {
+    m_stream.Append(name);
+  }
+}
+
+// Copies the runs between the characters that are not written as themselves; a NUL ends the text.
+void CJsonTextWriter::PutEscaped(std::wstring_view text) {
+  static constexpr wchar_t kHex[] = L"0123456789ABCDEF";
+  text = text.substr(0, text.find(L'\0'));
+  std::size_t run = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const auto c = static_cast<std::uint32_t>(text[i]);
+    if (c > 31 && (!m_strict || (c != L'"' && c != L'\\'))) continue;
+    if (!m_strict && (c == L'\b' || c == L'\t' || c == L'\f')) continue;
+    Put(text.substr(run, i - run));
+    run = i + 1;
+    if (!m_strict && c == L'\n') {
+      Put(m_eol);
+    } else if (!m_strict && c == L'\r') {
+      continue;
+    } else {
+      switch (c) {
+        case L'"':
+          Put(L"\\\"");
+          break;
+        case L'\\':
+          Put(L"\\\\");
+          break;
+        case L'\b':
+          Put(L"\\b");
+          break;
+        case L'\t':
+          Put(L"\\t");
+          break;
+        case L'\n':
+          Put(L"\\n");
+          break;
+        case L'\f':
+          Put(L"\\f");
+          break;
+        case L'\r':
+          Put(L"\\r");
+          break;
+        default: {
+          const wchar_t escape[] = {L'\\', L'u', L'0', L'0', kHex[c >> 4], kHex[c & 15]};
+          Put(std::wstring_view(escape, 6));
+        }
+      }
+    }
+  }
+  Put(text.substr(run));
+}
+
+void CJsonTextWriter::FlushWhenFull() {
+  if (m_stream.GetLength() >= kFlushLength) m_stream.Flush();
+}
+
+}  // namespace RkXmlLib16

@@ -1,0 +1,131 @@
+#ifndef RKXMLLIB16_JSON_JSONTEXTWRITER_H
+#define RKXMLLIB16_JSON_JSONTEXTWRITER_H
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "RkXmlLib16/core/Enumerations.h"
+#include "RkXmlLib16/core/Export.h"
+#include "RkXmlLib16/xml/XmlWriter.h"
+
+namespace RkXmlLib16 {
+
+class CTextStream;
+
+// The writer that turns the calls of CXmlWriter into JSON text. Every element is a member of its parent's object;
+// attributes and text are members with marker keys; the items of a collection of objects are one array; in the fullest
+// round-trip mode namespaces are prefixes and "@xmlns" members. CJsonTextReader reads the same shapes.
+//
+//   <order id="1"><name>x</name></order>   is   {"order": {"@id": "1","name": "x"}}
+//
+// Strings are written with quotation marks, backslashes, tabs and line feeds as they are, and an element with nothing
+// in it is a key without value, unless the output is strict: then the text is RFC 8259 whatever the document holds.
+// docs/json.md shows all shapes.
+class RKXML_EXPORT CJsonTextWriter : public CXmlWriter {
+ public:
+  // `stream` is kept: it must outlive the writer.
+  explicit CJsonTextWriter(CTextStream& stream);
+  ~CJsonTextWriter() override;
+
+  // Indentation and line ends; on at first.
+  bool GetFormat() const noexcept { return m_format; }
+  void SetFormat(bool format) noexcept { m_format = format; }
+  // One tab at first. Null is an empty text.
+  const std::wstring& GetIndentChars() const noexcept { return m_indentChars; }
+  void SetIndentChars(const wchar_t* text);
+  // LF at first. Throws CRkException "Invalid EOL type." and keeps the old one.
+  EOLType GetEOLType() const noexcept { return m_eolType; }
+  void SetEOLType(EOLType type);
+  // Namespaces at first.
+  JsonRoundTrip GetSupportRoundtrip() const noexcept { return m_roundTrip; }
+  void SetSupportRoundtrip(JsonRoundTrip mode) noexcept { m_roundTrip = mode; }
+  // RFC 8259 text always; off at first. See CJsonContext::SetStrictOutput.
+  bool GetStrictOutput() const noexcept { return m_strict; }
+  void SetStrictOutput(bool strict) noexcept { m_strict = strict; }
+
+  // The braces of the document, an object whose one member is the root element.
+  void WriteStartDocument();
+  void WriteEndDocument();
+  // The indent characters `level` times; nothing for a negative level.
+  void WriteIndent(int level);
+  // Prepares for a member of `context`, which is the open element: the first opens the object (and, when it is the
+  // first item of a collection, the array), each further one is separated by a comma.
+  void WriteOpenBrackets(CXmlWriterContext& context);
+  // Numbers and booleans (by type, not by text) without quotes, everything else as a string.
+  void WriteValue(const std::wstring& text, ItemType type);
+
+  void Open() override;
+  void Close() override;
+  // "/* text */", which only readers that allow comments accept; nothing when the output is strict.
+  void WriteComment(const std::wstring& text) override;
+  // JSON has neither; they write nothing.
+  void WritePI(const std::wstring& text) override;
+  void WriteInlineSchema(const std::wstring& schemaText) override;
+  // With namespaces: throws CRkException "Unknown Namespace: %ls." for a namespace without a prefix in scope, except on
+  // the root element, which invents one.
+  void WriteStartElement(const std::wstring& localName, const std::wstring& namespaceUri) override;
+  void WriteString(const std::wstring& text, ItemType type) override;
+  void WriteEndElement() override;
+  // With namespaces: throws CRkException "Unknown Namespace: %ls." for a namespace without a prefix in scope.
+  void WriteAttributeString(const std::wstring& localName, const std::wstring& namespaceUri, const std::wstring& value,
+                            ItemType type) override;
+  // Written with namespaces only.
+  void WriteAttributeType(const std::wstring& typeNamespaceUri, const std::wstring& typeName, ItemType type) override;
+  // Written with namespaces and strict output only.
+  void WriteAttributeNil() override;
+
+ private:
+  // What an open element needs besides its context; `m_frames` runs parallel to the chain of contexts.
+  struct Frame {
+    bool arrayItem = false;       // stands in an array that was open before it
+    bool arrayOpen = false;       // an array of this element's children is open
+    std::wstring arrayName;       // the name of its items
+    std::wstring arrayNamespace;  // and their namespace
+  };
+
+  Frame& Top() { return m_frames[m_frameCount - 1]; }
+  Frame& Owner() { return m_frames[m_frameCount - 2]; }
+  bool ContinuesArray(const std::wstring& localName, const std::wstring& namespaceUri);
+  void OpenArray(CXmlWriterContext& item, CXmlWriterContext& owner);
+  void CloseArray(CXmlWriterContext& owner, Frame& frame, bool atEnd);
+  void OpenMember();
+  void SeparateItem(const CXmlWriterContext& item);
+  void WriteItemAsMember(CXmlWriterContext& item);
+  void WriteTextMember(const std::wstring& text, ItemType type);
+  void WriteNamespaceMember(const std::wstring& prefix, const std::wstring& namespaceUri);
+  void DeclareNamespaces();
+  // The prefix that stands for the namespace, empty for none, null when the scope knows none.
+  const std::wstring* FindElementPrefix(const std::wstring& namespaceUri) const;
+  const std::wstring* FindAttributePrefix(const std::wstring& namespaceUri) const;
+  void RequireOpenElement() const;
+
+  void Put(std::wstring_view text);
+  void PutLine();
+  void PutIndent(std::int64_t level);
+  void PutKey(std::wstring_view marker, const std::wstring& prefix, const std::wstring& localName);
+  void PutName(const std::wstring& name);
+  void PutEscaped(std::wstring_view text);
+  void FlushWhenFull();
+
+  std::wstring m_indentChars = L"\t";
+  std::wstring m_eol = L"\n";
+  EOLType m_eolType = EOLType_LF;
+  JsonRoundTrip m_roundTrip = JsonRoundTrip_Namespaces;
+  bool m_format = true;
+  bool m_strict = false;
+  CTextStream& m_stream;
+  // About the open element:
+  bool m_valuePending = false;  // its key or place is written, its value not begun
+  bool m_itemPending = false;   // not even the separator before it, because it may not become an array item
+  bool m_textPending = false;   // its text is held: members that follow make it a member itself
+  std::wstring m_text;
+  ItemType m_textType = ItemType_none;
+  std::vector<Frame> m_frames;  // kept when elements end, with their storage
+  std::size_t m_frameCount = 0;
+};
+
+}  // namespace RkXmlLib16
+
+#endif
