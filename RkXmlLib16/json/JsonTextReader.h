@@ -1,0 +1,82 @@
+#ifndef RKXMLLIB16_JSON_JSONTEXTREADER_H
+#define RKXMLLIB16_JSON_JSONTEXTREADER_H
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "RkXmlLib16/core/Export.h"
+#include "RkXmlLib16/json/JsonReaderHandler.h"
+
+namespace RkXmlLib16 {
+
+class CBinaryData;
+class CJsonReaderDefaultHandler;
+class CSerializationContext;
+
+// A parser of JSON text (RFC 8259) that reports what it finds to a handler, at most 100 values deep. It also takes what
+// CJsonTextWriter writes beyond the standard: any character but the quotation mark and the backslash stands for itself
+// inside a string. What follows the first value is not examined.
+//
+// Syntax errors throw CRkValidationException with the JSON path and the place: lines count from 0, the position is the
+// number of characters since the last line feed, the offending one included.
+class RKXML_EXPORT CJsonTextReader {
+ public:
+  // Converts JSON text to XML text in UTF-8 without declaration, by the JSON settings of the context: "@" members
+  // become attributes, "#text" members text, arrays repeated elements. Beyond syntax errors throws
+  // CRkInvalidStateException with the JSON path for names and values that XML cannot hold.
+  static CBinaryData ConvertJsonToXml(const std::wstring& json, const CSerializationContext& context);
+
+  // `text` is kept: it must outlive the reader.
+  explicit CJsonTextReader(const std::wstring& text);
+  CJsonTextReader(const CJsonTextReader&) = delete;
+  CJsonTextReader& operator=(const CJsonTextReader&) = delete;
+  ~CJsonTextReader();
+
+  // `handler` is kept; null for none.
+  void SetJsonReaderHandler(IJsonReaderHandler* handler);
+  // Lives as long as the reader.
+  const IErrorPathProvider* GetErrorPathProvider() const;
+  // Off at first.
+  void SetAllowComments(bool allow) noexcept { m_allowComments = allow; }
+  // When not empty, the document is reported as if it were the value of one member of this name.
+  void SetRootElementName(const std::wstring& name) { m_rootElementName = name; }
+
+  // Reads the text from its start.
+  void Read();
+
+ private:
+  static constexpr int kMaxDepth = 100;
+
+  bool AtEnd() const noexcept { return m_at == m_text.size(); }
+  // The current character; NUL at the end of the text, where no caller takes it for one.
+  wchar_t Current() const noexcept { return AtEnd() ? L'\0' : m_text[m_at]; }
+  void SkipWhiteSpace();
+  void ReadValue(int depth);
+  void ReadObject(int depth);
+  void ReadArray(int depth);
+  // Leaves the text between the quotation marks in m_buffer.
+  void ReadQuoted();
+  void ReadEscape();
+  wchar_t ReadCodeUnit();
+  void ReadNumber();
+  void ReadDigits();
+  void ReadLiteral(std::wstring_view literal, const wchar_t* endMessage, const wchar_t* message);
+
+  // Throws with the line and position, and with the current character where the message shows it.
+  [[noreturn]] void Fail(const wchar_t* message) const;
+  // One message for the end of the text, one for any other character.
+  [[noreturn]] void FailUnexpected(const wchar_t* endMessage, const wchar_t* message) const;
+
+  std::unique_ptr<CJsonReaderDefaultHandler> m_handler;
+  bool m_allowComments = false;
+  std::wstring m_rootElementName;
+  const std::wstring& m_text;
+  std::size_t m_at = 0;   // the index of the current character
+  std::wstring m_buffer;  // the name, string or number being read
+};
+
+}  // namespace RkXmlLib16
+
+#endif

@@ -1,0 +1,230 @@
+#include "RkXmlLib16/json/JsonToXml.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <string_view>
+
+#include "RkXmlLib16/core/Exception.h"
+#include "RkXmlLib16/core/ReadLimits.h"
+#include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/json/JsonContext.h"
+#include "RkXmlLib16/json/JsonTextReader.h"
+#include "RkXmlLib16/support/TextStream.h"
+#include "RkXmlLib16/types/BinaryData.h"
+#include "RkXmlLib16/xml/XmlTextWriter.h"
+
+namespace RkXmlLib16 {
+
+namespace {
+
+const std::wstring kNoNamespace;
+
+struct Range {
+  char32_t first, last;
+};
+
+// NameStartChar of XML 1.0 (fifth edition) above ASCII, and what NameChar adds to it.
+constexpr Range kNameStart[] = {{0xC0, 0xD6},     {0xD8, 0xF6},     {0xF8, 0x2FF},    {0x370, 0x37D},
+                                {0x37F, 0x1FFF},  {0x200C, 0x200D}, {0x2070, 0x218F}, {0x2C00, 0x2FEF},
+                                {0x3001, 0xD7FF}, {0xF900, 0xFDCF}, {0xFDF0, 0xFFFD}, {0x10000, 0xEFFFF}};
+constexpr Range kNameFurther[] = {{0xB7, 0xB7}, {0x300, 0x36F}, {0x203F, 0x2040}};
+
+template <std::size_t N>
+bool IsIn(const Range (&ranges)[N], char32_t c) {
+  return std::any_of(ranges, ranges + N, [c](const Range& r) { return c >= r.first && c <= r.last; });
+}
+
+bool IsNameStart(char32_t c) {
+  if (c < 0x80) return (c | 0x20u) - U'a' < 26u || c == U'_';
+  return IsIn(kNameStart, c);
+}
+
+bool IsNameCharacter(char32_t c) {
+  return IsNameStart(c) || c - U'0' < 10u || c == U'-' || c == U'.' || (c >= 0x80 && IsIn(kNameFurther, c));
+}
+
+bool IsNCName(std::wstring_view name) {
+  return !name.empty() && IsNameStart(static_cast<char32_t>(name[0])) &&
+         std::all_of(name.begin() + 1, name.end(), [](wchar_t c) { return IsNameCharacter(static_cast<char32_t>(c)); });
+}
+
+// A name with an optional prefix (W3C Namespaces in XML 1.0).
+bool IsQName(std::wstring_view name) {
+  const std::size_t colon = name.find(L':');
+  if (colon == std::wstring_view::npos) return IsNCName(name);
+  return IsNCName(name.substr(0, colon)) && IsNCName(name.substr(colon + 1));
+}
+
+// Whether XML text can hold all characters. What the encoder repairs may pass.
+bool IsXmlText(std::wstring_view text) {
+  return std::all_of(text.begin(), text.end(), [](wchar_t c) {
+    const auto code = static_cast<char32_t>(c);
+    return code >= 0x20 ? code < 0xFFFE || code > 0xFFFF : c == L'\t' || c == L'\n' || c == L'\r';
+  });
+}
+
+}  // namespace
+
+CBinaryData CJsonTextReader::ConvertJsonToXml(const std::wstring& json, const CSerializationContext& context) {
+  const CJsonContext& settings = *context.GetJsonContext();
+  CTextStream stream(XmlEncoding_UTF8);
+  CXmlTextWriter writer(stream);
+  writer.Open();
+  CJsonTextReader reader(json);
+  CJsonReaderToXmlHandler handler(writer, settings.GetSupportRoundtrip(), reader.GetErrorPathProvider());
+  handler.SetLimits(context.GetLimits(), json.size());
+  reader.SetJsonReaderHandler(&handler);
+  reader.SetAllowComments(settings.GetAllowComments());
+  reader.SetRootElementName(settings.GetRootElementName());
+  reader.Read();
+  writer.Close();
+  return stream.GetEncodedStream();
+}
+
+CJsonReaderToXmlHandler::CJsonReaderToXmlHandler(CXmlTextWriter& writer, JsonRoundTrip mode,
+                                                 const IErrorPathProvider* errorPath)
+    : m_writer(writer), m_mode(mode), m_errorPath(errorPath) {}
+
+CJsonReaderToXmlHandler::~CJsonReaderToXmlHandler() = default;
+
+void CJsonReaderToXmlHandler::SetLimits(const CReadLimits& limits, std::size_t jsonLength) {
+  m_limits = &limits;
+  m_jsonLength = jsonLength;
+}
+
+void CJsonReaderToXmlHandler::ReadStartDocument() {
+  m_target = Target::Content;
+  m_objects.clear();
+  m_arrayCount = 0;
+  m_repeatedCharacters = 0;
+}
+
+void CJsonReaderToXmlHandler::ReadEndDocument() {}
+
+void CJsonReaderToXmlHandler::ReadName(const std::wstring& name) {
+  const bool attribute = m_mode != JsonRoundTrip_Plain && !name.empty() && name[0] == L'@';
+  m_name.assign(name, attribute ? 1 : 0, std::wstring::npos);
+  if (m_name.empty()) throw CRkValidationException(L"JSON item has an empty Name.", m_errorPath->GetPath());
+  if (attribute) {
+    m_target = Target::Attribute;
+  } else if (m_mode != JsonRoundTrip_Plain && name == L"#text") {
+    m_target = Target::Text;
+  } else {
+    if (!IsQName(name)) Fail(L"Failed to convert name '" + name + L"' to Element name in XML.");
+    m_target = Target::Element;
+  }
+}
+
+void CJsonReaderToXmlHandler::ReadString(const std::wstring& value) {
+  const Target target = m_target;
+  m_target = Target::Content;
+  if (target == Target::Attribute) return WriteAttribute(value);
+  if (target == Target::Element) StartElement(m_name);
+  WriteText(value);
+  if (target == Target::Element) EndElement();
+}
+
+void CJsonReaderToXmlHandler::ReadNumber(const std::wstring& lexical) { ReadString(lexical); }
+
+void CJsonReaderToXmlHandler::ReadBool(bool value) {
+  static const std::wstring kTexts[] = {L"false", L"true"};
+  ReadString(kTexts[value]);
+}
+
+// An element stays empty; an attribute, a text and an item after the first leave nothing.
+void CJsonReaderToXmlHandler::ReadNull() {
+  if (m_target == Target::Element) {
+    StartElement(m_name);
+    EndElement();
+  }
+  m_target = Target::Content;
+}
+
+void CJsonReaderToXmlHandler::ReadStartObject() {
+  bool element = true;
+  if (m_target == Target::Attribute) {
+    FailAttributeValue(L"{");
+  } else if (m_target == Target::Element) {
+    StartElement(m_name);
+  } else if (m_target == Target::Content && m_arrayCount != 0) {
+    const std::wstring& name = m_arrays[m_arrayCount - 1];
+    CountRepeatedName(name.size());
+    StartElement(name);
+  } else {
+    element = false;
+  }
+  m_objects.push_back(element);
+  m_target = Target::Content;
+}
+
+void CJsonReaderToXmlHandler::ReadEndObject() {
+  if (m_objects.back()) EndElement();
+  m_objects.pop_back();
+  m_target = Target::Content;
+}
+
+void CJsonReaderToXmlHandler::ReadStartArray() {
+  if (m_target == Target::Attribute) FailAttributeValue(L"[");
+  if (m_target != Target::Element) throw CRkValidationException(L"JSON Array has no Name.", m_errorPath->GetPath());
+  // The name stays that of the first item.
+  if (m_arrayCount == m_arrays.size()) m_arrays.emplace_back();
+  m_arrays[m_arrayCount++] = m_name;
+}
+
+void CJsonReaderToXmlHandler::ReadEndArray() { --m_arrayCount; }
+
+void CJsonReaderToXmlHandler::StartElement(const std::wstring& name) {
+  try {
+    m_writer.WriteStartElement(name, kNoNamespace);
+  } catch (const CRkException&) {
+    Fail(L"Failed to convert name '" + name + L"' to Element name in XML.");
+  }
+}
+
+void CJsonReaderToXmlHandler::EndElement() { m_writer.WriteEndElement(); }
+
+void CJsonReaderToXmlHandler::WriteText(const std::wstring& value) {
+  static const std::wstring kLess = L"<";
+  static constexpr std::wstring_view kCData = L"<![CDATA[";
+  const auto fail = [&] { Fail(L"Failed to convert value '" + value + L"' to Element string value in XML."); };
+  if (!IsXmlText(value)) fail();
+  try {
+    if (value.compare(0, kCData.size(), kCData) == 0) {
+      // The writer takes a text that begins so for a finished section; in two pieces it escapes it.
+      m_writer.WriteString(kLess, ItemType_string);
+      m_writer.WriteString(value.substr(kLess.size()), ItemType_string);
+    } else {
+      m_writer.WriteString(value, ItemType_string);
+    }
+  } catch (const CRkException&) {
+    fail();
+  }
+}
+
+void CJsonReaderToXmlHandler::WriteAttribute(const std::wstring& value) {
+  if (!IsQName(m_name) || !IsXmlText(value)) FailAttributeValue(value);
+  try {
+    m_writer.WriteAttributeString(m_name, kNoNamespace, value, ItemType_string);
+  } catch (const CRkException&) {
+    FailAttributeValue(value);
+  }
+}
+
+void CJsonReaderToXmlHandler::CountRepeatedName(std::size_t length) {
+  if (m_limits == nullptr) return;
+  m_repeatedCharacters += length;
+  const unsigned long ratio = m_limits->GetMaxExpansionRatio();
+  if (ratio != 0 && m_repeatedCharacters > m_limits->GetExpansionRatioFrom() &&
+      m_repeatedCharacters / ratio > m_jsonLength)
+    CReadLimits::ThrowExceeded(L"expansion ratio", ratio, m_errorPath->GetPath());
+}
+
+void CJsonReaderToXmlHandler::FailAttributeValue(const std::wstring& value) const {
+  Fail(L"Failed to convert value '" + value + L"' to Attribute string value in XML.");
+}
+
+void CJsonReaderToXmlHandler::Fail(const std::wstring& message) const {
+  throw CRkInvalidStateException(CRkException(message, m_errorPath->GetPath()));
+}
+
+}  // namespace RkXmlLib16
