@@ -154,6 +154,7 @@ const std::wstring& CXmlWriter::CXmlWriterContext::InventPrefix(const std::wstri
 
 const std::wstring CXmlWriter::XML_NAMESPACE = L"http://www.w3.org/XML/1998/namespace";
 const std::wstring CXmlWriter::XSI_NAMESPACE = L"http://www.w3.org/2001/XMLSchema-instance";
+const std::wstring CXmlWriter::XMLNS_NAMESPACE = L"http://www.w3.org/2000/xmlns/";
 
 CXmlWriter::CXmlWriter() { m_namespaces[XML_NAMESPACE] = L"xml"; }
 
@@ -177,6 +178,19 @@ void CXmlWriter::AddNamespace(const std::wstring& prefix, const std::wstring& na
     m_namespaces[namespaceUri] = prefix;
   else
     m_context->SetNamespaceMapValue(namespaceUri, prefix);
+}
+
+bool CXmlWriter::DeclareNamespace(const std::wstring& prefix, const std::wstring& namespaceUri) {
+  if (m_context != nullptr) {
+    const std::wstring* known = m_context->FindPrefix(namespaceUri);
+    if (known != nullptr && *known == prefix) return true;
+    for (const auto& entry : m_context->GetNamespaceMap())
+      if (entry.second == prefix) return false;
+    AddNamespace(L"xmlns", XMLNS_NAMESPACE);
+  }
+  WriteAttributeString(prefix, XMLNS_NAMESPACE, namespaceUri, ItemType_string);
+  AddNamespace(prefix, namespaceUri);
+  return true;
 }
 
 void CXmlWriter::SetContextState(ContextState state) {

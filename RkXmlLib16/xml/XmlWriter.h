@@ -101,6 +101,10 @@ class RKXML_EXPORT CXmlWriter {
                                   ItemType type) = 0;
   virtual void WriteAttributeNil() = 0;
 
+  // Declares the prefix on the open start tag, for values that use it, unless it is in scope already. False when the
+  // prefix is in scope for another namespace, which is left so. Writers see the declaration as an attribute of
+  // XMLNS_NAMESPACE that is named like the prefix.
+  bool DeclareNamespace(const std::wstring& prefix, const std::wstring& namespaceUri);
   // Sets the state of the open element; without one it does nothing.
   void SetContextState(ContextState state);
   // The first of "AA", "AB", ... that is not a prefix in the map.
@@ -111,6 +115,8 @@ class RKXML_EXPORT CXmlWriter {
   static const std::wstring XML_NAMESPACE;
   // The XML Schema instance namespace (xsi:type, xsi:nil).
   static const std::wstring XSI_NAMESPACE;
+  // The namespace bound to the prefix xmlns.
+  static const std::wstring XMLNS_NAMESPACE;
 
  protected:
   // Opens a context under the present one and makes it current. The root element's default namespace is the writer's

@@ -1,0 +1,371 @@
+#include "RkXmlLib16/wildcards/Element.h"
+
+#include <algorithm>
+#include <cwchar>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+
+#include "RkXmlLib16/core/Exception.h"
+#include "RkXmlLib16/core/RootWriter.h"
+#include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/support/Format.h"
+#include "RkXmlLib16/types/Whitespace.h"
+#include "RkXmlLib16/xml/ElementTree.h"
+#include "RkXmlLib16/xml/XmlTextWriter.h"
+
+namespace RkXmlLib16 {
+
+namespace {
+
+using std::wstring_view;
+
+const std::wstring kNoNamespace;
+
+wstring_view TextOrEmpty(const wchar_t* text) { return text != nullptr ? wstring_view(text) : wstring_view(); }
+
+bool IsBlank(wstring_view text) { return std::all_of(text.begin(), text.end(), CWhitespaceUtils::IsWhiteSpace); }
+
+// Characters of a name without colons, seen generously: what is no name is not declared as a prefix anyway.
+bool StartsName(wchar_t c) {
+  return (c >= L'a' && c <= L'z') || (c >= L'A' && c <= L'Z') || c == L'_' || static_cast<unsigned long>(c) >= 0xC0;
+}
+bool ContinuesName(wchar_t c) {
+  return StartsName(c) || (c >= L'0' && c <= L'9') || c == L'-' || c == L'.' || c == 0xB7;
+}
+
+// Calls `found` with each prefix of a "prefix:local" in the text.
+template <class Found>
+void ForEachPrefix(wstring_view text, Found&& found) {
+  for (std::size_t colon = text.find(L':'); colon != wstring_view::npos; colon = text.find(L':', colon + 1)) {
+    if (colon + 1 == text.size() || !StartsName(text[colon + 1])) continue;
+    std::size_t begin = colon;
+    while (begin > 0 && ContinuesName(text[begin - 1])) --begin;
+    while (begin < colon && !StartsName(text[begin])) ++begin;
+    if (begin < colon) found(text.substr(begin, colon - begin));
+  }
+}
+
+[[noreturn]] void ThrowBadIndex(int index, int count) {
+  throw CRkInvalidParamException(FormatString(L"Index %d is out of range, use 0 - %d", index, count));
+}
+
+}  // namespace
+
+// Takes an element of a document with all below it.
+class CElement::TreeReader {
+ public:
+  void Read(CElement& target, const CXmlElement& source) {
+    struct Level {
+      CElement* element;
+      const CXmlElement* nextChild;
+    };
+    std::vector<Level> open;
+    Take(target, source);
+    open.push_back({&target, source.GetFirstElement()});
+    while (!open.empty()) {
+      const CXmlElement* const child = open.back().nextChild;
+      if (child == nullptr) {
+        open.pop_back();
+        continue;
+      }
+      open.back().nextChild = child->GetNextSiblingElement();
+      Children& children = open.back().element->m_children;
+      children.push_back(new CElement);
+      Take(*children.back(), *child);
+      if (child->GetFirstElement() != nullptr) open.push_back({children.back(), child->GetFirstElement()});
+    }
+    target.m_prefixes = m_prefixes;
+  }
+
+ private:
+  void Take(CElement& element, const CXmlElement& source) {
+    bool usesPrefix = false;
+    const auto declare = [&](wstring_view prefix) { usesPrefix |= Declare(*source.GetDocument(), prefix); };
+
+    element.m_elementName = source.GetLocalName().View();
+    element.m_namespaceUri = ShareNamespace(source.GetNamespaceURI());
+    std::size_t childCount = 0;
+    for (const CXmlElement* c = source.GetFirstElement(); c != nullptr; c = c->GetNextSiblingElement()) ++childCount;
+    element.m_children.reserve(childCount);
+    const wstring_view text = source.GetText();
+    if (childCount == 0 || !IsBlank(text)) {
+      element.m_text = text;
+      ForEachPrefix(text, declare);
+    }
+    for (const CXmlAttribute* attribute : source.GetAttributes()) {
+      element.GetAttributes()->Add(attribute->GetLocalName().c_str(), attribute->GetValue().c_str(),
+                                   attribute->GetNamespaceURI().c_str());
+      ForEachPrefix(attribute->GetValue(), declare);
+    }
+    if (usesPrefix) element.m_prefixes = m_prefixes;
+  }
+
+  // Documents hold each namespace URI once, so its place identifies it.
+  std::shared_ptr<const std::wstring> ShareNamespace(const CXmlText& uri) {
+    if (uri.empty()) return nullptr;
+    std::shared_ptr<const std::wstring>& shared = m_namespaces[uri.c_str()];
+    if (shared == nullptr) shared = std::make_shared<const std::wstring>(uri.View());
+    return shared;
+  }
+
+  bool Declare(const CXmlDocument& document, wstring_view prefix) {
+    if (m_prefixes != nullptr && m_prefixes->find(prefix) != m_prefixes->end()) return true;
+    std::wstring name(prefix);
+    const CXmlText uri = document.LookupNamespaceFromAlias(name.c_str());
+    if (uri.empty() || name == L"xml" || name == L"xmlns") return false;
+    if (m_prefixes == nullptr) m_prefixes = std::make_shared<Prefixes>();
+    m_prefixes->emplace(std::move(name), uri.View());
+    return true;
+  }
+
+  std::unordered_map<const wchar_t*, std::shared_ptr<const std::wstring>> m_namespaces;
+  std::shared_ptr<Prefixes> m_prefixes;
+};
+
+// Writes an element with all below it.
+class CElement::TreeWriter {
+ public:
+  TreeWriter(CXmlWriter& writer, const CSerializationContext& context, bool isOptionalChoice)
+      : m_writer(writer),
+        m_context(context),
+        m_isOptionalChoice(isOptionalChoice),
+        m_keepsSections(!context.GetStripCDATA() && dynamic_cast<CXmlTextWriter*>(&writer) != nullptr) {}
+
+  void Write(const CElement& top, bool isRoot) {
+    struct Level {
+      const CElement* element;
+      std::size_t nextChild;
+    };
+    std::vector<Level> open;
+    Start(top, isRoot);
+    m_declared = top.m_prefixes.get();
+    open.push_back({&top, 0});
+    while (!open.empty()) {
+      const CElement& parent = *open.back().element;
+      if (open.back().nextChild == parent.m_children.size()) {
+        m_writer.WriteEndElement();
+        open.pop_back();
+        continue;
+      }
+      const CElement& child = *parent.m_children[open.back().nextChild++];
+      Start(child, false);
+      open.push_back({&child, 0});
+    }
+  }
+
+ private:
+  void Start(const CElement& element, bool isRoot) {
+    if (element.m_elementName.empty()) throw CRkInvalidStateException(L"The element has no name.");
+    if (isRoot) WritePrologue(element);
+    m_writer.WriteStartElement(element.m_elementName,
+                               element.m_namespaceUri != nullptr ? *element.m_namespaceUri : kNoNamespace);
+    if (isRoot) WriteRootAttributes(m_writer, m_context, element.GetNamespace(), m_isOptionalChoice);
+    if (element.m_prefixes != nullptr && element.m_prefixes.get() != m_declared) {
+      for (const auto& [prefix, uri] : *element.m_prefixes) m_writer.DeclareNamespace(prefix, uri);
+    }
+    element.AttributesToXml_Int(&m_writer, m_context);
+    if (isRoot) WriteRootSchema(m_writer, m_context);
+    if (element.m_children.empty() || !IsBlank(element.m_text)) WriteText(element.m_text);
+  }
+
+  // Prefixes that the settings leave free are declared with those of the settings, so that names use them too.
+  void WritePrologue(const CElement& element) {
+    WriteRootPrologue(m_writer, m_context);
+    if (element.m_prefixes == nullptr) return;
+    const CNamespaceAliasMap& aliases = m_context.GetNamespaceAliases();
+    for (const auto& [prefix, uri] : *element.m_prefixes) {
+      if (!aliases.DoesAliasExist(prefix.c_str()) && !aliases.DoesNamespaceExist(uri.c_str())) {
+        m_writer.AddNamespace(prefix, uri);
+      }
+    }
+  }
+
+  // With CDATA sections kept, their marks stand for themselves and only what is outside them is escaped.
+  void WriteText(const std::wstring& text) {
+    constexpr wchar_t kBegin[] = L"<![CDATA[";
+    constexpr wchar_t kEnd[] = L"]]>";
+    std::size_t at = 0;
+    while (m_keepsSections) {
+      const std::size_t begin = text.find(kBegin, at);
+      const std::size_t end = begin == std::wstring::npos ? begin : text.find(kEnd, begin);
+      if (end == std::wstring::npos) break;
+      m_writer.WriteString(text.substr(at, begin - at), ItemType_string);
+      at = end + 3;
+      m_writer.WriteString(text.substr(begin, at - begin), ItemType_string);
+    }
+    m_writer.WriteString(at == 0 ? text : text.substr(at), ItemType_string);
+  }
+
+  CXmlWriter& m_writer;
+  const CSerializationContext& m_context;
+  const bool m_isOptionalChoice;
+  const bool m_keepsSections;
+  const Prefixes* m_declared = nullptr;
+};
+
+CElement::CElement() = default;
+
+CElement::CElement(const wchar_t* name) : CElement(name, nullptr) {}
+
+CElement::CElement(const wchar_t* name, const wchar_t* namespaceUri) : CElement(name, namespaceUri, nullptr, nullptr) {}
+
+CElement::CElement(const wchar_t* name, const wchar_t* namespaceUri, const wchar_t* constraint,
+                   const wchar_t* targetNamespace)
+    : m_rule(constraint, targetNamespace) {
+  SetElementName(name);
+  if (!TextOrEmpty(namespaceUri).empty()) m_namespaceUri = std::make_shared<const std::wstring>(namespaceUri);
+}
+
+CElement::CElement(const CNamespaceRule& rule, const CXmlElement& source) : m_rule(rule) {
+  TreeReader().Read(*this, source);
+}
+
+CElement::~CElement() { Destroy(m_children); }
+
+// A tree may be of any depth. Elements that nobody else holds lose their children before they go: the walk down leaves
+// in the last slot of each element the way back up, so it needs neither recursion nor memory.
+void CElement::Destroy(Children& children) noexcept {
+  CSmartPtr<CElement> up;
+  while (!children.empty()) {
+    CSmartPtr<CElement> current = std::move(children.back());
+    children.pop_back();
+    while (current != nullptr) {
+      if (!current->m_children.empty() && current->GetRefCount() == 1) {
+        CSmartPtr<CElement> child = std::move(current->m_children.back());
+        current->m_children.back() = std::move(up);
+        up = std::move(current);
+        current = std::move(child);
+        continue;
+      }
+      current = std::move(up);
+      if (current == nullptr) break;
+      up = std::move(current->m_children.back());
+      current->m_children.pop_back();
+    }
+  }
+}
+
+CXmlObjectBase* CElement::GetBase() { return this; }
+
+void CElement::FromXmlElement(const CXmlElement* element, const CSerializationContext& /*context*/) {
+  if (element == nullptr) throw CRkException(L"The document contains no element.");
+  m_rule.TestElement(element->GetNamespaceURI().c_str());
+  RemoveChildren();
+  m_attributes = nullptr;
+  m_text.clear();
+  m_prefixes = nullptr;
+  TreeReader().Read(*this, *element);
+}
+
+const wchar_t* CElement::GetNamespace() const { return m_namespaceUri != nullptr ? m_namespaceUri->c_str() : L""; }
+
+const wchar_t* CElement::GetTargetNamespace() const { return GetNamespace(); }
+
+void CElement::AttributesToXml_Int(CXmlWriter* writer, const CSerializationContext& context) const {
+  if (m_attributes == nullptr) return;
+  for (const CXmlCollection::CNode* node = m_attributes->GetFirstNode(); node != nullptr; node = node->GetNext()) {
+    const auto* const attribute = dynamic_cast<const CAttribute*>(node->GetItem());
+    if (attribute == nullptr) continue;
+    // A type whose prefix means something else here keeps its namespace under another prefix.
+    if (m_prefixes != nullptr && attribute->GetLocalName() == L"type" &&
+        attribute->GetNamespace() == CXmlWriter::XSI_NAMESPACE) {
+      const std::wstring& type = attribute->GetValue();
+      const std::size_t colon = type.find(L':');
+      const auto declared = m_prefixes->find(wstring_view(type).substr(0, colon));
+      if (colon != std::wstring::npos && declared != m_prefixes->end() &&
+          !writer->DeclareNamespace(declared->first, declared->second)) {
+        writer->WriteAttributeType(declared->second, type.substr(colon + 1), ItemType_string);
+        continue;
+      }
+    }
+    attribute->AttributesToXml_Int(writer, context);
+  }
+}
+
+void CElement::ToXml_Int(CXmlWriter* writer, bool registerNamespaces, const wchar_t* /*namespaceUri*/,
+                         const CSerializationContext& context, bool isOptionalChoice) const {
+  TreeWriter(*writer, context, isOptionalChoice).Write(*this, registerNamespaces);
+}
+
+CXmlElement* CElement::FromXml_Int(CXmlElement* /*parent*/, CXmlElement* current, const CSerializationContext& context,
+                                   bool /*isOptionalChoice*/) {
+  if (current == nullptr || !m_rule.Admits(current->GetNamespaceURI().c_str())) return current;
+  CElement::FromXmlElement(current, context);
+  return current->GetNextSiblingElement();
+}
+
+void CElement::SetNamespace(const wchar_t* namespaceUri) {
+  const wstring_view uri = TextOrEmpty(namespaceUri);
+  m_rule.TestElement(uri.empty() ? L"" : namespaceUri);
+  m_namespaceUri = uri.empty() ? nullptr : std::make_shared<const std::wstring>(uri);
+}
+
+void CElement::SetText(const wchar_t* text) { m_text = TextOrEmpty(text); }
+
+CAttributeCol* CElement::GetAttributes() {
+  if (m_attributes == nullptr) m_attributes = new CAttributeCol;
+  return m_attributes;
+}
+
+int CElement::GetAttributeCount() const { return m_attributes != nullptr ? m_attributes->GetCount() : 0; }
+
+std::wstring CElement::GetAttribute(const wchar_t* localName, const wchar_t* namespaceUri) const {
+  return m_attributes != nullptr ? m_attributes->GetValue(localName, namespaceUri) : std::wstring();
+}
+
+void CElement::SetAttribute(const wchar_t* localName, const wchar_t* value, const wchar_t* namespaceUri) {
+  CAttribute* const attribute = GetAttributes()->Find(localName, namespaceUri);
+  if (attribute != nullptr) {
+    attribute->SetValue(value);
+  } else {
+    GetAttributes()->Add(localName, value, namespaceUri);
+  }
+}
+
+CElement* CElement::GetChild(int index) const {
+  if (index < 0 || index >= GetChildCount()) ThrowBadIndex(index, GetChildCount());
+  return m_children[static_cast<std::size_t>(index)];
+}
+
+void CElement::AddChild(CElement* child) { InsertChild(GetChildCount(), child); }
+
+CElement* CElement::AddChild(const wchar_t* name, const wchar_t* namespaceUri, const wchar_t* text) {
+  CSmartPtr<CElement> child(new CElement(name, namespaceUri));
+  child->SetText(text);
+  m_children.push_back(child);
+  return child;
+}
+
+void CElement::InsertChild(int index, CElement* child) {
+  if (child == nullptr) throw CRkInvalidParamException(L"The child element may not be NULL");
+  if (child == this) throw CRkInvalidParamException(L"An element may not be its own child");
+  if (index < 0 || index > GetChildCount()) ThrowBadIndex(index, GetChildCount());
+  m_children.emplace(m_children.begin() + index, child);
+}
+
+void CElement::RemoveChild(int index) {
+  if (index < 0 || index >= GetChildCount()) ThrowBadIndex(index, GetChildCount());
+  m_children.erase(m_children.begin() + index);
+}
+
+void CElement::RemoveChildren() { Destroy(m_children); }
+
+CElement* CElement::FindChild(const wchar_t* localName, const wchar_t* namespaceUri) const {
+  for (const CSmartPtr<CElement>& child : m_children) {
+    if (child->m_elementName == TextOrEmpty(localName) && child->GetNamespace() == TextOrEmpty(namespaceUri))
+      return child;
+  }
+  return nullptr;
+}
+
+std::vector<CElement*> CElement::FindChildren(const wchar_t* localName, const wchar_t* namespaceUri) const {
+  std::vector<CElement*> found;
+  for (const CSmartPtr<CElement>& child : m_children) {
+    if (child->m_elementName == TextOrEmpty(localName) && child->GetNamespace() == TextOrEmpty(namespaceUri))
+      found.push_back(child);
+  }
+  return found;
+}
+
+}  // namespace RkXmlLib16
