@@ -134,13 +134,12 @@ class RKXML_EXPORT CElementInfo {
   EnumToString GetEnumToString() const noexcept { return m_enumToString; }
 
  private:
-  template <class ToText>
-  bool WriteValue(const CSerializationContext& context, const CXmlGeneratedClass* object, CXmlWriter* writer,
-                  ToText&& toText) const;
-  template <class Parse>
-  void ReadValue(const CSerializationContext& context, CXmlGeneratedClass* object, CXmlElement** cursor,
-                 Parse&& parse) const;
-  bool ReadAttributes(const CSerializationContext& context, const CXmlElement& element) const;
+  bool IsDefault(const std::wstring& text) const noexcept { return !m_defaultValue.empty() && text == m_defaultValue; }
+  void WriteText(const CSerializationContext& context, CXmlWriter* writer, const std::wstring& text,
+                 ItemType type) const;
+  bool WriteNil(CXmlWriter* writer) const;
+  // Looks through the attributes of a primitive element; true for xsi:nil="true".
+  bool ReadNil(const CSerializationContext& context, const CXmlElement& element) const;
 
   std::wstring m_elementName;
   std::wstring m_namespace;

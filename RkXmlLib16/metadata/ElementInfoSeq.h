@@ -86,6 +86,9 @@ class RKXML_EXPORT CElementInfoSeqClsMnd : public CElementInfo {
                                  CXmlWriter* writer) const override;
 
  private:
+  bool ReadGroup(const CSerializationContext& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                 CXmlElement** cursor, XmlElementType ownerType);
+
   XmlElementType m_memberType;
   bool m_required;
   ClassFactory m_factory;

@@ -1,0 +1,53 @@
+#include "RkXmlLib16/core/GeneratedClass.h"
+
+#include "RkXmlLib16/metadata/AttributeInfo.h"
+#include "RkXmlLib16/metadata/ElementInfo.h"
+#include "RkXmlLib16/metadata/ParentElementInfo.h"
+
+namespace RkXmlLib16 {
+
+using RkXmlLib16Data::CAttributeInfo;
+using RkXmlLib16Data::CElementInfo;
+using RkXmlLib16Data::CParentElementInfo;
+
+CXmlGeneratedClass::CXmlGeneratedClass() = default;
+
+CXmlGeneratedClass::~CXmlGeneratedClass() = default;
+
+int CXmlGeneratedClass::GetClassElementInfoCount() const {
+  CElementInfo** const infos = GetClassElementInfo();
+  int count = 0;
+  while (infos != nullptr && infos[count] != nullptr) ++count;
+  return count;
+}
+
+void CXmlGeneratedClass::ReadProperty(int propertyIndex, RkVariant& value) const {
+  const_cast<CXmlGeneratedClass*>(this)->AccessProperty(propertyIndex, /*get=*/true,
+                                                        value);  // a getter changes nothing
+}
+
+bool CXmlGeneratedClass::IsElementInList(const CSerializationContext& context, CXmlElement* element) const {
+  CElementInfo** const infos = GetClassElementInfo();
+  if (infos == nullptr) return false;
+  for (CElementInfo** info = infos; *info != nullptr; ++info)
+    if ((*info)->IsThisElement(context, element)) return true;
+  return false;
+}
+
+bool CXmlGeneratedClass::DoesElementContainOptionalElements() const { return GetClassInfo()->CanContentBeEmpty(); }
+
+void CXmlGeneratedClass::CleanMetaData(CParentElementInfo*& classInfo, CElementInfo**& elementInfos,
+                                       CAttributeInfo**& attributeInfos) {
+  const auto deleteAll = [](auto**& infos) {
+    if (infos == nullptr) return;
+    for (auto** info = infos; *info != nullptr; ++info) delete *info;
+    delete[] infos;
+    infos = nullptr;
+  };
+  delete classInfo;
+  classInfo = nullptr;
+  deleteAll(elementInfos);
+  deleteAll(attributeInfos);
+}
+
+}  // namespace RkXmlLib16

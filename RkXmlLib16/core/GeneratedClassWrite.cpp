@@ -1,0 +1,144 @@
+#include <cwchar>
+#include <string>
+
+#include "RkXmlLib16/core/Exception.h"
+#include "RkXmlLib16/core/GeneratedClass.h"
+#include "RkXmlLib16/core/RootWriter.h"
+#include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/metadata/AttributeInfo.h"
+#include "RkXmlLib16/metadata/ElementInfo.h"
+#include "RkXmlLib16/metadata/ParentElementInfo.h"
+#include "RkXmlLib16/support/Format.h"
+#include "RkXmlLib16/types/Variant.h"
+#include "RkXmlLib16/xml/XmlWriter.h"
+
+namespace RkXmlLib16 {
+
+using RkXmlLib16Data::CAttributeInfo;
+using RkXmlLib16Data::CElementInfo;
+using RkXmlLib16Data::CParentElementInfo;
+
+namespace {
+
+bool HasSimpleContent(const CParentElementInfo& info) {
+  return info.GetSimpleContentProperty() != -1 && info.GetSimpleContentType() != ItemType_none;
+}
+
+// xsi:nil can only be written while the start tag is open, that is before a schema.
+bool IsContentNil(const CXmlGeneratedClass& object, const CParentElementInfo& info) {
+  if (!HasSimpleContent(info)) return false;
+  RkVariant value;
+  object.ReadProperty(info.GetSimpleContentProperty(), value);
+  return value.IsNil();
+}
+
+}  // namespace
+
+void CXmlGeneratedClass::ToXml_Int(CXmlWriter* writer, bool registerNamespaces, const wchar_t* namespaceUri,
+                                   const CSerializationContext& context, bool isOptionalChoice) const {
+  try {
+    WriteElement(writer, registerNamespaces, namespaceUri, context, isOptionalChoice);
+  } catch (const CRkException& e) {
+    throw CRkValidationException(
+        FormatString(L"Failed to convert the element [%ls] to XML", GetElementNameRef().c_str()), std::wstring(), e);
+  }
+}
+
+void CXmlGeneratedClass::WriteElement(CXmlWriter* writer, bool registerNamespaces, const wchar_t* namespaceUri,
+                                      const CSerializationContext& context, bool isOptionalChoice) const {
+  const CParentElementInfo& info = *GetClassInfo();
+  const bool ownElement = info.GetElementType() == XmlElementType_Element;
+  const auto* nillable = dynamic_cast<const INillable*>(this);
+  const bool nil = nillable != nullptr && nillable->IsNil();
+
+  if (ownElement) {
+    if (registerNamespaces) WriteRootPrologue(*writer, context);
+    // Most elements are in the namespace of their class, whose text is at hand.
+    const bool isOwnNamespace = info.GetNamespace() == namespaceUri;
+    writer->WriteStartElement(GetElementNameRef(), isOwnNamespace ? info.GetNamespace() : std::wstring(namespaceUri));
+    if (registerNamespaces) WriteRootAttributes(*writer, context, namespaceUri, isOptionalChoice);
+    AttributesToXml_Int(writer, context);
+    if (registerNamespaces && !nil && !IsContentNil(*this, info)) WriteRootSchema(*writer, context);
+  }
+  if (nil)
+    writer->WriteAttributeNil();
+  else
+    WriteContent(writer, context, isOptionalChoice);
+  if (ownElement) writer->WriteEndElement();
+}
+
+void CXmlGeneratedClass::WriteContent(CXmlWriter* writer, const CSerializationContext& context,
+                                      bool isOptionalChoice) const {
+  const CParentElementInfo& info = *GetClassInfo();
+  CElementInfo** const infos = GetClassElementInfo();
+  switch (info.GetGroupType()) {
+    case XmlElementGroupType_Sequence:
+      ProcessElementSeqToXml(context, infos, writer);
+      break;
+    case XmlElementGroupType_Choice:
+      ProcessElementChoiceToXml(context, infos, writer, isOptionalChoice);
+      break;
+    case XmlElementGroupType_All:
+      ProcessElementAllToXml(context, infos, writer);
+      break;
+    default:
+      throw CRkException(L"Unknown XML Group Type");
+  }
+  if (!HasSimpleContent(info)) return;
+
+  RkVariant value;
+  ReadProperty(info.GetSimpleContentProperty(), value);
+  if (value.IsNil()) {
+    writer->WriteAttributeNil();
+  } else if (value.GetItemType() == ItemType_string) {
+    writer->WriteString(value.GetString(), ItemType_string);
+  } else {
+    writer->WriteString(value.ToString(info.GetSimpleContentFormat().c_str()), value.GetItemType());
+  }
+}
+
+void CXmlGeneratedClass::ProcessElementSeqToXml(const CSerializationContext& context, CElementInfo** infos,
+                                                CXmlWriter* writer) const {
+  if (infos == nullptr) return;
+  for (CElementInfo** info = infos; *info != nullptr; ++info) (*info)->ElementToXml(context, this, writer);
+}
+
+void CXmlGeneratedClass::ProcessElementAllToXml(const CSerializationContext& context, CElementInfo** infos,
+                                                CXmlWriter* writer) const {
+  ProcessElementSeqToXml(context, infos, writer);
+}
+
+void CXmlGeneratedClass::ProcessElementChoiceToXml(const CSerializationContext& context, CElementInfo** infos,
+                                                   CXmlWriter* writer, bool isOptionalChoice) const {
+  for (CElementInfo** info = infos; info != nullptr && *info != nullptr; ++info)
+    if ((*info)->ElementToXml(context, this, writer)) return;
+  if (!DoesElementContainOptionalElements() && !isOptionalChoice && !context.GetIgnoreMissingChoice())
+    throw CRkValidationException(
+        L"This element is a choice, and as such must have at one (and only one) valid item, "  // sic
+        L"currently there are none set",
+        std::wstring());
+}
+
+void CXmlGeneratedClass::AttributesToXml_Int(CXmlWriter* writer, const CSerializationContext& context) const {
+  try {
+    const CParentElementInfo& info = *GetClassInfo();
+    if (context.GetWriteTypeAttribute() && info.GetElementType() == XmlElementType_Element &&
+        GetElementNameRef() != info.GetElementName())
+      writer->WriteAttributeType(info.GetNamespace(), info.GetElementName(), ItemType_string);
+    ProcessAttributesToXml(context, GetClassElementInfo(), GetClassAttributeInfo(), writer);
+  } catch (const CRkException& e) {
+    throw CRkException(L"Failed to convert attributes to XML", e);
+  }
+}
+
+void CXmlGeneratedClass::ProcessAttributesToXml(const CSerializationContext& context, CElementInfo** elementInfos,
+                                                CAttributeInfo** attributeInfos, CXmlWriter* writer) const {
+  if (attributeInfos != nullptr)
+    for (CAttributeInfo** info = attributeInfos; *info != nullptr; ++info)
+      (*info)->AttributeToXml(context, this, writer);
+  if (elementInfos != nullptr)
+    for (CElementInfo** info = elementInfos; *info != nullptr; ++info)
+      (*info)->PseudoChildAttributeToXml(context, this, writer);
+}
+
+}  // namespace RkXmlLib16

@@ -1,0 +1,219 @@
+#include "RkXmlLib16/metadata/ElementInfo.h"
+
+#include <string_view>
+
+#include "RkXmlLib16/collections/CollectionBase.h"
+#include "RkXmlLib16/core/Exception.h"
+#include "RkXmlLib16/core/GeneratedClass.h"
+#include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/metadata/FacetChecks.h"
+#include "RkXmlLib16/metadata/internal/NilValue.h"
+#include "RkXmlLib16/support/Format.h"
+#include "RkXmlLib16/types/Variant.h"
+#include "RkXmlLib16/xml/ElementTree.h"
+#include "RkXmlLib16/xml/XmlWriter.h"
+
+namespace RkXmlLib16Data {
+
+using namespace RkXmlLib16;
+
+namespace {
+
+const wchar_t* OrEmpty(const wchar_t* text) { return text == nullptr ? L"" : text; }
+
+}  // namespace
+
+CElementInfo::CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, MemberKind kind)
+    : m_elementName(name), m_namespace(ns), m_propertyIndex(propertyIndex), m_memberKind(kind) {}
+
+CElementInfo::CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, bool nillable,
+                           EnumToString enumToString, EnumFromString enumFromString, const wchar_t* defaultValue)
+    : m_elementName(name),
+      m_namespace(ns),
+      m_propertyIndex(propertyIndex),
+      m_defaultValue(OrEmpty(defaultValue)),
+      m_nillable(nillable),
+      m_enumToString(enumToString),
+      m_enumFromString(enumFromString) {}
+
+CElementInfo::CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, bool nillable, ItemType type,
+                           const wchar_t* format, CWhitespaceUtils::WhitespaceRule whitespace,
+                           const CPrimitiveRestrictions& facets, const wchar_t* defaultValue)
+    : m_elementName(name),
+      m_namespace(ns),
+      m_propertyIndex(propertyIndex),
+      m_facets(facets),
+      m_itemType(type),
+      m_format(OrEmpty(format)),
+      m_whitespace(whitespace),
+      m_defaultValue(OrEmpty(defaultValue)),
+      m_nillable(nillable),
+      m_hasFacets(true) {}
+
+CElementInfo::~CElementInfo() = default;
+
+bool CElementInfo::Validate(const CSerializationContext&, const CXmlGeneratedClass*, bool, bool) const {
+  throw CRkException(L"Not implemented, should never be called");
+}
+
+void CElementInfo::PseudoChildAttributeToXml(const CSerializationContext&, const CXmlGeneratedClass*,
+                                             CXmlWriter*) const {}
+
+bool CElementInfo::IsThisElement(const CSerializationContext& context, const CXmlElement* element) const {
+  return element != nullptr && element->GetLocalName() == m_elementName &&
+         (context.GetIgnoreNamespaces() || element->GetNamespaceURI() == m_namespace);
+}
+
+void CElementInfo::CheckRestriction(const RkVariant& value) const {
+  if (!m_hasFacets) throw CRkException(L"Cannot CheckRestriction for type: " + value.GetType());
+  CXmlObjectHelper::CheckRestriction(m_elementName.c_str(), value, m_itemType, m_facets);
+}
+
+void CElementInfo::InvokePropertyGet(CXmlGeneratedClass* object, RkVariant& value) const {
+  try {
+    object->AccessProperty(m_propertyIndex, /*get=*/true, value);
+  } catch (const CRkException& e) {
+    throw CRkValidationException(FormatString(L"Failed to get the property value for [%ls].", m_elementName.c_str()),
+                                 std::wstring(), e);
+  }
+}
+
+void CElementInfo::ReadProperty(const CXmlGeneratedClass* object, RkVariant& value) const {
+  InvokePropertyGet(const_cast<CXmlGeneratedClass*>(object), value);  // a getter changes nothing
+}
+
+void CElementInfo::InvokePropertySet(CXmlGeneratedClass* object, RkVariant& value, const CXmlElement& element) const {
+  try {
+    object->AccessProperty(m_propertyIndex, /*get=*/false, value);
+  } catch (const CRkException& e) {
+    throw CRkValidationException(L"Failed to set the property value.", element.GetXPath(), e);
+  }
+}
+
+bool CElementInfo::ElementToXmlCol(const CSerializationContext& context, const CXmlGeneratedClass* object,
+                                   CXmlWriter* writer) const {
+  RkVariant value;
+  ReadProperty(object, value);
+  const CSmartPtr<CXmlCollectionBase> collection = value.GetXmlCollection();
+  if (collection == nullptr || collection->GetCount() < 1) return false;
+  writer->SetContextState(ContextState_CollectionStart);
+  collection->GetBase()->ToXml_Int(writer, /*registerNamespaces=*/false, m_namespace.c_str(), context, false);
+  writer->SetContextState(ContextState_CollectionEnd);
+  return true;
+}
+
+bool CElementInfo::ElementToXmlCls(const CSerializationContext& context, const CXmlGeneratedClass* object,
+                                   CXmlWriter* writer, bool isOptionalChoice) const {
+  RkVariant value;
+  ReadProperty(object, value);
+  const CSmartPtr<CXmlObjectBase> child = value.GetXmlObject();
+  if (child == nullptr) return false;
+  child->ToXml_Int(writer, /*registerNamespaces=*/false, m_namespace.c_str(), context, isOptionalChoice);
+  return true;
+}
+
+bool CElementInfo::ElementToXmlPrim(const CSerializationContext& context, const CXmlGeneratedClass* object,
+                                    CXmlWriter* writer) const {
+  RkVariant value;
+  ReadProperty(object, value);
+  if (value.IsNil()) return WriteNil(writer);
+  if (!value.IsValid()) return false;
+  const ItemType type = value.GetItemType();
+  std::wstring converted;
+  if (type != ItemType_string) value.AppendTo(converted, m_format.c_str());
+  const std::wstring& text = type == ItemType_string ? value.GetString() : converted;
+  if (!IsDefault(text)) CheckRestriction(value);
+  WriteText(context, writer, text, type);
+  return true;
+}
+
+bool CElementInfo::ElementToXmlEnum(const CSerializationContext& context, const CXmlGeneratedClass* object,
+                                    CXmlWriter* writer, EnumToString toString) const {
+  RkVariant value;
+  ReadProperty(object, value);
+  if (value.IsNil()) return WriteNil(writer);
+  if (!value.IsValid()) return false;
+  WriteText(context, writer, OrEmpty(toString(static_cast<int>(value.GetI4()))), ItemType_string);
+  return true;
+}
+
+void CElementInfo::WriteText(const CSerializationContext& context, CXmlWriter* writer, const std::wstring& text,
+                             ItemType type) const {
+  writer->WriteStartElement(m_elementName, m_namespace);
+  if (!IsDefault(text) || context.GetWriteDefaultElementValues()) writer->WriteString(text, type);
+  writer->WriteEndElement();
+}
+
+bool CElementInfo::WriteNil(CXmlWriter* writer) const {
+  writer->WriteStartElement(m_elementName, m_namespace);
+  writer->WriteAttributeNil();
+  writer->WriteEndElement();
+  return true;
+}
+
+bool CElementInfo::ReadNil(const CSerializationContext& context, const CXmlElement& element) const {
+  bool nil = false;
+  for (const CXmlAttribute* attribute : element.GetAttributes()) {
+    if (!attribute->IsNilAttribute()) {
+      if (context.GetIgnoreUnknownAttributes()) continue;
+      throw CRkValidationException(L"Unexpected Attribute found.", attribute->GetXPath());
+    }
+    const NilValue value = ParseNilValue(attribute->GetValue());
+    if (value != NilValue::False && !m_nillable)
+      throw CRkValidationException(L"Invalid use of 'nil' attribute in non-nillable element.", element.GetXPath());
+    if (value == NilValue::Invalid)
+      throw CRkValidationException(
+          FormatString(L"Unexpected Value [%ls] for 'nil' Attribute found.", attribute->GetValue().c_str()),
+          attribute->GetXPath());
+    nil = value == NilValue::True;
+  }
+  return nil;
+}
+
+void CElementInfo::ElementFromXmlPrim(const CSerializationContext& context, CXmlGeneratedClass* object,
+                                      CXmlElement** cursor) {
+  const CXmlElement& element = **cursor;
+  if (!ReadNil(context, element)) {
+    std::wstring_view text = element.GetText();
+    if (text.empty()) text = m_defaultValue;
+    RkVariant value;
+    value.FromText(text, m_itemType, m_whitespace);
+    InvokePropertySet(object, value, element);
+  }
+  *cursor = element.GetNextSiblingElement();
+}
+
+void CElementInfo::ElementFromXmlEnum(const CSerializationContext& context, CXmlGeneratedClass* object,
+                                      CXmlElement** cursor) {
+  const CXmlElement& element = **cursor;
+  if (!ReadNil(context, element)) {
+    const CXmlText text = element.GetText();
+    RkVariant value;
+    value.SetI4(m_enumFromString(text.empty() ? m_defaultValue.c_str() : text.c_str()));
+    InvokePropertySet(object, value, element);
+  }
+  *cursor = element.GetNextSiblingElement();
+}
+
+void CElementInfo::AttributesToXml_Int(const CXmlObjectBase* child, CXmlWriter* writer,
+                                       const CSerializationContext& context) const {
+  child->AttributesToXml_Int(writer, context);
+}
+
+CXmlElement* CElementInfo::FromXml_Int(CXmlObjectBase* child, CXmlElement* parent, CXmlElement* current,
+                                       const CSerializationContext& context, bool isOptionalChoice) {
+  return child->FromXml_Int(parent, current, context, isOptionalChoice);
+}
+
+std::wstring CElementInfo::GetAnyDefaultNamespace(const wchar_t* constraint, const wchar_t* defaultNs,
+                                                  const wchar_t* targetNs) {
+  std::wstring_view word = OrEmpty(constraint);
+  if (word.size() >= 3 && word.substr(0, 2) == L"##") word = word.substr(0, word.find(L' '));
+  const std::wstring_view defaultNamespace = OrEmpty(defaultNs);
+  if (word == L"##any") return std::wstring(defaultNamespace);
+  if (word == L"##other") return defaultNamespace.empty() ? L"DefaultNamespace" : std::wstring();
+  if (word == L"##targetNamespace") return OrEmpty(targetNs);
+  return std::wstring();
+}
+
+}  // namespace RkXmlLib16Data

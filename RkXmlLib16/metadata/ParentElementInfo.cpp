@@ -1,0 +1,23 @@
+#include "RkXmlLib16/metadata/ParentElementInfo.h"
+
+namespace RkXmlLib16Data {
+
+CParentElementInfo::CParentElementInfo(RkXmlLib16::XmlElementGroupType groupType,
+                                       RkXmlLib16::XmlElementType elementType, const wchar_t* name, const wchar_t* ns,
+                                       bool strictAttributes, bool contentMayBeEmpty, int simpleContentProperty,
+                                       RkXmlLib16::ItemType simpleContentType, const wchar_t* simpleContentFormat,
+                                       bool simpleContentAsText)
+    : m_groupType(groupType),
+      m_elementType(elementType),
+      m_elementName(name),
+      m_namespace(ns),
+      m_strictAttributes(strictAttributes),
+      m_contentMayBeEmpty(contentMayBeEmpty),
+      m_simpleContentProperty(simpleContentProperty),
+      m_simpleContentType(simpleContentType),
+      m_simpleContentFormat(simpleContentFormat == nullptr ? L"" : simpleContentFormat),
+      m_simpleContentAsText(simpleContentAsText) {}
+
+CParentElementInfo::~CParentElementInfo() = default;
+
+}  // namespace RkXmlLib16Data
