@@ -2,7 +2,13 @@
 
 #include <mutex>
 
+#include "RkXmlLib16/metadata/FacetChecks.h"
+
 namespace RkXmlLib16 {
+
+namespace {
+const wchar_t* TextOrEmpty(const wchar_t* text) { return text != nullptr ? text : L""; }
+}  // namespace
 
 void IEventSink::OnEvent(CXmlObjectBase* /*source*/, MsgType /*type*/, void* /*data*/) {}
 
@@ -31,7 +37,7 @@ long long CXmlObjectBase::GetRefCount() const {
   return m_refCount;
 }
 
-void CXmlObjectBase::SetElementName(const wchar_t* name) { m_elementName = name != nullptr ? name : L""; }
+void CXmlObjectBase::SetElementName(const wchar_t* name) { m_elementName = TextOrEmpty(name); }
 
 void CXmlObjectBase::ToXml_Int(const CXmlObjectBase* object, CXmlWriter* writer, bool registerNamespaces,
                                const wchar_t* namespaceUri, const CSerializationContext& context,
@@ -47,6 +53,17 @@ CXmlElement* CXmlObjectBase::FromXml_Int(CXmlObjectBase* object, CXmlElement* el
 void CXmlObjectBase::AttributesToXml_Int(const CXmlObjectBase* object, CXmlWriter* writer,
                                          const CSerializationContext& context) {
   object->AttributesToXml_Int(writer, context);
+}
+
+void CXmlObjectBase::TestNamespace(const wchar_t* namespaceUri, const wchar_t* constraint,
+                                   const wchar_t* targetNamespace) const {
+  CXmlObjectHelper::TestNamespace(TextOrEmpty(namespaceUri), TextOrEmpty(constraint), TextOrEmpty(targetNamespace));
+}
+
+bool CXmlObjectBase::IsNamespaceValid(const wchar_t* namespaceUri, const wchar_t* constraint,
+                                      const wchar_t* targetNamespace) const {
+  return CXmlObjectHelper::IsNamespaceValid(TextOrEmpty(namespaceUri), TextOrEmpty(constraint),
+                                            TextOrEmpty(targetNamespace));
 }
 
 }  // namespace RkXmlLib16

@@ -13,7 +13,8 @@ CNamespaceRule::CNamespaceRule(const wchar_t* constraint, const wchar_t* targetN
 }
 
 bool CNamespaceRule::Admits(const wchar_t* namespaceUri) const {
-  return m_texts == nullptr || CXmlObjectHelper::IsNamespaceValid(namespaceUri, GetConstraint(), GetTargetNamespace());
+  return m_texts == nullptr ||
+         CXmlObjectHelper::IsNamespaceValid(namespaceUri, m_texts->constraint, m_texts->targetNamespace);
 }
 
 void CNamespaceRule::TestElement(const wchar_t* namespaceUri) const {
