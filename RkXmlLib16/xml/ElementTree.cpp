@@ -40,16 +40,24 @@ struct CXmlDocument::Storage {
     CXmlElement* previousSibling;
     CArena::Mark nodes;
     CArena::Mark texts;
+    std::size_t nodeCount;
+    std::size_t charCount;
   };
 
-  explicit Storage(CXmlDocument* document)
-      : emptyName(document, L"", 0, 0), hashSeed(reinterpret_cast<std::uintptr_t>(this) * 0x9E3779B97F4A7C15u) {}
+  explicit Storage(CXmlDocument& owner)
+      : document(owner),
+        emptyName(&owner, L"", 0, 0),
+        hashSeed(reinterpret_cast<std::uintptr_t>(this) * 0x9E3779B97F4A7C15u) {}
 
   std::uint32_t Hash(std::wstring_view text) const noexcept;
   void GrowNameTable();
+  void CountNode();
+  void CountCharacters(std::size_t charCount);
+  [[noreturn]] void ThrowExceeded(const wchar_t* name, unsigned long value) const;
   // The block with room for `more` characters behind its text, moved if need be.
   CXmlTextBlock* Reserve(CXmlTextBlock* block, std::size_t more);
 
+  const CXmlDocument& document;
   CArena nodes;
   CArena texts;
   CArena names;
@@ -58,7 +66,10 @@ struct CXmlDocument::Storage {
   std::vector<const CXmlName*> nameTable;  // open addressing, a power of two
   std::size_t nameCount = 0;
   std::map<std::wstring_view, const CXmlName*> aliases;  // prefix to namespace
-  std::vector<OpenElement> open;                         // only with a filter
+  std::size_t depth = 0;                                 // of the current element
+  std::size_t nodeCount = 0;
+  std::size_t charCount = 0;
+  std::vector<OpenElement> open;  // only with a filter
   // The first so many open elements have something outside them allocated after their start, so that dropping them
   // cannot free it.
   std::size_t pinned = 0;
@@ -84,9 +95,26 @@ void CXmlDocument::Storage::GrowNameTable() {
   nameTable.swap(grown);
 }
 
+void CXmlDocument::Storage::ThrowExceeded(const wchar_t* name, unsigned long value) const {
+  const CXmlElement* const current = document.m_currentElement;
+  CReadLimits::ThrowExceeded(name, value, current != nullptr ? current->GetXPath() : std::wstring());
+}
+
+void CXmlDocument::Storage::CountNode() {
+  const unsigned long limit = document.m_context->GetLimits().GetMaxNodes();
+  if (++nodeCount > limit && limit != 0) ThrowExceeded(L"elements and attributes", limit);
+}
+
+void CXmlDocument::Storage::CountCharacters(std::size_t more) {
+  const unsigned long limit = document.m_context->GetLimits().GetMaxCharacters();
+  charCount += more;
+  if (charCount > limit && limit != 0) ThrowExceeded(L"characters", limit);
+}
+
 CXmlTextBlock* CXmlDocument::Storage::Reserve(CXmlTextBlock* block, std::size_t more) {
   const std::size_t length = block != nullptr ? block->m_length : 0;
   if (more > UINT32_MAX / 2 - length) throw CRkException(L"The text of an element is too long.");
+  CountCharacters(more);
   const std::size_t needed = length + more;
   if (block != nullptr) {
     if (needed <= block->m_capacity) return block;
@@ -125,7 +153,7 @@ void CXmlDocument::Init() {
   m_inputLength = 0;
   m_schemaType = m_context->GetSchemaType();
   m_storage = nullptr;  // first, so that one tree is held at a time
-  m_storage = std::make_unique<Storage>(this);
+  m_storage = std::make_unique<Storage>(*this);
 }
 
 void CXmlDocument::Cleanup() { Init(); }
@@ -143,6 +171,7 @@ const CXmlName* CXmlDocument::InternName(std::wstring_view text) {
     const CXmlName* const name = storage.nameTable[slot];
     if (name->m_hash == hash && name->View() == text) return name;
   }
+  storage.CountCharacters(text.size());
   auto* const memory =
       static_cast<unsigned char*>(storage.names.Allocate(sizeof(CXmlName) + (text.size() + 1) * sizeof(wchar_t)));
   auto* const chars = reinterpret_cast<wchar_t*>(memory + sizeof(CXmlName));
@@ -157,9 +186,12 @@ const CXmlName* CXmlDocument::InternName(std::wstring_view text) {
 CXmlElement* CXmlDocument::AddElement(const CXmlName* namespaceUri, const CXmlName* localName) {
   Storage& storage = *m_storage;
   CXmlElement* const parent = m_currentElement;
+  const unsigned long deepest = m_context->GetLimits().GetMaxElementDepth();
+  if (storage.depth >= deepest && deepest != 0) storage.ThrowExceeded(L"element depth", deepest);
+  storage.CountNode();
   if (m_filter != nullptr)
-    storage.open.push_back(
-        {parent != nullptr ? parent->m_lastChild : nullptr, storage.nodes.GetMark(), storage.texts.GetMark()});
+    storage.open.push_back({parent != nullptr ? parent->m_lastChild : nullptr, storage.nodes.GetMark(),
+                            storage.texts.GetMark(), storage.nodeCount - 1, storage.charCount});
   auto* const element = new (storage.nodes.Allocate(sizeof(CXmlElement))) CXmlElement(parent, localName, namespaceUri);
   if (parent == nullptr)
     m_documentElement = element;
@@ -167,11 +199,13 @@ CXmlElement* CXmlDocument::AddElement(const CXmlName* namespaceUri, const CXmlNa
     (parent->m_lastChild != nullptr ? parent->m_lastChild->m_nextSibling : parent->m_firstChild) = element;
   if (parent != nullptr) parent->m_lastChild = element;
   m_currentElement = element;
+  ++storage.depth;
   return element;
 }
 
 CXmlElement* CXmlDocument::AddDocElement(const wchar_t* namespaceUri, const wchar_t* localName) {
   m_currentElement = nullptr;
+  m_storage->depth = 0;
   m_storage->open.clear();
   m_storage->pinned = 0;
   return AddElement(InternName(ViewOf(namespaceUri)), InternName(ViewOf(localName)));
@@ -186,10 +220,11 @@ void CXmlDocument::EndElement() {
   if (m_currentElement == nullptr) throw CRkException(L"There is no open element to end.");
   CXmlElement* const element = m_currentElement;
   CXmlElement* const parent = element->m_parent;
+  Storage& storage = *m_storage;
   m_currentElement = parent;
+  --storage.depth;
   if (m_filter == nullptr) return;
 
-  Storage& storage = *m_storage;
   const Storage::OpenElement start = storage.open.back();
   storage.open.pop_back();
   const bool reclaimable = storage.pinned <= storage.open.size();
@@ -206,15 +241,18 @@ void CXmlDocument::EndElement() {
   if (reclaimable && nodes == storage.nodes.GetMark() && texts == storage.texts.GetMark()) {
     storage.nodes.RewindTo(start.nodes);
     storage.texts.RewindTo(start.texts);
+    storage.nodeCount = start.nodeCount;
+    storage.charCount = start.charCount;
   } else {
     storage.pinned = storage.open.size();
   }
 }
 
 CXmlAttribute* CXmlDocument::AddAttribute(CXmlElement* element, const CXmlName* localName, const CXmlName* namespaceUri,
-                                          std::wstring_view value) {
+                                          CXmlTextBlock* storedValue) {
   Storage& storage = *m_storage;
   if (element != m_currentElement) storage.pinned = storage.open.size();
+  storage.CountNode();
   CXmlAttributeBlock* block = element->m_attributes;
   if (block == nullptr) {
     block = new (storage.nodes.Allocate(BytesOfAttributes(1))) CXmlAttributeBlock{0, 1};
@@ -232,12 +270,30 @@ CXmlAttribute* CXmlDocument::AddAttribute(CXmlElement* element, const CXmlName* 
     }
   }
   auto* const attribute = new (block->Attributes() + block->m_count) CXmlAttribute(element, localName, namespaceUri);
+  attribute->m_value = storedValue;
   ++block->m_count;
+  return attribute;
+}
+
+CXmlAttribute* CXmlDocument::AddAttribute(CXmlElement* element, const CXmlName* localName, const CXmlName* namespaceUri,
+                                          std::wstring_view value) {
+  CXmlAttribute* const attribute = AddAttribute(element, localName, namespaceUri, static_cast<CXmlTextBlock*>(nullptr));
   if (!value.empty()) {
     std::wmemcpy(ReserveValue(attribute, value.size()), value.data(), value.size());
     CommitValue(attribute, value.size());
   }
   return attribute;
+}
+
+CXmlTextBlock* CXmlDocument::StoreValue(std::wstring_view value) {
+  if (value.empty()) return nullptr;
+  if (value.size() > UINT32_MAX / 2) throw CRkException(L"A value is too long.");
+  m_storage->CountCharacters(value.size());
+  const auto length = static_cast<std::uint32_t>(value.size());
+  auto* const block = new (m_storage->names.Allocate(BytesOfText(length))) CXmlTextBlock{length, length};
+  std::wmemcpy(block->Chars(), value.data(), length);
+  block->Chars()[length] = L'\0';
+  return block;
 }
 
 void CXmlDocument::AddElementAttribute(CXmlElement* element, const std::wstring& localName, const std::wstring& value,
@@ -290,12 +346,11 @@ void CXmlDocument::AppendTextExcludingCR(CXmlElement* element, const wchar_t* te
 }
 
 void CXmlDocument::AddNamespaceAlias(const wchar_t* prefix, const wchar_t* namespaceUri) {
-  const CXmlName* const uri = InternName(ViewOf(namespaceUri));
-  const auto known = m_storage->aliases.find(ViewOf(prefix));
-  if (known != m_storage->aliases.end())
-    known->second = uri;
-  else
-    m_storage->aliases.emplace(InternName(ViewOf(prefix))->View(), uri);
+  AddNamespaceAlias(InternName(ViewOf(prefix)), InternName(ViewOf(namespaceUri)));
+}
+
+void CXmlDocument::AddNamespaceAlias(const CXmlName* prefix, const CXmlName* namespaceUri) {
+  m_storage->aliases[prefix->View()] = namespaceUri;
 }
 
 CXmlText CXmlDocument::LookupAliasFromNamespace(const wchar_t* namespaceUri) const {

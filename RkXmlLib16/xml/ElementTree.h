@@ -249,6 +249,10 @@ class RKXML_EXPORT CXmlDocument {
   // The attribute is valid until the next one is added to the element.
   CXmlAttribute* AddAttribute(CXmlElement* element, const CXmlName* localName, const CXmlName* namespaceUri,
                               std::wstring_view value);
+  // Stores a value once for many attributes; it is good until the document is emptied, whatever a filter drops.
+  CXmlTextBlock* StoreValue(std::wstring_view value);
+  CXmlAttribute* AddAttribute(CXmlElement* element, const CXmlName* localName, const CXmlName* namespaceUri,
+                              CXmlTextBlock* storedValue);
   void AppendText(CXmlElement* element, std::wstring_view text);  // drops carriage returns
   // Room for `charCount` characters to be decoded into: at the end of the element's text, or as an attribute's value.
   // Commit tells how many were used (at most charCount; carriage returns count as any character), directly after.
@@ -260,17 +264,20 @@ class RKXML_EXPORT CXmlDocument {
   // Prefixes as declared anywhere in the document, the latest declaration of a prefix winning. An unknown argument
   // gives the empty text.
   void AddNamespaceAlias(const wchar_t* prefix, const wchar_t* namespaceUri);
+  void AddNamespaceAlias(const CXmlName* prefix, const CXmlName* namespaceUri);
   CXmlText LookupAliasFromNamespace(const wchar_t* namespaceUri) const;
   CXmlText LookupNamespaceFromAlias(const wchar_t* prefix) const;
 
  private:
   friend class CXmlAttribute;
   friend class CXmlElement;
+  struct Input;
   struct Storage;
 
   void Init();
   void ParseBytes(const unsigned char* bytes, std::size_t length);
-  void ParseXml(const unsigned char* bytes, std::size_t length);
+  void ParseXmlText();
+
   std::unique_ptr<Storage> m_storage;
   const CSerializationContext* m_context;  // kept
   ElementFilter m_filter;

@@ -1,0 +1,354 @@
+#include "RkXmlLib16/xml/ExpatReader.h"
+
+#include <emmintrin.h>
+#include <expat.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <exception>
+#include <new>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+#include "RkXmlLib16/core/Exception.h"
+#include "RkXmlLib16/core/ReadLimits.h"
+#include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/support/Format.h"
+#include "RkXmlLib16/xml/ElementTree.h"
+
+namespace RkXmlLib16 {
+
+namespace {
+
+static_assert(sizeof(XML_Char) == 2, "expat has to report UTF-16 units");
+
+constexpr XML_Char kSeparator = u'|';
+// Names up to this length are compared whole, longer ones are trusted to lie where they lay before (see UriCache).
+constexpr std::size_t kComparedLength = 256;
+// Entities that refer to other entities nest; expat follows them by recursion.
+constexpr unsigned long kNestingEntities = 200;
+// Attributes that come from defaults in the DTD: this many for each byte of input, and some more.
+constexpr std::size_t kDefaultsPerByte = 4;
+constexpr std::size_t kDefaultsAtLeast = 1000000;
+
+std::size_t LengthOf(const XML_Char* text) {
+  const XML_Char* end = text;
+  while (*end != 0) ++end;
+  return static_cast<std::size_t>(end - text);
+}
+
+void Widen(const XML_Char* text, std::size_t length, wchar_t* out) {
+  std::size_t i = 0;
+  for (const __m128i zero = _mm_setzero_si128(); i + 8 <= length; i += 8) {
+    const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text + i));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out + i), _mm_unpacklo_epi16(units, zero));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out + i + 4), _mm_unpackhi_epi16(units, zero));
+  }
+  for (; i < length; ++i) out[i] = text[i];
+}
+
+// Leaves out carriage returns; returns the number of characters written.
+std::size_t WidenWithoutCR(const XML_Char* text, std::size_t length, wchar_t* out) {
+  const XML_Char* const end = text + length;
+  wchar_t* const start = out;
+  for (;;) {
+    const XML_Char* const cr = std::find(text, end, XML_Char{'\r'});
+    Widen(text, static_cast<std::size_t>(cr - text), out);
+    out += cr - text;
+    if (cr == end) return static_cast<std::size_t>(out - start);
+    text = cr + 1;
+  }
+}
+
+bool Equal(const XML_Char* text, std::wstring_view wide) {
+  std::uint32_t difference = 0;
+  for (std::size_t i = 0; i < wide.size(); ++i) difference |= text[i] ^ static_cast<std::uint32_t>(wide[i]);
+  return difference == 0;
+}
+
+// Counts what expat does with the heap on this thread. Between two equal counts nothing that expat owns has moved.
+thread_local std::uint64_t heapCalls = 0;
+
+void* CountingMalloc(std::size_t size) {
+  ++heapCalls;
+  return std::malloc(size);
+}
+
+void* CountingRealloc(void* memory, std::size_t size) {
+  ++heapCalls;
+  return std::realloc(memory, size);
+}
+
+void CountingFree(void* memory) {
+  ++heapCalls;
+  std::free(memory);
+}
+
+constexpr XML_Memory_Handling_Suite kCountingSuite = {CountingMalloc, CountingRealloc, CountingFree};
+
+}  // namespace
+
+struct CExpatReader::Parser {
+  explicit Parser(CXmlDocument& target) : document(target) {}
+  ~Parser() { XML_ParserFree(expat); }
+
+  void StartElement(const XML_Char* name, const XML_Char** attributes);
+  void Text(const XML_Char* text, std::size_t length);
+  void Mark(std::wstring_view mark) { document.AppendText(document.GetCurrentElement(), mark); }
+  void StartNamespace(const XML_Char* prefix, const XML_Char* uri);
+  void EntityDeclaration(const XML_Char* value, std::size_t length);
+  void AddDefaulted(CXmlElement* element, const XML_Char* name, const XML_Char* value);
+
+  void Feed(std::size_t largestPiece, bool isFinal);
+  [[noreturn]] void ThrowParseError() const;
+  [[noreturn]] void ThrowSeparatorInUri() const;
+  bool IsAtTagWithSeparator() const;
+
+  const CXmlName* Intern(const XML_Char* text, std::size_t length);
+  const CXmlName* LocalName(const XML_Char* name);
+  // Splits a name at its separator. Returns the local part.
+  const XML_Char* SplitElementName(const XML_Char* name, const CXmlName*& namespaceUri);
+  const XML_Char* SplitAttributeName(const XML_Char* name, const CXmlName*& namespaceUri);
+
+  // Runs a callback's work. Exceptions must not pass through expat's frames: the first one stops the parser and is
+  // thrown on when that has returned.
+  template <class Work>
+  static void Guarded(void* userData, Work&& work) noexcept {
+    auto& self = *static_cast<Parser*>(userData);
+    if (self.failure != nullptr) return;
+    try {
+      work(self);
+    } catch (...) {
+      self.failure = std::current_exception();
+      XML_StopParser(self.expat, XML_FALSE);
+    }
+  }
+
+  static void FnStartElement(void* userData, const XML_Char* name, const XML_Char** attributes) {
+    Guarded(userData, [&](Parser& self) { self.StartElement(name, attributes); });
+  }
+  static void FnEndElement(void* userData, const XML_Char*) {
+    Guarded(userData, [](Parser& self) { self.document.EndElement(); });
+  }
+  static void FnText(void* userData, const XML_Char* text, int length) {
+    Guarded(userData, [&](Parser& self) { self.Text(text, static_cast<std::size_t>(length)); });
+  }
+  static void FnStartCDATA(void* userData) {
+    Guarded(userData, [](Parser& self) { self.Mark(L"<![CDATA["); });
+  }
+  static void FnEndCDATA(void* userData) {
+    Guarded(userData, [](Parser& self) { self.Mark(L"]]>"); });
+  }
+  static void FnStartNamespace(void* userData, const XML_Char* prefix, const XML_Char* uri) {
+    Guarded(userData, [&](Parser& self) { self.StartNamespace(prefix, uri); });
+  }
+  static void FnEndNamespace(void* userData, const XML_Char*) { ++static_cast<Parser*>(userData)->namespaceEvents; }
+  static void FnEntityDeclaration(void* userData, const XML_Char*, int, const XML_Char* value, int length,
+                                  const XML_Char*, const XML_Char*, const XML_Char*, const XML_Char*) {
+    if (value == nullptr) return;
+    Guarded(userData, [&](Parser& self) { self.EntityDeclaration(value, static_cast<std::size_t>(length)); });
+  }
+
+  // expat builds the names of elements in one buffer for each namespace declaration in scope, so the namespace is told
+  // by the address, as long as neither declarations nor buffers have changed.
+  struct UriEntry {
+    const XML_Char* name = nullptr;
+    const CXmlName* uri = nullptr;
+    std::uint64_t heapCount = 0;
+    std::uint64_t namespaceEvents = 0;
+  };
+
+  CXmlDocument& document;
+  XML_Parser expat = nullptr;
+  std::exception_ptr failure;
+  std::wstring buffer;  // for names on their way into the document
+  UriEntry uris[16];
+  const CXmlName* localNames[256] = {};
+  const CXmlName* lastAttributeUri = nullptr;
+  const std::uint64_t* heapCount = &heapCalls;
+  std::uint64_t namespaceEvents = 0;
+  unsigned long nestingEntities = 0;
+  std::size_t defaultedCount = 0;
+  std::unordered_map<const XML_Char*, CXmlTextBlock*> defaultedValues;  // expat keeps them where they are
+};
+
+const CXmlName* CExpatReader::Parser::Intern(const XML_Char* text, std::size_t length) {
+  buffer.resize(length);
+  Widen(text, length, buffer.data());
+  return document.InternName(buffer);
+}
+
+const CXmlName* CExpatReader::Parser::LocalName(const XML_Char* name) {
+  std::uint32_t hash = 0;
+  const XML_Char* end = name;
+  for (; *end != 0; ++end) hash = hash * 31 + *end;
+  const auto length = static_cast<std::size_t>(end - name);
+  const CXmlName*& cached = localNames[(hash ^ hash >> 8) % std::size(localNames)];
+  if (cached == nullptr || cached->View().size() != length || !Equal(name, cached->View()))
+    cached = Intern(name, length);
+  return cached;
+}
+
+const XML_Char* CExpatReader::Parser::SplitElementName(const XML_Char* name, const CXmlName*& namespaceUri) {
+  UriEntry& entry = uris[reinterpret_cast<std::uintptr_t>(name) / 64 % std::size(uris)];
+  if (entry.name == name && entry.heapCount == *heapCount && entry.namespaceEvents == namespaceEvents) {
+    const std::wstring_view uri = entry.uri->View();
+    if (name[uri.size()] == kSeparator && (uri.size() > kComparedLength || Equal(name, uri))) {
+      namespaceUri = entry.uri;
+      return name + uri.size() + 1;
+    }
+  }
+  const XML_Char* at = name;
+  while (*at != 0 && *at != kSeparator) ++at;
+  if (*at == 0) {
+    namespaceUri = document.GetEmptyName();
+    return name;
+  }
+  namespaceUri = Intern(name, static_cast<std::size_t>(at - name));
+  entry = {name, namespaceUri, *heapCount, namespaceEvents};
+  return at + 1;
+}
+
+const XML_Char* CExpatReader::Parser::SplitAttributeName(const XML_Char* name, const CXmlName*& namespaceUri) {
+  const XML_Char* at = name;
+  while (*at != 0 && *at != kSeparator) ++at;
+  if (*at == 0) {
+    namespaceUri = document.GetEmptyName();
+    return name;
+  }
+  const auto length = static_cast<std::size_t>(at - name);
+  if (lastAttributeUri == nullptr || lastAttributeUri->View().size() != length ||
+      !Equal(name, lastAttributeUri->View()))
+    lastAttributeUri = Intern(name, length);
+  namespaceUri = lastAttributeUri;
+  return at + 1;
+}
+
+void CExpatReader::Parser::StartElement(const XML_Char* name, const XML_Char** attributes) {
+  const CXmlName* namespaceUri = nullptr;
+  const CXmlName* localName = LocalName(SplitElementName(name, namespaceUri));
+  CXmlElement* const element = document.AddElement(namespaceUri, localName);
+  if (*attributes == nullptr) return;
+  const XML_Char** const firstDefault = attributes + XML_GetSpecifiedAttributeCount(expat);
+  for (; *attributes != nullptr; attributes += 2) {
+    if (attributes >= firstDefault) {
+      AddDefaulted(element, attributes[0], attributes[1]);
+      continue;
+    }
+    localName = LocalName(SplitAttributeName(attributes[0], namespaceUri));
+    CXmlAttribute* const attribute = document.AddAttribute(element, localName, namespaceUri, std::wstring_view());
+    if (const std::size_t length = LengthOf(attributes[1])) {
+      Widen(attributes[1], length, document.ReserveValue(attribute, length));
+      document.CommitValue(attribute, length);
+    }
+  }
+}
+
+void CExpatReader::Parser::Text(const XML_Char* text, std::size_t length) {
+  CXmlElement* const element = document.GetCurrentElement();
+  if (length == 0 || element == nullptr) return;
+  document.CommitText(element, WidenWithoutCR(text, length, document.ReserveText(element, length)));
+}
+
+// The value of a default is stored once, however many elements have it.
+void CExpatReader::Parser::AddDefaulted(CXmlElement* element, const XML_Char* name, const XML_Char* value) {
+  const std::size_t limit = std::max(kDefaultsAtLeast, kDefaultsPerByte * document.GetInputLength());
+  if (++defaultedCount > limit) CReadLimits::ThrowExceeded(L"defaulted attributes", limit, element->GetXPath());
+  const CXmlName* namespaceUri = nullptr;
+  const CXmlName* const localName = LocalName(SplitAttributeName(name, namespaceUri));
+  CXmlTextBlock*& stored = defaultedValues[value];
+  if (stored == nullptr) {
+    buffer.resize(LengthOf(value));
+    Widen(value, buffer.size(), buffer.data());
+    stored = document.StoreValue(buffer);
+  }
+  document.AddAttribute(element, localName, namespaceUri, stored);
+}
+
+void CExpatReader::Parser::StartNamespace(const XML_Char* prefix, const XML_Char* uri) {
+  ++namespaceEvents;
+  const std::size_t length = uri != nullptr ? LengthOf(uri) : 0;
+  if (std::find(uri, uri + length, kSeparator) != uri + length) ThrowSeparatorInUri();
+  const CXmlName* const prefixName = prefix != nullptr ? Intern(prefix, LengthOf(prefix)) : document.GetEmptyName();
+  document.AddNamespaceAlias(prefixName, Intern(uri, length));
+}
+
+void CExpatReader::Parser::EntityDeclaration(const XML_Char* value, std::size_t length) {
+  const XML_Char* const end = value + length;
+  const bool refers =
+      std::find(value, end, XML_Char{'%'}) != end ||
+      std::adjacent_find(value, end, [](XML_Char a, XML_Char b) { return a == '&' && b != '#'; }) != end;
+  if (refers && ++nestingEntities > kNestingEntities)
+    CReadLimits::ThrowExceeded(L"entities that refer to entities", kNestingEntities);
+}
+
+// The namespace of a name could not be told from its local part. Some versions of expat reject such a declaration
+// themselves, as a syntax error in the start tag that makes it.
+void CExpatReader::Parser::ThrowSeparatorInUri() const {
+  throw CRkException(FormatString(L"A namespace URI contains the character '|' at line %d",
+                                  static_cast<int>(XML_GetCurrentLineNumber(expat))));
+}
+
+bool CExpatReader::Parser::IsAtTagWithSeparator() const {
+  int offset = 0;
+  int size = 0;
+  const char* const context = XML_GetInputContext(expat, &offset, &size);
+  if (context == nullptr) return false;
+  std::string_view tag(context + offset, static_cast<std::size_t>(size - offset));
+  tag = tag.substr(0, tag.find('>'));
+  return tag.find("<!") != 0 && tag.find("<?") != 0 && tag.find('<') < 2 && tag.find('|') != std::string_view::npos;
+}
+
+void CExpatReader::Parser::Feed(std::size_t largestPiece, bool isFinal) {
+  const auto* bytes = reinterpret_cast<const char*>(document.GetInput());
+  for (std::size_t left = document.GetInputLength();;) {
+    const std::size_t piece = std::min(left, largestPiece);
+    left -= piece;
+    const XML_Status status = XML_Parse(expat, bytes, static_cast<int>(piece), isFinal && left == 0);
+    bytes += piece;
+    if (failure != nullptr) std::rethrow_exception(failure);
+    if (status != XML_STATUS_OK) ThrowParseError();
+    if (left == 0) return;
+  }
+}
+
+void CExpatReader::Parser::ThrowParseError() const {
+  const XML_Error code = XML_GetErrorCode(expat);
+  if (code == XML_ERROR_NO_MEMORY) throw std::bad_alloc();
+  if (code == XML_ERROR_SYNTAX && IsAtTagWithSeparator()) ThrowSeparatorInUri();
+  const std::string_view description = XML_ErrorString(code);
+  throw CRkException(FormatString(L"%ls at line %d", std::wstring(description.begin(), description.end()).c_str(),
+                                  static_cast<int>(XML_GetCurrentLineNumber(expat))));
+}
+
+CExpatReader::CExpatReader(CXmlDocument& document, std::size_t largestPiece)
+    : m_document(document), m_largestPiece(largestPiece) {}
+
+CExpatReader::~CExpatReader() = default;
+
+void CExpatReader::CreateParser() {
+  m_parser = std::make_unique<Parser>(m_document);
+  const bool namespaces = m_document.GetSchemaType() != SchemaType_NoNamespaces;
+  const XML_Char separator[] = {kSeparator, 0};
+  XML_Parser const expat = XML_ParserCreate_MM(nullptr, &kCountingSuite, namespaces ? separator : nullptr);
+  if (expat == nullptr) throw std::bad_alloc();
+  m_parser->expat = expat;
+  XML_SetUserData(expat, m_parser.get());
+  XML_SetElementHandler(expat, Parser::FnStartElement, Parser::FnEndElement);
+  XML_SetNamespaceDeclHandler(expat, Parser::FnStartNamespace, Parser::FnEndNamespace);
+  XML_SetCharacterDataHandler(expat, Parser::FnText);
+  XML_SetEntityDeclHandler(expat, Parser::FnEntityDeclaration);
+  if (!m_document.GetContext().GetStripCDATA())
+    XML_SetCdataSectionHandler(expat, Parser::FnStartCDATA, Parser::FnEndCDATA);
+}
+
+void CExpatReader::Parse(bool isFinal) {
+  m_parser->Feed(m_largestPiece, isFinal);
+  if (isFinal) Cleanup();
+}
+
+void CExpatReader::Cleanup() { m_parser.reset(); }
+
+}  // namespace RkXmlLib16

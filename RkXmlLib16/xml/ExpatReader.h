@@ -1,0 +1,45 @@
+#ifndef RKXMLLIB16_XML_EXPATREADER_H
+#define RKXMLLIB16_XML_EXPATREADER_H
+
+#include <cstddef>
+#include <memory>
+
+#include "RkXmlLib16/core/Export.h"
+
+namespace RkXmlLib16 {
+
+class CXmlDocument;
+
+// Parses the input of a document as XML text (W3C XML 1.0, Namespaces in XML 1.0) into its tree. The encoding is told
+// by the byte order mark or the XML declaration, else it is UTF-8. External entities are not fetched.
+//
+//   CExpatReader reader(document);
+//   reader.CreateParser();
+//   reader.Parse(/*isFinal=*/true);
+class RKXML_EXPORT CExpatReader {
+ public:
+  // Inputs longer than `largestPiece` bytes are handed to the parser in pieces of so many.
+  explicit CExpatReader(CXmlDocument& document, std::size_t largestPiece = std::size_t{1} << 28);  // kept
+  CExpatReader(const CExpatReader&) = delete;
+  CExpatReader& operator=(const CExpatReader&) = delete;
+  virtual ~CExpatReader();
+
+  // Without namespace processing when the document's schema type is SchemaType_NoNamespaces: prefixes then stay part
+  // of the names, and declarations are attributes.
+  void CreateParser();
+  // Parses the document's whole input. Throws CRkException "%ls at line %d" with the parser's description of what is
+  // wrong; what was read before stays in the document.
+  void Parse(bool isFinal);
+  void Cleanup();
+
+ private:
+  struct Parser;
+
+  CXmlDocument& m_document;
+  std::size_t m_largestPiece;
+  std::unique_ptr<Parser> m_parser;
+};
+
+}  // namespace RkXmlLib16
+
+#endif
