@@ -12,6 +12,7 @@
 
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/json/JsonTextReader.h"
 #include "RkXmlLib16/support/Encoder.h"
 #include "RkXmlLib16/support/File.h"
 #include "RkXmlLib16/support/Format.h"
@@ -104,17 +105,11 @@ Bytes ToUtf16(std::wstring_view text, bool pairs) {
 // Fills the document when its input is a Fast Infoset, which is told by the first octets; else false.
 bool ParseFastInfoset(CXmlDocument&) { return false; }
 
-// JSON text to XML text in UTF-8.
-CBinaryData ConvertJson(const std::wstring& json, const CSerializationContext&) {
-  static_cast<void>(json);
-  throw CRkException(L"JSON is not supported yet.");
-}
-
 CBinaryData ConvertJsonBytes(const unsigned char* bytes, std::size_t length, const CSerializationContext& context) {
   CBinaryData inflated;
   std::string_view json = Unwrap(bytes, length, context.GetLimits(), inflated);
   if (json.substr(0, kUtf8Mark.size()) == kUtf8Mark) json.remove_prefix(kUtf8Mark.size());
-  return ConvertJson(CEncoder::Utf8ToUnicode(json), context);
+  return CJsonTextReader::ConvertJsonToXml(CEncoder::Utf8ToUnicode(json), context);
 }
 
 }  // namespace
@@ -185,13 +180,13 @@ CBinaryData CXmlDocument::LoadJsonStream(unsigned char* bytes, unsigned long len
 CBinaryData CXmlDocument::LoadJson(const char* text) {
   Cleanup();
   if (text == nullptr || *text == '\0') throw CRkException(L"JSON String is empty!");
-  return ConvertJson(CEncoder::Utf8ToUnicode(std::string_view(text)), *m_context);
+  return CJsonTextReader::ConvertJsonToXml(CEncoder::Utf8ToUnicode(std::string_view(text)), *m_context);
 }
 
 CBinaryData CXmlDocument::LoadJson(const wchar_t* text) {
   Cleanup();
   if (text == nullptr || *text == L'\0') throw CRkException(L"JSON String is empty!");
-  return ConvertJson(text, *m_context);
+  return CJsonTextReader::ConvertJsonToXml(text, *m_context);
 }
 
 void CXmlDocument::ParseBytes(const unsigned char* bytes, std::size_t length) {
