@@ -1,0 +1,627 @@
+#include "RkXmlLib16/fastinfoset/Reader.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <string_view>
+
+#include "RkXmlLib16/core/Exception.h"
+#include "RkXmlLib16/core/ReadLimits.h"
+#include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/fastinfoset/BinaryCodec.h"
+#include "RkXmlLib16/fastinfoset/internal/Octets.h"
+#include "RkXmlLib16/support/Encoder.h"
+#include "RkXmlLib16/xml/ElementTree.h"
+
+namespace RkXmlLib16 {
+
+using FastInfoset::IntegerForm;
+using FastInfoset::IntegerLayout;
+
+namespace {
+
+// Two blanks before "on" in the messages of encodings: sic.
+constexpr const wchar_t* kInvalidIndexBit2 =
+    L"Failed to parse FastInfoset. Invalid Encoding of integers 1 To 2^20 type  on the second bit of an octet.";
+constexpr const wchar_t* kInvalidIndexBit3 =
+    L"Failed to parse FastInfoset. Invalid Encoding of integers 1 To 2^20 type  on the third bit of an octet.";
+constexpr const wchar_t* kInvalidIndexBit4 =
+    L"Failed to parse FastInfoset. Invalid Encoding of integers 1 To 2^20 type  on the fourth bit of an octet.";
+constexpr const wchar_t* kInvalidValueIndex =
+    L"Failed to parse FastInfoset. Invalid Encoding of integers 0 To 2^20 type  on the second bit of an octet.";
+constexpr const wchar_t* kInvalidLengthBit2 =
+    L"Failed to parse FastInfoset. Invalid NonEmptyOctetString type  on the second bit of an octet.";
+constexpr const wchar_t* kInvalidLengthBit5 =
+    L"Failed to parse FastInfoset. Invalid NonEmptyOctetString type  on the fifth bit of an octet.";
+
+// Up to this many octets of UTF-8, room for as many characters is cheaper than counting them.
+constexpr std::size_t kUncountedLength = 64;
+
+[[noreturn]] void ThrowInvalidItem() {
+  throw CRkException(L"Failed to parse FastInfoset. Invalid Encoding of Element type.");
+}
+
+std::string_view BytesOf(const unsigned char* octets, std::size_t length) {
+  return {reinterpret_cast<const char*>(octets), length};
+}
+
+template <class Table, class Entry>
+void AppendEntry(Table& table, Entry entry) {
+  if (table.size() < FI_MAX_TABLE_ENTRIES) table.push_back(entry);
+}
+
+}  // namespace
+
+CFastInfosetReader::CFastInfosetReader(const CFastInfosetContext& context, CXmlDocument& document)
+    : m_fiContext(context), m_document(document) {}
+
+CFastInfosetReader::~CFastInfosetReader() = default;
+
+bool CFastInfosetReader::Parse() { return Parse(m_document.GetInput(), m_document.GetInputLength()); }
+
+bool CFastInfosetReader::Parse(const unsigned char* octets, std::size_t length) {
+  Cleanup();
+  m_at = octets;
+  m_end = octets + length;
+  if (!ReadHeader()) return false;
+
+  const CReadLimits& limits = m_document.GetContext().GetLimits();
+  const unsigned long ratio = limits.GetMaxExpansionRatio();
+  constexpr unsigned long kNoLimit = std::numeric_limits<unsigned long>::max();
+  const bool isUnlimited = ratio == 0 || length > kNoLimit / ratio;
+  m_expansionLimit = isUnlimited ? kNoLimit : std::max(limits.GetExpansionRatioFrom(), ratio * length);
+  for (const auto& [text, index] : m_vocabulary.GetPrefixNamesTable())
+    m_prefixes.push_back(m_document.InternName(text));
+  for (const auto& [text, index] : m_vocabulary.GetNamespaceNamesTable()) {
+    m_namespaceNames.push_back(m_document.InternName(text));
+  }
+
+  ReadOptionalData();
+  ReadChildren();
+  return true;
+}
+
+void CFastInfosetReader::Cleanup() {
+  m_at = m_end = nullptr;
+  m_vocabulary = m_fiContext.GetVocabulary();
+  for (Names* names : {&m_prefixes, &m_namespaceNames, &m_localNames}) names->clear();
+  for (QNames* names : {&m_elementNames, &m_attributeNames}) names->clear();
+  m_otherNCNames = m_otherUris = m_otherStrings = 0;
+  m_skippedValue = m_skippedChunk = 0;
+  m_isVocabularyLost = false;
+  m_expanded = 0;
+}
+
+// Header
+
+bool CFastInfosetReader::ReadHeader() {
+  if (CheckHeader()) return true;
+  for (const std::string_view declaration : FastInfoset::kDeclarations) {
+    if (CheckDeclaration(std::wstring(declaration.begin(), declaration.end()).c_str())) return CheckHeader();
+  }
+  return false;
+}
+
+bool CFastInfosetReader::CheckHeader() {
+  constexpr std::size_t length = sizeof FastInfoset::kHeader;
+  if (GetRemaining() < length || std::memcmp(m_at, FastInfoset::kHeader, length) != 0) return false;
+  m_at += length;
+  return true;
+}
+
+bool CFastInfosetReader::CheckDeclaration(const wchar_t* declaration) {
+  const CBinaryData utf8 = CEncoder::UnicodeToUtf8Binary(declaration);
+  const std::size_t length = utf8.GetLength();
+  if (GetRemaining() < length || std::memcmp(m_at, utf8.GetData(), length) != 0) return false;
+  m_at += length;
+  return true;
+}
+
+// Optional components, all of them read past.
+
+void CFastInfosetReader::ReadOptionalData() {
+  const unsigned char present = Next();
+  if ((present & 0x40) != 0) AdditionalData();
+  if ((present & 0x20) != 0) InitialVocabulary();
+  if ((present & 0x10) != 0) Notations();
+  if ((present & 0x08) != 0) UnparsedEntities();
+  if ((present & 0x04) != 0) CharacterEncodingScheme();
+  if ((present & 0x02) != 0) Standalone();
+  if ((present & 0x01) != 0) Version();
+}
+
+void CFastInfosetReader::AdditionalData() {
+  for (unsigned long left = LengthOfSequence(); left > 0; --left) {
+    Move(NonEmptyOctetStringBit2Length(Next()));
+    Move(NonEmptyOctetStringBit2Length(Next()));
+  }
+}
+
+// The length is read before every item, so that only a list of one item is read past correctly; after any other one the
+// numbers of the entries are not known. False for an absent entry of the table.
+template <class SkipItem>
+bool CFastInfosetReader::SkipList(SkipItem&& skipItem) {
+  unsigned long done = 0;
+  unsigned long length = 0;
+  do {
+    length = LengthOfSequence();
+    skipItem();
+    ++done;
+    if (length != 1) m_isVocabularyLost = true;
+  } while (done < length);
+  return true;
+}
+
+void CFastInfosetReader::InitialVocabulary() {
+  const auto skipString = [this] { Move(NonEmptyOctetStringBit2Length(Next())); };
+  const auto skipValue = [this] { EncodedCharacterStringBit3(Next()); };
+  const auto skipName = [this] {
+    const unsigned char octet = Next();
+    if ((octet & FastInfoset::kNamePrefixBit) != 0) Integer1To2pw20Bit2(Next());
+    if ((octet & FastInfoset::kNameNamespaceBit) != 0) Integer1To2pw20Bit2(Next());
+    Integer1To2pw20Bit2(Next());
+  };
+  const unsigned char first = Next();
+  const unsigned char second = Next();
+  if ((first & 0x10) != 0) skipString();  // the URI of the external vocabulary
+  if ((first & 0x08) != 0) SkipList(skipString);
+  if ((first & 0x04) != 0) SkipList(skipString);
+  if ((first & 0x02) != 0 && SkipList(skipString)) m_prefixes.push_back(nullptr);
+  if ((first & 0x01) != 0 && SkipList(skipString)) m_namespaceNames.push_back(nullptr);
+  if ((second & 0x80) != 0 && SkipList(skipString)) m_localNames.push_back(nullptr);
+  if ((second & 0x40) != 0 && SkipList(skipString)) ++m_otherNCNames;
+  if ((second & 0x20) != 0 && SkipList(skipString)) ++m_otherUris;
+  if ((second & 0x10) != 0 && SkipList(skipValue)) {
+    CFIVocabulary::AddValueToVector({}, m_vocabulary.GetAttributeValuesTable());
+    m_skippedValue = m_vocabulary.GetAttributeValuesTable().size();
+  }
+  if ((second & 0x08) != 0 && SkipList(skipValue)) {
+    CFIVocabulary::AddValueToVector({}, m_vocabulary.GetCharacterChunksTable());
+    m_skippedChunk = m_vocabulary.GetCharacterChunksTable().size();
+  }
+  if ((second & 0x04) != 0 && SkipList(skipValue)) ++m_otherStrings;
+  if ((second & 0x02) != 0 && SkipList(skipName)) m_elementNames.push_back({nullptr, nullptr});
+  if ((second & 0x01) != 0 && SkipList(skipName)) m_attributeNames.push_back({nullptr, nullptr});
+}
+
+void CFastInfosetReader::Notations() {
+  for (unsigned char octet = Next(); octet != FastInfoset::kTerminator; octet = Next()) {
+    if ((octet & 0xFC) != 0xC0) ThrowInvalidItem();
+    SkipIdentifyingStringOrIndex(m_otherNCNames);
+    ExternalIdentifiers(octet);
+  }
+}
+
+void CFastInfosetReader::UnparsedEntities() {
+  for (unsigned char octet = Next(); octet != FastInfoset::kTerminator; octet = Next()) {
+    if ((octet & 0xFE) != 0xD0) ThrowInvalidItem();
+    SkipIdentifyingStringOrIndex(m_otherNCNames);
+    SkipIdentifyingStringOrIndex(m_otherUris);
+    if ((octet & 0x01) != 0) SkipIdentifyingStringOrIndex(m_otherUris);
+    SkipIdentifyingStringOrIndex(m_otherNCNames);
+  }
+}
+
+void CFastInfosetReader::CharacterEncodingScheme() { Move(NonEmptyOctetStringBit2Length(Next())); }
+
+void CFastInfosetReader::Standalone() { Next(); }
+
+void CFastInfosetReader::Version() { SkipNonIdentifyingStringOrIndexBit1(); }
+
+// Structure
+
+void CFastInfosetReader::ReadChildren() {
+  for (;;) {
+    const unsigned char octet = Next();
+    if (octet < 0x80) {
+      if (m_document.GetDocumentElement() != nullptr) ThrowInvalidItem();
+      if (ElementBit2(octet)) return;
+    } else if (octet == FastInfoset::kProcessingInstruction) {
+      ProcessingInstruction();
+    } else if (octet == FastInfoset::kComment) {
+      Comment();
+    } else if ((octet & 0xFC) == FastInfoset::kDocumentType) {
+      if (DocumentTypeDeclarationBit7(octet)) break;
+    } else if (octet == FastInfoset::kTerminator || octet == FastInfoset::kDoubleTerminator) {
+      break;
+    } else {
+      ThrowInvalidItem();
+    }
+  }
+  if (m_document.GetDocumentElement() == nullptr) ThrowInvalidItem();
+}
+
+// The element that begins with the octet and all that it holds. True when its last octet ends the document too.
+bool CFastInfosetReader::ElementBit2(unsigned char first) {
+  std::size_t depth = ElementStart(first) ? 1 : 0;
+  while (depth > 0) {
+    const unsigned char octet = Next();
+    if (octet < 0x80) {
+      if (ElementStart(octet)) ++depth;
+    } else if (octet < 0xC0) {
+      NonIdentifyingStringOrIndexBit3(m_document.GetCurrentElement(), octet);
+    } else if (octet == FastInfoset::kTerminator) {
+      m_document.EndElement();
+      --depth;
+    } else if (octet == FastInfoset::kDoubleTerminator) {
+      m_document.EndElement();
+      if (--depth == 0) return true;
+      m_document.EndElement();
+      --depth;
+    } else if (octet == FastInfoset::kProcessingInstruction) {
+      ProcessingInstruction();
+    } else if (octet == FastInfoset::kComment) {
+      Comment();
+    } else if ((octet & 0xFC) == FastInfoset::kEntityReference) {
+      UnexpandedEntityReferenceBit7(octet);
+    } else {
+      ThrowInvalidItem();
+    }
+  }
+  return false;
+}
+
+// Up to the end of the attributes. False when the element has ended with them.
+bool CFastInfosetReader::ElementStart(unsigned char octet) {
+  const bool hasAttributes = (octet & FastInfoset::kAttributesBit) != 0;
+  if ((octet & 0x3C) == FastInfoset::kElementNamespaces) {
+    for (octet = Next(); octet != FastInfoset::kTerminator; octet = Next()) NamespaceAttributeBit7(octet);
+    octet = Next();
+    if (octet >= 0x40) ThrowInvalidItem();
+  }
+  const QName name = QualifiedNameOrIndexBit3(octet);
+  CXmlElement* const element = m_document.AddElement(name.namespaceUri, name.localName);
+  if (!hasAttributes) return true;
+  for (octet = Next(); octet < 0x80; octet = Next()) AtrributeBit2(element, octet);
+  if (octet == FastInfoset::kTerminator) return true;
+  if (octet != FastInfoset::kDoubleTerminator) ThrowInvalidItem();
+  m_document.EndElement();
+  return false;
+}
+
+void CFastInfosetReader::AtrributeBit2(CXmlElement* element, unsigned char octet) {
+  const QName name = QualifiedNameOrIndexBit2(octet);
+  NonIdentifyingStringOrIndexBit1(element, name);
+}
+
+void CFastInfosetReader::NamespaceAttributeBit7(unsigned char octet) {
+  if ((octet & 0xFC) != FastInfoset::kNamespaceAttribute) ThrowInvalidItem();
+  bool hasIndex = true;
+  const CXmlName* prefix = m_document.GetEmptyName();
+  const CXmlName* namespaceUri = prefix;
+  if ((octet & FastInfoset::kNamePrefixBit) != 0) prefix = IdentifyingStringOrIndex(m_prefixes, hasIndex);
+  if ((octet & FastInfoset::kNameNamespaceBit) != 0)
+    namespaceUri = IdentifyingStringOrIndex(m_namespaceNames, hasIndex);
+  m_document.AddNamespaceAlias(prefix->GetText().c_str(), namespaceUri->GetText().c_str());
+}
+
+void CFastInfosetReader::Comment() { SkipNonIdentifyingStringOrIndexBit1(); }
+
+void CFastInfosetReader::ProcessingInstruction() {
+  SkipIdentifyingStringOrIndex(m_otherNCNames);
+  SkipNonIdentifyingStringOrIndexBit1();
+}
+
+// True when its last octet ends the document too.
+bool CFastInfosetReader::DocumentTypeDeclarationBit7(unsigned char octet) {
+  ExternalIdentifiers(octet);
+  for (octet = Next(); octet == FastInfoset::kProcessingInstruction; octet = Next()) ProcessingInstruction();
+  if (octet != FastInfoset::kTerminator && octet != FastInfoset::kDoubleTerminator) ThrowInvalidItem();
+  return octet == FastInfoset::kDoubleTerminator;
+}
+
+void CFastInfosetReader::UnexpandedEntityReferenceBit7(unsigned char octet) {
+  SkipIdentifyingStringOrIndex(m_otherNCNames);
+  ExternalIdentifiers(octet);
+}
+
+// A system and a public identifier, as the last two bits of the octet say.
+void CFastInfosetReader::ExternalIdentifiers(unsigned char octet) {
+  if ((octet & 0x02) != 0) SkipIdentifyingStringOrIndex(m_otherUris);
+  if ((octet & 0x01) != 0) SkipIdentifyingStringOrIndex(m_otherUris);
+}
+
+// Names
+
+CFastInfosetReader::QName CFastInfosetReader::QualifiedNameOrIndexBit2(unsigned char octet) {
+  if ((octet & 0x7C) == FastInfoset::kAttributeLiteralName) return ReadQName(octet, m_attributeNames);
+  const unsigned long index = Integer1To2pw20Bit2(octet);
+  const bool isKnown = IsKnown(index, m_attributeNames.size()) && m_attributeNames[index - 1].localName != nullptr;
+  if (!isKnown) throw CRkException(kInvalidIndexBit2);
+  return m_attributeNames[index - 1];
+}
+
+CFastInfosetReader::QName CFastInfosetReader::QualifiedNameOrIndexBit3(unsigned char octet) {
+  if ((octet & 0x3C) == FastInfoset::kElementLiteralName) return ReadQName(octet, m_elementNames);
+  const unsigned long index = Integer1To2pw20Bit3(octet);
+  const bool isKnown = IsKnown(index, m_elementNames.size()) && m_elementNames[index - 1].localName != nullptr;
+  if (!isKnown) throw CRkException(kInvalidIndexBit3);
+  return m_elementNames[index - 1];
+}
+
+CFastInfosetReader::QName CFastInfosetReader::ReadQName(unsigned char octet, QNames& names) {
+  const bool hasPrefix = (octet & FastInfoset::kNamePrefixBit) != 0;
+  const bool hasNamespace = (octet & FastInfoset::kNameNamespaceBit) != 0;
+  if (hasPrefix && !hasNamespace) {
+    throw CRkException(L"Failed to parse FastInfoset. Invalid QName type Prefix without Namespace.");
+  }
+  bool hasIndex = true;
+  QName name{m_document.GetEmptyName(), nullptr};
+  if (hasPrefix) IdentifyingStringOrIndex(m_prefixes, hasIndex);
+  if (hasNamespace) name.namespaceUri = IdentifyingStringOrIndex(m_namespaceNames, hasIndex);
+  name.localName = IdentifyingStringOrIndex(m_localNames, hasIndex);
+  if (hasIndex) AppendEntry(names, name);
+  return name;
+}
+
+// `hasIndex` becomes false when the string found its table full.
+const CXmlName* CFastInfosetReader::IdentifyingStringOrIndex(Names& names, bool& hasIndex) {
+  const unsigned char octet = Next();
+  if ((octet & FastInfoset::kIdentifyingIndexBit) != 0) {
+    const unsigned long index = Integer1To2pw20Bit2(octet);
+    if (!IsKnown(index, names.size()) || names[index - 1] == nullptr) throw CRkException(kInvalidIndexBit2);
+    return names[index - 1];
+  }
+  const std::size_t length = NonEmptyOctetStringBit2Length(octet);
+  NonEmptyOctetUTF8String(Move(length), length);
+  const CXmlName* const name = m_document.InternName(m_text);
+  if (names.size() >= FI_MAX_TABLE_ENTRIES) hasIndex = false;
+  AppendEntry(names, name);
+  return name;
+}
+
+void CFastInfosetReader::SkipIdentifyingStringOrIndex(Count& count) {
+  const unsigned char octet = Next();
+  if ((octet & FastInfoset::kIdentifyingIndexBit) != 0) {
+    if (!IsKnown(Integer1To2pw20Bit2(octet), count)) throw CRkException(kInvalidIndexBit2);
+  } else {
+    Move(NonEmptyOctetStringBit2Length(octet));
+    if (count < FI_MAX_TABLE_ENTRIES) ++count;
+  }
+}
+
+// Values
+
+void CFastInfosetReader::NonIdentifyingStringOrIndexBit1(CXmlElement* element, const QName& name) {
+  CFIStringTable& values = m_vocabulary.GetAttributeValuesTable();
+  const unsigned char octet = Next();
+  if ((octet & FastInfoset::kValueIndexBit) != 0) {
+    const unsigned long index = Integer0To2pw20Bit2(octet);
+    std::wstring_view value;
+    if (index != 0) {
+      if (!IsKnown(index, values.size()) || index == m_skippedValue) throw CRkException(kInvalidValueIndex);
+      value = values[index];
+      CountExpansion(value.length());
+    }
+    m_document.AddAttribute(element, name.localName, name.namespaceUri, value);
+    return;
+  }
+  const EncodedString string = EncodedCharacterStringBit3(octet);
+  const bool add = (octet & FastInfoset::kValueAddBit) != 0;
+  if (string.encoding == FIStringEncoding_UTF8) {
+    const std::string_view utf8 = BytesOf(string.octets, string.length);
+    const std::size_t room = string.length <= kUncountedLength ? string.length : CEncoder::UnicodeLength(utf8);
+    CXmlAttribute* const attribute = m_document.AddAttribute(element, name.localName, name.namespaceUri, {});
+    wchar_t* const out = m_document.ReserveValue(attribute, room);
+    const auto charCount = static_cast<std::size_t>(CEncoder::WriteUnicode(utf8, out) - out);
+    m_document.CommitValue(attribute, charCount);
+    if (add) CFIVocabulary::AddValueToVector({out, charCount}, values);
+  } else {
+    Decode(string);
+    m_document.AddAttribute(element, name.localName, name.namespaceUri, m_text);
+    if (add) CFIVocabulary::AddValueToVector(m_text, values);
+  }
+}
+
+void CFastInfosetReader::NonIdentifyingStringOrIndexBit3(CXmlElement* element, unsigned char octet) {
+  CFIStringTable& chunks = m_vocabulary.GetCharacterChunksTable();
+  if ((octet & FastInfoset::kChunkIndexBit) != 0) {
+    const unsigned long index = Integer1To2pw20Bit4(octet);
+    if (!IsKnown(index, chunks.size()) || index == m_skippedChunk) throw CRkException(kInvalidIndexBit4);
+    CountExpansion(chunks[index].length());
+    m_document.AppendText(element, chunks[index]);
+    return;
+  }
+  const EncodedString string = EncodedCharacterStringBit5(octet);
+  const bool add = (octet & FastInfoset::kChunkAddBit) != 0;
+  const bool isPlain =
+      string.encoding == FIStringEncoding_UTF8 && std::memchr(string.octets, '\r', string.length) == nullptr;
+  if (isPlain) {
+    const std::string_view utf8 = BytesOf(string.octets, string.length);
+    const std::size_t room = string.length <= kUncountedLength ? string.length : CEncoder::UnicodeLength(utf8);
+    wchar_t* const out = m_document.ReserveText(element, room);
+    const auto charCount = static_cast<std::size_t>(CEncoder::WriteUnicode(utf8, out) - out);
+    m_document.CommitText(element, charCount);
+    if (add) CFIVocabulary::AddValueToVector({out, charCount}, chunks);
+  } else {
+    Decode(string);
+    m_document.AppendText(element, m_text);
+    if (add) CFIVocabulary::AddValueToVector(m_text, chunks);
+  }
+}
+
+void CFastInfosetReader::SkipNonIdentifyingStringOrIndexBit1() {
+  const unsigned char octet = Next();
+  if ((octet & FastInfoset::kValueIndexBit) != 0) {
+    if (!IsKnown(Integer0To2pw20Bit2(octet), m_otherStrings)) throw CRkException(kInvalidValueIndex);
+  } else {
+    EncodedCharacterStringBit3(octet);
+    if ((octet & FastInfoset::kValueAddBit) != 0 && m_otherStrings < FI_MAX_TABLE_ENTRIES) ++m_otherStrings;
+  }
+}
+
+CFastInfosetReader::EncodedString CFastInfosetReader::EncodedCharacterStringBit3(unsigned char octet) {
+  EncodedString string{};
+  switch (octet >> 4 & 3) {
+    case 0:
+      string.encoding = FIStringEncoding_UTF8;
+      break;
+    case 1:
+      string.encoding = FIStringEncoding_UTF16BE;
+      break;
+    case 2:
+      string.encoding = FIStringEncoding_RestrictedAlphabet;
+      break;
+    default:
+      string.encoding = FIStringEncoding_EncodingAlgorithm;
+  }
+  if ((octet & 0x20) != 0) {
+    const unsigned char second = Next();
+    string.index = ((octet & 0x0Fu) << 4 | second >> 4) + 1;
+    octet = second;
+  }
+  string.length = NonEmptyOctetStringBit5Length(octet);
+  string.octets = Move(string.length);
+  return string;
+}
+
+CFastInfosetReader::EncodedString CFastInfosetReader::EncodedCharacterStringBit5(unsigned char octet) {
+  EncodedString string{};
+  switch (octet >> 2 & 3) {
+    case 0:
+      string.encoding = FIStringEncoding_UTF8;
+      break;
+    case 1:
+      string.encoding = FIStringEncoding_UTF16BE;
+      break;
+    case 2:
+      string.encoding = FIStringEncoding_RestrictedAlphabet;
+      break;
+    default:
+      string.encoding = FIStringEncoding_EncodingAlgorithm;
+  }
+  if ((octet & 0x08) != 0) {
+    const unsigned char second = Next();
+    string.index = ((octet & 0x03u) << 6 | second >> 2) + 1;
+    octet = second;
+  }
+  string.length = NonEmptyOctetStringBit7Length(octet);
+  string.octets = Move(string.length);
+  return string;
+}
+
+void CFastInfosetReader::Decode(const EncodedString& string) {
+  switch (string.encoding) {
+    case FIStringEncoding_UTF16BE:
+      return NonEmptyOctetUTF16BEString(string.octets, string.length);
+    case FIStringEncoding_RestrictedAlphabet:
+      return NonEmptyOctetRestrictedAlphabetString(string.index, string.octets, string.length);
+    case FIStringEncoding_EncodingAlgorithm:
+      return NonEmptyOctetEncryptedString(string.index, string.octets, string.length);
+    default:
+      return NonEmptyOctetUTF8String(string.octets, string.length);
+  }
+}
+
+void CFastInfosetReader::NonEmptyOctetUTF8String(const unsigned char* octets, std::size_t length) {
+  const std::string_view utf8 = BytesOf(octets, length);
+  m_text.resize(CEncoder::UnicodeLength(utf8));
+  CEncoder::WriteUnicode(utf8, m_text.data());
+}
+
+void CFastInfosetReader::NonEmptyOctetUTF16BEString(const unsigned char* octets, std::size_t length) {
+  m_text = CEncoder::Utf16ToUnicode(BytesOf(octets, length), /*bigEndian=*/true);
+}
+
+// Ends at a code of all ones, which fills up the last octet, or where no whole code is left.
+void CFastInfosetReader::NonEmptyOctetRestrictedAlphabetString(unsigned long alphabet, const unsigned char* octets,
+                                                               std::size_t length) {
+  const auto& alphabets = CFIVocabulary::GetRestrictedAlphabets();
+  if (alphabet > alphabets.size()) {
+    throw CRkException(
+        L"Failed to parse FastInfoset. Invalid Encoding of Restricted Alphabet. Alphabet must contain between 2 and "
+        L"2^20 characters.");
+  }
+  const std::wstring& characters = alphabets[alphabet - 1];
+  const int width = FastInfoset::BitsPerCharacter(characters.length());
+  const unsigned long allOnes = (1ul << width) - 1;
+  m_text.clear();
+  unsigned long bits = 0;
+  int bitCount = 0;
+  for (std::size_t i = 0; i < length; ++i) {
+    bits = (bits << 8 | octets[i]) & 0xFFFFFFFF;
+    for (bitCount += 8; bitCount >= width; bitCount -= width) {
+      const unsigned long code = bits >> (bitCount - width) & allOnes;
+      if (code >= characters.length()) return;
+      m_text += characters[code];
+    }
+  }
+}
+
+void CFastInfosetReader::NonEmptyOctetEncryptedString(unsigned long algorithm, const unsigned char* octets,
+                                                      std::size_t length) {
+  if (algorithm == FIEncodingAlgorithm_Cdata) return NonEmptyOctetUTF8String(octets, length);
+  m_text.clear();
+  CFastInfosetBinaryData::AppendAsString(algorithm, octets, length, m_text);
+}
+
+void CFastInfosetReader::CountExpansion(std::size_t charCount) {
+  m_expanded += charCount;
+  if (m_expanded > m_expansionLimit) {
+    CReadLimits::ThrowExceeded(L"characters of indexed strings", m_expansionLimit);
+  }
+}
+
+// Octets
+
+unsigned long CFastInfosetReader::Integer(const IntegerLayout& layout, unsigned char octet, const wchar_t* error) {
+  const unsigned char bits = octet & layout.field;
+  for (int i = 0; i < layout.formCount; ++i) {
+    const IntegerForm& form = layout.forms[i];
+    const unsigned mask = (1u << form.valueBits) - 1;
+    if ((bits & ~mask) != form.pattern) continue;
+    unsigned long value = bits & mask;
+    for (int more = 0; more < form.moreOctets; ++more) value = value << 8 | Next();
+    return value + form.lowest;
+  }
+  throw CRkException(error);
+}
+
+unsigned long CFastInfosetReader::Integer1To2pw20Bit2(unsigned char octet) {
+  return Integer(FastInfoset::kIndexBit2, octet, kInvalidIndexBit2);
+}
+
+unsigned long CFastInfosetReader::Integer1To2pw20Bit3(unsigned char octet) {
+  return Integer(FastInfoset::kIndexBit3, octet, kInvalidIndexBit3);
+}
+
+unsigned long CFastInfosetReader::Integer1To2pw20Bit4(unsigned char octet) {
+  return Integer(FastInfoset::kIndexBit4, octet, kInvalidIndexBit4);
+}
+
+unsigned long CFastInfosetReader::Integer0To2pw20Bit2(unsigned char octet) {
+  if ((octet & FastInfoset::kIndexBit2.field) == FastInfoset::kIndexBit2.field) return 0;
+  return Integer(FastInfoset::kIndexBit2, octet, kInvalidValueIndex);
+}
+
+// A literal has bit 1 clear; where no index is allowed a set one is an error.
+std::size_t CFastInfosetReader::NonEmptyOctetStringBit2Length(unsigned char octet) {
+  if ((octet & FastInfoset::kIdentifyingIndexBit) != 0) throw CRkException(kInvalidLengthBit2);
+  return Integer(FastInfoset::kLengthBit2, octet, kInvalidLengthBit2);
+}
+
+std::size_t CFastInfosetReader::NonEmptyOctetStringBit5Length(unsigned char octet) {
+  return Integer(FastInfoset::kLengthBit5, octet, kInvalidLengthBit5);
+}
+
+std::size_t CFastInfosetReader::NonEmptyOctetStringBit7Length(unsigned char octet) {
+  return Integer(FastInfoset::kLengthBit7, octet, kInvalidLengthBit5);  // every pattern of two bits is a length
+}
+
+unsigned long CFastInfosetReader::LengthOfSequence() {
+  const unsigned char first = Next();
+  if (first < 0x80) return first + 1ul;
+  const unsigned char* const rest = Move(2);
+  return ((first & 0x0Ful) << 16 | static_cast<unsigned long>(rest[0]) << 8 | rest[1]) + 129;
+}
+
+unsigned char CFastInfosetReader::Next() { return *Move(1); }
+
+const unsigned char* CFastInfosetReader::Move(std::size_t n) {
+  if (n > GetRemaining()) throw CRkException(L"Failed to parse FastInfoset. Unexpected End of File.");
+  const unsigned char* const at = m_at;
+  m_at += n;
+  return at;
+}
+
+}  // namespace RkXmlLib16

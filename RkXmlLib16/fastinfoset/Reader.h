@@ -1,0 +1,148 @@
+#ifndef RKXMLLIB16_FASTINFOSET_READER_H
+#define RKXMLLIB16_FASTINFOSET_READER_H
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "RkXmlLib16/core/Export.h"
+#include "RkXmlLib16/fastinfoset/Context.h"
+#include "RkXmlLib16/fastinfoset/Vocabulary.h"
+
+namespace RkXmlLib16 {
+
+class CXmlAttribute;
+class CXmlDocument;
+class CXmlElement;
+class CXmlName;
+namespace FastInfoset {
+struct IntegerLayout;
+}
+
+// Reads one Fast Infoset document (ITU-T X.891) into the tree of a CXmlDocument. It takes what the standard allows to
+// any writer, but has no external vocabularies and none of the entries of an initial vocabulary: an index that needs
+// one is an error. Comments, processing instructions, document type declarations and entity references are read past.
+//
+//   CFastInfosetReader reader(*ctx.GetFIContext(), document);
+//   if (!reader.Parse()) ...  // not Fast Infoset: XML text, perhaps
+//
+// Every index is compared with its table and every length with the octets that are left before anything is allocated.
+// What is wrong with a document throws CRkException "Failed to parse FastInfoset. ..." or, for octets of a typed value,
+// the message of CFastInfosetBinaryData; what exceeds the reading limits of the document's context throws CRkException
+// "Limit exceeded: ...". The tree built so far stays in the document.
+class RKXML_EXPORT CFastInfosetReader {
+ public:
+  CFastInfosetReader(const CFastInfosetContext& context, CXmlDocument& document);  // both kept
+  CFastInfosetReader(const CFastInfosetReader&) = delete;
+  CFastInfosetReader& operator=(const CFastInfosetReader&) = delete;
+  ~CFastInfosetReader();
+
+  // Reads the document's input, or the octets given. False when they do not begin with one of the nine XML declarations
+  // and the header, or with the header; nothing has been read then. Octets after the end of the document are ignored.
+  bool Parse();
+  bool Parse(const unsigned char* octets, std::size_t length);
+  // Drops the vocabulary and the input, as at the start of every Parse.
+  void Cleanup();
+
+ private:
+  using Names = std::vector<const CXmlName*>;
+  struct QName {
+    const CXmlName* namespaceUri;
+    const CXmlName* localName;
+  };
+  using QNames = std::vector<QName>;
+  // A string that lies in the input still encoded.
+  struct EncodedString {
+    FIStringEncoding encoding;
+    unsigned long index;  // of the alphabet or algorithm
+    const unsigned char* octets;
+    std::size_t length;
+  };
+  // A table of which only the size is kept, since nothing in the tree refers to it.
+  using Count = unsigned long;
+
+  bool ReadHeader();
+  bool CheckHeader();
+  bool CheckDeclaration(const wchar_t* declaration);
+
+  void ReadOptionalData();
+  void AdditionalData();
+  void InitialVocabulary();
+  void Notations();
+  void UnparsedEntities();
+  void CharacterEncodingScheme();
+  void Standalone();
+  void Version();
+
+  void ReadChildren();
+  bool ElementBit2(unsigned char octet);
+  bool ElementStart(unsigned char octet);
+  void AtrributeBit2(CXmlElement* element, unsigned char octet);  // sic
+  void NamespaceAttributeBit7(unsigned char octet);
+  void Comment();
+  void ProcessingInstruction();
+  bool DocumentTypeDeclarationBit7(unsigned char octet);
+  void UnexpandedEntityReferenceBit7(unsigned char octet);
+  void ExternalIdentifiers(unsigned char octet);
+
+  QName QualifiedNameOrIndexBit2(unsigned char octet);
+  QName QualifiedNameOrIndexBit3(unsigned char octet);
+  QName ReadQName(unsigned char octet, QNames& names);
+  const CXmlName* IdentifyingStringOrIndex(Names& names, bool& hasIndex);
+  void SkipIdentifyingStringOrIndex(Count& count);
+  void NonIdentifyingStringOrIndexBit1(CXmlElement* element, const QName& name);
+  void NonIdentifyingStringOrIndexBit3(CXmlElement* element, unsigned char octet);
+  void SkipNonIdentifyingStringOrIndexBit1();
+  EncodedString EncodedCharacterStringBit3(unsigned char octet);
+  EncodedString EncodedCharacterStringBit5(unsigned char octet);
+
+  // These put the text into m_text.
+  void Decode(const EncodedString& string);
+  void NonEmptyOctetUTF8String(const unsigned char* octets, std::size_t length);
+  void NonEmptyOctetUTF16BEString(const unsigned char* octets, std::size_t length);
+  void NonEmptyOctetRestrictedAlphabetString(unsigned long alphabet, const unsigned char* octets, std::size_t length);
+  void NonEmptyOctetEncryptedString(unsigned long algorithm, const unsigned char* octets, std::size_t length);
+
+  unsigned long Integer(const FastInfoset::IntegerLayout& layout, unsigned char octet, const wchar_t* error);
+  unsigned long Integer1To2pw20Bit2(unsigned char octet);
+  unsigned long Integer1To2pw20Bit3(unsigned char octet);
+  unsigned long Integer1To2pw20Bit4(unsigned char octet);
+  unsigned long Integer0To2pw20Bit2(unsigned char octet);
+  std::size_t NonEmptyOctetStringBit2Length(unsigned char octet);
+  std::size_t NonEmptyOctetStringBit5Length(unsigned char octet);
+  std::size_t NonEmptyOctetStringBit7Length(unsigned char octet);
+  unsigned long LengthOfSequence();
+  std::size_t GetRemaining() const noexcept { return static_cast<std::size_t>(m_end - m_at); }
+  unsigned char Next();
+  const unsigned char* Move(std::size_t n);
+
+  template <class SkipItem>
+  bool SkipList(SkipItem&& skipItem);
+  bool IsKnown(unsigned long index, std::size_t size) const noexcept { return index <= size && !m_isVocabularyLost; }
+  void CountExpansion(std::size_t charCount);
+
+  const CFastInfosetContext& m_fiContext;
+  CXmlDocument& m_document;
+  const unsigned char* m_at = nullptr;
+  const unsigned char* m_end = nullptr;
+  std::wstring m_text;
+
+  CFIVocabulary m_vocabulary;  // attribute values and chunks; names are held as the document interns them
+  Names m_prefixes;            // a null entry, here and below, is one of a list that was read past
+  Names m_namespaceNames;
+  Names m_localNames;
+  QNames m_elementNames;
+  QNames m_attributeNames;
+  Count m_otherNCNames = 0;
+  Count m_otherUris = 0;
+  Count m_otherStrings = 0;
+  unsigned long m_skippedValue = 0;  // the entry of m_vocabulary that was read past, if any
+  unsigned long m_skippedChunk = 0;
+  bool m_isVocabularyLost = false;  // a list was not read past correctly: no index can be trusted
+  unsigned long m_expanded = 0;     // characters that indexes stood for
+  unsigned long m_expansionLimit = 0;
+};
+
+}  // namespace RkXmlLib16
+
+#endif

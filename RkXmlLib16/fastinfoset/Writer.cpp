@@ -1,0 +1,512 @@
+#include "RkXmlLib16/fastinfoset/Writer.h"
+
+#include <algorithm>
+
+#include "RkXmlLib16/core/Exception.h"
+#include "RkXmlLib16/fastinfoset/BinaryCodec.h"
+#include "RkXmlLib16/fastinfoset/internal/Octets.h"
+#include "RkXmlLib16/support/BinaryStream.h"
+#include "RkXmlLib16/support/Encoder.h"
+#include "RkXmlLib16/support/Format.h"
+
+namespace RkXmlLib16 {
+
+using FastInfoset::IntegerForm;
+using FastInfoset::IntegerLayout;
+
+namespace {
+
+constexpr std::size_t kFlushLength = 16384;
+constexpr unsigned char kNoAddBit = 0;
+
+// Packs the text at the end of `octets`; false, and nothing appended, when the alphabet lacks a character.
+bool AppendPacked(const std::wstring& alphabet, std::wstring_view text, std::vector<unsigned char>& octets) {
+  const std::size_t start = octets.size();
+  const int width = FastInfoset::BitsPerCharacter(alphabet.length());
+  std::uint32_t bits = 0;
+  int bitCount = 0;
+  for (const wchar_t c : text) {
+    const std::size_t position = alphabet.find(c);
+    if (position == std::wstring::npos) {
+      octets.resize(start);
+      return false;
+    }
+    bits = bits << width | static_cast<std::uint32_t>(position);
+    bitCount += width;
+    for (; bitCount >= 8; bitCount -= 8) octets.push_back(static_cast<unsigned char>(bits >> (bitCount - 8)));
+  }
+  if (bitCount > 0) octets.push_back(static_cast<unsigned char>(bits << (8 - bitCount) | 0xFFu >> bitCount));
+  return true;
+}
+
+const std::wstring& FindAlphabet(unsigned long index) {
+  const auto& alphabets = CFIVocabulary::GetRestrictedAlphabets();
+  if (index < 1 || index > alphabets.size()) {
+    throw CRkException(
+        FormatString(L"Failed to write FastInfoset. Invalid Restricted Alphabet value [%d]", static_cast<int>(index)));
+  }
+  return alphabets[index - 1];
+}
+
+bool IsFloating(const EncodedCharacterString& encoding) {
+  return encoding.m_encoding == FIStringEncoding_EncodingAlgorithm &&
+         (encoding.m_index == FIEncodingAlgorithm_Float || encoding.m_index == FIEncodingAlgorithm_Double);
+}
+
+}  // namespace
+
+CFastInfosetWriter::CFastInfosetWriter(const CFastInfosetContext& context, CBinaryStream& stream)
+    : m_fiContext(context), m_stream(stream), m_vocabulary(context.GetVocabulary()) {
+  m_octets.reserve(2 * kFlushLength);
+}
+
+CFastInfosetWriter::~CFastInfosetWriter() = default;
+
+void CFastInfosetWriter::WriteStartDocument(FInfoDecl declaration) {
+  if (declaration < FInfoDecl_None || declaration > FInfoDecl_Version11StandaloneNo) {
+    throw CRkInvalidParamException(
+        FormatString(L"Invalid Fast Infoset declaration [%d]", static_cast<int>(declaration)));
+  }
+  if (declaration != FInfoDecl_None) {
+    const std::string_view text = FastInfoset::kDeclarations[declaration - 1];
+    m_octets.insert(m_octets.end(), text.begin(), text.end());
+  }
+  m_octets.insert(m_octets.end(), std::begin(FastInfoset::kHeader), std::end(FastInfoset::kHeader));
+  if (m_fiContext.GetUseGeneratedVocabulary()) {
+    m_octets.insert(m_octets.end(), {0x20, 0x10, 0x00});
+    const std::wstring uri = m_fiContext.GetExternalVocabularyURI();
+    NonEmptyOctetUTF8StringBit2(0x00, uri.empty() ? CFastInfosetContext::LIBRARY_NAMESPACE : uri);
+  } else {
+    m_octets.push_back(0x00);
+  }
+  FlushOctets();
+}
+
+void CFastInfosetWriter::WriteEndDocument() {
+  while (m_context != nullptr) WriteEndElement();
+  WriteTerminator();
+  FlushTerminator();
+  FlushOctets();
+}
+
+void CFastInfosetWriter::Close() {
+  CXmlWriter::Close();
+  FlushOctets();
+}
+
+void CFastInfosetWriter::SetDefaultNamespace(const std::wstring& namespaceUri) {
+  CXmlWriter::SetDefaultNamespace(namespaceUri);
+  ChangeScope();
+}
+
+void CFastInfosetWriter::AddNamespace(const std::wstring& prefix, const std::wstring& namespaceUri) {
+  CXmlWriter::AddNamespace(prefix, namespaceUri);
+  ChangeScope();
+}
+
+void CFastInfosetWriter::WriteComment(const std::wstring&) {}
+
+void CFastInfosetWriter::WritePI(const std::wstring&) {}
+
+void CFastInfosetWriter::WriteInlineSchema(const std::wstring&) {}
+
+void CFastInfosetWriter::WriteStartElement(const std::wstring& localName, const std::wstring& namespaceUri) {
+  const bool isRoot = m_context == nullptr;
+  if (!isRoot) {
+    WriteElement();
+    ++m_context->m_childCount;
+  }
+  FlushTerminator();
+  if (m_octets.size() >= kFlushLength) FlushOctets();
+  PushContext(localName, namespaceUri);
+  ++m_openElements;
+  m_startTag = m_octets.size();
+  m_hasAttributes = false;
+  m_declarations.clear();
+  if (isRoot) {
+    ChangeScope();
+    const std::wstring& defaultNamespace = m_context->GetDefaultNamespace();
+    if (!defaultNamespace.empty() && !namespaceUri.empty()) Declare(L"", defaultNamespace);
+    for (const auto& [uri, prefix] : m_namespaces) {
+      const bool isFree = !prefix.empty() && FindBinding(prefix) == nullptr;
+      if (uri != XML_NAMESPACE && isFree) Declare(prefix, uri);
+    }
+  }
+  QualifiedNameOrIndexBit3(ResolveElement(namespaceUri), localName);
+}
+
+void CFastInfosetWriter::WriteElement() {
+  if (!IsStartTagOpen()) return;
+  m_context->m_startTagOpen = false;
+  unsigned char& first = m_octets[m_startTag];
+  const unsigned char attributes = m_hasAttributes ? FastInfoset::kAttributesBit : 0;
+  if (m_declarations.empty()) {
+    first = static_cast<unsigned char>(first | attributes);
+  } else {
+    m_declarations.insert(m_declarations.begin(),
+                          static_cast<unsigned char>(FastInfoset::kElementNamespaces | attributes));
+    m_declarations.push_back(FastInfoset::kTerminator);
+    m_octets.insert(m_octets.begin() + static_cast<std::ptrdiff_t>(m_startTag), m_declarations.begin(),
+                    m_declarations.end());
+  }
+  if (m_hasAttributes) WriteTerminator();
+}
+
+void CFastInfosetWriter::WriteString(const std::wstring& text, ItemType type) {
+  if (m_context == nullptr) return;
+  WriteElement();
+  if (text.empty()) return;
+  FlushTerminator();
+  NonIdentifyingStringOrIndexBit3(text, type);
+  if (m_octets.size() >= kFlushLength) FlushOctets();
+}
+
+void CFastInfosetWriter::WriteEndElement() {
+  if (m_context == nullptr) return;
+  WriteElement();
+  WriteTerminator();
+  LeaveScope();
+  PopContext();
+  --m_openElements;
+}
+
+void CFastInfosetWriter::WriteAttributeString(const std::wstring& localName, const std::wstring& namespaceUri,
+                                              const std::wstring& value, ItemType type) {
+  RequireStartTag();
+  QualifiedNameOrIndexBit2(ResolveAttribute(namespaceUri), localName);
+  m_hasAttributes = true;
+  NonIdentifyingStringOrIndexBit1(value, type);
+}
+
+void CFastInfosetWriter::WriteAttributeType(const std::wstring& typeNamespaceUri, const std::wstring& typeName,
+                                            ItemType type) {
+  RequireStartTag();
+  std::wstring value = typeName;
+  if (!typeNamespaceUri.empty() && typeNamespaceUri != m_context->GetDefaultNamespace()) {
+    value = ResolveAttribute(typeNamespaceUri).prefix + L':' + typeName;
+  }
+  WriteAttributeString(L"type", XSI_NAMESPACE, value, type);
+}
+
+void CFastInfosetWriter::WriteAttributeNil() { WriteAttributeString(L"nil", XSI_NAMESPACE, L"true", ItemType_boolean); }
+
+bool CFastInfosetWriter::IsStartTagOpen() const { return m_context != nullptr && m_context->m_startTagOpen; }
+
+void CFastInfosetWriter::RequireStartTag() const {
+  if (!IsStartTagOpen()) throw CRkException(L"Attributes must be added before elements");
+}
+
+// Namespaces
+
+const CFastInfosetWriter::ScopedNamespace& CFastInfosetWriter::ResolveElement(const std::wstring& namespaceUri) {
+  for (const ScopedNamespace& known : m_elementScope) {
+    if (known.uri == namespaceUri) return known;
+  }
+  std::wstring prefix;
+  if (!namespaceUri.empty() && namespaceUri != m_context->GetDefaultNamespace()) {
+    prefix = FindPrefix(namespaceUri);
+  }
+  return Remember(m_elementScope, namespaceUri, std::move(prefix));
+}
+
+const CFastInfosetWriter::ScopedNamespace& CFastInfosetWriter::ResolveAttribute(const std::wstring& namespaceUri) {
+  for (const ScopedNamespace& known : m_attributeScope) {
+    if (known.uri == namespaceUri) return known;
+  }
+  std::wstring prefix;
+  if (!namespaceUri.empty()) prefix = FindPrefix(namespaceUri);
+  return Remember(m_attributeScope, namespaceUri, std::move(prefix));
+}
+
+// A prefix that this element declares for another namespace already cannot serve.
+std::wstring CFastInfosetWriter::FindPrefix(const std::wstring& namespaceUri) {
+  bool invented = false;
+  const std::wstring& prefix = RequirePrefix(namespaceUri, invented);
+  const Binding* const binding = FindBinding(prefix);
+  const bool isTaken = binding != nullptr && binding->element == m_openElements && binding->uri != namespaceUri;
+  if (!invented && !isTaken) return prefix;
+  ChangeScope();
+  return isTaken ? m_context->InventPrefix(namespaceUri) : prefix;
+}
+
+// Declares the namespace unless it is in force, and keeps what names need of it. Attributes without a namespace need
+// nothing.
+const CFastInfosetWriter::ScopedNamespace& CFastInfosetWriter::Remember(ScopeCache& cache,
+                                                                        const std::wstring& namespaceUri,
+                                                                        std::wstring prefix) {
+  if (namespaceUri != XML_NAMESPACE && (&cache == &m_elementScope || !namespaceUri.empty())) {
+    const Binding* const binding = FindBinding(prefix);
+    const bool isInForce = binding == nullptr ? namespaceUri.empty() : binding->uri == namespaceUri;
+    if (!isInForce) Declare(prefix, namespaceUri);
+  }
+  ScopedNamespace scoped;
+  scoped.uri = namespaceUri;
+  scoped.prefix = std::move(prefix);
+  m_vocabulary.FindPrefixNameIndex(scoped.prefix, scoped.prefixIndex);
+  m_vocabulary.FindNamespaceNameIndex(scoped.uri, scoped.namespaceNameIndex);
+  cache.push_back(std::move(scoped));
+  return cache.back();
+}
+
+const CFastInfosetWriter::Binding* CFastInfosetWriter::FindBinding(std::wstring_view prefix) const {
+  const auto found = std::find_if(m_bindings.rbegin(), m_bindings.rend(),
+                                  [prefix](const Binding& binding) { return binding.prefix == prefix; });
+  return found == m_bindings.rend() ? nullptr : &*found;
+}
+
+// C.12, among the declarations of the pending start tag.
+void CFastInfosetWriter::Declare(const std::wstring& prefix, const std::wstring& namespaceUri) {
+  m_octets.swap(m_declarations);
+  unsigned char octet = FastInfoset::kNamespaceAttribute;
+  if (!prefix.empty()) octet |= FastInfoset::kNamePrefixBit;
+  if (!namespaceUri.empty()) octet |= FastInfoset::kNameNamespaceBit;
+  m_octets.push_back(octet);
+  if (!prefix.empty()) IdentifyingStringOrIndexBit1(prefix, m_vocabulary.GetPrefixNamesTable());
+  if (!namespaceUri.empty()) IdentifyingStringOrIndexBit1(namespaceUri, m_vocabulary.GetNamespaceNamesTable());
+  m_octets.swap(m_declarations);
+  m_bindings.push_back({prefix, namespaceUri, m_openElements});
+  ChangeScope();
+}
+
+// The scope is that of the open element from now on, and what was resolved before may differ.
+void CFastInfosetWriter::ChangeScope() {
+  if (m_ownScopes.empty() || m_ownScopes.back() != m_openElements) m_ownScopes.push_back(m_openElements);
+  m_elementScope.clear();
+  m_attributeScope.clear();
+}
+
+void CFastInfosetWriter::LeaveScope() {
+  if (m_ownScopes.empty() || m_ownScopes.back() != m_openElements) return;
+  m_ownScopes.pop_back();
+  while (!m_bindings.empty() && m_bindings.back().element == m_openElements) m_bindings.pop_back();
+  m_elementScope.clear();
+  m_attributeScope.clear();
+}
+
+// Names
+
+void CFastInfosetWriter::QualifiedNameOrIndexBit2(const ScopedNamespace& scoped, std::wstring_view localName) {
+  QualifiedName(FastInfoset::kIndexBit2, FastInfoset::kAttributeLiteralName, m_vocabulary.GetAttributeNamesTable(),
+                scoped, localName);
+}
+
+void CFastInfosetWriter::QualifiedNameOrIndexBit3(const ScopedNamespace& scoped, std::wstring_view localName) {
+  QualifiedName(FastInfoset::kIndexBit3, FastInfoset::kElementLiteralName, m_vocabulary.GetElementNamesTable(), scoped,
+                localName);
+}
+
+void CFastInfosetWriter::QualifiedName(const IntegerLayout& index, unsigned char literal, CFIQNameTable& names,
+                                       const ScopedNamespace& scoped, std::wstring_view localName) {
+  CQNameParts parts{scoped.prefixIndex, scoped.namespaceNameIndex, m_vocabulary.GetLocalNamesTable().Find(localName)};
+  const bool isScopeIndexed =
+      (scoped.prefix.empty() || parts.m_prefixIndex != 0) && (scoped.uri.empty() || parts.m_namespaceNameIndex != 0);
+  if (isScopeIndexed && parts.m_localNameIndex != 0) {
+    if (const unsigned long known = names.Find(parts)) return Integer(index, 0, known);
+  }
+  if (!scoped.prefix.empty()) literal |= FastInfoset::kNamePrefixBit;
+  if (!scoped.uri.empty()) literal |= FastInfoset::kNameNamespaceBit;
+  m_octets.push_back(literal);
+  if (!scoped.prefix.empty()) NamePart(scoped.prefix, parts.m_prefixIndex, m_vocabulary.GetPrefixNamesTable());
+  if (!scoped.uri.empty()) NamePart(scoped.uri, parts.m_namespaceNameIndex, m_vocabulary.GetNamespaceNamesTable());
+  NamePart(localName, parts.m_localNameIndex, m_vocabulary.GetLocalNamesTable());
+  m_vocabulary.AddQName(scoped.prefix, scoped.uri, localName, names);
+}
+
+void CFastInfosetWriter::NamePart(std::wstring_view text, unsigned long index, CFIStringTable& table) {
+  if (index != 0) return Integer1To2pw20Bit2(FastInfoset::kIdentifyingIndexBit, index);
+  IdentifyingStringOrIndexBit1(text, table);
+}
+
+void CFastInfosetWriter::IdentifyingStringOrIndexBit1(std::wstring_view text, CFIStringTable& table) {
+  if (const unsigned long index = table.Find(text)) {
+    return Integer1To2pw20Bit2(FastInfoset::kIdentifyingIndexBit, index);
+  }
+  NonEmptyOctetUTF8StringBit2(0x00, text);
+  table.Add(text);
+}
+
+// Values
+
+void CFastInfosetWriter::NonIdentifyingStringOrIndexBit1(std::wstring_view text, ItemType type) {
+  if (text.empty()) return Integer0To2pw20Bit2(FastInfoset::kValueIndexBit, 0);
+  CFIStringTable& values = m_vocabulary.GetAttributeValuesTable();
+  const bool isShort = text.length() < m_fiContext.GetAttributeMaxAddLength();
+  if (isShort) {
+    if (const unsigned long index = values.Find(text)) return Integer0To2pw20Bit2(FastInfoset::kValueIndexBit, index);
+  }
+  const EncodedCharacterString encoding = ChooseEncoding(text, type, /*isContent=*/false);
+  const bool add = isShort && !IsFloating(encoding) && values.size() < FI_MAX_TABLE_ENTRIES;
+  EncodedCharacterStringBit3(add ? FastInfoset::kValueAddBit : kNoAddBit, text, encoding);
+  if (add) m_vocabulary.AddAttributeValue(text);
+}
+
+void CFastInfosetWriter::NonIdentifyingStringOrIndexBit3(std::wstring_view text, ItemType type) {
+  CFIStringTable& chunks = m_vocabulary.GetCharacterChunksTable();
+  const bool isShort = text.length() < m_fiContext.GetElementMaxAddLength();
+  if (isShort) {
+    if (const unsigned long index = chunks.Find(text)) {
+      return Integer1To2pw20Bit4(FastInfoset::kChunk | FastInfoset::kChunkIndexBit, index);
+    }
+  }
+  const EncodedCharacterString encoding = ChooseEncoding(text, type, /*isContent=*/true);
+  const bool add = isShort && !IsFloating(encoding) && chunks.size() < FI_MAX_TABLE_ENTRIES;
+  const unsigned char addBit = add ? FastInfoset::kChunkAddBit : kNoAddBit;
+  EncodedCharacterStringBit5(FastInfoset::kChunk | addBit, text, encoding);
+  if (add) m_vocabulary.AddElementValue(text);
+}
+
+// The encoding that the settings ask for, with its octets in m_typedOctets, or UTF-8 where that one would change the
+// value. cdata has no place in an attribute.
+EncodedCharacterString CFastInfosetWriter::ChooseEncoding(std::wstring_view text, ItemType type, bool isContent) {
+  const bool isKnown = type >= ItemType_none && type <= ItemType_integer;
+  EncodedCharacterString wanted = isKnown ? m_fiContext.GetEncoding(type) : EncodedCharacterString();
+  if (wanted.m_encoding == FIStringEncoding_None) wanted.m_encoding = m_fiContext.GetDefaultStringEncoding();
+  bool isExact = true;
+  m_typedOctets.clear();
+  if (wanted.m_encoding == FIStringEncoding_RestrictedAlphabet) {
+    isExact = AppendPacked(FindAlphabet(wanted.m_index), text, m_typedOctets);
+  } else if (wanted.m_encoding == FIStringEncoding_EncodingAlgorithm) {
+    if (wanted.m_index < FIEncodingAlgorithm_Hexadecimal || wanted.m_index > FIEncodingAlgorithm_Cdata) {
+      throw CRkException(FormatString(L"Failed to write FastInfoset. Invalid Encoding Algorithm value [%d]",
+                                      static_cast<int>(wanted.m_index)));
+    }
+    isExact = (isContent || wanted.m_index != FIEncodingAlgorithm_Cdata) &&
+              CFastInfosetBinaryData::AppendExactly(wanted.m_index, text, m_typedOctets);
+  }
+  return isExact ? wanted : EncodedCharacterString{FIStringEncoding_UTF8, 0};
+}
+
+// C.19: the selector in bits 3 and 4, the index of an alphabet or algorithm across two octets, the length on bit 5.
+void CFastInfosetWriter::EncodedCharacterStringBit3(unsigned char octet, std::wstring_view text,
+                                                    const EncodedCharacterString& encoding) {
+  const unsigned long stored = encoding.m_index - 1;
+  switch (encoding.m_encoding) {
+    case FIStringEncoding_UTF8:
+      return Utf8(FastInfoset::kLengthBit5, octet, text);
+    case FIStringEncoding_UTF16BE:
+      throw CRkException(L"Failed to write FastInfoset. Unsupported Feature UTF16BE in EncodedCharacterStringBit5.");
+    case FIStringEncoding_RestrictedAlphabet:
+    case FIStringEncoding_EncodingAlgorithm: {
+      const unsigned selector = encoding.m_encoding == FIStringEncoding_RestrictedAlphabet ? 0x20 : 0x30;
+      m_octets.push_back(static_cast<unsigned char>(octet | selector | stored >> 4));
+      const auto second = static_cast<unsigned char>(stored << 4);
+      return NonEmptyOctetStringBit5(second, m_typedOctets.data(), m_typedOctets.size());
+    }
+    default:
+      throw CRkException(L"Failed to write FastInfoset. Unknown encoding in EncodedCharacterStringBit5.");
+  }
+}
+
+// C.20: the same two bits further on.
+void CFastInfosetWriter::EncodedCharacterStringBit5(unsigned char octet, std::wstring_view text,
+                                                    const EncodedCharacterString& encoding) {
+  const unsigned long stored = encoding.m_index - 1;
+  switch (encoding.m_encoding) {
+    case FIStringEncoding_UTF8:
+      return Utf8(FastInfoset::kLengthBit7, octet, text);
+    case FIStringEncoding_UTF16BE:
+      throw CRkException(L"Failed to write FastInfoset. Unsupported Feature UTF16BE in EncodedCharacterStringBit5.");
+    case FIStringEncoding_RestrictedAlphabet:
+    case FIStringEncoding_EncodingAlgorithm: {
+      const unsigned selector = encoding.m_encoding == FIStringEncoding_RestrictedAlphabet ? 0x08 : 0x0C;
+      m_octets.push_back(static_cast<unsigned char>(octet | selector | stored >> 6));
+      const auto second = static_cast<unsigned char>(stored << 2);
+      return NonEmptyOctetStringBit7(second, m_typedOctets.data(), m_typedOctets.size());
+    }
+    default:
+      throw CRkException(L"Failed to write FastInfoset. Unknown encoding in EncodedCharacterStringBit7.");
+  }
+}
+
+void CFastInfosetWriter::AppendRestrictedAlphabetString(unsigned long alphabetIndex, std::wstring_view text,
+                                                        std::vector<unsigned char>& octets) {
+  const std::wstring& alphabet = FindAlphabet(alphabetIndex);
+  if (alphabet.length() < 2 || alphabet.length() > FI_MAX_TABLE_ENTRIES) {
+    throw CRkException(
+        L"Failed to write FastInfoset. Invalid Restricted Alphabet. Alphabet must contain between 2 and 2^20 "
+        L"characters.");
+  }
+  if (text.empty()) {
+    throw CRkException(L"Failed to write FastInfoset. Unsupported Feature in AppendRestrictedAlphabetString.");
+  }
+  if (!AppendPacked(alphabet, text, octets)) {
+    throw CRkException(L"Failed to write FastInfoset. Invalid character not found for Restricted Alphabet.");
+  }
+}
+
+// Octets
+
+void CFastInfosetWriter::Integer1To2pw20Bit2(unsigned char octet, unsigned long value) {
+  Integer(FastInfoset::kIndexBit2, octet, value);
+}
+
+void CFastInfosetWriter::Integer1To2pw20Bit3(unsigned char octet, unsigned long value) {
+  Integer(FastInfoset::kIndexBit3, octet, value);
+}
+
+void CFastInfosetWriter::Integer1To2pw20Bit4(unsigned char octet, unsigned long value) {
+  Integer(FastInfoset::kIndexBit4, octet, value);
+}
+
+void CFastInfosetWriter::Integer0To2pw20Bit2(unsigned char octet, unsigned long value) {
+  if (value != 0) return Integer1To2pw20Bit2(octet, value);
+  m_octets.push_back(static_cast<unsigned char>(octet | FastInfoset::kIndexBit2.field));
+}
+
+void CFastInfosetWriter::NonEmptyOctetUTF8StringBit2(unsigned char octet, std::wstring_view text) {
+  Utf8(FastInfoset::kLengthBit2, octet, text);
+}
+
+void CFastInfosetWriter::NonEmptyOctetStringBit5(unsigned char octet, const unsigned char* data, std::size_t n) {
+  Integer(FastInfoset::kLengthBit5, octet, n);
+  m_octets.insert(m_octets.end(), data, data + n);
+}
+
+void CFastInfosetWriter::NonEmptyOctetStringBit7(unsigned char octet, const unsigned char* data, std::size_t n) {
+  Integer(FastInfoset::kLengthBit7, octet, n);
+  m_octets.insert(m_octets.end(), data, data + n);
+}
+
+void CFastInfosetWriter::Utf8(const IntegerLayout& layout, unsigned char octet, std::wstring_view text) {
+  const unsigned long length = CEncoder::Utf8Length(text);
+  Integer(layout, octet, length);
+  const std::size_t start = m_octets.size();
+  m_octets.resize(start + length);
+  CEncoder::WriteUtf8(text, m_octets.data() + start);
+}
+
+void CFastInfosetWriter::Integer(const IntegerLayout& layout, unsigned char octet, unsigned long value) {
+  if (value < 1 || value > layout.highest) {
+    throw CRkException(value < 1 ? L"Failed to write FastInfoset. A name is empty."
+                                 : L"Failed to write FastInfoset. A string is too long.");
+  }
+  const IntegerForm* form = layout.forms + layout.formCount - 1;
+  while (value < form->lowest) --form;
+  const unsigned long stored = value - form->lowest;
+  int shift = form->moreOctets * 8;
+  m_octets.push_back(static_cast<unsigned char>(octet | form->pattern | stored >> shift));
+  while (shift > 0) {
+    shift -= 8;
+    m_octets.push_back(static_cast<unsigned char>(stored >> shift));
+  }
+}
+
+// Terminators come in pairs of half octets: one is owed until it is known whether another follows at once.
+void CFastInfosetWriter::WriteTerminator() {
+  if (m_terminatorOwed) m_octets.push_back(FastInfoset::kDoubleTerminator);
+  m_terminatorOwed = !m_terminatorOwed;
+}
+
+void CFastInfosetWriter::FlushTerminator() {
+  if (!m_terminatorOwed) return;
+  m_octets.push_back(FastInfoset::kTerminator);
+  m_terminatorOwed = false;
+}
+
+void CFastInfosetWriter::FlushOctets() {
+  if (IsStartTagOpen()) return;
+  m_stream.Append(m_octets.data(), m_octets.size());
+  m_octets.clear();
+}
+
+}  // namespace RkXmlLib16

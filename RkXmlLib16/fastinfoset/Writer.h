@@ -1,0 +1,145 @@
+#ifndef RKXMLLIB16_FASTINFOSET_WRITER_H
+#define RKXMLLIB16_FASTINFOSET_WRITER_H
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "RkXmlLib16/core/Enumerations.h"
+#include "RkXmlLib16/core/Export.h"
+#include "RkXmlLib16/fastinfoset/Context.h"
+#include "RkXmlLib16/fastinfoset/Vocabulary.h"
+#include "RkXmlLib16/xml/XmlWriter.h"
+
+namespace RkXmlLib16 {
+
+class CBinaryStream;
+namespace FastInfoset {
+struct IntegerLayout;
+}
+
+// Writes one Fast Infoset document (ITU-T X.891). Comments, processing instructions, in-line schemas and text outside
+// the root element are accepted and not written.
+//
+//   CBinaryStream stream;
+//   CFastInfosetWriter writer(*ctx.GetFIContext(), stream);
+//   writer.WriteStartDocument(FInfoDecl_None);
+//   writer.WriteStartElement(L"a", L"");
+//   writer.WriteEndElement();
+//   writer.WriteEndDocument();
+//   stream.GetBinaryStream();  // E0 00 00 01 00 3C 00 61 FF
+//
+// Octets reach the stream in larger pieces; all of them have when WriteEndDocument or Close returns.
+class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
+ public:
+  CFastInfosetWriter(const CFastInfosetContext& context, CBinaryStream& stream);  // both kept
+  ~CFastInfosetWriter() override;
+
+  // The XML declaration, the header and, where the settings say so, the URI of the external vocabulary. Throws
+  // CRkInvalidParamException for a number that is no FInfoDecl.
+  void WriteStartDocument(FInfoDecl declaration);
+  // Ends the elements that are open, then the document.
+  void WriteEndDocument();
+
+  void Close() override;
+  void SetDefaultNamespace(const std::wstring& namespaceUri) override;
+  void AddNamespace(const std::wstring& prefix, const std::wstring& namespaceUri) override;
+  void WriteComment(const std::wstring& text) override;
+  void WritePI(const std::wstring& text) override;
+  void WriteInlineSchema(const std::wstring& schemaText) override;
+  void WriteStartElement(const std::wstring& localName, const std::wstring& namespaceUri) override;
+  // Throws CRkException "Failed to write FastInfoset. ..." when the settings ask for an encoding that does not exist.
+  // So does WriteAttributeString.
+  void WriteString(const std::wstring& text, ItemType type) override;
+  void WriteEndElement() override;
+  void WriteAttributeString(const std::wstring& localName, const std::wstring& namespaceUri, const std::wstring& value,
+                            ItemType type) override;
+  void WriteAttributeType(const std::wstring& typeNamespaceUri, const std::wstring& typeName, ItemType type) override;
+  void WriteAttributeNil() override;
+
+  // Appends the characters of the text, packed as positions in a restricted alphabet, to `octets`. Throws CRkException
+  // "Failed to write FastInfoset. ..." for an index without alphabet, an empty text and a character that the alphabet
+  // lacks.
+  static void AppendRestrictedAlphabetString(unsigned long alphabetIndex, std::wstring_view text,
+                                             std::vector<unsigned char>& octets);
+
+ protected:
+  // A namespace as names in the current scope refer to it. An index is 0 for an absent part, and for one that found its
+  // table full, which stands as a literal.
+  struct ScopedNamespace {
+    std::wstring uri;
+    std::wstring prefix;
+    unsigned long prefixIndex = 0;
+    unsigned long namespaceNameIndex = 0;
+  };
+
+  // Ends the start tag that is pending.
+  void WriteElement();
+
+  // Each writes one item of X.891 Annex C that begins at the bit of its name; `octet` holds the bits before it.
+  void Integer1To2pw20Bit2(unsigned char octet, unsigned long value);                           // C.25
+  void Integer1To2pw20Bit3(unsigned char octet, unsigned long value);                           // C.27
+  void Integer1To2pw20Bit4(unsigned char octet, unsigned long value);                           // C.28
+  void Integer0To2pw20Bit2(unsigned char octet, unsigned long value);                           // C.26
+  void NonEmptyOctetUTF8StringBit2(unsigned char octet, std::wstring_view text);                // C.22
+  void NonEmptyOctetStringBit5(unsigned char octet, const unsigned char* data, std::size_t n);  // C.23
+  void NonEmptyOctetStringBit7(unsigned char octet, const unsigned char* data, std::size_t n);  // C.24
+  void IdentifyingStringOrIndexBit1(std::wstring_view text, CFIStringTable& table);             // C.13
+  void NonIdentifyingStringOrIndexBit1(std::wstring_view text, ItemType type);                  // C.14
+  void NonIdentifyingStringOrIndexBit3(std::wstring_view text, ItemType type);                  // C.15
+  void QualifiedNameOrIndexBit2(const ScopedNamespace& scoped, std::wstring_view localName);    // C.17
+  void QualifiedNameOrIndexBit3(const ScopedNamespace& scoped, std::wstring_view localName);    // C.18
+  void EncodedCharacterStringBit3(unsigned char octet, std::wstring_view text, const EncodedCharacterString& encoding);
+  void EncodedCharacterStringBit5(unsigned char octet, std::wstring_view text, const EncodedCharacterString& encoding);
+
+ private:
+  // A declaration in force: written on the open element with this number, counted from the root.
+  struct Binding {
+    std::wstring prefix;
+    std::wstring uri;
+    std::size_t element;
+  };
+  using ScopeCache = std::vector<ScopedNamespace>;
+
+  bool IsStartTagOpen() const;
+  void RequireStartTag() const;
+  const ScopedNamespace& ResolveElement(const std::wstring& namespaceUri);
+  const ScopedNamespace& ResolveAttribute(const std::wstring& namespaceUri);
+  std::wstring FindPrefix(const std::wstring& namespaceUri);
+  const ScopedNamespace& Remember(ScopeCache& cache, const std::wstring& namespaceUri, std::wstring prefix);
+  const Binding* FindBinding(std::wstring_view prefix) const;
+  void Declare(const std::wstring& prefix, const std::wstring& namespaceUri);
+  void ChangeScope();
+  void LeaveScope();
+
+  EncodedCharacterString ChooseEncoding(std::wstring_view text, ItemType type, bool isContent);
+  bool MayAdd(std::wstring_view text, unsigned long maxAddLength) const;
+  void QualifiedName(const FastInfoset::IntegerLayout& index, unsigned char literal, CFIQNameTable& names,
+                     const ScopedNamespace& scoped, std::wstring_view localName);
+  void NamePart(std::wstring_view text, unsigned long index, CFIStringTable& table);
+  void Integer(const FastInfoset::IntegerLayout& layout, unsigned char octet, unsigned long value);
+  void Utf8(const FastInfoset::IntegerLayout& layout, unsigned char octet, std::wstring_view text);
+  void WriteTerminator();
+  void FlushTerminator();
+  void FlushOctets();
+
+  const CFastInfosetContext& m_fiContext;
+  CBinaryStream& m_stream;
+  CFIVocabulary m_vocabulary;
+  std::vector<unsigned char> m_octets;        // not yet in the stream; holds all of a pending start tag
+  std::vector<unsigned char> m_declarations;  // namespace attributes of the pending start tag
+  std::vector<unsigned char> m_typedOctets;   // of the value being written, where it is not written as characters
+  std::size_t m_startTag = 0;                 // where the pending start tag begins in m_octets
+  bool m_hasAttributes = false;               // of the pending start tag
+  bool m_terminatorOwed = false;
+  std::size_t m_openElements = 0;
+  std::vector<Binding> m_bindings;       // innermost last
+  std::vector<std::size_t> m_ownScopes;  // the open elements whose scope is not their parent's, by number
+  ScopeCache m_elementScope;             // what was resolved in the present scope
+  ScopeCache m_attributeScope;
+};
+
+}  // namespace RkXmlLib16
+
+#endif
