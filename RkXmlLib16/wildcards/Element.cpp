@@ -330,7 +330,7 @@ CElement* CElement::GetChild(int index) const {
 
 void CElement::AddChild(CElement* child) { InsertChild(GetChildCount(), child); }
 
-CElement* CElement::AddChild(const wchar_t* name, const wchar_t* namespaceUri, const wchar_t* text) {
+CElement* CElement::AddNewChild(const wchar_t* name, const wchar_t* namespaceUri, const wchar_t* text) {
   CSmartPtr<CElement> child(new CElement(name, namespaceUri));
   child->SetText(text);
   m_children.push_back(child);

@@ -79,7 +79,7 @@ class RKXML_EXPORT CElement : public CXmlObjectBase {
   CElement* GetChild(int index) const;
   void AddChild(CElement* child);
   // Creates the child, appends and returns it; it belongs to this element.
-  CElement* AddChild(const wchar_t* name, const wchar_t* namespaceUri = L"", const wchar_t* text = L"");
+  CElement* AddNewChild(const wchar_t* name, const wchar_t* namespaceUri = L"", const wchar_t* text = L"");
   void InsertChild(int index, CElement* child);
   void RemoveChild(int index);
   void RemoveChildren();

@@ -1,0 +1,281 @@
+#include "RkXmlLib16/collections/Collection.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "Expect.h"
+#include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/types/Variant.h"
+
+using namespace RkXmlLib16;
+
+namespace {
+
+class CItem : public CXmlObjectBase {
+ public:
+  explicit CItem(wchar_t label) : m_label(label) { ++live; }
+  ~CItem() override { --live; }
+  CXmlObjectBase* GetBase() override { return this; }
+  const wchar_t* GetTargetNamespace() const override { return L""; }
+  const wchar_t* GetNamespace() const override { return L""; }
+  void ToXml_Int(CXmlWriter*, bool, const wchar_t*, const CSerializationContext&, bool) const override {}
+  CXmlElement* FromXml_Int(CXmlElement*, CXmlElement* first, const CSerializationContext&, bool) override {
+    return first;
+  }
+
+  wchar_t m_label;
+  static int live;
+};
+int CItem::live = 0;
+
+class CItemCol : public CXmlCollection {
+ public:
+  CItemCol(int minOccurs, int maxOccurs) : CXmlCollection(L"item", L"urn:i", minOccurs, maxOccurs) {}
+  void ToXml_Int(CXmlWriter*, bool, const wchar_t*, const CSerializationContext&, bool) const override {}
+  CXmlElement* FromXml_Int(CXmlElement*, CXmlElement* first, const CSerializationContext&, bool) override {
+    return first;
+  }
+  std::wstring Labels() const {
+    std::wstring labels;
+    for (CNode* node = GetFirstNode(); node != nullptr; node = node->GetNext())
+      labels += node->GetItem() != nullptr ? static_cast<CItem*>(node->GetItem())->m_label : L'0';
+    std::wstring backwards;
+    for (CNode* node = GetLastNode(); node != nullptr; node = node->GetPrevious())
+      backwards += node->GetItem() != nullptr ? static_cast<CItem*>(node->GetItem())->m_label : L'0';
+    EXPECT_EQ(labels, std::wstring(backwards.rbegin(), backwards.rend()));
+    EXPECT_EQ(labels.size(), static_cast<std::size_t>(GetCount()));
+    return labels;
+  }
+};
+
+// Notes each notification as a word; `react` runs after that.
+class CListener : public IEventSink {
+ public:
+  explicit CListener(std::wstring& log, std::wstring name = L"") : m_log(log), m_name(std::move(name)) {}
+  void OnEvent(CXmlObjectBase* source, MsgType type, void* data) override {
+    static constexpr const wchar_t* kWords[] = {L"change", L"adding", L"added", L"removing", L"removed"};
+    m_log += m_name + kWords[type];
+    if (type == MsgType_ItemAdding || type == MsgType_ItemAdded) {
+      m_log += data != nullptr ? static_cast<CItem*>(data)->m_label : L'0';
+    } else if (data != nullptr) {
+      m_log += std::to_wstring(*static_cast<int*>(data));
+    }
+    m_log += L' ';
+    m_source = source;
+    if (react) react(type);
+  }
+
+  std::function<void(MsgType)> react;
+  CXmlObjectBase* m_source = nullptr;
+
+ private:
+  std::wstring& m_log;
+  std::wstring m_name;
+};
+
+class Collection : public testing::Test {
+ protected:
+  void TearDown() override {
+    col.Clear();
+    EXPECT_EQ(0, CItem::live);
+  }
+  static CItem* New(wchar_t label) { return new CItem(label); }
+
+  CItemCol col{0, -1};
+  std::wstring log;
+};
+
+TEST_F(Collection, InsertsWhereAskedAndHoldsOneReference) {
+  CItem* const b = New(L'b');
+  col.AppendItem(b);
+  EXPECT_EQ(1, b->GetRefCount());
+  col.PrependItem(New(L'a'));
+  col.AddItemAt(2, New(L'd'));
+  col.AddItemAt(2, nullptr);
+  col.AddAfterItem(b, New(L'c'));
+  col.AddAfterItem(nullptr, New(L'<'));
+  col.AddBeforeItem(b, New(L'B'));
+  col.AddBeforeItem(nullptr, New(L'>'));
+  EXPECT_WIDE_EQ(L"<aBbc0d>", col.Labels());
+  col.Remove(3);
+  EXPECT_WIDE_EQ(L"<aBc0d>", col.Labels());
+  EXPECT_EQ(6, CItem::live);
+}
+
+TEST_F(Collection, RefusesBadPositionsAndStaysAsItWas) {
+  CItem loose(L'x');  // on the stack: a failed insertion may not take a reference
+  for (const wchar_t label : {L'a', L'b', L'c'}) col.AppendItem(New(label));
+  EXPECT_RK_THROWS(CRkInvalidParamException, L"Index out of range", col.AddItemAt(-1, &loose));
+  EXPECT_RK_THROWS(CRkInvalidParamException, L"Index out of range", col.AddItemAt(4, &loose));
+  EXPECT_RK_THROWS(CRkInvalidParamException, L"Index 3 is out of range, use 0 - 3", col.GetNodeAtIndex(3));
+  EXPECT_RK_THROWS(CRkInvalidParamException, L"Index -1 is out of range, use 0 - 3", col.Remove(-1));
+  EXPECT_RK_THROWS(CRkInvalidParamException, L"The object was not found in the collection", col.GetNodeForItem(&loose));
+  EXPECT_RK_THROWS(CRkInvalidParamException, L"The object was not found in the collection", col.RemoveNode(nullptr));
+  CListener listener(log);
+  col.AddEventListener(&listener);
+  EXPECT_RK_THROWS(CRkInvalidParamException, L"Index out of range", col.AddItemAt(9, &loose));
+  EXPECT_WIDE_EQ(L"", log);
+  EXPECT_RK_THROWS(CRkInvalidParamException, L"The object was not found in the collection",
+                   col.AddAfterItem(&loose, &loose));
+  EXPECT_WIDE_EQ(L"addingx ", log);
+  EXPECT_WIDE_EQ(L"abc", col.Labels());
+  col.RemoveEventListener(&listener);
+}
+
+TEST_F(Collection, NotifiesInOrder) {
+  CListener listener(log);
+  col.AddEventListener(&listener);
+  const struct {
+    const wchar_t* expected;
+    std::function<void()> change;
+  } kRows[] = {
+      {L"addinga addeda change ", [&] { col.AppendItem(New(L'a')); }},
+      {L"addingb addedb change ", [&] { col.PrependItem(New(L'b')); }},
+      {L"addingc addedc change ", [&] { col.AddItemAt(1, New(L'c')); }},
+      {L"adding0 added0 change ", [&] { col.AddBeforeItem(nullptr, nullptr); }},
+      {L"removing removed change ", [&] { col.Remove(2); }},
+      {L"removing removed change removing removed change removing removed change ", [&] { col.Clear(); }},
+      {L"removing7 ", [&] { col.FireOnCollectionRemove(7); }},
+      {L"removed0 ", [&] { col.FireOnCollectionRemoveComplete(0); }},
+  };
+  for (const auto& row : kRows) {
+    log.clear();
+    row.change();
+    EXPECT_WIDE_EQ(row.expected, log);
+  }
+  EXPECT_EQ(&col, listener.m_source);
+  col.RemoveEventListener(&listener);
+}
+
+TEST_F(Collection, ListenersMayJoinAndLeaveDuringANotification) {
+  CListener first(log, L"1"), second(log, L"2"), third(log, L"3");
+  for (IEventSink* sink : {&first, &second, &first}) col.AddEventListener(sink);
+  second.react = [&](IEventSink::MsgType) {
+    col.RemoveEventListener(&first);  // both places
+    col.RemoveEventListener(&second);
+    col.AddEventListener(&third);
+  };
+  col.FireOnCollectionChange();
+  EXPECT_WIDE_EQ(L"1change 2change 3change ", log);
+  log.clear();
+  col.FireOnCollectionChange();
+  EXPECT_WIDE_EQ(L"3change ", log);
+  col.RemoveEventListener(&third);
+}
+
+TEST_F(Collection, ListenersMayChangeTheCollectionDuringANotification) {
+  CListener listener(log);
+  col.AddEventListener(&listener);
+  for (const wchar_t label : {L'a', L'b', L'c'}) col.AppendItem(New(label));
+
+  bool busy = false;
+  const auto once = [&busy](const std::function<void()>& change) {
+    return [&busy, change](IEventSink::MsgType) {
+      if (busy) return;
+      busy = true;
+      change();
+      busy = false;
+    };
+  };
+  listener.react = once([&] { col.Remove(0); });  // the very node whose removal is announced
+  col.Remove(0);
+  EXPECT_WIDE_EQ(L"bc", col.Labels());
+  listener.react = once([&] { col.Clear(); });  // the index is no longer there when the item would be inserted
+  CItem loose(L'x');
+  EXPECT_RK_THROWS(CRkInvalidParamException, L"Index out of range", col.AddItemAt(2, &loose));
+  listener.react = [&](IEventSink::MsgType type) {
+    if (type == IEventSink::MsgType_ItemAdded) col.Remove(0);  // the item goes before the notifications end
+  };
+  col.AppendItem(New(L'd'));
+  EXPECT_EQ(0, col.GetCount());
+  col.RemoveEventListener(&listener);
+}
+
+TEST_F(Collection, DestructionIsSilentAndReleasesTheItems) {
+  CListener listener(log);
+  CItem* const kept = New(L'k');
+  kept->AddRef();
+  {
+    CItemCol local(0, -1);
+    local.AppendItem(kept);
+    local.AppendItem(New(L'l'));
+    local.AddEventListener(&listener);
+  }
+  EXPECT_WIDE_EQ(L"", log);
+  EXPECT_EQ(1, CItem::live);
+  EXPECT_EQ(0, kept->Release());
+}
+
+TEST_F(Collection, ReadingByIndexFollowsEveryChange) {
+  std::vector<int> model;
+  unsigned random = 1;
+  for (int step = 0; step < 2000; ++step) {
+    random = random * 1103515245 + 12345;
+    const int size = static_cast<int>(model.size());
+    const int at = static_cast<int>(random >> 8) % (size + 1);
+    if (random % 3 != 0 || at == size) {
+      col.AddItemAt(at, New(static_cast<wchar_t>(step)));
+      model.insert(model.begin() + at, step);
+    } else {
+      col.Remove(at);
+      model.erase(model.begin() + at);
+    }
+    for (int i : {at, at / 2, static_cast<int>(model.size()) - 1}) {
+      if (i < 0 || i >= static_cast<int>(model.size())) continue;
+      ASSERT_EQ(model[static_cast<std::size_t>(i)], static_cast<CItem*>(col.GetNodeAtIndex(i)->GetItem())->m_label);
+    }
+  }
+}
+
+TEST(CollectionCount, LimitsAreTestedMaximumFirst) {
+  CSerializationContext lenient;
+  lenient.SetIgnoreInvalidCollectionCounts(true);
+  const struct {
+    int minOccurs, maxOccurs, count;
+    const wchar_t* error;
+  } kRows[] = {
+      {1, -1, 0, L"The Minimum number of [item] elements allowed in this collection is 1"},
+      {1, -1, 100, nullptr},
+      {0, 2, 3, L"The Maximum number of [item] elements allowed in this collection is 2"},
+      {5, 2, 3, L"The Maximum number of [item] elements allowed in this collection is 2"},
+      {2, 2, 2, nullptr},
+      {0, 0, 0, nullptr},
+  };
+  for (const auto& row : kRows) {
+    CItemCol col(row.minOccurs, row.maxOccurs);
+    for (int i = 0; i < row.count; ++i) col.AppendItem(nullptr);
+    EXPECT_EQ(row.error == nullptr, col.IsValidCount(GetDefaultContext()));
+    if (row.error != nullptr) {
+      EXPECT_RK_THROWS(CRkValidationException, row.error, col.ValidateCount(GetDefaultContext()));
+    } else {
+      col.ValidateCount(GetDefaultContext());
+    }
+    EXPECT_TRUE(col.IsValidCount(lenient));
+    col.ValidateCount(lenient);
+  }
+}
+
+TEST(CollectionBase, AnswersForItsItems) {
+  CItemCol col(0, -1);
+  EXPECT_WIDE_EQ(L"item", col.GetElementName());
+  EXPECT_WIDE_EQ(L"urn:i", col.GetNamespace());
+  EXPECT_EQ(&col, col.GetBase());
+  EXPECT_RK_THROWS(
+      CRkException,
+      L"CXmlCollectionBase::GetTargetNamespace Should not be used from within a Collection (program logic error)",
+      col.GetTargetNamespace());
+}
+
+TEST(CollectionVariant, HoldsOneReference) {
+  CSmartPtr<CItemCol> col(new CItemCol(0, -1));
+  {
+    RkVariant variant;
+    variant.SetXmlCollection(col);
+    EXPECT_EQ(2, col->GetRefCount());
+    EXPECT_EQ(static_cast<CXmlCollectionBase*>(col), variant.GetXmlCollection().Get());
+  }
+  EXPECT_EQ(1, col->GetRefCount());
+}
+
+}  // namespace

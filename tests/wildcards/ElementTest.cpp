@@ -1,0 +1,283 @@
+#include "RkXmlLib16/wildcards/Element.h"
+
+#include <pthread.h>
+
+#include <string>
+
+#include "Expect.h"
+#include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/wildcards/ElementCol.h"
+#include "RkXmlLib16/xml/ElementTree.h"
+
+using namespace RkXmlLib16;
+
+namespace {
+
+// What an element writes that has read `text`.
+std::wstring Rewritten(const wchar_t* text, const CSerializationContext& context = GetDefaultContext()) {
+  CElement element;  // on the stack: its count stays 0
+  element.FromXml(text, context);
+  EXPECT_EQ(0, element.GetRefCount());
+  return element.ToXml(false, false, EOLType_LF, context);
+}
+
+TEST(Element, WritesTheInfosetThatItRead) {
+  const struct {
+    const wchar_t* read;
+    const wchar_t* written;
+  } kRows[] = {
+      {L"<a/>", L"<a/>"},
+      {L"<a x='1' y='&quot;&amp;'>t &lt; u</a>", L"<a x=\"1\" y=\"&quot;&amp;\">t &lt; u</a>"},
+      {L"<a>\n <b> </b>\n <c><d/></c>\n <b>2</b>\n</a>", L"<a><b> </b><c><d/></c><b>2</b></a>"},
+      {L"<a>mixed<b/>text</a>", L"<a>mixedtext<b/></a>"},
+      {L"<a xmlns='urn:d'><b xmlns='' c='1'/></a>", L"<AA:a xmlns:AA=\"urn:d\"><b c=\"1\"/></AA:a>"},
+      {L"<p:a xmlns:p='urn:p' p:x='1'/>", L"<AA:a xmlns:AA=\"urn:p\" AA:x=\"1\"/>"},
+      {L"<a xml:lang='en'>2:3 http://x y:z</a>", L"<a xml:lang=\"en\">2:3 http://x y:z</a>"},
+  };
+  for (const auto& row : kRows) EXPECT_WIDE_EQ(row.written, Rewritten(row.read));
+}
+
+TEST(Element, DeclaresThePrefixesThatValuesUse) {
+  const std::wstring xsi = L"http://www.w3.org/2001/XMLSchema-instance";
+  const struct {
+    std::wstring read;
+    std::wstring written;
+  } kRows[] = {
+      {L"<p:a xmlns:p='urn:p' ref='p:b'/>", L"<p:a xmlns:p=\"urn:p\" ref=\"p:b\"/>"},
+      {L"<a xmlns:p='urn:p' xmlns:q='urn:q'><b>/p:x/q:y</b></a>",
+       L"<a xmlns:p=\"urn:p\" xmlns:q=\"urn:q\"><b>/p:x/q:y</b></a>"},
+      {L"<a xmlns:p='urn:p' xmlns:i='" + xsi + L"' i:type='p:T' t='i:nil'/>",
+       L"<a xmlns:i=\"" + xsi + L"\" xmlns:p=\"urn:p\" i:type=\"p:T\" t=\"i:nil\"/>"},
+  };
+  for (const auto& row : kRows) {
+    CElement element;
+    element.FromXml(row.read.c_str());
+    std::wstring written = element.ToXml(false, false);
+    // Root declarations come in the order of their namespaces.
+    EXPECT_WIDE_EQ(row.written, written);
+  }
+}
+
+TEST(Element, DeclaresPrefixesAgainWhereItStandsInAnotherTree) {
+  CElement source;
+  source.FromXml(L"<s xmlns:p='urn:p'><x ref='p:b'><y ref='p:c'/></x></s>");
+  CElement target(L"t");
+  target.AddChild(source.GetChild(0));
+  EXPECT_WIDE_EQ(L"<t><x xmlns:p=\"urn:p\" ref=\"p:b\"><y ref=\"p:c\"/></x></t>", target.ToXml(false, false));
+
+  // The settings bind the prefix to another namespace: their names come first, and only a type can be written so that
+  // it keeps its meaning.
+  CSerializationContext context;
+  context.GetNamespaceAliases().Add(L"p", L"urn:other");
+  context.GetNamespaceAliases().Add(L"xsi", L"http://www.w3.org/2001/XMLSchema-instance");
+  CElement typed;
+  typed.FromXml(L"<p:t xmlns:p='urn:p' xmlns:i='http://www.w3.org/2001/XMLSchema-instance' i:type='p:T'/>");
+  const std::wstring written = typed.ToXml(false, false, EOLType_LF, context);
+  EXPECT_NE(std::wstring::npos, written.find(L"xsi:type=\"AA:T\"")) << RkXmlTest::Narrow(written);
+  EXPECT_NE(std::wstring::npos, written.find(L"xmlns:AA=\"urn:p\""));
+}
+
+TEST(Element, KeepsCDataSectionsThatTheSettingsKeep) {
+  CSerializationContext keep;
+  keep.SetStripCDATA(false);
+  const wchar_t* const text = L"<a><![CDATA[1 < 2]]></a>";
+  EXPECT_WIDE_EQ(text, Rewritten(text, keep));
+  EXPECT_WIDE_EQ(L"<a>1 &lt; 2</a>", Rewritten(text));
+  const wchar_t* const mixed = L"<a>x &lt; <![CDATA[<y>]]> &amp; <![CDATA[z]]>&gt;</a>";
+  EXPECT_WIDE_EQ(mixed, Rewritten(mixed, keep));
+}
+
+TEST(Element, AsRootItCarriesWhatTheSettingsAdd) {
+  CSerializationContext context;
+  context.GetProcessingInstructions().push_back(L"<?go now?>");
+  context.GetNamespaceAliases().Add(L"x", L"urn:x");
+  context.SetDefaultNamespaceURI(L"urn:d");
+  context.GetAdditionalRootAttributes()->Add(L"extra", L"1", L"urn:x");
+  context.SetInLineSchema(L"<schema/>");
+  CElement root(L"r", L"urn:d");
+  root.SetAttribute(L"own", L"2");
+  root.AddNewChild(L"c", L"urn:x", L"v");
+  EXPECT_WIDE_EQ(
+      L"<?go now?>\n\n<r xmlns=\"urn:d\" xmlns:x=\"urn:x\" x:extra=\"1\" own=\"2\"> \n<schema/>\n<x:c>v</x:c></r>",
+      root.ToXml(false, false, EOLType_LF, context));
+}
+
+TEST(Element, ReplacesAllThatItHeld) {
+  CElement element(L"old", L"urn:old");
+  element.SetAttribute(L"a", L"1");
+  element.SetText(L"t");
+  element.AddNewChild(L"c");
+  element.FromXml(L"<new/>");
+  EXPECT_WIDE_EQ(L"<new/>", element.ToXml(false, false));
+  EXPECT_EQ(0, element.GetAttributeCount());
+}
+
+TEST(Element, TakesAsMemberWhatItsConstraintAdmits) {
+  CXmlDocument document;
+  document.LoadXml(L"<r><l/><t xmlns='urn:t'/><o xmlns='urn:o'/></r>");
+  const struct {
+    const wchar_t* constraint;
+    bool local, target, other;
+  } kRows[] = {
+      {L"##any", true, true, true},         {L"##other", true, false, true},
+      {L"##local", true, false, false},     {L"##targetNamespace", false, true, false},
+      {L"urn:x urn:o", false, false, true}, {L"##local ##targetNamespace", true, true, false},
+      {nullptr, true, true, true},
+  };
+  for (const auto& row : kRows) {
+    CXmlElement* root = document.GetDocumentElement();
+    CXmlElement* child = root->GetFirstElement();
+    for (const bool admitted : {row.local, row.target, row.other}) {
+      CElement element(L"AnyElement", L"urn:before", row.constraint, L"urn:t");
+      CXmlElement* const next = child->GetNextSiblingElement();
+      EXPECT_EQ(admitted ? next : child, element.FromXml_Int(root, child, GetDefaultContext(), false));
+      EXPECT_WIDE_EQ(admitted ? std::wstring(child->GetLocalName()) : L"AnyElement", element.GetElementName());
+      EXPECT_WIDE_EQ(admitted ? std::wstring(child->GetNamespaceURI()) : L"urn:before", element.GetNamespace());
+      child = next;
+    }
+  }
+  CElement element;
+  EXPECT_EQ(nullptr, element.FromXml_Int(document.GetDocumentElement(), nullptr, GetDefaultContext(), false));
+}
+
+TEST(Element, RefusesInItsOwnCallsWhatItsConstraintForbids) {
+  CElement element(L"e", L"urn:t", L"##targetNamespace", L"urn:t");
+  EXPECT_RK_THROWS(CRkInvalidNamespaceException, L"Invalid Namespace [urn:o].", element.FromXml(L"<x xmlns='urn:o'/>"));
+  EXPECT_RK_THROWS(CRkInvalidNamespaceException, L"Invalid Namespace [].", element.SetNamespace(nullptr));
+  EXPECT_WIDE_EQ(L"<AA:e xmlns:AA=\"urn:t\"/>", element.ToXml(false, false));
+  element.SetNamespace(L"urn:t");
+
+  CElement other;
+  EXPECT_RK_THROWS(CRkInvalidStateException, L"The element has no name.", CElement().ToXml());
+  EXPECT_RK_THROWS(CRkInvalidParamException, L"The child element may not be NULL", element.AddChild(nullptr));
+  EXPECT_RK_THROWS(CRkInvalidParamException, L"Index 0 is out of range, use 0 - 0", element.GetChild(0));
+  EXPECT_RK_THROWS(CRkInvalidParamException, L"Index 2 is out of range, use 0 - 0", element.InsertChild(2, &other));
+  EXPECT_RK_THROWS(CRkInvalidParamException, L"An element may not be its own child", element.AddChild(&element));
+}
+
+TEST(Element, FindsAndChangesItsContent) {
+  CElement e(L"e");
+  CElement* const b = e.AddNewChild(L"b", L"urn:x", L"1");
+  e.AddNewChild(L"b");
+  e.InsertChild(0, new CElement(L"a"));
+  EXPECT_EQ(b, e.FindChild(L"b", L"urn:x"));
+  EXPECT_EQ(1u, e.FindChildren(L"b").size());
+  EXPECT_EQ(nullptr, e.FindChild(L"c"));
+  e.RemoveChild(1);
+  e.SetAttribute(L"k", L"1");
+  e.SetAttribute(L"k", L"2");
+  EXPECT_WIDE_EQ(L"2", e.GetAttribute(L"k"));
+  EXPECT_WIDE_EQ(L"", e.GetAttribute(L"k", L"urn:x"));
+  e.SetText(L" ");
+  EXPECT_WIDE_EQ(L"<e k=\"2\"><a/><b/></e>", e.ToXml(false, false));
+}
+
+TEST(Element, FillsAnotherObjectWithAllCharacters) {
+  CElement source(L"e");
+  source.SetText(L"\U0001F600 \U0001003C &");  // the low 16 bits of the second one are a '<'
+  CElement target;
+  target.FromXmlElement(&source);
+  EXPECT_EQ(source.ToXmlStream(), target.ToXmlStream());
+  EXPECT_RK_THROWS(CRkException, L"The document contains no element.",
+                   target.FromXmlElement(static_cast<const CElement*>(nullptr)));
+}
+
+// A document 100,000 levels deep, through everything that an element does, on a stack of 256 KiB.
+TEST(Element, DeepTreesNeedNoStack) {
+  const auto work = [](void*) -> void* {
+    constexpr int kDepth = 100000;
+    std::wstring text;
+    for (int i = 0; i < kDepth; ++i) text += L"<e>";
+    for (int i = 0; i < kDepth; ++i) text += L"</e>";
+    CElement element;
+    element.FromXml(text.c_str());
+    EXPECT_EQ(static_cast<std::size_t>(kDepth) * 7 - 3, element.ToXml(false, false).size());
+    CSmartPtr<CElement> shared(element.GetChild(0));
+    element.RemoveChildren();
+    EXPECT_EQ(1, shared->GetChildCount());
+    CElementCol collection;
+    collection.Add(shared);
+    shared = nullptr;
+    return nullptr;
+  };
+  pthread_attr_t attributes;
+  pthread_attr_init(&attributes);
+  pthread_attr_setstacksize(&attributes, 256 * 1024);
+  pthread_t thread;
+  ASSERT_EQ(0, pthread_create(&thread, &attributes, work, nullptr));
+  pthread_join(thread, nullptr);
+  pthread_attr_destroy(&attributes);
+}
+
+// Every way in which parts of a tree may outlive others.
+TEST(Element, SharedPartsOutliveTheTree) {
+  CSmartPtr<CElement> kept;
+  CSmartPtr<CElement> grandchild;
+  {
+    CElement root;
+    root.FromXml(L"<r><a><b><c/></b></a><d/></r>");
+    kept = root.GetChild(0);
+    grandchild = kept->GetChild(0)->GetChild(0);
+    root.AddChild(kept);  // twice in one tree
+    EXPECT_EQ(3, kept->GetRefCount());
+  }
+  EXPECT_EQ(1, kept->GetRefCount());
+  EXPECT_EQ(2, grandchild->GetRefCount());
+  EXPECT_WIDE_EQ(L"<a><b><c/></b></a>", kept->ToXml(false, false));
+  kept = nullptr;
+  EXPECT_EQ(1, grandchild->GetRefCount());
+}
+
+TEST(ElementCol, TakesARunOfAdmittedElements) {
+  CXmlDocument document;
+  document.LoadXml(L"<r><a xmlns='urn:o'/><b xmlns='urn:o'>1</b><b xmlns='urn:p'/><c xmlns='urn:t'/><d/></r>");
+  CXmlElement* const root = document.GetDocumentElement();
+  CXmlElement* const first = root->GetFirstElement();
+  CElementCol col(L"AnyElement", L"", 0, -1, L"##other", L"urn:t");
+  CXmlElement* const rest = col.FromXml_Int(root, first, GetDefaultContext(), false);
+  ASSERT_NE(nullptr, rest);
+  EXPECT_WIDE_EQ(L"c", rest->GetLocalName().c_str());
+  EXPECT_EQ(3, col.GetCount());
+  EXPECT_WIDE_EQ(L"1", col.Find(L"b", L"urn:o")->GetText());
+  EXPECT_WIDE_EQ(L"##other", col.Item(2)->GetNamespaceConstraint());
+
+  CElementCol locked;
+  EXPECT_EQ(first, locked.FromXmlLockElementName_Int(L"b", L"", root, first, GetDefaultContext()));
+  EXPECT_EQ(rest, locked.FromXmlLockElementName_Int(L"b", L"urn:o", root, first->GetNextSiblingElement(),
+                                                    GetDefaultContext()));
+  EXPECT_EQ(2, locked.GetCount());
+  EXPECT_EQ(nullptr, locked.FromXml_Int(root, nullptr, GetDefaultContext(), false));
+}
+
+TEST(ElementCol, RefusesByHandWhatItsConstraintForbids) {
+  CElementCol col(L"AnyElement", L"", 0, -1, L"##local", L"urn:t");
+  CSmartPtr<CElement> foreign(new CElement(L"x", L"urn:x"));
+  EXPECT_RK_THROWS(CRkInvalidNamespaceException, L"Invalid Namespace [urn:x].", col.Add(foreign));
+  EXPECT_RK_THROWS(CRkInvalidNamespaceException, L"Invalid Namespace [urn:x].", col.AddItemAt(0, foreign));
+  EXPECT_RK_THROWS(CRkInvalidNamespaceException, L"Invalid Namespace [urn:x].", col.AddBeforeItem(nullptr, foreign));
+  EXPECT_EQ(0, col.GetCount());
+  col.Add(nullptr);
+  col.PrependItem(new CElement(L"y"));
+  EXPECT_EQ(2, col.GetCount());
+  EXPECT_EQ(nullptr, col.Item(1));
+}
+
+TEST(AttributeCol, HoldsWhatItsConstraintAdmits) {
+  CAttributeCol col(L"##other", L"urn:t");
+  col.Add(L"a", L"1", L"");
+  col.Add(L"b", L"2", L"urn:o");
+  EXPECT_RK_THROWS(CRkInvalidNamespaceException, L"Invalid Attribute [c]. The attributes namespace is Inappropriate.",
+                   col.Add(L"c", L"3", L"urn:t"));
+  EXPECT_EQ(2, col.GetCount());
+  EXPECT_WIDE_EQ(L"2", col.GetValue(L"b", L"urn:o"));
+  EXPECT_EQ(1, col.Item(0)->GetRefCount());
+  CXmlDocument document;
+  document.LoadXml(
+      L"<r d='4' t:e='5' xmlns:t='urn:t' i:type='x' xmlns:i='http://www.w3.org/2001/XMLSchema-instance'/>");
+  col.FromXml_Int(document.GetDocumentElement(), nullptr, GetDefaultContext(), false);
+  EXPECT_EQ(3, col.GetCount());
+  EXPECT_WIDE_EQ(L"4", col.GetValue(L"d"));
+  EXPECT_RK_THROWS(CRkException, L"An attribute cannot be read from an element.", CAttribute().FromXml(L"<a/>"));
+}
+
+}  // namespace
