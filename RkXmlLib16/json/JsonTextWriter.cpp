@@ -237,6 +237,7 @@ void CJsonTextWriter::WriteAttributeString(const std::wstring& localName, const 
                                            const std::wstring& value, ItemType type) {
   RequireOpenElement();
   const bool prefixed = m_roundTrip == JsonRoundTrip_Namespaces && !namespaceUri.empty();
+  if (!prefixed && namespaceUri == XMLNS_NAMESPACE) return;  // a declaration
   const std::wstring* prefix = prefixed ? FindAttributePrefix(namespaceUri) : &kNone;
   if (prefix == nullptr) ThrowUnknownNamespace(localName);
   CloseArray(*m_context, Top(), false);

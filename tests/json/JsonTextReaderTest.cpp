@@ -1,0 +1,429 @@
+#include "RkXmlLib16/json/JsonTextReader.h"
+
+#include <random>
+
+#include "Expect.h"
+#include "RkXmlLib16/core/ReadLimits.h"
+#include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/json/JsonContext.h"
+#include "RkXmlLib16/support/Encoder.h"
+#include "RkXmlLib16/types/BinaryData.h"
+
+using namespace RkXmlLib16;
+
+namespace {
+
+struct Settings {
+  JsonRoundTrip mode = JsonRoundTrip_Namespaces;
+  const wchar_t* rootName = L"";
+  bool comments = false;
+};
+
+std::wstring Convert(const std::wstring& json, const Settings& settings = {}) {
+  CSerializationContext context;
+  context.GetJsonContext()->SetSupportRoundtrip(settings.mode);
+  context.GetJsonContext()->SetRootElementName(settings.rootName);
+  context.GetJsonContext()->GetAllowComments(settings.comments);
+  const CBinaryData xml = CJsonTextReader::ConvertJsonToXml(json, context);
+  return CEncoder::Utf8ToUnicode(xml.GetData(), static_cast<int>(xml.GetLength()));
+}
+
+// The XML text without indentation.
+std::wstring Flat(const std::wstring& json, const Settings& settings = {}) {
+  std::wstring xml = Convert(json, settings);
+  std::wstring flat;
+  for (const wchar_t c : xml)
+    if (c != L'\n' && c != L'\t') flat += c;
+  return flat;
+}
+
+std::wstring Repeat(const wchar_t* text, int count) {
+  std::wstring all;
+  for (int i = 0; i < count; ++i) all += text;
+  return all;
+}
+
+// Writes down the events.
+class Recorder : public IJsonReaderHandler {
+ public:
+  void ReadStartDocument() override { events += L"("; }
+  void ReadEndDocument() override { events += L")"; }
+  void ReadName(const std::wstring& name) override { events += name + L"="; }
+  void ReadString(const std::wstring& value) override { events += L"'" + value + L"' "; }
+  void ReadNumber(const std::wstring& lexical) override { events += lexical + L" "; }
+  void ReadStartObject() override { events += L"{"; }
+  void ReadEndObject() override { events += L"}"; }
+  void ReadStartArray() override { events += L"["; }
+  void ReadEndArray() override { events += L"]"; }
+  void ReadBool(bool value) override { events += value ? L"T " : L"F "; }
+  void ReadNull() override { events += L"N "; }
+
+  std::wstring events;
+};
+
+std::wstring Events(const std::wstring& json, const wchar_t* rootName = L"") {
+  CJsonTextReader reader(json);
+  Recorder recorder;
+  reader.SetJsonReaderHandler(&recorder);
+  reader.SetRootElementName(rootName);
+  reader.Read();
+  EXPECT_WIDE_EQ(L"$", reader.GetErrorPathProvider()->GetPath());
+  return recorder.events;
+}
+
+TEST(JsonTextReader, ReportsEventsInOrder) {
+  EXPECT_WIDE_EQ(L"({a=[1 {b='x' }[]T ]c=N d=F })",
+                 Events(L" { \"a\" : [ 1 , { \"b\" : \"x\" } , [ ] , true ] ,\r\n\t\"c\":null,\"d\":false } rest"));
+  EXPECT_WIDE_EQ(L"('s' )", Events(L"\"s\""));
+  EXPECT_WIDE_EQ(L"()", Events(L" \n"));
+  for (const wchar_t* number : {L"0", L"-0", L"10", L"-1.50", L"1e5", L"1E+05", L"0.1e-2"})
+    EXPECT_WIDE_EQ(L"([" + std::wstring(number) + L" ])", Events(L"[" + std::wstring(number) + L"]"));
+}
+
+TEST(JsonTextReader, ReportsARootElementNameAroundTheValue) {
+  EXPECT_WIDE_EQ(L"({o={a=1 }})", Events(L"{\"a\":1}", L"o"));
+  EXPECT_WIDE_EQ(L"<o><a>1</a></o>", Flat(L"{\"a\":1}", {JsonRoundTrip_Namespaces, L"o"}));
+  EXPECT_WIDE_EQ(L"<o>x</o>", Flat(L"\"x\"", {JsonRoundTrip_Namespaces, L"o"}));
+}
+
+TEST(JsonTextReader, ResolvesEscapes) {
+  EXPECT_WIDE_EQ(L"('\"\\/\b\f\n\r\tA\u00e9' )", Events(L"\"\\\"\\\\\\/\\b\\f\\n\\r\\t\\u0041\\u00E9\""));
+  const struct {
+    const wchar_t* json;
+    const wchar_t* text;
+  } kRows[] = {
+      {L"\\uD83D\\uDE00", L"\U0001F600"}, {L"\\ud83d", L"\uFFFD"},
+      {L"\\ud83dx", L"\uFFFDx"},          {L"\\ude00\\ud83d", L"\uFFFD\uFFFD"},
+      {L"\\ud83d\\u0041", L"\uFFFDA"},    {L"\\ud83d\\ud83d\\ude00", L"\uFFFD\U0001F600"},
+      {L"\\ud83d\\n", L"\uFFFD\n"},
+  };
+  for (const auto& row : kRows)
+    EXPECT_WIDE_EQ(std::wstring(L"('") + row.text + L"' )", Events(std::wstring(L"\"") + row.json + L"\""));
+}
+
+TEST(JsonTextReader, MalformedTextFailsWithPlaceAndPath) {
+  const struct {
+    const wchar_t* json;
+    const wchar_t* message;
+    const wchar_t* path;
+  } kRows[] = {
+      {L"x", L"Expected Value '{', '[', '\"', '0-9', '-', 'true', 'false' or 'null', found 'x' at line 0, position 1.",
+       L"$"},
+      {L"{\"a\":\n \u20AC",
+       L"Expected Value '{', '[', '\"', '0-9', '-', 'true', 'false' or 'null', found '\u20AC' at line 1, position 2.",
+       L"$.a"},
+      {L"{\"a\":[1,]}",
+       L"Expected Value '{', '[', '\"', '0-9', '-', 'true', 'false' or 'null', found ']' at line 0, position 9.",
+       L"$.a[0]"},
+      {L"{\"a\":/*x*/1}",
+       L"Expected Value '{', '[', '\"', '0-9', '-', 'true', 'false' or 'null', found '/' at line 0, position 6.",
+       L"$.a"},
+      {L"{a", L"Expected quotation mark character '\"' before Name, found 'a' at line 0, position 2.", L"$"},
+      {L"{\"a\":1,}", L"Expected quotation mark character '\"' before Name, found '}' at line 0, position 8.", L"$"},
+      {L"{\"a\"", L"Unexpected End of File. Expected Object Name/Value separator character ':' at line 0, position 4.",
+       L"$.a"},
+      {L"{\"a\" 1", L"Expected Object Name/Value separator character ':', found '1' at line 0, position 6.", L"$.a"},
+      {L"{\"a\":\n", L"Unexpected End of File. Expected Object Value at line 1, position 0.", L"$.a"},
+      {L"{\"a\":1", L"Unexpected End of File. Expected Object terminator character '}' at line 0, position 6.", L"$"},
+      {L"{\"a\":1,", L"Unexpected End of File. Expected Object terminator character '}' at line 0, position 7.", L"$"},
+      {L"{ ", L"Unexpected End of File. Expected Object terminator character '}}' at line 0, position 2.", L"$"},
+      {L"{\"a\":{\"b\":1 \"c\"", L"Expected Object separator character ',', found '\"' at line 0, position 13.",
+       L"$.a"},
+      {L"{\"a\":[", L"Unexpected End of File. Expected Array terminator character ']' at line 0, position 6.",
+       L"$.a[0]"},
+      {L"{\"a\":[1,", L"Unexpected End of File. Expected Array terminator character ']' at line 0, position 8.",
+       L"$.a[0]"},
+      {L"{\"a\":[{},{\"b\":[1",
+       L"Unexpected End of File. Expected Array terminator character ']' at line 0, position 16.", L"$.a[1].b[0]"},
+      {L"{\"a\":[1 2]}", L"Expected Array separator character ',', found '2' at line 0, position 9.", L"$.a[0]"},
+      {L"{\"a\":[01]}", L"Expected Array separator character ',', found '1' at line 0, position 8.", L"$.a[0]"},
+      {L"{\"a\":\"x", L"Unexpected End of File. Expected string value at line 0, position 7.", L"$.a"},
+      {L"{\"a\":\"\nx\\", L"Unexpected End of File. Expected string value at line 1, position 2.", L"$.a"},
+      {L"{\"a\":\"\\u12", L"Unexpected End of File. Expected 4 hexadecimal digits'\\uxxxx' at line 0, position 10.",
+       L"$.a"},
+      {L"{\"a\":\"\\u12g4\"}", L"Invalid Escape Character 'g' at line 0, position 11.", L"$.a"},
+      {L"{\"a\":\"\\ud83d\\u12g4\"}", L"Invalid Escape Character 'g' at line 0, position 17.", L"$.a"},
+      {L"{\"a\":\"\\x\"}", L"Invalid Escape Character 'x' at line 0, position 8.", L"$.a"},
+      {L"{\"a\":-", L"Unexpected End of File. Expected a number at line 0, position 6.", L"$.a"},
+      {L"{\"a\":-x", L"Expected a digit '0' to '9', found 'x' at line 0, position 7.", L"$.a"},
+      {L"{\"a\":1.", L"Unexpected End of File. Expected a digit '0' to '9' at line 0, position 7.", L"$.a"},
+      {L"{\"a\":1.}", L"Expected a digit '0' to '9', found '}' at line 0, position 8.", L"$.a"},
+      {L"{\"a\":1e", L"Unexpected End of File. Expected '+', '-' or a number at line 0, position 7.", L"$.a"},
+      {L"{\"a\":1ex", L"Expected a digit '0' to '9', found 'x' at line 0, position 8.", L"$.a"},
+      {L"{\"a\":1e+", L"Unexpected End of File. Expected a digit '0' to '9' at line 0, position 8.", L"$.a"},
+      {L"{\"a\":nul", L"Unexpected End of File. Expected value 'NULL' at line 0, position 8.", L"$.a"},
+      {L"{\"a\":nil}", L"Expected 'NULL' at line 0, position 7.", L"$.a"},
+      {L"{\"a\":tru", L"Unexpected End of File. Expected value 'true' at line 0, position 8.", L"$.a"},
+      {L"{\"a\":tRue}", L"Expected 'true' at line 0, position 7.", L"$.a"},
+      {L"{\"a\":f", L"Unexpected End of File. Expected value 'false' at line 0, position 6.", L"$.a"},
+      {L"{\"a\":fal\n", L"Expected 'false' at line 1, position 0.", L"$.a"},
+      {L"{\"a\":{\"\":1}}", L"JSON item has an empty Name.", L"$.a."},
+      {L"{\"a\":{\"@\":1}}", L"JSON item has an empty Name.", L"$.a.@"},
+      {L"[1]", L"JSON Array has no Name.", L"$"},
+      {L"{\"a\":[[1],[2]]}", L"JSON Array has no Name.", L"$.a[1]"},
+      {L"{\"a\":{\"#text\":[1]}}", L"JSON Array has no Name.", L"$.a.#text"},
+  };
+  for (const auto& row : kRows) {
+    SCOPED_TRACE(RkXmlTest::Narrow(row.json));
+    EXPECT_RK_THROWS(CRkValidationException, std::wstring(row.message) + L"\nPath: " + row.path, Convert(row.json));
+  }
+  const std::wstring nul(L"{\"a\":\0}", 7);
+  EXPECT_THROW(Convert(nul), CRkValidationException);
+}
+
+TEST(JsonTextReader, NamesAndValuesThatXmlCannotHoldFail) {
+  const std::wstring nameFront = L"Failed to convert name '", nameBack = L"' to Element name in XML.\nPath: $.a.";
+  for (const wchar_t* name : {L"b c", L"1b", L"b/", L"b><c", L":b", L"b:", L"b:c:d", L"-b", L"b\\u00d7", L"\\u2028"}) {
+    SCOPED_TRACE(RkXmlTest::Narrow(name));
+    std::wstring plain = name;
+    if (plain == L"b\\u00d7") plain = L"b\u00d7";
+    if (plain == L"\\u2028") plain = L"\u2028";
+    EXPECT_RK_THROWS(CRkInvalidStateException, nameFront + plain + nameBack + plain,
+                     Convert(std::wstring(L"{\"a\":{\"") + name + L"\":[]}}"));
+  }
+  const struct {
+    const wchar_t* json;
+    const wchar_t* message;
+  } kRows[] = {
+      {L"{\"a\":{\"@b c\":\"v\"}}", L"Failed to convert value 'v' to Attribute string value in XML.\nPath: $.a.@b c"},
+      {L"{\"a\":{\"@b\":\"\\u0001\"}}",
+       L"Failed to convert value '\x01' to Attribute string value in XML.\nPath: $.a.@b"},
+      {L"{\"a\":{\"b\":1,\"@c\":\"v\"}}",
+       L"Failed to convert value 'v' to Attribute string value in XML.\nPath: $.a.@c"},
+      {L"{\"a\":{\"@b\":{}}}", L"Failed to convert value '{' to Attribute string value in XML.\nPath: $.a.@b"},
+      {L"{\"a\":{\"@b\":[]}}", L"Failed to convert value '[' to Attribute string value in XML.\nPath: $.a.@b"},
+      {L"{\"@b\":1}", L"Failed to convert value '1' to Attribute string value in XML.\nPath: $.@b"},
+      {L"{\"a\":[1,\"\\uFFFE\"]}", L"Failed to convert value '\uFFFE' to Element string value in XML.\nPath: $.a[1]"},
+      {L"\"x\"", L"Failed to convert value 'x' to Element string value in XML.\nPath: $"},
+      {L"{\"a\":1,\"#text\":\"x\"}", L"Failed to convert value 'x' to Element string value in XML.\nPath: $.#text"},
+  };
+  for (const auto& row : kRows) {
+    SCOPED_TRACE(RkXmlTest::Narrow(row.json));
+    EXPECT_RK_THROWS(CRkInvalidStateException, row.message, Convert(row.json));
+  }
+  for (const wchar_t* json : {L"{\"a\":\"\\u0000\"}", L"{\"a\":\"x\\u000B\"}", L"{\"a\":\"\\uFFFF\"}"})
+    EXPECT_THROW(Convert(json), CRkInvalidStateException);
+}
+
+TEST(JsonTextReader, ConvertsTheShapesOfTheWriter) {
+  const struct {
+    const wchar_t* json;
+    const wchar_t* xml;
+  } kRows[] = {
+      {L"{\"r\":{\"@xmlns\":\"urn:d\",\"@xmlns:p\":\"urn:p\",\"@p:a\":1,\"p:b\":true}}",
+       L"<r xmlns=\"urn:d\" xmlns:p=\"urn:p\" p:a=\"1\"><p:b>true</p:b></r>"},
+      {L"{\"r\":{\"a\":null,\"b\":{},\"c\":\"\",\"@d\":null}}", L"<r><a/><b/><c/></r>"},
+      {L"{\"r\":{\"@a\":\"x\\\"<\\n\",\"#text\":\"t<&\"}}", L"<r a=\"x&quot;&lt;&#xA;\">t&lt;&amp;</r>"},
+      {L"{\"r\":{\"#text\":\"t\",\"a\":1,\"b\":{\"c\":2}}}", L"<r>t<a>1</a><b><c>2</c></b></r>"},
+      {L"{\"r\":{\"#text\":{\"a\":1},\"b\":2}}", L"<r><a>1</a><b>2</b></r>"},
+      {L"{\"r\":{\"#text\":null,\"b\":2}}", L"<r><b>2</b></r>"},
+      {L"{\"r\":{\"i\":[{\"n\":1},{},{\"#text\":\"t\"}],\"e\":2}}", L"<r><i><n>1</n></i><i/><i>t</i><e>2</e></r>"},
+      {L"{\"r\":{\"i\":[],\"e\":2}}", L"<r><e>2</e></r>"},
+      {L"{\"r\":{\"o\":[{\"i\":[]},{\"i\":[{}]}],\"e\":2}}", L"<r><o/><o><i/></o><e>2</e></r>"},
+      {L"{\"r\":{\"v\":[null,{\"a\":1}],\"e\":2}}", L"<r><v/><v><a>1</a></v><e>2</e></r>"},
+      {L"{\"r\":{\"a\":[[1,2],{\"b\":3}]}}", L"<r><a>1</a>2<a><b>3</b></a></r>"},
+      {L"{\"r\":{\"\u00e9\u0301.-\u00b7\":1}}", L"<r><\u00e9\u0301.-\u00b7>1</\u00e9\u0301.-\u00b7></r>"},
+      {L"{\"r\":\"\U0001F600\\uD83D\\uDE00\\u007F\"}", L"<r>\U0001F600\U0001F600\x7F</r>"},
+      {L"[]", nullptr},
+  };
+  for (const auto& row : kRows) {
+    SCOPED_TRACE(RkXmlTest::Narrow(row.json));
+    if (row.xml != nullptr) {
+      EXPECT_WIDE_EQ(row.xml, Flat(row.json));
+    } else {
+      EXPECT_THROW(Convert(row.json), CRkException);
+    }
+  }
+  EXPECT_WIDE_EQ(L"<r>\n\t<a>1</a>\n</r>\n", Convert(L"{\"r\":{\"a\":1}}"));
+}
+
+TEST(JsonTextReader, PlainValuesBeyondTheFirstAreTextIntended) {
+  EXPECT_WIDE_EQ(L"<r><v>a</v>b<e>1</e></r>", Flat(L"{\"r\":{\"v\":[\"a\",\"b\"],\"e\":1}}"));
+  EXPECT_WIDE_EQ(L"<r><v>a</v>bc<e>1</e></r>", Flat(L"{\"r\":{\"v\":[\"a\",\"b\",null,\"c\"],\"e\":1}}"));
+}
+
+TEST(JsonTextReader, MarkersAreNamesInPlainMode) {
+  const Settings plain{JsonRoundTrip_Plain};
+  EXPECT_RK_THROWS(CRkInvalidStateException, L"Failed to convert name '@a' to Element name in XML.\nPath: $.r.@a",
+                   Convert(L"{\"r\":{\"@a\":1}}", plain));
+  EXPECT_RK_THROWS(CRkInvalidStateException, L"Failed to convert name '#text' to Element name in XML.\nPath: $.r.#text",
+                   Convert(L"{\"r\":{\"#text\":1}}", plain));
+  EXPECT_WIDE_EQ(L"<r a=\"1\">t</r>", Flat(L"{\"r\":{\"@a\":1,\"#text\":\"t\"}}", {JsonRoundTrip_Markers}));
+}
+
+// The writer takes a text that begins like a section for markup; text from JSON never is.
+TEST(JsonTextReader, TextThatLooksLikeMarkupStaysText) {
+  EXPECT_WIDE_EQ(L"<r>&lt;![CDATA[&lt;x/&gt;]]&gt;</r>", Flat(L"{\"r\":\"<![CDATA[<x/>]]>\"}"));
+  EXPECT_WIDE_EQ(L"<r>&lt;![CDATA[</r>", Flat(L"{\"r\":\"<![CDATA[\"}"));
+  EXPECT_WIDE_EQ(L"<r>&lt;x/&gt;&amp;#1;</r>", Flat(L"{\"r\":\"<x/>&#1;\"}"));
+}
+
+TEST(JsonTextReader, DepthIsLimitedToAHundredValues) {
+  const auto nested = [](int depth) { return Repeat(L"{\"a\":", depth - 1) + L"{}" + Repeat(L"}", depth - 1); };
+  EXPECT_NO_THROW(Convert(nested(100)));
+  EXPECT_RK_THROWS(CRkValidationException,
+                   L"JSON exceeded depth limit at line 0, position 501.\nPath: $" + Repeat(L".a", 100),
+                   Convert(nested(101)));
+  EXPECT_THROW(Convert(L"{\"a\":" + Repeat(L"[", 1000000)), CRkValidationException);
+}
+
+TEST(JsonTextReader, CommentsStandWhereWhiteSpaceMay) {
+  const Settings comments{JsonRoundTrip_Namespaces, L"", true};
+  EXPECT_WIDE_EQ(L"<r><a>1</a><b>/*x*/</b></r>",
+                 Flat(L"// one\n/* two\n*/{/**/\"r\"/*:*/:{//\n\"a\":1/*,*/,/***/\"b\":\"/*x*/\"}}// end", comments));
+  EXPECT_RK_THROWS(CRkValidationException,
+                   L"Expected quotation mark character '\"' before Name, found '/' at line 0, position 2.\nPath: $",
+                   Convert(L"{/ \"a\":1}", comments));
+  EXPECT_RK_THROWS(CRkValidationException,
+                   L"Unexpected End of File. Expected Object terminator character '}}' at line 1, position 2.\nPath: $",
+                   Convert(L"{/*\n /", comments));
+  EXPECT_THROW(Convert(L"{//x\n}"), CRkValidationException);
+}
+
+TEST(JsonTextReader, RepeatingALongNameIsLimited) {
+  CSerializationContext context;
+  context.GetLimits().SetExpansionRatioFrom(10000);
+  context.GetLimits().SetMaxExpansionRatio(10);
+  const std::wstring json = L"{\"r\":{\"" + Repeat(L"n", 1000) + L"\":[{}" + Repeat(L",{}", 1000) + L"]}}";
+  EXPECT_RK_THROWS(CRkException, L"Limit exceeded: expansion ratio 10.\nPath: $.r." + Repeat(L"n", 1000) + L"[41]",
+                   CJsonTextReader::ConvertJsonToXml(json, context));
+  context.GetLimits().SetMaxExpansionRatio(0);
+  EXPECT_NO_THROW(CJsonTextReader::ConvertJsonToXml(json, context));
+}
+
+// What RFC 8259 demands, in short: each text is read or refused, and refused by a described failure.
+TEST(JsonTextReader, AcceptsAndRejectsAsTheStandardDemands) {
+  const wchar_t* const kAccept[] = {L"[]",
+                                    L"{}",
+                                    L"[[]   ]",
+                                    L"[\"\"]",
+                                    L"[null, 1, \"1\", {}]",
+                                    L"[1\n]",
+                                    L" [1]",
+                                    L"[123e65]",
+                                    L"[0e+1]",
+                                    L"[0e1]",
+                                    L"[20e1]",
+                                    L"[-0]",
+                                    L"[-123]",
+                                    L"[1E-2]",
+                                    L"[123.456e78]",
+                                    L"{\"asd\":\"sdf\", \"dfg\":\"fgh\"}",
+                                    L"{\"a\":\"b\",\"a\":\"c\"}",
+                                    L"{\"\":0}",
+                                    L"{\"foo\\u0000bar\": 42}",
+                                    L"{\"x\":[{\"id\": \"\"}], \"id\": \"\"}",
+                                    L"[\"\\u0060\\u012a\\u12AB\"]",
+                                    L"[\"\\uD801\\udc37\"]",
+                                    L"[\"\\\"\\\\\\/\\b\\f\\n\\r\\t\"]",
+                                    L"[\"a/*b*/c\"]",
+                                    L"[\"\\uDBFF\\uDFFE\"]",
+                                    L"[\"\u2028\u2029\x7F\"]",
+                                    L"[\"\\u0000\"]",
+                                    L"\"x\"",
+                                    L"-0.1",
+                                    L"true",
+                                    L"null"};
+  const wchar_t* const kReject[] = {L"[1 true]",
+                                    L"[a",
+                                    L"[,1]",
+                                    L"[1,,2]",
+                                    L"[\"x\",,]",
+                                    L"[\"\",]",
+                                    L"[\"\"",
+                                    L"[1,",
+                                    L"[3[4]]",
+                                    L"[x]",
+                                    L"[*]",
+                                    L"[fals]",
+                                    L"[nul]",
+                                    L"[tru]",
+                                    L"[-]",
+                                    L"[--2.]",
+                                    L"[-01]",
+                                    L"[-1.0.]",
+                                    L"[.-1]",
+                                    L"[.2e-3]",
+                                    L"[0.e1]",
+                                    L"[0e]",
+                                    L"[0E+]",
+                                    L"[1.0e]",
+                                    L"[1 000.0]",
+                                    L"[+1]",
+                                    L"[Inf]",
+                                    L"[NaN]",
+                                    L"[0x1]",
+                                    L"[1a]",
+                                    L"[-012]",
+                                    L"[1eE2]",
+                                    L"{\"x\"::\"b\"}",
+                                    L"{[: \"x\"}",
+                                    L"{\"a\" b}",
+                                    L"{:\"b\"}",
+                                    L"{\"a\"",
+                                    L"{\"a\":",
+                                    L"{1:1}",
+                                    L"{null:null}",
+                                    L"{'a':0}",
+                                    L"{\"id\":0,}",
+                                    L"{\"a\":\"a\" 123}",
+                                    L"{\"a\":/*comment*/\"b\"}",
+                                    L"{a: \"b\"}",
+                                    L"{",
+                                    L"{,",
+                                    L"{{",
+                                    L"[\"\\uD800\\u\"]",
+                                    L"[\"\\uD800\\u1x\"]",
+                                    L"[\"\\x00\"]",
+                                    L"[\"\\\"]",
+                                    L"[\"\\u00A\"]",
+                                    L"[\"\\a\"]",
+                                    L"\\",
+                                    L"[\\u0020\"asd\"]",
+                                    L"\"",
+                                    L"'x'",
+                                    L"[\u00e9]",
+                                    L"\u2060",
+                                    L"<.>",
+                                    L"+",
+                                    L"*"};
+  for (const wchar_t* json : kAccept) {
+    SCOPED_TRACE(RkXmlTest::Narrow(json));
+    EXPECT_NO_THROW(Events(json));
+    try {
+      Convert(json);
+    } catch (const CRkException& e) {
+      EXPECT_NE(std::wstring::npos, e.GetMessage().find(L"\nPath: $"));
+    }
+  }
+  for (const wchar_t* json : kReject) {
+    SCOPED_TRACE(RkXmlTest::Narrow(json));
+    EXPECT_THROW(Events(json), CRkValidationException);
+  }
+}
+
+TEST(JsonTextReader, AnyTextIsConvertedOrRefused) {
+  static const wchar_t* const kPieces[] = {L"{",      L"}",       L"[",     L"]",          L":",      L",",
+                                           L"\"a\":", L"\"@a\":", L"\"a\"", L"\"#text\":", L"null",   L"true",
+                                           L"1.5e3",  L" ",       L"\\u",   L"\"",         L"\\",     L"/*",
+                                           L"*/",     L"//",      L"\n",    L"\0",         L"\xFFFE", L"\xD83D"};
+  std::mt19937 random(17);
+  for (int i = 0; i < 20000; ++i) {
+    std::wstring json = i % 2 == 0 ? L"{\"r\":{" : L"";
+    for (auto n = random() % 24; n > 0; --n) {
+      if (random() % 16 == 0)
+        json += static_cast<wchar_t>(random() % 0x120);
+      else
+        json += kPieces[random() % (sizeof kPieces / sizeof *kPieces)];
+    }
+    Settings settings;
+    settings.mode = static_cast<JsonRoundTrip>(i % 3);
+    settings.comments = i % 5 == 0;
+    try {
+      Convert(json, settings);
+    } catch (const CRkException&) {
+    }
+  }
+}
+
+}  // namespace
