@@ -36,6 +36,21 @@ consume() {
   LD_LIBRARY_PATH=$prefix/$libdir "$work/by_pkg_config"
 }
 
+# check_readme PREFIX: the program of the README compiles as a user would compile it and prints what stands below it.
+check_readme() {
+  echo "== the program of the README"
+  local readme=$source/../../README.md flags=()
+  [ -z "$sanitize" ] || flags=("-fsanitize=$sanitize")
+  awk '/^```/ { inside = /cpp/ && !n++; next } inside' "$readme" >"$work/readme.cpp"
+  awk '/^```/ { if (done++ > 1) exit } done == 2 && sub(/^    /, "")' "$readme" >"$work/readme.wanted"
+  # shellcheck disable=SC2046
+  "$compiler" -std=c++17 "${flags[@]}" "$work/readme.cpp" -o "$work/readme" $(pkg-config --cflags --libs RkXmlLib16)
+  ln -s "$(dirname "$readme")/examples" "$work/examples"
+  (cd "$work" && LD_LIBRARY_PATH=$1/$libdir ./readme >readme.out)
+  diff "$work/readme.wanted" "$work/readme.out" || fail "the README promises something else"
+  [ -s "$work/copy.gpx" ] || fail "the program of the README wrote nothing"
+}
+
 # check_headers PREFIX: every installed header stands alone and needs no header of a dependency.
 compile_header() {
   echo "#include <$1>" | "${@:2}" -fsyntax-only -Wall -Wextra -Werror -x c++ - || { echo "fails alone: $1"; exit 1; }
@@ -65,6 +80,7 @@ test_prefix() {
   done
   "$prefix/bin/rkxml" --version
   consume "$prefix"
+  check_readme "$prefix"
   [ -n "$sanitize" ] || check_headers "$prefix"
 }
 

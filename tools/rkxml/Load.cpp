@@ -1,19 +1,8 @@
 #include "Load.h"
 
-#include <algorithm>
-
 #include "Text.h"
 
 using namespace RkXmlLib16;
-
-namespace {
-
-bool IsDamaged(const Bytes& bytes) {
-  const CBinaryData inner = Unwrapped(bytes);
-  return inner.GetLength() == bytes.size() && std::equal(bytes.begin(), bytes.end(), inner.GetData());
-}
-
-}  // namespace
 
 void LoadDocument(CXmlDocument& document, const Options& options, Bytes& bytes) {
   try {
@@ -21,7 +10,8 @@ void LoadDocument(CXmlDocument& document, const Options& options, Bytes& bytes) 
   } catch (const CRkException& e) {
     const std::string file = options.input == "-" ? "standard input" : ForTerminal(options.input);
     // Bytes in a damaged wrapper are taken as they are, and what the parser says about them helps nobody.
-    if (WrapperOf(bytes) == Wrapper::Gzip && IsDamaged(bytes)) {
+    CBinaryData content;
+    if (WrapperOf(bytes) == Wrapper::Gzip && Unwrap(bytes, content) == InflateResult::NotCompressed) {
       throw DocumentError(file + ": the gzip data is damaged or cut short");
     }
     throw DocumentError(file + ": " + Reason(e));
@@ -35,11 +25,9 @@ Wrapper WrapperOf(const Bytes& bytes) {
   return Wrapper::None;
 }
 
-CBinaryData Unwrapped(const Bytes& bytes) {
-  CBinaryData copy;
-  copy.SetBuffer(bytes.data(), bytes.size());
-  unsigned long length = 0;
-  unsigned char* data = copy.ReleaseData(&length);
-  CRkZip::Decompress(&data, &length);
-  return CBinaryData(data, length, /*copy=*/false);
+InflateResult Unwrap(const Bytes& bytes, CBinaryData& content) {
+  const CReadLimits& limits = GetDefaultContext().GetLimits();
+  return CRkZip::Inflate(bytes.data(), bytes.size(),
+                         {limits.GetMaxInflatedBytes(), limits.GetMaxInflationRatio(), limits.GetInflationRatioFrom()},
+                         content);
 }

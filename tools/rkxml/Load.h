@@ -10,7 +10,7 @@ void LoadDocument(RkXmlLib16::CXmlDocument& document, const Options& options, By
 enum class Wrapper { None, Gzip, Zlib };
 Wrapper WrapperOf(const Bytes& bytes);
 
-// The bytes without their wrapper; unchanged when there is none or it is damaged.
-RkXmlLib16::CBinaryData Unwrapped(const Bytes& bytes);
+// Takes the wrapper off, within the limits that reading has.
+RkXmlLib16::InflateResult Unwrap(const Bytes& bytes, RkXmlLib16::CBinaryData& content);
 
 #endif

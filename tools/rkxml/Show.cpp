@@ -58,6 +58,10 @@ Summary Summarise(const CXmlDocument& document) {
   return summary;
 }
 
+std::string_view TextOf(const unsigned char* bytes, std::size_t length) {
+  return {reinterpret_cast<const char*>(bytes), length};
+}
+
 bool StartsWith(std::string_view text, std::string_view start) { return text.substr(0, start.size()) == start; }
 
 // The XML declaration, or nothing.
@@ -117,15 +121,16 @@ void Show(const Options& options) {
     progress.Read(bytes.size());
     LoadDocument(document, options, bytes);
   }
-  const Wrapper wrapper = WrapperOf(bytes);
-  const CBinaryData inner = Unwrapped(bytes);
-  const std::string_view text(reinterpret_cast<const char*>(inner.GetData()), inner.GetLength());
+  CBinaryData content;
+  const bool wrapped = WrapperOf(bytes) != Wrapper::None && Unwrap(bytes, content) == InflateResult::Inflated;
+  const std::string_view text =
+      wrapped ? TextOf(content.GetData(), content.GetLength()) : TextOf(bytes.data(), bytes.size());
   const Summary summary = Summarise(document);
   const bool isFastInfoset = IsFastInfoset(text);
 
   Line("form", isFastInfoset ? "Fast Infoset" : options.from->title);
-  if (wrapper != Wrapper::None && text.size() != bytes.size()) {
-    Line("wrapper", wrapper == Wrapper::Gzip ? "gzip" : "zlib");
+  if (wrapped) {
+    Line("wrapper", WrapperOf(bytes) == Wrapper::Gzip ? "gzip" : "zlib");
     Line("bytes", Grouped(bytes.size()) + " (" + Grouped(text.size()) + " unwrapped)");
   } else {
     Line("wrapper", "none");
