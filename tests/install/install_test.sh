@@ -42,7 +42,8 @@ check_readme() {
   local readme=$source/../../README.md flags=()
   [ -z "$sanitize" ] || flags=("-fsanitize=$sanitize")
   awk '/^```/ { inside = /cpp/ && !n++; next } inside' "$readme" >"$work/readme.cpp"
-  awk '/^```/ { if (done++ > 1) exit } done == 2 && sub(/^    /, "")' "$readme" >"$work/readme.wanted"
+  awk '/^```/ { fences++ } fences == 2 && sub(/^    /, "") { print; seen = 1; next } seen { exit }' "$readme" \
+    >"$work/readme.wanted"
   # shellcheck disable=SC2046
   "$compiler" -std=c++17 "${flags[@]}" "$work/readme.cpp" -o "$work/readme" $(pkg-config --cflags --libs RkXmlLib16)
   ln -s "$(dirname "$readme")/examples" "$work/examples"
