@@ -365,6 +365,15 @@ CXmlText CXmlDocument::LookupNamespaceFromAlias(const wchar_t* prefix) const {
   return found != m_storage->aliases.end() ? found->second->GetText() : CXmlText();
 }
 
+std::vector<std::pair<CXmlText, CXmlText>> CXmlDocument::GetNamespaceAliases() const {
+  std::vector<std::pair<CXmlText, CXmlText>> aliases;
+  aliases.reserve(m_storage->aliases.size());
+  for (const auto& [prefix, uri] : m_storage->aliases) {
+    aliases.emplace_back(CXmlText(prefix.data(), prefix.size()), uri->GetText());
+  }
+  return aliases;
+}
+
 // ---- element ----
 
 namespace {

@@ -7,6 +7,8 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "RkXmlLib16/core/Enumerations.h"
 #include "RkXmlLib16/core/Export.h"
@@ -267,6 +269,8 @@ class RKXML_EXPORT CXmlDocument {
   void AddNamespaceAlias(const CXmlName* prefix, const CXmlName* namespaceUri);
   CXmlText LookupAliasFromNamespace(const wchar_t* namespaceUri) const;
   CXmlText LookupNamespaceFromAlias(const wchar_t* prefix) const;
+  // All of them, prefix and namespace URI, in ascending order of the prefixes.
+  std::vector<std::pair<CXmlText, CXmlText>> GetNamespaceAliases() const;
 
  private:
   friend class CXmlAttribute;

@@ -1,6 +1,7 @@
 #include "Load.h"
 #include "Progress.h"
 #include "Text.h"
+#include "Tree.h"
 
 using namespace RkXmlLib16;
 
@@ -32,6 +33,7 @@ void Convert(const Options& options) {
     CXmlDocument document(progress.Counter(), context);
     LoadDocument(document, options, bytes);
     bytes = Bytes();
+    KeepPrefixes(document, context);
     element.FromXmlElement(document.GetDocumentElement(), context);
   }
   progress.Writing();

@@ -1,9 +1,11 @@
+#include <algorithm>
 #include <cstdio>
 #include <unordered_set>
 
 #include "Load.h"
 #include "Progress.h"
 #include "Text.h"
+#include "Tree.h"
 
 using namespace RkXmlLib16;
 
@@ -13,47 +15,26 @@ struct Summary {
   unsigned long long elements = 0;
   unsigned long long attributes = 0;
   unsigned long long depth = 0;
-  std::vector<CXmlText> namespaces;  // in the order of their first use
-};
-
-// The namespaces met so far, each once.
-class NamespaceList {
- public:
-  explicit NamespaceList(std::vector<CXmlText>& list) : m_list(list) {}
-  void Add(CXmlText uri) {
-    if (uri.empty() || uri.c_str() == m_last) return;
-    m_last = uri.c_str();
-    if (m_known.insert(uri.View()).second) m_list.push_back(uri);
-  }
-
- private:
-  std::vector<CXmlText>& m_list;
-  std::unordered_set<std::wstring_view> m_known;
-  const wchar_t* m_last = nullptr;
+  std::vector<std::pair<CXmlText, CXmlText>> namespaces;  // prefix and namespace URI
 };
 
 Summary Summarise(const CXmlDocument& document) {
   Summary summary;
-  NamespaceList namespaces(summary.namespaces);
-  unsigned long long depth = 1;
-  for (const CXmlElement* e = document.GetDocumentElement(); e != nullptr;) {
+  summary.namespaces = document.GetNamespaceAliases();
+  std::unordered_set<std::wstring_view> known{L"", L"http://www.w3.org/XML/1998/namespace"};
+  for (const auto& [prefix, uri] : summary.namespaces) known.insert(uri.View());
+  // Namespaces whose prefix was bound anew further on come last.
+  const auto add = [&](CXmlText uri) {
+    if (known.insert(uri.View()).second) summary.namespaces.emplace_back(CXmlText(L"(rebound)", 9), uri);
+  };
+  for (TreeWalk walk(document); walk; walk.Next()) {
     ++summary.elements;
-    summary.depth = std::max(summary.depth, depth);
-    namespaces.Add(e->GetNamespaceURI());
-    for (const CXmlAttribute* attribute : e->GetAttributes()) {
+    summary.depth = std::max(summary.depth, walk.GetDepth());
+    add(walk->GetNamespaceURI());
+    for (const CXmlAttribute* attribute : walk->GetAttributes()) {
       ++summary.attributes;
-      namespaces.Add(attribute->GetNamespaceURI());
+      add(attribute->GetNamespaceURI());
     }
-    if (const CXmlElement* child = e->GetFirstElement()) {
-      e = child;
-      ++depth;
-      continue;
-    }
-    while (e != nullptr && e->GetNextSiblingElement() == nullptr) {
-      e = e->GetParentElement();
-      --depth;
-    }
-    if (e != nullptr) e = e->GetNextSiblingElement();
   }
   return summary;
 }
@@ -96,18 +77,14 @@ std::string EncodingOf(std::string_view bytes) {
 
 void Line(const char* name, const std::string& value) { std::printf("%-12s%s\n", name, value.c_str()); }
 
-void ShowNamespaces(const CXmlDocument& document, const std::vector<CXmlText>& namespaces) {
-  std::vector<std::string> prefixes;
-  std::size_t width = 0;
-  for (const CXmlText& uri : namespaces) {
-    const std::wstring alias = document.LookupAliasFromNamespace(uri.c_str());
-    prefixes.push_back(alias.empty() ? "(default)" : ForTerminal(alias));
-    width = std::max(width, prefixes.back().size());
-  }
+void ShowNamespaces(const std::vector<std::pair<CXmlText, CXmlText>>& namespaces) {
   if (namespaces.empty()) Line("namespaces", "none");
-  for (std::size_t i = 0; i < namespaces.size(); ++i) {
-    prefixes[i].resize(width, ' ');
-    Line(i == 0 ? "namespaces" : "", prefixes[i] + "  " + ForTerminal(namespaces[i]));
+  const char* title = "namespaces";
+  for (const auto& [prefix, uri] : namespaces) {
+    std::string shown = prefix.empty() ? "(default)" : ForTerminal(prefix);
+    shown.resize(std::max<std::size_t>(shown.size(), 9), ' ');
+    Line(title, shown + "  " + ForTerminal(uri));
+    title = "";
   }
 }
 
@@ -138,7 +115,7 @@ void Show(const Options& options) {
   }
   Line("encoding", isFastInfoset ? "binary" : EncodingOf(text));
   Line("root", ForTerminal(document.GetDocumentElement()->GetLocalName()));
-  ShowNamespaces(document, summary.namespaces);
+  ShowNamespaces(summary.namespaces);
   Line("elements", Grouped(summary.elements));
   Line("attributes", Grouped(summary.attributes));
   Line("depth", Grouped(summary.depth));

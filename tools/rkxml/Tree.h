@@ -1,0 +1,26 @@
+#ifndef RKXML_TOOL_TREE_H
+#define RKXML_TOOL_TREE_H
+
+#include <RkXmlLib16/RkXmlLib16.h>
+
+// Goes through a document in document order without recursion.
+//
+//   for (TreeWalk walk(document); walk; walk.Next()) walk->GetLocalName();
+class TreeWalk {
+ public:
+  explicit TreeWalk(const RkXmlLib16::CXmlDocument& document) : m_element(document.GetDocumentElement()) {}
+  explicit operator bool() const { return m_element != nullptr; }
+  const RkXmlLib16::CXmlElement* operator->() const { return m_element; }
+  // 1 for the document element.
+  unsigned long long GetDepth() const { return m_depth; }
+  void Next();
+
+ private:
+  const RkXmlLib16::CXmlElement* m_element;
+  unsigned long long m_depth = 1;
+};
+
+// Lets what is written with `context` keep the prefixes and the default namespace that the document declares.
+void KeepPrefixes(const RkXmlLib16::CXmlDocument& document, RkXmlLib16::CSerializationContext& context);
+
+#endif
