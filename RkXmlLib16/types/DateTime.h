@@ -112,7 +112,7 @@ class RKXML_EXPORT CDateTime {
   bool IsUTC() const noexcept { return m_isUTC; }
   bool HasTimeZone() const noexcept { return m_hasTimeZone; }
   // Offset from UTC as written: hours -23..23 with the sign of the whole offset, minutes 0..59, never negative. Throw
-  // CRkInvalidStateException unless HasTimeZone().
+  // CRkInvalidValueException unless HasTimeZone().
   short GetZoneHour() const;
   unsigned char GetZoneMinute() const;
   void SetTimeZone(short hour, unsigned char minute);

@@ -1,0 +1,158 @@
+#include "RkXmlLib16/metadata/FacetChecks.h"
+
+#include <type_traits>
+
+#include "RkXmlLib16/core/Exception.h"
+#include "RkXmlLib16/metadata/RegEx.h"
+#include "RkXmlLib16/support/Encoder.h"
+#include "RkXmlLib16/support/Format.h"
+#include "RkXmlLib16/types/BinaryData.h"
+#include "RkXmlLib16/types/Conversions.h"
+
+namespace RkXmlLib16 {
+
+namespace {
+
+template <class Value>
+constexpr bool kIsDateOrDuration = std::is_same_v<Value, CDateTime> || std::is_same_v<Value, CDateTimeSpan>;
+
+template <class Value>
+bool IsAtMost(const Value& a, const Value& b) {
+  if constexpr (kIsDateOrDuration<Value>) {
+    const CompareResult order = a.CompareTo(b);
+    return order == CompareResult_Equal || order == CompareResult_Less;
+  } else {
+    return a <= b;
+  }
+}
+
+template <ItemType kItem>
+std::wstring Print(const XsdValue<kItem>& value) {
+  std::wstring text;
+  CConversions::AppendTo<kItem>(text, value);
+  return text;
+}
+
+// The text between the brackets of the message, and what follows them.
+template <ItemType kItem>
+[[noreturn]] void ThrowInvalid(const wchar_t* name, const XsdValue<kItem>& value) {
+  using Value = XsdValue<kItem>;
+  if constexpr (std::is_floating_point_v<Value>)
+    throw CRkException(FormatString(L"Invalid Value for %ls [%f]", name, static_cast<double>(value)));
+  else if constexpr (kItem == ItemType_unsignedInt)
+    throw CRkException(FormatString(L"Invalid Value for %ls [%lu]", name, value));
+  else if constexpr (std::is_integral_v<Value> && kItem != ItemType_long && kItem != ItemType_unsignedLong)
+    throw CRkException(FormatString(L"Invalid Value for %ls [%ld]", name, static_cast<long>(value)));
+  else
+    throw CRkException(FormatString(L"Invalid Value for %ls [%ls].", name, Print<kItem>(value).c_str()));
+}
+
+template <ItemType kItem>
+bool MeetsBounds(const XsdValue<kItem>& value, const CPrimitiveRestrictions& facets) {
+  const auto bound = [](const std::wstring& text) {
+    return CConversions::FromText<kItem>(text, CWhitespaceUtils::collapse);
+  };
+  if (!facets.GetMinInclusive().empty() && bound(facets.GetMinInclusive()) > value) return false;
+  if (!facets.GetMaxInclusive().empty() && value > bound(facets.GetMaxInclusive())) return false;
+  if (!facets.GetMinExclusive().empty() && IsAtMost(value, bound(facets.GetMinExclusive()))) return false;
+  if (!facets.GetMaxExclusive().empty() && IsAtMost(bound(facets.GetMaxExclusive()), value)) return false;
+  return true;
+}
+
+template <ItemType kItem>
+bool MeetsDigits(const XsdValue<kItem>& value, const CPrimitiveRestrictions& facets) {
+  constexpr bool kCounts = (kItem >= ItemType_byte && kItem <= ItemType_unsignedLong) || kItem == ItemType_integer;
+  if constexpr (kCounts) {
+    return facets.GetTotalDigits() < 0 || static_cast<long>(Print<kItem>(value).size()) <= facets.GetTotalDigits();
+  } else if constexpr (kItem == ItemType_decimal) {
+    const long fraction = CXmlObjectHelper::GetDecimalFractionPartLen(value);
+    const long total = CXmlObjectHelper::GetDecimalIntegerPartLen(value) + fraction;
+    return (facets.GetTotalDigits() < 0 || total <= facets.GetTotalDigits()) &&
+           (facets.GetFractionDigits() < 0 || fraction <= facets.GetFractionDigits());
+  } else {
+    return true;
+  }
+}
+
+bool MeetsLengths(unsigned long length, const CPrimitiveRestrictions& facets) {
+  const long actual = static_cast<long>(length);
+  return (facets.GetMinLength() < 0 || facets.GetMinLength() <= actual) &&
+         (facets.GetMaxLength() < 0 || facets.GetMaxLength() >= actual) &&
+         (facets.GetLength() < 0 || facets.GetLength() == actual);
+}
+
+template <ItemType kItem>
+void Check(const wchar_t* name, const XsdValue<kItem>& value, const CPrimitiveRestrictions& facets) {
+  if (facets.IsEmpty()) return;
+  bool valid = true;
+  if constexpr (std::is_same_v<XsdValue<kItem>, CBinaryData>)
+    valid = MeetsLengths(value.GetLength(), facets);
+  else
+    valid = MeetsBounds<kItem>(value, facets) && MeetsDigits<kItem>(value, facets);
+  if (!valid) ThrowInvalid<kItem>(name, value);
+}
+
+bool MatchesPattern(const wchar_t* name, const std::wstring& value, const std::wstring& pattern) {
+  const CBinaryData utf8 = CEncoder::UnicodeToUtf8Binary(pattern.c_str());
+  try {
+    return TestRegEx(std::string(reinterpret_cast<const char*>(utf8.GetData()), utf8.GetLength()), value);
+  } catch (const CRkException& e) {
+    throw CRkException(
+        FormatString(L"%ls\nInvalid Value for %ls [%ls].", e.GetFullMessage().c_str(), name, value.c_str()));
+  }
+}
+
+}  // namespace
+
+#define RKXML_CHECK(name, Item, Argument)                                                      \
+  void CXmlObjectHelper::CheckRestrictionFor##name(const wchar_t* elementName, Argument value, \
+                                                   const CPrimitiveRestrictions& facets) {     \
+    Check<Item>(elementName, value, facets);                                                   \
+  }
+RKXML_CHECK(i1, ItemType_byte, char)
+RKXML_CHECK(i2, ItemType_short, short)
+RKXML_CHECK(i4, ItemType_int, long)
+RKXML_CHECK(i8, ItemType_long, long long)
+RKXML_CHECK(ui1, ItemType_unsignedByte, unsigned char)
+RKXML_CHECK(ui2, ItemType_unsignedShort, unsigned short)
+RKXML_CHECK(ui4, ItemType_unsignedInt, unsigned long)
+RKXML_CHECK(ui8, ItemType_unsignedLong, unsigned long long)
+RKXML_CHECK(r4, ItemType_float, float)
+RKXML_CHECK(r8, ItemType_double, double)
+RKXML_CHECK(year, ItemType_gYear, unsigned short)
+RKXML_CHECK(month, ItemType_gMonth, unsigned char)
+RKXML_CHECK(day, ItemType_gDay, unsigned char)
+RKXML_CHECK(decimal, ItemType_decimal, const CDecimal&)
+RKXML_CHECK(integer, ItemType_integer, const CBigInteger&)
+RKXML_CHECK(hexBinary, ItemType_hexBinary, const CBinaryData&)
+RKXML_CHECK(base64Binary, ItemType_base64Binary, const CBinaryData&)
+RKXML_CHECK(duration, ItemType_duration, const CDateTimeSpan&)
+RKXML_CHECK(date, ItemType_date, const CDateTime&)
+RKXML_CHECK(datetime, ItemType_dateTime, const CDateTime&)
+RKXML_CHECK(time, ItemType_time, const CDateTime&)
+RKXML_CHECK(monthDay, ItemType_gMonthDay, const CDateTime&)
+RKXML_CHECK(monthYear, ItemType_gYearMonth, const CDateTime&)
+#undef RKXML_CHECK
+
+// These two always pass.
+void CXmlObjectHelper::CheckRestrictionForboolean(const wchar_t*, bool, const CPrimitiveRestrictions&) {}
+void CXmlObjectHelper::CheckRestrictionForyearMonth(const wchar_t*, const CDateTime&, const CPrimitiveRestrictions&) {}
+
+void CXmlObjectHelper::CheckRestrictionForstring(const wchar_t* name, const std::wstring& value,
+                                                 const CPrimitiveRestrictions& facets) {
+  if (facets.IsEmpty()) return;
+  if (MeetsLengths(value.size(), facets) &&
+      (facets.GetPattern().empty() || MatchesPattern(name, value, facets.GetPattern())))
+    return;
+  throw CRkException(FormatString(L"Invalid Value for %ls [%ls].", name, value.c_str()));
+}
+
+int CXmlObjectHelper::GetDecimalIntegerPartLen(const CDecimal& value) {
+  return CBigInteger::Position(value.GetIntegerPart().GetDigits());
+}
+
+int CXmlObjectHelper::GetDecimalFractionPartLen(const CDecimal& value) {
+  return value.GetFractionPart().IsZero() ? 0 : value.GetFractionalDivider();
+}
+
+}  // namespace RkXmlLib16

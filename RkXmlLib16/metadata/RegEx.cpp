@@ -1,0 +1,130 @@
+#include "RkXmlLib16/metadata/RegEx.h"
+
+#include <memory>
+#include <new>
+#include <utility>
+#include <vector>
+
+#ifndef PCRE2_CODE_UNIT_WIDTH
+#define PCRE2_CODE_UNIT_WIDTH 8
+#endif
+#include <pcre2.h>
+
+#include "RkXmlLib16/core/Exception.h"
+#include "RkXmlLib16/support/Encoder.h"
+#include "RkXmlLib16/support/Format.h"
+#include "RkXmlLib16/types/BinaryData.h"
+
+namespace RkXmlLib16 {
+
+namespace {
+
+// Enough for any value that a backtracking matcher should try; beyond them the other matcher gives the answer.
+constexpr std::uint32_t kMatchLimit = 5000000;
+constexpr std::uint32_t kDepthLimit = 5000000;
+constexpr std::uint32_t kHeapLimitKiB = 64 * 1024;
+constexpr std::size_t kSmallWorkspace = 1 << 10;
+constexpr std::size_t kLargeWorkspace = 1 << 20;
+
+template <auto kFree>
+struct Freer {
+  template <class T>
+  void operator()(T* object) const {
+    kFree(object);
+  }
+};
+using Code = std::unique_ptr<pcre2_code, Freer<pcre2_code_free>>;
+using CompileContext = std::unique_ptr<pcre2_compile_context, Freer<pcre2_compile_context_free>>;
+using MatchContext = std::unique_ptr<pcre2_match_context, Freer<pcre2_match_context_free>>;
+using MatchData = std::unique_ptr<pcre2_match_data, Freer<pcre2_match_data_free>>;
+
+template <class Owner>
+Owner Require(Owner owner) {
+  if (owner == nullptr) throw std::bad_alloc();
+  return owner;
+}
+
+PCRE2_SPTR Bytes(const std::string& text) { return reinterpret_cast<PCRE2_SPTR>(text.data()); }
+
+// From XSD's escapes to the engine's, in this order, over the whole pattern whatever stands around them.
+std::string Rewrite(std::string pattern) {
+  static const std::pair<const char*, const char*> kSteps[] = {
+      {"\\\\", "\x01"},  // keeps an escaped backslash out of the steps between
+      {"\\i", "([^\\W\\d]|:)"},
+      {"\\I", "([\\W\\d])"},
+      {"\\c", "(\\w|\\.|-|:)"},
+      {"\\C", "([^\\w\\.\\-\\:])"},
+      {"\\p{IsBasicLatin}", "[\\000-\\177]"},
+      {"\\p{IsLatin-1Supplement}", "[\\200-\\377]"},
+      {"\\p{IsLatinExtended-A}", "[\\400-\\577]"},
+      {"\\p{IsLatinExtended-B}", "[\\600-\\1117]"},  // sic: never compiles, the range stands the wrong way round
+      {"\x01", "\\\\"},
+  };
+  for (const auto& [find, replace] : kSteps) FindReplace(pattern, find, replace);
+  return "^(" + pattern + ")$";
+}
+
+[[noreturn]] void ThrowInvalid(const std::wstring& value, int error) {
+  PCRE2_UCHAR buffer[256];
+  pcre2_get_error_message(error, buffer, sizeof buffer);
+  const std::string text(reinterpret_cast<const char*>(buffer));
+  throw CRkException(FormatString(L"Invalid Regular Expression: %ls Error: '%ls'", value.c_str(),
+                                  std::wstring(text.begin(), text.end()).c_str()));
+}
+
+Code Compile(const std::string& pattern, const std::wstring& value) {
+  const auto context = Require(CompileContext(pcre2_compile_context_create(nullptr)));
+  pcre2_set_newline(context.get(), PCRE2_NEWLINE_LF);
+  pcre2_set_compile_extra_options(context.get(), PCRE2_EXTRA_BAD_ESCAPE_IS_LITERAL);
+  int error = 0;
+  PCRE2_SIZE offset = 0;
+  Code code(pcre2_compile(Bytes(pattern), pattern.size(), PCRE2_UTF, &error, &offset, context.get()));
+  if (code == nullptr) {
+    if (error == PCRE2_ERROR_HEAP_FAILED) throw std::bad_alloc();
+    ThrowInvalid(value, error);
+  }
+  return code;
+}
+
+bool IsLimit(int result) {
+  return result == PCRE2_ERROR_MATCHLIMIT || result == PCRE2_ERROR_DEPTHLIMIT || result == PCRE2_ERROR_HEAPLIMIT;
+}
+
+// The matcher that follows all alternatives at once and never goes back.
+int MatchWithoutBacktracking(const pcre2_code* code, const std::string& subject, pcre2_match_data* data,
+                             pcre2_match_context* context) {
+  int result = PCRE2_ERROR_DFA_WSSIZE;
+  for (std::size_t size = kSmallWorkspace; result == PCRE2_ERROR_DFA_WSSIZE && size <= kLargeWorkspace; size *= 32) {
+    std::vector<int> workspace(size);
+    result = pcre2_dfa_match(code, Bytes(subject), subject.size(), 0, PCRE2_ANCHORED, data, context, workspace.data(),
+                             workspace.size());
+  }
+  return result;
+}
+
+}  // namespace
+
+bool TestRegEx(std::string utf8Pattern, std::wstring value) {
+  const Code code = Compile(Rewrite(std::move(utf8Pattern)), value);
+  const CBinaryData bytes = CEncoder::UnicodeToUtf8Binary(value.c_str());
+  const std::string subject(reinterpret_cast<const char*>(bytes.GetData()), bytes.GetLength());
+  const auto data = Require(MatchData(pcre2_match_data_create_from_pattern(code.get(), nullptr)));
+  const auto context = Require(MatchContext(pcre2_match_context_create(nullptr)));
+  pcre2_set_match_limit(context.get(), kMatchLimit);
+  pcre2_set_depth_limit(context.get(), kDepthLimit);
+  pcre2_set_heap_limit(context.get(), kHeapLimitKiB);
+
+  int result = pcre2_match(code.get(), Bytes(subject), subject.size(), 0, PCRE2_ANCHORED, data.get(), context.get());
+  if (IsLimit(result)) {
+    const int limit = result;
+    result = MatchWithoutBacktracking(code.get(), subject, data.get(), context.get());
+    // 0: it matched, but not every shorter match found room.
+    if (result < 0 && result != PCRE2_ERROR_NOMATCH) ThrowInvalid(value, limit);
+    if (result == 0) result = 1;
+  }
+  if (result == PCRE2_ERROR_NOMEMORY) throw std::bad_alloc();
+  const PCRE2_SIZE* const matched = pcre2_get_ovector_pointer(data.get());
+  return result > 0 && matched[0] == 0 && matched[1] == subject.size();
+}
+
+}  // namespace RkXmlLib16

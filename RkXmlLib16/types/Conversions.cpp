@@ -1,0 +1,364 @@
+#include "RkXmlLib16/types/Conversions.h"
+
+#include <locale.h>
+#include <wchar.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cstring>
+#include <limits>
+#include <type_traits>
+
+#include "RkXmlLib16/core/Exception.h"
+#include "RkXmlLib16/support/Format.h"
+
+namespace RkXmlLib16 {
+
+namespace {
+
+using std::wstring;
+using std::wstring_view;
+
+constexpr bool IsDigit(wchar_t c) { return c >= L'0' && c <= L'9'; }
+// White space to the number parsers of the C locale.
+constexpr bool IsCSpace(wchar_t c) { return c == L' ' || (c >= L'\t' && c <= L'\r'); }
+constexpr wchar_t LowerAscii(wchar_t c) { return c >= L'A' && c <= L'Z' ? c - L'A' + L'a' : c; }
+
+[[noreturn]] void ThrowNotA(wstring_view text, const wchar_t* type) {
+  throw CRkInvalidValueException(
+      FormatString(L"The value [%ls] can not be converted to a %ls", wstring(text).c_str(), type));
+}
+
+[[noreturn]] void ThrowTooLarge(wstring_view text, const wchar_t* type) {
+  throw CRkInvalidValueException(
+      FormatString(L"The value [%ls] is to large to fit in a %ls", wstring(text).c_str(), type));  // sic
+}
+
+// Base 10 as wcstol, wcstoll, wcstoul and wcstoull read it: white space, a sign, digits, nothing behind them. A
+// negative sign negates an unsigned value, and it is the magnitude that must fit.
+template <class Value>
+Value ParseInteger(wstring_view text, const wchar_t* type) {
+  using Unsigned = std::make_unsigned_t<Value>;
+  std::size_t i = 0;
+  while (i < text.size() && IsCSpace(text[i])) ++i;
+  const bool negative = i < text.size() && text[i] == L'-';
+  if (i < text.size() && (text[i] == L'-' || text[i] == L'+')) ++i;
+  const Unsigned most = std::is_unsigned_v<Value> ? std::numeric_limits<Unsigned>::max()
+                                                  : static_cast<Unsigned>(std::numeric_limits<Value>::max()) + negative;
+  const std::size_t firstDigit = i;
+  Unsigned magnitude = 0;
+  bool tooLarge = false;
+  for (; i < text.size() && IsDigit(text[i]); ++i) {
+    const auto digit = static_cast<Unsigned>(text[i] - L'0');
+    if (magnitude > most / 10 || magnitude * 10 > most - digit) tooLarge = true;
+    magnitude = magnitude * 10 + digit;
+  }
+  if (tooLarge) ThrowTooLarge(text, type);
+  if (i == firstDigit || i != text.size()) ThrowNotA(text, type);
+  return static_cast<Value>(negative ? 0 - magnitude : magnitude);
+}
+
+// The narrow types speak through the i4 parser.
+template <class Value>
+Value ParseNarrow(wstring_view text, const wchar_t* type) {
+  const long value = ParseInteger<long>(text, L"i4");
+  if (value < std::numeric_limits<Value>::min() || value > std::numeric_limits<Value>::max()) ThrowTooLarge(text, type);
+  return static_cast<Value>(value);
+}
+
+// What wcstod reads in the C locale.
+bool ParseDouble(wstring_view text, double& value) {
+  char narrow[128];
+  if (text.size() < sizeof narrow) {
+    // Plain decimal numbers, but for the sign that from_chars does not know.
+    const std::size_t skip = text[0] == L'+' && text.size() > 1 && text[1] != L'-' ? 1 : 0;
+    char* end = narrow;
+    for (const wchar_t c : text.substr(skip)) {
+      if (!IsDigit(c) && c != L'.' && c != L'-' && c != L'+' && c != L'e' && c != L'E') break;
+      *end++ = static_cast<char>(c);
+    }
+    if (static_cast<std::size_t>(end - narrow) == text.size() - skip) {
+      const auto result = std::from_chars(narrow, end, value);
+      if (result.ec == std::errc() && result.ptr == end) return true;
+    }
+  }
+  static const locale_t cLocale = newlocale(LC_ALL_MASK, "C", locale_t{});
+  const wstring terminated(text);
+  wchar_t* end = nullptr;
+  value = wcstod_l(terminated.c_str(), &end, cLocale);
+  return end == terminated.c_str() + terminated.size();
+}
+
+template <class Value>
+Value ParseFloating(wstring_view text, const wchar_t* type) {
+  if (text.empty()) ThrowNotA(text, type);
+  if (text == L"NaN" || text == L"1.#QNAN" || text == L"-NAN") return std::numeric_limits<Value>::quiet_NaN();
+  if (text == L"-INF") return -std::numeric_limits<Value>::infinity();
+  if (text == L"INF") return std::numeric_limits<Value>::infinity();
+  double value = 0;
+  if (!ParseDouble(text, value)) ThrowNotA(text, type);
+  return static_cast<Value>(value);
+}
+
+bool ParseBoolean(wstring_view text) {
+  const auto is = [text](wstring_view word) {
+    return text.size() == word.size() &&
+           std::equal(text.begin(), text.end(), word.begin(), [](wchar_t a, wchar_t b) { return LowerAscii(a) == b; });
+  };
+  if (text == L"1" || is(L"true")) return true;
+  if (text == L"0" || is(L"false")) return false;
+  throw CRkInvalidValueException(FormatString(
+      L"A Boolean Value read from an XML document was invalid [%ls]. Valid values are 'true', 'false', '1', or '0'",
+      wstring(text).c_str()));
+}
+
+wchar_t ParseChar(wstring_view text) {
+  if (text.size() != 1)
+    throw CRkInvalidValueException(
+        FormatString(L"The value [%ls] can not be a char as it is either empty of greater than 1 char long",  // sic
+                     wstring(text).c_str()));
+  return text[0];
+}
+
+CDateTime ParseDate(wstring_view text, DTType type) {
+  CDateTime value;
+  value.ParseXSDDate(text);
+  if (value.GetType() != type)
+    throw CRkInvalidValueException(FormatString(L"Failed to copy CDateTime. Invalid Date Type: %ls, expected: %ls.",
+                                                value.GetTypeAsString(), CDateTime::GetTypeAsString(type)));
+  return value;
+}
+
+unsigned short ParseYear(wstring_view text) {
+  const short year = ParseDate(text, dt_gYear).GetYear();
+  if (year < 0) ThrowTooLarge(text, L"ui2");
+  return static_cast<unsigned short>(year);
+}
+
+template <ItemType kItem>
+XsdValue<kItem> Parse(wstring_view text) {
+  XsdValue<kItem> value;
+  if constexpr (kItem == ItemType_byte) {
+    value = ParseNarrow<signed char>(text, L"i1");
+  } else if constexpr (kItem == ItemType_short) {
+    value = ParseNarrow<short>(text, L"i2");
+  } else if constexpr (kItem == ItemType_int) {
+    value = ParseInteger<long>(text, L"i4");
+  } else if constexpr (kItem == ItemType_long) {
+    value = ParseInteger<long long>(text, L"i8");
+  } else if constexpr (kItem == ItemType_unsignedByte) {
+    value = ParseNarrow<unsigned char>(text, L"ui1");
+  } else if constexpr (kItem == ItemType_unsignedShort) {
+    value = ParseNarrow<unsigned short>(text, L"ui2");
+  } else if constexpr (kItem == ItemType_unsignedInt) {
+    value = ParseInteger<unsigned long>(text, L"ui4");
+  } else if constexpr (kItem == ItemType_unsignedLong) {
+    value = ParseInteger<unsigned long long>(text, L"ui8");
+  } else if constexpr (kItem == ItemType_float) {
+    value = ParseFloating<float>(text, L"r4");
+  } else if constexpr (kItem == ItemType_double) {
+    value = ParseFloating<double>(text, L"r8");
+  } else if constexpr (kItem == ItemType_duration) {
+    value.ParseXSDDuration(text);
+  } else if constexpr (kItem == ItemType_gYearMonth) {
+    return ParseDate(text, dt_gYearMonth);
+  } else if constexpr (kItem == ItemType_gMonthDay) {
+    return ParseDate(text, dt_gMonthDay);
+  } else if constexpr (kItem == ItemType_gYear) {
+    value = ParseYear(text);
+  } else if constexpr (kItem == ItemType_gMonth) {
+    value = ParseDate(text, dt_gMonth).GetMonth();
+  } else if constexpr (kItem == ItemType_gDay) {
+    value = ParseDate(text, dt_gDay).GetDay();
+  } else if constexpr (kItem == ItemType_date) {
+    return ParseDate(text, dt_date);
+  } else if constexpr (kItem == ItemType_dateTime) {
+    value.ParseXSDDateTime(text);
+  } else if constexpr (kItem == ItemType_time) {
+    value.ParseXSDTime(text);
+  } else if constexpr (kItem == ItemType_char) {
+    value = ParseChar(text);
+  } else if constexpr (kItem == ItemType_string) {
+    value.assign(text);
+  } else if constexpr (kItem == ItemType_boolean) {
+    value = ParseBoolean(text);
+  } else if constexpr (kItem == ItemType_decimal) {
+    value.Parse(text);
+  } else if constexpr (kItem == ItemType_integer) {
+    return CBigInteger(text);
+  } else if constexpr (kItem == ItemType_hexBinary) {
+    value.SetAsHexString(wstring(text).c_str());
+  } else {
+    static_assert(kItem == ItemType_base64Binary);
+    value.SetAsBase64(wstring(text).c_str());
+  }
+  return value;
+}
+
+template <class Value>
+void AppendInteger(wstring& out, Value value) {
+  char buffer[24];
+  out.append(buffer, std::to_chars(buffer, buffer + sizeof buffer, value).ptr);
+}
+
+void AppendTwoDigits(wstring& out, const wchar_t* prefix, unsigned value) {
+  out += prefix;
+  if (value < 10) out += L'0';
+  AppendInteger(out, value);
+}
+
+// The precision of a format for one double, or what is wrong with it.
+struct FloatFormat {
+  bool usable = false;  // exactly one conversion of a double
+  bool fixed = false;   // %f
+  int precision = 6;
+};
+
+FloatFormat Examine(wstring_view format) {
+  FloatFormat result;
+  for (std::size_t i = 0; i < format.size(); ++i) {
+    if (format[i] != L'%') continue;
+    if (format.substr(i, 2) == L"%%") {
+      ++i;
+      continue;
+    }
+    if (result.usable) return FloatFormat();
+    i = std::min(format.find_first_not_of(L"#0- +'", i + 1), format.size());
+    long long number = 0;
+    const auto readNumber = [&] {
+      for (number = 0; i < format.size() && IsDigit(format[i]); ++i)
+        number = std::min(number * 10 + (format[i] - L'0'), 1000000LL);
+    };
+    readNumber();
+    if (i < format.size() && format[i] == L'.') {
+      ++i;
+      readNumber();
+      result.precision = static_cast<int>(number);
+    }
+    if (i < format.size() && format[i] == L'l') ++i;
+    if (i == format.size() || wstring_view(L"aAeEfFgG").find(format[i]) == wstring_view::npos) return FloatFormat();
+    result.usable = true;
+    result.fixed = format[i] == L'f' || format[i] == L'F';
+  }
+  return result;
+}
+
+void AppendFloating(wstring& out, double value, double limit, int precision, const wchar_t* format) {
+  if (value != value) {
+    out += L"NaN";
+  } else if (value < -limit) {
+    out += L"-INF";
+  } else if (value > limit) {
+    out += L"INF";
+  } else if (format != nullptr && *format != L'\0' && Examine(format).usable) {
+    out += FormatString(format, value);
+  } else {
+    char buffer[32];
+    const auto end = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::general, precision).ptr;
+    out.append(buffer, end);
+  }
+}
+
+void AppendDecimal(wstring& out, const CDecimal& value, const wchar_t* format) {
+  if (format != nullptr && *format != L'\0') {
+    const FloatFormat shape = Examine(format);
+    if (shape.usable && shape.fixed) {
+      out += value.ToString(shape.precision);
+      return;
+    }
+  }
+  value.AppendTo(out);
+}
+
+}  // namespace
+
+template <ItemType kItem>
+XsdValue<kItem> CConversions::FromText(wstring_view text, Rule rule) {
+  wstring scratch;
+  return Parse<kItem>(CWhitespaceUtils::ApplyRule(rule, text, scratch));
+}
+
+template <ItemType kItem>
+void CConversions::AppendTo(wstring& out, const XsdValue<kItem>& value, const wchar_t* format) {
+  if constexpr (kItem == ItemType_byte)
+    AppendInteger(out, static_cast<int>(value));
+  else if constexpr (kItem == ItemType_float)
+    AppendFloating(out, static_cast<double>(value), 3.4028235e38, 7, format);
+  else if constexpr (kItem == ItemType_double)
+    AppendFloating(out, value, 1.7976931348623157e308, 16, format);
+  else if constexpr (kItem == ItemType_boolean)
+    out += value ? L"true" : L"false";
+  else if constexpr (kItem == ItemType_char || kItem == ItemType_string)
+    out += value;
+  else if constexpr (kItem == ItemType_gMonth)
+    AppendTwoDigits(out, L"--", value);
+  else if constexpr (kItem == ItemType_gDay)
+    AppendTwoDigits(out, L"---", value);
+  else if constexpr (kItem == ItemType_decimal)
+    AppendDecimal(out, value, format);
+  else if constexpr (kItem == ItemType_hexBinary)
+    out += value.GetAsHexString();
+  else if constexpr (kItem == ItemType_base64Binary)
+    out += value.GetAsBase64();
+  else if constexpr (std::is_integral_v<XsdValue<kItem>>)
+    AppendInteger(out, value);
+  else
+    value.AppendTo(out);
+}
+
+namespace {
+
+template <ItemType kItem>
+wstring Print(const XsdValue<kItem>& value, const wchar_t* format = nullptr) {
+  wstring text;
+  CConversions::AppendTo<kItem>(text, value, format);
+  return text;
+}
+
+}  // namespace
+
+// The named conversions, and with them the instances of the templates.
+#define RKXML_CONVERSION(name, Item, Value, Argument)                                                         \
+  template RKXML_EXPORT Value CConversions::FromText<Item>(wstring_view, Rule);                               \
+  template RKXML_EXPORT void CConversions::AppendTo<Item>(wstring&, const Value&, const wchar_t*);            \
+  Value CConversions::name##FromString(const wstring& text, Rule rule) { return FromText<Item>(text, rule); } \
+  wstring CConversions::name##ToString(Argument value) { return Print<Item>(value); }
+RKXML_CONVERSION(hexBinary, ItemType_hexBinary, CBinaryData, const CBinaryData&)
+RKXML_CONVERSION(base64Binary, ItemType_base64Binary, CBinaryData, const CBinaryData&)
+RKXML_CONVERSION(i1, ItemType_byte, char, char)
+RKXML_CONVERSION(i2, ItemType_short, short, short)
+RKXML_CONVERSION(i4, ItemType_int, long, long)
+RKXML_CONVERSION(i8, ItemType_long, long long, long long)
+RKXML_CONVERSION(ui1, ItemType_unsignedByte, unsigned char, unsigned char)
+RKXML_CONVERSION(ui2, ItemType_unsignedShort, unsigned short, unsigned short)
+RKXML_CONVERSION(ui4, ItemType_unsignedInt, unsigned long, unsigned long)
+RKXML_CONVERSION(ui8, ItemType_unsignedLong, unsigned long long, unsigned long long)
+RKXML_CONVERSION(r4, ItemType_float, float, float)
+RKXML_CONVERSION(r8, ItemType_double, double, double)
+RKXML_CONVERSION(duration, ItemType_duration, CDateTimeSpan, const CDateTimeSpan&)
+RKXML_CONVERSION(yearMonth, ItemType_gYearMonth, CDateTime, const CDateTime&)
+RKXML_CONVERSION(monthDay, ItemType_gMonthDay, CDateTime, const CDateTime&)
+RKXML_CONVERSION(year, ItemType_gYear, unsigned short, unsigned short)
+RKXML_CONVERSION(month, ItemType_gMonth, unsigned char, unsigned char)
+RKXML_CONVERSION(day, ItemType_gDay, unsigned char, unsigned char)
+RKXML_CONVERSION(date, ItemType_date, CDateTime, const CDateTime&)
+RKXML_CONVERSION(datetime, ItemType_dateTime, CDateTime, const CDateTime&)
+RKXML_CONVERSION(time, ItemType_time, CDateTime, const CDateTime&)
+RKXML_CONVERSION(char, ItemType_char, wchar_t, wchar_t)
+RKXML_CONVERSION(string, ItemType_string, wstring, const wstring&)
+RKXML_CONVERSION(boolean, ItemType_boolean, bool, bool)
+RKXML_CONVERSION(decimal, ItemType_decimal, CDecimal, const CDecimal&)
+RKXML_CONVERSION(integer, ItemType_integer, CBigInteger, const CBigInteger&)
+#undef RKXML_CONVERSION
+
+wstring CConversions::r4ToString(float value, const wstring& format) {
+  return Print<ItemType_float>(value, format.c_str());
+}
+wstring CConversions::r8ToString(double value, const wstring& format) {
+  return Print<ItemType_double>(value, format.c_str());
+}
+wstring CConversions::decimalToString(const CDecimal& value, const wstring& format) {
+  return Print<ItemType_decimal>(value, format.c_str());
+}
+
+}  // namespace RkXmlLib16

@@ -1,0 +1,710 @@
+#include "RkXmlLib16/types/DateTime.h"
+
+#include <time.h>
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <limits>
+
+#include "RkXmlLib16/core/Exception.h"
+#include "RkXmlLib16/support/Format.h"
+#include "RkXmlLib16/types/Calendar.h"
+
+namespace RkXmlLib16 {
+
+namespace {
+
+using Calendar::Wide;
+
+enum Owned : unsigned { kYear = 1, kMonth = 2, kDay = 4, kTime = 8 };
+
+// By DTType: the name and the fields.
+constexpr struct {
+  const wchar_t* name;
+  unsigned owned;
+} kTypes[] = {
+    {L"yearZero", 0},
+    {L"dateTime", kYear | kMonth | kDay | kTime},
+    {L"date", kYear | kMonth | kDay},
+    {L"gYearMonth", kYear | kMonth},
+    {L"gYear", kYear},
+    {L"time", kTime},
+    {L"gDay", kDay},
+    {L"gMonth", kMonth},
+    {L"gMonthDay", kMonth | kDay},
+};
+
+constexpr bool IsKnown(DTType type) { return type >= 0 && static_cast<std::size_t>(type) < std::size(kTypes); }
+constexpr unsigned OwnedBy(DTType type) { return IsKnown(type) ? kTypes[type].owned : 0; }
+
+constexpr bool IsDigit(wchar_t c) { return c >= L'0' && c <= L'9'; }
+
+template <class... Args>
+[[noreturn]] void ThrowInvalid(const wchar_t* format, Args... args) {
+  throw CRkInvalidValueException(FormatString(format, args...));
+}
+
+[[noreturn]] void ThrowInvalidText(const wchar_t* format, std::wstring_view text) {
+  ThrowInvalid(format, std::wstring(text).c_str());
+}
+
+[[noreturn]] void ThrowInvalidYear(long long year) {
+  // sic: the bounds stand the wrong way round
+  ThrowInvalid(L"Invalid Year [%lld] (%d <= year <= %d && year != 0)", year, int{MAX_YEAR}, int{MIN_YEAR});
+}
+
+[[noreturn]] void ThrowNoField(const wchar_t* operation, const wchar_t* typeName) {
+  throw CRkInvalidStateException(std::wstring(L"Failed to ") + operation + L". Invalid Date Type: " + typeName + L".");
+}
+
+// Whether `text` has the shape of `mask`, where 9 stands for a digit and everything else for itself.
+bool HasShape(std::wstring_view text, std::wstring_view mask) {
+  return text.size() == mask.size() && std::equal(text.begin(), text.end(), mask.begin(),
+                                                  [](wchar_t c, wchar_t m) { return m == L'9' ? IsDigit(c) : c == m; });
+}
+
+int TwoDigits(std::wstring_view text, std::size_t at) { return (text[at] - L'0') * 10 + (text[at + 1] - L'0'); }
+
+void AppendPadded(std::wstring& out, int value, int digits) {
+  wchar_t buffer[8];
+  int i = 0;
+  for (; i < digits || value != 0; ++i, value /= 10) buffer[i] = static_cast<wchar_t>(L'0' + value % 10);
+  while (i-- > 0) out += buffer[i];
+}
+
+}  // namespace
+
+// The fields of a value, unbounded, while it is moved and compared.
+class CDateTimeFields {
+ public:
+  explicit CDateTimeFields(const CDateTime& value)
+      : m_owned(OwnedBy(value.m_type)),
+        m_date{value.m_year, value.m_month, value.m_day},
+        m_second(value.m_hour * 3600LL + value.m_minute * 60LL + value.m_second),
+        m_nano(value.m_milliSecond * 1000000LL + value.m_microSecond * 1000LL + value.m_nanoSecond) {}
+
+  // The first instant of the value, moved from the given offset to UTC. Fields that the type does not have count as the
+  // first month, day or second, in a year that stands for any.
+  static CDateTimeFields Instant(const CDateTime& value, long long offsetSeconds) {
+    CDateTimeFields fields(value);
+    fields.FillIn();
+    fields.MoveTo(fields.DayNumber(), fields.m_second - offsetSeconds);
+    if (fields.m_owned == kTime) fields.m_date = kAnyDate;  // a time of day has no day to carry into
+    return fields;
+  }
+
+  static long long OffsetSeconds(const CDateTime& value) {
+    const long long minutes = value.m_zoneMinute;
+    return value.m_zoneHour * 3600LL + (value.m_zoneHour < 0 ? -minutes : minutes) * 60;
+  }
+
+  static CDateTimeFields Utc(const CDateTime& value) { return Instant(value, OffsetSeconds(value)); }
+
+  // Appendix E of XML Schema Part 2. The carries are exact, whatever the size of the counts.
+  void Add(const CDateTimeSpan& span) {
+    FillIn();
+    const Wide sign = span.IsNegative() ? -1 : 1;
+    const Wide months = Calendar::YearIndex(m_date.year) * 12 + m_date.month - 1 +
+                        sign * (static_cast<Wide>(span.GetYears()) * 12 + span.GetMonths());
+    const Wide yearIndex = Calendar::FloorDiv(months, 12);
+    m_date.year = static_cast<long long>(Calendar::YearFromIndex(yearIndex));
+    m_date.month = static_cast<int>(months - yearIndex * 12) + 1;
+    m_date.day = std::clamp(m_date.day, 1, Calendar::DaysInMonth(m_date.year, m_date.month));
+
+    const Wide nanos =
+        m_nano + sign * (span.GetMilliSeconds() * 1000000LL + span.GetMicroSeconds() * 1000LL + span.GetNanoSeconds());
+    const Wide carry = Calendar::FloorDiv(nanos, Calendar::kNanosPerSecond);
+    m_nano = static_cast<long long>(nanos - carry * Calendar::kNanosPerSecond);
+    const Wide seconds =
+        sign * ((static_cast<Wide>(span.GetHours()) * 60 + span.GetMinutes()) * 60 + span.GetSeconds());
+    MoveTo(DayNumber() + sign * static_cast<Wide>(span.GetDays()), m_second + seconds + carry);
+  }
+
+  // Writes back the fields that the value has.
+  void Store(CDateTime& value) const {
+    if ((m_owned & kYear) != 0) {
+      if (m_date.year > MAX_YEAR || m_date.year < MIN_YEAR) ThrowInvalidYear(m_date.year);
+      value.m_year = static_cast<short>(m_date.year);
+    }
+    if ((m_owned & kMonth) != 0) value.m_month = static_cast<unsigned char>(m_date.month);
+    if ((m_owned & kDay) != 0) value.m_day = static_cast<unsigned char>(m_date.day);
+    if ((m_owned & kTime) == 0) return;
+    value.m_hour = static_cast<unsigned char>(m_second / 3600);
+    value.m_minute = static_cast<unsigned char>(m_second / 60 % 60);
+    value.m_second = static_cast<unsigned char>(m_second % 60);
+    value.m_milliSecond = static_cast<unsigned short>(m_nano / 1000000);
+    value.m_microSecond = static_cast<unsigned short>(m_nano / 1000 % 1000);
+    value.m_nanoSecond = static_cast<unsigned short>(m_nano % 1000);
+  }
+
+  Wide DayNumber() const { return Calendar::DayNumber(m_date.year, m_date.month, m_date.day); }
+  Wide Seconds() const { return DayNumber() * Calendar::kSecondsPerDay + m_second; }
+  long long Nanos() const { return m_nano; }
+
+  friend CompareResult CompareFields(const CDateTimeFields& a, const CDateTimeFields& b) {
+    if ((a.m_date.year < 0 && b.m_date.year > 0) || (a.m_date.year > 0 && b.m_date.year < 0))
+      return CompareResult_Indeterminate;
+    const struct {
+      unsigned owned;
+      long long a, b;
+    } fields[] = {
+        {kYear, a.m_date.year, b.m_date.year},
+        {kMonth, a.m_date.month, b.m_date.month},
+        {kDay, a.m_date.day, b.m_date.day},
+        {kTime, a.m_second / 3600, b.m_second / 3600},
+        {kTime, a.m_second / 60 % 60, b.m_second / 60 % 60},
+        {kTime, a.m_second % 60, b.m_second % 60},
+        {kTime, a.m_nano, b.m_nano},
+    };
+    for (const auto& field : fields) {
+      const bool inA = (a.m_owned & field.owned) != 0, inB = (b.m_owned & field.owned) != 0;
+      if (inA != inB) {
+        if ((inA ? field.a : field.b) != 0) return CompareResult_Indeterminate;
+      } else if (field.a != field.b) {
+        return field.a < field.b ? CompareResult_Less : CompareResult_Greater;
+      }
+    }
+    return CompareResult_Equal;
+  }
+
+ private:
+  static constexpr Calendar::Date kAnyDate{2000, 1, 1};
+
+  void FillIn() {
+    if (m_date.year == 0) m_date.year = kAnyDate.year;
+    m_date.month = std::clamp(m_date.month, 1, 12);
+    m_date.day = std::max(m_date.day, 1);
+  }
+
+  void MoveTo(Wide dayNumber, Wide second) {
+    const Wide days = Calendar::FloorDiv(second, Calendar::kSecondsPerDay);
+    m_date = Calendar::DateOf(dayNumber + days);
+    m_second = static_cast<long long>(second - days * Calendar::kSecondsPerDay);
+  }
+
+  unsigned m_owned;
+  Calendar::Date m_date;
+  long long m_second;  // of the day
+  long long m_nano;
+};
+
+CDateTime::CDateTime() = default;
+CDateTime::CDateTime(DTType type) : m_type(type) {}
+CDateTime::CDateTime(const wchar_t* text) { ParseXSDDateTime(text); }
+CDateTime::CDateTime(short year, unsigned char month, unsigned char day) { SetDate(year, month, day); }
+CDateTime::CDateTime(short year, unsigned char month, unsigned char day, unsigned char hour, unsigned char minute,
+                     unsigned char second) {
+  SetDateTime(year, month, day, hour, minute, second);
+}
+CDateTime::CDateTime(short year, unsigned char month, unsigned char day, unsigned char hour, unsigned char minute,
+                     unsigned char second, unsigned short milliSecond, unsigned short microSecond,
+                     unsigned short nanoSecond) {
+  SetDateTime(year, month, day, hour, minute, second, milliSecond, microSecond, nanoSecond);
+}
+CDateTime::CDateTime(const long& t) {
+  try {
+    *this = t;
+  } catch (const CRkInvalidValueException&) {
+    Clear();
+  }
+}
+CDateTime::CDateTime(const CDateTime& other) = default;
+CDateTime& CDateTime::operator=(const CDateTime& other) = default;
+CDateTime::~CDateTime() = default;
+
+CDateTime& CDateTime::operator=(const long& t) {
+  struct tm parts {};
+  const time_t time = t;
+  constexpr long kSecondsPerYear = 31556952;
+  if (gmtime_r(&time, &parts) == nullptr) ThrowInvalidYear(1970 + t / kSecondsPerYear);
+  const long long year = 1900LL + parts.tm_year;
+  if (year < MIN_YEAR || year > MAX_YEAR) ThrowInvalidYear(year);
+  SetDateTime(static_cast<short>(year), static_cast<unsigned char>(parts.tm_mon + 1),
+              static_cast<unsigned char>(parts.tm_mday), static_cast<unsigned char>(parts.tm_hour),
+              static_cast<unsigned char>(parts.tm_min), static_cast<unsigned char>(parts.tm_sec));
+  return *this;
+}
+
+void CDateTime::SetDateTime(DTType type, short year, unsigned char month, unsigned char day, unsigned char hour,
+                            unsigned char minute, unsigned char second, unsigned short milliSecond,
+                            unsigned short microSecond, unsigned short nanoSecond) {
+  Clear();
+  m_type = type;
+  m_year = year;
+  m_month = month;
+  m_day = day;
+  m_hour = hour;
+  m_minute = minute;
+  m_second = second;
+  m_milliSecond = milliSecond;
+  m_microSecond = microSecond;
+  m_nanoSecond = nanoSecond;
+  Validate();
+}
+
+void CDateTime::SetDateTime(short year, unsigned char month, unsigned char day, unsigned char hour,
+                            unsigned char minute, unsigned char second) {
+  SetDateTime(dt_dateTime, year, month, day, hour, minute, second, 0, 0, 0);
+}
+
+void CDateTime::SetDateTime(short year, unsigned char month, unsigned char day, unsigned char hour,
+                            unsigned char minute, unsigned char second, unsigned short milliSecond,
+                            unsigned short microSecond, unsigned short nanoSecond) {
+  SetDateTime(dt_dateTime, year, month, day, hour, minute, second, milliSecond, microSecond, nanoSecond);
+}
+
+void CDateTime::SetDate(short year, unsigned char month, unsigned char day) {
+  SetDateTime(dt_date, year, month, day, 0, 0, 0, 0, 0, 0);
+}
+
+void CDateTime::SetTime(unsigned char hour, unsigned char minute, unsigned char second) {
+  SetDateTime(dt_time, 0, 0, 0, hour, minute, second, 0, 0, 0);
+}
+
+void CDateTime::SetTime(unsigned char hour, unsigned char minute, unsigned char second, unsigned short milliSecond,
+                        unsigned short microSecond, unsigned short nanoSecond) {
+  SetDateTime(dt_time, 0, 0, 0, hour, minute, second, milliSecond, microSecond, nanoSecond);
+}
+
+void CDateTime::SetGYear(short year) { SetDateTime(dt_gYear, year, 0, 0, 0, 0, 0, 0, 0, 0); }
+void CDateTime::SetGYearMonth(short year, unsigned char month) {
+  SetDateTime(dt_gYearMonth, year, month, 0, 0, 0, 0, 0, 0, 0);
+}
+void CDateTime::SetGMonth(unsigned char month) { SetDateTime(dt_gMonth, 0, month, 0, 0, 0, 0, 0, 0, 0); }
+void CDateTime::SetGMonthDay(unsigned char month, unsigned char day) {
+  SetDateTime(dt_gMonthDay, 0, month, day, 0, 0, 0, 0, 0, 0);
+}
+void CDateTime::SetGDay(unsigned char day) { SetDateTime(dt_gDay, 0, 0, day, 0, 0, 0, 0, 0, 0); }
+
+void CDateTime::SetFracTime(unsigned short milliSecond, unsigned short microSecond, unsigned short nanoSecond) {
+  m_milliSecond = milliSecond;
+  m_microSecond = microSecond;
+  m_nanoSecond = nanoSecond;
+  Validate();
+}
+
+void CDateTime::SetDateTime(const CDateTime& source, DTType target) {
+  if (!CheckConversion(source.m_type, target))
+    ThrowInvalid(
+        L"Attempting to set a CDateTime of type %ls using an XmlDateTime of type %ls. "
+        L"The source CDateTime does not contian enough data to allow the conversion.",  // sic
+        GetTypeAsString(target), source.GetTypeAsString());
+  CDateTime result(source);
+  const unsigned owned = OwnedBy(target);
+  result.m_type = target;
+  if ((owned & kYear) == 0) result.m_year = 0;
+  if ((owned & kMonth) == 0) result.m_month = 0;
+  if ((owned & kDay) == 0) result.m_day = 0;
+  if ((owned & kTime) == 0) {
+    result.m_hour = result.m_minute = result.m_second = 0;
+    result.m_milliSecond = result.m_microSecond = result.m_nanoSecond = 0;
+  }
+  *this = result;
+}
+
+bool CDateTime::CheckConversion(DTType from, DTType to) {
+  if (!IsKnown(from)) ThrowInvalid(L"Unknown date type %d.", static_cast<int>(from));
+  if (from == to || to == dt_none) return true;
+  // A value converts to every type whose fields it has.
+  return from != dt_none && IsKnown(to) && (OwnedBy(to) & ~OwnedBy(from)) == 0;
+}
+
+#define RKXML_FIELD(Type, Name, member, bit)                                         \
+  Type CDateTime::Get##Name() const {                                                \
+    if ((OwnedBy(m_type) & bit) == 0) ThrowNoField(L"Get" #Name, GetTypeAsString()); \
+    return member;                                                                   \
+  }                                                                                  \
+  void CDateTime::Set##Name(Type value) {                                            \
+    if ((OwnedBy(m_type) & bit) == 0) ThrowNoField(L"Get" #Name, GetTypeAsString()); \
+    member = value;                                                                  \
+  }
+RKXML_FIELD(short, Year, m_year, kYear)
+RKXML_FIELD(unsigned char, Month, m_month, kMonth)
+RKXML_FIELD(unsigned char, Day, m_day, kDay)
+RKXML_FIELD(unsigned char, Hour, m_hour, kTime)
+RKXML_FIELD(unsigned char, Minute, m_minute, kTime)
+RKXML_FIELD(unsigned char, Second, m_second, kTime)
+RKXML_FIELD(unsigned short, MilliSecond, m_milliSecond, kTime)
+RKXML_FIELD(unsigned short, MicroSecond, m_microSecond, kTime)
+RKXML_FIELD(unsigned short, NanoSecond, m_nanoSecond, kTime)
+#undef RKXML_FIELD
+
+double CDateTime::GetRealSecond() const {
+  if ((OwnedBy(m_type) & kTime) == 0) ThrowNoField(L"GetRealSecond", GetTypeAsString());
+  return m_second + m_milliSecond / 1e3 + m_microSecond / 1e6 + m_nanoSecond / 1e9;
+}
+
+int CDateTime::GetDayOfYear() const {
+  if (m_type != dt_dateTime && m_type != dt_date) ThrowNoField(L"GetDayOfYear", GetTypeAsString());
+  if (m_month < 1 || m_month > 12) return 0;
+  return g_monthDayInYear[m_month - 1] + m_day + (m_month > 2 && IsLeapYear(m_year) ? 1 : 0);
+}
+
+int CDateTime::GetDayOfWeek() const {
+  if (m_type != dt_dateTime && m_type != dt_date) ThrowNoField(L"GetDayOfWeek", GetTypeAsString());
+  const Wide day = CDateTimeFields::Instant(*this, 0).DayNumber() + 1;  // the year 1 began on a Monday
+  return static_cast<int>(day - Calendar::FloorDiv(day, 7) * 7);
+}
+
+long CDateTime::GetTime() const {
+  if (m_type != dt_dateTime && m_type != dt_date)
+    ThrowNoField(L"GetTime, Date Status must be dateTime or date", GetTypeAsString());
+  constexpr Wide kEpoch = Calendar::DayNumber(1970, 1, 1) * Calendar::kSecondsPerDay;
+  return static_cast<long>(CDateTimeFields::Utc(*this).Seconds() - kEpoch);
+}
+
+short CDateTime::GetZoneHour() const {
+  if (!m_hasTimeZone) throw CRkInvalidValueException(L"TimeZone is not been used");  // sic
+  return m_zoneHour;
+}
+
+unsigned char CDateTime::GetZoneMinute() const {
+  if (!m_hasTimeZone) throw CRkInvalidValueException(L"TimeZone is not been used");  // sic
+  return m_zoneMinute;
+}
+
+void CDateTime::SetTimeZone(short hour, unsigned char minute) {
+  if (hour < -23 || hour > 23 || minute > 59) ThrowInvalid(L"Invalid TimeZone [%d:%d]", int{hour}, int{minute});
+  m_isUTC = true;
+  m_hasTimeZone = true;
+  m_zoneHour = hour;
+  m_zoneMinute = minute;
+}
+
+void CDateTime::SetUTC() noexcept {
+  m_isUTC = true;
+  m_hasTimeZone = false;
+  m_zoneHour = 0;
+  m_zoneMinute = 0;
+}
+
+void CDateTime::ParseXSDDateTime(const wchar_t* text) {
+  Clear();
+  if (text == nullptr) throw CRkInvalidValueException(L"Invalid DateTime (Null String)");
+  ParseXSDDateTime(std::wstring_view(text));
+}
+
+void CDateTime::ParseXSDDateTime(std::wstring_view text) {
+  Clear();
+  const std::size_t t = text.find(L'T');
+  if (t == std::wstring_view::npos) ThrowInvalidText(L"Invalid XSD DateTime [%ls].", text);
+  ReadDate(text.substr(0, t));
+  if (m_type != dt_date || m_isUTC)
+    ThrowInvalidText(L"Invalid XSD DateTime [%ls] expected CCYY-MM-DDThh:mm:ss[.ff]", text);
+  ReadTime(text.substr(t + 1));
+  m_type = dt_dateTime;
+  Validate();
+}
+
+void CDateTime::ParseXSDDate(const wchar_t* text) {
+  Clear();
+  if (text == nullptr) throw CRkInvalidValueException(L"Invalid Date (Null String)");
+  ParseXSDDate(std::wstring_view(text));
+}
+
+void CDateTime::ParseXSDDate(std::wstring_view text) {
+  Clear();
+  ReadDate(text);
+  Validate();
+}
+
+void CDateTime::ParseXSDTime(const wchar_t* text) {
+  Clear();
+  if (text == nullptr) throw CRkInvalidValueException(L"Invalid Time (Null String)");
+  ParseXSDTime(std::wstring_view(text));
+}
+
+void CDateTime::ParseXSDTime(std::wstring_view text) {
+  Clear();
+  ReadTime(text);
+  Validate();
+}
+
+void CDateTime::ReadDate(std::wstring_view text) {
+  if (text.empty()) throw CRkInvalidValueException(L"Invalid Date (Empty String)");
+  if (text.find(L'T') != std::wstring_view::npos) throw CRkInvalidValueException(L"Invalid Date ('T' not allowed)");
+  const bool isUtc = text.back() == L'Z';
+  const bool hasOffset = text.find(L':') != std::wstring_view::npos;
+  if (isUtc && hasOffset) throw CRkInvalidValueException(L"Invalid Date (Bad Zone value)");
+  const std::size_t zoneSize = isUtc ? 1 : hasOffset ? 6 : 0;
+  const std::wstring_view body = text.substr(0, text.size() - std::min(zoneSize, text.size()));
+
+  if (HasShape(body, L"--99") || (body.size() == 6 && HasShape(body.substr(0, 4), L"--99"))) {
+    m_type = dt_gMonth;
+    m_month = static_cast<unsigned char>(TwoDigits(body, 2));
+  } else if (HasShape(body, L"---99")) {
+    m_type = dt_gDay;
+    m_day = static_cast<unsigned char>(TwoDigits(body, 3));
+  } else if (HasShape(body, L"--99-99")) {
+    m_type = dt_gMonthDay;
+    m_month = static_cast<unsigned char>(TwoDigits(body, 2));
+    m_day = static_cast<unsigned char>(TwoDigits(body, 5));
+  } else {
+    const bool negative = !body.empty() && body.front() == L'-';
+    const std::wstring_view date = body.substr(negative ? 1 : 0);
+    if (HasShape(date, L"9999-99-99"))
+      m_type = dt_date;
+    else if (HasShape(date, L"9999-99"))
+      m_type = dt_gYearMonth;
+    else if (HasShape(date, L"9999"))
+      m_type = dt_gYear;
+    else
+      ThrowInvalidText(L"Invalid XSD Date [%ls] expected CCYY-MM-DD[Z|[+|-]hh:mm]", text);
+    const int year = TwoDigits(date, 0) * 100 + TwoDigits(date, 2);
+    m_year = static_cast<short>(negative ? -year : year);
+    if (m_type != dt_gYear) m_month = static_cast<unsigned char>(TwoDigits(date, 5));
+    if (m_type == dt_date) m_day = static_cast<unsigned char>(TwoDigits(date, 8));
+  }
+  if (zoneSize != 0) ReadZone(text.substr(body.size()));
+}
+
+void CDateTime::ReadTime(std::wstring_view text) {
+  if (text.empty()) throw CRkInvalidValueException(L"Invalid XSD Time (Empty String)");
+  constexpr std::size_t kTimeSize = 8;
+  const bool shaped = HasShape(text.substr(0, kTimeSize), L"99:99:99");
+  if (!shaped || TwoDigits(text, 0) > 23 || TwoDigits(text, 3) > 59 || TwoDigits(text, 6) > 59)
+    ThrowInvalidText(L"Invalid XSD Time [%ls] expected hh:mm:ss[.ff]", text);
+  m_hour = static_cast<unsigned char>(TwoDigits(text, 0));
+  m_minute = static_cast<unsigned char>(TwoDigits(text, 3));
+  m_second = static_cast<unsigned char>(TwoDigits(text, 6));
+  std::size_t i = kTimeSize;
+  if (i < text.size() && text[i] == L'.') {
+    unsigned short* const fields[] = {&m_milliSecond, &m_microSecond, &m_nanoSecond};
+    constexpr int kWeights[] = {100, 10, 1};
+    std::size_t digits = 0;
+    for (++i; i < text.size() && IsDigit(text[i]); ++i, ++digits) {
+      if (digits == 9) ThrowInvalidText(L"Invalid XSD Time [%ls] Fraction part too long", text);
+      unsigned short& field = *fields[digits / 3];
+      field = static_cast<unsigned short>(field + (text[i] - L'0') * kWeights[digits % 3]);
+    }
+  }
+  if (i < text.size()) ReadZone(text.substr(i));
+  m_type = dt_time;
+}
+
+void CDateTime::ReadZone(std::wstring_view text) {
+  if (text == L"Z") {
+    SetUTC();
+    return;
+  }
+  if (!HasShape(text, L"+99:99") && !HasShape(text, L"-99:99")) ThrowInvalidText(L"Invalid XSD Time Zone [%ls].", text);
+  int hour = TwoDigits(text, 1);
+  if (hour == 24) hour = 0;
+  SetTimeZone(static_cast<short>(text[0] == L'-' ? -hour : hour), static_cast<unsigned char>(TwoDigits(text, 4)));
+}
+
+void CDateTime::Validate() const {
+  if (m_type == dt_none) throw CRkInvalidValueException(L"Invalid Year Zero");
+  const unsigned owned = OwnedBy(m_type);
+  const wchar_t* const type = GetTypeAsString();
+
+  if ((owned & kMonth) != 0) {
+    if (m_month < 1 || m_month > 12) ThrowInvalid(L"Invalid Month [%d] (1 <= month <= 12)", int{m_month});
+  } else if (m_month != 0) {
+    ThrowInvalid(L"Invalid Month [%d] for type %ls", int{m_month}, type);
+  }
+
+  if ((owned & kYear) != 0) {
+    if (m_year == 0 || m_year < MIN_YEAR || m_year > MAX_YEAR) ThrowInvalidYear(m_year);
+  } else if (m_year != 0) {
+    ThrowInvalid(L"Invalid Year [%d] for type %ls", int{m_year}, type);
+  }
+
+  switch (m_type) {
+    case dt_dateTime:
+    case dt_date:
+      if (m_day < 1 || m_day > Calendar::DaysInMonth(m_year, m_month))
+        ThrowInvalid(L"Invalid Day [%d] (1 <= day <= days in month", int{m_day});  // sic
+      break;
+    case dt_gMonthDay:
+      if (m_day < 1 || m_day > g_monthMax[m_month - 1])
+        ThrowInvalid(L"Invalid Day [%d] (1 <= day <= days in month)", int{m_day});
+      break;
+    case dt_gDay:
+      // The upper bound of the message is deliberately not applied: 32 to 99 pass.
+      if (m_day == 0) ThrowInvalid(L"Invalid Day [%d] (1 <= day <= 31)", int{m_day});
+      break;
+    default:
+      if (m_day != 0) ThrowInvalid(L"Invalid Day [%d] for type %ls", int{m_day}, type);
+  }
+
+  const struct {
+    int value, most;
+    const wchar_t* name;
+    const wchar_t* word;
+  } timeFields[] = {
+      {m_hour, 23, L"Hour", L"hour"},
+      {m_minute, 59, L"Minute", L"minute"},
+      {m_second, 59, L"Second", L"second"},
+      {m_milliSecond, 999, L"Milli-Second", L"milli"},
+      {m_microSecond, 999, L"Micro-Second", L"micro"},
+      {m_nanoSecond, 999, L"Nano-Second", L"nano"},
+  };
+  for (const auto& field : timeFields) {
+    if ((owned & kTime) == 0) {
+      if (field.value != 0) ThrowInvalid(L"Invalid %ls [%d] for type %ls", field.name, field.value, type);
+    } else if (field.value > field.most) {
+      ThrowInvalid(L"Invalid %ls [%d] (0 <= %ls <= %d)", field.name, field.value, field.word, field.most);
+    }
+  }
+}
+
+std::wstring CDateTime::ToString() const {
+  std::wstring text;
+  AppendTo(text);
+  return text;
+}
+
+std::wstring CDateTime::ToString(const wchar_t* format) const {
+  const std::wstring_view name(format == nullptr ? L"" : format);
+  if (name.empty() || name == L"G" || name == L"s") return ToString();
+  return std::wstring(L"Unknown Format: ").append(name);
+}
+
+void CDateTime::AppendTo(std::wstring& out) const {
+  const bool empty = m_year == 0 && m_month == 0 && m_day == 0 && m_hour == 0 && m_minute == 0 && m_second == 0 &&
+                     m_milliSecond == 0 && m_microSecond == 0 && m_nanoSecond == 0;
+  const unsigned owned = OwnedBy(m_type);
+  if (owned == 0 || (empty && m_type != dt_time)) {
+    out += L"Error: Date Not Set";
+    return;
+  }
+  if ((owned & kYear) != 0) {
+    if (m_year < 0) out += L'-';
+    AppendPadded(out, std::abs(m_year), 4);
+  } else if (m_type != dt_time) {
+    out += L'-';
+  }
+  if ((owned & (kMonth | kDay)) != 0) out += L'-';
+  if ((owned & kMonth) != 0) AppendPadded(out, m_month, 2);
+  if ((owned & kDay) != 0) {
+    out += L'-';
+    AppendPadded(out, m_day, 2);
+  }
+  if ((owned & kTime) != 0) {
+    if (m_type == dt_dateTime) out += L'T';
+    AppendPadded(out, m_hour, 2);
+    out += L':';
+    AppendPadded(out, m_minute, 2);
+    out += L':';
+    AppendPadded(out, m_second, 2);
+    if (m_milliSecond != 0 || m_microSecond != 0 || m_nanoSecond != 0)
+      out += ToFracString(m_milliSecond, m_microSecond, m_nanoSecond);
+  }
+  if (!m_isUTC) return;
+  if (!m_hasTimeZone) {
+    out += L'Z';
+    return;
+  }
+  out += m_zoneHour < 0 ? L'-' : L'+';
+  AppendPadded(out, std::abs(m_zoneHour), 2);
+  out += L':';
+  AppendPadded(out, m_zoneMinute, 2);
+}
+
+CompareResult CDateTime::CompareTo(const CDateTime& other) const {
+  if (!m_isUTC && !other.m_isUTC) return Compare(*this, other);
+  if (m_isUTC && other.m_isUTC) return CompareFields(CDateTimeFields::Utc(*this), CDateTimeFields::Utc(other));
+  // One side may lie anywhere between 14 hours before and 14 hours after UTC.
+  constexpr long long kFarthest = 14 * 3600;
+  if (m_isUTC) {
+    const CDateTimeFields left = CDateTimeFields::Utc(*this);
+    if (CompareFields(left, CDateTimeFields::Instant(other, kFarthest)) == CompareResult_Less)
+      return CompareResult_Less;
+    const bool greater = CompareFields(left, CDateTimeFields::Instant(other, -kFarthest)) == CompareResult_Greater;
+    return greater ? CompareResult_Greater : CompareResult_Indeterminate;
+  }
+  const CDateTimeFields right = CDateTimeFields::Utc(other);
+  if (CompareFields(CDateTimeFields::Instant(*this, kFarthest), right) == CompareResult_Greater)
+    return CompareResult_Greater;
+  const bool less = CompareFields(CDateTimeFields::Instant(*this, -kFarthest), right) == CompareResult_Less;
+  return less ? CompareResult_Less : CompareResult_Indeterminate;
+}
+
+void CDateTime::AddDateTimeSpan(const CDateTimeSpan& span) {
+  CDateTimeFields fields(*this);
+  fields.Add(span);
+  fields.Store(*this);
+}
+
+CDateTime CDateTime::operator+(const CDateTimeSpan& span) const {
+  CDateTime result(*this);
+  result.AddDateTimeSpan(span);
+  return result;
+}
+
+CDateTime& CDateTime::operator+=(const CDateTimeSpan& span) {
+  AddDateTimeSpan(span);
+  return *this;
+}
+
+CDateTime CDateTime::operator-(const CDateTimeSpan& span) const { return *this + span.GetAsNegative(); }
+
+CDateTime& CDateTime::operator-=(const CDateTimeSpan& span) { return *this += span.GetAsNegative(); }
+
+CDateTimeSpan CDateTime::operator-(const CDateTime& other) const {
+  const CDateTimeFields to = CDateTimeFields::Utc(*this), from = CDateTimeFields::Utc(other);
+  Wide nanos = (to.Seconds() - from.Seconds()) * Calendar::kNanosPerSecond + (to.Nanos() - from.Nanos());
+  const bool negative = nanos < 0;
+  if (negative) nanos = -nanos;
+  const long long seconds = static_cast<long long>(nanos / Calendar::kNanosPerSecond);
+  const long long fraction = static_cast<long long>(nanos % Calendar::kNanosPerSecond);
+  CDateTimeSpan span(0, 0, static_cast<unsigned long>(seconds / Calendar::kSecondsPerDay),
+                     static_cast<unsigned long>(seconds / 3600 % 24),
+                     static_cast<unsigned long long>(seconds / 60 % 60), static_cast<unsigned long long>(seconds % 60),
+                     static_cast<unsigned short>(fraction / 1000000),
+                     static_cast<unsigned short>(fraction / 1000 % 1000), static_cast<unsigned short>(fraction % 1000));
+  if (negative) span.Negate();
+  return span;
+}
+
+CDateTime CDateTime::GetNormalized() const {
+  CDateTime result(*this);
+  if (!m_hasTimeZone) return result;
+  CDateTimeSpan offset(static_cast<unsigned long>(std::abs(m_zoneHour)), m_zoneMinute, 0);
+  if (m_zoneHour >= 0) offset.Negate();
+  try {
+    result.AddDateTimeSpan(offset);
+    result.SetTimeZone(0, 0);
+  } catch (const CRkInvalidValueException&) {
+    // Beyond the calendar: the value stays where it is.
+  }
+  return result;
+}
+
+void CDateTime::Clear() noexcept {
+  m_type = dt_none;
+  m_year = 0;
+  m_month = m_day = m_hour = m_minute = m_second = 0;
+  m_milliSecond = m_microSecond = m_nanoSecond = 0;
+  m_isUTC = m_hasTimeZone = false;
+  m_zoneHour = 0;
+  m_zoneMinute = 0;
+}
+
+const wchar_t* CDateTime::GetTypeAsString(DTType type) noexcept { return IsKnown(type) ? kTypes[type].name : L""; }
+
+CDateTime CDateTime::GetCurrentTime() { return CDateTime(static_cast<long>(time(nullptr))); }
+
+CompareResult Compare(const CDateTime& a, const CDateTime& b) noexcept {
+  return CompareFields(CDateTimeFields(a), CDateTimeFields(b));
+}
+
+bool IsLeapYear(int year) noexcept { return Calendar::IsLeap(year); }
+
+long long GetQuotient(long long a, int b) noexcept {
+  const float quotient = std::floor(static_cast<float>(a) / static_cast<float>(b));
+  if (std::isnan(quotient)) return 0;
+  constexpr float kTooLarge = 9223372036854775808.0F;  // 2^63
+  if (quotient >= kTooLarge) return std::numeric_limits<long long>::max();
+  if (quotient < -kTooLarge) return std::numeric_limits<long long>::min();
+  return static_cast<long long>(quotient);
+}
+
+long long GetModulo(long long a, int b) noexcept {
+  const auto product = static_cast<unsigned long long>(b) * static_cast<unsigned long long>(GetQuotient(a, b));
+  return static_cast<long long>(static_cast<unsigned long long>(a) - product);
+}
+
+}  // namespace RkXmlLib16

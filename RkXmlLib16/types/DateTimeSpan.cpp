@@ -1,0 +1,234 @@
+#include "RkXmlLib16/types/DateTimeSpan.h"
+
+#include <charconv>
+#include <limits>
+
+#include "RkXmlLib16/core/Exception.h"
+#include "RkXmlLib16/support/Format.h"
+#include "RkXmlLib16/types/Calendar.h"
+
+namespace RkXmlLib16 {
+
+namespace {
+
+using Calendar::Wide;
+
+constexpr bool IsDigit(wchar_t c) { return c >= L'0' && c <= L'9'; }
+
+// What may still follow in the text of a duration, in the order of its parts.
+enum class Part { Start, Years, Months, Days, Time, Hours, Minutes, Seconds };
+
+template <class Count>
+void AppendPart(std::wstring& out, Count count, wchar_t designator) {
+  if (count == 0) return;
+  char buffer[24];
+  out.append(buffer, std::to_chars(buffer, buffer + sizeof buffer, count).ptr);
+  out += designator;
+}
+
+// A duration as the XSD value space sees it.
+struct Length {
+  Wide months;
+  Wide seconds;
+  long long nanos;  // with the sign of the seconds
+};
+
+Length LengthOf(const CDateTimeSpan& span) {
+  const Wide sign = span.IsNegative() ? -1 : 1;
+  const Wide hours = static_cast<Wide>(span.GetDays()) * 24 + span.GetHours();
+  return {sign * (static_cast<Wide>(span.GetYears()) * 12 + span.GetMonths()),
+          sign * ((hours * 60 + span.GetMinutes()) * 60 + span.GetSeconds()),
+          static_cast<long long>(sign) *
+              (span.GetMilliSeconds() * 1000000LL + span.GetMicroSeconds() * 1000LL + span.GetNanoSeconds())};
+}
+
+// The order of the instants that both lengths reach from the first of a month.
+CompareResult CompareFrom(long long year, int month, const Length& a, const Length& b) {
+  const auto reached = [&](const Length& length) {
+    const Wide index = Calendar::YearIndex(year) * 12 + month - 1 + length.months;
+    const Wide reachedYear = Calendar::YearFromIndex(Calendar::FloorDiv(index, 12));
+    const int reachedMonth = static_cast<int>(index - Calendar::FloorDiv(index, 12) * 12) + 1;
+    return Calendar::DayNumber(reachedYear, reachedMonth, 1) * Calendar::kSecondsPerDay + length.seconds;
+  };
+  const Wide seconds = reached(a) - reached(b);
+  // Seconds outweigh the fractions even where those stand above 1.
+  const Wide difference = seconds * Calendar::kNanosPerSecond + (a.nanos - b.nanos);
+  if (difference == 0) return CompareResult_Equal;
+  return difference < 0 ? CompareResult_Less : CompareResult_Greater;
+}
+
+}  // namespace
+
+CDateTimeSpan::CDateTimeSpan() = default;
+CDateTimeSpan::CDateTimeSpan(unsigned short years, unsigned long months, unsigned long days, unsigned long hours,
+                             unsigned long long minutes, unsigned long long seconds)
+    : m_years(years), m_months(months), m_days(days), m_hours(hours), m_minutes(minutes), m_seconds(seconds) {}
+CDateTimeSpan::CDateTimeSpan(unsigned short years, unsigned long months, unsigned long days, unsigned long hours,
+                             unsigned long long minutes, unsigned long long seconds, unsigned short milliSeconds,
+                             unsigned short microSeconds, unsigned short nanoSeconds)
+    : CDateTimeSpan(years, months, days, hours, minutes, seconds) {
+  m_milliSeconds = milliSeconds;
+  m_microSeconds = microSeconds;
+  m_nanoSeconds = nanoSeconds;
+}
+CDateTimeSpan::CDateTimeSpan(unsigned long hours, unsigned long long minutes, unsigned long long seconds)
+    : CDateTimeSpan(0, 0, 0, hours, minutes, seconds) {}
+CDateTimeSpan::CDateTimeSpan(const CDateTimeSpan& other) = default;
+CDateTimeSpan& CDateTimeSpan::operator=(const CDateTimeSpan& other) = default;
+CDateTimeSpan::~CDateTimeSpan() = default;
+
+void CDateTimeSpan::SetDateTimeSpan(unsigned short years, unsigned long months, unsigned long days, unsigned long hours,
+                                    unsigned long long minutes, unsigned long long seconds) {
+  *this = CDateTimeSpan(years, months, days, hours, minutes, seconds);
+}
+
+void CDateTimeSpan::SetDateTimeSpan(unsigned short years, unsigned long months, unsigned long days, unsigned long hours,
+                                    unsigned long long minutes, unsigned long long seconds, unsigned short milliSeconds,
+                                    unsigned short microSeconds, unsigned short nanoSeconds) {
+  *this = CDateTimeSpan(years, months, days, hours, minutes, seconds, milliSeconds, microSeconds, nanoSeconds);
+}
+
+void CDateTimeSpan::SetDateTimeSpan(unsigned long hours, unsigned long long minutes, unsigned long long seconds) {
+  *this = CDateTimeSpan(hours, minutes, seconds);
+}
+
+void CDateTimeSpan::Clear() { *this = CDateTimeSpan(); }
+
+CDateTimeSpan CDateTimeSpan::GetAsNegative() const {
+  CDateTimeSpan result(*this);
+  result.Negate();
+  return result;
+}
+
+void CDateTimeSpan::ParseXSDDuration(const wchar_t* text) {
+  Clear();
+  if (text == nullptr) throw CRkInvalidValueException(L"Invalid XSD Duration (Null String)");
+  ParseXSDDuration(std::wstring_view(text));
+}
+
+void CDateTimeSpan::ParseXSDDuration(std::wstring_view text) {
+  Clear();
+  if (text.empty()) throw CRkInvalidValueException(L"Invalid XSD Duration (Empty String)");
+  const auto require = [text](bool met) {
+    if (!met)
+      throw CRkInvalidValueException(FormatString(
+          L"Invalid XSD Duration [%ls] expected [-]P[nY][nM][nD][T[nH][nM][nS.ff]]", std::wstring(text).c_str()));
+  };
+  std::size_t i = 0;
+  if (text[i] == L'-') {
+    m_negative = true;
+    ++i;
+  }
+  require(i < text.size() && text[i] == L'P');
+  ++i;
+
+  Part last = Part::Start;
+  while (i < text.size()) {
+    const std::size_t firstDigit = i;
+    unsigned long long count = 0;
+    for (; i < text.size() && IsDigit(text[i]); ++i) {
+      const unsigned digit = static_cast<unsigned>(text[i] - L'0');
+      require(count <= (std::numeric_limits<unsigned long long>::max() - digit) / 10);
+      count = count * 10 + digit;
+    }
+    require(i < text.size());
+    const wchar_t designator = text[i];
+    const auto take = [&](bool inPlace, Part part) {
+      require(inPlace);
+      last = part;
+      ++i;
+      return count;
+    };
+    switch (designator) {
+      case L'Y':
+        require(count <= std::numeric_limits<unsigned short>::max());
+        m_years = static_cast<unsigned short>(take(last < Part::Years, Part::Years));
+        break;
+      case L'M':
+        if (last < Part::Months)
+          m_months = take(true, Part::Months);
+        else
+          m_minutes = take(last == Part::Time || last == Part::Hours, Part::Minutes);
+        break;
+      case L'D':
+        m_days = take(last < Part::Days, Part::Days);
+        break;
+      case L'T':
+        take(last < Part::Time && i == firstDigit, Part::Time);
+        break;
+      case L'H':
+        m_hours = take(last == Part::Time, Part::Hours);
+        break;
+      case L'S':
+        m_seconds = take(last >= Part::Time && last < Part::Seconds, Part::Seconds);
+        break;
+      case L'.': {
+        m_seconds = take(last >= Part::Time && last < Part::Seconds, Part::Seconds);
+        if (i == text.size()) break;
+        unsigned short weight = 100;
+        const std::size_t point = i;
+        for (; i < text.size() && IsDigit(text[i]); ++i) {
+          const std::size_t at = i - point;
+          const auto digit = static_cast<unsigned short>(text[i] - L'0');
+          if (at >= 9)
+            throw CRkInvalidValueException(
+                FormatString(L"Invalid XSD Duration [%ls] Fraction part too long", std::wstring(text).c_str()));
+          unsigned short& field = at < 3 ? m_milliSeconds : m_microSeconds;
+          if (at < 6)
+            field = static_cast<unsigned short>(field + digit * weight);
+          else
+            m_nanoSeconds = digit;
+          weight = static_cast<unsigned short>(weight == 1 ? 100 : weight / 10);
+        }
+        require(i < text.size() && text[i] == L'S');
+        ++i;
+        break;
+      }
+      default:
+        require(false);
+    }
+  }
+  require(last != Part::Start && last != Part::Time);
+}
+
+std::wstring CDateTimeSpan::ToString() const {
+  std::wstring text;
+  AppendTo(text);
+  return text;
+}
+
+void CDateTimeSpan::AppendTo(std::wstring& out) const {
+  const std::wstring fraction = ToFracString(m_milliSeconds, m_microSeconds, m_nanoSeconds);
+  const bool hasDate = m_years != 0 || m_months != 0 || m_days != 0;
+  const bool hasTime = m_hours != 0 || m_minutes != 0 || m_seconds != 0 || !fraction.empty();
+  if (!hasDate && !hasTime) {
+    out += L"PT0S";
+    return;
+  }
+  out += m_negative ? L"-P" : L"P";
+  AppendPart(out, m_years, L'Y');
+  AppendPart(out, m_months, L'M');
+  AppendPart(out, m_days, L'D');
+  if (!hasTime) return;
+  out += L'T';
+  AppendPart(out, m_hours, L'H');
+  AppendPart(out, m_minutes, L'M');
+  if (fraction.empty()) {
+    AppendPart(out, m_seconds, L'S');
+  } else {
+    out += std::to_wstring(m_seconds);
+    out += fraction;
+    out += L'S';
+  }
+}
+
+CompareResult CDateTimeSpan::CompareTo(const CDateTimeSpan& other) const {
+  const Length a = LengthOf(*this), b = LengthOf(other);
+  const CompareResult result = CompareFrom(1696, 9, a, b);
+  if (CompareFrom(1697, 2, a, b) != result || CompareFrom(1903, 3, a, b) != result ||
+      CompareFrom(1903, 7, a, b) != result)
+    return CompareResult_Indeterminate;
+  return result;
+}
+
+}  // namespace RkXmlLib16

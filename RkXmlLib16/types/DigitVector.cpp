@@ -1,0 +1,62 @@
+#include "RkXmlLib16/types/DigitVector.h"
+
+#include <algorithm>
+
+namespace RkXmlLib16 {
+
+CDigitVector& CDigitVector::operator=(const CDigitVector& other) {
+  if (this == &other) return *this;
+  m_size = 0;
+  reserve(other.m_size);
+  std::memcpy(data(), other.data(), other.m_size);
+  m_size = other.m_size;
+  return *this;
+}
+
+CDigitVector& CDigitVector::operator=(CDigitVector&& other) noexcept {
+  if (this != &other) {
+    Free();
+    Take(other);
+  }
+  return *this;
+}
+
+void CDigitVector::Take(CDigitVector& other) noexcept {
+  m_size = other.m_size;
+  m_capacity = other.m_capacity;
+  if (m_capacity > kInline)
+    m_digits.heap = other.m_digits.heap;
+  else
+    std::memcpy(m_digits.own, other.m_digits.own, m_size);
+  other.m_size = 0;
+  other.m_capacity = kInline;
+}
+
+void CDigitVector::Grow(std::size_t capacity) {
+  capacity = std::max(capacity, m_capacity * 2);
+  unsigned char* const grown = new unsigned char[capacity];
+  std::memcpy(grown, data(), m_size);
+  Free();
+  m_digits.heap = grown;
+  m_capacity = capacity;
+}
+
+void CDigitVector::resize(std::size_t count, wchar_t digit) {
+  reserve(count);
+  if (count > m_size) std::memset(data() + m_size, static_cast<unsigned char>(digit), count - m_size);
+  m_size = count;
+}
+
+void CDigitVector::insert_zeros(std::size_t count) {
+  reserve(m_size + count);
+  std::memmove(data() + count, data(), m_size);
+  std::memset(data(), 0, count);
+  m_size += count;
+}
+
+void CDigitVector::erase_front(std::size_t count) noexcept {
+  m_size -= count;
+  std::memmove(data(), data() + count, m_size);
+}
+
+}  // namespace RkXmlLib16
