@@ -1,0 +1,125 @@
+#include "RkXmlLib16/types/DateTimeSpan.h"
+
+#include <climits>
+
+#include "Expect.h"
+#include "RkXmlLib16/types/DateTime.h"
+
+using namespace RkXmlLib16;
+
+namespace {
+
+CDateTimeSpan Span(const std::wstring& text) {
+  CDateTimeSpan span;
+  span.ParseXSDDuration(text);
+  return span;
+}
+
+}  // namespace
+
+TEST(DateTimeSpan, ParsesAndPrintsTheXsdForm) {
+  const struct {
+    const wchar_t* text;
+    const wchar_t* printed;  // null: as the text
+  } cases[] = {
+      {L"P1Y2M3DT4H5M6.5S", nullptr},
+      {L"-P1Y2M3DT4H5M6.5S", nullptr},
+      {L"PT36H", nullptr},
+      {L"PT90M", nullptr},
+      {L"PT0.001S", nullptr},
+      {L"P0Y", L"PT0S"},
+      {L"-PT0S", L"PT0S"},
+      {L"PY", L"PT0S"},
+      {L"PT5.", L"PT5S"},
+      {L"PT5.S", L"PT5S"},
+      {L"PT.5S", L"PT0.5S"},
+      {L"P65535Y18446744073709551615M", nullptr},
+      {L"PT0.123456789S", L"PT0.123456009S"},  // of the last three digits only the last one counts, as it is
+  };
+  for (const auto& c : cases) EXPECT_WIDE_EQ(c.printed == nullptr ? c.text : c.printed, Span(c.text).ToString());
+  const CDateTimeSpan span = Span(L"-P1Y2M3DT4H5M6.5S");
+  EXPECT_TRUE(span.IsNegative());
+  EXPECT_EQ(500, span.GetMilliSeconds());
+  EXPECT_EQ(9, Span(L"PT0.123456789S").GetNanoSeconds());
+}
+
+TEST(DateTimeSpan, EveryOtherTextThrows) {
+  for (const wchar_t* text : {L"P",       L"-P",
+                              L"PT",      L"P1DT",
+                              L"1Y",      L"+P1Y",
+                              L"P1",      L"P1Y2",
+                              L"P1D1Y",   L"P1M1Y",
+                              L"P1D1M",   L"P1Y1Y",
+                              L"PT1M1H",  L"PT1S1M",
+                              L"PT1S1S",  L"P1H",
+                              L"PT1D",    L"P1.5Y",
+                              L"P1T1H",   L"PTT1H",
+                              L"PT1.5",   L"PT1.5M",
+                              L"P-1Y",    L" P1Y",
+                              L"P65536Y", L"P18446744073709551616M",
+                              L"-",       L"PT1H.5"})
+    EXPECT_RK_THROWS(CRkInvalidValueException,
+                     std::wstring(L"Invalid XSD Duration [") + text + L"] expected [-]P[nY][nM][nD][T[nH][nM][nS.ff]]",
+                     Span(text));
+  EXPECT_RK_THROWS(CRkInvalidValueException, L"Invalid XSD Duration [PT0.1234567891S] Fraction part too long",
+                   Span(L"PT0.1234567891S"));
+  EXPECT_RK_THROWS(CRkInvalidValueException, L"Invalid XSD Duration (Empty String)", Span(L""));
+  CDateTimeSpan span;
+  EXPECT_RK_THROWS(CRkInvalidValueException, L"Invalid XSD Duration (Null String)", span.ParseXSDDuration(nullptr));
+}
+
+TEST(DateTimeSpan, ComparesByTheFourReferenceInstants) {
+  const struct {
+    const wchar_t *a, *b;
+    int result;
+  } cases[] = {
+      {L"P1Y", L"P12M", 0},
+      {L"P1D", L"PT24H", 0},
+      {L"P1M", L"P30D", 3},
+      {L"P1M", L"P27D", 2},
+      {L"P1M", L"P32D", 1},
+      {L"P1Y", L"P364D", 2},
+      {L"P1Y", L"P365D", 3},
+      {L"-P1D", L"P1D", 1},
+      {L"P5M", L"P150D", 3},
+      {L"PT0.5S", L"PT0.499999S", 2},
+      {L"-PT0S", L"PT0S", 0},
+      {L"P65535Y", L"P65534Y", 2},
+      {L"-P3000Y", L"P1D", 1},
+      {L"P18446744073709551615M", L"P18446744073709551614M", 2},
+      {L"PT18446744073709551615S", L"PT18446744073709551615M", 1},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(c.result, Span(c.a).CompareTo(Span(c.b))) << RkXmlTest::Narrow(c.a) << " " << RkXmlTest::Narrow(c.b);
+    const int reversed = c.result == 1 ? 2 : c.result == 2 ? 1 : c.result;
+    EXPECT_EQ(reversed, Span(c.b).CompareTo(Span(c.a)));
+  }
+}
+
+TEST(DateTimeSpan, OrderIsThatOfTheDatesReached) {
+  const wchar_t* const spans[] = {L"P1M",  L"P2M",  L"P11M", L"P1Y",   L"-P1M",   L"P28D",  L"P29D",
+                                  L"P31D", L"P59D", L"P62D", L"P366D", L"P1M30D", L"-P31D", L"PT743H59M59S"};
+  for (const wchar_t* a : spans) {
+    for (const wchar_t* b : spans) {
+      int expected = -1;
+      for (const wchar_t* reference :
+           {L"1696-09-01T00:00:00Z", L"1697-02-01T00:00:00Z", L"1903-03-01T00:00:00Z", L"1903-07-01T00:00:00Z"}) {
+        const CDateTime from(reference);
+        const int result = (from + Span(a)).CompareTo(from + Span(b));
+        expected = expected < 0 || expected == result ? result : 3;
+      }
+      EXPECT_EQ(expected, Span(a).CompareTo(Span(b))) << RkXmlTest::Narrow(a) << " " << RkXmlTest::Narrow(b);
+    }
+  }
+}
+
+TEST(DateTimeSpan, SettersKeepTheCountsAsGiven) {
+  CDateTimeSpan span(25, 90, 3600);
+  EXPECT_WIDE_EQ(L"PT25H90M3600S", span.ToString());
+  EXPECT_WIDE_EQ(L"-PT25H90M3600S", span.GetAsNegative().ToString());
+  span.Negate();
+  span.SetDateTimeSpan(1, 2, 3, 4, 5, 6, 7, 8, 9);
+  EXPECT_WIDE_EQ(L"P1Y2M3DT4H5M6.007008009S", span.ToString());
+  span.Clear();
+  EXPECT_WIDE_EQ(L"PT0S", span.ToString());
+}

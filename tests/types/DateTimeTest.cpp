@@ -1,0 +1,329 @@
+#include "RkXmlLib16/types/DateTime.h"
+
+#include <climits>
+#include <ctime>
+#include <random>
+
+#include "Expect.h"
+
+using namespace RkXmlLib16;
+
+namespace {
+
+CDateTime DateTime(const std::wstring& text) { return CDateTime(text.c_str()); }
+
+CDateTime Date(const std::wstring& text) {
+  CDateTime value;
+  value.ParseXSDDate(text);
+  return value;
+}
+
+CDateTime Time(const std::wstring& text) {
+  CDateTime value;
+  value.ParseXSDTime(text);
+  return value;
+}
+
+CDateTimeSpan Span(const std::wstring& text) {
+  CDateTimeSpan span;
+  span.ParseXSDDuration(text);
+  return span;
+}
+
+}  // namespace
+
+TEST(DateTime, ParseSetsTheTypeByShapeAndPrintsTheSame) {
+  const struct {
+    const wchar_t* text;
+    DTType type;
+    const wchar_t* printed;  // null: as the text
+  } cases[] = {
+      {L"2024-02-29", dt_date, nullptr},
+      {L"-0044-03-15", dt_date, nullptr},
+      {L"2024-02", dt_gYearMonth, nullptr},
+      {L"-0001Z", dt_gYear, nullptr},
+      {L"1999+14:00", dt_gYear, nullptr},
+      {L"--05", dt_gMonth, nullptr},
+      {L"--05--", dt_gMonth, L"--05"},
+      {L"--05xx", dt_gMonth, L"--05"},  // the last two characters are not examined
+      {L"---45", dt_gDay, nullptr},     // a day up to 99 passes
+      {L"---31-05:30", dt_gDay, nullptr},
+      {L"--02-29", dt_gMonthDay, nullptr},
+      {L"2000-01-01-00:30", dt_date, L"2000-01-01+00:30"},  // the sign travels on the hour
+  };
+  for (const auto& c : cases) {
+    const CDateTime value = Date(c.text);
+    EXPECT_EQ(c.type, value.GetType());
+    EXPECT_WIDE_EQ(c.printed == nullptr ? c.text : c.printed, value.ToString());
+  }
+  for (const wchar_t* text :
+       {L"12:00:00", L"00:00:00Z", L"23:59:59.5", L"12:00:00.000001-05:30", L"01:02:03.123456789"})
+    EXPECT_WIDE_EQ(text, Time(text).ToString());
+  EXPECT_WIDE_EQ(L"12:00:00", Time(L"12:00:00.").ToString());
+  EXPECT_WIDE_EQ(L"12:00:00Z", Time(L"12:00:00.Z").ToString());
+  EXPECT_WIDE_EQ(L"2001-01-01T00:00:00+00:00", DateTime(L"2001-01-01T00:00:00+24:00").ToString());
+}
+
+TEST(DateTime, EveryMalformedTextHasItsMessage) {
+  const std::wstring dateShape = L"] expected CCYY-MM-DD[Z|[+|-]hh:mm]", timeShape = L"] expected hh:mm:ss[.ff]";
+  const struct {
+    CDateTime (*parse)(const std::wstring&);
+    std::wstring text, message;
+  } cases[] = {
+      {Date, L"", L"Invalid Date (Empty String)"},
+      {Date, L"2000-01-01T", L"Invalid Date ('T' not allowed)"},
+      {Date, L"2000-01-01+01:00Z", L"Invalid Date (Bad Zone value)"},
+      {Date, L":", L"Invalid XSD Date [:" + dateShape},
+      {Date, L"Z", L"Invalid XSD Date [Z" + dateShape},
+      {Date, L"20000-01-01", L"Invalid XSD Date [20000-01-01" + dateShape},
+      {Date, L"2000-1-01", L"Invalid XSD Date [2000-1-01" + dateShape},
+      {Date, L"2000-01-01*01:00", L"Invalid XSD Time Zone [*01:00]."},
+      {Date, L"2000-01-01+25:00", L"Invalid TimeZone [25:0]"},
+      {Date, L"2000-01-01-10:60", L"Invalid TimeZone [-10:60]"},
+      {Date, L"0000-01-01", L"Invalid Year [0] (9999 <= year <= -9999 && year != 0)"},
+      {Date, L"2000-13-01", L"Invalid Month [13] (1 <= month <= 12)"},
+      {Date, L"2023-02-29", L"Invalid Day [29] (1 <= day <= days in month"},
+      {Date, L"--02-30", L"Invalid Day [30] (1 <= day <= days in month)"},
+      {Date, L"---00", L"Invalid Day [0] (1 <= day <= 31)"},
+      {Time, L"", L"Invalid XSD Time (Empty String)"},
+      {Time, L"24:00:00", L"Invalid XSD Time [24:00:00" + timeShape},
+      {Time, L"12:00:60", L"Invalid XSD Time [12:00:60" + timeShape},
+      {Time, L"12:00", L"Invalid XSD Time [12:00" + timeShape},
+      {Time, L"12:00:00.1234567891", L"Invalid XSD Time [12:00:00.1234567891] Fraction part too long"},
+      {Time, L"12:00:00z", L"Invalid XSD Time Zone [z]."},
+      {DateTime, L"2000-01-01", L"Invalid XSD DateTime [2000-01-01]."},
+      {DateTime, L"2000-01T00:00:00", L"Invalid XSD DateTime [2000-01T00:00:00] expected CCYY-MM-DDThh:mm:ss[.ff]"},
+      {DateTime, L"2000-01-01ZT00:00:00",
+       L"Invalid XSD DateTime [2000-01-01ZT00:00:00] expected CCYY-MM-DDThh:mm:ss[.ff]"},
+      {DateTime, L"T00:00:00", L"Invalid Date (Empty String)"},
+      {DateTime, L"2000-01-01T", L"Invalid XSD Time (Empty String)"},
+      {DateTime, L"2000-02-30T00:00:00", L"Invalid Day [30] (1 <= day <= days in month"},
+  };
+  for (const auto& c : cases) EXPECT_RK_THROWS(CRkInvalidValueException, c.message, c.parse(c.text));
+  CDateTime value;
+  EXPECT_RK_THROWS(CRkInvalidValueException, L"Invalid Date (Null String)", value.ParseXSDDate(nullptr));
+  EXPECT_RK_THROWS(CRkInvalidValueException, L"Invalid Time (Null String)", value.ParseXSDTime(nullptr));
+  EXPECT_RK_THROWS(CRkInvalidValueException, L"Invalid DateTime (Null String)", value.ParseXSDDateTime(nullptr));
+}
+
+TEST(DateTime, ParsersDropWhatWasThereBefore) {
+  CDateTime value = DateTime(L"2001-02-03T04:05:06.789Z");
+  value.ParseXSDDate(L"1999");
+  EXPECT_WIDE_EQ(L"1999", value.ToString());
+  EXPECT_FALSE(value.IsUTC());
+}
+
+TEST(DateTime, SettersValidateTheFieldsOfTheirType) {
+  CDateTime value;
+  EXPECT_RK_THROWS(CRkInvalidValueException, L"Invalid Year Zero", value.Validate());
+  EXPECT_RK_THROWS(CRkInvalidValueException, L"Invalid Hour [1] for type date",
+                   value.SetDateTime(dt_date, 2000, 1, 1, 1, 0, 0, 0, 0, 0));
+  EXPECT_RK_THROWS(CRkInvalidValueException, L"Invalid Nano-Second [7] for type gYear",
+                   value.SetDateTime(dt_gYear, 2000, 0, 0, 0, 0, 0, 0, 0, 7));
+  EXPECT_RK_THROWS(CRkInvalidValueException, L"Invalid Year [1] for type time",
+                   value.SetDateTime(dt_time, 1, 0, 0, 1, 0, 0, 0, 0, 0));
+  EXPECT_RK_THROWS(CRkInvalidValueException, L"Invalid Month [2] for type gYear",
+                   value.SetDateTime(dt_gYear, 1, 2, 0, 0, 0, 0, 0, 0, 0));
+  EXPECT_RK_THROWS(CRkInvalidValueException, L"Invalid Day [3] for type gYearMonth",
+                   value.SetDateTime(dt_gYearMonth, 1, 2, 3, 0, 0, 0, 0, 0, 0));
+  EXPECT_RK_THROWS(CRkInvalidValueException, L"Invalid Micro-Second [1000] (0 <= micro <= 999)",
+                   value.SetTime(0, 0, 0, 0, 1000, 0));
+  EXPECT_RK_THROWS(CRkInvalidValueException, L"Invalid Hour [24] (0 <= hour <= 23)", value.SetTime(24, 0, 0));
+  value.SetTime(1, 2, 3);
+  value.SetFracTime(0, 20, 0);
+  EXPECT_WIDE_EQ(L"01:02:03.00002", value.ToString());
+  EXPECT_WIDE_EQ(L"01:02:03.00002", value.ToString(L"s"));
+  EXPECT_WIDE_EQ(L"Unknown Format: yyyy", value.ToString(L"yyyy"));
+  EXPECT_WIDE_EQ(L"Error: Date Not Set", CDateTime().ToString());
+  EXPECT_WIDE_EQ(L"Error: Date Not Set", CDateTime(dt_date).ToString());
+  EXPECT_WIDE_EQ(L"00:00:00", CDateTime(dt_time).ToString());
+}
+
+TEST(DateTime, FieldsThatTheTypeLacksThrow) {
+  const CDateTime time = Time(L"10:11:12.5");
+  EXPECT_EQ(12.5, time.GetRealSecond());
+  EXPECT_RK_THROWS(CRkInvalidStateException, L"Failed to GetYear. Invalid Date Type: time.", time.GetYear());
+  EXPECT_RK_THROWS(CRkInvalidStateException, L"Failed to GetNanoSecond. Invalid Date Type: gDay.",
+                   Date(L"---05").GetNanoSecond());
+  EXPECT_RK_THROWS(CRkInvalidStateException, L"Failed to GetMonth. Invalid Date Type: yearZero.",
+                   CDateTime().SetMonth(1));
+  EXPECT_RK_THROWS(CRkInvalidStateException, L"Failed to GetDayOfWeek. Invalid Date Type: gYear.",
+                   Date(L"2000").GetDayOfWeek());
+  EXPECT_RK_THROWS(CRkInvalidStateException,
+                   L"Failed to GetTime, Date Status must be dateTime or date. Invalid Date Type: time.",
+                   time.GetTime());
+  EXPECT_RK_THROWS(CRkInvalidValueException, L"TimeZone is not been used", time.GetZoneHour());
+  EXPECT_WIDE_EQ(L"", CDateTime::GetTypeAsString(static_cast<DTType>(9)));
+}
+
+TEST(DateTime, ConvertsToEveryTypeWhoseFieldsItHas) {
+  const CDateTime samples[] = {CDateTime(),         DateTime(L"2001-02-03T04:05:06+01:00"),
+                               Date(L"2001-02-03"), Date(L"2001-02"),
+                               Date(L"2001"),       Time(L"04:05:06"),
+                               Date(L"---03"),      Date(L"--02"),
+                               Date(L"--02-03")};
+  const char* const allowed[] = {// by source, a column a target
+                                 "100000000", "111111111", "101110111", "100110010", "100010000",
+                                 "100001000", "100000100", "100000010", "100000111"};
+  for (int from = 0; from <= 8; ++from)
+    for (int to = 0; to <= 8; ++to)
+      EXPECT_EQ(allowed[from][to] == '1',
+                CDateTime::CheckConversion(static_cast<DTType>(from), static_cast<DTType>(to)))
+          << from << " to " << to;
+  CDateTime value;
+  value.SetDateTime(samples[1], dt_gMonthDay);
+  EXPECT_WIDE_EQ(L"--02-03+01:00", value.ToString());
+  EXPECT_RK_THROWS(CRkInvalidValueException,
+                   L"Attempting to set a CDateTime of type date using an XmlDateTime of type gYear. "
+                   L"The source CDateTime does not contian enough data to allow the conversion.",
+                   value.SetDateTime(samples[4], dt_date));
+  EXPECT_RK_THROWS(CRkInvalidValueException, L"Unknown date type 9.",
+                   CDateTime::CheckConversion(static_cast<DTType>(9), dt_date));
+}
+
+TEST(DateTime, OrderIsPartialAcrossZones) {
+  constexpr int kEqual = 0, kLess = 1, kGreater = 2, kIndeterminate = 3;
+  const struct {
+    const wchar_t *a, *b;
+    int result;
+  } cases[] = {
+      {L"2000-01-01T00:00:00", L"2000-01-01T00:00:00.000000001", kLess},
+      {L"2000-01-01T12:00:00Z", L"2000-01-01T14:00:00+02:00", kEqual},
+      {L"2000-01-01T00:00:00+14:00", L"2000-01-01T00:00:00+13:59", kLess},
+      {L"2000-01-01T00:00:00", L"2000-01-01T00:10:00Z", kIndeterminate},
+      {L"2000-01-01T00:00:00", L"2000-01-01T10:00:00Z", kIndeterminate},
+      {L"2000-01-01T00:00:00", L"2000-01-01T14:00:00Z", kIndeterminate},
+      {L"2000-01-01T00:00:00", L"2000-01-01T14:00:01Z", kLess},
+      {L"2000-01-02T00:00:01", L"2000-01-01T10:00:00Z", kGreater},
+      // At the ends of the calendar.
+      {L"9999-12-31T23:30:00-10:00", L"9999-12-31T23:00:00Z", kGreater},
+      {L"-9999-01-01T00:00:00+10:00", L"-9999-01-01T00:00:00Z", kLess},
+      {L"-0001-12-31T23:00:00", L"0001-01-01T00:00:00", kIndeterminate},
+  };
+  for (const auto& c : cases) {
+    const CDateTime a = DateTime(c.a), b = DateTime(c.b);
+    EXPECT_EQ(c.result, a.CompareTo(b)) << RkXmlTest::Narrow(c.a) << " " << RkXmlTest::Narrow(c.b);
+    const int reversed = c.result == kLess ? kGreater : c.result == kGreater ? kLess : c.result;
+    EXPECT_EQ(reversed, b.CompareTo(a)) << RkXmlTest::Narrow(c.b) << " " << RkXmlTest::Narrow(c.a);
+  }
+  EXPECT_EQ(kLess, Date(L"2000-01-01+06:00").CompareTo(Date(L"2000-01-01+05:00")));
+  EXPECT_EQ(kLess, Date(L"--01+05:00").CompareTo(Date(L"--01Z")));
+  EXPECT_EQ(kEqual, Time(L"00:30:00+01:00").CompareTo(Time(L"23:30:00Z")));
+  EXPECT_EQ(kEqual, DateTime(L"2000-01-01T00:00:00").CompareTo(Date(L"2000-01-01")));
+  EXPECT_EQ(kIndeterminate, DateTime(L"2000-01-01T01:00:00").CompareTo(Date(L"2000-01-01")));
+  EXPECT_EQ(kLess, Date(L"1999").CompareTo(Date(L"2000-01-01")));
+  const CDateTime a = DateTime(L"2000-01-01T00:00:00"), b = DateTime(L"2000-01-01T00:10:00Z");
+  EXPECT_FALSE(a == b || a < b || a > b || a <= b || a >= b);
+  EXPECT_TRUE(a != b && a <= a && a >= a);
+}
+
+TEST(DateTime, NormalisesToUtc) {
+  EXPECT_WIDE_EQ(L"2001-03-01T04:30:00+00:00", DateTime(L"2001-02-28T23:00:00-05:30").GetNormalized().ToString());
+  EXPECT_WIDE_EQ(L"1999-12-31+00:00", Date(L"2000-01-01+05:00").GetNormalized().ToString());
+  EXPECT_WIDE_EQ(L"2000-01-01T00:00:00Z", DateTime(L"2000-01-01T00:00:00Z").GetNormalized().ToString());
+  EXPECT_WIDE_EQ(L"9999-12-31T23:00:00-05:00", DateTime(L"9999-12-31T23:00:00-05:00").GetNormalized().ToString());
+}
+
+TEST(DateTime, AddsDurations) {
+  const struct {
+    const wchar_t *date, *span, *sum;
+  } cases[] = {
+      {L"2000-01-12T12:13:14Z", L"P1Y3M5DT7H10M3.3S", L"2001-04-17T19:23:17.3Z"},  // the example of the standard
+      {L"2000-01-31T00:00:00", L"P1M", L"2000-02-29T00:00:00"},
+      {L"2000-03-31T00:00:00", L"-P1M", L"2000-02-29T00:00:00"},
+      {L"2000-02-29T00:00:00", L"P1Y", L"2001-02-28T00:00:00"},
+      {L"2000-01-01T00:00:00", L"-PT0.001S", L"1999-12-31T23:59:59.999"},
+      {L"-0001-12-31T23:59:59", L"PT1S", L"0001-01-01T00:00:00"},  // no year 0
+      {L"0001-06-01T00:00:00", L"-P1Y", L"-0001-06-01T00:00:00"},
+      {L"2000-01-01T00:00:00", L"PT16777217S", L"2000-07-13T04:20:17"},  // beyond single precision
+      {L"0001-01-01T00:00:00", L"P3652058D", L"9999-12-31T00:00:00"},
+  };
+  for (const auto& c : cases) {
+    EXPECT_WIDE_EQ(c.sum, (DateTime(c.date) + Span(c.span)).ToString()) << RkXmlTest::Narrow(c.span);
+    EXPECT_WIDE_EQ(c.sum, (DateTime(c.date) - Span(c.span).GetAsNegative()).ToString());
+  }
+  EXPECT_WIDE_EQ(L"01:30:00", (Time(L"23:30:00") + Span(L"P400DT2H")).ToString());
+  EXPECT_WIDE_EQ(L"--01", (Date(L"--12") + Span(L"P1M")).ToString());
+
+  CDateTime value = DateTime(L"2000-01-01T00:00:00");
+  EXPECT_RK_THROWS(CRkInvalidValueException, L"Invalid Year [10000] (9999 <= year <= -9999 && year != 0)",
+                   value += Span(L"P8000Y"));
+  EXPECT_RK_THROWS(CRkInvalidValueException, L"Invalid Year [1537228672809131301] (9999 <= year <= -9999 && year != 0)",
+                   value += CDateTimeSpan(0, ULONG_MAX, 0, 0, 0, 0));
+  EXPECT_WIDE_EQ(L"2000-01-01T00:00:00", value.ToString());
+}
+
+TEST(DateTime, DayArithmeticAgreesWithCountingDays) {
+  CDateTime counted(2000, 1, 1);
+  const CDateTime start = counted;
+  const CDateTimeSpan day(0, 0, 1, 0, 0, 0);
+  int year = 2000, month = 1, dayOfMonth = 1, dayOfYear = 1, dayOfWeek = 6;
+  for (unsigned long n = 0; n < 1500; ++n) {
+    ASSERT_EQ(dayOfMonth, counted.GetDay());
+    ASSERT_EQ(month, counted.GetMonth());
+    ASSERT_EQ(year, counted.GetYear());
+    ASSERT_EQ(dayOfYear, counted.GetDayOfYear());
+    ASSERT_EQ(dayOfWeek, counted.GetDayOfWeek());
+    ASSERT_EQ(n, (counted - start).GetDays());
+    ASSERT_TRUE(counted == start + CDateTimeSpan(0, 0, n, 0, 0, 0));
+    ASSERT_TRUE(start == counted - CDateTimeSpan(0, 0, n, 0, 0, 0));
+    counted += day;
+    dayOfWeek = (dayOfWeek + 1) % 7;
+    ++dayOfYear;
+    const bool leap = year % 4 == 0;
+    if (++dayOfMonth > (month == 2 && !leap ? 28 : g_monthMax[month - 1])) {
+      dayOfMonth = 1;
+      if (++month > 12) {
+        month = 1;
+        dayOfYear = 1;
+        ++year;
+      }
+    }
+  }
+}
+
+TEST(DateTime, DifferencesCountFromUtcAndUndoAdditions) {
+  const CDateTimeSpan span = DateTime(L"2000-03-01T00:00:00+01:00") - DateTime(L"2000-02-28T12:00:00.25");
+  EXPECT_WIDE_EQ(L"P1DT10H59M59.75S", span.ToString());
+  std::mt19937_64 random(4);
+  for (int i = 0; i < 2000; ++i) {
+    CDateTime a(static_cast<short>(1 + random() % 5000), static_cast<unsigned char>(1 + random() % 12),
+                static_cast<unsigned char>(1 + random() % 28), static_cast<unsigned char>(random() % 24),
+                static_cast<unsigned char>(random() % 60), static_cast<unsigned char>(random() % 60),
+                static_cast<unsigned short>(random() % 1000), static_cast<unsigned short>(random() % 1000),
+                static_cast<unsigned short>(random() % 1000));
+    if (i % 3 == 0) a.SetYear(static_cast<short>(-a.GetYear()));
+    if (a.GetMonth() == 2 && a.GetDay() == 28 && IsLeapYear(a.GetYear())) a.SetDay(29);
+    const CDateTimeSpan s(0, 0, random() % 1000000, random() % 100, random() % 10000, random() % 10000000, 1, 2,
+                          static_cast<unsigned short>(random() % 1000));
+    const CDateTime b = a + s;
+    ASSERT_EQ(a.ToString(), (b - s).ToString());
+    ASSERT_EQ(b.ToString(), (a + (b - a)).ToString());
+    ASSERT_EQ(a.ToString(), (b + (a - b)).ToString());
+  }
+}
+
+TEST(DateTime, TimesOfTheSystemClockRoundTripInEveryZoneOfTheProcess) {
+  for (const long t : {0L, 951782400L, -62135596800L, 253402300799L, 1L << 31}) {
+    EXPECT_EQ(t, CDateTime(t).GetTime());
+  }
+  EXPECT_WIDE_EQ(L"2000-02-29T00:00:00", CDateTime(951782400L).ToString());
+  EXPECT_EQ(951782400L - 3600, DateTime(L"2000-02-29T00:00:00+01:00").GetTime());
+  CDateTime value(2000, 1, 1);
+  EXPECT_RK_THROWS(CRkInvalidValueException, L"Invalid Year [10000] (9999 <= year <= -9999 && year != 0)",
+                   value = 253402300800L);
+  EXPECT_EQ(dt_none, CDateTime(LONG_MAX).GetType());
+  const CDateTime now = CDateTime::GetCurrentTime();
+  EXPECT_EQ(dt_dateTime, now.GetType());
+  EXPECT_FALSE(now.IsUTC());
+  EXPECT_LE(now.GetTime(), std::time(nullptr));
+}
+
+TEST(DateTime, QuotientsAreSinglePrecisionIntended) {
+  EXPECT_EQ(-1, GetQuotient(-1, 60));
+  EXPECT_EQ(59, GetModulo(-1, 60));
+  EXPECT_EQ(16777216, GetQuotient(16777217, 1));
+  EXPECT_EQ(1, GetModulo(16777217, 1));
+  EXPECT_EQ(LLONG_MAX, GetQuotient(LLONG_MAX, 1));
+  EXPECT_EQ(0, GetQuotient(0, 0));
+}

@@ -1,0 +1,183 @@
+#include "RkXmlLib16/types/Variant.h"
+
+#include <utility>
+
+#include "Expect.h"
+#include "RkXmlLib16/core/SmartPtr.h"
+#include "RkXmlLib16/core/XmlObjectBase.h"
+
+using namespace RkXmlLib16;
+
+namespace {
+
+// An object that tells when it goes.
+class CProbe : public CXmlObjectBase {
+ public:
+  explicit CProbe(bool& gone) : m_gone(gone) {}
+  ~CProbe() override { m_gone = true; }
+  CXmlObjectBase* GetBase() override { return this; }
+  const wchar_t* GetTargetNamespace() const override { return L""; }
+  const wchar_t* GetNamespace() const override { return L""; }
+  void ToXml_Int(CXmlWriter*, bool, const wchar_t*, const CSerializationContext&, bool) const override {}
+  CXmlElement* FromXml_Int(CXmlElement*, CXmlElement* firstChild, const CSerializationContext&, bool) override {
+    return firstChild;
+  }
+
+ private:
+  bool& m_gone;
+};
+
+const struct {
+  ItemType type;
+  const wchar_t* name;
+  const wchar_t* text;
+} kKinds[] = {
+    {ItemType_hexBinary, L"hexBinary", L"00AB"},
+    {ItemType_base64Binary, L"base64Binary", L"TWFu"},
+    {ItemType_byte, L"i1", L"-128"},
+    {ItemType_short, L"i2", L"-32768"},
+    {ItemType_int, L"i4", L"3000000000"},
+    {ItemType_long, L"i8", L"-9223372036854775808"},
+    {ItemType_unsignedByte, L"ui1", L"255"},
+    {ItemType_unsignedShort, L"ui2", L"65535"},
+    {ItemType_unsignedInt, L"ui4", L"4294967296"},
+    {ItemType_unsignedLong, L"ui8", L"18446744073709551615"},
+    {ItemType_float, L"r4", L"0.1"},
+    {ItemType_double, L"r8", L"0.1"},
+    {ItemType_duration, L"duration", L"P1Y2M3DT4H5M6.5S"},
+    {ItemType_gYearMonth, L"yearMonth", L"2024-02"},
+    {ItemType_gMonthDay, L"monthDay", L"--02-29"},
+    {ItemType_gYear, L"year", L"2024"},
+    {ItemType_gMonth, L"month", L"--05"},
+    {ItemType_gDay, L"day", L"---07"},
+    {ItemType_date, L"date", L"2024-02-29Z"},
+    {ItemType_dateTime, L"datetime", L"2024-02-29T01:02:03.5-05:30"},
+    {ItemType_time, L"time", L"01:02:03"},
+    {ItemType_char, L"char", L"\U0001F600"},
+    {ItemType_string, L"string", L"  some text, longer than a short string  "},
+    {ItemType_boolean, L"boolean", L"true"},
+    {ItemType_decimal, L"decimal", L"-123456789012345678901234567890.05"},
+    {ItemType_integer, L"integer", L"-123456789012345678901234567890"},
+};
+
+}  // namespace
+
+TEST(Variant, EveryKindRoundTripsThroughTextCopiesAndMoves) {
+  RkVariant reused;
+  for (const auto& kind : kKinds) {
+    reused.FromString(kind.text, kind.type);
+    EXPECT_EQ(kind.type, reused.GetItemType());
+    EXPECT_WIDE_EQ(kind.name, reused.GetType());
+    EXPECT_WIDE_EQ(kind.text, reused.ToString());
+    for (const auto& other : kKinds) {
+      RkVariant target;
+      target.FromString(other.text, other.type);
+      target = reused;
+      ASSERT_EQ(std::wstring(kind.text), target.ToString());
+      RkVariant moved(std::move(target));
+      ASSERT_EQ(std::wstring(kind.text), moved.ToString());
+      target = std::move(moved);
+      target.FromString(target.ToString());  // by the current type
+      ASSERT_EQ(std::wstring(kind.text), target.ToString());
+    }
+    std::wstring scratch;
+    EXPECT_WIDE_EQ(kind.text, std::wstring(reused.GetText(scratch)));
+    // Nil keeps the type, and the next value ends it.
+    reused.SetNil();
+    EXPECT_TRUE(reused.IsNil() && reused.IsValid());
+    EXPECT_WIDE_EQ(kind.name, reused.GetType());
+    reused.FromString(kind.text);
+    EXPECT_FALSE(reused.IsNil());
+    EXPECT_WIDE_EQ(kind.text, reused.ToString());
+  }
+}
+
+TEST(Variant, StartsInvalidAndTellsWrongTypes) {
+  RkVariant v;
+  EXPECT_FALSE(v.IsValid());
+  EXPECT_RK_THROWS(CRkException, L"Invalid Type 0", v.GetType());
+  EXPECT_RK_THROWS(CRkException, L"Invalid Type 0 to convert to string", v.ToString());
+  EXPECT_RK_THROWS(CRkException, L"Invalid Type 0 to convert to string", v.FromString(L"1"));
+  EXPECT_RK_THROWS(CRkException, L"Invalid Type 30 to convert to string",
+                   v.FromString(L"1", static_cast<ItemType>(30)));
+  v.SetNil();
+  EXPECT_TRUE(v.IsValid() && v.IsNil());
+  EXPECT_EQ(ItemType_none, v.GetItemType());
+  v.SetI4(42);
+  EXPECT_FALSE(v.IsNil());
+  EXPECT_RK_THROWS(CRkException, L"Invalid Type 5", v.GetI8());
+  EXPECT_RK_THROWS(CRkException, L"Invalid Type 5", v.GetString());
+  EXPECT_EQ(nullptr, v.GetXmlObject().Get());
+  v.SetDecimal(CDecimal(L"1.5"));
+  v.SetNil();
+  EXPECT_WIDE_EQ(L"0", v.GetDecimal().ToString());
+  v.SetInvalid();
+  EXPECT_FALSE(v.IsValid());
+}
+
+TEST(Variant, AFailedReadKeepsValueAndType) {
+  RkVariant v;
+  v.FromString(L"12", ItemType_int);
+  EXPECT_RK_THROWS(CRkInvalidValueException, L"The value [x] can not be converted to a r8",
+                   v.FromString(L"x", ItemType_double, CWhitespaceUtils::collapse));
+  EXPECT_EQ(12, v.GetI4());
+}
+
+TEST(Variant, CollapsesWhiteSpaceUnlessToldOtherwise) {
+  RkVariant v;
+  v.FromString(L" 12 ", ItemType_int);
+  EXPECT_EQ(12, v.GetI4());
+  v.FromString(L" ", ItemType_char);
+  EXPECT_EQ(L' ', v.GetChar());
+  v.FromString(L" a  b ", ItemType_string, CWhitespaceUtils::collapse);
+  EXPECT_WIDE_EQ(L"a b", v.GetString());
+}
+
+TEST(Variant, FormatsReachNumbersOnly) {
+  RkVariant v;
+  v.SetR8(2.5);
+  EXPECT_WIDE_EQ(L"2.50", v.ToString(L"%.2f"));
+  v.SetDecimal(CDecimal(L"2.5"));
+  EXPECT_WIDE_EQ(L"2.50", v.ToString(L"%.2f"));
+  v.SetDate(CDateTime(2024, 2, 29));
+  EXPECT_WIDE_EQ(L"2024-02-29", v.ToString(L"yyyy"));
+}
+
+TEST(Variant, CountsTheObjectItHolds) {
+  bool gone = false;
+  CProbe* const object = new CProbe(gone);
+  RkVariant v;
+  v.SetXmlObject(object);
+  EXPECT_RK_THROWS(CRkException, L"Invalid Type 27", v.GetType());
+  EXPECT_RK_THROWS(CRkException, L"Invalid Type 27 to convert to string", v.ToString());
+  EXPECT_EQ(1, object->GetRefCount());
+  {
+    RkVariant copy(v);
+    EXPECT_EQ(2, object->GetRefCount());
+    copy = v;
+    EXPECT_EQ(2, object->GetRefCount());
+    RkVariant moved(std::move(copy));
+    EXPECT_EQ(2, object->GetRefCount());
+    EXPECT_EQ(object, moved.GetXmlObject().Get());
+    moved.SetI4(1);
+    EXPECT_EQ(1, object->GetRefCount());
+  }
+  v = *&v;
+  v.SetXmlObject(object);  // the only reference is not lost on the way
+  EXPECT_FALSE(gone);
+  v.SetXmlObject(nullptr);
+  EXPECT_TRUE(gone);
+  EXPECT_EQ(nullptr, v.GetXmlObject().Get());
+}
+
+TEST(Variant, TakesItsOwnValueAgain) {
+  RkVariant v;
+  v.SetString(L"a text that is longer than a short string");
+  v.SetString(v.GetString());
+  v.SetString(std::wstring_view(v.GetString()).substr(2, 4));
+  EXPECT_WIDE_EQ(L"text", v.GetString());
+  v.SetDate(CDateTime(2024, 2, 29));
+  v.SetDateTime(v.GetDate());
+  EXPECT_EQ(ItemType_dateTime, v.GetItemType());
+  EXPECT_WIDE_EQ(L"2024-02-29", v.GetDateTime().ToString());
+}

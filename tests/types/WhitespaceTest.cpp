@@ -1,0 +1,38 @@
+#include "RkXmlLib16/types/Whitespace.h"
+
+#include "Expect.h"
+
+using namespace RkXmlLib16;
+
+TEST(Whitespace, RulesChangeOnlyTheFourXmlCharacters) {
+  const struct {
+    CWhitespaceUtils::WhitespaceRule rule;
+    const wchar_t* text;
+    const wchar_t* expected;
+  } cases[] = {
+      {CWhitespaceUtils::none, L" a\t\nb ", L" a\t\nb "},
+      {CWhitespaceUtils::preserve, L" a\t\nb ", L" a\t\nb "},
+      {CWhitespaceUtils::replace, L"\ra\t\nb c", L" a  b c"},
+      {CWhitespaceUtils::collapse, L"  a \t b  ", L"a b"},
+      {CWhitespaceUtils::collapse, L"a b c", L"a b c"},
+      {CWhitespaceUtils::collapse, L"a\tb", L"a b"},
+      {CWhitespaceUtils::collapse, L" \t\r\n", L""},
+      {CWhitespaceUtils::collapse, L"", L""},
+      {CWhitespaceUtils::collapse, L"\x00A0 a\v", L"\x00A0 a\v"},
+  };
+  for (const auto& c : cases) EXPECT_WIDE_EQ(c.expected, CWhitespaceUtils::ApplyRule(c.rule, std::wstring(c.text)));
+}
+
+TEST(Whitespace, AViewIsCopiedOnlyWhenCharactersInsideChange) {
+  std::wstring scratch;
+  const std::wstring text = L"  some long text without need  ";
+  const std::wstring_view view =
+      CWhitespaceUtils::ApplyRule(CWhitespaceUtils::collapse, std::wstring_view(text), scratch);
+  EXPECT_EQ(text.data() + 2, view.data());
+  EXPECT_TRUE(scratch.empty());
+}
+
+TEST(Whitespace, AnUnknownRuleThrows) {
+  EXPECT_RK_THROWS(CRkException, L"Unknown WhitespaceRule",
+                   CWhitespaceUtils::ApplyRule(static_cast<CWhitespaceUtils::WhitespaceRule>(7), std::wstring(L"a")));
+}
