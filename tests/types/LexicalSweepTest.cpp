@@ -90,7 +90,8 @@ TEST(LexicalSweep, DatesAndDurations) {
     }
     for (const wchar_t* prefix : {L"", L"10:5", L"10:59:59"}) time.Try<ItemType_time>(prefix + text, {L"Invalid "});
     for (const wchar_t* suffix : {L"", L"M", L"S", L".1S"})
-      duration.Try<ItemType_duration>(text + suffix, {L"Invalid XSD Duration ["});
+      duration.Try<ItemType_duration>(text + suffix,
+                                      {L"Invalid XSD Duration [", L"Invalid XSD Duration (Empty String)"});
   });
   date.Expect();
   time.Expect();
