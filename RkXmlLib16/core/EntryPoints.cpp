@@ -2,15 +2,9 @@
 #include <atomic>
 #include <string>
 
-#include "RkXmlLib16/core/EntryPointGuard.h"
-#include "RkXmlLib16/core/FileOutput.h"
+#include "RkXmlLib16/core/EntryPointTools.h"
 #include "RkXmlLib16/core/SerializationContext.h"
-#include "RkXmlLib16/core/WideLoad.h"
-#include "RkXmlLib16/core/XmlObjectBase.h"
-#include "RkXmlLib16/support/TextStream.h"
-#include "RkXmlLib16/support/Zip.h"
 #include "RkXmlLib16/wildcards/Element.h"
-#include "RkXmlLib16/xml/ElementTree.h"
 #include "RkXmlLib16/xml/XmlTextWriter.h"
 
 namespace RkXmlLib16 {
@@ -31,27 +25,18 @@ void WriteXmlText(const CXmlObjectBase& object, CTextStream& stream, bool includ
   writer.Close();
 }
 
-// Fills the object from a document that `load` loads.
-template <class Load>
-void ReadDocument(CXmlObjectBase& object, const CSerializationContext& context, Load&& load) {
-  CXmlDocument document(context);
-  Guarded([&] { load(document); });
-  const CXmlElement* const root = document.GetDocumentElement();
-  object.FromXmlElement(root, context);
-}
-
 }  // namespace
 
 void AsyncToXmlFile(bool enable) { directWrite = enable; }
 void AsyncFromXmlFile(bool /*enable*/) {}
-
-bool WritesDirectly(CompressionType compression) { return directWrite && compression == CompressionType_None; }
 
 void RequireFileCompression(CompressionType compression) {
   if (compression == CompressionType_ZLib) {
     throw CRkException(L"ZLIB Compression only available for To Stream methods.");
   }
 }
+
+bool WritesDirectly(CompressionType compression) { return directWrite && compression == CompressionType_None; }
 
 std::wstring CXmlObjectBase::ToXml(bool includeDocumentHeader, bool formatted, EOLType eol,
                                    const CSerializationContext& context) const {
@@ -64,11 +49,7 @@ CBinaryData CXmlObjectBase::ToXmlStream(bool includeDocumentHeader, bool formatt
                                         const CSerializationContext& context, CompressionType compression) const {
   CTextStream stream(encoding);
   WriteXmlText(*this, stream, includeDocumentHeader, formatted, eol, context);
-  return Guarded([&] {
-    CBinaryData bytes = stream.GetEncodedStream();
-    CRkZip::CompressData(bytes, compression);
-    return bytes;
-  });
+  return Guarded([&] { return Compressed(stream.GetEncodedStream(), compression); });
 }
 
 void CXmlObjectBase::ToXmlFile(const wchar_t* fileName, bool includeDocumentHeader, bool formatted,
@@ -111,7 +92,7 @@ void CXmlObjectBase::FromXmlElement(const CXmlElement* element, const CSerializa
 void CXmlObjectBase::FromXmlElement(const CElement* element, const CSerializationContext& context) {
   if (element == nullptr) throw CRkException(L"The document contains no element.");
   const std::wstring text = element->ToXml(false, false, EOLType_LF, GetDefaultContext());
-  FromXml(ForWideLoad(text).c_str(), context);
+  ReadDocument(*this, context, [&text](CXmlDocument& document) { document.LoadXmlWide(text); });
 }
 
 }  // namespace RkXmlLib16

@@ -173,6 +173,10 @@ void CFastInfosetWriter::WriteEndElement() {
 void CFastInfosetWriter::WriteAttributeString(const std::wstring& localName, const std::wstring& namespaceUri,
                                               const std::wstring& value, ItemType type) {
   RequireStartTag();
+  if (namespaceUri == XMLNS_NAMESPACE) {
+    Declare(localName, value);
+    return;
+  }
   QualifiedNameOrIndexBit2(ResolveAttribute(namespaceUri), localName);
   m_hasAttributes = true;
   NonIdentifyingStringOrIndexBit1(value, type);

@@ -236,6 +236,7 @@ void CJsonTextWriter::WriteEndElement() {
 void CJsonTextWriter::WriteAttributeString(const std::wstring& localName, const std::wstring& namespaceUri,
                                            const std::wstring& value, ItemType type) {
   RequireOpenElement();
+  if (m_roundTrip != JsonRoundTrip_Namespaces && namespaceUri == XMLNS_NAMESPACE) return;
   const bool prefixed = m_roundTrip == JsonRoundTrip_Namespaces && !namespaceUri.empty();
   if (!prefixed && namespaceUri == XMLNS_NAMESPACE) return;  // a declaration
   const std::wstring* prefix = prefixed ? FindAttributePrefix(namespaceUri) : &kNone;
