@@ -1,0 +1,11 @@
+# Runs PROGRAM, which must succeed, be silent on standard error and print what the file EXPECTED holds, if it exists.
+execute_process(COMMAND ${PROGRAM} RESULT_VARIABLE code OUTPUT_VARIABLE printed ERROR_VARIABLE errors)
+if(NOT code STREQUAL "0" OR NOT errors STREQUAL "")
+  message(FATAL_ERROR "it ended with ${code}: ${errors}")
+endif()
+if(EXISTS "${EXPECTED}")
+  file(READ "${EXPECTED}" expected)
+  if(NOT printed STREQUAL expected)
+    message(FATAL_ERROR "it printed\n${printed}\ninstead of\n${expected}")
+  endif()
+endif()
