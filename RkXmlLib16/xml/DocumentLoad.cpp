@@ -12,6 +12,7 @@
 
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/fastinfoset/Reader.h"
 #include "RkXmlLib16/json/JsonTextReader.h"
 #include "RkXmlLib16/support/Encoder.h"
 #include "RkXmlLib16/support/File.h"
@@ -103,7 +104,9 @@ Bytes ToUtf16(std::wstring_view text, bool pairs) {
 }
 
 // Fills the document when its input is a Fast Infoset, which is told by the first octets; else false.
-bool ParseFastInfoset(CXmlDocument&) { return false; }
+bool ParseFastInfoset(CXmlDocument& document) {
+  return CFastInfosetReader(*document.GetContext().GetFIContext(), document).Parse();
+}
 
 CBinaryData ConvertJsonBytes(const unsigned char* bytes, std::size_t length, const CSerializationContext& context) {
   CBinaryData inflated;

@@ -1,0 +1,101 @@
+#include "RkXmlLib16/fastinfoset/BinaryCodec.h"
+
+#include "Expect.h"
+#include "Octets.h"
+
+namespace RkXmlTest {
+namespace {
+
+using namespace RkXmlLib16;
+
+CFastInfosetBinaryData Encoded(unsigned long algorithm, const wchar_t* text) {
+  CFastInfosetBinaryData data;
+  data.SetAsEncodedString(algorithm, text);
+  return data;
+}
+
+CFastInfosetBinaryData Holding(const char* hex) {
+  Octets octets = FromHex(hex);
+  return CFastInfosetBinaryData(octets.data(), octets.size(), /*copy=*/true);
+}
+
+TEST(FastInfosetBinaryData, SingleValuesBothWays) {
+  const struct {
+    unsigned long algorithm;
+    const wchar_t* text;
+    const char* octets;
+  } rows[] = {
+      {1, L"0ABC", "0A BC"},
+      {2, L"SGVsbG8=", "48 65 6C 6C 6F"},
+      {3, L"-2", "FF FE"},
+      {3, L"32767", "7F FF"},
+      {4, L"66051", "00 01 02 03"},
+      {4, L"-2147483648", "80 00 00 00"},
+      {5, L"-9223372036854775808", "80 00 00 00 00 00 00 00"},
+      {6, L"true", "38"},
+      {6, L"false", "30"},
+      {7, L"1.5", "3F C0 00 00"},
+      {7, L"-INF", "FF 80 00 00"},
+      {8, L"0.1", "3F B9 99 99 99 99 99 9A"},
+      {8, L"NaN", "7F F8 00 00 00 00 00 00"},
+      {9, L"00112233445566778899AABBCCDDEEFF", "00 11 22 33 44 55 66 77 88 99 AA BB CC DD EE FF"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(Narrow(row.text));
+    const CFastInfosetBinaryData data = Encoded(row.algorithm, row.text);
+    EXPECT_EQ(row.octets, ToHex(ToOctets(data)));
+    EXPECT_WIDE_EQ(row.text, data.GetAsString(row.algorithm));
+  }
+  EXPECT_EQ("C3 A9", ToHex(ToOctets(Encoded(10, L"\u00E9"))));
+  EXPECT_EQ("00 11 22 33 44 55 66 77 88 99 AA BB CC DD EE FF",
+            ToHex(ToOctets(Encoded(9, L"00112233-4455-6677-8899-aabbccddeeff"))));
+}
+
+TEST(FastInfosetBinaryData, ListsAreReadWithOneBlankBetween) {
+  const struct {
+    unsigned long algorithm;
+    const char* octets;
+    const wchar_t* text;
+  } rows[] = {
+      {3, "FF FE 01 02", L"-2 258"},
+      {4, "00 00 00 01 FF FF FF FF", L"1 -1"},
+      {6, "0F", L"true true true true"},
+      {6, "7B 00", L"true false true true false"},
+      {6, "30", L"false"},
+      {6, "F0", L""},  // more unused bits than there are
+      {7, "3F C0 00 00 40 00 00 00", L"1.5 2"},
+      {3, "", L""},
+      {6, "", L""},
+  };
+  for (const auto& row : rows) {
+    EXPECT_WIDE_EQ(row.text, Holding(row.octets).GetAsString(row.algorithm)) << row.octets;
+  }
+}
+
+TEST(FastInfosetBinaryData, Failures) {
+  const struct {
+    unsigned long algorithm;
+    const wchar_t* message;
+  } lengths[] = {
+      {3, L"Invalid value for SHORT byte encoding."},
+      {4, L"Invalid value for INT byte encoding."},
+      {5, L"Invalid value for LONG byte encoding."},
+      {7, L"Invalid value for FLOAT byte encoding."},
+      {8, L"Invalid value for DOUBLE byte encoding."},
+      {9, L"Invalid value for UUID byte encoding."},
+      {10, L"Unknown byte encoding."},
+      {11, L"Unknown byte encoding."},
+      {0, L"Unknown byte encoding."},
+  };
+  for (const auto& row : lengths)
+    EXPECT_RK_THROWS(CRkException, row.message, Holding("01 02 03").GetAsString(row.algorithm));
+  EXPECT_RK_THROWS(CRkException, L"Unknown byte encoding.", Encoded(11, L"1"));
+  EXPECT_RK_THROWS(CRkException, L"Invalid length in hex string", Encoded(1, L"ABC"));
+  EXPECT_RK_THROWS(CRkInvalidValueException, L"The value [32768] is to large to fit in a i2", Encoded(3, L"32768"));
+  EXPECT_RK_THROWS(CRkInvalidValueException, L"The value [3000000000] is to large to fit in a i4",
+                   Encoded(4, L"3000000000"));
+  EXPECT_RK_THROWS(CRkInvalidValueException, L"The value [1.x] can not be converted to a r8", Encoded(8, L"1.x"));
+}
+
+}  // namespace
+}  // namespace RkXmlTest

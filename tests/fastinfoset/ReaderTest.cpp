@@ -1,0 +1,200 @@
+#include "RkXmlLib16/fastinfoset/Reader.h"
+
+#include <cstring>
+
+#include "Expect.h"
+#include "Octets.h"
+#include "RkXmlLib16/core/ReadLimits.h"
+#include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/support/Zip.h"
+
+namespace RkXmlTest {
+namespace {
+
+using namespace RkXmlLib16;
+
+// A document of these octets, which follow the header.
+std::wstring Read(const std::string& hex) { return DescribeOctets(FromHex("E0 00 00 01" + hex)); }
+
+std::wstring Message(const wchar_t* rest) { return std::wstring(L"Failed to parse FastInfoset. ") + rest; }
+
+TEST(FastInfosetReader, WhatWritersMayWrite) {
+  const struct {
+    const char* octets;
+    const wchar_t* tree;
+  } rows[] = {
+      // terminators: merged, apart, at the end of attributes
+      {"00 7C 00 61 78 00 62 40 31 F0 3C 00 63 F0 F0 F0", L"{}a[{}b=1;]()<{}c[]()>"},
+      {"00 7C 00 61 78 00 62 40 31 F0 3C 00 63 FF F0", L"{}a[{}b=1;]()<{}c[]()>"},
+      {"00 7C 00 61 78 00 62 40 31 FF F0", L"{}a[{}b=1;]()"},
+      // octets after the document belong to something else
+      {"00 3C 00 61 FF 00 12", L"{}a[]()"},
+      // UTF-16, alphabets padded or cut, lists
+      {"00 7C 00 61 78 00 62 51 00 E9 F0 95 6F 22 FF", L"{}a[{}b=\u00E9;](\u6F22)"},
+      {"00 7C 00 61 78 00 6E 60 01 A1 C5 78 00 6D 60 01 12 3F F0 98 01 A1 C5 FF", L"{}a[{}n=-1.5;{}m=123;](-1.5)"},
+      {"00 7C 00 61 78 00 73 30 23 FF FE 01 02 FF F0", L"{}a[{}s=-2 258;]()"},
+      {"00 7C 00 61 78 00 6C 30 51 7B 00 F0 8C 14 0F FF", L"{}a[{}l=true false true true false;](true true true true)"},
+      {"00 3C 00 61 8C 26 00 78 3C 79 FF", L"{}a[](x<y)"},
+      // a typed literal that is added, then found
+      {"00 7C 00 61 78 00 69 70 33 00 00 00 05 78 00 73 80 FF F0", L"{}a[{}i=5;{}s=5;]()"},
+      // comments and instructions keep to tables of their own
+      {"00 E1 01 67 6F 42 6E 6F 77 3C 00 61 E2 80 E2 FF 90 78 A0 FF", L"{}a[](xx)"},
+      // document type, entity references
+      {"00 C6 04 61 2E 64 74 64 F0 3C 00 61 90 78 CA 00 65 80 90 79 C8 80 FF", L"{}a[](xy)"},
+      // optional components
+      {"47 00 05 75 72 6E 3A 61 64 01 0A 0B 04 55 54 46 2D 38 01 42 31 2E 30 3C 00 61 FF", L"{}a[]()"},
+      // an external vocabulary that adds nothing
+      {"20 10 00 04 75 72 6E 3A 76 3C 00 61 FF", L"{}a[]()"},
+      // carriage returns in text go, also where the text is found again
+      {"00 3C 00 61 92 00 78 0D 79 A0 FF", L"{}a[](xyxy)"},
+      {"00 7C 00 61 78 00 62 42 78 0D 79 FF F0", L"{}a[{}b=x\ry;]()"},
+      // literals of a qualified name itself
+      {"00 3F 00 70 04 75 72 6E 3A 70 00 61 FF", L"{urn:p}a[]()"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.octets);
+    EXPECT_WIDE_EQ(row.tree, Read(row.octets));
+  }
+}
+
+TEST(FastInfosetReader, Failures) {
+  const std::wstring end = Message(L"Unexpected End of File.");
+  const std::wstring item = Message(L"Invalid Encoding of Element type.");
+  const std::wstring index2 = Message(L"Invalid Encoding of integers 1 To 2^20 type  on the second bit of an octet.");
+  const std::wstring index3 = Message(L"Invalid Encoding of integers 1 To 2^20 type  on the third bit of an octet.");
+  const std::wstring index4 = Message(L"Invalid Encoding of integers 1 To 2^20 type  on the fourth bit of an octet.");
+  const std::wstring value = Message(L"Invalid Encoding of integers 0 To 2^20 type  on the second bit of an octet.");
+  const std::wstring length2 = Message(L"Invalid NonEmptyOctetString type  on the second bit of an octet.");
+  const std::wstring length5 = Message(L"Invalid NonEmptyOctetString type  on the fifth bit of an octet.");
+  const std::wstring alphabet =
+      Message(L"Invalid Encoding of Restricted Alphabet. Alphabet must contain between 2 and 2^20 characters.");
+  const struct {
+    const char* octets;
+    std::wstring message;
+  } rows[] = {
+      {"00 3C", end},                          // no name
+      {"00 3C 02 61", end},                    // cut inside a string
+      {"00 3C 40", end},                       // cut inside a length
+      {"00 3C 60 FF FF FF FF 61", end},        // a length beyond everything
+      {"00 3C 00 61 83 FF FF FF FF 61", end},  // the same of a chunk
+      {"00 3C 00 61", end},                    // no end of the element
+      {"00 3C 00 61 F0", end},                 // no end of the document
+      {"00 F0", item},                         // no element
+      {"00 C4 FF", item},                      // only a document type
+      {"00 3C 00 61 F0 3C 00 61 FF", item},    // a second root
+      {"00 80 61", item},                      // text outside the root
+      {"00 3C 00 61 C0 FF", item},             // octets that begin nothing
+      {"00 3C 00 61 E3 FF", item},
+      {"00 7C 00 61 E1 FF", item},        // not an attribute
+      {"00 38 CB F0 3C 00 61 FF", item},  // not a namespace attribute
+      {"00 38 CC F0 7C 00 61 FF", item},  // attribute bit behind declarations
+      {"10 C4 F0 3C 00 61 FF", item},     // not a notation
+      {"08 C4 F0 3C 00 61 FF", item},     // not an unparsed entity
+      {"00 3E 00 70 00 61 FF", Message(L"Invalid QName type Prefix without Namespace.")},
+      {"00 00 FF", index3},  // no such element name
+      {"00 3C 00 61 01 FF", index3},
+      {"00 34 00 61 FF", index3},  // no such form
+      {"00 3C 80 FF", index2},     // no such local name
+      {"00 3C F0 FF", index2},
+      {"00 7C 00 61 00 80 FF", index2},        // no such attribute name
+      {"00 7C 00 61 7C 00 62 80 FF", index2},  // no such form
+      {"00 7C 00 61 78 00 62 80 FF", value},   // no such value
+      {"00 7C 00 61 78 00 62 F1 FF", value},   // no such form
+      {"00 3C 00 61 A0 FF", index4},           // no such chunk
+      {"00 3C 00 61 BC FF", index4},           // no such form
+      {"00 3C 41 61 FF", length2},
+      {"00 7C 00 61 78 00 62 49 61 FF", length5},
+      {"00 3C 00 61 88 08 12 FF", alphabet},                   // alphabet 3
+      {"00 3C 00 61 8C 28 12 FF", L"Unknown byte encoding."},  // algorithm 11
+      {"00 3C 00 61 8C 0C 01 FF", L"Invalid value for INT byte encoding."},
+      {"00 E2 80 3C 00 61 FF", value},  // a comment that is not there
+      {"00 E1 80 FF 3C 00 61 FF", index2},
+      {"00 38 CF 81 81 F0 3C 00 61 FF", index2},  // prefix 2
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.octets);
+    EXPECT_RK_THROWS(CRkException, row.message, Read(row.octets));
+  }
+}
+
+TEST(FastInfosetReader, OtherInputIsLeftAlone) {
+  for (const char* hex : {"", "E0", "E0 00 00", "E0 00 00 02 00", "3C 61 2F 3E"}) {
+    const Octets octets = FromHex(hex);
+    CXmlDocument document;
+    const CFastInfosetContext context;
+    EXPECT_FALSE(CFastInfosetReader(context, document).Parse(octets.data(), octets.size())) << hex;
+  }
+  const std::string cut = "<?xml encoding='finf'?>";
+  CXmlDocument document;
+  const CFastInfosetContext context;
+  EXPECT_FALSE(
+      CFastInfosetReader(context, document).Parse(reinterpret_cast<const unsigned char*>(cut.data()), cut.size()));
+}
+
+TEST(FastInfosetReader, InitialVocabularyListsAreReadPastIntended) {
+  const char* const index2 = "Invalid Encoding of integers 1 To 2^20 type  on the second bit of an octet.";
+  const std::wstring unknown = Message(std::wstring(index2, index2 + std::strlen(index2)).c_str());
+  // Lists of one item keep their numbers but cannot be referred to: the document's own entries come after them.
+  EXPECT_WIDE_EQ(L"{urn:p}a[]()<{}a[]()>", Read("20 03 80 00 00 71 00 04 75 72 6E 3A 71 00 00 62"
+                                                "38 CF 00 70 04 75 72 6E 3A 70 F0 3F 82 82 00 61 3C 81 FF F0"));
+  EXPECT_RK_THROWS(CRkException, unknown, Read("20 00 80 00 00 62 3C 80 FF"));
+  EXPECT_RK_THROWS(CRkException,
+                   Message(L"Invalid Encoding of integers 0 To 2^20 type  on the second bit of an octet."),
+                   Read("20 00 10 00 00 62 7C 00 61 78 00 63 80 FF F0"));
+  // The length of a longer list is read before every item, so such a list is misread, and no index is trusted then.
+  EXPECT_WIDE_EQ(L"{}a[]()", Read("20 00 80 01 00 62 01 00 63 3C 00 61 FF"));
+  EXPECT_RK_THROWS(CRkException, unknown, Read("20 00 80 01 00 62 01 00 63 3C 00 61 3C 80 FF F0"));
+  EXPECT_THROW(Read("20 03 88 00 00 70 00 05 75 72 6E 3A 70 6F 01 00 61 00 62 01 02 6F 6E 65 02 74 77 6F "
+                    "38 CF 81 81 F0 3F 81 81 80 A1 FF"),
+               CRkException);
+}
+
+TEST(FastInfosetReader, PrefixesAreThoseOfTheDeclarations) {
+  Octets octets = FromHex("E0 00 00 01 00 38 CD 04 75 72 6E 3A 64 CF 00 70 04 75 72 6E 3A 70 F0 3F 81 82 00 61 FF");
+  CXmlDocument document;
+  document.LoadXmlStream(octets.data(), octets.size());
+  EXPECT_WIDE_EQ(L"p", document.LookupAliasFromNamespace(L"urn:p").View());
+  EXPECT_WIDE_EQ(L"urn:d", document.LookupNamespaceFromAlias(L"").View());
+  EXPECT_WIDE_EQ(L"p:a", document.GetDocumentElement()->GetQName());
+}
+
+TEST(FastInfosetReader, CompressedDocuments) {
+  const Octets octets = FromHex("E0 00 00 01 00 3C 00 61 FF");
+  for (const CompressionType compression : {CompressionType_GZip, CompressionType_ZLib}) {
+    Octets copy = octets;
+    CBinaryData data(copy.data(), copy.size(), /*copy=*/true);
+    CRkZip::CompressData(data, compression);
+    EXPECT_WIDE_EQ(L"{}a[]()", DescribeOctets(ToOctets(data)));
+  }
+}
+
+// Elements inside each other, as many as there are octets for; nothing recurses.
+TEST(FastInfosetReader, DepthTakesNoStack) {
+  Octets octets = FromHex("E0 00 00 01 00 3C 00 61");
+  constexpr std::size_t kDepth = 300000;
+  octets.insert(octets.end(), kDepth, 0x00);
+  octets.insert(octets.end(), kDepth / 2 + 1, 0xFF);
+  CXmlDocument document;
+  document.LoadXmlStream(octets.data(), octets.size());
+  std::size_t depth = 0;
+  for (const CXmlElement* at = document.GetDocumentElement(); at != nullptr; at = at->GetFirstElement()) ++depth;
+  EXPECT_EQ(kDepth + 1, depth);
+}
+
+TEST(FastInfosetReader, ExpansionOfIndexedTextIsBounded) {
+  Octets octets = FromHex("E0 00 00 01 00 3C 00 61 93 00 00 00 00");  // a chunk of 259 octets, added
+  octets.insert(octets.end(), 259, 'x');
+  octets.insert(octets.end(), 1000, 0xA0);
+  octets.push_back(0xFF);
+  CSerializationContext context;
+  context.GetLimits().SetExpansionRatioFrom(1000);
+  context.GetLimits().SetMaxExpansionRatio(10);
+  CXmlDocument document(context);
+  EXPECT_THROW(document.LoadXmlStream(octets.data(), octets.size()), CRkException);
+  context.GetLimits().SetMaxExpansionRatio(0);
+  document.LoadXmlStream(octets.data(), octets.size());
+  EXPECT_EQ(259u * 1001u, document.GetDocumentElement()->GetText().length());
+}
+
+}  // namespace
+}  // namespace RkXmlTest

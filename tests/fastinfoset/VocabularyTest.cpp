@@ -1,0 +1,83 @@
+#include "RkXmlLib16/fastinfoset/Vocabulary.h"
+
+#include "Expect.h"
+#include "RkXmlLib16/fastinfoset/Context.h"
+
+namespace RkXmlTest {
+namespace {
+
+using namespace RkXmlLib16;
+
+TEST(FastInfosetVocabulary, StringsTakeTheNextIndexOnce) {
+  CFIVocabulary v;
+  unsigned long index = 0;
+  EXPECT_TRUE(v.FindPrefixNameIndex(L"xml", index));
+  EXPECT_EQ(1u, index);
+  EXPECT_TRUE(v.FindNamespaceNameIndex(L"http://www.w3.org/XML/1998/namespace", index));
+  EXPECT_EQ(1u, index);
+  EXPECT_FALSE(v.FindLocalNameIndex(L"a", index));
+  v.AddPrefixName(L"p");
+  v.AddPrefixName(L"p");
+  EXPECT_TRUE(v.FindPrefixNameIndex(L"p", index));
+  EXPECT_EQ(2u, index);
+  EXPECT_EQ(2u, v.GetPrefixNamesTable().size());
+
+  const CFIVocabulary copy(v);
+  v.AddPrefixName(L"q");
+  EXPECT_FALSE(copy.FindPrefixNameIndex(L"q", index));
+  EXPECT_TRUE(copy.FindPrefixNameIndex(L"p", index));
+}
+
+TEST(FastInfosetVocabulary, AppendingTakesANewIndexAndLookupTheFirst) {
+  CFIStringTable table;
+  for (const wchar_t* text : {L"a", L"b", L"a"}) CFIVocabulary::AddValueToVector(text, table);
+  EXPECT_EQ(3u, table.size());
+  unsigned long index = 0;
+  EXPECT_TRUE(CFIVocabulary::FindIndex(table, L"a", index));
+  EXPECT_EQ(1u, index);
+  CFIVocabulary::AddValueToMap(L"c", table);
+  std::wstring all;
+  for (const auto& [text, number] : table) all += std::wstring(text) + std::to_wstring(number);
+  EXPECT_WIDE_EQ(L"a1b2a3c4", all);
+}
+
+TEST(FastInfosetVocabulary, NamesAreToldApartByEachPart) {
+  CFIVocabulary v;
+  EXPECT_EQ(1u, v.AddElement(L"", L"urn:a", L"x"));
+  EXPECT_EQ(2u, v.AddElement(L"p", L"urn:a", L"x"));
+  EXPECT_EQ(3u, v.AddElement(L"", L"urn:b", L"x"));
+  EXPECT_EQ(1u, v.AddElement(L"", L"urn:a", L"x"));
+  EXPECT_EQ(1u, v.AddAttribute(L"", L"", L"x"));
+  EXPECT_EQ(1u, v.GetLocalNamesTable().size());
+  const CQNameParts& parts = v.GetElementNamesTable()[2];
+  EXPECT_EQ(2u, parts.m_prefixIndex);
+  EXPECT_EQ(2u, parts.m_namespaceNameIndex);
+  EXPECT_EQ(1u, parts.m_localNameIndex);
+}
+
+TEST(FastInfosetVocabulary, AFullTableTakesNoMore) {
+  CFIStringTable table;
+  for (unsigned long i = 0; i < FI_MAX_TABLE_ENTRIES; ++i) table.Add(std::to_wstring(i));
+  EXPECT_EQ(FI_MAX_TABLE_ENTRIES, table.size());
+  EXPECT_EQ(0u, table.Add(L"one more"));
+  table.Append(L"one more");
+  EXPECT_EQ(FI_MAX_TABLE_ENTRIES, table.size());
+  EXPECT_EQ(FI_MAX_TABLE_ENTRIES, table.Add(std::to_wstring(FI_MAX_TABLE_ENTRIES - 1)));
+}
+
+TEST(FastInfosetContext, EncodingsByType) {
+  CFastInfosetContext context;
+  for (int type = 0; type <= ItemType_integer; ++type) {
+    EXPECT_EQ(FIStringEncoding_None, context.GetEncoding(type).m_encoding);
+  }
+  context.SetSuggestedValues();
+  const CFastInfosetContext copy(context);
+  EXPECT_EQ(FIStringEncoding_EncodingAlgorithm, copy.GetEncoding(ItemType_double).m_encoding);
+  EXPECT_EQ(8u, copy.GetEncoding(ItemType_double).m_index);
+  EXPECT_EQ(FIStringEncoding_None, copy.GetEncoding(ItemType_duration).m_encoding);
+  EXPECT_RK_THROWS(CRkInvalidParamException, L"Invalid encoding index [27]", context.GetEncoding(27));
+  EXPECT_RK_THROWS(CRkInvalidParamException, L"Invalid encoding index [-1]", context.SetEncoding(-1, {}));
+}
+
+}  // namespace
+}  // namespace RkXmlTest

@@ -1,0 +1,463 @@
+#include "RkXmlLib16/fastinfoset/Writer.h"
+
+#include <functional>
+
+#include "Expect.h"
+#include "Octets.h"
+
+namespace RkXmlTest {
+namespace {
+
+using namespace RkXmlLib16;
+
+using Calls = std::function<void(CFastInfosetWriter&)>;
+constexpr ItemType kText = ItemType_string;
+
+void Empty(CFastInfosetWriter& w, const wchar_t* name, const wchar_t* uri = L"") {
+  w.WriteStartElement(name, uri);
+  w.WriteEndElement();
+}
+
+void Leaf(CFastInfosetWriter& w, const wchar_t* name, const std::wstring& text, ItemType type = kText) {
+  w.WriteStartElement(name, L"");
+  w.WriteString(text, type);
+  w.WriteEndElement();
+}
+
+void Attribute(CFastInfosetWriter& w, const wchar_t* name, const std::wstring& value, ItemType type = kText) {
+  w.WriteAttributeString(name, L"", value, type);
+}
+
+// Every document written here has to pass the checker and to read to the tree that the checker sees.
+void ExpectReadable(const Octets& octets) {
+  try {
+    EXPECT_WIDE_EQ(Check(octets), DescribeOctets(octets));
+  } catch (const std::exception& e) {
+    ADD_FAILURE() << e.what() << " in " << ToHex(octets);
+  } catch (const CRkException& e) {
+    ADD_FAILURE() << Narrow(e.GetMessage()) << " in " << ToHex(octets);
+  }
+}
+
+void ExpectOctets(const char* hex, const Calls& calls, const CFastInfosetContext& context = {}) {
+  const Octets octets = Write(context, calls);
+  EXPECT_EQ(ToHex(FromHex(std::string("E0 00 00 01 00") + hex)), ToHex(octets));
+  ExpectReadable(octets);
+}
+
+TEST(FastInfosetWriter, WorkedExamples) {
+  ExpectOctets("3C 00 61 FF", [](auto& w) { Empty(w, L"a"); });
+  ExpectOctets("7C 00 61 78 00 62 40 31 78 00 63 FF 78 00 64 80 FF F0", [](auto& w) {
+    w.WriteStartElement(L"a", L"");
+    Attribute(w, L"b", L"1");
+    Attribute(w, L"c", L"");
+    Attribute(w, L"d", L"1");
+    w.WriteEndElement();
+  });
+  ExpectOctets("3C 00 72 3C 00 61 91 78 79 F0 01 A0 F0 3C 00 62 FF F0", [](auto& w) {
+    w.WriteStartElement(L"r", L"");
+    Leaf(w, L"a", L"xy");
+    Leaf(w, L"a", L"xy");
+    Empty(w, L"b");
+    w.WriteEndElement();
+  });
+  ExpectOctets("7C 00 61 7B 80 80 03 6C 61 6E 67 41 65 6E FF F0", [](auto& w) {
+    w.WriteStartElement(L"a", L"");
+    w.WriteAttributeString(L"lang", CXmlWriter::XML_NAMESPACE, L"en", kText);
+    w.WriteEndElement();
+  });
+  ExpectOctets("7C 01 C3 A9 78 00 61 42 E6 BC A2 F0 92 01 F0 9F 98 80 FF", [](auto& w) {
+    w.WriteStartElement(L"\u00E9", L"");
+    Attribute(w, L"a", L"\u6F22");
+    w.WriteString(std::wstring{static_cast<wchar_t>(0xD83D), static_cast<wchar_t>(0xDE00)}, kText);
+    w.WriteEndElement();
+  });
+}
+
+TEST(FastInfosetWriter, NamespacesStandInFrontOfTheName) {
+  ExpectOctets(
+      "78 CD 04 75 72 6E 3A 64 CF 00 70 04 75 72 6E 3A 70 F0 3D 81 00 6F 7B 81 82 00 6B 40 76 F0 3F 81 82 00 69 FF F0",
+      [](auto& w) {
+        w.SetDefaultNamespace(L"urn:d");
+        w.AddNamespace(L"p", L"urn:p");
+        w.WriteStartElement(L"o", L"urn:d");
+        w.WriteAttributeString(L"k", L"urn:p", L"v", kText);
+        Empty(w, L"i", L"urn:p");
+        w.WriteEndElement();
+      });
+  // No namespace under a default one: it is undeclared.
+  ExpectOctets("38 CD 04 75 72 6E 3A 64 F0 3D 81 00 61 38 CC F0 3C 00 62 FF F0", [](auto& w) {
+    w.SetDefaultNamespace(L"urn:d");
+    w.WriteStartElement(L"a", L"urn:d");
+    Empty(w, L"b");
+    w.WriteEndElement();
+  });
+  // Invented prefixes end with their element; a second declaration finds both strings in their tables.
+  ExpectOctets("3C 00 72 38 CF 01 41 41 04 75 72 6E 3A 70 F0 3F 81 81 00 61 F0 38 CF 81 81 F0 01 FF F0", [](auto& w) {
+    w.WriteStartElement(L"r", L"");
+    Empty(w, L"a", L"urn:p");
+    Empty(w, L"a", L"urn:p");
+    w.WriteEndElement();
+  });
+  // One that an attribute needs is declared before the name.
+  ExpectOctets("78 CF 01 41 41 04 75 72 6E 3A 70 F0 3C 00 61 7B 81 81 00 6B 40 76 FF F0", [](auto& w) {
+    w.WriteStartElement(L"a", L"");
+    w.WriteAttributeString(L"k", L"urn:p", L"v", kText);
+    w.WriteEndElement();
+  });
+}
+
+TEST(FastInfosetWriter, EveryNameIsInScopeForOtherReaders) {
+  const Calls documents[] = {
+      [](auto& w) {  // xsi:type with a prefix of its own, xsi:nil
+        w.WriteStartElement(L"a", L"urn:a");
+        w.WriteAttributeType(L"urn:t", L"Type", kText);
+        w.WriteAttributeNil();
+        w.WriteEndElement();
+      },
+      [](auto& w) {  // a root without namespace under a default one
+        w.SetDefaultNamespace(L"urn:d");
+        w.WriteStartElement(L"a", L"");
+        Empty(w, L"b", L"urn:d");
+        Empty(w, L"c");
+        w.WriteEndElement();
+      },
+      [](auto& w) {  // two namespaces under one prefix
+        w.AddNamespace(L"p", L"urn:1");
+        w.AddNamespace(L"p", L"urn:2");
+        w.WriteStartElement(L"a", L"urn:1");
+        w.WriteAttributeString(L"b", L"urn:2", L"v", kText);
+        Empty(w, L"c", L"urn:2");
+        w.WriteEndElement();
+      },
+      [](auto& w) {  // a prefix added late, inside and after the start tag
+        w.WriteStartElement(L"a", L"");
+        w.AddNamespace(L"p", L"urn:p");
+        w.WriteAttributeString(L"b", L"urn:p", L"v", kText);
+        w.WriteStartElement(L"c", L"");
+        w.WriteString(L"t", kText);
+        w.AddNamespace(L"q", L"urn:q");
+        Empty(w, L"d", L"urn:q");
+        w.WriteEndElement();
+        Empty(w, L"e", L"urn:q");
+        w.WriteEndElement();
+      },
+      [](auto& w) {  // the default namespace changed below the root
+        w.SetDefaultNamespace(L"urn:d");
+        w.WriteStartElement(L"a", L"urn:d");
+        w.WriteStartElement(L"b", L"urn:d");
+        w.SetDefaultNamespace(L"urn:e");
+        Empty(w, L"c", L"urn:e");
+        w.WriteEndElement();
+        Empty(w, L"d", L"urn:d");
+        w.WriteEndElement();
+      },
+      [](auto& w) {  // an empty prefix stands for the default namespace, and attributes need another
+        w.AddNamespace(L"", L"urn:d");
+        w.WriteStartElement(L"a", L"urn:d");
+        w.WriteAttributeString(L"b", L"urn:d", L"v", kText);
+        w.WriteEndElement();
+      },
+  };
+  for (const Calls& calls : documents) ExpectReadable(Write(CFastInfosetContext(), calls));
+}
+
+TEST(FastInfosetWriter, TextOfTheMaximumAddLengthIsNeverIndexed) {
+  const auto twice = [](const wchar_t* text) {
+    return [text](CFastInfosetWriter& w) {
+      w.WriteStartElement(L"a", L"");
+      Attribute(w, L"b", text);
+      Attribute(w, L"c", text);
+      w.WriteString(text, kText);
+      w.WriteString(text, kText);
+      w.WriteEndElement();
+    };
+  };
+  ExpectOctets("7C 00 61 78 00 62 44 31 32 33 34 35 78 00 63 80 F0 92 02 31 32 33 34 35 A0 FF", twice(L"12345"));
+  ExpectOctets(
+      "7C 00 61 78 00 62 05 31 32 33 34 35 36 78 00 63 05 31 32 33 34 35 36 F0 82 03 31 32 33 34 35 36 82 03 31 32 33 "
+      "34 35 36 FF",
+      twice(L"123456"));
+  CFastInfosetContext context;
+  context.SetAttributeMaxAddLength(7);
+  context.SetElementMaxAddLength(0);
+  ExpectOctets(
+      "7C 00 61 78 00 62 45 31 32 33 34 35 36 78 00 63 80 F0 82 03 31 32 33 34 35 36 82 03 31 32 33 34 35 36 FF",
+      twice(L"123456"), context);
+}
+
+// What stands between the octets before and after it, for texts and tables of a given size.
+TEST(FastInfosetWriter, LengthBoundaries) {
+  const struct {
+    std::size_t length;
+    const char* value;
+    const char* chunk;
+    const char* name;
+  } rows[] = {
+      {1, "40", "90", "00"},
+      {2, "41", "91", "01"},
+      {3, "42", "92 00", "02"},
+      {8, "07", "82 05", "07"},
+      {9, "08 00", "82 06", "08"},
+      {64, "08 37", "82 3D", "3F"},
+      {65, "08 38", "82 3E", "40 00"},
+      {258, "08 F9", "82 FF", "40 C1"},
+      {259, "08 FA", "83 00 00 00 00", "40 C2"},
+      {264, "08 FF", "83 00 00 00 05", "40 C7"},
+      {265, "0C 00 00 00 00", "83 00 00 00 06", "40 C8"},
+      {320, "0C 00 00 00 37", "83 00 00 00 3D", "40 FF"},
+      {321, "0C 00 00 00 38", "83 00 00 00 3E", "60 00 00 00 00"},
+      {66000, "0C 00 01 00 C7", "83 00 01 00 CD", "60 00 01 00 8F"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.length);
+    std::string content;
+    for (std::size_t i = 0; i < row.length; ++i) content += " 78";
+    const std::string hex =
+        std::string("7C") + row.name + content + "78 00 62" + row.value + content + "F0" + row.chunk + content + "FF";
+    ExpectOctets(hex.c_str(), [&](auto& w) {
+      const std::wstring text(row.length, L'x');
+      w.WriteStartElement(text, L"");
+      Attribute(w, L"b", text);
+      w.WriteString(text, kText);
+      w.WriteEndElement();
+    });
+  }
+}
+
+std::wstring Numbered(std::size_t n) { return L"n" + std::to_wstring(n); }
+
+TEST(FastInfosetWriter, IndexBoundaries) {
+  // The last octets of a document in which entry n is used again, for element names, attribute names with values, and
+  // chunks. The boundaries from half a million on are reached through the integers themselves below.
+  const struct {
+    std::size_t index;
+    const char* element;
+    const char* attribute;
+    const char* value;
+    const char* chunk;
+  } rows[] = {
+      {1, "00", "00", "80", "A0"},
+      {16, "0F", "0F", "8F", "AF"},
+      {17, "10", "10", "90", "B0 00"},
+      {32, "1F", "1F", "9F", "B0 0F"},
+      {33, "20 00", "20", "A0", "B0 10"},
+      {64, "20 1F", "3F", "BF", "B0 2F"},
+      {65, "20 20", "40 00", "C0 00", "B0 30"},
+      {1040, "23 EF", "43 CF", "C3 CF", "B3 FF"},
+      {1041, "23 F0", "43 D0", "C3 D0", "B4 00 00"},
+      {2080, "27 FF", "47 DF", "C7 DF", "B4 04 0F"},
+      {2081, "28 00 00", "47 E0", "C7 E0", "B4 04 10"},
+      {8256, "28 18 1F", "5F FF", "DF FF", "B4 1C 2F"},
+      {8257, "28 18 20", "60 00 00", "E0 00 00", "B4 1C 30"},
+  };
+  CFastInfosetContext context;
+  context.SetAttributeMaxAddLength(10);
+  context.SetElementMaxAddLength(10);
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.index);
+    const std::wstring again = Numbered(row.index);
+    const Octets octets = Write(context, [&](CFastInfosetWriter& w) {
+      w.WriteStartElement(Numbered(1), L"");
+      for (std::size_t n = 1; n <= row.index; ++n) {
+        w.WriteStartElement(Numbered(n), L"");
+        w.WriteAttributeString(Numbered(n), L"", Numbered(n), kText);
+        w.WriteString(Numbered(n), kText);
+        w.WriteEndElement();
+      }
+      w.WriteStartElement(again, L"");
+      w.WriteAttributeString(again, L"", again, kText);
+      w.WriteString(again, kText);
+    });
+    Octets element = FromHex(row.element);
+    element[0] |= 0x40;
+    const std::string end = ToHex(element) + " " + row.attribute + " " + row.value + " F0 " + row.chunk + " FF F0";
+    const Octets tail(octets.end() - static_cast<std::ptrdiff_t>(FromHex(end).size()), octets.end());
+    EXPECT_EQ(end, ToHex(tail));
+    if (row.index <= 2081) ExpectReadable(octets);
+  }
+}
+
+// The steps by themselves, in front of the octets of an element.
+class CStepWriter : public CFastInfosetWriter {
+ public:
+  using CFastInfosetWriter::CFastInfosetWriter;
+  using CFastInfosetWriter::Integer0To2pw20Bit2;
+  using CFastInfosetWriter::Integer1To2pw20Bit2;
+  using CFastInfosetWriter::Integer1To2pw20Bit3;
+  using CFastInfosetWriter::Integer1To2pw20Bit4;
+};
+
+TEST(FastInfosetWriter, LargeIndices) {
+  const CFastInfosetContext context;
+  CBinaryStream stream;
+  CStepWriter w(context, stream);
+  w.Integer0To2pw20Bit2(0x80, 0);
+  for (const unsigned long index : {1048576ul}) w.Integer1To2pw20Bit2(0x80, index);
+  for (const unsigned long index : {526368ul, 526369ul, 1048576ul}) w.Integer1To2pw20Bit3(0x00, index);
+  for (const unsigned long index : {263184ul, 263185ul, 1048576ul}) w.Integer1To2pw20Bit4(0xA0, index);
+  w.Close();
+  EXPECT_EQ("FF EF DF BF 2F FF FF 30 00 00 00 30 07 F7 DF B7 FF FF B8 00 00 00 B8 0B FB EF",
+            ToHex(ToOctets(stream.GetBinaryStream())));
+}
+
+TEST(FastInfosetWriter, Headers) {
+  const auto a = [](CFastInfosetWriter& w) { Empty(w, L"a"); };
+  for (int declaration = 1; declaration <= 9; ++declaration) {
+    const Octets octets = Write(CFastInfosetContext(), a, static_cast<FInfoDecl>(declaration));
+    EXPECT_EQ(0, std::string(octets.begin(), octets.end()).compare(0, 6, "<?xml ")) << declaration;
+    EXPECT_WIDE_EQ(L"{}a[]()", DescribeOctets(octets));
+    ExpectReadable(octets);
+  }
+  const Octets last = Write(CFastInfosetContext(), a, FInfoDecl_Version11StandaloneNo);
+  EXPECT_EQ("<?xml version='1.1' encoding='finf' standalone='no'?>", std::string(last.begin(), last.begin() + 53));
+  EXPECT_RK_THROWS(CRkInvalidParamException, L"Invalid Fast Infoset declaration [10]",
+                   Write(CFastInfosetContext(), a, static_cast<FInfoDecl>(10)));
+
+  CFastInfosetContext context;
+  context.SetUseGeneratedVocabulary(true);
+  context.SetExternalVocabularyURI(L"urn:v");
+  EXPECT_EQ("E0 00 00 01 20 10 00 04 75 72 6E 3A 76 3C 00 61 FF", ToHex(Write(context, a)));
+  context.SetExternalVocabularyURI(L"");
+  const Octets own = Write(context, a);
+  EXPECT_NE(std::string::npos, std::string(own.begin(), own.end()).find("urn:rkxmllib16:fast-infoset"));
+  ExpectReadable(own);
+}
+
+TEST(FastInfosetWriter, TypedValuesUnderTheSuggestedEncodings) {
+  CFastInfosetContext context;
+  context.SetSuggestedValues();
+  const struct {
+    ItemType type;
+    const wchar_t* text;
+    const char* attribute;
+    const char* chunk;
+  } rows[] = {
+      {ItemType_hexBinary, L"0ABC", "70 01 0A BC", "9C 01 0A BC"},
+      {ItemType_hexBinary, L"0abc", "43 30 61 62 63", "92 01 30 61 62 63"},
+      {ItemType_base64Binary, L"SGVs", "70 12 48 65 6C", "9C 06 00 48 65 6C"},
+      {ItemType_base64Binary, L"SG V", "43 53 47 20 56", "92 01 53 47 20 56"},
+      {ItemType_byte, L"-2", "70 21 FF FE", "9C 09 FF FE"},
+      {ItemType_unsignedByte, L"255", "70 21 00 FF", "9C 09 00 FF"},
+      {ItemType_short, L"+5", "41 2B 35", "91 2B 35"},
+      {ItemType_short, L"-0", "41 2D 30", "91 2D 30"},
+      {ItemType_short, L"007", "42 30 30 37", "92 00 30 30 37"},
+      {ItemType_unsignedShort, L"65535", "70 33 00 00 FF FF", "9C 0E 01 00 00 FF FF"},
+      {ItemType_int, L"66051", "70 33 00 01 02 03", "9C 0E 01 00 01 02 03"},
+      {ItemType_int, L"3000000000", "08 01 33 30 30 30 30 30 30 30 30 30", "82 07 33 30 30 30 30 30 30 30 30 30"},
+      {ItemType_long, L"-1", "70 47 FF FF FF FF FF FF FF FF", "9C 12 05 FF FF FF FF FF FF FF FF"},
+      {ItemType_unsignedLong, L"123", "60 01 12 3F", "98 01 12 3F"},
+      {ItemType_float, L"1.5", "30 63 3F C0 00 00", "8C 1A 01 3F C0 00 00"},
+      {ItemType_float, L"1.50", "43 31 2E 35 30", "92 01 31 2E 35 30"},
+      {ItemType_float, L"INF", "42 49 4E 46", "92 00 49 4E 46"},
+      {ItemType_float, L"1-2", "42 31 2D 32", "92 00 31 2D 32"},
+      {ItemType_double, L"0.5", "30 77 3F E0 00 00 00 00 00 00", "8C 1E 05 3F E0 00 00 00 00 00 00"},
+      {ItemType_double, L"NaN", "42 4E 61 4E", "92 00 4E 61 4E"},
+      {ItemType_boolean, L"true", "70 50 38", "9C 14 38"},
+      {ItemType_boolean, L"TRUE", "43 54 52 55 45", "92 01 54 52 55 45"},
+      {ItemType_boolean, L"1", "40 31", "90 31"},
+      {ItemType_decimal, L"-1.5", "60 01 A1 C5", "98 01 A1 C5"},
+      {ItemType_decimal, L"1,5", "42 31 2C 35", "92 00 31 2C 35"},
+      {ItemType_integer, L"12", "60 00 12", "98 00 12"},
+      {ItemType_date, L"2003-01-05", "20 14 20 03 A0 1A 05", "88 06 02 20 03 A0 1A 05"},
+      {ItemType_time, L"12:30:00Z", "20 14 12 B3 0B 00 DF", "88 06 02 12 B3 0B 00 DF"},
+      {ItemType_time, L"1:2.5", "44 31 3A 32 2E 35", "92 02 31 3A 32 2E 35"},
+      {ItemType_dateTime, L"T+01", "43 54 2B 30 31", "92 01 54 2B 30 31"},
+      {ItemType_duration, L"P1D", "42 50 31 44", "92 00 50 31 44"},
+      {ItemType_string, L"12", "41 31 32", "91 31 32"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(Narrow(row.text));
+    const std::string hex = std::string("7C 00 61 78 00 62") + row.attribute + "F0" + row.chunk + "FF";
+    ExpectOctets(
+        hex.c_str(),
+        [&](auto& w) {
+          w.WriteStartElement(L"a", L"");
+          Attribute(w, L"b", row.text, row.type);
+          w.WriteString(row.text, row.type);
+          w.WriteEndElement();
+        },
+        context);
+  }
+  // Without the suggestions every value is characters.
+  ExpectOctets("3C 00 61 90 35 FF", [](auto& w) { Leaf(w, L"a", L"5", ItemType_int); });
+}
+
+TEST(FastInfosetWriter, EncodingsThatCannotBeWritten) {
+  const auto write = [](FIStringEncoding encoding, unsigned long index, bool asAttribute) {
+    CFastInfosetContext context;
+    context.SetEncoding(ItemType_string, {encoding, index});
+    return Write(context, [&](CFastInfosetWriter& w) {
+      w.WriteStartElement(L"a", L"");
+      if (asAttribute) {
+        Attribute(w, L"b", L"12");
+      } else {
+        w.WriteString(L"12", kText);
+      }
+    });
+  };
+  for (const bool asAttribute : {true, false}) {
+    EXPECT_RK_THROWS(CRkException,
+                     L"Failed to write FastInfoset. Unsupported Feature UTF16BE in EncodedCharacterStringBit5.",
+                     write(FIStringEncoding_UTF16BE, 0, asAttribute));
+    EXPECT_RK_THROWS(CRkException, L"Failed to write FastInfoset. Invalid Restricted Alphabet value [3]",
+                     write(FIStringEncoding_RestrictedAlphabet, 3, asAttribute));
+    EXPECT_RK_THROWS(CRkException, L"Failed to write FastInfoset. Invalid Encoding Algorithm value [11]",
+                     write(FIStringEncoding_EncodingAlgorithm, 11, asAttribute));
+  }
+  EXPECT_RK_THROWS(CRkException, L"Failed to write FastInfoset. Unknown encoding in EncodedCharacterStringBit5.",
+                   write(static_cast<FIStringEncoding>(9), 0, true));
+  EXPECT_RK_THROWS(CRkException, L"Failed to write FastInfoset. Unknown encoding in EncodedCharacterStringBit7.",
+                   write(static_cast<FIStringEncoding>(9), 0, false));
+  // cdata is for content only.
+  EXPECT_EQ("E0 00 00 01 00 7C 00 61 78 00 62 41 31 32 FF F0",
+            ToHex(write(FIStringEncoding_EncodingAlgorithm, FIEncodingAlgorithm_Cdata, true)));
+  EXPECT_EQ("E0 00 00 01 00 3C 00 61 9C 25 31 32 FF",
+            ToHex(write(FIStringEncoding_EncodingAlgorithm, FIEncodingAlgorithm_Cdata, false)));
+}
+
+TEST(FastInfosetWriter, AlphabetsSayWhatTheyLack) {
+  std::vector<unsigned char> octets;
+  CFastInfosetWriter::AppendRestrictedAlphabetString(FIRestrictedAlphabet_Numeric, L"-1.5e 2", octets);
+  EXPECT_EQ("A1 C5 DE 2F", ToHex(octets));
+  EXPECT_RK_THROWS(CRkException, L"Failed to write FastInfoset. Invalid character not found for Restricted Alphabet.",
+                   CFastInfosetWriter::AppendRestrictedAlphabetString(FIRestrictedAlphabet_Numeric, L"1,5", octets));
+  EXPECT_RK_THROWS(CRkException, L"Failed to write FastInfoset. Unsupported Feature in AppendRestrictedAlphabetString.",
+                   CFastInfosetWriter::AppendRestrictedAlphabetString(FIRestrictedAlphabet_Numeric, L"", octets));
+  EXPECT_RK_THROWS(CRkException, L"Failed to write FastInfoset. Invalid Restricted Alphabet value [0]",
+                   CFastInfosetWriter::AppendRestrictedAlphabetString(0, L"1", octets));
+  EXPECT_EQ("A1 C5 DE 2F", ToHex(octets));
+}
+
+TEST(FastInfosetWriter, OrderOfCalls) {
+  ExpectOctets("3C 00 61 90 78 FF", [](auto& w) {
+    w.WriteComment(L"c");
+    w.WritePI(L"<?p?>");
+    w.WriteString(L"outside", kText);
+    w.WriteStartElement(L"a", L"");
+    w.WriteComment(L"c");
+    w.WriteInlineSchema(L"<s/>");
+    w.WriteString(L"", kText);
+    w.WriteString(L"x", kText);
+  });
+  for (const Calls& content :
+       {Calls([](auto& w) { w.WriteString(L"t", kText); }), Calls([](auto& w) { Empty(w, L"c"); }),
+        Calls([](auto& w) { w.WriteString(L"", kText); })}) {
+    EXPECT_RK_THROWS(CRkException, L"Attributes must be added before elements",
+                     Write(CFastInfosetContext(), [&](CFastInfosetWriter& w) {
+                       w.WriteStartElement(L"a", L"");
+                       content(w);
+                       Attribute(w, L"b", L"1");
+                     }));
+  }
+  const CFastInfosetContext context;
+  CBinaryStream stream;
+  CFastInfosetWriter w(context, stream);
+  w.WriteStartElement(L"a", L"");
+  EXPECT_RK_THROWS(CRkException, L"An Element has not been closed.", w.Close());
+  w.WriteEndElement();
+  w.Close();
+}
+
+}  // namespace
+}  // namespace RkXmlTest
