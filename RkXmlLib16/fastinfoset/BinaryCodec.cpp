@@ -85,8 +85,7 @@ void AppendNumbers(const unsigned char* octets, unsigned long length, const wcha
 void AppendBooleans(const unsigned char* octets, unsigned long length, std::wstring& text) {
   if (length == 0) return;
   const unsigned long unused = octets[0] >> 4;
-  const unsigned long end = length * 8 - unused;  // bits, the first four included
-  for (unsigned long bit = 4; bit < end && bit < length * 8; ++bit) {
+  for (unsigned long bit = 4; bit + unused < length * 8; ++bit) {
     AppendSeparator(bit - 4, text);
     const bool value = (octets[bit / 8] >> (7 - bit % 8) & 1) != 0;
     text += value ? L"true" : L"false";

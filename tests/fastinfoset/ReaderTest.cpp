@@ -159,12 +159,15 @@ TEST(FastInfosetReader, PrefixesAreThoseOfTheDeclarations) {
 }
 
 TEST(FastInfosetReader, CompressedDocuments) {
-  const Octets octets = FromHex("E0 00 00 01 00 3C 00 61 FF");
+  Octets octets = FromHex("E0 00 00 01 00 3C 00 61 82 FF");  // a chunk of 258 octets
+  octets.insert(octets.end(), 258, 'x');
+  octets.push_back(0xFF);
   for (const CompressionType compression : {CompressionType_GZip, CompressionType_ZLib}) {
     Octets copy = octets;
     CBinaryData data(copy.data(), copy.size(), /*copy=*/true);
     CRkZip::CompressData(data, compression);
-    EXPECT_WIDE_EQ(L"{}a[]()", DescribeOctets(ToOctets(data)));
+    EXPECT_LT(data.GetLength(), octets.size());
+    EXPECT_WIDE_EQ(L"{}a[](" + std::wstring(258, L'x') + L")", DescribeOctets(ToOctets(data)));
   }
 }
 
