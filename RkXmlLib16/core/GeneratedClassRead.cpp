@@ -44,6 +44,24 @@ class SeenFlags {
   std::vector<bool> m_rest;
 };
 
+// One more object being read inside the others on this thread. Each takes stack, so their number has a limit.
+class ObjectLevel {
+ public:
+  ObjectLevel(const CSerializationContext& context, const CXmlElement& element) {
+    const unsigned long limit = context.GetLimits().GetMaxObjectDepth();
+    if (s_depth >= limit && limit != 0) CReadLimits::ThrowExceeded(L"object depth", limit, element.GetXPath());
+    ++s_depth;
+  }
+  ObjectLevel(const ObjectLevel&) = delete;
+  ObjectLevel& operator=(const ObjectLevel&) = delete;
+  ~ObjectLevel() { --s_depth; }
+
+ private:
+  static thread_local unsigned long s_depth;
+};
+
+thread_local unsigned long ObjectLevel::s_depth = 0;
+
 // The arrays of records may be null when they are empty.
 template <class Info>
 Info** OrEmpty(Info** infos) {
@@ -71,6 +89,7 @@ CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* element, CXmlElement* 
                                              const CSerializationContext& context, bool isOptionalChoice) {
   try {
     if (element == nullptr) throw CRkException(L"The document has no root element.");
+    const ObjectLevel level(context, *element);
     return ReadElement(element, firstChild, context, isOptionalChoice);
   } catch (const CRkException& e) {
     if (!e.GetPath().empty()) throw CRkException(e);

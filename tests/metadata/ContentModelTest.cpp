@@ -1,0 +1,342 @@
+// Choices, all groups and inline groups: what is read, what is given back, and what an attempt leaves behind.
+#include <algorithm>
+#include <memory>
+
+#include "Expect.h"
+#include "fixtures/Records.h"
+
+using namespace RkXmlTest;
+
+namespace {
+
+constexpr auto kUnknownElements = &CSerializationContext::SetIgnoreUnknownElements;
+constexpr auto kMissingChoice = &CSerializationContext::SetIgnoreMissingChoice;
+constexpr auto kCounts = &CSerializationContext::SetIgnoreInvalidCollectionCounts;
+
+constexpr auto kSequence = XmlElementGroupType_Sequence;
+constexpr auto kChoice = XmlElementGroupType_Choice;
+constexpr auto kAll = XmlElementGroupType_All;
+constexpr auto kOwn = XmlElementType_Element;
+constexpr auto kInline = XmlElementType_InlineGroup;
+
+class ContentModelTest : public testing::Test {
+ protected:
+  void TearDown() override {
+    Classes().clear();
+    EXPECT_EQ(0, g_liveObjects);
+  }
+};
+
+std::wstring Outcome(const Table& table, const std::wstring& content,
+                     const CSerializationContext& context = CSerializationContext()) {
+  std::wstring written;
+  const std::wstring failure =
+      Thrown([&] { written = Write(*Read(table, (L"<r>" + content + L"</r>").c_str(), context), context); });
+  return failure == L"nothing" ? written : failure;
+}
+
+const wchar_t kUnreadX[] =
+    L"CRkException: Failed read all the elements held within the element [r]. The unexpected element [x] remains un "
+    L"processed\nPath: /r";
+const wchar_t kUnreadA[] =
+    L"CRkException: Failed read all the elements held within the element [r]. The unexpected element [a] remains un "
+    L"processed\nPath: /r";
+const wchar_t kUnreadB[] =
+    L"CRkException: Failed read all the elements held within the element [r]. The unexpected element [b] remains un "
+    L"processed\nPath: /r";
+const wchar_t kNoChoice[] =
+    L"CRkException: No child elements within the element [r] were populated. The element represents a choice, so one "
+    L"and only one element should be populated. The element contained no sutable child elements\nPath: /r";
+
+CElementInfo* Cls(const wchar_t* name, int property, XmlElementType memberType, int classId) {
+  return new CElementInfoChoiceClsOpt(name, L"", property, memberType, CreateClass, classId);
+}
+
+Ci4Col* NewInts(const wchar_t* name, int minOccurs, int maxOccurs) {
+  return new Ci4Col(name, L"", minOccurs, maxOccurs, nullptr, -1, -1, nullptr, nullptr, nullptr, nullptr, -1, -1, -1,
+                    CWhitespaceUtils::collapse, nullptr);
+}
+
+Table::Initial Ints(const wchar_t* name, int minOccurs, int maxOccurs) {
+  return [=](RkVariant& value) { value.SetXmlCollection(NewInts(name, minOccurs, maxOccurs)); };
+}
+
+}  // namespace
+
+TEST_F(ContentModelTest, ChoiceTakesOneMember) {
+  const Table child(ClassInfo(kSequence, L"c"), {Prim<CElementInfoSeqPrimOpt>(L"v", 0)});
+  const Table table(ClassInfo(kChoice, L"r"),
+                    {Prim<CElementInfoChoicePrimOpt>(L"a", 0), Cls(L"c", 1, kOwn, 0),
+                     new CElementInfoChoiceCol(L"n", L"", 2), Enum<CElementInfoChoiceEnumOpt>(L"e", 3)},
+                    {}, {nullptr, nullptr, Ints(L"n", 1, 2)});
+  Classes() = {&child};
+  const auto unknown = With(kUnknownElements);
+  const struct {
+    CSerializationContext context;
+    const wchar_t* content;
+    std::wstring outcome;
+  } rows[] = {
+      {With(), L"<a>1</a>", L"<r><a>1</a></r>"},
+      {With(), L"<c><v>1</v></c>", L"<r><c><v>1</v></c></r>"},
+      {With(), L"<n>1</n><n>2</n>", L"<r><n>1</n><n>2</n></r>"},
+      {With(), L"<e>red</e>", L"<r><e>red</e></r>"},
+      {With(), L"", kNoChoice},
+      {With(), L"<x/>", kNoChoice},
+      {With(), L"<a>1</a><b/>", kUnreadB},
+      {With(), L"<e>red</e><a>1</a>", kUnreadA},
+      {With(), L"<n>1</n><n>2</n><n>3</n>",
+       L"CRkValidationException: Failed to process the element.\nPath: /r\nThe Maximum number of [n] elements allowed "
+       L"in "
+       L"this collection is 2"},
+      {With(kCounts), L"<n>1</n><n>2</n><n>3</n>", L"<r><n>1</n><n>2</n><n>3</n></r>"},
+      {unknown, L"<x/><x/><a>1</a><x/>", L"<r><a>1</a></r>"},
+      {unknown, L"<x/>", kNoChoice},
+      {unknown, L"<a>1</a><c/>", L"<r><a>1</a></r>"},
+      {With(kMissingChoice), L"", L"<r/>"},
+      {With(kMissingChoice), L"<x/>", kUnreadX},
+      {With(kMissingChoice, kUnknownElements), L"<x/>", L"<r/>"},
+  };
+  for (const auto& row : rows) EXPECT_WIDE_EQ(row.outcome, Outcome(table, row.content, row.context));
+}
+
+TEST_F(ContentModelTest, ChoiceRefusesASecondMember) {
+  const Table table(ClassInfo(kChoice, L"r"),
+                    {Prim<CElementInfoChoicePrimOpt>(L"a", 0), Prim<CElementInfoChoicePrimOpt>(L"b", 1)});
+  const auto object = Read(table, L"<r><a>1</a></r>");
+  RkVariant value;
+  value.SetI4(2);
+  EXPECT_RK_THROWS(CRkInvalidStateException,
+                   L"The Property [Member0] is already set. Only one element within this class bay be set at a time",
+                   object->AccessProperty(1, false, value));
+  EXPECT_WIDE_EQ(L"<r><a>1</a></r>", Write(*object));
+  object->FromXml(L"<r><b>2</b></r>");  // reading begins anew
+  EXPECT_WIDE_EQ(L"<r><b>2</b></r>", Write(*object));
+}
+
+TEST_F(ContentModelTest, EmptyChoiceNeedsAReason) {
+  const auto record = [] { return Prim<CElementInfoChoicePrimOpt>(L"a", 0); };
+  const std::wstring refused =
+      L"CRkValidationException: Failed to convert the element [r] to XML\nThis element is a choice, and as such must "
+      L"have "
+      L"at one (and only one) valid item, currently there are none set";
+  const Table strict(ClassInfo(kChoice, L"r"), {record()});
+  const Table optional(ClassInfo(kChoice, L"r", kOwn, /*contentMayBeEmpty=*/true), {record()});
+  EXPECT_WIDE_EQ(refused, Thrown([&] { Write(*CTableClass::Create(strict)); }));
+  EXPECT_WIDE_EQ(L"<r/>", Write(*CTableClass::Create(strict), With(kMissingChoice)));
+  EXPECT_WIDE_EQ(L"<r/>", Write(*CTableClass::Create(optional)));
+  EXPECT_WIDE_EQ(L"<r/>", Outcome(optional, L""));
+  EXPECT_WIDE_EQ(kUnreadX, Outcome(optional, L"<x/>"));
+
+  // A choice inside a choice is read as optional.
+  const Table inner(ClassInfo(kChoice, L"c"), {record()});
+  const Table outer(ClassInfo(kChoice, L"r"), {Cls(L"c", 0, kOwn, 0)});
+  Classes() = {&inner};
+  EXPECT_WIDE_EQ(L"nothing", Thrown([&] { Read(outer, L"<r><c/></r>"); }));
+}
+
+TEST_F(ContentModelTest, ChoiceOfInlineGroupsTakesOnlyAWholeOne) {
+  const Table ab(ClassInfo(kSequence, L"ab", kInline), {Prim(L"a", 0), Prim(L"b", 1)});
+  const Table ac(ClassInfo(kSequence, L"ac", kInline), {Prim(L"a", 0), Prim(L"c", 1)});
+  const Table table(ClassInfo(kChoice, L"r"), {Cls(L"ab", 0, kInline, 0), Cls(L"ac", 1, kInline, 1)});
+  Classes() = {&ab, &ac};
+  EXPECT_WIDE_EQ(L"<r><a>1</a><b>2</b></r>", Outcome(table, L"<a>1</a><b>2</b>"));
+  EXPECT_WIDE_EQ(L"<r><a>1</a><c>2</c></r>", Outcome(table, L"<a>1</a><c>2</c>"));
+  EXPECT_WIDE_EQ(kNoChoice, Outcome(table, L"<a>1</a>"));
+  EXPECT_WIDE_EQ(kNoChoice, Outcome(table, L""));
+  const auto object = Read(table, L"<r><a>1</a><c>2</c></r>");
+  EXPECT_EQ(nullptr, (*object)[0].GetXmlObject().Get());  // the attempt is taken out again
+  EXPECT_WIDE_EQ(L"Member1", object->GetSelected());
+}
+
+// A collection in an inline choice that has too few items answers no, keeps none of them, and another member may
+// follow.
+TEST_F(ContentModelTest, RefusedCollectionLeavesNothingBehind) {
+  const Table group(ClassInfo(kChoice, L"g", kInline),
+                    {new CElementInfoChoicePrimCol(L"n", L"", 0), new CElementInfoChoicePrimCol(L"n", L"", 1)}, {},
+                    {Ints(L"n", 2, 2), Ints(L"n", 1, 1)});
+  const Table table(ClassInfo(kSequence, L"r"),
+                    {new CElementInfoSeqClsMnd(L"g", L"", 0, kInline, CreateClass, 0, true)}, {}, {NewChild(group)});
+  Classes() = {&group};
+  EXPECT_WIDE_EQ(L"<r><n>1</n></r>", Outcome(table, L"<n>1</n>"));
+  EXPECT_WIDE_EQ(L"<r><n>1</n><n>2</n></r>", Outcome(table, L"<n>1</n><n>2</n>"));
+  const auto object = Read(table, L"<r><n>1</n></r>");
+  auto* const member = static_cast<CTableClass*>((*object)[0].GetXmlObject().Get());
+  EXPECT_EQ(0, (*member)[0].GetXmlCollection()->GetCount());
+}
+
+TEST_F(ContentModelTest, InlineGroupsReadFromThePlaceOfTheirOwner) {
+  const Table group(ClassInfo(kSequence, L"g", kInline), {Prim(L"a", 0), Prim(L"b", 1)},
+                    {Attribute(L"q", 2, /*optional=*/true)});
+  const Table loose(ClassInfo(kSequence, L"g", kInline), {Prim<CElementInfoSeqPrimOpt>(L"a", 0)});
+  const auto owner = [&](CElementInfo* record, Table::Initial initial = nullptr) {
+    auto* info = new CParentElementInfo(kSequence, kOwn, L"r", L"", /*strictAttributes=*/false, false, -1,
+                                        ItemType_none, nullptr, false);
+    return std::make_unique<Table>(info, std::vector<CElementInfo*>{record, Prim<CElementInfoSeqPrimOpt>(L"z", 1)},
+                                   std::vector<CAttributeInfo*>{}, std::vector<Table::Initial>{std::move(initial)});
+  };
+  const auto mandatory = [&](const Table& member, bool required) {
+    return owner(new CElementInfoSeqClsMnd(L"g", L"", 0, kInline, CreateClass, 0, required), NewChild(member));
+  };
+  Classes() = {&group, &loose};
+  const auto required = mandatory(group, true);
+  const auto notRequired = mandatory(loose, false);
+  const auto optional = owner(new CElementInfoSeqClsOpt(L"g", L"", 0, kInline, CreateClass, 0));
+  const auto repeated = owner(new CElementInfoSeqClsCol(L"g", L"", 0, kInline), [&group](RkVariant& value) {
+    value.SetXmlCollection(new CTableCol(L"g", 0, -1, CTableCol::Items::Inline,
+                                         [&group](CXmlElement*) -> Object { return CTableClass::Create(group); }));
+  });
+  const std::wstring missing = L"CRkException: Failed to find the required child element [g].\nPath: /r";
+  const struct {
+    const Table& table;
+    CSerializationContext context;
+    const wchar_t* content;
+    std::wstring outcome;
+  } rows[] = {
+      {*required, With(), L"<a>1</a><b>2</b><z>3</z>", L"<r><a>1</a><b>2</b><z>3</z></r>"},
+      {*required, With(), L"<z>3</z>", missing},
+      {*required, With(), L"", missing},
+      {*required, With(), L"<a>1</a><z>3</z>", missing},
+      {*notRequired, With(), L"<a>1</a><z>3</z>", L"<r><a>1</a><z>3</z></r>"},
+      {*notRequired, With(), L"<z>3</z>", L"<r><z>3</z></r>"},
+      {*notRequired, With(), L"<x/><a>1</a>", kUnreadX},
+      {*notRequired, With(kUnknownElements), L"<x/><a>1</a>", L"<r><a>1</a></r>"},
+      {*optional, With(), L"<a>1</a><b>2</b>", L"<r><a>1</a><b>2</b></r>"},
+      {*optional, With(), L"<z>3</z>", L"<r><z>3</z></r>"},
+      {*optional, With(), L"<a>1</a>", kUnreadA},
+      {*repeated, With(), L"<a>1</a><b>2</b><a>3</a><b>4</b><z>5</z>",
+       L"<r><a>1</a><b>2</b><a>3</a><b>4</b><z>5</z></r>"},
+      {*repeated, With(), L"<a>1</a><b>2</b><a>3</a>", kUnreadA},
+      {*repeated, With(), L"", L"<r/>"},
+  };
+  for (const auto& row : rows) EXPECT_WIDE_EQ(row.outcome, Outcome(row.table, row.content, row.context));
+  EXPECT_EQ(nullptr, (*Read(*optional, L"<r><z>3</z></r>"))[0].GetXmlObject().Get());
+
+  // The attributes of the group stand on the owner's element.
+  for (const Table* table : {required.get(), optional.get(), repeated.get()})
+    EXPECT_WIDE_EQ(L"<r q=\"7\"><a>1</a><b>2</b></r>", Write(*Read(*table, L"<r q='7'><a>1</a><b>2</b></r>")));
+}
+
+// The last record that answers no while unknown elements are skipped ends the sequence when none is left, so a
+// mandatory member behind an inline group is not asked for.
+TEST_F(ContentModelTest, SkippingToTheEndBehindAGroupEndsTheSequenceIntended) {
+  const Table group(ClassInfo(kSequence, L"g", kInline), {Prim<CElementInfoSeqPrimOpt>(L"a", 0)});
+  const Table table(ClassInfo(kSequence, L"r"),
+                    {new CElementInfoSeqClsMnd(L"g", L"", 0, kInline, CreateClass, 0, false), Prim(L"b", 1)}, {},
+                    {NewChild(group)});
+  EXPECT_WIDE_EQ(L"nothing", Thrown([&] { Read(table, L"<r><x/></r>", With(kUnknownElements)); }));
+  EXPECT_WIDE_EQ(L"CRkException: Failed to find the required child element [b].\nPath: /r",
+                 Thrown([&] { Read(table, L"<r/>", With(kUnknownElements)); }));
+}
+
+TEST_F(ContentModelTest, AllGroupIsReadInAnyOrder) {
+  const Table child(ClassInfo(kSequence, L"c"), {Prim<CElementInfoSeqPrimOpt>(L"v", 0)});
+  const Table table(
+      ClassInfo(kAll, L"r"),
+      {Prim<CElementInfoAllPrimMnd>(L"a", 0), Enum<CElementInfoAllEnumOpt>(L"e", 1),
+       new CElementInfoAllClsMnd(L"c", L"", 2, kOwn, CreateClass, 0, true), new CElementInfoAllCol(L"n", L"", 3)},
+      {}, {nullptr, nullptr, NewChild(child), Ints(L"n", 0, 2)});
+  Classes() = {&child};
+  std::vector<std::wstring> members = {L"<a>1</a>", L"<c><v>2</v></c>", L"<e>red</e>", L"<n>3</n><n>4</n>"};
+  const std::wstring written = L"<r><a>1</a><e>red</e><c><v>2</v></c><n>3</n><n>4</n></r>";
+  do {
+    std::wstring content;
+    for (const std::wstring& member : members) content += member;
+    EXPECT_WIDE_EQ(written, Outcome(table, content));
+    EXPECT_WIDE_EQ(written, Outcome(table, L"<x/>" + content + L"<x/>", With(kUnknownElements)));
+  } while (std::next_permutation(members.begin(), members.end()));
+
+  const auto unknown = With(kUnknownElements);
+  EXPECT_WIDE_EQ(written,
+                 Outcome(table, members[3] + L"<x/>" + members[2] + members[1] + L"<x/>" + members[0], unknown));
+  EXPECT_WIDE_EQ(kUnreadX, Outcome(table, members[1] + members[0] + L"<x/>"));
+  EXPECT_WIDE_EQ(kUnreadA, Outcome(table, L"<c/><a>1</a><a>2</a>"));  // each member once
+  EXPECT_WIDE_EQ(L"<r><a>1</a><c/><n>1</n><n>2</n></r>", Outcome(table, L"<n>1</n><a>1</a><n>2</n><c/>"));
+  EXPECT_WIDE_EQ(
+      L"CRkValidationException: Failed to process the element.\nPath: /r\nFailed to find the mandatory element "
+      L"[c].",
+      Outcome(table, members[0]));
+  EXPECT_WIDE_EQ(
+      L"CRkValidationException: Failed to process the element.\nPath: /r\nThe Maximum number of [n] elements "
+      L"allowed in this collection is 2",
+      Outcome(table, L"<a>1</a><c/><n>1</n><n>2</n><n>3</n>"));
+  EXPECT_RK_THROWS(CRkException, L"Not implemented, should never be called",
+                   table.m_elements[3]->Validate(With(), nullptr, true, true));
+}
+
+TEST_F(ContentModelTest, AllClassMayBeMissingWhenItIsNotRequired) {
+  const Table child(ClassInfo(kSequence, L"c"), {});
+  for (const bool required : {false, true})
+    for (const XmlElementType memberType : {kOwn, kInline}) {
+      const Table table(ClassInfo(kAll, L"r"),
+                        {new CElementInfoAllClsMnd(L"c", L"", 0, memberType, CreateClass, 0, required)}, {},
+                        {NewChild(child)});
+      const bool accepted = Thrown([&] { Read(table, L"<r/>"); }) == L"nothing";
+      EXPECT_EQ(!required && memberType == kOwn, accepted);
+    }
+}
+
+TEST_F(ContentModelTest, ChoicesAndWildcardsStandInsideAnAllGroup) {
+  const Table choice(ClassInfo(kChoice, L"g", kInline),
+                     {Prim<CElementInfoChoicePrimOpt>(L"a", 0), Prim<CElementInfoChoicePrimOpt>(L"b", 1)});
+  const Table table(ClassInfo(kAll, L"r"), {new CElementInfoAllClsOpt(L"g", L"", 0, kInline, CreateClass, 0),
+                                            Prim<CElementInfoAllPrimOpt>(L"z", 1),
+                                            new CElementInfoAllUntpdOpt(L"AnyElement", L"", 2, L"##other", L"")});
+  Classes() = {&choice};
+  EXPECT_WIDE_EQ(L"<r><b>1</b><z>2</z><AA:w xmlns:AA=\"urn:w\"><AA:v/></AA:w></r>",
+                 Outcome(table, L"<w xmlns='urn:w'><v/></w><z>2</z><b>1</b>"));
+  EXPECT_WIDE_EQ(L"<r><a>1</a></r>", Outcome(table, L"<a>1</a>"));
+  EXPECT_WIDE_EQ(kUnreadB, Outcome(table, L"<a>1</a><b>2</b>"));
+}
+
+// An inline abstract member answers no at the end of the children, and reads in place elsewhere.
+TEST_F(ContentModelTest, InlineAbstractMembersReadInPlace) {
+  static const Table group(ClassInfo(kSequence, L"g", kInline), {Prim(L"a", 0)});
+  const auto create = [](CXmlElement* element) -> Object {
+    EXPECT_NE(nullptr, element);
+    return CTableClass::Create(group);
+  };
+  for (const bool mandatory : {true, false}) {
+    CElementInfo* const record =
+        mandatory ? static_cast<CElementInfo*>(new CElementInfoAllAbsClsMnd(L"g", L"", 0, kInline, create, 0))
+                  : static_cast<CElementInfo*>(new CElementInfoAllAbsClsOpt(L"g", L"", 0, kInline, create));
+    const Table table(ClassInfo(kAll, L"r"), {record});
+    EXPECT_WIDE_EQ(L"<r><a>1</a></r>", Outcome(table, L"<a>1</a>"));
+    EXPECT_EQ(mandatory, Thrown([&] { Read(table, L"<r/>"); }) != L"nothing");
+  }
+}
+
+TEST_F(ContentModelTest, WildcardsObeyNameAndNamespace) {
+  const auto table = [](CElementInfo* record, Table::Initial initial) {
+    return std::make_unique<Table>(ClassInfo(kSequence, L"r"), std::vector<CElementInfo*>{record},
+                                   std::vector<CAttributeInfo*>{}, std::vector<Table::Initial>{std::move(initial)});
+  };
+  const Table::Initial element = [](RkVariant& value) {
+    value.SetXmlObject(new CElement(L"w", L"", L"##other", L"urn:t"));
+  };
+  const Table::Initial elements = [](RkVariant& value) {
+    value.SetXmlCollection(new CElementCol(L"w", L"", 0, -1, L"##other", L"urn:t"));
+  };
+  const auto any = table(new CElementInfoSeqUntpdMnd(L"AnyElement", L"urn:n", 0, L"##other", L"urn:t"), element);
+  const auto named = table(new CElementInfoSeqUntpdMnd(L"w", L"urn:n", 0, L"##other", L"urn:t"), element);
+  const auto optional = table(new CElementInfoSeqUntpdOpt(L"w", L"", 0, L"##other", L"urn:t"), nullptr);
+  const auto anyMany = table(new CElementInfoSeqUntpdCol(L"AnyElement", L"", 0), elements);
+  const auto namedMany = table(new CElementInfoSeqUntpdCol(L"w", L"", 0), elements);
+  const std::wstring w = L"<w xmlns=\"urn:w\"/>";
+  const std::wstring ofTarget = L"<w xmlns=\"urn:t\"/>";
+  const std::wstring other = L"<v xmlns=\"urn:w\"/>";
+  const std::wstring notFound = L"CRkException: Failed to find the required element from namespace [urn:n].\nPath: /r";
+  const auto reads = [](const Table& t, const std::wstring& content) {
+    return Thrown([&] { Read(t, (L"<r>" + content + L"</r>").c_str()); });
+  };
+  EXPECT_WIDE_EQ(L"nothing", reads(*any, w));
+  EXPECT_WIDE_EQ(L"nothing", reads(*any, other));
+  EXPECT_WIDE_EQ(notFound, reads(*any, ofTarget));
+  EXPECT_WIDE_EQ(notFound, reads(*named, other));
+  EXPECT_WIDE_EQ(L"nothing", reads(*optional, w));
+  EXPECT_NE(L"nothing", reads(*optional, other));
+  EXPECT_NE(L"nothing", reads(*optional, ofTarget));
+  EXPECT_EQ(2, (*Read(*anyMany, (L"<r>" + w + other + L"</r>").c_str()))[0].GetXmlCollection()->GetCount());
+  EXPECT_NE(L"nothing", reads(*anyMany, w + ofTarget));
+  EXPECT_EQ(2, (*Read(*namedMany, (L"<r>" + w + w + L"</r>").c_str()))[0].GetXmlCollection()->GetCount());
+  EXPECT_NE(L"nothing", reads(*namedMany, w + other));
+}

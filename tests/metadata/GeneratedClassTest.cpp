@@ -1,0 +1,470 @@
+// The driver of generated classes with sequences, attributes, nil, simple content and the wrapping of errors.
+#include "RkXmlLib16/core/GeneratedClass.h"
+
+#include <cstring>
+
+#include "Expect.h"
+#include "RkXmlLib16/support/Format.h"
+#include "fixtures/Records.h"
+
+using namespace RkXmlTest;
+
+namespace {
+
+constexpr auto kUnknownElements = &CSerializationContext::SetIgnoreUnknownElements;
+constexpr auto kMissingElements = &CSerializationContext::SetIgnoreMissingMandatoryElements;
+constexpr auto kUnknownAttributes = &CSerializationContext::SetIgnoreUnknownAttributes;
+constexpr auto kNamespaces = &CSerializationContext::SetIgnoreNamespaces;
+
+constexpr wchar_t kNil[] = L"xsi:nil=\"true\" xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\"";
+
+class GeneratedClassTest : public testing::Test {
+ protected:
+  void TearDown() override {
+    Classes().clear();
+    EXPECT_EQ(0, g_liveObjects);
+  }
+};
+
+// What reading gives: the document as written back, or the failure.
+std::wstring Outcome(const Table& table, const std::wstring& xml, const CSerializationContext& context) {
+  std::wstring written;
+  const std::wstring failure = Thrown([&] { written = Write(*Read(table, xml.c_str(), context)); });
+  return failure == L"nothing" ? written : failure;
+}
+
+CParentElementInfo* SimpleContent(ItemType type, const wchar_t* format, bool asText) {
+  return new CParentElementInfo(XmlElementGroupType_Sequence, XmlElementType_Element, L"r", L"", true, false, 0, type,
+                                format, asText);
+}
+
+}  // namespace
+
+TEST_F(GeneratedClassTest, SequenceSkipsUnknownElementsAsTheOptionsSay) {
+  const Table table(ClassInfo(XmlElementGroupType_Sequence, L"r"),
+                    {Prim(L"a", 0), Prim<CElementInfoSeqPrimOpt>(L"o", 1), Prim(L"b", 2)});
+  const std::wstring missingA = L"CRkException: Failed to find the required child element [a].\nPath: /r";
+  const std::wstring missingB = L"CRkException: Failed to find the required child element [b].\nPath: /r";
+  const std::wstring unread =
+      L"CRkException: Failed read all the elements held within the element [r]. The unexpected "
+      L"element [x] remains un processed\nPath: /r";
+  const std::wstring notWritten =
+      L"CRkValidationException: Failed to convert the element [r] to XML\nThe Property [a] "
+      L"is mandatory, it may not be NULL";
+  const auto strict = With();
+  const auto unknown = With(kUnknownElements);
+  const auto missing = With(kMissingElements);
+  const struct {
+    const CSerializationContext& context;
+    const wchar_t* content;
+    std::wstring outcome;
+  } rows[] = {
+      {strict, L"<a>1</a><o>2</o><b>3</b>", L"<r><a>1</a><o>2</o><b>3</b></r>"},
+      {strict, L"<x/><a>1</a><b>3</b>", missingA},
+      {strict, L"<a>1</a><x/><b>3</b>", missingB},
+      {strict, L"<a>1</a><b>3</b><x/>", unread},
+      {strict, L"<a>1</a>", missingB},
+      {strict, L"<b>3</b><a>1</a>", missingA},
+      {unknown, L"<x/><a>1</a><b>3</b>", L"<r><a>1</a><b>3</b></r>"},
+      {unknown, L"<a>1</a><x/><o>2</o><x/><b>3</b>", L"<r><a>1</a><b>3</b></r>"},  // the optional one skips nothing
+      {unknown, L"<a>1</a><b>3</b><x/><x/>", L"<r><a>1</a><b>3</b></r>"},
+      {unknown, L"<a>1</a><b>3</b><x/><b>4</b>", L"<r><a>1</a><b>4</b></r>"},  // the last one is offered the rest
+      {unknown, L"<a>1</a><x/>", missingB},
+      {missing, L"<a>1</a><o>2</o>",
+       L"CRkValidationException: Failed to convert the element [r] to XML\nThe Property "
+       L"[b] is mandatory, it may not be NULL"},
+      {missing, L"<b>3</b>", notWritten},
+      {missing, L"<a>1</a><b>3</b><x/>", unread},
+  };
+  for (const auto& row : rows)
+    EXPECT_WIDE_EQ(row.outcome, Outcome(table, std::wstring(L"<r>") + row.content + L"</r>", row.context));
+}
+
+TEST_F(GeneratedClassTest, ClassWithoutRecordsSkipsEverythingOnlyWhenAsked) {
+  const Table table(ClassInfo(XmlElementGroupType_Sequence, L"r"), {});
+  EXPECT_WIDE_EQ(L"<r/>", Outcome(table, L"<r><x/><y/></r>", With(kUnknownElements)));
+  EXPECT_WIDE_EQ(
+      L"CRkException: Failed read all the elements held within the element [r]. The unexpected element [x] remains un "
+      L"processed\nPath: /r",
+      Outcome(table, L"<r><x/><y/></r>", With()));
+}
+
+TEST_F(GeneratedClassTest, RootTakesOverTheNameItIsReadUnder) {
+  const Table table(ClassInfo(XmlElementGroupType_Sequence, L"r"), {Prim<CElementInfoSeqPrimOpt>(L"a", 0)});
+  const auto object = Read(table, L"<other><a>1</a></other>");
+  EXPECT_WIDE_EQ(L"other", object->GetElementName());
+  CSerializationContext context;
+  context.SetWriteTypeAttribute(false);
+  EXPECT_WIDE_EQ(L"<other><a>1</a></other>", Write(*object, context));
+  context.SetWriteTypeAttribute(true);
+  EXPECT_WIDE_EQ(L"<other xmlns:AA=\"http://www.w3.org/2001/XMLSchema-instance\" AA:type=\"r\"><a>1</a></other>",
+                 Write(*object, context));
+}
+
+// One wrap at the innermost element; the outer ones pass a plain copy on. A conversion fails at the owner, a setter at
+// the element.
+TEST_F(GeneratedClassTest, ErrorsCarryTheInnermostPath) {
+  const Table inner(ClassInfo(XmlElementGroupType_Sequence, L"inner"), {Prim(L"v", 0)});
+  const Table middle(ClassInfo(XmlElementGroupType_Sequence, L"middle"),
+                     {new CElementInfoSeqClsOpt(L"inner", L"", 0, XmlElementType_Element, CreateClass, 0)});
+  Table outer(ClassInfo(XmlElementGroupType_Sequence, L"r"),
+              {new CElementInfoSeqClsMnd(L"middle", L"", 0, XmlElementType_Element, CreateClass, 1, true)}, {},
+              {NewChild(middle)});
+  Classes() = {&inner, &middle};
+  const auto reads = [&](const std::wstring& v) {
+    return Outcome(outer, L"<r><middle><inner>" + v + L"</inner></middle></r>", With());
+  };
+  EXPECT_WIDE_EQ(
+      L"CRkException: Failed to process the element.\nPath: /r/middle/inner\nThe value [x] can not be converted to a "
+      L"i4",
+      reads(L"<v>x</v>"));
+  EXPECT_WIDE_EQ(L"CRkException: Failed to find the required child element [v].\nPath: /r/middle/inner", reads(L""));
+  EXPECT_WIDE_EQ(L"CRkException: Unexpected Attribute found.\nPath: /r/middle/inner/v/@a", reads(L"<v a='1'>5</v>"));
+
+  const_cast<Table&>(inner).m_checkSetter = [](int, const RkVariant& value) {
+    if (value.GetI4() == 7) throw CRkInvalidParamException(L"not seven");
+  };
+  EXPECT_WIDE_EQ(L"CRkException: Failed to set the property value.\nPath: /r/middle/inner/v\nnot seven",
+                 reads(L"<v>7</v>"));
+
+  const auto object = Read(outer, L"<r><middle><inner><v>5</v></inner></middle></r>");
+  const auto innermost = [&] {
+    auto* child = static_cast<CTableClass*>((*object)[0].GetXmlObject().Get());
+    return static_cast<CTableClass*>((*child)[0].GetXmlObject().Get());
+  };
+  (*innermost())[0].SetInvalid();
+  EXPECT_WIDE_EQ(
+      L"CRkValidationException: Failed to convert the element [r] to XML\nFailed to convert the element "
+      L"[middle] to XML\nFailed to convert the element [inner] to XML\nThe Property [v] is mandatory, it may "
+      L"not be NULL",
+      Thrown([&] { Write(*object); }));
+}
+
+TEST_F(GeneratedClassTest, PrimitivesHonourFacetsDefaultsAndNil) {
+  const CPrimitiveRestrictions atMost9(nullptr, -1, -1, nullptr, L"9", nullptr, nullptr, -1, -1, -1);
+  const Table table(ClassInfo(XmlElementGroupType_Sequence, L"r"),
+                    {Prim<CElementInfoSeqPrimOpt>(L"a", 0, ItemType_int, /*nillable=*/true, L"5", atMost9),
+                     Enum<CElementInfoSeqEnumOpt>(L"e", 1, /*nillable=*/true, L"green"),
+                     Prim<CElementInfoSeqPrimOpt>(L"s", 2, ItemType_string)});
+  const auto xsi = [](const wchar_t* element) {
+    return std::wstring(L"<r xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\">") + element + L"</r>";
+  };
+  const struct {
+    std::wstring xml;
+    const wchar_t* outcome;
+  } rows[] = {
+      {L"<r><a/><e/></r>", L"<r><a/><e/></r>"},  // a default is written as an empty element
+      {L"<r><a> 5 </a><e>red</e></r>", L"<r><a/><e>red</e></r>"},
+      {L"<r><s> b  c </s></r>", L"<r><s>b c</s></r>"},
+      {L"<r><e> red</e></r>",
+       L"CRkValidationException: Failed to process the element.\nPath: /r\nUnknown colour [ red]."},
+      {L"<r><a>10</a></r>",
+       L"CRkValidationException: Failed to convert the element [r] to XML\nInvalid Value for a [10]"},
+      {xsi(L"<a xsi:nil='TRUE'>8</a><e xsi:nil='1'/>"), L"<r/>"},  // the property is left as it was
+      {xsi(L"<a xsi:nil='False'>8</a>"), L"<r><a>8</a></r>"},
+      {xsi(L"<s xsi:nil='False'>8</s>"), L"<r><s>8</s></r>"},
+      {xsi(L"<s xsi:nil='yes'/>"),
+       L"CRkException: Invalid use of 'nil' attribute in non-nillable element.\nPath: /r/s"},
+      {xsi(L"<a xsi:nil='yes'/>"),
+       L"CRkException: Unexpected Value [yes] for 'nil' Attribute found.\nPath: /r/a/@xsi:nil"},
+  };
+  for (const auto& row : rows) EXPECT_WIDE_EQ(row.outcome, Outcome(table, row.xml, With()));
+
+  const auto object = Read(table, L"<r><a/><e/></r>");
+  EXPECT_EQ(5, (*object)[0].GetI4());
+  EXPECT_WIDE_EQ(L"<r><a>5</a><e>green</e></r>",
+                 Write(*object, With(&CSerializationContext::SetWriteDefaultElementValues)));
+  (*object)[0].SetNil();
+  (*object)[1].SetInvalid();
+  EXPECT_WIDE_EQ(L"<r><a xmlns:AA=\"http://www.w3.org/2001/XMLSchema-instance\" AA:nil=\"true\"/></r>", Write(*object));
+}
+
+TEST_F(GeneratedClassTest, AttributesAreCheckedAsTheirRecordsSay) {
+  const CPrimitiveRestrictions atMost9(nullptr, -1, -1, nullptr, L"9", nullptr, nullptr, -1, -1, -1);
+  const Table table(ClassInfo(XmlElementGroupType_Sequence, L"r"), {},
+                    {Attribute(L"q", 0, /*optional=*/false, L"1", L"", atMost9), Attribute(L"o", 1, true, L"2"),
+                     new CAttributeInfoEnum(L"c", L"", 2, true, ColourToString, ColourFromString, L"red")});
+  const CPrimitiveRestrictions& none = NoFacets();
+  ASSERT_TRUE(none.IsEmpty());
+  const auto strict = With();
+  const auto unknown = With(kUnknownAttributes);
+  const auto namespaces = With(kNamespaces);
+  const struct {
+    const CSerializationContext& context;
+    const wchar_t* xml;
+    const wchar_t* outcome;
+  } rows[] = {
+      {strict, L"<r c='green' o='3' q=' 4 '/>", L"<r q=\"4\" o=\"3\" c=\"green\"/>"},
+      {strict, L"<r q='1' o='2' c='red'/>", L"<r q=\"1\" o=\"2\" c=\"red\"/>"},
+      {strict, L"<r o='3'/>",
+       L"CRkValidationException: Failed to process the element.\nPath: /r\nFailed to find the required Attribute [q]."},
+      {strict, L"<r q='1' z='1'/>", L"CRkException: Unexpected Attribute found.\nPath: /r/@z"},
+      {unknown, L"<r q='1' z='1'/>", L"<r q=\"1\"/>"},
+      {strict, L"<r q='x'/>",
+       L"CRkValidationException: Failed to process the element.\nPath: /r\nThe value [x] can not be converted to a i4"},
+      {strict, L"<r q='10'/>",
+       L"CRkValidationException: Failed to convert the element [r] to XML\nFailed to convert attributes to "
+       L"XML\nInvalid "
+       L"Value for q [10]"},
+      // Without namespaces a foreign enumeration is taken, a foreign primitive is not.
+      {namespaces, L"<r xmlns:f='urn:f' q='1' f:c='green'/>", L"<r q=\"1\" c=\"green\"/>"},
+      {namespaces, L"<r xmlns:f='urn:f' q='1' f:o='3'/>", L"CRkException: Unexpected Attribute found.\nPath: /r/@f:o"},
+  };
+  for (const auto& row : rows) EXPECT_WIDE_EQ(row.outcome, Outcome(table, row.xml, row.context));
+
+  const auto defaults = Read(table, L"<r q='1' o='2' c='red'/>");
+  EXPECT_WIDE_EQ(L"<r q=\"1\"/>", Write(*defaults, With(&CSerializationContext::SetNoOptionalAttributeDefaultOutput)));
+}
+
+TEST_F(GeneratedClassTest, AttributeWildcardTakesWhatItsConstraintAdmits) {
+  const auto table = [](const wchar_t* constraint, Table::Initial initial) {
+    return std::make_unique<Table>(
+        ClassInfo(XmlElementGroupType_Sequence, L"r"), std::vector<CElementInfo*>{},
+        std::vector<CAttributeInfo*>{Attribute(L"q", 0, true),
+                                     new CAttributeInfoAny(L"any", L"", 1, true, constraint, L"urn:t", nullptr)},
+        std::vector<Table::Initial>{nullptr, std::move(initial)});
+  };
+  const Table::Initial attributes = [](RkVariant& value) { value.SetXmlCollection(new CAttributeCol); };
+  EXPECT_WIDE_EQ(L"<r q=\"1\" z=\"2\" xmlns:AA=\"urn:f\" AA:y=\"3\"/>",
+                 Outcome(*table(L"##other", attributes), L"<r z='2' q='1' f:y='3' xmlns:f='urn:f'/>", With()));
+  EXPECT_WIDE_EQ(L"<r xmlns:AA=\"urn:f\" AA:y=\"3\"/>",
+                 Outcome(*table(L"urn:e urn:f", attributes), L"<r f:y='3' xmlns:f='urn:f'/>", With()));
+  EXPECT_WIDE_EQ(L"CRkException: Unexpected Attribute found.\nPath: /r/@t:y",
+                 Outcome(*table(L"##other", attributes), L"<r t:y='3' xmlns:t='urn:t'/>", With()));
+  EXPECT_WIDE_EQ(
+      L"CRkValidationException: Failed to process the element.\nPath: /r\nSerialization Data Error : The "
+      L"collection should be a CAttributeCol, it was not!",
+      Outcome(*table(L"##any", nullptr), L"<r z='2'/>", With()));
+}
+
+TEST_F(GeneratedClassTest, NilObjectsHaveNoContent) {
+  Table table(ClassInfo(XmlElementGroupType_Sequence, L"r"), {Prim(L"a", 0)});
+  const std::wstring nilRoot = std::wstring(L"<r ") + kNil + L"/>";
+  EXPECT_WIDE_EQ(
+      L"CRkValidationException: Failed to process the element.\nPath: /r\nInvalid use of 'nil' attribute in "
+      L"non-nillable element.",
+      Thrown([&] { Read(table, nilRoot.c_str()); }));
+  table.m_nillable = true;
+  const auto object = Read(table, L"<r><a>1</a></r>");
+  object->FromXml(nilRoot.c_str());
+  EXPECT_EQ(1, (*object)[0].GetI4());  // members stay untouched
+  CSerializationContext context;
+  context.SetInLineSchema(L"<schema/>");
+  EXPECT_WIDE_EQ(L"<r xmlns:AA=\"http://www.w3.org/2001/XMLSchema-instance\" AA:nil=\"true\"/>",
+                 Write(*object, context));  // no schema behind the attribute
+  object->FromXml(L"<r><a>2</a></r>");      // a new reading starts not nil
+  EXPECT_WIDE_EQ(L"<r><a>2</a></r>", Write(*object));
+  EXPECT_WIDE_EQ(L"CRkException: Unexpected Value [maybe] for 'nil' Attribute found.\nPath: /r/@xsi:nil", Thrown([&] {
+                   Read(table, L"<r xsi:nil='maybe' xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance'/>");
+                 }));
+}
+
+TEST_F(GeneratedClassTest, SimpleContentIsReadAndWrittenByItsKind) {
+  const struct {
+    ItemType type;
+    const wchar_t* format;
+    bool asText;
+    const wchar_t* xml;
+    const wchar_t* outcome;
+  } rows[] = {
+      {ItemType_int, nullptr, false, L"<r>\n 5 \n</r>", L"<r>5</r>"},
+      {ItemType_double, L"%.2f", false, L"<r>1.5</r>", L"<r>1.50</r>"},
+      {ItemType_string, nullptr, false, L"<r> a  b </r>", L"<r> a  b </r>"},
+      {ItemType_int, nullptr, true, L"<r> x </r>", L"<r> x </r>"},
+      {ItemType_none, nullptr, false, L"<r>5</r>", L"<r/>"},
+      {ItemType_int, nullptr, false, L"<r>x</r>",
+       L"CRkValidationException: Failed to process the element.\nPath: /r\nThe value [x] can not be converted to a i4"},
+      {ItemType_int, nullptr, false, L"<r>5<x/></r>",
+       L"CRkException: Failed read all the elements held within the element [r]. The unexpected element [x] remains un "
+       L"processed\nPath: /r"},
+  };
+  for (const auto& row : rows) {
+    const Table table(SimpleContent(row.type, row.format, row.asText), {});
+    EXPECT_WIDE_EQ(row.outcome, Outcome(table, row.xml, With()));
+  }
+  const Table table(SimpleContent(ItemType_int, nullptr, false), {});
+  const auto object = CTableClass::Create(table);
+  (*object)[0].SetNil();
+  CSerializationContext context;
+  context.SetInLineSchema(L"<schema/>");
+  EXPECT_WIDE_EQ(L"<r xmlns:AA=\"http://www.w3.org/2001/XMLSchema-instance\" AA:nil=\"true\"/>",
+                 Write(*object, context));
+}
+
+TEST_F(GeneratedClassTest, OnlyTheRootCarriesTheExtrasOfTheContext) {
+  const Table child(ClassInfo(XmlElementGroupType_Sequence, L"c"), {});
+  const Table table(ClassInfo(XmlElementGroupType_Sequence, L"r"),
+                    {new CElementInfoSeqClsMnd(L"c", L"", 0, XmlElementType_Element, CreateClass, 0, true)}, {},
+                    {NewChild(child)});
+  CSerializationContext context;
+  context.GetProcessingInstructions() = {L"<?one?>", L"<?two?>"};
+  context.GetNamespaceAliases().Add(L"b", L"urn:b");
+  context.GetNamespaceAliases().Add(L"a", L"urn:a");
+  context.GetAdditionalRootAttributes()->Add(L"x", L"1");
+  context.SetInLineSchema(L"<schema/>");
+  const std::wstring xml = Write(*CTableClass::Create(table), context);
+  std::size_t at = 0;
+  for (const wchar_t* part : {L"<?one?>", L"<?two?>", L"<r ", L"xmlns:a=\"urn:a\"", L"xmlns:b=\"urn:b\"", L"x=\"1\"",
+                              L"<schema/>", L"<c/></r>"}) {
+    at = xml.find(part, at);
+    EXPECT_NE(std::wstring::npos, at) << Narrow(part) << " in " << Narrow(xml);
+  }
+}
+
+// A mandatory child that the owner does not hold is made by the factory; nothing is dereferenced that can be null.
+TEST_F(GeneratedClassTest, MissingObjectsAreCreatedOrReported) {
+  const Table child(ClassInfo(XmlElementGroupType_Sequence, L"c"), {Prim<CElementInfoSeqPrimOpt>(L"v", 0)});
+  const auto own = XmlElementType_Element;
+  const Table mandatory(ClassInfo(XmlElementGroupType_Sequence, L"r"),
+                        {new CElementInfoSeqClsMnd(L"c", L"", 0, own, CreateClass, 0, true)});
+  const Table optional(ClassInfo(XmlElementGroupType_Sequence, L"r"),
+                       {new CElementInfoSeqClsOpt(L"c", L"", 0, own, CreateClass, 0)});
+  const Table collection(ClassInfo(XmlElementGroupType_Sequence, L"r"), {new CElementInfoSeqCol(L"c", L"", 0)});
+  const Table wildcard(ClassInfo(XmlElementGroupType_Sequence, L"r"),
+                       {new CElementInfoSeqUntpdMnd(L"AnyElement", L"", 0, L"##any", L"")});
+  const std::wstring xml = L"<r><c><v>1</v></c></r>";
+  const std::wstring unread =
+      L"CRkException: Failed read all the elements held within the element [r]. The unexpected "
+      L"element [c] remains un processed\nPath: /r";
+  Classes() = {&child};
+  EXPECT_WIDE_EQ(xml, Outcome(mandatory, xml, With()));
+  Classes() = {nullptr};
+  EXPECT_WIDE_EQ(L"CRkException: Failed to find the required child element [c].\nPath: /r",
+                 Outcome(mandatory, xml, With()));
+  EXPECT_WIDE_EQ(unread, Outcome(optional, xml, With()));
+  EXPECT_WIDE_EQ(unread, Outcome(collection, xml, With()));
+  EXPECT_WIDE_EQ(L"CRkException: Failed to find the required child element [AnyElement].\nPath: /r",
+                 Outcome(wildcard, xml, With()));
+  const auto object = CTableClass::Create(mandatory);
+  EXPECT_WIDE_EQ(L"CRkValidationException: Failed to process the element.\nThe document has no root element.",
+                 Thrown([&] { object->FromXml_Int(nullptr, nullptr, CSerializationContext(), false); }));
+}
+
+TEST_F(GeneratedClassTest, ObjectsInsideEachOtherAreLimited) {
+  Table table(ClassInfo(XmlElementGroupType_Sequence, L"c"),
+              {new CElementInfoSeqClsOpt(L"c", L"", 0, XmlElementType_Element, CreateClass, 0)});
+  Classes() = {&table};
+  const auto nested = [](int depth) {
+    std::wstring xml;
+    for (int i = 0; i < depth; ++i) xml += L"<c>";
+    for (int i = 0; i < depth; ++i) xml += L"</c>";
+    return xml;
+  };
+  CSerializationContext context;
+  context.GetLimits().SetMaxObjectDepth(3);
+  EXPECT_WIDE_EQ(L"<c><c><c/></c></c>", Outcome(table, nested(3), context));
+  EXPECT_WIDE_EQ(L"CRkException: Limit exceeded: object depth 3.\nPath: /c/c/c/c", Outcome(table, nested(4), context));
+  EXPECT_EQ(std::wstring::npos, Outcome(table, nested(1000), With()).find(L"Limit"));
+  EXPECT_NE(std::wstring::npos, Outcome(table, nested(1001), With()).find(L"Limit exceeded: object depth 1000."));
+}
+
+TEST_F(GeneratedClassTest, AccessorFailuresAreWrapped) {
+  class CFailing : public CTableClass {
+   public:
+    using CTableClass::CTableClass;
+    void AccessProperty(int, bool, RkVariant&) override { throw CRkInvalidStateException(L"no access"); }
+  };
+  const Table table(ClassInfo(XmlElementGroupType_Sequence, L"r"), {Prim(L"a", 0)}, {Attribute(L"q", 1, true)});
+  CFailing object(table);
+  EXPECT_WIDE_EQ(
+      L"CRkValidationException: Failed to convert the element [r] to XML\nFailed to convert attributes to "
+      L"XML\nFailed to get the property value for [q].\nno access",
+      Thrown([&] { Write(object); }));
+  EXPECT_WIDE_EQ(L"CRkException: Failed to set the property value.\nPath: /r/@q\nno access",
+                 Thrown([&] { object.FromXml(L"<r q='1'/>"); }));
+}
+
+TEST_F(GeneratedClassTest, UnknownGroupTypesAreErrors) {
+  const Table table(ClassInfo(static_cast<XmlElementGroupType>(3), L"r"), {});
+  EXPECT_WIDE_EQ(L"CRkValidationException: Failed to convert the element [r] to XML\nUnknown XML Group Type",
+                 Thrown([&] { Write(*CTableClass::Create(table)); }));
+  EXPECT_WIDE_EQ(L"CRkValidationException: Failed to process the element.\nPath: /r\nUnknown Group Type",
+                 Thrown([&] { Read(table, L"<r/>"); }));
+}
+
+TEST_F(GeneratedClassTest, RecordsAnswerQuestionsAboutThemselves) {
+  const Table table(ClassInfo(XmlElementGroupType_Sequence, L"r"), {Prim(L"a", 0), Enum(L"e", 1)});
+  const auto object = CTableClass::Create(table);
+  EXPECT_EQ(2, object->GetClassElementInfoCount());
+  EXPECT_RK_THROWS(CRkException, L"Not implemented, should never be called",
+                   table.m_elements[0]->Validate(With(), object, true, true));
+  RkVariant value;
+  value.SetI4(1);
+  EXPECT_RK_THROWS(CRkException, L"Cannot CheckRestriction for type: i4", table.m_elements[1]->CheckRestriction(value));
+  CXmlDocument document;
+  document.LoadXml(L"<r><a/><b/></r>");
+  CXmlElement* const a = document.GetDocumentElement()->GetFirstElement();
+  EXPECT_TRUE(object->IsElementInList(With(), a));
+  EXPECT_FALSE(object->IsElementInList(With(), a->GetNextSiblingElement()));
+  EXPECT_FALSE(object->IsElementInList(With(), nullptr));
+}
+
+TEST(ElementInfoTest, WildcardNamespaceFollowsTheConstraint) {
+  const struct {
+    const wchar_t* constraint;
+    const wchar_t* defaultNs;
+    const wchar_t* targetNs;
+    const wchar_t* result;
+  } rows[] = {
+      {L"##any", L"d", L"t", L"d"},
+      {L"##any", nullptr, nullptr, L""},
+      {L"##other", L"", L"t", L"DefaultNamespace"},
+      {L"##other", L"d", L"t", L""},
+      {L"##local", L"d", L"t", L""},
+      {L"##targetNamespace", L"d", L"t", L"t"},
+      {L"##other urn:x", L"", L"t", L"DefaultNamespace"},
+      {L"urn:x ##any", L"d", L"t", L""},
+      {L"urn:x", L"d", L"t", L""},
+      {nullptr, L"d", L"t", L""},
+  };
+  for (const auto& row : rows)
+    EXPECT_WIDE_EQ(row.result, CElementInfo::GetAnyDefaultNamespace(row.constraint, row.defaultNs, row.targetNs));
+}
+
+TEST(ClassFactoryTest, TellsTheTypeThatAnElementNames) {
+  const struct {
+    const wchar_t* xml;
+    const wchar_t* type;
+    const wchar_t* ns;
+  } rows[] = {
+      {L"<e xmlns='urn:e' xmlns:p='urn:p' i:type='p:Derived' xmlns:i='http://www.w3.org/2001/XMLSchema-instance'/>",
+       L"Derived", L"urn:p"},
+      {L"<e xmlns='urn:e' i:type='q:Derived' xmlns:i='http://www.w3.org/2001/XMLSchema-instance'/>", L"Derived",
+       L"urn:e"},
+      {L"<e xmlns='urn:e' i:type='Derived' xmlns:i='http://www.w3.org/2001/XMLSchema-instance'/>", L"Derived",
+       L"urn:e"},
+      {L"<e type='p:Derived'/>", L"", L""},
+  };
+  for (const auto& row : rows) {
+    CXmlDocument document;
+    document.LoadXml(row.xml);
+    EXPECT_WIDE_EQ(row.type, CClassfactoryBase::GetElementType(document.GetDocumentElement()));
+    EXPECT_WIDE_EQ(row.ns, CClassfactoryBase::GetElementTypeNamespaceUri(document.GetDocumentElement()));
+  }
+}
+
+// Generated code is compiled against the places of these operations in the virtual tables.
+TEST(VirtualTableTest, SlotsKeepTheirPlaces) {
+  const auto slot = [](auto member) {
+    std::ptrdiff_t offset = 0;  // of a virtual member its place in bytes, plus 1
+    std::memcpy(&offset, &member, sizeof offset);
+    return (offset - 1) / static_cast<std::ptrdiff_t>(sizeof(void*));
+  };
+  EXPECT_EQ(29, slot(&CXmlGeneratedClass::AccessProperty));
+  EXPECT_EQ(30, slot(&CXmlGeneratedClass::GetClassInfo));
+  EXPECT_EQ(31, slot(&CXmlGeneratedClass::GetClassElementInfo));
+  EXPECT_EQ(32, slot(&CXmlGeneratedClass::GetClassAttributeInfo));
+  EXPECT_EQ(33, slot(&CXmlGeneratedClass::BeginFromXml_Int));
+  EXPECT_EQ(0, slot(&INillable::IsNil));
+  EXPECT_EQ(1, slot(&INillable::SetNil));
+  EXPECT_EQ(2, slot(&CElementInfo::ElementToXml));
+  EXPECT_EQ(3, slot(&CElementInfo::ElementFromXml));
+  EXPECT_EQ(4, slot(&CElementInfo::Validate));
+  EXPECT_EQ(5, slot(&CElementInfo::PseudoChildAttributeToXml));
+  EXPECT_EQ(2, slot(&CAttributeInfo::AttributeToXml));
+  EXPECT_EQ(3, slot(&CAttributeInfo::AttributeFromXml));
+  EXPECT_EQ(4, slot(&CAttributeInfo::Validate));
+  EXPECT_EQ(29, slot(&Cr4Col::GetCount));
+  EXPECT_EQ(31, slot(&Cr4Col::Remove));
+  EXPECT_EQ(34, slot(&Cr4Col::AddFromString));
+}
