@@ -68,6 +68,7 @@ refuses 2 'needs a value' convert a b --indent
 refuses 2 '0 to 99' convert --indent x a b
 refuses 2 'lf, crlf' convert --eol cr a b
 refuses 2 'utf-8, utf-16, wide' convert --encoding latin a b
+refuses 2 '0, 1, 2' convert --mode 3 a b
 refuses 2 "unknown option '--from?[31m'" convert $'--from\e[31m' x a b
 
 ## Round trips
@@ -111,6 +112,34 @@ run 0 convert --encoding=wide --compact small.xml -
 cp small.xml -- --odd
 run 0 convert --compact -- --odd odd.xml
 [ -s odd.xml ] || fail "a file name that looks like an option"
+
+## JSON
+run 0 convert "$track" track.json
+! command -v python3 >/dev/null || python3 -m json.tool track.json /dev/null || fail "track.json is no JSON"
+run 0 convert track.json back.gpx
+same_document "$track" back.gpx
+run 0 convert --compact track.json track.json.gz
+run 0 convert --from json track.json.gz back.gpx
+same_document "$track" back.gpx
+printf '<r xmlns="urn:r" a="1"><i p:b="x" xmlns:p="urn:p">"q\\</i><e/><c xmlns="urn:c"/></r>' >names.xml
+run 0 convert --compact --to json names.xml -
+printf '{"r": {"@xmlns": "urn:r","@xmlns:ns1": "urn:c","@xmlns:p": "urn:p","@a": "1",' >wanted
+printf '"i": {"@p:b": "x","#text": "\\"q\\\\"},"e": null,"ns1:c": null}}' >>wanted
+same out wanted
+run 0 convert --from json wanted names2.xml
+run 0 convert --compact --to json names2.xml -
+same out wanted
+run 0 convert --mode 0 --compact --to json small.xml -
+printf '{"a": {"b": "x","b": {"y": "1"}}}' >wanted
+same out wanted
+printf '[{"n":1},{"n":2}]' >list.json
+refuses 1 'JSON Array has no Name.' show list.json
+run 0 show --root r track.json
+grep -q 'form        JSON text' out && grep -q 'root        r' out || fail "show --root says $(cat out)"
+printf '{"a":\n tru' >cut.json
+refuses 1 "Expected value 'true' at line 1, position 4." convert cut.json new.xml
+printf '{"a":1,"b":2}' >two.json
+refuses 1 'makes no XML document' convert two.json new.xml
 
 ## show
 run 0 show track.gpx.gz

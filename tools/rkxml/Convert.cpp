@@ -25,6 +25,7 @@ void Convert(const Options& options) {
   Progress progress;
   CSerializationContext context;
   context.SetIndentChars(options.layout.indent.c_str());
+  options.json.ApplyTo(context);
 
   CElement element;
   {
@@ -34,6 +35,7 @@ void Convert(const Options& options) {
     LoadDocument(document, options, bytes);
     bytes = Bytes();
     KeepPrefixes(document, context);
+    if (options.to->needsPrefixes) AddPrefixes(document, context);
     element.FromXmlElement(document.GetDocumentElement(), context);
   }
   progress.Writing();

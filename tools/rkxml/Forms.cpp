@@ -13,6 +13,20 @@ CBinaryData WriteXml(const CXmlObjectBase& object, const Layout& layout, const C
                             layout.gzip ? CompressionType_GZip : CompressionType_None);
 }
 
+void LoadJson(CXmlDocument& document, Bytes& bytes) {
+  const CBinaryData xml = document.LoadJsonStream(bytes.data(), bytes.size());
+  try {
+    document.LoadXmlStream(xml.GetData(), xml.GetLength());
+  } catch (const CRkException& e) {
+    throw CRkException(L"the JSON text makes no XML document: " + e.GetMessage());
+  }
+}
+
+CBinaryData WriteJson(const CXmlObjectBase& object, const Layout& layout, const CSerializationContext& context) {
+  return object.ToJsonStream(layout.pretty, layout.encoding, layout.eol, context,
+                             layout.gzip ? CompressionType_GZip : CompressionType_None);
+}
+
 bool EndsWith(std::string_view text, std::string_view ending) {
   const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
   return text.size() >= ending.size() && std::equal(ending.rbegin(), ending.rend(), text.rbegin(),
@@ -21,9 +35,17 @@ bool EndsWith(std::string_view text, std::string_view ending) {
 
 }  // namespace
 
+void JsonMapping::ApplyTo(const CSerializationContext& context) const {
+  CJsonContext& settings = *context.GetJsonContext();
+  settings.SetSupportRoundtrip(mode);
+  settings.SetRootElementName(rootName.c_str());
+  settings.SetStrictOutput(true);
+}
+
 const std::vector<Form>& Forms() {
   static const std::vector<Form> forms = {
-      {"xml", "XML text", {".xml"}, LoadXml, WriteXml},
+      {"xml", "XML text", {".xml"}, LoadXml, WriteXml, /*needsPrefixes=*/false},
+      {"json", "JSON text", {".json"}, LoadJson, WriteJson, /*needsPrefixes=*/true},
   };
   return forms;
 }

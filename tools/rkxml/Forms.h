@@ -18,6 +18,14 @@ struct Layout {
   bool gzip = false;
 };
 
+// How JSON and XML are mapped to each other.
+struct JsonMapping {
+  RkXmlLib16::JsonRoundTrip mode = RkXmlLib16::JsonRoundTrip_Namespaces;
+  std::wstring rootName;  // of an element around the whole input; empty for none
+
+  void ApplyTo(const RkXmlLib16::CSerializationContext& context) const;
+};
+
 // A form that documents have. To add one, add a row to the table in Forms.cpp.
 struct Form {
   const char* name;                           // as --from and --to take it
@@ -26,6 +34,7 @@ struct Form {
   void (*load)(RkXmlLib16::CXmlDocument& document, Bytes& bytes);
   RkXmlLib16::CBinaryData (*write)(const RkXmlLib16::CXmlObjectBase& object, const Layout& layout,
                                    const RkXmlLib16::CSerializationContext& context);
+  bool needsPrefixes;  // it writes only namespaces whose prefixes the settings tell
 };
 
 const std::vector<Form>& Forms();

@@ -28,6 +28,9 @@ std::string Help(Command command) {
              "  --eol lf|crlf           line ends of pretty output (default: lf)\n"
              "  --encoding NAME         utf-8 (default), utf-16 or wide; the last two are the\n"
              "                          raw memory forms, which XML parsers do not read\n"
+             "  --mode 0|1|2            what JSON keeps: 0 names and values, 1 also what\n"
+             "                          is attribute and text, 2 also namespaces (default)\n"
+             "  --root NAME             put JSON input into an element of this name\n"
              "  --gzip                  compress; implied when OUT ends in .gz\n"
              "  -h, --help              this text\n"
              "\n"
@@ -35,7 +38,8 @@ std::string Help(Command command) {
              "\n"
              "Examples:\n"
              "  rkxml convert --compact track.gpx track.gpx.gz\n"
-             "  rkxml convert --indent 2 track.gpx.gz - | less\n";
+             "  rkxml convert --indent 2 track.gpx.gz - | less\n"
+             "  rkxml convert track.gpx track.json\n";
     case Command::Show:
       return "Usage: rkxml show [options] IN\n"
              "\n"
@@ -47,6 +51,7 @@ std::string Help(Command command) {
              FormNames() +
              "\n"
              "                          (default: by file ending, else xml)\n"
+             "  --mode 0|1|2, --root N  how JSON is read, see rkxml convert --help\n"
              "  -h, --help              this text\n"
              "\n"
              "Example:\n"

@@ -45,6 +45,13 @@ XmlEncoding EncodingOption(std::string_view value) {
   ThrowBadValue("--encoding", value, "utf-8, utf-16, wide");
 }
 
+JsonRoundTrip ModeOption(std::string_view value) {
+  if (value == "0") return JsonRoundTrip_Plain;
+  if (value == "1") return JsonRoundTrip_Markers;
+  if (value == "2") return JsonRoundTrip_Namespaces;
+  ThrowBadValue("--mode", value, "0, 1, 2");
+}
+
 // One option. `apply` gets the value, or an empty text for an option without one.
 struct Option {
   std::string_view name;
@@ -61,6 +68,8 @@ constexpr Option kOptions[] = {
     {"--indent", true, false, [](Options& o, std::string_view v) { o.layout.indent = IndentOption(v); }},
     {"--eol", true, false, [](Options& o, std::string_view v) { o.layout.eol = EolOption(v); }},
     {"--encoding", true, false, [](Options& o, std::string_view v) { o.layout.encoding = EncodingOption(v); }},
+    {"--mode", true, true, [](Options& o, std::string_view v) { o.json.mode = ModeOption(v); }},
+    {"--root", true, true, [](Options& o, std::string_view v) { o.json.rootName = CEncoder::Utf8ToUnicode(v); }},
     {"--gzip", false, false, [](Options& o, std::string_view) { o.layout.gzip = true; }},
     {"--help", false, true, [](Options& o, std::string_view) { o.help = true; }},
     {"-h", false, true, [](Options& o, std::string_view) { o.help = true; }},

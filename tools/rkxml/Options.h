@@ -18,6 +18,7 @@ struct Options {
   const Form* from = nullptr;  // never null once parsed
   const Form* to = nullptr;    // never null once parsed
   Layout layout;
+  JsonMapping json;
 };
 
 // A wrong call: the reason, and on the next line what may help.

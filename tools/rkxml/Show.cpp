@@ -91,7 +91,9 @@ void ShowNamespaces(const std::vector<std::pair<CXmlText, CXmlText>>& namespaces
 }  // namespace
 
 void Show(const Options& options) {
-  CXmlDocument document;
+  const CSerializationContext context;
+  options.json.ApplyTo(context);
+  CXmlDocument document(context);
   Bytes bytes = ReadFile(options.input);
   {
     Progress progress;

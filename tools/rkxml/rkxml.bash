@@ -6,15 +6,16 @@ _rkxml() {
   done
   compopt +o default
   case $previous in
-    --from | --to) mapfile -t COMPREPLY < <(compgen -W 'xml' -- "$current") && return ;;
+    --from | --to) mapfile -t COMPREPLY < <(compgen -W 'xml json' -- "$current") && return ;;
     --indent) mapfile -t COMPREPLY < <(compgen -W 'tab 2 4' -- "$current") && return ;;
     --eol) mapfile -t COMPREPLY < <(compgen -W 'lf crlf' -- "$current") && return ;;
+    --mode) mapfile -t COMPREPLY < <(compgen -W '0 1 2' -- "$current") && return ;;
     --encoding) mapfile -t COMPREPLY < <(compgen -W 'utf-8 utf-16 wide' -- "$current") && return ;;
   esac
   local words='convert show --help --version'
   case $command in
-    convert) words='--from --to --pretty --compact --indent --eol --encoding --gzip --help' ;;
-    show) words='--from --help' ;;
+    convert) words='--from --to --pretty --compact --indent --eol --encoding --mode --root --gzip --help' ;;
+    show) words='--from --mode --root --help' ;;
   esac
   if [ -n "$command" ] && [ "${current:0:1}" != - ]; then
     compopt -o default
