@@ -166,7 +166,10 @@ class CElement::TreeWriter {
     }
     element.AttributesToXml_Int(&m_writer, m_context);
     if (isRoot) WriteRootSchema(m_writer, m_context);
-    if (element.m_children.empty() || !IsBlank(element.m_text)) WriteText(element.m_text);
+    // Only an element with nothing in it has an empty text to show: JSON writes it as null in the element's place.
+    const bool hasText = element.m_children.empty() ? !element.m_text.empty() : !IsBlank(element.m_text);
+    const bool isBare = element.m_children.empty() && element.GetAttributeCount() == 0;
+    if (hasText || isBare) WriteText(element.m_text);
   }
 
   // Prefixes that the settings leave free are declared with those of the settings, so that names use them too.
