@@ -238,7 +238,6 @@ void CJsonTextWriter::WriteAttributeString(const std::wstring& localName, const 
   RequireOpenElement();
   if (m_roundTrip != JsonRoundTrip_Namespaces && namespaceUri == XMLNS_NAMESPACE) return;
   const bool prefixed = m_roundTrip == JsonRoundTrip_Namespaces && !namespaceUri.empty();
-  if (!prefixed && namespaceUri == XMLNS_NAMESPACE) return;  // a declaration
   const std::wstring* prefix = prefixed ? FindAttributePrefix(namespaceUri) : &kNone;
   if (prefix == nullptr) ThrowUnknownNamespace(localName);
   CloseArray(*m_context, Top(), false);
