@@ -103,11 +103,6 @@ Bytes ToUtf16(std::wstring_view text, bool pairs) {
   return bytes;
 }
 
-// Fills the document when its input is a Fast Infoset, which is told by the first octets; else false.
-bool ParseFastInfoset(CXmlDocument& document) {
-  return CFastInfosetReader(*document.GetContext().GetFIContext(), document).Parse();
-}
-
 CBinaryData ConvertJsonBytes(const unsigned char* bytes, std::size_t length, const CSerializationContext& context) {
   CBinaryData inflated;
   std::string_view json = Unwrap(bytes, length, context.GetLimits(), inflated);
@@ -196,7 +191,7 @@ void CXmlDocument::ParseBytes(const unsigned char* bytes, std::size_t length) {
   CBinaryData inflated;
   const std::string_view document = Unwrap(bytes, length, m_context->GetLimits(), inflated);
   const Input input(*this, reinterpret_cast<const unsigned char*>(document.data()), document.size());
-  if (ParseFastInfoset(*this)) return;
+  if (CFastInfosetReader(*m_context->GetFIContext(), *this).Parse()) return;
   ParseXmlText();
 }
 

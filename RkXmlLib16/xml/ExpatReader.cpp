@@ -24,6 +24,8 @@ namespace {
 
 static_assert(sizeof(XML_Char) == 2, "expat has to report UTF-16 units");
 
+constexpr std::size_t kSmallestPiece = std::size_t{1} << 18;
+constexpr std::size_t kLargestPiece = std::size_t{1} << 28;
 constexpr XML_Char kSeparator = u'|';
 // Names up to this length are compared whole, longer ones are trusted to lie where they lay before (see UriCache).
 constexpr std::size_t kComparedLength = 256;
@@ -101,7 +103,7 @@ struct CExpatReader::Parser {
   void EntityDeclaration(const XML_Char* value, std::size_t length);
   void AddDefaulted(CXmlElement* element, const XML_Char* name, const XML_Char* value);
 
-  void Feed(std::size_t largestPiece, bool isFinal);
+  void Feed(bool isFinal);
   [[noreturn]] void ThrowParseError() const;
   [[noreturn]] void ThrowSeparatorInUri() const;
   bool IsAtTagWithSeparator() const;
@@ -301,16 +303,19 @@ bool CExpatReader::Parser::IsAtTagWithSeparator() const {
   return tag.find("<!") != 0 && tag.find("<?") != 0 && tag.find('<') < 2 && tag.find('|') != std::string_view::npos;
 }
 
-void CExpatReader::Parser::Feed(std::size_t largestPiece, bool isFinal) {
+// expat copies what it is given and scans a token that is cut off again from its start. Pieces bound the copy, and that
+// they grow with what was read bounds the scanning.
+void CExpatReader::Parser::Feed(bool isFinal) {
   const auto* bytes = reinterpret_cast<const char*>(document.GetInput());
-  for (std::size_t left = document.GetInputLength();;) {
-    const std::size_t piece = std::min(left, largestPiece);
-    left -= piece;
-    const XML_Status status = XML_Parse(expat, bytes, static_cast<int>(piece), isFinal && left == 0);
-    bytes += piece;
+  const std::size_t length = document.GetInputLength();
+  for (std::size_t done = 0;;) {
+    const std::size_t piece = std::min({length - done, std::max(kSmallestPiece, done / 8), kLargestPiece});
+    const XML_Status status =
+        XML_Parse(expat, bytes + done, static_cast<int>(piece), isFinal && done + piece == length);
+    done += piece;
     if (failure != nullptr) std::rethrow_exception(failure);
     if (status != XML_STATUS_OK) ThrowParseError();
-    if (left == 0) return;
+    if (done == length) return;
   }
 }
 
@@ -323,8 +328,7 @@ void CExpatReader::Parser::ThrowParseError() const {
                                   static_cast<int>(XML_GetCurrentLineNumber(expat))));
 }
 
-CExpatReader::CExpatReader(CXmlDocument& document, std::size_t largestPiece)
-    : m_document(document), m_largestPiece(largestPiece) {}
+CExpatReader::CExpatReader(CXmlDocument& document) : m_document(document) {}
 
 CExpatReader::~CExpatReader() = default;
 
@@ -345,7 +349,7 @@ void CExpatReader::CreateParser() {
 }
 
 void CExpatReader::Parse(bool isFinal) {
-  m_parser->Feed(m_largestPiece, isFinal);
+  m_parser->Feed(isFinal);
   if (isFinal) Cleanup();
 }
 

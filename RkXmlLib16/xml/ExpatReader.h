@@ -1,7 +1,6 @@
 #ifndef RKXMLLIB16_XML_EXPATREADER_H
 #define RKXMLLIB16_XML_EXPATREADER_H
 
-#include <cstddef>
 #include <memory>
 
 #include "RkXmlLib16/core/Export.h"
@@ -18,8 +17,7 @@ class CXmlDocument;
 //   reader.Parse(/*isFinal=*/true);
 class RKXML_EXPORT CExpatReader {
  public:
-  // Inputs longer than `largestPiece` bytes are handed to the parser in pieces of so many.
-  explicit CExpatReader(CXmlDocument& document, std::size_t largestPiece = std::size_t{1} << 28);  // kept
+  explicit CExpatReader(CXmlDocument& document);  // kept
   CExpatReader(const CExpatReader&) = delete;
   CExpatReader& operator=(const CExpatReader&) = delete;
   virtual ~CExpatReader();
@@ -36,7 +34,6 @@ class RKXML_EXPORT CExpatReader {
   struct Parser;
 
   CXmlDocument& m_document;
-  std::size_t m_largestPiece;
   std::unique_ptr<Parser> m_parser;
 };
 

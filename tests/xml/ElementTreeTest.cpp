@@ -1,0 +1,143 @@
+#include "RkXmlLib16/xml/ElementTree.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/Expect.h"
+
+namespace RkXmlLib16 {
+namespace {
+
+constexpr const wchar_t* kXsi = L"http://www.w3.org/2001/XMLSchema-instance";
+
+TEST(ElementTree, NavigatesWhatWasBuilt) {
+  CXmlDocument document;
+  EXPECT_EQ(nullptr, document.GetDocumentElement());
+  CXmlElement* const root = document.AddDocElement(L"urn:a", L"root");
+  document.AddElementAttribute(root, L"id", L"7", L"");
+  document.AddElementAttribute(root, L"id", L"8", L"urn:a");
+  CXmlElement* const first = document.AddChildElement(L"", L"first");
+  document.AppendTextExcludingCR(first, L"1\r\n2\r");
+  document.EndElement();
+  CXmlElement* const second = document.AddChildElement(L"", L"second");
+  document.EndElement();
+  document.EndElement();
+
+  EXPECT_EQ(root, document.GetDocumentElement());
+  EXPECT_EQ(nullptr, document.GetCurrentElement());
+  EXPECT_EQ(first, root->GetFirstElement());
+  EXPECT_EQ(second, first->GetNextSiblingElement());
+  EXPECT_EQ(nullptr, second->GetNextSiblingElement());
+  EXPECT_EQ(root, second->GetParentElement());
+  EXPECT_EQ(&document, second->GetDocument());
+  EXPECT_WIDE_EQ(L"1\n2", first->GetText());
+  EXPECT_EQ(first->GetNamespaceRef(), second->GetNamespaceRef());
+  EXPECT_WIDE_EQ(L"8", root->GetAttribute(L"id", L"urn:a"));
+  EXPECT_WIDE_EQ(L"", root->GetAttribute(L"id", L"urn:b"));
+  ASSERT_EQ(2u, root->GetAttributes().size());
+  EXPECT_EQ(root, root->GetAttributes()[1]->GetElement());
+  std::wstring values;
+  for (const CXmlAttribute* attribute : root->GetAttributes()) values += attribute->GetValue();
+  EXPECT_WIDE_EQ(L"78", values);
+}
+
+TEST(ElementTree, TextsAndAttributesGrowBetweenOthers) {
+  CXmlDocument document;
+  CXmlElement* const root = document.AddDocElement(L"", L"r");
+  std::wstring expected;
+  for (int i = 0; i < 2000; ++i) {
+    const std::wstring piece = std::to_wstring(i) + L"\r;";
+    document.AppendTextExcludingCR(root, piece.c_str(), 2);
+    expected += piece.substr(0, 2);
+    if (expected.back() == L'\r') expected.pop_back();
+    CXmlElement* const child = document.AddChildElement(L"", L"c");
+    document.AppendTextExcludingCR(child, L"between");
+    document.EndElement();
+    root->AddAttribute(std::to_wstring(i).c_str(), L"v", nullptr);
+  }
+  EXPECT_WIDE_EQ(expected, root->GetText());
+  EXPECT_EQ(2000u, root->GetAttributes().size());
+  EXPECT_WIDE_EQ(L"v", root->GetAttribute(L"1999", L""));
+  EXPECT_WIDE_EQ(L"between", root->GetFirstElement()->GetText());
+}
+
+TEST(ElementTree, PathsUseAliasesAndPositions) {
+  CXmlDocument document;
+  document.AddNamespaceAlias(L"p", L"urn:p");
+  document.AddNamespaceAlias(L"q", L"urn:p");
+  document.AddNamespaceAlias(L"", L"urn:default");
+  const struct {
+    const wchar_t* uri;
+    const wchar_t* path;
+  } rows[] = {{L"", L"/order/item[1]"},
+              {L"urn:p", L"/order/p:item[1]"},
+              {L"urn:default", L"/order/item[2]"},
+              {L"urn:unknown", L"/order/item[3]"},
+              {L"urn:p", L"/order/p:item[2]"},
+              {L"urn:last", L"/order/item[4]"}};
+  document.AddDocElement(L"", L"order");
+  for (const auto& row : rows) {
+    document.AddChildElement(row.uri, L"item");
+    document.EndElement();
+  }
+  CXmlElement* const only = document.AddChildElement(L"urn:p", L"only");
+  document.AddElementAttribute(only, L"a", L"", L"urn:p");
+  document.AddElementAttribute(only, L"b", L"", L"");
+  const CXmlElement* item = document.GetDocumentElement()->GetFirstElement();
+  for (const auto& row : rows) {
+    EXPECT_WIDE_EQ(row.path, item->GetXPath());
+    item = item->GetNextSiblingElement();
+  }
+  EXPECT_WIDE_EQ(L"/order/p:only/@p:a", only->GetAttributes()[0]->GetXPath());
+  EXPECT_WIDE_EQ(L"/order/p:only/@b", only->GetAttributes()[1]->GetXPath());
+
+  document.AddNamespaceAlias(L"p", L"urn:other");
+  EXPECT_WIDE_EQ(L"q:only", only->GetQName());
+  EXPECT_WIDE_EQ(L"urn:other", document.LookupNamespaceFromAlias(L"p"));
+  EXPECT_WIDE_EQ(L"", document.LookupNamespaceFromAlias(L"x"));
+  EXPECT_WIDE_EQ(L"", document.LookupAliasFromNamespace(L"urn:x"));
+}
+
+TEST(ElementTree, KnowsTheAttributesOfTheNamespaceMachinery) {
+  const wchar_t* const xmlns = L"http://www.w3.org/2000/xmlns/";
+  const struct {
+    const wchar_t* name;
+    const wchar_t* uri;
+    bool isNamespace;
+    bool isNil;
+  } rows[] = {{L"type", kXsi, true, false},   {L"schemaLocation", kXsi, true, false},
+              {L"xmlns", xmlns, true, false}, {L"noNamespaceSchemaLocation", kXsi, true, false},
+              {L"nil", kXsi, false, true},    {L"nil", xmlns, false, true},
+              {L"type", L"", false, false},   {L"other", kXsi, false, false}};
+  CXmlDocument document;
+  CXmlElement* const e = document.AddDocElement(L"", L"e");
+  for (const auto& row : rows) e->AddAttribute(row.name, L"", row.uri);
+  for (std::size_t i = 0; i < std::size(rows); ++i) {
+    EXPECT_EQ(rows[i].isNamespace, e->GetAttributes()[i]->IsNamespaceAttribute()) << i;
+    EXPECT_EQ(rows[i].isNil, e->GetAttributes()[i]->IsNilAttribute()) << i;
+  }
+}
+
+TEST(ElementTree, BuildsByHand) {
+  CXmlDocument document;
+  CXmlElement* const root = document.AddDocElement(nullptr, L"r");
+  EXPECT_EQ(nullptr, root->RemoveLastChildElement());
+  CXmlElement* const a = root->CreateNewChildElement();
+  CXmlElement* const b = root->CreateNewChildElement();
+  a->SetElementName(L"a");
+  a->SetNamespace(L"urn:a");
+  a->AppendText(L"one\rtwo", 4);
+  a->AppendText(L"\r");
+  EXPECT_WIDE_EQ(L"one\r\r", a->GetText());
+  EXPECT_WIDE_EQ(L"urn:a", a->GetNamespaceURI());
+  EXPECT_WIDE_EQ(L"", b->GetLocalName());
+  EXPECT_EQ(b, root->RemoveLastChildElement());
+  EXPECT_EQ(nullptr, a->GetNextSiblingElement());
+  EXPECT_EQ(a, root->RemoveLastChildElement());
+  EXPECT_EQ(nullptr, root->GetFirstElement());
+  document.EndElement();
+  EXPECT_RK_THROWS(CRkException, L"There is no open element to end.", document.EndElement());
+  EXPECT_RK_THROWS(CRkException, L"A child element needs an open element.", document.AddChildElement(L"", L"c"));
+}
+
+}  // namespace
+}  // namespace RkXmlLib16

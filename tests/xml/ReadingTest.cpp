@@ -1,0 +1,345 @@
+#include <gtest/gtest.h>
+#include <pthread.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <fstream>
+#include <functional>
+#include <string>
+
+#include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/support/Encoder.h"
+#include "RkXmlLib16/support/Zip.h"
+#include "RkXmlLib16/xml/ElementTree.h"
+#include "RkXmlLib16/xml/XmlTextWriter.h"
+#include "tests/Expect.h"
+
+namespace RkXmlLib16 {
+namespace {
+
+void LoadBytes(CXmlDocument& document, const std::string& bytes) {
+  document.LoadXmlStream(reinterpret_cast<unsigned char*>(const_cast<char*>(bytes.data())), bytes.size());
+}
+
+// The tree as one text: {uri}name[@{uri}name=value...](text)<children>.
+std::wstring Shown(const CXmlElement* element) {
+  const auto name = [](const CXmlText& uri, const CXmlText& local) {
+    return (uri.empty() ? std::wstring() : L"{" + uri.ToString() + L"}") + local.ToString();
+  };
+  std::wstring text = name(element->GetNamespaceURI(), element->GetLocalName());
+  for (const CXmlAttribute* a : element->GetAttributes())
+    text += L"@" + name(a->GetNamespaceURI(), a->GetLocalName()) + L"=" + a->GetValue().ToString();
+  text += L"(" + element->GetText().ToString() + L")";
+  for (const CXmlElement* e = element->GetFirstElement(); e != nullptr; e = e->GetNextSiblingElement())
+    text += L"<" + Shown(e) + L">";
+  return text;
+}
+
+std::wstring Read(const std::string& bytes,
+                  const CSerializationContext& context = CSerializationContext::m_defaultContext) {
+  CXmlDocument document(context);
+  LoadBytes(document, bytes);
+  return Shown(document.GetDocumentElement());
+}
+
+TEST(Reading, BuildsTheTree) {
+  CSerializationContext raw;
+  raw.SetStripCDATA(false);
+  CSerializationContext noNamespaces;
+  noNamespaces.SetSchemaType(SchemaType_NoNamespaces);
+  const struct {
+    const char* xml;
+    const wchar_t* tree;
+    const CSerializationContext& context = CSerializationContext::m_defaultContext;
+  } rows[] = {
+      {"<a>1<b/>2</a>", L"a(12)<b()>"},
+      {"<a>1\r\n2\r3&#13;4&#xD;&#xA;5</a>", L"a(1\n2\n34\n5)"},
+      {"<a x='1&#13;2&#10;3'/>", L"a@x=1\r2\n3()"},
+      {"<a xmlns='u' xmlns:p='v' x='1' p:y='2'><p:b/><c xmlns=''/></a>", L"{u}a@x=1@{v}y=2()<{v}b()><c()>"},
+      {"<a xml:lang='de'/>", L"a@{http://www.w3.org/XML/1998/namespace}lang=de()"},
+      {"<p:a xmlns:p='u' p:x='1'/>", L"p:a@xmlns:p=u@p:x=1()", noNamespaces},
+      {"<a>1<![CDATA[<&]]>2</a>", L"a(1<&2)"},
+      {"<a>1<![CDATA[<&]]>2</a>", L"a(1<![CDATA[<&]]>2)", raw},
+      {"<?xml version='1.0' encoding='ISO-8859-1'?><a>\xE9</a>", L"a(\xE9)"},
+      {"\xEF\xBB\xBF<a>\xC3\xA9\xE2\x82\xAC</a>", L"a(\xE9\x20AC)"},
+      {"<a>\xF0\x9F\x98\x80</a>", L"a(\xD83D\xDE00)"},
+      {"<!DOCTYPE a [<!ENTITY e 'x<b/>'><!ATTLIST a d CDATA 'dv' e CDATA ''>]><a>&e;</a>", L"a@d=dv@e=(x)<b()>"},
+      {"<!DOCTYPE a [<!ENTITY e SYSTEM 'file:///etc/passwd'>]><a>1&e;2</a>", L"a(12)"},
+  };
+  for (const auto& row : rows) EXPECT_WIDE_EQ(row.tree, Read(row.xml, row.context)) << row.xml;
+}
+
+TEST(Reading, LaterAliasesWin) {
+  CXmlDocument document;
+  LoadBytes(document, "<a xmlns='u1' xmlns:p='u2'><b xmlns:p='u3' xmlns=''/><p:c/></a>");
+  EXPECT_WIDE_EQ(L"u3", document.LookupNamespaceFromAlias(L"p"));
+  EXPECT_WIDE_EQ(L"", document.LookupNamespaceFromAlias(L""));
+  EXPECT_WIDE_EQ(L"/a/c", document.GetDocumentElement()->GetFirstElement()->GetNextSiblingElement()->GetXPath());
+  document.Cleanup();
+  EXPECT_WIDE_EQ(L"", document.LookupNamespaceFromAlias(L"p"));
+  EXPECT_EQ(nullptr, document.GetDocumentElement());
+}
+
+// Names in a namespace are recognised by where the parser keeps them; declarations of equal length come and go here,
+// and long names make the parser move its buffers.
+TEST(Reading, TellsNamespacesApartWhereverTheParserKeepsThem) {
+  for (const std::size_t uriLength : {4u, 300u, 5000u}) {
+    std::string xml = "<r>";
+    std::wstring tree = L"r()";
+    for (int i = 0; i < 300; ++i) {
+      const std::string uri = std::string(uriLength, 'u') + std::to_string(1000 + i % 7);
+      const std::string other = std::string(uriLength, 'u') + std::to_string(2000 + i % 5);
+      const std::string local = "n" + std::string(static_cast<std::size_t>(i), 'x');
+      xml +=
+          "<p:" + local + " xmlns:p='" + uri + "' xmlns:q='" + other + "'><q:" + local + "/><p:n/></p:" + local + ">";
+      const std::wstring u(uri.begin(), uri.end());
+      const std::wstring o(other.begin(), other.end());
+      const std::wstring n(local.begin(), local.end());
+      tree += L"<{" + u + L"}" + n + L"()<{" + o + L"}" + n + L"()><{" + u + L"}n()>>";
+    }
+    EXPECT_TRUE(tree == Read(xml + "</r>")) << uriLength;
+  }
+}
+
+TEST(Reading, RunsOfEveryLengthAreWidenedWhole) {
+  std::string text;
+  for (int length = 0; length < 100; ++length) {
+    const std::wstring wide(text.begin(), text.end());
+    EXPECT_WIDE_EQ(L"a@v=" + wide + L"(" + wide + L"\xE9)", Read("<a v='" + text + "'>" + text + "&#13;\xC3\xA9</a>"));
+    text += static_cast<char>('a' + length % 26);
+  }
+}
+
+TEST(Reading, LongInputIsReadAsOne) {
+  std::string xml = "<r>";
+  std::wstring tree;
+  for (int i = 0; xml.size() < 3000000; ++i) {
+    const std::string number = std::to_string(i);
+    const std::wstring wide(number.begin(), number.end());
+    xml += "<e a='\xE2\x82\xAC" + number + "'>\xF0\x9F\x98\x80&amp;" + number + "</e>";
+    tree += L"<e@a=\x20AC" + wide + L"(\xD83D\xDE00&" + wide + L")>";
+  }
+  const std::string longText(2000000, 't');
+  EXPECT_TRUE(L"r(" + std::wstring(longText.begin(), longText.end()) + L")" + tree == Read(xml + longText + "</r>"));
+}
+
+TEST(Reading, AcceptsAllByteForms) {
+  const std::wstring xml = L"<a>" + std::wstring(200, L'\xE9') + L"</a>";
+  const std::wstring tree = L"a(" + std::wstring(200, L'\xE9') + L")";
+  for (const CompressionType type : {CompressionType_None, CompressionType_GZip, CompressionType_ZLib}) {
+    CBinaryData data = CEncoder::UnicodeToUtf8Binary(xml);
+    CRkZip::CompressData(data, type);
+    CXmlDocument document;
+    document.LoadXmlStream(data.GetData(), data.GetLength());
+    EXPECT_WIDE_EQ(tree, Shown(document.GetDocumentElement()));
+    if (type == CompressionType_None) continue;
+    EXPECT_RK_THROWS(CRkException, L"not well-formed (invalid token) at line 1",
+                     document.LoadXmlStream(data.GetData(), data.GetLength() - 1));
+  }
+  for (const bool bigEndian : {false, true}) {
+    std::string bytes;
+    for (const wchar_t c : L"\xFEFF" + xml) {
+      const char low = static_cast<char>(c);
+      const char high = static_cast<char>(c >> 8);
+      bytes += bigEndian ? high : low;
+      bytes += bigEndian ? low : high;
+    }
+    EXPECT_WIDE_EQ(tree, Read(bytes));
+  }
+}
+
+TEST(Reading, WideTextLosesHighBitsIntended) {
+  CXmlDocument document;
+  document.LoadXml(L"<a>\xE9\x1F600</a>");
+  EXPECT_WIDE_EQ(L"a(\xE9\xF600)", Shown(document.GetDocumentElement()));
+  document.LoadXml(
+      L"<a>\x1003C"
+      L"b/></a>");
+  EXPECT_WIDE_EQ(L"a()<b()>", Shown(document.GetDocumentElement()));
+}
+
+TEST(Reading, OwnWideTextStaysWhole) {
+  CXmlDocument document;
+  document.LoadXmlWide(L"<a>\xE9\x1F600\x1003C\x110000</a>");
+  EXPECT_WIDE_EQ(L"a(\xE9\xD83D\xDE00\xD800\xDC3C\xFFFD)", Shown(document.GetDocumentElement()));
+}
+
+TEST(Reading, DeclaredEncodingOfWideTextMustFitIntended) {
+  CXmlDocument document;
+  document.LoadXml(L"<?xml version='1.0'?><a/>");
+  EXPECT_RK_THROWS(CRkException, L"encoding specified in XML declaration is incorrect at line 1",
+                   document.LoadXml(L"<?xml version='1.0' encoding='UTF-8'?><a/>"));
+}
+
+TEST(Reading, TellsWhatIsWrong) {
+  CXmlDocument d;
+  EXPECT_RK_THROWS(CRkException, L"XML String is empty!", d.LoadXml(""));
+  EXPECT_RK_THROWS(CRkException, L"XML String is empty!", d.LoadXml(L""));
+  EXPECT_RK_THROWS(CRkException, L"XML String is empty!", d.LoadXml(static_cast<const wchar_t*>(nullptr)));
+  EXPECT_RK_THROWS(CRkException, L"XML Stream is empty!", d.LoadXmlStream(nullptr, 0));
+  EXPECT_RK_THROWS(CRkException, L"JSON String is empty!", d.LoadJson(""));
+  EXPECT_RK_THROWS(CRkException, L"JSON String is empty!", d.LoadJson(L""));
+  EXPECT_RK_THROWS(CRkException, L"JSON Stream is empty!", d.LoadJsonStream(nullptr, 0));
+
+  const struct {
+    const char* xml;
+    const wchar_t* message;
+  } rows[] = {{"<a>\n<b></a>", L"mismatched tag at line 2"},
+              {"<a>", L"no element found at line 1"},
+              {"text", L"syntax error at line 1"},
+              {"\n<a/><b/>", L"junk after document element at line 2"},
+              {"<p:a/>", L"unbound prefix at line 1"},
+              {"<a x='1' x='2'/>", L"duplicate attribute at line 1"},
+              {"<a>&#0;</a>", L"reference to invalid character number at line 1"},
+              {"<a>&lol;</a>", L"undefined entity at line 1"},
+              {"<r>\n<a xmlns='u|v'/></r>", L"A namespace URI contains the character '|' at line 2"},
+              {"<p:r xmlns:p='|'/>", L"A namespace URI contains the character '|' at line 1"}};
+  for (const auto& row : rows) EXPECT_RK_THROWS(CRkException, row.message, LoadBytes(d, row.xml));
+  LoadBytes(d, "<ok/>");
+  EXPECT_WIDE_EQ(L"ok()", Shown(d.GetDocumentElement()));
+}
+
+TEST(Reading, FilesThatCannotBeReadSayWhy) {
+  CXmlDocument d;
+  EXPECT_RK_THROWS(CRkException, L"Failed to open the file [/no/such/file].", d.Load(L"/no/such/file"));
+  EXPECT_RK_THROWS(CRkException, L"Failed to open the file [].", d.Load(nullptr));
+  EXPECT_RK_THROWS(CRkException,
+                   L"Failed to read the contents of the file [/tmp] Error [" + std::to_wstring(EISDIR) + L"]",
+                   d.Load(L"/tmp"));
+  EXPECT_RK_THROWS(CRkException, L"Failed to read the contents of the file [/dev/null] Error [0]",
+                   d.LoadJsonFile(L"/dev/null"));
+
+  const std::string name = ::testing::TempDir() + "rkxml_reading_test.xml";
+  std::ofstream(name) << "<a>1</a>";
+  d.Load(std::wstring(name.begin(), name.end()).c_str());
+  EXPECT_WIDE_EQ(L"a(1)", Shown(d.GetDocumentElement()));
+  ::unlink(name.c_str());
+  int pipe[2];
+  ASSERT_EQ(0, ::pipe(pipe));
+  const std::wstring pipeName = L"/dev/fd/" + std::to_wstring(pipe[0]);
+  EXPECT_RK_THROWS(CRkException,
+                   L"Failed to get the size of the file [" + pipeName + L"] Error [" + std::to_wstring(ESPIPE) + L"]",
+                   d.Load(pipeName.c_str()));
+  ::close(pipe[0]);
+  ::close(pipe[1]);
+}
+
+TEST(Reading, HoldsTheLimits) {
+  CSerializationContext c;
+  c.GetLimits().SetMaxElementDepth(2);
+  EXPECT_RK_THROWS(CRkException, L"Limit exceeded: element depth 2.\nPath: /a/b", Read("<a><b><c/></b></a>", c));
+  EXPECT_WIDE_EQ(L"a()<b()><b()>", Read("<a><b/><b/></a>", c));
+  c.GetLimits().SetMaxNodes(3);
+  EXPECT_RK_THROWS(CRkException, L"Limit exceeded: elements and attributes 3.\nPath: /a",
+                   Read("<a x=''><b/><b/></a>", c));
+  c.GetLimits().SetMaxNodes(0);
+  c.GetLimits().SetMaxCharacters(10);
+  EXPECT_RK_THROWS(CRkException, L"Limit exceeded: characters 10.\nPath: /a", Read("<a>1234567890</a>", c));
+  c.GetLimits().SetMaxInflatedBytes(1000);
+  CBinaryData data = CEncoder::UnicodeToUtf8Binary(L"<a>" + std::wstring(1000, L'x') + L"</a>");
+  CRkZip::CompressData(data, CompressionType_GZip);
+  CXmlDocument document(c);
+  EXPECT_RK_THROWS(CRkException, L"Limit exceeded: inflated bytes 1000.",
+                   document.LoadXmlStream(data.GetData(), data.GetLength()));
+}
+
+TEST(Reading, BoundsWhatADtdCanDo) {
+  std::string nested = "<!DOCTYPE a [<!ENTITY e0 'x'>";
+  for (int i = 1; i <= 20000; ++i) nested += "<!ENTITY e" + std::to_string(i) + " '&e" + std::to_string(i - 1) + ";'>";
+  EXPECT_RK_THROWS(CRkException, L"Limit exceeded: entities that refer to entities 200.",
+                   Read(nested + "]><a>&e20000;</a>"));
+  // One long default on many elements is held once.
+  std::string defaults = "<!DOCTYPE a [<!ATTLIST b x CDATA '" + std::string(100000, 'x') + "'>]><a>";
+  for (int i = 0; i < 10000; ++i) defaults += "<b/>";
+  CXmlDocument document;
+  LoadBytes(document, defaults + "</a>");
+  const CXmlElement* const b = document.GetDocumentElement()->GetFirstElement();
+  EXPECT_EQ(100000u, b->GetAttribute(L"x", L"").size());
+  EXPECT_EQ(b->GetAttribute(L"x", L"").data(), b->GetNextSiblingElement()->GetAttribute(L"x", L"").data());
+}
+
+// Runs in a thread with a small stack.
+void RunInSmallStack(std::function<void()> work) {
+  pthread_attr_t attributes;
+  pthread_attr_init(&attributes);
+  pthread_attr_setstacksize(&attributes, 256 * 1024);
+  pthread_t thread;
+  ASSERT_EQ(0, pthread_create(
+                   &thread, &attributes,
+                   [](void* w) -> void* {
+                     (*static_cast<std::function<void()>*>(w))();
+                     return nullptr;
+                   },
+                   &work));
+  pthread_join(thread, nullptr);
+  pthread_attr_destroy(&attributes);
+}
+
+TEST(Reading, DepthNeedsNoStack) {
+  RunInSmallStack([] {
+    constexpr int kDepth = 100000;
+    CTextStream stream(XmlEncoding_UTF8);
+    {
+      CXmlTextWriter writer(stream);
+      writer.SetFormat(false);
+      for (int i = 0; i < kDepth; ++i) writer.WriteStartElement(L"a", L"u");
+      for (int i = 0; i < kDepth; ++i) writer.WriteEndElement();
+      CXmlTextWriter unfinished(stream);
+      for (int i = 0; i < 1000; ++i) unfinished.WriteStartElement(L"a", L"u");
+    }
+    CTextStream whole(XmlEncoding_UTF8);
+    CXmlTextWriter writer(whole);
+    writer.SetFormat(false);
+    for (int i = 0; i < kDepth; ++i) writer.WriteStartElement(L"a", L"");
+    for (int i = 0; i < kDepth; ++i) writer.WriteEndElement();
+    const CBinaryData bytes = whole.GetEncodedStream();
+    CXmlDocument document;
+    document.LoadXmlStream(bytes.GetData(), bytes.GetLength());
+    const CXmlElement* element = document.GetDocumentElement();
+    int depth = 1;
+    for (; element->GetFirstElement() != nullptr; ++depth) element = element->GetFirstElement();
+    EXPECT_EQ(kDepth, depth);
+    EXPECT_EQ(2u * kDepth, element->GetXPath().size());
+  });
+}
+
+int seen = 0;
+
+TEST(Reading, FilterKeepsMemoryBounded) {
+  constexpr int kRecords = 100000;
+  const std::string text(500, 't');
+  std::string xml = "<all><keep/>";
+  for (int i = 0; i < kRecords; ++i) xml += "<record a='v'><n>" + text + "</n></record>";
+  xml += "<keep>end</keep></all>";
+
+  seen = 0;
+  CXmlDocument document(+[](CXmlElement* element) {
+    if (element->GetLocalName() == L"n") return false;
+    if (element->GetLocalName() == L"record") ++seen;
+    return element->GetLocalName() != L"keep";
+  });
+  rusage before{};
+  getrusage(RUSAGE_SELF, &before);
+  LoadBytes(document, xml);
+  rusage after{};
+  getrusage(RUSAGE_SELF, &after);
+  EXPECT_EQ(kRecords, seen);
+  EXPECT_WIDE_EQ(L"all()<keep()><keep(end)>", Shown(document.GetDocumentElement()));
+#ifndef __SANITIZE_ADDRESS__
+  EXPECT_LT(after.ru_maxrss - before.ru_maxrss, 20 * 1024);  // kilobytes; the whole tree is over 200 MB
+#endif
+}
+
+TEST(Reading, FilterMayBuildAndIsNotAskedOfTheRoot) {
+  CXmlDocument document(+[](CXmlElement* element) {
+    element->GetParentElement()->AppendText(element->GetText().c_str());
+    return true;
+  });
+  LoadBytes(document, "<a><b>1<c>2</c></b><d>3</d>4</a>");
+  EXPECT_WIDE_EQ(L"a(1234)", Shown(document.GetDocumentElement()));
+}
+
+}  // namespace
+}  // namespace RkXmlLib16

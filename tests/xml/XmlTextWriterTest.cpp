@@ -1,0 +1,264 @@
+#include "RkXmlLib16/xml/XmlTextWriter.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "tests/Expect.h"
+
+namespace RkXmlLib16 {
+namespace {
+
+// What `write` makes of an open writer; plain means not formatted.
+std::wstring Written(const std::function<void(CXmlTextWriter&)>& write, bool formatted = false) {
+  CTextStream stream;
+  CXmlTextWriter writer(stream);
+  writer.Open();
+  writer.SetFormat(formatted);
+  write(writer);
+  writer.Close();
+  return stream.GetText();
+}
+
+void WriteElement(CXmlTextWriter& w, const std::wstring& name, const std::wstring& uri,
+                  const std::wstring& text = L"") {
+  w.WriteStartElement(name, uri);
+  w.WriteString(text, ItemType_string);
+  w.WriteEndElement();
+}
+
+TEST(XmlTextWriter, PutsElementsOnIndentedLines) {
+  EXPECT_WIDE_EQ(L"<order id=\"7\">\n\t<item>pen</item>\n\t<gift/>\n\t<box>\n\t\t<item/>\n\t</box>\n</order>\n",
+                 Written(
+                     [](CXmlTextWriter& w) {
+                       w.WriteStartElement(L"order", L"");
+                       w.WriteAttributeString(L"id", L"", L"7", ItemType_int);
+                       WriteElement(w, L"item", L"", L"pen");
+                       WriteElement(w, L"gift", L"");
+                       w.WriteStartElement(L"box", L"");
+                       WriteElement(w, L"item", L"");
+                       w.WriteEndElement();
+                       w.WriteEndElement();
+                     },
+                     true));
+}
+
+TEST(XmlTextWriter, KeepsTextBesideChildrenInPlace) {
+  const auto mixed = [](CXmlTextWriter& w) {
+    w.SetIndentChars(L"  ");
+    w.SetEOLType(EOLType_CRLF);
+    w.WriteStartElement(L"a", L"");
+    w.WriteString(L"x", ItemType_string);
+    WriteElement(w, L"b", L"");
+    w.WriteEndElement();
+  };
+  EXPECT_WIDE_EQ(L"<a>x  <b/>\r\n</a>\r\n", Written(mixed, true));
+  EXPECT_WIDE_EQ(L"<a>x<b/></a>", Written(mixed));
+}
+
+TEST(XmlTextWriter, WritesTheDeclarationForTheEncoding) {
+  const struct {
+    XmlEncoding encoding;
+    const wchar_t* declaration;
+  } rows[] = {{XmlEncoding_None, L"<?xml version=\"1.0\"?>\n"},
+              {XmlEncoding_UTF8, L"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"},
+              {XmlEncoding_UTF16, L"<?xml version=\"1.0\" encoding=\"UTF-16\"?>\n"},
+              {XmlEncoding_Wide, L"<?xml version=\"1.0\"?>\n"}};
+  for (const auto& row : rows) {
+    CTextStream stream(row.encoding);
+    CXmlTextWriter writer(stream);
+    writer.SetFormat(false);
+    writer.WriteStartDocument();
+    EXPECT_WIDE_EQ(row.declaration, stream.GetText());
+  }
+}
+
+TEST(XmlTextWriter, EscapesTextAndAttributes) {
+  const struct {
+    const wchar_t* value;
+    const wchar_t* text;
+    const wchar_t* attribute;
+  } rows[] = {
+      {L"a & b < c > d", L"a &amp; b &lt; c &gt; d", L"a &amp; b &lt; c &gt; d"},
+      {L"\"it's\"", L"\"it's\"", L"&quot;it's&quot;"},
+      {L"1\r\n2\n3\r4", L"1\r\n2\r\n34", L"1&#xA;2&#xA;34"},
+      {L"\t\x1\x20AC\x1F600", L"\t\x1\x20AC\x1F600", L"\t\x1\x20AC\x1F600"},
+      {L"<![CDATA[<&>]]>&", L"<![CDATA[<&>]]>&", L"&lt;![CDATA[&lt;&amp;&gt;]]&gt;&amp;"},
+      {L"x<![CDATA[", L"x&lt;![CDATA[", L"x&lt;![CDATA["},
+  };
+  for (const auto& row : rows) {
+    const std::wstring written = Written([&](CXmlTextWriter& w) {
+      w.SetEOLType(EOLType_CRLF);
+      w.WriteStartElement(L"e", L"");
+      w.WriteAttributeString(L"a", L"", row.value, ItemType_string);
+      w.WriteString(row.value, ItemType_string);
+      w.WriteEndElement();
+    });
+    EXPECT_WIDE_EQ(std::wstring(L"<e a=\"") + row.attribute + L"\">" + row.text + L"</e>", written);
+  }
+  EXPECT_WIDE_EQ(L"<e>ab</e>", Written([](CXmlTextWriter& w) { WriteElement(w, L"e", L"", {L'a', L'b', 0, L'c'}); }));
+}
+
+TEST(XmlTextWriter, WritesWhatStandsAroundTheRoot) {
+  EXPECT_WIDE_EQ(L"<!DOCTYPE e>\n<!--a &amp; b-->\n<?go now?>\n\n<e> \n<schema/>\n<raw/></e><?end?>\n",
+                 Written([](CXmlTextWriter& w) {
+                   w.WriteHeaderDirective(L"<!DOCTYPE e>");
+                   w.WriteComment(L"a & b");
+                   w.WritePI(L"<?go now?>");
+                   w.WriteStartElement(L"e", L"");
+                   w.WriteInlineSchema(L"<schema/>");
+                   w.WriteRawElement(L"<raw/>");
+                   w.WriteEndElement();
+                   w.WriteHeaderDirective(L"<?end?>");
+                 }));
+}
+
+TEST(XmlTextWriter, LeavesTheStartTagOpenAtACommentIntended) {
+  EXPECT_WIDE_EQ(L"<e<!--c-->\n/>", Written([](CXmlTextWriter& w) {
+                   w.WriteStartElement(L"e", L"");
+                   w.WriteComment(L"c");
+                   w.WriteEndElement();
+                 }));
+}
+
+TEST(XmlTextWriter, DeclaresGivenNamespacesOnTheRootInOrderOfTheirUris) {
+  EXPECT_WIDE_EQ(L"<e xmlns=\"urn:d&amp;\" xmlns:q=\"urn:1\" xmlns:p=\"urn:2\" q:a=\"v\"><p:c/><e/></e>",
+                 Written([](CXmlTextWriter& w) {
+                   w.AddNamespace(L"gone", L"urn:2");
+                   w.AddNamespace(L"p", L"urn:2");
+                   w.AddNamespace(L"q", L"urn:1");
+                   w.SetDefaultNamespace(L"urn:d&");
+                   w.WriteStartElement(L"e", L"urn:d&");
+                   w.WriteAttributeString(L"a", L"urn:1", L"v", ItemType_string);
+                   WriteElement(w, L"c", L"urn:2");
+                   WriteElement(w, L"e", L"urn:d&");
+                   w.WriteEndElement();
+                 }));
+}
+
+TEST(XmlTextWriter, TakesAnEmptyAliasForTheDefaultNamespace) {
+  const auto write = [](CXmlTextWriter& w) {
+    w.AddNamespace(L"", L"urn:1");
+    w.AddNamespace(L"", L"urn:2");
+    w.WriteStartElement(L"e", L"urn:1");
+    w.WriteAttributeString(L"a", L"urn:1", L"v", ItemType_string);
+    WriteElement(w, L"c", L"urn:2");
+    w.WriteEndElement();
+  };
+  EXPECT_WIDE_EQ(L"<e xmlns=\"urn:1\" xmlns:AA=\"urn:1\" AA:a=\"v\"><AB:c xmlns:AB=\"urn:2\"/></e>", Written(write));
+  EXPECT_WIDE_EQ(L"<AA:e xmlns:AA=\"urn:1\" xmlns=\"urn:0\" AA:a=\"v\"><AB:c xmlns:AB=\"urn:2\"/></AA:e>",
+                 Written([&](CXmlTextWriter& w) {
+                   w.SetDefaultNamespace(L"urn:0");
+                   write(w);
+                 }));
+}
+
+TEST(XmlTextWriter, InventsPrefixesThatEndWithTheirElement) {
+  EXPECT_WIDE_EQ(
+      L"<AA:r xmlns:AA=\"u1\"><AA:a/><AB:b xmlns:AB=\"u2\"><AC:c xmlns:AC=\"u3\" AB:x=\"\"/></AB:b>"
+      L"<AB:d xmlns:AB=\"u3\" xmlns:AC=\"u2\" AC:y=\"\"/></AA:r>",
+      Written([](CXmlTextWriter& w) {
+        w.WriteStartElement(L"r", L"u1");
+        WriteElement(w, L"a", L"u1");
+        w.WriteStartElement(L"b", L"u2");
+        w.WriteStartElement(L"c", L"u3");
+        w.WriteAttributeString(L"x", L"u2", L"", ItemType_string);
+        w.WriteEndElement();
+        w.WriteEndElement();
+        w.WriteStartElement(L"d", L"u3");
+        w.WriteAttributeString(L"y", L"u2", L"", ItemType_string);
+        w.WriteEndElement();
+        w.WriteEndElement();
+      }));
+  EXPECT_WIDE_EQ(L"<AB:r xmlns:AB=\"u1\" xmlns:AA=\"u0\"/>", Written([](CXmlTextWriter& w) {
+                   w.AddNamespace(L"AA", L"u0");
+                   WriteElement(w, L"r", L"u1");
+                 }));
+}
+
+TEST(XmlTextWriter, EndsAnElementByTheNameItStartedWith) {
+  EXPECT_WIDE_EQ(L"<AA:r xmlns:AA=\"u1\"><p:c/></AA:r>", Written([](CXmlTextWriter& w) {
+                   w.WriteStartElement(L"r", L"u1");
+                   w.AddNamespace(L"p", L"u1");
+                   WriteElement(w, L"c", L"u1");
+                   w.SetDefaultNamespace(L"u1");
+                   w.WriteEndElement();
+                 }));
+}
+
+TEST(XmlTextWriter, KeepsTwoBlanksAfterAnInventedTypePrefixIntended) {
+  const std::wstring xsi = CXmlWriter::XSI_NAMESPACE;
+  EXPECT_WIDE_EQ(L"<r xmlns=\"d\"><a xmlns:AA=\"t\"  xmlns:AB=\"" + xsi + L"\" AB:type=\"AA:T\"/><b xmlns:AA=\"" + xsi +
+                     L"\" AA:type=\"T\" AA:nil=\"true\"/></r>",
+                 Written([](CXmlTextWriter& w) {
+                   w.SetDefaultNamespace(L"d");
+                   w.WriteStartElement(L"r", L"");
+                   w.WriteStartElement(L"a", L"");
+                   w.WriteAttributeType(L"t", L"T", ItemType_string);
+                   w.WriteEndElement();
+                   w.WriteStartElement(L"b", L"");
+                   w.WriteAttributeType(L"d", L"T", ItemType_string);
+                   w.WriteAttributeNil();
+                   w.WriteEndElement();
+                   w.WriteEndElement();
+                 }));
+}
+
+TEST(XmlTextWriter, RefusesMisuse) {
+  CTextStream stream;
+  CXmlTextWriter w(stream);
+  const wchar_t* const late = L"Attributes must be added before elements";
+  EXPECT_RK_THROWS(CRkException, late, w.WriteAttributeString(L"a", L"", L"", ItemType_string));
+  EXPECT_RK_THROWS(CRkException, L"There is no open Element to end.", w.WriteEndElement());
+  w.WriteString(L"", ItemType_string);
+  EXPECT_RK_THROWS(CRkException, L"Text must be written inside an Element.", w.WriteString(L"x", ItemType_string));
+  EXPECT_RK_THROWS(CRkException, L"Invalid EOL type.", w.SetEOLType(static_cast<EOLType>(2)));
+  EXPECT_EQ(EOLType_LF, w.GetEOLType());
+  w.WriteStartElement(L"e", L"");
+  w.WriteString(L"x", ItemType_string);
+  EXPECT_RK_THROWS(CRkException, late, w.WriteAttributeString(L"a", L"", L"", ItemType_string));
+  EXPECT_RK_THROWS(CRkException, late, w.WriteAttributeType(L"", L"T", ItemType_string));
+  EXPECT_RK_THROWS(CRkException, late, w.WriteAttributeNil());
+  EXPECT_RK_THROWS(CRkException, L"Headed directives must appear before an Element has been added.",
+                   w.WriteHeaderDirective(L"<!DOCTYPE e>"));
+  EXPECT_RK_THROWS(CRkException, L"An Element has not been closed.", w.Close());
+  EXPECT_WIDE_EQ(L"<e>x", stream.GetText());
+}
+
+TEST(XmlWriter, InventsPrefixesPastTheAlphabetIntended) {
+  EXPECT_WIDE_EQ(L"AA", CXmlWriter::NsIntToString(0));
+  EXPECT_WIDE_EQ(L"AZ", CXmlWriter::NsIntToString(25));
+  EXPECT_WIDE_EQ(L"BA", CXmlWriter::NsIntToString(26));
+  EXPECT_WIDE_EQ(L"[A", CXmlWriter::NsIntToString(676));
+  EXPECT_WIDE_EQ(L"AB", CXmlWriter::GetUniquePrefix({{L"u", L"AA"}, {L"v", L"AC"}, {L"w", L"ABC"}}));
+}
+
+TEST(XmlWriterContext, ScopesShareAndShadowDeclarations) {
+  using Context = CXmlWriter::CXmlWriterContext;
+  auto root = std::make_unique<Context>(L"r", L"", L"d", CXmlWriter::NamespaceMap{{L"u1", L"p"}}, nullptr);
+  auto inner = std::make_unique<Context>(L"i", L"", std::move(root));
+  Context leaf(L"l", L"", std::move(inner));
+  const Context& middle = *leaf.m_parent;
+
+  EXPECT_EQ(2, leaf.m_depth);
+  EXPECT_EQ(nullptr, leaf.FindPrefix(L"u2"));
+  EXPECT_WIDE_EQ(L"", leaf.GetNamespaceMapValue(L"u2"));  // lands in the scope in effect, the root's
+  EXPECT_WIDE_EQ(L"", *middle.FindPrefix(L"u2"));
+
+  leaf.SetNamespaceMapValue(L"u1", L"q");
+  EXPECT_WIDE_EQ(L"q", leaf.GetNamespaceMapValue(std::wstring(L"u1")));
+  EXPECT_WIDE_EQ(L"p", *middle.FindPrefix(L"u1"));
+  EXPECT_WIDE_EQ(L"d", leaf.GetDefaultNamespace());
+  leaf.SetDefaultNamespace(L"e");
+  EXPECT_WIDE_EQ(L"d", middle.GetDefaultNamespace());
+  EXPECT_EQ((CXmlWriter::NamespaceMap{{L"u1", L"q"}, {L"u2", L""}}), leaf.GetNamespaceMap());
+
+  // A prefix that was shadowed is free again.
+  leaf.SetNamespaceMapValue(L"u3", L"AA");
+  leaf.SetNamespaceMapValue(L"u3", L"AB");
+  EXPECT_WIDE_EQ(L"AA", leaf.InventPrefix(L"u4"));
+  EXPECT_WIDE_EQ(L"AC", leaf.InventPrefix(L"u5"));
+}
+
+}  // namespace
+}  // namespace RkXmlLib16
