@@ -148,13 +148,28 @@ class CElement::TreeWriter {
         open.pop_back();
         continue;
       }
-      const CElement& child = *parent.m_children[open.back().nextChild++];
+      const std::size_t index = open.back().nextChild++;
+      const CElement& child = *parent.m_children[index];
+      MarkRun(parent, index);
       Start(child, false);
       open.push_back({&child, 0});
     }
   }
 
  private:
+  // Elements of one name in a row are a collection to writers that have a form for it.
+  void MarkRun(const CElement& parent, std::size_t index) {
+    const Children& children = parent.m_children;
+    const bool continues = index > 0 && HaveSameName(*children[index - 1], *children[index]);
+    const bool goesOn = index + 1 < children.size() && HaveSameName(*children[index], *children[index + 1]);
+    if (!continues) m_writer.SetContextState(goesOn ? ContextState_CollectionStart : ContextState_CollectionEnd);
+  }
+
+  static bool HaveSameName(const CElement& a, const CElement& b) {
+    return a.m_elementName == b.m_elementName &&
+           (a.m_namespaceUri == b.m_namespaceUri || std::wcscmp(a.GetNamespace(), b.GetNamespace()) == 0);
+  }
+
   void Start(const CElement& element, bool isRoot) {
     if (element.m_elementName.empty()) throw CRkInvalidStateException(L"The element has no name.");
     if (isRoot) WritePrologue(element);

@@ -130,7 +130,7 @@ run 0 convert --from json wanted names2.xml
 run 0 convert --compact --to json names2.xml -
 same out wanted
 run 0 convert --mode 0 --compact --to json small.xml -
-printf '{"a": {"b": "x","b": {"y": "1"}}}' >wanted
+printf '{"a": {"b": "x","b": [{"y": "1"}]}}' >wanted
 same out wanted
 printf '[{"n":1},{"n":2}]' >list.json
 refuses 1 'JSON Array has no Name.' show list.json
