@@ -297,7 +297,7 @@ void CJsonTextWriter::CloseArray(CXmlWriterContext& owner, Frame& frame, bool at
     PutLine();
     PutIndent(owner.m_depth);
     --owner.m_depth;
-    if (atEnd && owner.m_parent != nullptr) --owner.m_parent->m_depth;
+    if (atEnd && !m_strict && owner.m_parent != nullptr) --owner.m_parent->m_depth;
   }
   Put(L"]");
 }

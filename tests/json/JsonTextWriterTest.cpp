@@ -328,6 +328,16 @@ TEST(JsonTextWriter, IndentsAnArrayAndWhatFollowsIt) {
 
 // An array that is last takes one level of indentation from what follows its owner.
 TEST(JsonTextWriter, AnArrayAtTheEndOfItsOwnerShiftsWhatFollowsIntended) {
+  const Calls calls = InRoot([](CXmlWriter& w) {
+    w.WriteStartElement(L"g", L"");
+    w.SetContextState(ContextState_CollectionStart);
+    Object(w, L"i", L"n", L"1");
+    w.SetContextState(ContextState_CollectionEnd);
+    w.WriteEndElement();
+    Leaf(w, L"e", L"2", ItemType_int);
+  });
+  const std::wstring strict = Write({JsonRoundTrip_Markers, true, true}, calls);
+  EXPECT_WIDE_EQ(L"\t\t},\n\t\t\"e\": 2\n\t}\n}", strict.substr(strict.size() - 18));
   EXPECT_WIDE_EQ(
       L"{\n"
       L"\t\"r\": {\n"
@@ -341,14 +351,7 @@ TEST(JsonTextWriter, AnArrayAtTheEndOfItsOwnerShiftsWhatFollowsIntended) {
       L"\t\"e\": 2\n"
       L"}\n"
       L"}",
-      Write({JsonRoundTrip_Markers, true}, InRoot([](CXmlWriter& w) {
-              w.WriteStartElement(L"g", L"");
-              w.SetContextState(ContextState_CollectionStart);
-              Object(w, L"i", L"n", L"1");
-              w.SetContextState(ContextState_CollectionEnd);
-              w.WriteEndElement();
-              Leaf(w, L"e", L"2", ItemType_int);
-            })));
+      Write({JsonRoundTrip_Markers, true}, calls));
 }
 
 TEST(JsonTextWriter, NamespacesNeedAPrefixBelowTheRoot) {
