@@ -1,0 +1,212 @@
+#include "RkXmlLib16/collections/ValueCollections.h"
+
+#include <memory>
+#include <vector>
+
+#include "Expect.h"
+#include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/xml/ElementTree.h"
+#include "RkXmlLib16/xml/XmlWriter.h"
+
+using namespace RkXmlLib16;
+
+namespace {
+
+constexpr auto kCollapse = CWhitespaceUtils::collapse;
+
+template <class Col>
+std::unique_ptr<Col> New(int minOccurs = 0, int maxOccurs = -1, const wchar_t* maxInclusive = nullptr,
+                         long maxLength = -1) {
+  return std::make_unique<Col>(L"v", L"", minOccurs, maxOccurs, nullptr, -1, maxLength, nullptr, maxInclusive, nullptr,
+                               nullptr, -1, -1, -1, kCollapse, nullptr);
+}
+
+// Notes what it is told, as "type" or "type:index".
+class CNotes : public IEventSink {
+ public:
+  virtual ~CNotes() = default;
+  void OnEvent(CXmlObjectBase*, MsgType type, void* data) override {
+    text += std::to_string(type);
+    if (type == MsgType_ItemRemoving || type == MsgType_ItemRemoved)
+      text += ":" + (data == nullptr ? std::string("-") : std::to_string(*static_cast<int*>(data)));
+    text += " ";
+  }
+  std::string Take() { return std::exchange(text, ""); }
+  std::string text;
+};
+
+// Writes elements and kinds in short form: "v=1.5/11 ".
+class CKindWriter : public CXmlWriter {
+ public:
+  void WriteComment(const std::wstring&) override {}
+  void WritePI(const std::wstring&) override {}
+  void WriteInlineSchema(const std::wstring&) override {}
+  void WriteStartElement(const std::wstring& name, const std::wstring&) override { text += name + L"="; }
+  void WriteString(const std::wstring& value, ItemType type) override {
+    text += value + L"/" + std::to_wstring(type) + L" ";
+  }
+  void WriteEndElement() override {}
+  void WriteAttributeString(const std::wstring&, const std::wstring&, const std::wstring&, ItemType) override {}
+  void WriteAttributeType(const std::wstring&, const std::wstring&, ItemType) override {}
+  void WriteAttributeNil() override {}
+  std::wstring text;
+};
+
+template <class Col>
+std::wstring Written(const Col& col, const CSerializationContext& context = CSerializationContext()) {
+  CKindWriter writer;
+  col.ToXml_Int(&writer, false, L"", context, false);
+  return writer.text;
+}
+
+// The elements of one value each, read by the collection, and the name of the element it gives back.
+template <class Col>
+std::wstring ReadInto(Col& col, const std::wstring& content) {
+  CXmlDocument document;
+  document.LoadXml((L"<r>" + content + L"</r>").c_str());
+  CXmlElement* const root = document.GetDocumentElement();
+  CXmlElement* const rest = col.FromXml_Int(root, root->GetFirstElement(), CSerializationContext(), false);
+  return rest == nullptr ? L"" : rest->GetLocalName().ToString();
+}
+
+struct Row {
+  const char* name;
+  std::unique_ptr<CXmlTypeCollection> (*create)(int minOccurs, int maxOccurs);
+  const wchar_t* text;     // as read
+  const wchar_t* written;  // value and kind
+  ItemType kind;
+};
+
+template <class Col>
+std::unique_ptr<CXmlTypeCollection> Create(int minOccurs, int maxOccurs) {
+  return New<Col>(minOccurs, maxOccurs);
+}
+
+const Row kRows[] = {
+    {"hexBinary", Create<ChexBinaryCol>, L" 0aFF ", L"0AFF/1", ItemType_hexBinary},
+    {"base64Binary", Create<Cbase64BinaryCol>, L"AQID", L"AQID/2", ItemType_base64Binary},
+    {"byte", Create<Ci1Col>, L"-128", L"-128/3", ItemType_byte},
+    {"short", Create<Ci2Col>, L"-32768", L"-32768/4", ItemType_short},
+    {"int", Create<Ci4Col>, L" 3000000000 ", L"3000000000/5", ItemType_int},
+    {"long", Create<Ci8Col>, L"-9", L"-9/6", ItemType_long},
+    {"unsignedByte", Create<Cui1Col>, L"255", L"255/7", ItemType_unsignedByte},
+    {"unsignedShort", Create<Cui2Col>, L"65535", L"65535/8", ItemType_unsignedShort},
+    {"unsignedInt", Create<Cui4Col>, L"7", L"7/9", ItemType_unsignedInt},
+    {"unsignedLong", Create<Cui8Col>, L"18446744073709551615", L"18446744073709551615/10", ItemType_unsignedLong},
+    {"float", Create<Cr4Col>, L"1.50", L"1.5/11", ItemType_float},
+    {"double", Create<Cr8Col>, L"0.1", L"0.1/12", ItemType_double},
+    {"duration", Create<CdurationCol>, L"P1DT2H", L"P1DT2H/13", ItemType_duration},
+    {"gYear", Create<CyearCol>, L"2024", L"2024/16", ItemType_gYear},
+    {"gMonth", Create<CmonthCol>, L"--05", L"--05/17", ItemType_gMonth},
+    {"gDay", Create<CdayCol>, L"---07", L"---07/18", ItemType_gDay},
+    {"string", Create<CstringCol>, L" a  b ", L"a b/23", ItemType_string},
+    {"boolean", Create<CbooleanCol>, L"1", L"true/24", ItemType_boolean},
+    {"decimal", Create<CdecimalCol>, L"12.5", L"12.5/25", ItemType_decimal},
+    {"integer", Create<CintegerCol>, L"123456789012345678901234567890", L"123456789012345678901234567890/26",
+     ItemType_integer},
+    // Every kind of date is written as a dateTime.
+    {"date", Create<CdateCol>, L"2024-02-29", L"2024-02-29/20", ItemType_date},
+    {"time", Create<CtimeCol>, L"08:30:00", L"08:30:00/20", ItemType_time},
+    {"dateTime", Create<CdatetimeCol>, L"2024-02-29T08:30:00", L"2024-02-29T08:30:00/20", ItemType_dateTime},
+    {"gYearMonth", Create<CyearMonthCol>, L"2024-02", L"2024-02/20", ItemType_gYearMonth},
+    {"gMonthDay", Create<CmonthDayCol>, L"--02-29", L"--02-29/20", ItemType_gMonthDay},
+};
+
+class ValueCollection : public testing::TestWithParam<Row> {};
+
+}  // namespace
+
+TEST_P(ValueCollection, ReadsChecksAndWrites) {
+  const Row& row = GetParam();
+  const auto col = row.create(1, 2);
+  EXPECT_EQ(row.kind, col->GetItemType());
+  EXPECT_WIDE_EQ(L"w", ReadInto(*col, std::wstring(L"<v>") + row.text + L"</v><v>" + row.text + L"</v><w/>"));
+  EXPECT_EQ(2, col->GetCount());
+  EXPECT_WIDE_EQ(std::wstring(L"v=") + row.written + L" v=" + row.written + L" ", Written(*col));
+
+  col->AddFromString(row.text);
+  EXPECT_RK_THROWS(CRkValidationException, L"The Maximum number of [v] elements allowed in this collection is 2",
+                   Written(*col));
+  EXPECT_RK_THROWS(CRkInvalidParamException, L"Index 3 is out of range, use 0 - 3", col->Remove(3));
+  EXPECT_RK_THROWS(CRkInvalidParamException, L"Index -1 is out of range, use 0 - 3", col->Remove(-1));
+  col->Clear();
+  EXPECT_EQ(0, col->GetCount());
+  EXPECT_RK_THROWS(CRkValidationException, L"The Minimum number of [v] elements allowed in this collection is 1",
+                   Written(*col));
+  CSerializationContext lenient;
+  lenient.SetIgnoreInvalidCollectionCounts(true);
+  EXPECT_WIDE_EQ(L"", Written(*col, lenient));
+}
+
+TEST_P(ValueCollection, TellsItsListeners) {
+  const auto col = GetParam().create(0, -1);
+  CNotes notes;
+  col->AddEventListener(&notes);
+  for (int i = 0; i < 5; ++i) col->AddFromString(GetParam().text);
+  EXPECT_EQ("1 2 0 1 2 0 1 2 0 1 2 0 1 2 0 ", notes.Take());
+  col->Remove(3);  // told with its index, afterwards always 0
+  EXPECT_EQ("3:3 4:0 0 ", notes.Take());
+  EXPECT_THROW(col->Remove(9), CRkInvalidParamException);
+  EXPECT_EQ("3:9 ", notes.Take());
+  col->Clear();
+  EXPECT_EQ("3:0 4:0 0 3:0 4:0 0 3:0 4:0 0 3:0 4:0 0 ", notes.Take());
+}
+
+INSTANTIATE_TEST_SUITE_P(All, ValueCollection, testing::ValuesIn(kRows),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+TEST(ValueCollectionsTest, InsertsAnywhereAndClearsInLinearTime) {
+  const auto col = New<Ci4Col>();
+  for (long i = 0; i < 200000; ++i) col->Add(i);
+  col->Remove(0);
+  col->AddAt(0, -1);
+  col->AddAt(2, -2);
+  EXPECT_EQ(-1, col->Item(0));
+  EXPECT_EQ(1, col->Item(1));
+  EXPECT_EQ(-2, col->Item(2));
+  EXPECT_EQ(199999, col->Item(col->GetCount() - 1));
+  col->Clear();
+  col->Add(7);
+  EXPECT_EQ(1, col->GetCount());
+  EXPECT_EQ(7, col->Item(0));
+  EXPECT_RK_THROWS(CRkInvalidParamException, L"Index 1 is out of range, use 0 - 1", col->Item(1));
+}
+
+TEST(ValueCollectionsTest, RefusedValuesChangeNothing) {
+  CNotes notes;
+  const auto numbers = New<Ci4Col>(0, -1, L"9");
+  numbers->AddEventListener(&notes);
+  EXPECT_RK_THROWS(CRkException, L"Invalid Value for v [10]", numbers->Add(10));
+  EXPECT_RK_THROWS(CRkInvalidParamException, L"Index out of range", numbers->AddAt(5, 1));
+  EXPECT_RK_THROWS(CRkInvalidParamException, L"Index out of range", numbers->AddAt(-1, 1));
+  EXPECT_EQ("1 1 1 ", notes.Take());  // the listeners have been told before
+  EXPECT_EQ(0, numbers->GetCount());
+  const auto texts = New<CstringCol>(0, -1, nullptr, 2);
+  EXPECT_RK_THROWS(CRkException, L"Invalid Value for v [abc].", texts->Add(L"abc"));
+  EXPECT_RK_THROWS(CRkInvalidValueException, L"The value [x] can not be converted to a i4",
+                   numbers->AddFromString(L"x"));
+}
+
+TEST(ValueCollectionsTest, DatesMustBeOfTheKind) {
+  const CDateTime dateTime(L"2024-02-29T08:30:00");
+  const CDateTime date(2024, 2, 29);
+  CNotes notes;
+  const auto dates = New<CdateCol>(0, -1, L"2024-12-31");
+  dates->AddEventListener(&notes);
+  EXPECT_RK_THROWS(CRkInvalidParamException, L"Dates added to this collection must be of type dt_date",
+                   dates->Add(dateTime));
+  EXPECT_RK_THROWS(CRkException, L"Invalid Value for v [2025-01-01].", dates->Add(CDateTime(2025, 1, 1)));
+  EXPECT_EQ("", notes.Take());  // a date is checked before anybody is told
+  EXPECT_RK_THROWS(CRkInvalidParamException, L"Index out of range", dates->AddAt(1, date));
+  EXPECT_EQ("1 ", notes.Take());
+  dates->Add(date);
+  EXPECT_EQ(1, dates->GetCount());
+  EXPECT_RK_THROWS(CRkInvalidParamException, L"Dates added to this collection must be of type dt_time",
+                   New<CtimeCol>()->Add(date));
+  EXPECT_RK_THROWS(CRkInvalidParamException, L"Dates added to this collection must be of type dt_dateTime",
+                   New<CdatetimeCol>()->Add(date));
+  EXPECT_RK_THROWS(CRkInvalidParamException, L"Dates added to this collection must be of type dt_gYearMonth",
+                   New<CyearMonthCol>()->Add(date));
+  EXPECT_RK_THROWS(CRkInvalidParamException, L"Dates added to this collection must be of type dt_gMonthDay",
+                   New<CmonthDayCol>()->Add(date));
+}
