@@ -1,0 +1,219 @@
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <string>
+
+#include "Expect.h"
+#include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/json/JsonContext.h"
+#include "RkXmlLib16/support/Encoder.h"
+#include "RkXmlLib16/wildcards/Element.h"
+#include "RkXmlLib16/xml/ElementTree.h"
+
+using namespace RkXmlLib16;
+
+namespace {
+
+constexpr wchar_t kText[] = L"<a b=\"1\"><c>\x20AC</c></a>";
+
+// A file name that is removed in the end.
+class CTempFile {
+ public:
+  CTempFile() : m_name(testing::TempDir() + "rkxml_entry_" + std::to_string(++m_count)) {}
+  ~CTempFile() { std::remove(m_name.c_str()); }
+  std::wstring Name() const { return std::wstring(m_name.begin(), m_name.end()); }
+  bool Exists() const { return std::ifstream(m_name).good(); }
+  std::string Bytes() const {
+    std::ifstream in(m_name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+  }
+
+ private:
+  std::string m_name;
+  static int m_count;
+};
+int CTempFile::m_count = 0;
+
+class EntryPoints : public testing::Test {
+ protected:
+  EntryPoints() { m_element.FromXml(kText); }
+  ~EntryPoints() override { AsyncToXmlFile(false); }
+
+  static std::string Bytes(const CBinaryData& data) {
+    return {reinterpret_cast<const char*>(data.GetData()), data.GetLength()};
+  }
+  static std::wstring XmlOf(const CElement& element) { return element.ToXml(false, false); }
+
+  CElement m_element;
+  CSerializationContext m_ctx;
+};
+
+TEST_F(EntryPoints, WriteTheDeclarationOfTheEncoding) {
+  EXPECT_WIDE_EQ(L"<?xml version=\"1.0\"?>\n" + std::wstring(kText), m_element.ToXml(true, false));
+  EXPECT_WIDE_EQ(kText, m_element.ToXml(false, false));
+  EXPECT_WIDE_EQ(L"<?xml version=\"1.0\"?>\r\n<a b=\"1\">\r\n\t<c>\x20AC</c>\r\n</a>\r\n",
+                 m_element.ToXml(true, true, EOLType_CRLF));
+  EXPECT_EQ("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<a b=\"1\"><c>\xE2\x82\xAC</c></a>",
+            Bytes(m_element.ToXmlStream(true, false)));
+  EXPECT_EQ(sizeof(wchar_t) * (sizeof(kText) / sizeof(wchar_t) - 1),
+            m_element.ToXmlStream(false, false, XmlEncoding_Wide).GetLength());
+  m_ctx.SetIndentChars(L"  ");
+  EXPECT_WIDE_EQ(L"<a b=\"1\">\n  <c>\x20AC</c>\n</a>\n", m_element.ToXml(false, true, EOLType_LF, m_ctx));
+}
+
+TEST_F(EntryPoints, RefuseUnknownEncodingsAndLineEnds) {
+  EXPECT_RK_THROWS(CRkException, L"Unknown Encoding, select UTF-8 (contact our support team)",
+                   m_element.ToXmlStream(true, true, XmlEncoding_None));
+  EXPECT_RK_THROWS(CRkException, L"Unknown Encoding, select UTF-8 (contact our support team)",
+                   m_element.ToJsonStream(true, static_cast<XmlEncoding>(7)));
+  EXPECT_RK_THROWS(CRkException, L"Invalid EOL type.", m_element.ToXml(true, true, static_cast<EOLType>(2)));
+  EXPECT_RK_THROWS(CRkException, L"Invalid EOL type.", m_element.ToJson(true, static_cast<EOLType>(2)));
+}
+
+TEST_F(EntryPoints, FilesHaveTheMarkOfTheirEncoding) {
+  for (const bool direct : {false, true}) {
+    AsyncToXmlFile(direct);
+    CTempFile file;
+    const std::wstring name = file.Name();
+    m_element.ToXmlFile(name.c_str(), true, false, XmlEncoding_UTF8);
+    EXPECT_EQ(Bytes(m_element.ToXmlStream(true, false)), file.Bytes());
+    for (const XmlEncoding encoding : {XmlEncoding_UTF16, XmlEncoding_Wide}) {
+      m_element.ToXmlFile(name.c_str(), true, false, encoding);
+      EXPECT_EQ("\xFF\xFE" + Bytes(m_element.ToXmlStream(true, false, encoding)), file.Bytes());
+    }
+    m_element.ToXmlFile(name.c_str(), true, false, XmlEncoding_UTF16, EOLType_LF, m_ctx, CompressionType_GZip);
+    EXPECT_EQ("\xFF\xFE\x1F\x8B", file.Bytes().substr(0, 4));
+  }
+}
+
+TEST_F(EntryPoints, BufferedJsonFilesHaveNoMark) {
+  CTempFile file;
+  m_element.ToJsonFile(file.Name().c_str(), true, XmlEncoding_Wide);
+  EXPECT_EQ(Bytes(m_element.ToJsonStream(true, XmlEncoding_Wide)), file.Bytes());
+  m_element.ToFastInfosetFile(file.Name().c_str(), FInfoDecl_None);
+  EXPECT_EQ(std::string("\xE0\0\0\1", 4), file.Bytes().substr(0, 4));
+}
+
+TEST_F(EntryPoints, FilesCannotBeZlibAndFailuresNameTheFile) {
+  CTempFile file;
+  const std::wstring name = file.Name();
+  const wchar_t* const message = L"ZLIB Compression only available for To Stream methods.";
+  EXPECT_RK_THROWS(
+      CRkException, message,
+      m_element.ToXmlFile(name.c_str(), true, true, XmlEncoding_UTF8, EOLType_LF, m_ctx, CompressionType_ZLib));
+  EXPECT_RK_THROWS(CRkException, message,
+                   m_element.ToJsonFile(name.c_str(), true, XmlEncoding_UTF8, EOLType_LF, m_ctx, CompressionType_ZLib));
+  EXPECT_RK_THROWS(CRkException, message,
+                   m_element.ToFastInfosetFile(name.c_str(), FInfoDecl_None, m_ctx, CompressionType_ZLib));
+  EXPECT_FALSE(file.Exists());
+  for (const bool direct : {false, true}) {
+    AsyncToXmlFile(direct);
+    EXPECT_RK_THROWS(CRkException, L"Failed to write data to the file [/nowhere/x].",
+                     m_element.ToXmlFile(L"/nowhere/x"));
+    EXPECT_RK_THROWS(CRkException, L"Failed to write data to the file [/nowhere/x].",
+                     m_element.ToJsonFile(L"/nowhere/x"));
+  }
+  EXPECT_RK_THROWS(CRkException, L"Failed to write data to the file [/nowhere/x].",
+                   m_element.ToFastInfosetFile(L"/nowhere/x"));
+  EXPECT_RK_THROWS(CRkException, L"Failed to open the file [/nowhere/x].", m_element.FromXmlFile(L"/nowhere/x"));
+}
+
+TEST_F(EntryPoints, EveryFormReadsBackPlainAndCompressed) {
+  m_element.SetText(std::wstring(500, L'x').c_str());  // long enough to compress
+  const std::wstring expected = XmlOf(m_element);
+  for (const CompressionType compression : {CompressionType_None, CompressionType_GZip, CompressionType_ZLib}) {
+    CElement xml, json, infoset;
+    xml.FromXmlStream(m_element.ToXmlStream(true, true, XmlEncoding_UTF8, EOLType_LF, m_ctx, compression));
+    EXPECT_WIDE_EQ(expected, XmlOf(xml));
+    json.FromJsonStream(m_element.ToJsonStream(true, XmlEncoding_UTF8, EOLType_LF, m_ctx, compression));
+    EXPECT_WIDE_EQ(expected, XmlOf(json));
+    infoset.FromXmlStream(m_element.ToFastInfosetStream(FInfoDecl_None, m_ctx, compression));
+    EXPECT_WIDE_EQ(expected, XmlOf(infoset));
+  }
+  CElement narrow, file, jsonText;
+  narrow.FromXml(Bytes(m_element.ToXmlStream(false, false)).c_str());
+  EXPECT_WIDE_EQ(expected, XmlOf(narrow));
+  CTempFile temp;
+  m_element.ToXmlFile(temp.Name().c_str());
+  file.FromXmlFile(temp.Name().c_str());
+  EXPECT_WIDE_EQ(expected, XmlOf(file));
+  m_element.ToJsonFile(temp.Name().c_str());
+  file.FromJsonFile(temp.Name().c_str());
+  EXPECT_WIDE_EQ(expected, XmlOf(file));
+  jsonText.FromJson(m_element.ToJson().c_str());
+  EXPECT_WIDE_EQ(expected, XmlOf(jsonText));
+}
+
+TEST_F(EntryPoints, ValuesKeepTheirPrefixesInEveryForm) {
+  CElement source;
+  source.FromXml(L"<s xmlns:p='urn:p'><x ref='p:b'/></s>");
+  CElement target(L"t");
+  target.AddChild(source.GetChild(0));
+  const std::wstring expected = L"<t xmlns:p=\"urn:p\"><x ref=\"p:b\"/></t>";
+  CElement json, infoset;
+  json.FromJson(target.ToJson().c_str());
+  EXPECT_WIDE_EQ(expected, XmlOf(json));
+  infoset.FromXmlStream(target.ToFastInfosetStream());
+  EXPECT_WIDE_EQ(expected, XmlOf(infoset));
+  m_ctx.GetJsonContext()->SetSupportRoundtrip(JsonRoundTrip_Markers);
+  EXPECT_WIDE_EQ(L"{\"t\": {\"x\": {\"@ref\": \"p:b\"}}}", target.ToJson(false, EOLType_LF, m_ctx));
+}
+
+// Sees the settings that reach it, and fails as it is told to.
+class CProbe : public CElement {
+ public:
+  void FromXmlElement(const CXmlElement* element, const CSerializationContext& context) override {
+    ignoresNamespaces = context.GetIgnoreNamespaces();
+    if (failure != nullptr) throw std::runtime_error(failure);
+    CElement::FromXmlElement(element, context);
+  }
+  using CElement::FromXmlElement;
+
+  bool ignoresNamespaces = false;
+  const char* failure = nullptr;
+};
+
+TEST_F(EntryPoints, JsonWithoutNamespacesIsMatchedWithoutThem) {
+  for (const JsonRoundTrip mode : {JsonRoundTrip_Plain, JsonRoundTrip_Markers, JsonRoundTrip_Namespaces}) {
+    m_ctx.GetJsonContext()->SetSupportRoundtrip(mode);
+    CProbe probe;
+    probe.FromJson(L"{\"a\": {\"b\": 1}}", m_ctx);
+    EXPECT_EQ(mode != JsonRoundTrip_Namespaces, probe.ignoresNamespaces);
+    EXPECT_FALSE(m_ctx.GetIgnoreNamespaces());
+  }
+}
+
+TEST_F(EntryPoints, JsonErrorsShowTheXmlText) {
+  CElement strict(L"e", L"urn:t", L"##targetNamespace", L"urn:t");
+  try {
+    strict.FromJson("{\"a\": \"\xE2\x82\xAC\"}");
+    ADD_FAILURE() << "nothing thrown";
+  } catch (const CRkException& e) {
+    const std::wstring prefix = L"Error converting JSON to XML:\n";
+    EXPECT_WIDE_EQ(prefix, e.GetMessage().substr(0, prefix.size()));
+    EXPECT_NE(std::wstring::npos, e.GetMessage().find(L"<a>\x20AC</a>"));
+    ASSERT_NE(nullptr, e.GetInnerException());
+    EXPECT_WIDE_EQ(L"Invalid Namespace [].", e.GetInnerException()->GetMessage());
+  }
+}
+
+TEST_F(EntryPoints, ExceptionsOfTheApplicationPassUnchanged) {
+  CProbe probe;
+  probe.failure = "mine";
+  EXPECT_THROW(probe.FromXml(L"<a/>"), std::runtime_error);
+  EXPECT_THROW(probe.FromJson(L"{\"a\": 1}"), std::runtime_error);
+}
+
+TEST_F(EntryPoints, EmptyInputIsToldByItsKind) {
+  const CBinaryData empty;
+  EXPECT_RK_THROWS(CRkException, L"XML String is empty!", m_element.FromXml(L""));
+  EXPECT_RK_THROWS(CRkException, L"XML String is empty!", m_element.FromXml(static_cast<const char*>(nullptr)));
+  EXPECT_RK_THROWS(CRkException, L"XML Stream is empty!", m_element.FromXmlStream(empty));
+  EXPECT_RK_THROWS(CRkException, L"XML Stream is empty!", m_element.FromXmlStream(nullptr, 5));
+  EXPECT_RK_THROWS(CRkException, L"JSON String is empty!", m_element.FromJson(L""));
+  EXPECT_RK_THROWS(CRkException, L"JSON Stream is empty!", m_element.FromJsonStream(empty));
+  EXPECT_WIDE_EQ(kText, XmlOf(m_element));
+}
+
+}  // namespace
