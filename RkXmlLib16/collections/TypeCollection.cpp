@@ -1,7 +1,7 @@
 #include "RkXmlLib16/collections/TypeCollection.h"
 
-#include "RkXmlLib16/core/ElementNameMatch.h"
 #include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/core/internal/ElementNameMatch.h"
 #include "RkXmlLib16/xml/ElementTree.h"
 
 namespace RkXmlLib16 {

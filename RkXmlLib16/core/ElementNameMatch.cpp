@@ -1,4 +1,4 @@
-#include "RkXmlLib16/core/ElementNameMatch.h"
+#include "RkXmlLib16/core/internal/ElementNameMatch.h"
 
 #include "RkXmlLib16/core/XmlObjectBase.h"
 #include "RkXmlLib16/metadata/FacetChecks.h"

@@ -2,8 +2,8 @@
 #include <atomic>
 #include <string>
 
-#include "RkXmlLib16/core/EntryPointTools.h"
 #include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/core/internal/EntryPointTools.h"
 #include "RkXmlLib16/wildcards/Element.h"
 #include "RkXmlLib16/xml/XmlTextWriter.h"
 

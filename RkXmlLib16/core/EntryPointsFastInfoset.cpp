@@ -1,6 +1,6 @@
 // The entry points of CXmlObjectBase for writing Fast Infoset; reading goes through those for XML.
-#include "RkXmlLib16/core/EntryPointTools.h"
 #include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/core/internal/EntryPointTools.h"
 #include "RkXmlLib16/fastinfoset/Context.h"
 #include "RkXmlLib16/fastinfoset/Writer.h"
 

@@ -2,8 +2,8 @@
 #include <string>
 #include <string_view>
 
-#include "RkXmlLib16/core/EntryPointTools.h"
 #include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/core/internal/EntryPointTools.h"
 #include "RkXmlLib16/json/JsonContext.h"
 #include "RkXmlLib16/json/JsonTextWriter.h"
 #include "RkXmlLib16/support/Encoder.h"

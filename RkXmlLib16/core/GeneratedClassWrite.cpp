@@ -3,7 +3,7 @@
 
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/core/GeneratedClass.h"
-#include "RkXmlLib16/core/RootWriter.h"
+#include "RkXmlLib16/core/internal/RootWriter.h"
 #include "RkXmlLib16/core/SerializationContext.h"
 #include "RkXmlLib16/metadata/AttributeInfo.h"
 #include "RkXmlLib16/metadata/ElementInfo.h"

@@ -57,6 +57,10 @@ CXmlElement* CAttributeCol::FromXml_Int(CXmlElement* element, CXmlElement* first
   return firstChild;
 }
 
+const wchar_t* CAttributeCol::GetNamespaceConstraint() const noexcept { return m_rule.GetConstraint(); }
+
+const wchar_t* CAttributeCol::GetConstraintTargetNamespace() const noexcept { return m_rule.GetTargetNamespace(); }
+
 void CAttributeCol::Test(const CAttribute* attribute) const {
   if (attribute != nullptr) m_rule.TestAttribute(attribute->GetLocalName().c_str(), attribute->GetNamespace());
 }

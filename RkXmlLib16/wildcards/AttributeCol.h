@@ -83,8 +83,8 @@ class RKXML_EXPORT CAttributeCol : public CXmlCollection {
   // The value of the first attribute with this name; empty when there is none.
   std::wstring GetValue(const wchar_t* localName, const wchar_t* namespaceUri = L"") const;
 
-  const wchar_t* GetNamespaceConstraint() const noexcept { return m_rule.GetConstraint(); }
-  const wchar_t* GetConstraintTargetNamespace() const noexcept { return m_rule.GetTargetNamespace(); }
+  const wchar_t* GetNamespaceConstraint() const noexcept;
+  const wchar_t* GetConstraintTargetNamespace() const noexcept;
 
  private:
   void Test(const CAttribute* attribute) const;

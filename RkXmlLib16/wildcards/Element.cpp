@@ -7,8 +7,8 @@
 #include <utility>
 
 #include "RkXmlLib16/core/Exception.h"
-#include "RkXmlLib16/core/RootWriter.h"
 #include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/core/internal/RootWriter.h"
 #include "RkXmlLib16/support/Format.h"
 #include "RkXmlLib16/types/Whitespace.h"
 #include "RkXmlLib16/xml/ElementTree.h"
@@ -318,6 +318,10 @@ void CElement::SetNamespace(const wchar_t* namespaceUri) {
   m_rule.TestElement(uri.empty() ? L"" : namespaceUri);
   m_namespaceUri = uri.empty() ? nullptr : std::make_shared<const std::wstring>(uri);
 }
+
+const wchar_t* CElement::GetNamespaceConstraint() const noexcept { return m_rule.GetConstraint(); }
+
+const wchar_t* CElement::GetConstraintTargetNamespace() const noexcept { return m_rule.GetTargetNamespace(); }
 
 void CElement::SetText(const wchar_t* text) { m_text = TextOrEmpty(text); }
 

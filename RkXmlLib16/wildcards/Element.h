@@ -58,8 +58,8 @@ class RKXML_EXPORT CElement : public CXmlObjectBase {
 
   // Throws CRkInvalidNamespaceException "Invalid Namespace [%ls]." when the constraint does not admit it.
   void SetNamespace(const wchar_t* namespaceUri);
-  const wchar_t* GetNamespaceConstraint() const noexcept { return m_rule.GetConstraint(); }
-  const wchar_t* GetConstraintTargetNamespace() const noexcept { return m_rule.GetTargetNamespace(); }
+  const wchar_t* GetNamespaceConstraint() const noexcept;
+  const wchar_t* GetConstraintTargetNamespace() const noexcept;
 
   const std::wstring& GetText() const noexcept { return m_text; }
   void SetText(const wchar_t* text);

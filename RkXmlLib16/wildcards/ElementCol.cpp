@@ -44,6 +44,10 @@ CXmlElement* CElementCol::FromXmlLockElementName_Int(const wchar_t* elementName,
   return current;
 }
 
+const wchar_t* CElementCol::GetNamespaceConstraint() const noexcept { return m_rule.GetConstraint(); }
+
+const wchar_t* CElementCol::GetConstraintTargetNamespace() const noexcept { return m_rule.GetTargetNamespace(); }
+
 void CElementCol::Test(const CElement* element) const {
   if (element != nullptr) m_rule.TestElement(element->GetNamespace());
 }

@@ -49,8 +49,8 @@ class RKXML_EXPORT CElementCol : public CXmlCollection {
   // The first element with this name, or null.
   CElement* Find(const wchar_t* localName, const wchar_t* namespaceUri = L"") const;
 
-  const wchar_t* GetNamespaceConstraint() const noexcept { return m_rule.GetConstraint(); }
-  const wchar_t* GetConstraintTargetNamespace() const noexcept { return m_rule.GetTargetNamespace(); }
+  const wchar_t* GetNamespaceConstraint() const noexcept;
+  const wchar_t* GetConstraintTargetNamespace() const noexcept;
 
  private:
   void Test(const CElement* element) const;

@@ -1,4 +1,4 @@
-#include "RkXmlLib16/core/RootWriter.h"
+#include "RkXmlLib16/core/internal/RootWriter.h"
 
 #include "RkXmlLib16/core/SerializationContext.h"
 #include "RkXmlLib16/wildcards/AttributeCol.h"
