@@ -183,8 +183,16 @@ class CElement::TreeWriter {
     if (isRoot) WriteRootSchema(m_writer, m_context);
     // Only an element with nothing in it has an empty text to show: JSON writes it as null in the element's place.
     const bool hasText = element.m_children.empty() ? !element.m_text.empty() : !IsBlank(element.m_text);
-    const bool isBare = element.m_children.empty() && element.GetAttributeCount() == 0;
+    const bool isBare = element.m_children.empty() && !HasAttributes(element, isRoot);
     if (hasText || isBare) WriteText(element.m_text);
+  }
+
+  // Declarations count as attributes here.
+  bool HasAttributes(const CElement& element, bool isRoot) const {
+    return element.GetAttributeCount() != 0 || element.m_prefixes != nullptr ||
+           (isRoot &&
+            (element.m_namespaceUri != nullptr || m_context.HasAdditionalRootAttributes() ||
+             !m_context.GetDefaultNamespaceURI().empty() || m_context.GetNamespaceAliases().GetNamespaceCount() != 0));
   }
 
   // Prefixes that the settings leave free are declared with those of the settings, so that names use them too.

@@ -120,7 +120,7 @@ TEST_F(EntryPoints, FilesCannotBeZlibAndFailuresNameTheFile) {
 }
 
 TEST_F(EntryPoints, EveryFormReadsBackPlainAndCompressed) {
-  m_element.SetText(std::wstring(500, L'x').c_str());  // long enough to compress
+  m_element.AddNewChild(L"d", L"", std::wstring(500, L'x').c_str());  // long enough to compress
   const std::wstring expected = XmlOf(m_element);
   for (const CompressionType compression : {CompressionType_None, CompressionType_GZip, CompressionType_ZLib}) {
     CElement xml, json, infoset;
@@ -158,6 +158,15 @@ TEST_F(EntryPoints, ValuesKeepTheirPrefixesInEveryForm) {
   EXPECT_WIDE_EQ(expected, XmlOf(infoset));
   m_ctx.GetJsonContext()->SetSupportRoundtrip(JsonRoundTrip_Markers);
   EXPECT_WIDE_EQ(L"{\"t\": {\"x\": {\"@ref\": \"p:b\"}}}", target.ToJson(false, EOLType_LF, m_ctx));
+}
+
+TEST_F(EntryPoints, EmptyElementsHaveAValueInJson) {
+  for (const wchar_t* text : {L"<a/>", L"<a><b/><c x=\"1\"/><d/></a>", L"<a x=\"1\"/>"}) {
+    CElement element, again;
+    element.FromXml(text);
+    again.FromJson(element.ToJson().c_str());
+    EXPECT_WIDE_EQ(text, XmlOf(again));
+  }
 }
 
 // Sees the settings that reach it, and fails as it is told to.
