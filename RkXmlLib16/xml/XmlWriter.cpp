@@ -1,5 +1,7 @@
 #include "RkXmlLib16/xml/XmlWriter.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <unordered_set>
 #include <utility>
 
@@ -9,21 +11,28 @@ namespace RkXmlLib16 {
 
 namespace {
 
-// A prefix of the form that is invented, as a number; 0 for any other.
-std::uint64_t InventedPrefixKey(const std::wstring& prefix) {
-  if (prefix.size() != 2) return 0;
-  return static_cast<std::uint64_t>(prefix[0]) << 32 | static_cast<std::uint32_t>(prefix[1]);
-}
+// Up to so many declarations of one element are searched one by one for a prefix.
+constexpr std::size_t kFewDeclarations = 8;
 
 }  // namespace
 
 // The declarations made in one element, on top of those around it. Only what is declared here is stored, so that a
 // scope costs what it declares however much is in effect around it.
 struct CXmlWriter::CXmlWriterContext::Scope {
-  explicit Scope(const Scope* around) : outer(around) {
-    if (outer == nullptr) return;
-    firstFree = outer->firstFree;
-    plain = outer->plain;
+  void Open(const Scope* around) {
+    outer = around;
+    firstFree = around != nullptr ? around->firstFree : 0;
+    plain = around == nullptr || around->plain;
+    if (around != nullptr) defaultNamespace = around->defaultNamespace;
+  }
+
+  // Empties the scope and keeps its storage for another element.
+  void Close() noexcept {
+    spare.merge(declared);
+    declared.clear();
+    prefixes.clear();
+    lastFound = nullptr;
+    merged.reset();
   }
 
   const NamespaceMap::value_type* Find(const std::wstring& namespaceUri) const {
@@ -38,10 +47,13 @@ struct CXmlWriter::CXmlWriterContext::Scope {
   void Declare(const std::wstring& namespaceUri, const std::wstring& prefix) {
     const NamespaceMap::value_type* former = Find(namespaceUri);
     if (former != nullptr && !former->second.empty() && former->second != prefix) plain = false;
-    declared[namespaceUri] = prefix;
-    if (const std::uint64_t key = InventedPrefixKey(prefix)) prefixes.insert(key);
     lastFound = nullptr;
     merged.reset();
+    Store(namespaceUri, prefix);
+    if (declared.size() <= kFewDeclarations) return;
+    if (prefixes.empty())
+      for (const auto& entry : declared) prefixes.insert(entry.second);
+    prefixes.insert(prefix);
   }
 
   const NamespaceMap& Merged() const {
@@ -54,29 +66,48 @@ struct CXmlWriter::CXmlWriterContext::Scope {
     return *merged;
   }
 
-  bool HasPrefix(std::uint64_t key) const {
+  bool HasPrefix(const std::wstring& prefix) const {
+    const auto among = [&](const NamespaceMap& map) {
+      return std::any_of(map.begin(), map.end(), [&](const auto& entry) { return entry.second == prefix; });
+    };
+    if (!plain) return among(Merged());
     for (const Scope* scope = this; scope != nullptr; scope = scope->outer)
-      if (scope->prefixes.count(key) != 0) return true;
+      if (scope->prefixes.empty() ? among(scope->declared) : scope->prefixes.count(prefix) != 0) return true;
     return false;
   }
 
   std::wstring UniquePrefix() {
     if (!plain) return GetUniquePrefix(Merged());
-    for (;; ++firstFree) {
-      std::wstring prefix = NsIntToString(firstFree);
-      if (!HasPrefix(InventedPrefixKey(prefix))) return prefix;
-    }
+    std::wstring prefix = NsIntToString(firstFree);
+    while (HasPrefix(prefix)) prefix = NsIntToString(++firstFree);
+    return prefix;
   }
 
-  const Scope* outer;
+  const Scope* outer = nullptr;
   std::wstring defaultNamespace;
   NamespaceMap declared;
-  std::unordered_set<std::uint64_t> prefixes;  // those of `declared` that could be invented
-  int firstFree = 0;                           // all invented prefixes before this one are in use
-  // Nothing in effect has replaced a prefix, so `prefixes` and `firstFree` hold for the whole chain of scopes.
+  std::unordered_set<std::wstring> prefixes;  // those of `declared`, once there are more than a few
+  int firstFree = 0;                          // all invented prefixes before this one are in use
+  // Nothing in effect has replaced a prefix, so every prefix in the chain of scopes is in effect too.
   bool plain = true;
+  NamespaceMap spare;  // entries to use again
   mutable const NamespaceMap::value_type* lastFound = nullptr;
   mutable std::unique_ptr<NamespaceMap> merged;
+
+ private:
+  void Store(const std::wstring& namespaceUri, const std::wstring& prefix) {
+    const auto known = declared.find(namespaceUri);
+    if (known != declared.end()) {
+      known->second = prefix;
+    } else if (spare.empty()) {
+      declared.emplace(namespaceUri, prefix);
+    } else {
+      NamespaceMap::node_type entry = spare.extract(spare.begin());
+      entry.key() = namespaceUri;
+      entry.mapped() = prefix;
+      declared.insert(std::move(entry));
+    }
+  }
 };
 
 CXmlWriter::CXmlWriterContext::CXmlWriterContext(const std::wstring& localName, const std::wstring& namespaceUri,
@@ -85,7 +116,7 @@ CXmlWriter::CXmlWriterContext::CXmlWriterContext(const std::wstring& localName, 
     : m_namespaceUri(namespaceUri),
       m_localName(localName),
       m_parent(std::move(parent)),
-      m_ownScope(std::make_unique<Scope>(nullptr)),
+      m_ownScope(std::make_unique<Scope>()),
       m_scope(m_ownScope.get()) {
   m_scope->defaultNamespace = defaultNamespace;
   for (const auto& [uri, prefix] : namespaces) m_scope->Declare(uri, prefix);
@@ -105,9 +136,9 @@ CXmlWriter::CXmlWriterContext::~CXmlWriterContext() {
 
 CXmlWriter::CXmlWriterContext::Scope& CXmlWriter::CXmlWriterContext::OwnScope() {
   if (m_ownScope == nullptr) {
-    auto own = std::make_unique<Scope>(m_scope);
-    own->defaultNamespace = m_scope->defaultNamespace;
-    m_ownScope = std::move(own);
+    if (m_spareScope == nullptr) m_spareScope = std::make_unique<Scope>();
+    m_spareScope->Open(m_scope);
+    m_ownScope = std::move(m_spareScope);
     m_scope = m_ownScope.get();
   }
   return *m_scope;
@@ -145,6 +176,8 @@ const std::wstring* CXmlWriter::CXmlWriterContext::FindPrefix(const std::wstring
   const NamespaceMap::value_type* found = m_scope->Find(namespaceUri);
   return found != nullptr ? &found->second : nullptr;
 }
+
+bool CXmlWriter::CXmlWriterContext::HasPrefix(const std::wstring& prefix) const { return m_scope->HasPrefix(prefix); }
 
 const std::wstring& CXmlWriter::CXmlWriterContext::InventPrefix(const std::wstring& namespaceUri) {
   Scope& scope = OwnScope();
@@ -184,8 +217,7 @@ bool CXmlWriter::DeclareNamespace(const std::wstring& prefix, const std::wstring
   if (m_context != nullptr) {
     const std::wstring* known = m_context->FindPrefix(namespaceUri);
     if (known != nullptr && *known == prefix) return true;
-    for (const auto& entry : m_context->GetNamespaceMap())
-      if (entry.second == prefix) return false;
+    if (m_context->HasPrefix(prefix)) return false;
     AddNamespace(L"xmlns", XMLNS_NAMESPACE);
   }
   WriteAttributeString(prefix, XMLNS_NAMESPACE, namespaceUri, ItemType_string);
@@ -198,12 +230,11 @@ void CXmlWriter::SetContextState(ContextState state) {
 }
 
 std::wstring CXmlWriter::GetUniquePrefix(const NamespaceMap& namespaces) {
-  std::unordered_set<std::uint64_t> used;
-  for (const auto& entry : namespaces) used.insert(InventedPrefixKey(entry.second));
-  for (int n = 0;; ++n) {
-    std::wstring prefix = NsIntToString(n);
-    if (used.count(InventedPrefixKey(prefix)) == 0) return prefix;
-  }
+  std::unordered_set<std::wstring> used;
+  for (const auto& entry : namespaces) used.insert(entry.second);
+  int n = 0;
+  while (used.count(NsIntToString(n)) != 0) ++n;
+  return NsIntToString(n);
 }
 
 std::wstring CXmlWriter::NsIntToString(int n) {
@@ -244,7 +275,10 @@ CXmlWriter::CXmlWriterContext& CXmlWriter::PushContext(const std::wstring& local
 void CXmlWriter::PopContext() {
   std::unique_ptr<CXmlWriterContext> context = std::move(m_context);
   m_context = std::move(context->m_parent);
-  context->m_ownScope.reset();
+  if (context->m_ownScope != nullptr) {
+    context->m_ownScope->Close();
+    context->m_spareScope = std::move(context->m_ownScope);
+  }
   context->m_scope = nullptr;
   context->m_parent = std::move(m_closedContexts);
   m_closedContexts = std::move(context);

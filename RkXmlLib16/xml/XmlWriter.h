@@ -53,6 +53,8 @@ class RKXML_EXPORT CXmlWriter {
     std::wstring& GetNamespaceMapValue(const wchar_t* namespaceUri);
     // The prefix of the namespace in scope, or null; inserts nothing.
     const std::wstring* FindPrefix(const std::wstring& namespaceUri) const;
+    // Whether any namespace in scope has the prefix.
+    bool HasPrefix(const std::wstring& prefix) const;
     // Declares the namespace in this element with the first invented prefix that is free in scope, and returns it.
     const std::wstring& InventPrefix(const std::wstring& namespaceUri);
 
@@ -70,8 +72,9 @@ class RKXML_EXPORT CXmlWriter {
     struct Scope;
     Scope& OwnScope();
 
-    std::unique_ptr<Scope> m_ownScope;  // null while the scope is inherited
-    Scope* m_scope = nullptr;           // the scope in effect: this element's own or that of an ancestor
+    std::unique_ptr<Scope> m_ownScope;    // null while the scope is inherited
+    std::unique_ptr<Scope> m_spareScope;  // that of an earlier element, for reuse
+    Scope* m_scope = nullptr;             // the scope in effect: this element's own or that of an ancestor
   };
 
   CXmlWriter();
