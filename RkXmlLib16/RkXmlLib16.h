@@ -14,6 +14,7 @@
 #include "RkXmlLib16/core/SerializationContext.h"
 #include "RkXmlLib16/core/SmartPtr.h"
 #include "RkXmlLib16/core/XmlObjectBase.h"
+#include "RkXmlLib16/fastinfoset/BinaryCodec.h"
 #include "RkXmlLib16/fastinfoset/Context.h"
 #include "RkXmlLib16/fastinfoset/Reader.h"
 #include "RkXmlLib16/fastinfoset/Writer.h"

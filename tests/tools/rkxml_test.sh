@@ -157,6 +157,25 @@ printf '<?xml version="1.0" encoding="ISO-8859-1"?><a b="\351"/>' >latin.xml
 run 0 show latin.xml
 grep -q 'ISO-8859-1' out && grep -q 'attributes  1' out && grep -q 'namespaces  none' out || fail "show latin.xml"
 
+## Fast Infoset
+run 0 convert --compact "$track" plain.gpx
+for options in "" --typed "--declaration 9 --gzip"; do
+  # shellcheck disable=SC2086
+  run 0 convert $options "$track" track.finf
+  run 0 convert --compact track.finf again.gpx
+  same plain.gpx again.gpx
+  run 0 show track.finf
+  grep -q 'form        Fast Infoset' out || fail "Fast Infoset is not recognised ($options)"
+  run 0 show --octets track.finf
+  grep -q 'element gpx in http' out || fail "the octets are not listed ($options)"
+  [ "$(tail -n 1 out | sed 's/.*  //')" = "end, end" ] || [ "$(tail -n 1 out | sed 's/.*  //')" = end ] ||
+    fail "the list of octets is cut ($options)"
+done
+refuses 2 'does not take' convert --declaration 10 "$track" track.finf
+refuses 1 'is no Fast Infoset' show --octets "$track"
+head -c 500 track.finf >cut.finf
+refuses 1 '' show --octets cut.finf
+
 ## Deep documents
 { printf '<d>%.0s' {1..100000}; printf '</d>%.0s' {1..100000}; } >deep.xml
 run 0 convert --compact deep.xml deep2.xml

@@ -16,6 +16,8 @@ struct Layout {
   RkXmlLib16::EOLType eol = RkXmlLib16::EOLType_LF;
   RkXmlLib16::XmlEncoding encoding = RkXmlLib16::XmlEncoding_UTF8;
   bool gzip = false;
+  RkXmlLib16::FInfoDecl declaration = RkXmlLib16::FInfoDecl_None;  // of Fast Infoset
+  bool typed = false;                                              // likewise: values in their machine form
 };
 
 // How JSON and XML are mapped to each other.

@@ -31,6 +31,8 @@ std::string Help(Command command) {
              "  --mode 0|1|2            what JSON keeps: 0 names and values, 1 also what\n"
              "                          is attribute and text, 2 also namespaces (default)\n"
              "  --root NAME             put JSON input into an element of this name\n"
+             "  --declaration 0..9      XML declaration before Fast Infoset (default: 0, none)\n"
+             "  --typed                 numbers of Fast Infoset in their machine form\n"
              "  --gzip                  compress; implied when OUT ends in .gz\n"
              "  -h, --help              this text\n"
              "\n"
@@ -39,7 +41,8 @@ std::string Help(Command command) {
              "Examples:\n"
              "  rkxml convert --compact track.gpx track.gpx.gz\n"
              "  rkxml convert --indent 2 track.gpx.gz - | less\n"
-             "  rkxml convert track.gpx track.json\n";
+             "  rkxml convert track.gpx track.json\n"
+             "  rkxml convert --typed track.gpx track.finf\n";
     case Command::Show:
       return "Usage: rkxml show [options] IN\n"
              "\n"
@@ -52,6 +55,7 @@ std::string Help(Command command) {
              "\n"
              "                          (default: by file ending, else xml)\n"
              "  --mode 0|1|2, --root N  how JSON is read, see rkxml convert --help\n"
+             "  --octets                list the octets of a Fast Infoset and what they mean\n"
              "  -h, --help              this text\n"
              "\n"
              "Example:\n"

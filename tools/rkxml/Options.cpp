@@ -52,6 +52,11 @@ JsonRoundTrip ModeOption(std::string_view value) {
   ThrowBadValue("--mode", value, "0, 1, 2");
 }
 
+FInfoDecl DeclarationOption(std::string_view value) {
+  if (value.size() != 1 || value[0] < '0' || value[0] > '9') ThrowBadValue("--declaration", value, "0 to 9");
+  return static_cast<FInfoDecl>(value[0] - '0');
+}
+
 // One option. `apply` gets the value, or an empty text for an option without one.
 struct Option {
   std::string_view name;
@@ -70,6 +75,9 @@ constexpr Option kOptions[] = {
     {"--encoding", true, false, [](Options& o, std::string_view v) { o.layout.encoding = EncodingOption(v); }},
     {"--mode", true, true, [](Options& o, std::string_view v) { o.json.mode = ModeOption(v); }},
     {"--root", true, true, [](Options& o, std::string_view v) { o.json.rootName = CEncoder::Utf8ToUnicode(v); }},
+    {"--declaration", true, false, [](Options& o, std::string_view v) { o.layout.declaration = DeclarationOption(v); }},
+    {"--typed", false, false, [](Options& o, std::string_view) { o.layout.typed = true; }},
+    {"--octets", false, true, [](Options& o, std::string_view) { o.octets = true; }},
     {"--gzip", false, false, [](Options& o, std::string_view) { o.layout.gzip = true; }},
     {"--help", false, true, [](Options& o, std::string_view) { o.help = true; }},
     {"-h", false, true, [](Options& o, std::string_view) { o.help = true; }},

@@ -19,6 +19,7 @@ struct Options {
   const Form* to = nullptr;    // never null once parsed
   Layout layout;
   JsonMapping json;
+  bool octets = false;  // show the octets of a Fast Infoset
 };
 
 // A wrong call: the reason, and on the next line what may help.

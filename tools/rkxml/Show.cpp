@@ -3,6 +3,7 @@
 #include <unordered_set>
 
 #include "Load.h"
+#include "Octets.h"
 #include "Progress.h"
 #include "Text.h"
 #include "Tree.h"
@@ -88,9 +89,22 @@ void ShowNamespaces(const std::vector<std::pair<CXmlText, CXmlText>>& namespaces
   }
 }
 
+// The document need not be one that can be read.
+void ListOctets(const Options& options) {
+  const Bytes bytes = ReadFile(options.input);
+  CBinaryData content;
+  const bool wrapped = WrapperOf(bytes) != Wrapper::None && Unwrap(bytes, content) == InflateResult::Inflated;
+  const std::string_view text =
+      wrapped ? TextOf(content.GetData(), content.GetLength()) : TextOf(bytes.data(), bytes.size());
+  if (!IsFastInfoset(text)) throw DocumentError(ForTerminal(options.input) + " is no Fast Infoset");
+  ShowOctets(text);
+  if (std::fflush(stdout) != 0) throw FileError("cannot write the standard stream");
+}
+
 }  // namespace
 
 void Show(const Options& options) {
+  if (options.octets) return ListOctets(options);
   const CSerializationContext context;
   options.json.ApplyTo(context);
   CXmlDocument document(context);

@@ -6,7 +6,7 @@ _rkxml() {
   done
   compopt +o default
   case $previous in
-    --from | --to) mapfile -t COMPREPLY < <(compgen -W 'xml json' -- "$current") && return ;;
+    --from | --to) mapfile -t COMPREPLY < <(compgen -W 'xml json finf' -- "$current") && return ;;
     --indent) mapfile -t COMPREPLY < <(compgen -W 'tab 2 4' -- "$current") && return ;;
     --eol) mapfile -t COMPREPLY < <(compgen -W 'lf crlf' -- "$current") && return ;;
     --mode) mapfile -t COMPREPLY < <(compgen -W '0 1 2' -- "$current") && return ;;
@@ -14,8 +14,8 @@ _rkxml() {
   esac
   local words='convert show --help --version'
   case $command in
-    convert) words='--from --to --pretty --compact --indent --eol --encoding --mode --root --gzip --help' ;;
-    show) words='--from --mode --root --help' ;;
+    convert) words='--from --to --pretty --compact --indent --eol --encoding --mode --root --declaration --typed --gzip --help' ;;
+    show) words='--from --mode --root --octets --help' ;;
   esac
   if [ -n "$command" ] && [ "${current:0:1}" != - ]; then
     compopt -o default
