@@ -179,8 +179,7 @@ refuses 1 '' show --octets cut.finf
 ## Deep documents
 { printf '<d>%.0s' {1..100000}; printf '</d>%.0s' {1..100000}; } >deep.xml
 run 0 convert --compact deep.xml deep2.xml
-same_length=$(($(wc -c <deep2.xml) > 600000))
-[ $same_length = 1 ] || fail "the deep document is cut"
+[ -e deep2.xml ] && [ "$(wc -c <deep2.xml)" -gt 600000 ] || fail "the deep document is cut"
 run 0 show deep.xml
 grep -q 'depth       100,000' out || fail "deep.xml: $(cat out)"
 
