@@ -3,6 +3,7 @@
 #define RKXMLLIB16_CORE_GENERATED_H
 
 #include "RkXmlLib16/collections/Collection.h"
+#include "RkXmlLib16/collections/ObjectCollection.h"
 #include "RkXmlLib16/collections/ValueCollections.h"
 #include "RkXmlLib16/core/ClassFactory.h"
 #include "RkXmlLib16/core/Enumerations.h"
@@ -16,6 +17,7 @@
 #include "RkXmlLib16/metadata/ElementInfoSeq.h"
 #include "RkXmlLib16/metadata/FacetChecks.h"
 #include "RkXmlLib16/metadata/ParentElementInfo.h"
+#include "RkXmlLib16/support/Format.h"
 #include "RkXmlLib16/types/Conversions.h"
 #include "RkXmlLib16/types/Variant.h"
 #include "RkXmlLib16/wildcards/AttributeCol.h"
