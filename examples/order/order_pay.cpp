@@ -1,0 +1,92 @@
+// order_pay IN OUT: reads a purchase order, works out its total to the cent, changes the payment to cash and saves it.
+
+#include <RkXmlLib16/RkXmlLib16.h>
+
+#include <clocale>
+#include <cstdio>
+#include <string>
+
+#include "Order.h"
+
+using namespace RkXmlLib16;
+
+namespace {
+
+std::wstring Wide(const char* text) {
+  std::string bytes(text);
+  return CEncoder::Utf8ToUnicode(reinterpret_cast<unsigned char*>(bytes.data()), static_cast<int>(bytes.size()));
+}
+
+CDecimal WithTax(const CDecimal& net, Order::ERate rate) {
+  switch (rate) {
+    case Order::ERate_standard:
+      return net * CDecimal(L"1.20");
+    case Order::ERate_reduced:
+      return net * CDecimal(L"1.10");
+    default:
+      return net;
+  }
+}
+
+CDecimal Total(const Order::CLinesType& lines) {
+  CDecimal total;
+  for (int i = 0; i < lines.GetLine()->GetCount(); ++i) {
+    const Order::CLine* line = lines.GetLine()->Item(i);
+    if (const Order::CGoodsType* goods = line->GetGoods())
+      total += WithTax(goods->GetPrice() * CDecimal(goods->GetQuantity()), goods->GetVat());
+    if (const Order::CServiceType* service = line->GetService())
+      total += WithTax(service->GetPrice(), service->GetVat());
+  }
+  total.ChangeFractionalDivider(2);
+  return total;
+}
+
+const wchar_t* CustomerName(const Order::CCustomerType* customer) {
+  if (const auto* person = dynamic_cast<const Order::CPersonType*>(customer)) return person->GetName().c_str();
+  if (const auto* company = dynamic_cast<const Order::CCompanyType*>(customer)) return company->GetName().c_str();
+  return L"";
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::setlocale(LC_CTYPE, "C.UTF-8");
+  if (argc != 3) {
+    std::fputs("usage: order_pay IN OUT\n", stderr);
+    return 2;
+  }
+  try {
+    CSerializationContext context;
+    context.SetDefaultNamespaceURI(L"urn:example:order");
+    context.GetNamespaceAliases().Add(L"xsi", L"http://www.w3.org/2001/XMLSchema-instance");
+
+    Order::COrderType order;
+    order.FromXmlFile(Wide(argv[1]).c_str(), context);
+    std::printf("order %ls for %ls, %d lines, paid by %ls\n", order.GetId().c_str(), CustomerName(order.GetCustomer()),
+                order.GetLines()->GetLine()->GetCount(), order.GetPayment()->GetSelected().c_str());
+    const CDecimal total = Total(*order.GetLines());
+    std::printf("total %ls %ls\n", total.ToString(2).c_str(), Order::ECurrencyToString(order.GetCurrency()));
+
+    // A choice holds one member: the second is refused until the first has gone.
+    try {
+      order.GetPayment()->SetCash(total);
+    } catch (const CRkInvalidStateException& e) {
+      std::printf("refused: %ls\n", e.GetMessage().c_str());
+      if (order.GetPayment()->GetSelected() == L"card") {
+        order.GetPayment()->SetCard(nullptr);
+      } else {
+        order.GetPayment()->SetTransfer(nullptr);
+      }
+      order.GetPayment()->SetCash(total);
+    }
+    if (order.IsDueNil()) order.SetDue(CDateTime(2024, 12, 31));
+    if (order.GetNote()->GetCount() < 3) order.GetNote()->Add(L"paid in cash");
+
+    order.ToXmlFile(Wide(argv[2]).c_str(), true, true, XmlEncoding_UTF8, EOLType_LF, context, CompressionType_None);
+    std::printf("now paid by %ls\n", order.GetPayment()->GetSelected().c_str());
+    return 0;
+  } catch (const CRkException& e) {
+    std::fprintf(stderr, "order_pay: %ls\n", e.GetFullMessage().c_str());
+    return 1;
+  }
+}
