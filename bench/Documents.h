@@ -1,0 +1,15 @@
+#ifndef RKXMLLIB16_BENCH_DOCUMENTS_H
+#define RKXMLLIB16_BENCH_DOCUMENTS_H
+
+#include <cstddef>
+#include <string>
+
+namespace Bench {
+
+// Documents of the two examples as UTF-8 XML text of about `bytes` bytes, always the same for the same size.
+std::string MakeGpx(std::size_t bytes);
+std::string MakeOrder(std::size_t bytes);
+
+}  // namespace Bench
+
+#endif
