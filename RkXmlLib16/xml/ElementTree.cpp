@@ -6,6 +6,7 @@
 #include <map>
 #include <new>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "RkXmlLib16/core/Exception.h"
@@ -147,13 +148,13 @@ CXmlDocument::CXmlDocument(ElementFilter filter, const CSerializationContext& co
 CXmlDocument::~CXmlDocument() = default;
 
 void CXmlDocument::Init() {
+  auto fresh = std::make_unique<Storage>(*this);
   m_documentElement = nullptr;
   m_currentElement = nullptr;
   m_input = nullptr;
   m_inputLength = 0;
   m_schemaType = m_context->GetSchemaType();
-  m_storage = nullptr;  // first, so that one tree is held at a time
-  m_storage = std::make_unique<Storage>(*this);
+  m_storage = std::move(fresh);
 }
 
 void CXmlDocument::Cleanup() { Init(); }
@@ -186,6 +187,8 @@ const CXmlName* CXmlDocument::InternName(std::wstring_view text) {
 CXmlElement* CXmlDocument::AddElement(const CXmlName* namespaceUri, const CXmlName* localName) {
   Storage& storage = *m_storage;
   CXmlElement* const parent = m_currentElement;
+  if (parent == nullptr && m_documentElement != nullptr)
+    throw CRkException(L"A document has one document element only.");
   const unsigned long deepest = m_context->GetLimits().GetMaxElementDepth();
   if (storage.depth >= deepest && deepest != 0) storage.ThrowExceeded(L"element depth", deepest);
   storage.CountNode();
@@ -204,10 +207,7 @@ CXmlElement* CXmlDocument::AddElement(const CXmlName* namespaceUri, const CXmlNa
 }
 
 CXmlElement* CXmlDocument::AddDocElement(const wchar_t* namespaceUri, const wchar_t* localName) {
-  m_currentElement = nullptr;
-  m_storage->depth = 0;
-  m_storage->open.clear();
-  m_storage->pinned = 0;
+  if (m_documentElement != nullptr) throw CRkException(L"A document has one document element only.");
   return AddElement(InternName(ViewOf(namespaceUri)), InternName(ViewOf(localName)));
 }
 
@@ -389,7 +389,10 @@ std::wstring WithAlias(const CXmlDocument* document, const CXmlName* namespaceUr
 }  // namespace
 
 CXmlElement::CXmlElement(const CXmlDocument* document, const CXmlElement* parent)
-    : m_localName(document->GetEmptyName()), m_namespaceUri(m_localName), m_parent(const_cast<CXmlElement*>(parent)) {}
+    : m_localName(document != nullptr ? document->GetEmptyName()
+                                      : throw CRkInvalidParamException(L"An element needs a document.")),
+      m_namespaceUri(m_localName),
+      m_parent(const_cast<CXmlElement*>(parent)) {}
 
 CXmlDocument& CXmlElement::Owner() const { return *m_localName->m_document; }
 

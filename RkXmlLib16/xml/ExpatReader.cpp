@@ -349,6 +349,7 @@ void CExpatReader::CreateParser() {
 }
 
 void CExpatReader::Parse(bool isFinal) {
+  if (m_parser == nullptr) CreateParser();
   m_parser->Feed(isFinal);
   if (isFinal) Cleanup();
 }

@@ -137,6 +137,8 @@ TEST(ElementTree, BuildsByHand) {
   document.EndElement();
   EXPECT_RK_THROWS(CRkException, L"There is no open element to end.", document.EndElement());
   EXPECT_RK_THROWS(CRkException, L"A child element needs an open element.", document.AddChildElement(L"", L"c"));
+  EXPECT_RK_THROWS(CRkException, L"A document has one document element only.", document.AddDocElement(L"", L"r"));
+  EXPECT_RK_THROWS(CRkInvalidParamException, L"An element needs a document.", CXmlElement(nullptr, root));
 }
 
 }  // namespace
