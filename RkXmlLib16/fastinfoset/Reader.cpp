@@ -34,6 +34,11 @@ constexpr const wchar_t* kInvalidLengthBit2 =
 constexpr const wchar_t* kInvalidLengthBit5 =
     L"Failed to parse FastInfoset. Invalid NonEmptyOctetString type  on the fifth bit of an octet.";
 
+// By the two bits that select one.
+constexpr FIStringEncoding kStringEncodings[4] = {FIStringEncoding_UTF8, FIStringEncoding_UTF16BE,
+                                                  FIStringEncoding_RestrictedAlphabet,
+                                                  FIStringEncoding_EncodingAlgorithm};
+
 // Up to this many octets of UTF-8, room for as many characters is cheaper than counting them.
 constexpr std::size_t kUncountedLength = 64;
 
@@ -451,20 +456,7 @@ void CFastInfosetReader::SkipNonIdentifyingStringOrIndexBit1() {
 }
 
 CFastInfosetReader::EncodedString CFastInfosetReader::EncodedCharacterStringBit3(unsigned char octet) {
-  EncodedString string{};
-  switch (octet >> 4 & 3) {
-    case 0:
-      string.encoding = FIStringEncoding_UTF8;
-      break;
-    case 1:
-      string.encoding = FIStringEncoding_UTF16BE;
-      break;
-    case 2:
-      string.encoding = FIStringEncoding_RestrictedAlphabet;
-      break;
-    default:
-      string.encoding = FIStringEncoding_EncodingAlgorithm;
-  }
+  EncodedString string{kStringEncodings[octet >> 4 & 3], 0, nullptr, 0};
   if ((octet & 0x20) != 0) {
     const unsigned char second = Next();
     string.index = ((octet & 0x0Fu) << 4 | second >> 4) + 1;
@@ -476,20 +468,7 @@ CFastInfosetReader::EncodedString CFastInfosetReader::EncodedCharacterStringBit3
 }
 
 CFastInfosetReader::EncodedString CFastInfosetReader::EncodedCharacterStringBit5(unsigned char octet) {
-  EncodedString string{};
-  switch (octet >> 2 & 3) {
-    case 0:
-      string.encoding = FIStringEncoding_UTF8;
-      break;
-    case 1:
-      string.encoding = FIStringEncoding_UTF16BE;
-      break;
-    case 2:
-      string.encoding = FIStringEncoding_RestrictedAlphabet;
-      break;
-    default:
-      string.encoding = FIStringEncoding_EncodingAlgorithm;
-  }
+  EncodedString string{kStringEncodings[octet >> 2 & 3], 0, nullptr, 0};
   if ((octet & 0x08) != 0) {
     const unsigned char second = Next();
     string.index = ((octet & 0x03u) << 6 | second >> 2) + 1;
@@ -523,7 +502,6 @@ void CFastInfosetReader::NonEmptyOctetUTF16BEString(const unsigned char* octets,
   m_text = CEncoder::Utf16ToUnicode(BytesOf(octets, length), /*bigEndian=*/true);
 }
 
-// Ends at a code of all ones, which fills up the last octet, or where no whole code is left.
 void CFastInfosetReader::NonEmptyOctetRestrictedAlphabetString(unsigned long alphabet, const unsigned char* octets,
                                                                std::size_t length) {
   const auto& alphabets = CFIVocabulary::GetRestrictedAlphabets();
@@ -532,20 +510,32 @@ void CFastInfosetReader::NonEmptyOctetRestrictedAlphabetString(unsigned long alp
         L"Failed to parse FastInfoset. Invalid Encoding of Restricted Alphabet. Alphabet must contain between 2 and "
         L"2^20 characters.");
   }
+  InitBits(octets, length);
   const std::wstring& characters = alphabets[alphabet - 1];
   const int width = FastInfoset::BitsPerCharacter(characters.length());
-  const unsigned long allOnes = (1ul << width) - 1;
-  m_text.clear();
-  unsigned long bits = 0;
-  int bitCount = 0;
-  for (std::size_t i = 0; i < length; ++i) {
-    bits = (bits << 8 | octets[i]) & 0xFFFFFFFF;
-    for (bitCount += 8; bitCount >= width; bitCount -= width) {
-      const unsigned long code = bits >> (bitCount - width) & allOnes;
-      if (code >= characters.length()) return;
-      m_text += characters[code];
-    }
+  m_text.resize(length * 8 / static_cast<std::size_t>(width));
+  std::size_t charCount = 0;
+  // Ends at a code of all ones, which fills up the last octet, or where no whole code is left.
+  for (; charCount < m_text.length(); ++charCount) {
+    const unsigned code = GetBits(width);
+    if (code >= characters.length()) break;
+    m_text[charCount] = characters[code];
   }
+  m_text.resize(charCount);
+}
+
+void CFastInfosetReader::InitBits(const unsigned char* octets, std::size_t length) {
+  m_bits = octets;
+  m_bitsEnd = octets + length;
+  m_bitBuffer = 0;
+  m_bitCount = 0;
+}
+
+// At most as many as are left, and 20 at a time.
+unsigned CFastInfosetReader::GetBits(int count) {
+  for (; m_bitCount < count && m_bits != m_bitsEnd; m_bitCount += 8) m_bitBuffer = m_bitBuffer << 8 | *m_bits++;
+  m_bitCount -= count;
+  return m_bitBuffer >> m_bitCount & ((1u << count) - 1);
 }
 
 void CFastInfosetReader::NonEmptyOctetEncryptedString(unsigned long algorithm, const unsigned char* octets,
@@ -566,6 +556,7 @@ void CFastInfosetReader::CountExpansion(std::size_t charCount) {
 
 unsigned long CFastInfosetReader::Integer(const IntegerLayout& layout, unsigned char octet, const wchar_t* error) {
   const unsigned char bits = octet & layout.field;
+  if (bits + 1ul < layout.forms[1].lowest) return bits + 1ul;  // the first form has no pattern
   for (int i = 0; i < layout.formCount; ++i) {
     const IntegerForm& form = layout.forms[i];
     const unsigned mask = (1u << form.valueBits) - 1;

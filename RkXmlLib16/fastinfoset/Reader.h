@@ -103,6 +103,9 @@ class RKXML_EXPORT CFastInfosetReader {
   void NonEmptyOctetRestrictedAlphabetString(unsigned long alphabet, const unsigned char* octets, std::size_t length);
   void NonEmptyOctetEncryptedString(unsigned long algorithm, const unsigned char* octets, std::size_t length);
 
+  void InitBits(const unsigned char* octets, std::size_t length);
+  unsigned GetBits(int count);
+
   unsigned long Integer(const FastInfoset::IntegerLayout& layout, unsigned char octet, const wchar_t* error);
   unsigned long Integer1To2pw20Bit2(unsigned char octet);
   unsigned long Integer1To2pw20Bit3(unsigned char octet);
@@ -126,6 +129,10 @@ class RKXML_EXPORT CFastInfosetReader {
   const unsigned char* m_at = nullptr;
   const unsigned char* m_end = nullptr;
   std::wstring m_text;
+  const unsigned char* m_bits = nullptr;  // the octets that GetBits has not begun
+  const unsigned char* m_bitsEnd = nullptr;
+  unsigned m_bitBuffer = 0;
+  int m_bitCount = 0;  // bits of the buffer that are left
 
   CFIVocabulary m_vocabulary;  // attribute values and chunks; names are held as the document interns them
   Names m_prefixes;            // a null entry, here and below, is one of a list that was read past

@@ -1,10 +1,12 @@
 #include "RkXmlLib16/fastinfoset/Writer.h"
 
 #include <algorithm>
+#include <array>
 
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/fastinfoset/BinaryCodec.h"
 #include "RkXmlLib16/fastinfoset/internal/Octets.h"
+#include "RkXmlLib16/support/Ascii.h"
 #include "RkXmlLib16/support/BinaryStream.h"
 #include "RkXmlLib16/support/Encoder.h"
 #include "RkXmlLib16/support/Format.h"
@@ -18,16 +20,42 @@ namespace {
 
 constexpr std::size_t kFlushLength = 16384;
 constexpr unsigned char kNoAddBit = 0;
+constexpr std::size_t kShortText = 64;
+
+// A restricted alphabet and where its characters, which are ASCII, stand in it.
+struct Alphabet {
+  explicit Alphabet(const std::wstring& text) : length(text.length()) {
+    positions.fill(-1);
+    for (std::size_t i = 0; i < length; ++i) positions[static_cast<std::size_t>(text[i])] = static_cast<int>(i);
+  }
+  int Find(wchar_t c) const {
+    const auto code = static_cast<std::size_t>(static_cast<std::uint32_t>(c));
+    return code < positions.size() ? positions[code] : -1;
+  }
+
+  std::size_t length;
+  std::array<int, 128> positions;
+};
+
+const Alphabet& FindAlphabet(unsigned long index) {
+  static const auto& texts = CFIVocabulary::GetRestrictedAlphabets();
+  static const std::vector<Alphabet> alphabets(texts.begin(), texts.end());
+  if (index < 1 || index > alphabets.size()) {
+    throw CRkException(
+        FormatString(L"Failed to write FastInfoset. Invalid Restricted Alphabet value [%d]", static_cast<int>(index)));
+  }
+  return alphabets[index - 1];
+}
 
 // Packs the text at the end of `octets`; false, and nothing appended, when the alphabet lacks a character.
-bool AppendPacked(const std::wstring& alphabet, std::wstring_view text, std::vector<unsigned char>& octets) {
+bool AppendPacked(const Alphabet& alphabet, std::wstring_view text, std::vector<unsigned char>& octets) {
   const std::size_t start = octets.size();
-  const int width = FastInfoset::BitsPerCharacter(alphabet.length());
+  const int width = FastInfoset::BitsPerCharacter(alphabet.length);
   std::uint32_t bits = 0;
   int bitCount = 0;
   for (const wchar_t c : text) {
-    const std::size_t position = alphabet.find(c);
-    if (position == std::wstring::npos) {
+    const int position = alphabet.Find(c);
+    if (position < 0) {
       octets.resize(start);
       return false;
     }
@@ -39,13 +67,10 @@ bool AppendPacked(const std::wstring& alphabet, std::wstring_view text, std::vec
   return true;
 }
 
-const std::wstring& FindAlphabet(unsigned long index) {
-  const auto& alphabets = CFIVocabulary::GetRestrictedAlphabets();
-  if (index < 1 || index > alphabets.size()) {
-    throw CRkException(
-        FormatString(L"Failed to write FastInfoset. Invalid Restricted Alphabet value [%d]", static_cast<int>(index)));
-  }
-  return alphabets[index - 1];
+std::size_t SlotOf(std::wstring_view name, std::size_t slots) {
+  if (name.empty()) return 0;
+  const auto mix = static_cast<std::size_t>(name.front()) * 5 + static_cast<std::size_t>(name.back()) * 3;
+  return (mix + name.length()) % slots;
 }
 
 bool IsFloating(const EncodedCharacterString& encoding) {
@@ -291,21 +316,30 @@ void CFastInfosetWriter::LeaveScope() {
 
 void CFastInfosetWriter::QualifiedNameOrIndexBit2(const ScopedNamespace& scoped, std::wstring_view localName) {
   QualifiedName(FastInfoset::kIndexBit2, FastInfoset::kAttributeLiteralName, m_vocabulary.GetAttributeNamesTable(),
-                scoped, localName);
+                m_recentAttributes, scoped, localName);
 }
 
 void CFastInfosetWriter::QualifiedNameOrIndexBit3(const ScopedNamespace& scoped, std::wstring_view localName) {
-  QualifiedName(FastInfoset::kIndexBit3, FastInfoset::kElementLiteralName, m_vocabulary.GetElementNamesTable(), scoped,
-                localName);
+  QualifiedName(FastInfoset::kIndexBit3, FastInfoset::kElementLiteralName, m_vocabulary.GetElementNamesTable(),
+                m_recentElements, scoped, localName);
 }
 
 void CFastInfosetWriter::QualifiedName(const IntegerLayout& index, unsigned char literal, CFIQNameTable& names,
-                                       const ScopedNamespace& scoped, std::wstring_view localName) {
+                                       RecentNames& recent, const ScopedNamespace& scoped,
+                                       std::wstring_view localName) {
+  RecentName& slot = recent[SlotOf(localName, recent.size())];
+  const bool isRecent = slot.index != 0 && slot.prefixIndex == scoped.prefixIndex &&
+                        slot.namespaceNameIndex == scoped.namespaceNameIndex && slot.localName == localName;
+  if (isRecent) return Integer(index, 0, slot.index);
   CQNameParts parts{scoped.prefixIndex, scoped.namespaceNameIndex, m_vocabulary.GetLocalNamesTable().Find(localName)};
   const bool isScopeIndexed =
       (scoped.prefix.empty() || parts.m_prefixIndex != 0) && (scoped.uri.empty() || parts.m_namespaceNameIndex != 0);
   if (isScopeIndexed && parts.m_localNameIndex != 0) {
-    if (const unsigned long known = names.Find(parts)) return Integer(index, 0, known);
+    if (const unsigned long known = names.Find(parts)) {
+      const std::wstring_view lasting = m_vocabulary.GetLocalNamesTable()[parts.m_localNameIndex];
+      slot = {lasting, parts.m_prefixIndex, parts.m_namespaceNameIndex, known};
+      return Integer(index, 0, known);
+    }
   }
   if (!scoped.prefix.empty()) literal |= FastInfoset::kNamePrefixBit;
   if (!scoped.uri.empty()) literal |= FastInfoset::kNameNamespaceBit;
@@ -424,8 +458,8 @@ void CFastInfosetWriter::EncodedCharacterStringBit5(unsigned char octet, std::ws
 
 void CFastInfosetWriter::AppendRestrictedAlphabetString(unsigned long alphabetIndex, std::wstring_view text,
                                                         std::vector<unsigned char>& octets) {
-  const std::wstring& alphabet = FindAlphabet(alphabetIndex);
-  if (alphabet.length() < 2 || alphabet.length() > FI_MAX_TABLE_ENTRIES) {
+  const Alphabet& alphabet = FindAlphabet(alphabetIndex);
+  if (alphabet.length < 2 || alphabet.length > FI_MAX_TABLE_ENTRIES) {
     throw CRkException(
         L"Failed to write FastInfoset. Invalid Restricted Alphabet. Alphabet must contain between 2 and 2^20 "
         L"characters.");
@@ -472,6 +506,14 @@ void CFastInfosetWriter::NonEmptyOctetStringBit7(unsigned char octet, const unsi
 }
 
 void CFastInfosetWriter::Utf8(const IntegerLayout& layout, unsigned char octet, std::wstring_view text) {
+  if (text.length() <= kShortText) {
+    unsigned char ascii[kShortText];
+    if (Ascii::NarrowRun(text.data(), text.length(), ascii) == text.length()) {
+      Integer(layout, octet, text.length());
+      m_octets.insert(m_octets.end(), ascii, ascii + text.length());
+      return;
+    }
+  }
   const unsigned long length = CEncoder::Utf8Length(text);
   Integer(layout, octet, length);
   const std::size_t start = m_octets.size();
@@ -480,6 +522,10 @@ void CFastInfosetWriter::Utf8(const IntegerLayout& layout, unsigned char octet, 
 }
 
 void CFastInfosetWriter::Integer(const IntegerLayout& layout, unsigned char octet, unsigned long value) {
+  if (value - 1 < layout.forms[1].lowest - 1) {
+    m_octets.push_back(static_cast<unsigned char>(octet | (value - 1)));  // the first form has no pattern
+    return;
+  }
   if (value < 1 || value > layout.highest) {
     throw CRkException(value < 1 ? L"Failed to write FastInfoset. A name is empty."
                                  : L"Failed to write FastInfoset. A string is too long.");

@@ -1,6 +1,7 @@
 #ifndef RKXMLLIB16_FASTINFOSET_WRITER_H
 #define RKXMLLIB16_FASTINFOSET_WRITER_H
 
+#include <array>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -101,6 +102,14 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
     std::size_t element;
   };
   using ScopeCache = std::vector<ScopedNamespace>;
+  // A name that was written as an index, to be found again without the tables.
+  struct RecentName {
+    std::wstring_view localName;  // in its table
+    unsigned long prefixIndex = 0;
+    unsigned long namespaceNameIndex = 0;
+    unsigned long index = 0;  // 0 marks a free slot
+  };
+  using RecentNames = std::array<RecentName, 64>;
 
   bool IsStartTagOpen() const;
   void RequireStartTag() const;
@@ -116,7 +125,7 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
   EncodedCharacterString ChooseEncoding(std::wstring_view text, ItemType type, bool isContent);
   bool MayAdd(std::wstring_view text, unsigned long maxAddLength) const;
   void QualifiedName(const FastInfoset::IntegerLayout& index, unsigned char literal, CFIQNameTable& names,
-                     const ScopedNamespace& scoped, std::wstring_view localName);
+                     RecentNames& recent, const ScopedNamespace& scoped, std::wstring_view localName);
   void NamePart(std::wstring_view text, unsigned long index, CFIStringTable& table);
   void Integer(const FastInfoset::IntegerLayout& layout, unsigned char octet, unsigned long value);
   void Utf8(const FastInfoset::IntegerLayout& layout, unsigned char octet, std::wstring_view text);
@@ -138,6 +147,8 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
   std::vector<std::size_t> m_ownScopes;  // the open elements whose scope is not their parent's, by number
   ScopeCache m_elementScope;             // what was resolved in the present scope
   ScopeCache m_attributeScope;
+  RecentNames m_recentElements;
+  RecentNames m_recentAttributes;
 };
 
 }  // namespace RkXmlLib16
