@@ -157,9 +157,11 @@ void CJsonTextReader::ReadQuoted() {
   m_buffer.clear();
   ++m_at;
   for (;;) {
-    const std::size_t run = m_at;
-    while (!AtEnd() && m_text[m_at] != L'"' && m_text[m_at] != L'\\') ++m_at;
-    m_buffer.append(m_text, run, m_at - run);
+    const wchar_t* const run = m_text.data() + m_at;
+    const wchar_t* const end = m_text.data() + m_text.size();
+    const wchar_t* const stop = std::find_if(run, end, [](wchar_t c) { return c == L'"' || c == L'\\'; });
+    m_buffer.append(run, stop);
+    m_at += static_cast<std::size_t>(stop - run);
     if (AtEnd()) Fail(L"Unexpected End of File. Expected string value at line %d, position %d.");
     if (m_text[m_at++] == L'"') return;
     ReadEscape();
