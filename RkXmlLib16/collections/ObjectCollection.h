@@ -2,7 +2,6 @@
 #define RKXMLLIB16_COLLECTIONS_OBJECTCOLLECTION_H
 
 #include "RkXmlLib16/collections/Collection.h"
-#include "RkXmlLib16/core/ElementNameMatch.h"
 #include "RkXmlLib16/core/SmartPtr.h"
 #include "RkXmlLib16/xml/ElementTree.h"
 
@@ -61,7 +60,7 @@ class CXmlObjectCollection : public CXmlCollection {
 
  private:
   CXmlElement* ReadElements(CXmlElement* current, const CSerializationContext& context) {
-    while (ElementNameMatches(context, current, GetElementNameRef(), GetNamespace())) {
+    while (DoesElementNameMatch(context, current, GetElementNameRef().c_str(), GetNamespace())) {
       const CSmartPtr<CXmlObjectBase> item =
           m_abstractFactory != nullptr ? m_abstractFactory(current) : m_factory(m_classId, GetElementNameRef().c_str());
       if (item == nullptr) break;
