@@ -15,10 +15,8 @@
 #include <type_traits>
 #include <typeinfo>
 
-#if __has_include("Order.h")
 #include "Gpx.h"
 #include "Order.h"
-#endif
 
 using namespace RkXmlLib16;
 
