@@ -23,6 +23,7 @@
 #include "RkXmlLib16/json/JsonReaderHandler.h"
 #include "RkXmlLib16/json/JsonTextReader.h"
 #include "RkXmlLib16/json/JsonTextWriter.h"
+#include "RkXmlLib16/json/JsonToXml.h"
 #include "RkXmlLib16/metadata/FacetChecks.h"
 #include "RkXmlLib16/metadata/PrimitiveRestrictions.h"
 #include "RkXmlLib16/metadata/RegEx.h"
