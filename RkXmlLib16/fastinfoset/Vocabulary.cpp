@@ -1,7 +1,6 @@
 #include "RkXmlLib16/fastinfoset/Vocabulary.h"
 
 #include <algorithm>
-#include <functional>
 
 namespace RkXmlLib16 {
 
@@ -9,16 +8,15 @@ namespace {
 
 constexpr std::size_t kFirstBlockLength = 128;
 constexpr std::size_t kMaxBlockLength = 65536;
+constexpr std::uint64_t kHashFactor = 0x9E3779B97F4A7C15u;
 constexpr std::wstring_view kXmlPrefix = L"xml";
 constexpr std::wstring_view kXmlNamespaceName = L"http://www.w3.org/XML/1998/namespace";
-
-std::size_t HashText(std::wstring_view text) { return std::hash<std::wstring_view>()(text); }
 
 std::size_t HashParts(const CQNameParts& name) {
   // The indices have at most 21 bits each; the multiplication spreads them over the whole word.
   const std::uint64_t joined = static_cast<std::uint64_t>(name.m_prefixIndex) << 42 ^
                                static_cast<std::uint64_t>(name.m_namespaceNameIndex) << 21 ^ name.m_localNameIndex;
-  return (joined * 0x9E3779B97F4A7C15u) >> 16;
+  return (joined * kHashFactor) >> 16;
 }
 
 }  // namespace
@@ -42,22 +40,38 @@ void CFIIndexHash::Place(Slot slot) {
   m_slots[at] = slot;
 }
 
-CFIStringTable::CFIStringTable() = default;
+// The seed is an address, so that colliding texts cannot be made up beforehand.
+CFIStringTable::CFIStringTable() : m_hashSeed(reinterpret_cast<std::uintptr_t>(this) * kHashFactor) {}
 
-CFIStringTable::CFIStringTable(const CFIStringTable& other) {
+CFIStringTable::CFIStringTable(const CFIStringTable& other) : CFIStringTable() {
   m_entries.reserve(other.m_entries.size());
   for (const std::wstring_view text : other.m_entries) Append(text);
 }
 
-CFIStringTable& CFIStringTable::operator=(const CFIStringTable& other) { return *this = CFIStringTable(other); }
-
-CFIStringTable::CFIStringTable(CFIStringTable&&) noexcept = default;
-
-CFIStringTable& CFIStringTable::operator=(CFIStringTable&&) noexcept = default;
+CFIStringTable& CFIStringTable::operator=(const CFIStringTable& other) {
+  CFIStringTable copy(other);
+  m_entries.swap(copy.m_entries);
+  m_blocks.swap(copy.m_blocks);
+  std::swap(m_free, copy.m_free);
+  std::swap(m_freeLength, copy.m_freeLength);
+  std::swap(m_hashSeed, copy.m_hashSeed);
+  std::swap(m_hash, copy.m_hash);
+  std::swap(m_hashed, copy.m_hashed);
+  return *this;
+}
 
 CFIStringTable::~CFIStringTable() = default;
 
-unsigned long CFIStringTable::Find(std::wstring_view text) const { return Find(text, HashText(text)); }
+std::size_t CFIStringTable::Hash(std::wstring_view text) const noexcept {
+  std::uint64_t hash = m_hashSeed ^ text.length();
+  for (const wchar_t c : text) {
+    hash = (hash ^ static_cast<std::uint32_t>(c)) * kHashFactor;
+    hash ^= hash >> 32;
+  }
+  return hash;
+}
+
+unsigned long CFIStringTable::Find(std::wstring_view text) const { return Find(text, Hash(text)); }
 
 unsigned long CFIStringTable::Find(std::wstring_view text, std::size_t hash) const {
   HashNewEntries();
@@ -65,7 +79,7 @@ unsigned long CFIStringTable::Find(std::wstring_view text, std::size_t hash) con
 }
 
 unsigned long CFIStringTable::Add(std::wstring_view text) {
-  const std::size_t hash = HashText(text);
+  const std::size_t hash = Hash(text);
   const unsigned long index = Find(text, hash);
   if (index != 0 || size() >= FI_MAX_TABLE_ENTRIES) return index;
   Append(text);
@@ -92,7 +106,7 @@ void CFIStringTable::Append(std::wstring_view text) {
 void CFIStringTable::HashNewEntries() const {
   for (; m_hashed < size(); ++m_hashed) {
     const std::wstring_view text = (*this)[m_hashed + 1];
-    const std::size_t hash = HashText(text);
+    const std::size_t hash = Hash(text);
     if (m_hash.Find(hash, [&](unsigned long index) { return (*this)[index] == text; }) == 0) {
       m_hash.Insert(hash, m_hashed + 1);
     }

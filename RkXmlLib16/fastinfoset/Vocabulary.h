@@ -73,8 +73,6 @@ class RKXML_EXPORT CFIStringTable {
   CFIStringTable();
   CFIStringTable(const CFIStringTable& other);
   CFIStringTable& operator=(const CFIStringTable& other);
-  CFIStringTable(CFIStringTable&&) noexcept;
-  CFIStringTable& operator=(CFIStringTable&&) noexcept;
   ~CFIStringTable();
 
   // The first index of the text, or 0.
@@ -93,12 +91,14 @@ class RKXML_EXPORT CFIStringTable {
 
  private:
   unsigned long Find(std::wstring_view text, std::size_t hash) const;
+  std::size_t Hash(std::wstring_view text) const noexcept;
   void HashNewEntries() const;
 
   std::vector<std::wstring_view> m_entries;  // texts in the blocks
   std::vector<std::unique_ptr<wchar_t[]>> m_blocks;
   wchar_t* m_free = nullptr;  // the rest of the last block
   std::size_t m_freeLength = 0;
+  std::uint64_t m_hashSeed;
   mutable CFIIndexHash m_hash;         // reading never asks it, so it is filled by the first lookup
   mutable unsigned long m_hashed = 0;  // entries that it has seen
 };
