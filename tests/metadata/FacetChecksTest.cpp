@@ -1,0 +1,180 @@
+#include "RkXmlLib16/metadata/FacetChecks.h"
+
+#include "Expect.h"
+#include "RkXmlLib16/types/Conversions.h"
+#include "RkXmlLib16/types/Variant.h"
+
+using namespace RkXmlLib16;
+
+namespace {
+
+struct Bounds {
+  const wchar_t *minInclusive = nullptr, *maxInclusive = nullptr, *minExclusive = nullptr, *maxExclusive = nullptr;
+};
+
+CPrimitiveRestrictions With(const Bounds& b) {
+  return {nullptr, -1, -1, b.minInclusive, b.maxInclusive, b.minExclusive, b.maxExclusive, -1, -1, -1};
+}
+CPrimitiveRestrictions WithDigits(long totalDigits, long fractionDigits) {
+  return {nullptr, -1, -1, nullptr, nullptr, nullptr, nullptr, -1, totalDigits, fractionDigits};
+}
+CPrimitiveRestrictions WithLengths(long minLength, long maxLength, long length) {
+  return {nullptr, minLength, maxLength, nullptr, nullptr, nullptr, nullptr, length, -1, -1};
+}
+CPrimitiveRestrictions WithPattern(const wchar_t* pattern) {
+  return {pattern, -1, -1, nullptr, nullptr, nullptr, nullptr, -1, -1, -1};
+}
+
+RkVariant Value(ItemType type, const wchar_t* text) {
+  RkVariant value;
+  value.FromString(text, type);
+  return value;
+}
+
+bool Passes(ItemType type, const RkVariant& value, const CPrimitiveRestrictions& facets) {
+  try {
+    CXmlObjectHelper::CheckRestriction(L"e", value, type, facets);
+    return true;
+  } catch (const CRkException&) {
+    return false;
+  }
+}
+
+}  // namespace
+
+// The same body for every kind that has an order.
+TEST(FacetChecks, BoundsAreReadAsTheKindOfTheValue) {
+  const struct {
+    ItemType type;
+    const wchar_t *low, *middle, *high;
+    std::wstring shown;  // of the value in the middle, with what follows the name
+  } kinds[] = {
+      {ItemType_byte, L"-2", L"9", L"10", L"[9]"},
+      {ItemType_short, L"-2", L"9", L"10", L"[9]"},
+      {ItemType_int, L"9", L"3000000000", L"3000000001", L"[3000000000]"},
+      {ItemType_long, L"-2", L"9", L"10", L"[9]."},
+      {ItemType_unsignedByte, L"1", L"9", L"10", L"[9]"},
+      {ItemType_unsignedShort, L"1", L"9", L"10", L"[9]"},
+      {ItemType_unsignedInt, L"9", L"18446744073709551614", L"18446744073709551615", L"[18446744073709551614]"},
+      {ItemType_unsignedLong, L"1", L"9", L"10", L"[9]."},
+      {ItemType_float, L"-1", L"0.5", L"1e1", L"[0.500000]"},
+      {ItemType_double, L"-1", L"0.5", L"INF", L"[0.500000]"},
+      {ItemType_gYear, L"0999", L"2000", L"2001", L"[2000]"},
+      {ItemType_gMonth, L"--01", L"--02", L"--12", L"[2]"},
+      {ItemType_gDay, L"---01", L"---02", L"---31", L"[2]"},
+      {ItemType_decimal, L"-1", L"9.5", L"10", L"[9.5]."},
+      {ItemType_integer, L"-1", L"9", L"100000000000000000000", L"[9]."},
+      {ItemType_duration, L"P1D", L"P1M", L"P32D", L"[P1M]."},
+      {ItemType_date, L"1999-12-31", L"2000-01-01", L"2000-01-02", L"[2000-01-01]."},
+      {ItemType_dateTime, L"2000-01-01T00:00:00", L"2000-01-01T00:00:01", L"2000-01-01T00:00:02",
+       L"[2000-01-01T00:00:01]."},
+      {ItemType_time, L"00:00:00", L"12:00:00", L"23:00:00", L"[12:00:00]."},
+      {ItemType_gMonthDay, L"--01-31", L"--02-01", L"--03-01", L"[--02-01]."},
+  };
+  for (const auto& kind : kinds) {
+    const RkVariant low = Value(kind.type, kind.low), value = Value(kind.type, kind.middle),
+                    high = Value(kind.type, kind.high);
+    const auto passes = [&](const RkVariant& tested, const Bounds& bounds) {
+      return Passes(kind.type, tested, With(bounds));
+    };
+    EXPECT_TRUE(passes(value, {kind.low, kind.high, kind.low, kind.high})) << kind.type;
+    EXPECT_TRUE(passes(value, {kind.middle, kind.middle}));
+    EXPECT_FALSE(passes(value, {nullptr, nullptr, kind.middle}));
+    EXPECT_FALSE(passes(value, {nullptr, nullptr, nullptr, kind.middle}));
+    EXPECT_FALSE(passes(low, {kind.middle}));
+    EXPECT_FALSE(passes(high, {nullptr, kind.middle}));
+    EXPECT_FALSE(passes(low, {nullptr, nullptr, kind.middle}));
+    EXPECT_FALSE(passes(high, {nullptr, nullptr, nullptr, kind.middle}));
+    EXPECT_RK_THROWS(CRkException, L"Invalid Value for e " + kind.shown,
+                     CXmlObjectHelper::CheckRestriction(L"e", value, kind.type, With({kind.high})));
+  }
+  EXPECT_RK_THROWS(CRkInvalidValueException, L"The value [x] can not be converted to a i4",
+                   CXmlObjectHelper::CheckRestrictionFori4(L"e", 1, With({L"x"})));
+}
+
+TEST(FacetChecks, IndeterminateComparisonsPass) {
+  EXPECT_TRUE(Passes(ItemType_duration, Value(ItemType_duration, L"P30D"), With({L"P1M", L"P1M", L"P1M", L"P1M"})));
+  EXPECT_TRUE(Passes(ItemType_double, Value(ItemType_double, L"NaN"), With({L"1", L"0", L"1", L"0"})));
+  CXmlObjectHelper::CheckRestrictionFormonthYear(
+      L"e", CConversions::yearMonthFromString(L"2000-01", CWhitespaceUtils::none), With({L"2000-01"}));
+}
+
+TEST(FacetChecks, SomeKindsKnowNoFacets) {
+  const CPrimitiveRestrictions all(L"x", 9, 0, L"x", L"x", L"x", L"x", 9, 0, 0);
+  EXPECT_TRUE(Passes(ItemType_gYearMonth, Value(ItemType_gYearMonth, L"2000-01"), all));
+  EXPECT_TRUE(Passes(ItemType_boolean, Value(ItemType_boolean, L"true"), all));
+  EXPECT_RK_THROWS(
+      CRkException, L"Invalid Value for e [2000-01].",
+      CXmlObjectHelper::CheckRestrictionFormonthYear(
+          L"e", CConversions::yearMonthFromString(L"2000-01", CWhitespaceUtils::none), With({L"2000-02"})));
+}
+
+TEST(FacetChecks, TotalDigitsCountTheSignOfIntegersIntended) {
+  for (const ItemType type : {ItemType_byte, ItemType_short, ItemType_int, ItemType_long, ItemType_integer}) {
+    EXPECT_TRUE(Passes(type, Value(type, L"12"), WithDigits(2, -1)));
+    EXPECT_FALSE(Passes(type, Value(type, L"-12"), WithDigits(2, -1)));
+    EXPECT_TRUE(Passes(type, Value(type, L"-12"), WithDigits(3, -1)));
+  }
+  EXPECT_FALSE(Passes(ItemType_unsignedLong, Value(ItemType_unsignedLong, L"123"), WithDigits(2, -1)));
+  EXPECT_TRUE(Passes(ItemType_gYear, Value(ItemType_gYear, L"2000"), WithDigits(2, -1)));
+}
+
+TEST(FacetChecks, DecimalDigitsAreThoseItStores) {
+  const struct {
+    const wchar_t* text;
+    int integerDigits, fractionDigits;
+  } cases[] = {{L"123.45", 3, 2}, {L"0.05", 1, 2}, {L"7", 1, 0}, {L"-100.050", 3, 2}, {L"1.0", 1, 0}, {L"0", 1, 0}};
+  for (const auto& c : cases) {
+    const CDecimal value(c.text);
+    EXPECT_EQ(c.integerDigits, CXmlObjectHelper::GetDecimalIntegerPartLen(value));
+    EXPECT_EQ(c.fractionDigits, CXmlObjectHelper::GetDecimalFractionPartLen(value));
+  }
+  const RkVariant value = Value(ItemType_decimal, L"123.45");
+  EXPECT_TRUE(Passes(ItemType_decimal, value, WithDigits(5, 2)));
+  EXPECT_FALSE(Passes(ItemType_decimal, value, WithDigits(4, -1)));
+  EXPECT_FALSE(Passes(ItemType_decimal, value, WithDigits(-1, 1)));
+}
+
+TEST(FacetChecks, LengthsCountCharactersAndBytes) {
+  const struct {
+    ItemType type;
+    const wchar_t* text;  // of length 3
+  } kinds[] = {{ItemType_string,
+                L"a\U0001F600"
+                L"b"},
+               {ItemType_hexBinary, L"0102AB"},
+               {ItemType_base64Binary, L"TWFu"}};
+  for (const auto& kind : kinds) {
+    const RkVariant value = Value(kind.type, kind.text);
+    EXPECT_TRUE(Passes(kind.type, value, WithLengths(3, 3, 3)));
+    EXPECT_FALSE(Passes(kind.type, value, WithLengths(4, -1, -1)));
+    EXPECT_FALSE(Passes(kind.type, value, WithLengths(-1, 2, -1)));
+    EXPECT_RK_THROWS(CRkException, std::wstring(L"Invalid Value for e [") + kind.text + L"].",
+                     CXmlObjectHelper::CheckRestriction(L"e", value, kind.type, WithLengths(-1, -1, 0)));
+  }
+}
+
+TEST(FacetChecks, PatternsAreTestedAfterLengths) {
+  CXmlObjectHelper::CheckRestrictionForstring(L"e", L"a.b-c:d", WithPattern(L"\\c+"));
+  EXPECT_RK_THROWS(CRkException, L"Invalid Value for e [a b].",
+                   CXmlObjectHelper::CheckRestrictionForstring(L"e", L"a b", WithPattern(L"\\c+")));
+  EXPECT_RK_THROWS(CRkException,
+                   L"Invalid Regular Expression: v Error: 'missing closing parenthesis'\nInvalid Value for e [v].",
+                   CXmlObjectHelper::CheckRestrictionForstring(L"e", L"v", WithPattern(L"(")));
+  CXmlObjectHelper::CheckRestrictionForstring(L"e", L"\x4E2D", WithPattern(L"[\x4E00-\x9FFF]"));
+}
+
+TEST(FacetChecks, TheDispatcherWantsAValueOfItsKind) {
+  EXPECT_RK_THROWS(
+      CRkException, L"Invalid Type 23",
+      CXmlObjectHelper::CheckRestriction(L"e", Value(ItemType_string, L"1"), ItemType_int, CPrimitiveRestrictions()));
+  EXPECT_RK_THROWS(CRkException, L"Invalid Type 0",
+                   CXmlObjectHelper::CheckRestriction(L"e", RkVariant(), ItemType_none, CPrimitiveRestrictions()));
+}
+
+TEST(FacetChecks, NullFacetTextsAreNotSet) {
+  EXPECT_TRUE(CPrimitiveRestrictions().IsEmpty());
+  EXPECT_TRUE(CPrimitiveRestrictions(nullptr, -1, -1, nullptr, nullptr, nullptr, nullptr, -1, -1, -1).IsEmpty());
+  EXPECT_TRUE(CPrimitiveRestrictions(L"", -1, -1, L"", L"", L"", L"", -1, -1, -1).IsEmpty());
+  EXPECT_FALSE(CPrimitiveRestrictions(nullptr, -1, -1, nullptr, nullptr, nullptr, nullptr, -1, -1, 0).IsEmpty());
+}

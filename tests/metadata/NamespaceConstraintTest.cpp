@@ -1,0 +1,39 @@
+#include "RkXmlLib16/metadata/NamespaceConstraint.h"
+
+#include "Expect.h"
+#include "RkXmlLib16/metadata/FacetChecks.h"
+
+using namespace RkXmlLib16;
+
+TEST(NamespaceConstraint, TheFirstTokenThatAdmitsTheUriDecides) {
+  const struct {
+    const wchar_t *uri, *constraint, *target;
+    bool valid;
+  } cases[] = {
+      {L"urn:a", L"##any", L"urn:t", true},
+      {L"urn:a", L"##other", L"urn:t", true},
+      {L"urn:t", L"##other", L"urn:t", false},
+      {L"", L"##other", L"urn:t", true},
+      {L"", L"##other", L"", false},
+      {L"", L"##local", L"urn:t", true},
+      {L"urn:a", L"##local", L"urn:t", false},
+      {L"urn:t", L"##targetNamespace", L"urn:t", true},
+      {L"urn:a", L"##targetNamespace", L"urn:t", false},
+      {L"urn:b", L"urn:a urn:b", L"urn:t", true},
+      {L"urn:B", L"urn:a urn:b", L"urn:t", false},
+      {L"urn:t", L"##local ##targetNamespace", L"urn:t", true},
+      {L"", L"urn:a  urn:b", L"urn:t", true},  // two blanks part an empty token
+      {L"urn:a", L"", L"urn:t", false},
+  };
+  for (const auto& c : cases)
+    EXPECT_EQ(c.valid, CXmlObjectHelper::IsNamespaceValid(c.uri, c.constraint, c.target))
+        << RkXmlTest::Narrow(c.uri) << " in " << RkXmlTest::Narrow(c.constraint);
+}
+
+TEST(NamespaceConstraint, TestNamespaceNamesUriConstraintAndTarget) {
+  CXmlObjectHelper::TestNamespace(L"urn:a", L"##other", L"urn:t");
+  EXPECT_RK_THROWS(
+      CRkInvalidNamespaceException,
+      L"Invalid namespace [urn:t]. The namespace must be one of [##other] where the target namespace is [urn:t].",
+      CXmlObjectHelper::TestNamespace(L"urn:t", L"##other", L"urn:t"));
+}

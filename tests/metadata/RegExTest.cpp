@@ -1,0 +1,112 @@
+#include "RkXmlLib16/metadata/RegEx.h"
+
+#include <pthread.h>
+
+#include "Expect.h"
+
+using namespace RkXmlLib16;
+
+TEST(RegEx, RewritesXsdEscapesAndMatchesTheWholeValue) {
+  const struct {
+    const char* pattern;
+    const wchar_t* value;
+    bool matches;
+  } cases[] = {
+      {"\\c+", L"a.b-c:d", true},
+      {"\\c+", L"a b", false},
+      {"\\i\\c*", L"_x1", true},
+      {"\\i\\c*", L":x", true},
+      {"\\i\\c*", L"1x", false},
+      {"\\I", L"1", true},
+      {"\\I", L"a", false},
+      {"\\C", L" ", true},
+      {"\\C", L"-", false},
+      {"a\\\\b", L"a\\b", true},
+      {"\\\\i", L"\\i", true},  // an escaped backslash protects what follows
+      {"ab", L"abc", false},
+      {"b", L"ab", false},
+      {"a|ab", L"ab", true},
+      {"", L"", true},
+      {"a", L"a\n", false},
+      {"a\\s", L"a\n", true},
+      {".", L"\n", false},
+      {".", L"\r", true},  // only a line feed ends a line
+      {".", L"\U0001F600", true},
+      {"\\p{IsBasicLatin}+", L"az\x7F", true},
+      {"\\p{IsBasicLatin}", L"\x80", false},
+      {"\\p{IsLatin-1Supplement}", L"\xE9", true},
+      {"\\p{IsLatinExtended-A}", L"\x17F", true},
+      {"\\p{IsLatinExtended-A}", L"\x180", false},
+      {"\\p{Lu}\\d{2}",
+       L"\x00C9"
+       L"12",
+       true},
+      {"[0-9]{3}-\\d{4}", L"555-1234", true},
+      {"\\w+", L"\xE9", false},  // words are ASCII
+  };
+  for (const auto& c : cases)
+    EXPECT_EQ(c.matches, TestRegEx(c.pattern, c.value)) << c.pattern << " " << RkXmlTest::Narrow(c.value);
+}
+
+TEST(RegEx, TheFirstAlternativeThatEndsBeforeAFinalLineFeedSpoilsTheMatchIntended) {
+  EXPECT_FALSE(TestRegEx("a|a\\n", L"a\n"));
+  EXPECT_TRUE(TestRegEx("a\\n|a", L"a\n"));
+}
+
+TEST(RegEx, TheBlockLatinExtendedBNeverCompilesIntended) {
+  EXPECT_RK_THROWS(CRkException, L"Invalid Regular Expression: x Error: 'range out of order in character class'",
+                   TestRegEx("\\p{IsLatinExtended-B}", L"x"));
+}
+
+TEST(RegEx, AnInvalidExpressionShowsTheValueAndTheEnginesText) {
+  EXPECT_RK_THROWS(CRkException, L"Invalid Regular Expression: v Error: 'missing closing parenthesis'",
+                   TestRegEx("(", L"v"));
+}
+
+namespace {
+
+struct HardCase {
+  const char* pattern;
+  std::wstring value;
+  const char* answer;  // "gives up" with the message of the engine's limit
+};
+
+const char* Answer(const HardCase& c) {
+  try {
+    return TestRegEx(c.pattern, c.value) ? "matches" : "does not match";
+  } catch (const CRkException& e) {
+    const std::wstring limit = L" Error: 'match limit exceeded'";
+    const std::wstring& message = e.GetMessage();
+    return message.compare(message.size() - limit.size(), limit.size(), limit) == 0 ? "gives up" : "fails";
+  }
+}
+
+void* RunHardCases(void*) {
+  const std::wstring many(100000, L'a');
+  const HardCase cases[] = {
+      // Longer than any stack that goes a level deeper by the character.
+      {"\\c+", std::wstring(1000000, L'a'), "matches"},
+      {"\\c+", std::wstring(1000000, L'a') + L" ", "does not match"},
+      // Exponential to a matcher that goes back.
+      {"(a|aa)+", many + L"b", "does not match"},
+      {"(a|aa)+", many, "matches"},
+      {"(\\i\\c*\\s?)+", many + L"!", "does not match"},
+      // Too much for both matchers.
+      {"(a+)+b", many, "gives up"},
+      {"((a+)+)\\2b", many, "gives up"},
+  };
+  for (const HardCase& c : cases) EXPECT_STREQ(c.answer, Answer(c)) << c.pattern;
+  return nullptr;
+}
+
+}  // namespace
+
+TEST(RegEx, HardPatternsEndCleanlyOnASmallStack) {
+  pthread_attr_t attributes;
+  pthread_attr_init(&attributes);
+  pthread_attr_setstacksize(&attributes, 256 * 1024);
+  pthread_t thread;
+  ASSERT_EQ(0, pthread_create(&thread, &attributes, RunHardCases, nullptr));
+  pthread_join(thread, nullptr);
+  pthread_attr_destroy(&attributes);
+}
