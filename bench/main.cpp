@@ -220,9 +220,8 @@ int main(int argc, char** argv) {
     }
   }
   std::string interleave = "--benchmark_enable_random_interleaving=true";
-  std::string repetitions = "--benchmark_repetitions=7";
-  std::string minTime = "--benchmark_min_time=0.05";
-  arguments.insert(arguments.begin() + 1, {interleave.data(), repetitions.data(), minTime.data()});
+  std::string repetitions = "--benchmark_repetitions=5";
+  arguments.insert(arguments.begin() + 1, {interleave.data(), repetitions.data()});
   int count = static_cast<int>(arguments.size());
   benchmark::Initialize(&count, arguments.data());
 
