@@ -1,5 +1,6 @@
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,7 @@
 #include "RkXmlLib16/metadata/ElementInfo.h"
 #include "RkXmlLib16/metadata/ParentElementInfo.h"
 #include "RkXmlLib16/metadata/internal/NilValue.h"
+#include "RkXmlLib16/metadata/internal/SiblingSearch.h"
 #include "RkXmlLib16/support/Format.h"
 #include "RkXmlLib16/types/Variant.h"
 #include "RkXmlLib16/xml/ElementTree.h"
@@ -111,6 +113,8 @@ CXmlElement* CXmlGeneratedClass::ReadElement(CXmlElement* element, CXmlElement* 
   ProcessAttributesFromXml(context, element, info.HasStrictAttributes(), nillable);
   if (nillable != nullptr && nillable->IsNil()) return firstChild;
 
+  std::optional<RkXmlLib16Data::SiblingSearch> search;
+  if (elementType == XmlElementType_Element && context.GetIgnoreUnknownElements()) search.emplace(element);
   CXmlElement* unread = nullptr;
   switch (info.GetGroupType()) {
     case XmlElementGroupType_Sequence:
@@ -155,6 +159,8 @@ void CXmlGeneratedClass::ProcessAttributesFromXml(const CSerializationContext& c
                                                   bool strictAttributes, INillable* nillable) {
   CAttributeInfo** const infos = OrEmpty(GetClassAttributeInfo());
   const bool ownElement = GetClassInfo()->GetElementType() == XmlElementType_Element;
+  // An inline group is offered the same attributes for every attempt; most have no use for them.
+  if (!ownElement && infos[0] == nullptr && (!strictAttributes || context.GetIgnoreUnknownAttributes())) return;
   SeenFlags seen;
   for (CXmlAttribute* attribute : element->GetAttributes()) {
     if (attribute->IsNamespaceAttribute()) continue;

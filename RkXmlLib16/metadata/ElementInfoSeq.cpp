@@ -3,6 +3,7 @@
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/core/SerializationContext.h"
 #include "RkXmlLib16/metadata/internal/ElementRules.h"
+#include "RkXmlLib16/metadata/internal/SiblingSearch.h"
 #include "RkXmlLib16/support/Format.h"
 #include "RkXmlLib16/xml/ElementTree.h"
 
@@ -21,14 +22,13 @@ enum class Seek {
 // Looks for the element of a mandatory member, past unknown elements where the context ignores those.
 Seek SeekMandatory(const CElementInfo& info, const CSerializationContext& context, const CXmlElement* parent,
                    CXmlElement** cursor, XmlElementType ownerType) {
+  if (info.IsThisElement(context, *cursor)) return Seek::Found;
   const bool ownElement = ownerType == XmlElementType_Element;
-  while (!info.IsThisElement(context, *cursor)) {
-    if (ownElement && context.GetIgnoreMissingMandatoryElements()) return Seek::GoOn;
-    if (!context.GetIgnoreUnknownElements() || *cursor == nullptr) {
-      if (ownElement) ThrowMissingChild(info, parent);
-      return Seek::NotMine;
-    }
-    *cursor = (*cursor)->GetNextSiblingElement();
+  if (ownElement && context.GetIgnoreMissingMandatoryElements()) return Seek::GoOn;
+  if (context.GetIgnoreUnknownElements()) *cursor = SiblingSearch::Find(info, context, *cursor);
+  if (!context.GetIgnoreUnknownElements() || *cursor == nullptr) {
+    if (ownElement) ThrowMissingChild(info, parent);
+    return Seek::NotMine;
   }
   return Seek::Found;
 }

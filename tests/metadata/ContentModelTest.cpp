@@ -228,6 +228,28 @@ TEST_F(ContentModelTest, SkippingToTheEndBehindAGroupEndsTheSequenceIntended) {
                  Thrown([&] { Read(table, L"<r/>", With(kUnknownElements)); }));
 }
 
+// A group is offered every place in turn and looks to the end each time; that must not be quadratic, nor find what
+// stands before the place.
+TEST_F(ContentModelTest, GroupsAmongManyUnknownElementsAreFoundQuickly) {
+  const Table pa(ClassInfo(kSequence, L"pa", kInline), {Prim(L"p", 0), Prim(L"a", 1)});
+  const Table qa(ClassInfo(kSequence, L"qa", kInline), {Prim(L"q", 0), Prim(L"a", 1)});
+  const Table table(ClassInfo(kChoice, L"r"), {Cls(L"pa", 0, kInline, 0), Cls(L"qa", 1, kInline, 1)});
+  Classes() = {&pa, &qa};
+  const auto unknown = With(kUnknownElements);
+  const auto many = [](int count, const wchar_t* element) {
+    std::wstring text;
+    for (int i = 0; i < count; ++i) text += element;
+    return text;
+  };
+  const std::wstring few = many(100, L"<x/>");
+  EXPECT_WIDE_EQ(L"<r><q>1</q><a>2</a></r>",
+                 Outcome(table, few + L"<q>1</q>" + few + L"<a>2</a>" + few + L"<p>3</p>" + few, unknown));
+  EXPECT_WIDE_EQ(L"<r><p>3</p><a>4</a></r>",
+                 Outcome(table, few + L"<a>1</a>" + few + L"<p>3</p>" + few + L"<a>4</a>" + few, unknown));
+  const std::wstring lots = many(100000, L"<x/><p>1</p>");
+  EXPECT_WIDE_EQ(kNoChoice, Outcome(table, lots, unknown));
+}
+
 TEST_F(ContentModelTest, AllGroupIsReadInAnyOrder) {
   const Table child(ClassInfo(kSequence, L"c"), {Prim<CElementInfoSeqPrimOpt>(L"v", 0)});
   const Table table(

@@ -1,0 +1,39 @@
+#ifndef RKXMLLIB16_METADATA_INTERNAL_SIBLINGSEARCH_H
+#define RKXMLLIB16_METADATA_INTERNAL_SIBLINGSEARCH_H
+
+#include <cstddef>
+#include <memory>
+#include <unordered_map>
+#include <vector>
+
+#include "RkXmlLib16/metadata/ElementInfo.h"
+
+namespace RkXmlLib16Data {
+
+// Looks for the next child that a record accepts, past unknown ones. Inline groups are offered the same children from
+// one place after the other, and each looks as far as the end; lest that be quadratic, a long search makes an index of
+// the children, which lives as long as their element is being read.
+class SiblingSearch {
+ public:
+  // Serves the children of `element` on this thread until it is destroyed.
+  explicit SiblingSearch(const CXmlElement* element) noexcept;
+  SiblingSearch(const SiblingSearch&) = delete;
+  SiblingSearch& operator=(const SiblingSearch&) = delete;
+  ~SiblingSearch();
+
+  // The first element from `from` (may be null) on that the record accepts; null when there is none.
+  static CXmlElement* Find(const CElementInfo& info, const CSerializationContext& context, CXmlElement* from);
+
+ private:
+  CXmlElement* FindInIndex(const CElementInfo& info, const CSerializationContext& context, const CXmlElement* from);
+
+  const CXmlElement* m_element;
+  SiblingSearch* m_outer;
+  std::vector<CXmlElement*> m_children;                                          // empty until needed
+  std::unordered_map<const CXmlElement*, std::size_t> m_places;                  // in m_children
+  std::unordered_map<const CElementInfo*, std::vector<std::size_t>> m_accepted;  // places, ascending
+};
+
+}  // namespace RkXmlLib16Data
+
+#endif
