@@ -143,9 +143,10 @@ void CFastInfosetReader::AdditionalData() {
 }
 
 // The length is read before every item, so that only a list of one item is read past correctly; after any other one the
-// numbers of the entries are not known. False for an absent entry of the table.
+// numbers of the entries are not known. Returns whether the part is present, and so has an entry in its table.
 template <class SkipItem>
-bool CFastInfosetReader::SkipList(SkipItem&& skipItem) {
+bool CFastInfosetReader::SkipList(bool isPresent, SkipItem&& skipItem) {
+  if (!isPresent) return false;
   unsigned long done = 0;
   unsigned long length = 0;
   do {
@@ -169,24 +170,24 @@ void CFastInfosetReader::InitialVocabulary() {
   const unsigned char first = Next();
   const unsigned char second = Next();
   if ((first & 0x10) != 0) skipString();  // the URI of the external vocabulary
-  if ((first & 0x08) != 0) SkipList(skipString);
-  if ((first & 0x04) != 0) SkipList(skipString);
-  if ((first & 0x02) != 0 && SkipList(skipString)) m_prefixes.push_back(nullptr);
-  if ((first & 0x01) != 0 && SkipList(skipString)) m_namespaceNames.push_back(nullptr);
-  if ((second & 0x80) != 0 && SkipList(skipString)) m_localNames.push_back(nullptr);
-  if ((second & 0x40) != 0 && SkipList(skipString)) ++m_otherNCNames;
-  if ((second & 0x20) != 0 && SkipList(skipString)) ++m_otherUris;
-  if ((second & 0x10) != 0 && SkipList(skipValue)) {
+  SkipList((first & 0x08) != 0, skipString);
+  SkipList((first & 0x04) != 0, skipString);
+  if (SkipList((first & 0x02) != 0, skipString)) m_prefixes.push_back(nullptr);
+  if (SkipList((first & 0x01) != 0, skipString)) m_namespaceNames.push_back(nullptr);
+  if (SkipList((second & 0x80) != 0, skipString)) m_localNames.push_back(nullptr);
+  if (SkipList((second & 0x40) != 0, skipString)) ++m_otherNCNames;
+  if (SkipList((second & 0x20) != 0, skipString)) ++m_otherUris;
+  if (SkipList((second & 0x10) != 0, skipValue)) {
     CFIVocabulary::AddValueToVector({}, m_vocabulary.GetAttributeValuesTable());
     m_skippedValue = m_vocabulary.GetAttributeValuesTable().size();
   }
-  if ((second & 0x08) != 0 && SkipList(skipValue)) {
+  if (SkipList((second & 0x08) != 0, skipValue)) {
     CFIVocabulary::AddValueToVector({}, m_vocabulary.GetCharacterChunksTable());
     m_skippedChunk = m_vocabulary.GetCharacterChunksTable().size();
   }
-  if ((second & 0x04) != 0 && SkipList(skipValue)) ++m_otherStrings;
-  if ((second & 0x02) != 0 && SkipList(skipName)) m_elementNames.push_back({nullptr, nullptr});
-  if ((second & 0x01) != 0 && SkipList(skipName)) m_attributeNames.push_back({nullptr, nullptr});
+  if (SkipList((second & 0x04) != 0, skipValue)) ++m_otherStrings;
+  if (SkipList((second & 0x02) != 0, skipName)) m_elementNames.push_back({nullptr, nullptr});
+  if (SkipList((second & 0x01) != 0, skipName)) m_attributeNames.push_back({nullptr, nullptr});
 }
 
 void CFastInfosetReader::Notations() {

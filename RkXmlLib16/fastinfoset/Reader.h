@@ -120,7 +120,7 @@ class RKXML_EXPORT CFastInfosetReader {
   const unsigned char* Move(std::size_t n);
 
   template <class SkipItem>
-  bool SkipList(SkipItem&& skipItem);
+  bool SkipList(bool isPresent, SkipItem&& skipItem);
   bool IsKnown(unsigned long index, std::size_t size) const noexcept { return index <= size && !m_isVocabularyLost; }
   void CountExpansion(std::size_t charCount);
 
