@@ -204,13 +204,18 @@ std::wstring CDecimal::ToString(int fractionDigits) const {
 
 void CDecimal::AppendTo(std::wstring& out) const {
   if (IsNegative()) out += L'-';
-  if (m_integer.IsZero())
-    out += L'0';
-  else
-    for (std::size_t i = m_integer.GetDigits().size(); i-- > 0;) out += L'0' + m_integer.GetDigits()[i];
-  if (m_fraction.IsZero()) return;
-  out += L'.';
-  for (std::int32_t k = 1; k <= m_divider; ++k) out += L'0' + FractionDigit(*this, k);
+  const CDigitVector& integer = m_integer.GetDigits();
+  const CDigitVector& fraction = m_fraction.GetDigits();
+  const std::size_t integerDigits = std::max<std::size_t>(integer.size(), 1);
+  const std::size_t fractionDigits = m_fraction.IsZero() ? 0 : static_cast<std::size_t>(m_divider);
+  out.append(integerDigits + (fractionDigits == 0 ? 0 : fractionDigits + 1), L'0');
+  wchar_t* to = out.data() + out.size();
+  if (fractionDigits != 0) {
+    for (std::size_t i = 0; i < fraction.size(); ++i) *--to = L'0' + fraction[i];
+    to -= fractionDigits - fraction.size();
+    *--to = L'.';
+  }
+  for (std::size_t i = 0; i < integer.size(); ++i) *--to = L'0' + integer[i];
 }
 
 void CDecimal::Rationalise() {
