@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+#include "RkXmlLib16/core/Export.h"
+
 namespace RkXmlLib16 {
 
 // Byte form of text output.
@@ -33,8 +35,9 @@ enum FInfoDecl : std::int32_t {
   FInfoDecl_Version11StandaloneNo = 9    // <?xml version='1.1' encoding='finf' standalone='no'?>
 };
 
-// XSD primitive kind, as passed to writers, conversions and collections.
-enum ItemType : std::int32_t {
+// XSD primitive kind, as passed to writers, conversions and collections. Exported, because it is an argument of
+// exported templates.
+enum RKXML_EXPORT ItemType : std::int32_t {
   ItemType_none = 0,
   ItemType_hexBinary = 1,
   ItemType_base64Binary = 2,
