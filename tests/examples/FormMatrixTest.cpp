@@ -1,0 +1,107 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+
+#include "Gpx.h"
+#include "Order.h"
+#include "RkXmlLib16/RkXmlLib16.h"
+
+using namespace RkXmlLib16;
+
+namespace {
+
+// How an object travels: written, and read into a fresh object of its class.
+struct Road {
+  const char* name;
+  void (*travel)(const CXmlObjectBase& from, CXmlObjectBase& to, const CSerializationContext& context);
+};
+
+template <CompressionType kCompression, bool kFormatted>
+void ByXml(const CXmlObjectBase& from, CXmlObjectBase& to, const CSerializationContext& context) {
+  to.FromXmlStream(from.ToXmlStream(true, kFormatted, XmlEncoding_UTF8, EOLType_CRLF, context, kCompression), context);
+}
+
+void ByWideXml(const CXmlObjectBase& from, CXmlObjectBase& to, const CSerializationContext& context) {
+  CXmlDocument document(context);
+  document.LoadXmlWide(from.ToXml(false, true, EOLType_LF, context));
+  to.FromXmlElement(document.GetDocumentElement(), context);
+}
+
+template <CompressionType kCompression, bool kFormatted>
+void ByJson(const CXmlObjectBase& from, CXmlObjectBase& to, const CSerializationContext& context) {
+  context.GetJsonContext()->SetStrictOutput(true);
+  to.FromJsonStream(from.ToJsonStream(kFormatted, XmlEncoding_UTF8, EOLType_LF, context, kCompression), context);
+}
+
+template <CompressionType kCompression, FInfoDecl kDeclaration, bool kTyped>
+void ByFastInfoset(const CXmlObjectBase& from, CXmlObjectBase& to, const CSerializationContext& context) {
+  if (kTyped) context.GetFIContext()->SetSuggestedValues();
+  to.FromXmlStream(from.ToFastInfosetStream(kDeclaration, context, kCompression), context);
+}
+
+const Road kRoads[] = {
+    {"XML text", ByXml<CompressionType_None, true>},
+    {"compact XML text", ByXml<CompressionType_None, false>},
+    {"XML text in gzip", ByXml<CompressionType_GZip, true>},
+    {"XML text in zlib", ByXml<CompressionType_ZLib, false>},
+    {"wide XML text", ByWideXml},
+    {"JSON", ByJson<CompressionType_None, true>},
+    {"compact JSON in gzip", ByJson<CompressionType_GZip, false>},
+    {"Fast Infoset", ByFastInfoset<CompressionType_None, FInfoDecl_None, false>},
+    {"typed Fast Infoset", ByFastInfoset<CompressionType_None, FInfoDecl_Version10, true>},
+    {"typed Fast Infoset in zlib", ByFastInfoset<CompressionType_ZLib, FInfoDecl_Version11StandaloneNo, true>},
+};
+
+std::string Bytes(const CBinaryData& data) { return {reinterpret_cast<const char*>(data.GetData()), data.GetLength()}; }
+
+class FormMatrix : public testing::TestWithParam<Road> {
+ protected:
+  template <class Root>
+  void Travel(const wchar_t* file, void (*change)(Root&) = nullptr) {
+    Root from;
+    from.FromXmlFile((L"" RKXML_EXAMPLE_DATA + std::wstring(file)).c_str());
+    if (change != nullptr) change(from);
+    CSerializationContext context;
+    context.SetDefaultNamespaceURI(from.GetTargetNamespace());
+    context.GetNamespaceAliases().Add(L"xsi", L"http://www.w3.org/2001/XMLSchema-instance");
+    context.GetNamespaceAliases().Add(L"audit", L"urn:example:audit");
+    context.GetNamespaceAliases().Add(L"hike", L"https://example.org/xmlns/hike/1");
+    Root to;
+    GetParam().travel(from, to, context);
+    // As bytes, because a character above U+FFFF may be one wide character or two.
+    const std::string expected = Bytes(from.ToXmlStream());
+    const std::string actual = Bytes(to.ToXmlStream());
+    const std::size_t at = static_cast<std::size_t>(
+        std::mismatch(expected.begin(), expected.end(), actual.begin(), actual.end()).first - expected.begin());
+    EXPECT_TRUE(expected == actual) << GetParam().name << ", expected ..." << expected.substr(at, 200) << "\nfound ..."
+                                    << actual.substr(std::min(at, actual.size()), 200);
+  }
+};
+
+TEST_P(FormMatrix, ATrackArrivesAsItWas) { Travel<Gpx::CGpxType>(L"/track.gpx"); }
+
+TEST_P(FormMatrix, AnOrderArrivesAsItWas) { Travel<Order::COrderType>(L"/order.xml"); }
+
+TEST_P(FormMatrix, SmallObjectsAndHardTextsArriveAsTheyWere) {
+  Travel<Order::COrderType>(L"/order.xml", [](Order::COrderType& order) {
+    const CSmartPtr<Order::CPersonType> person(new Order::CPersonType(L"customer"));
+    person->SetName(L"\"<&>\\ ]]> \U0001F600 \n end");
+    person->SetBorn(CDateTime(1999, 2, 28));
+    order.SetCustomer(person);
+    order.GetLines()->GetLine()->Clear();
+    order.GetLines()->GetLine()->AddNew()->SetService(
+        CSmartPtr<Order::CServiceType>(new Order::CServiceType(L"service")));
+    order.GetLines()->GetLine()->Item(0)->GetService()->SetName(L"<![CDATA");
+    order.GetPayment()->SetCard(nullptr);
+    order.GetPayment()->SetCash(CDecimal(L"0.05"));
+    order.SetDueNil();
+    order.GetNote()->Clear();
+    order.SetAnyElement(nullptr);
+  });
+}
+
+INSTANTIATE_TEST_SUITE_P(Roads, FormMatrix, testing::ValuesIn(kRoads),
+                         [](const auto& road) { return "Road" + std::to_string(road.index); });
+
+}  // namespace
