@@ -132,6 +132,6 @@ void RkVariant::SetXmlCollection(CXmlCollectionBase* collection) {
   SetReference(kXmlCollection, collection, collection);
 }
 
-CSmartPtr<CXmlCollectionBase> RkVariant::GetXmlCollection() const { return Collection(); }
+CSmartPtr<CXmlCollectionBase> RkVariant::GetXmlCollection() const { return PeekXmlCollection(); }
 
 }  // namespace RkXmlLib16

@@ -47,6 +47,11 @@ std::wstring CXmlObjectBase::ToXml(bool includeDocumentHeader, bool formatted, E
 
 CBinaryData CXmlObjectBase::ToXmlStream(bool includeDocumentHeader, bool formatted, XmlEncoding encoding, EOLType eol,
                                         const CSerializationContext& context, CompressionType compression) const {
+  if (encoding == XmlEncoding_UTF8) {
+    CUtf8TextStream stream;
+    WriteXmlText(*this, stream, includeDocumentHeader, formatted, eol, context);
+    return Guarded([&] { return Compressed(stream.TakeBytes(), compression); });
+  }
   CTextStream stream(encoding);
   WriteXmlText(*this, stream, includeDocumentHeader, formatted, eol, context);
   return Guarded([&] { return Compressed(stream.GetEncodedStream(), compression); });

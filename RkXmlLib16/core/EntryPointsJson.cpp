@@ -67,6 +67,11 @@ std::wstring CXmlObjectBase::ToJson(bool formatted, EOLType eol, const CSerializ
 
 CBinaryData CXmlObjectBase::ToJsonStream(bool formatted, XmlEncoding encoding, EOLType eol,
                                          const CSerializationContext& context, CompressionType compression) const {
+  if (encoding == XmlEncoding_UTF8) {
+    CUtf8TextStream stream;
+    WriteJsonText(*this, stream, formatted, eol, context);
+    return Guarded([&] { return Compressed(stream.TakeBytes(), compression); });
+  }
   CTextStream stream(encoding);
   WriteJsonText(*this, stream, formatted, eol, context);
   return Guarded([&] { return Compressed(stream.GetEncodedStream(), compression); });

@@ -1,5 +1,7 @@
 #include "RkXmlLib16/core/GeneratedClass.h"
 
+#include <typeinfo>
+
 #include "RkXmlLib16/metadata/AttributeInfo.h"
 #include "RkXmlLib16/metadata/ElementInfo.h"
 #include "RkXmlLib16/metadata/ParentElementInfo.h"
@@ -19,6 +21,13 @@ int CXmlGeneratedClass::GetClassElementInfoCount() const {
   int count = 0;
   while (infos != nullptr && infos[count] != nullptr) ++count;
   return count;
+}
+
+const INillable* CXmlGeneratedClass::AsNillable(const CParentElementInfo& info) const {
+  if (info.IsKnownNotNillable(typeid(*this))) return nullptr;
+  const auto* const nillable = dynamic_cast<const INillable*>(this);
+  if (nillable == nullptr) info.SetNotNillable(typeid(*this));
+  return nillable;
 }
 
 void CXmlGeneratedClass::ReadProperty(int propertyIndex, RkVariant& value) const {

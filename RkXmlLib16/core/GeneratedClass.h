@@ -91,6 +91,9 @@ class RKXML_EXPORT CXmlGeneratedClass : public CXmlObjectBase {
   void ProcessElementAllToXml(const CSerializationContext& context, RkXmlLib16Data::CElementInfo** infos,
                               CXmlWriter* writer) const;
 
+  // This object as INillable, or null.
+  const INillable* AsNillable(const RkXmlLib16Data::CParentElementInfo& info) const;
+
   CXmlElement* ReadElement(CXmlElement* element, CXmlElement* firstChild, const CSerializationContext& context,
                            bool isOptionalChoice);
   void ReadSimpleContent(const CXmlElement* element);

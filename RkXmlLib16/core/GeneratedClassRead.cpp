@@ -105,7 +105,7 @@ CXmlElement* CXmlGeneratedClass::ReadElement(CXmlElement* element, CXmlElement* 
   BeginFromXml_Int(element, firstChild, context, isOptionalChoice);
   const CParentElementInfo& info = *GetClassInfo();
   const XmlElementType elementType = info.GetElementType();
-  auto* nillable = dynamic_cast<INillable*>(this);
+  auto* nillable = const_cast<INillable*>(AsNillable(info));
   if (elementType == XmlElementType_Element) {
     m_elementName.assign(element->GetLocalName().View());
     if (nillable != nullptr && nillable->IsNil()) nillable->SetNil(false);

@@ -3,11 +3,12 @@
 
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/core/GeneratedClass.h"
-#include "RkXmlLib16/core/internal/RootWriter.h"
 #include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/core/internal/RootWriter.h"
 #include "RkXmlLib16/metadata/AttributeInfo.h"
 #include "RkXmlLib16/metadata/ElementInfo.h"
 #include "RkXmlLib16/metadata/ParentElementInfo.h"
+#include "RkXmlLib16/metadata/internal/ValueText.h"
 #include "RkXmlLib16/support/Format.h"
 #include "RkXmlLib16/types/Variant.h"
 #include "RkXmlLib16/xml/XmlWriter.h"
@@ -17,6 +18,7 @@ namespace RkXmlLib16 {
 using RkXmlLib16Data::CAttributeInfo;
 using RkXmlLib16Data::CElementInfo;
 using RkXmlLib16Data::CParentElementInfo;
+using RkXmlLib16Data::ValueText;
 
 namespace {
 
@@ -48,7 +50,7 @@ void CXmlGeneratedClass::WriteElement(CXmlWriter* writer, bool registerNamespace
                                       const CSerializationContext& context, bool isOptionalChoice) const {
   const CParentElementInfo& info = *GetClassInfo();
   const bool ownElement = info.GetElementType() == XmlElementType_Element;
-  const auto* nillable = dynamic_cast<const INillable*>(this);
+  const auto* nillable = AsNillable(info);
   const bool nil = nillable != nullptr && nillable->IsNil();
 
   if (ownElement) {
@@ -90,10 +92,8 @@ void CXmlGeneratedClass::WriteContent(CXmlWriter* writer, const CSerializationCo
   ReadProperty(info.GetSimpleContentProperty(), value);
   if (value.IsNil()) {
     writer->WriteAttributeNil();
-  } else if (value.GetItemType() == ItemType_string) {
-    writer->WriteString(value.GetString(), ItemType_string);
   } else {
-    writer->WriteString(value.ToString(info.GetSimpleContentFormat().c_str()), value.GetItemType());
+    writer->WriteString(ValueText(value, info.GetSimpleContentFormat(), *writer), value.GetItemType());
   }
 }
 

@@ -1,7 +1,5 @@
 #include "RkXmlLib16/core/XmlObjectBase.h"
 
-#include <mutex>
-
 #include "RkXmlLib16/metadata/FacetChecks.h"
 
 namespace RkXmlLib16 {
@@ -16,26 +14,6 @@ CXmlObjectBase::CXmlObjectBase() = default;
 CXmlObjectBase::~CXmlObjectBase() = default;
 
 void CXmlObjectBase::AttributesToXml_Int(CXmlWriter* /*writer*/, const CSerializationContext& /*context*/) const {}
-
-long long CXmlObjectBase::AddRef() {
-  const std::lock_guard<CRKCriticalSection> guard(m_lock);
-  return ++m_refCount;
-}
-
-long long CXmlObjectBase::Release() {
-  long long count;
-  {
-    const std::lock_guard<CRKCriticalSection> guard(m_lock);
-    count = --m_refCount;
-  }
-  if (count == 0) delete this;
-  return count;
-}
-
-long long CXmlObjectBase::GetRefCount() const {
-  const std::lock_guard<CRKCriticalSection> guard(m_lock);
-  return m_refCount;
-}
 
 void CXmlObjectBase::SetElementName(const wchar_t* name) { m_elementName = TextOrEmpty(name); }
 

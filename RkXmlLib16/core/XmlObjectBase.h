@@ -1,12 +1,12 @@
 #ifndef RKXMLLIB16_CORE_XMLOBJECTBASE_H
 #define RKXMLLIB16_CORE_XMLOBJECTBASE_H
 
+#include <atomic>
 #include <cstdint>
 #include <string>
 
 #include "RkXmlLib16/core/Enumerations.h"
 #include "RkXmlLib16/core/Export.h"
-#include "RkXmlLib16/support/CriticalSection.h"
 #include "RkXmlLib16/types/BinaryData.h"
 
 namespace RkXmlLib16 {
@@ -142,11 +142,15 @@ class RKXML_EXPORT CXmlObjectBase : public IEventSink {
                                    bool isOptionalChoice) = 0;
 
   // The new count. Safe to call from several threads.
-  long long AddRef();
+  long long AddRef() noexcept { return m_refCount.fetch_add(1, std::memory_order_relaxed) + 1; }
   // The new count; deletes the object when it is 0. Safe to call from several threads.
-  long long Release();
+  long long Release() {
+    const long long count = m_refCount.fetch_sub(1, std::memory_order_acq_rel) - 1;
+    if (count == 0) delete this;
+    return count;
+  }
   // The present count, for diagnosis.
-  long long GetRefCount() const;
+  long long GetRefCount() const noexcept { return m_refCount.load(std::memory_order_relaxed); }
 
   // The local name under which the object was read or is to be written.
   std::wstring GetElementName() const { return m_elementName; }
@@ -195,8 +199,7 @@ class RKXML_EXPORT CXmlObjectBase : public IEventSink {
   std::wstring m_elementName;
 
  private:
-  mutable CRKCriticalSection m_lock;
-  std::int64_t m_refCount = 0;
+  std::atomic<std::int64_t> m_refCount{0};
 };
 
 }  // namespace RkXmlLib16

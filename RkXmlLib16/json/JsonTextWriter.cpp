@@ -361,15 +361,12 @@ void CJsonTextWriter::RequireOpenElement() const {
   if (m_context == nullptr) throw CRkException(L"No Element is open.");
 }
 
-void CJsonTextWriter::Put(std::wstring_view text) { m_stream.Append(text); }
-
 void CJsonTextWriter::PutLine() {
   if (m_format) Put(m_eol);
 }
 
 void CJsonTextWriter::PutIndent(std::int64_t level) {
-  if (!m_format) return;
-  for (std::int64_t i = 0; i < level; ++i) Put(m_indentChars);
+  if (m_format && level > 0) m_stream.AppendRepeated(m_indentChars, static_cast<unsigned long>(level));
 }
 
 void CJsonTextWriter::PutKey(std::wstring_view marker, const std::wstring& prefix, const std::wstring& localName) {

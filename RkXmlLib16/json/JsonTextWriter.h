@@ -8,11 +8,10 @@
 
 #include "RkXmlLib16/core/Enumerations.h"
 #include "RkXmlLib16/core/Export.h"
+#include "RkXmlLib16/support/TextStream.h"
 #include "RkXmlLib16/xml/XmlWriter.h"
 
 namespace RkXmlLib16 {
-
-class CTextStream;
 
 // The writer that turns the calls of CXmlWriter into JSON text. Every element is a member of its parent's object;
 // attributes and text are members with marker keys; the items of a collection of objects are one array; in the fullest
@@ -101,7 +100,7 @@ class RKXML_EXPORT CJsonTextWriter : public CXmlWriter {
   const std::wstring* FindAttributePrefix(const std::wstring& namespaceUri) const;
   void RequireOpenElement() const;
 
-  void Put(std::wstring_view text);
+  void Put(std::wstring_view text) { m_stream.Append(text); }
   void PutLine();
   void PutIndent(std::int64_t level);
   void PutKey(std::wstring_view marker, const std::wstring& prefix, const std::wstring& localName);

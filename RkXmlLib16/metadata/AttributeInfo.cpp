@@ -5,6 +5,7 @@
 #include "RkXmlLib16/core/GeneratedClass.h"
 #include "RkXmlLib16/core/SerializationContext.h"
 #include "RkXmlLib16/metadata/FacetChecks.h"
+#include "RkXmlLib16/metadata/internal/ValueText.h"
 #include "RkXmlLib16/support/Format.h"
 #include "RkXmlLib16/types/Variant.h"
 #include "RkXmlLib16/wildcards/AttributeCol.h"
@@ -110,9 +111,7 @@ void CAttributeInfoPrimitive::AttributeToXml(const CSerializationContext& contex
   ReadProperty(object, value);
   if (IsOptional() && !value.IsValid()) return;
   const ItemType type = value.GetItemType();
-  std::wstring converted;
-  if (type != ItemType_string) value.AppendTo(converted, m_format.c_str());
-  const std::wstring& text = type == ItemType_string ? value.GetString() : converted;
+  const std::wstring& text = ValueText(value, m_format, *writer);
   if (IsSuppressedDefault(context, text)) return;
   CheckRestriction(value);
   writer->WriteAttributeString(GetAttributeName(), GetNamespace(), text, type);

@@ -8,6 +8,7 @@
 #include "RkXmlLib16/core/SerializationContext.h"
 #include "RkXmlLib16/metadata/FacetChecks.h"
 #include "RkXmlLib16/metadata/internal/NilValue.h"
+#include "RkXmlLib16/metadata/internal/ValueText.h"
 #include "RkXmlLib16/support/Format.h"
 #include "RkXmlLib16/types/Variant.h"
 #include "RkXmlLib16/xml/ElementTree.h"
@@ -94,10 +95,16 @@ bool CElementInfo::ElementToXmlCol(const CSerializationContext& context, const C
                                    CXmlWriter* writer) const {
   RkVariant value;
   ReadProperty(object, value);
-  const CSmartPtr<CXmlCollectionBase> collection = value.GetXmlCollection();
+  return WriteCollection(context, value.PeekXmlCollection(), writer);
+}
+
+bool CElementInfo::WriteCollection(const CSerializationContext& context, const CXmlCollectionBase* collection,
+                                   CXmlWriter* writer) const {
   if (collection == nullptr || collection->GetCount() < 1) return false;
   writer->SetContextState(ContextState_CollectionStart);
-  collection->GetBase()->ToXml_Int(writer, /*registerNamespaces=*/false, m_namespace.c_str(), context, false);
+  static_cast<const CXmlObjectBase*>(collection)
+      ->GetBase()
+      ->ToXml_Int(writer, /*registerNamespaces=*/false, m_namespace.c_str(), context, false);
   writer->SetContextState(ContextState_CollectionEnd);
   return true;
 }
@@ -106,7 +113,7 @@ bool CElementInfo::ElementToXmlCls(const CSerializationContext& context, const C
                                    CXmlWriter* writer, bool isOptionalChoice) const {
   RkVariant value;
   ReadProperty(object, value);
-  const CSmartPtr<CXmlObjectBase> child = value.GetXmlObject();
+  const CXmlObjectBase* const child = value.PeekXmlObject();
   if (child == nullptr) return false;
   child->ToXml_Int(writer, /*registerNamespaces=*/false, m_namespace.c_str(), context, isOptionalChoice);
   return true;
@@ -119,9 +126,7 @@ bool CElementInfo::ElementToXmlPrim(const CSerializationContext& context, const 
   if (value.IsNil()) return WriteNil(writer);
   if (!value.IsValid()) return false;
   const ItemType type = value.GetItemType();
-  std::wstring converted;
-  if (type != ItemType_string) value.AppendTo(converted, m_format.c_str());
-  const std::wstring& text = type == ItemType_string ? value.GetString() : converted;
+  const std::wstring& text = ValueText(value, m_format, *writer);
   if (!IsDefault(text)) CheckRestriction(value);
   WriteText(context, writer, text, type);
   return true;

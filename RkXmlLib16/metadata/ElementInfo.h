@@ -12,6 +12,7 @@
 
 namespace RkXmlLib16 {
 class CSerializationContext;
+class CXmlCollectionBase;
 class CXmlElement;
 class CXmlGeneratedClass;
 class CXmlObjectBase;
@@ -108,6 +109,9 @@ class RKXML_EXPORT CElementInfo {
 
   // Write a member of the kind; false when there was nothing to write.
   bool ElementToXmlCol(const CSerializationContext& context, const CXmlGeneratedClass* object,
+                       CXmlWriter* writer) const;
+  // The same with the collection at hand; null writes nothing.
+  bool WriteCollection(const CSerializationContext& context, const RkXmlLib16::CXmlCollectionBase* collection,
                        CXmlWriter* writer) const;
   bool ElementToXmlCls(const CSerializationContext& context, const CXmlGeneratedClass* object, CXmlWriter* writer,
                        bool isOptionalChoice) const;

@@ -1,6 +1,9 @@
 #include "RkXmlLib16/metadata/FacetChecks.h"
 
+#include <memory>
+#include <optional>
 #include <type_traits>
+#include <utility>
 
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/metadata/RegEx.h"
@@ -47,15 +50,42 @@ template <ItemType kItem>
     throw CRkException(FormatString(L"Invalid Value for %ls [%ls].", name, Print<kItem>(value).c_str()));
 }
 
+// The bounds as values. A value that breaks one bound is never compared with a later one, so that a later bound which
+// cannot be read goes unnoticed; they are kept only when all can be read.
+template <ItemType kItem>
+struct Bounds : CPrimitiveRestrictions::Derived {
+  using Value = XsdValue<kItem>;
+  explicit Bounds(const CPrimitiveRestrictions& facets)
+      : Derived(kItem),
+        minInclusive(Read(facets.GetMinInclusive())),
+        maxInclusive(Read(facets.GetMaxInclusive())),
+        minExclusive(Read(facets.GetMinExclusive())),
+        maxExclusive(Read(facets.GetMaxExclusive())) {}
+
+  static std::optional<Value> Read(const std::wstring& text) {
+    if (text.empty()) return std::nullopt;
+    return CConversions::FromText<kItem>(text, CWhitespaceUtils::collapse);
+  }
+
+  std::optional<Value> minInclusive, maxInclusive, minExclusive, maxExclusive;
+};
+
 template <ItemType kItem>
 bool MeetsBounds(const XsdValue<kItem>& value, const CPrimitiveRestrictions& facets) {
-  const auto bound = [](const std::wstring& text) {
-    return CConversions::FromText<kItem>(text, CWhitespaceUtils::collapse);
-  };
+  const auto* const derived = facets.GetDerived();
+  if (derived != nullptr && derived->m_itemType == kItem) {
+    const auto& bounds = static_cast<const Bounds<kItem>&>(*derived);
+    return !(bounds.minInclusive && *bounds.minInclusive > value) &&
+           !(bounds.maxInclusive && value > *bounds.maxInclusive) &&
+           !(bounds.minExclusive && IsAtMost(value, *bounds.minExclusive)) &&
+           !(bounds.maxExclusive && IsAtMost(*bounds.maxExclusive, value));
+  }
+  const auto bound = [](const std::wstring& text) { return *Bounds<kItem>::Read(text); };
   if (!facets.GetMinInclusive().empty() && bound(facets.GetMinInclusive()) > value) return false;
   if (!facets.GetMaxInclusive().empty() && value > bound(facets.GetMaxInclusive())) return false;
   if (!facets.GetMinExclusive().empty() && IsAtMost(value, bound(facets.GetMinExclusive()))) return false;
   if (!facets.GetMaxExclusive().empty() && IsAtMost(bound(facets.GetMaxExclusive()), value)) return false;
+  if (derived == nullptr) facets.KeepDerived(std::make_unique<Bounds<kItem>>(facets));
   return true;
 }
 
@@ -92,10 +122,24 @@ void Check(const wchar_t* name, const XsdValue<kItem>& value, const CPrimitiveRe
   if (!valid) ThrowInvalid<kItem>(name, value);
 }
 
-bool MatchesPattern(const wchar_t* name, const std::wstring& value, const std::wstring& pattern) {
-  const CBinaryData utf8 = CEncoder::UnicodeToUtf8Binary(pattern.c_str());
+struct Pattern : CPrimitiveRestrictions::Derived {
+  Pattern(const std::string& utf8Pattern, const std::wstring& value)
+      : Derived(ItemType_string), expression(utf8Pattern, value) {}
+
+  CRegEx expression;
+};
+
+bool MatchesPattern(const wchar_t* name, const std::wstring& value, const CPrimitiveRestrictions& facets) {
   try {
-    return TestRegEx(std::string(reinterpret_cast<const char*>(utf8.GetData()), utf8.GetLength()), value);
+    const auto* const derived = facets.GetDerived();
+    if (derived != nullptr && derived->m_itemType == ItemType_string)
+      return static_cast<const Pattern*>(derived)->expression.Matches(value);
+    const CBinaryData utf8 = CEncoder::UnicodeToUtf8Binary(facets.GetPattern().c_str());
+    auto pattern = std::make_unique<const Pattern>(
+        std::string(reinterpret_cast<const char*>(utf8.GetData()), utf8.GetLength()), value);
+    const bool matches = pattern->expression.Matches(value);
+    facets.KeepDerived(std::move(pattern));
+    return matches;
   } catch (const CRkException& e) {
     throw CRkException(
         FormatString(L"%ls\nInvalid Value for %ls [%ls].", e.GetFullMessage().c_str(), name, value.c_str()));
@@ -141,8 +185,7 @@ void CXmlObjectHelper::CheckRestrictionForyearMonth(const wchar_t*, const CDateT
 void CXmlObjectHelper::CheckRestrictionForstring(const wchar_t* name, const std::wstring& value,
                                                  const CPrimitiveRestrictions& facets) {
   if (facets.IsEmpty()) return;
-  if (MeetsLengths(value.size(), facets) &&
-      (facets.GetPattern().empty() || MatchesPattern(name, value, facets.GetPattern())))
+  if (MeetsLengths(value.size(), facets) && (facets.GetPattern().empty() || MatchesPattern(name, value, facets)))
     return;
   throw CRkException(FormatString(L"Invalid Value for %ls [%ls].", name, value.c_str()));
 }

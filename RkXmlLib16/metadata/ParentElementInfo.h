@@ -1,7 +1,9 @@
 #ifndef RKXMLLIB16_METADATA_PARENTELEMENTINFO_H
 #define RKXMLLIB16_METADATA_PARENTELEMENTINFO_H
 
+#include <atomic>
 #include <string>
+#include <typeinfo>
 
 #include "RkXmlLib16/core/Enumerations.h"
 #include "RkXmlLib16/core/Export.h"
@@ -36,6 +38,14 @@ class RKXML_EXPORT CParentElementInfo {
   const std::wstring& GetSimpleContentFormat() const noexcept { return m_simpleContentFormat; }
   bool IsSimpleContentText() const noexcept { return m_simpleContentAsText; }
 
+  // Remembers one class that cannot be nil, so that its objects need not be asked again.
+  bool IsKnownNotNillable(const std::type_info& type) const noexcept {
+    return m_notNillable.load(std::memory_order_relaxed) == &type;
+  }
+  void SetNotNillable(const std::type_info& type) const noexcept {
+    m_notNillable.store(&type, std::memory_order_relaxed);
+  }
+
  private:
   RkXmlLib16::XmlElementGroupType m_groupType;
   RkXmlLib16::XmlElementType m_elementType;
@@ -47,6 +57,7 @@ class RKXML_EXPORT CParentElementInfo {
   RkXmlLib16::ItemType m_simpleContentType;
   std::wstring m_simpleContentFormat;
   bool m_simpleContentAsText;
+  mutable std::atomic<const std::type_info*> m_notNillable{nullptr};
 };
 
 }  // namespace RkXmlLib16Data

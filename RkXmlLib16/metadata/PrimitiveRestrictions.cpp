@@ -33,4 +33,11 @@ CPrimitiveRestrictions::CPrimitiveRestrictions(const CPrimitiveRestrictions& oth
 CPrimitiveRestrictions& CPrimitiveRestrictions::operator=(const CPrimitiveRestrictions& other) = default;
 CPrimitiveRestrictions::~CPrimitiveRestrictions() = default;
 
+CPrimitiveRestrictions::Derived::~Derived() = default;
+
+void CPrimitiveRestrictions::KeepDerived(std::unique_ptr<const Derived> derived) const noexcept {
+  const Derived* none = nullptr;
+  if (m_derived.value.compare_exchange_strong(none, derived.get(), std::memory_order_acq_rel)) derived.release();
+}
+
 }  // namespace RkXmlLib16

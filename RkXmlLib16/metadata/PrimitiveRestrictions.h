@@ -1,6 +1,8 @@
 #ifndef RKXMLLIB16_METADATA_PRIMITIVERESTRICTIONS_H
 #define RKXMLLIB16_METADATA_PRIMITIVERESTRICTIONS_H
 
+#include <atomic>
+#include <memory>
 #include <string>
 
 #include "RkXmlLib16/core/Export.h"
@@ -36,6 +38,17 @@ class RKXML_EXPORT CPrimitiveRestrictions {
   // True when no facet is set, so that every value passes.
   bool IsEmpty() const noexcept { return m_isEmpty; }
 
+  // What a check has worked out from the facets, bounds of one type or a compiled pattern, kept for the next check.
+  // Facets are shared by threads, so the first one kept stays.
+  class RKXML_EXPORT Derived {
+   public:
+    explicit Derived(int itemType) noexcept : m_itemType(itemType) {}
+    virtual ~Derived();
+    const int m_itemType;  // the kind of value that it is for
+  };
+  const Derived* GetDerived() const noexcept { return m_derived.value.load(std::memory_order_acquire); }
+  void KeepDerived(std::unique_ptr<const Derived> derived) const noexcept;
+
  private:
   std::wstring m_pattern;
   long m_minLength = -1;
@@ -48,6 +61,19 @@ class RKXML_EXPORT CPrimitiveRestrictions {
   long m_totalDigits = -1;
   long m_fractionDigits = -1;
   bool m_isEmpty = true;
+
+  // Not copied with the facets.
+  struct DerivedSlot {
+    DerivedSlot() noexcept = default;
+    DerivedSlot(const DerivedSlot&) noexcept {}
+    DerivedSlot& operator=(const DerivedSlot&) noexcept {
+      delete value.exchange(nullptr);
+      return *this;
+    }
+    ~DerivedSlot() { delete value.load(); }
+    std::atomic<const Derived*> value{nullptr};
+  };
+  mutable DerivedSlot m_derived;
 };
 
 }  // namespace RkXmlLib16

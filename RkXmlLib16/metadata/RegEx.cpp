@@ -26,6 +26,7 @@ constexpr std::uint32_t kHeapLimitKiB = 64 * 1024;
 // The other matcher's work for a character grows with the square of the alternatives that it follows at once, for which
 // this makes room: some five hundred.
 constexpr std::size_t kWorkspace = 3000;
+constexpr std::size_t kShortValue = 256;
 
 template <auto kFree>
 struct Freer {
@@ -101,27 +102,51 @@ int MatchWithoutBacktracking(const pcre2_code* code, const std::string& subject,
 
 }  // namespace
 
-bool TestRegEx(std::string utf8Pattern, std::wstring value) {
-  const Code code = Compile(Rewrite(std::move(utf8Pattern)), value);
-  const CBinaryData bytes = CEncoder::UnicodeToUtf8Binary(value.c_str());
-  const std::string subject(reinterpret_cast<const char*>(bytes.GetData()), bytes.GetLength());
-  const auto data = Require(MatchData(pcre2_match_data_create_from_pattern(code.get(), nullptr)));
-  const auto context = Require(MatchContext(pcre2_match_context_create(nullptr)));
-  pcre2_set_match_limit(context.get(), kMatchLimit);
-  pcre2_set_depth_limit(context.get(), kDepthLimit);
-  pcre2_set_heap_limit(context.get(), kHeapLimitKiB);
+struct CRegEx::Engine {
+  Code code;
+  MatchContext limits;
+};
 
-  int result = pcre2_match(code.get(), Bytes(subject), subject.size(), 0, PCRE2_ANCHORED, data.get(), context.get());
+CRegEx::CRegEx(std::string utf8Pattern, const std::wstring& value) {
+  Code code = Compile(Rewrite(std::move(utf8Pattern)), value);
+  auto limits = Require(MatchContext(pcre2_match_context_create(nullptr)));
+  pcre2_set_match_limit(limits.get(), kMatchLimit);
+  pcre2_set_depth_limit(limits.get(), kDepthLimit);
+  pcre2_set_heap_limit(limits.get(), kHeapLimitKiB);
+  m_engine = std::make_unique<const Engine>(Engine{std::move(code), std::move(limits)});
+}
+
+CRegEx::~CRegEx() = default;
+
+bool CRegEx::Matches(const std::wstring& value) const {
+  const std::wstring_view text = value.c_str();
+  std::string subject(CEncoder::Utf8Length(text), '\0');
+  CEncoder::WriteUtf8(text, reinterpret_cast<unsigned char*>(subject.data()));
+  const pcre2_code* const code = m_engine->code.get();
+  pcre2_match_context* const limits = m_engine->limits.get();
+  // The engine's working memory is kept for short values, which need little of it.
+  thread_local const auto kept = Require(MatchData(pcre2_match_data_create(1, nullptr)));
+  MatchData own;
+  if (subject.size() > kShortValue) own = Require(MatchData(pcre2_match_data_create(1, nullptr)));
+  pcre2_match_data* const data = own != nullptr ? own.get() : kept.get();
+
+  // 0: it matched, and there was no room for the groups inside it.
+  int result = pcre2_match(code, Bytes(subject), subject.size(), 0, PCRE2_ANCHORED | PCRE2_NO_UTF_CHECK, data, limits);
+  if (result == 0) result = 1;
   if (IsLimit(result)) {
     const int limit = result;
-    result = MatchWithoutBacktracking(code.get(), subject, data.get(), context.get());
+    result = MatchWithoutBacktracking(code, subject, data, limits);
     // 0: it matched, but not every shorter match found room.
     if (result < 0 && result != PCRE2_ERROR_NOMATCH) ThrowInvalid(value, limit);
     if (result == 0) result = 1;
   }
   if (result == PCRE2_ERROR_NOMEMORY) throw std::bad_alloc();
-  const PCRE2_SIZE* const matched = pcre2_get_ovector_pointer(data.get());
+  const PCRE2_SIZE* const matched = pcre2_get_ovector_pointer(data);
   return result > 0 && matched[0] == 0 && matched[1] == subject.size();
+}
+
+bool TestRegEx(std::string utf8Pattern, std::wstring value) {
+  return CRegEx(std::move(utf8Pattern), value).Matches(value);
 }
 
 }  // namespace RkXmlLib16

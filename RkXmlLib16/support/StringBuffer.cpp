@@ -16,7 +16,7 @@ void CStringBuffer::Append(const wchar_t* text) {
 
 void CStringBuffer::AppendInPieces(std::wstring_view text) {
   while (!text.empty()) {
-    if (m_used == m_capacity) AddNewBlock();
+    if (m_used == m_capacity) AddNewBlock(m_blockSize);
     const std::size_t piece = std::min<std::size_t>(text.size(), m_capacity - m_used);
     Append(text.substr(0, piece));
     text.remove_prefix(piece);
@@ -63,11 +63,12 @@ void CStringBuffer::Clear() {
 
 CStringBuffer::Block CStringBuffer::MakeBlock(unsigned long capacity) {
   // Not zeroed: nothing reads a character before it is written.
-  return Block{std::unique_ptr<wchar_t[]>(new wchar_t[capacity + 1]), capacity};
+  return Block{std::unique_ptr<wchar_t[]>(new wchar_t[capacity + 1]), capacity, 0};
 }
 
-void CStringBuffer::AddNewBlock() {
-  m_blocks.push_back(MakeBlock(m_blockSize));
+void CStringBuffer::AddNewBlock(unsigned long capacity) {
+  m_blocks.push_back(MakeBlock(capacity));
+  if (m_blocks.size() > 1) m_blocks[m_blocks.size() - 2].used = m_used;
   SetCurrent(GetLength(), 0);
 }
 

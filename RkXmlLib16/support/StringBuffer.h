@@ -13,7 +13,7 @@ namespace RkXmlLib16 {
 
 // Wide text that grows in blocks, so that appending never moves what is there. Lengths count characters.
 //
-//   [aaaa][bbbb][cc  ]   all blocks but the last are full
+//   [aaaa][bbb ][cc  ]   text is appended to the last block
 class RKXML_EXPORT CStringBuffer {
  public:
   // Blocks of 4095 characters, or of `blockSize` - 1 but at least one.
@@ -30,13 +30,32 @@ class RKXML_EXPORT CStringBuffer {
   void Append(std::wstring_view text) {
     if (text.size() > m_capacity - m_used) return AppendInPieces(text);
     if (text.empty()) return;
-    std::wmemcpy(m_current + m_used, text.data(), text.size());
+    Copy(m_current + m_used, text);
     m_used += text.size();
   }
+  // Appends the text `count` times.
+  void AppendRepeated(std::wstring_view text, unsigned long count) {
+    wchar_t* to = Reserve(text.size() * count);
+    while (count-- > 0) to = Copy(to, text);
+    Commit(to);
+  }
+  // Copies the text, which is mostly short, and returns the end of the copy.
+  static wchar_t* Copy(wchar_t* to, std::wstring_view text) {
+    if (text.size() > 16) return std::wmemcpy(to, text.data(), text.size()) + text.size();
+    for (const wchar_t c : text) *to++ = c;
+    return to;
+  }
   void Append(wchar_t character) {
-    if (m_used == m_capacity) AddNewBlock();
+    if (m_used == m_capacity) AddNewBlock(m_blockSize);
     m_current[m_used++] = character;
   }
+  // Room for `count` characters behind the text, to be written there. Commit takes the text to end at `end` within
+  // it, directly after.
+  wchar_t* Reserve(unsigned long count) {
+    if (count > m_capacity - m_used || m_current == nullptr) AddNewBlock(count > m_blockSize ? count : m_blockSize);
+    return m_current + m_used;
+  }
+  void Commit(const wchar_t* end) noexcept { m_used = static_cast<unsigned long>(end - m_current); }
   // Clear, then append. The text must not lie in this buffer.
   void SetText(const wchar_t* text);
 
@@ -49,7 +68,7 @@ class RKXML_EXPORT CStringBuffer {
   template <class Visit>
   void ForEachBlock(Visit&& visit) const {
     for (const Block& block : m_blocks)
-      visit(std::wstring_view(block.text.get(), block.text.get() == m_current ? m_used : block.capacity));
+      visit(std::wstring_view(block.text.get(), block.text.get() == m_current ? m_used : block.used));
   }
 
   // Empties the buffer; a single block is kept for the next text.
@@ -60,10 +79,11 @@ class RKXML_EXPORT CStringBuffer {
   struct Block {
     std::unique_ptr<wchar_t[]> text;  // one character more than the capacity, for the terminator
     unsigned long capacity;
+    unsigned long used = 0;  // once another block follows
   };
 
   static Block MakeBlock(unsigned long capacity);
-  void AddNewBlock();
+  void AddNewBlock(unsigned long capacity);
   void AppendInPieces(std::wstring_view text);
   void SetCurrent(unsigned long before, unsigned long used);
 

@@ -70,6 +70,28 @@ void CTextStream::Open() { m_text.Empty(); }
 void CTextStream::Close() {}
 void CTextStream::Flush() {}
 
+CUtf8TextStream::CUtf8TextStream() : CTextStream(XmlEncoding_UTF8) {}
+CUtf8TextStream::~CUtf8TextStream() = default;
+
+void CUtf8TextStream::Open() {
+  CTextStream::Open();
+  m_encoded.Clear();
+  m_utf8.TakePending();
+}
+
+void CUtf8TextStream::Flush() {
+  m_text.ForEachBlock([this](std::wstring_view block) { m_utf8.Append(block); });
+  m_text.Empty();
+}
+
+CBinaryData CUtf8TextStream::TakeBytes() {
+  Flush();
+  m_utf8.Finish();
+  CBinaryData bytes;
+  bytes.Swap(m_encoded);
+  return bytes;
+}
+
 CFileTextStream::CFileTextStream(const wchar_t* fileName, XmlEncoding encoding)
     : CTextStream(L"CFileTextStream", encoding), m_fileName(fileName == nullptr ? L"" : fileName) {}
 

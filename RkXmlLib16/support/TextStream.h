@@ -6,6 +6,7 @@
 
 #include "RkXmlLib16/core/Enumerations.h"
 #include "RkXmlLib16/core/Export.h"
+#include "RkXmlLib16/support/Encoder.h"
 #include "RkXmlLib16/support/File.h"
 #include "RkXmlLib16/support/StringBuffer.h"
 #include "RkXmlLib16/types/BinaryData.h"
@@ -29,6 +30,9 @@ class RKXML_EXPORT CTextStream {
   void Append(const wchar_t* text) { m_text.Append(text); }
   void Append(const std::wstring& text) { m_text.Append(text); }
   void Append(std::wstring_view text) { m_text.Append(text); }
+  void AppendRepeated(std::wstring_view text, unsigned long count) { m_text.AppendRepeated(text, count); }
+  wchar_t* Reserve(unsigned long count) { return m_text.Reserve(count); }
+  void Commit(const wchar_t* end) noexcept { m_text.Commit(end); }
   unsigned long GetLength() const noexcept { return m_text.GetLength(); }
   const wchar_t* GetText() { return m_text.GetText(); }
   std::wstring ToString() const { return m_text.ToString(); }
@@ -51,10 +55,28 @@ class RKXML_EXPORT CTextStream {
   // is not encoded but returned, so that it can meet its partner; 0 otherwise.
   wchar_t EncodeTo(CBinaryData& out, bool last) const;
 
-  CStringBuffer m_text;
+  CStringBuffer m_text{kBlockSize};
 
  private:
+  static constexpr unsigned long kBlockSize = 8192;
+
   XmlEncoding m_encoding;
+};
+
+// A text stream that encodes its text in UTF-8 whenever it is flushed, so that the wide text never grows long.
+class RKXML_EXPORT CUtf8TextStream : public CTextStream {
+ public:
+  CUtf8TextStream();
+  ~CUtf8TextStream() override;
+
+  void Open() override;
+  void Flush() override;
+  // Flushes and hands the bytes over; the stream is empty then.
+  CBinaryData TakeBytes();
+
+ private:
+  CBinaryData m_encoded;
+  CUtf8Appender m_utf8{m_encoded};
 };
 
 // A text stream that writes its encoded text to a file whenever it is flushed. A file left open is closed by the

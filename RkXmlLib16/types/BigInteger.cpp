@@ -154,6 +154,14 @@ CBigInteger& CBigInteger::operator=(const CBigInteger& other) = default;
 CBigInteger& CBigInteger::operator=(CBigInteger&& other) noexcept = default;
 CBigInteger::~CBigInteger() = default;
 
+void CBigInteger::AssignDigits(std::int32_t sign, std::wstring_view digits) {
+  m_sign = sign < 0 ? -1 : 1;
+  while (!digits.empty() && digits.front() == L'0') digits.remove_prefix(1);
+  unsigned char* to = m_digits.Overwrite(std::max<std::size_t>(1, digits.size()));
+  *to = 0;
+  for (std::size_t i = digits.size(); i-- > 0;) *to++ = static_cast<unsigned char>(digits[i] - L'0');
+}
+
 void CBigInteger::Parse(std::wstring_view text) {
   const bool plain = std::all_of(text.begin(), text.end(), [](wchar_t c) {
     return IsDigit(c) || c == L' ' || c == L'\t' || c == L'\n' || c == L'\r' || c == L'+' || c == L'-';

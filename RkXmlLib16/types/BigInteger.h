@@ -19,7 +19,7 @@ class CDecimal;
 //   (n * n % 97).ToString();
 class RKXML_EXPORT CBigInteger {
  public:
-  CBigInteger() : CBigInteger(0) {}
+  CBigInteger() { *m_digits.Overwrite(1) = 0; }
   CBigInteger(int value);
   CBigInteger(unsigned int value);
   CBigInteger(long value);
@@ -36,6 +36,8 @@ class RKXML_EXPORT CBigInteger {
   explicit CBigInteger(const CDecimal& value);
   // `digits` least significant first.
   CBigInteger(std::int32_t sign, CDigitVector digits);
+  // `digits` as text, most significant first, nothing but digits; none are 0.
+  void AssignDigits(std::int32_t sign, std::wstring_view digits);
   CBigInteger(const CBigInteger& other);
   CBigInteger(CBigInteger&& other) noexcept;
   CBigInteger& operator=(const CBigInteger& other);

@@ -4,7 +4,6 @@
 #include <cwchar>
 #include <limits>
 #include <memory>
-#include <mutex>
 #include <new>
 #include <utility>
 
@@ -15,8 +14,6 @@
 namespace RkXmlLib16 {
 
 namespace {
-
-using Lock = std::lock_guard<CRKCriticalSection>;
 
 void CopyBytes(unsigned char* to, const unsigned char* from, unsigned long length) {
   if (length > 0) std::memcpy(to, from, length);
@@ -44,17 +41,10 @@ CDataHolder::CDataHolder(unsigned char* data, unsigned long length, bool copy)
 
 CDataHolder::~CDataHolder() { delete[] m_data; }
 
-void CDataHolder::AddRef() {
-  const Lock lock(m_lock);
-  m_refCount.fetch_add(1, std::memory_order_relaxed);
-}
+void CDataHolder::AddRef() { m_refCount.fetch_add(1, std::memory_order_relaxed); }
 
 void CDataHolder::Release(bool last) {
-  std::int64_t left;
-  {
-    const Lock lock(m_lock);
-    left = m_refCount.fetch_sub(1, std::memory_order_release) - 1;
-  }
+  const std::int64_t left = m_refCount.fetch_sub(1, std::memory_order_acq_rel) - 1;
   if (left <= 0)
     delete this;
   else if (last)

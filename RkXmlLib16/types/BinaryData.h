@@ -6,7 +6,6 @@
 #include <string>
 
 #include "RkXmlLib16/core/Export.h"
-#include "RkXmlLib16/support/CriticalSection.h"
 
 namespace RkXmlLib16 {
 
@@ -49,9 +48,7 @@ class RKXML_EXPORT CDataHolder {
   unsigned char* m_data = nullptr;
   unsigned long m_length = 0;
   unsigned long m_capacity = 0;
-  // Changed under the lock. Reading it needs none: nobody but the only owner can make it grow from 1.
-  std::atomic<std::int64_t> m_refCount{1};
-  CRKCriticalSection m_lock;
+  std::atomic<std::int64_t> m_refCount{1};  // nobody but the only owner can make it grow from 1
 };
 
 // A byte buffer: the value of base64Binary and hexBinary properties and the result of the To*Stream entry points.

@@ -66,11 +66,19 @@ bool HasShape(std::wstring_view text, std::wstring_view mask) {
 
 int TwoDigits(std::wstring_view text, std::size_t at) { return (text[at] - L'0') * 10 + (text[at + 1] - L'0'); }
 
-void AppendPadded(std::wstring& out, int value, int digits) {
-  wchar_t buffer[8];
-  int i = 0;
-  for (; i < digits || value != 0; ++i, value /= 10) buffer[i] = static_cast<wchar_t>(L'0' + value % 10);
-  while (i-- > 0) out += buffer[i];
+// A value without its fraction takes fewer characters than this.
+constexpr std::size_t kMostCharacters = 40;
+
+wchar_t* PutTwoDigits(wchar_t* to, int value) {
+  *to++ = static_cast<wchar_t>(L'0' + value / 10);
+  *to++ = static_cast<wchar_t>(L'0' + value % 10);
+  return to;
+}
+
+// At least four digits.
+wchar_t* PutYear(wchar_t* to, int year) {
+  if (year >= 10000) *to++ = static_cast<wchar_t>(L'0' + year / 10000);
+  return PutTwoDigits(PutTwoDigits(to, year / 100 % 100), year % 100);
 }
 
 }  // namespace
@@ -570,37 +578,41 @@ void CDateTime::AppendTo(std::wstring& out) const {
     out += L"Error: Date Not Set";
     return;
   }
+  wchar_t buffer[kMostCharacters];
+  wchar_t* to = buffer;
   if ((owned & kYear) != 0) {
-    if (m_year < 0) out += L'-';
-    AppendPadded(out, std::abs(m_year), 4);
+    if (m_year < 0) *to++ = L'-';
+    to = PutYear(to, std::abs(m_year));
   } else if (m_type != dt_time) {
-    out += L'-';
+    *to++ = L'-';
   }
-  if ((owned & (kMonth | kDay)) != 0) out += L'-';
-  if ((owned & kMonth) != 0) AppendPadded(out, m_month, 2);
+  if ((owned & (kMonth | kDay)) != 0) *to++ = L'-';
+  if ((owned & kMonth) != 0) to = PutTwoDigits(to, m_month);
   if ((owned & kDay) != 0) {
-    out += L'-';
-    AppendPadded(out, m_day, 2);
+    *to++ = L'-';
+    to = PutTwoDigits(to, m_day);
   }
   if ((owned & kTime) != 0) {
-    if (m_type == dt_dateTime) out += L'T';
-    AppendPadded(out, m_hour, 2);
-    out += L':';
-    AppendPadded(out, m_minute, 2);
-    out += L':';
-    AppendPadded(out, m_second, 2);
-    if (m_milliSecond != 0 || m_microSecond != 0 || m_nanoSecond != 0)
+    if (m_type == dt_dateTime) *to++ = L'T';
+    to = PutTwoDigits(to, m_hour);
+    *to++ = L':';
+    to = PutTwoDigits(to, m_minute);
+    *to++ = L':';
+    to = PutTwoDigits(to, m_second);
+    if (m_milliSecond != 0 || m_microSecond != 0 || m_nanoSecond != 0) {
+      out.append(buffer, to);
+      to = buffer;
       out += ToFracString(m_milliSecond, m_microSecond, m_nanoSecond);
+    }
   }
-  if (!m_isUTC) return;
-  if (!m_hasTimeZone) {
-    out += L'Z';
-    return;
+  if (m_isUTC && !m_hasTimeZone) *to++ = L'Z';
+  if (m_isUTC && m_hasTimeZone) {
+    *to++ = m_zoneHour < 0 ? L'-' : L'+';
+    to = PutTwoDigits(to, std::abs(m_zoneHour));
+    *to++ = L':';
+    to = PutTwoDigits(to, m_zoneMinute);
   }
-  out += m_zoneHour < 0 ? L'-' : L'+';
-  AppendPadded(out, std::abs(m_zoneHour), 2);
-  out += L':';
-  AppendPadded(out, m_zoneMinute, 2);
+  out.append(buffer, to);
 }
 
 CompareResult CDateTime::CompareTo(const CDateTime& other) const {

@@ -107,7 +107,30 @@ CDecimal::~CDecimal() = default;
 
 void CDecimal::Parse(const wchar_t* text) { Parse(std::wstring_view(text == nullptr ? L"" : text)); }
 
+// Most decimals: a sign, digits, a point and few digits behind it. False, without a change, for any other text.
+bool CDecimal::ParsePlain(std::wstring_view text) {
+  const bool negative = !text.empty() && text[0] == L'-';
+  if (negative || (!text.empty() && text[0] == L'+')) text.remove_prefix(1);
+  std::size_t point = 0;
+  while (point < text.size() && IsDigit(text[point])) ++point;
+  const std::wstring_view integer = text.substr(0, point);
+  std::wstring_view fraction;
+  if (point < text.size()) {
+    fraction = text.substr(point + 1);
+    if (text[point] != L'.' || fraction.size() > m_maxDivider ||
+        !std::all_of(fraction.begin(), fraction.end(), IsDigit))
+      return false;
+    while (!fraction.empty() && fraction.back() == L'0') fraction.remove_suffix(1);
+  }
+  m_integer.AssignDigits(negative ? -1 : 1, integer);
+  m_fraction.AssignDigits(negative ? -1 : 1, fraction);
+  m_divider = std::max(1, static_cast<std::int32_t>(fraction.size()));
+  if (IsZero()) *this = CDecimal();  // without a sign
+  return true;
+}
+
 void CDecimal::Parse(std::wstring_view text) {
+  if (ParsePlain(text)) return;
   const auto fail = [text](std::size_t position) {
     throw CRkInvalidValueException(
         FormatString(L"The string representing a Decimal, contained an invalid char at position %zu [%ls].", position,

@@ -4,32 +4,13 @@
 
 namespace RkXmlLib16 {
 
-CDigitVector& CDigitVector::operator=(const CDigitVector& other) {
+CDigitVector& CDigitVector::CopyLong(const CDigitVector& other) {
   if (this == &other) return *this;
   m_size = 0;
   reserve(other.m_size);
   std::memcpy(data(), other.data(), other.m_size);
   m_size = other.m_size;
   return *this;
-}
-
-CDigitVector& CDigitVector::operator=(CDigitVector&& other) noexcept {
-  if (this != &other) {
-    Free();
-    Take(other);
-  }
-  return *this;
-}
-
-void CDigitVector::Take(CDigitVector& other) noexcept {
-  m_size = other.m_size;
-  m_capacity = other.m_capacity;
-  if (m_capacity > kInline)
-    m_digits.heap = other.m_digits.heap;
-  else
-    std::memcpy(m_digits.own, other.m_digits.own, m_size);
-  other.m_size = 0;
-  other.m_capacity = kInline;
 }
 
 void CDigitVector::Grow(std::size_t capacity) {

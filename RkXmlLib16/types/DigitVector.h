@@ -24,8 +24,19 @@ class RKXML_EXPORT CDigitVector {
   CDigitVector(const std::vector<wchar_t>& digits) { assign(digits.begin(), digits.end()); }
   CDigitVector(const CDigitVector& other) { *this = other; }
   CDigitVector(CDigitVector&& other) noexcept { Take(other); }
-  CDigitVector& operator=(const CDigitVector& other);
-  CDigitVector& operator=(CDigitVector&& other) noexcept;
+  CDigitVector& operator=(const CDigitVector& other) {
+    if (other.m_size > kInline || m_capacity > kInline) return CopyLong(other);
+    m_size = other.m_size;
+    std::memcpy(m_digits.own, other.data(), kInline);
+    return *this;
+  }
+  CDigitVector& operator=(CDigitVector&& other) noexcept {
+    if (this != &other) {
+      Free();
+      Take(other);
+    }
+    return *this;
+  }
   ~CDigitVector() { Free(); }
 
   std::size_t size() const noexcept { return m_size; }
@@ -49,6 +60,12 @@ class RKXML_EXPORT CDigitVector {
     data()[m_size++] = static_cast<unsigned char>(digit);
   }
   void pop_back() noexcept { --m_size; }
+  // Makes the vector `count` digits long, all to be written by the caller, and returns the first.
+  unsigned char* Overwrite(std::size_t count) {
+    reserve(count);
+    m_size = count;
+    return data();
+  }
   // New digits are `digit`.
   void resize(std::size_t count, wchar_t digit = 0);
   // Puts `count` zeros in front of the first digit, or drops the first `count` digits.
@@ -72,14 +89,19 @@ class RKXML_EXPORT CDigitVector {
   void Free() noexcept {
     if (m_capacity > kInline) delete[] m_digits.heap;
   }
-  void Take(CDigitVector& other) noexcept;
+  void Take(CDigitVector& other) noexcept {
+    m_size = std::exchange(other.m_size, 0);
+    m_capacity = std::exchange(other.m_capacity, kInline);
+    m_digits = other.m_digits;
+  }
+  CDigitVector& CopyLong(const CDigitVector& other);
 
   std::size_t m_size = 0;
   std::size_t m_capacity = kInline;
   union {
     unsigned char own[kInline];
     unsigned char* heap;
-  } m_digits;
+  } m_digits = {};
 };
 
 }  // namespace RkXmlLib16

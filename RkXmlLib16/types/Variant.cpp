@@ -20,6 +20,16 @@ constexpr const wchar_t* kTypeNames[] = {
 
 constexpr std::size_t kKeptCapacity = 4096;  // longer texts give their storage back
 
+// The storage of the last text that a variant of this thread dropped, for the next one: a variant lives for one record
+// of one object, and its text would otherwise be allocated each time.
+struct SpareText {
+  ~SpareText() { isGone = true; }  // static variants outlive it
+  std::wstring text;
+  static thread_local bool isGone;
+};
+thread_local bool SpareText::isGone = false;
+thread_local SpareText spare;
+
 [[noreturn]] void ThrowInvalidType(std::uint32_t type) { throw CRkException(FormatString(L"Invalid Type %u", type)); }
 
 [[noreturn]] void ThrowNoText(std::uint32_t type) {
@@ -81,7 +91,7 @@ RkVariant::RkVariant(RkVariant&& other) noexcept
       m_text(std::move(other.m_text)),
       m_owned(std::move(other.m_owned)) {
   other.m_text.clear();
-  other.m_owned = std::monostate();
+  other.m_owned.reset();
 }
 
 RkVariant& RkVariant::operator=(const RkVariant& other) {
@@ -99,16 +109,24 @@ RkVariant& RkVariant::operator=(RkVariant&& other) noexcept {
   m_text = std::move(other.m_text);
   m_owned = std::move(other.m_owned);
   other.m_text.clear();
-  other.m_owned = std::monostate();
+  other.m_owned.reset();
   return *this;
 }
 
-RkVariant::~RkVariant() { Clear(); }
+RkVariant::~RkVariant() {
+  if (!HoldsNothing()) Clear();
+  if (m_text.capacity() > std::wstring().capacity()) KeepTextStorage();
+}
+
+void RkVariant::KeepTextStorage() noexcept {
+  if (m_text.capacity() > kKeptCapacity || SpareText::isGone) return;
+  if (m_text.capacity() > spare.text.capacity()) spare.text.swap(m_text);
+}
 
 void RkVariant::Clear() noexcept {
   CXmlObjectBase* const released = m_type >= kXmlObject ? m_slot.reference.object : nullptr;
   m_slot = Slot{};
-  if (m_owned.index() != 0) m_owned = std::monostate();
+  m_owned.reset();
   if (m_text.capacity() > kKeptCapacity)
     std::wstring().swap(m_text);
   else
@@ -129,8 +147,7 @@ std::wstring RkVariant::GetType() const {
 }
 
 void RkVariant::Begin(std::uint32_t type) noexcept {
-  const bool simple = m_owned.index() == 0 && m_text.empty() && m_type < kXmlObject;
-  if (!simple) Clear();
+  if (!HoldsNothing()) Clear();
   m_nil = false;
   m_type = type;
 }
@@ -141,12 +158,15 @@ void RkVariant::RequireType(std::uint32_t type) const {
 
 template <class T, class Value>
 void RkVariant::SetOwned(std::uint32_t type, Value&& value) {
-  if (T* const present = std::get_if<T>(&m_owned)) {  // also safe for a reference into this variant
+  if (T* const present =
+          m_owned ? std::get_if<T>(&*m_owned) : nullptr) {  // also safe for a reference into this variant
     *present = std::forward<Value>(value);
+  } else if (HoldsNothing()) {
+    m_owned.emplace(std::in_place_type<T>, std::forward<Value>(value));
   } else {
     T copy(std::forward<Value>(value));
     Begin(type);
-    m_owned.emplace<T>(std::move(copy));
+    m_owned.emplace(std::move(copy));
   }
   m_nil = false;
   m_type = type;
@@ -155,7 +175,7 @@ void RkVariant::SetOwned(std::uint32_t type, Value&& value) {
 template <class T>
 const T& RkVariant::Owned(std::uint32_t type) const {
   RequireType(type);
-  if (const T* const value = std::get_if<T>(&m_owned)) return *value;
+  if (const T* const value = m_owned ? std::get_if<T>(&*m_owned) : nullptr) return *value;
   static const T empty{};
   return empty;
 }
@@ -216,6 +236,7 @@ void RkVariant::SetString(std::wstring_view value) {
   if (m_type >= kXmlObject) return SetString(std::wstring(value));  // the object may hold the text
   if (m_type != ItemType_string) Begin(ItemType_string);
   m_nil = false;
+  if (value.size() > m_text.capacity() && !SpareText::isGone) m_text.swap(spare.text);
   m_text.assign(value);  // also right for a part of this text
 }
 
@@ -236,9 +257,7 @@ void RkVariant::SetReference(std::uint32_t type, CXmlObjectBase* object, CXmlCol
 
 void RkVariant::SetXmlObject(CXmlObjectBase* object) { SetReference(kXmlObject, object, nullptr); }
 
-CSmartPtr<CXmlObjectBase> RkVariant::GetXmlObject() const {
-  return CSmartPtr<CXmlObjectBase>(m_type == kXmlObject ? m_slot.reference.object : nullptr);
-}
+CSmartPtr<CXmlObjectBase> RkVariant::GetXmlObject() const { return PeekXmlObject(); }
 
 std::wstring RkVariant::ToString(const wchar_t* format) const {
   std::wstring text;

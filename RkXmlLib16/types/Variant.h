@@ -2,6 +2,7 @@
 #define RKXMLLIB16_TYPES_VARIANT_H
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -127,6 +128,12 @@ class RKXML_EXPORT RkVariant {
   CSmartPtr<CXmlObjectBase> GetXmlObject() const;
   CSmartPtr<CXmlCollectionBase> GetXmlCollection() const;
 
+  // The same, borrowed until the variant changes.
+  CXmlObjectBase* PeekXmlObject() const noexcept { return m_type == kXmlObject ? m_slot.reference.object : nullptr; }
+  CXmlCollectionBase* PeekXmlCollection() const noexcept {
+    return m_type == kXmlCollection ? m_slot.reference.collection : nullptr;
+  }
+
   // The lexical form. `format` reaches float, double and decimal only. Throws CRkException
   // "Invalid Type %d to convert to string" without a type and for objects and collections.
   std::wstring ToString(const wchar_t* format = nullptr) const;
@@ -168,10 +175,9 @@ class RKXML_EXPORT RkVariant {
 
   // Counts `object` (may be null) and stores both; `collection` is the same object or null.
   void SetReference(std::uint32_t type, CXmlObjectBase* object, CXmlCollectionBase* collection);
-  CXmlCollectionBase* Collection() const noexcept {
-    return m_type == kXmlCollection ? m_slot.reference.collection : nullptr;
-  }
+  bool HoldsNothing() const noexcept { return !m_owned.has_value() && m_text.empty() && m_type < kXmlObject; }
   void Begin(std::uint32_t type) noexcept;
+  void KeepTextStorage() noexcept;
   void RequireType(std::uint32_t type) const;
   template <class T, class Value>
   void SetOwned(std::uint32_t type, Value&& value);
@@ -182,7 +188,7 @@ class RKXML_EXPORT RkVariant {
   std::uint32_t m_type = 0;
   Slot m_slot{};
   std::wstring m_text;
-  std::variant<std::monostate, CBinaryData, CDateTime, CDateTimeSpan, CDecimal, CBigInteger> m_owned;
+  std::optional<std::variant<CBinaryData, CDateTime, CDateTimeSpan, CDecimal, CBigInteger>> m_owned;
 };
 
 }  // namespace RkXmlLib16

@@ -10,6 +10,7 @@ namespace RkXmlLib16 {
 namespace {
 
 constexpr unsigned long kFlushLength = 4096;
+constexpr std::size_t kShortText = 64;
 constexpr std::wstring_view kCDataStart = L"<![CDATA[";
 
 // The text up to its first NUL.
@@ -102,39 +103,45 @@ void CXmlTextWriter::WriteInlineSchema(const std::wstring& schemaText) {
 
 void CXmlTextWriter::WriteStartElement(const std::wstring& localName, const std::wstring& namespaceUri) {
   const bool isRoot = m_context == nullptr;
+  const bool closesTag = !isRoot && m_context->m_startTagOpen;
   if (!isRoot) {
     ++m_context->m_childCount;
-    if (m_context->m_startTagOpen) {
-      CloseStartTag();
-      if (m_format) Put(m_endOfLine);
-    }
+    m_context->m_startTagOpen = false;
   }
   CXmlWriterContext& context = PushContext(localName, namespaceUri);
-  if (m_format) PutIndent(context.m_depth);
-  Put(L"<");
   bool invented = false;
-  if (!namespaceUri.empty() && namespaceUri != context.GetDefaultNamespace()) {
+  if (!namespaceUri.empty() && namespaceUri != context.GetDefaultNamespace())
     context.m_prefix = RequirePrefix(namespaceUri, invented);
-    Put(context.m_prefix);
-    Put(L":");
+
+  const std::wstring_view name = UpToNul(localName);
+  wchar_t* to =
+      m_stream.Reserve(1 + m_endOfLine.size() + IndentLength() + 1 + context.m_prefix.size() + 1 + name.size());
+  if (closesTag) {
+    *to++ = L'>';
+    if (m_format) to = CStringBuffer::Copy(to, m_endOfLine);
   }
-  Put(UpToNul(localName));
+  to = Indent(to);
+  *to++ = L'<';
+  m_stream.Commit(CStringBuffer::Copy(Prefix(to), name));
+
   if (invented) {
     Put(L" ");
     PutDeclaration(context.m_prefix, namespaceUri);
   }
-  if (isRoot) {
-    if (!context.GetDefaultNamespace().empty()) {
-      Put(L" ");
-      PutDeclaration({}, context.GetDefaultNamespace());
-    }
-    for (const auto& [uri, prefix] : m_namespaces) {
-      if (uri == XML_NAMESPACE || prefix.empty()) continue;
-      Put(L" ");
-      PutDeclaration(prefix, uri);
-    }
-  }
+  if (isRoot) PutRootDeclarations();
   FlushIfDue();
+}
+
+void CXmlTextWriter::PutRootDeclarations() {
+  if (!m_context->GetDefaultNamespace().empty()) {
+    Put(L" ");
+    PutDeclaration({}, m_context->GetDefaultNamespace());
+  }
+  for (const auto& [uri, prefix] : m_namespaces) {
+    if (uri == XML_NAMESPACE || prefix.empty()) continue;
+    Put(L" ");
+    PutDeclaration(prefix, uri);
+  }
 }
 
 void CXmlTextWriter::WriteString(const std::wstring& text, ItemType) { WriteText(UpToNul(text)); }
@@ -153,21 +160,40 @@ void CXmlTextWriter::WriteText(std::wstring_view text) {
 void CXmlTextWriter::WriteEndElement() {
   if (m_context == nullptr) throw CRkException(L"There is no open Element to end.");
   const CXmlWriterContext& context = *m_context;
+  const std::wstring_view name = UpToNul(context.m_localName);
+  wchar_t* to = m_stream.Reserve(IndentLength() + 3 + context.m_prefix.size() + 1 + name.size() + m_endOfLine.size());
   if (context.m_startTagOpen) {
-    Put(L"/>");
+    *to++ = L'/';
   } else {
-    if (m_format && context.m_childCount != 0) PutIndent(context.m_depth);
-    Put(L"</");
-    if (!context.m_prefix.empty()) {
-      Put(context.m_prefix);
-      Put(L":");
-    }
-    Put(UpToNul(context.m_localName));
-    Put(L">");
+    if (context.m_childCount != 0) to = Indent(to);
+    *to++ = L'<';
+    *to++ = L'/';
+    to = CStringBuffer::Copy(Prefix(to), name);
   }
-  if (m_format) Put(m_endOfLine);
+  *to++ = L'>';
+  if (m_format) to = CStringBuffer::Copy(to, m_endOfLine);
+  m_stream.Commit(to);
   PopContext();
   FlushIfDue();
+}
+
+std::size_t CXmlTextWriter::IndentLength() const {
+  return m_indentChars.size() * static_cast<std::size_t>(m_context->m_depth);
+}
+
+// The indentation of the open element.
+wchar_t* CXmlTextWriter::Indent(wchar_t* to) const {
+  if (!m_format) return to;
+  for (std::int64_t depth = m_context->m_depth; depth > 0; --depth) to = CStringBuffer::Copy(to, m_indentChars);
+  return to;
+}
+
+// The prefix of the open element and its colon.
+wchar_t* CXmlTextWriter::Prefix(wchar_t* to) const {
+  if (m_context->m_prefix.empty()) return to;
+  to = CStringBuffer::Copy(to, m_context->m_prefix);
+  *to++ = L':';
+  return to;
 }
 
 void CXmlTextWriter::WriteAttributeString(const std::wstring& localName, const std::wstring& namespaceUri,
@@ -192,7 +218,7 @@ void CXmlTextWriter::WriteAttribute(const std::wstring& localName, const std::ws
   Put(UpToNul(localName));
   Put(L"=\"");
   PutEscaped(value, Escaping::Attribute);
-  Put(L"\"");
+  m_stream.Append(L'"');
   FlushIfDue();
 }
 
@@ -218,37 +244,50 @@ void CXmlTextWriter::WriteAttributeNil() {
   WriteAttribute(name, XSI_NAMESPACE, L"true");
 }
 
-// Clean runs go out whole.
 void CXmlTextWriter::PutEscaped(std::wstring_view text, Escaping where) {
   const CharTable& table = where == Escaping::Attribute ? kAttributeTable : kTextTable;
+  const auto isSpecial = [&table](wchar_t c) {
+    const auto code = static_cast<std::uint32_t>(c);
+    return code < table.special.size() && table.special[code];
+  };
+  if (text.size() <= kShortText) {
+    wchar_t* to = m_stream.Reserve(text.size() * kLongestEscape);
+    for (const wchar_t c : text) {
+      if (isSpecial(c))
+        to = PutEscape(to, c, where);
+      else
+        *to++ = c;
+    }
+    return m_stream.Commit(to);
+  }
+  // Clean runs go out whole.
   const wchar_t* run = text.data();
   const wchar_t* const end = run + text.size();
   for (const wchar_t* at = run; at != end; ++at) {
-    const auto c = static_cast<std::uint32_t>(*at);
-    if (c >= table.special.size() || !table.special[c]) continue;
+    if (!isSpecial(*at)) continue;
     Put({run, static_cast<std::size_t>(at - run)});
     run = at + 1;
-    switch (*at) {
-      case L'&':
-        Put(L"&amp;");
-        break;
-      case L'<':
-        Put(L"&lt;");
-        break;
-      case L'>':
-        Put(L"&gt;");
-        break;
-      case L'"':
-        Put(L"&quot;");
-        break;
-      case L'\n':
-        Put(where == Escaping::Attribute ? std::wstring_view(L"&#xA;") : std::wstring_view(m_endOfLine));
-        break;
-      default:  // carriage returns are dropped
-        break;
-    }
+    m_stream.Commit(PutEscape(m_stream.Reserve(kLongestEscape), *at, where));
   }
   Put({run, static_cast<std::size_t>(end - run)});
+}
+
+wchar_t* CXmlTextWriter::PutEscape(wchar_t* to, wchar_t c, Escaping where) const {
+  const auto put = [to](std::wstring_view text) { return CStringBuffer::Copy(to, text); };
+  switch (c) {
+    case L'&':
+      return put(L"&amp;");
+    case L'<':
+      return put(L"&lt;");
+    case L'>':
+      return put(L"&gt;");
+    case L'"':
+      return put(L"&quot;");
+    case L'\n':
+      return put(where == Escaping::Attribute ? std::wstring_view(L"&#xA;") : std::wstring_view(m_endOfLine));
+    default:  // carriage returns are dropped
+      return to;
+  }
 }
 
 // xmlns:prefix="uri", or xmlns="uri" without a prefix.
@@ -261,10 +300,6 @@ void CXmlTextWriter::PutDeclaration(std::wstring_view prefix, const std::wstring
   Put(L"=\"");
   PutEscaped(UpToNul(namespaceUri), Escaping::Attribute);
   Put(L"\"");
-}
-
-void CXmlTextWriter::PutIndent(std::int64_t depth) {
-  for (; depth > 0; --depth) Put(m_indentChars);
 }
 
 void CXmlTextWriter::CloseStartTag() {

@@ -70,7 +70,14 @@ class RKXML_EXPORT CXmlTextWriter : public CXmlWriter {
   void Put(std::wstring_view text) { m_stream.Append(text); }
   void PutEscaped(std::wstring_view text, Escaping where);
   void PutDeclaration(std::wstring_view prefix, const std::wstring& namespaceUri);
-  void PutIndent(std::int64_t depth);
+  wchar_t* PutEscape(wchar_t* to, wchar_t c, Escaping where) const;
+  // At most this many characters stand for one.
+  static constexpr std::size_t kLongestEscape = 6;
+  void PutRootDeclarations();
+  std::size_t IndentLength() const;
+  // Write to `to` and return the end.
+  wchar_t* Indent(wchar_t* to) const;
+  wchar_t* Prefix(wchar_t* to) const;
   void CloseStartTag();
   void RequireStartTag() const;
   void FlushIfDue();

@@ -110,6 +110,8 @@ class RKXML_EXPORT CXmlWriter {
   bool DeclareNamespace(const std::wstring& prefix, const std::wstring& namespaceUri);
   // Sets the state of the open element; without one it does nothing.
   void SetContextState(ContextState state);
+  // Room for a value on its way to the writer, which is converted to text there; good until the next value.
+  std::wstring& GetValueBuffer() noexcept { return m_valueBuffer; }
   // The first of "AA", "AB", ... that is not a prefix in the map.
   static std::wstring GetUniquePrefix(const NamespaceMap& namespaces);
   static std::wstring NsIntToString(int n);
@@ -136,6 +138,7 @@ class RKXML_EXPORT CXmlWriter {
   NamespaceMap m_namespaces;
 
  private:
+  std::wstring m_valueBuffer;
   std::unique_ptr<CXmlWriterContext> m_closedContexts;  // kept for reuse, chained by their parents
 };
 

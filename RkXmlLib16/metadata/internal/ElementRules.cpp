@@ -28,11 +28,11 @@ bool RequireWritten(const CElementInfo& info, bool written) {
 
 bool CheckedColToXml(const CElementInfo& info, const CSerializationContext& context, const CXmlGeneratedClass* object,
                      CXmlWriter* writer) {
-  if (!context.GetIgnoreInvalidCollectionCounts()) {
-    const auto collection = GetCollection(info, object);
-    if (collection != nullptr) collection->ValidateCount(context);
-  }
-  return info.ElementToXmlCol(context, object, writer);
+  RkVariant value;
+  info.ReadProperty(object, value);
+  const CXmlCollectionBase* const collection = value.PeekXmlCollection();
+  if (collection != nullptr && !context.GetIgnoreInvalidCollectionCounts()) collection->ValidateCount(context);
+  return info.WriteCollection(context, collection, writer);
 }
 
 void GroupAttributesToXml(const CElementInfo& info, XmlElementType memberType, const CSerializationContext& context,
@@ -40,8 +40,8 @@ void GroupAttributesToXml(const CElementInfo& info, XmlElementType memberType, c
   if (memberType != XmlElementType_InlineGroup) return;
   RkVariant value;
   info.ReadProperty(object, value);
-  CSmartPtr<CXmlObjectBase> child = value.GetXmlObject();
-  if (child == nullptr) child = value.GetXmlCollection();
+  const CXmlObjectBase* child = value.PeekXmlObject();
+  if (child == nullptr) child = value.PeekXmlCollection();
   if (child != nullptr) info.AttributesToXml_Int(child, writer, context);
 }
 
