@@ -5,6 +5,7 @@
 #include "RkXmlLib16/metadata/AttributeInfo.h"
 #include "RkXmlLib16/metadata/ElementInfo.h"
 #include "RkXmlLib16/metadata/ParentElementInfo.h"
+#include "RkXmlLib16/xml/ElementTree.h"
 
 namespace RkXmlLib16 {
 
@@ -44,6 +45,12 @@ bool CXmlGeneratedClass::IsElementInList(const CSerializationContext& context, C
 }
 
 bool CXmlGeneratedClass::DoesElementContainOptionalElements() const { return GetClassInfo()->CanContentBeEmpty(); }
+
+bool CXmlGeneratedClass::HasElement(const CXmlElement* first, const wchar_t* localName) {
+  for (; first != nullptr; first = first->GetNextSiblingElement())
+    if (first->GetLocalName() == localName) return true;
+  return false;
+}
 
 void CXmlGeneratedClass::CleanMetaData(CParentElementInfo*& classInfo, CElementInfo**& elementInfos,
                                        CAttributeInfo**& attributeInfos) {

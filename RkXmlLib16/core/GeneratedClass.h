@@ -78,6 +78,11 @@ class RKXML_EXPORT CXmlGeneratedClass : public CXmlObjectBase {
                             RkXmlLib16Data::CElementInfo**& elementInfos,
                             RkXmlLib16Data::CAttributeInfo**& attributeInfos);
 
+ protected:
+  // Whether an element of this local name is `first` or follows it among its siblings: for classes that make a
+  // collection when it is needed, to be asked once for each element that is read.
+  static bool HasElement(const CXmlElement* first, const wchar_t* localName);
+
  private:
   void WriteElement(CXmlWriter* writer, bool registerNamespaces, const wchar_t* namespaceUri,
                     const CSerializationContext& context, bool isOptionalChoice) const;

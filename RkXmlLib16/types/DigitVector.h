@@ -2,6 +2,7 @@
 #define RKXMLLIB16_TYPES_DIGITVECTOR_H
 
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <initializer_list>
 #include <utility>
@@ -11,7 +12,7 @@
 
 namespace RkXmlLib16 {
 
-// A vector of decimal digits, the numbers 0 to 9, that keeps up to 24 of them without an allocation.
+// A vector of decimal digits, the numbers 0 to 9, that keeps up to 16 of them without an allocation.
 class RKXML_EXPORT CDigitVector {
  public:
   using value_type = unsigned char;
@@ -56,14 +57,14 @@ class RKXML_EXPORT CDigitVector {
     if (capacity > m_capacity) Grow(capacity);
   }
   void push_back(wchar_t digit) {
-    if (m_size == m_capacity) Grow(m_size + 1);
+    if (m_size == m_capacity) Grow(std::size_t{m_size} + 1);
     data()[m_size++] = static_cast<unsigned char>(digit);
   }
   void pop_back() noexcept { --m_size; }
   // Makes the vector `count` digits long, all to be written by the caller, and returns the first.
   unsigned char* Overwrite(std::size_t count) {
     reserve(count);
-    m_size = count;
+    m_size = static_cast<std::uint32_t>(count);
     return data();
   }
   // New digits are `digit`.
@@ -83,21 +84,21 @@ class RKXML_EXPORT CDigitVector {
   friend bool operator!=(const CDigitVector& a, const CDigitVector& b) noexcept { return !(a == b); }
 
  private:
-  static constexpr std::size_t kInline = 24;
+  static constexpr std::uint32_t kInline = 16;
 
   void Grow(std::size_t capacity);
   void Free() noexcept {
     if (m_capacity > kInline) delete[] m_digits.heap;
   }
   void Take(CDigitVector& other) noexcept {
-    m_size = std::exchange(other.m_size, 0);
+    m_size = std::exchange(other.m_size, 0u);
     m_capacity = std::exchange(other.m_capacity, kInline);
     m_digits = other.m_digits;
   }
   CDigitVector& CopyLong(const CDigitVector& other);
 
-  std::size_t m_size = 0;
-  std::size_t m_capacity = kInline;
+  std::uint32_t m_size = 0;
+  std::uint32_t m_capacity = kInline;
   union {
     unsigned char own[kInline];
     unsigned char* heap;

@@ -490,9 +490,7 @@ CElementInfo** CBoundsType::GetClassElementInfo() const { return BoundsTypeRecor
 CAttributeInfo** CBoundsType::GetClassAttributeInfo() const { return BoundsTypeRecords().attributes; }
 void CBoundsType::BeginFromXml_Int(CXmlElement*, CXmlElement*, const CSerializationContext&, bool) {}
 
-CMetadataType::CMetadataType(const wchar_t* elementName) : m_link(new CLinkTypeCol(L"link", 0, -1)) {
-  SetElementName(elementName);
-}
+CMetadataType::CMetadataType(const wchar_t* elementName) { SetElementName(elementName); }
 CMetadataType::~CMetadataType() = default;
 
 const wchar_t* CMetadataType::GetTargetNamespace() const { return kNamespace; }
@@ -526,6 +524,11 @@ void CMetadataType::SetAuthor(CPersonType* value) {
 void CMetadataType::SetCopyright(CCopyrightType* value) {
   Throw_IfElementNameDiffers(value, L"copyright");
   m_copyright = value;
+}
+
+CLinkTypeCol* CMetadataType::GetLink() const {
+  if (m_link == nullptr) m_link = new CLinkTypeCol(L"link", 0, -1);
+  return m_link;
 }
 
 void CMetadataType::SetTime(const CDateTime& value) {
@@ -593,7 +596,7 @@ void CMetadataType::AccessProperty(int index, bool get, RkVariant& value) {
       }
       break;
     case 4:  // link
-      if (get) value.SetXmlCollection(GetLink());
+      if (get) value.SetXmlCollection(m_link);
       break;
     case 5:  // time
       if (!get) {
@@ -665,13 +668,14 @@ const Records& MetadataTypeRecords() {
 CParentElementInfo* CMetadataType::GetClassInfo() const { return MetadataTypeRecords().parent; }
 CElementInfo** CMetadataType::GetClassElementInfo() const { return MetadataTypeRecords().elements; }
 CAttributeInfo** CMetadataType::GetClassAttributeInfo() const { return MetadataTypeRecords().attributes; }
-void CMetadataType::BeginFromXml_Int(CXmlElement*, CXmlElement*, const CSerializationContext&, bool) {}
+void CMetadataType::BeginFromXml_Int(CXmlElement*, CXmlElement* firstChild, const CSerializationContext&, bool) {
+  if (HasElement(firstChild, L"link")) GetLink();
+}
 
 CWptType::CWptType(const wchar_t* elementName)
     : m_declaredAs(std::wcscmp(elementName, L"rtept") == 0   ? 1
                    : std::wcscmp(elementName, L"trkpt") == 0 ? 2
-                                                             : 0),
-      m_link(new CLinkTypeCol(L"link", 0, -1)) {
+                                                             : 0) {
   SetElementName(elementName);
 }
 CWptType::~CWptType() = default;
@@ -742,6 +746,11 @@ void CWptType::SetSrc(const std::wstring& value) {
 void CWptType::ClearSrc() {
   m_src = std::wstring();
   m_hasSrc = false;
+}
+
+CLinkTypeCol* CWptType::GetLink() const {
+  if (m_link == nullptr) m_link = new CLinkTypeCol(L"link", 0, -1);
+  return m_link;
 }
 
 void CWptType::SetSym(const std::wstring& value) {
@@ -898,7 +907,7 @@ void CWptType::AccessProperty(int index, bool get, RkVariant& value) {
       }
       break;
     case 8:  // link
-      if (get) value.SetXmlCollection(GetLink());
+      if (get) value.SetXmlCollection(m_link);
       break;
     case 9:  // sym
       if (!get) {
@@ -1070,17 +1079,16 @@ CParentElementInfo* CWptType::GetClassInfo() const {
 }
 CElementInfo** CWptType::GetClassElementInfo() const { return WptTypeRecords().elements; }
 CAttributeInfo** CWptType::GetClassAttributeInfo() const { return WptTypeRecords().attributes; }
-void CWptType::BeginFromXml_Int(CXmlElement*, CXmlElement*, const CSerializationContext&, bool) {}
+void CWptType::BeginFromXml_Int(CXmlElement*, CXmlElement* firstChild, const CSerializationContext&, bool) {
+  if (HasElement(firstChild, L"link")) GetLink();
+}
 
 CWptTypeCol::CWptTypeCol(const wchar_t* name, int minOccurs, int maxOccurs)
     : CXmlObjectCollection(name, kNamespace, minOccurs, maxOccurs, CGpxFactory::Create, CGpxFactory::Id_WptType,
                            XmlElementType_Element) {}
 CWptTypeCol::~CWptTypeCol() = default;
 
-CRteType::CRteType(const wchar_t* elementName)
-    : m_link(new CLinkTypeCol(L"link", 0, -1)), m_rtept(new CWptTypeCol(L"rtept", 0, -1)) {
-  SetElementName(elementName);
-}
+CRteType::CRteType(const wchar_t* elementName) { SetElementName(elementName); }
 CRteType::~CRteType() = default;
 
 const wchar_t* CRteType::GetTargetNamespace() const { return kNamespace; }
@@ -1126,6 +1134,11 @@ void CRteType::ClearSrc() {
   m_hasSrc = false;
 }
 
+CLinkTypeCol* CRteType::GetLink() const {
+  if (m_link == nullptr) m_link = new CLinkTypeCol(L"link", 0, -1);
+  return m_link;
+}
+
 void CRteType::SetNumber(const CBigInteger& value) {
   CXmlObjectHelper::CheckRestrictionForinteger(L"number", value, NonNegative());
   m_number = std::make_unique<CBigInteger>(value);
@@ -1146,6 +1159,11 @@ void CRteType::ClearType() {
 void CRteType::SetExtensions(CExtensionsType* value) {
   Throw_IfElementNameDiffers(value, L"extensions");
   m_extensions = value;
+}
+
+CWptTypeCol* CRteType::GetRtept() const {
+  if (m_rtept == nullptr) m_rtept = new CWptTypeCol(L"rtept", 0, -1);
+  return m_rtept;
 }
 
 void CRteType::AccessProperty(int index, bool get, RkVariant& value) {
@@ -1187,7 +1205,7 @@ void CRteType::AccessProperty(int index, bool get, RkVariant& value) {
       }
       break;
     case 4:  // link
-      if (get) value.SetXmlCollection(GetLink());
+      if (get) value.SetXmlCollection(m_link);
       break;
     case 5:  // number
       if (!get) {
@@ -1215,7 +1233,7 @@ void CRteType::AccessProperty(int index, bool get, RkVariant& value) {
       }
       break;
     case 8:  // rtept
-      if (get) value.SetXmlCollection(GetRtept());
+      if (get) value.SetXmlCollection(m_rtept);
       break;
     default:
       break;
@@ -1253,20 +1271,26 @@ const Records& RteTypeRecords() {
 CParentElementInfo* CRteType::GetClassInfo() const { return RteTypeRecords().parent; }
 CElementInfo** CRteType::GetClassElementInfo() const { return RteTypeRecords().elements; }
 CAttributeInfo** CRteType::GetClassAttributeInfo() const { return RteTypeRecords().attributes; }
-void CRteType::BeginFromXml_Int(CXmlElement*, CXmlElement*, const CSerializationContext&, bool) {}
+void CRteType::BeginFromXml_Int(CXmlElement*, CXmlElement* firstChild, const CSerializationContext&, bool) {
+  if (HasElement(firstChild, L"link")) GetLink();
+  if (HasElement(firstChild, L"rtept")) GetRtept();
+}
 
 CRteTypeCol::CRteTypeCol(const wchar_t* name, int minOccurs, int maxOccurs)
     : CXmlObjectCollection(name, kNamespace, minOccurs, maxOccurs, CGpxFactory::Create, CGpxFactory::Id_RteType,
                            XmlElementType_Element) {}
 CRteTypeCol::~CRteTypeCol() = default;
 
-CTrksegType::CTrksegType(const wchar_t* elementName) : m_trkpt(new CWptTypeCol(L"trkpt", 0, -1)) {
-  SetElementName(elementName);
-}
+CTrksegType::CTrksegType(const wchar_t* elementName) { SetElementName(elementName); }
 CTrksegType::~CTrksegType() = default;
 
 const wchar_t* CTrksegType::GetTargetNamespace() const { return kNamespace; }
 const wchar_t* CTrksegType::GetNamespace() const { return kNamespace; }
+
+CWptTypeCol* CTrksegType::GetTrkpt() const {
+  if (m_trkpt == nullptr) m_trkpt = new CWptTypeCol(L"trkpt", 0, -1);
+  return m_trkpt;
+}
 
 void CTrksegType::SetExtensions(CExtensionsType* value) {
   Throw_IfElementNameDiffers(value, L"extensions");
@@ -1276,7 +1300,7 @@ void CTrksegType::SetExtensions(CExtensionsType* value) {
 void CTrksegType::AccessProperty(int index, bool get, RkVariant& value) {
   switch (index) {
     case 0:  // trkpt
-      if (get) value.SetXmlCollection(GetTrkpt());
+      if (get) value.SetXmlCollection(m_trkpt);
       break;
     case 1:  // extensions
       if (get) {
@@ -1309,17 +1333,16 @@ const Records& TrksegTypeRecords() {
 CParentElementInfo* CTrksegType::GetClassInfo() const { return TrksegTypeRecords().parent; }
 CElementInfo** CTrksegType::GetClassElementInfo() const { return TrksegTypeRecords().elements; }
 CAttributeInfo** CTrksegType::GetClassAttributeInfo() const { return TrksegTypeRecords().attributes; }
-void CTrksegType::BeginFromXml_Int(CXmlElement*, CXmlElement*, const CSerializationContext&, bool) {}
+void CTrksegType::BeginFromXml_Int(CXmlElement*, CXmlElement* firstChild, const CSerializationContext&, bool) {
+  if (HasElement(firstChild, L"trkpt")) GetTrkpt();
+}
 
 CTrksegTypeCol::CTrksegTypeCol(const wchar_t* name, int minOccurs, int maxOccurs)
     : CXmlObjectCollection(name, kNamespace, minOccurs, maxOccurs, CGpxFactory::Create, CGpxFactory::Id_TrksegType,
                            XmlElementType_Element) {}
 CTrksegTypeCol::~CTrksegTypeCol() = default;
 
-CTrkType::CTrkType(const wchar_t* elementName)
-    : m_link(new CLinkTypeCol(L"link", 0, -1)), m_trkseg(new CTrksegTypeCol(L"trkseg", 0, -1)) {
-  SetElementName(elementName);
-}
+CTrkType::CTrkType(const wchar_t* elementName) { SetElementName(elementName); }
 CTrkType::~CTrkType() = default;
 
 const wchar_t* CTrkType::GetTargetNamespace() const { return kNamespace; }
@@ -1365,6 +1388,11 @@ void CTrkType::ClearSrc() {
   m_hasSrc = false;
 }
 
+CLinkTypeCol* CTrkType::GetLink() const {
+  if (m_link == nullptr) m_link = new CLinkTypeCol(L"link", 0, -1);
+  return m_link;
+}
+
 void CTrkType::SetNumber(const CBigInteger& value) {
   CXmlObjectHelper::CheckRestrictionForinteger(L"number", value, NonNegative());
   m_number = std::make_unique<CBigInteger>(value);
@@ -1385,6 +1413,11 @@ void CTrkType::ClearType() {
 void CTrkType::SetExtensions(CExtensionsType* value) {
   Throw_IfElementNameDiffers(value, L"extensions");
   m_extensions = value;
+}
+
+CTrksegTypeCol* CTrkType::GetTrkseg() const {
+  if (m_trkseg == nullptr) m_trkseg = new CTrksegTypeCol(L"trkseg", 0, -1);
+  return m_trkseg;
 }
 
 void CTrkType::AccessProperty(int index, bool get, RkVariant& value) {
@@ -1426,7 +1459,7 @@ void CTrkType::AccessProperty(int index, bool get, RkVariant& value) {
       }
       break;
     case 4:  // link
-      if (get) value.SetXmlCollection(GetLink());
+      if (get) value.SetXmlCollection(m_link);
       break;
     case 5:  // number
       if (!get) {
@@ -1454,7 +1487,7 @@ void CTrkType::AccessProperty(int index, bool get, RkVariant& value) {
       }
       break;
     case 8:  // trkseg
-      if (get) value.SetXmlCollection(GetTrkseg());
+      if (get) value.SetXmlCollection(m_trkseg);
       break;
     default:
       break;
@@ -1492,19 +1525,17 @@ const Records& TrkTypeRecords() {
 CParentElementInfo* CTrkType::GetClassInfo() const { return TrkTypeRecords().parent; }
 CElementInfo** CTrkType::GetClassElementInfo() const { return TrkTypeRecords().elements; }
 CAttributeInfo** CTrkType::GetClassAttributeInfo() const { return TrkTypeRecords().attributes; }
-void CTrkType::BeginFromXml_Int(CXmlElement*, CXmlElement*, const CSerializationContext&, bool) {}
+void CTrkType::BeginFromXml_Int(CXmlElement*, CXmlElement* firstChild, const CSerializationContext&, bool) {
+  if (HasElement(firstChild, L"link")) GetLink();
+  if (HasElement(firstChild, L"trkseg")) GetTrkseg();
+}
 
 CTrkTypeCol::CTrkTypeCol(const wchar_t* name, int minOccurs, int maxOccurs)
     : CXmlObjectCollection(name, kNamespace, minOccurs, maxOccurs, CGpxFactory::Create, CGpxFactory::Id_TrkType,
                            XmlElementType_Element) {}
 CTrkTypeCol::~CTrkTypeCol() = default;
 
-CGpxType::CGpxType(const wchar_t* elementName)
-    : m_wpt(new CWptTypeCol(L"wpt", 0, -1)),
-      m_rte(new CRteTypeCol(L"rte", 0, -1)),
-      m_trk(new CTrkTypeCol(L"trk", 0, -1)) {
-  SetElementName(elementName);
-}
+CGpxType::CGpxType(const wchar_t* elementName) { SetElementName(elementName); }
 CGpxType::~CGpxType() = default;
 
 const wchar_t* CGpxType::GetTargetNamespace() const { return kNamespace; }
@@ -1513,6 +1544,21 @@ const wchar_t* CGpxType::GetNamespace() const { return kNamespace; }
 void CGpxType::SetMetadata(CMetadataType* value) {
   Throw_IfElementNameDiffers(value, L"metadata");
   m_metadata = value;
+}
+
+CWptTypeCol* CGpxType::GetWpt() const {
+  if (m_wpt == nullptr) m_wpt = new CWptTypeCol(L"wpt", 0, -1);
+  return m_wpt;
+}
+
+CRteTypeCol* CGpxType::GetRte() const {
+  if (m_rte == nullptr) m_rte = new CRteTypeCol(L"rte", 0, -1);
+  return m_rte;
+}
+
+CTrkTypeCol* CGpxType::GetTrk() const {
+  if (m_trk == nullptr) m_trk = new CTrkTypeCol(L"trk", 0, -1);
+  return m_trk;
 }
 
 void CGpxType::SetExtensions(CExtensionsType* value) {
@@ -1534,13 +1580,13 @@ void CGpxType::AccessProperty(int index, bool get, RkVariant& value) {
       }
       break;
     case 1:  // wpt
-      if (get) value.SetXmlCollection(GetWpt());
+      if (get) value.SetXmlCollection(m_wpt);
       break;
     case 2:  // rte
-      if (get) value.SetXmlCollection(GetRte());
+      if (get) value.SetXmlCollection(m_rte);
       break;
     case 3:  // trk
-      if (get) value.SetXmlCollection(GetTrk());
+      if (get) value.SetXmlCollection(m_trk);
       break;
     case 4:  // extensions
       if (get) {
@@ -1595,7 +1641,11 @@ const Records& GpxTypeRecords() {
 CParentElementInfo* CGpxType::GetClassInfo() const { return GpxTypeRecords().parent; }
 CElementInfo** CGpxType::GetClassElementInfo() const { return GpxTypeRecords().elements; }
 CAttributeInfo** CGpxType::GetClassAttributeInfo() const { return GpxTypeRecords().attributes; }
-void CGpxType::BeginFromXml_Int(CXmlElement*, CXmlElement*, const CSerializationContext&, bool) {}
+void CGpxType::BeginFromXml_Int(CXmlElement*, CXmlElement* firstChild, const CSerializationContext&, bool) {
+  if (HasElement(firstChild, L"wpt")) GetWpt();
+  if (HasElement(firstChild, L"rte")) GetRte();
+  if (HasElement(firstChild, L"trk")) GetTrk();
+}
 
 CSmartPtr<CXmlObjectBase> CGpxFactory::Create(int classId, const wchar_t* elementName) {
   switch (classId) {

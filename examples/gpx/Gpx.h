@@ -273,7 +273,7 @@ class CMetadataType : public CXmlGeneratedClass {
   void SetCopyright(CCopyrightType* value);  // counted
 
   // Element link (LinkType, repeated).
-  CLinkTypeCol* GetLink() const { return m_link; }
+  CLinkTypeCol* GetLink() const;
 
   // Element time (dateTime, optional).
   bool HasTime() const { return m_hasTime; }
@@ -312,7 +312,7 @@ class CMetadataType : public CXmlGeneratedClass {
   bool m_hasDesc = false;
   CSmartPtr<CPersonType> m_author;
   CSmartPtr<CCopyrightType> m_copyright;
-  CSmartPtr<CLinkTypeCol> m_link;
+  mutable CSmartPtr<CLinkTypeCol> m_link;  // made by its first use
   CDateTime m_time;
   bool m_hasTime = false;
   std::wstring m_keywords;
@@ -376,7 +376,7 @@ class CWptType : public CXmlGeneratedClass {
   void ClearSrc();
 
   // Element link (LinkType, repeated).
-  CLinkTypeCol* GetLink() const { return m_link; }
+  CLinkTypeCol* GetLink() const;
 
   // Element sym (string, optional).
   bool HasSym() const { return m_hasSym; }
@@ -469,7 +469,7 @@ class CWptType : public CXmlGeneratedClass {
   bool m_hasDesc = false;
   std::wstring m_src;
   bool m_hasSrc = false;
-  CSmartPtr<CLinkTypeCol> m_link;
+  mutable CSmartPtr<CLinkTypeCol> m_link;  // made by its first use
   std::wstring m_sym;
   bool m_hasSym = false;
   std::wstring m_type;
@@ -525,7 +525,7 @@ class CRteType : public CXmlGeneratedClass {
   void ClearSrc();
 
   // Element link (LinkType, repeated).
-  CLinkTypeCol* GetLink() const { return m_link; }
+  CLinkTypeCol* GetLink() const;
 
   // Element number (integer, optional).
   bool HasNumber() const { return m_number != nullptr; }
@@ -544,7 +544,7 @@ class CRteType : public CXmlGeneratedClass {
   void SetExtensions(CExtensionsType* value);  // counted
 
   // Element rtept (WptType, repeated).
-  CWptTypeCol* GetRtept() const { return m_rtept; }
+  CWptTypeCol* GetRtept() const;
 
   CXmlObjectBase* GetBase() override { return this; }
   const wchar_t* GetTargetNamespace() const override;
@@ -565,12 +565,12 @@ class CRteType : public CXmlGeneratedClass {
   bool m_hasDesc = false;
   std::wstring m_src;
   bool m_hasSrc = false;
-  CSmartPtr<CLinkTypeCol> m_link;
+  mutable CSmartPtr<CLinkTypeCol> m_link;  // made by its first use
   std::unique_ptr<CBigInteger> m_number;
   std::wstring m_type;
   bool m_hasType = false;
   CSmartPtr<CExtensionsType> m_extensions;
-  CSmartPtr<CWptTypeCol> m_rtept;
+  mutable CSmartPtr<CWptTypeCol> m_rtept;  // made by its first use
 };
 
 class CRteTypeCol : public CXmlObjectCollection<CRteType> {
@@ -586,7 +586,7 @@ class CTrksegType : public CXmlGeneratedClass {
   ~CTrksegType() override;
 
   // Element trkpt (WptType, repeated).
-  CWptTypeCol* GetTrkpt() const { return m_trkpt; }
+  CWptTypeCol* GetTrkpt() const;
 
   // Element extensions (ExtensionsType, optional).
   CExtensionsType* GetExtensions() const { return m_extensions; }
@@ -603,7 +603,7 @@ class CTrksegType : public CXmlGeneratedClass {
                         bool isOptionalChoice) override;
 
  private:
-  CSmartPtr<CWptTypeCol> m_trkpt;
+  mutable CSmartPtr<CWptTypeCol> m_trkpt;  // made by its first use
   CSmartPtr<CExtensionsType> m_extensions;
 };
 
@@ -644,7 +644,7 @@ class CTrkType : public CXmlGeneratedClass {
   void ClearSrc();
 
   // Element link (LinkType, repeated).
-  CLinkTypeCol* GetLink() const { return m_link; }
+  CLinkTypeCol* GetLink() const;
 
   // Element number (integer, optional).
   bool HasNumber() const { return m_number != nullptr; }
@@ -663,7 +663,7 @@ class CTrkType : public CXmlGeneratedClass {
   void SetExtensions(CExtensionsType* value);  // counted
 
   // Element trkseg (TrksegType, repeated).
-  CTrksegTypeCol* GetTrkseg() const { return m_trkseg; }
+  CTrksegTypeCol* GetTrkseg() const;
 
   CXmlObjectBase* GetBase() override { return this; }
   const wchar_t* GetTargetNamespace() const override;
@@ -684,12 +684,12 @@ class CTrkType : public CXmlGeneratedClass {
   bool m_hasDesc = false;
   std::wstring m_src;
   bool m_hasSrc = false;
-  CSmartPtr<CLinkTypeCol> m_link;
+  mutable CSmartPtr<CLinkTypeCol> m_link;  // made by its first use
   std::unique_ptr<CBigInteger> m_number;
   std::wstring m_type;
   bool m_hasType = false;
   CSmartPtr<CExtensionsType> m_extensions;
-  CSmartPtr<CTrksegTypeCol> m_trkseg;
+  mutable CSmartPtr<CTrksegTypeCol> m_trkseg;  // made by its first use
 };
 
 class CTrkTypeCol : public CXmlObjectCollection<CTrkType> {
@@ -709,13 +709,13 @@ class CGpxType : public CXmlGeneratedClass {
   void SetMetadata(CMetadataType* value);  // counted
 
   // Element wpt (WptType, repeated).
-  CWptTypeCol* GetWpt() const { return m_wpt; }
+  CWptTypeCol* GetWpt() const;
 
   // Element rte (RteType, repeated).
-  CRteTypeCol* GetRte() const { return m_rte; }
+  CRteTypeCol* GetRte() const;
 
   // Element trk (TrkType, repeated).
-  CTrkTypeCol* GetTrk() const { return m_trk; }
+  CTrkTypeCol* GetTrk() const;
 
   // Element extensions (ExtensionsType, optional).
   CExtensionsType* GetExtensions() const { return m_extensions; }
@@ -741,9 +741,9 @@ class CGpxType : public CXmlGeneratedClass {
 
  private:
   CSmartPtr<CMetadataType> m_metadata;
-  CSmartPtr<CWptTypeCol> m_wpt;
-  CSmartPtr<CRteTypeCol> m_rte;
-  CSmartPtr<CTrkTypeCol> m_trk;
+  mutable CSmartPtr<CWptTypeCol> m_wpt;  // made by its first use
+  mutable CSmartPtr<CRteTypeCol> m_rte;  // made by its first use
+  mutable CSmartPtr<CTrkTypeCol> m_trk;  // made by its first use
   CSmartPtr<CExtensionsType> m_extensions;
   std::wstring m_version;
   std::wstring m_creator;
