@@ -60,7 +60,7 @@ run 'head -n 11 track.json'
 
 say 'Another one adds a waypoint. Members check what the schema demands, so there is none beyond the pole.'
 run 'gpx_edit track.gpx edited.gpx 46.5042 7.7215 "Picknick 🧺"'
-run 'grep -A 2 46.5042 edited.gpx'
+run 'grep -B 1 -A 1 Picknick edited.gpx'
 run gpx_edit track.gpx refused.gpx 96.5 7.7 Nowhere 2>&1 && { echo "demo: not refused" >&2; exit 1; }
 
 say 'The same objects, three forms: the binary one, Fast Infoset, is made from the JSON and tells the same track.'
