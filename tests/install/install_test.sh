@@ -52,21 +52,28 @@ check_readme() {
   [ -s "$work/copy.gpx" ] || fail "the program of the README wrote nothing"
 }
 
-# check_headers PREFIX: every installed header stands alone, all stand in any order, and none needs one of a
-# dependency.
-compile_header() {
-  echo "#include <$1>" | "${@:2}" -fsyntax-only -Wall -Wextra -Werror -x c++ - || { echo "fails alone: $1"; exit 1; }
+# check_headers PREFIX: every installed header stands alone, all stand in any order with g++ and clang++ as C++17 and
+# C++20, and none needs one of a dependency.
+compile() { "$@" -fsyntax-only -Wall -Wextra -Wpedantic -Werror -I . -x c++ -; }
+compile_alone() {
+  echo "#include <$1>" | compile "${@:2}" || { echo "fails alone: $1"; exit 1; }
 }
-export -f compile_header
+export -f compile compile_alone
 check_headers() {
   echo "== headers"
   cd "$1/include"
   [ -z "$(find . -path '*/internal/*')" ] || fail "internal headers are installed"
-  ! grep -rlE '#include *<(expat|expat_external|pcre2|zlib)\.h>' . || fail "these need a header of a dependency"
+  ! grep -rlE '#include *[<"](expat|expat_external|pcre2|pcre2posix|zlib|zconf)\.h' . ||
+    fail "these need a header of a dependency"
   find RkXmlLib16 -name '*.h' | sort >"$work/headers"
   # shellcheck disable=SC2016
-  xargs -P "$(nproc)" -I {} bash -c 'compile_header "$@"' _ {} "$compiler" -std=c++17 -I . <"$work/headers"
-  tac "$work/headers" | sed 's/.*/#include <&>/' | "$compiler" -std=c++20 -Wall -Wextra -fsyntax-only -I . -x c++ -
+  xargs -P "$(nproc)" -I {} bash -c 'compile_alone "$@"' _ {} "$compiler" -std=c++17 <"$work/headers"
+  local tried
+  for tried in g++ clang++; do
+    command -v "$tried" >/dev/null || continue
+    sed 's/.*/#include <&>/' "$work/headers" | compile "$tried" -std=c++17 || fail "$tried, C++17"
+    tac "$work/headers" | sed 's/.*/#include <&>/' | compile "$tried" -std=c++20 || fail "$tried, C++20, turned round"
+  done
 }
 
 test_prefix() {

@@ -216,6 +216,23 @@ fi
 [ "$(cat target.xml)" = precious ] || fail "a broken write has changed the target"
 nothing_left
 
+## Terminals: colours and progress there, and nowhere else
+if command -v script >/dev/null; then
+  on_terminal() { script -qec "$1" /dev/null >said 2>&1 </dev/null; }
+  on_terminal "'$rkxml' show missing.xml"
+  grep -q $'\e\\[1;31mrkxml:\e\\[0m cannot open' said || fail "no colours on a terminal: $(cat said)"
+  NO_COLOR=1 on_terminal "'$rkxml' show missing.xml"
+  ! grep -q $'\e' said || fail "colours against the user's will"
+  # Silent for a second, so the input comes late; more than 4096 elements, as often it looks at the clock.
+  { echo '<a>'; printf '<b/>%.0s' {1..9000}; echo '</a>'; } >many.xml
+  on_terminal "(sleep 1.1; cat many.xml) | '$rkxml' convert --compact - many2.xml"
+  grep -q '36,0[0-9]* bytes read, 4,096 elements' said && grep -q 'writing: .* bytes written' said ||
+    fail "no progress on a terminal: $(cat -v said)"
+  same_document many.xml many2.xml
+  on_terminal "'$rkxml' convert small.xml small2.xml"
+  [ ! -s said ] || fail "progress of a short conversion"
+fi
+
 ## The target keeps its mode, and a link stays a link
 chmod 640 target.xml
 ln -s target.xml link.xml

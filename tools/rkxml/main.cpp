@@ -1,4 +1,7 @@
+#include <unistd.h>
+
 #include <cstdio>
+#include <cstdlib>
 #include <new>
 
 #include "Commands.h"
@@ -20,8 +23,15 @@ void Run(const Options& options) {
   }
 }
 
+// The program's name stands out on a terminal, unless the user wants no colours (see no-color.org).
+void Complain(const std::string& reason) {
+  const char* noColor = std::getenv("NO_COLOR");
+  const bool colored = ::isatty(STDERR_FILENO) != 0 && (noColor == nullptr || *noColor == '\0');
+  std::fprintf(stderr, colored ? "\033[1;31mrkxml:\033[0m %s\n" : "rkxml: %s\n", reason.c_str());
+}
+
 int Fail(const std::string& reason) {
-  std::fprintf(stderr, "rkxml: %s\n", reason.c_str());
+  Complain(reason);
   return kFailed;
 }
 
@@ -32,7 +42,7 @@ int main(int argc, char** argv) {
     Run(ParseOptions(argc, argv));
     return kDone;
   } catch (const UsageError& e) {
-    std::fprintf(stderr, "rkxml: %s (%s)\n", e.what(), e.GetHint().c_str());
+    Complain(std::string(e.what()) + " (" + e.GetHint() + ")");
     return kWrongCall;
   } catch (const FileError& e) {
     return Fail(e.what());
