@@ -34,7 +34,7 @@ for file in "${files[@]}"; do
 done
 if [ ${#compiled[@]} -gt 0 ]; then
   # A build directory of its own: only its compile commands are used, so that clang's own flags stand in them.
-  cmake --preset tidy >/dev/null
+  cmake --preset tidy -DRKXML_BUILD_BENCH=ON -DRKXML_BUILD_FUZZ=ON >/dev/null
   echo "== clang-tidy"
   printf '%s\0' "${compiled[@]}" | xargs -0 -n 4 -P "$(nproc)" clang-tidy --quiet -p build/tidy 2>/dev/null || failed=1
   echo "== cppcheck"

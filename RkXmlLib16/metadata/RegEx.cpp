@@ -145,6 +145,7 @@ bool CRegEx::Matches(const std::wstring& value) const {
   return result > 0 && matched[0] == 0 && matched[1] == subject.size();
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): callers are compiled against copies
 bool TestRegEx(std::string utf8Pattern, std::wstring value) {
   return CRegEx(std::move(utf8Pattern), value).Matches(value);
 }
