@@ -5,6 +5,7 @@
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/core/SerializationContext.h"
 #include "RkXmlLib16/core/SmartPtr.h"
+#include "RkXmlLib16/core/internal/TextOrEmpty.h"
 #include "RkXmlLib16/support/Format.h"
 #include "RkXmlLib16/types/Variant.h"
 
@@ -25,7 +26,7 @@ struct CXmlCollectionBase::Walk {
 CXmlCollectionBase::CXmlCollectionBase() = default;
 
 CXmlCollectionBase::CXmlCollectionBase(const wchar_t* name, const wchar_t* namespaceUri, int minOccurs, int maxOccurs)
-    : m_namespaceUri(namespaceUri != nullptr ? namespaceUri : L""), m_minOccurs(minOccurs), m_maxOccurs(maxOccurs) {
+    : m_namespaceUri(TextOrEmpty(namespaceUri)), m_minOccurs(minOccurs), m_maxOccurs(maxOccurs) {
   SetElementName(name);
 }
 

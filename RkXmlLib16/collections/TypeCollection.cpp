@@ -2,6 +2,7 @@
 
 #include "RkXmlLib16/core/SerializationContext.h"
 #include "RkXmlLib16/core/internal/ElementNameMatch.h"
+#include "RkXmlLib16/core/internal/TextOrEmpty.h"
 #include "RkXmlLib16/xml/ElementTree.h"
 
 namespace RkXmlLib16 {
@@ -16,7 +17,7 @@ CXmlTypeCollection::CXmlTypeCollection(ItemType type, const wchar_t* name, const
       m_restrictions(pattern, minLength, maxLength, minInclusive, maxInclusive, minExclusive, maxExclusive, length,
                      totalDigits, fractionDigits),
       m_itemType(type),
-      m_format(format != nullptr ? format : L""),
+      m_format(TextOrEmpty(format)),
       m_whitespaceRule(whitespaceRule) {}
 
 CXmlTypeCollection::~CXmlTypeCollection() = default;

@@ -4,13 +4,12 @@
 #include "RkXmlLib16/collections/CollectionBase.h"
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/core/XmlObjectBase.h"
+#include "RkXmlLib16/core/internal/TextOrEmpty.h"
 #include "RkXmlLib16/support/Format.h"
 
 namespace RkXmlLib16 {
 
 namespace {
-
-std::wstring_view NameOrEmpty(const wchar_t* name) { return name != nullptr ? name : L""; }
 
 [[noreturn]] void ThrowAlreadySet(const std::wstring& selected) {
   throw CRkInvalidStateException(FormatString(
@@ -23,7 +22,7 @@ std::wstring_view NameOrEmpty(const wchar_t* name) { return name != nullptr ? na
 void CXmlObjectBase::Choice_SetElementValid(bool valid, const wchar_t* name, std::wstring& selected) {
   if (!valid) {
     selected.clear();
-  } else if (selected != NameOrEmpty(name)) {
+  } else if (selected != TextOrEmpty(name)) {
     throw CRkInvalidStateException(FormatString(
         L"The Property %ls is already set. Only one element within this class bay be set at a time",  // sic
         selected.c_str()));
@@ -31,20 +30,20 @@ void CXmlObjectBase::Choice_SetElementValid(bool valid, const wchar_t* name, std
 }
 
 void CXmlObjectBase::Choice_SelectElement(const wchar_t* name, CXmlObjectBase* value, std::wstring& selected) {
-  if (selected == NameOrEmpty(name)) {
+  if (selected == TextOrEmpty(name)) {
     if (value == nullptr) selected.clear();
   } else if (selected.empty()) {
-    selected = NameOrEmpty(name);
+    selected = TextOrEmpty(name);
   } else if (value != nullptr) {
     ThrowAlreadySet(selected);
   }
 }
 
 void CXmlObjectBase::Choice_CollectionChanged(const wchar_t* name, long count, std::wstring& selected) {
-  if (selected == NameOrEmpty(name)) {
+  if (selected == TextOrEmpty(name)) {
     if (count == 0) selected.clear();
   } else if (selected.empty()) {
-    if (count > 0) selected = NameOrEmpty(name);
+    if (count > 0) selected = TextOrEmpty(name);
   } else if (count != 0) {
     ThrowAlreadySet(selected);
   }
@@ -63,16 +62,16 @@ void CXmlObjectBase::Choice_Read_Collection(CXmlCollectionBase* collection, CXml
 void CXmlObjectBase::Throw_IfPropertyIsNull(CXmlObjectBase* value, const wchar_t* propertyName) {
   if (value != nullptr) return;
   throw CRkInvalidParamException(FormatString(L"The Property [%ls] is mandatory, it may node be NULL",  // sic
-                                              std::wstring(NameOrEmpty(propertyName)).c_str()));
+                                              TextOrEmpty(propertyName)));
 }
 
 void CXmlObjectBase::Throw_IfElementNameDiffers(CXmlObjectBase* value, const wchar_t* requiredName) {
   if (value == nullptr) return;
   const std::wstring& name = value->GetBase()->GetElementNameRef();
-  if (name == NameOrEmpty(requiredName)) return;
+  if (name == TextOrEmpty(requiredName)) return;
   throw CRkInvalidParamException(FormatString(
       L"This property requires an element with the name %ls the element being set has the element name %ls",
-      std::wstring(NameOrEmpty(requiredName)).c_str(), name.c_str()));
+      TextOrEmpty(requiredName), name.c_str()));
 }
 
 }  // namespace RkXmlLib16

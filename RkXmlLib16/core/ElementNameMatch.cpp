@@ -1,6 +1,7 @@
 #include "RkXmlLib16/core/internal/ElementNameMatch.h"
 
 #include "RkXmlLib16/core/XmlObjectBase.h"
+#include "RkXmlLib16/core/internal/TextOrEmpty.h"
 #include "RkXmlLib16/metadata/FacetChecks.h"
 
 namespace RkXmlLib16 {
@@ -12,8 +13,7 @@ bool CXmlObjectHelper::DoesElementNameMatch(const CSerializationContext& ctx, co
 
 bool CXmlObjectBase::DoesElementNameMatch(const CSerializationContext& context, const CXmlElement* element,
                                           const wchar_t* localName, const wchar_t* namespaceUri) const {
-  return ElementNameMatches(context, element, localName != nullptr ? localName : L"",
-                            namespaceUri != nullptr ? namespaceUri : L"");
+  return ElementNameMatches(context, element, TextOrEmpty(localName), TextOrEmpty(namespaceUri));
 }
 
 }  // namespace RkXmlLib16

@@ -5,6 +5,7 @@
 #include "RkXmlLib16/core/GeneratedClass.h"
 #include "RkXmlLib16/core/SerializationContext.h"
 #include "RkXmlLib16/core/internal/RootWriter.h"
+#include "RkXmlLib16/core/internal/TextOrEmpty.h"
 #include "RkXmlLib16/metadata/AttributeInfo.h"
 #include "RkXmlLib16/metadata/ElementInfo.h"
 #include "RkXmlLib16/metadata/ParentElementInfo.h"
@@ -56,8 +57,9 @@ void CXmlGeneratedClass::WriteElement(CXmlWriter* writer, bool registerNamespace
   if (ownElement) {
     if (registerNamespaces) WriteRootPrologue(*writer, context);
     // Most elements are in the namespace of their class, whose text is at hand.
-    const bool isOwnNamespace = info.GetNamespace() == namespaceUri;
-    writer->WriteStartElement(GetElementNameRef(), isOwnNamespace ? info.GetNamespace() : std::wstring(namespaceUri));
+    const bool isOwnNamespace = info.GetNamespace() == TextOrEmpty(namespaceUri);
+    writer->WriteStartElement(GetElementNameRef(),
+                              isOwnNamespace ? info.GetNamespace() : std::wstring(TextOrEmpty(namespaceUri)));
     if (registerNamespaces) WriteRootAttributes(*writer, context, namespaceUri, isOptionalChoice);
     AttributesToXml_Int(writer, context);
     if (registerNamespaces && !nil && !IsContentNil(*this, info)) WriteRootSchema(*writer, context);

@@ -4,13 +4,12 @@
 #include <iterator>
 
 #include "RkXmlLib16/core/Exception.h"
+#include "RkXmlLib16/core/internal/TextOrEmpty.h"
 #include "RkXmlLib16/support/Format.h"
 
 namespace RkXmlLib16 {
 
 namespace {
-
-const wchar_t* TextOrEmpty(const wchar_t* text) { return text != nullptr ? text : L""; }
 
 template <class Entries>
 auto FindAlias(const Entries& entries, std::wstring_view alias) {

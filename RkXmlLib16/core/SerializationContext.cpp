@@ -2,6 +2,7 @@
 
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/core/XmlObjectBase.h"
+#include "RkXmlLib16/core/internal/TextOrEmpty.h"
 #include "RkXmlLib16/fastinfoset/Context.h"
 #include "RkXmlLib16/json/JsonContext.h"
 
@@ -66,15 +67,13 @@ void CSerializationContext::SetIgnoreMissingMandatoryElements(bool ignore) {
 }
 
 void CSerializationContext::SetDefaultNamespaceURI(const wchar_t* namespaceUri) {
-  m_defaultNamespaceUri = namespaceUri != nullptr ? namespaceUri : L"";
+  m_defaultNamespaceUri = TextOrEmpty(namespaceUri);
 }
 
-void CSerializationContext::SetInLineSchema(const wchar_t* schemaText) {
-  m_inLineSchema = schemaText != nullptr ? schemaText : L"";
-}
+void CSerializationContext::SetInLineSchema(const wchar_t* schemaText) { m_inLineSchema = TextOrEmpty(schemaText); }
 
 void CSerializationContext::SetIndentChars(const wchar_t* text) {
-  std::wstring indent(text != nullptr ? text : L"");
+  std::wstring indent(TextOrEmpty(text));
   if (indent.find_first_not_of(L"\t ") != std::wstring::npos) {
     throw CRkInvalidParamException(L"IndentChars can only contain Whitespace characters, i.e. \\t or spaces");
   }

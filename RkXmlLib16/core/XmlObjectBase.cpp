@@ -1,12 +1,9 @@
 #include "RkXmlLib16/core/XmlObjectBase.h"
 
+#include "RkXmlLib16/core/internal/TextOrEmpty.h"
 #include "RkXmlLib16/metadata/FacetChecks.h"
 
 namespace RkXmlLib16 {
-
-namespace {
-const wchar_t* TextOrEmpty(const wchar_t* text) { return text != nullptr ? text : L""; }
-}  // namespace
 
 void IEventSink::OnEvent(CXmlObjectBase* /*source*/, MsgType /*type*/, void* /*data*/) {}
 

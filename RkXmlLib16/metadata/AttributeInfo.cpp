@@ -4,6 +4,7 @@
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/core/GeneratedClass.h"
 #include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/core/internal/TextOrEmpty.h"
 #include "RkXmlLib16/metadata/FacetChecks.h"
 #include "RkXmlLib16/metadata/internal/ValueText.h"
 #include "RkXmlLib16/support/Format.h"
@@ -16,19 +17,13 @@ namespace RkXmlLib16Data {
 
 using namespace RkXmlLib16;
 
-namespace {
-
-const wchar_t* OrEmpty(const wchar_t* text) { return text == nullptr ? L"" : text; }
-
-}  // namespace
-
 CAttributeInfo::CAttributeInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, bool optional,
                                const wchar_t* defaultValue)
-    : m_attributeName(name),
-      m_namespace(ns),
+    : m_attributeName(TextOrEmpty(name)),
+      m_namespace(TextOrEmpty(ns)),
       m_propertyIndex(propertyIndex),
       m_optional(optional),
-      m_defaultValue(OrEmpty(defaultValue)) {}
+      m_defaultValue(TextOrEmpty(defaultValue)) {}
 
 CAttributeInfo::~CAttributeInfo() = default;
 
@@ -70,12 +65,13 @@ void CAttributeInfo::ToXml_Int(const CXmlObjectBase* collection, CXmlWriter* wri
 
 void CAttributeInfo::TestNamespace(const wchar_t* namespaceUri, const wchar_t* constraint,
                                    const wchar_t* targetNamespace) const {
-  CXmlObjectHelper::TestNamespace(namespaceUri, constraint, targetNamespace);
+  CXmlObjectHelper::TestNamespace(TextOrEmpty(namespaceUri), TextOrEmpty(constraint), TextOrEmpty(targetNamespace));
 }
 
 bool CAttributeInfo::IsNamespaceValid(const wchar_t* namespaceUri, const wchar_t* constraint,
                                       const wchar_t* targetNamespace) const {
-  return CXmlObjectHelper::IsNamespaceValid(namespaceUri, constraint, targetNamespace);
+  return CXmlObjectHelper::IsNamespaceValid(TextOrEmpty(namespaceUri), TextOrEmpty(constraint),
+                                            TextOrEmpty(targetNamespace));
 }
 
 bool CAttributeInfo::IsSuppressedDefault(const CSerializationContext& context, std::wstring_view text) const {
@@ -96,7 +92,7 @@ CAttributeInfoPrimitive::CAttributeInfoPrimitive(const wchar_t* name, const wcha
     : CAttributeInfo(name, ns, propertyIndex, optional, defaultValue),
       m_facets(facets),
       m_itemType(type),
-      m_format(OrEmpty(format)),
+      m_format(TextOrEmpty(format)),
       m_whitespace(whitespace) {}
 
 CAttributeInfoPrimitive::~CAttributeInfoPrimitive() = default;
@@ -139,7 +135,7 @@ void CAttributeInfoEnum::AttributeToXml(const CSerializationContext& context, co
   RkVariant value;
   ReadProperty(object, value);
   if (IsOptional() && !value.IsValid()) return;
-  const std::wstring text = OrEmpty(m_toString(static_cast<int>(value.GetI4())));
+  const std::wstring text = TextOrEmpty(m_toString(static_cast<int>(value.GetI4())));
   if (IsSuppressedDefault(context, text)) return;
   writer->WriteAttributeString(GetAttributeName(), GetNamespace(), text, ItemType_string);
 }
@@ -159,8 +155,8 @@ CAttributeInfoAny::CAttributeInfoAny(const wchar_t* name, const wchar_t* ns, int
                                      const wchar_t* namespaceConstraint, const wchar_t* targetNamespace,
                                      const wchar_t* defaultValue)
     : CAttributeInfo(name, ns, propertyIndex, optional, defaultValue),
-      m_namespaceConstraint(namespaceConstraint),
-      m_targetNamespace(targetNamespace) {}
+      m_namespaceConstraint(TextOrEmpty(namespaceConstraint)),
+      m_targetNamespace(TextOrEmpty(targetNamespace)) {}
 
 CAttributeInfoAny::~CAttributeInfoAny() = default;
 

@@ -6,6 +6,7 @@
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/core/GeneratedClass.h"
 #include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/core/internal/TextOrEmpty.h"
 #include "RkXmlLib16/metadata/FacetChecks.h"
 #include "RkXmlLib16/metadata/internal/NilValue.h"
 #include "RkXmlLib16/metadata/internal/ValueText.h"
@@ -18,21 +19,18 @@ namespace RkXmlLib16Data {
 
 using namespace RkXmlLib16;
 
-namespace {
-
-const wchar_t* OrEmpty(const wchar_t* text) { return text == nullptr ? L"" : text; }
-
-}  // namespace
-
 CElementInfo::CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, MemberKind kind)
-    : m_elementName(name), m_namespace(ns), m_propertyIndex(propertyIndex), m_memberKind(kind) {}
+    : m_elementName(TextOrEmpty(name)),
+      m_namespace(TextOrEmpty(ns)),
+      m_propertyIndex(propertyIndex),
+      m_memberKind(kind) {}
 
 CElementInfo::CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, bool nillable,
                            EnumToString enumToString, EnumFromString enumFromString, const wchar_t* defaultValue)
-    : m_elementName(name),
-      m_namespace(ns),
+    : m_elementName(TextOrEmpty(name)),
+      m_namespace(TextOrEmpty(ns)),
       m_propertyIndex(propertyIndex),
-      m_defaultValue(OrEmpty(defaultValue)),
+      m_defaultValue(TextOrEmpty(defaultValue)),
       m_nillable(nillable),
       m_enumToString(enumToString),
       m_enumFromString(enumFromString) {}
@@ -40,14 +38,14 @@ CElementInfo::CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyI
 CElementInfo::CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, bool nillable, ItemType type,
                            const wchar_t* format, CWhitespaceUtils::WhitespaceRule whitespace,
                            const CPrimitiveRestrictions& facets, const wchar_t* defaultValue)
-    : m_elementName(name),
-      m_namespace(ns),
+    : m_elementName(TextOrEmpty(name)),
+      m_namespace(TextOrEmpty(ns)),
       m_propertyIndex(propertyIndex),
       m_facets(facets),
       m_itemType(type),
-      m_format(OrEmpty(format)),
+      m_format(TextOrEmpty(format)),
       m_whitespace(whitespace),
-      m_defaultValue(OrEmpty(defaultValue)),
+      m_defaultValue(TextOrEmpty(defaultValue)),
       m_nillable(nillable),
       m_hasFacets(true) {}
 
@@ -138,7 +136,7 @@ bool CElementInfo::ElementToXmlEnum(const CSerializationContext& context, const 
   ReadProperty(object, value);
   if (value.IsNil()) return WriteNil(writer);
   if (!value.IsValid()) return false;
-  WriteText(context, writer, OrEmpty(toString(static_cast<int>(value.GetI4()))), ItemType_string);
+  WriteText(context, writer, TextOrEmpty(toString(static_cast<int>(value.GetI4()))), ItemType_string);
   return true;
 }
 
@@ -212,12 +210,12 @@ CXmlElement* CElementInfo::FromXml_Int(CXmlObjectBase* child, CXmlElement* paren
 
 std::wstring CElementInfo::GetAnyDefaultNamespace(const wchar_t* constraint, const wchar_t* defaultNs,
                                                   const wchar_t* targetNs) {
-  std::wstring_view word = OrEmpty(constraint);
+  std::wstring_view word = TextOrEmpty(constraint);
   if (word.size() >= 3 && word.substr(0, 2) == L"##") word = word.substr(0, word.find(L' '));
-  const std::wstring_view defaultNamespace = OrEmpty(defaultNs);
+  const std::wstring_view defaultNamespace = TextOrEmpty(defaultNs);
   if (word == L"##any") return std::wstring(defaultNamespace);
   if (word == L"##other") return defaultNamespace.empty() ? L"DefaultNamespace" : std::wstring();
-  if (word == L"##targetNamespace") return OrEmpty(targetNs);
+  if (word == L"##targetNamespace") return TextOrEmpty(targetNs);
   return std::wstring();
 }
 

@@ -2,6 +2,7 @@
 
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/core/internal/TextOrEmpty.h"
 #include "RkXmlLib16/metadata/internal/ElementRules.h"
 #include "RkXmlLib16/support/Format.h"
 #include "RkXmlLib16/xml/ElementTree.h"
@@ -308,8 +309,8 @@ bool CElementInfoAllEnumOpt::Validate(const CSerializationContext&, const CXmlGe
 CElementInfoAllUntpdMnd::CElementInfoAllUntpdMnd(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                                  const wchar_t* namespaceConstraint, const wchar_t* targetNamespace)
     : CElementInfo(name, ns, propertyIndex),
-      m_namespaceConstraint(namespaceConstraint),
-      m_targetNamespace(targetNamespace) {}
+      m_namespaceConstraint(TextOrEmpty(namespaceConstraint)),
+      m_targetNamespace(TextOrEmpty(targetNamespace)) {}
 
 CElementInfoAllUntpdMnd::~CElementInfoAllUntpdMnd() = default;
 
@@ -334,8 +335,8 @@ bool CElementInfoAllUntpdMnd::Validate(const CSerializationContext&, const CXmlG
 CElementInfoAllUntpdOpt::CElementInfoAllUntpdOpt(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                                  const wchar_t* namespaceConstraint, const wchar_t* targetNamespace)
     : CElementInfo(name, ns, propertyIndex, MemberKind::Wildcard),
-      m_namespaceConstraint(namespaceConstraint),
-      m_targetNamespace(targetNamespace) {}
+      m_namespaceConstraint(TextOrEmpty(namespaceConstraint)),
+      m_targetNamespace(TextOrEmpty(targetNamespace)) {}
 
 CElementInfoAllUntpdOpt::~CElementInfoAllUntpdOpt() = default;
 

@@ -1,6 +1,7 @@
 #include "RkXmlLib16/metadata/ElementInfoChoice.h"
 
 #include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/core/internal/TextOrEmpty.h"
 #include "RkXmlLib16/metadata/internal/ElementRules.h"
 #include "RkXmlLib16/xml/ElementTree.h"
 
@@ -201,8 +202,8 @@ CElementInfoChoiceUntpdOpt::CElementInfoChoiceUntpdOpt(const wchar_t* name, cons
                                                        const wchar_t* namespaceConstraint,
                                                        const wchar_t* targetNamespace)
     : CElementInfo(name, ns, propertyIndex, MemberKind::Wildcard),
-      m_namespaceConstraint(namespaceConstraint),
-      m_targetNamespace(targetNamespace) {}
+      m_namespaceConstraint(TextOrEmpty(namespaceConstraint)),
+      m_targetNamespace(TextOrEmpty(targetNamespace)) {}
 
 CElementInfoChoiceUntpdOpt::~CElementInfoChoiceUntpdOpt() = default;
 

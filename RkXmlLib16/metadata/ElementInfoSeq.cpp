@@ -2,6 +2,7 @@
 
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/core/internal/TextOrEmpty.h"
 #include "RkXmlLib16/metadata/internal/ElementRules.h"
 #include "RkXmlLib16/metadata/internal/SiblingSearch.h"
 #include "RkXmlLib16/support/Format.h"
@@ -331,8 +332,8 @@ bool CElementInfoSeqEnumOpt::ElementFromXml(const CSerializationContext& context
 CElementInfoSeqUntpdMnd::CElementInfoSeqUntpdMnd(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                                  const wchar_t* namespaceConstraint, const wchar_t* targetNamespace)
     : CElementInfo(name, ns, propertyIndex),
-      m_namespaceConstraint(namespaceConstraint),
-      m_targetNamespace(targetNamespace) {}
+      m_namespaceConstraint(TextOrEmpty(namespaceConstraint)),
+      m_targetNamespace(TextOrEmpty(targetNamespace)) {}
 
 CElementInfoSeqUntpdMnd::~CElementInfoSeqUntpdMnd() = default;
 
@@ -356,8 +357,8 @@ bool CElementInfoSeqUntpdMnd::ElementFromXml(const CSerializationContext& contex
 CElementInfoSeqUntpdOpt::CElementInfoSeqUntpdOpt(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                                  const wchar_t* namespaceConstraint, const wchar_t* targetNamespace)
     : CElementInfo(name, ns, propertyIndex, MemberKind::Wildcard),
-      m_namespaceConstraint(namespaceConstraint),
-      m_targetNamespace(targetNamespace) {}
+      m_namespaceConstraint(TextOrEmpty(namespaceConstraint)),
+      m_targetNamespace(TextOrEmpty(targetNamespace)) {}
 
 CElementInfoSeqUntpdOpt::~CElementInfoSeqUntpdOpt() = default;
 

@@ -1,6 +1,10 @@
 #include "RkXmlLib16/metadata/ParentElementInfo.h"
 
+#include "RkXmlLib16/core/internal/TextOrEmpty.h"
+
 namespace RkXmlLib16Data {
+
+using RkXmlLib16::TextOrEmpty;
 
 CParentElementInfo::CParentElementInfo(RkXmlLib16::XmlElementGroupType groupType,
                                        RkXmlLib16::XmlElementType elementType, const wchar_t* name, const wchar_t* ns,
@@ -9,13 +13,13 @@ CParentElementInfo::CParentElementInfo(RkXmlLib16::XmlElementGroupType groupType
                                        bool simpleContentAsText)
     : m_groupType(groupType),
       m_elementType(elementType),
-      m_elementName(name),
-      m_namespace(ns),
+      m_elementName(TextOrEmpty(name)),
+      m_namespace(TextOrEmpty(ns)),
       m_strictAttributes(strictAttributes),
       m_contentMayBeEmpty(contentMayBeEmpty),
       m_simpleContentProperty(simpleContentProperty),
       m_simpleContentType(simpleContentType),
-      m_simpleContentFormat(simpleContentFormat == nullptr ? L"" : simpleContentFormat),
+      m_simpleContentFormat(TextOrEmpty(simpleContentFormat)),
       m_simpleContentAsText(simpleContentAsText) {}
 
 CParentElementInfo::~CParentElementInfo() = default;

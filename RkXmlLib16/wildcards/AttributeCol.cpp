@@ -2,6 +2,7 @@
 
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/core/internal/TextOrEmpty.h"
 #include "RkXmlLib16/xml/ElementTree.h"
 #include "RkXmlLib16/xml/XmlWriter.h"
 
@@ -10,7 +11,7 @@ namespace RkXmlLib16 {
 CAttribute::CAttribute() = default;
 
 CAttribute::CAttribute(const wchar_t* localName, const wchar_t* value, const wchar_t* namespaceUri)
-    : m_namespaceUri(namespaceUri != nullptr ? namespaceUri : L"") {
+    : m_namespaceUri(TextOrEmpty(namespaceUri)) {
   SetElementName(localName);
   SetValue(value);
 }
@@ -20,7 +21,7 @@ CAttribute::~CAttribute() = default;
 CXmlObjectBase* CAttribute::GetBase() { return this; }
 const wchar_t* CAttribute::GetTargetNamespace() const { return m_namespaceUri.c_str(); }
 const wchar_t* CAttribute::GetNamespace() const { return m_namespaceUri.c_str(); }
-void CAttribute::SetValue(const wchar_t* value) { m_value = value != nullptr ? value : L""; }
+void CAttribute::SetValue(const wchar_t* value) { m_value = TextOrEmpty(value); }
 
 void CAttribute::AttributesToXml_Int(CXmlWriter* writer, const CSerializationContext& /*context*/) const {
   writer->WriteAttributeString(m_elementName, m_namespaceUri, m_value, ItemType_string);
@@ -100,8 +101,8 @@ void CAttributeCol::AddBeforeItem(const CXmlObjectBase* existing, CAttribute* at
 CAttribute* CAttributeCol::Item(int index) const { return dynamic_cast<CAttribute*>(GetNodeAtIndex(index)->GetItem()); }
 
 CAttribute* CAttributeCol::Find(const wchar_t* localName, const wchar_t* namespaceUri) const {
-  const std::wstring_view name(localName != nullptr ? localName : L"");
-  const std::wstring_view uri(namespaceUri != nullptr ? namespaceUri : L"");
+  const std::wstring_view name(TextOrEmpty(localName));
+  const std::wstring_view uri(TextOrEmpty(namespaceUri));
   for (const CNode* node = GetFirstNode(); node != nullptr; node = node->GetNext()) {
     auto* const attribute = dynamic_cast<CAttribute*>(node->GetItem());
     if (attribute != nullptr && attribute->GetLocalName() == name && attribute->GetNamespace() == uri) return attribute;

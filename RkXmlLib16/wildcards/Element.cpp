@@ -9,6 +9,7 @@
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/core/SerializationContext.h"
 #include "RkXmlLib16/core/internal/RootWriter.h"
+#include "RkXmlLib16/core/internal/TextOrEmpty.h"
 #include "RkXmlLib16/support/Format.h"
 #include "RkXmlLib16/types/Whitespace.h"
 #include "RkXmlLib16/xml/ElementTree.h"
@@ -21,8 +22,6 @@ namespace {
 using std::wstring_view;
 
 const std::wstring kNoNamespace;
-
-wstring_view TextOrEmpty(const wchar_t* text) { return text != nullptr ? wstring_view(text) : wstring_view(); }
 
 bool IsBlank(wstring_view text) { return std::all_of(text.begin(), text.end(), CWhitespaceUtils::IsWhiteSpace); }
 
@@ -44,6 +43,10 @@ void ForEachPrefix(wstring_view text, Found&& found) {
     while (begin < colon && !StartsName(text[begin])) ++begin;
     if (begin < colon) found(text.substr(begin, colon - begin));
   }
+}
+
+bool IsNamed(const CElement& element, wstring_view localName, wstring_view namespaceUri) {
+  return element.GetElementNameRef() == localName && element.GetNamespace() == namespaceUri;
 }
 
 [[noreturn]] void ThrowBadIndex(int index, int count) {
@@ -240,7 +243,7 @@ CElement::CElement(const wchar_t* name, const wchar_t* namespaceUri, const wchar
                    const wchar_t* targetNamespace)
     : m_rule(constraint, targetNamespace) {
   SetElementName(name);
-  if (!TextOrEmpty(namespaceUri).empty()) m_namespaceUri = std::make_shared<const std::wstring>(namespaceUri);
+  if (*TextOrEmpty(namespaceUri) != L'\0') m_namespaceUri = std::make_shared<const std::wstring>(namespaceUri);
 }
 
 CElement::CElement(const CNamespaceRule& rule, const CXmlElement& source) : m_rule(rule) {
@@ -383,8 +386,7 @@ void CElement::RemoveChildren() { Destroy(m_children); }
 
 CElement* CElement::FindChild(const wchar_t* localName, const wchar_t* namespaceUri) const {
   for (const CSmartPtr<CElement>& child : m_children) {
-    if (child->m_elementName == TextOrEmpty(localName) && child->GetNamespace() == TextOrEmpty(namespaceUri))
-      return child;
+    if (IsNamed(*child, TextOrEmpty(localName), TextOrEmpty(namespaceUri))) return child;
   }
   return nullptr;
 }
@@ -392,8 +394,7 @@ CElement* CElement::FindChild(const wchar_t* localName, const wchar_t* namespace
 std::vector<CElement*> CElement::FindChildren(const wchar_t* localName, const wchar_t* namespaceUri) const {
   std::vector<CElement*> found;
   for (const CSmartPtr<CElement>& child : m_children) {
-    if (child->m_elementName == TextOrEmpty(localName) && child->GetNamespace() == TextOrEmpty(namespaceUri))
-      found.push_back(child);
+    if (IsNamed(*child, TextOrEmpty(localName), TextOrEmpty(namespaceUri))) found.push_back(child);
   }
   return found;
 }

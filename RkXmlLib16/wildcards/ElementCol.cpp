@@ -1,6 +1,7 @@
 #include "RkXmlLib16/wildcards/ElementCol.h"
 
 #include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/core/internal/TextOrEmpty.h"
 #include "RkXmlLib16/xml/ElementTree.h"
 
 namespace RkXmlLib16 {
@@ -35,7 +36,7 @@ CXmlElement* CElementCol::FromXml_Int(CXmlElement* /*parent*/, CXmlElement* curr
 CXmlElement* CElementCol::FromXmlLockElementName_Int(const wchar_t* elementName, const wchar_t* /*namespaceUri*/,
                                                      CXmlElement* /*parent*/, CXmlElement* current,
                                                      const CSerializationContext& /*context*/) {
-  const std::wstring_view name(elementName != nullptr ? elementName : L"");
+  const std::wstring_view name(TextOrEmpty(elementName));
   for (; current != nullptr && current->GetLocalName() == name && m_rule.Admits(current->GetNamespaceURI().c_str());
        current = current->GetNextSiblingElement()) {
     const CSmartPtr<CElement> element(new CElement(m_rule, *current));
@@ -82,8 +83,8 @@ void CElementCol::AddBeforeItem(const CXmlObjectBase* existing, CElement* elemen
 CElement* CElementCol::Item(int index) const { return dynamic_cast<CElement*>(GetNodeAtIndex(index)->GetItem()); }
 
 CElement* CElementCol::Find(const wchar_t* localName, const wchar_t* namespaceUri) const {
-  const std::wstring_view name(localName != nullptr ? localName : L"");
-  const std::wstring_view uri(namespaceUri != nullptr ? namespaceUri : L"");
+  const std::wstring_view name(TextOrEmpty(localName));
+  const std::wstring_view uri(TextOrEmpty(namespaceUri));
   for (const CNode* node = GetFirstNode(); node != nullptr; node = node->GetNext()) {
     auto* const element = dynamic_cast<CElement*>(node->GetItem());
     if (element != nullptr && element->GetElementNameRef() == name && element->GetNamespace() == uri) return element;

@@ -1,6 +1,7 @@
 #include "RkXmlLib16/wildcards/NamespaceRule.h"
 
 #include "RkXmlLib16/core/Exception.h"
+#include "RkXmlLib16/core/internal/TextOrEmpty.h"
 #include "RkXmlLib16/metadata/FacetChecks.h"
 #include "RkXmlLib16/support/Format.h"
 
@@ -8,7 +9,7 @@ namespace RkXmlLib16 {
 
 CNamespaceRule::CNamespaceRule(const wchar_t* constraint, const wchar_t* targetNamespace) {
   const std::wstring text(constraint != nullptr ? constraint : L"##any");
-  const std::wstring target(targetNamespace != nullptr ? targetNamespace : L"");
+  const std::wstring target(TextOrEmpty(targetNamespace));
   if (text != L"##any" || !target.empty()) m_texts = std::make_shared<const Texts>(Texts{text, target});
 }
 
