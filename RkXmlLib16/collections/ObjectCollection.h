@@ -37,10 +37,11 @@ class CXmlObjectCollection : public CXmlCollection {
   T* Item(int index) const { return static_cast<T*>(GetNodeAtIndex(index)->GetItem()); }
   // Counted.
   void Add(T* item) { AppendItem(item); }
-  // Makes an item, adds it and returns it, borrowed.
+  // Makes an item, adds it and returns it, borrowed; null when there is no class to make it of.
   T* AddNew() {
+    if (m_factory == nullptr) return nullptr;
     const CSmartPtr<CXmlObjectBase> item = m_factory(m_classId, GetElementNameRef().c_str());
-    AppendItem(item);
+    if (item != nullptr) AppendItem(item);
     return static_cast<T*>(item.Get());
   }
 
@@ -75,6 +76,7 @@ class CXmlObjectCollection : public CXmlCollection {
                           bool isOptionalChoice) {
     while (current != nullptr) {
       const CSmartPtr<CXmlObjectBase> item = m_factory(m_classId, GetElementNameRef().c_str());
+      if (item == nullptr) break;
       CXmlElement* const next = item->FromXml_Int(parent, current, context, isOptionalChoice);
       if (next == current) break;
       AppendItem(item);
