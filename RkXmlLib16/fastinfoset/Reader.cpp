@@ -11,7 +11,9 @@
 #include "RkXmlLib16/fastinfoset/BinaryCodec.h"
 #include "RkXmlLib16/fastinfoset/internal/Octets.h"
 #include "RkXmlLib16/support/Encoder.h"
+#include "RkXmlLib16/support/Format.h"
 #include "RkXmlLib16/xml/ElementTree.h"
+#include "RkXmlLib16/xml/internal/Names.h"
 
 namespace RkXmlLib16 {
 
@@ -370,6 +372,9 @@ const CXmlName* CFastInfosetReader::IdentifyingStringOrIndex(Names& names, bool&
   }
   const std::size_t length = NonEmptyOctetStringBit2Length(octet);
   NonEmptyOctetUTF8String(Move(length), length);
+  // Names are written as they are, so what is none could put markup into a document.
+  const bool isValid = &names == &m_namespaceNames ? m_text.find(L'\0') == std::wstring::npos : IsName(m_text);
+  if (!isValid) throw CRkException(FormatString(L"Failed to parse FastInfoset. Invalid Name [%ls].", m_text.c_str()));
   const CXmlName* const name = m_document.InternName(m_text);
   if (names.size() >= FI_MAX_TABLE_ENTRIES) hasIndex = false;
   AppendEntry(names, name);

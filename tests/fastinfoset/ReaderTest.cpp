@@ -110,6 +110,8 @@ TEST(FastInfosetReader, Failures) {
       {"00 E2 80 3C 00 61 FF", value},  // a comment that is not there
       {"00 E1 80 FF 3C 00 61 FF", index2},
       {"00 38 CF 81 81 F0 3C 00 61 FF", index2},  // prefix 2
+      {"00 3C 01 61 3E FF", Message(L"Invalid Name [a>].")},
+      {"00 38 CF 00 3D 00 75 F0 3C 00 61 FF", Message(L"Invalid Name [=].")},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.octets);

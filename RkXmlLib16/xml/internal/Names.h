@@ -1,0 +1,15 @@
+#ifndef RKXMLLIB16_XML_INTERNAL_NAMES_H
+#define RKXMLLIB16_XML_INTERNAL_NAMES_H
+
+#include <string_view>
+
+namespace RkXmlLib16 {
+
+// The names of XML 1.0 (fifth edition) and Namespaces in XML 1.0: any, without a colon, with an optional prefix.
+bool IsName(std::wstring_view text);
+bool IsNCName(std::wstring_view text);
+bool IsQName(std::wstring_view text);
+
+}  // namespace RkXmlLib16
+
+#endif

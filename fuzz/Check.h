@@ -1,0 +1,60 @@
+#ifndef RKXMLLIB16_FUZZ_CHECK_H
+#define RKXMLLIB16_FUZZ_CHECK_H
+
+#include <RkXmlLib16/RkXmlLib16.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+// What the targets have in common.
+namespace Fuzz {
+
+using namespace RkXmlLib16;
+
+// Tells what failed, with the evidence, and aborts.
+[[noreturn]] void Fail(const char* property, const std::wstring& evidence);
+
+inline void Require(bool holds, const char* property, const std::wstring& evidence = L"") {
+  if (!holds) Fail(property, evidence);
+}
+
+// Settings for documents of strangers, small enough for quick runs; JSON is strict. `aliases` names the prefixes of the
+// namespaces in `tree`, which JSON needs.
+CSerializationContext MakeContext(const CElement* tree = nullptr);
+
+// JSON becomes indented XML text on its way in, so white space can join the end of text that has elements beside it.
+enum class Mixed { IsKept, EndsAnyhow };
+
+// The tree in one text: two trees are equal when their texts are.
+std::wstring Describe(const CElement& tree, Mixed mixed = Mixed::IsKept);
+
+// Whether XML text can hold the tree unchanged: its names are names and its characters XML characters, no text looks
+// like a CDATA section, no name stands twice on an element.
+bool IsXml(const CElement& tree);
+
+// The tree is the same after XML text, JSON text and Fast Infoset.
+void CheckAllForms(const CElement& tree);
+
+// The text with each surrogate pair, which is what XML text brings, as the one character that it stands for, and U+FFFD
+// for a lone one.
+std::wstring Joined(const std::wstring& text);
+
+// The bytes as UTF-8, whatever they are, without NUL.
+std::wstring TextOf(std::string_view bytes);
+
+// Calls `work` and swallows what documents may cause.
+template <class Work>
+bool Succeeds(Work&& work) {
+  try {
+    work();
+    return true;
+  } catch (const CRkException&) {
+    return false;
+  }
+}
+
+}  // namespace Fuzz
+
+#endif

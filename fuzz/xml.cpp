@@ -1,0 +1,11 @@
+// Bytes as any document into CElement: what was read is the same after each form.
+#include "Check.h"
+
+using namespace Fuzz;
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  CElement tree;
+  const CSerializationContext context = MakeContext();
+  if (Succeeds([&] { tree.FromXmlStream(const_cast<std::uint8_t*>(data), size, context); })) CheckAllForms(tree);
+  return 0;
+}
