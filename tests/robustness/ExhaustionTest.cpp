@@ -1,0 +1,296 @@
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <functional>
+#include <new>
+
+#include "Expect.h"
+#include "Gpx.h"
+#include "Order.h"
+#include "RkXmlLib16/RkXmlLib16.h"
+#include "RkXmlLib16/support/Format.h"
+
+using namespace RkXmlLib16;
+
+// The allocation functions of this test program. They count, and fail when they are told to.
+namespace {
+
+long g_allocationsLeft = -1;  // that still succeed; negative: all do
+long g_blocks = 0;            // in use
+
+bool MayAllocate() { return g_allocationsLeft < 0 || g_allocationsLeft-- != 0; }
+
+}  // namespace
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+// malloc belongs to the sanitizer, and so do leaks.
+void* operator new(std::size_t size) {
+  void* const memory = MayAllocate() ? std::malloc(size == 0 ? 1 : size) : nullptr;
+  if (memory == nullptr) throw std::bad_alloc();
+  return memory;
+}
+void* operator new[](std::size_t size) { return operator new(size); }
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete[](void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
+#else
+// Also for the parser, the compressor and the pattern engine.
+extern "C" {
+void* __libc_malloc(std::size_t size);
+void* __libc_calloc(std::size_t count, std::size_t size);
+void* __libc_realloc(void* memory, std::size_t size);
+void __libc_free(void* memory);
+
+static void* Count(void* memory) {
+  if (memory == nullptr) errno = ENOMEM;
+  g_blocks += memory != nullptr;
+  return memory;
+}
+void* malloc(std::size_t size) { return Count(MayAllocate() ? __libc_malloc(size) : nullptr); }
+void* calloc(std::size_t count, std::size_t size) {
+  return Count(MayAllocate() ? __libc_calloc(count, size) : nullptr);
+}
+void* realloc(void* memory, std::size_t size) {
+  if (memory == nullptr) return malloc(size);
+  return MayAllocate() ? __libc_realloc(memory, size) : nullptr;
+}
+void free(void* memory) {
+  g_blocks -= memory != nullptr;
+  __libc_free(memory);
+}
+}
+#endif
+
+namespace {
+
+using Work = std::function<std::wstring()>;
+
+struct Road {
+  const char* name;
+  Work work;  // the result is the same each time
+};
+
+// The n-th allocation of `work` fails, n = 1, 2, 3, ..., until it needs no more: it ends as it should or with bad_alloc
+// or CRkException, leaves nothing behind when `balanced`, and works as before once there is memory again.
+void ExhaustMemory(const Road& road, bool balanced) {
+  const std::wstring* expected = nullptr;
+  std::wstring result;
+  for (long allowed = 0; expected == nullptr; ++allowed) {
+    const long before = g_blocks;
+    std::wstring got;
+    g_allocationsLeft = allowed;
+    try {
+      got = road.work();
+      if (g_allocationsLeft > 0) expected = &result;
+    } catch (const std::bad_alloc&) {
+    } catch (const CRkException&) {
+    }
+    g_allocationsLeft = -1;
+    if (expected != nullptr) {
+      result = std::move(got);
+    } else {
+      std::wstring().swap(got);
+      if (balanced && g_blocks != before) {
+        ADD_FAILURE() << road.name << " leaks when allocation " << allowed << " fails";
+        return;
+      }
+    }
+    ASSERT_LT(allowed, 100000) << road.name;
+  }
+  EXPECT_WIDE_EQ(result, road.work()) << road.name;
+}
+
+const CSerializationContext& Context() {
+  static const CSerializationContext context = [] {
+    CSerializationContext c;
+    c.GetNamespaceAliases().Add(L"a", L"urn:example:audit");
+    c.GetNamespaceAliases().Add(L"o", L"urn:example:order");
+    c.GetNamespaceAliases().Add(L"x", L"urn:x");
+    c.GetNamespaceAliases().Add(L"gpx", L"http://www.topografix.com/GPX/1/1");
+    c.GetNamespaceAliases().Add(L"xsi", CXmlWriter::XSI_NAMESPACE.c_str());
+    c.GetJsonContext()->SetStrictOutput(true);
+    return c;
+  }();
+  return context;
+}
+
+template <class Object>
+std::wstring XmlOf(const Object& object) {
+  return object.ToXml(true, true, EOLType_LF, Context());
+}
+
+template <class Object>
+std::wstring XmlOf(void (CXmlObjectBase::*read)(const CBinaryData&, const CSerializationContext&),
+                   const CBinaryData& bytes) {
+  Object object;
+  (static_cast<CXmlObjectBase&>(object).*read)(bytes, Context());
+  return XmlOf(object);
+}
+
+// The message of what `call` throws.
+template <class Call>
+std::wstring MessageOf(Call&& call) {
+  try {
+    call();
+  } catch (const CRkException& e) {
+    return e.GetFullMessage();
+  }
+  return L"nothing";
+}
+
+constexpr wchar_t kTrack[] =
+    L"<gpx xmlns='http://www.topografix.com/GPX/1/1' version='1.1' creator='x'><wpt lat='46.5' lon='7.25'>"
+    L"<time>2024-05-01T06:00:00Z</time></wpt><trk><extensions><x xmlns='urn:x'>1</x></extensions>"
+    L"<trkseg><trkpt lat='1' lon='2'/><trkpt lat='2' lon='3'/></trkseg></trk></gpx>";
+
+std::vector<Road> Roads() {
+  static Order::COrderType order;
+  order.FromXmlFile(L"" RKXML_EXAMPLE_DATA "/order.xml", Context());
+  static const CBinaryData xml = order.ToXmlStream(true, true, XmlEncoding_UTF8, EOLType_LF, Context());
+  static const CBinaryData gzip =
+      order.ToXmlStream(true, true, XmlEncoding_UTF8, EOLType_LF, Context(), CompressionType_GZip);
+  static const CBinaryData json = order.ToJsonStream(true, XmlEncoding_UTF8, EOLType_LF, Context());
+  static const CBinaryData fastInfoset = order.ToFastInfosetStream(FInfoDecl_None, Context());
+  using Read = void (CXmlObjectBase::*)(const CBinaryData&, const CSerializationContext&);
+  static const Read fromBytes = &CXmlObjectBase::FromXmlStream;
+  static const Read fromJson = &CXmlObjectBase::FromJsonStream;
+  return {
+      {"XML text into objects", [] { return XmlOf<Order::COrderType>(fromBytes, xml); }},
+      {"compressed XML text into objects", [] { return XmlOf<Order::COrderType>(fromBytes, gzip); }},
+      {"Fast Infoset into objects", [] { return XmlOf<Order::COrderType>(fromBytes, fastInfoset); }},
+      {"JSON into objects", [] { return XmlOf<Order::COrderType>(fromJson, json); }},
+      {"XML text into elements", [] { return XmlOf<CElement>(fromBytes, xml); }},
+      {"JSON into elements", [] { return XmlOf<CElement>(fromJson, json); }},
+      {"wide text into objects",
+       [] {
+         Gpx::CGpxType track;
+         track.FromXml(kTrack, Context());
+         return XmlOf(track);
+       }},
+      {"a DTD",
+       [] {
+         CElement element;
+         element.FromXml("<!DOCTYPE a [<!ENTITY e 'x'><!ATTLIST a b CDATA 'c'>]><a>&e;&e;</a>", Context());
+         return XmlOf(element);
+       }},
+      {"JSON out", [] { return order.ToJson(true, EOLType_LF, Context()); }},
+      {"Fast Infoset out, compressed",
+       [] { return order.ToFastInfosetStream(FInfoDecl_None, Context(), CompressionType_ZLib).GetAsHexString(); }},
+      {"files",
+       [] {
+         for (const bool direct : {false, true}) {
+           AsyncToXmlFile(direct);
+           order.ToXmlFile(L"/dev/null", true, true, XmlEncoding_UTF16, EOLType_CRLF, Context());
+           order.ToJsonFile(L"/dev/null", true, XmlEncoding_UTF8, EOLType_LF, Context());
+         }
+         order.ToFastInfosetFile(L"/dev/null", FInfoDecl_None, Context());
+         Order::COrderType again;
+         again.FromXmlFile(L"" RKXML_EXAMPLE_DATA "/order.xml", Context());
+         return XmlOf(again);
+       }},
+      {"a copy of a context",
+       [] {
+         CSerializationContext copy(Context());
+         copy.GetAdditionalRootAttributes()->Add(L"b", L"c", L"urn:b");
+         return order.ToXml(false, false, EOLType_LF, copy);
+       }},
+      {"what is wrong with a document",
+       [] {
+         return MessageOf([] {
+           Order::COrderType bad;
+           bad.FromXml(L"<order xmlns='urn:example:order' id='RK-1600' currency='CHF'><customer/></order>", Context());
+         });
+       }},
+      {"what cannot be written", [] { return MessageOf([] { Order::COrderType().ToXml(); }); }},
+      {"values",
+       [] {
+         CDecimal third(L"1e-20");
+         third += CDecimal(L"10") / CDecimal(L"3");
+         CDateTime date(L"2024-02-29T23:59:59.123456789+14:00");
+         date += CDateTimeSpan(1, 2, 3, 4, 5, 6);
+         const CBigInteger root = CBigInteger(L"123456789012345678901234567890").SquareRoot();
+         CBinaryData bytes;
+         bytes.SetAsBase64(L"AAECAwQF");
+         return third.ToString() + date.ToString() + root.ToString() + bytes.GetAsHexString() +
+                CConversions::r8ToString(CConversions::r8FromString(L"0x1p3", CWhitespaceUtils::none)) +
+                FormatString(L"%f %ls", 0.5, L"text");
+       }},
+      {"patterns",
+       [] {
+         return MessageOf([] { TestRegEx("(", L"x"); }) +
+                (TestRegEx("(a|aa)+", std::wstring(40, L'a') + L'b') ? L"1" : L"0");
+       }},
+      {"text that becomes bytes",
+       [] {
+         CTextStream stream(XmlEncoding_UTF8);
+         for (int i = 0; i < 3000; ++i) stream.Append(L"a\u00E9\u20AC ");
+         CBinaryData bytes = stream.GetEncodedStream();
+         bytes.Append(bytes);
+         return CEncoder::Utf8ToUnicode(bytes.GetData(), static_cast<int>(bytes.GetLength()));
+       }},
+  };
+}
+
+}  // namespace
+
+TEST(Exhaustion, OfMemoryIsSurvivedOnEveryRoad) {
+  // On the first pass what is made once may fail to be made; from the second on everything has to be given back.
+  for (const bool balanced : {false, true}) {
+    for (const Road& road : Roads()) ExhaustMemory(road, balanced);
+  }
+  AsyncToXmlFile(false);
+}
+
+TEST(Exhaustion, CompressionLeavesItsInputAlone) {
+  const CBinaryData original(std::wstring(500, L'x').c_str());
+  for (long allowed = 0;; ++allowed) {
+    CBinaryData data = original;
+    g_allocationsLeft = allowed;
+    try {
+      CRkZip::CompressData(data, CompressionType_GZip);
+      g_allocationsLeft = -1;
+      break;
+    } catch (const std::bad_alloc&) {
+      g_allocationsLeft = -1;
+      EXPECT_EQ(original, data);
+    }
+  }
+}
+
+TEST(Exhaustion, OfTheDiskAndBrokenPipesAreTold) {
+  Gpx::CGpxType track;
+  track.FromXml(kTrack);
+  int pipe[2];
+  ASSERT_EQ(0, ::pipe(pipe));
+  ::close(pipe[0]);
+  const auto handler = std::signal(SIGPIPE, SIG_IGN);
+  const std::wstring closedPipe = L"/dev/fd/" + std::to_wstring(pipe[1]);
+  for (const std::wstring& file : {std::wstring(L"/dev/full"), closedPipe}) {
+    if (::access(std::string(file.begin(), file.end()).c_str(), W_OK) != 0) continue;
+    const std::wstring message = L"Failed to write data to the file [" + file + L"].";
+    for (const bool direct : {false, true}) {
+      AsyncToXmlFile(direct);
+      EXPECT_RK_THROWS(CRkException, message, track.ToXmlFile(file.c_str()));
+      EXPECT_RK_THROWS(CRkException, message,
+                       track.ToJsonFile(file.c_str(), true, XmlEncoding_UTF8, EOLType_LF, Context()));
+    }
+    AsyncToXmlFile(false);
+    EXPECT_RK_THROWS(CRkException, message, track.ToFastInfosetFile(file.c_str()));
+  }
+  std::signal(SIGPIPE, handler);
+  ::close(pipe[1]);
+}
+
+TEST(Exhaustion, OfAFileThatShrinksIsTold) {
+  // The kernel gives its own files a size that they do not have.
+  const char* const name = "/sys/kernel/mm/transparent_hugepage/enabled";
+  if (::access(name, R_OK) != 0) GTEST_SKIP() << "no such file here";
+  CElement element;
+  const std::string text = name;
+  const std::wstring wide(text.begin(), text.end());
+  EXPECT_RK_THROWS(CRkException, L"Failed to read the contents of the file [" + wide + L"] Error [0]",
+                   element.FromXmlFile(wide.c_str()));
+}
