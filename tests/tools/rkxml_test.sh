@@ -145,11 +145,15 @@ refuses 1 'makes no XML document' convert two.json new.xml
 run 0 show track.gpx.gz
 for text in 'form        XML text' 'wrapper     gzip' 'encoding    UTF-8' 'root        gpx' \
             'namespaces  (default)  http://www.topografix.com/GPX/1/1' '            hike       https://' \
-            'depth       6'; do
+            'depth       6' 'nodes       1,104' ' times)'; do
   grep -qF -- "$text" out || fail "show does not say [$text] but $(cat out)"
 done
 elements=$(grep -o '<[a-z][A-Za-z:]*' "$track" | wc -l)
 grep -qx "elements    $elements" out || fail "show counts $(grep elements out), not $elements"
+refuses 1 'Limit exceeded: elements and attributes 5.' show --limits nodes=5 track.gpx.gz
+refuses 1 'Limit exceeded: inflated bytes 1000.' convert --limits depth=0,inflated-bytes=1000 track.gpx.gz new.xml
+refuses 2 "does not take 'nodes=x'" show --limits nodes=x track.gpx.gz
+run 0 show --limits none track.gpx.gz
 printf '\377\376<\0a\0/\0>\0' >utf16.xml
 run 0 show utf16.xml
 grep -q 'UTF-16' out || fail "UTF-16 is not recognised"

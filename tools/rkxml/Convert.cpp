@@ -24,6 +24,7 @@ CBinaryData Write(const CElement& element, const Options& options, const CSerial
 void Convert(const Options& options) {
   Progress progress;
   CSerializationContext context;
+  context.GetLimits() = options.limits;
   context.SetIndentChars(options.layout.indent.c_str());
   options.json.ApplyTo(context);
 

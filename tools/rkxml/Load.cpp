@@ -11,7 +11,7 @@ void LoadDocument(CXmlDocument& document, const Options& options, Bytes& bytes) 
     const std::string file = options.input == "-" ? "standard input" : ForTerminal(options.input);
     // Bytes in a damaged wrapper are taken as they are, and what the parser says about them helps nobody.
     CBinaryData content;
-    if (WrapperOf(bytes) == Wrapper::Gzip && Unwrap(bytes, content) == InflateResult::NotCompressed) {
+    if (WrapperOf(bytes) == Wrapper::Gzip && Unwrap(bytes, options, content) == InflateResult::NotCompressed) {
       throw DocumentError(file + ": the gzip data is damaged or cut short");
     }
     throw DocumentError(file + ": " + Reason(e));
@@ -25,8 +25,8 @@ Wrapper WrapperOf(const Bytes& bytes) {
   return Wrapper::None;
 }
 
-InflateResult Unwrap(const Bytes& bytes, CBinaryData& content) {
-  const CReadLimits& limits = GetDefaultContext().GetLimits();
+InflateResult Unwrap(const Bytes& bytes, const Options& options, CBinaryData& content) {
+  const CReadLimits& limits = options.limits;
   return CRkZip::Inflate(bytes.data(), bytes.size(),
                          {limits.GetMaxInflatedBytes(), limits.GetMaxInflationRatio(), limits.GetInflationRatioFrom()},
                          content);

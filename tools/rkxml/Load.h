@@ -11,6 +11,6 @@ enum class Wrapper { None, Gzip, Zlib };
 Wrapper WrapperOf(const Bytes& bytes);
 
 // Takes the wrapper off, within the limits that reading has.
-RkXmlLib16::InflateResult Unwrap(const Bytes& bytes, RkXmlLib16::CBinaryData& content);
+RkXmlLib16::InflateResult Unwrap(const Bytes& bytes, const Options& options, RkXmlLib16::CBinaryData& content);
 
 #endif

@@ -1,6 +1,8 @@
 #include "Options.h"
 
 #include <algorithm>
+#include <charconv>
+#include <iterator>
 #include <numeric>
 #include <string_view>
 #include <vector>
@@ -57,6 +59,40 @@ FInfoDecl DeclarationOption(std::string_view value) {
   return static_cast<FInfoDecl>(value[0] - '0');
 }
 
+// "none", or NAME=VALUE,... where a value of 0 means none.
+void ApplyLimits(CReadLimits& limits, std::string_view value) {
+  static constexpr struct {
+    std::string_view name;
+    void (CReadLimits::*set)(unsigned long);
+  } kLimits[] = {
+      {"depth", &CReadLimits::SetMaxElementDepth},
+      {"nodes", &CReadLimits::SetMaxNodes},
+      {"characters", &CReadLimits::SetMaxCharacters},
+      {"inflated-bytes", &CReadLimits::SetMaxInflatedBytes},
+      {"inflation-ratio", &CReadLimits::SetMaxInflationRatio},
+      {"expansion-ratio", &CReadLimits::SetMaxExpansionRatio},
+  };
+  if (value == "none") {
+    for (const auto& limit : kLimits) (limits.*limit.set)(0);
+    return;
+  }
+  std::string allowed = "none, or NAME=NUMBER,... with";
+  for (const auto& limit : kLimits) allowed += " " + std::string(limit.name);
+  while (!value.empty()) {
+    const std::string_view item = value.substr(0, value.find(','));
+    value.remove_prefix(std::min(item.size() + 1, value.size()));
+    const std::size_t equals = std::min(item.find('='), item.size());
+    const auto* const limit = std::find_if(std::begin(kLimits), std::end(kLimits),
+                                           [&](const auto& known) { return known.name == item.substr(0, equals); });
+    const std::string_view digits = item.substr(std::min(equals + 1, item.size()));
+    unsigned long number = 0;
+    const auto parsed = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    if (limit == std::end(kLimits) || parsed.ec != std::errc() || parsed.ptr != digits.data() + digits.size())
+      ThrowBadValue("--limits", item, allowed);
+    (limits.*limit->set)(number);
+  }
+}
+
 // One option. `apply` gets the value, or an empty text for an option without one.
 struct Option {
   std::string_view name;
@@ -77,6 +113,7 @@ constexpr Option kOptions[] = {
     {"--root", true, true, [](Options& o, std::string_view v) { o.json.rootName = CEncoder::Utf8ToUnicode(v); }},
     {"--declaration", true, false, [](Options& o, std::string_view v) { o.layout.declaration = DeclarationOption(v); }},
     {"--typed", false, false, [](Options& o, std::string_view) { o.layout.typed = true; }},
+    {"--limits", true, true, [](Options& o, std::string_view v) { ApplyLimits(o.limits, v); }},
     {"--octets", false, true, [](Options& o, std::string_view) { o.octets = true; }},
     {"--gzip", false, false, [](Options& o, std::string_view) { o.layout.gzip = true; }},
     {"--help", false, true, [](Options& o, std::string_view) { o.help = true; }},

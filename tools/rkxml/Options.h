@@ -19,6 +19,7 @@ struct Options {
   const Form* to = nullptr;    // never null once parsed
   Layout layout;
   JsonMapping json;
+  RkXmlLib16::CReadLimits limits;
   bool octets = false;  // show the octets of a Fast Infoset
 };
 
