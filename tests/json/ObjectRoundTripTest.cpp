@@ -12,10 +12,11 @@ constexpr bool kNillable = true;
 // A generated class with an attribute, a text, a nillable number and two collections, of objects and of numbers.
 class JsonObjects : public testing::Test {
  protected:
-  JsonObjects()
-      : m_object(Read(m_owner,
-                      L"<owner id='7'><text/><item><n>0</n></item><item><n>1</n></item><item><n>2</n></item>"
-                      L"<v>0</v><v>1</v><v>2</v></owner>")) {
+  JsonObjects() {
+    Classes() = {&m_item};
+    m_object = Read(m_owner,
+                    L"<owner id='7'><text/><item><n>0</n></item><item><n>1</n></item><item><n>2</n></item>"
+                    L"<v>0</v><v>1</v><v>2</v></owner>");
     (*m_object)[1].SetString(L"a \"b\"\\ \u20AC\xD83D\xDE00");
   }
   ~JsonObjects() override { m_object = nullptr; }
@@ -33,10 +34,7 @@ class JsonObjects : public testing::Test {
        new CElementInfoSeqClsCol(L"item", L"", 3, XmlElementType_Element), new CElementInfoSeqPrimCol(L"v", L"", 4)},
       {Attribute(L"id", 0, false)},
       {[](RkVariant&) {}, [](RkVariant&) {}, [](RkVariant&) {},
-       [this](RkVariant& value) {
-         value.SetXmlCollection(new CTableCol(L"item", 0, -1, CTableCol::Items::Named,
-                                              [this](CXmlElement*) -> Object { return CTableClass::Create(m_item); }));
-       },
+       [](RkVariant& value) { value.SetXmlCollection(new CTableCol(L"item", L"", 0, -1, CreateClass, 0)); },
        [](RkVariant& value) {
          value.SetXmlCollection(new Ci4Col(L"v", L"", 0, -1, nullptr, -1, -1, nullptr, nullptr, nullptr, nullptr, -1,
                                            -1, -1, CWhitespaceUtils::collapse, nullptr));

@@ -192,9 +192,8 @@ TEST_F(ContentModelTest, InlineGroupsReadFromThePlaceOfTheirOwner) {
   const auto required = mandatory(group, true);
   const auto notRequired = mandatory(loose, false);
   const auto optional = owner(new CElementInfoSeqClsOpt(L"g", L"", 0, kInline, CreateClass, 0));
-  const auto repeated = owner(new CElementInfoSeqClsCol(L"g", L"", 0, kInline), [&group](RkVariant& value) {
-    value.SetXmlCollection(new CTableCol(L"g", 0, -1, CTableCol::Items::Inline,
-                                         [&group](CXmlElement*) -> Object { return CTableClass::Create(group); }));
+  const auto repeated = owner(new CElementInfoSeqClsCol(L"g", L"", 0, kInline), [](RkVariant& value) {
+    value.SetXmlCollection(new CTableCol(L"g", L"", 0, -1, CreateClass, 0, kInline));
   });
   const std::wstring missing = L"CRkException: Failed to find the required child element [g].\nPath: /r";
   const struct {

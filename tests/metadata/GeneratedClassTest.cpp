@@ -306,8 +306,7 @@ TEST_F(GeneratedClassTest, MissingObjectsAreCreatedOrReported) {
   const Table collection(ClassInfo(XmlElementGroupType_Sequence, L"r"), {new CElementInfoSeqCol(L"c", L"", 0)});
   const Table groups(
       ClassInfo(XmlElementGroupType_Sequence, L"r"), {new CElementInfoSeqCol(L"c", L"", 0)}, {}, {[](RkVariant& value) {
-        value.SetXmlCollection(
-            new CXmlObjectCollection<CTableClass>(L"c", L"", 0, -1, CreateClass, 0, XmlElementType_InlineGroup));
+        value.SetXmlCollection(new CTableCol(L"c", L"", 0, -1, CreateClass, 0, XmlElementType_InlineGroup));
       }});
   const Table wildcard(ClassInfo(XmlElementGroupType_Sequence, L"r"),
                        {new CElementInfoSeqUntpdMnd(L"AnyElement", L"", 0, L"##any", L"")});
@@ -356,7 +355,7 @@ TEST_F(GeneratedClassTest, AccessorFailuresAreToldOrPassed) {
     void AccessProperty(int, bool get, RkVariant& value) override {
       if (m_foreign && !get) throw m_table;  // of no family
       if (!m_foreign) throw CRkInvalidStateException(L"no access");
-      value.SetXmlCollection(new CTableCol(L"a", 0, -1, CTableCol::Items::Named, nullptr));
+      value.SetXmlCollection(new CTableCol(L"a", L"", 0, -1, CreateClass, 0));
     }
     bool m_foreign = false;
     std::wstring m_table = L"mine";

@@ -85,10 +85,9 @@ CElementInfo* NewRecord(Group group, Kind kind, Card card, const wchar_t* name =
 CXmlCollectionBase* NewCollection(Kind kind) {
   switch (kind) {
     case Kind::Cls:
-      return new CTableCol(L"m", 1, 2, CTableCol::Items::Named,
-                           [](CXmlElement*) { return CreateChildObject(7, L"m"); });
+      return new CTableCol(L"m", L"", 1, 2, CreateChildObject, 7);
     case Kind::AbsCls:
-      return new CTableCol(L"m", 1, 2, CTableCol::Items::ByFactory, CreateDerived);
+      return new CTableCol(L"m", L"", 1, 2, CreateDerived);
     case Kind::Prim:
       return new Ci4Col(L"m", L"", 1, 2, nullptr, -1, -1, nullptr, nullptr, nullptr, nullptr, -1, -1, -1,
                         CWhitespaceUtils::collapse, nullptr);
