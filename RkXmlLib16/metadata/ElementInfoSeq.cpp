@@ -130,7 +130,6 @@ bool CElementInfoSeqClsMnd::ElementFromXml(const CSerializationContext& context,
   if (m_memberType == XmlElementType_InlineGroup) return ReadGroup(context, object, parent, cursor, ownerType);
   if (ownerType != XmlElementType_Element && !IsThisElement(context, *cursor)) return false;
   if (SeekMandatory(*this, context, parent, cursor, ownerType) == Seek::GoOn) return true;
-  // What SeekMandatory found stands under the cursor: NOLINTNEXTLINE(clang-analyzer-core.NonNullParamChecker)
   const auto child = GetOrCreateChild(*this, object, m_factory, m_classId, **cursor);
   if (child == nullptr) ThrowMissingChild(*this, parent);
   ReadOwnElement(*this, context, child, cursor);
