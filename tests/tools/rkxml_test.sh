@@ -4,6 +4,7 @@
 set -uo pipefail
 rkxml=$1
 data=$2
+source=$(cd "$(dirname "${BASH_SOURCE[0]}")/../../tools/rkxml" && pwd)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cd "$work" || exit 1
@@ -54,6 +55,24 @@ for call in '--help' '-h' 'convert --help' 'show -h'; do
   grep -q '^Usage: rkxml' out || fail "$call shows no usage"
   [ "$(wc -L <out)" -le 80 ] || fail "$call is wider than a terminal"
 done
+# What the help tells, the manual page tells and the shell completes, for the right command.
+compopt() { :; }
+# shellcheck source=/dev/null
+source "$source/rkxml.bash"
+complete_words() {
+  COMP_WORDS=(rkxml "$@") COMP_CWORD=$# COMPREPLY=()
+  _rkxml
+  echo " ${COMPREPLY[*]} "
+}
+for command in convert show; do
+  run 0 "$command" --help
+  for option in $(grep -oE -- '--[a-z]+' out | sort -u); do
+    grep -qF -- "${option//-/\\-}" "$source/rkxml.1" || fail "the manual page does not tell $option"
+    [[ $(complete_words "$command" "$option") == *" $option "* ]] || fail "the shell does not complete $command $option"
+  done
+done
+[[ $(complete_words convert --from j) == " json " ]] || fail "the shell does not complete --from j"
+[[ $(complete_words c) == " convert " ]] || fail "the shell does not complete c"
 run 0 --version
 grep -Eqx 'rkxml [0-9]+\.[0-9]+\.[0-9]+' out || fail "--version says $(cat out)"
 refuses 2 'see rkxml --help'
