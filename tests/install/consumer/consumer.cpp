@@ -1,17 +1,80 @@
+// Uses the installed library as programs do: derives, catches, and calls what lies in each of its folders.
 #include <RkXmlLib16/RkXmlLib16.h>
 
 #include <cstdio>
+#include <typeinfo>
+
+using namespace RkXmlLib16;
+
+namespace {
+
+// A generated class without members, that may be nil.
+class CNote : public CXmlGeneratedClass, public INillable {
+ public:
+  CXmlObjectBase* GetBase() override { return this; }
+  const wchar_t* GetTargetNamespace() const override { return L""; }
+  const wchar_t* GetNamespace() const override { return L""; }
+  void AccessProperty(int, bool, RkVariant&) override {}
+  RkXmlLib16Data::CParentElementInfo* GetClassInfo() const override {
+    static RkXmlLib16Data::CParentElementInfo info(XmlElementGroupType_Sequence, XmlElementType_Element, L"note", L"",
+                                                   true, false, -1, ItemType(), nullptr, false);
+    return &info;
+  }
+  RkXmlLib16Data::CElementInfo** GetClassElementInfo() const override { return nullptr; }
+  RkXmlLib16Data::CAttributeInfo** GetClassAttributeInfo() const override { return nullptr; }
+  void BeginFromXml_Int(CXmlElement*, CXmlElement*, const CSerializationContext&, bool) override {}
+  bool IsNil() const override { return m_nil; }
+  void SetNil(bool nil) override { m_nil = nil; }
+
+ private:
+  bool m_nil = false;
+};
+
+struct Counter : IEventSink {
+  void OnEvent(CXmlObjectBase*, MsgType, void*) override { ++events; }
+  int events = 0;
+};
+
+const char* Failure() {
+  CElement text;
+  text.FromXml(L"<note lang='de'>Gr\u00FC\u00DFe</note>");
+  if (text.ToXml(/*includeDocumentHeader=*/false, /*formatted=*/false) != L"<note lang=\"de\">Gr\u00FC\u00DFe</note>")
+    return "XML";
+  CElement again;
+  again.FromXmlStream(text.ToFastInfosetStream());
+  if (again.ToJson() != text.ToJson()) return "Fast Infoset and JSON";
+
+  CNote note;
+  note.SetElementName(L"note");
+  note.FromXml(L"<note xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' xsi:nil='true'/>");
+  if (!note.IsNil()) return "a class of the program's own";
+
+  Counter counter;
+  CdecimalCol prices(L"price", L"", 0, -1, nullptr, -1, -1, nullptr, nullptr, nullptr, nullptr, -1, -1, -1,
+                     CWhitespaceUtils::collapse, nullptr);
+  prices.AddEventListener(&counter);
+  prices.Add(CDecimal(L"1.10") + CDecimal(L"2.2"));
+  if (counter.events == 0 || prices.Item(0).ToString() != L"3.3") return "collections and values";
+
+  // Type information comes from the library.
+  if (typeid(RkXmlLib16Data::CElementInfoSeqClsMnd) == typeid(RkXmlLib16Data::CElementInfoAllPrimOpt)) return "typeid";
+  try {
+    CDateTime(L"2026-02-30");
+  } catch (const CRkInvalidValueException&) {
+    return nullptr;
+  }
+  return "exceptions";
+}
+
+}  // namespace
 
 int main() {
   try {
-    RkXmlLib16::CElement note;
-    note.FromXml(L"<note lang='de'>Gr\u00FC\u00DFe</note>");
-    const std::wstring text = note.ToXml(/*includeDocumentHeader=*/false, /*formatted=*/false);
-    if (text != L"<note lang=\"de\">Gr\u00FC\u00DFe</note>") return 1;
-    note.FromXml("<note>");
-  } catch (const RkXmlLib16::CRkException&) {
-    std::puts("installed and well");
-    return 0;
+    const char* failure = Failure();
+    std::puts(failure == nullptr ? "installed and well" : failure);
+    return failure == nullptr ? 0 : 1;
+  } catch (const CRkException& e) {
+    std::printf("%ls\n", e.GetMessage().c_str());
+    return 1;
   }
-  return 2;
 }
