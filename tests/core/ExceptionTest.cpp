@@ -20,7 +20,8 @@ TEST(Exception, FullMessageHasOneMessagePerLineOutermostFirst) {
   const CRkValidationException third(L"third", L"", second);
   EXPECT_WIDE_EQ(L"third\nsecond\nfirst", third.GetFullMessage());
   EXPECT_WIDE_EQ(L"first", first.GetFullMessage());
-  EXPECT_EQ(typeid(CRkInvalidStateException), typeid(*third.GetInnerException()));
+  const CRkException& inner = *third.GetInnerException();
+  EXPECT_EQ(typeid(CRkInvalidStateException), typeid(inner));
 }
 
 TEST(Exception, ACopyOfACopyDoesNotRepeatThePathSuffix) {
@@ -54,10 +55,12 @@ TYPED_TEST_SUITE(ExceptionClass, Classes);
 
 TYPED_TEST(ExceptionClass, ClonesItsOwnClassWithMessagePathAndInner) {
   const TypeParam e(CRkException(L"m", L"/p", CRkOverFlowException(L"cause")));
-  const std::unique_ptr<const CRkException> clone(e.Clone());
-  EXPECT_EQ(typeid(TypeParam), typeid(*clone));
-  EXPECT_WIDE_EQ(L"m\nPath: /p", clone->GetMessage());
-  ASSERT_NE(nullptr, clone->GetInnerException());
-  EXPECT_NE(e.GetInnerException(), clone->GetInnerException());
-  EXPECT_EQ(typeid(CRkOverFlowException), typeid(*clone->GetInnerException()));
+  const std::unique_ptr<const CRkException> owned(e.Clone());
+  const CRkException& clone = *owned;
+  EXPECT_EQ(typeid(TypeParam), typeid(clone));
+  EXPECT_WIDE_EQ(L"m\nPath: /p", clone.GetMessage());
+  ASSERT_NE(nullptr, clone.GetInnerException());
+  EXPECT_NE(e.GetInnerException(), clone.GetInnerException());
+  const CRkException& inner = *clone.GetInnerException();
+  EXPECT_EQ(typeid(CRkOverFlowException), typeid(inner));
 }

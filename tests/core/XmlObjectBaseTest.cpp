@@ -42,7 +42,8 @@ TEST(SmartPtr, CountsThroughEveryTransfer) {
     CXmlObjectBase* const raw = b.Detach();
     EXPECT_EQ(1, raw->GetRefCount());
     b.Attach(raw);
-    b = b;
+    const CSmartPtr<CXmlObjectBase>& same = b;
+    b = same;
     EXPECT_EQ(1, b->GetRefCount());
   }
   EXPECT_EQ(0, CCounted::live);
