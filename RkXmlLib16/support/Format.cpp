@@ -1,6 +1,6 @@
 #include "RkXmlLib16/support/Format.h"
 
-#include <locale.h>  // NOLINT(modernize-deprecated-headers): POSIX has newlocale here
+#include <locale.h>
 
 #include <algorithm>
 #include <cerrno>

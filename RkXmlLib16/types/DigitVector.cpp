@@ -6,13 +6,12 @@
 
 namespace RkXmlLib16 {
 
-CDigitVector& CDigitVector::CopyLong(const CDigitVector& other) {
-  if (this == &other) return *this;
+void CDigitVector::CopyLong(const CDigitVector& other) {
+  if (this == &other) return;
   m_size = 0;
   reserve(other.m_size);
   std::memcpy(data(), other.data(), other.m_size);
   m_size = other.m_size;
-  return *this;
 }
 
 void CDigitVector::Grow(std::size_t capacity) {

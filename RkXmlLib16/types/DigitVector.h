@@ -26,9 +26,12 @@ class RKXML_EXPORT CDigitVector {
   CDigitVector(const CDigitVector& other) { *this = other; }
   CDigitVector(CDigitVector&& other) noexcept { Take(other); }
   CDigitVector& operator=(const CDigitVector& other) {
-    if (other.m_size > kInline || m_capacity > kInline) return CopyLong(other);
-    m_size = other.m_size;
-    std::memcpy(m_digits.own, other.data(), kInline);
+    if (other.m_size > kInline || m_capacity > kInline) {
+      CopyLong(other);
+    } else {
+      m_size = other.m_size;
+      std::memcpy(m_digits.own, other.data(), kInline);
+    }
     return *this;
   }
   CDigitVector& operator=(CDigitVector&& other) noexcept {
@@ -95,7 +98,7 @@ class RKXML_EXPORT CDigitVector {
     m_capacity = std::exchange(other.m_capacity, kInline);
     m_digits = other.m_digits;
   }
-  CDigitVector& CopyLong(const CDigitVector& other);
+  void CopyLong(const CDigitVector& other);
 
   std::uint32_t m_size = 0;
   std::uint32_t m_capacity = kInline;

@@ -262,7 +262,7 @@ void CElement::Destroy(Children& children) noexcept {
     while (current != nullptr) {
       if (!current->m_children.empty() && current->GetRefCount() == 1) {
         CSmartPtr<CElement> child = std::move(current->m_children.back());
-        current->m_children.back() = std::move(up);
+        current->m_children.back() = std::move(up);  // NOLINT(bugprone-use-after-move): null after a move
         up = std::move(current);
         current = std::move(child);
         continue;
