@@ -533,12 +533,9 @@ void CFastInfosetWriter::Integer(const IntegerLayout& layout, unsigned char octe
   const IntegerForm* form = layout.forms + layout.formCount - 1;
   while (value < form->lowest) --form;
   const unsigned long stored = value - form->lowest;
-  int shift = form->moreOctets * 8;
-  m_octets.push_back(static_cast<unsigned char>(octet | form->pattern | stored >> shift));
-  while (shift > 0) {
-    shift -= 8;
-    m_octets.push_back(static_cast<unsigned char>(stored >> shift));
-  }
+  unsigned more = form->moreOctets;
+  m_octets.push_back(static_cast<unsigned char>(octet | form->pattern | stored >> (8 * more)));
+  while (more-- > 0) m_octets.push_back(static_cast<unsigned char>(stored >> (8 * more)));
 }
 
 // Terminators come in pairs of half octets: one is owed until it is known whether another follows at once.
