@@ -113,12 +113,15 @@ void CXmlDocument::Storage::CountCharacters(std::size_t more) {
 }
 
 CXmlTextBlock* CXmlDocument::Storage::Reserve(CXmlTextBlock* block, std::size_t more) {
+  if (block != nullptr && more <= block->m_capacity - block->m_length) {
+    CountCharacters(more);
+    return block;
+  }
   const std::size_t length = block != nullptr ? block->m_length : 0;
   if (more > UINT32_MAX / 2 - length) throw CRkException(L"The text of an element is too long.");
   CountCharacters(more);
   const std::size_t needed = length + more;
   if (block != nullptr) {
-    if (needed <= block->m_capacity) return block;
     if (texts.Extend(block, BytesOfText(block->m_capacity), BytesOfText(needed))) {
       block->m_capacity = static_cast<std::uint32_t>(needed);
       return block;

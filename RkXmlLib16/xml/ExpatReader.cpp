@@ -24,6 +24,7 @@ namespace {
 
 static_assert(sizeof(XML_Char) == 2, "expat has to report UTF-16 units");
 
+constexpr std::size_t kShortPiece = 16;  // of text
 constexpr std::size_t kSmallestPiece = std::size_t{1} << 18;
 constexpr std::size_t kLargestPiece = std::size_t{1} << 28;
 constexpr XML_Char kSeparator = u'|';
@@ -55,6 +56,11 @@ void Widen(const XML_Char* text, std::size_t length, wchar_t* out) {
 std::size_t WidenWithoutCR(const XML_Char* text, std::size_t length, wchar_t* out) {
   const XML_Char* const end = text + length;
   wchar_t* const start = out;
+  if (length <= kShortPiece) {
+    for (; text != end; ++text)
+      if (*text != '\r') *out++ = *text;
+    return static_cast<std::size_t>(out - start);
+  }
   for (;;) {
     const XML_Char* const cr = std::find(text, end, XML_Char{'\r'});
     Widen(text, static_cast<std::size_t>(cr - text), out);

@@ -88,10 +88,10 @@ class CLinkType : public CXmlGeneratedClass {
                         bool isOptionalChoice) override;
 
  private:
-  std::wstring m_text;
   bool m_hasText = false;
-  std::wstring m_type;
   bool m_hasType = false;
+  std::wstring m_text;
+  std::wstring m_type;
   std::wstring m_href;
 };
 
@@ -161,10 +161,10 @@ class CPersonType : public CXmlGeneratedClass {
                         bool isOptionalChoice) override;
 
  private:
-  std::wstring m_name;
   bool m_hasName = false;
   CSmartPtr<CEmailType> m_email;
   CSmartPtr<CLinkType> m_link;
+  std::wstring m_name;
 };
 
 // copyrightType.
@@ -202,8 +202,8 @@ class CCopyrightType : public CXmlGeneratedClass {
  private:
   unsigned short m_year = 0;
   bool m_hasYear = false;
-  std::wstring m_license;
   bool m_hasLicense = false;
+  std::wstring m_license;
   std::wstring m_author;
 };
 
@@ -306,19 +306,19 @@ class CMetadataType : public CXmlGeneratedClass {
                         bool isOptionalChoice) override;
 
  private:
-  std::wstring m_name;
   bool m_hasName = false;
-  std::wstring m_desc;
   bool m_hasDesc = false;
+  bool m_hasTime = false;
+  bool m_hasKeywords = false;
   CSmartPtr<CPersonType> m_author;
   CSmartPtr<CCopyrightType> m_copyright;
   mutable CSmartPtr<CLinkTypeCol> m_link;  // made by its first use
-  CDateTime m_time;
-  bool m_hasTime = false;
-  std::wstring m_keywords;
-  bool m_hasKeywords = false;
   CSmartPtr<CBoundsType> m_bounds;
   CSmartPtr<CExtensionsType> m_extensions;
+  CDateTime m_time;
+  std::wstring m_name;
+  std::wstring m_desc;
+  std::wstring m_keywords;
 };
 
 // wptType: a waypoint, or a point of a route or track.
@@ -456,36 +456,36 @@ class CWptType : public CXmlGeneratedClass {
 
  private:
   int m_declaredAs;  // which of the elements of this type the object was made for
-  std::unique_ptr<CDecimal> m_ele;
-  CDateTime m_time;
   bool m_hasTime = false;
-  std::unique_ptr<CDecimal> m_magvar;
-  std::unique_ptr<CDecimal> m_geoidheight;
-  std::wstring m_name;
   bool m_hasName = false;
-  std::wstring m_cmt;
   bool m_hasCmt = false;
-  std::wstring m_desc;
   bool m_hasDesc = false;
-  std::wstring m_src;
   bool m_hasSrc = false;
-  mutable CSmartPtr<CLinkTypeCol> m_link;  // made by its first use
-  std::wstring m_sym;
   bool m_hasSym = false;
-  std::wstring m_type;
   bool m_hasType = false;
   EFix m_fix = static_cast<EFix>(0);
   bool m_hasFix = false;
+  long m_dgpsid = 0;
+  bool m_hasDgpsid = false;
+  std::unique_ptr<CDecimal> m_ele;
+  std::unique_ptr<CDecimal> m_magvar;
+  std::unique_ptr<CDecimal> m_geoidheight;
+  mutable CSmartPtr<CLinkTypeCol> m_link;  // made by its first use
   std::unique_ptr<CBigInteger> m_sat;
   std::unique_ptr<CDecimal> m_hdop;
   std::unique_ptr<CDecimal> m_vdop;
   std::unique_ptr<CDecimal> m_pdop;
   std::unique_ptr<CDecimal> m_ageofdgpsdata;
-  long m_dgpsid = 0;
-  bool m_hasDgpsid = false;
   CSmartPtr<CExtensionsType> m_extensions;
+  CDateTime m_time;
   CDecimal m_lat;
   CDecimal m_lon;
+  std::wstring m_name;
+  std::wstring m_cmt;
+  std::wstring m_desc;
+  std::wstring m_src;
+  std::wstring m_sym;
+  std::wstring m_type;
 };
 
 class CWptTypeCol : public CXmlObjectCollection<CWptType> {
@@ -557,20 +557,20 @@ class CRteType : public CXmlGeneratedClass {
                         bool isOptionalChoice) override;
 
  private:
-  std::wstring m_name;
   bool m_hasName = false;
-  std::wstring m_cmt;
   bool m_hasCmt = false;
-  std::wstring m_desc;
   bool m_hasDesc = false;
-  std::wstring m_src;
   bool m_hasSrc = false;
+  bool m_hasType = false;
   mutable CSmartPtr<CLinkTypeCol> m_link;  // made by its first use
   std::unique_ptr<CBigInteger> m_number;
-  std::wstring m_type;
-  bool m_hasType = false;
   CSmartPtr<CExtensionsType> m_extensions;
   mutable CSmartPtr<CWptTypeCol> m_rtept;  // made by its first use
+  std::wstring m_name;
+  std::wstring m_cmt;
+  std::wstring m_desc;
+  std::wstring m_src;
+  std::wstring m_type;
 };
 
 class CRteTypeCol : public CXmlObjectCollection<CRteType> {
@@ -676,20 +676,20 @@ class CTrkType : public CXmlGeneratedClass {
                         bool isOptionalChoice) override;
 
  private:
-  std::wstring m_name;
   bool m_hasName = false;
-  std::wstring m_cmt;
   bool m_hasCmt = false;
-  std::wstring m_desc;
   bool m_hasDesc = false;
-  std::wstring m_src;
   bool m_hasSrc = false;
+  bool m_hasType = false;
   mutable CSmartPtr<CLinkTypeCol> m_link;  // made by its first use
   std::unique_ptr<CBigInteger> m_number;
-  std::wstring m_type;
-  bool m_hasType = false;
   CSmartPtr<CExtensionsType> m_extensions;
   mutable CSmartPtr<CTrksegTypeCol> m_trkseg;  // made by its first use
+  std::wstring m_name;
+  std::wstring m_cmt;
+  std::wstring m_desc;
+  std::wstring m_src;
+  std::wstring m_type;
 };
 
 class CTrkTypeCol : public CXmlObjectCollection<CTrkType> {

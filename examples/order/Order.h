@@ -59,8 +59,8 @@ class CCustomerType : public CXmlGeneratedClass {
   const wchar_t* GetNamespace() const override;
 
  protected:
-  std::wstring m_email;
   bool m_hasEmail = false;
+  std::wstring m_email;
 };
 
 // personType.
@@ -90,9 +90,9 @@ class CPersonType : public CCustomerType {
                         bool isOptionalChoice) override;
 
  private:
-  std::wstring m_name;
-  CDateTime m_born;
   bool m_hasBorn = false;
+  CDateTime m_born;
+  std::wstring m_name;
 };
 
 // companyType.
@@ -159,11 +159,11 @@ class CAddressType : public CXmlGeneratedClass {
                         bool isOptionalChoice) override;
 
  private:
+  bool m_hasZip = false;
+  ECountry m_country = static_cast<ECountry>(0);
   std::wstring m_street;
   std::wstring m_city;
   std::wstring m_zip;
-  bool m_hasZip = false;
-  ECountry m_country = static_cast<ECountry>(0);
 };
 
 // goodsType: a number of equal articles.
@@ -205,12 +205,12 @@ class CGoodsType : public CXmlGeneratedClass {
                         bool isOptionalChoice) override;
 
  private:
-  std::wstring m_name;
   long m_quantity = 0;
-  CDecimal m_price;
-  std::wstring m_sku;
   ERate m_vat = ERate_standard;
   bool m_hasVat = false;
+  CDecimal m_price;
+  std::wstring m_name;
+  std::wstring m_sku;
 };
 
 // serviceType: work done.
@@ -248,11 +248,11 @@ class CServiceType : public CXmlGeneratedClass {
                         bool isOptionalChoice) override;
 
  private:
-  std::wstring m_name;
-  CDateTimeSpan m_time;
-  CDecimal m_price;
   ERate m_vat = ERate_standard;
   bool m_hasVat = false;
+  CDateTimeSpan m_time;
+  CDecimal m_price;
+  std::wstring m_name;
 };
 
 // One alternative of linesType: goods or a service.
@@ -342,8 +342,8 @@ class CCardType : public CXmlGeneratedClass {
                         bool isOptionalChoice) override;
 
  private:
-  std::wstring m_number;
   CDateTime m_expires;
+  std::wstring m_number;
 };
 
 // transferType.
@@ -373,9 +373,9 @@ class CTransferType : public CXmlGeneratedClass {
                         bool isOptionalChoice) override;
 
  private:
+  bool m_hasReference = false;
   std::wstring m_iban;
   std::wstring m_reference;
-  bool m_hasReference = false;
 };
 
 // paymentType: one of three ways to pay.
@@ -483,20 +483,20 @@ class COrderType : public CXmlGeneratedClass {
                         bool isOptionalChoice) override;
 
  private:
+  bool m_dueNil = true;
+  ECurrency m_currency = ECurrency_EUR;
+  bool m_hasCurrency = false;
+  bool m_hasPlaced = false;
   CSmartPtr<CCustomerType> m_customer;
   CSmartPtr<CAddressType> m_delivery;
   CSmartPtr<CLinesType> m_lines;
   CSmartPtr<CPaymentType> m_payment;
-  CDateTime m_due;
-  bool m_dueNil = true;
   CSmartPtr<CstringCol> m_note;
   CSmartPtr<CElement> m_anyElement;
-  std::wstring m_id;
-  ECurrency m_currency = ECurrency_EUR;
-  bool m_hasCurrency = false;
-  CDateTime m_placed;
-  bool m_hasPlaced = false;
   CSmartPtr<CAttributeCol> m_anyAttribute;
+  CDateTime m_due;
+  CDateTime m_placed;
+  std::wstring m_id;
 };
 
 // Creates the objects that the records ask for.
