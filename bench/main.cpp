@@ -159,19 +159,26 @@ class MedianReporter : public benchmark::BenchmarkReporter {
   std::map<std::string, std::vector<double>> m_seconds;
 };
 
+// Small documents are repeated until so much XML was worked on.
+constexpr std::size_t kBytesPerRepetition = 4 << 20;
+
 std::string Key(const Subject& subject, const Road& road) { return subject.name + ": " + road.name; }
 
 void Register(const Subject& subject, const Road& road) {
-  benchmark::RegisterBenchmark(Key(subject, road).c_str(), [&road](benchmark::State& state) {
-    for (auto _ : state) {
-      road.prepare();
-      const auto start = Clock::now();
-      road.run();
-      const std::chrono::duration<double> time = Clock::now() - start;
-      state.SetIterationTime(time.count());
-      road.finish();
-    }
-  })->UseManualTime();
+  benchmark::RegisterBenchmark(Key(subject, road).c_str(),
+                               [&road](benchmark::State& state) {
+                                 for (auto _ : state) {
+                                   road.prepare();
+                                   const auto start = Clock::now();
+                                   road.run();
+                                   const std::chrono::duration<double> time = Clock::now() - start;
+                                   state.SetIterationTime(time.count());
+                                   road.finish();
+                                 }
+                               })
+      ->UseManualTime()
+      ->Iterations(std::max<benchmark::IterationCount>(
+          1, static_cast<benchmark::IterationCount>(kBytesPerRepetition / subject.bytes)));
 }
 
 void PrintTable(const Subject& subject, const MedianReporter& times) {

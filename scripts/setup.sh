@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that building and testing need. Quiet, and without a call of apt, when nothing is missing.
+# Installs the Debian packages that building and testing need, and those named as arguments. Quiet, and without a call
+# of apt, when nothing is missing.
 set -euo pipefail
 
 packages=(g++ cmake ninja-build pkg-config dpkg-dev file libexpat1-dev zlib1g-dev libpcre2-dev libgtest-dev
-          nlohmann-json3-dev libxml2-utils locales)
+          nlohmann-json3-dev libxml2-utils locales "$@")
 
 if ! command -v dpkg-query >/dev/null; then
   echo "setup: this is no Debian system; install by hand what these packages hold: ${packages[*]}" >&2

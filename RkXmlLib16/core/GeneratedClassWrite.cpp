@@ -57,9 +57,11 @@ void CXmlGeneratedClass::WriteElement(CXmlWriter* writer, bool registerNamespace
   if (ownElement) {
     if (registerNamespaces) WriteRootPrologue(*writer, context);
     // Most elements are in the namespace of their class, whose text is at hand.
-    const bool isOwnNamespace = info.GetNamespace() == TextOrEmpty(namespaceUri);
-    writer->WriteStartElement(GetElementNameRef(),
-                              isOwnNamespace ? info.GetNamespace() : std::wstring(TextOrEmpty(namespaceUri)));
+    const wchar_t* const uri = TextOrEmpty(namespaceUri);
+    if (info.GetNamespace() == uri)
+      writer->WriteStartElement(GetElementNameRef(), info.GetNamespace());
+    else
+      writer->WriteStartElement(GetElementNameRef(), uri);
     if (registerNamespaces) WriteRootAttributes(*writer, context, namespaceUri, isOptionalChoice);
     AttributesToXml_Int(writer, context);
     if (registerNamespaces && !nil && !IsContentNil(*this, info)) WriteRootSchema(*writer, context);

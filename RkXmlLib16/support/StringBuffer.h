@@ -41,7 +41,7 @@ class RKXML_EXPORT CStringBuffer {
   }
   // Copies the text, which is mostly short, and returns the end of the copy.
   static wchar_t* Copy(wchar_t* to, std::wstring_view text) {
-    if (text.size() > 16) return std::wmemcpy(to, text.data(), text.size()) + text.size();
+    if (text.size() > 4) return std::wmemcpy(to, text.data(), text.size()) + text.size();
     for (const wchar_t c : text) *to++ = c;
     return to;
   }

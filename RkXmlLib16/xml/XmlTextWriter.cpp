@@ -1,7 +1,7 @@
 #include "RkXmlLib16/xml/XmlTextWriter.h"
 
-#include <array>
 #include <cstddef>
+#include <cstdint>
 
 #include "RkXmlLib16/core/Exception.h"
 
@@ -16,20 +16,15 @@ constexpr std::wstring_view kCDataStart = L"<![CDATA[";
 // The text up to its first NUL.
 std::wstring_view UpToNul(const std::wstring& text) { return text.c_str(); }
 
-struct CharTable {
-  std::array<bool, 64> special{};
-};
-
-// The characters that escaping looks at; all are below 64.
-constexpr CharTable MakeTable(bool attribute) {
-  CharTable table;
-  for (const wchar_t c : {L'&', L'<', L'>', L'\n', L'\r'}) table.special[static_cast<std::size_t>(c)] = true;
-  table.special[static_cast<std::size_t>(L'"')] = attribute;
-  return table;
+// The characters that escaping looks at, which are all below 64, as bits.
+constexpr std::uint64_t MakeSet(std::wstring_view characters) {
+  std::uint64_t set = 0;
+  for (const wchar_t c : characters) set |= std::uint64_t{1} << c;
+  return set;
 }
 
-constexpr CharTable kTextTable = MakeTable(false);
-constexpr CharTable kAttributeTable = MakeTable(true);
+constexpr std::uint64_t kSpecialInText = MakeSet(L"&<>\n\r");
+constexpr std::uint64_t kSpecialInAttribute = MakeSet(L"&<>\n\r\"");
 
 }  // namespace
 
@@ -245,10 +240,10 @@ void CXmlTextWriter::WriteAttributeNil() {
 }
 
 void CXmlTextWriter::PutEscaped(std::wstring_view text, Escaping where) {
-  const CharTable& table = where == Escaping::Attribute ? kAttributeTable : kTextTable;
-  const auto isSpecial = [&table](wchar_t c) {
+  const std::uint64_t special = where == Escaping::Attribute ? kSpecialInAttribute : kSpecialInText;
+  const auto isSpecial = [special](wchar_t c) {
     const auto code = static_cast<std::uint32_t>(c);
-    return code < table.special.size() && table.special[code];
+    return code < 64 && (special >> code & 1) != 0;
   };
   if (text.size() <= kShortText) {
     wchar_t* to = m_stream.Reserve(text.size() * kLongestEscape);

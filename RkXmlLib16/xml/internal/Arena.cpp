@@ -12,7 +12,7 @@ namespace RkXmlLib16 {
 namespace {
 
 constexpr std::size_t kFirstChunk = 4 * 1024;
-constexpr std::size_t kLargestChunk = 32 * 1024 * 1024;
+constexpr std::size_t kLargestChunk = 8 * 1024 * 1024;
 constexpr std::size_t kHugePage = 2 * 1024 * 1024;
 
 }  // namespace
