@@ -10,8 +10,9 @@ namespace RkXmlLib16 {
 
 CAttribute::CAttribute() = default;
 
-CAttribute::CAttribute(const wchar_t* localName, const wchar_t* value, const wchar_t* namespaceUri)
-    : m_namespaceUri(TextOrEmpty(namespaceUri)) {
+CAttribute::CAttribute(const wchar_t* localName, const wchar_t* value, const wchar_t* namespaceUri) {
+  const std::wstring_view uri = TextOrEmpty(namespaceUri);
+  if (!uri.empty()) m_namespaceUri = std::make_shared<const std::wstring>(uri);
   SetElementName(localName);
   SetValue(value);
 }
@@ -19,12 +20,14 @@ CAttribute::CAttribute(const wchar_t* localName, const wchar_t* value, const wch
 CAttribute::~CAttribute() = default;
 
 CXmlObjectBase* CAttribute::GetBase() { return this; }
-const wchar_t* CAttribute::GetTargetNamespace() const { return m_namespaceUri.c_str(); }
-const wchar_t* CAttribute::GetNamespace() const { return m_namespaceUri.c_str(); }
+const wchar_t* CAttribute::GetTargetNamespace() const { return GetNamespace(); }
+const wchar_t* CAttribute::GetNamespace() const { return m_namespaceUri != nullptr ? m_namespaceUri->c_str() : L""; }
 void CAttribute::SetValue(const wchar_t* value) { m_value = TextOrEmpty(value); }
 
 void CAttribute::AttributesToXml_Int(CXmlWriter* writer, const CSerializationContext& /*context*/) const {
-  writer->WriteAttributeString(m_elementName, m_namespaceUri, m_value, ItemType_string);
+  static const std::wstring kNoNamespace;
+  writer->WriteAttributeString(m_elementName, m_namespaceUri != nullptr ? *m_namespaceUri : kNoNamespace, m_value,
+                               ItemType_string);
 }
 
 void CAttribute::ToXml_Int(CXmlWriter* writer, bool /*registerNamespaces*/, const wchar_t* /*namespaceUri*/,

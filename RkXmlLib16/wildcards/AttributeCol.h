@@ -1,6 +1,7 @@
 #ifndef RKXMLLIB16_WILDCARDS_ATTRIBUTECOL_H
 #define RKXMLLIB16_WILDCARDS_ATTRIBUTECOL_H
 
+#include <memory>
 #include <string>
 
 #include "RkXmlLib16/collections/Collection.h"
@@ -38,8 +39,10 @@ class RKXML_EXPORT CAttribute : public CXmlObjectBase {
   void SetValue(const wchar_t* value);
 
  private:
+  friend class CElement;
+
   std::wstring m_value;
-  std::wstring m_namespaceUri;
+  std::shared_ptr<const std::wstring> m_namespaceUri;  // null for no namespace; shared within a tree that was read
 };
 
 // The attributes that an attribute wildcard took, in document order, each with a namespace that its constraint admits.

@@ -97,8 +97,11 @@ class CElement::TreeReader {
       ForEachPrefix(text, declare);
     }
     for (const CXmlAttribute* attribute : source.GetAttributes()) {
-      element.GetAttributes()->Add(attribute->GetLocalName().c_str(), attribute->GetValue().c_str(),
-                                   attribute->GetNamespaceURI().c_str());
+      const CSmartPtr<CAttribute> copy(new CAttribute);
+      copy->m_elementName = attribute->GetLocalName().View();
+      copy->m_value = attribute->GetValue().c_str();
+      copy->m_namespaceUri = ShareNamespace(attribute->GetNamespaceURI());
+      element.GetAttributes()->Add(copy);
       ForEachPrefix(attribute->GetValue(), declare);
     }
     if (usesPrefix) element.m_prefixes = m_prefixes;
