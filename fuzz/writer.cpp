@@ -30,13 +30,18 @@ class Bytes {
 std::wstring Drive(CXmlWriter& writer, Bytes bytes) {
   int depth = 0;
   bool hasRoot = false;
+  bool hasDefault = false;
   try {
     while (!bytes.AtEnd()) {
       switch (bytes.Take() % 10) {
         case 0:
         case 1:
           if (depth == 0 && hasRoot) return L"a second root";
-          writer.WriteStartElement(bytes.Choose(kNames), kNamespaces[bytes.Take() % 3]);
+          // Below a default namespace, XML text has no form for an element without one.
+          {
+            const std::wstring& name = bytes.Choose(kNames);
+            writer.WriteStartElement(name, kNamespaces[hasDefault ? 1 + bytes.Take() % 2 : bytes.Take() % 3]);
+          }
           hasRoot = true;
           ++depth;
           break;
@@ -75,10 +80,14 @@ std::wstring Drive(CXmlWriter& writer, Bytes bytes) {
           if (depth != 0) writer.WriteAttributeNil();
           break;
         case 9:
-          if (!hasRoot)
-            writer.SetDefaultNamespace(kNamespaces[bytes.Take() % 3]);
-          else if (depth != 0)
-            writer.WriteAttributeType(kNamespaces[bytes.Take() % 3], bytes.Choose(kNames), ItemType_string);
+          if (!hasRoot) {
+            const std::wstring& uri = kNamespaces[bytes.Take() % 3];
+            hasDefault = !uri.empty();
+            writer.SetDefaultNamespace(uri);
+          } else if (depth != 0) {
+            const std::wstring& uri = kNamespaces[bytes.Take() % 3];
+            writer.WriteAttributeType(uri, bytes.Choose(kNames), ItemType_string);
+          }
           break;
       }
     }
