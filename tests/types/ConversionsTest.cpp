@@ -1,5 +1,6 @@
 #include "RkXmlLib16/types/Conversions.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -138,8 +139,9 @@ TEST(Conversions, FloatingNumbersPrintAsPrintfDoes) {
     std::memcpy(&value, &bits, sizeof value);
     if (i % 2 == 0) value = static_cast<double>(random() % 2000000) / 1000.0;
     if (!std::isfinite(value)) continue;
-    char expected[64];
+    char expected[64] = {};
     snprintf(expected, sizeof expected, "%.16g", value);
+    std::replace(expected, expected + sizeof expected, ',', '.');  // the locale's, which the library does not follow
     ASSERT_EQ(expected, RkXmlTest::Narrow(CConversions::r8ToString(value)));
     snprintf(expected, sizeof expected, "%.7g", static_cast<double>(static_cast<float>(i)));
     ASSERT_EQ(expected, RkXmlTest::Narrow(CConversions::r4ToString(static_cast<float>(i))));
