@@ -19,7 +19,7 @@ find "$build" -name '*.gcda' -delete
 ctest --test-dir "$build" --output-on-failure -j "$(nproc)" -E '^(docs|install)' >/dev/null ||
   echo "coverage: some tests failed, see ctest --test-dir $build --rerun-failed" >&2
 
-gcovr --root . --filter 'RkXmlLib16/' --object-directory "$build" --exclude-throw-branches --csv "$build" 2>/dev/null |
+gcovr --root . --filter 'RkXmlLib16/' --object-directory "$build" --exclude-throw-branches --csv - "$build" 2>/dev/null |
   awk -F, -v files="${1-}" '
     NR == 1 { next }
     { split($1, part, "/"); folder = part[2]; total[folder] += $2; hit[folder] += $3; all += $2; reached += $3
