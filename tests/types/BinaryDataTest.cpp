@@ -1,8 +1,6 @@
 #include "RkXmlLib16/types/BinaryData.h"
 
 #include <memory>
-#include <thread>
-#include <vector>
 
 #include "Expect.h"
 #include "RkXmlLib16/types/Base64.h"
@@ -139,19 +137,4 @@ TEST(BinaryData, HolderDemandsExclusiveUse) {
   EXPECT_EQ(holder, holder->GetExclusiveCopy());
   copy->Release(true);
   holder->Release(true);
-}
-
-TEST(BinaryData, CopiesMayComeAndGoOnManyThreads) {
-  const CBinaryData original = Hex(L"0102");
-  std::vector<std::thread> threads;
-  for (int t = 0; t < 4; ++t)
-    threads.emplace_back([copy = original]() mutable {
-      for (int i = 0; i < 1000; ++i) {
-        CBinaryData mine = copy;
-        mine.Append(static_cast<unsigned char>(i));
-        copy = std::move(mine);
-      }
-    });
-  for (std::thread& thread : threads) thread.join();
-  EXPECT_WIDE_EQ(L"0102", original.GetAsHexString());
 }

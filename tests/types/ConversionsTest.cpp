@@ -195,22 +195,6 @@ TEST(Conversions, DatesAreOfTheKindThatIsRead) {
              {{L"2024-02", L"2024-02", L""}, {L"--02", nullptr, kind(L"gMonth", L"gYearMonth")}});
   ExpectRows(C::monthDayFromString, C::monthDayToString,
              {{L"--02-29", L"--02-29", L""}, {L"2024-02-29", nullptr, kind(L"date", L"gMonthDay")}});
-  ExpectRows(C::timeFromString, C::timeToString, {{L"01:02:03", L"01:02:03", L""}});
-  ExpectRows(C::datetimeFromString, C::datetimeToString, {{L"2001-01-01T01:02:03Z", L"2001-01-01T01:02:03Z", L""}});
-  ExpectRows(C::durationFromString, C::durationToString, {{L"PT36H", L"PT36H", L""}});
-}
-
-TEST(Conversions, LongNumbersAndBytes) {
-  using C = CConversions;
-  ExpectRows(C::integerFromString, C::integerToString,
-             {{L"-00123456789012345678901234567890", L"-123456789012345678901234567890", L""}});
-  const auto print = [](const CDecimal& value) { return C::decimalToString(value); };
-  ExpectRows(C::decimalFromString, print, {{L"1.50", L"1.5", L""}});
-  EXPECT_WIDE_EQ(L"1.50", C::decimalToString(CDecimal(L"1.5"), L"%.2f"));
-  EXPECT_WIDE_EQ(L"1.5", C::decimalToString(CDecimal(L"1.5"), L"G"));
-  EXPECT_WIDE_EQ(L"00AB", C::hexBinaryToString(C::hexBinaryFromString(L" 00ab ", kCollapse)));
-  EXPECT_WIDE_EQ(L"TWFu", C::base64BinaryToString(C::base64BinaryFromString(L"TW Fu", kNone)));
-  EXPECT_RK_THROWS(CRkException, L"Invalid char in hex string [G]", C::hexBinaryFromString(L"0G", kNone));
 }
 
 // The program also runs under locales with other numbers and casing rules.

@@ -139,6 +139,7 @@ TEST(Variant, FormatsReachNumbersOnly) {
   EXPECT_WIDE_EQ(L"2.50", v.ToString(L"%.2f"));
   v.SetDecimal(CDecimal(L"2.5"));
   EXPECT_WIDE_EQ(L"2.50", v.ToString(L"%.2f"));
+  EXPECT_WIDE_EQ(L"2.5", v.ToString(L"G"));
   v.SetDate(CDateTime(2024, 2, 29));
   EXPECT_WIDE_EQ(L"2024-02-29", v.ToString(L"yyyy"));
 }
