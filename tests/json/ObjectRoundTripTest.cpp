@@ -17,13 +17,13 @@ class JsonObjects : public testing::Test {
     m_object = Read(m_owner,
                     L"<owner id='7'><text/><item><n>0</n></item><item><n>1</n></item><item><n>2</n></item>"
                     L"<v>0</v><v>1</v><v>2</v></owner>");
-    (*m_object)[1].SetString(L"a \"b\"\\ \u20AC\xD83D\xDE00");
+    (*m_object)[1].SetString(L"a <b> & \u20AC\xD83D\xDE00");
   }
   ~JsonObjects() override { m_object = nullptr; }
 
-  std::wstring ReadBack(const CSerializationContext& context, bool formatted) {
+  std::wstring ReadBack(const CSerializationContext& context) {
     const CSmartPtr<CTableClass> copy = CTableClass::Create(m_owner);
-    copy->FromJson(m_object->ToJson(formatted, EOLType_LF, context).c_str(), context);
+    copy->FromJson(m_object->ToJson(true, EOLType_LF, context).c_str(), context);
     return Write(*copy);
   }
 
@@ -42,22 +42,11 @@ class JsonObjects : public testing::Test {
   CSmartPtr<CTableClass> m_object;
 };
 
-TEST_F(JsonObjects, StrictOutputGivesAnEqualObject) {
-  for (const JsonRoundTrip mode : {JsonRoundTrip_Markers, JsonRoundTrip_Namespaces}) {
-    CSerializationContext context;
-    context.GetJsonContext()->SetSupportRoundtrip(mode);
-    context.GetJsonContext()->SetStrictOutput(true);
-    EXPECT_WIDE_EQ(Write(*m_object), ReadBack(context, false));
-    EXPECT_WIDE_EQ(Write(*m_object), ReadBack(context, true));
-  }
-}
-
 TEST_F(JsonObjects, DefaultOutputGivesAnEqualObjectWithoutQuotes) {
-  (*m_object)[1].SetString(L"a <b> & \u20AC\xD83D\xDE00");
   for (const JsonRoundTrip mode : {JsonRoundTrip_Markers, JsonRoundTrip_Namespaces}) {
     CSerializationContext context;
     context.GetJsonContext()->SetSupportRoundtrip(mode);
-    EXPECT_WIDE_EQ(Write(*m_object), ReadBack(context, true));
+    EXPECT_WIDE_EQ(Write(*m_object), ReadBack(context));
   }
   EXPECT_WIDE_EQ(
       L"{\"owner\": {\"@id\": 7,\"text\": \"a <b> & \u20AC\xD83D\xDE00\",\"item\": [{\"n\": 0},{\"n\": 1},{\"n\": 2}],"
