@@ -41,20 +41,6 @@ TEST(FastInfosetVocabulary, AppendingTakesANewIndexAndLookupTheFirst) {
   EXPECT_WIDE_EQ(L"a1b2a3c4", all);
 }
 
-TEST(FastInfosetVocabulary, NamesAreToldApartByEachPart) {
-  CFIVocabulary v;
-  EXPECT_EQ(1u, v.AddElement(L"", L"urn:a", L"x"));
-  EXPECT_EQ(2u, v.AddElement(L"p", L"urn:a", L"x"));
-  EXPECT_EQ(3u, v.AddElement(L"", L"urn:b", L"x"));
-  EXPECT_EQ(1u, v.AddElement(L"", L"urn:a", L"x"));
-  EXPECT_EQ(1u, v.AddAttribute(L"", L"", L"x"));
-  EXPECT_EQ(1u, v.GetLocalNamesTable().size());
-  const CQNameParts& parts = v.GetElementNamesTable()[2];
-  EXPECT_EQ(2u, parts.m_prefixIndex);
-  EXPECT_EQ(2u, parts.m_namespaceNameIndex);
-  EXPECT_EQ(1u, parts.m_localNameIndex);
-}
-
 TEST(FastInfosetVocabulary, AFullTableTakesNoMore) {
   CFIStringTable table;
   for (unsigned long i = 0; i < FI_MAX_TABLE_ENTRIES; ++i) table.Add(std::to_wstring(i));
