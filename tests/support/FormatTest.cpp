@@ -49,13 +49,6 @@ TEST(Format, PadsWithZeros) {
   EXPECT_WIDE_EQ(L"5", PadZero(5, 0));
 }
 
-TEST(Format, TrimsTrailingZerosDownToOneCharacter) {
-  EXPECT_WIDE_EQ(L"5", TrimTrainingZeros(L"500"));
-  EXPECT_WIDE_EQ(L"0", TrimTrainingZeros(L"000"));
-  EXPECT_WIDE_EQ(L"", TrimTrainingZeros(L""));
-  EXPECT_WIDE_EQ(L"105", TrimTrainingZeros(L"105"));
-}
-
 TEST(Format, WritesTheFractionOfASecond) {
   const struct {
     unsigned short milli, micro, nano;
