@@ -85,8 +85,9 @@ std::wstring Drive(CXmlWriter& writer, Bytes bytes) {
             hasDefault = !uri.empty();
             writer.SetDefaultNamespace(uri);
           } else if (depth != 0) {
-            const std::wstring& uri = kNamespaces[bytes.Take() % 3];
-            writer.WriteAttributeType(uri, bytes.Choose(kNames), ItemType_string);
+            bytes.Take();
+            // Without a namespace, as the prefix in the value may differ from writer to writer.
+            writer.WriteAttributeType(L"", bytes.Choose(kNames), ItemType_string);
           }
           break;
       }

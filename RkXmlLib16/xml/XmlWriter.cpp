@@ -76,10 +76,15 @@ struct CXmlWriter::CXmlWriterContext::Scope {
     return false;
   }
 
-  std::wstring UniquePrefix() {
-    if (!plain) return GetUniquePrefix(Merged());
+  // `reserved` is not taken either.
+  std::wstring UniquePrefix(const std::wstring& reserved) {
+    if (!plain) {
+      NamespaceMap namespaces = Merged();
+      namespaces[L"xmlns:" + reserved] = reserved;
+      return GetUniquePrefix(namespaces);
+    }
     std::wstring prefix = NsIntToString(firstFree);
-    while (HasPrefix(prefix)) prefix = NsIntToString(++firstFree);
+    while (prefix == reserved || HasPrefix(prefix)) prefix = NsIntToString(++firstFree);
     return prefix;
   }
 
@@ -181,7 +186,8 @@ bool CXmlWriter::CXmlWriterContext::HasPrefix(const std::wstring& prefix) const 
 
 const std::wstring& CXmlWriter::CXmlWriterContext::InventPrefix(const std::wstring& namespaceUri) {
   Scope& scope = OwnScope();
-  scope.Declare(namespaceUri, scope.UniquePrefix());
+  // The start tag may use a prefix that a later declaration for its namespace took out of the scope.
+  scope.Declare(namespaceUri, scope.UniquePrefix(m_prefix));
   return scope.Find(namespaceUri)->second;
 }
 
