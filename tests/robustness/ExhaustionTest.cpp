@@ -74,8 +74,8 @@ struct Road {
 };
 
 // The n-th allocation of `work` fails, n = 1, 2, 3, ..., until it needs no more: it ends as it should or with bad_alloc
-// or CRkException, leaves nothing behind when `balanced`, and works as before once there is memory again.
-void ExhaustMemory(const Road& road, bool balanced) {
+// or CRkException, leaves nothing behind, and works as before once there is memory again.
+void ExhaustMemory(const Road& road) {
   const std::wstring* expected = nullptr;
   std::wstring result;
   for (long allowed = 0; expected == nullptr; ++allowed) {
@@ -93,7 +93,7 @@ void ExhaustMemory(const Road& road, bool balanced) {
       result = std::move(got);
     } else {
       std::wstring().swap(got);
-      if (balanced && g_blocks != before) {
+      if (g_blocks != before) {
         ADD_FAILURE() << road.name << " leaks when allocation " << allowed << " fails";
         return;
       }
@@ -237,10 +237,9 @@ std::vector<Road> Roads() {
 }  // namespace
 
 TEST(Exhaustion, OfMemoryIsSurvivedOnEveryRoad) {
-  // On the first pass what is made once may fail to be made; from the second on everything has to be given back.
-  for (const bool balanced : {false, true}) {
-    for (const Road& road : Roads()) ExhaustMemory(road, balanced);
-  }
+  // What is made once, such as the records of the classes, is made before.
+  for (const Road& road : Roads()) road.work();
+  for (const Road& road : Roads()) ExhaustMemory(road);
   AsyncToXmlFile(false);
 }
 
