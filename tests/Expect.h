@@ -5,6 +5,7 @@
 
 #include <string>
 #include <typeinfo>
+#include <vector>
 
 #include "RkXmlLib16/core/Exception.h"
 
@@ -25,7 +26,16 @@ inline std::string Narrow(const std::wstring& text) {
   return out;
 }
 
-// The failure of `call` as "class: message", or "nothing" when it returns.
+inline std::vector<std::wstring> Split(const std::wstring& text, const std::wstring& separator) {
+  std::vector<std::wstring> parts;
+  for (std::size_t at = 0, end = 0; end != std::wstring::npos; at = end + separator.size()) {
+    end = text.find(separator, at);
+    parts.push_back(text.substr(at, end == std::wstring::npos ? end : end - at));
+  }
+  return parts;
+}
+
+// Tells unless `call` throws exactly this class and message.
 template <class Call>
 void ExpectThrows(const std::type_info& type, const std::wstring& message, Call&& call, const char* file, int line) {
   try {

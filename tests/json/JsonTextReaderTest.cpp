@@ -7,6 +7,7 @@
 #include "RkXmlLib16/core/SerializationContext.h"
 #include "RkXmlLib16/json/JsonContext.h"
 #include "RkXmlLib16/support/Encoder.h"
+#include "RkXmlLib16/support/Format.h"
 #include "RkXmlLib16/types/BinaryData.h"
 
 using namespace RkXmlLib16;
@@ -102,139 +103,118 @@ TEST(JsonTextReader, ResolvesEscapes) {
 }
 
 TEST(JsonTextReader, MalformedTextFailsWithPlaceAndPath) {
+  // "?" stands for the values that can be expected, "EOF" for the end of the text.
   const struct {
-    const wchar_t* json;
-    const wchar_t* message;
-    const wchar_t* path;
+    const wchar_t *json, *message, *place, *path;
   } kRows[] = {
-      {L"x", L"Expected Value '{', '[', '\"', '0-9', '-', 'true', 'false' or 'null', found 'x' at line 0, position 1.",
-       L"$"},
-      {L"{\"a\":\n \u20AC",
-       L"Expected Value '{', '[', '\"', '0-9', '-', 'true', 'false' or 'null', found '\u20AC' at line 1, position 2.",
-       L"$.a"},
-      {L"{\"a\":[1,]}",
-       L"Expected Value '{', '[', '\"', '0-9', '-', 'true', 'false' or 'null', found ']' at line 0, position 9.",
-       L"$.a[0]"},
-      {L"{\"a\":/*x*/1}",
-       L"Expected Value '{', '[', '\"', '0-9', '-', 'true', 'false' or 'null', found '/' at line 0, position 6.",
-       L"$.a"},
-      {L"{a", L"Expected quotation mark character '\"' before Name, found 'a' at line 0, position 2.", L"$"},
-      {L"{\"a\":1,}", L"Expected quotation mark character '\"' before Name, found '}' at line 0, position 8.", L"$"},
-      {L"{\"a\"", L"Unexpected End of File. Expected Object Name/Value separator character ':' at line 0, position 4.",
-       L"$.a"},
-      {L"{\"a\" 1", L"Expected Object Name/Value separator character ':', found '1' at line 0, position 6.", L"$.a"},
-      {L"{\"a\":\n", L"Unexpected End of File. Expected Object Value at line 1, position 0.", L"$.a"},
-      {L"{\"a\":1", L"Unexpected End of File. Expected Object terminator character '}' at line 0, position 6.", L"$"},
-      {L"{\"a\":1,", L"Unexpected End of File. Expected Object terminator character '}' at line 0, position 7.", L"$"},
-      {L"{ ", L"Unexpected End of File. Expected Object terminator character '}}' at line 0, position 2.", L"$"},
-      {L"{\"a\":{\"b\":1 \"c\"", L"Expected Object separator character ',', found '\"' at line 0, position 13.",
-       L"$.a"},
-      {L"{\"a\":[", L"Unexpected End of File. Expected Array terminator character ']' at line 0, position 6.",
-       L"$.a[0]"},
-      {L"{\"a\":[1,", L"Unexpected End of File. Expected Array terminator character ']' at line 0, position 8.",
-       L"$.a[0]"},
-      {L"{\"a\":[{},{\"b\":[1",
-       L"Unexpected End of File. Expected Array terminator character ']' at line 0, position 16.", L"$.a[1].b[0]"},
-      {L"{\"a\":[1 2]}", L"Expected Array separator character ',', found '2' at line 0, position 9.", L"$.a[0]"},
-      {L"{\"a\":[01]}", L"Expected Array separator character ',', found '1' at line 0, position 8.", L"$.a[0]"},
-      {L"{\"a\":\"x", L"Unexpected End of File. Expected string value at line 0, position 7.", L"$.a"},
-      {L"{\"a\":\"\nx\\", L"Unexpected End of File. Expected string value at line 1, position 2.", L"$.a"},
-      {L"{\"a\":\"\\u12", L"Unexpected End of File. Expected 4 hexadecimal digits'\\uxxxx' at line 0, position 10.",
-       L"$.a"},
-      {L"{\"a\":\"\\u12g4\"}", L"Invalid Escape Character 'g' at line 0, position 11.", L"$.a"},
-      {L"{\"a\":\"\\ud83d\\u12g4\"}", L"Invalid Escape Character 'g' at line 0, position 17.", L"$.a"},
-      {L"{\"a\":\"\\x\"}", L"Invalid Escape Character 'x' at line 0, position 8.", L"$.a"},
-      {L"{\"a\":-", L"Unexpected End of File. Expected a number at line 0, position 6.", L"$.a"},
-      {L"{\"a\":-x", L"Expected a digit '0' to '9', found 'x' at line 0, position 7.", L"$.a"},
-      {L"{\"a\":1.", L"Unexpected End of File. Expected a digit '0' to '9' at line 0, position 7.", L"$.a"},
-      {L"{\"a\":1.}", L"Expected a digit '0' to '9', found '}' at line 0, position 8.", L"$.a"},
-      {L"{\"a\":1e", L"Unexpected End of File. Expected '+', '-' or a number at line 0, position 7.", L"$.a"},
-      {L"{\"a\":1ex", L"Expected a digit '0' to '9', found 'x' at line 0, position 8.", L"$.a"},
-      {L"{\"a\":1e+", L"Unexpected End of File. Expected a digit '0' to '9' at line 0, position 8.", L"$.a"},
-      {L"{\"a\":nul", L"Unexpected End of File. Expected value 'NULL' at line 0, position 8.", L"$.a"},
-      {L"{\"a\":nil}", L"Expected 'NULL' at line 0, position 7.", L"$.a"},
-      {L"{\"a\":tru", L"Unexpected End of File. Expected value 'true' at line 0, position 8.", L"$.a"},
-      {L"{\"a\":tRue}", L"Expected 'true' at line 0, position 7.", L"$.a"},
-      {L"{\"a\":f", L"Unexpected End of File. Expected value 'false' at line 0, position 6.", L"$.a"},
-      {L"{\"a\":fal\n", L"Expected 'false' at line 1, position 0.", L"$.a"},
-      {L"{\"a\":{\"\":1}}", L"JSON item has an empty Name.", L"$.a."},
-      {L"{\"a\":{\"@\":1}}", L"JSON item has an empty Name.", L"$.a.@"},
-      {L"[1]", L"JSON Array has no Name.", L"$"},
-      {L"{\"a\":[[1],[2]]}", L"JSON Array has no Name.", L"$.a[1]"},
-      {L"{\"a\":{\"#text\":[1]}}", L"JSON Array has no Name.", L"$.a.#text"},
+      {L"x", L"?, found 'x'", L"0, position 1", L""},
+      {L"{\"a\":\n \u20AC", L"?, found '\u20AC'", L"1, position 2", L".a"},
+      {LR"({"a":[1,]})", L"?, found ']'", L"0, position 9", L".a[0]"},
+      {LR"({"a":/*x*/1})", L"?, found '/'", L"0, position 6", L".a"},
+      {L"{a", L"Expected quotation mark character '\"' before Name, found 'a'", L"0, position 2", L""},
+      {LR"({"a":1,})", L"Expected quotation mark character '\"' before Name, found '}'", L"0, position 8", L""},
+      {LR"({"a")", L"EOF. Expected Object Name/Value separator character ':'", L"0, position 4", L".a"},
+      {LR"({"a" 1)", L"Expected Object Name/Value separator character ':', found '1'", L"0, position 6", L".a"},
+      {L"{\"a\":\n", L"EOF. Expected Object Value", L"1, position 0", L".a"},
+      {LR"({"a":1)", L"EOF. Expected Object terminator character '}'", L"0, position 6", L""},
+      {LR"({"a":1,)", L"EOF. Expected Object terminator character '}'", L"0, position 7", L""},
+      {L"{ ", L"EOF. Expected Object terminator character '}}'", L"0, position 2", L""},
+      {LR"({"a":{"b":1 "c")", L"Expected Object separator character ',', found '\"'", L"0, position 13", L".a"},
+      {LR"({"a":[)", L"EOF. Expected Array terminator character ']'", L"0, position 6", L".a[0]"},
+      {LR"({"a":[1,)", L"EOF. Expected Array terminator character ']'", L"0, position 8", L".a[0]"},
+      {LR"({"a":[{},{"b":[1)", L"EOF. Expected Array terminator character ']'", L"0, position 16", L".a[1].b[0]"},
+      {LR"({"a":[1 2]})", L"Expected Array separator character ',', found '2'", L"0, position 9", L".a[0]"},
+      {LR"({"a":[01]})", L"Expected Array separator character ',', found '1'", L"0, position 8", L".a[0]"},
+      {LR"({"a":"x)", L"EOF. Expected string value", L"0, position 7", L".a"},
+      {L"{\"a\":\"\nx\\", L"EOF. Expected string value", L"1, position 2", L".a"},
+      {LR"({"a":"\u12)", L"EOF. Expected 4 hexadecimal digits'\\uxxxx'", L"0, position 10", L".a"},
+      {LR"({"a":"\u12g4"})", L"Invalid Escape Character 'g'", L"0, position 11", L".a"},
+      {LR"({"a":"\ud83d\u12g4"})", L"Invalid Escape Character 'g'", L"0, position 17", L".a"},
+      {LR"({"a":"\x"})", L"Invalid Escape Character 'x'", L"0, position 8", L".a"},
+      {LR"({"a":-)", L"EOF. Expected a number", L"0, position 6", L".a"},
+      {LR"({"a":-x)", L"Expected a digit '0' to '9', found 'x'", L"0, position 7", L".a"},
+      {LR"({"a":1.)", L"EOF. Expected a digit '0' to '9'", L"0, position 7", L".a"},
+      {LR"({"a":1.})", L"Expected a digit '0' to '9', found '}'", L"0, position 8", L".a"},
+      {LR"({"a":1e)", L"EOF. Expected '+', '-' or a number", L"0, position 7", L".a"},
+      {LR"({"a":1ex)", L"Expected a digit '0' to '9', found 'x'", L"0, position 8", L".a"},
+      {LR"({"a":1e+)", L"EOF. Expected a digit '0' to '9'", L"0, position 8", L".a"},
+      {LR"({"a":nul)", L"EOF. Expected value 'NULL'", L"0, position 8", L".a"},
+      {LR"({"a":nil})", L"Expected 'NULL'", L"0, position 7", L".a"},
+      {LR"({"a":tru)", L"EOF. Expected value 'true'", L"0, position 8", L".a"},
+      {LR"({"a":tRue})", L"Expected 'true'", L"0, position 7", L".a"},
+      {LR"({"a":f)", L"EOF. Expected value 'false'", L"0, position 6", L".a"},
+      {L"{\"a\":fal\n", L"Expected 'false'", L"1, position 0", L".a"},
+      {LR"({"a":{"":1}})", L"JSON item has an empty Name", nullptr, L".a."},
+      {LR"({"a":{"@":1}})", L"JSON item has an empty Name", nullptr, L".a.@"},
+      {L"[1]", L"JSON Array has no Name", nullptr, L""},
+      {LR"({"a":[[1],[2]]})", L"JSON Array has no Name", nullptr, L".a[1]"},
+      {LR"({"a":{"#text":[1]}})", L"JSON Array has no Name", nullptr, L".a.#text"},
   };
   for (const auto& row : kRows) {
     SCOPED_TRACE(RkXmlTest::Narrow(row.json));
-    EXPECT_RK_THROWS(CRkValidationException, std::wstring(row.message) + L"\nPath: " + row.path, Convert(row.json));
+    std::wstring message = row.message;
+    FindReplace(message, L"?", L"Expected Value '{', '[', '\"', '0-9', '-', 'true', 'false' or 'null'");
+    FindReplace(message, L"EOF", L"Unexpected End of File");
+    if (row.place != nullptr) message += std::wstring(L" at line ") + row.place;
+    EXPECT_RK_THROWS(CRkValidationException, message + L".\nPath: $" + row.path, Convert(row.json));
   }
-  const std::wstring nul(L"{\"a\":\0}", 7);
-  EXPECT_THROW(Convert(nul), CRkValidationException);
+  EXPECT_THROW(Convert(std::wstring(L"{\"a\":\0}", 7)), CRkValidationException);
 }
 
 TEST(JsonTextReader, NamesAndValuesThatXmlCannotHoldFail) {
-  const std::wstring nameFront = L"Failed to convert name '", nameBack = L"' to Element name in XML.\nPath: $.a.";
-  for (const wchar_t* name : {L"b c", L"1b", L"b/", L"b><c", L":b", L"b:", L"b:c:d", L"-b", L"b\\u00d7", L"\\u2028"}) {
-    SCOPED_TRACE(RkXmlTest::Narrow(name));
-    std::wstring plain = name;
-    if (plain == L"b\\u00d7") plain = L"b\u00d7";
-    if (plain == L"\\u2028") plain = L"\u2028";
-    EXPECT_RK_THROWS(CRkInvalidStateException, nameFront + plain + nameBack + plain,
+  for (const wchar_t* name : {L"b c", L"1b", L"b/", L"b><c", L":b", L"b:", L"b:c:d", L"-b", L"b\u00d7", L"\u2028"})
+    EXPECT_RK_THROWS(CRkInvalidStateException,
+                     FormatString(L"Failed to convert name '%ls' to Element name in XML.\nPath: $.a.%ls", name, name),
                      Convert(std::wstring(L"{\"a\":{\"") + name + L"\":[]}}"));
-  }
   const struct {
-    const wchar_t* json;
-    const wchar_t* message;
+    const wchar_t *json, *value, *target, *path;
   } kRows[] = {
-      {L"{\"a\":{\"@b c\":\"v\"}}", L"Failed to convert value 'v' to Attribute string value in XML.\nPath: $.a.@b c"},
-      {L"{\"a\":{\"@b\":\"\\u0001\"}}",
-       L"Failed to convert value '\x01' to Attribute string value in XML.\nPath: $.a.@b"},
-      {L"{\"a\":{\"b\":1,\"@c\":\"v\"}}",
-       L"Failed to convert value 'v' to Attribute string value in XML.\nPath: $.a.@c"},
-      {L"{\"a\":{\"@b\":{}}}", L"Failed to convert value '{' to Attribute string value in XML.\nPath: $.a.@b"},
-      {L"{\"a\":{\"@b\":[]}}", L"Failed to convert value '[' to Attribute string value in XML.\nPath: $.a.@b"},
-      {L"{\"@b\":1}", L"Failed to convert value '1' to Attribute string value in XML.\nPath: $.@b"},
-      {L"{\"a\":[1,\"\\uFFFE\"]}", L"Failed to convert value '\uFFFE' to Element string value in XML.\nPath: $.a[1]"},
-      {L"\"x\"", L"Failed to convert value 'x' to Element string value in XML.\nPath: $"},
-      {L"{\"a\":1,\"#text\":\"x\"}", L"Failed to convert value 'x' to Element string value in XML.\nPath: $.#text"},
+      {LR"({"a":{"@b c":"v"}})", L"v", L"Attribute", L".a.@b c"},
+      {LR"({"a":{"@b":"\u0001"}})", L"\x01", L"Attribute", L".a.@b"},
+      {LR"({"a":{"b":1,"@c":"v"}})", L"v", L"Attribute", L".a.@c"},
+      {LR"({"a":{"@b":{}}})", L"{", L"Attribute", L".a.@b"},
+      {LR"({"a":{"@b":[]}})", L"[", L"Attribute", L".a.@b"},
+      {LR"({"@b":1})", L"1", L"Attribute", L".@b"},
+      {LR"({"a":[1,"\uFFFE"]})", L"\uFFFE", L"Element", L".a[1]"},
+      {LR"({"a":"x\u000B"})", L"x\v", L"Element", L".a"},
+      {LR"({"a":"\uFFFF"})", L"\uFFFF", L"Element", L".a"},
+      {LR"("x")", L"x", L"Element", L""},
+      {LR"({"a":1,"#text":"x"})", L"x", L"Element", L".#text"},
   };
-  for (const auto& row : kRows) {
-    SCOPED_TRACE(RkXmlTest::Narrow(row.json));
-    EXPECT_RK_THROWS(CRkInvalidStateException, row.message, Convert(row.json));
-  }
-  for (const wchar_t* json : {L"{\"a\":\"\\u0000\"}", L"{\"a\":\"x\\u000B\"}", L"{\"a\":\"\\uFFFF\"}"})
-    EXPECT_THROW(Convert(json), CRkInvalidStateException);
+  for (const auto& row : kRows)
+    EXPECT_RK_THROWS(CRkInvalidStateException,
+                     FormatString(L"Failed to convert value '%ls' to %ls string value in XML.\nPath: $%ls", row.value,
+                                  row.target, row.path),
+                     Convert(row.json));
+  EXPECT_THROW(Convert(LR"({"a":"\u0000"})"), CRkInvalidStateException);
 }
 
 TEST(JsonTextReader, ConvertsTheShapesOfTheWriter) {
   const struct {
-    const wchar_t* json;
-    const wchar_t* xml;
+    const wchar_t *json, *xml;
   } kRows[] = {
-      {L"{\"r\":{\"@xmlns\":\"urn:d\",\"@xmlns:p\":\"urn:p\",\"@p:a\":1,\"p:b\":true}}",
-       L"<r xmlns=\"urn:d\" xmlns:p=\"urn:p\" p:a=\"1\"><p:b>true</p:b></r>"},
-      {L"{\"r\":{\"a\":null,\"b\":{},\"c\":\"\",\"@d\":null}}", L"<r><a/><b/><c/></r>"},
-      {L"{\"r\":{\"@a\":\"x\\\"<\\n\",\"#text\":\"t<&\"}}", L"<r a=\"x&quot;&lt;&#xA;\">t&lt;&amp;</r>"},
-      {L"{\"r\":{\"#text\":\"t\",\"a\":1,\"b\":{\"c\":2}}}", L"<r>t<a>1</a><b><c>2</c></b></r>"},
-      {L"{\"r\":{\"#text\":{\"a\":1},\"b\":2}}", L"<r><a>1</a><b>2</b></r>"},
-      {L"{\"r\":{\"#text\":null,\"b\":2}}", L"<r><b>2</b></r>"},
-      {L"{\"r\":{\"i\":[{\"n\":1},{},{\"#text\":\"t\"}],\"e\":2}}", L"<r><i><n>1</n></i><i/><i>t</i><e>2</e></r>"},
-      {L"{\"r\":{\"i\":[],\"e\":2}}", L"<r><e>2</e></r>"},
-      {L"{\"r\":{\"o\":[{\"i\":[]},{\"i\":[{}]}],\"e\":2}}", L"<r><o/><o><i/></o><e>2</e></r>"},
-      {L"{\"r\":{\"v\":[null,{\"a\":1}],\"e\":2}}", L"<r><v/><v><a>1</a></v><e>2</e></r>"},
-      {L"{\"r\":{\"a\":[[1,2],{\"b\":3}]}}", L"<r><a>1</a>2<a><b>3</b></a></r>"},
+      {LR"({"r":{"@xmlns":"urn:d","@xmlns:p":"urn:p","@p:a":1,"p:b":true}})",
+       LR"(<r xmlns="urn:d" xmlns:p="urn:p" p:a="1"><p:b>true</p:b></r>)"},
+      {LR"({"r":{"a":null,"b":{},"c":"","@d":null}})", L"<r><a/><b/><c/></r>"},
+      {LR"({"r":{"@a":"x\"<\n","#text":"t<&"}})", LR"(<r a="x&quot;&lt;&#xA;">t&lt;&amp;</r>)"},
+      {LR"({"r":{"#text":"t","a":1,"b":{"c":2}}})", L"<r>t<a>1</a><b><c>2</c></b></r>"},
+      {LR"({"r":{"#text":{"a":1},"b":2}})", L"<r><a>1</a><b>2</b></r>"},
+      {LR"({"r":{"#text":null,"b":2}})", L"<r><b>2</b></r>"},
+      {LR"({"r":{"i":[{"n":1},{},{"#text":"t"}],"e":2}})", L"<r><i><n>1</n></i><i/><i>t</i><e>2</e></r>"},
+      {LR"({"r":{"i":[],"e":2}})", L"<r><e>2</e></r>"},
+      {LR"({"r":{"o":[{"i":[]},{"i":[{}]}],"e":2}})", L"<r><o/><o><i/></o><e>2</e></r>"},
+      {LR"({"r":{"v":[null,{"a":1}],"e":2}})", L"<r><v/><v><a>1</a></v><e>2</e></r>"},
+      {LR"({"r":{"a":[[1,2],{"b":3}]}})", L"<r><a>1</a>2<a><b>3</b></a></r>"},
       {L"{\"r\":{\"\u00e9\u0301.-\u00b7\":1}}", L"<r><\u00e9\u0301.-\u00b7>1</\u00e9\u0301.-\u00b7></r>"},
       {L"{\"r\":\"\U0001F600\\uD83D\\uDE00\\u007F\"}", L"<r>\U0001F600\U0001F600\x7F</r>"},
-      {L"[]", nullptr},
+      // The writer takes a text that begins like a section for markup; text from JSON never is.
+      {LR"({"r":"<![CDATA[<x/>]]>"})", L"<r>&lt;![CDATA[&lt;x/&gt;]]&gt;</r>"},
+      {LR"({"r":"<![CDATA["})", L"<r>&lt;![CDATA[</r>"},
+      {LR"({"r":"<x/>&#1;"})", L"<r>&lt;x/&gt;&amp;#1;</r>"},
   };
-  for (const auto& row : kRows) {
-    SCOPED_TRACE(RkXmlTest::Narrow(row.json));
-    if (row.xml != nullptr) {
-      EXPECT_WIDE_EQ(row.xml, Flat(row.json));
-    } else {
-      EXPECT_THROW(Convert(row.json), CRkException);
-    }
-  }
-  EXPECT_WIDE_EQ(L"<r>\n\t<a>1</a>\n</r>\n", Convert(L"{\"r\":{\"a\":1}}"));
+  for (const auto& row : kRows) EXPECT_WIDE_EQ(row.xml, Flat(row.json));
+  EXPECT_THROW(Convert(L"[]"), CRkException);
+  EXPECT_WIDE_EQ(L"<r>\n\t<a>1</a>\n</r>\n", Convert(LR"({"r":{"a":1}})"));
 }
 
 TEST(JsonTextReader, PlainValuesBeyondTheFirstAreTextIntended) {
@@ -249,13 +229,6 @@ TEST(JsonTextReader, MarkersAreNamesInPlainMode) {
   EXPECT_RK_THROWS(CRkInvalidStateException, L"Failed to convert name '#text' to Element name in XML.\nPath: $.r.#text",
                    Convert(L"{\"r\":{\"#text\":1}}", plain));
   EXPECT_WIDE_EQ(L"<r a=\"1\">t</r>", Flat(L"{\"r\":{\"@a\":1,\"#text\":\"t\"}}", {JsonRoundTrip_Markers}));
-}
-
-// The writer takes a text that begins like a section for markup; text from JSON never is.
-TEST(JsonTextReader, TextThatLooksLikeMarkupStaysText) {
-  EXPECT_WIDE_EQ(L"<r>&lt;![CDATA[&lt;x/&gt;]]&gt;</r>", Flat(L"{\"r\":\"<![CDATA[<x/>]]>\"}"));
-  EXPECT_WIDE_EQ(L"<r>&lt;![CDATA[</r>", Flat(L"{\"r\":\"<![CDATA[\"}"));
-  EXPECT_WIDE_EQ(L"<r>&lt;x/&gt;&amp;#1;</r>", Flat(L"{\"r\":\"<x/>&#1;\"}"));
 }
 
 TEST(JsonTextReader, DepthIsLimitedToAHundredValues) {
@@ -293,65 +266,17 @@ TEST(JsonTextReader, RepeatingALongNameIsLimited) {
 
 // What RFC 8259 demands, in short: each text is read or refused, and refused by a described failure.
 TEST(JsonTextReader, AcceptsAndRejectsAsTheStandardDemands) {
-  const wchar_t* const kAccept[] = {L"[]",
-                                    L"{}",
-                                    L"[[]   ]",
-                                    L"[\"\"]",
-                                    L"[null, 1, \"1\", {}]",
-                                    L"[1\n]",
-                                    L" [1]",
-                                    L"[0e1]",
-                                    L"[123.456e78]",
-                                    L"{\"asd\":\"sdf\", \"dfg\":\"fgh\"}",
-                                    L"{\"a\":\"b\",\"a\":\"c\"}",
-                                    L"{\"\":0}",
-                                    L"{\"foo\\u0000bar\": 42}",
-                                    L"{\"x\":[{\"id\": \"\"}], \"id\": \"\"}",
-                                    L"[\"a/*b*/c\"]",
-                                    L"[\"\\uDBFF\\uDFFE\"]",
-                                    L"[\"\u2028\u2029\x7F\"]",
-                                    L"[\"\\u0000\"]",
-                                    L"\"x\"",
-                                    L"-0.1",
-                                    L"true",
-                                    L"null"};
-  const wchar_t* const kReject[] = {L"[,1]",
-                                    L"[1,,2]",
-                                    L"[\"x\",,]",
-                                    L"[3[4]]",
-                                    L"[--2.]",
-                                    L"[-1.0.]",
-                                    L"[.-1]",
-                                    L"[.2e-3]",
-                                    L"[0.e1]",
-                                    L"[1 000.0]",
-                                    L"[+1]",
-                                    L"[Inf]",
-                                    L"[NaN]",
-                                    L"[0x1]",
-                                    L"[1eE2]",
-                                    L"{\"x\"::\"b\"}",
-                                    L"{[: \"x\"}",
-                                    L"{\"a\" b}",
-                                    L"{:\"b\"}",
-                                    L"{1:1}",
-                                    L"{null:null}",
-                                    L"{'a':0}",
-                                    L"{\"a\":\"a\" 123}",
-                                    L"{,",
-                                    L"{{",
-                                    L"[\"\\uD800\\u\"]",
-                                    L"[\"\\uD800\\u1x\"]",
-                                    L"[\"\\\"]",
-                                    L"\\",
-                                    L"[\\u0020\"asd\"]",
-                                    L"\"",
-                                    L"'x'",
-                                    L"[\u00e9]",
-                                    L"\u2060",
-                                    L"<.>",
-                                    L"*"};
-  for (const wchar_t* json : kAccept) {
+  const std::wstring accepted =
+      L"[] ~ {} ~ [[]   ] ~ [\"\"] ~ [null, 1, \"1\", {}] ~ [1\n] ~  [1] ~ [0e1] ~ [123.456e78] ~ "
+      L"{\"asd\":\"sdf\", \"dfg\":\"fgh\"} ~ {\"a\":\"b\",\"a\":\"c\"} ~ {\"\":0} ~ "
+      L"{\"foo\\u0000bar\": 42} ~ {\"x\":[{\"id\": \"\"}], \"id\": \"\"} ~ [\"a/*b*/c\"] ~ "
+      L"[\"\\uDBFF\\uDFFE\"] ~ [\"\u2028\u2029\x7F\"] ~ [\"\\u0000\"] ~ \"x\" ~ -0.1 ~ true ~ null";
+  const std::wstring rejected =
+      L"[,1] ~ [1,,2] ~ [\"x\",,] ~ [3[4]] ~ [--2.] ~ [-1.0.] ~ [.-1] ~ [.2e-3] ~ [0.e1] ~ [1 000.0] ~ "
+      L"[+1] ~ [Inf] ~ [NaN] ~ [0x1] ~ [1eE2] ~ {\"x\"::\"b\"} ~ {[: \"x\"} ~ {\"a\" b} ~ {:\"b\"} ~ "
+      L"{1:1} ~ {null:null} ~ {'a':0} ~ {\"a\":\"a\" 123} ~ {, ~ {{ ~ [\"\\uD800\\u\"] ~ "
+      L"[\"\\uD800\\u1x\"] ~ [\"\\\"] ~ \\ ~ [\\u0020\"asd\"] ~ \" ~ 'x' ~ [\u00e9] ~ \u2060 ~ <.> ~ *";
+  for (const std::wstring& json : RkXmlTest::Split(accepted, L" ~ ")) {
     SCOPED_TRACE(RkXmlTest::Narrow(json));
     EXPECT_NO_THROW(Events(json));
     try {
@@ -360,7 +285,7 @@ TEST(JsonTextReader, AcceptsAndRejectsAsTheStandardDemands) {
       EXPECT_NE(std::wstring::npos, e.GetMessage().find(L"\nPath: $"));
     }
   }
-  for (const wchar_t* json : kReject) {
+  for (const std::wstring& json : RkXmlTest::Split(rejected, L" ~ ")) {
     SCOPED_TRACE(RkXmlTest::Narrow(json));
     EXPECT_THROW(Events(json), CRkValidationException);
   }

@@ -1,0 +1,65 @@
+#ifndef RKXMLLIB16_TESTS_SUPPORT_REPLAY_H
+#define RKXMLLIB16_TESTS_SUPPORT_REPLAY_H
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+
+#include "RkXmlLib16/xml/XmlWriter.h"
+
+namespace RkXmlTest {
+
+// Makes the calls of a writer that a script tells; its words may be parted by blanks:
+//   <name <name{uri}              start an element    >          ends it: <a> is empty
+//   @name=value @name{uri}=value  an attribute        :Type{uri} the attribute for a type
+//   'text'                        a string            #12        an integer, also as the value of an attribute
+//   [ ]                           begin and end the items of a collection       nil  the attribute
+inline void Replay(RkXmlLib16::CXmlWriter& w, std::wstring_view script) {
+  using namespace RkXmlLib16;
+  const auto skip = [&script](wchar_t c) {
+    const bool found = !script.empty() && script[0] == c;
+    script.remove_prefix(found);
+    return found;
+  };
+  const auto upTo = [&script](const wchar_t* ends) {
+    std::wstring part(script.substr(0, std::min(script.find_first_of(ends), script.size())));
+    script.remove_prefix(part.size());
+    return part;
+  };
+  const auto uri = [&] {
+    std::wstring text = skip(L'{') ? upTo(L"}") : L"";
+    skip(L'}');
+    return text;
+  };
+  while (!script.empty()) {
+    if (skip(L'<')) {
+      const std::wstring name = upTo(L"{ >");
+      w.WriteStartElement(name, uri());
+    } else if (skip(L'>')) {
+      w.WriteEndElement();
+    } else if (skip(L'@')) {
+      const std::wstring name = upTo(L"{="), ns = uri();
+      skip(L'=');
+      const ItemType type = skip(L'#') ? ItemType_int : ItemType_string;
+      w.WriteAttributeString(name, ns, upTo(L" >"), type);
+    } else if (skip(L':')) {
+      const std::wstring name = upTo(L"{ >");
+      w.WriteAttributeType(uri(), name, ItemType_string);
+    } else if (skip(L'\'')) {
+      w.WriteString(upTo(L"'"), ItemType_string);
+      skip(L'\'');
+    } else if (skip(L'#')) {
+      w.WriteString(upTo(L" >"), ItemType_int);
+    } else if (skip(L'[')) {
+      w.SetContextState(ContextState_CollectionStart);
+    } else if (skip(L']')) {
+      w.SetContextState(ContextState_CollectionEnd);
+    } else if (!skip(L' ') && upTo(L" >") == L"nil") {
+      w.WriteAttributeNil();
+    }
+  }
+}
+
+}  // namespace RkXmlTest
+
+#endif
