@@ -9,6 +9,12 @@
 
 namespace RkXmlLib16 {
 
+namespace {
+
+constexpr std::size_t kUsualItemSize = 512;
+
+}  // namespace
+
 // A removal whose listeners are being told; its node becomes null when one of them removes it first.
 struct CXmlCollection::Removal {
   Removal(CNode* toRemove, Removal*& innermost) : node(toRemove), outer(innermost), head(innermost) { head = this; }
@@ -27,14 +33,18 @@ CXmlCollection::CXmlCollection(const wchar_t* name, const wchar_t* namespaceUri,
     : CXmlCollectionBase(name, namespaceUri, minOccurs, maxOccurs) {}
 
 CXmlCollection::~CXmlCollection() {
+  CFetchAhead<kUsualItemSize> fetch(m_head);
   while (m_head != nullptr) {
+    fetch.Advance();
     const std::unique_ptr<CNode> node(m_head);
     m_head = node->m_next;
   }
 }
 
 void CXmlCollection::AttributesToXml_Int(CXmlWriter* writer, const CSerializationContext& context) const {
+  CFetchAhead<sizeof(CXmlObjectBase)> fetch(m_head);
   for (const CNode* node = m_head; node != nullptr; node = node->m_next) {
+    fetch.Advance();
     if (node->m_item != nullptr) node->m_item->GetBase()->AttributesToXml_Int(writer, context);
   }
 }

@@ -47,7 +47,9 @@ class CXmlObjectCollection : public CXmlCollection {
 
   void ToXml_Int(CXmlWriter* writer, bool registerNamespaces, const wchar_t* namespaceUri,
                  const CSerializationContext& context, bool isOptionalChoice) const override {
+    CFetchAhead<sizeof(T)> fetch(GetFirstNode());
     for (const CNode* node = GetFirstNode(); node != nullptr; node = node->GetNext()) {
+      fetch.Advance();
       const CXmlObjectBase* item = node->GetItem();
       if (item != nullptr) item->ToXml_Int(writer, registerNamespaces, namespaceUri, context, isOptionalChoice);
     }

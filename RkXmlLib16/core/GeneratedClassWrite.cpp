@@ -142,7 +142,7 @@ void CXmlGeneratedClass::ProcessAttributesToXml(const CSerializationContext& con
       (*info)->AttributeToXml(context, this, writer);
   if (elementInfos != nullptr)
     for (CElementInfo** info = elementInfos; *info != nullptr; ++info)
-      (*info)->PseudoChildAttributeToXml(context, this, writer);
+      if ((*info)->MayHaveAttributes()) (*info)->PseudoChildAttributeToXml(context, this, writer);
 }
 
 }  // namespace RkXmlLib16

@@ -103,7 +103,7 @@ void CAttributeInfoPrimitive::CheckRestriction(const RkVariant& value) const {
 
 void CAttributeInfoPrimitive::AttributeToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
                                              CXmlWriter* writer) const {
-  RkVariant value;
+  RkVariant& value = writer->BeginValue();
   ReadProperty(object, value);
   if (IsOptional() && !value.IsValid()) return;
   const ItemType type = value.GetItemType();
@@ -132,7 +132,7 @@ CAttributeInfoEnum::~CAttributeInfoEnum() = default;
 
 void CAttributeInfoEnum::AttributeToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
                                         CXmlWriter* writer) const {
-  RkVariant value;
+  RkVariant& value = writer->BeginValue();
   ReadProperty(object, value);
   if (IsOptional() && !value.IsValid()) return;
   const std::wstring text = TextOrEmpty(m_toString(static_cast<int>(value.GetI4())));

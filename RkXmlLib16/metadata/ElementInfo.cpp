@@ -23,6 +23,16 @@ CElementInfo::CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyI
     : m_elementName(TextOrEmpty(name)),
       m_namespace(TextOrEmpty(ns)),
       m_propertyIndex(propertyIndex),
+      m_mayHaveAttributes(true),
+      m_memberKind(kind) {}
+
+CElementInfo::CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, MemberKind kind,
+                           XmlElementType memberType)
+    : m_elementName(TextOrEmpty(name)),
+      m_namespace(TextOrEmpty(ns)),
+      m_propertyIndex(propertyIndex),
+      m_mayHaveAttributes(memberType == XmlElementType_InlineGroup),
+      m_memberType(memberType),
       m_memberKind(kind) {}
 
 CElementInfo::CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, bool nillable,
@@ -55,8 +65,15 @@ bool CElementInfo::Validate(const CSerializationContext&, const CXmlGeneratedCla
   throw CRkException(L"Not implemented, should never be called");
 }
 
-void CElementInfo::PseudoChildAttributeToXml(const CSerializationContext&, const CXmlGeneratedClass*,
-                                             CXmlWriter*) const {}
+void CElementInfo::PseudoChildAttributeToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
+                                             CXmlWriter* writer) const {
+  if (!IsInlineGroup()) return;
+  RkVariant value;
+  ReadProperty(object, value);
+  const CXmlObjectBase* child = value.PeekXmlObject();
+  if (child == nullptr) child = value.PeekXmlCollection();
+  if (child != nullptr) AttributesToXml_Int(child, writer, context);
+}
 
 bool CElementInfo::IsThisElement(const CSerializationContext& context, const CXmlElement* element) const {
   return element != nullptr && element->GetLocalName() == m_elementName &&
@@ -109,20 +126,20 @@ bool CElementInfo::WriteCollection(const CSerializationContext& context, const C
 
 bool CElementInfo::ElementToXmlCls(const CSerializationContext& context, const CXmlGeneratedClass* object,
                                    CXmlWriter* writer, bool isOptionalChoice) const {
-  RkVariant value;
+  RkVariant& value = writer->BeginValue();
   ReadProperty(object, value);
-  const CXmlObjectBase* const child = value.PeekXmlObject();
-  if (child == nullptr) return false;
+  if (value.PeekXmlObject() == nullptr) return false;
+  const CSmartPtr<CXmlObjectBase> child = value.TakeXmlObject();
   child->ToXml_Int(writer, /*registerNamespaces=*/false, m_namespace.c_str(), context, isOptionalChoice);
   return true;
 }
 
 bool CElementInfo::ElementToXmlPrim(const CSerializationContext& context, const CXmlGeneratedClass* object,
                                     CXmlWriter* writer) const {
-  RkVariant value;
+  RkVariant& value = writer->BeginValue();
   ReadProperty(object, value);
-  if (value.IsNil()) return WriteNil(writer);
   if (!value.IsValid()) return false;
+  if (value.IsNil()) return WriteNil(writer);
   const ItemType type = value.GetItemType();
   const std::wstring& text = ValueText(value, m_format, *writer);
   if (!IsDefault(text)) CheckRestriction(value);
@@ -132,18 +149,19 @@ bool CElementInfo::ElementToXmlPrim(const CSerializationContext& context, const 
 
 bool CElementInfo::ElementToXmlEnum(const CSerializationContext& context, const CXmlGeneratedClass* object,
                                     CXmlWriter* writer, EnumToString toString) const {
-  RkVariant value;
+  RkVariant& value = writer->BeginValue();
   ReadProperty(object, value);
-  if (value.IsNil()) return WriteNil(writer);
   if (!value.IsValid()) return false;
+  if (value.IsNil()) return WriteNil(writer);
   WriteText(context, writer, TextOrEmpty(toString(static_cast<int>(value.GetI4()))), ItemType_string);
   return true;
 }
 
 void CElementInfo::WriteText(const CSerializationContext& context, CXmlWriter* writer, const std::wstring& text,
                              ItemType type) const {
+  if (!IsDefault(text) || context.GetWriteDefaultElementValues())
+    return writer->WriteTextElement(m_elementName, m_namespace, text, type);
   writer->WriteStartElement(m_elementName, m_namespace);
-  if (!IsDefault(text) || context.GetWriteDefaultElementValues()) writer->WriteString(text, type);
   writer->WriteEndElement();
 }
 

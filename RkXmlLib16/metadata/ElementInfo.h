@@ -64,8 +64,10 @@ enum class MemberKind : std::int32_t {
 // group whose absence the enclosing reader judges. The answer false gives the element back to the reader.
 class RKXML_EXPORT CElementInfo {
  public:
-  // Class, abstract class, collection and wildcard members.
+  // Class, abstract class, collection and wildcard members. Without a member type the record is asked for attributes
+  // of its own, see PseudoChildAttributeToXml.
   CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, MemberKind kind = MemberKind::Single);
+  CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, MemberKind kind, XmlElementType memberType);
   // Enumerations. `defaultValue` may be null.
   CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, bool nillable, EnumToString enumToString,
                EnumFromString enumFromString, const wchar_t* defaultValue);
@@ -87,7 +89,8 @@ class RKXML_EXPORT CElementInfo {
   // Records of other groups throw CRkException "Not implemented, should never be called".
   virtual bool Validate(const CSerializationContext& context, const CXmlGeneratedClass* object, bool found,
                         bool final) const;
-  // Writes the attributes of an inline group onto the open start tag of its owner.
+  // Writes the attributes of an inline group, object or collection, onto the open start tag of its owner; not called
+  // for records that can have none.
   virtual void PseudoChildAttributeToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
                                          CXmlWriter* writer) const;
 
@@ -95,6 +98,10 @@ class RKXML_EXPORT CElementInfo {
   const std::wstring& GetNamespace() const noexcept { return m_namespace; }
   int GetPropertyIndex() const noexcept { return m_propertyIndex; }
   MemberKind GetMemberKind() const noexcept { return m_memberKind; }
+  // Whether the member stands directly in its owner's element.
+  bool IsInlineGroup() const noexcept { return m_memberType == RkXmlLib16::XmlElementType_InlineGroup; }
+  // Whether PseudoChildAttributeToXml may have something to write.
+  bool MayHaveAttributes() const noexcept { return m_mayHaveAttributes; }
 
   // Whether the element has the record's local name and, unless the context ignores namespaces, its namespace.
   bool IsThisElement(const CSerializationContext& context, const CXmlElement* element) const;
@@ -157,6 +164,8 @@ class RKXML_EXPORT CElementInfo {
   EnumToString m_enumToString = nullptr;
   EnumFromString m_enumFromString = nullptr;
   bool m_hasFacets = false;
+  bool m_mayHaveAttributes = false;
+  XmlElementType m_memberType = RkXmlLib16::XmlElementType_Element;
   MemberKind m_memberKind = MemberKind::Single;
 };
 

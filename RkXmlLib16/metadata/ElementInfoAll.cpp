@@ -23,11 +23,10 @@ bool RequireFound(const CElementInfo& info, bool found, bool final) {
 
 // Lets a new child read and stores it when it consumed something; whether it did.
 bool ReadAndStore(CElementInfo& info, const CSerializationContext& context, CXmlGeneratedClass* object,
-                  const CSmartPtr<CXmlObjectBase>& child, XmlElementType memberType, CXmlElement* parent,
-                  CXmlElement** cursor) {
+                  const CSmartPtr<CXmlObjectBase>& child, CXmlElement* parent, CXmlElement** cursor) {
   if (child == nullptr) return false;
   const CXmlElement& element = **cursor;
-  if (memberType != XmlElementType_InlineGroup)
+  if (!info.IsInlineGroup())
     ReadOwnElement(info, context, child, cursor);
   else if (!ReadInline(info, context, child, parent, cursor))
     return false;
@@ -37,8 +36,9 @@ bool ReadAndStore(CElementInfo& info, const CSerializationContext& context, CXml
 
 }  // namespace
 
-CElementInfoAllCol::CElementInfoAllCol(const wchar_t* name, const wchar_t* ns, int propertyIndex)
-    : CElementInfo(name, ns, propertyIndex, MemberKind::Collection) {}
+CElementInfoAllCol::CElementInfoAllCol(const wchar_t* name, const wchar_t* ns, int propertyIndex,
+                                       XmlElementType memberType)
+    : CElementInfo(name, ns, propertyIndex, MemberKind::Collection, memberType) {}
 
 CElementInfoAllCol::~CElementInfoAllCol() = default;
 
@@ -56,25 +56,15 @@ bool CElementInfoAllCol::ElementFromXml(const CSerializationContext& context, CX
 
 CElementInfoAllClsCol::CElementInfoAllClsCol(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                              XmlElementType memberType)
-    : CElementInfoAllCol(name, ns, propertyIndex), m_memberType(memberType) {}
+    : CElementInfoAllCol(name, ns, propertyIndex, memberType) {}
 
 CElementInfoAllClsCol::~CElementInfoAllClsCol() = default;
 
-void CElementInfoAllClsCol::PseudoChildAttributeToXml(const CSerializationContext& context,
-                                                      const CXmlGeneratedClass* object, CXmlWriter* writer) const {
-  GroupAttributesToXml(*this, m_memberType, context, object, writer);
-}
-
 CElementInfoAllAbsClsCol::CElementInfoAllAbsClsCol(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                                    XmlElementType memberType)
-    : CElementInfoAllCol(name, ns, propertyIndex), m_memberType(memberType) {}
+    : CElementInfoAllCol(name, ns, propertyIndex, memberType) {}
 
 CElementInfoAllAbsClsCol::~CElementInfoAllAbsClsCol() = default;
-
-void CElementInfoAllAbsClsCol::PseudoChildAttributeToXml(const CSerializationContext& context,
-                                                         const CXmlGeneratedClass* object, CXmlWriter* writer) const {
-  GroupAttributesToXml(*this, m_memberType, context, object, writer);
-}
 
 CElementInfoAllPrimCol::CElementInfoAllPrimCol(const wchar_t* name, const wchar_t* ns, int propertyIndex)
     : CElementInfoAllCol(name, ns, propertyIndex) {}
@@ -82,7 +72,7 @@ CElementInfoAllPrimCol::CElementInfoAllPrimCol(const wchar_t* name, const wchar_
 CElementInfoAllPrimCol::~CElementInfoAllPrimCol() = default;
 
 CElementInfoAllEnumCol::CElementInfoAllEnumCol(const wchar_t* name, const wchar_t* ns, int propertyIndex)
-    : CElementInfo(name, ns, propertyIndex, MemberKind::Collection) {}
+    : CElementInfo(name, ns, propertyIndex, MemberKind::Collection, XmlElementType_Element) {}
 
 CElementInfoAllEnumCol::~CElementInfoAllEnumCol() = default;
 
@@ -94,8 +84,7 @@ CElementInfoAllUntpdCol::~CElementInfoAllUntpdCol() = default;
 CElementInfoAllClsMnd::CElementInfoAllClsMnd(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                              XmlElementType memberType, ClassFactory factory, int classId,
                                              bool required)
-    : CElementInfo(name, ns, propertyIndex),
-      m_memberType(memberType),
+    : CElementInfo(name, ns, propertyIndex, MemberKind::Single, memberType),
       m_required(required),
       m_factory(factory),
       m_classId(classId) {}
@@ -109,7 +98,7 @@ bool CElementInfoAllClsMnd::ElementToXml(const CSerializationContext& context, c
 
 bool CElementInfoAllClsMnd::ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
                                            CXmlElement* parent, CXmlElement** cursor, const wchar_t*, XmlElementType) {
-  const bool inlineGroup = m_memberType == XmlElementType_InlineGroup;
+  const bool inlineGroup = IsInlineGroup();
   if (!inlineGroup && !IsThisElement(context, *cursor)) return false;
   const auto child = GetOrCreateChild(*this, object, m_factory, m_classId, inlineGroup ? *parent : **cursor);
   if (child == nullptr) return false;
@@ -120,18 +109,13 @@ bool CElementInfoAllClsMnd::ElementFromXml(const CSerializationContext& context,
 
 bool CElementInfoAllClsMnd::Validate(const CSerializationContext&, const CXmlGeneratedClass*, bool found,
                                      bool final) const {
-  if (!m_required && m_memberType != XmlElementType_InlineGroup) return true;
+  if (!m_required && !IsInlineGroup()) return true;
   return RequireFound(*this, found, final);
-}
-
-void CElementInfoAllClsMnd::PseudoChildAttributeToXml(const CSerializationContext& context,
-                                                      const CXmlGeneratedClass* object, CXmlWriter* writer) const {
-  GroupAttributesToXml(*this, m_memberType, context, object, writer);
 }
 
 CElementInfoAllClsOpt::CElementInfoAllClsOpt(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                              XmlElementType memberType, ClassFactory factory, int classId)
-    : CElementInfo(name, ns, propertyIndex), m_memberType(memberType), m_factory(factory), m_classId(classId) {}
+    : CElementInfo(name, ns, propertyIndex, MemberKind::Single, memberType), m_factory(factory), m_classId(classId) {}
 
 CElementInfoAllClsOpt::~CElementInfoAllClsOpt() = default;
 
@@ -142,22 +126,17 @@ bool CElementInfoAllClsOpt::ElementToXml(const CSerializationContext& context, c
 
 bool CElementInfoAllClsOpt::ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
                                            CXmlElement* parent, CXmlElement** cursor, const wchar_t*, XmlElementType) {
-  if (m_memberType == XmlElementType_InlineGroup ? *cursor == nullptr : !IsThisElement(context, *cursor)) return false;
-  return ReadAndStore(*this, context, object, CreateChild(*this, m_factory, m_classId), m_memberType, parent, cursor);
+  if (IsInlineGroup() ? *cursor == nullptr : !IsThisElement(context, *cursor)) return false;
+  return ReadAndStore(*this, context, object, CreateChild(*this, m_factory, m_classId), parent, cursor);
 }
 
 bool CElementInfoAllClsOpt::Validate(const CSerializationContext&, const CXmlGeneratedClass*, bool, bool) const {
   return true;
 }
 
-void CElementInfoAllClsOpt::PseudoChildAttributeToXml(const CSerializationContext& context,
-                                                      const CXmlGeneratedClass* object, CXmlWriter* writer) const {
-  GroupAttributesToXml(*this, m_memberType, context, object, writer);
-}
-
 CElementInfoAllAbsClsMnd::CElementInfoAllAbsClsMnd(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                                    XmlElementType memberType, AbstractClassFactory factory, int extra)
-    : CElementInfo(name, ns, propertyIndex), m_memberType(memberType), m_factory(factory), m_extra(extra) {}
+    : CElementInfo(name, ns, propertyIndex, MemberKind::Single, memberType), m_factory(factory), m_extra(extra) {}
 
 CElementInfoAllAbsClsMnd::~CElementInfoAllAbsClsMnd() = default;
 
@@ -169,8 +148,8 @@ bool CElementInfoAllAbsClsMnd::ElementToXml(const CSerializationContext& context
 bool CElementInfoAllAbsClsMnd::ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
                                               CXmlElement* parent, CXmlElement** cursor, const wchar_t*,
                                               XmlElementType) {
-  if (m_memberType == XmlElementType_InlineGroup ? *cursor == nullptr : !IsThisElement(context, *cursor)) return false;
-  return ReadAndStore(*this, context, object, CreateAbstractChild(m_factory, *cursor), m_memberType, parent, cursor);
+  if (IsInlineGroup() ? *cursor == nullptr : !IsThisElement(context, *cursor)) return false;
+  return ReadAndStore(*this, context, object, CreateAbstractChild(m_factory, *cursor), parent, cursor);
 }
 
 bool CElementInfoAllAbsClsMnd::Validate(const CSerializationContext&, const CXmlGeneratedClass*, bool found,
@@ -178,14 +157,9 @@ bool CElementInfoAllAbsClsMnd::Validate(const CSerializationContext&, const CXml
   return RequireFound(*this, found, final);
 }
 
-void CElementInfoAllAbsClsMnd::PseudoChildAttributeToXml(const CSerializationContext& context,
-                                                         const CXmlGeneratedClass* object, CXmlWriter* writer) const {
-  GroupAttributesToXml(*this, m_memberType, context, object, writer);
-}
-
 CElementInfoAllAbsClsOpt::CElementInfoAllAbsClsOpt(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                                    XmlElementType memberType, AbstractClassFactory factory)
-    : CElementInfo(name, ns, propertyIndex), m_memberType(memberType), m_factory(factory) {}
+    : CElementInfo(name, ns, propertyIndex, MemberKind::Single, memberType), m_factory(factory) {}
 
 CElementInfoAllAbsClsOpt::~CElementInfoAllAbsClsOpt() = default;
 
@@ -197,17 +171,12 @@ bool CElementInfoAllAbsClsOpt::ElementToXml(const CSerializationContext& context
 bool CElementInfoAllAbsClsOpt::ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
                                               CXmlElement* parent, CXmlElement** cursor, const wchar_t*,
                                               XmlElementType) {
-  if (m_memberType == XmlElementType_InlineGroup ? *cursor == nullptr : !IsThisElement(context, *cursor)) return false;
-  return ReadAndStore(*this, context, object, CreateAbstractChild(m_factory, *cursor), m_memberType, parent, cursor);
+  if (IsInlineGroup() ? *cursor == nullptr : !IsThisElement(context, *cursor)) return false;
+  return ReadAndStore(*this, context, object, CreateAbstractChild(m_factory, *cursor), parent, cursor);
 }
 
 bool CElementInfoAllAbsClsOpt::Validate(const CSerializationContext&, const CXmlGeneratedClass*, bool, bool) const {
   return true;
-}
-
-void CElementInfoAllAbsClsOpt::PseudoChildAttributeToXml(const CSerializationContext& context,
-                                                         const CXmlGeneratedClass* object, CXmlWriter* writer) const {
-  GroupAttributesToXml(*this, m_memberType, context, object, writer);
 }
 
 CElementInfoAllPrimMnd::CElementInfoAllPrimMnd(const wchar_t* name, const wchar_t* ns, int propertyIndex, bool nillable,
@@ -308,7 +277,7 @@ bool CElementInfoAllEnumOpt::Validate(const CSerializationContext&, const CXmlGe
 
 CElementInfoAllUntpdMnd::CElementInfoAllUntpdMnd(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                                  const wchar_t* namespaceConstraint, const wchar_t* targetNamespace)
-    : CElementInfo(name, ns, propertyIndex),
+    : CElementInfo(name, ns, propertyIndex, MemberKind::Single, XmlElementType_Element),
       m_namespaceConstraint(TextOrEmpty(namespaceConstraint)),
       m_targetNamespace(TextOrEmpty(targetNamespace)) {}
 
@@ -334,7 +303,7 @@ bool CElementInfoAllUntpdMnd::Validate(const CSerializationContext&, const CXmlG
 
 CElementInfoAllUntpdOpt::CElementInfoAllUntpdOpt(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                                  const wchar_t* namespaceConstraint, const wchar_t* targetNamespace)
-    : CElementInfo(name, ns, propertyIndex, MemberKind::Wildcard),
+    : CElementInfo(name, ns, propertyIndex, MemberKind::Wildcard, XmlElementType_Element),
       m_namespaceConstraint(TextOrEmpty(namespaceConstraint)),
       m_targetNamespace(TextOrEmpty(targetNamespace)) {}
 

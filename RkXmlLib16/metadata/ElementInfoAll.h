@@ -14,7 +14,8 @@ namespace RkXmlLib16Data {
 // Any collection.
 class RKXML_EXPORT CElementInfoAllCol : public CElementInfo {
  public:
-  CElementInfoAllCol(const wchar_t* name, const wchar_t* ns, int propertyIndex);
+  CElementInfoAllCol(const wchar_t* name, const wchar_t* ns, int propertyIndex,
+                     XmlElementType memberType = RkXmlLib16::XmlElementType_Element);
   ~CElementInfoAllCol() override;
   bool ElementToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
                     CXmlWriter* writer) const override;
@@ -26,22 +27,12 @@ class RKXML_EXPORT CElementInfoAllClsCol : public CElementInfoAllCol {
  public:
   CElementInfoAllClsCol(const wchar_t* name, const wchar_t* ns, int propertyIndex, XmlElementType memberType);
   ~CElementInfoAllClsCol() override;
-  void PseudoChildAttributeToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
-                                 CXmlWriter* writer) const override;
-
- private:
-  XmlElementType m_memberType;
 };
 
 class RKXML_EXPORT CElementInfoAllAbsClsCol : public CElementInfoAllCol {
  public:
   CElementInfoAllAbsClsCol(const wchar_t* name, const wchar_t* ns, int propertyIndex, XmlElementType memberType);
   ~CElementInfoAllAbsClsCol() override;
-  void PseudoChildAttributeToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
-                                 CXmlWriter* writer) const override;
-
- private:
-  XmlElementType m_memberType;
 };
 
 class RKXML_EXPORT CElementInfoAllPrimCol : public CElementInfoAllCol {
@@ -74,11 +65,8 @@ class RKXML_EXPORT CElementInfoAllClsMnd : public CElementInfo {
                       CXmlElement** cursor, const wchar_t* ownerNamespace, XmlElementType ownerType) override;
   bool Validate(const CSerializationContext& context, const CXmlGeneratedClass* object, bool found,
                 bool final) const override;
-  void PseudoChildAttributeToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
-                                 CXmlWriter* writer) const override;
 
  private:
-  XmlElementType m_memberType;
   bool m_required;
   ClassFactory m_factory;
   int m_classId;
@@ -95,11 +83,8 @@ class RKXML_EXPORT CElementInfoAllClsOpt : public CElementInfo {
                       CXmlElement** cursor, const wchar_t* ownerNamespace, XmlElementType ownerType) override;
   bool Validate(const CSerializationContext& context, const CXmlGeneratedClass* object, bool found,
                 bool final) const override;
-  void PseudoChildAttributeToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
-                                 CXmlWriter* writer) const override;
 
  private:
-  XmlElementType m_memberType;
   ClassFactory m_factory;
   int m_classId;
 };
@@ -115,14 +100,11 @@ class RKXML_EXPORT CElementInfoAllAbsClsMnd : public CElementInfo {
                       CXmlElement** cursor, const wchar_t* ownerNamespace, XmlElementType ownerType) override;
   bool Validate(const CSerializationContext& context, const CXmlGeneratedClass* object, bool found,
                 bool final) const override;
-  void PseudoChildAttributeToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
-                                 CXmlWriter* writer) const override;
 
   // Handed over by generated code; without meaning to the record.
   int GetExtra() const noexcept { return m_extra; }
 
  private:
-  XmlElementType m_memberType;
   AbstractClassFactory m_factory;
   int m_extra;
 };
@@ -138,11 +120,8 @@ class RKXML_EXPORT CElementInfoAllAbsClsOpt : public CElementInfo {
                       CXmlElement** cursor, const wchar_t* ownerNamespace, XmlElementType ownerType) override;
   bool Validate(const CSerializationContext& context, const CXmlGeneratedClass* object, bool found,
                 bool final) const override;
-  void PseudoChildAttributeToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
-                                 CXmlWriter* writer) const override;
 
  private:
-  XmlElementType m_memberType;
   AbstractClassFactory m_factory;
 };
 

@@ -28,8 +28,9 @@ bool IsChosen(CXmlCollectionBase& collection, int countBefore, const CSerializat
 
 }  // namespace
 
-CElementInfoChoiceCol::CElementInfoChoiceCol(const wchar_t* name, const wchar_t* ns, int propertyIndex)
-    : CElementInfo(name, ns, propertyIndex, MemberKind::Collection) {}
+CElementInfoChoiceCol::CElementInfoChoiceCol(const wchar_t* name, const wchar_t* ns, int propertyIndex,
+                                             XmlElementType memberType)
+    : CElementInfo(name, ns, propertyIndex, MemberKind::Collection, memberType) {}
 
 CElementInfoChoiceCol::~CElementInfoChoiceCol() = default;
 
@@ -50,26 +51,15 @@ bool CElementInfoChoiceCol::ElementFromXml(const CSerializationContext& context,
 
 CElementInfoChoiceClsCol::CElementInfoChoiceClsCol(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                                    XmlElementType memberType)
-    : CElementInfoChoiceCol(name, ns, propertyIndex), m_memberType(memberType) {}
+    : CElementInfoChoiceCol(name, ns, propertyIndex, memberType) {}
 
 CElementInfoChoiceClsCol::~CElementInfoChoiceClsCol() = default;
 
-void CElementInfoChoiceClsCol::PseudoChildAttributeToXml(const CSerializationContext& context,
-                                                         const CXmlGeneratedClass* object, CXmlWriter* writer) const {
-  GroupAttributesToXml(*this, m_memberType, context, object, writer);
-}
-
 CElementInfoChoiceAbsClsCol::CElementInfoChoiceAbsClsCol(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                                          XmlElementType memberType)
-    : CElementInfoChoiceCol(name, ns, propertyIndex), m_memberType(memberType) {}
+    : CElementInfoChoiceCol(name, ns, propertyIndex, memberType) {}
 
 CElementInfoChoiceAbsClsCol::~CElementInfoChoiceAbsClsCol() = default;
-
-void CElementInfoChoiceAbsClsCol::PseudoChildAttributeToXml(const CSerializationContext& context,
-                                                            const CXmlGeneratedClass* object,
-                                                            CXmlWriter* writer) const {
-  GroupAttributesToXml(*this, m_memberType, context, object, writer);
-}
 
 CElementInfoChoicePrimCol::CElementInfoChoicePrimCol(const wchar_t* name, const wchar_t* ns, int propertyIndex)
     : CElementInfoChoiceCol(name, ns, propertyIndex) {}
@@ -98,7 +88,7 @@ bool CElementInfoChoiceUntpdCol::ElementFromXml(const CSerializationContext& con
 
 CElementInfoChoiceClsOpt::CElementInfoChoiceClsOpt(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                                    XmlElementType memberType, ClassFactory factory, int classId)
-    : CElementInfo(name, ns, propertyIndex), m_memberType(memberType), m_factory(factory), m_classId(classId) {}
+    : CElementInfo(name, ns, propertyIndex, MemberKind::Single, memberType), m_factory(factory), m_classId(classId) {}
 
 CElementInfoChoiceClsOpt::~CElementInfoChoiceClsOpt() = default;
 
@@ -110,12 +100,12 @@ bool CElementInfoChoiceClsOpt::ElementToXml(const CSerializationContext& context
 bool CElementInfoChoiceClsOpt::ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
                                               CXmlElement* parent, CXmlElement** cursor, const wchar_t*,
                                               XmlElementType) {
-  if (m_memberType == XmlElementType_InlineGroup ? *cursor == nullptr : !IsThisElement(context, *cursor)) return false;
+  if (IsInlineGroup() ? *cursor == nullptr : !IsThisElement(context, *cursor)) return false;
   const auto child = CreateChild(*this, m_factory, m_classId);
   if (child == nullptr) return false;
   CXmlElement* element = *cursor;
   StoreChild(*this, object, child, *element);
-  if (m_memberType != XmlElementType_InlineGroup) {
+  if (!IsInlineGroup()) {
     ReadOwnElement(*this, context, child, cursor, /*isOptionalChoice=*/true);
     return true;
   }
@@ -124,14 +114,9 @@ bool CElementInfoChoiceClsOpt::ElementFromXml(const CSerializationContext& conte
   return false;
 }
 
-void CElementInfoChoiceClsOpt::PseudoChildAttributeToXml(const CSerializationContext& context,
-                                                         const CXmlGeneratedClass* object, CXmlWriter* writer) const {
-  GroupAttributesToXml(*this, m_memberType, context, object, writer);
-}
-
 CElementInfoChoiceAbsClsOpt::CElementInfoChoiceAbsClsOpt(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                                          XmlElementType memberType, AbstractClassFactory factory)
-    : CElementInfo(name, ns, propertyIndex), m_memberType(memberType), m_factory(factory) {}
+    : CElementInfo(name, ns, propertyIndex, MemberKind::Single, memberType), m_factory(factory) {}
 
 CElementInfoChoiceAbsClsOpt::~CElementInfoChoiceAbsClsOpt() = default;
 
@@ -151,12 +136,6 @@ bool CElementInfoChoiceAbsClsOpt::ElementFromXml(const CSerializationContext& co
   StoreChild(*this, object, child, **cursor);
   ReadOwnElement(*this, context, child, cursor);
   return true;
-}
-
-void CElementInfoChoiceAbsClsOpt::PseudoChildAttributeToXml(const CSerializationContext& context,
-                                                            const CXmlGeneratedClass* object,
-                                                            CXmlWriter* writer) const {
-  GroupAttributesToXml(*this, m_memberType, context, object, writer);
 }
 
 CElementInfoChoicePrimOpt::CElementInfoChoicePrimOpt(const wchar_t* name, const wchar_t* ns, int propertyIndex,
@@ -201,7 +180,7 @@ bool CElementInfoChoiceEnumOpt::ElementFromXml(const CSerializationContext& cont
 CElementInfoChoiceUntpdOpt::CElementInfoChoiceUntpdOpt(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                                        const wchar_t* namespaceConstraint,
                                                        const wchar_t* targetNamespace)
-    : CElementInfo(name, ns, propertyIndex, MemberKind::Wildcard),
+    : CElementInfo(name, ns, propertyIndex, MemberKind::Wildcard, XmlElementType_Element),
       m_namespaceConstraint(TextOrEmpty(namespaceConstraint)),
       m_targetNamespace(TextOrEmpty(targetNamespace)) {}
 

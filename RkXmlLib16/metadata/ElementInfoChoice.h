@@ -14,7 +14,8 @@ namespace RkXmlLib16Data {
 // Any collection.
 class RKXML_EXPORT CElementInfoChoiceCol : public CElementInfo {
  public:
-  CElementInfoChoiceCol(const wchar_t* name, const wchar_t* ns, int propertyIndex);
+  CElementInfoChoiceCol(const wchar_t* name, const wchar_t* ns, int propertyIndex,
+                        XmlElementType memberType = RkXmlLib16::XmlElementType_Element);
   ~CElementInfoChoiceCol() override;
   bool ElementToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
                     CXmlWriter* writer) const override;
@@ -26,22 +27,12 @@ class RKXML_EXPORT CElementInfoChoiceClsCol : public CElementInfoChoiceCol {
  public:
   CElementInfoChoiceClsCol(const wchar_t* name, const wchar_t* ns, int propertyIndex, XmlElementType memberType);
   ~CElementInfoChoiceClsCol() override;
-  void PseudoChildAttributeToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
-                                 CXmlWriter* writer) const override;
-
- private:
-  XmlElementType m_memberType;
 };
 
 class RKXML_EXPORT CElementInfoChoiceAbsClsCol : public CElementInfoChoiceCol {
  public:
   CElementInfoChoiceAbsClsCol(const wchar_t* name, const wchar_t* ns, int propertyIndex, XmlElementType memberType);
   ~CElementInfoChoiceAbsClsCol() override;
-  void PseudoChildAttributeToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
-                                 CXmlWriter* writer) const override;
-
- private:
-  XmlElementType m_memberType;
 };
 
 class RKXML_EXPORT CElementInfoChoicePrimCol : public CElementInfoChoiceCol {
@@ -74,11 +65,8 @@ class RKXML_EXPORT CElementInfoChoiceClsOpt : public CElementInfo {
                     CXmlWriter* writer) const override;
   bool ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object, CXmlElement* parent,
                       CXmlElement** cursor, const wchar_t* ownerNamespace, XmlElementType ownerType) override;
-  void PseudoChildAttributeToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
-                                 CXmlWriter* writer) const override;
 
  private:
-  XmlElementType m_memberType;
   ClassFactory m_factory;
   int m_classId;
 };
@@ -92,11 +80,8 @@ class RKXML_EXPORT CElementInfoChoiceAbsClsOpt : public CElementInfo {
                     CXmlWriter* writer) const override;
   bool ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object, CXmlElement* parent,
                       CXmlElement** cursor, const wchar_t* ownerNamespace, XmlElementType ownerType) override;
-  void PseudoChildAttributeToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
-                                 CXmlWriter* writer) const override;
 
  private:
-  XmlElementType m_memberType;
   AbstractClassFactory m_factory;
 };
 

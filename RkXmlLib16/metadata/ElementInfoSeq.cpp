@@ -43,8 +43,9 @@ bool IsCountAccepted(const CXmlCollectionBase& collection, const CSerializationC
 
 }  // namespace
 
-CElementInfoSeqCol::CElementInfoSeqCol(const wchar_t* name, const wchar_t* ns, int propertyIndex)
-    : CElementInfo(name, ns, propertyIndex, MemberKind::Collection) {}
+CElementInfoSeqCol::CElementInfoSeqCol(const wchar_t* name, const wchar_t* ns, int propertyIndex,
+                                       XmlElementType memberType)
+    : CElementInfo(name, ns, propertyIndex, MemberKind::Collection, memberType) {}
 
 CElementInfoSeqCol::~CElementInfoSeqCol() = default;
 
@@ -64,25 +65,15 @@ bool CElementInfoSeqCol::ElementFromXml(const CSerializationContext& context, CX
 
 CElementInfoSeqClsCol::CElementInfoSeqClsCol(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                              XmlElementType memberType)
-    : CElementInfoSeqCol(name, ns, propertyIndex), m_memberType(memberType) {}
+    : CElementInfoSeqCol(name, ns, propertyIndex, memberType) {}
 
 CElementInfoSeqClsCol::~CElementInfoSeqClsCol() = default;
 
-void CElementInfoSeqClsCol::PseudoChildAttributeToXml(const CSerializationContext& context,
-                                                      const CXmlGeneratedClass* object, CXmlWriter* writer) const {
-  GroupAttributesToXml(*this, m_memberType, context, object, writer);
-}
-
 CElementInfoSeqAbsClsCol::CElementInfoSeqAbsClsCol(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                                    XmlElementType memberType)
-    : CElementInfoSeqCol(name, ns, propertyIndex), m_memberType(memberType) {}
+    : CElementInfoSeqCol(name, ns, propertyIndex, memberType) {}
 
 CElementInfoSeqAbsClsCol::~CElementInfoSeqAbsClsCol() = default;
-
-void CElementInfoSeqAbsClsCol::PseudoChildAttributeToXml(const CSerializationContext& context,
-                                                         const CXmlGeneratedClass* object, CXmlWriter* writer) const {
-  GroupAttributesToXml(*this, m_memberType, context, object, writer);
-}
 
 CElementInfoSeqPrimCol::CElementInfoSeqPrimCol(const wchar_t* name, const wchar_t* ns, int propertyIndex)
     : CElementInfoSeqCol(name, ns, propertyIndex) {}
@@ -111,8 +102,7 @@ bool CElementInfoSeqUntpdCol::ElementFromXml(const CSerializationContext& contex
 CElementInfoSeqClsMnd::CElementInfoSeqClsMnd(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                              XmlElementType memberType, ClassFactory factory, int classId,
                                              bool required)
-    : CElementInfo(name, ns, propertyIndex),
-      m_memberType(memberType),
+    : CElementInfo(name, ns, propertyIndex, MemberKind::Single, memberType),
       m_required(required),
       m_factory(factory),
       m_classId(classId) {}
@@ -127,7 +117,7 @@ bool CElementInfoSeqClsMnd::ElementToXml(const CSerializationContext& context, c
 bool CElementInfoSeqClsMnd::ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
                                            CXmlElement* parent, CXmlElement** cursor, const wchar_t*,
                                            XmlElementType ownerType) {
-  if (m_memberType == XmlElementType_InlineGroup) return ReadGroup(context, object, parent, cursor, ownerType);
+  if (IsInlineGroup()) return ReadGroup(context, object, parent, cursor, ownerType);
   if (ownerType != XmlElementType_Element && !IsThisElement(context, *cursor)) return false;
   if (SeekMandatory(*this, context, parent, cursor, ownerType) == Seek::GoOn) return true;
   const auto child = GetOrCreateChild(*this, object, m_factory, m_classId, **cursor);
@@ -152,14 +142,9 @@ bool CElementInfoSeqClsMnd::ReadGroup(const CSerializationContext& context, CXml
   return atEnd || !ownElement || !context.GetIgnoreUnknownElements();
 }
 
-void CElementInfoSeqClsMnd::PseudoChildAttributeToXml(const CSerializationContext& context,
-                                                      const CXmlGeneratedClass* object, CXmlWriter* writer) const {
-  GroupAttributesToXml(*this, m_memberType, context, object, writer);
-}
-
 CElementInfoSeqClsOpt::CElementInfoSeqClsOpt(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                              XmlElementType memberType, ClassFactory factory, int classId)
-    : CElementInfo(name, ns, propertyIndex), m_memberType(memberType), m_factory(factory), m_classId(classId) {}
+    : CElementInfo(name, ns, propertyIndex, MemberKind::Single, memberType), m_factory(factory), m_classId(classId) {}
 
 CElementInfoSeqClsOpt::~CElementInfoSeqClsOpt() = default;
 
@@ -170,11 +155,11 @@ bool CElementInfoSeqClsOpt::ElementToXml(const CSerializationContext& context, c
 
 bool CElementInfoSeqClsOpt::ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
                                            CXmlElement* parent, CXmlElement** cursor, const wchar_t*, XmlElementType) {
-  if (m_memberType == XmlElementType_InlineGroup ? *cursor == nullptr : !IsThisElement(context, *cursor)) return true;
+  if (IsInlineGroup() ? *cursor == nullptr : !IsThisElement(context, *cursor)) return true;
   const auto child = CreateChild(*this, m_factory, m_classId);
   if (child == nullptr) return true;
   const CXmlElement& element = **cursor;
-  if (m_memberType != XmlElementType_InlineGroup) {
+  if (!IsInlineGroup()) {
     ReadOwnElement(*this, context, child, cursor);
     StoreChild(*this, object, child, element);
   } else if (ReadInline(*this, context, child, parent, cursor)) {
@@ -183,14 +168,9 @@ bool CElementInfoSeqClsOpt::ElementFromXml(const CSerializationContext& context,
   return true;
 }
 
-void CElementInfoSeqClsOpt::PseudoChildAttributeToXml(const CSerializationContext& context,
-                                                      const CXmlGeneratedClass* object, CXmlWriter* writer) const {
-  GroupAttributesToXml(*this, m_memberType, context, object, writer);
-}
-
 CElementInfoSeqAbsClsMnd::CElementInfoSeqAbsClsMnd(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                                    XmlElementType memberType, AbstractClassFactory factory)
-    : CElementInfo(name, ns, propertyIndex), m_memberType(memberType), m_factory(factory) {}
+    : CElementInfo(name, ns, propertyIndex, MemberKind::Single, memberType), m_factory(factory) {}
 
 CElementInfoSeqAbsClsMnd::~CElementInfoSeqAbsClsMnd() = default;
 
@@ -217,14 +197,9 @@ bool CElementInfoSeqAbsClsMnd::ElementFromXml(const CSerializationContext& conte
   return true;
 }
 
-void CElementInfoSeqAbsClsMnd::PseudoChildAttributeToXml(const CSerializationContext& context,
-                                                         const CXmlGeneratedClass* object, CXmlWriter* writer) const {
-  GroupAttributesToXml(*this, m_memberType, context, object, writer);
-}
-
 CElementInfoSeqAbsClsOpt::CElementInfoSeqAbsClsOpt(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                                    XmlElementType memberType, AbstractClassFactory factory)
-    : CElementInfo(name, ns, propertyIndex), m_memberType(memberType), m_factory(factory) {}
+    : CElementInfo(name, ns, propertyIndex, MemberKind::Single, memberType), m_factory(factory) {}
 
 CElementInfoSeqAbsClsOpt::~CElementInfoSeqAbsClsOpt() = default;
 
@@ -243,11 +218,6 @@ bool CElementInfoSeqAbsClsOpt::ElementFromXml(const CSerializationContext& conte
   StoreChild(*this, object, child, *element);
   *cursor = element->GetNextSiblingElement();
   return true;
-}
-
-void CElementInfoSeqAbsClsOpt::PseudoChildAttributeToXml(const CSerializationContext& context,
-                                                         const CXmlGeneratedClass* object, CXmlWriter* writer) const {
-  GroupAttributesToXml(*this, m_memberType, context, object, writer);
 }
 
 CElementInfoSeqPrimMnd::CElementInfoSeqPrimMnd(const wchar_t* name, const wchar_t* ns, int propertyIndex, bool nillable,
@@ -330,7 +300,7 @@ bool CElementInfoSeqEnumOpt::ElementFromXml(const CSerializationContext& context
 
 CElementInfoSeqUntpdMnd::CElementInfoSeqUntpdMnd(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                                  const wchar_t* namespaceConstraint, const wchar_t* targetNamespace)
-    : CElementInfo(name, ns, propertyIndex),
+    : CElementInfo(name, ns, propertyIndex, MemberKind::Single, XmlElementType_Element),
       m_namespaceConstraint(TextOrEmpty(namespaceConstraint)),
       m_targetNamespace(TextOrEmpty(targetNamespace)) {}
 
@@ -355,7 +325,7 @@ bool CElementInfoSeqUntpdMnd::ElementFromXml(const CSerializationContext& contex
 
 CElementInfoSeqUntpdOpt::CElementInfoSeqUntpdOpt(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                                  const wchar_t* namespaceConstraint, const wchar_t* targetNamespace)
-    : CElementInfo(name, ns, propertyIndex, MemberKind::Wildcard),
+    : CElementInfo(name, ns, propertyIndex, MemberKind::Wildcard, XmlElementType_Element),
       m_namespaceConstraint(TextOrEmpty(namespaceConstraint)),
       m_targetNamespace(TextOrEmpty(targetNamespace)) {}
 

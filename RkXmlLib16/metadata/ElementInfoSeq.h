@@ -22,7 +22,8 @@ namespace RkXmlLib16Data {
 // Any collection.
 class RKXML_EXPORT CElementInfoSeqCol : public CElementInfo {
  public:
-  CElementInfoSeqCol(const wchar_t* name, const wchar_t* ns, int propertyIndex);
+  CElementInfoSeqCol(const wchar_t* name, const wchar_t* ns, int propertyIndex,
+                     XmlElementType memberType = RkXmlLib16::XmlElementType_Element);
   ~CElementInfoSeqCol() override;
   bool ElementToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
                     CXmlWriter* writer) const override;
@@ -34,22 +35,12 @@ class RKXML_EXPORT CElementInfoSeqClsCol : public CElementInfoSeqCol {
  public:
   CElementInfoSeqClsCol(const wchar_t* name, const wchar_t* ns, int propertyIndex, XmlElementType memberType);
   ~CElementInfoSeqClsCol() override;
-  void PseudoChildAttributeToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
-                                 CXmlWriter* writer) const override;
-
- private:
-  XmlElementType m_memberType;
 };
 
 class RKXML_EXPORT CElementInfoSeqAbsClsCol : public CElementInfoSeqCol {
  public:
   CElementInfoSeqAbsClsCol(const wchar_t* name, const wchar_t* ns, int propertyIndex, XmlElementType memberType);
   ~CElementInfoSeqAbsClsCol() override;
-  void PseudoChildAttributeToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
-                                 CXmlWriter* writer) const override;
-
- private:
-  XmlElementType m_memberType;
 };
 
 class RKXML_EXPORT CElementInfoSeqPrimCol : public CElementInfoSeqCol {
@@ -82,14 +73,11 @@ class RKXML_EXPORT CElementInfoSeqClsMnd : public CElementInfo {
                     CXmlWriter* writer) const override;
   bool ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object, CXmlElement* parent,
                       CXmlElement** cursor, const wchar_t* ownerNamespace, XmlElementType ownerType) override;
-  void PseudoChildAttributeToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
-                                 CXmlWriter* writer) const override;
 
  private:
   bool ReadGroup(const CSerializationContext& context, CXmlGeneratedClass* object, CXmlElement* parent,
                  CXmlElement** cursor, XmlElementType ownerType);
 
-  XmlElementType m_memberType;
   bool m_required;
   ClassFactory m_factory;
   int m_classId;
@@ -104,11 +92,8 @@ class RKXML_EXPORT CElementInfoSeqClsOpt : public CElementInfo {
                     CXmlWriter* writer) const override;
   bool ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object, CXmlElement* parent,
                       CXmlElement** cursor, const wchar_t* ownerNamespace, XmlElementType ownerType) override;
-  void PseudoChildAttributeToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
-                                 CXmlWriter* writer) const override;
 
  private:
-  XmlElementType m_memberType;
   ClassFactory m_factory;
   int m_classId;
 };
@@ -122,11 +107,8 @@ class RKXML_EXPORT CElementInfoSeqAbsClsMnd : public CElementInfo {
                     CXmlWriter* writer) const override;
   bool ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object, CXmlElement* parent,
                       CXmlElement** cursor, const wchar_t* ownerNamespace, XmlElementType ownerType) override;
-  void PseudoChildAttributeToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
-                                 CXmlWriter* writer) const override;
 
  private:
-  XmlElementType m_memberType;
   AbstractClassFactory m_factory;
 };
 
@@ -139,11 +121,8 @@ class RKXML_EXPORT CElementInfoSeqAbsClsOpt : public CElementInfo {
                     CXmlWriter* writer) const override;
   bool ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object, CXmlElement* parent,
                       CXmlElement** cursor, const wchar_t* ownerNamespace, XmlElementType ownerType) override;
-  void PseudoChildAttributeToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
-                                 CXmlWriter* writer) const override;
 
  private:
-  XmlElementType m_memberType;
   AbstractClassFactory m_factory;
 };
 

@@ -188,7 +188,16 @@ void CUtf8Appender::Append(std::wstring_view piece) {
     m_pending = piece.back();
     piece.remove_suffix(1);
   }
-  CEncoder::AppendUtf8(piece, m_out);
+  AppendPiece(piece);
+}
+
+// Room for the longest encoding spares the first of two looks at the text.
+void CUtf8Appender::AppendPiece(std::wstring_view piece) {
+  constexpr std::size_t kFewCharacters = 16384;
+  if (piece.size() > kFewCharacters) return CEncoder::AppendUtf8(piece, m_out);
+  const unsigned long before = m_out.GetLength();
+  unsigned char* const start = m_out.Extend(piece.size() * 4);
+  m_out.Truncate(before + static_cast<unsigned long>(CEncoder::WriteUtf8(piece, start) - start));
 }
 
 wchar_t CUtf8Appender::TakePending() {

@@ -48,6 +48,8 @@ class CUtf8Appender {
   void Finish();
 
  private:
+  void AppendPiece(std::wstring_view piece);
+
   CBinaryData& m_out;
   wchar_t m_pending = 0;
 };

@@ -38,7 +38,7 @@ class RKXML_EXPORT CBigInteger {
   CBigInteger(std::int32_t sign, CDigitVector digits);
   // `digits` as text, most significant first, nothing but digits; none are 0.
   void AssignDigits(std::int32_t sign, std::wstring_view digits);
-  CBigInteger(const CBigInteger& other);
+  CBigInteger(const CBigInteger& other) = default;
   CBigInteger(CBigInteger&& other) noexcept;
   CBigInteger& operator=(const CBigInteger& other);
   CBigInteger& operator=(CBigInteger&& other) noexcept;

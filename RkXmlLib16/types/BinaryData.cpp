@@ -9,6 +9,7 @@
 
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/support/Format.h"
+#include "RkXmlLib16/support/HugePages.h"
 #include "RkXmlLib16/types/Base64.h"
 
 namespace RkXmlLib16 {
@@ -89,6 +90,7 @@ unsigned long CDataHolder::GrownCapacity(unsigned long count) const {
 
 unsigned char* CDataHolder::Move(unsigned long capacity) {
   unsigned char* const moved = new unsigned char[capacity];
+  AskForHugePages(moved, capacity);
   CopyBytes(moved, m_data, m_length);
   m_capacity = capacity;
   return std::exchange(m_data, moved);

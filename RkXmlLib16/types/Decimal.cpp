@@ -99,7 +99,6 @@ CDecimal::CDecimal(const CBigInteger& integerPart, const CBigInteger& fractionPa
   Rationalise();
 }
 
-CDecimal::CDecimal(const CDecimal& other) = default;
 CDecimal::CDecimal(CDecimal&& other) noexcept = default;
 CDecimal& CDecimal::operator=(const CDecimal& other) = default;
 CDecimal& CDecimal::operator=(CDecimal&& other) noexcept = default;

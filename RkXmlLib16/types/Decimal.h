@@ -31,7 +31,7 @@ class RKXML_EXPORT CDecimal {
   CDecimal(const CBigInteger& value);
   // Both parts carry the value's sign; the fraction is below 10^divider, the divider at least 1.
   CDecimal(const CBigInteger& integerPart, const CBigInteger& fractionPart, std::int32_t divider);
-  CDecimal(const CDecimal& other);
+  CDecimal(const CDecimal& other) = default;
   CDecimal(CDecimal&& other) noexcept;
   CDecimal& operator=(const CDecimal& other);
   CDecimal& operator=(CDecimal&& other) noexcept;

@@ -134,8 +134,6 @@ void RkVariant::Clear() noexcept {
   if (released != nullptr) released->Release();
 }
 
-void RkVariant::SetInvalid() noexcept { Begin(0); }
-
 void RkVariant::SetNil() noexcept {
   Clear();
   m_nil = true;
@@ -258,6 +256,12 @@ void RkVariant::SetReference(std::uint32_t type, CXmlObjectBase* object, CXmlCol
 void RkVariant::SetXmlObject(CXmlObjectBase* object) { SetReference(kXmlObject, object, nullptr); }
 
 CSmartPtr<CXmlObjectBase> RkVariant::GetXmlObject() const { return PeekXmlObject(); }
+
+CSmartPtr<CXmlObjectBase> RkVariant::TakeXmlObject() noexcept {
+  CSmartPtr<CXmlObjectBase> object;
+  if (m_type == kXmlObject) object.Attach(std::exchange(m_slot.reference, Reference{}).object);
+  return object;
+}
 
 std::wstring RkVariant::ToString(const wchar_t* format) const {
   std::wstring text;

@@ -50,7 +50,9 @@ class RKXML_EXPORT RkVariant {
   // True when there is a type or the nil flag is set.
   bool IsValid() const noexcept { return m_type != 0 || m_nil; }
   // No value, no type, not nil.
-  void SetInvalid() noexcept;
+  void SetInvalid() noexcept {
+    if (IsValid()) Begin(0);
+  }
   // Clears the value, keeps the type and sets the flag, which every setter resets.
   void SetNil() noexcept;
   bool IsNil() const noexcept { return m_nil; }
@@ -127,6 +129,9 @@ class RKXML_EXPORT RkVariant {
   // Null when the variant is of another type.
   CSmartPtr<CXmlObjectBase> GetXmlObject() const;
   CSmartPtr<CXmlCollectionBase> GetXmlCollection() const;
+
+  // The same, and nothing stays in the variant, which keeps its type.
+  CSmartPtr<CXmlObjectBase> TakeXmlObject() noexcept;
 
   // The same, borrowed until the variant changes.
   CXmlObjectBase* PeekXmlObject() const noexcept { return m_type == kXmlObject ? m_slot.reference.object : nullptr; }

@@ -1,7 +1,8 @@
 #include "RkXmlLib16/xml/XmlTextWriter.h"
 
-#include <cstddef>
-#include <cstdint>
+#include <emmintrin.h>
+
+#include <algorithm>
 
 #include "RkXmlLib16/core/Exception.h"
 
@@ -11,14 +12,41 @@ namespace {
 
 constexpr unsigned long kFlushLength = 4096;
 constexpr std::size_t kShortText = 64;
+constexpr std::size_t kLongestEscape = 6;  // of one character
 constexpr std::wstring_view kCDataStart = L"<![CDATA[";
+const std::wstring kNoPrefix;
 
 // The text up to its first NUL.
 std::wstring_view UpToNul(const std::wstring& text) { return text.c_str(); }
 
+// Copies the text up to its first NUL.
+wchar_t* PutName(wchar_t* to, const std::wstring& name) {
+  for (const wchar_t* from = name.c_str(); *from != L'\0';) *to++ = *from++;
+  return to;
+}
+
+wchar_t* PutQName(wchar_t* to, const std::wstring& prefix, const std::wstring& localName) {
+  if (!prefix.empty()) {
+    to = PutName(to, prefix);
+    *to++ = L':';
+  }
+  return PutName(to, localName);
+}
+
+__m128i LoadFour(const wchar_t* text) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(text)); }
+
+// Whether some of four characters may be special: below '?', but not a space or between '+' and ';'.
+bool MayBeSpecial(__m128i four) {
+  const __m128i letter = _mm_cmpgt_epi32(four, _mm_set1_epi32(L'>'));
+  const __m128i space = _mm_cmpeq_epi32(four, _mm_set1_epi32(L' '));
+  const __m128i digit =
+      _mm_and_si128(_mm_cmpgt_epi32(four, _mm_set1_epi32(L'*')), _mm_cmplt_epi32(four, _mm_set1_epi32(L'<')));
+  return _mm_movemask_epi8(_mm_or_si128(_mm_or_si128(letter, space), digit)) != 0xFFFF;
+}
+
 // The characters that escaping looks at, which are all below 64, as bits.
 constexpr std::uint64_t MakeSet(std::wstring_view characters) {
-  std::uint64_t set = 0;
+  std::uint64_t set = 1;  // NUL, which ends a text
   for (const wchar_t c : characters) set |= std::uint64_t{1} << c;
   return set;
 }
@@ -108,16 +136,12 @@ void CXmlTextWriter::WriteStartElement(const std::wstring& localName, const std:
   if (!namespaceUri.empty() && namespaceUri != context.GetDefaultNamespace())
     context.m_prefix = RequirePrefix(namespaceUri, invented);
 
-  const std::wstring_view name = UpToNul(localName);
-  wchar_t* to =
-      m_stream.Reserve(1 + m_endOfLine.size() + IndentLength() + 1 + context.m_prefix.size() + 1 + name.size());
-  if (closesTag) {
-    *to++ = L'>';
-    if (m_format) to = CStringBuffer::Copy(to, m_endOfLine);
-  }
-  to = Indent(to);
+  wchar_t* to = m_stream.Reserve(1 + m_endOfLine.size() + IndentLength(context.m_depth) + 1 + context.m_prefix.size() +
+                                 1 + localName.size());
+  if (closesTag) to = PutEndOfTag(to);
+  to = PutIndent(to, context.m_depth);
   *to++ = L'<';
-  m_stream.Commit(CStringBuffer::Copy(Prefix(to), name));
+  m_stream.Commit(PutQName(to, context.m_prefix, localName));
 
   if (invented) {
     Put(L" ");
@@ -125,6 +149,43 @@ void CXmlTextWriter::WriteStartElement(const std::wstring& localName, const std:
   }
   if (isRoot) PutRootDeclarations();
   FlushIfDue();
+}
+
+void CXmlTextWriter::WriteTextElement(const std::wstring& localName, const std::wstring& namespaceUri,
+                                      const std::wstring& text, ItemType type) {
+  const std::wstring* const prefix = m_context != nullptr ? FindElementPrefix(namespaceUri) : nullptr;
+  const bool isShort = text.size() <= kShortText && text.compare(0, kCDataStart.size(), kCDataStart) != 0;
+  if (prefix == nullptr || !isShort) return CXmlWriter::WriteTextElement(localName, namespaceUri, text, type);
+
+  const std::int64_t depth = m_context->m_depth + 1;
+  const std::size_t tagLength = 1 + prefix->size() + 1 + localName.size() + 1;
+  wchar_t* to =
+      m_stream.Reserve(IndentLength(depth) + 2 * (tagLength + 1 + m_endOfLine.size()) + text.size() * kLongestEscape);
+  if (m_context->m_startTagOpen) to = PutEndOfTag(to);
+  ++m_context->m_childCount;
+  m_context->m_startTagOpen = false;
+  to = PutIndent(to, depth);
+  *to++ = L'<';
+  const wchar_t* const name = to;
+  to = PutQName(to, *prefix, localName);
+  if (text.empty() || text.front() == L'\0') {
+    *to++ = L'/';
+  } else {
+    const std::wstring_view written(name, static_cast<std::size_t>(to - name));
+    *to++ = L'>';
+    to = PutEscapedShort(to, text, Escaping::Text);
+    *to++ = L'<';
+    *to++ = L'/';
+    to = CStringBuffer::Copy(to, written);
+  }
+  m_stream.Commit(PutEndOfTag(to));
+  FlushIfDue();
+}
+
+const std::wstring* CXmlTextWriter::FindElementPrefix(const std::wstring& namespaceUri) const {
+  if (namespaceUri.empty() || namespaceUri == m_context->GetDefaultNamespace()) return &kNoPrefix;
+  const std::wstring* const prefix = m_context->FindPrefix(namespaceUri);
+  return prefix != nullptr && !prefix->empty() ? prefix : nullptr;
 }
 
 void CXmlTextWriter::PutRootDeclarations() {
@@ -155,40 +216,36 @@ void CXmlTextWriter::WriteText(std::wstring_view text) {
 void CXmlTextWriter::WriteEndElement() {
   if (m_context == nullptr) throw CRkException(L"There is no open Element to end.");
   const CXmlWriterContext& context = *m_context;
-  const std::wstring_view name = UpToNul(context.m_localName);
-  wchar_t* to = m_stream.Reserve(IndentLength() + 3 + context.m_prefix.size() + 1 + name.size() + m_endOfLine.size());
+  wchar_t* to = m_stream.Reserve(IndentLength(context.m_depth) + 3 + context.m_prefix.size() + 1 +
+                                 context.m_localName.size() + m_endOfLine.size());
   if (context.m_startTagOpen) {
     *to++ = L'/';
   } else {
-    if (context.m_childCount != 0) to = Indent(to);
+    if (context.m_childCount != 0) to = PutIndent(to, context.m_depth);
     *to++ = L'<';
     *to++ = L'/';
-    to = CStringBuffer::Copy(Prefix(to), name);
+    to = PutQName(to, context.m_prefix, context.m_localName);
   }
-  *to++ = L'>';
-  if (m_format) to = CStringBuffer::Copy(to, m_endOfLine);
-  m_stream.Commit(to);
+  m_stream.Commit(PutEndOfTag(to));
   PopContext();
   FlushIfDue();
 }
 
-std::size_t CXmlTextWriter::IndentLength() const {
-  return m_indentChars.size() * static_cast<std::size_t>(m_context->m_depth);
+std::size_t CXmlTextWriter::IndentLength(std::int64_t depth) const {
+  return m_indentChars.size() * static_cast<std::size_t>(depth);
 }
 
-// The indentation of the open element.
-wchar_t* CXmlTextWriter::Indent(wchar_t* to) const {
+wchar_t* CXmlTextWriter::PutIndent(wchar_t* to, std::int64_t depth) const {
   if (!m_format) return to;
-  for (std::int64_t depth = m_context->m_depth; depth > 0; --depth) to = CStringBuffer::Copy(to, m_indentChars);
+  if (m_indentChars.size() == 1) return std::fill_n(to, depth, m_indentChars.front());
+  for (; depth > 0; --depth) to = CStringBuffer::Copy(to, m_indentChars);
   return to;
 }
 
-// The prefix of the open element and its colon.
-wchar_t* CXmlTextWriter::Prefix(wchar_t* to) const {
-  if (m_context->m_prefix.empty()) return to;
-  to = CStringBuffer::Copy(to, m_context->m_prefix);
-  *to++ = L':';
-  return to;
+// What closes a tag that other lines follow.
+wchar_t* CXmlTextWriter::PutEndOfTag(wchar_t* to) const {
+  *to++ = L'>';
+  return m_format ? CStringBuffer::Copy(to, m_endOfLine) : to;
 }
 
 void CXmlTextWriter::WriteAttributeString(const std::wstring& localName, const std::wstring& namespaceUri,
@@ -200,20 +257,30 @@ void CXmlTextWriter::WriteAttribute(const std::wstring& localName, const std::ws
                                     std::wstring_view value) {
   RequireStartTag();
   Put(L" ");
+  const std::wstring* prefix = &kNoPrefix;
   if (!namespaceUri.empty()) {
     bool invented = false;
-    const std::wstring& prefix = RequirePrefix(namespaceUri, invented);
+    prefix = &RequirePrefix(namespaceUri, invented);
     if (invented) {
-      PutDeclaration(prefix, namespaceUri);
+      PutDeclaration(*prefix, namespaceUri);
       Put(L" ");
     }
-    Put(prefix);
-    Put(L":");
   }
-  Put(UpToNul(localName));
-  Put(L"=\"");
-  PutEscaped(value, Escaping::Attribute);
-  m_stream.Append(L'"');
+  const bool isShort = value.size() <= kShortText;
+  wchar_t* to =
+      m_stream.Reserve(prefix->size() + 1 + localName.size() + 3 + (isShort ? value.size() * kLongestEscape : 0));
+  to = PutQName(to, *prefix, localName);
+  *to++ = L'=';
+  *to++ = L'"';
+  if (isShort) {
+    to = PutEscapedShort(to, value, Escaping::Attribute);
+  } else {
+    m_stream.Commit(to);
+    PutEscaped(value, Escaping::Attribute);
+    to = m_stream.Reserve(1);
+  }
+  *to++ = L'"';
+  m_stream.Commit(to);
   FlushIfDue();
 }
 
@@ -240,31 +307,42 @@ void CXmlTextWriter::WriteAttributeNil() {
 }
 
 void CXmlTextWriter::PutEscaped(std::wstring_view text, Escaping where) {
+  text = text.substr(0, text.find(L'\0'));
+  // Short pieces take the room they could need; of long ones the clean runs go out whole.
+  while (text.size() > kShortText) {
+    std::size_t clean = 0;
+    while (clean + 4 <= text.size() && !MayBeSpecial(LoadFour(text.data() + clean))) clean += 4;
+    Put(text.substr(0, clean));
+    text.remove_prefix(clean);
+    const std::wstring_view piece = text.substr(0, clean != 0 ? 4 : kShortText);
+    m_stream.Commit(PutEscapedShort(m_stream.Reserve(piece.size() * kLongestEscape), piece, where));
+    text.remove_prefix(piece.size());
+  }
+  m_stream.Commit(PutEscapedShort(m_stream.Reserve(text.size() * kLongestEscape), text, where));
+}
+
+// The text up to its first NUL; there is room for the longest escapes.
+wchar_t* CXmlTextWriter::PutEscapedShort(wchar_t* to, std::wstring_view text, Escaping where) const {
   const std::uint64_t special = where == Escaping::Attribute ? kSpecialInAttribute : kSpecialInText;
-  const auto isSpecial = [special](wchar_t c) {
-    const auto code = static_cast<std::uint32_t>(c);
-    return code < 64 && (special >> code & 1) != 0;
-  };
-  if (text.size() <= kShortText) {
-    wchar_t* to = m_stream.Reserve(text.size() * kLongestEscape);
-    for (const wchar_t c : text) {
-      if (isSpecial(c))
-        to = PutEscape(to, c, where);
-      else
-        *to++ = c;
+  const wchar_t* at = text.data();
+  const wchar_t* const end = at + text.size();
+  for (;;) {
+    for (; end - at >= 4; at += 4, to += 4) {
+      const __m128i four = LoadFour(at);
+      if (MayBeSpecial(four)) break;
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(to), four);
     }
-    return m_stream.Commit(to);
+    for (const wchar_t* const stop = end - at >= 4 ? at + 4 : end; at != stop; ++at) {
+      const auto code = static_cast<std::uint32_t>(*at);
+      if (code >= 64 || (special >> code & 1) == 0)
+        *to++ = *at;
+      else if (code == 0)
+        return to;
+      else
+        to = PutEscape(to, *at, where);
+    }
+    if (at == end) return to;
   }
-  // Clean runs go out whole.
-  const wchar_t* run = text.data();
-  const wchar_t* const end = run + text.size();
-  for (const wchar_t* at = run; at != end; ++at) {
-    if (!isSpecial(*at)) continue;
-    Put({run, static_cast<std::size_t>(at - run)});
-    run = at + 1;
-    m_stream.Commit(PutEscape(m_stream.Reserve(kLongestEscape), *at, where));
-  }
-  Put({run, static_cast<std::size_t>(end - run)});
 }
 
 wchar_t* CXmlTextWriter::PutEscape(wchar_t* to, wchar_t c, Escaping where) const {

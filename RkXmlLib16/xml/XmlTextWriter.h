@@ -1,6 +1,8 @@
 #ifndef RKXMLLIB16_XML_XMLTEXTWRITER_H
 #define RKXMLLIB16_XML_XMLTEXTWRITER_H
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -59,6 +61,8 @@ class RKXML_EXPORT CXmlTextWriter : public CXmlWriter {
                             ItemType type) override;
   void WriteAttributeType(const std::wstring& typeNamespaceUri, const std::wstring& typeName, ItemType type) override;
   void WriteAttributeNil() override;
+  void WriteTextElement(const std::wstring& localName, const std::wstring& namespaceUri, const std::wstring& text,
+                        ItemType type) override;
 
   // The same for text that is at hand without a string; it must not hold NUL.
   void WriteText(std::wstring_view text);
@@ -70,14 +74,15 @@ class RKXML_EXPORT CXmlTextWriter : public CXmlWriter {
   void Put(std::wstring_view text) { m_stream.Append(text); }
   void PutEscaped(std::wstring_view text, Escaping where);
   void PutDeclaration(std::wstring_view prefix, const std::wstring& namespaceUri);
-  wchar_t* PutEscape(wchar_t* to, wchar_t c, Escaping where) const;
-  // At most this many characters stand for one.
-  static constexpr std::size_t kLongestEscape = 6;
   void PutRootDeclarations();
-  std::size_t IndentLength() const;
+  // The prefix of an element in the namespace; null when one must be invented. An element must be open.
+  const std::wstring* FindElementPrefix(const std::wstring& namespaceUri) const;
+  std::size_t IndentLength(std::int64_t depth) const;
   // Write to `to` and return the end.
-  wchar_t* Indent(wchar_t* to) const;
-  wchar_t* Prefix(wchar_t* to) const;
+  wchar_t* PutIndent(wchar_t* to, std::int64_t depth) const;
+  wchar_t* PutEndOfTag(wchar_t* to) const;
+  wchar_t* PutEscapedShort(wchar_t* to, std::wstring_view text, Escaping where) const;
+  wchar_t* PutEscape(wchar_t* to, wchar_t c, Escaping where) const;
   void CloseStartTag();
   void RequireStartTag() const;
   void FlushIfDue();

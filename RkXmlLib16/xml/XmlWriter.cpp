@@ -219,6 +219,13 @@ void CXmlWriter::AddNamespace(const std::wstring& prefix, const std::wstring& na
     m_context->SetNamespaceMapValue(namespaceUri, prefix);
 }
 
+void CXmlWriter::WriteTextElement(const std::wstring& localName, const std::wstring& namespaceUri,
+                                  const std::wstring& text, ItemType type) {
+  WriteStartElement(localName, namespaceUri);
+  WriteString(text, type);
+  WriteEndElement();
+}
+
 bool CXmlWriter::DeclareNamespace(const std::wstring& prefix, const std::wstring& namespaceUri) {
   if (m_context != nullptr) {
     const std::wstring* known = m_context->FindPrefix(namespaceUri);

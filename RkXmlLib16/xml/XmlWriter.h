@@ -8,6 +8,7 @@
 
 #include "RkXmlLib16/core/Enumerations.h"
 #include "RkXmlLib16/core/Export.h"
+#include "RkXmlLib16/types/Variant.h"
 
 namespace RkXmlLib16 {
 
@@ -103,6 +104,10 @@ class RKXML_EXPORT CXmlWriter {
   virtual void WriteAttributeType(const std::wstring& typeNamespaceUri, const std::wstring& typeName,
                                   ItemType type) = 0;
   virtual void WriteAttributeNil() = 0;
+  // An element with nothing but text: WriteStartElement, WriteString and WriteEndElement, which is what it calls unless
+  // a writer does it in one step.
+  virtual void WriteTextElement(const std::wstring& localName, const std::wstring& namespaceUri,
+                                const std::wstring& text, ItemType type);
 
   // Declares the prefix on the open start tag, for values that use it, unless it is in scope already. False when the
   // prefix is in scope for another namespace, which is left so. Writers see the declaration as an attribute of
@@ -110,7 +115,11 @@ class RKXML_EXPORT CXmlWriter {
   bool DeclareNamespace(const std::wstring& prefix, const std::wstring& namespaceUri);
   // Sets the state of the open element; without one it does nothing.
   void SetContextState(ContextState state);
-  // Room for a value on its way to the writer, which is converted to text there; good until the next value.
+  // Room for a value on its way to the writer, invalid at first, and for its text; both are good until the next value.
+  RkVariant& BeginValue() noexcept {
+    m_value.SetInvalid();
+    return m_value;
+  }
   std::wstring& GetValueBuffer() noexcept { return m_valueBuffer; }
   // The first of "AA", "AB", ... that is not a prefix in the map.
   static std::wstring GetUniquePrefix(const NamespaceMap& namespaces);
@@ -138,6 +147,7 @@ class RKXML_EXPORT CXmlWriter {
   NamespaceMap m_namespaces;
 
  private:
+  RkVariant m_value;
   std::wstring m_valueBuffer;
   std::unique_ptr<CXmlWriterContext> m_closedContexts;  // kept for reuse, chained by their parents
 };

@@ -35,16 +35,6 @@ bool CheckedColToXml(const CElementInfo& info, const CSerializationContext& cont
   return info.WriteCollection(context, collection, writer);
 }
 
-void GroupAttributesToXml(const CElementInfo& info, XmlElementType memberType, const CSerializationContext& context,
-                          const CXmlGeneratedClass* object, CXmlWriter* writer) {
-  if (memberType != XmlElementType_InlineGroup) return;
-  RkVariant value;
-  info.ReadProperty(object, value);
-  const CXmlObjectBase* child = value.PeekXmlObject();
-  if (child == nullptr) child = value.PeekXmlCollection();
-  if (child != nullptr) info.AttributesToXml_Int(child, writer, context);
-}
-
 void ThrowMissingChild(const CElementInfo& info, const CXmlElement* parent) {
   throw CRkValidationException(
       FormatString(L"Failed to find the required child element [%ls].", info.GetElementName().c_str()),

@@ -15,9 +15,6 @@ bool RequireWritten(const CElementInfo& info, bool written);
 // Checks the bounds of the collection, unless the context ignores them, and writes it.
 bool CheckedColToXml(const CElementInfo& info, const CSerializationContext& context, const CXmlGeneratedClass* object,
                      CXmlWriter* writer);
-// Writes the attributes of an inline member, object or collection, onto the owner's element.
-void GroupAttributesToXml(const CElementInfo& info, XmlElementType memberType, const CSerializationContext& context,
-                          const CXmlGeneratedClass* object, CXmlWriter* writer);
 
 // CRkValidationException with the path of `parent`: "Failed to find the required child element [%ls].".
 [[noreturn]] void ThrowMissingChild(const CElementInfo& info, const CXmlElement* parent);

@@ -1,11 +1,11 @@
 #include "RkXmlLib16/xml/internal/Arena.h"
 
-#include <sys/mman.h>
-
 #include <algorithm>
 #include <cstdlib>
 #include <new>
 #include <utility>
+
+#include "RkXmlLib16/support/HugePages.h"
 
 namespace RkXmlLib16 {
 
@@ -13,7 +13,6 @@ namespace {
 
 constexpr std::size_t kFirstChunk = 4 * 1024;
 constexpr std::size_t kLargestChunk = 8 * 1024 * 1024;
-constexpr std::size_t kHugePage = 2 * 1024 * 1024;
 
 }  // namespace
 
@@ -31,7 +30,7 @@ void CArena::AddChunk(std::size_t atLeast) {
       if (size > SIZE_MAX - kHugePage) throw std::bad_alloc();
       size = (size + kHugePage - 1) & ~(kHugePage - 1);
       chunk.memory.reset(static_cast<unsigned char*>(std::aligned_alloc(kHugePage, size)));
-      if (chunk.memory != nullptr) ::madvise(chunk.memory.get(), size, MADV_HUGEPAGE);
+      if (chunk.memory != nullptr) AskForHugePages(chunk.memory.get(), size);
     } else {
       chunk.memory.reset(static_cast<unsigned char*>(std::malloc(size)));
     }
