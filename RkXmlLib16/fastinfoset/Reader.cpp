@@ -409,7 +409,7 @@ void CFastInfosetReader::NonIdentifyingStringOrIndexBit1(CXmlElement* element, c
   }
   const EncodedString string = EncodedCharacterStringBit3(octet);
   const bool add = (octet & FastInfoset::kValueAddBit) != 0;
-  if (string.encoding == FIStringEncoding_UTF8) {
+  if (string.encoding == FIStringEncoding_UTF8 && !Contains(string, '\0')) {
     const std::string_view utf8 = BytesOf(string.octets, string.length);
     const std::size_t room = string.length <= kUncountedLength ? string.length : CEncoder::UnicodeLength(utf8);
     CXmlAttribute* const attribute = m_document.AddAttribute(element, name.localName, name.namespaceUri, {});
@@ -435,9 +435,7 @@ void CFastInfosetReader::NonIdentifyingStringOrIndexBit3(CXmlElement* element, u
   }
   const EncodedString string = EncodedCharacterStringBit5(octet);
   const bool add = (octet & FastInfoset::kChunkAddBit) != 0;
-  const bool isPlain =
-      string.encoding == FIStringEncoding_UTF8 && std::memchr(string.octets, '\r', string.length) == nullptr;
-  if (isPlain) {
+  if (string.encoding == FIStringEncoding_UTF8 && !Contains(string, '\r') && !Contains(string, '\0')) {
     const std::string_view utf8 = BytesOf(string.octets, string.length);
     const std::size_t room = string.length <= kUncountedLength ? string.length : CEncoder::UnicodeLength(utf8);
     wchar_t* const out = m_document.ReserveText(element, room);
@@ -485,17 +483,27 @@ CFastInfosetReader::EncodedString CFastInfosetReader::EncodedCharacterStringBit5
   return string;
 }
 
+// Texts and values end at their first NUL, as whoever takes them from the tree sees them end there.
 void CFastInfosetReader::Decode(const EncodedString& string) {
   switch (string.encoding) {
     case FIStringEncoding_UTF16BE:
-      return NonEmptyOctetUTF16BEString(string.octets, string.length);
+      NonEmptyOctetUTF16BEString(string.octets, string.length);
+      break;
     case FIStringEncoding_RestrictedAlphabet:
-      return NonEmptyOctetRestrictedAlphabetString(string.index, string.octets, string.length);
+      NonEmptyOctetRestrictedAlphabetString(string.index, string.octets, string.length);
+      break;
     case FIStringEncoding_EncodingAlgorithm:
-      return NonEmptyOctetEncryptedString(string.index, string.octets, string.length);
+      NonEmptyOctetEncryptedString(string.index, string.octets, string.length);
+      break;
     default:
-      return NonEmptyOctetUTF8String(string.octets, string.length);
+      NonEmptyOctetUTF8String(string.octets, string.length);
+      break;
   }
+  m_text.resize(std::min(m_text.find(L'\0'), m_text.length()));
+}
+
+bool CFastInfosetReader::Contains(const EncodedString& string, char octet) {
+  return std::memchr(string.octets, octet, string.length) != nullptr;
 }
 
 void CFastInfosetReader::NonEmptyOctetUTF8String(const unsigned char* octets, std::size_t length) {

@@ -98,6 +98,7 @@ class RKXML_EXPORT CFastInfosetReader {
 
   // These put the text into m_text.
   void Decode(const EncodedString& string);
+  static bool Contains(const EncodedString& string, char octet);
   void NonEmptyOctetUTF8String(const unsigned char* octets, std::size_t length);
   void NonEmptyOctetUTF16BEString(const unsigned char* octets, std::size_t length);
   void NonEmptyOctetRestrictedAlphabetString(unsigned long alphabet, const unsigned char* octets, std::size_t length);

@@ -48,6 +48,9 @@ TEST(FastInfosetReader, WhatWritersMayWrite) {
       // carriage returns in text go, also where the text is found again
       {"00 3C 00 61 92 00 78 0D 79 A0 FF", L"{}a[](xyxy)"},
       {"00 7C 00 61 78 00 62 42 78 0D 79 FF F0", L"{}a[{}b=x\ry;]()"},
+      // texts and values end at a NUL, also where they are found again and in UTF-16
+      {"00 3C 00 61 92 00 78 00 79 A0 FF", L"{}a[](xx)"},
+      {"00 7C 00 61 78 00 62 42 78 00 79 78 00 63 80 78 00 64 53 00 78 00 00 FF F0", L"{}a[{}b=x;{}c=x;{}d=x;]()"},
       // literals of a qualified name itself
       {"00 3F 00 70 04 75 72 6E 3A 70 00 61 FF", L"{urn:p}a[]()"},
   };
