@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/Expect.h"
+#include "Expect.h"
 
 namespace RkXmlLib16 {
 namespace {

@@ -1,20 +1,18 @@
-#include <gtest/gtest.h>
-#include <pthread.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <fstream>
-#include <functional>
 #include <string>
 
+#include "Expect.h"
 #include "RkXmlLib16/core/SerializationContext.h"
 #include "RkXmlLib16/support/Encoder.h"
 #include "RkXmlLib16/support/Zip.h"
 #include "RkXmlLib16/xml/ElementTree.h"
 #include "RkXmlLib16/xml/XmlTextWriter.h"
-#include "tests/Expect.h"
+#include "support/SmallStack.h"
+#include "support/TempFile.h"
 
 namespace RkXmlLib16 {
 namespace {
@@ -154,14 +152,10 @@ TEST(Reading, WideTextLosesHighBitsIntended) {
   CXmlDocument document;
   document.LoadXml(L"<a>\xE9\x1F600</a>");
   EXPECT_WIDE_EQ(L"a(\xE9\xF600)", Shown(document.GetDocumentElement()));
-  document.LoadXml(
-      L"<a>\x1003C"
-      L"b/></a>");
+  const std::wstring markup = std::wstring(L"<a>") + wchar_t(0x1003C) + L"b/></a>";
+  document.LoadXml(markup.c_str());
   EXPECT_WIDE_EQ(L"a()<b()>", Shown(document.GetDocumentElement()));
-}
-
-TEST(Reading, OwnWideTextStaysWhole) {
-  CXmlDocument document;
+  // The library's own stays whole.
   document.LoadXmlWide(L"<a>\xE9\x1F600\x1003C\x110000</a>");
   EXPECT_WIDE_EQ(L"a(\xE9\xD83D\xDE00\xD800\xDC3C\xFFFD)", Shown(document.GetDocumentElement()));
 }
@@ -211,11 +205,10 @@ TEST(Reading, FilesThatCannotBeReadSayWhy) {
   EXPECT_RK_THROWS(CRkException, L"Failed to read the contents of the file [/dev/null] Error [0]",
                    d.LoadJsonFile(L"/dev/null"));
 
-  const std::string name = ::testing::TempDir() + "rkxml_reading_test.xml";
-  std::ofstream(name) << "<a>1</a>";
-  d.Load(std::wstring(name.begin(), name.end()).c_str());
+  const RkXmlTest::CTempFile file;
+  std::ofstream(file.Path()) << "<a>1</a>";
+  d.Load(file.Name().c_str());
   EXPECT_WIDE_EQ(L"a(1)", Shown(d.GetDocumentElement()));
-  ::unlink(name.c_str());
   int pipe[2];
   ASSERT_EQ(0, ::pipe(pipe));
   const std::wstring pipeName = L"/dev/fd/" + std::to_wstring(pipe[0]);
@@ -245,23 +238,6 @@ TEST(Reading, HoldsTheLimits) {
                    document.LoadXmlStream(data.GetData(), data.GetLength()));
 }
 
-// Runs in a thread with a small stack.
-void RunInSmallStack(std::function<void()> work) {
-  pthread_attr_t attributes;
-  pthread_attr_init(&attributes);
-  pthread_attr_setstacksize(&attributes, 256 * 1024);
-  pthread_t thread;
-  ASSERT_EQ(0, pthread_create(
-                   &thread, &attributes,
-                   [](void* w) -> void* {
-                     (*static_cast<std::function<void()>*>(w))();
-                     return nullptr;
-                   },
-                   &work));
-  pthread_join(thread, nullptr);
-  pthread_attr_destroy(&attributes);
-}
-
 TEST(Reading, BoundsWhatADtdCanDo) {
   const auto nested = [](int depth) {
     std::string xml = "<!DOCTYPE a [<!ENTITY e0 'x'>";
@@ -269,7 +245,7 @@ TEST(Reading, BoundsWhatADtdCanDo) {
     const std::string last = "&e" + std::to_string(depth) + ";";
     return xml + "]><a v='" + last + "'>" + last + "</a>";
   };
-  RunInSmallStack([&] { EXPECT_WIDE_EQ(L"a@v=x(x)", Read(nested(200))); });
+  RkXmlTest::RunInSmallStack([&] { EXPECT_WIDE_EQ(L"a@v=x(x)", Read(nested(200))); });
   EXPECT_RK_THROWS(CRkException, L"Limit exceeded: entities that refer to entities 200.", Read(nested(20000)));
   // One long default on many elements is held once.
   std::string defaults = "<!DOCTYPE a [<!ATTLIST b x CDATA '" + std::string(100000, 'x') + "'>]><a>";
@@ -282,21 +258,16 @@ TEST(Reading, BoundsWhatADtdCanDo) {
 }
 
 TEST(Reading, DepthNeedsNoStack) {
-  RunInSmallStack([] {
+  RkXmlTest::RunInSmallStack([] {
     constexpr int kDepth = 100000;
-    CTextStream stream(XmlEncoding_UTF8);
-    {
-      CXmlTextWriter writer(stream);
+    const auto write = [](CXmlTextWriter& writer, const wchar_t* uri) {
       writer.SetFormat(false);
-      for (int i = 0; i < kDepth; ++i) writer.WriteStartElement(L"a", L"u");
-      for (int i = 0; i < kDepth; ++i) writer.WriteEndElement();
-      CXmlTextWriter unfinished(stream);
-      for (int i = 0; i < 1000; ++i) unfinished.WriteStartElement(L"a", L"u");
-    }
-    CTextStream whole(XmlEncoding_UTF8);
-    CXmlTextWriter writer(whole);
-    writer.SetFormat(false);
-    for (int i = 0; i < kDepth; ++i) writer.WriteStartElement(L"a", L"");
+      for (int i = 0; i < kDepth; ++i) writer.WriteStartElement(L"a", uri);
+    };
+    CTextStream stream(XmlEncoding_UTF8), whole(XmlEncoding_UTF8);
+    CXmlTextWriter unfinished(stream), writer(whole);
+    write(unfinished, L"u");
+    write(writer, L"");
     for (int i = 0; i < kDepth; ++i) writer.WriteEndElement();
     const CBinaryData bytes = whole.GetEncodedStream();
     CXmlDocument document;

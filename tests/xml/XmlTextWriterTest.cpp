@@ -1,13 +1,14 @@
 #include "RkXmlLib16/xml/XmlTextWriter.h"
 
-#include <gtest/gtest.h>
-
 #include <functional>
 
-#include "tests/Expect.h"
+#include "Expect.h"
+#include "support/Replay.h"
 
 namespace RkXmlLib16 {
 namespace {
+
+using RkXmlTest::Replay;
 
 // What `write` makes of an open writer; plain means not formatted.
 std::wstring Written(const std::function<void(CXmlTextWriter&)>& write, bool formatted = false) {
@@ -20,37 +21,20 @@ std::wstring Written(const std::function<void(CXmlTextWriter&)>& write, bool for
   return stream.GetText();
 }
 
-void WriteElement(CXmlTextWriter& w, const std::wstring& name, const std::wstring& uri,
-                  const std::wstring& text = L"") {
-  w.WriteStartElement(name, uri);
-  w.WriteString(text, ItemType_string);
-  w.WriteEndElement();
+std::wstring Written(const wchar_t* script, bool formatted = false) {
+  return Written([script](CXmlTextWriter& w) { Replay(w, script); }, formatted);
 }
 
 TEST(XmlTextWriter, PutsElementsOnIndentedLines) {
   EXPECT_WIDE_EQ(L"<order id=\"7\">\n\t<item>pen</item>\n\t<gift/>\n\t<box>\n\t\t<item/>\n\t</box>\n</order>\n",
-                 Written(
-                     [](CXmlTextWriter& w) {
-                       w.WriteStartElement(L"order", L"");
-                       w.WriteAttributeString(L"id", L"", L"7", ItemType_int);
-                       WriteElement(w, L"item", L"", L"pen");
-                       WriteElement(w, L"gift", L"");
-                       w.WriteStartElement(L"box", L"");
-                       WriteElement(w, L"item", L"");
-                       w.WriteEndElement();
-                       w.WriteEndElement();
-                     },
-                     true));
+                 Written(L"<order @id=#7 <item 'pen'> <gift ''> <box <item>>>", true));
 }
 
 TEST(XmlTextWriter, KeepsTextBesideChildrenInPlace) {
   const auto mixed = [](CXmlTextWriter& w) {
     w.SetIndentChars(L"  ");
     w.SetEOLType(EOLType_CRLF);
-    w.WriteStartElement(L"a", L"");
-    w.WriteString(L"x", ItemType_string);
-    WriteElement(w, L"b", L"");
-    w.WriteEndElement();
+    Replay(w, L"<a 'x' <b>>");
   };
   EXPECT_WIDE_EQ(L"<a>x  <b/>\r\n</a>\r\n", Written(mixed, true));
   EXPECT_WIDE_EQ(L"<a>x<b/></a>", Written(mixed));
@@ -96,7 +80,7 @@ TEST(XmlTextWriter, EscapesTextAndAttributes) {
     });
     EXPECT_WIDE_EQ(std::wstring(L"<e a=\"") + row.attribute + L"\">" + row.text + L"</e>", written);
   }
-  EXPECT_WIDE_EQ(L"<e>ab</e>", Written([](CXmlTextWriter& w) { WriteElement(w, L"e", L"", {L'a', L'b', 0, L'c'}); }));
+  EXPECT_WIDE_EQ(L"<e>ab</e>", Written([](CXmlTextWriter& w) { Replay(w, std::wstring_view(L"<e 'ab\0c'>", 10)); }));
 }
 
 TEST(XmlTextWriter, WritesWhatStandsAroundTheRoot) {
@@ -128,11 +112,7 @@ TEST(XmlTextWriter, DeclaresGivenNamespacesOnTheRootInOrderOfTheirUris) {
                    w.AddNamespace(L"p", L"urn:2");
                    w.AddNamespace(L"q", L"urn:1");
                    w.SetDefaultNamespace(L"urn:d&");
-                   w.WriteStartElement(L"e", L"urn:d&");
-                   w.WriteAttributeString(L"a", L"urn:1", L"v", ItemType_string);
-                   WriteElement(w, L"c", L"urn:2");
-                   WriteElement(w, L"e", L"urn:d&");
-                   w.WriteEndElement();
+                   Replay(w, L"<e{urn:d&} @a{urn:1}=v <c{urn:2}> <e{urn:d&}>>");
                  }));
 }
 
@@ -140,10 +120,7 @@ TEST(XmlTextWriter, TakesAnEmptyAliasForTheDefaultNamespace) {
   const auto write = [](CXmlTextWriter& w) {
     w.AddNamespace(L"", L"urn:1");
     w.AddNamespace(L"", L"urn:2");
-    w.WriteStartElement(L"e", L"urn:1");
-    w.WriteAttributeString(L"a", L"urn:1", L"v", ItemType_string);
-    WriteElement(w, L"c", L"urn:2");
-    w.WriteEndElement();
+    Replay(w, L"<e{urn:1} @a{urn:1}=v <c{urn:2}>>");
   };
   EXPECT_WIDE_EQ(L"<e xmlns=\"urn:1\" xmlns:AA=\"urn:1\" AA:a=\"v\"><AB:c xmlns:AB=\"urn:2\"/></e>", Written(write));
   EXPECT_WIDE_EQ(L"<AA:e xmlns:AA=\"urn:1\" xmlns=\"urn:0\" AA:a=\"v\"><AB:c xmlns:AB=\"urn:2\"/></AA:e>",
@@ -157,22 +134,10 @@ TEST(XmlTextWriter, InventsPrefixesThatEndWithTheirElement) {
   EXPECT_WIDE_EQ(
       L"<AA:r xmlns:AA=\"u1\"><AA:a/><AB:b xmlns:AB=\"u2\"><AC:c xmlns:AC=\"u3\" AB:x=\"\"/></AB:b>"
       L"<AB:d xmlns:AB=\"u3\" xmlns:AC=\"u2\" AC:y=\"\"/></AA:r>",
-      Written([](CXmlTextWriter& w) {
-        w.WriteStartElement(L"r", L"u1");
-        WriteElement(w, L"a", L"u1");
-        w.WriteStartElement(L"b", L"u2");
-        w.WriteStartElement(L"c", L"u3");
-        w.WriteAttributeString(L"x", L"u2", L"", ItemType_string);
-        w.WriteEndElement();
-        w.WriteEndElement();
-        w.WriteStartElement(L"d", L"u3");
-        w.WriteAttributeString(L"y", L"u2", L"", ItemType_string);
-        w.WriteEndElement();
-        w.WriteEndElement();
-      }));
+      Written(L"<r{u1} <a{u1}> <b{u2} <c{u3} @x{u2}=>> <d{u3} @y{u2}=>>"));
   EXPECT_WIDE_EQ(L"<AB:r xmlns:AB=\"u1\" xmlns:AA=\"u0\"/>", Written([](CXmlTextWriter& w) {
                    w.AddNamespace(L"AA", L"u0");
-                   WriteElement(w, L"r", L"u1");
+                   Replay(w, L"<r{u1}>");
                  }));
 }
 
@@ -180,7 +145,7 @@ TEST(XmlTextWriter, EndsAnElementByTheNameItStartedWith) {
   EXPECT_WIDE_EQ(L"<AA:r xmlns:AA=\"u1\"><p:c/></AA:r>", Written([](CXmlTextWriter& w) {
                    w.WriteStartElement(L"r", L"u1");
                    w.AddNamespace(L"p", L"u1");
-                   WriteElement(w, L"c", L"u1");
+                   Replay(w, L"<c{u1}>");
                    w.SetDefaultNamespace(L"u1");
                    w.WriteEndElement();
                  }));
@@ -192,15 +157,7 @@ TEST(XmlTextWriter, KeepsTwoBlanksAfterAnInventedTypePrefixIntended) {
                      L"\" AA:type=\"T\" AA:nil=\"true\"/></r>",
                  Written([](CXmlTextWriter& w) {
                    w.SetDefaultNamespace(L"d");
-                   w.WriteStartElement(L"r", L"");
-                   w.WriteStartElement(L"a", L"");
-                   w.WriteAttributeType(L"t", L"T", ItemType_string);
-                   w.WriteEndElement();
-                   w.WriteStartElement(L"b", L"");
-                   w.WriteAttributeType(L"d", L"T", ItemType_string);
-                   w.WriteAttributeNil();
-                   w.WriteEndElement();
-                   w.WriteEndElement();
+                   Replay(w, L"<r <a :T{t}> <b :T{d} nil>>");
                  }));
 }
 
