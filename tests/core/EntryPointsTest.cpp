@@ -1,7 +1,4 @@
-#include <cstdio>
-#include <fstream>
 #include <functional>
-#include <iterator>
 #include <stdexcept>
 #include <string>
 
@@ -10,31 +7,14 @@
 #include "RkXmlLib16/json/JsonContext.h"
 #include "RkXmlLib16/support/Encoder.h"
 #include "RkXmlLib16/wildcards/Element.h"
-#include "RkXmlLib16/xml/ElementTree.h"
+#include "support/TempFile.h"
 
 using namespace RkXmlLib16;
+using RkXmlTest::CTempFile;
 
 namespace {
 
 constexpr wchar_t kText[] = L"<a b=\"1\"><c>\x20AC</c></a>";
-
-// A file name that is removed in the end.
-class CTempFile {
- public:
-  CTempFile() : m_name(testing::TempDir() + "rkxml_entry_" + std::to_string(++m_count)) {}
-  ~CTempFile() { std::remove(m_name.c_str()); }
-  std::wstring Name() const { return std::wstring(m_name.begin(), m_name.end()); }
-  bool Exists() const { return std::ifstream(m_name).good(); }
-  std::string Bytes() const {
-    std::ifstream in(m_name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-  }
-
- private:
-  std::string m_name;
-  static int m_count;
-};
-int CTempFile::m_count = 0;
 
 class EntryPoints : public testing::Test {
  protected:
@@ -64,10 +44,9 @@ TEST_F(EntryPoints, WriteTheDeclarationOfTheEncoding) {
 }
 
 TEST_F(EntryPoints, RefuseUnknownEncodingsAndLineEnds) {
-  EXPECT_RK_THROWS(CRkException, L"Unknown Encoding, select UTF-8 (contact our support team)",
-                   m_element.ToXmlStream(true, true, XmlEncoding_None));
-  EXPECT_RK_THROWS(CRkException, L"Unknown Encoding, select UTF-8 (contact our support team)",
-                   m_element.ToJsonStream(true, static_cast<XmlEncoding>(7)));
+  const wchar_t* const encoding = L"Unknown Encoding, select UTF-8 (contact our support team)";
+  EXPECT_RK_THROWS(CRkException, encoding, m_element.ToXmlStream(true, true, XmlEncoding_None));
+  EXPECT_RK_THROWS(CRkException, encoding, m_element.ToJsonStream(true, static_cast<XmlEncoding>(7)));
   EXPECT_RK_THROWS(CRkException, L"Invalid EOL type.", m_element.ToXml(true, true, static_cast<EOLType>(2)));
   EXPECT_RK_THROWS(CRkException, L"Invalid EOL type.", m_element.ToJson(true, static_cast<EOLType>(2)));
 }
@@ -108,15 +87,13 @@ TEST_F(EntryPoints, FilesCannotBeZlibAndFailuresNameTheFile) {
   EXPECT_RK_THROWS(CRkException, message,
                    m_element.ToFastInfosetFile(name.c_str(), FInfoDecl_None, m_ctx, CompressionType_ZLib));
   EXPECT_FALSE(file.Exists());
+  const wchar_t* const nowhere = L"Failed to write data to the file [/nowhere/x].";
   for (const bool direct : {false, true}) {
     AsyncToXmlFile(direct);
-    EXPECT_RK_THROWS(CRkException, L"Failed to write data to the file [/nowhere/x].",
-                     m_element.ToXmlFile(L"/nowhere/x"));
-    EXPECT_RK_THROWS(CRkException, L"Failed to write data to the file [/nowhere/x].",
-                     m_element.ToJsonFile(L"/nowhere/x"));
+    EXPECT_RK_THROWS(CRkException, nowhere, m_element.ToXmlFile(L"/nowhere/x"));
+    EXPECT_RK_THROWS(CRkException, nowhere, m_element.ToJsonFile(L"/nowhere/x"));
   }
-  EXPECT_RK_THROWS(CRkException, L"Failed to write data to the file [/nowhere/x].",
-                   m_element.ToFastInfosetFile(L"/nowhere/x"));
+  EXPECT_RK_THROWS(CRkException, nowhere, m_element.ToFastInfosetFile(L"/nowhere/x"));
   EXPECT_RK_THROWS(CRkException, L"Failed to open the file [/nowhere/x].", m_element.FromXmlFile(L"/nowhere/x"));
 }
 

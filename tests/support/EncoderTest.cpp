@@ -24,14 +24,17 @@ const std::wstring kLow(1, 0xDE00);
 }  // namespace
 
 TEST(Encoder, EncodesUtf8AndReplacesWhatIsNoCharacter) {
-  EXPECT_WIDE_EQ(L"", Utf8Hex(L""));
-  EXPECT_WIDE_EQ(L"61C3A9E282AC", Utf8Hex(L"a\u00E9\u20AC"));
-  EXPECT_WIDE_EQ(L"F09F9880", Utf8Hex(L"\U0001F600"));
-  EXPECT_WIDE_EQ(L"F09F9880", Utf8Hex(kHigh + kLow));
-  EXPECT_WIDE_EQ(L"EFBFBD61", Utf8Hex(kHigh + L"a"));
-  EXPECT_WIDE_EQ(L"EFBFBDEFBFBD", Utf8Hex(kLow + kHigh));
-  EXPECT_WIDE_EQ(L"EFBFBDF09F9880", Utf8Hex(kHigh + kHigh + kLow));
-  EXPECT_WIDE_EQ(L"EFBFBDEFBFBD61", Utf8Hex(std::wstring(1, 0x110000) + static_cast<wchar_t>(-1) + L'a'));
+  const struct {
+    std::wstring text;
+    const wchar_t* hex;
+  } kCases[] = {{L"", L""},
+                {L"a\u00E9\u20AC\U0001F600", L"61C3A9E282ACF09F9880"},
+                {kHigh + kLow, L"F09F9880"},
+                {kHigh + L"a", L"EFBFBD61"},
+                {kLow + kHigh, L"EFBFBDEFBFBD"},
+                {kHigh + kHigh + kLow, L"EFBFBDF09F9880"},
+                {std::wstring(1, 0x110000) + static_cast<wchar_t>(-1) + L'a', L"EFBFBDEFBFBD61"}};
+  for (const auto& c : kCases) EXPECT_WIDE_EQ(c.hex, Utf8Hex(c.text));
   EXPECT_EQ(0u, CEncoder::UnicodeToUtf8Binary(static_cast<const wchar_t*>(nullptr)).GetLength());
 }
 
@@ -86,10 +89,7 @@ TEST(Encoder, IllFormedUtf8BecomesOneReplacementForEachLongestPrefix) {
 TEST(Encoder, ReadsUtf16InBothByteOrders) {
   EXPECT_WIDE_EQ(L"a\U0001F600", CEncoder::Utf16ToUnicode(std::string_view("a\0\x3D\xD8\x00\xDE", 6)));
   EXPECT_WIDE_EQ(L"a\U0001F600", CEncoder::Utf16ToUnicode(std::string_view("\0a\xD8\x3D\xDE\x00", 6), true));
-  EXPECT_WIDE_EQ(L"\uFFFDa\uFFFD", CEncoder::Utf16ToUnicode(std::string_view("\x00\xDE"
-                                                                             "a\0"
-                                                                             "\x3D\xD8",
-                                                                             6)));
+  EXPECT_WIDE_EQ(L"\uFFFDa\uFFFD", CEncoder::Utf16ToUnicode(std::string_view("\0\xDE\x61\0\x3D\xD8", 6)));
   EXPECT_WIDE_EQ(L"a\uFFFD", CEncoder::Utf16ToUnicode(std::string_view("a\0b", 3)));
   EXPECT_WIDE_EQ(L"\uFFFD\uFFFD", CEncoder::Utf16ToUnicode(std::string_view("\x3D\xD8\x00", 3)));
 }

@@ -1,11 +1,10 @@
 #include <cstdio>
-#include <fstream>
-#include <iterator>
 
 #include "Expect.h"
 #include "RkXmlLib16/support/BinaryStream.h"
 #include "RkXmlLib16/support/File.h"
 #include "RkXmlLib16/support/TextStream.h"
+#include "support/TempFile.h"
 
 using namespace RkXmlLib16;
 
@@ -22,26 +21,11 @@ std::wstring EncodedHex(XmlEncoding encoding, const std::wstring& text) {
   return stream.GetEncodedStream().GetAsHexString();
 }
 
-// A file of this test, removed at its end.
-class ScratchFile {
- public:
-  ScratchFile() : m_path(testing::TempDir() + "rkxml_stream_\xC3\xA9.tmp") {}
-  ~ScratchFile() { std::remove(m_path.c_str()); }
-  std::wstring Name() const {
-    std::wstring name;
-    for (const char c : testing::TempDir()) name += static_cast<wchar_t>(c);
-    return name + L"rkxml_stream_\u00E9.tmp";
-  }
-  std::wstring Hex() const {
-    std::ifstream file(m_path, std::ios::binary);
-    CBinaryData data;
-    for (std::istreambuf_iterator<char> at(file), end; at != end; ++at) data.Append(static_cast<unsigned char>(*at));
-    return data.GetAsHexString();
-  }
-
- private:
-  std::string m_path;
-};
+std::wstring HexOf(const RkXmlTest::CTempFile& file) {
+  CBinaryData data;
+  for (const char c : file.Bytes()) data.Append(static_cast<unsigned char>(c));
+  return data.GetAsHexString();
+}
 
 bool HasFullDevice() { return std::ifstream("/dev/full").good(); }
 
@@ -81,7 +65,7 @@ TEST(FileTextStream, WritesWhatWasFlushedWithItsMark) {
                 {XmlEncoding_UTF16, L"FFFE610000006200"},
                 {XmlEncoding_Wide, L"FFFE61000000E900000062000000"}};
   for (const auto& c : kCases) {
-    const ScratchFile scratch;
+    const RkXmlTest::CTempFile scratch;
     CFileTextStream file(scratch.Name().c_str(), c.encoding);
     file.Append(L"lost by Open");
     file.Open();
@@ -90,16 +74,16 @@ TEST(FileTextStream, WritesWhatWasFlushedWithItsMark) {
     EXPECT_EQ(0u, file.GetLength());
     file.Append(L'b');
     file.Close();
-    EXPECT_WIDE_EQ(c.hex, scratch.Hex());
+    EXPECT_WIDE_EQ(c.hex, HexOf(scratch));
     file.Append(L"too late");
     file.Flush();
     file.Close();
-    EXPECT_WIDE_EQ(c.hex, scratch.Hex());
+    EXPECT_WIDE_EQ(c.hex, HexOf(scratch));
   }
 }
 
 TEST(FileTextStream, APairSplitBetweenFlushesIsOneCharacter) {
-  const ScratchFile scratch;
+  const RkXmlTest::CTempFile scratch;
   {
     CFileTextStream file(scratch.Name().c_str(), XmlEncoding_UTF8);
     file.Open();
@@ -109,7 +93,7 @@ TEST(FileTextStream, APairSplitBetweenFlushesIsOneCharacter) {
       file.Flush();
     }
   }  // the destructor writes the rest
-  EXPECT_WIDE_EQ(L"61F09F988062EFBFBDEFBFBD", scratch.Hex());
+  EXPECT_WIDE_EQ(L"61F09F988062EFBFBDEFBFBD", HexOf(scratch));
 }
 
 TEST(FileTextStream, TellsOfFilesThatCannotBeWritten) {
@@ -117,7 +101,7 @@ TEST(FileTextStream, TellsOfFilesThatCannotBeWritten) {
   EXPECT_RK_THROWS(CRkException, L"Failed to write data to the file [/no/such/folder/x.xml].", missing.Open());
   CFileTextStream null(nullptr, XmlEncoding_UTF8);
   EXPECT_RK_THROWS(CRkException, L"Failed to write data to the file [].", null.Open());
-  const ScratchFile scratch;
+  const RkXmlTest::CTempFile scratch;
   CFileTextStream unknown(scratch.Name().c_str(), XmlEncoding_None);
   unknown.Open();
   unknown.Append(L"a");
@@ -161,9 +145,9 @@ TEST(FileBinaryStream, WritesTheBytesBehindTheMark) {
   CBinaryData data;
   data.SetAsHexString(L"000D0AFF");
   for (const auto encoding : {XmlEncoding_None, XmlEncoding_UTF8, XmlEncoding_UTF16, XmlEncoding_Wide}) {
-    const ScratchFile scratch;
+    const RkXmlTest::CTempFile scratch;
     CFileBinaryStream(scratch.Name().c_str(), encoding, data).ToFile();
-    EXPECT_WIDE_EQ(encoding >= XmlEncoding_UTF16 ? L"FFFE000D0AFF" : L"000D0AFF", scratch.Hex());
+    EXPECT_WIDE_EQ(encoding >= XmlEncoding_UTF16 ? L"FFFE000D0AFF" : L"000D0AFF", HexOf(scratch));
   }
   EXPECT_RK_THROWS(CRkException, L"Failed to write data to the file [/].",
                    CFileBinaryStream(L"/", XmlEncoding_None, data).ToFile());
@@ -174,7 +158,7 @@ TEST(FileBinaryStream, WritesTheBytesBehindTheMark) {
 }
 
 TEST(File, TellsItsLengthAndKeepsItsPosition) {
-  const ScratchFile scratch;
+  const RkXmlTest::CTempFile scratch;
   CFile file;
   EXPECT_FALSE(file.Open(scratch.Name().c_str(), "r"));
   EXPECT_TRUE(file.Close());
