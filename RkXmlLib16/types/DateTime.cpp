@@ -69,17 +69,17 @@ int TwoDigits(std::wstring_view text, std::size_t at) { return (text[at] - L'0')
 // A value without its fraction takes fewer characters than this.
 constexpr std::size_t kMostCharacters = 40;
 
+// At least two digits: setters do not validate, so that a field may have three.
 wchar_t* PutTwoDigits(wchar_t* to, int value) {
+  if (value >= 100) *to++ = static_cast<wchar_t>(L'0' + value / 100);
+  value %= 100;
   *to++ = static_cast<wchar_t>(L'0' + value / 10);
   *to++ = static_cast<wchar_t>(L'0' + value % 10);
   return to;
 }
 
 // At least four digits.
-wchar_t* PutYear(wchar_t* to, int year) {
-  if (year >= 10000) *to++ = static_cast<wchar_t>(L'0' + year / 10000);
-  return PutTwoDigits(PutTwoDigits(to, year / 100 % 100), year % 100);
-}
+wchar_t* PutYear(wchar_t* to, int year) { return PutTwoDigits(PutTwoDigits(to, year / 100), year % 100); }
 
 }  // namespace
 

@@ -137,6 +137,14 @@ TEST(DateTime, SettersValidateTheFieldsOfTheirType) {
   EXPECT_WIDE_EQ(L"Error: Date Not Set", CDateTime().ToString());
   EXPECT_WIDE_EQ(L"Error: Date Not Set", CDateTime(dt_date).ToString());
   EXPECT_WIDE_EQ(L"00:00:00", CDateTime(dt_time).ToString());
+  // Field by field nothing is validated, and every number prints whole.
+  value = DateTime(L"2000-01-01T00:00:00");
+  value.SetYear(-32768);
+  value.SetMonth(200);
+  value.SetDay(99);
+  value.SetSecond(255);
+  value.SetMilliSecond(1234);
+  EXPECT_WIDE_EQ(L"-32768-200-99T00:00:255.1234", value.ToString());
 }
 
 TEST(DateTime, FieldsThatTheTypeLacksThrow) {
