@@ -6,6 +6,7 @@
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/support/Format.h"
 #include "RkXmlLib16/types/Calendar.h"
+#include "RkXmlLib16/types/DateTime.h"
 
 namespace RkXmlLib16 {
 
@@ -42,19 +43,26 @@ Length LengthOf(const CDateTimeSpan& span) {
               (span.GetMilliSeconds() * 1000000LL + span.GetMicroSeconds() * 1000LL + span.GetNanoSeconds())};
 }
 
-// The order of the instants that both lengths reach from the first of a month.
+// The order of the instants that both lengths reach from the first of a month. Like any two dates they have none when
+// one lies outside the calendar, or when their years differ in sign.
 CompareResult CompareFrom(long long year, int month, const Length& a, const Length& b) {
+  // In nanoseconds since the beginning of the year 1.
   const auto reached = [&](const Length& length) {
     const Wide index = Calendar::YearIndex(year) * 12 + month - 1 + length.months;
     const Wide reachedYear = Calendar::YearFromIndex(Calendar::FloorDiv(index, 12));
     const int reachedMonth = static_cast<int>(index - Calendar::FloorDiv(index, 12) * 12) + 1;
-    return Calendar::DayNumber(reachedYear, reachedMonth, 1) * Calendar::kSecondsPerDay + length.seconds;
+    const Wide seconds = Calendar::DayNumber(reachedYear, reachedMonth, 1) * Calendar::kSecondsPerDay + length.seconds;
+    return seconds * Calendar::kNanosPerSecond + length.nanos;
   };
-  const Wide seconds = reached(a) - reached(b);
-  // Seconds outweigh the fractions even where those stand above 1.
-  const Wide difference = seconds * Calendar::kNanosPerSecond + (a.nanos - b.nanos);
-  if (difference == 0) return CompareResult_Equal;
-  return difference < 0 ? CompareResult_Less : CompareResult_Greater;
+  constexpr Wide kNanosPerDay = static_cast<Wide>(Calendar::kSecondsPerDay) * Calendar::kNanosPerSecond;
+  constexpr Wide kBegin = Calendar::DayNumber(MIN_YEAR, 1, 1) * kNanosPerDay;
+  constexpr Wide kEnd = Calendar::DayNumber(MAX_YEAR + 1, 1, 1) * kNanosPerDay;
+  const Wide instantA = reached(a), instantB = reached(b);
+  if (instantA < kBegin || instantB < kBegin || instantA >= kEnd || instantB >= kEnd ||
+      (instantA < 0) != (instantB < 0))
+    return CompareResult_Indeterminate;
+  if (instantA == instantB) return CompareResult_Equal;
+  return instantA < instantB ? CompareResult_Less : CompareResult_Greater;
 }
 
 }  // namespace
