@@ -119,9 +119,8 @@ CRegEx::CRegEx(std::string utf8Pattern, const std::wstring& value) {
 CRegEx::~CRegEx() = default;
 
 bool CRegEx::Matches(const std::wstring& value) const {
-  const std::wstring_view text = value.c_str();
-  std::string subject(CEncoder::Utf8Length(text), '\0');
-  CEncoder::WriteUtf8(text, reinterpret_cast<unsigned char*>(subject.data()));
+  std::string subject(CEncoder::Utf8Length(value), '\0');
+  CEncoder::WriteUtf8(value, reinterpret_cast<unsigned char*>(subject.data()));
   const pcre2_code* const code = m_engine->code.get();
   pcre2_match_context* const limits = m_engine->limits.get();
   // The engine's working memory is kept for short values, which need little of it.

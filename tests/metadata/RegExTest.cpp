@@ -9,7 +9,7 @@ using namespace RkXmlLib16;
 TEST(RegEx, RewritesXsdEscapesAndMatchesTheWholeValue) {
   const struct {
     const char* pattern;
-    const wchar_t* value;
+    std::wstring value;
     bool matches;
   } cases[] = {
       {"\\c+", L"a.b-c:d", true},
@@ -28,6 +28,7 @@ TEST(RegEx, RewritesXsdEscapesAndMatchesTheWholeValue) {
       {"a|ab", L"ab", true},
       {"", L"", true},
       {"a", L"a\n", false},
+      {"a", std::wstring(L"a\0b", 3), false},
       {"a\\s", L"a\n", true},
       {".", L"\n", false},
       {".", L"\r", true},  // only a line feed ends a line
