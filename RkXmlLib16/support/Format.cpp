@@ -52,6 +52,10 @@ std::wstring NativeFormat(std::wstring_view format) {
       format.remove_prefix(3);
     } else if (format.substr(0, 1) == L"c") {
       native += L'l';
+    } else {
+      const std::size_t size = std::min(format.find_first_not_of(L"hlqjztL"), format.size());
+      native.append(format.substr(0, size));
+      format.remove_prefix(size);
     }
     if (format.empty()) break;
     // The conversion itself, or the second character of "%%".

@@ -9,8 +9,8 @@
 namespace RkXmlLib16 {
 
 // printf-style wide formatting into a wide string of any length. `%ls` takes a NUL-terminated wide text, `%c` prints
-// any character as itself, the size prefix "I64" means 64 bits ("%I64d"), and `%n` prints an int in decimal. Numbers
-// never follow the host's locale. The format is always a literal of the program, never text of a document.
+// any character as itself, the size prefix "I64" means 64 bits ("%I64d"), and `%n` prints an integer in decimal.
+// Numbers never follow the host's locale. The format is always a literal of the program, never text of a document.
 //
 //   FormatString(L"Invalid Element [%ls] found.", name.c_str());
 RKXML_EXPORT std::wstring FormatString(const wchar_t* format, ...);

@@ -16,6 +16,7 @@ TEST(Format, FormatsTextNumbersAndTheSixtyFourBitPrefix) {
                  FormatString(L"[%5ls][%-*.2ls][%05d][%+d][%5.2f]", L"ab", 5, L"abc", 42, 7, 3.5));
   EXPECT_WIDE_EQ(L"I64 100%", FormatString(L"I64 %d%%", 100));
   EXPECT_WIDE_EQ(L"Error [2]", FormatString(L"Error [%n]", 2));
+  EXPECT_WIDE_EQ(L"[-3][4]", FormatString(L"[%ln][%I64n]", -3L, 4LL));
   EXPECT_WIDE_EQ(L"", FormatString(L""));
 }
 
