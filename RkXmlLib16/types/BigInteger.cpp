@@ -124,6 +124,16 @@ bool IsZeroVector(const CDigitVector& v) {
   return std::all_of(v.begin(), v.end(), [](auto d) { return d == 0; });
 }
 
+// The digits at the end of the text; what stands to the left of another character does not count.
+void BuildFromEnd(std::wstring_view text, CDigitVector& v) {
+  const auto digits = std::find_if_not(text.rbegin(), text.rend(), IsDigit);
+  v.clear();
+  v.reserve(static_cast<std::size_t>(digits - text.rbegin()));
+  for (auto c = text.rbegin(); c != digits; ++c) v.push_back(*c - L'0');
+  if (v.empty()) v.push_back(0);
+  CBigInteger::Clean(v);
+}
+
 [[noreturn]] void ThrowOverflow(const wchar_t* operation) {
   throw CRkInvalidValueException(std::wstring(L"ERROR: Overflow in ") + operation + L".");
 }
@@ -175,11 +185,7 @@ void CBigInteger::Parse(std::wstring_view text) {
     m_sign = -1;
     text.remove_prefix(1);
   }
-  const auto digits = std::find_if_not(text.rbegin(), text.rend(), IsDigit);
-  m_digits.reserve(static_cast<std::size_t>(digits - text.rbegin()));
-  for (auto c = text.rbegin(); c != digits; ++c) m_digits.push_back(*c - L'0');
-  if (m_digits.empty()) m_digits.push_back(0);
-  Clean(m_digits);
+  BuildFromEnd(text, m_digits);
 }
 
 CBigInteger::operator int() const {
@@ -320,13 +326,7 @@ int CBigInteger::Compare(const CDigitVector& a, const CDigitVector& b) noexcept 
 
 int CBigInteger::Position(const CDigitVector& v) noexcept { return v.empty() ? 1 : static_cast<int>(v.size()); }
 
-void CBigInteger::Build(const wchar_t* text, CDigitVector& v) {
-  const std::wstring_view digits(text);
-  v.assign(digits.rbegin(), digits.rend());
-  for (unsigned char& digit : v) digit = static_cast<unsigned char>(digit - L'0');
-  if (v.empty()) v.push_back(0);
-  Clean(v);
-}
+void CBigInteger::Build(const wchar_t* text, CDigitVector& v) { BuildFromEnd(text == nullptr ? L"" : text, v); }
 
 void CBigInteger::Build(unsigned int value, CDigitVector& v) { BuildDWORDLONG(value, v); }
 

@@ -93,6 +93,8 @@ class RKXML_EXPORT CBigInteger {
   static void Clean(CDigitVector& v) noexcept;
   static int Compare(const CDigitVector& a, const CDigitVector& b) noexcept;  // -1, 0 or 1
   static int Position(const CDigitVector& v) noexcept;                        // number of digits, at least 1
+  // Build* replace `v`: by the digits at the end of a text, 0 when there are none, or by a number's magnitude, rounded
+  // as in the constructor. BuildDouble throws CRkInvalidValueException when the value is not finite.
   static void Build(const wchar_t* text, CDigitVector& v);
   static void Build(unsigned int value, CDigitVector& v);
   static void BuildDWORDLONG(unsigned long long value, CDigitVector& v);

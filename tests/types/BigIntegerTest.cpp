@@ -150,6 +150,11 @@ TEST(BigInteger, DigitVectorHelpersWorkInPlace) {
   EXPECT_TRUE(v == CDigitVector{0});
   CBigInteger::Build(L"0120", v);
   EXPECT_TRUE(v == (CDigitVector{0, 2, 1}));
+  CBigInteger::Build(L"9x12", v);
+  EXPECT_TRUE(v == (CDigitVector{2, 1}));
+  CBigInteger::Build(nullptr, v);
+  EXPECT_TRUE(v == CDigitVector{0});
+  CBigInteger::Build(21, v);
   CBigInteger::Subtract(v, v, v);
   EXPECT_TRUE(v == CDigitVector{0});
   EXPECT_EQ(1, CBigInteger::Position(CDigitVector()));
