@@ -37,8 +37,8 @@ CRkException& CRkException::operator=(const CRkException& other) {
   auto inner = CloneOf(other.GetInnerException());
   std::wstring message = other.m_message;
   if (m_inner) {
-    using Held = std::pair<std::shared_ptr<const void>, std::shared_ptr<const CRkException>>;
-    m_replaced = std::make_shared<Held>(m_replaced, m_inner);
+    if (!m_replaced) m_replaced = std::make_shared<std::vector<std::shared_ptr<const CRkException>>>();
+    m_replaced->push_back(m_inner);
   }
   m_message = std::move(message);
   m_inner = std::move(inner);

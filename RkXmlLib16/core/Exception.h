@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "RkXmlLib16/core/Export.h"
 
@@ -47,7 +48,8 @@ class RKXML_EXPORT CRkException {
   std::wstring m_message;
   std::wstring m_path;
   std::shared_ptr<const CRkException> m_inner;
-  std::shared_ptr<const void> m_replaced;  // inner exceptions that an assignment took out of use
+  // Inner exceptions that assignments took out of use; never shared with a copy.
+  std::shared_ptr<std::vector<std::shared_ptr<const CRkException>>> m_replaced;
 };
 
 // A document or an object breaks its schema.

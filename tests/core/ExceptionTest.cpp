@@ -44,6 +44,9 @@ TEST(Exception, AssignmentKeepsTheTargetsPathAndItsOldInnerExceptionAliveIntende
   EXPECT_WIDE_EQ(L"old inner", oldInner->GetMessage());
   target = *&target;
   EXPECT_WIDE_EQ(L"/old", target.GetPath());
+  // However often: what was replaced is freed without a level of the stack for each.
+  for (int i = 0; i < 200000; ++i) target = CRkException(L"again", L"", CRkException(L"inner"));
+  EXPECT_WIDE_EQ(L"again\ninner", target.GetFullMessage());
 }
 
 template <class T>
