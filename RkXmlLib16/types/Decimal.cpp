@@ -293,7 +293,7 @@ double CDecimal::ToDouble() const {
   const std::string text(wide.begin(), wide.end());  // ASCII
   double value = 0;
   const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (result.ec == std::errc::result_out_of_range)
+  if (result.ec == std::errc::result_out_of_range && !m_integer.IsZero())
     throw CRkOverFlowException(L"The Decimal value if to large to fit into a Double");  // sic
   return value;
 }

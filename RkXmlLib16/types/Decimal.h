@@ -56,7 +56,8 @@ class RKXML_EXPORT CDecimal {
   // Brings both values to the larger of their two dividers.
   static void Normalize(CDecimal& a, CDecimal& b);
 
-  // Throw CRkOverFlowException when the integer part does not fit; a fraction is cut off by ToLong and ToLongLong.
+  // Throw CRkOverFlowException when the integer part does not fit. ToDouble gives the nearest double; a fraction is cut
+  // off by ToLong and ToLongLong.
   double ToDouble() const;
   long ToLong() const;
   long long ToLongLong() const;

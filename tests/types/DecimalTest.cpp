@@ -145,6 +145,7 @@ TEST(Decimal, ZerosOfBothSignsAreOneValue) {
 
 TEST(Decimal, ConvertsToAndFromMachineNumbers) {
   EXPECT_EQ(0.1, Dec(L"0.1").ToDouble());
+  EXPECT_EQ(0, CDecimal(CBigInteger(0), CBigInteger(-1), 400).ToDouble());  // too small is not too large
   EXPECT_EQ(-2, Dec(L"-2.9").ToLong());
   EXPECT_EQ(std::numeric_limits<long long>::min(), Dec(L"-9223372036854775808").ToLongLong());
   EXPECT_RK_THROWS(CRkOverFlowException, L"The Decimal value if to large to fit into a Double",
