@@ -225,16 +225,17 @@ void RkVariant::SetInteger(CBigInteger&& value) { SetOwned<CBigInteger>(ItemType
 void RkVariant::SetString(const std::wstring& value) { SetString(std::wstring_view(value)); }
 
 void RkVariant::SetString(std::wstring&& value) {
-  if (&value == &m_text) return;
+  std::wstring taken(std::move(value));  // the value may lie in this variant or in the object it holds
   Begin(ItemType_string);
-  m_text = std::move(value);
+  m_text = std::move(taken);
 }
 
 void RkVariant::SetString(std::wstring_view value) {
   if (m_type >= kXmlObject) return SetString(std::wstring(value));  // the object may hold the text
   if (m_type != ItemType_string) Begin(ItemType_string);
   m_nil = false;
-  if (value.size() > m_text.capacity() && !SpareText::isGone) m_text.swap(spare.text);
+  if (value.size() > m_text.capacity() && !SpareText::isGone && value.size() <= spare.text.capacity())
+    m_text.swap(spare.text);
   m_text.assign(value);  // also right for a part of this text
 }
 

@@ -177,6 +177,8 @@ TEST(Variant, TakesItsOwnValueAgain) {
   v.SetString(v.GetString());
   v.SetString(std::wstring_view(v.GetString()).substr(2, 4));
   EXPECT_WIDE_EQ(L"text", v.GetString());
+  v.SetString(std::move(const_cast<std::wstring&>(v.GetString())));
+  EXPECT_WIDE_EQ(L"text", v.GetString());
   v.SetDate(CDateTime(2024, 2, 29));
   v.SetDateTime(v.GetDate());
   EXPECT_EQ(ItemType_dateTime, v.GetItemType());
