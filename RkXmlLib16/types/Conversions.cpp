@@ -8,6 +8,7 @@
 #include <cstring>
 #include <limits>
 #include <type_traits>
+#include <utility>
 
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/support/Format.h"
@@ -207,22 +208,23 @@ void AppendTwoDigits(wstring& out, const wchar_t* prefix, unsigned value) {
   AppendInteger(out, value);
 }
 
-// The precision of a format for one double, or what is wrong with it.
+// What printf makes of one double with a format.
 struct FloatFormat {
-  bool usable = false;  // exactly one conversion of a double
-  bool fixed = false;   // %f
+  bool usable = false;  // at most one conversion, of a double
+  bool fixed = false;   // by %f
   int precision = 6;
 };
 
 FloatFormat Examine(wstring_view format) {
   FloatFormat result;
+  bool converts = false;
   for (std::size_t i = 0; i < format.size(); ++i) {
     if (format[i] != L'%') continue;
     if (format.substr(i, 2) == L"%%") {
       ++i;
       continue;
     }
-    if (result.usable) return FloatFormat();
+    if (std::exchange(converts, true)) return FloatFormat();
     i = std::min(format.find_first_not_of(L"#0- +'", i + 1), format.size());
     long long number = 0;
     const auto readNumber = [&] {
@@ -237,9 +239,9 @@ FloatFormat Examine(wstring_view format) {
     }
     if (i < format.size() && format[i] == L'l') ++i;
     if (i == format.size() || wstring_view(L"aAeEfFgG").find(format[i]) == wstring_view::npos) return FloatFormat();
-    result.usable = true;
     result.fixed = format[i] == L'f' || format[i] == L'F';
   }
+  result.usable = true;
   return result;
 }
 

@@ -51,8 +51,8 @@ class RKXML_EXPORT CConversions {
   static std::wstring ui4ToString(unsigned long value);
   static std::wstring ui8ToString(unsigned long long value);
 
-  // "NaN", "INF" and "-INF", else what wcstod reads in the C locale. An empty format prints "%.7g" and "%.16g"; another
-  // one must hold exactly one conversion for a double.
+  // "NaN", "INF" and "-INF", else what wcstod reads in the C locale. An empty format prints as "%.7g" and "%.16g", and
+  // so does one that printf could not print a single double with.
   static float r4FromString(const std::wstring& text, Rule rule);
   static double r8FromString(const std::wstring& text, Rule rule);
   static std::wstring r4ToString(float value);
