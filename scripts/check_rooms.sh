@@ -12,7 +12,8 @@ floors='
 1 types/BinaryData types/Base64 types/DigitVector
 1 support/Encoder support/UnicodeConverter support/StringBuffer support/TextStream support/BinaryStream support/File
 1 support/Zip
-2 types/Whitespace types/BigInteger types/Decimal types/DateTimeSpan types/DateTime types/XsdValue types/Conversions
+2 types/Whitespace types/BigInteger types/Decimal types/DateTimeSpan types/DateTime types/DateTimeArithmetic
+2 types/XsdValue types/Conversions
 3 metadata/PrimitiveRestrictions metadata/RegEx metadata/FacetChecks metadata/NamespaceConstraint
 4 core/XmlObjectBase types/Variant metadata/FacetDispatch
 5 xml/XmlWriter xml/XmlTextWriter json/JsonTextWriter
