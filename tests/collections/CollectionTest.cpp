@@ -6,27 +6,22 @@
 
 #include "Expect.h"
 #include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/wildcards/Element.h"
 
 using namespace RkXmlLib16;
 
 namespace {
 
-class CItem : public CXmlObjectBase {
+class CItem : public CElement {
  public:
   explicit CItem(wchar_t label) : m_label(label) { ++live; }
   ~CItem() override { --live; }
-  CXmlObjectBase* GetBase() override { return this; }
-  const wchar_t* GetTargetNamespace() const override { return L""; }
-  const wchar_t* GetNamespace() const override { return L""; }
-  void ToXml_Int(CXmlWriter*, bool, const wchar_t*, const CSerializationContext&, bool) const override {}
-  CXmlElement* FromXml_Int(CXmlElement*, CXmlElement* first, const CSerializationContext&, bool) override {
-    return first;
-  }
-
   wchar_t m_label;
   static int live;
 };
 int CItem::live = 0;
+
+wchar_t LabelOf(const void* item) { return item != nullptr ? static_cast<const CItem*>(item)->m_label : L'0'; }
 
 class CItemCol : public CXmlCollection {
  public:
@@ -36,12 +31,10 @@ class CItemCol : public CXmlCollection {
     return first;
   }
   std::wstring Labels() const {
-    std::wstring labels;
-    for (CNode* node = GetFirstNode(); node != nullptr; node = node->GetNext())
-      labels += node->GetItem() != nullptr ? static_cast<CItem*>(node->GetItem())->m_label : L'0';
-    std::wstring backwards;
+    std::wstring labels, backwards;
+    for (CNode* node = GetFirstNode(); node != nullptr; node = node->GetNext()) labels += LabelOf(node->GetItem());
     for (CNode* node = GetLastNode(); node != nullptr; node = node->GetPrevious())
-      backwards += node->GetItem() != nullptr ? static_cast<CItem*>(node->GetItem())->m_label : L'0';
+      backwards += LabelOf(node->GetItem());
     EXPECT_EQ(labels, std::wstring(backwards.rbegin(), backwards.rend()));
     EXPECT_EQ(labels.size(), static_cast<std::size_t>(GetCount()));
     return labels;
@@ -56,7 +49,7 @@ class CListener : public IEventSink {
     static constexpr const wchar_t* kWords[] = {L"change", L"adding", L"added", L"removing", L"removed"};
     m_log += m_name + kWords[type];
     if (type == MsgType_ItemAdding || type == MsgType_ItemAdded) {
-      m_log += data != nullptr ? static_cast<CItem*>(data)->m_label : L'0';
+      m_log += LabelOf(data);
     } else if (data != nullptr) {
       m_log += std::to_wstring(*static_cast<int*>(data));
     }
@@ -109,14 +102,14 @@ TEST_F(Collection, RefusesBadPositionsAndStaysAsItWas) {
   EXPECT_RK_THROWS(CRkInvalidParamException, L"Index out of range", col.AddItemAt(4, &loose));
   EXPECT_RK_THROWS(CRkInvalidParamException, L"Index 3 is out of range, use 0 - 3", col.GetNodeAtIndex(3));
   EXPECT_RK_THROWS(CRkInvalidParamException, L"Index -1 is out of range, use 0 - 3", col.Remove(-1));
-  EXPECT_RK_THROWS(CRkInvalidParamException, L"The object was not found in the collection", col.GetNodeForItem(&loose));
-  EXPECT_RK_THROWS(CRkInvalidParamException, L"The object was not found in the collection", col.RemoveNode(nullptr));
+  const wchar_t* const notFound = L"The object was not found in the collection";
+  EXPECT_RK_THROWS(CRkInvalidParamException, notFound, col.GetNodeForItem(&loose));
+  EXPECT_RK_THROWS(CRkInvalidParamException, notFound, col.RemoveNode(nullptr));
   CListener listener(log);
   col.AddEventListener(&listener);
   EXPECT_RK_THROWS(CRkInvalidParamException, L"Index out of range", col.AddItemAt(9, &loose));
   EXPECT_WIDE_EQ(L"", log);
-  EXPECT_RK_THROWS(CRkInvalidParamException, L"The object was not found in the collection",
-                   col.AddAfterItem(&loose, &loose));
+  EXPECT_RK_THROWS(CRkInvalidParamException, notFound, col.AddAfterItem(&loose, &loose));
   EXPECT_WIDE_EQ(L"addingx ", log);
   EXPECT_WIDE_EQ(L"abc", col.Labels());
   col.RemoveEventListener(&listener);
@@ -222,7 +215,7 @@ TEST_F(Collection, ReadingByIndexFollowsEveryChange) {
     }
     for (int i : {at, at / 2, static_cast<int>(model.size()) - 1}) {
       if (i < 0 || i >= static_cast<int>(model.size())) continue;
-      ASSERT_EQ(model[static_cast<std::size_t>(i)], static_cast<CItem*>(col.GetNodeAtIndex(i)->GetItem())->m_label);
+      ASSERT_EQ(model[static_cast<std::size_t>(i)], LabelOf(col.GetNodeAtIndex(i)->GetItem()));
     }
   }
 }

@@ -201,12 +201,9 @@ TEST(ValueCollectionsTest, DatesMustBeOfTheKind) {
   EXPECT_EQ("1 ", notes.Take());
   dates->Add(date);
   EXPECT_EQ(1, dates->GetCount());
-  EXPECT_RK_THROWS(CRkInvalidParamException, L"Dates added to this collection must be of type dt_time",
-                   New<CtimeCol>()->Add(date));
-  EXPECT_RK_THROWS(CRkInvalidParamException, L"Dates added to this collection must be of type dt_dateTime",
-                   New<CdatetimeCol>()->Add(date));
-  EXPECT_RK_THROWS(CRkInvalidParamException, L"Dates added to this collection must be of type dt_gYearMonth",
-                   New<CyearMonthCol>()->Add(date));
-  EXPECT_RK_THROWS(CRkInvalidParamException, L"Dates added to this collection must be of type dt_gMonthDay",
-                   New<CmonthDayCol>()->Add(date));
+  const std::wstring wrong = L"Dates added to this collection must be of type ";
+  EXPECT_RK_THROWS(CRkInvalidParamException, wrong + L"dt_time", New<CtimeCol>()->Add(date));
+  EXPECT_RK_THROWS(CRkInvalidParamException, wrong + L"dt_dateTime", New<CdatetimeCol>()->Add(date));
+  EXPECT_RK_THROWS(CRkInvalidParamException, wrong + L"dt_gYearMonth", New<CyearMonthCol>()->Add(date));
+  EXPECT_RK_THROWS(CRkInvalidParamException, wrong + L"dt_gMonthDay", New<CmonthDayCol>()->Add(date));
 }

@@ -4,24 +4,17 @@
 
 #include "Expect.h"
 #include "RkXmlLib16/core/SmartPtr.h"
-#include "RkXmlLib16/core/XmlObjectBase.h"
+#include "RkXmlLib16/wildcards/Element.h"
 
 using namespace RkXmlLib16;
 
 namespace {
 
 // An object that tells when it goes.
-class CProbe : public CXmlObjectBase {
+class CProbe : public CElement {
  public:
   explicit CProbe(bool& gone) : m_gone(gone) {}
   ~CProbe() override { m_gone = true; }
-  CXmlObjectBase* GetBase() override { return this; }
-  const wchar_t* GetTargetNamespace() const override { return L""; }
-  const wchar_t* GetNamespace() const override { return L""; }
-  void ToXml_Int(CXmlWriter*, bool, const wchar_t*, const CSerializationContext&, bool) const override {}
-  CXmlElement* FromXml_Int(CXmlElement*, CXmlElement* firstChild, const CSerializationContext&, bool) override {
-    return firstChild;
-  }
 
  private:
   bool& m_gone;
