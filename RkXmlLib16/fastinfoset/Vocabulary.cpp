@@ -1,6 +1,7 @@
 #include "RkXmlLib16/fastinfoset/Vocabulary.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace RkXmlLib16 {
 
@@ -64,10 +65,16 @@ CFIStringTable::~CFIStringTable() = default;
 
 std::size_t CFIStringTable::Hash(std::wstring_view text) const noexcept {
   std::uint64_t hash = m_hashSeed ^ text.length();
-  for (const wchar_t c : text) {
-    hash = (hash ^ static_cast<std::uint32_t>(c)) * kHashFactor;
+  const auto mix = [&hash](std::uint64_t next) {
+    hash = (hash ^ next) * kHashFactor;
     hash ^= hash >> 32;
+  };
+  for (; text.length() >= 2; text.remove_prefix(2)) {
+    std::uint64_t pair;
+    std::memcpy(&pair, text.data(), sizeof pair);
+    mix(pair);
   }
+  if (!text.empty()) mix(static_cast<std::uint32_t>(text.front()));
   return hash;
 }
 
@@ -82,10 +89,15 @@ unsigned long CFIStringTable::Add(std::wstring_view text) {
   const std::size_t hash = Hash(text);
   const unsigned long index = Find(text, hash);
   if (index != 0 || size() >= FI_MAX_TABLE_ENTRIES) return index;
+  AddNew(text, hash);
+  return size();
+}
+
+void CFIStringTable::AddNew(std::wstring_view text, std::size_t hash) {
+  HashNewEntries();
   Append(text);
   m_hash.Insert(hash, size());
   m_hashed = size();
-  return size();
 }
 
 void CFIStringTable::Append(std::wstring_view text) {

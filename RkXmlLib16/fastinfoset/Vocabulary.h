@@ -81,6 +81,11 @@ class RKXML_EXPORT CFIStringTable {
   unsigned long Add(std::wstring_view text);
   // Adds the text under the next index even when it is present already, unless the table is full.
   void Append(std::wstring_view text);
+  // Find and Add in steps that hash the text once: `hash` is what Hash returned. AddNew is for a text that Find did not
+  // find and that the table has room for.
+  std::size_t Hash(std::wstring_view text) const noexcept;
+  unsigned long Find(std::wstring_view text, std::size_t hash) const;
+  void AddNew(std::wstring_view text, std::size_t hash);
 
   // The text of an index from 1 to size().
   std::wstring_view operator[](unsigned long index) const noexcept { return m_entries[index - 1]; }
@@ -90,8 +95,6 @@ class RKXML_EXPORT CFIStringTable {
   iterator end() const noexcept { return {*this, size() + 1}; }
 
  private:
-  unsigned long Find(std::wstring_view text, std::size_t hash) const;
-  std::size_t Hash(std::wstring_view text) const noexcept;
   void HashNewEntries() const;
 
   std::vector<std::wstring_view> m_entries;  // texts in the blocks

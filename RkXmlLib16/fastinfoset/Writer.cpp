@@ -186,6 +186,19 @@ void CFastInfosetWriter::WriteString(const std::wstring& text, ItemType type) {
   if (m_octets.size() >= kFlushLength) FlushOctets();
 }
 
+void CFastInfosetWriter::WriteTextElement(const std::wstring& localName, const std::wstring& namespaceUri,
+                                          const std::wstring& text, ItemType type) {
+  const ScopedNamespace* const scoped = m_context != nullptr ? FindKnown(m_elementScope, namespaceUri) : nullptr;
+  if (scoped == nullptr) return CXmlWriter::WriteTextElement(localName, namespaceUri, text, type);
+  WriteElement();
+  ++m_context->m_childCount;
+  FlushTerminator();
+  QualifiedNameOrIndexBit3(*scoped, localName);
+  if (!text.empty()) NonIdentifyingStringOrIndexBit3(text, type);
+  WriteTerminator();
+  if (m_octets.size() >= kFlushLength) FlushOctets();
+}
+
 void CFastInfosetWriter::WriteEndElement() {
   if (m_context == nullptr) return;
   WriteElement();
@@ -227,10 +240,15 @@ void CFastInfosetWriter::RequireStartTag() const {
 
 // Namespaces
 
+const CFastInfosetWriter::ScopedNamespace* CFastInfosetWriter::FindKnown(const ScopeCache& cache,
+                                                                         const std::wstring& namespaceUri) {
+  const auto known = std::find_if(cache.begin(), cache.end(),
+                                  [&](const ScopedNamespace& scoped) { return scoped.uri == namespaceUri; });
+  return known != cache.end() ? &*known : nullptr;
+}
+
 const CFastInfosetWriter::ScopedNamespace& CFastInfosetWriter::ResolveElement(const std::wstring& namespaceUri) {
-  for (const ScopedNamespace& known : m_elementScope) {
-    if (known.uri == namespaceUri) return known;
-  }
+  if (const ScopedNamespace* const known = FindKnown(m_elementScope, namespaceUri)) return *known;
   std::wstring prefix;
   if (!namespaceUri.empty() && namespaceUri != m_context->GetDefaultNamespace()) {
     prefix = FindPrefix(namespaceUri);
@@ -239,9 +257,7 @@ const CFastInfosetWriter::ScopedNamespace& CFastInfosetWriter::ResolveElement(co
 }
 
 const CFastInfosetWriter::ScopedNamespace& CFastInfosetWriter::ResolveAttribute(const std::wstring& namespaceUri) {
-  for (const ScopedNamespace& known : m_attributeScope) {
-    if (known.uri == namespaceUri) return known;
-  }
+  if (const ScopedNamespace* const known = FindKnown(m_attributeScope, namespaceUri)) return *known;
   std::wstring prefix;
   if (!namespaceUri.empty()) prefix = FindPrefix(namespaceUri);
   return Remember(m_attributeScope, namespaceUri, std::move(prefix));
@@ -369,20 +385,23 @@ void CFastInfosetWriter::NonIdentifyingStringOrIndexBit1(std::wstring_view text,
   if (text.empty()) return Integer0To2pw20Bit2(FastInfoset::kValueIndexBit, 0);
   CFIStringTable& values = m_vocabulary.GetAttributeValuesTable();
   const bool isShort = text.length() < m_fiContext.GetAttributeMaxAddLength();
+  const std::size_t hash = isShort ? values.Hash(text) : 0;
   if (isShort) {
-    if (const unsigned long index = values.Find(text)) return Integer0To2pw20Bit2(FastInfoset::kValueIndexBit, index);
+    if (const unsigned long index = values.Find(text, hash))
+      return Integer0To2pw20Bit2(FastInfoset::kValueIndexBit, index);
   }
   const EncodedCharacterString encoding = ChooseEncoding(text, type, /*isContent=*/false);
   const bool add = isShort && !IsFloating(encoding) && values.size() < FI_MAX_TABLE_ENTRIES;
   EncodedCharacterStringBit3(add ? FastInfoset::kValueAddBit : kNoAddBit, text, encoding);
-  if (add) m_vocabulary.AddAttributeValue(text);
+  if (add) values.AddNew(text, hash);
 }
 
 void CFastInfosetWriter::NonIdentifyingStringOrIndexBit3(std::wstring_view text, ItemType type) {
   CFIStringTable& chunks = m_vocabulary.GetCharacterChunksTable();
   const bool isShort = text.length() < m_fiContext.GetElementMaxAddLength();
+  const std::size_t hash = isShort ? chunks.Hash(text) : 0;
   if (isShort) {
-    if (const unsigned long index = chunks.Find(text)) {
+    if (const unsigned long index = chunks.Find(text, hash)) {
       return Integer1To2pw20Bit4(FastInfoset::kChunk | FastInfoset::kChunkIndexBit, index);
     }
   }
@@ -390,7 +409,7 @@ void CFastInfosetWriter::NonIdentifyingStringOrIndexBit3(std::wstring_view text,
   const bool add = isShort && !IsFloating(encoding) && chunks.size() < FI_MAX_TABLE_ENTRIES;
   const unsigned char addBit = add ? FastInfoset::kChunkAddBit : kNoAddBit;
   EncodedCharacterStringBit5(FastInfoset::kChunk | addBit, text, encoding);
-  if (add) m_vocabulary.AddElementValue(text);
+  if (add) chunks.AddNew(text, hash);
 }
 
 // The encoding that the settings ask for, with its octets in m_typedOctets, or UTF-8 where that one would change the

@@ -58,6 +58,8 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
                             ItemType type) override;
   void WriteAttributeType(const std::wstring& typeNamespaceUri, const std::wstring& typeName, ItemType type) override;
   void WriteAttributeNil() override;
+  void WriteTextElement(const std::wstring& localName, const std::wstring& namespaceUri, const std::wstring& text,
+                        ItemType type) override;
 
   // Appends the characters of the text, packed as positions in a restricted alphabet, to `octets`. Throws CRkException
   // "Failed to write FastInfoset. ..." for an index without alphabet, an empty text and a character that the alphabet
@@ -113,6 +115,7 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
 
   bool IsStartTagOpen() const;
   void RequireStartTag() const;
+  static const ScopedNamespace* FindKnown(const ScopeCache& cache, const std::wstring& namespaceUri);
   const ScopedNamespace& ResolveElement(const std::wstring& namespaceUri);
   const ScopedNamespace& ResolveAttribute(const std::wstring& namespaceUri);
   std::wstring FindPrefix(const std::wstring& namespaceUri);

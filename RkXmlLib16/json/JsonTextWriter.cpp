@@ -1,6 +1,8 @@
 #include "RkXmlLib16/json/JsonTextWriter.h"
 
-#include <cstdint>
+#include <emmintrin.h>
+
+#include <algorithm>
 
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/support/TextStream.h"
@@ -10,6 +12,8 @@ namespace RkXmlLib16 {
 namespace {
 
 constexpr std::size_t kFlushLength = 4096;
+constexpr std::size_t kShortText = 64;
+constexpr std::size_t kLongestEscape = 6;  // of one character
 const std::wstring kNone;
 
 [[noreturn]] void ThrowUnknownNamespace(const std::wstring& name) {
@@ -20,6 +24,8 @@ constexpr bool IsUnquoted(ItemType type) {
   return (type >= ItemType_byte && type <= ItemType_double) || type == ItemType_boolean || type == ItemType_decimal ||
          type == ItemType_integer;
 }
+
+std::wstring_view UpToNul(std::wstring_view text) { return text.substr(0, text.find(L'\0')); }
 
 std::size_t SkipDigits(std::wstring_view text, std::size_t i) {
   while (i < text.size() && text[i] >= L'0' && text[i] <= L'9') ++i;
@@ -102,10 +108,10 @@ void CJsonTextWriter::WriteOpenBrackets(CXmlWriterContext& context) {
     if (m_itemPending) SeparateItem(context);
     CXmlWriterContext* owner = context.m_parent.get();
     if (owner != nullptr && owner->m_state == ContextState_CollectionStart) OpenArray(context, *owner);
-    Put(L"{");
+    m_stream.Append(L'{');
     m_valuePending = false;
   } else {
-    Put(L",");
+    m_stream.Append(L',');
   }
   PutLine();
   FlushWhenFull();
@@ -113,7 +119,13 @@ void CJsonTextWriter::WriteOpenBrackets(CXmlWriterContext& context) {
 
 void CJsonTextWriter::WriteValue(const std::wstring& text, ItemType type) {
   if (IsUnquoted(type) && (!m_strict || IsStrictLiteral(text))) {
-    m_stream.Append(text);
+    Put(UpToNul(text));
+  } else if (text.size() <= kShortText) {
+    wchar_t* to = m_stream.Reserve(text.size() * kLongestEscape + 2);
+    *to++ = L'"';
+    to = PutEscapedShort(to, text);
+    *to++ = L'"';
+    m_stream.Commit(to);
   } else {
     Put(L"\"");
     PutEscaped(text);
@@ -233,6 +245,23 @@ void CJsonTextWriter::WriteEndElement() {
   FlushWhenFull();
 }
 
+void CJsonTextWriter::WriteTextElement(const std::wstring& localName, const std::wstring& namespaceUri,
+                                       const std::wstring& text, ItemType type) {
+  const bool isMember = m_context != nullptr && !ContinuesArray(localName, namespaceUri);
+  const std::wstring* prefix = &kNone;
+  if (isMember && m_roundTrip == JsonRoundTrip_Namespaces) prefix = FindElementPrefix(namespaceUri);
+  if (!isMember || prefix == nullptr) return CXmlWriter::WriteTextElement(localName, namespaceUri, text, type);
+  CloseArray(*m_context, Top(), false);
+  OpenMember();
+  PutIndent(m_context->m_depth + 1);
+  PutKey({}, *prefix, localName);
+  if (text.empty()) {
+    Put(L"null");
+  } else {
+    WriteValue(text, type);
+  }
+}
+
 void CJsonTextWriter::WriteAttributeString(const std::wstring& localName, const std::wstring& namespaceUri,
                                            const std::wstring& value, ItemType type) {
   RequireOpenElement();
@@ -343,7 +372,7 @@ void CJsonTextWriter::WriteNamespaceMember(const std::wstring& prefix, const std
     PutKey(L"@", L"xmlns", prefix);
     Put(L"\"");
   }
-  PutName(namespaceUri);
+  m_stream.Commit(PutName(m_stream.Reserve(namespaceUri.size() * kLongestEscape), namespaceUri));
   Put(L"\"");
 }
 
@@ -370,71 +399,79 @@ void CJsonTextWriter::PutIndent(std::int64_t level) {
 }
 
 void CJsonTextWriter::PutKey(std::wstring_view marker, const std::wstring& prefix, const std::wstring& localName) {
-  Put(L"\"");
-  Put(marker);
+  wchar_t* to = m_stream.Reserve(marker.size() + (prefix.size() + localName.size()) * kLongestEscape + 5);
+  *to++ = L'"';
+  to = CStringBuffer::Copy(to, marker);
   if (!prefix.empty()) {
-    PutName(prefix);
-    Put(L":");
+    to = PutName(to, prefix);
+    *to++ = L':';
   }
-  PutName(localName);
-  Put(L"\": ");
+  to = PutName(to, localName);
+  m_stream.Commit(CStringBuffer::Copy(to, L"\": "));
 }
 
 // Keys and namespace URIs; like every text they end at a NUL.
-void CJsonTextWriter::PutName(const std::wstring& name) {
-  if (m_strict) {
-    PutEscaped(name);
-  } else {
-    m_stream.Append(name);
+wchar_t* CJsonTextWriter::PutName(wchar_t* to, const std::wstring& name) const {
+  if (m_strict) return PutEscapedShort(to, name);
+  for (const wchar_t* from = name.c_str(); *from != L'\0';) *to++ = *from++;
+  return to;
+}
+
+void CJsonTextWriter::PutEscaped(std::wstring_view text) {
+  text = UpToNul(text);
+  while (!text.empty()) {
+    const std::wstring_view piece = text.substr(0, kShortText);
+    m_stream.Commit(PutEscapedShort(m_stream.Reserve(piece.size() * kLongestEscape), piece));
+    text.remove_prefix(piece.size());
   }
 }
 
-// Copies the runs between the characters that are not written as themselves; a NUL ends the text.
-void CJsonTextWriter::PutEscaped(std::wstring_view text) {
+// The text up to its first NUL; there is room for the longest escapes.
+wchar_t* CJsonTextWriter::PutEscapedShort(wchar_t* to, std::wstring_view text) const {
+  const __m128i quote = _mm_set1_epi32(m_strict ? L'"' : 0);
+  const __m128i backslash = _mm_set1_epi32(m_strict ? L'\\' : 0);
+  const wchar_t* at = text.data();
+  const wchar_t* const end = at + text.size();
+  for (;;) {
+    for (; end - at >= 4; at += 4, to += 4) {
+      const __m128i four = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
+      const __m128i control = _mm_cmplt_epi32(four, _mm_set1_epi32(L' '));
+      const __m128i marks = _mm_or_si128(_mm_cmpeq_epi32(four, quote), _mm_cmpeq_epi32(four, backslash));
+      if (_mm_movemask_epi8(_mm_or_si128(control, marks)) != 0) break;
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(to), four);
+    }
+    for (const wchar_t* const stop = end - at >= 4 ? at + 4 : end; at != stop; ++at) {
+      const auto c = static_cast<std::uint32_t>(*at);
+      if (c == 0) return to;
+      if (c > 31 && (!m_strict || (c != L'"' && c != L'\\')))
+        *to++ = *at;
+      else
+        to = PutEscape(to, c);
+    }
+    if (at == end) return to;
+  }
+}
+
+wchar_t* CJsonTextWriter::PutEscape(wchar_t* to, std::uint32_t c) const {
   static constexpr wchar_t kHex[] = L"0123456789ABCDEF";
-  text = text.substr(0, text.find(L'\0'));
-  std::size_t run = 0;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const auto c = static_cast<std::uint32_t>(text[i]);
-    if (c > 31 && (!m_strict || (c != L'"' && c != L'\\'))) continue;
-    if (!m_strict && (c == L'\b' || c == L'\t' || c == L'\f')) continue;
-    Put(text.substr(run, i - run));
-    run = i + 1;
-    if (!m_strict && c == L'\n') {
-      Put(m_eol);
-    } else if (!m_strict && c == L'\r') {
-      continue;
-    } else {
-      switch (c) {
-        case L'"':
-          Put(L"\\\"");
-          break;
-        case L'\\':
-          Put(L"\\\\");
-          break;
-        case L'\b':
-          Put(L"\\b");
-          break;
-        case L'\t':
-          Put(L"\\t");
-          break;
-        case L'\n':
-          Put(L"\\n");
-          break;
-        case L'\f':
-          Put(L"\\f");
-          break;
-        case L'\r':
-          Put(L"\\r");
-          break;
-        default: {
-          const wchar_t escape[] = {L'\\', L'u', L'0', L'0', kHex[c >> 4], kHex[c & 15]};
-          Put(std::wstring_view(escape, 6));
-        }
-      }
+  static constexpr std::wstring_view kShort = L"\"\\\b\t\n\f\r";
+  static constexpr std::wstring_view kLetters = L"\"\\btnfr";
+  if (!m_strict) {
+    if (c == L'\n') return CStringBuffer::Copy(to, m_eol);
+    if (c == L'\r') return to;
+    if (c == L'\b' || c == L'\t' || c == L'\f') {
+      *to++ = static_cast<wchar_t>(c);
+      return to;
     }
   }
-  Put(text.substr(run));
+  *to++ = L'\\';
+  const std::size_t letter = kShort.find(static_cast<wchar_t>(c));
+  if (letter != std::wstring_view::npos) {
+    *to++ = kLetters[letter];
+    return to;
+  }
+  const wchar_t code[] = {L'u', L'0', L'0', kHex[c >> 4], kHex[c & 15]};
+  return CStringBuffer::Copy(to, std::wstring_view(code, 5));
 }
 
 void CJsonTextWriter::FlushWhenFull() {

@@ -2,6 +2,7 @@
 #define RKXMLLIB16_JSON_JSONTEXTWRITER_H
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -74,6 +75,8 @@ class RKXML_EXPORT CJsonTextWriter : public CXmlWriter {
   void WriteAttributeType(const std::wstring& typeNamespaceUri, const std::wstring& typeName, ItemType type) override;
   // Written with namespaces and strict output only.
   void WriteAttributeNil() override;
+  void WriteTextElement(const std::wstring& localName, const std::wstring& namespaceUri, const std::wstring& text,
+                        ItemType type) override;
 
  private:
   // What an open element needs besides its context; `m_frames` runs parallel to the chain of contexts.
@@ -104,8 +107,11 @@ class RKXML_EXPORT CJsonTextWriter : public CXmlWriter {
   void PutLine();
   void PutIndent(std::int64_t level);
   void PutKey(std::wstring_view marker, const std::wstring& prefix, const std::wstring& localName);
-  void PutName(const std::wstring& name);
   void PutEscaped(std::wstring_view text);
+  // Write to `to` and return the end.
+  wchar_t* PutName(wchar_t* to, const std::wstring& name) const;
+  wchar_t* PutEscapedShort(wchar_t* to, std::wstring_view text) const;
+  wchar_t* PutEscape(wchar_t* to, std::uint32_t c) const;
   void FlushWhenFull();
 
   std::wstring m_indentChars = L"\t";

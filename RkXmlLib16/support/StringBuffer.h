@@ -1,6 +1,7 @@
 #ifndef RKXMLLIB16_SUPPORT_STRINGBUFFER_H
 #define RKXMLLIB16_SUPPORT_STRINGBUFFER_H
 
+#include <algorithm>
 #include <cwchar>
 #include <memory>
 #include <string>
@@ -36,6 +37,7 @@ class RKXML_EXPORT CStringBuffer {
   // Appends the text `count` times.
   void AppendRepeated(std::wstring_view text, unsigned long count) {
     wchar_t* to = Reserve(text.size() * count);
+    if (text.size() == 1) return Commit(std::fill_n(to, count, text.front()));
     while (count-- > 0) to = Copy(to, text);
     Commit(to);
   }
