@@ -68,7 +68,8 @@ class RKXML_EXPORT CConversions {
   static std::wstring stringFromString(const std::wstring& text, Rule rule);
   static std::wstring stringToString(const std::wstring& value);
 
-  // gYear, gMonth and gDay as plain numbers; a zone in the text is dropped. The year prints without padding.
+  // gYear, gMonth and gDay as plain numbers; a zone in the text is dropped. A negative year does not fit and throws;
+  // the year prints without padding.
   static unsigned short yearFromString(const std::wstring& text, Rule rule);
   static unsigned char monthFromString(const std::wstring& text, Rule rule);
   static unsigned char dayFromString(const std::wstring& text, Rule rule);

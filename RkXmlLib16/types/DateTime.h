@@ -100,10 +100,11 @@ class RKXML_EXPORT CDateTime {
   void SetMicroSecond(unsigned short microSecond);
   unsigned short GetNanoSecond() const;
   void SetNanoSecond(unsigned short nanoSecond);
-  // Seconds with the fraction.
+  // Seconds with the fraction. Throws like the getters.
   double GetRealSecond() const;
   // Of a dateTime or date: the day of the year from 1, the day of the week from 0 = Sunday, and the time_t of the
-  // instant (a value without zone is taken as UTC; fractions are cut off).
+  // instant (a value without zone is taken as UTC; fractions are cut off). Throw CRkInvalidStateException
+  // "Failed to GetDayOfYear. Invalid Date Type: %ls." (and so on) for the other types.
   int GetDayOfYear() const;
   int GetDayOfWeek() const;
   long GetTime() const;
@@ -111,8 +112,8 @@ class RKXML_EXPORT CDateTime {
   // IsUTC: the value carries a zone of any kind. HasTimeZone: that zone is a numeric offset.
   bool IsUTC() const noexcept { return m_isUTC; }
   bool HasTimeZone() const noexcept { return m_hasTimeZone; }
-  // Offset from UTC as written: hours -23..23 with the sign of the whole offset, minutes 0..59, never negative. Throw
-  // CRkInvalidValueException unless HasTimeZone().
+  // Offset from UTC as written: hours -23..23 with the sign of the whole offset, minutes 0..59, never negative. The
+  // getters throw CRkInvalidValueException unless HasTimeZone().
   short GetZoneHour() const;
   unsigned char GetZoneMinute() const;
   void SetTimeZone(short hour, unsigned char minute);
@@ -134,7 +135,7 @@ class RKXML_EXPORT CDateTime {
   void AppendTo(std::wstring& out) const;
 
   // The order relation of XML Schema Part 2: a value with a zone and one without are ordered when they are more than 14
-  // hours apart.
+  // hours apart. A time of day that is moved to UTC stays on its day: 00:30:00+01:00 equals 23:30:00Z.
   CompareResult CompareTo(const CDateTime& other) const;
   bool operator==(const CDateTime& other) const { return CompareTo(other) == CompareResult_Equal; }
   bool operator!=(const CDateTime& other) const { return CompareTo(other) != CompareResult_Equal; }
