@@ -30,7 +30,6 @@ class CDateTimeFields {
     CDateTimeFields fields(value);
     fields.FillIn();
     fields.MoveTo(fields.DayNumber(), fields.m_second - offsetSeconds);
-    if (fields.m_owned == kTime) fields.m_date = kAnyDate;  // a time of day has no day to carry into
     return fields;
   }
 
@@ -39,7 +38,11 @@ class CDateTimeFields {
     return value.m_zoneHour * 3600LL + (value.m_zoneHour < 0 ? -minutes : minutes) * 60;
   }
 
-  static CDateTimeFields Utc(const CDateTime& value) { return Instant(value, OffsetSeconds(value)); }
+  static CDateTimeFields Utc(const CDateTime& value) {
+    CDateTimeFields fields = Instant(value, OffsetSeconds(value));
+    if (fields.m_owned == kTime) fields.m_date = kAnyDate;  // a time of day has no day to carry into
+    return fields;
+  }
 
   // Appendix E of XML Schema Part 2. The carries are exact, whatever the size of the counts.
   void Add(const CDateTimeSpan& span) {

@@ -217,6 +217,10 @@ TEST(DateTime, OrderIsPartialAcrossZones) {
   EXPECT_EQ(kLess, Date(L"2000-01-01+06:00").CompareTo(Date(L"2000-01-01+05:00")));
   EXPECT_EQ(kLess, Date(L"--01+05:00").CompareTo(Date(L"--01Z")));
   EXPECT_EQ(kEqual, Time(L"00:30:00+01:00").CompareTo(Time(L"23:30:00Z")));
+  EXPECT_EQ(kIndeterminate, Time(L"12:00:00").CompareTo(Time(L"12:00:00Z")));
+  EXPECT_EQ(kIndeterminate, Time(L"22:00:00Z").CompareTo(Time(L"08:00:00")));
+  EXPECT_EQ(kGreater, Time(L"22:00:00Z").CompareTo(Time(L"07:59:59")));
+  EXPECT_EQ(kLess, Time(L"07:00:00").CompareTo(Time(L"01:30:00+04:00")));
   EXPECT_EQ(kEqual, DateTime(L"2000-01-01T00:00:00").CompareTo(Date(L"2000-01-01")));
   EXPECT_EQ(kIndeterminate, DateTime(L"2000-01-01T01:00:00").CompareTo(Date(L"2000-01-01")));
   EXPECT_EQ(kLess, Date(L"1999").CompareTo(Date(L"2000-01-01")));
