@@ -1,6 +1,7 @@
 #ifndef RKXMLLIB16_CORE_READLIMITS_H
 #define RKXMLLIB16_CORE_READLIMITS_H
 
+#include <cstddef>
 #include <string>
 
 #include "RkXmlLib16/core/Export.h"
@@ -35,12 +36,15 @@ class RKXML_EXPORT CReadLimits {
   void SetMaxInflationRatio(unsigned long ratio) noexcept { m_maxInflationRatio = ratio; }
   unsigned long GetInflationRatioFrom() const noexcept { return m_inflationRatioFrom; }
   void SetInflationRatioFrom(unsigned long bytes) noexcept { m_inflationRatioFrom = bytes; }
-  // Characters that indexes of a Fast Infoset document stand for, as a multiple of its octets, looked at once
-  // GetExpansionRatioFrom characters are out.
+  // Characters that a document stands for without spelling them, as a multiple of its octets, looked at once
+  // GetExpansionRatioFrom characters are out: indexed strings and names of a Fast Infoset, names that JSON repeats for
+  // each item of an array, namespace URIs of attributes in XML text.
   unsigned long GetMaxExpansionRatio() const noexcept { return m_maxExpansionRatio; }
   void SetMaxExpansionRatio(unsigned long ratio) noexcept { m_maxExpansionRatio = ratio; }
   unsigned long GetExpansionRatioFrom() const noexcept { return m_expansionRatioFrom; }
   void SetExpansionRatioFrom(unsigned long characters) noexcept { m_expansionRatioFrom = characters; }
+  // The characters that a document of `length` octets may stand for by these two; the largest number when any.
+  unsigned long GetExpansionLimit(std::size_t length) const noexcept;
 
   // Throws CRkException "Limit exceeded: <name> <value>.", with the path where it is known.
   [[noreturn]] static void ThrowExceeded(const wchar_t* name, unsigned long value, const std::wstring& path = L"");

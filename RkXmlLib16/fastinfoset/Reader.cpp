@@ -72,11 +72,7 @@ bool CFastInfosetReader::Parse(const unsigned char* octets, std::size_t length) 
   m_end = octets + length;
   if (!ReadHeader()) return false;
 
-  const CReadLimits& limits = m_document.GetContext().GetLimits();
-  const unsigned long ratio = limits.GetMaxExpansionRatio();
-  constexpr unsigned long kNoLimit = std::numeric_limits<unsigned long>::max();
-  const bool isUnlimited = ratio == 0 || length > kNoLimit / ratio;
-  m_expansionLimit = isUnlimited ? kNoLimit : std::max(limits.GetExpansionRatioFrom(), ratio * length);
+  m_expansionLimit = m_document.GetContext().GetLimits().GetExpansionLimit(length);
   for (const auto& [text, index] : m_vocabulary.GetPrefixNamesTable())
     m_prefixes.push_back(m_document.InternName(text));
   for (const auto& [text, index] : m_vocabulary.GetNamespaceNamesTable()) {
@@ -278,6 +274,7 @@ bool CFastInfosetReader::ElementStart(unsigned char octet) {
     if (octet >= 0x40) ThrowInvalidItem();
   }
   const QName name = QualifiedNameOrIndexBit3(octet);
+  CountExpansion(name.localName->View().size());
   CXmlElement* const element = m_document.AddElement(name.namespaceUri, name.localName);
   if (!hasAttributes) return true;
   for (octet = Next(); octet < 0x80; octet = Next()) AtrributeBit2(element, octet);
@@ -289,6 +286,7 @@ bool CFastInfosetReader::ElementStart(unsigned char octet) {
 
 void CFastInfosetReader::AtrributeBit2(CXmlElement* element, unsigned char octet) {
   const QName name = QualifiedNameOrIndexBit2(octet);
+  CountExpansion(name.localName->View().size());
   NonIdentifyingStringOrIndexBit1(element, name);
 }
 
@@ -300,7 +298,7 @@ void CFastInfosetReader::NamespaceAttributeBit7(unsigned char octet) {
   if ((octet & FastInfoset::kNamePrefixBit) != 0) prefix = IdentifyingStringOrIndex(m_prefixes, hasIndex);
   if ((octet & FastInfoset::kNameNamespaceBit) != 0)
     namespaceUri = IdentifyingStringOrIndex(m_namespaceNames, hasIndex);
-  m_document.AddNamespaceAlias(prefix->GetText().c_str(), namespaceUri->GetText().c_str());
+  m_document.AddNamespaceAlias(prefix, namespaceUri);
 }
 
 void CFastInfosetReader::Comment() { SkipNonIdentifyingStringOrIndexBit1(); }

@@ -177,8 +177,7 @@ bool CAttributeInfoAny::AttributeFromXml(const CSerializationContext&, CXmlGener
   auto* attributes = dynamic_cast<CAttributeCol*>(value.GetXmlCollection().Get());
   if (attributes == nullptr)
     throw CRkException(L"Serialization Data Error : The collection should be a CAttributeCol, it was not!");
-  attributes->Add(attribute->GetLocalName().c_str(), attribute->GetValue().c_str(),
-                  attribute->GetNamespaceURI().c_str());
+  attributes->Add(*attribute);
   return true;
 }
 

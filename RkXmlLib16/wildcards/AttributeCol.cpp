@@ -17,6 +17,12 @@ CAttribute::CAttribute(const wchar_t* localName, const wchar_t* value, const wch
   SetValue(value);
 }
 
+CAttribute::CAttribute(const CXmlAttribute& source)
+    : m_value(source.GetValue().View()),
+      m_namespaceUri(source.GetElement()->GetDocument()->ShareName(source.GetNamespaceRef())) {
+  m_elementName = source.GetLocalName().View();
+}
+
 CAttribute::~CAttribute() = default;
 
 CXmlObjectBase* CAttribute::GetBase() { return this; }
@@ -56,7 +62,7 @@ CXmlElement* CAttributeCol::FromXml_Int(CXmlElement* element, CXmlElement* first
                                         const CSerializationContext& /*context*/, bool /*isOptionalChoice*/) {
   for (const CXmlAttribute* attribute : element->GetAttributes()) {
     if (attribute->IsNamespaceAttribute() || !m_rule.Admits(attribute->GetNamespaceURI().c_str())) continue;
-    Add(attribute->GetLocalName().c_str(), attribute->GetValue().c_str(), attribute->GetNamespaceURI().c_str());
+    Add(*attribute);
   }
   return firstChild;
 }
@@ -75,6 +81,11 @@ void CAttributeCol::Add(const wchar_t* localName, const wchar_t* value, const wc
 }
 
 void CAttributeCol::Add(CAttribute* attribute) { AppendItem(attribute); }
+
+void CAttributeCol::Add(const CXmlAttribute& source) {
+  const CSmartPtr<CAttribute> attribute(new CAttribute(source));
+  Add(attribute);
+}
 
 void CAttributeCol::AppendItem(CAttribute* attribute) {
   Test(attribute);

@@ -9,6 +9,8 @@
 
 namespace RkXmlLib16 {
 
+class CXmlAttribute;
+
 // One attribute that no schema describes: local name, namespace URI and value. It can be written onto an open start
 // tag, but is no document of its own.
 class RKXML_EXPORT CAttribute : public CXmlObjectBase {
@@ -39,10 +41,12 @@ class RKXML_EXPORT CAttribute : public CXmlObjectBase {
   void SetValue(const wchar_t* value);
 
  private:
-  friend class CElement;
+  friend class CAttributeCol;
+
+  explicit CAttribute(const CXmlAttribute& source);
 
   std::wstring m_value;
-  std::shared_ptr<const std::wstring> m_namespaceUri;  // null for no namespace; shared within a tree that was read
+  std::shared_ptr<const std::wstring> m_namespaceUri;  // null for no namespace; shared by all that a document brought
 };
 
 // The attributes that an attribute wildcard took, in document order, each with a namespace that its constraint admits.
@@ -71,6 +75,8 @@ class RKXML_EXPORT CAttributeCol : public CXmlCollection {
   // "Invalid Attribute [%ls]. The attributes namespace is Inappropriate." (the local name).
   void Add(const wchar_t* localName, const wchar_t* value, const wchar_t* namespaceUri = L"");
   void Add(CAttribute* attribute);
+  // Appends a copy of an attribute of a document; all copies share the document's namespaces.
+  void Add(const CXmlAttribute& source);
   // The list operations of the base, with the same test.
   void AppendItem(CAttribute* attribute);
   void PrependItem(CAttribute* attribute);

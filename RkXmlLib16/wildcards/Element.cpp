@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cwchar>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 
 #include "RkXmlLib16/core/Exception.h"
@@ -87,7 +86,7 @@ class CElement::TreeReader {
     const auto declare = [&](wstring_view prefix) { usesPrefix |= Declare(*source.GetDocument(), prefix); };
 
     element.m_elementName = source.GetLocalName().View();
-    element.m_namespaceUri = ShareNamespace(source.GetNamespaceURI());
+    element.m_namespaceUri = source.GetDocument()->ShareName(source.GetNamespaceRef());
     std::size_t childCount = 0;
     for (const CXmlElement* c = source.GetFirstElement(); c != nullptr; c = c->GetNextSiblingElement()) ++childCount;
     element.m_children.reserve(childCount);
@@ -97,35 +96,21 @@ class CElement::TreeReader {
       ForEachPrefix(text, declare);
     }
     for (const CXmlAttribute* attribute : source.GetAttributes()) {
-      const CSmartPtr<CAttribute> copy(new CAttribute);
-      copy->m_elementName = attribute->GetLocalName().View();
-      copy->m_value = attribute->GetValue().c_str();
-      copy->m_namespaceUri = ShareNamespace(attribute->GetNamespaceURI());
-      element.GetAttributes()->Add(copy);
+      element.GetAttributes()->Add(*attribute);
       ForEachPrefix(attribute->GetValue(), declare);
     }
     if (usesPrefix) element.m_prefixes = m_prefixes;
   }
 
-  // Documents hold each namespace URI once, so its place identifies it.
-  std::shared_ptr<const std::wstring> ShareNamespace(const CXmlText& uri) {
-    if (uri.empty()) return nullptr;
-    std::shared_ptr<const std::wstring>& shared = m_namespaces[uri.c_str()];
-    if (shared == nullptr) shared = std::make_shared<const std::wstring>(uri.View());
-    return shared;
-  }
-
   bool Declare(const CXmlDocument& document, wstring_view prefix) {
     if (m_prefixes != nullptr && m_prefixes->find(prefix) != m_prefixes->end()) return true;
-    std::wstring name(prefix);
-    const CXmlText uri = document.LookupNamespaceFromAlias(name.c_str());
-    if (uri.empty() || name == L"xml" || name == L"xmlns") return false;
+    const CXmlName* const uri = document.LookupNamespaceRef(prefix);
+    if (uri == nullptr || uri->empty() || prefix == L"xml" || prefix == L"xmlns") return false;
     if (m_prefixes == nullptr) m_prefixes = std::make_shared<Prefixes>();
-    m_prefixes->emplace(std::move(name), uri.View());
+    m_prefixes->emplace(prefix, document.ShareName(uri));
     return true;
   }
 
-  std::unordered_map<const wchar_t*, std::shared_ptr<const std::wstring>> m_namespaces;
   std::shared_ptr<Prefixes> m_prefixes;
 };
 
@@ -183,7 +168,7 @@ class CElement::TreeWriter {
                                element.m_namespaceUri != nullptr ? *element.m_namespaceUri : kNoNamespace);
     if (isRoot) WriteRootAttributes(m_writer, m_context, element.GetNamespace(), m_isOptionalChoice);
     if (element.m_prefixes != nullptr && element.m_prefixes.get() != m_declared) {
-      for (const auto& [prefix, uri] : *element.m_prefixes) m_writer.DeclareNamespace(prefix, uri);
+      for (const auto& [prefix, uri] : *element.m_prefixes) m_writer.DeclareNamespace(prefix, *uri);
     }
     element.AttributesToXml_Int(&m_writer, m_context);
     if (isRoot) WriteRootSchema(m_writer, m_context);
@@ -207,8 +192,8 @@ class CElement::TreeWriter {
     if (element.m_prefixes == nullptr) return;
     const CNamespaceAliasMap& aliases = m_context.GetNamespaceAliases();
     for (const auto& [prefix, uri] : *element.m_prefixes) {
-      if (!aliases.DoesAliasExist(prefix.c_str()) && !aliases.DoesNamespaceExist(uri.c_str())) {
-        m_writer.AddNamespace(prefix, uri);
+      if (!aliases.DoesAliasExist(prefix.c_str()) && !aliases.DoesNamespaceExist(uri->c_str())) {
+        m_writer.AddNamespace(prefix, *uri);
       }
     }
   }
@@ -306,8 +291,8 @@ void CElement::AttributesToXml_Int(CXmlWriter* writer, const CSerializationConte
       const std::size_t colon = type.find(L':');
       const auto declared = m_prefixes->find(wstring_view(type).substr(0, colon));
       if (colon != std::wstring::npos && declared != m_prefixes->end() &&
-          !writer->DeclareNamespace(declared->first, declared->second)) {
-        writer->WriteAttributeType(declared->second, type.substr(colon + 1), ItemType_string);
+          !writer->DeclareNamespace(declared->first, *declared->second)) {
+        writer->WriteAttributeType(*declared->second, type.substr(colon + 1), ItemType_string);
         continue;
       }
     }

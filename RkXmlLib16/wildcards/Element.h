@@ -90,7 +90,8 @@ class RKXML_EXPORT CElement : public CXmlObjectBase {
 
  private:
   friend class CElementCol;
-  using Prefixes = std::map<std::wstring, std::wstring, std::less<>>;  // prefix to namespace URI
+  using SharedText = std::shared_ptr<const std::wstring>;
+  using Prefixes = std::map<std::wstring, SharedText, std::less<>>;  // prefix to namespace URI
   using Children = std::vector<CSmartPtr<CElement>>;
   class TreeReader;
   class TreeWriter;
@@ -99,7 +100,7 @@ class RKXML_EXPORT CElement : public CXmlObjectBase {
 
   static void Destroy(Children& children) noexcept;
 
-  std::shared_ptr<const std::wstring> m_namespaceUri;  // null for no namespace; shared within a tree that was read
+  SharedText m_namespaceUri;  // null for no namespace; shared by all that a document brought
   std::wstring m_text;
   CNamespaceRule m_rule;
   CSmartPtr<CAttributeCol> m_attributes;  // null until asked for

@@ -5,6 +5,7 @@
 #include <cwchar>
 #include <map>
 #include <new>
+#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 #include <vector>
@@ -67,7 +68,8 @@ struct CXmlDocument::Storage {
   std::vector<const CXmlName*> nameTable;  // open addressing, a power of two
   std::size_t nameCount = 0;
   std::map<std::wstring_view, const CXmlName*> aliases;  // prefix to namespace
-  std::size_t depth = 0;                                 // of the current element
+  std::unordered_map<const CXmlName*, std::shared_ptr<const std::wstring>> sharedNames;
+  std::size_t depth = 0;  // of the current element
   std::size_t nodeCount = 0;
   std::size_t charCount = 0;
   std::vector<OpenElement> open;  // only with a filter
@@ -185,6 +187,13 @@ const CXmlName* CXmlDocument::InternName(std::wstring_view text) {
   storage.nameTable[slot] = name;
   ++storage.nameCount;
   return name;
+}
+
+std::shared_ptr<const std::wstring> CXmlDocument::ShareName(const CXmlName* name) const {
+  if (name->empty()) return nullptr;
+  std::shared_ptr<const std::wstring>& shared = m_storage->sharedNames[name];
+  if (shared == nullptr) shared = std::make_shared<const std::wstring>(name->View());
+  return shared;
 }
 
 CXmlElement* CXmlDocument::AddElement(const CXmlName* namespaceUri, const CXmlName* localName) {
@@ -364,8 +373,13 @@ CXmlText CXmlDocument::LookupAliasFromNamespace(const wchar_t* namespaceUri) con
 }
 
 CXmlText CXmlDocument::LookupNamespaceFromAlias(const wchar_t* prefix) const {
-  const auto found = m_storage->aliases.find(ViewOf(prefix));
-  return found != m_storage->aliases.end() ? found->second->GetText() : CXmlText();
+  const CXmlName* const found = LookupNamespaceRef(ViewOf(prefix));
+  return found != nullptr ? found->GetText() : CXmlText();
+}
+
+const CXmlName* CXmlDocument::LookupNamespaceRef(std::wstring_view prefix) const noexcept {
+  const auto found = m_storage->aliases.find(prefix);
+  return found != m_storage->aliases.end() ? found->second : nullptr;
 }
 
 std::vector<std::pair<CXmlText, CXmlText>> CXmlDocument::GetNamespaceAliases() const {

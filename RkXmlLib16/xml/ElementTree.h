@@ -247,6 +247,8 @@ class RKXML_EXPORT CXmlDocument {
   // taken whole and may hold any character. An element without a current element becomes the document element.
   const CXmlName* InternName(std::wstring_view text);
   const CXmlName* GetEmptyName() const noexcept;
+  // A copy of the name for objects that outlive the document, which all share it. Null for the empty name.
+  std::shared_ptr<const std::wstring> ShareName(const CXmlName* name) const;
   CXmlElement* AddElement(const CXmlName* namespaceUri, const CXmlName* localName);
   // The attribute is valid until the next one is added to the element.
   CXmlAttribute* AddAttribute(CXmlElement* element, const CXmlName* localName, const CXmlName* namespaceUri,
@@ -269,6 +271,7 @@ class RKXML_EXPORT CXmlDocument {
   void AddNamespaceAlias(const CXmlName* prefix, const CXmlName* namespaceUri);
   CXmlText LookupAliasFromNamespace(const wchar_t* namespaceUri) const;
   CXmlText LookupNamespaceFromAlias(const wchar_t* prefix) const;
+  const CXmlName* LookupNamespaceRef(std::wstring_view prefix) const noexcept;  // null when unknown
   // All of them, prefix and namespace URI, in ascending order of the prefixes.
   std::vector<std::pair<CXmlText, CXmlText>> GetNamespaceAliases() const;
 

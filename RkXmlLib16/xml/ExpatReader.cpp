@@ -99,7 +99,10 @@ constexpr XML_Memory_Handling_Suite kCountingSuite = {CountingMalloc, CountingRe
 }  // namespace
 
 struct CExpatReader::Parser {
-  explicit Parser(CXmlDocument& target) : document(target) {}
+  explicit Parser(CXmlDocument& target)
+      : document(target),
+        isUtf16(IsUtf16(target)),
+        expansionLimit(target.GetContext().GetLimits().GetExpansionLimit(target.GetInputLength())) {}
   ~Parser() { XML_ParserFree(expat); }
 
   void StartElement(const XML_Char* name, const XML_Char** attributes);
@@ -109,11 +112,13 @@ struct CExpatReader::Parser {
   void EntityDeclaration(const XML_Char* value, std::size_t length);
   void AddDefaulted(CXmlElement* element, const XML_Char* name, const XML_Char* value);
 
+  static bool IsUtf16(const CXmlDocument& document);
   void Feed(bool isFinal);
   [[noreturn]] void ThrowParseError() const;
   [[noreturn]] void ThrowSeparatorInUri() const;
   bool IsAtTagWithSeparator() const;
 
+  void CountExpansion(std::size_t charCount);
   const CXmlName* Intern(const XML_Char* text, std::size_t length);
   const CXmlName* LocalName(const XML_Char* name);
   // Splits a name at its separator. Returns the local part.
@@ -169,6 +174,7 @@ struct CExpatReader::Parser {
   };
 
   CXmlDocument& document;
+  const bool isUtf16;  // expat takes a NUL behind a high surrogate, where text then ends
   XML_Parser expat = nullptr;
   std::exception_ptr failure;
   std::wstring buffer;  // for names on their way into the document
@@ -179,6 +185,8 @@ struct CExpatReader::Parser {
   std::uint64_t namespaceEvents = 0;
   unsigned long nestingEntities = 0;
   std::size_t defaultedCount = 0;
+  std::size_t expanded = 0;
+  const std::size_t expansionLimit;
   std::unordered_map<const XML_Char*, CXmlTextBlock*> defaultedValues;  // expat keeps them where they are
 };
 
@@ -231,7 +239,16 @@ const XML_Char* CExpatReader::Parser::SplitAttributeName(const XML_Char* name, c
       !Equal(name, lastAttributeUri->View()))
     lastAttributeUri = Intern(name, length);
   namespaceUri = lastAttributeUri;
+  CountExpansion(length);
   return at + 1;
+}
+
+// expat spells the namespace of an attribute out each time, which takes time by its length.
+void CExpatReader::Parser::CountExpansion(std::size_t charCount) {
+  expanded += charCount;
+  if (expanded <= expansionLimit) return;
+  CReadLimits::ThrowExceeded(L"characters of attribute namespaces", expansionLimit,
+                             document.GetCurrentElement()->GetXPath());
 }
 
 void CExpatReader::Parser::StartElement(const XML_Char* name, const XML_Char** attributes) {
@@ -256,6 +273,7 @@ void CExpatReader::Parser::StartElement(const XML_Char* name, const XML_Char** a
 
 void CExpatReader::Parser::Text(const XML_Char* text, std::size_t length) {
   CXmlElement* const element = document.GetCurrentElement();
+  if (isUtf16) length = static_cast<std::size_t>(std::find(text, text + length, XML_Char{0}) - text);
   if (length == 0 || element == nullptr) return;
   document.CommitText(element, WidenWithoutCR(text, length, document.ReserveText(element, length)));
 }
@@ -307,6 +325,13 @@ bool CExpatReader::Parser::IsAtTagWithSeparator() const {
   std::string_view tag(context + offset, static_cast<std::size_t>(size - offset));
   tag = tag.substr(0, tag.find('>'));
   return tag.find("<!") != 0 && tag.find("<?") != 0 && tag.find('<') < 2 && tag.find('|') != std::string_view::npos;
+}
+
+// The first unit is a byte order mark or an ASCII character.
+bool CExpatReader::Parser::IsUtf16(const CXmlDocument& document) {
+  if (document.GetInputLength() < 2) return false;
+  const unsigned char* const bytes = document.GetInput();
+  return bytes[0] >= 0xFE || bytes[0] == 0 || bytes[1] == 0;
 }
 
 // expat copies what it is given and scans a token that is cut off again from its start. Pieces bound the copy, and that

@@ -189,6 +189,15 @@ TEST(FastInfosetReader, DepthTakesNoStack) {
   EXPECT_EQ(kDepth + 1, depth);
 }
 
+int CountChildren(CXmlDocument& document, Octets& octets) {
+  document.LoadXmlStream(octets.data(), octets.size());
+  int count = 0;
+  for (const CXmlElement* e = document.GetDocumentElement()->GetFirstElement(); e != nullptr;
+       e = e->GetNextSiblingElement())
+    ++count;
+  return count;
+}
+
 TEST(FastInfosetReader, ExpansionOfIndexedTextIsBounded) {
   Octets octets = FromHex("E0 00 00 01 00 3C 00 61 93 00 00 00 00");  // a chunk of 259 octets, added
   octets.insert(octets.end(), 259, 'x');
@@ -202,6 +211,15 @@ TEST(FastInfosetReader, ExpansionOfIndexedTextIsBounded) {
   context.GetLimits().SetMaxExpansionRatio(0);
   document.LoadXmlStream(octets.data(), octets.size());
   EXPECT_EQ(259u * 1001u, document.GetDocumentElement()->GetText().length());
+
+  Octets names = FromHex("E0 00 00 01 00 3C 00 72 3C 40 C3");  // a name of 260 octets
+  names.insert(names.end(), 260, 'x');
+  for (int i = 0; i < 1000; ++i) names.insert(names.end(), {0xF0, 0x01});
+  names.insert(names.end(), {0xFF, 0xFF});
+  EXPECT_EQ(1001, CountChildren(document, names));
+  context.GetLimits().SetMaxExpansionRatio(10);
+  EXPECT_RK_THROWS(CRkException, L"Limit exceeded: characters of indexed strings 22730.",
+                   CountChildren(document, names));
 }
 
 }  // namespace

@@ -185,6 +185,25 @@ TEST(Element, SharedPartsOutliveTheTree) {
   EXPECT_EQ(1, grandchild->GetRefCount());
 }
 
+// A long URI on many wildcard elements and attributes costs it once.
+TEST(Element, NamespacesAreHeldOnceADocument) {
+  CElementCol col;
+  CAttributeCol attributes;
+  {
+    CXmlDocument document;
+    document.LoadXml(L"<r xmlns='urn:n' xmlns:p='urn:n' p:a='1'><a p:b='2'/><a>p:t</a></r>");
+    CXmlElement* const root = document.GetDocumentElement();
+    col.FromXml_Int(root, root->GetFirstElement(), GetDefaultContext(), false);
+    attributes.FromXml_Int(root, nullptr, GetDefaultContext(), false);
+  }
+  const wchar_t* const uri = col.Item(0)->GetNamespace();
+  EXPECT_WIDE_EQ(L"urn:n", uri);
+  EXPECT_EQ(uri, col.Item(1)->GetNamespace());
+  EXPECT_EQ(uri, col.Item(0)->GetAttributes()->Item(0)->GetNamespace());
+  EXPECT_EQ(uri, attributes.Item(0)->GetNamespace());
+  EXPECT_WIDE_EQ(L"<p:a xmlns:p=\"urn:n\">p:t</p:a>", col.Item(1)->ToXml(false, false));
+}
+
 TEST(ElementCol, TakesARunOfAdmittedElements) {
   CXmlDocument document;
   document.LoadXml(L"<r><a xmlns='urn:o'/><b xmlns='urn:o'>1</b><b xmlns='urn:p'/><c xmlns='urn:t'/><d/></r>");
