@@ -230,7 +230,8 @@ bool CXmlWriter::DeclareNamespace(const std::wstring& prefix, const std::wstring
   if (m_context != nullptr) {
     const std::wstring* known = m_context->FindPrefix(namespaceUri);
     if (known != nullptr && *known == prefix) return true;
-    if (m_context->HasPrefix(prefix)) return false;
+    // The start tag may use a prefix that a later declaration for its namespace took out of the scope.
+    if (m_context->HasPrefix(prefix) || m_context->m_prefix == prefix) return false;
     AddNamespace(L"xmlns", XMLNS_NAMESPACE);
   }
   WriteAttributeString(prefix, XMLNS_NAMESPACE, namespaceUri, ItemType_string);

@@ -273,22 +273,16 @@ TEST(Reading, BoundsWhatADtdCanDo) {
 TEST(Reading, DepthNeedsNoStack) {
   RkXmlTest::RunInSmallStack([] {
     constexpr int kDepth = 100000;
-    const auto write = [](CXmlTextWriter& writer, const wchar_t* uri) {
-      writer.SetFormat(false);
-      for (int i = 0; i < kDepth; ++i) writer.WriteStartElement(L"a", uri);
-    };
-    CTextStream stream(XmlEncoding_UTF8), whole(XmlEncoding_UTF8);
-    CXmlTextWriter unfinished(stream), writer(whole);
-    write(unfinished, L"u");
-    write(writer, L"");
-    for (int i = 0; i < kDepth; ++i) writer.WriteEndElement();
-    const CBinaryData bytes = whole.GetEncodedStream();
+    CTextStream stream(XmlEncoding_UTF8);
+    CXmlTextWriter unfinished(stream);
+    unfinished.SetFormat(false);
+    for (int i = 0; i < kDepth; ++i) unfinished.WriteStartElement(L"a", L"");
+    std::wstring text = std::wstring(stream.GetText()) + L">";
+    for (int i = 0; i < kDepth; ++i) text += L"</a>";
     CXmlDocument document;
-    document.LoadXmlStream(bytes.GetData(), bytes.GetLength());
+    document.LoadXml(text.c_str());
     const CXmlElement* element = document.GetDocumentElement();
-    int depth = 1;
-    for (; element->GetFirstElement() != nullptr; ++depth) element = element->GetFirstElement();
-    EXPECT_EQ(kDepth, depth);
+    while (element->GetFirstElement() != nullptr) element = element->GetFirstElement();
     EXPECT_EQ(2u * kDepth, element->GetXPath().size());
   });
 }

@@ -151,6 +151,16 @@ TEST(XmlTextWriter, EndsAnElementByTheNameItStartedWith) {
                  }));
 }
 
+// Not even after another prefix has taken over its namespace.
+TEST(XmlTextWriter, DeclaresThePrefixOfAStartTagForNothingElse) {
+  EXPECT_WIDE_EQ(L"<AA:r xmlns:AA=\"u1\"><AA:c xmlns:A=\"u1\"/></AA:r>", Written([](CXmlTextWriter& w) {
+                   Replay(w, L"<r{u1} <c{u1}");
+                   EXPECT_TRUE(w.DeclareNamespace(L"A", L"u1"));
+                   EXPECT_FALSE(w.DeclareNamespace(L"AA", L"u2"));
+                   Replay(w, L">>");
+                 }));
+}
+
 TEST(XmlTextWriter, KeepsTwoBlanksAfterAnInventedTypePrefixIntended) {
   const std::wstring xsi = CXmlWriter::XSI_NAMESPACE;
   EXPECT_WIDE_EQ(L"<r xmlns=\"d\"><a xmlns:AA=\"t\"  xmlns:AB=\"" + xsi + L"\" AB:type=\"AA:T\"/><b xmlns:AA=\"" + xsi +
