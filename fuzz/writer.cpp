@@ -35,9 +35,13 @@ std::wstring Drive(CXmlWriter& writer, Bytes bytes, std::map<std::wstring, std::
   int depth = 0;
   bool hasRoot = false;
   bool hasDefault = false;
+  bool isBare = false;  // a start tag without attributes
   try {
     while (!bytes.AtEnd()) {
-      switch (bytes.Take() % 10) {
+      const unsigned call = bytes.Take() % 10;
+      // Prefixes that values need are declared in front of the attributes.
+      isBare = call < 2 || (isBare && call == 6);
+      switch (call) {
         case 0:
         case 1:
           if (depth == 0 && hasRoot) return L"a second root";
@@ -77,7 +81,7 @@ std::wstring Drive(CXmlWriter& writer, Bytes bytes, std::map<std::wstring, std::
         case 6: {
           const std::wstring& prefix = bytes.Choose(kPrefixes);
           const std::wstring& uri = kNamespaces[1 + bytes.Take() % 2];
-          if (!prefix.empty() && depth != 0) writer.DeclareNamespace(prefix, uri);
+          if (!prefix.empty() && isBare) writer.DeclareNamespace(prefix, uri);
           break;
         }
         case 7:

@@ -54,48 +54,49 @@ constexpr wchar_t kAlreadySet[] =
 
 // One call on a choice whose selected member is `selected`; `after` is null where `error` is thrown.
 TEST(ChoiceHelpers, FollowTheSelectedMember) {
-  CElement object;
+  using Selected = std::wstring&;
+  const auto select = [](const wchar_t* name, bool set, Selected selected) {
+    CElement object;
+    CXmlObjectBase::Choice_SelectElement(name, set ? &object : nullptr, selected);
+  };
+  const auto valid = [](const wchar_t* name, bool set, Selected selected) {
+    CXmlObjectBase::Choice_SetElementValid(set, name, selected);
+  };
+  const auto changed = [](const wchar_t* name, bool set, Selected selected) {
+    CXmlObjectBase::Choice_CollectionChanged(name, set ? 2 : 0, selected);
+  };
   const struct {
-    const wchar_t* call;
+    void (*call)(const wchar_t* name, bool set, Selected selected);
     const wchar_t* name;
-    long argument;  // valid, value or count
-    const wchar_t* selected;
-    const wchar_t* after;
-    const wchar_t* error;
+    bool set;
+    const wchar_t *selected, *after;
+    const wchar_t* error = kAlreadySet;
   } kRows[] = {
-      {L"select", L"a", 1, L"", L"a", nullptr},
-      {L"select", L"a", 0, L"", L"a", nullptr},
-      {L"select", L"a", 1, L"a", L"a", nullptr},
-      {L"select", L"a", 0, L"a", L"", nullptr},
-      {L"select", L"b", 0, L"a", L"a", nullptr},
-      {L"select", L"b", 1, L"a", nullptr, kAlreadySet},
-      {L"valid", L"a", 1, L"a", L"a", nullptr},
-      {L"valid", L"b", 0, L"a", L"", nullptr},
-      {L"valid", L"b", 1, L"a", nullptr,
+      {select, L"a", true, L"", L"a"},
+      {select, L"a", false, L"", L"a"},
+      {select, L"a", true, L"a", L"a"},
+      {select, L"a", false, L"a", L""},
+      {select, L"b", false, L"a", L"a"},
+      {select, L"b", true, L"a", nullptr},
+      {valid, L"a", true, L"a", L"a"},
+      {valid, L"b", false, L"a", L""},
+      {valid, L"b", true, L"a", nullptr,
        L"The Property a is already set. Only one element within this class bay be set at a time"},
-      {L"valid", L"b", 1, L"", nullptr,
+      {valid, L"b", true, L"", nullptr,
        L"The Property  is already set. Only one element within this class bay be set at a time"},
-      {L"changed", L"a", 0, L"a", L"", nullptr},
-      {L"changed", L"a", 2, L"a", L"a", nullptr},
-      {L"changed", L"a", 1, L"", L"a", nullptr},
-      {L"changed", L"a", 0, L"", L"", nullptr},
-      {L"changed", L"b", 0, L"a", L"a", nullptr},
-      {L"changed", L"b", 1, L"a", nullptr, kAlreadySet},
+      {changed, L"a", false, L"a", L""},
+      {changed, L"a", true, L"a", L"a"},
+      {changed, L"a", true, L"", L"a"},
+      {changed, L"a", false, L"", L""},
+      {changed, L"b", false, L"a", L"a"},
+      {changed, L"b", true, L"a", nullptr},
   };
   for (const auto& row : kRows) {
     std::wstring selected = row.selected;
-    const auto call = [&] {
-      const std::wstring name = row.call;
-      if (name == L"select")
-        CXmlObjectBase::Choice_SelectElement(row.name, row.argument != 0 ? &object : nullptr, selected);
-      if (name == L"valid") CXmlObjectBase::Choice_SetElementValid(row.argument != 0, row.name, selected);
-      if (name == L"changed") CXmlObjectBase::Choice_CollectionChanged(row.name, row.argument, selected);
-    };
-    if (row.error != nullptr) {
-      EXPECT_RK_THROWS(CRkInvalidStateException, row.error, call());
-    } else {
-      call();
-    }
+    if (row.after == nullptr)
+      EXPECT_RK_THROWS(CRkInvalidStateException, row.error, row.call(row.name, row.set, selected));
+    else
+      row.call(row.name, row.set, selected);
     EXPECT_WIDE_EQ(row.after != nullptr ? row.after : row.selected, selected);
   }
 }

@@ -7,6 +7,14 @@
 #include "Order.h"
 #include "RkXmlLib16/RkXmlLib16.h"
 
+#if __has_include(<nlohmann/json.hpp>)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wconversion"
+#pragma GCC diagnostic ignored "-Wshadow"
+#include <nlohmann/json.hpp>
+#pragma GCC diagnostic pop
+#endif
+
 using namespace RkXmlLib16;
 
 namespace {
@@ -16,6 +24,8 @@ struct Road {
   const char* name;
   void (*travel)(const CXmlObjectBase& from, CXmlObjectBase& to, const CSerializationContext& context);
 };
+
+std::string Bytes(const CBinaryData& data) { return {reinterpret_cast<const char*>(data.GetData()), data.GetLength()}; }
 
 template <CompressionType kCompression, bool kFormatted>
 void ByXml(const CXmlObjectBase& from, CXmlObjectBase& to, const CSerializationContext& context) {
@@ -31,6 +41,9 @@ void ByWideXml(const CXmlObjectBase& from, CXmlObjectBase& to, const CSerializat
 template <CompressionType kCompression, bool kFormatted>
 void ByJson(const CXmlObjectBase& from, CXmlObjectBase& to, const CSerializationContext& context) {
   context.GetJsonContext()->SetStrictOutput(true);
+#ifdef NLOHMANN_JSON_VERSION_MAJOR
+  EXPECT_TRUE(nlohmann::json::accept(Bytes(from.ToJsonStream(kFormatted, XmlEncoding_UTF8, EOLType_LF, context))));
+#endif
   to.FromJsonStream(from.ToJsonStream(kFormatted, XmlEncoding_UTF8, EOLType_LF, context, kCompression), context);
 }
 
@@ -52,8 +65,6 @@ const Road kRoads[] = {
     {"typed Fast Infoset", ByFastInfoset<CompressionType_None, FInfoDecl_Version10, true>},
     {"typed Fast Infoset in zlib", ByFastInfoset<CompressionType_ZLib, FInfoDecl_Version11StandaloneNo, true>},
 };
-
-std::string Bytes(const CBinaryData& data) { return {reinterpret_cast<const char*>(data.GetData()), data.GetLength()}; }
 
 class FormMatrix : public testing::TestWithParam<Road> {
  protected:
