@@ -7,8 +7,7 @@
 
 namespace RkXmlLib16 {
 
-// A mutex with default attributes (not recursive): the lock behind every reference count.
-// Works with std::lock_guard.
+// A mutex with default attributes (not recursive). Works with std::lock_guard.
 class RKXML_EXPORT CRKCriticalSection {
  public:
   CRKCriticalSection();
