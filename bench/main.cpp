@@ -58,7 +58,7 @@ unsigned char* Bytes(const std::string& text) {
 }
 
 template <class Root>
-Subject MakeSubject(const std::string& name, std::string xml) {
+Subject MakeSubject(const std::string& name, std::string&& xml) {
   auto held = std::make_shared<Held<Root>>();
   Held<Root>& h = *held;
   h.xml = std::move(xml);
@@ -236,6 +236,7 @@ int main(int argc, char** argv) {
     std::vector<std::pair<std::string, std::size_t>> sizes = {{"1 KB", 1000}, {"100 KB", 100000}, {"10 MB", 10485760}};
     if (large) sizes.emplace_back("100 MB", 104857600);
     std::vector<Subject> subjects;
+    subjects.reserve(2 * sizes.size());
     for (const auto& [name, bytes] : sizes)
       subjects.push_back(MakeSubject<Gpx::CGpxType>("GPX " + name, Bench::MakeGpx(bytes)));
     for (const auto& [name, bytes] : sizes)

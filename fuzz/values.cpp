@@ -34,7 +34,7 @@ CDateTime Reparsed(const CDateTime& value, const std::wstring& text) {
 // The text of the value, which is the text of what is read from it too.
 template <class Value>
 std::wstring RequireStable(const Value& value) {
-  const std::wstring text = value.ToString();
+  std::wstring text = value.ToString();
   try {
     const std::wstring again = Reparsed(value, text).ToString();
     Require(again == text, "a value survives its text", text + L"\n" + again);

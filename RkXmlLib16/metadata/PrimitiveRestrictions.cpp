@@ -37,7 +37,8 @@ CPrimitiveRestrictions::Derived::~Derived() = default;
 
 void CPrimitiveRestrictions::KeepDerived(std::unique_ptr<const Derived> derived) const noexcept {
   const Derived* none = nullptr;
-  if (m_derived.value.compare_exchange_strong(none, derived.get(), std::memory_order_acq_rel)) derived.release();
+  if (m_derived.value.compare_exchange_strong(none, derived.get(), std::memory_order_acq_rel))
+    static_cast<void>(derived.release());
 }
 
 }  // namespace RkXmlLib16

@@ -287,12 +287,11 @@ TEST_F(GeneratedClassTest, AccessorFailuresAreToldOrPassed) {
    public:
     using CTableClass::CTableClass;
     void AccessProperty(int, bool get, RkVariant& value) override {
-      if (m_foreign && !get) throw m_table;  // of no family
+      if (m_foreign && !get) throw 7;  // of no family
       if (!m_foreign) throw CRkInvalidStateException(L"no access");
       value.SetXmlCollection(new CTableCol(L"a", L"", 0, -1, CreateClass, 0));
     }
     bool m_foreign = false;
-    std::wstring m_table = L"mine";
   };
   const Table table(ClassInfo(kSequence, L"r"), {Cls(L"c", 0)}, {Attribute(L"q", 1, true)});
   const Table child(ClassInfo(kSequence, L"c"), {});
@@ -304,8 +303,8 @@ TEST_F(GeneratedClassTest, AccessorFailuresAreToldOrPassed) {
   EXPECT_WIDE_EQ(L"CRkException: Failed to set the property value.\nPath: /r/@q\nno access",
                  Thrown([&] { object.FromXml(L"<r q='1'/>"); }));
   object.m_foreign = true;
-  EXPECT_THROW(object.FromXml(L"<r q='1'/>"), std::wstring);
-  EXPECT_THROW(object.FromXml(L"<r><c/></r>"), std::wstring);
+  EXPECT_THROW(object.FromXml(L"<r q='1'/>"), int);
+  EXPECT_THROW(object.FromXml(L"<r><c/></r>"), int);
 }
 
 TEST_F(GeneratedClassTest, MistakesInRecordsAreTold) {

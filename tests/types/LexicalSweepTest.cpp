@@ -1,7 +1,6 @@
 // Every short text over an alphabet either reads to a value that prints and reads to the same, or throws one of the
 // described messages.
 #include <string>
-#include <vector>
 
 #include "Expect.h"
 #include "RkXmlLib16/types/Conversions.h"
@@ -13,20 +12,13 @@ namespace {
 template <class Visit>
 void ForEachText(std::wstring_view alphabet, std::size_t longest, Visit&& visit) {
   std::wstring text;
-  std::vector<std::size_t> at;
-  for (;;) {
-    visit(text);
-    std::size_t i = 0;
-    while (i < text.size() && at[i] + 1 == alphabet.size()) {
-      at[i] = 0;
-      text[i++] = alphabet[0];
-    }
-    if (i == text.size()) {
-      if (text.size() == longest) return;
-      at.push_back(0);
-      text += alphabet[0];
-    } else {
-      text[i] = alphabet[++at[i]];
+  std::size_t count = 1;  // of the texts of a length
+  for (std::size_t length = 0; length <= longest; ++length, count *= alphabet.size()) {
+    for (std::size_t number = 0; number < count; ++number) {
+      text.clear();
+      for (std::size_t rest = number; text.size() < length; rest /= alphabet.size())
+        text += alphabet[rest % alphabet.size()];
+      visit(text);
     }
   }
 }

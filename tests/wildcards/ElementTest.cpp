@@ -73,7 +73,7 @@ TEST(Element, KeepsCDataSectionsThatTheSettingsKeep) {
 
 TEST(Element, AsRootItCarriesWhatTheSettingsAdd) {
   CSerializationContext context;
-  context.GetProcessingInstructions().push_back(L"<?go now?>");
+  context.GetProcessingInstructions().emplace_back(L"<?go now?>");
   context.GetNamespaceAliases().Add(L"x", L"urn:x");
   context.SetDefaultNamespaceURI(L"urn:d");
   context.GetAdditionalRootAttributes()->Add(L"extra", L"1", L"urn:x");
