@@ -186,17 +186,16 @@ TEST_F(Collection, ListenersMayChangeTheCollectionDuringANotification) {
 
 TEST_F(Collection, DestructionIsSilentAndReleasesTheItems) {
   CListener listener(log);
-  CItem* const kept = New(L'k');
-  kept->AddRef();
+  const CSmartPtr<CItem> kept(New(L'k'));
   {
     CItemCol local(0, -1);
-    local.AppendItem(kept);
+    local.AppendItem(kept.Get());
     local.AppendItem(New(L'l'));
     local.AddEventListener(&listener);
   }
   EXPECT_WIDE_EQ(L"", log);
   EXPECT_EQ(1, CItem::live);
-  EXPECT_EQ(0, kept->Release());
+  EXPECT_EQ(1, kept->GetRefCount());
 }
 
 TEST_F(Collection, ReadingByIndexFollowsEveryChange) {
@@ -242,11 +241,10 @@ TEST(CollectionCount, LimitsAreTestedMaximumFirst) {
     CItemCol col(row.minOccurs, row.maxOccurs);
     for (int i = 0; i < row.count; ++i) col.AppendItem(nullptr);
     EXPECT_EQ(row.error == nullptr, col.IsValidCount(GetDefaultContext()));
-    if (row.error != nullptr) {
+    if (row.error != nullptr)
       EXPECT_RK_THROWS(CRkValidationException, row.error, col.ValidateCount(GetDefaultContext()));
-    } else {
+    else
       col.ValidateCount(GetDefaultContext());
-    }
     EXPECT_TRUE(col.IsValidCount(lenient));
     col.ValidateCount(lenient);
   }

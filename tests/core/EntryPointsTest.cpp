@@ -64,15 +64,10 @@ TEST_F(EntryPoints, FilesHaveTheMarkOfTheirEncoding) {
     }
     m_element.ToXmlFile(name.c_str(), true, false, XmlEncoding_UTF16, EOLType_LF, m_ctx, CompressionType_GZip);
     EXPECT_EQ("\xFF\xFE\x1F\x8B", file.Bytes().substr(0, 4));
+    if (direct) continue;
+    m_element.ToJsonFile(name.c_str(), true, XmlEncoding_Wide);  // a buffered one has no mark
+    EXPECT_EQ(Bytes(m_element.ToJsonStream(true, XmlEncoding_Wide)), file.Bytes());
   }
-}
-
-TEST_F(EntryPoints, BufferedJsonFilesHaveNoMark) {
-  CTempFile file;
-  m_element.ToJsonFile(file.Name().c_str(), true, XmlEncoding_Wide);
-  EXPECT_EQ(Bytes(m_element.ToJsonStream(true, XmlEncoding_Wide)), file.Bytes());
-  m_element.ToFastInfosetFile(file.Name().c_str(), FInfoDecl_None);
-  EXPECT_EQ(std::string("\xE0\0\0\1", 4), file.Bytes().substr(0, 4));
 }
 
 TEST_F(EntryPoints, FilesCannotBeZlibAndFailuresNameTheFile) {

@@ -43,13 +43,6 @@ TEST(SerializationContext, IndentsWithTabsAndBlanksOnly) {
   EXPECT_WIDE_EQ(L"", ctx.GetIndentChars());
 }
 
-TEST(SerializationContext, ASchemaWithoutNamespacesIgnoresThem) {
-  CSerializationContext ctx;
-  ctx.SetSchemaType(SchemaType_NoNamespaces);
-  EXPECT_TRUE(ctx.GetIgnoreNamespaces());
-  EXPECT_FALSE(ctx.GetIgnoreNamespacesFlag());
-}
-
 TEST(SerializationContext, CopiesShareTheirWorkingObjectsAndNothingElse) {
   auto original = std::make_unique<CSerializationContext>();
   CJsonContext* const json = original->GetJsonContext();

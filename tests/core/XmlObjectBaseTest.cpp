@@ -22,7 +22,6 @@ int CCounted::live = 0;
 
 TEST(XmlObjectBase, TheLastReleaseDeletes) {
   auto* const object = new CCounted;
-  EXPECT_EQ(0, object->GetRefCount());
   EXPECT_EQ(1, object->AddRef());
   EXPECT_EQ(2, object->AddRef());
   EXPECT_EQ(1, object->Release());
@@ -137,6 +136,7 @@ TEST(ElementName, MatchesUnderTheRulesOfTheContext) {
   ignoring.SetIgnoreNamespaces(true);
   CSerializationContext without;
   without.SetSchemaType(SchemaType_NoNamespaces);
+  EXPECT_TRUE(without.GetIgnoreNamespaces() && !without.GetIgnoreNamespacesFlag());
   const CElement object;
   EXPECT_TRUE(object.DoesElementNameMatch(GetDefaultContext(), a, L"a", L"urn:n"));
   EXPECT_FALSE(object.DoesElementNameMatch(GetDefaultContext(), a, L"a", L""));

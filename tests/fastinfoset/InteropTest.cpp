@@ -1,8 +1,6 @@
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <random>
 #include <regex>
 #include <set>
 
@@ -22,8 +20,7 @@ Octets ReadAll(const fs::path& path) {
 
 struct Pair {
   std::string name;
-  Octets finf;
-  Octets xml;
+  Octets finf, xml;
 };
 
 std::vector<Pair> ReadPairs(const fs::path& folder) {
@@ -35,7 +32,6 @@ std::vector<Pair> ReadPairs(const fs::path& folder) {
     xml.replace_extension(".xml");
     pairs.push_back({entry.path().stem().string(), ReadAll(entry.path()), ReadAll(xml)});
   }
-  std::sort(pairs.begin(), pairs.end(), [](const Pair& a, const Pair& b) { return a.name < b.name; });
   return pairs;
 }
 
@@ -104,26 +100,15 @@ TEST(FastInfosetInterop, DocumentsFromElsewhereReadToTheTreeOfTheirXmlUnlessThey
   }
 }
 
-// Every place in small documents, as many places spread over large ones; and random octets damaged.
-TEST(FastInfosetInterop, CutDocumentsThrowAndDamagedOnesThrowOrReadToATree) {
+// At every place in small documents, at as many places spread over large ones.
+TEST(FastInfosetInterop, CutDocumentsThrow) {
   auto pairs = ReadPairs(kShared);
   if (pairs.empty()) pairs = ReadPairs(kOwn);
-  std::minstd_rand random(1);
-  for (const Pair& pair : pairs) {
+  for (const Pair& pair : pairs)
     for (std::size_t length = 1; length < pair.finf.size(); length += 1 + pair.finf.size() / 400) {
       const Octets cut(pair.finf.begin(), pair.finf.begin() + static_cast<std::ptrdiff_t>(length));
       EXPECT_THROW(DescribeOctets(cut), RkXmlLib16::CRkException) << pair.name << " cut at " << length;
     }
-    for (std::size_t round = 0; round < (pair.finf.size() > 4096 ? 20 : 300); ++round) {
-      Octets damaged = pair.finf;
-      for (std::size_t i = 0; i <= round % 3; ++i)
-        damaged[random() % damaged.size()] = static_cast<unsigned char>(random() >> 8);
-      try {
-        DescribeOctets(damaged);
-      } catch (const RkXmlLib16::CRkException&) {
-      }
-    }
-  }
 }
 
 }  // namespace

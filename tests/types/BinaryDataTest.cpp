@@ -93,15 +93,13 @@ TEST(BinaryData, AppendsAndSetsItsOwnBytes) {
   EXPECT_EQ(2048u, data.GetLength());
   EXPECT_EQ(2, data[2047]);
   data.SetBuffer(data.GetData() + 1, 3);
-  EXPECT_WIDE_EQ(L"020102", data.GetAsHexString());
-  CBinaryData& self = data;
-  data = self;
+  data = *&data;
   EXPECT_WIDE_EQ(L"020102", data.GetAsHexString());
 }
 
 TEST(BinaryData, WideTextIsItsRawBytesWithoutTerminator) {
-  CBinaryData data(L"a\U0001F600");
-  EXPECT_WIDE_EQ(L"6100000000F60100", data.GetAsHexString());
+  EXPECT_WIDE_EQ(L"6100000000F60100", CBinaryData(L"a\U0001F600").GetAsHexString());
+  CBinaryData data;
   data.SetBuffer(L"b");
   data.Append(L'c');
   data.Append(std::wstring(L"d\0e", 3));

@@ -59,6 +59,10 @@ TEST(DateTime, ParseSetsTheTypeByShapeAndPrintsTheSame) {
   for (const wchar_t* text :
        {L"12:00:00", L"00:00:00Z", L"23:59:59.5", L"12:00:00.000001-05:30", L"01:02:03.123456789"})
     EXPECT_WIDE_EQ(text, Time(text).ToString());
+  CDateTime again = DateTime(L"2001-02-03T04:05:06.789Z");
+  again.ParseXSDDate(L"1999");
+  EXPECT_WIDE_EQ(L"1999", again.ToString());
+  EXPECT_FALSE(again.IsUTC());
   EXPECT_WIDE_EQ(L"12:00:00", Time(L"12:00:00.").ToString());
   EXPECT_WIDE_EQ(L"12:00:00Z", Time(L"12:00:00.Z").ToString());
   EXPECT_WIDE_EQ(L"2001-01-01T00:00:00+00:00", DateTime(L"2001-01-01T00:00:00+24:00").ToString());
@@ -106,26 +110,25 @@ TEST(DateTime, EveryMalformedTextHasItsMessage) {
   EXPECT_RK_THROWS(CRkInvalidValueException, L"Invalid DateTime (Null String)", value.ParseXSDDateTime(nullptr));
 }
 
-TEST(DateTime, ParsersDropWhatWasThereBefore) {
-  CDateTime value = DateTime(L"2001-02-03T04:05:06.789Z");
-  value.ParseXSDDate(L"1999");
-  EXPECT_WIDE_EQ(L"1999", value.ToString());
-  EXPECT_FALSE(value.IsUTC());
-}
-
 TEST(DateTime, SettersValidateTheFieldsOfTheirType) {
   CDateTime value;
   EXPECT_RK_THROWS(CRkInvalidValueException, L"Invalid Year Zero", value.Validate());
-  EXPECT_RK_THROWS(CRkInvalidValueException, L"Invalid Hour [1] for type date",
-                   value.SetDateTime(dt_date, 2000, 1, 1, 1, 0, 0, 0, 0, 0));
-  EXPECT_RK_THROWS(CRkInvalidValueException, L"Invalid Nano-Second [7] for type gYear",
-                   value.SetDateTime(dt_gYear, 2000, 0, 0, 0, 0, 0, 0, 0, 7));
-  EXPECT_RK_THROWS(CRkInvalidValueException, L"Invalid Year [1] for type time",
-                   value.SetDateTime(dt_time, 1, 0, 0, 1, 0, 0, 0, 0, 0));
-  EXPECT_RK_THROWS(CRkInvalidValueException, L"Invalid Month [2] for type gYear",
-                   value.SetDateTime(dt_gYear, 1, 2, 0, 0, 0, 0, 0, 0, 0));
-  EXPECT_RK_THROWS(CRkInvalidValueException, L"Invalid Day [3] for type gYearMonth",
-                   value.SetDateTime(dt_gYearMonth, 1, 2, 3, 0, 0, 0, 0, 0, 0));
+  const struct {
+    DTType type;
+    short year;
+    unsigned char month, day, hour;
+    unsigned short nano;
+    const wchar_t* message;
+  } foreign[] = {
+      {dt_date, 2000, 1, 1, 1, 0, L"Invalid Hour [1] for type date"},
+      {dt_gYear, 2000, 0, 0, 0, 7, L"Invalid Nano-Second [7] for type gYear"},
+      {dt_time, 1, 0, 0, 1, 0, L"Invalid Year [1] for type time"},
+      {dt_gYear, 1, 2, 0, 0, 0, L"Invalid Month [2] for type gYear"},
+      {dt_gYearMonth, 1, 2, 3, 0, 0, L"Invalid Day [3] for type gYearMonth"},
+  };
+  for (const auto& c : foreign)
+    EXPECT_RK_THROWS(CRkInvalidValueException, c.message,
+                     value.SetDateTime(c.type, c.year, c.month, c.day, c.hour, 0, 0, 0, 0, c.nano));
   EXPECT_RK_THROWS(CRkInvalidValueException, L"Invalid Micro-Second [1000] (0 <= micro <= 999)",
                    value.SetTime(0, 0, 0, 0, 1000, 0));
   EXPECT_RK_THROWS(CRkInvalidValueException, L"Invalid Hour [24] (0 <= hour <= 23)", value.SetTime(24, 0, 0));
@@ -150,16 +153,14 @@ TEST(DateTime, SettersValidateTheFieldsOfTheirType) {
 TEST(DateTime, FieldsThatTheTypeLacksThrow) {
   const CDateTime time = Time(L"10:11:12.5");
   EXPECT_EQ(12.5, time.GetRealSecond());
-  EXPECT_RK_THROWS(CRkInvalidStateException, L"Failed to GetYear. Invalid Date Type: time.", time.GetYear());
-  EXPECT_RK_THROWS(CRkInvalidStateException, L"Failed to GetNanoSecond. Invalid Date Type: gDay.",
-                   Date(L"---05").GetNanoSecond());
-  EXPECT_RK_THROWS(CRkInvalidStateException, L"Failed to GetMonth. Invalid Date Type: yearZero.",
-                   CDateTime().SetMonth(1));
-  EXPECT_RK_THROWS(CRkInvalidStateException, L"Failed to GetDayOfWeek. Invalid Date Type: gYear.",
-                   Date(L"2000").GetDayOfWeek());
-  EXPECT_RK_THROWS(CRkInvalidStateException,
-                   L"Failed to GetTime, Date Status must be dateTime or date. Invalid Date Type: time.",
-                   time.GetTime());
+  const auto lacks = [](const wchar_t* message, const auto& call) {
+    EXPECT_RK_THROWS(CRkInvalidStateException, std::wstring(L"Failed to ") + message, call());
+  };
+  lacks(L"GetYear. Invalid Date Type: time.", [&] { time.GetYear(); });
+  lacks(L"GetNanoSecond. Invalid Date Type: gDay.", [] { Date(L"---05").GetNanoSecond(); });
+  lacks(L"GetMonth. Invalid Date Type: yearZero.", [] { CDateTime().SetMonth(1); });
+  lacks(L"GetDayOfWeek. Invalid Date Type: gYear.", [] { Date(L"2000").GetDayOfWeek(); });
+  lacks(L"GetTime, Date Status must be dateTime or date. Invalid Date Type: time.", [&] { time.GetTime(); });
   EXPECT_RK_THROWS(CRkInvalidValueException, L"TimeZone is not been used", time.GetZoneHour());
   EXPECT_WIDE_EQ(L"", CDateTime::GetTypeAsString(static_cast<DTType>(9)));
 }
@@ -283,14 +284,11 @@ TEST(DateTime, DayArithmeticAgreesWithCountingDays) {
     dayOfWeek = (dayOfWeek + 1) % 7;
     ++dayOfYear;
     const bool leap = year % 4 == 0;
-    if (++dayOfMonth > (month == 2 && !leap ? 28 : g_monthMax[month - 1])) {
-      dayOfMonth = 1;
-      if (++month > 12) {
-        month = 1;
-        dayOfYear = 1;
-        ++year;
-      }
-    }
+    if (++dayOfMonth <= (month == 2 && !leap ? 28 : g_monthMax[month - 1])) continue;
+    dayOfMonth = 1;
+    if (++month <= 12) continue;
+    month = dayOfYear = 1;
+    ++year;
   }
 }
 
