@@ -34,6 +34,9 @@ std::wstring Describe(const CElement& tree, Mixed mixed = Mixed::IsKept);
 // like a CDATA section, no name stands twice on an element.
 bool IsXml(const CElement& tree);
 
+// Whether JSON, which may be nested 100 levels deep, has room for the tree.
+bool FitsJson(const CElement& tree);
+
 // The tree is the same after XML text, JSON text and Fast Infoset.
 void CheckAllForms(const CElement& tree);
 
