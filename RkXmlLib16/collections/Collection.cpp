@@ -131,7 +131,7 @@ void CXmlCollection::RemoveNode(CNode* node) {
 void CXmlCollection::InsertBefore(CNode* next, CXmlObjectBase* item) {
   if (m_count == INT_MAX) throw CRkException(L"The collection is full");
   CNode* const node = new CNode(item);
-  const CSmartPtr<CXmlObjectBase> held(item);  // a listener may take the item out again
+  const CSmartPtr<CXmlObjectBase> held(HasListeners() ? item : nullptr);  // one of them may take the item out again
   node->m_next = next;
   node->m_previous = next != nullptr ? next->m_previous : m_tail;
   (node->m_previous != nullptr ? node->m_previous->m_next : m_head) = node;

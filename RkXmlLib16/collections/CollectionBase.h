@@ -45,6 +45,7 @@ class RKXML_EXPORT CXmlCollectionBase : public CXmlObjectBase {
   // The sink is kept; null is ignored. One that is added twice is told twice; removing takes out every occurrence.
   void AddEventListener(IEventSink* sink);
   void RemoveEventListener(IEventSink* sink);
+  bool HasListeners() const noexcept { return !m_listeners.empty(); }
 
   // Tell every listener, in the order in which they joined.
   void FireOnCollectionChange();

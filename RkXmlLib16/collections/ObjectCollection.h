@@ -63,7 +63,10 @@ class CXmlObjectCollection : public CXmlCollection {
 
  private:
   CXmlElement* ReadElements(CXmlElement* current, const CSerializationContext& context) {
-    while (DoesElementNameMatch(context, current, GetElementNameRef().c_str(), GetNamespace())) {
+    const CXmlElement* last = nullptr;
+    while ((last != nullptr && last->HasNameOf(current)) ||
+           DoesElementNameMatch(context, current, GetElementNameRef().c_str(), GetNamespace())) {
+      last = current;
       const CSmartPtr<CXmlObjectBase> item =
           m_abstractFactory != nullptr ? m_abstractFactory(current) : m_factory(m_classId, GetElementNameRef().c_str());
       if (item == nullptr) break;

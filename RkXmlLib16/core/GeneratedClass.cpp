@@ -47,8 +47,9 @@ bool CXmlGeneratedClass::IsElementInList(const CSerializationContext& context, C
 bool CXmlGeneratedClass::DoesElementContainOptionalElements() const { return GetClassInfo()->CanContentBeEmpty(); }
 
 bool CXmlGeneratedClass::HasElement(const CXmlElement* first, const wchar_t* localName) {
+  const std::wstring_view name = localName;
   for (; first != nullptr; first = first->GetNextSiblingElement())
-    if (first->GetLocalName() == localName) return true;
+    if (first->GetLocalName() == name) return true;
   return false;
 }
 

@@ -101,10 +101,10 @@ class RKXML_EXPORT CXmlGeneratedClass : public CXmlObjectBase {
 
   CXmlElement* ReadElement(CXmlElement* element, CXmlElement* firstChild, const CSerializationContext& context,
                            bool isOptionalChoice);
-  void ReadSimpleContent(const CXmlElement* element);
+  void ReadSimpleContent(const CXmlElement* element, const RkXmlLib16Data::CParentElementInfo& info);
   void ReadNil(const CXmlAttribute* attribute, INillable* nillable);
-  void ProcessAttributesFromXml(const CSerializationContext& context, CXmlElement* element, bool strictAttributes,
-                                INillable* nillable);
+  void ProcessAttributesFromXml(const CSerializationContext& context, CXmlElement* element,
+                                const RkXmlLib16Data::CParentElementInfo& classInfo, INillable* nillable);
   CXmlElement* ProcessElementSeqFromXml(const CSerializationContext& context, CXmlElement* parent, CXmlElement* first,
                                         XmlElementType elementType);
   CXmlElement* ProcessElementChoiceFromXml(const CSerializationContext& context, CXmlElement* parent,

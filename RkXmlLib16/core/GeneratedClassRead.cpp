@@ -59,7 +59,8 @@ class ObjectLevel {
   ~ObjectLevel() { --s_depth; }
 
  private:
-  static thread_local unsigned long s_depth;
+  // In the memory that a thread has from its start: a few bytes, without a call to find them.
+  [[gnu::tls_model("initial-exec")]] static thread_local unsigned long s_depth;
 };
 
 thread_local unsigned long ObjectLevel::s_depth = 0;
@@ -110,7 +111,7 @@ CXmlElement* CXmlGeneratedClass::ReadElement(CXmlElement* element, CXmlElement* 
     m_elementName.assign(element->GetLocalName().View());
     if (nillable != nullptr && nillable->IsNil()) nillable->SetNil(false);
   }
-  ProcessAttributesFromXml(context, element, info.HasStrictAttributes(), nillable);
+  ProcessAttributesFromXml(context, element, info, nillable);
   if (nillable != nullptr && nillable->IsNil()) return firstChild;
 
   std::optional<RkXmlLib16Data::SiblingSearch> search;
@@ -129,12 +130,11 @@ CXmlElement* CXmlGeneratedClass::ReadElement(CXmlElement* element, CXmlElement* 
     default:
       throw CRkException(L"Unknown Group Type");
   }
-  ReadSimpleContent(element);
+  ReadSimpleContent(element, info);
   return unread;
 }
 
-void CXmlGeneratedClass::ReadSimpleContent(const CXmlElement* element) {
-  const CParentElementInfo& info = *GetClassInfo();
+void CXmlGeneratedClass::ReadSimpleContent(const CXmlElement* element, const CParentElementInfo& info) {
   if (info.GetSimpleContentProperty() == -1 || info.GetSimpleContentType() == ItemType_none) return;
   RkVariant value;
   if (info.IsSimpleContentText())
@@ -156,9 +156,10 @@ void CXmlGeneratedClass::ReadNil(const CXmlAttribute* attribute, INillable* nill
 }
 
 void CXmlGeneratedClass::ProcessAttributesFromXml(const CSerializationContext& context, CXmlElement* element,
-                                                  bool strictAttributes, INillable* nillable) {
+                                                  const CParentElementInfo& classInfo, INillable* nillable) {
   CAttributeInfo** const infos = OrEmpty(GetClassAttributeInfo());
-  const bool ownElement = GetClassInfo()->GetElementType() == XmlElementType_Element;
+  const bool ownElement = classInfo.GetElementType() == XmlElementType_Element;
+  const bool strictAttributes = classInfo.HasStrictAttributes();
   // An inline group is offered the same attributes for every attempt; most have no use for them.
   if (!ownElement && infos[0] == nullptr && (!strictAttributes || context.GetIgnoreUnknownAttributes())) return;
   SeenFlags seen;
@@ -196,7 +197,7 @@ CXmlElement* CXmlGeneratedClass::ProcessElementSeqFromXml(const CSerializationCo
   CElementInfo* last = nullptr;
   for (CElementInfo** info = OrEmpty(GetClassElementInfo()); *info != nullptr; ++info) {
     last = *info;
-    if (!ask(last)) return first;
+    if (!last->IsSkipped(context, current) && !ask(last)) return first;
   }
   if (elementType != XmlElementType_Element) return current;
   while (current != nullptr) {

@@ -1,6 +1,8 @@
 #ifndef RKXMLLIB16_CORE_XMLOBJECTBASE_H
 #define RKXMLLIB16_CORE_XMLOBJECTBASE_H
 
+#include <sys/single_threaded.h>
+
 #include <atomic>
 #include <cstdint>
 #include <string>
@@ -142,10 +144,10 @@ class RKXML_EXPORT CXmlObjectBase : public IEventSink {
                                    bool isOptionalChoice) = 0;
 
   // The new count. Safe to call from several threads.
-  long long AddRef() noexcept { return m_refCount.fetch_add(1, std::memory_order_relaxed) + 1; }
+  long long AddRef() noexcept { return AddToCount(1, std::memory_order_relaxed); }
   // The new count; deletes the object when it is 0. Safe to call from several threads.
   long long Release() {
-    const long long count = m_refCount.fetch_sub(1, std::memory_order_acq_rel) - 1;
+    const long long count = AddToCount(-1, std::memory_order_acq_rel);
     if (count == 0) delete this;
     return count;
   }
@@ -199,6 +201,14 @@ class RKXML_EXPORT CXmlObjectBase : public IEventSink {
   std::wstring m_elementName;
 
  private:
+  // An interlocked addition costs about as much as reading a short number; a process with one thread needs none.
+  long long AddToCount(std::int64_t change, std::memory_order order) noexcept {
+    if (!__libc_single_threaded) return m_refCount.fetch_add(change, order) + change;
+    const std::int64_t count = m_refCount.load(std::memory_order_relaxed) + change;
+    m_refCount.store(count, std::memory_order_relaxed);
+    return count;
+  }
+
   std::atomic<std::int64_t> m_refCount{0};
 };
 

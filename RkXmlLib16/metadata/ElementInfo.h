@@ -100,6 +100,10 @@ class RKXML_EXPORT CElementInfo {
   MemberKind GetMemberKind() const noexcept { return m_memberKind; }
   // Whether the member stands directly in its owner's element.
   bool IsInlineGroup() const noexcept { return m_memberType == RkXmlLib16::XmlElementType_InlineGroup; }
+  // Whether ElementFromXml would accept that the element is absent and do nothing else, for the element that is next.
+  bool IsSkipped(const CSerializationContext& context, const CXmlElement* next) const {
+    return m_skipsOthers && !IsThisElement(context, next);
+  }
   // Whether PseudoChildAttributeToXml may have something to write.
   bool MayHaveAttributes() const noexcept { return m_mayHaveAttributes; }
 
@@ -143,6 +147,8 @@ class RKXML_EXPORT CElementInfo {
 
  protected:
   EnumToString GetEnumToString() const noexcept { return m_enumToString; }
+  // For records of a sequence that read nothing but their own element, which may be absent; see IsSkipped.
+  void SkipOtherElements() noexcept { m_skipsOthers = true; }
 
  private:
   bool IsDefault(const std::wstring& text) const noexcept { return !m_defaultValue.empty() && text == m_defaultValue; }
@@ -165,6 +171,7 @@ class RKXML_EXPORT CElementInfo {
   EnumFromString m_enumFromString = nullptr;
   bool m_hasFacets = false;
   bool m_mayHaveAttributes = false;
+  bool m_skipsOthers = false;
   XmlElementType m_memberType = RkXmlLib16::XmlElementType_Element;
   MemberKind m_memberKind = MemberKind::Single;
 };

@@ -144,7 +144,9 @@ bool CElementInfoSeqClsMnd::ReadGroup(const CSerializationContext& context, CXml
 
 CElementInfoSeqClsOpt::CElementInfoSeqClsOpt(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                              XmlElementType memberType, ClassFactory factory, int classId)
-    : CElementInfo(name, ns, propertyIndex, MemberKind::Single, memberType), m_factory(factory), m_classId(classId) {}
+    : CElementInfo(name, ns, propertyIndex, MemberKind::Single, memberType), m_factory(factory), m_classId(classId) {
+  if (!IsInlineGroup()) SkipOtherElements();
+}
 
 CElementInfoSeqClsOpt::~CElementInfoSeqClsOpt() = default;
 
@@ -199,7 +201,9 @@ bool CElementInfoSeqAbsClsMnd::ElementFromXml(const CSerializationContext& conte
 
 CElementInfoSeqAbsClsOpt::CElementInfoSeqAbsClsOpt(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                                    XmlElementType memberType, AbstractClassFactory factory)
-    : CElementInfo(name, ns, propertyIndex, MemberKind::Single, memberType), m_factory(factory) {}
+    : CElementInfo(name, ns, propertyIndex, MemberKind::Single, memberType), m_factory(factory) {
+  SkipOtherElements();
+}
 
 CElementInfoSeqAbsClsOpt::~CElementInfoSeqAbsClsOpt() = default;
 
@@ -245,7 +249,9 @@ CElementInfoSeqPrimOpt::CElementInfoSeqPrimOpt(const wchar_t* name, const wchar_
                                                ItemType type, const wchar_t* format,
                                                CWhitespaceUtils::WhitespaceRule whitespace,
                                                const CPrimitiveRestrictions& facets, const wchar_t* defaultValue)
-    : CElementInfo(name, ns, propertyIndex, nillable, type, format, whitespace, facets, defaultValue) {}
+    : CElementInfo(name, ns, propertyIndex, nillable, type, format, whitespace, facets, defaultValue) {
+  SkipOtherElements();
+}
 
 CElementInfoSeqPrimOpt::~CElementInfoSeqPrimOpt() = default;
 
@@ -283,7 +289,9 @@ bool CElementInfoSeqEnumMnd::ElementFromXml(const CSerializationContext& context
 CElementInfoSeqEnumOpt::CElementInfoSeqEnumOpt(const wchar_t* name, const wchar_t* ns, int propertyIndex, bool nillable,
                                                EnumToString enumToString, EnumFromString enumFromString,
                                                const wchar_t* defaultValue)
-    : CElementInfo(name, ns, propertyIndex, nillable, enumToString, enumFromString, defaultValue) {}
+    : CElementInfo(name, ns, propertyIndex, nillable, enumToString, enumFromString, defaultValue) {
+  SkipOtherElements();
+}
 
 CElementInfoSeqEnumOpt::~CElementInfoSeqEnumOpt() = default;
 

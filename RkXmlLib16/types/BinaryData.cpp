@@ -1,7 +1,10 @@
 #include "RkXmlLib16/types/BinaryData.h"
 
+#include <cstddef>
+#include <cstdlib>
 #include <cstring>
 #include <cwchar>
+#include <functional>
 #include <limits>
 #include <memory>
 #include <new>
@@ -9,12 +12,14 @@
 
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/support/Format.h"
-#include "RkXmlLib16/support/HugePages.h"
 #include "RkXmlLib16/types/Base64.h"
 
 namespace RkXmlLib16 {
 
 namespace {
+
+// From this size on bytes lie in memory that can grow without being copied.
+constexpr unsigned long kLarge = 128 * 1024;
 
 void CopyBytes(unsigned char* to, const unsigned char* from, unsigned long length) {
   if (length > 0) std::memcpy(to, from, length);
@@ -40,7 +45,7 @@ CDataHolder::CDataHolder(unsigned char* data, unsigned long length, bool copy)
   CopyBytes(m_data, data, length);
 }
 
-CDataHolder::~CDataHolder() { delete[] m_data; }
+CDataHolder::~CDataHolder() { FreeData(); }
 
 void CDataHolder::AddRef() { m_refCount.fetch_add(1, std::memory_order_relaxed); }
 
@@ -64,22 +69,26 @@ void CDataHolder::Append(const unsigned char* data, unsigned long length) {
     const long long count = m_refCount.load(std::memory_order_relaxed);
     throw CRkException(FormatString(L"Failed to append. [RefCount=%I64d]", count));
   }
-  // The old bytes live on until the new ones are copied, because those may lie among them.
-  std::unique_ptr<unsigned char[]> old;
-  if (length > m_capacity - m_length) old.reset(Move(GrownCapacity(length)));
+  if (length > m_capacity - m_length) {
+    const std::less<> before;
+    const bool isOwn = m_data != nullptr && !before(data, m_data) && before(data, m_data + m_length);
+    const std::ptrdiff_t offset = isOwn ? data - m_data : 0;
+    Grow(GrownCapacity(length));
+    if (isOwn) data = m_data + offset;
+  }
   CopyBytes(m_data + m_length, data, length);
   m_length += length;
 }
 
 unsigned char* CDataHolder::Extend(unsigned long count) {
-  if (count > m_capacity - m_length) delete[] Move(GrownCapacity(count));
+  if (count > m_capacity - m_length) Grow(GrownCapacity(count));
   unsigned char* const added = m_data + m_length;
   m_length += count;
   return added;
 }
 
 void CDataHolder::Reserve(unsigned long capacity) {
-  if (capacity > m_capacity) delete[] Move(capacity);
+  if (capacity > m_capacity) Grow(capacity);
 }
 
 unsigned long CDataHolder::GrownCapacity(unsigned long count) const {
@@ -88,12 +97,35 @@ unsigned long CDataHolder::GrownCapacity(unsigned long count) const {
   return 2 * (m_length + count);
 }
 
-unsigned char* CDataHolder::Move(unsigned long capacity) {
-  unsigned char* const moved = new unsigned char[capacity];
-  AskForHugePages(moved, capacity);
-  CopyBytes(moved, m_data, m_length);
+void CDataHolder::Grow(unsigned long capacity) {
+  const bool isArray = m_isArray && capacity < kLarge;
+  unsigned char* grown = nullptr;
+  if (isArray)
+    grown = new unsigned char[capacity];
+  else
+    grown = static_cast<unsigned char*>(std::realloc(m_isArray ? nullptr : m_data, capacity));
+  if (grown == nullptr) throw std::bad_alloc();
+  if (m_isArray) {
+    CopyBytes(grown, m_data, m_length);
+    FreeData();
+  }
+  m_data = grown;
   m_capacity = capacity;
-  return std::exchange(m_data, moved);
+  m_isArray = isArray;
+}
+
+void CDataHolder::FreeData() noexcept {
+  if (m_isArray)
+    delete[] m_data;
+  else
+    std::free(m_data);
+}
+
+unsigned char* CDataHolder::DetachData() {
+  if (m_isArray) return std::exchange(m_data, nullptr);
+  unsigned char* const array = new unsigned char[m_length];
+  CopyBytes(array, m_data, m_length);
+  return array;
 }
 
 CBinaryData::CBinaryData() noexcept = default;
@@ -160,10 +192,10 @@ void CBinaryData::Clear() {
 
 unsigned char* CBinaryData::ReleaseData(unsigned long* length) {
   if (m_holder != nullptr) Exclusive();
+  unsigned char* const data = m_holder != nullptr ? m_holder->DetachData() : nullptr;
   if (length != nullptr) *length = GetLength();
-  CBinaryData taken;
-  taken.Swap(*this);
-  return taken.m_holder == nullptr ? nullptr : std::exchange(taken.m_holder->m_data, nullptr);
+  CBinaryData().Swap(*this);
+  return data;
 }
 
 void CBinaryData::SetBuffer(const unsigned char* data, unsigned long length) {

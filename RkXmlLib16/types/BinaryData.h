@@ -42,12 +42,15 @@ class RKXML_EXPORT CDataHolder {
 
   bool IsShared() const noexcept { return m_refCount.load(std::memory_order_acquire) > 1; }
   unsigned long GrownCapacity(unsigned long count) const;
-  // Moves the bytes to a new array and returns the old one, which the caller frees.
-  unsigned char* Move(unsigned long capacity);
+  void Grow(unsigned long capacity);
+  void FreeData() noexcept;
+  // Gives the bytes away as an array of new[].
+  unsigned char* DetachData();
 
   unsigned char* m_data = nullptr;
   unsigned long m_length = 0;
   unsigned long m_capacity = 0;
+  bool m_isArray = true;                    // made by new[], else by malloc
   std::atomic<std::int64_t> m_refCount{1};  // nobody but the only owner can make it grow from 1
 };
 

@@ -22,13 +22,29 @@ constexpr std::size_t kKeptCapacity = 4096;  // longer texts give their storage 
 
 // The storage of the last text that a variant of this thread dropped, for the next one: a variant lives for one record
 // of one object, and its text would otherwise be allocated each time.
-struct SpareText {
-  ~SpareText() { isGone = true; }  // static variants outlive it
-  std::wstring text;
-  static thread_local bool isGone;
+class SpareText {
+ public:
+  // Null when the thread has ended its variables; static variants outlive those.
+  static std::wstring* Get() {
+    if (t_text == nullptr && !t_isGone) Make();
+    return t_text;
+  }
+
+ private:
+  SpareText() { t_text = &m_text; }
+  ~SpareText() {
+    t_text = nullptr;
+    t_isGone = true;
+  }
+  static void Make() { static thread_local SpareText spare; }
+
+  // In the memory that a thread has from its start: a few bytes, found without a call.
+  [[gnu::tls_model("initial-exec")]] static thread_local std::wstring* t_text;
+  [[gnu::tls_model("initial-exec")]] static thread_local bool t_isGone;
+  std::wstring m_text;
 };
-thread_local bool SpareText::isGone = false;
-thread_local SpareText spare;
+thread_local std::wstring* SpareText::t_text = nullptr;
+thread_local bool SpareText::t_isGone = false;
 
 [[noreturn]] void ThrowInvalidType(std::uint32_t type) { throw CRkException(FormatString(L"Invalid Type %u", type)); }
 
@@ -77,8 +93,6 @@ void Dispatch(std::uint32_t type, Call&& call) {
 
 }  // namespace
 
-RkVariant::RkVariant() noexcept {}
-
 RkVariant::RkVariant(const RkVariant& other)
     : m_nil(other.m_nil), m_type(other.m_type), m_slot(other.m_slot), m_text(other.m_text), m_owned(other.m_owned) {
   if (m_type >= kXmlObject && m_slot.reference.object != nullptr) m_slot.reference.object->AddRef();
@@ -119,8 +133,8 @@ RkVariant::~RkVariant() {
 }
 
 void RkVariant::KeepTextStorage() noexcept {
-  if (m_text.capacity() > kKeptCapacity || SpareText::isGone) return;
-  if (m_text.capacity() > spare.text.capacity()) spare.text.swap(m_text);
+  std::wstring* const spare = m_text.capacity() <= kKeptCapacity ? SpareText::Get() : nullptr;
+  if (spare != nullptr && m_text.capacity() > spare->capacity()) spare->swap(m_text);
 }
 
 void RkVariant::Clear() noexcept {
@@ -234,8 +248,10 @@ void RkVariant::SetString(std::wstring_view value) {
   if (m_type >= kXmlObject) return SetString(std::wstring(value));  // the object may hold the text
   if (m_type != ItemType_string) Begin(ItemType_string);
   m_nil = false;
-  if (value.size() > m_text.capacity() && !SpareText::isGone && value.size() <= spare.text.capacity())
-    m_text.swap(spare.text);
+  if (value.size() > m_text.capacity()) {
+    std::wstring* const spare = SpareText::Get();
+    if (spare != nullptr && value.size() <= spare->capacity()) m_text.swap(*spare);
+  }
   m_text.assign(value);  // also right for a part of this text
 }
 

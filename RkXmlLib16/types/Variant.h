@@ -38,7 +38,7 @@ class RKXML_EXPORT RkVariant {
   static constexpr std::uint32_t kXmlObject = 27;
   static constexpr std::uint32_t kXmlCollection = 28;
 
-  RkVariant() noexcept;
+  RkVariant() noexcept {}
   RkVariant(const RkVariant& other);
   RkVariant(RkVariant&& other) noexcept;
   RkVariant& operator=(const RkVariant& other);

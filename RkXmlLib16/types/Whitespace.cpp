@@ -17,9 +17,9 @@ std::wstring_view ReplaceView(std::wstring_view text, std::wstring& scratch) {
 }
 
 std::wstring_view CollapseView(std::wstring_view text, std::wstring& scratch) {
-  bool hasSpace = false;  // most texts have none
-  for (const wchar_t c : text) hasSpace |= CWhitespaceUtils::IsWhiteSpace(c);
-  if (!hasSpace) return text;
+  bool mayHaveSpace = false;  // most texts have none
+  for (const wchar_t c : text) mayHaveSpace |= c <= L' ';
+  if (!mayHaveSpace) return text;
   while (!text.empty() && CWhitespaceUtils::IsWhiteSpace(text.front())) text.remove_prefix(1);
   while (!text.empty() && CWhitespaceUtils::IsWhiteSpace(text.back())) text.remove_suffix(1);
   // The ends are black now, so text[i + 1] exists after white space.

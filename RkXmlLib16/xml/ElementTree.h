@@ -150,6 +150,10 @@ class RKXML_EXPORT CXmlElement {
   // The names as the document holds them, for comparison by address.
   const CXmlName* GetLocalNameRef() const noexcept { return m_localName; }
   const CXmlName* GetNamespaceRef() const noexcept { return m_namespaceUri; }
+  // Whether the other element, of the same document, bears the same name in the same namespace; null bears none.
+  bool HasNameOf(const CXmlElement* other) const noexcept {
+    return other != nullptr && m_localName == other->m_localName && m_namespaceUri == other->m_namespaceUri;
+  }
   // The value of the first attribute with this name; empty when there is none.
   CXmlText GetAttribute(const wchar_t* localName, const wchar_t* namespaceUri) const noexcept;
   // The local name with the prefix that the document has for the namespace.
