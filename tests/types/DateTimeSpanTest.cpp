@@ -25,10 +25,8 @@ TEST(DateTimeSpan, ParsesAndPrintsTheXsdForm) {
       {L"P1Y2M3DT4H5M6.5S", nullptr},
       {L"-P1Y2M3DT4H5M6.5S", nullptr},
       {L"PT36H", nullptr},
-      {L"PT90M", nullptr},
       {L"PT0.001S", nullptr},
       {L"P0Y", L"PT0S"},
-      {L"-PT0S", L"PT0S"},
       {L"PY", L"PT0S"},
       {L"PT5.", L"PT5S"},
       {L"PT5.S", L"PT5S"},
@@ -75,10 +73,7 @@ TEST(DateTimeSpan, ComparesByTheFourReferenceInstants) {
   } cases[] = {
       {L"P1Y", L"P12M", 0},        {L"P1D", L"PT24H", 0},
       {L"P1M", L"P30D", 3},        {L"P1M", L"P27D", 2},
-      {L"P1M", L"P32D", 1},        {L"P1Y", L"P364D", 2},
       {L"P1Y", L"P365D", 3},       {L"-P1D", L"P1D", 1},
-      {L"P5M", L"P150D", 3},       {L"PT0.5S", L"PT0.499999S", 2},
-      {L"-PT0S", L"PT0S", 0},      {L"P8096Y", L"P8095Y", 2},
       {L"-P3000Y", L"-P2999Y", 1}, {L"PT100000000000S", L"PT1700000000M", 1},
   };
   for (const auto& c : cases) {
