@@ -7,6 +7,7 @@
 
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/metadata/RegEx.h"
+#include "RkXmlLib16/support/CodePoints.h"
 #include "RkXmlLib16/support/Encoder.h"
 #include "RkXmlLib16/support/Format.h"
 #include "RkXmlLib16/types/BinaryData.h"
@@ -104,6 +105,15 @@ bool MeetsDigits(const XsdValue<kItem>& value, const CPrimitiveRestrictions& fac
   }
 }
 
+// The characters of a text, in which two surrogates are the one that they stand for.
+unsigned long CharacterCount(const std::wstring& text) {
+  unsigned long pairs = 0;
+  for (std::size_t i = 1; i < text.size(); ++i) {
+    if (IsLowSurrogate(static_cast<char32_t>(text[i])) && IsHighSurrogate(static_cast<char32_t>(text[i - 1]))) ++pairs;
+  }
+  return text.size() - pairs;
+}
+
 bool MeetsLengths(unsigned long length, const CPrimitiveRestrictions& facets) {
   const long actual = static_cast<long>(length);
   return (facets.GetMinLength() < 0 || facets.GetMinLength() <= actual) &&
@@ -185,7 +195,8 @@ void CXmlObjectHelper::CheckRestrictionForyearMonth(const wchar_t*, const CDateT
 void CXmlObjectHelper::CheckRestrictionForstring(const wchar_t* name, const std::wstring& value,
                                                  const CPrimitiveRestrictions& facets) {
   if (facets.IsEmpty()) return;
-  if (MeetsLengths(value.size(), facets) && (facets.GetPattern().empty() || MatchesPattern(name, value, facets)))
+  if (MeetsLengths(CharacterCount(value), facets) &&
+      (facets.GetPattern().empty() || MatchesPattern(name, value, facets)))
     return;
   throw CRkException(FormatString(L"Invalid Value for %ls [%ls].", name, value.c_str()));
 }

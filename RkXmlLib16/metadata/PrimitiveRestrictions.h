@@ -25,7 +25,7 @@ class RKXML_EXPORT CPrimitiveRestrictions {
 
   // An XSD regular expression.
   const std::wstring& GetPattern() const noexcept { return m_pattern; }
-  // Lengths count characters of a text and bytes of a binary value.
+  // Lengths count characters of a text, a surrogate pair as one, and bytes of a binary value.
   long GetMinLength() const noexcept { return m_minLength; }
   long GetMaxLength() const noexcept { return m_maxLength; }
   const std::wstring& GetMinInclusive() const noexcept { return m_minInclusive; }

@@ -142,6 +142,7 @@ TEST(FacetChecks, LengthsCountCharactersAndBytes) {
   } kinds[] = {{ItemType_string,
                 L"a\U0001F600"
                 L"b"},
+               {ItemType_string, L"a\xD83D\xDE00\xDE00"},
                {ItemType_hexBinary, L"0102AB"},
                {ItemType_base64Binary, L"TWFu"}};
   for (const auto& kind : kinds) {
