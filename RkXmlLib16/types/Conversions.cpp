@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "RkXmlLib16/core/Exception.h"
+#include "RkXmlLib16/support/CodePoints.h"
 #include "RkXmlLib16/support/Format.h"
 
 namespace RkXmlLib16 {
@@ -114,6 +115,10 @@ bool ParseBoolean(wstring_view text) {
 }
 
 wchar_t ParseChar(wstring_view text) {
+  if (text.size() == 2) {
+    const auto high = static_cast<char32_t>(text[0]), low = static_cast<char32_t>(text[1]);
+    if (IsHighSurrogate(high) && IsLowSurrogate(low)) return static_cast<wchar_t>(JoinSurrogates(high, low));
+  }
   if (text.size() != 1)
     throw CRkInvalidValueException(
         FormatString(L"The value [%ls] can not be a char as it is either empty of greater than 1 char long",  // sic

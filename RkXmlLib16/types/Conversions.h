@@ -63,6 +63,7 @@ class RKXML_EXPORT CConversions {
   // "true", "1", "false", "0", in any case.
   static bool booleanFromString(const std::wstring& text, Rule rule);
   static std::wstring booleanToString(bool value);
+  // Exactly one character, which may be a surrogate pair.
   static wchar_t charFromString(const std::wstring& text, Rule rule);
   static std::wstring charToString(wchar_t value);
   static std::wstring stringFromString(const std::wstring& text, Rule rule);

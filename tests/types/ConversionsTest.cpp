@@ -167,6 +167,8 @@ TEST(Conversions, BooleansAndCharacters) {
              {{L"x", L"x", L""},
               {L" ", L" ", L""},
               {L"\U0001F600", L"\U0001F600", L""},
+              {L"\xD83D\xDE00", L"\U0001F600", L""},  // as it comes from XML text
+              {L"\xDE00\xD83D", nullptr, character(L"\xDE00\xD83D")},
               {L"", nullptr, character(L"")},
               {L"ab", nullptr, character(L"ab")}});
   EXPECT_WIDE_EQ(L"a b", C::stringFromString(L" a  b ", kCollapse));
