@@ -46,6 +46,17 @@ bool IsNamespace(const std::wstring& uri) {
   return IsXmlText(uri) && uri.find_first_of(L"|\t\n ") == std::wstring::npos && uri != CXmlWriter::XMLNS_NAMESPACE;
 }
 
+// XML text is not read with a namespace like this, which may be there for values alone.
+bool HasBarInDeclarations(const std::wstring& xml) {
+  std::size_t at = 0;
+  while ((at = xml.find(L" xmlns", at)) != std::wstring::npos) {
+    const std::size_t begin = std::min(xml.find(L'"', at), xml.size() - 1);
+    at = std::min(xml.find(L'"', begin + 1), xml.size());
+    if (std::wstring_view(xml).substr(begin, at - begin).find(L'|') != std::wstring_view::npos) return true;
+  }
+  return false;
+}
+
 template <class Read>
 void RequireSame(const char* form, const CElement& tree, const CBinaryData& bytes, Mixed mixed, Read&& read) {
   const std::wstring expected = Describe(tree, mixed);
@@ -140,7 +151,7 @@ bool IsXml(const CElement& tree) {
               names.emplace(attribute.GetNamespace(), attribute.GetLocalName()).second;
     }
   });
-  return holds;
+  return holds && !HasBarInDeclarations(tree.ToXml(false, false, EOLType_LF, MakeContext(&tree)));
 }
 
 bool FitsJson(const CElement& tree) {

@@ -371,7 +371,7 @@ const CXmlName* CFastInfosetReader::IdentifyingStringOrIndex(Names& names, bool&
   const std::size_t length = NonEmptyOctetStringBit2Length(octet);
   NonEmptyOctetUTF8String(Move(length), length);
   // Names are written as they are, so what is none could put markup into a document.
-  const bool isValid = &names == &m_namespaceNames ? m_text.find(L'\0') == std::wstring::npos : IsName(m_text);
+  const bool isValid = &names == &m_namespaceNames ? IsXmlText(m_text) : IsName(m_text);
   if (!isValid) throw CRkException(FormatString(L"Failed to parse FastInfoset. Invalid Name [%ls].", m_text.c_str()));
   const CXmlName* const name = m_document.InternName(m_text);
   if (names.size() >= FI_MAX_TABLE_ENTRIES) hasIndex = false;

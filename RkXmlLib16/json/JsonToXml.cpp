@@ -1,6 +1,5 @@
 #include "RkXmlLib16/json/JsonToXml.h"
 
-#include <algorithm>
 #include <string_view>
 
 #include "RkXmlLib16/core/Exception.h"
@@ -18,14 +17,6 @@ namespace RkXmlLib16 {
 namespace {
 
 const std::wstring kNoNamespace;
-
-// Whether XML text can hold all characters. What the encoder repairs may pass.
-bool IsXmlText(std::wstring_view text) {
-  return std::all_of(text.begin(), text.end(), [](wchar_t c) {
-    const auto code = static_cast<char32_t>(c);
-    return code >= 0x20 ? code < 0xFFFE || code > 0xFFFF : c == L'\t' || c == L'\n' || c == L'\r';
-  });
-}
 
 }  // namespace
 

@@ -106,6 +106,7 @@ class CElement::TreeReader {
     if (m_prefixes != nullptr && m_prefixes->find(prefix) != m_prefixes->end()) return true;
     const CXmlName* const uri = document.LookupNamespaceRef(prefix);
     if (uri == nullptr || uri->empty() || prefix == L"xml" || prefix == L"xmlns") return false;
+    if (uri->View() == CXmlWriter::XML_NAMESPACE || uri->View() == CXmlWriter::XMLNS_NAMESPACE) return false;
     if (m_prefixes == nullptr) m_prefixes = std::make_shared<Prefixes>();
     m_prefixes->emplace(prefix, document.ShareName(uri));
     return true;

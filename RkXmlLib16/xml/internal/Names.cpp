@@ -54,4 +54,11 @@ bool IsQName(std::wstring_view text) {
   return IsNCName(text.substr(0, colon)) && IsNCName(text.substr(colon + 1));
 }
 
+bool IsXmlText(std::wstring_view text) {
+  return std::all_of(text.begin(), text.end(), [](wchar_t c) {
+    const auto code = static_cast<char32_t>(c);
+    return code >= 0x20 ? code < 0xFFFE || code > 0xFFFF : c == L'\t' || c == L'\n' || c == L'\r';
+  });
+}
+
 }  // namespace RkXmlLib16
