@@ -35,4 +35,18 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/RkXmlLib16
 set(CPACK_DEBIAN_TOOL_DESCRIPTION
   "convert and inspect XML documents\nConverts documents between plain and compressed, pretty and compact forms and shows what one holds.")
 
+# What every package has to tell about itself.
+function(rkxml_compress input output)
+  file(ARCHIVE_CREATE OUTPUT ${output} PATHS ${input} FORMAT raw COMPRESSION GZip COMPRESSION_LEVEL 9 MTIME "2026-11-21")
+endfunction()
+set(doc_dir ${PROJECT_BINARY_DIR}/debian)
+configure_file(${CMAKE_CURRENT_LIST_DIR}/debian/changelog.in ${doc_dir}/changelog @ONLY)
+rkxml_compress(${doc_dir}/changelog ${doc_dir}/changelog.Debian.gz)
+rkxml_compress(${PROJECT_SOURCE_DIR}/CHANGELOG.md ${doc_dir}/changelog.gz)
+foreach(component IN LISTS CPACK_COMPONENTS_ALL)
+  string(TOUPPER ${component} upper)
+  install(FILES ${CMAKE_CURRENT_LIST_DIR}/debian/copyright ${doc_dir}/changelog.gz ${doc_dir}/changelog.Debian.gz
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${CPACK_DEBIAN_${upper}_PACKAGE_NAME} COMPONENT ${component})
+endforeach()
+
 include(CPack)

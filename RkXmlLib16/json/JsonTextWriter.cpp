@@ -6,6 +6,7 @@
 
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/support/TextStream.h"
+#include "RkXmlLib16/xml/internal/LineEnd.h"
 
 namespace RkXmlLib16 {
 
@@ -71,8 +72,7 @@ CJsonTextWriter::~CJsonTextWriter() = default;
 void CJsonTextWriter::SetIndentChars(const wchar_t* text) { m_indentChars = text != nullptr ? text : L""; }
 
 void CJsonTextWriter::SetEOLType(EOLType type) {
-  if (type != EOLType_CRLF && type != EOLType_LF) throw CRkException(L"Invalid EOL type.");
-  m_eol = type == EOLType_CRLF ? L"\r\n" : L"\n";
+  m_eol = LineEnd(type);
   m_eolType = type;
 }
 

@@ -36,7 +36,7 @@ constexpr std::size_t BytesOfAttributes(std::size_t capacity) {
 }  // namespace
 
 // All nodes, texts and names of one document.
-struct CXmlDocument::Storage {
+struct RKXML_HIDDEN CXmlDocument::Storage {
   // An element that is being built under a filter: what to go back to when the filter drops it.
   struct OpenElement {
     CXmlElement* previousSibling;

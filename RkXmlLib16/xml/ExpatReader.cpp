@@ -98,7 +98,7 @@ constexpr XML_Memory_Handling_Suite kCountingSuite = {CountingMalloc, CountingRe
 
 }  // namespace
 
-struct CExpatReader::Parser {
+struct RKXML_HIDDEN CExpatReader::Parser {
   explicit Parser(CXmlDocument& target)
       : document(target),
         isUtf16(IsUtf16(target)),

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "RkXmlLib16/core/Exception.h"
+#include "RkXmlLib16/xml/internal/LineEnd.h"
 
 namespace RkXmlLib16 {
 
@@ -63,8 +64,7 @@ CXmlTextWriter::~CXmlTextWriter() = default;
 void CXmlTextWriter::SetIndentChars(const wchar_t* text) { m_indentChars = text != nullptr ? text : L""; }
 
 void CXmlTextWriter::SetEOLType(EOLType type) {
-  if (type != EOLType_CRLF && type != EOLType_LF) throw CRkException(L"Invalid EOL type.");
-  m_endOfLine = type == EOLType_CRLF ? L"\r\n" : L"\n";
+  m_endOfLine = LineEnd(type);
   m_eolType = type;
 }
 

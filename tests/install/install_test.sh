@@ -112,6 +112,14 @@ test_packages() {
   for deb in "$work"/*.deb; do
     dpkg-deb --extract "$deb" "$root"
   done
+  local package
+  for package in librkxmllib16-16 librkxmllib16-dev rkxml; do
+    [ -s "$root/usr/share/doc/$package/copyright" ] || fail "$package has no copyright file"
+    gzip -cd "$root/usr/share/doc/$package/changelog.Debian.gz" | grep -q '^rkxmllib16 (16.0.0-1)' ||
+      fail "$package has no changelog of its version"
+    gzip -cd "$root/usr/share/doc/$package/changelog.gz" | cmp -s - "$source/../../CHANGELOG.md" ||
+      fail "$package has another CHANGELOG.md"
+  done
   LD_LIBRARY_PATH=$root/usr/$libdir "$root/usr/bin/rkxml" --version
   consume "$root/usr"
 }
