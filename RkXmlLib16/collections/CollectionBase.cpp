@@ -54,13 +54,13 @@ void CXmlCollectionBase::ValidateCount(const CSerializationContext& context) con
       return;
     case Limit::AboveMaximum:
       throw CRkValidationException(
-          FormatString(L"The Maximum number of [%ls] elements allowed in this collection is %d", m_elementName.c_str(),
-                       m_maxOccurs),
+          FormatString(L"The Maximum number of [%ls] elements allowed in this collection is %d",
+                       GetElementNameRef().c_str(), m_maxOccurs),
           L"");
     case Limit::BelowMinimum:
       throw CRkValidationException(
-          FormatString(L"The Minimum number of [%ls] elements allowed in this collection is %d", m_elementName.c_str(),
-                       m_minOccurs),
+          FormatString(L"The Minimum number of [%ls] elements allowed in this collection is %d",
+                       GetElementNameRef().c_str(), m_minOccurs),
           L"");
   }
 }

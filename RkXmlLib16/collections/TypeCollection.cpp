@@ -24,7 +24,7 @@ CXmlTypeCollection::~CXmlTypeCollection() = default;
 
 CXmlElement* CXmlTypeCollection::FromXml_Int(CXmlElement* /*parent*/, CXmlElement* current,
                                              const CSerializationContext& context, bool /*isOptionalChoice*/) {
-  for (; ElementNameMatches(context, current, m_elementName, GetNamespace());
+  for (; ElementNameMatches(context, current, GetElementNameRef(), GetNamespace());
        current = current->GetNextSiblingElement()) {
     AddFromString(current->GetText());
   }

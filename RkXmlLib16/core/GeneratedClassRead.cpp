@@ -108,7 +108,7 @@ CXmlElement* CXmlGeneratedClass::ReadElement(CXmlElement* element, CXmlElement* 
   const XmlElementType elementType = info.GetElementType();
   auto* nillable = const_cast<INillable*>(AsNillable(info));
   if (elementType == XmlElementType_Element) {
-    m_elementName.assign(element->GetLocalName().View());
+    m_elementName.Set(element->GetLocalName());
     if (nillable != nullptr && nillable->IsNil()) nillable->SetNil(false);
   }
   ProcessAttributesFromXml(context, element, info, nillable);

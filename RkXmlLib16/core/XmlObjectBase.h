@@ -1,14 +1,13 @@
 #ifndef RKXMLLIB16_CORE_XMLOBJECTBASE_H
 #define RKXMLLIB16_CORE_XMLOBJECTBASE_H
 
-#include <sys/single_threaded.h>
-
-#include <atomic>
 #include <cstdint>
 #include <string>
 
+#include "RkXmlLib16/core/ElementName.h"
 #include "RkXmlLib16/core/Enumerations.h"
 #include "RkXmlLib16/core/Export.h"
+#include "RkXmlLib16/core/ReferenceCount.h"
 #include "RkXmlLib16/types/BinaryData.h"
 
 namespace RkXmlLib16 {
@@ -144,20 +143,20 @@ class RKXML_EXPORT CXmlObjectBase : public IEventSink {
                                    bool isOptionalChoice) = 0;
 
   // The new count. Safe to call from several threads.
-  long long AddRef() noexcept { return AddToCount(1, std::memory_order_relaxed); }
+  long long AddRef() noexcept { return m_references.Increment(); }
   // The new count; deletes the object when it is 0. Safe to call from several threads.
   long long Release() {
-    const long long count = AddToCount(-1, std::memory_order_acq_rel);
+    const long long count = m_references.Decrement();
     if (count == 0) delete this;
     return count;
   }
   // The present count, for diagnosis.
-  long long GetRefCount() const noexcept { return m_refCount.load(std::memory_order_relaxed); }
+  long long GetRefCount() const noexcept { return m_references.Get(); }
 
   // The local name under which the object was read or is to be written.
-  std::wstring GetElementName() const { return m_elementName; }
+  std::wstring GetElementName() const { return m_elementName.Get(); }
   // The same without a copy; valid until the name is set again.
-  const std::wstring& GetElementNameRef() const noexcept { return m_elementName; }
+  const std::wstring& GetElementNameRef() const noexcept { return m_elementName.Get(); }
   void SetElementName(const wchar_t* name);
   const CXmlObjectBase* GetBase() const { return const_cast<CXmlObjectBase*>(this)->GetBase(); }
 
@@ -198,18 +197,10 @@ class RKXML_EXPORT CXmlObjectBase : public IEventSink {
   bool IsNamespaceValid(const wchar_t* namespaceUri, const wchar_t* constraint, const wchar_t* targetNamespace) const;
 
  protected:
-  std::wstring m_elementName;
+  CElementName m_elementName;
 
  private:
-  // An interlocked addition costs about as much as reading a short number; a process with one thread needs none.
-  long long AddToCount(std::int64_t change, std::memory_order order) noexcept {
-    if (!__libc_single_threaded) return m_refCount.fetch_add(change, order) + change;
-    const std::int64_t count = m_refCount.load(std::memory_order_relaxed) + change;
-    m_refCount.store(count, std::memory_order_relaxed);
-    return count;
-  }
-
-  std::atomic<std::int64_t> m_refCount{0};
+  CReferenceCount m_references{0};
 };
 
 }  // namespace RkXmlLib16

@@ -80,11 +80,12 @@ Code Compile(const std::string& pattern, const std::wstring& value) {
   pcre2_set_compile_extra_options(context.get(), PCRE2_EXTRA_BAD_ESCAPE_IS_LITERAL);
   int error = 0;
   PCRE2_SIZE offset = 0;
-  Code code(pcre2_compile(Bytes(pattern), pattern.size(), PCRE2_UTF, &error, &offset, context.get()));
+  Code code(pcre2_compile(Bytes(pattern), pattern.size(), PCRE2_UTF | PCRE2_ANCHORED, &error, &offset, context.get()));
   if (code == nullptr) {
     if (error == PCRE2_ERROR_HEAP_FAILED) throw std::bad_alloc();
     ThrowInvalid(value, error);
   }
+  pcre2_jit_compile(code.get(), PCRE2_JIT_COMPLETE);  // where it can't, the pattern is interpreted
   return code;
 }
 
@@ -96,8 +97,8 @@ bool IsLimit(int result) {
 int MatchWithoutBacktracking(const pcre2_code* code, const std::string& subject, pcre2_match_data* data,
                              pcre2_match_context* context) {
   std::vector<int> workspace(kWorkspace);
-  return pcre2_dfa_match(code, Bytes(subject), subject.size(), 0, PCRE2_ANCHORED | PCRE2_NO_UTF_CHECK, data, context,
-                         workspace.data(), workspace.size());
+  return pcre2_dfa_match(code, Bytes(subject), subject.size(), 0, PCRE2_NO_UTF_CHECK, data, context, workspace.data(),
+                         workspace.size());
 }
 
 }  // namespace
@@ -130,7 +131,11 @@ bool CRegEx::Matches(const std::wstring& value) const {
   pcre2_match_data* const data = own != nullptr ? own.get() : kept.get();
 
   // 0: it matched, and there was no room for the groups inside it.
-  int result = pcre2_match(code, Bytes(subject), subject.size(), 0, PCRE2_ANCHORED | PCRE2_NO_UTF_CHECK, data, limits);
+  const auto match = [&](std::uint32_t options) {
+    return pcre2_match(code, Bytes(subject), subject.size(), 0, PCRE2_NO_UTF_CHECK | options, data, limits);
+  };
+  int result = match(0);
+  if (result == PCRE2_ERROR_JIT_STACKLIMIT) result = match(PCRE2_NO_JIT);
   if (result == 0) result = 1;
   if (IsLimit(result)) {
     const int limit = result;

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 #include <limits>
+#include <memory>
 #include <string>
 #include <utility>
 
@@ -225,19 +226,29 @@ std::wstring CDecimal::ToString(int fractionDigits) const {
 }
 
 void CDecimal::AppendTo(std::wstring& out) const {
-  if (IsNegative()) out += L'-';
   const CDigitVector& integer = m_integer.GetDigits();
   const CDigitVector& fraction = m_fraction.GetDigits();
-  const std::size_t integerDigits = std::max<std::size_t>(integer.size(), 1);
   const std::size_t fractionDigits = m_fraction.IsZero() ? 0 : static_cast<std::size_t>(m_divider);
-  out.append(integerDigits + (fractionDigits == 0 ? 0 : fractionDigits + 1), L'0');
-  wchar_t* to = out.data() + out.size();
+  // Mostly it is short, and written backwards in place.
+  constexpr std::size_t kShort = 64;
+  wchar_t shortText[kShort];
+  std::unique_ptr<wchar_t[]> longText;
+  const std::size_t most = 1 + std::max<std::size_t>(integer.size(), 1) + 1 + fractionDigits;
+  if (most > kShort) longText.reset(new wchar_t[most]);
+  wchar_t* const end = (longText != nullptr ? longText.get() : shortText) + most;
+  wchar_t* to = end;
+  const auto put = [&to](const CDigitVector& digits) {
+    for (const unsigned char digit : digits) *--to = static_cast<wchar_t>(L'0' + digit);
+  };
   if (fractionDigits != 0) {
-    for (std::size_t i = 0; i < fraction.size(); ++i) *--to = L'0' + fraction[i];
-    to -= fractionDigits - fraction.size();
+    put(fraction);
+    for (std::size_t i = fraction.size(); i < fractionDigits; ++i) *--to = L'0';
     *--to = L'.';
   }
-  for (std::size_t i = 0; i < integer.size(); ++i) *--to = L'0' + integer[i];
+  put(integer);
+  if (integer.empty()) *--to = L'0';
+  if (IsNegative()) *--to = L'-';
+  out.append(to, end);
 }
 
 void CDecimal::Rationalise() {

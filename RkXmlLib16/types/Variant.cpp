@@ -168,17 +168,23 @@ void RkVariant::RequireType(std::uint32_t type) const {
   if (m_type != type) ThrowInvalidType(m_type);
 }
 
+// Whether the value may go with what the variant holds now.
+bool RkVariant::MayHold(const void* value) const noexcept {
+  return m_type >= kXmlObject ||
+         reinterpret_cast<std::uintptr_t>(value) - reinterpret_cast<std::uintptr_t>(this) < sizeof *this;
+}
+
 template <class T, class Value>
 void RkVariant::SetOwned(std::uint32_t type, Value&& value) {
-  if (T* const present =
-          m_owned ? std::get_if<T>(&*m_owned) : nullptr) {  // also safe for a reference into this variant
+  if (T* const present = m_owned ? std::get_if<T>(&*m_owned) : nullptr) {
     *present = std::forward<Value>(value);
-  } else if (HoldsNothing()) {
-    m_owned.emplace(std::in_place_type<T>, std::forward<Value>(value));
-  } else {
+  } else if (MayHold(&value)) {
     T copy(std::forward<Value>(value));
     Begin(type);
     m_owned.emplace(std::move(copy));
+  } else {
+    Begin(type);
+    m_owned.emplace(std::in_place_type<T>, std::forward<Value>(value));
   }
   m_nil = false;
   m_type = type;

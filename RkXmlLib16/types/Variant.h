@@ -53,6 +53,12 @@ class RKXML_EXPORT RkVariant {
   void SetInvalid() noexcept {
     if (IsValid()) Begin(0);
   }
+  // The same, but a value keeps its storage for the next one; objects are let go.
+  void SetUnused() noexcept {
+    if (m_type >= kXmlObject) return Begin(0);
+    m_type = 0;
+    m_nil = false;
+  }
   // Clears the value, keeps the type and sets the flag, which every setter resets.
   void SetNil() noexcept;
   bool IsNil() const noexcept { return m_nil; }
@@ -184,6 +190,7 @@ class RKXML_EXPORT RkVariant {
   void Begin(std::uint32_t type) noexcept;
   void KeepTextStorage() noexcept;
   void RequireType(std::uint32_t type) const;
+  bool MayHold(const void* value) const noexcept;
   template <class T, class Value>
   void SetOwned(std::uint32_t type, Value&& value);
   template <class T>

@@ -20,7 +20,7 @@ CAttribute::CAttribute(const wchar_t* localName, const wchar_t* value, const wch
 CAttribute::CAttribute(const CXmlAttribute& source)
     : m_value(source.GetValue().View()),
       m_namespaceUri(source.GetElement()->GetDocument()->ShareName(source.GetNamespaceRef())) {
-  m_elementName = source.GetLocalName().View();
+  m_elementName.Set(source.GetLocalName());
 }
 
 CAttribute::~CAttribute() = default;
@@ -32,7 +32,7 @@ void CAttribute::SetValue(const wchar_t* value) { m_value = TextOrEmpty(value); 
 
 void CAttribute::AttributesToXml_Int(CXmlWriter* writer, const CSerializationContext& /*context*/) const {
   static const std::wstring kNoNamespace;
-  writer->WriteAttributeString(m_elementName, m_namespaceUri != nullptr ? *m_namespaceUri : kNoNamespace, m_value,
+  writer->WriteAttributeString(GetElementNameRef(), m_namespaceUri != nullptr ? *m_namespaceUri : kNoNamespace, m_value,
                                ItemType_string);
 }
 

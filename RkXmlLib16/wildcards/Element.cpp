@@ -85,7 +85,7 @@ class CElement::TreeReader {
     bool usesPrefix = false;
     const auto declare = [&](wstring_view prefix) { usesPrefix |= Declare(*source.GetDocument(), prefix); };
 
-    element.m_elementName = source.GetLocalName().View();
+    element.m_elementName.Set(source.GetLocalName());
     element.m_namespaceUri = source.GetDocument()->ShareName(source.GetNamespaceRef());
     std::size_t childCount = 0;
     for (const CXmlElement* c = source.GetFirstElement(); c != nullptr; c = c->GetNextSiblingElement()) ++childCount;
@@ -158,14 +158,14 @@ class CElement::TreeWriter {
   }
 
   static bool HaveSameName(const CElement& a, const CElement& b) {
-    return a.m_elementName == b.m_elementName &&
+    return a.GetElementNameRef() == b.GetElementNameRef() &&
            (a.m_namespaceUri == b.m_namespaceUri || std::wcscmp(a.GetNamespace(), b.GetNamespace()) == 0);
   }
 
   void Start(const CElement& element, bool isRoot) {
-    if (element.m_elementName.empty()) throw CRkInvalidStateException(L"The element has no name.");
+    if (element.GetElementNameRef().empty()) throw CRkInvalidStateException(L"The element has no name.");
     if (isRoot) WritePrologue(element);
-    m_writer.WriteStartElement(element.m_elementName,
+    m_writer.WriteStartElement(element.GetElementNameRef(),
                                element.m_namespaceUri != nullptr ? *element.m_namespaceUri : kNoNamespace);
     if (isRoot) WriteRootAttributes(m_writer, m_context, element.GetNamespace(), m_isOptionalChoice);
     if (element.m_prefixes != nullptr && element.m_prefixes.get() != m_declared) {

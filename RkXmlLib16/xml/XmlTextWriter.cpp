@@ -250,25 +250,25 @@ wchar_t* CXmlTextWriter::PutEndOfTag(wchar_t* to) const {
 
 void CXmlTextWriter::WriteAttributeString(const std::wstring& localName, const std::wstring& namespaceUri,
                                           const std::wstring& value, ItemType) {
-  WriteAttribute(localName, namespaceUri, UpToNul(value));
+  WriteAttribute(localName, namespaceUri, std::wstring_view(value));
 }
 
 void CXmlTextWriter::WriteAttribute(const std::wstring& localName, const std::wstring& namespaceUri,
                                     std::wstring_view value) {
   RequireStartTag();
-  Put(L" ");
   const std::wstring* prefix = &kNoPrefix;
   if (!namespaceUri.empty()) {
     bool invented = false;
     prefix = &RequirePrefix(namespaceUri, invented);
     if (invented) {
-      PutDeclaration(*prefix, namespaceUri);
       Put(L" ");
+      PutDeclaration(*prefix, namespaceUri);
     }
   }
   const bool isShort = value.size() <= kShortText;
   wchar_t* to =
-      m_stream.Reserve(prefix->size() + 1 + localName.size() + 3 + (isShort ? value.size() * kLongestEscape : 0));
+      m_stream.Reserve(1 + prefix->size() + 1 + localName.size() + 3 + (isShort ? value.size() * kLongestEscape : 0));
+  *to++ = L' ';
   to = PutQName(to, *prefix, localName);
   *to++ = L'=';
   *to++ = L'"';

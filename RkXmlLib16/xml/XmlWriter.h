@@ -117,7 +117,7 @@ class RKXML_EXPORT CXmlWriter {
   void SetContextState(ContextState state);
   // Room for a value on its way to the writer, invalid at first, and for its text; both are good until the next value.
   RkVariant& BeginValue() noexcept {
-    m_value.SetInvalid();
+    m_value.SetUnused();
     return m_value;
   }
   std::wstring& GetValueBuffer() noexcept { return m_valueBuffer; }

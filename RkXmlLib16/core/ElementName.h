@@ -1,0 +1,51 @@
+#ifndef RKXMLLIB16_CORE_ELEMENTNAME_H
+#define RKXMLLIB16_CORE_ELEMENTNAME_H
+
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "RkXmlLib16/core/Export.h"
+#include "RkXmlLib16/core/ReferenceCount.h"
+
+namespace RkXmlLib16 {
+
+// The name of an object's element. A document's objects bear few names; those that a thread uses again and again are
+// held once for all of them. A value type; copies share the text.
+class RKXML_EXPORT CElementName {
+ public:
+  CElementName() noexcept = default;
+  CElementName(const CElementName& other) noexcept : m_shared(other.m_shared) {
+    if (m_shared != nullptr) m_shared->references.Increment();
+  }
+  CElementName& operator=(CElementName other) noexcept {
+    std::swap(m_shared, other.m_shared);
+    return *this;
+  }
+  ~CElementName() {
+    if (m_shared != nullptr && m_shared->references.Decrement() == 0) delete m_shared;
+  }
+
+  // Holds until the name is set again.
+  const std::wstring& Get() const noexcept { return m_shared != nullptr ? m_shared->text : Empty(); }
+  void Set(std::wstring_view name) {
+    if (Get() != name) Change(name);
+  }
+
+ private:
+  struct Shared {
+    explicit Shared(std::wstring_view name) : text(name) {}
+    const std::wstring text;
+    CReferenceCount references{1};
+  };
+  class Recent;
+
+  static const std::wstring& Empty() noexcept;
+  void Change(std::wstring_view name);
+
+  Shared* m_shared = nullptr;  // null for the empty name
+};
+
+}  // namespace RkXmlLib16
+
+#endif
