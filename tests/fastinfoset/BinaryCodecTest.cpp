@@ -60,9 +60,7 @@ TEST(FastInfosetBinaryData, ListsAreReadWithOneBlankBetween) {
       {7, "3F C0 00 00 40 00 00 00", L"1.5 2"},
       {6, "", L""},
   };
-  for (const auto& row : rows) {
-    EXPECT_WIDE_EQ(row.text, Holding(row.octets).GetAsString(row.algorithm)) << row.octets;
-  }
+  for (const auto& row : rows) EXPECT_WIDE_EQ(row.text, Holding(row.octets).GetAsString(row.algorithm)) << row.octets;
 }
 
 TEST(FastInfosetBinaryData, Failures) {

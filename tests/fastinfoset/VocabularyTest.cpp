@@ -53,9 +53,8 @@ TEST(FastInfosetVocabulary, AFullTableTakesNoMore) {
 
 TEST(FastInfosetContext, EncodingsByType) {
   CFastInfosetContext context;
-  for (int type = 0; type <= ItemType_integer; ++type) {
+  for (int type = 0; type <= ItemType_integer; ++type)
     EXPECT_EQ(FIStringEncoding_None, context.GetEncoding(type).m_encoding);
-  }
   context.SetSuggestedValues();
   const CFastInfosetContext copy(context);
   EXPECT_EQ(FIStringEncoding_EncodingAlgorithm, copy.GetEncoding(ItemType_double).m_encoding);

@@ -125,9 +125,7 @@ TEST(FastInfosetWriter, TextOfTheMaximumAddLengthIsNeverIndexed) {
 TEST(FastInfosetWriter, LengthBoundaries) {
   const struct {
     std::size_t length;
-    const char* value;
-    const char* chunk;
-    const char* name;
+    const char *value, *chunk, *name;
   } rows[] = {
       {1, "40", "90", "00"},
       {2, "41", "91", "01"},
@@ -160,10 +158,7 @@ TEST(FastInfosetWriter, IndexBoundaries) {
   // chunks. The boundaries from half a million on are reached through the integers themselves below.
   const struct {
     std::size_t index;
-    const char* element;
-    const char* attribute;
-    const char* value;
-    const char* chunk;
+    const char *element, *attribute, *value, *chunk;
   } rows[] = {
       {1, "00", "00", "80", "A0"},
       {16, "0F", "0F", "8F", "AF"},
@@ -253,8 +248,7 @@ TEST(FastInfosetWriter, TypedValuesUnderTheSuggestedEncodings) {
   const struct {
     ItemType type;
     const wchar_t* text;
-    const char* attribute;
-    const char* chunk;
+    const char *attribute, *chunk;
   } rows[] = {
       {ItemType_hexBinary, L"0ABC", "70 01 0A BC", "9C 01 0A BC"},
       {ItemType_hexBinary, L"0abc", "43 30 61 62 63", "92 01 30 61 62 63"},

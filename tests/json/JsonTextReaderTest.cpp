@@ -88,8 +88,7 @@ TEST(JsonTextReader, ReportsARootElementNameAroundTheValue) {
 TEST(JsonTextReader, ResolvesEscapes) {
   EXPECT_WIDE_EQ(L"('\"\\/\b\f\n\r\tA\u00e9' )", Events(L"\"\\\"\\\\\\/\\b\\f\\n\\r\\t\\u0041\\u00E9\""));
   const struct {
-    const wchar_t* json;
-    const wchar_t* text;
+    const wchar_t *json, *text;
   } kRows[] = {
       {L"\\uD83D\\uDE00", L"\U0001F600"}, {L"\\ud83d", L"\uFFFD"},
       {L"\\ud83dx", L"\uFFFDx"},          {L"\\ude00\\ud83d", L"\uFFFD\uFFFD"},

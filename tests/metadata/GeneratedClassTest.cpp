@@ -103,8 +103,7 @@ TEST_F(GeneratedClassTest, PrimitivesHonourFacetsDefaultsAndNil) {
     return std::wstring(L"<r xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\">") + element + L"</r>";
   };
   const struct {
-    std::wstring xml;
-    std::wstring outcome;
+    std::wstring xml, outcome;
   } rows[] = {
       {L"<r><a/><e/></r>", L"<r><a/><e/></r>"},  // a default is written as an empty element
       {L"<r><a> 5 </a><e>red</e></r>", L"<r><a/><e>red</e></r>"},
@@ -319,10 +318,7 @@ TEST_F(GeneratedClassTest, MistakesInRecordsAreTold) {
 
 TEST(ElementInfoTest, WildcardNamespaceFollowsTheConstraint) {
   const struct {
-    const wchar_t* constraint;
-    const wchar_t* defaultNs;
-    const wchar_t* targetNs;
-    const wchar_t* result;
+    const wchar_t *constraint, *defaultNs, *targetNs, *result;
   } rows[] = {
       {L"##any", L"d", L"t", L"d"},
       {L"##other", L"", L"t", L"DefaultNamespace"},
@@ -339,9 +335,7 @@ TEST(ElementInfoTest, WildcardNamespaceFollowsTheConstraint) {
 
 TEST(ClassFactoryTest, TellsTheTypeThatAnElementNames) {
   const struct {
-    const wchar_t* xml;
-    const wchar_t* type;
-    const wchar_t* ns;
+    const wchar_t *xml, *type, *ns;
   } rows[] = {
       {L"<e xmlns='urn:e' xmlns:p='urn:p' i:type='p:Derived' xmlns:i='http://www.w3.org/2001/XMLSchema-instance'/>",
        L"Derived", L"urn:p"},

@@ -69,8 +69,7 @@ TEST(Encoder, EveryCharacterSurvivesEachForm) {
 
 TEST(Encoder, IllFormedUtf8BecomesOneReplacementForEachLongestPrefix) {
   const struct {
-    const wchar_t* hex;
-    const wchar_t* text;
+    const wchar_t *hex, *text;
   } kCases[] = {{L"61FF62", L"a\uFFFDb"},
                 {L"C080", L"\uFFFD\uFFFD"},                  // overlong
                 {L"E08080", L"\uFFFD\uFFFD\uFFFD"},          // overlong

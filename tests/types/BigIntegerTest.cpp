@@ -34,8 +34,7 @@ std::wstring Digits(std::mt19937& random, std::size_t count) {
 
 TEST(BigInteger, ParsesLenientlyFromTheRight) {
   const struct {
-    const wchar_t* text;
-    const wchar_t* value;
+    const wchar_t *text, *value;
   } cases[] = {
       {L" -00120 ", L"-120"}, {L"0", L"0"},      {L"-0", L"0"},   {L"+7", L"7"},  {L"+12", L"12"},  {L"", L"0"},
       {L"   ", L"0"},         {L"1-2", L"2"},  // what stands left of a non-digit does not count

@@ -30,8 +30,7 @@ TEST(BinaryData, ReadsAndPrintsHexDigits) {
 
 TEST(BinaryData, ReadsAndPrintsBase64) {
   const struct {
-    const wchar_t* hex;
-    const wchar_t* base64;
+    const wchar_t *hex, *base64;
   } kCases[] = {{L"", L""},         {L"4D616E", L"TWFu"},           {L"4D", L"TQ=="},
                 {L"4D61", L"TWE="}, {L"FBEFBEFFFFFF", L"++++////"}, {L"00FF10", L"AP8Q"}};
   for (const auto& c : kCases) {

@@ -314,9 +314,7 @@ TEST(DateTime, DifferencesCountFromUtcAndUndoAdditions) {
 }
 
 TEST(DateTime, TimesOfTheSystemClockRoundTripInEveryZoneOfTheProcess) {
-  for (const long t : {0L, 951782400L, -62135596800L, 253402300799L, 1L << 31}) {
-    EXPECT_EQ(t, CDateTime(t).GetTime());
-  }
+  for (const long t : {0L, 951782400L, -62135596800L, 253402300799L, 1L << 31}) EXPECT_EQ(t, CDateTime(t).GetTime());
   EXPECT_WIDE_EQ(L"2000-02-29T00:00:00", CDateTime(951782400L).ToString());
   EXPECT_EQ(951782400L - 3600, DateTime(L"2000-02-29T00:00:00+01:00").GetTime());
   CDateTime value(2000, 1, 1);

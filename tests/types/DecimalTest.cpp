@@ -18,8 +18,7 @@ CDecimal Dec(const wchar_t* text) { return CDecimal(text); }
 TEST(Decimal, ParsesAndPrintsWithoutTrailingZeros) {
   const std::wstring digits30 = L"123456789012345678901234567890";
   const struct {
-    std::wstring text;
-    std::wstring value;
+    std::wstring text, value;
   } cases[] = {
       {L"1.50", L"1.5"},
       {L"0.05", L"0.05"},

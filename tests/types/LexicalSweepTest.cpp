@@ -77,9 +77,8 @@ TEST(LexicalSweep, Numbers) {
 TEST(LexicalSweep, DatesAndDurations) {
   Sweep date, time, duration;
   ForEachText(L"-:TZ019P", 5, [&](const std::wstring& text) {
-    for (const wchar_t* prefix : {L"", L"2000-", L"2000-02-", L"2000-02-29"}) {
+    for (const wchar_t* prefix : {L"", L"2000-", L"2000-02-", L"2000-02-29"})
       date.Try<ItemType_date>(prefix + text, {L"Invalid ", L"Failed to copy CDateTime. Invalid Date Type: "});
-    }
     for (const wchar_t* prefix : {L"", L"10:5", L"10:59:59"}) time.Try<ItemType_time>(prefix + text, {L"Invalid "});
     for (const wchar_t* suffix : {L"", L"M", L"S", L".1S"})
       duration.Try<ItemType_duration>(text + suffix,

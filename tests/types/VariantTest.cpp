@@ -22,8 +22,7 @@ class CProbe : public CElement {
 
 const struct {
   ItemType type;
-  const wchar_t* name;
-  const wchar_t* text;
+  const wchar_t *name, *text;
 } kKinds[] = {
     {ItemType_hexBinary, L"hexBinary", L"00AB"},
     {ItemType_base64Binary, L"base64Binary", L"TWFu"},

@@ -7,8 +7,7 @@ using namespace RkXmlLib16;
 TEST(Whitespace, RulesChangeOnlyTheFourXmlCharacters) {
   const struct {
     CWhitespaceUtils::WhitespaceRule rule;
-    const wchar_t* text;
-    const wchar_t* expected;
+    const wchar_t *text, *expected;
   } cases[] = {
       {CWhitespaceUtils::none, L" a\t\nb ", L" a\t\nb "},
       {CWhitespaceUtils::preserve, L" a\t\nb ", L" a\t\nb "},

@@ -22,8 +22,7 @@ std::wstring Rewritten(const wchar_t* text, const CSerializationContext& context
 
 TEST(Element, WritesTheInfosetThatItRead) {
   const struct {
-    const wchar_t* read;
-    const wchar_t* written;
+    const wchar_t *read, *written;
   } kRows[] = {
       {L"<a/>", L"<a/>"},
       {L"<a x='1' y='&quot;&amp;'>t &lt; u</a>", L"<a x=\"1\" y=\"&quot;&amp;\">t &lt; u</a>"},

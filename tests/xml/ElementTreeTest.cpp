@@ -66,8 +66,7 @@ TEST(ElementTree, PathsUseAliasesAndPositions) {
   document.AddNamespaceAlias(L"q", L"urn:p");
   document.AddNamespaceAlias(L"", L"urn:default");
   const struct {
-    const wchar_t* uri;
-    const wchar_t* path;
+    const wchar_t *uri, *path;
   } rows[] = {{L"", L"/order/item[1]"},
               {L"urn:p", L"/order/p:item[1]"},
               {L"urn:default", L"/order/item[2]"},
@@ -100,10 +99,8 @@ TEST(ElementTree, PathsUseAliasesAndPositions) {
 TEST(ElementTree, KnowsTheAttributesOfTheNamespaceMachinery) {
   const wchar_t* const xmlns = L"http://www.w3.org/2000/xmlns/";
   const struct {
-    const wchar_t* name;
-    const wchar_t* uri;
-    bool isNamespace;
-    bool isNil;
+    const wchar_t *name, *uri;
+    bool isNamespace, isNil;
   } rows[] = {{L"type", kXsi, true, false},   {L"schemaLocation", kXsi, true, false},
               {L"xmlns", xmlns, true, false}, {L"noNamespaceSchemaLocation", kXsi, true, false},
               {L"nil", kXsi, false, true},    {L"nil", xmlns, false, true},

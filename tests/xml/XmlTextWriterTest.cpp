@@ -59,9 +59,7 @@ TEST(XmlTextWriter, WritesTheDeclarationForTheEncoding) {
 
 TEST(XmlTextWriter, EscapesTextAndAttributes) {
   const struct {
-    const wchar_t* value;
-    const wchar_t* text;
-    const wchar_t* attribute;
+    const wchar_t *value, *text, *attribute;
   } rows[] = {
       {L"a & b < c > d", L"a &amp; b &lt; c &gt; d", L"a &amp; b &lt; c &gt; d"},
       {L"\"it's\"", L"\"it's\"", L"&quot;it's&quot;"},
