@@ -115,4 +115,23 @@ TEST_P(FormMatrix, SmallObjectsAndHardTextsArriveAsTheyWere) {
 INSTANTIATE_TEST_SUITE_P(Roads, FormMatrix, testing::ValuesIn(kRoads),
                          [](const auto& road) { return "Road" + std::to_string(road.index); });
 
+// Default output is no JSON text for every content; where it is, objects arrive by it too.
+TEST(DefaultJson, BringsCollectionsOfObjects) {
+  CSerializationContext context;
+  context.SetDefaultNamespaceURI(L"http://www.topografix.com/GPX/1/1");
+  Gpx::CGpxType from;
+  from.FromXml(
+      L"<gpx xmlns='http://www.topografix.com/GPX/1/1' version='1.1' creator='&lt;x>'><trk><name>\u20AC</name>"
+      L"<trkseg><trkpt lat='1' lon='2'/><trkpt lat='2' lon='3'><ele>5</ele></trkpt></trkseg></trk></gpx>");
+  for (const JsonRoundTrip mode : {JsonRoundTrip_Markers, JsonRoundTrip_Namespaces}) {
+    context.GetJsonContext()->SetSupportRoundtrip(mode);
+    const std::wstring json = from.ToJson(false, EOLType_LF, context);
+    EXPECT_NE(std::wstring::npos,
+              json.find(L"\"trkpt\": [{\"@lat\": 1,\"@lon\": 2},{\"@lat\": 2,\"@lon\": 3,\"ele\": 5}]"));
+    Gpx::CGpxType to;
+    to.FromJson(json.c_str(), context);
+    EXPECT_EQ(Bytes(from.ToXmlStream()), Bytes(to.ToXmlStream()));
+  }
+}
+
 }  // namespace
