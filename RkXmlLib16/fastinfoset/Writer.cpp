@@ -21,6 +21,7 @@ namespace {
 constexpr std::size_t kFlushLength = 16384;
 constexpr unsigned char kNoAddBit = 0;
 constexpr std::size_t kShortText = 64;
+constexpr std::size_t kFewBindings = 16;  // up to so many are searched one by one
 
 // A restricted alphabet and where its characters, which are ASCII, stand in it.
 struct Alphabet {
@@ -294,6 +295,10 @@ const CFastInfosetWriter::ScopedNamespace& CFastInfosetWriter::Remember(ScopeCac
 }
 
 const CFastInfosetWriter::Binding* CFastInfosetWriter::FindBinding(std::wstring_view prefix) const {
+  if (!m_innermost.empty()) {
+    const auto found = m_innermost.find(prefix);
+    return found != m_innermost.end() ? found->second : nullptr;
+  }
   const auto found = std::find_if(m_bindings.rbegin(), m_bindings.rend(),
                                   [prefix](const Binding& binding) { return binding.prefix == prefix; });
   return found == m_bindings.rend() ? nullptr : &*found;
@@ -310,7 +315,29 @@ void CFastInfosetWriter::Declare(const std::wstring& prefix, const std::wstring&
   if (!namespaceUri.empty()) IdentifyingStringOrIndexBit1(namespaceUri, m_vocabulary.GetNamespaceNamesTable());
   m_octets.swap(m_declarations);
   m_bindings.push_back({prefix, namespaceUri, m_openElements});
+  if (!m_innermost.empty()) {
+    AddToIndex(m_bindings.back());
+  } else if (m_bindings.size() > kFewBindings) {
+    for (Binding& binding : m_bindings) AddToIndex(binding);
+  }
   ChangeScope();
+}
+
+void CFastInfosetWriter::AddToIndex(Binding& binding) {
+  const auto [at, isNew] = m_innermost.try_emplace(binding.prefix, &binding);
+  if (isNew) return;
+  binding.hidden = at->second;
+  at->second = &binding;
+}
+
+void CFastInfosetWriter::RemoveLastBinding() {
+  const Binding& binding = m_bindings.back();
+  const auto found = m_innermost.find(binding.prefix);
+  if (found != m_innermost.end() && found->second == &binding) {
+    found->second = binding.hidden;
+    if (found->second == nullptr) m_innermost.erase(found);
+  }
+  m_bindings.pop_back();
 }
 
 // The scope is that of the open element from now on, and what was resolved before may differ.
@@ -323,7 +350,7 @@ void CFastInfosetWriter::ChangeScope() {
 void CFastInfosetWriter::LeaveScope() {
   if (m_ownScopes.empty() || m_ownScopes.back() != m_openElements) return;
   m_ownScopes.pop_back();
-  while (!m_bindings.empty() && m_bindings.back().element == m_openElements) m_bindings.pop_back();
+  while (!m_bindings.empty() && m_bindings.back().element == m_openElements) RemoveLastBinding();
   m_elementScope.clear();
   m_attributeScope.clear();
 }

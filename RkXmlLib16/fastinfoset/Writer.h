@@ -3,8 +3,10 @@
 
 #include <array>
 #include <cstddef>
+#include <deque>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "RkXmlLib16/core/Enumerations.h"
@@ -102,6 +104,7 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
     std::wstring prefix;
     std::wstring uri;
     std::size_t element;
+    Binding* hidden = nullptr;  // another one of the prefix, when there is an index
   };
   using ScopeCache = std::vector<ScopedNamespace>;
   // A name that was written as an index, to be found again without the tables.
@@ -121,6 +124,8 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
   std::wstring FindPrefix(const std::wstring& namespaceUri);
   const ScopedNamespace& Remember(ScopeCache& cache, const std::wstring& namespaceUri, std::wstring prefix);
   const Binding* FindBinding(std::wstring_view prefix) const;
+  void AddToIndex(Binding& binding);
+  void RemoveLastBinding();
   void Declare(const std::wstring& prefix, const std::wstring& namespaceUri);
   void ChangeScope();
   void LeaveScope();
@@ -146,7 +151,8 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
   bool m_hasAttributes = false;               // of the pending start tag
   bool m_terminatorOwed = false;
   std::size_t m_openElements = 0;
-  std::vector<Binding> m_bindings;       // innermost last
+  std::deque<Binding> m_bindings;                               // innermost last
+  std::unordered_map<std::wstring_view, Binding*> m_innermost;  // index of the bindings; empty while they are few
   std::vector<std::size_t> m_ownScopes;  // the open elements whose scope is not their parent's, by number
   ScopeCache m_elementScope;             // what was resolved in the present scope
   ScopeCache m_attributeScope;

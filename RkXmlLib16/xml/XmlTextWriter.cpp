@@ -232,7 +232,7 @@ void CXmlTextWriter::WriteEndElement() {
 }
 
 std::size_t CXmlTextWriter::IndentLength(std::int64_t depth) const {
-  return m_indentChars.size() * static_cast<std::size_t>(depth);
+  return m_format ? m_indentChars.size() * static_cast<std::size_t>(depth) : 0;
 }
 
 wchar_t* CXmlTextWriter::PutIndent(wchar_t* to, std::int64_t depth) const {

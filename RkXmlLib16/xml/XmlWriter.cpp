@@ -1,9 +1,11 @@
 #include "RkXmlLib16/xml/XmlWriter.h"
 
-#include <algorithm>
 #include <cstddef>
+#include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 #include <utility>
+#include <vector>
 
 #include "RkXmlLib16/core/Exception.h"
 
@@ -11,32 +13,94 @@ namespace RkXmlLib16 {
 
 namespace {
 
-// Up to so many declarations of one element are searched one by one for a prefix.
+using Declaration = CXmlWriter::NamespaceMap::value_type;
+
+// Beyond so many scopes inside each other, or declarations in one of them, an index finds what is in effect.
+constexpr int kFewScopes = 16;
 constexpr std::size_t kFewDeclarations = 8;
+
+// The declarations of a scope and all around it. Scopes leave in the reverse order of their coming.
+class DeclarationIndex {
+ public:
+  const Declaration* Find(const std::wstring& namespaceUri) const {
+    const auto found = m_declarations.find(namespaceUri);
+    return found != m_declarations.end() ? found->second.back() : nullptr;
+  }
+
+  bool HasPrefix(const std::wstring& prefix) const {
+    const auto found = m_prefixes.find(prefix);
+    return found != m_prefixes.end() && found->second > 0;
+  }
+
+  // A failure adds nothing.
+  void Add(const Declaration& declaration) {
+    long& count = m_prefixes[declaration.second];
+    const auto [at, isNew] = m_declarations.try_emplace(declaration.first, 1, &declaration);
+    if (!isNew) {
+      at->second.push_back(&declaration);
+      Count(at->second.end()[-2]->second, -1);
+    }
+    ++count;
+  }
+
+  void Remove(const Declaration& declaration) noexcept {
+    const auto found = m_declarations.find(declaration.first);
+    if (found == m_declarations.end() || found->second.back() != &declaration) return;
+    Count(declaration.second, -1);
+    found->second.pop_back();
+    if (found->second.empty())
+      m_declarations.erase(found);
+    else
+      Count(found->second.back()->second, 1);
+  }
+
+ private:
+  // The prefix stays known when nothing has it any more, so that it can come back without failing.
+  void Count(const std::wstring& prefix, long more) noexcept {
+    const auto found = m_prefixes.find(prefix);
+    if (found != m_prefixes.end()) found->second += more;
+  }
+
+  std::unordered_map<std::wstring_view, std::vector<const Declaration*>> m_declarations;  // the one in effect last
+  std::unordered_map<std::wstring, long> m_prefixes;  // for how many namespaces a prefix is in effect
+};
 
 }  // namespace
 
 // The declarations made in one element, on top of those around it. Only what is declared here is stored, so that a
 // scope costs what it declares however much is in effect around it.
 struct CXmlWriter::CXmlWriterContext::Scope {
+  Scope() = default;
+  Scope(const Scope&) = delete;
+  Scope& operator=(const Scope&) = delete;
+  ~Scope() { LeaveIndex(); }
+
   void Open(const Scope* around) {
     outer = around;
+    level = around != nullptr ? around->level + 1 : 0;
+    index = around != nullptr ? around->index : nullptr;
     firstFree = around != nullptr ? around->firstFree : 0;
-    plain = around == nullptr || around->plain;
+    givenAway = around != nullptr && around->givenAway;
     if (around != nullptr) defaultNamespace = around->defaultNamespace;
+    if (level == kFewScopes && index == nullptr) BuildIndex();
   }
 
   // Empties the scope and keeps its storage for another element.
   void Close() noexcept {
+    LeaveIndex();
     spare.merge(declared);
     declared.clear();
-    prefixes.clear();
     lastFound = nullptr;
     merged.reset();
   }
 
-  const NamespaceMap::value_type* Find(const std::wstring& namespaceUri) const {
+  const Declaration* Find(const std::wstring& namespaceUri) const {
     if (lastFound != nullptr && lastFound->first == namespaceUri) return lastFound;
+    if (index != nullptr) {
+      const Declaration* const found = index->Find(namespaceUri);
+      if (found != nullptr) lastFound = found;
+      return found;
+    }
     for (const Scope* scope = this; scope != nullptr; scope = scope->outer) {
       const auto found = scope->declared.find(namespaceUri);
       if (found != scope->declared.end()) return lastFound = &*found;
@@ -45,20 +109,26 @@ struct CXmlWriter::CXmlWriterContext::Scope {
   }
 
   void Declare(const std::wstring& namespaceUri, const std::wstring& prefix) {
-    const NamespaceMap::value_type* former = Find(namespaceUri);
-    if (former != nullptr && !former->second.empty() && former->second != prefix) plain = false;
+    const Declaration* const former = Find(namespaceUri);
+    const std::wstring formerPrefix = former != nullptr ? former->second : std::wstring();
+    const auto own = declared.find(namespaceUri);
     lastFound = nullptr;
     merged.reset();
-    Store(namespaceUri, prefix);
-    if (declared.size() <= kFewDeclarations) return;
-    if (prefixes.empty())
-      for (const auto& entry : declared) prefixes.insert(entry.second);
-    prefixes.insert(prefix);
+    if (own != declared.end()) {
+      if (index != nullptr) index->Remove(*own);
+      own->second = prefix;
+      if (index != nullptr) index->Add(*own);
+    } else {
+      const Declaration& added = Store(namespaceUri, prefix);
+      if (index != nullptr) index->Add(added);
+    }
+    if (index == nullptr && declared.size() > kFewDeclarations) BuildIndex();
+    if (!formerPrefix.empty() && formerPrefix != prefix) firstFree = 0;
   }
 
   const NamespaceMap& Merged() const {
     if (outer == nullptr) return declared;
-    if (merged != nullptr && plain) return *merged;
+    if (merged != nullptr && !givenAway) return *merged;
     auto all = std::make_unique<NamespaceMap>();
     for (const Scope* scope = this; scope != nullptr; scope = scope->outer)
       all->insert(scope->declared.begin(), scope->declared.end());
@@ -66,53 +136,69 @@ struct CXmlWriter::CXmlWriterContext::Scope {
     return *merged;
   }
 
+  // Whether a namespace has the prefix, which another one of that namespace may have replaced.
   bool HasPrefix(const std::wstring& prefix) const {
-    const auto among = [&](const NamespaceMap& map) {
-      return std::any_of(map.begin(), map.end(), [&](const auto& entry) { return entry.second == prefix; });
-    };
-    if (!plain) return among(Merged());
-    for (const Scope* scope = this; scope != nullptr; scope = scope->outer)
-      if (scope->prefixes.empty() ? among(scope->declared) : scope->prefixes.count(prefix) != 0) return true;
+    if (index != nullptr) return index->HasPrefix(prefix);
+    for (const Scope* scope = this; scope != nullptr; scope = scope->outer) {
+      for (const Declaration& declaration : scope->declared)
+        if (declaration.second == prefix && Find(declaration.first) == &declaration) return true;
+    }
     return false;
   }
 
   // `reserved` is not taken either.
   std::wstring UniquePrefix(const std::wstring& reserved) {
-    if (!plain) {
-      NamespaceMap namespaces = Merged();
-      namespaces[L"xmlns:" + reserved] = reserved;
-      return GetUniquePrefix(namespaces);
-    }
     std::wstring prefix = NsIntToString(firstFree);
-    while (prefix == reserved || HasPrefix(prefix)) prefix = NsIntToString(++firstFree);
+    while (HasPrefix(prefix)) prefix = NsIntToString(++firstFree);
+    for (int n = firstFree; prefix == reserved || HasPrefix(prefix);) prefix = NsIntToString(++n);
     return prefix;
+  }
+
+  // The caller may change the prefixes of this scope from now on.
+  void GiveAway() noexcept {
+    LeaveIndex();
+    firstFree = 0;
+    givenAway = true;
   }
 
   const Scope* outer = nullptr;
   std::wstring defaultNamespace;
   NamespaceMap declared;
-  std::unordered_set<std::wstring> prefixes;  // those of `declared`, once there are more than a few
-  int firstFree = 0;                          // all invented prefixes before this one are in use
-  // Nothing in effect has replaced a prefix, so every prefix in the chain of scopes is in effect too.
-  bool plain = true;
-  NamespaceMap spare;  // entries to use again
-  mutable const NamespaceMap::value_type* lastFound = nullptr;
-  mutable std::unique_ptr<NamespaceMap> merged;
+  int firstFree = 0;  // all invented prefixes before this one are in use
 
  private:
-  void Store(const std::wstring& namespaceUri, const std::wstring& prefix) {
-    const auto known = declared.find(namespaceUri);
-    if (known != declared.end()) {
-      known->second = prefix;
-    } else if (spare.empty()) {
-      declared.emplace(namespaceUri, prefix);
-    } else {
-      NamespaceMap::node_type entry = spare.extract(spare.begin());
-      entry.key() = namespaceUri;
-      entry.mapped() = prefix;
-      declared.insert(std::move(entry));
-    }
+  void BuildIndex() {
+    auto built = std::make_unique<DeclarationIndex>();
+    std::vector<const Scope*> scopes;
+    for (const Scope* scope = this; scope != nullptr; scope = scope->outer) scopes.push_back(scope);
+    for (auto scope = scopes.rbegin(); scope != scopes.rend(); ++scope)
+      for (const Declaration& declaration : (*scope)->declared) built->Add(declaration);
+    ownIndex = std::move(built);
+    index = ownIndex.get();
   }
+
+  void LeaveIndex() noexcept {
+    if (index != nullptr && ownIndex == nullptr)
+      for (const Declaration& declaration : declared) index->Remove(declaration);
+    index = nullptr;
+    ownIndex.reset();
+  }
+
+  const Declaration& Store(const std::wstring& namespaceUri, const std::wstring& prefix) {
+    if (spare.empty()) return *declared.emplace(namespaceUri, prefix).first;
+    NamespaceMap::node_type entry = spare.extract(spare.begin());
+    entry.key() = namespaceUri;
+    entry.mapped() = prefix;
+    return *declared.insert(std::move(entry)).position;
+  }
+
+  int level = 0;
+  bool givenAway = false;
+  NamespaceMap spare;                          // entries to use again
+  DeclarationIndex* index = nullptr;           // null while a search is quick
+  std::unique_ptr<DeclarationIndex> ownIndex;  // the same where it begins
+  mutable const Declaration* lastFound = nullptr;
+  mutable std::unique_ptr<NamespaceMap> merged;
 };
 
 CXmlWriter::CXmlWriterContext::CXmlWriterContext(const std::wstring& localName, const std::wstring& namespaceUri,
@@ -136,6 +222,7 @@ CXmlWriter::CXmlWriterContext::CXmlWriterContext(const std::wstring& localName, 
       m_scope(m_parent->m_scope) {}
 
 CXmlWriter::CXmlWriterContext::~CXmlWriterContext() {
+  m_ownScope.reset();  // before those around it
   while (m_parent != nullptr) m_parent = std::move(m_parent->m_parent);
 }
 
@@ -162,14 +249,11 @@ void CXmlWriter::CXmlWriterContext::SetNamespaceMapValue(const std::wstring& nam
 }
 
 std::wstring& CXmlWriter::CXmlWriterContext::GetNamespaceMapValue(const std::wstring& namespaceUri) {
-  const auto own = m_scope->declared.find(namespaceUri);
-  if (own != m_scope->declared.end()) {
-    m_scope->plain = false;  // the caller may change it
-    return own->second;
+  if (m_scope->declared.count(namespaceUri) == 0) {
+    const Declaration* const found = m_scope->Find(namespaceUri);
+    m_scope->Declare(namespaceUri, found != nullptr ? found->second : std::wstring());
   }
-  const NamespaceMap::value_type* found = m_scope->Find(namespaceUri);
-  m_scope->Declare(namespaceUri, found != nullptr ? found->second : std::wstring());
-  m_scope->plain = false;
+  m_scope->GiveAway();
   return m_scope->declared.find(namespaceUri)->second;
 }
 
@@ -178,7 +262,7 @@ std::wstring& CXmlWriter::CXmlWriterContext::GetNamespaceMapValue(const wchar_t*
 }
 
 const std::wstring* CXmlWriter::CXmlWriterContext::FindPrefix(const std::wstring& namespaceUri) const {
-  const NamespaceMap::value_type* found = m_scope->Find(namespaceUri);
+  const Declaration* const found = m_scope->Find(namespaceUri);
   return found != nullptr ? &found->second : nullptr;
 }
 

@@ -1,6 +1,9 @@
 #include "RkXmlLib16/xml/XmlTextWriter.h"
 
+#include <algorithm>
 #include <functional>
+#include <random>
+#include <vector>
 
 #include "Expect.h"
 #include "support/Replay.h"
@@ -223,6 +226,50 @@ TEST(XmlWriterContext, ScopesShareAndShadowDeclarations) {
   leaf.SetNamespaceMapValue(L"u3", L"AB");
   EXPECT_WIDE_EQ(L"AA", leaf.InventPrefix(L"u4"));
   EXPECT_WIDE_EQ(L"AC", leaf.InventPrefix(L"u5"));
+}
+
+// Hundreds of scopes and declarations in one, against a map for each scope.
+TEST(XmlWriterContext, ManyScopesDeclareWhatOneMapWould) {
+  using Context = CXmlWriter::CXmlWriterContext;
+  std::mt19937 random(1);
+  const auto choose = [&](unsigned count) { return std::to_wstring(random() % count); };
+  const auto hasPrefix = [](const CXmlWriter::NamespaceMap& map, const std::wstring& prefix) {
+    return std::any_of(map.begin(), map.end(), [&](const auto& entry) { return entry.second == prefix; });
+  };
+  auto context = std::make_unique<Context>(L"r", L"", L"", CXmlWriter::NamespaceMap{}, nullptr);
+  std::vector<CXmlWriter::NamespaceMap> scopes(1);
+  for (int step = 0; step < 5000; ++step) {
+    CXmlWriter::NamespaceMap& scope = scopes.back();
+    const std::wstring uri = L"u" + choose(300);
+    const std::wstring prefix =
+        random() % 2 == 0 ? L"p" + choose(50) : CXmlWriter::NsIntToString(static_cast<int>(random() % 50));
+    const auto action = step / 500 % 2 == 0 ? random() % 6 : random() % 7;  // grows, then stays or shrinks
+    if (action < 2) {
+      context = std::make_unique<Context>(L"e", L"", std::move(context));
+      scopes.emplace_back(scopes.back());
+    } else if (action == 2) {
+      context->SetNamespaceMapValue(uri, prefix);
+      scope[uri] = prefix;
+    } else if (action == 3) {
+      const std::wstring expected = CXmlWriter::GetUniquePrefix(scope);
+      ASSERT_EQ(expected, context->InventPrefix(uri));
+      scope[uri] = expected;
+    } else if (action == 4 && random() % 50 == 0) {
+      context->SetNamespaceMapValue(uri, L"x");  // in this scope, whose text may be changed then
+      context->GetNamespaceMapValue(uri) = prefix;
+      scope[uri] = prefix;
+    } else if (action >= 5 && scopes.size() > 1) {
+      context = std::move(context->m_parent);
+      scopes.pop_back();
+    }
+    const std::wstring* const found = context->FindPrefix(uri);
+    const auto known = scopes.back().find(uri);
+    ASSERT_EQ(known != scopes.back().end(), found != nullptr) << step;
+    if (found != nullptr) {
+      ASSERT_EQ(known->second, *found) << step;
+    }
+    ASSERT_EQ(hasPrefix(scopes.back(), prefix), context->HasPrefix(prefix)) << step;
+  }
 }
 
 }  // namespace
