@@ -198,6 +198,7 @@ CFastInfosetBinaryData& CFastInfosetBinaryData::operator=(const CFastInfosetBina
 CFastInfosetBinaryData::~CFastInfosetBinaryData() = default;
 
 void CFastInfosetBinaryData::SetAsEncodedString(unsigned long algorithm, const wchar_t* text) {
+  if (text == nullptr) text = L"";
   Octets octets;
   switch (algorithm) {
     case FIEncodingAlgorithm_Hexadecimal:

@@ -68,6 +68,10 @@ bool AppendPacked(const Alphabet& alphabet, std::wstring_view text, std::vector<
   return true;
 }
 
+[[noreturn]] void ThrowNotInAlphabet() {
+  throw CRkException(L"Failed to write FastInfoset. Invalid character not found for Restricted Alphabet.");
+}
+
 std::size_t SlotOf(std::wstring_view name, std::size_t slots) {
   if (name.empty()) return 0;
   const auto mix = static_cast<std::size_t>(name.front()) * 5 + static_cast<std::size_t>(name.back()) * 3;
@@ -179,7 +183,10 @@ void CFastInfosetWriter::WriteElement() {
 }
 
 void CFastInfosetWriter::WriteString(const std::wstring& text, ItemType type) {
-  if (m_context == nullptr) return;
+  if (m_context == nullptr) {
+    if (text.empty()) return;
+    throw CRkException(L"Text must be written inside an Element.");
+  }
   WriteElement();
   if (text.empty()) return;
   FlushTerminator();
@@ -201,7 +208,7 @@ void CFastInfosetWriter::WriteTextElement(const std::wstring& localName, const s
 }
 
 void CFastInfosetWriter::WriteEndElement() {
-  if (m_context == nullptr) return;
+  if (m_context == nullptr) throw CRkException(L"There is no open Element to end.");
   WriteElement();
   WriteTerminator();
   LeaveScope();
@@ -449,6 +456,8 @@ EncodedCharacterString CFastInfosetWriter::ChooseEncoding(std::wstring_view text
   m_typedOctets.clear();
   if (wanted.m_encoding == FIStringEncoding_RestrictedAlphabet) {
     isExact = AppendPacked(FindAlphabet(wanted.m_index), text, m_typedOctets);
+    // Dates may have a fraction or an offset, which their alphabet lacks; what the numeric one lacks is in no number.
+    if (!isExact && wanted.m_index == FIRestrictedAlphabet_Numeric) ThrowNotInAlphabet();
   } else if (wanted.m_encoding == FIStringEncoding_EncodingAlgorithm) {
     if (wanted.m_index < FIEncodingAlgorithm_Hexadecimal || wanted.m_index > FIEncodingAlgorithm_Cdata) {
       throw CRkException(FormatString(L"Failed to write FastInfoset. Invalid Encoding Algorithm value [%d]",
@@ -513,9 +522,7 @@ void CFastInfosetWriter::AppendRestrictedAlphabetString(unsigned long alphabetIn
   if (text.empty()) {
     throw CRkException(L"Failed to write FastInfoset. Unsupported Feature in AppendRestrictedAlphabetString.");
   }
-  if (!AppendPacked(alphabet, text, octets)) {
-    throw CRkException(L"Failed to write FastInfoset. Invalid character not found for Restricted Alphabet.");
-  }
+  if (!AppendPacked(alphabet, text, octets)) ThrowNotInAlphabet();
 }
 
 // Octets

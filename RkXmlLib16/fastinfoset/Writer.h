@@ -22,8 +22,8 @@ namespace FastInfoset {
 struct IntegerLayout;
 }
 
-// Writes one Fast Infoset document (ITU-T X.891). Comments, processing instructions, in-line schemas and text outside
-// the root element are accepted and not written.
+// Writes one Fast Infoset document (ITU-T X.891). Comments, processing instructions and in-line schemas are accepted
+// and not written.
 //
 //   CBinaryStream stream;
 //   CFastInfosetWriter writer(*ctx.GetFIContext(), stream);
@@ -52,9 +52,11 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
   void WritePI(const std::wstring& text) override;
   void WriteInlineSchema(const std::wstring& schemaText) override;
   void WriteStartElement(const std::wstring& localName, const std::wstring& namespaceUri) override;
-  // Throws CRkException "Failed to write FastInfoset. ..." when the settings ask for an encoding that does not exist.
-  // So does WriteAttributeString.
+  // Throws CRkException "Failed to write FastInfoset. ..." when the settings ask for an encoding that does not exist,
+  // or for the numeric alphabet, which lacks a character of the text. So does WriteAttributeString. Without an open
+  // element a text that is not empty throws CRkException.
   void WriteString(const std::wstring& text, ItemType type) override;
+  // Throws CRkException when no element is open.
   void WriteEndElement() override;
   void WriteAttributeString(const std::wstring& localName, const std::wstring& namespaceUri, const std::wstring& value,
                             ItemType type) override;

@@ -269,7 +269,6 @@ TEST(FastInfosetWriter, TypedValuesUnderTheSuggestedEncodings) {
       {ItemType_boolean, L"true", "70 50 38", "9C 14 38"},
       {ItemType_boolean, L"TRUE", "43 54 52 55 45", "92 01 54 52 55 45"},
       {ItemType_decimal, L"-1.5", "60 01 A1 C5", "98 01 A1 C5"},
-      {ItemType_decimal, L"1,5", "42 31 2C 35", "92 00 31 2C 35"},
       {ItemType_integer, L"12", "60 00 12", "98 00 12"},
       {ItemType_date, L"2003-01-05", "20 14 20 03 A0 1A 05", "88 06 02 20 03 A0 1A 05"},
       {ItemType_time, L"12:30:00Z", "20 14 12 B3 0B 00 DF", "88 06 02 12 B3 0B 00 DF"},
@@ -306,6 +305,11 @@ TEST(FastInfosetWriter, EncodingsThatCannotBeWritten) {
                    write(static_cast<FIStringEncoding>(9), 0, true));
   EXPECT_RK_THROWS(CRkException, L"Failed to write FastInfoset. Unknown encoding in EncodedCharacterStringBit7.",
                    write(static_cast<FIStringEncoding>(9), 0, false));
+  CFastInfosetContext suggested;
+  suggested.SetSuggestedValues();
+  for (const ItemType type : {ItemType_decimal, ItemType_integer, ItemType_unsignedLong})
+    EXPECT_RK_THROWS(CRkException, L"Failed to write FastInfoset. Invalid character not found for Restricted Alphabet.",
+                     Write(suggested, [type](CFastInfosetWriter& w) { WriteBoth(w, L"a", L"1,5", type); }));
   // cdata is for content only.
   EXPECT_EQ("E0 00 00 01 00 7C 00 61 78 00 62 41 31 32 FF F0",
             ToHex(write(FIStringEncoding_EncodingAlgorithm, FIEncodingAlgorithm_Cdata, true)));
@@ -330,7 +334,7 @@ TEST(FastInfosetWriter, OrderOfCalls) {
   ExpectOctets("3C 00 61 90 78 FF", [](auto& w) {
     w.WriteComment(L"c");
     w.WritePI(L"<?p?>");
-    Replay(w, L"'outside' <a");
+    Replay(w, L"'' <a");
     w.WriteComment(L"c");
     w.WriteInlineSchema(L"<s/>");
     Replay(w, L"'' 'x'");
@@ -341,6 +345,8 @@ TEST(FastInfosetWriter, OrderOfCalls) {
   const CFastInfosetContext context;
   CBinaryStream stream;
   CFastInfosetWriter w(context, stream);
+  EXPECT_THROW(w.WriteString(L"outside", ItemType_string), CRkException);
+  EXPECT_THROW(w.WriteEndElement(), CRkException);
   w.WriteStartElement(L"a", L"");
   EXPECT_RK_THROWS(CRkException, L"An Element has not been closed.", w.Close());
   w.WriteEndElement();
