@@ -82,9 +82,8 @@ void CJsonReaderDefaultHandler::ReadEndObject() {
 
 void CJsonReaderDefaultHandler::ReadStartArray() {
   BeginValue();
-  // An array that the inner handler refuses is not yet part of the path.
-  if (m_inner != nullptr) m_inner->ReadStartArray();
   Push(Kind::Array);
+  if (m_inner != nullptr) m_inner->ReadStartArray();
 }
 
 void CJsonReaderDefaultHandler::ReadEndArray() {

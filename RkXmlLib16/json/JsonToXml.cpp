@@ -65,7 +65,10 @@ void CJsonReaderToXmlHandler::ReadName(const std::wstring& name) {
   } else if (m_mode != JsonRoundTrip_Plain && name == L"#text") {
     m_target = Target::Text;
   } else {
-    if (!IsQName(name)) Fail(L"Failed to convert name '" + name + L"' to Element name in XML.");
+    // Without markers what would be one is a name like any other, although no XML parser takes it.
+    const bool isMarker = m_mode == JsonRoundTrip_Plain && (name == L"#text" || name[0] == L'@');
+    if (!IsQName(std::wstring_view(name).substr(isMarker ? 1 : 0)))
+      Fail(L"Failed to convert name '" + name + L"' to Element name in XML.");
     m_target = Target::Element;
   }
 }

@@ -135,9 +135,9 @@ TEST(JsonTextReader, MalformedTextFailsWithPlaceAndPath) {
       {L"{\"a\":fal\n", L"Expected 'false'", L"1, position 0", L".a"},
       {LR"({"a":{"":1}})", L"JSON item has an empty Name", nullptr, L".a."},
       {LR"({"a":{"@":1}})", L"JSON item has an empty Name", nullptr, L".a.@"},
-      {L"[1]", L"JSON Array has no Name", nullptr, L""},
-      {LR"({"a":[[1],[2]]})", L"JSON Array has no Name", nullptr, L".a[1]"},
-      {LR"({"a":{"#text":[1]}})", L"JSON Array has no Name", nullptr, L".a.#text"},
+      {L"[1]", L"JSON Array has no Name", nullptr, L"[0]"},
+      {LR"({"a":[[1],[2]]})", L"JSON Array has no Name", nullptr, L".a[1][0]"},
+      {LR"({"a":{"#text":[1]}})", L"JSON Array has no Name", nullptr, L".a.#text[0]"},
   };
   for (const auto& row : kRows) {
     SCOPED_TRACE(RkXmlTest::Narrow(row.json));
@@ -210,12 +210,13 @@ TEST(JsonTextReader, PlainValuesBeyondTheFirstAreTextIntended) {
   EXPECT_WIDE_EQ(L"<r><v>a</v>bc<e>1</e></r>", Flat(L"{\"r\":{\"v\":[\"a\",\"b\",null,\"c\"],\"e\":1}}"));
 }
 
-TEST(JsonTextReader, MarkersAreNamesInPlainMode) {
+TEST(JsonTextReader, MarkersAreNamesInPlainModeIntended) {
   const Settings plain{JsonRoundTrip_Plain};
-  EXPECT_RK_THROWS(CRkInvalidStateException, L"Failed to convert name '@a' to Element name in XML.\nPath: $.r.@a",
-                   Convert(L"{\"r\":{\"@a\":1}}", plain));
-  EXPECT_RK_THROWS(CRkInvalidStateException, L"Failed to convert name '#text' to Element name in XML.\nPath: $.r.#text",
-                   Convert(L"{\"r\":{\"#text\":1}}", plain));
+  EXPECT_WIDE_EQ(L"<r><@a>1</@a><#text>t</#text></r>", Flat(L"{\"r\":{\"@a\":1,\"#text\":\"t\"}}", plain));
+  for (const wchar_t* name : {L"@", L"@a b", L"@@a", L"#b", L"@a><b"})
+    EXPECT_RK_THROWS(CRkInvalidStateException,
+                     FormatString(L"Failed to convert name '%ls' to Element name in XML.\nPath: $.r.%ls", name, name),
+                     Convert(std::wstring(L"{\"r\":{\"") + name + L"\":1}}", plain));
   EXPECT_WIDE_EQ(L"<r a=\"1\">t</r>", Flat(L"{\"r\":{\"@a\":1,\"#text\":\"t\"}}", {JsonRoundTrip_Markers}));
 }
 
