@@ -241,7 +241,10 @@ void CXmlDocument::EndElement() {
   storage.open.pop_back();
   const bool reclaimable = storage.pinned <= storage.open.size();
   storage.pinned = std::min(storage.pinned, storage.open.size());
-  if (parent == nullptr) return;
+  if (parent == nullptr) {
+    m_filter(element);  // the document element stays, whatever the answer
+    return;
+  }
   const CArena::Mark nodes = storage.nodes.GetMark();
   const CArena::Mark texts = storage.texts.GetMark();
   if (!m_filter(element)) return;

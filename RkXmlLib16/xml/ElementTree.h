@@ -135,6 +135,7 @@ class CXmlAttributes {
 //                 |-> attributes
 class RKXML_EXPORT CXmlElement {
  public:
+  // Throws CRkInvalidParamException without a document.
   CXmlElement(const CXmlDocument* document, const CXmlElement* parent);
 
   CXmlElement* GetFirstElement() const noexcept { return m_firstChild; }
@@ -200,7 +201,7 @@ class RKXML_EXPORT CXmlElement {
 class RKXML_EXPORT CXmlDocument {
  public:
   // Called for each element when it ends; true drops the element with its subtree, so that a document of any size is
-  // read in bounded memory. Not asked of the document element.
+  // read in bounded memory. For the document element, which has no parent, the answer is ignored.
   using ElementFilter = bool (*)(CXmlElement*);
 
   CXmlDocument();
@@ -214,6 +215,10 @@ class RKXML_EXPORT CXmlDocument {
   // Empties the document; runs at the start of every load.
   virtual void Cleanup();
 
+  // The loads throw CRkException: for an empty or null input, for a file that cannot be opened or read (with its name
+  // and the error number), for what the reader of the form refuses, and "Limit exceeded: ..." by the limits of the
+  // context. What was read before a failure stays until the next load.
+
   // Byte input: unwraps gzip or zlib, then takes Fast Infoset by its header, else XML text.
   void Load(const wchar_t* fileName);
   void LoadXmlStream(unsigned char* bytes, unsigned long length);
@@ -223,7 +228,8 @@ class RKXML_EXPORT CXmlDocument {
   void LoadXml(const wchar_t* text);
   // XML text of this library's own making: like LoadXml, but characters above U+FFFF arrive whole (as surrogate pairs).
   void LoadXmlWide(std::wstring_view text);
-  // Convert JSON to XML text in UTF-8 without filling the tree. Files and streams may be wrapped and hold UTF-8.
+  // Convert JSON to XML text in UTF-8 without filling the tree. Files and streams may be wrapped and hold UTF-8. Throw
+  // also what CJsonTextReader::ConvertJsonToXml does.
   CBinaryData LoadJsonFile(const wchar_t* fileName);
   CBinaryData LoadJsonStream(unsigned char* bytes, unsigned long length);
   CBinaryData LoadJson(const char* text);
@@ -237,7 +243,8 @@ class RKXML_EXPORT CXmlDocument {
   const unsigned char* GetInput() const noexcept { return m_input; }
   std::size_t GetInputLength() const noexcept { return m_inputLength; }
 
-  // Building, by the readers: the new element becomes the current one until EndElement.
+  // Building, by the readers: the new element becomes the current one until EndElement. Throw CRkException for a second
+  // document element, for a child or an end without an open element, and by the limits of the context.
   CXmlElement* AddDocElement(const wchar_t* namespaceUri, const wchar_t* localName);
   CXmlElement* AddChildElement(const wchar_t* namespaceUri, const wchar_t* localName);
   void EndElement();

@@ -311,6 +311,7 @@ void CXmlWriter::WriteTextElement(const std::wstring& localName, const std::wstr
 }
 
 bool CXmlWriter::DeclareNamespace(const std::wstring& prefix, const std::wstring& namespaceUri) {
+  if (prefix.empty() || prefix == L"xmlns") return false;
   if (m_context != nullptr) {
     const std::wstring* known = m_context->FindPrefix(namespaceUri);
     if (known != nullptr && *known == prefix) return true;

@@ -110,8 +110,8 @@ class RKXML_EXPORT CXmlWriter {
                                 const std::wstring& text, ItemType type);
 
   // Declares the prefix on the open start tag, for values that use it, unless it is in scope already. False when the
-  // prefix is in scope for another namespace, which is left so. Writers see the declaration as an attribute of
-  // XMLNS_NAMESPACE that is named like the prefix.
+  // prefix is in scope for another namespace, which is left so, or cannot be declared (an empty one, "xmlns"). Writers
+  // see the declaration as an attribute of XMLNS_NAMESPACE that is named like the prefix.
   bool DeclareNamespace(const std::wstring& prefix, const std::wstring& namespaceUri);
   // Sets the state of the open element; without one it does nothing.
   void SetContextState(ContextState state);

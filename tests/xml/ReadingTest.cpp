@@ -314,12 +314,16 @@ TEST(Reading, FilterKeepsMemoryBounded) {
 #endif
 }
 
-TEST(Reading, FilterMayBuildAndIsNotAskedOfTheRoot) {
+TEST(Reading, FilterMayBuildAndCannotDropTheRoot) {
+  seen = 0;
   CXmlDocument document(+[](CXmlElement* element) {
-    element->GetParentElement()->AppendText(element->GetText().c_str());
+    ++seen;
+    CXmlElement* const parent = element->GetParentElement();
+    if (parent != nullptr) parent->AppendText(element->GetText().c_str());
     return true;
   });
   LoadBytes(document, "<a><b>1<c>2</c></b><d>3</d>4</a>");
+  EXPECT_EQ(4, seen);
   EXPECT_WIDE_EQ(L"a(1234)", Shown(document.GetDocumentElement()));
 }
 
