@@ -55,8 +55,9 @@ class RKXML_EXPORT CFastInfosetContext {
   ~CFastInfosetContext();
 
   // The encoding of the values of an ItemType; "none" for every type at first. A value is written through an alphabet
-  // or algorithm only where reading it back gives the same text, else as characters; a text that the numeric alphabet
-  // lacks a character of is an error. Both throw CRkInvalidParamException for an index that is no ItemType.
+  // or algorithm only where reading it back gives the same text, else as characters; but an integer or decimal with a
+  // character that the numeric alphabet lacks is an error. Both throw CRkInvalidParamException for an index that is no
+  // ItemType.
   const EncodedCharacterString& GetEncoding(int index) const;
   void SetEncoding(int index, EncodedCharacterString encoding);
   // Fills the table: algorithms for binary, integral, boolean and floating types, the numeric alphabet for the numbers

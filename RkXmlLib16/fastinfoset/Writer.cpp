@@ -78,6 +78,11 @@ std::size_t SlotOf(std::wstring_view name, std::size_t slots) {
   return (mix + name.length()) % slots;
 }
 
+bool IsDecimal(ItemType type) {
+  return (type >= ItemType_byte && type <= ItemType_unsignedLong) || type == ItemType_decimal ||
+         type == ItemType_integer;
+}
+
 bool IsFloating(const EncodedCharacterString& encoding) {
   return encoding.m_encoding == FIStringEncoding_EncodingAlgorithm &&
          (encoding.m_index == FIEncodingAlgorithm_Float || encoding.m_index == FIEncodingAlgorithm_Double);
@@ -456,8 +461,8 @@ EncodedCharacterString CFastInfosetWriter::ChooseEncoding(std::wstring_view text
   m_typedOctets.clear();
   if (wanted.m_encoding == FIStringEncoding_RestrictedAlphabet) {
     isExact = AppendPacked(FindAlphabet(wanted.m_index), text, m_typedOctets);
-    // Dates may have a fraction or an offset, which their alphabet lacks; what the numeric one lacks is in no number.
-    if (!isExact && wanted.m_index == FIRestrictedAlphabet_Numeric) ThrowNotInAlphabet();
+    // Dates may have a fraction, which their alphabet lacks; what the numeric one lacks is in no integer or decimal.
+    if (!isExact && wanted.m_index == FIRestrictedAlphabet_Numeric && IsDecimal(type)) ThrowNotInAlphabet();
   } else if (wanted.m_encoding == FIStringEncoding_EncodingAlgorithm) {
     if (wanted.m_index < FIEncodingAlgorithm_Hexadecimal || wanted.m_index > FIEncodingAlgorithm_Cdata) {
       throw CRkException(FormatString(L"Failed to write FastInfoset. Invalid Encoding Algorithm value [%d]",

@@ -53,8 +53,8 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
   void WriteInlineSchema(const std::wstring& schemaText) override;
   void WriteStartElement(const std::wstring& localName, const std::wstring& namespaceUri) override;
   // Throws CRkException "Failed to write FastInfoset. ..." when the settings ask for an encoding that does not exist,
-  // or for the numeric alphabet, which lacks a character of the text. So does WriteAttributeString. Without an open
-  // element a text that is not empty throws CRkException.
+  // or for the numeric alphabet when that lacks a character of an integer or decimal. So does WriteAttributeString.
+  // Without an open element a text that is not empty throws CRkException.
   void WriteString(const std::wstring& text, ItemType type) override;
   // Throws CRkException when no element is open.
   void WriteEndElement() override;

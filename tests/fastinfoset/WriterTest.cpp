@@ -310,6 +310,9 @@ TEST(FastInfosetWriter, EncodingsThatCannotBeWritten) {
   for (const ItemType type : {ItemType_decimal, ItemType_integer, ItemType_unsignedLong})
     EXPECT_RK_THROWS(CRkException, L"Failed to write FastInfoset. Invalid character not found for Restricted Alphabet.",
                      Write(suggested, [type](CFastInfosetWriter& w) { WriteBoth(w, L"a", L"1,5", type); }));
+  suggested.SetEncoding(ItemType_string, suggested.GetEncoding(ItemType_decimal));
+  ExpectOctets(
+      "7C 00 61 78 00 62 42 31 2C 35 F0 92 00 31 2C 35 FF", [](auto& w) { WriteBoth(w, L"a", L"1,5"); }, suggested);
   // cdata is for content only.
   EXPECT_EQ("E0 00 00 01 00 7C 00 61 78 00 62 41 31 32 FF F0",
             ToHex(write(FIStringEncoding_EncodingAlgorithm, FIEncodingAlgorithm_Cdata, true)));
