@@ -26,6 +26,12 @@ inline std::string Narrow(const std::wstring& text) {
   return out;
 }
 
+inline std::wstring Repeat(int count, const wchar_t* text) {
+  std::wstring all;
+  for (int i = 0; i < count; ++i) all += text;
+  return all;
+}
+
 inline std::vector<std::wstring> Split(const std::wstring& text, const std::wstring& separator) {
   std::vector<std::wstring> parts;
   for (std::size_t at = 0, end = 0; end != std::wstring::npos; at = end + separator.size()) {

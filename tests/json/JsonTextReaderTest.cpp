@@ -9,6 +9,7 @@
 #include "RkXmlLib16/types/BinaryData.h"
 
 using namespace RkXmlLib16;
+using RkXmlTest::Repeat;
 
 namespace {
 
@@ -34,12 +35,6 @@ std::wstring Flat(const std::wstring& json, const Settings& settings = {}) {
   for (const wchar_t c : xml)
     if (c != L'\n' && c != L'\t') flat += c;
   return flat;
-}
-
-std::wstring Repeat(const wchar_t* text, int count) {
-  std::wstring all;
-  for (int i = 0; i < count; ++i) all += text;
-  return all;
 }
 
 // Writes down the events.
@@ -221,12 +216,12 @@ TEST(JsonTextReader, MarkersAreNamesInPlainModeIntended) {
 }
 
 TEST(JsonTextReader, DepthIsLimitedToAHundredValues) {
-  const auto nested = [](int depth) { return Repeat(L"{\"a\":", depth - 1) + L"{}" + Repeat(L"}", depth - 1); };
+  const auto nested = [](int depth) { return Repeat(depth - 1, L"{\"a\":") + L"{}" + Repeat(depth - 1, L"}"); };
   EXPECT_NO_THROW(Convert(nested(100)));
   EXPECT_RK_THROWS(CRkValidationException,
-                   L"JSON exceeded depth limit at line 0, position 501.\nPath: $" + Repeat(L".a", 100),
+                   L"JSON exceeded depth limit at line 0, position 501.\nPath: $" + Repeat(100, L".a"),
                    Convert(nested(101)));
-  EXPECT_THROW(Convert(L"{\"a\":" + Repeat(L"[", 1000000)), CRkValidationException);
+  EXPECT_THROW(Convert(L"{\"a\":" + Repeat(1000000, L"[")), CRkValidationException);
 }
 
 TEST(JsonTextReader, CommentsStandWhereWhiteSpaceMay) {
@@ -246,8 +241,8 @@ TEST(JsonTextReader, RepeatingALongNameIsLimited) {
   CSerializationContext context;
   context.GetLimits().SetExpansionRatioFrom(10000);
   context.GetLimits().SetMaxExpansionRatio(10);
-  const std::wstring json = L"{\"r\":{\"" + Repeat(L"n", 1000) + L"\":[{}" + Repeat(L",{}", 1000) + L"]}}";
-  EXPECT_RK_THROWS(CRkException, L"Limit exceeded: expansion ratio 10.\nPath: $.r." + Repeat(L"n", 1000) + L"[41]",
+  const std::wstring json = L"{\"r\":{\"" + Repeat(1000, L"n") + L"\":[{}" + Repeat(1000, L",{}") + L"]}}";
+  EXPECT_RK_THROWS(CRkException, L"Limit exceeded: expansion ratio 10.\nPath: $.r." + Repeat(1000, L"n") + L"[41]",
                    CJsonTextReader::ConvertJsonToXml(json, context));
   context.GetLimits().SetMaxExpansionRatio(0);
   EXPECT_NO_THROW(CJsonTextReader::ConvertJsonToXml(json, context));

@@ -198,17 +198,12 @@ TEST_F(ContentModelTest, GroupsAmongManyUnknownElementsAreFoundQuickly) {
                                                Cls<CElementInfoChoiceClsOpt>(L"qa", 1, 1, kInline)});
   Classes() = {&pa, &qa};
   const auto unknown = With(kUnknownElements);
-  const auto many = [](int count, const wchar_t* element) {
-    std::wstring text;
-    for (int i = 0; i < count; ++i) text += element;
-    return text;
-  };
-  const std::wstring few = many(100, L"<x/>");
+  const std::wstring few = Repeat(100, L"<x/>");
   EXPECT_WIDE_EQ(L"<r><q>1</q><a>2</a></r>",
                  Content(table, few + L"<q>1</q>" + few + L"<a>2</a>" + few + L"<p>3</p>" + few, unknown));
   EXPECT_WIDE_EQ(L"<r><p>3</p><a>4</a></r>",
                  Content(table, few + L"<a>1</a>" + few + L"<p>3</p>" + few + L"<a>4</a>" + few, unknown));
-  const std::wstring lots = many(100000, L"<x/><p>1</p>");
+  const std::wstring lots = Repeat(100000, L"<x/><p>1</p>");
   EXPECT_WIDE_EQ(kNoChoice, Content(table, lots, unknown));
 }
 

@@ -264,12 +264,7 @@ TEST_F(GeneratedClassTest, MissingObjectsAreCreatedOrReported) {
 TEST_F(GeneratedClassTest, ObjectsInsideEachOtherAreLimited) {
   Table table(ClassInfo(kSequence, L"c"), {Cls(L"c", 0)});
   Classes() = {&table};
-  const auto nested = [](int depth) {
-    std::wstring xml;
-    for (int i = 0; i < depth; ++i) xml += L"<c>";
-    for (int i = 0; i < depth; ++i) xml += L"</c>";
-    return xml;
-  };
+  const auto nested = [](int depth) { return Repeat(depth, L"<c>") + Repeat(depth, L"</c>"); };
   CSerializationContext context;
   context.GetLimits().SetMaxObjectDepth(3);
   EXPECT_WIDE_EQ(L"<c><c><c/></c></c>", Outcome(table, nested(3), context));

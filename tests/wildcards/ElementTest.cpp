@@ -150,11 +150,8 @@ TEST(Element, FillsAnotherObjectWithAllCharacters) {
 TEST(Element, DeepTreesNeedNoStack) {
   RkXmlTest::RunInSmallStack([] {
     constexpr int kDepth = 100000;
-    std::wstring text;
-    for (int i = 0; i < kDepth; ++i) text += L"<e>";
-    for (int i = 0; i < kDepth; ++i) text += L"</e>";
     CElement element;
-    element.FromXml(text.c_str());
+    element.FromXml((RkXmlTest::Repeat(kDepth, L"<e>") + RkXmlTest::Repeat(kDepth, L"</e>")).c_str());
     EXPECT_EQ(static_cast<std::size_t>(kDepth) * 7 - 3, element.ToXml(false, false).size());
     CSmartPtr<CElement> shared(element.GetChild(0));
     element.RemoveChildren();

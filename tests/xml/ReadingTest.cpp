@@ -277,10 +277,8 @@ TEST(Reading, DepthNeedsNoStack) {
     CXmlTextWriter unfinished(stream);
     unfinished.SetFormat(false);
     for (int i = 0; i < kDepth; ++i) unfinished.WriteStartElement(L"a", L"");
-    std::wstring text = std::wstring(stream.GetText()) + L">";
-    for (int i = 0; i < kDepth; ++i) text += L"</a>";
     CXmlDocument document;
-    document.LoadXml(text.c_str());
+    document.LoadXml((stream.GetText() + (L">" + RkXmlTest::Repeat(kDepth, L"</a>"))).c_str());
     const CXmlElement* element = document.GetDocumentElement();
     while (element->GetFirstElement() != nullptr) element = element->GetFirstElement();
     EXPECT_EQ(2u * kDepth, element->GetXPath().size());
