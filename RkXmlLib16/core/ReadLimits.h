@@ -57,7 +57,7 @@ class RKXML_EXPORT CReadLimits {
   unsigned long m_maxInflatedBytes = 1UL << 32;
   unsigned long m_maxInflationRatio = 200;
   unsigned long m_inflationRatioFrom = 64UL << 20;
-  unsigned long m_maxExpansionRatio = 1000;
+  unsigned long m_maxExpansionRatio = 200;
   unsigned long m_expansionRatioFrom = 64UL << 20;
 };
 
