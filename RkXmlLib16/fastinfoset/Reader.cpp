@@ -11,7 +11,6 @@
 #include "RkXmlLib16/fastinfoset/BinaryCodec.h"
 #include "RkXmlLib16/fastinfoset/internal/Octets.h"
 #include "RkXmlLib16/support/Encoder.h"
-#include "RkXmlLib16/support/Format.h"
 #include "RkXmlLib16/xml/ElementTree.h"
 #include "RkXmlLib16/xml/internal/Names.h"
 
@@ -372,7 +371,7 @@ const CXmlName* CFastInfosetReader::IdentifyingStringOrIndex(Names& names, bool&
   NonEmptyOctetUTF8String(Move(length), length);
   // Names are written as they are, so what is none could put markup into a document.
   const bool isValid = &names == &m_namespaceNames ? IsXmlText(m_text) : IsName(m_text);
-  if (!isValid) throw CRkException(FormatString(L"Failed to parse FastInfoset. Invalid Name [%ls].", m_text.c_str()));
+  if (!isValid) ThrowInvalidItem();
   const CXmlName* const name = m_document.InternName(m_text);
   if (names.size() >= FI_MAX_TABLE_ENTRIES) hasIndex = false;
   AppendEntry(names, name);
