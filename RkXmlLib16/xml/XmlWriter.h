@@ -94,10 +94,12 @@ class RKXML_EXPORT CXmlWriter {
   virtual void WritePI(const std::wstring& text) = 0;
   virtual void WriteInlineSchema(const std::wstring& schemaText) = 0;
   virtual void WriteStartElement(const std::wstring& localName, const std::wstring& namespaceUri) = 0;
-  // `type` tells the kind of value that the text came from.
+  // `type` tells the kind of value that the text came from. Without an open element a text that is not empty throws
+  // CRkException, and so does WriteEndElement.
   virtual void WriteString(const std::wstring& text, ItemType type) = 0;
   virtual void WriteEndElement() = 0;
-  // Throws CRkException "Attributes must be added before elements".
+  // Throws CRkException "Attributes must be added before elements", or another one without an open element; the two that
+  // follow do too. JSON takes attributes at any time.
   virtual void WriteAttributeString(const std::wstring& localName, const std::wstring& namespaceUri,
                                     const std::wstring& value, ItemType type) = 0;
   // xsi:type and xsi:nil="true" (XML Schema Part 1).
