@@ -98,8 +98,8 @@ class RKXML_EXPORT CXmlWriter {
   // CRkException, and so does WriteEndElement.
   virtual void WriteString(const std::wstring& text, ItemType type) = 0;
   virtual void WriteEndElement() = 0;
-  // Throws CRkException "Attributes must be added before elements", or another one without an open element; the two that
-  // follow do too. JSON takes attributes at any time.
+  // Throws CRkException "Attributes must be added before elements", or another one without an open element; the two
+  // that follow do too. JSON takes attributes at any time.
   virtual void WriteAttributeString(const std::wstring& localName, const std::wstring& namespaceUri,
                                     const std::wstring& value, ItemType type) = 0;
   // xsi:type and xsi:nil="true" (XML Schema Part 1).
