@@ -26,8 +26,8 @@ class RKXML_EXPORT CExpatReader {
   // of the names, and declarations are attributes.
   void CreateParser();
   // Parses the document's whole input. Throws CRkException "%ls at line %d" with the parser's description of what is
-  // wrong, or that a namespace URI contains '|', and "Limit exceeded: ..." by the limits of the document's context; what
-  // was read before stays in the document.
+  // wrong, or that a namespace URI contains '|', and "Limit exceeded: ..." by the limits of the document's context;
+  // what was read before stays in the document.
   void Parse(bool isFinal);
   void Cleanup();
 
