@@ -45,6 +45,16 @@ inline std::size_t RunLength(const unsigned char* bytes, std::size_t length) {
   return i;
 }
 
+// Whether some character may be white space: not above the space.
+inline bool MayHaveSpace(const wchar_t* text, std::size_t length) {
+  std::size_t i = 0;
+  for (; i + 4 <= length; i += 4)
+    if (_mm_movemask_epi8(_mm_cmpgt_epi32(WideBlock::Load(text + i), _mm_set1_epi32(L' '))) != 0xFFFF) return true;
+  for (; i < length; ++i)
+    if (text[i] <= L' ') return true;
+  return false;
+}
+
 // Copies the run at the start of `text` to `out`, one byte a character, and returns its length.
 inline std::size_t NarrowRun(const wchar_t* text, std::size_t length, unsigned char* out) {
   std::size_t i = 0;

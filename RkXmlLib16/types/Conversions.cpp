@@ -281,6 +281,10 @@ void AppendDecimal(wstring& out, const CDecimal& value, const wchar_t* format) {
 
 template <ItemType kItem>
 XsdValue<kItem> CConversions::FromText(wstring_view text, Rule rule) {
+  if constexpr (kItem == ItemType_decimal) {
+    CDecimal value;
+    if (value.ParsePlain(text)) return value;  // without white space all rules are alike
+  }
   wstring scratch;
   return Parse<kItem>(CWhitespaceUtils::ApplyRule(rule, text, scratch));
 }

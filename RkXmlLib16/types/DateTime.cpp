@@ -277,6 +277,19 @@ void CDateTime::ParseXSDTime(std::wstring_view text) {
 
 void CDateTime::ReadDate(std::wstring_view text) {
   if (text.empty()) throw CRkInvalidValueException(L"Invalid Date (Empty String)");
+  const auto readYear = [this](std::wstring_view date, bool negative) {
+    const int year = TwoDigits(date, 0) * 100 + TwoDigits(date, 2);
+    m_year = static_cast<short>(negative ? -year : year);
+  };
+  const auto readMonthAndDay = [this](std::wstring_view date) {
+    m_month = static_cast<unsigned char>(TwoDigits(date, 5));
+    if (m_type == dt_date) m_day = static_cast<unsigned char>(TwoDigits(date, 8));
+  };
+  if (HasShape(text, L"9999-99-99")) {  // which most dates have
+    m_type = dt_date;
+    readYear(text, /*negative=*/false);
+    return readMonthAndDay(text);
+  }
   if (text.find(L'T') != std::wstring_view::npos) throw CRkInvalidValueException(L"Invalid Date ('T' not allowed)");
   const bool isUtc = text.back() == L'Z';
   const bool hasOffset = text.find(L':') != std::wstring_view::npos;
@@ -305,10 +318,8 @@ void CDateTime::ReadDate(std::wstring_view text) {
       m_type = dt_gYear;
     else
       ThrowInvalidText(L"Invalid XSD Date [%ls] expected CCYY-MM-DD[Z|[+|-]hh:mm]", text);
-    const int year = TwoDigits(date, 0) * 100 + TwoDigits(date, 2);
-    m_year = static_cast<short>(negative ? -year : year);
-    if (m_type != dt_gYear) m_month = static_cast<unsigned char>(TwoDigits(date, 5));
-    if (m_type == dt_date) m_day = static_cast<unsigned char>(TwoDigits(date, 8));
+    readYear(date, negative);
+    if (m_type != dt_gYear) readMonthAndDay(date);
   }
   if (zoneSize != 0) ReadZone(text.substr(body.size()));
 }

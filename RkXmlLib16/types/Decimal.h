@@ -43,6 +43,8 @@ class RKXML_EXPORT CDecimal {
   // (position from 0); the value is then partly filled.
   void Parse(const wchar_t* text);
   void Parse(std::wstring_view text);
+  // Reads digits with a sign and a point at most; false, and nothing changed, for any other text.
+  bool ParsePlain(std::wstring_view text);
   // Without trailing fraction zeros; never an exponent.
   std::wstring ToString() const;
   // With exactly `fractionDigits` fraction digits (none and no point for 0), one half toward zero.
@@ -97,8 +99,6 @@ class RKXML_EXPORT CDecimal {
   CDecimal operator--(int);
 
  private:
-  bool ParsePlain(std::wstring_view text);
-
   CBigInteger m_integer;
   CBigInteger m_fraction;
   std::int32_t m_divider = 1;

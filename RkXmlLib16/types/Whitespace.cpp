@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "RkXmlLib16/core/Exception.h"
+#include "RkXmlLib16/support/Ascii.h"
 
 namespace RkXmlLib16 {
 
@@ -17,9 +18,7 @@ std::wstring_view ReplaceView(std::wstring_view text, std::wstring& scratch) {
 }
 
 std::wstring_view CollapseView(std::wstring_view text, std::wstring& scratch) {
-  bool mayHaveSpace = false;  // most texts have none
-  for (const wchar_t c : text) mayHaveSpace |= c <= L' ';
-  if (!mayHaveSpace) return text;
+  if (!Ascii::MayHaveSpace(text.data(), text.size())) return text;  // as most texts have none
   while (!text.empty() && CWhitespaceUtils::IsWhiteSpace(text.front())) text.remove_prefix(1);
   while (!text.empty() && CWhitespaceUtils::IsWhiteSpace(text.back())) text.remove_suffix(1);
   // The ends are black now, so text[i + 1] exists after white space.
