@@ -7,5 +7,8 @@ if command -v ccache >/dev/null; then
   export CMAKE_CXX_COMPILER_LAUNCHER=ccache
 fi
 cmake --preset tsan >/dev/null
-cmake --build --preset tsan --target threads_tests | grep -E 'warning:|error:|FAILED' -A 5 || true
+if ! log=$(cmake --build --preset tsan --target threads_tests 2>&1); then
+  grep -E 'error:|FAILED' -A 5 <<<"$log" >&2 || echo "$log" >&2
+  exit 1
+fi
 TSAN_OPTIONS="halt_on_error=1 second_deadlock_stack=1" ctest --preset tsan -R '^threads$'

@@ -37,8 +37,8 @@ class RKXML_EXPORT CReadLimits {
   unsigned long GetInflationRatioFrom() const noexcept { return m_inflationRatioFrom; }
   void SetInflationRatioFrom(unsigned long bytes) noexcept { m_inflationRatioFrom = bytes; }
   // Characters that a document stands for without spelling them, as a multiple of its octets, looked at once
-  // GetExpansionRatioFrom characters are out: indexed strings and names of a Fast Infoset, names that JSON repeats for
-  // each item of an array, namespace URIs of attributes in XML text.
+  // GetExpansionRatioFrom characters are out: indexed strings and names of a Fast Infoset, and the names that JSON
+  // repeats for each item of an array.
   unsigned long GetMaxExpansionRatio() const noexcept { return m_maxExpansionRatio; }
   void SetMaxExpansionRatio(unsigned long ratio) noexcept { m_maxExpansionRatio = ratio; }
   unsigned long GetExpansionRatioFrom() const noexcept { return m_expansionRatioFrom; }

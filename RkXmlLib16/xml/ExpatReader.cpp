@@ -35,6 +35,9 @@ constexpr unsigned long kNestingEntities = 200;
 // Attributes that come from defaults in the DTD: this many for each byte of input, and some more.
 constexpr std::size_t kDefaultsPerByte = 4;
 constexpr std::size_t kDefaultsAtLeast = 1000000;
+// Characters of attribute namespaces, which expat spells out for each attribute: this many for each byte of input.
+constexpr std::size_t kNamespaceCharsPerByte = 1000;
+constexpr std::size_t kNamespaceCharsAtLeast = std::size_t{1} << 31;
 
 std::size_t LengthOf(const XML_Char* text) {
   const XML_Char* end = text;
@@ -99,10 +102,7 @@ constexpr XML_Memory_Handling_Suite kCountingSuite = {CountingMalloc, CountingRe
 }  // namespace
 
 struct RKXML_HIDDEN CExpatReader::Parser {
-  explicit Parser(CXmlDocument& target)
-      : document(target),
-        isUtf16(IsUtf16(target)),
-        expansionLimit(target.GetContext().GetLimits().GetExpansionLimit(target.GetInputLength())) {}
+  explicit Parser(CXmlDocument& target) : document(target), isUtf16(IsUtf16(target)) {}
   ~Parser() { XML_ParserFree(expat); }
 
   void StartElement(const XML_Char* name, const XML_Char** attributes);
@@ -118,7 +118,7 @@ struct RKXML_HIDDEN CExpatReader::Parser {
   [[noreturn]] void ThrowSeparatorInUri() const;
   bool IsAtTagWithSeparator() const;
 
-  void CountExpansion(std::size_t charCount);
+  void CountNamespace(std::size_t charCount);
   const CXmlName* Intern(const XML_Char* text, std::size_t length);
   const CXmlName* LocalName(const XML_Char* name);
   // Splits a name at its separator. Returns the local part.
@@ -185,8 +185,7 @@ struct RKXML_HIDDEN CExpatReader::Parser {
   std::uint64_t namespaceEvents = 0;
   unsigned long nestingEntities = 0;
   std::size_t defaultedCount = 0;
-  std::size_t expanded = 0;
-  const std::size_t expansionLimit;
+  std::size_t namespaceChars = 0;
   std::unordered_map<const XML_Char*, CXmlTextBlock*> defaultedValues;  // expat keeps them where they are
 };
 
@@ -239,16 +238,16 @@ const XML_Char* CExpatReader::Parser::SplitAttributeName(const XML_Char* name, c
       !Equal(name, lastAttributeUri->View()))
     lastAttributeUri = Intern(name, length);
   namespaceUri = lastAttributeUri;
-  CountExpansion(length);
+  CountNamespace(length);
   return at + 1;
 }
 
-// expat spells the namespace of an attribute out each time, which takes time by its length.
-void CExpatReader::Parser::CountExpansion(std::size_t charCount) {
-  expanded += charCount;
-  if (expanded <= expansionLimit) return;
-  CReadLimits::ThrowExceeded(L"characters of attribute namespaces", expansionLimit,
-                             document.GetCurrentElement()->GetXPath());
+void CExpatReader::Parser::CountNamespace(std::size_t charCount) {
+  namespaceChars += charCount;
+  if (namespaceChars <= kNamespaceCharsAtLeast) return;
+  const std::size_t limit = std::max(kNamespaceCharsAtLeast, kNamespaceCharsPerByte * document.GetInputLength());
+  if (namespaceChars <= limit) return;
+  CReadLimits::ThrowExceeded(L"characters of attribute namespaces", limit, document.GetCurrentElement()->GetXPath());
 }
 
 void CExpatReader::Parser::StartElement(const XML_Char* name, const XML_Char** attributes) {
