@@ -76,10 +76,8 @@ void CElementInfo::PseudoChildAttributeToXml(const CSerializationContext& contex
 }
 
 bool CElementInfo::IsThisElement(const CSerializationContext& context, const CXmlElement* element) const {
-  if (element == nullptr) return false;
-  const CXmlText name = element->GetLocalName();
-  if (name.size() != m_elementName.size() || name[0] != m_elementName[0]) return false;  // which mostly tells
-  return name == m_elementName && (context.GetIgnoreNamespaces() || element->GetNamespaceURI() == m_namespace);
+  return element != nullptr && MayHaveName(*element) && element->GetLocalName() == m_elementName &&
+         (context.GetIgnoreNamespaces() || element->GetNamespaceURI() == m_namespace);
 }
 
 void CElementInfo::CheckRestriction(const RkVariant& value) const {

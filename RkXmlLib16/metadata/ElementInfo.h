@@ -9,6 +9,7 @@
 #include "RkXmlLib16/core/SmartPtr.h"
 #include "RkXmlLib16/metadata/PrimitiveRestrictions.h"
 #include "RkXmlLib16/types/Whitespace.h"
+#include "RkXmlLib16/xml/ElementTree.h"
 
 namespace RkXmlLib16 {
 class CSerializationContext;
@@ -102,7 +103,7 @@ class RKXML_EXPORT CElementInfo {
   bool IsInlineGroup() const noexcept { return m_memberType == RkXmlLib16::XmlElementType_InlineGroup; }
   // Whether ElementFromXml would accept that the element is absent and do nothing else, for the element that is next.
   bool IsSkipped(const CSerializationContext& context, const CXmlElement* next) const {
-    return m_skipsOthers && !IsThisElement(context, next);
+    return m_skipsOthers && (next == nullptr || !MayHaveName(*next) || !IsThisElement(context, next));
   }
   // Whether PseudoChildAttributeToXml may have something to write.
   bool MayHaveAttributes() const noexcept { return m_mayHaveAttributes; }
@@ -151,6 +152,11 @@ class RKXML_EXPORT CElementInfo {
   void SkipOtherElements() noexcept { m_skipsOthers = true; }
 
  private:
+  // False for most names but the own, without a look at the whole.
+  bool MayHaveName(const CXmlElement& element) const noexcept {
+    const RkXmlLib16::CXmlText name = element.GetLocalName();
+    return name.size() == m_elementName.size() && name[0] == m_elementName[0];
+  }
   bool IsDefault(const std::wstring& text) const noexcept { return !m_defaultValue.empty() && text == m_defaultValue; }
   void WriteText(const CSerializationContext& context, CXmlWriter* writer, const std::wstring& text,
                  ItemType type) const;
