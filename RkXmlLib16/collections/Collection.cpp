@@ -1,8 +1,9 @@
 #include "RkXmlLib16/collections/Collection.h"
 
+#include <algorithm>
 #include <climits>
 #include <cstdlib>
-#include <memory>
+#include <utility>
 
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/support/Format.h"
@@ -12,6 +13,7 @@ namespace RkXmlLib16 {
 namespace {
 
 constexpr std::size_t kUsualItemSize = 512;
+constexpr std::size_t kLargestBlock = 7;  // of that number on the blocks grow no more
 
 }  // namespace
 
@@ -36,8 +38,8 @@ CXmlCollection::~CXmlCollection() {
   CFetchAhead<kUsualItemSize> fetch(m_head);
   while (m_head != nullptr) {
     fetch.Advance();
-    const std::unique_ptr<CNode> node(m_head);
-    m_head = node->m_next;
+    const CSmartPtr<CXmlObjectBase> item = std::move(m_head->m_item);
+    m_head = m_head->m_next;
   }
 }
 
@@ -128,9 +130,23 @@ void CXmlCollection::RemoveNode(CNode* node) {
   FireOnCollectionChange();
 }
 
+CXmlCollection::CNode* CXmlCollection::TakeNode() {
+  if (m_free == nullptr) {
+    const std::size_t size = std::size_t{2} << std::min(m_blocks.size(), kLargestBlock);
+    std::unique_ptr<CNode[]> block(new CNode[size]);
+    for (std::size_t i = 0; i + 1 < size; ++i) block[i].m_next = &block[i + 1];
+    m_blocks.push_back(std::move(block));
+    m_free = m_blocks.back().get();
+  }
+  CNode* const node = m_free;
+  m_free = node->m_next;
+  return node;
+}
+
 void CXmlCollection::InsertBefore(CNode* next, CXmlObjectBase* item) {
   if (m_count == INT_MAX) throw CRkException(L"The collection is full");
-  CNode* const node = new CNode(item);
+  CNode* const node = TakeNode();
+  node->m_item = item;
   const CSmartPtr<CXmlObjectBase> held(HasListeners() ? item : nullptr);  // one of them may take the item out again
   node->m_next = next;
   node->m_previous = next != nullptr ? next->m_previous : m_tail;
@@ -143,7 +159,7 @@ void CXmlCollection::InsertBefore(CNode* next, CXmlObjectBase* item) {
 }
 
 void CXmlCollection::Unlink(CNode* node) {
-  const std::unique_ptr<CNode> removed(node);
+  const CSmartPtr<CXmlObjectBase> removed = std::move(node->m_item);
   for (Removal* removal = m_removal; removal != nullptr; removal = removal->outer) {
     if (removal->node == node) removal->node = nullptr;
   }
@@ -151,6 +167,8 @@ void CXmlCollection::Unlink(CNode* node) {
   (node->m_next != nullptr ? node->m_next->m_previous : m_tail) = node->m_previous;
   --m_count;
   m_lastNode = nullptr;
+  node->m_next = m_free;
+  m_free = node;
 }
 
 }  // namespace RkXmlLib16

@@ -2,6 +2,8 @@
 #define RKXMLLIB16_COLLECTIONS_COLLECTION_H
 
 #include <cstddef>
+#include <memory>
+#include <vector>
 
 #include "RkXmlLib16/collections/CollectionBase.h"
 #include "RkXmlLib16/core/SmartPtr.h"
@@ -24,7 +26,7 @@ class RKXML_EXPORT CXmlCollection : public CXmlCollectionBase {
 
    private:
     friend class CXmlCollection;
-    explicit CNode(CXmlObjectBase* item) : m_item(item) {}
+    CNode() = default;
 
     CSmartPtr<CXmlObjectBase> m_item;
     CNode* m_next = nullptr;
@@ -91,9 +93,13 @@ class RKXML_EXPORT CXmlCollection : public CXmlCollectionBase {
  private:
   struct Removal;
 
+  CNode* TakeNode();
   void InsertBefore(CNode* next, CXmlObjectBase* item);
   void Unlink(CNode* node);
 
+  CNode m_firstNode;                               // most collections hold one item or none,
+  std::vector<std::unique_ptr<CNode[]>> m_blocks;  // others have blocks of nodes, which grow
+  CNode* m_free = &m_firstNode;                    // the nodes not in use, through m_next
   CNode* m_head = nullptr;
   CNode* m_tail = nullptr;
   int m_count = 0;
