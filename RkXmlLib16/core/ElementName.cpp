@@ -3,39 +3,27 @@
 #include <array>
 #include <cstddef>
 
+#include "RkXmlLib16/support/internal/ThreadObject.h"
+
 namespace RkXmlLib16 {
 
 // The names that a thread set last, each in the place that its ends and its length give.
 class CElementName::Recent {
  public:
-  // Null when the thread has ended its variables; static objects outlive those.
+  // Null for long names, which are not kept, and when the thread has ended its names.
   static CElementName* Find(std::wstring_view name) {
-    if (name.size() > kLongest) return nullptr;
-    if (t_names == nullptr && !t_isGone) Make();
-    if (t_names == nullptr) return nullptr;
+    Recent* const recent = name.size() <= kLongest ? CThreadObject<Recent>::Get() : nullptr;
+    if (recent == nullptr) return nullptr;
     const std::size_t mix = static_cast<std::size_t>(name.front()) * 5 + static_cast<std::size_t>(name.back()) * 3;
-    return &t_names->m_names[(mix + name.size()) % kCount];
+    return &recent->m_names[(mix + name.size()) % kCount];
   }
 
  private:
   static constexpr std::size_t kCount = 64;
-  static constexpr std::size_t kLongest = 64;  // longer names are not kept
+  static constexpr std::size_t kLongest = 64;
 
-  Recent() { t_names = this; }
-  ~Recent() {
-    t_names = nullptr;
-    t_isGone = true;
-  }
-  static void Make() { static thread_local Recent recent; }
-
-  // In the memory that a thread has from its start: a few bytes, found without a call.
-  [[gnu::tls_model("initial-exec")]] static thread_local Recent* t_names;
-  [[gnu::tls_model("initial-exec")]] static thread_local bool t_isGone;
   std::array<CElementName, kCount> m_names;
 };
-
-thread_local CElementName::Recent* CElementName::Recent::t_names = nullptr;
-thread_local bool CElementName::Recent::t_isGone = false;
 
 const std::wstring& CElementName::Empty() noexcept {
   static const std::wstring empty;
@@ -46,7 +34,7 @@ void CElementName::Change(std::wstring_view name) {
   CElementName changed;
   if (!name.empty()) {
     CElementName* const recent = Recent::Find(name);
-    if (recent != nullptr && recent->Get() == name) {
+    if (recent != nullptr && EqualTexts(recent->Get(), name)) {
       changed = *recent;
     } else {
       changed.m_shared = new Shared(name);

@@ -7,6 +7,7 @@
 
 #include "RkXmlLib16/core/Export.h"
 #include "RkXmlLib16/core/ReferenceCount.h"
+#include "RkXmlLib16/xml/Text.h"
 
 namespace RkXmlLib16 {
 
@@ -29,7 +30,7 @@ class RKXML_EXPORT CElementName {
   // Holds until the name is set again.
   const std::wstring& Get() const noexcept { return m_shared != nullptr ? m_shared->text : Empty(); }
   void Set(std::wstring_view name) {
-    if (Get() != name) Change(name);
+    if (!EqualTexts(Get(), name)) Change(name);
   }
 
  private:

@@ -12,6 +12,7 @@
 #include "RkXmlLib16/metadata/ElementInfo.h"
 #include "RkXmlLib16/metadata/ParentElementInfo.h"
 #include "RkXmlLib16/metadata/internal/NilValue.h"
+#include "RkXmlLib16/metadata/internal/ReadingValue.h"
 #include "RkXmlLib16/metadata/internal/SiblingSearch.h"
 #include "RkXmlLib16/support/Format.h"
 #include "RkXmlLib16/types/Variant.h"
@@ -59,11 +60,8 @@ class ObjectLevel {
   ~ObjectLevel() { --s_depth; }
 
  private:
-  // In the memory that a thread has from its start: a few bytes, without a call to find them.
-  [[gnu::tls_model("initial-exec")]] static thread_local unsigned long s_depth;
+  static inline thread_local unsigned long s_depth = 0;
 };
-
-thread_local unsigned long ObjectLevel::s_depth = 0;
 
 // The arrays of records may be null when they are empty.
 template <class Info>
@@ -136,12 +134,13 @@ CXmlElement* CXmlGeneratedClass::ReadElement(CXmlElement* element, CXmlElement* 
 
 void CXmlGeneratedClass::ReadSimpleContent(const CXmlElement* element, const CParentElementInfo& info) {
   if (info.GetSimpleContentProperty() == -1 || info.GetSimpleContentType() == ItemType_none) return;
-  RkVariant value;
+  const CXmlText text = element->GetText();
+  RkXmlLib16Data::ReadingValue value(text.size());
   if (info.IsSimpleContentText())
-    value.SetString(element->GetText().View());
+    value.Get().SetString(text.View());
   else
-    value.FromText(element->GetText(), info.GetSimpleContentType());
-  AccessProperty(info.GetSimpleContentProperty(), /*get=*/false, value);
+    value.Get().FromText(text, info.GetSimpleContentType());
+  AccessProperty(info.GetSimpleContentProperty(), /*get=*/false, value.Get());
 }
 
 void CXmlGeneratedClass::ReadNil(const CXmlAttribute* attribute, INillable* nillable) {

@@ -6,6 +6,7 @@
 #include "RkXmlLib16/core/SerializationContext.h"
 #include "RkXmlLib16/core/internal/TextOrEmpty.h"
 #include "RkXmlLib16/metadata/FacetChecks.h"
+#include "RkXmlLib16/metadata/internal/ReadingValue.h"
 #include "RkXmlLib16/metadata/internal/ValueText.h"
 #include "RkXmlLib16/support/Format.h"
 #include "RkXmlLib16/types/Variant.h"
@@ -116,9 +117,10 @@ void CAttributeInfoPrimitive::AttributeToXml(const CSerializationContext& contex
 bool CAttributeInfoPrimitive::AttributeFromXml(const CSerializationContext&, CXmlGeneratedClass* object,
                                                CXmlAttribute* attribute) {
   if (attribute->GetLocalName() != GetAttributeName() || attribute->GetNamespaceURI() != GetNamespace()) return false;
-  RkVariant value;
-  value.FromText(attribute->GetValue(), m_itemType, m_whitespace);
-  InvokePropertySet(object, value, *attribute);
+  const CXmlText text = attribute->GetValue();
+  ReadingValue value(text.size());
+  value.Get().FromText(text, m_itemType, m_whitespace);
+  InvokePropertySet(object, value.Get(), *attribute);
   return true;
 }
 
@@ -143,9 +145,9 @@ void CAttributeInfoEnum::AttributeToXml(const CSerializationContext& context, co
 bool CAttributeInfoEnum::AttributeFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
                                           CXmlAttribute* attribute) {
   if (!IsThisAttribute(context, attribute)) return false;
-  RkVariant value;
-  value.SetI4(m_fromString(attribute->GetValue().c_str()));
-  InvokePropertySet(object, value, *attribute);
+  ReadingValue value(/*charCount=*/0);
+  value.Get().SetI4(m_fromString(attribute->GetValue().c_str()));
+  InvokePropertySet(object, value.Get(), *attribute);
   return true;
 }
 

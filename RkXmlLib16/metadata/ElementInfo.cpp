@@ -1,5 +1,6 @@
 #include "RkXmlLib16/metadata/ElementInfo.h"
 
+#include <atomic>
 #include <string_view>
 
 #include "RkXmlLib16/collections/CollectionBase.h"
@@ -9,6 +10,7 @@
 #include "RkXmlLib16/core/internal/TextOrEmpty.h"
 #include "RkXmlLib16/metadata/FacetChecks.h"
 #include "RkXmlLib16/metadata/internal/NilValue.h"
+#include "RkXmlLib16/metadata/internal/ReadingValue.h"
 #include "RkXmlLib16/metadata/internal/ValueText.h"
 #include "RkXmlLib16/support/Format.h"
 #include "RkXmlLib16/types/Variant.h"
@@ -75,9 +77,20 @@ void CElementInfo::PseudoChildAttributeToXml(const CSerializationContext& contex
   if (child != nullptr) AttributesToXml_Int(child, writer, context);
 }
 
-bool CElementInfo::IsThisElement(const CSerializationContext& context, const CXmlElement* element) const {
-  return element != nullptr && MayHaveName(*element) && element->GetLocalName() == m_elementName &&
-         (context.GetIgnoreNamespaces() || element->GetNamespaceURI() == m_namespace);
+// Each record has a number of its own, as long as there are enough; the last one is for all that come after.
+std::uint32_t CElementInfo::NewId() noexcept {
+  static std::atomic<std::uint32_t> last{0};
+  std::uint32_t id = last.load(std::memory_order_relaxed);
+  while (id != UINT32_MAX && !last.compare_exchange_weak(id, id + 1, std::memory_order_relaxed)) {
+  }
+  return id;
+}
+
+bool CElementInfo::CompareName(const CSerializationContext& context, const CXmlElement& element) const {
+  if (element.GetLocalName() != m_elementName) return false;
+  if (element.GetNamespaceURI() != m_namespace) return context.GetIgnoreNamespaces();
+  if (m_id != UINT32_MAX) element.GetLocalNameRef()->SetMatch(MatchOf(element));
+  return true;
 }
 
 void CElementInfo::CheckRestriction(const RkVariant& value) const {
@@ -194,12 +207,12 @@ bool CElementInfo::ReadNil(const CSerializationContext& context, const CXmlEleme
 void CElementInfo::ElementFromXmlPrim(const CSerializationContext& context, CXmlGeneratedClass* object,
                                       CXmlElement** cursor) {
   const CXmlElement& element = **cursor;
-  if (!ReadNil(context, element)) {
+  if (element.GetAttributes().empty() || !ReadNil(context, element)) {
     std::wstring_view text = element.GetText();
     if (text.empty()) text = m_defaultValue;
-    RkVariant value;
-    value.FromText(text, m_itemType, m_whitespace);
-    InvokePropertySet(object, value, element);
+    ReadingValue value(text.size());
+    value.Get().FromText(text, m_itemType, m_whitespace);
+    InvokePropertySet(object, value.Get(), element);
   }
   *cursor = element.GetNextSiblingElement();
 }
@@ -207,11 +220,11 @@ void CElementInfo::ElementFromXmlPrim(const CSerializationContext& context, CXml
 void CElementInfo::ElementFromXmlEnum(const CSerializationContext& context, CXmlGeneratedClass* object,
                                       CXmlElement** cursor) {
   const CXmlElement& element = **cursor;
-  if (!ReadNil(context, element)) {
+  if (element.GetAttributes().empty() || !ReadNil(context, element)) {
     const CXmlText text = element.GetText();
-    RkVariant value;
-    value.SetI4(m_enumFromString(text.empty() ? m_defaultValue.c_str() : text.c_str()));
-    InvokePropertySet(object, value, element);
+    ReadingValue value(/*charCount=*/0);
+    value.Get().SetI4(m_enumFromString(text.empty() ? m_defaultValue.c_str() : text.c_str()));
+    InvokePropertySet(object, value.Get(), element);
   }
   *cursor = element.GetNextSiblingElement();
 }

@@ -103,13 +103,16 @@ class RKXML_EXPORT CElementInfo {
   bool IsInlineGroup() const noexcept { return m_memberType == RkXmlLib16::XmlElementType_InlineGroup; }
   // Whether ElementFromXml would accept that the element is absent and do nothing else, for the element that is next.
   bool IsSkipped(const CSerializationContext& context, const CXmlElement* next) const {
-    return m_skipsOthers && (next == nullptr || !MayHaveName(*next) || !IsThisElement(context, next));
+    return m_skipsOthers && !IsThisElement(context, next);
   }
   // Whether PseudoChildAttributeToXml may have something to write.
   bool MayHaveAttributes() const noexcept { return m_mayHaveAttributes; }
 
   // Whether the element has the record's local name and, unless the context ignores namespaces, its namespace.
-  bool IsThisElement(const CSerializationContext& context, const CXmlElement* element) const;
+  bool IsThisElement(const CSerializationContext& context, const CXmlElement* element) const {
+    return element != nullptr && (element->GetLocalNameRef()->GetMatch() == MatchOf(*element) ||
+                                  (MayHaveName(*element) && CompareName(context, *element)));
+  }
   // Throws CRkException when the value breaks a facet.
   void CheckRestriction(const RkVariant& value) const;
 
@@ -152,6 +155,12 @@ class RKXML_EXPORT CElementInfo {
   void SkipOtherElements() noexcept { m_skipsOthers = true; }
 
  private:
+  // What the local name of an element notes when the element was found to have the record's name and namespace: the
+  // record and the element's namespace.
+  std::uint64_t MatchOf(const CXmlElement& element) const noexcept {
+    return std::uint64_t{m_id} << 32 | element.GetNamespaceRef()->GetOrdinal();
+  }
+  bool CompareName(const CSerializationContext& context, const CXmlElement& element) const;
   // False for most names but the own, without a look at the whole.
   bool MayHaveName(const CXmlElement& element) const noexcept {
     const RkXmlLib16::CXmlText name = element.GetLocalName();
@@ -164,6 +173,9 @@ class RKXML_EXPORT CElementInfo {
   // Looks through the attributes of a primitive element; true for xsi:nil="true".
   bool ReadNil(const CSerializationContext& context, const CXmlElement& element) const;
 
+  static std::uint32_t NewId() noexcept;
+
+  const std::uint32_t m_id = NewId();
   std::wstring m_elementName;
   std::wstring m_namespace;
   int m_propertyIndex;

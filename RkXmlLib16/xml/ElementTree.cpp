@@ -48,7 +48,7 @@ struct RKXML_HIDDEN CXmlDocument::Storage {
 
   explicit Storage(CXmlDocument& owner)
       : document(owner),
-        emptyName(&owner, L"", 0, 0),
+        emptyName(&owner, L"", 0, 0, 0),
         hashSeed(reinterpret_cast<std::uintptr_t>(this) * 0x9E3779B97F4A7C15u) {}
 
   std::uint32_t Hash(std::wstring_view text) const noexcept;
@@ -177,15 +177,17 @@ const CXmlName* CXmlDocument::InternName(std::wstring_view text) {
     const CXmlName* const name = storage.nameTable[slot];
     if (name->m_hash == hash && name->View() == text) return name;
   }
+  if (storage.nameCount >= UINT32_MAX - 1) throw CRkException(L"The document has too many names.");
   storage.CountCharacters(text.size());
   auto* const memory =
       static_cast<unsigned char*>(storage.names.Allocate(sizeof(CXmlName) + (text.size() + 1) * sizeof(wchar_t)));
   auto* const chars = reinterpret_cast<wchar_t*>(memory + sizeof(CXmlName));
   std::wmemcpy(chars, text.data(), text.size());
   chars[text.size()] = L'\0';
-  const auto* const name = new (memory) CXmlName(this, chars, static_cast<std::uint32_t>(text.size()), hash);
-  storage.nameTable[slot] = name;
   ++storage.nameCount;
+  const auto* const name = new (memory) CXmlName(this, chars, static_cast<std::uint32_t>(text.size()), hash,
+                                                 static_cast<std::uint32_t>(storage.nameCount));
+  storage.nameTable[slot] = name;
   return name;
 }
 

@@ -1,6 +1,7 @@
 #ifndef RKXMLLIB16_XML_ELEMENTTREE_H
 #define RKXMLLIB16_XML_ELEMENTTREE_H
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
@@ -28,17 +29,28 @@ class CXmlName {
   constexpr CXmlText GetText() const noexcept { return {m_text, m_length}; }
   constexpr std::wstring_view View() const noexcept { return {m_text, m_length}; }
   constexpr bool empty() const noexcept { return m_length == 0; }
+  // The place of the name among those of the document, from 0 for the empty name.
+  constexpr std::uint32_t GetOrdinal() const noexcept { return m_ordinal; }
+
+  // A note for whoever compares this name with others again and again; `kNoMatch` at first. Threads that read the
+  // document at the same time share it.
+  static constexpr std::uint64_t kNoMatch = UINT64_MAX;
+  std::uint64_t GetMatch() const noexcept { return m_match.load(std::memory_order_relaxed); }
+  void SetMatch(std::uint64_t match) const noexcept { m_match.store(match, std::memory_order_relaxed); }
 
  private:
   friend class CXmlDocument;
   friend class CXmlElement;
-  constexpr CXmlName(CXmlDocument* document, const wchar_t* text, std::uint32_t length, std::uint32_t hash) noexcept
-      : m_document(document), m_text(text), m_length(length), m_hash(hash) {}
+  constexpr CXmlName(CXmlDocument* document, const wchar_t* text, std::uint32_t length, std::uint32_t hash,
+                     std::uint32_t ordinal) noexcept
+      : m_document(document), m_text(text), m_length(length), m_hash(hash), m_ordinal(ordinal) {}
 
   CXmlDocument* m_document;
   const wchar_t* m_text;
   std::uint32_t m_length;
   std::uint32_t m_hash;
+  std::uint32_t m_ordinal;
+  mutable std::atomic<std::uint64_t> m_match{kNoMatch};
 };
 
 // The head of a text in the storage of a document; the characters and their NUL follow it.

@@ -12,8 +12,8 @@ namespace RkXmlLib16 {
 // URIs. A null element matches nothing.
 inline bool ElementNameMatches(const CSerializationContext& context, const CXmlElement* element,
                                std::wstring_view localName, std::wstring_view namespaceUri) {
-  return element != nullptr && element->GetLocalName().View() == localName &&
-         (context.GetIgnoreNamespaces() || element->GetNamespaceURI().View() == namespaceUri);
+  return element != nullptr && element->GetLocalName() == localName &&
+         (element->GetNamespaceURI() == namespaceUri || context.GetIgnoreNamespaces());
 }
 
 }  // namespace RkXmlLib16
