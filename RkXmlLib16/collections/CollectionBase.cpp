@@ -26,7 +26,8 @@ struct CXmlCollectionBase::Walk {
 CXmlCollectionBase::CXmlCollectionBase() = default;
 
 CXmlCollectionBase::CXmlCollectionBase(const wchar_t* name, const wchar_t* namespaceUri, int minOccurs, int maxOccurs)
-    : m_namespaceUri(TextOrEmpty(namespaceUri)), m_minOccurs(minOccurs), m_maxOccurs(maxOccurs) {
+    : m_minOccurs(minOccurs), m_maxOccurs(maxOccurs) {
+  m_namespaceUri.Set(TextOrEmpty(namespaceUri));
   SetElementName(name);
 }
 
@@ -39,7 +40,7 @@ const wchar_t* CXmlCollectionBase::GetTargetNamespace() const {
       L"CXmlCollectionBase::GetTargetNamespace Should not be used from within a Collection (program logic error)");
 }
 
-const wchar_t* CXmlCollectionBase::GetNamespace() const { return m_namespaceUri.c_str(); }
+const wchar_t* CXmlCollectionBase::GetNamespace() const { return m_namespaceUri.Get().c_str(); }
 
 CXmlCollectionBase::Limit CXmlCollectionBase::CheckCount(const CSerializationContext& context) const {
   if (context.GetIgnoreInvalidCollectionCounts()) return Limit::Kept;

@@ -62,7 +62,7 @@ class RKXML_EXPORT CXmlCollectionBase : public CXmlObjectBase {
   template <class Notify>
   void ForEachListener(Notify&& notify);
 
-  std::wstring m_namespaceUri;
+  CSharedName m_namespaceUri;
   std::vector<IEventSink*> m_listeners;
   Walk* m_walk = nullptr;  // the innermost notification under way
   int m_minOccurs = 0;

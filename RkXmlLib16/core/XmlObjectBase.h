@@ -4,10 +4,10 @@
 #include <cstdint>
 #include <string>
 
-#include "RkXmlLib16/core/ElementName.h"
 #include "RkXmlLib16/core/Enumerations.h"
 #include "RkXmlLib16/core/Export.h"
 #include "RkXmlLib16/core/ReferenceCount.h"
+#include "RkXmlLib16/core/SharedName.h"
 #include "RkXmlLib16/types/BinaryData.h"
 
 namespace RkXmlLib16 {
@@ -197,7 +197,7 @@ class RKXML_EXPORT CXmlObjectBase : public IEventSink {
   bool IsNamespaceValid(const wchar_t* namespaceUri, const wchar_t* constraint, const wchar_t* targetNamespace) const;
 
  protected:
-  CElementName m_elementName;
+  CSharedName m_elementName;
 
  private:
   CReferenceCount m_references{0};

@@ -61,7 +61,7 @@ void CAttributeCol::ToXml_Int(CXmlWriter* writer, bool /*registerNamespaces*/, c
 CXmlElement* CAttributeCol::FromXml_Int(CXmlElement* element, CXmlElement* firstChild,
                                         const CSerializationContext& /*context*/, bool /*isOptionalChoice*/) {
   for (const CXmlAttribute* attribute : element->GetAttributes()) {
-    if (attribute->IsNamespaceAttribute() || !m_rule.Admits(attribute->GetNamespaceURI().c_str())) continue;
+    if (attribute->IsNamespaceAttribute() || !m_rule.Admits(attribute->GetNamespaceURI())) continue;
     Add(*attribute);
   }
   return firstChild;

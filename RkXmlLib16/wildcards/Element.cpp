@@ -64,7 +64,7 @@ class CElement::TreeReader {
     };
     std::vector<Level> open;
     Take(target, source);
-    open.push_back({&target, source.GetFirstElement()});
+    if (source.GetFirstElement() != nullptr) open.push_back({&target, source.GetFirstElement()});
     while (!open.empty()) {
       const CXmlElement* const child = open.back().nextChild;
       if (child == nullptr) {
@@ -308,7 +308,7 @@ void CElement::ToXml_Int(CXmlWriter* writer, bool registerNamespaces, const wcha
 
 CXmlElement* CElement::FromXml_Int(CXmlElement* /*parent*/, CXmlElement* current, const CSerializationContext& context,
                                    bool /*isOptionalChoice*/) {
-  if (current == nullptr || !m_rule.Admits(current->GetNamespaceURI().c_str())) return current;
+  if (current == nullptr || !m_rule.Admits(current->GetNamespaceURI())) return current;
   CElement::FromXmlElement(current, context);
   return current->GetNextSiblingElement();
 }

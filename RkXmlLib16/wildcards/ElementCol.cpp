@@ -25,8 +25,7 @@ void CElementCol::ToXml_Int(CXmlWriter* writer, bool /*registerNamespaces*/, con
 
 CXmlElement* CElementCol::FromXml_Int(CXmlElement* /*parent*/, CXmlElement* current,
                                       const CSerializationContext& /*context*/, bool /*isOptionalChoice*/) {
-  for (; current != nullptr && m_rule.Admits(current->GetNamespaceURI().c_str());
-       current = current->GetNextSiblingElement()) {
+  for (; current != nullptr && m_rule.Admits(current->GetNamespaceURI()); current = current->GetNextSiblingElement()) {
     const CSmartPtr<CElement> element(new CElement(m_rule, *current));
     CXmlCollection::AppendItem(element);
   }
@@ -37,7 +36,7 @@ CXmlElement* CElementCol::FromXmlLockElementName_Int(const wchar_t* elementName,
                                                      CXmlElement* /*parent*/, CXmlElement* current,
                                                      const CSerializationContext& /*context*/) {
   const std::wstring_view name(TextOrEmpty(elementName));
-  for (; current != nullptr && current->GetLocalName() == name && m_rule.Admits(current->GetNamespaceURI().c_str());
+  for (; current != nullptr && current->GetLocalName() == name && m_rule.Admits(current->GetNamespaceURI());
        current = current->GetNextSiblingElement()) {
     const CSmartPtr<CElement> element(new CElement(m_rule, *current));
     CXmlCollection::AppendItem(element);

@@ -2,20 +2,28 @@
 
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/core/internal/TextOrEmpty.h"
-#include "RkXmlLib16/metadata/FacetChecks.h"
+#include "RkXmlLib16/metadata/NamespaceConstraint.h"
 #include "RkXmlLib16/support/Format.h"
 
 namespace RkXmlLib16 {
 
+namespace {
+
+constexpr const wchar_t* kAny = L"##any";
+
+}  // namespace
+
 CNamespaceRule::CNamespaceRule(const wchar_t* constraint, const wchar_t* targetNamespace) {
-  const std::wstring text(constraint != nullptr ? constraint : L"##any");
-  const std::wstring target(TextOrEmpty(targetNamespace));
-  if (text != L"##any" || !target.empty()) m_texts = std::make_shared<const Texts>(Texts{text, target});
+  const std::wstring_view text = constraint != nullptr ? constraint : kAny;
+  const std::wstring_view target = TextOrEmpty(targetNamespace);
+  if (text == kAny && target.empty()) return;
+  m_admitsAll = false;
+  m_constraint.Set(text);
+  m_targetNamespace.Set(target);
 }
 
-bool CNamespaceRule::Admits(const wchar_t* namespaceUri) const {
-  return m_texts == nullptr ||
-         CXmlObjectHelper::IsNamespaceValid(namespaceUri, m_texts->constraint, m_texts->targetNamespace);
+bool CNamespaceRule::Admits(std::wstring_view namespaceUri) const {
+  return m_admitsAll || IsNamespaceAdmitted(namespaceUri, m_constraint.Get(), m_targetNamespace.Get());
 }
 
 void CNamespaceRule::TestElement(const wchar_t* namespaceUri) const {
@@ -30,11 +38,9 @@ void CNamespaceRule::TestAttribute(const wchar_t* localName, const wchar_t* name
 }
 
 const wchar_t* CNamespaceRule::GetConstraint() const noexcept {
-  return m_texts != nullptr ? m_texts->constraint.c_str() : L"##any";
+  return m_admitsAll ? kAny : m_constraint.Get().c_str();
 }
 
-const wchar_t* CNamespaceRule::GetTargetNamespace() const noexcept {
-  return m_texts != nullptr ? m_texts->targetNamespace.c_str() : L"";
-}
+const wchar_t* CNamespaceRule::GetTargetNamespace() const noexcept { return m_targetNamespace.Get().c_str(); }
 
 }  // namespace RkXmlLib16

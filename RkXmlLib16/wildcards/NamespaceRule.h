@@ -1,8 +1,9 @@
 #ifndef RKXMLLIB16_WILDCARDS_NAMESPACERULE_H
 #define RKXMLLIB16_WILDCARDS_NAMESPACERULE_H
 
-#include <memory>
-#include <string>
+#include <string_view>
+
+#include "RkXmlLib16/core/SharedName.h"
 
 namespace RkXmlLib16 {
 
@@ -15,7 +16,7 @@ class CNamespaceRule {
   // A null constraint is "##any".
   CNamespaceRule(const wchar_t* constraint, const wchar_t* targetNamespace);
 
-  bool Admits(const wchar_t* namespaceUri) const;
+  bool Admits(std::wstring_view namespaceUri) const;
   // Throws CRkInvalidNamespaceException "Invalid Namespace [%ls].".
   void TestElement(const wchar_t* namespaceUri) const;
   // Throws CRkInvalidNamespaceException "Invalid Attribute [%ls]. The attributes namespace is Inappropriate.".
@@ -25,11 +26,9 @@ class CNamespaceRule {
   const wchar_t* GetTargetNamespace() const noexcept;
 
  private:
-  struct Texts {
-    std::wstring constraint;
-    std::wstring targetNamespace;
-  };
-  std::shared_ptr<const Texts> m_texts;  // null admits every namespace
+  bool m_admitsAll = true;
+  CSharedName m_constraint;  // neither is set when all are admitted
+  CSharedName m_targetNamespace;
 };
 
 }  // namespace RkXmlLib16

@@ -1,4 +1,4 @@
-#include "RkXmlLib16/core/ElementName.h"
+#include "RkXmlLib16/core/SharedName.h"
 
 #include <array>
 #include <cstddef>
@@ -8,10 +8,10 @@
 namespace RkXmlLib16 {
 
 // The names that a thread set last, each in the place that its ends and its length give.
-class CElementName::Recent {
+class CSharedName::Recent {
  public:
   // Null for long names, which are not kept, and when the thread has ended its names.
-  static CElementName* Find(std::wstring_view name) {
+  static CSharedName* Find(std::wstring_view name) {
     Recent* const recent = name.size() <= kLongest ? CThreadObject<Recent>::Get() : nullptr;
     if (recent == nullptr) return nullptr;
     const std::size_t mix = static_cast<std::size_t>(name.front()) * 5 + static_cast<std::size_t>(name.back()) * 3;
@@ -22,18 +22,18 @@ class CElementName::Recent {
   static constexpr std::size_t kCount = 64;
   static constexpr std::size_t kLongest = 64;
 
-  std::array<CElementName, kCount> m_names;
+  std::array<CSharedName, kCount> m_names;
 };
 
-const std::wstring& CElementName::Empty() noexcept {
+const std::wstring& CSharedName::Empty() noexcept {
   static const std::wstring empty;
   return empty;
 }
 
-void CElementName::Change(std::wstring_view name) {
-  CElementName changed;
+void CSharedName::Change(std::wstring_view name) {
+  CSharedName changed;
   if (!name.empty()) {
-    CElementName* const recent = Recent::Find(name);
+    CSharedName* const recent = Recent::Find(name);
     if (recent != nullptr && EqualTexts(recent->Get(), name)) {
       changed = *recent;
     } else {

@@ -1,5 +1,5 @@
-#ifndef RKXMLLIB16_CORE_ELEMENTNAME_H
-#define RKXMLLIB16_CORE_ELEMENTNAME_H
+#ifndef RKXMLLIB16_CORE_SHAREDNAME_H
+#define RKXMLLIB16_CORE_SHAREDNAME_H
 
 #include <string>
 #include <string_view>
@@ -11,26 +11,26 @@
 
 namespace RkXmlLib16 {
 
-// The name of an object's element. A document's objects bear few names; those that a thread uses again and again are
-// held once for all of them. A value type; copies share the text.
-class RKXML_EXPORT CElementName {
+// A name or namespace that many objects have: those that a thread uses again and again are held once for all of them. A
+// value type; copies share the text.
+class RKXML_EXPORT CSharedName {
  public:
-  CElementName() noexcept = default;
-  CElementName(const CElementName& other) noexcept : m_shared(other.m_shared) {
+  CSharedName() noexcept = default;
+  CSharedName(const CSharedName& other) noexcept : m_shared(other.m_shared) {
     if (m_shared != nullptr) m_shared->references.Increment();
   }
-  CElementName& operator=(CElementName other) noexcept {
+  CSharedName& operator=(CSharedName other) noexcept {
     std::swap(m_shared, other.m_shared);
     return *this;
   }
-  ~CElementName() {
+  ~CSharedName() {
     if (m_shared != nullptr && m_shared->references.Decrement() == 0) delete m_shared;
   }
 
   // Holds until the name is set again.
   const std::wstring& Get() const noexcept { return m_shared != nullptr ? m_shared->text : Empty(); }
   void Set(std::wstring_view name) {
-    if (!EqualTexts(Get(), name)) Change(name);
+    if (m_shared != nullptr ? !EqualTexts(m_shared->text, name) : !name.empty()) Change(name);
   }
 
  private:
