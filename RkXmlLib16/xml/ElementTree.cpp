@@ -1,6 +1,7 @@
 #include "RkXmlLib16/xml/ElementTree.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <cwchar>
 #include <map>
@@ -24,6 +25,10 @@ constexpr std::wstring_view kXmlnsNamespace = L"http://www.w3.org/2000/xmlns/";
 std::wstring_view ViewOf(const wchar_t* text) {
   return text != nullptr ? std::wstring_view(text) : std::wstring_view();
 }
+
+// Characters of one shared text of white space, and of all of them together.
+constexpr std::size_t kLongestSharedBlanks = 128;
+constexpr std::size_t kMostSharedBlanks = std::size_t{1} << 16;
 
 constexpr std::size_t BytesOfText(std::size_t capacity) {
   return sizeof(CXmlTextBlock) + (capacity + 1) * sizeof(wchar_t);
@@ -58,6 +63,8 @@ struct RKXML_HIDDEN CXmlDocument::Storage {
   [[noreturn]] void ThrowExceeded(const wchar_t* name, unsigned long value) const;
   // The block with room for `more` characters behind its text, moved if need be.
   CXmlTextBlock* Reserve(CXmlTextBlock* block, std::size_t more);
+  // The shared block of the text of `block` (shared, or null) and the blanks; null when there can be none.
+  CXmlTextBlock* ShareBlanks(const CXmlTextBlock* block, std::wstring_view blanks);
 
   const CXmlDocument& document;
   CArena nodes;
@@ -69,7 +76,13 @@ struct RKXML_HIDDEN CXmlDocument::Storage {
   std::size_t nameCount = 0;
   std::map<std::wstring_view, const CXmlName*> aliases;  // prefix to namespace
   std::unordered_map<const CXmlName*, std::shared_ptr<const std::wstring>> sharedNames;
-  std::size_t depth = 0;  // of the current element
+  struct BlanksStep {
+    const CXmlTextBlock* before;
+    CXmlTextBlock* after;
+  };
+  std::array<BlanksStep, 64> blanksSteps{};  // what was made of which block last, by both
+  std::size_t sharedBlankCount = 0;          // characters
+  std::size_t depth = 0;                     // of the current element
   std::size_t nodeCount = 0;
   std::size_t charCount = 0;
   std::vector<OpenElement> open;  // only with a filter
@@ -115,7 +128,7 @@ void CXmlDocument::Storage::CountCharacters(std::size_t more) {
 }
 
 CXmlTextBlock* CXmlDocument::Storage::Reserve(CXmlTextBlock* block, std::size_t more) {
-  if (block != nullptr && more <= block->m_capacity - block->m_length) {
+  if (block != nullptr && block->m_length + more <= block->m_capacity) {
     CountCharacters(more);
     return block;
   }
@@ -123,7 +136,7 @@ CXmlTextBlock* CXmlDocument::Storage::Reserve(CXmlTextBlock* block, std::size_t 
   if (more > UINT32_MAX / 2 - length) throw CRkException(L"The text of an element is too long.");
   CountCharacters(more);
   const std::size_t needed = length + more;
-  if (block != nullptr) {
+  if (block != nullptr && block->m_capacity != 0) {
     if (texts.Extend(block, BytesOfText(block->m_capacity), BytesOfText(needed))) {
       block->m_capacity = static_cast<std::uint32_t>(needed);
       return block;
@@ -135,6 +148,26 @@ CXmlTextBlock* CXmlDocument::Storage::Reserve(CXmlTextBlock* block, std::size_t 
   if (block != nullptr) std::wmemcpy(moved->Chars(), block->Chars(), length);
   moved->Chars()[length] = L'\0';
   return moved;
+}
+
+CXmlTextBlock* CXmlDocument::Storage::ShareBlanks(const CXmlTextBlock* block, std::wstring_view blanks) {
+  const std::size_t length = block != nullptr ? block->m_length : 0;
+  if (length + blanks.size() > kLongestSharedBlanks) return nullptr;
+  const std::size_t place =
+      reinterpret_cast<std::uintptr_t>(block) / 8 + blanks.size() * 5 + static_cast<std::size_t>(blanks.back());
+  BlanksStep& step = blanksSteps[place % blanksSteps.size()];
+  if (step.after != nullptr && step.before == block && step.after->m_length == length + blanks.size() &&
+      EqualTexts({step.after->Chars() + length, blanks.size()}, blanks))
+    return step.after;
+  if (sharedBlankCount > kMostSharedBlanks) return nullptr;
+  sharedBlankCount += length + blanks.size();
+  auto* const joined = new (names.Allocate(BytesOfText(length + blanks.size())))
+      CXmlTextBlock{static_cast<std::uint32_t>(length + blanks.size()), 0};
+  if (block != nullptr) std::wmemcpy(joined->Chars(), block->Chars(), length);
+  std::wmemcpy(joined->Chars() + length, blanks.data(), blanks.size());
+  joined->Chars()[joined->m_length] = L'\0';
+  step = {block, joined};
+  return joined;
 }
 
 // ---- document ----
@@ -339,6 +372,17 @@ void CXmlDocument::CommitText(CXmlElement* element, std::size_t charCount) noexc
   CXmlTextBlock& block = *element->m_text;
   block.m_length += static_cast<std::uint32_t>(charCount);
   block.Chars()[block.m_length] = L'\0';
+}
+
+void CXmlDocument::AppendBlanks(std::wstring_view blanks) {
+  CXmlElement* const element = m_currentElement;
+  if (element == nullptr || blanks.empty()) return;
+  CXmlTextBlock* const text = element->m_text;
+  CXmlTextBlock* const shared =
+      text == nullptr || text->m_capacity == 0 ? m_storage->ShareBlanks(text, blanks) : nullptr;
+  if (shared == nullptr) return AppendText(element, blanks);
+  m_storage->CountCharacters(blanks.size());
+  element->m_text = shared;
 }
 
 void CXmlDocument::AppendText(CXmlElement* element, std::wstring_view text) {

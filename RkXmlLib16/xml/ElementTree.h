@@ -56,7 +56,7 @@ class CXmlName {
 // The head of a text in the storage of a document; the characters and their NUL follow it.
 struct CXmlTextBlock {
   std::uint32_t m_length;
-  std::uint32_t m_capacity;  // without the NUL
+  std::uint32_t m_capacity;  // without the NUL; 0 for a block that several elements share
 
   wchar_t* Chars() noexcept { return reinterpret_cast<wchar_t*>(this + 1); }
   const wchar_t* Chars() const noexcept { return reinterpret_cast<const wchar_t*>(this + 1); }
@@ -281,6 +281,9 @@ class RKXML_EXPORT CXmlDocument {
   CXmlAttribute* AddAttribute(CXmlElement* element, const CXmlName* localName, const CXmlName* namespaceUri,
                               CXmlTextBlock* storedValue);
   void AppendText(CXmlElement* element, std::wstring_view text);  // drops carriage returns
+  // The same for white space in the current element, which a document has again and again: texts of nothing else are
+  // held once while they are short.
+  void AppendBlanks(std::wstring_view blanks);
   // Room for `charCount` characters to be decoded into: at the end of the element's text, or as an attribute's value.
   // Commit tells how many were used (at most charCount; carriage returns count as any character), directly after.
   wchar_t* ReserveText(CXmlElement* element, std::size_t charCount);

@@ -11,6 +11,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/core/ReadLimits.h"
@@ -73,10 +74,17 @@ std::size_t WidenWithoutCR(const XML_Char* text, std::size_t length, wchar_t* ou
   }
 }
 
+// Whether the text begins with `wide`; it holds as many units.
 bool Equal(const XML_Char* text, std::wstring_view wide) {
-  std::uint32_t difference = 0;
-  for (std::size_t i = 0; i < wide.size(); ++i) difference |= text[i] ^ static_cast<std::uint32_t>(wide[i]);
-  return difference == 0;
+  std::size_t i = 0;
+  for (const __m128i zero = _mm_setzero_si128(); i + 4 <= wide.size(); i += 4) {
+    const __m128i units = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(text + i));
+    const __m128i wanted = _mm_loadu_si128(reinterpret_cast<const __m128i*>(wide.data() + i));
+    if (_mm_movemask_epi8(_mm_cmpeq_epi32(_mm_unpacklo_epi16(units, zero), wanted)) != 0xFFFF) return false;
+  }
+  for (; i < wide.size(); ++i)
+    if (text[i] != static_cast<std::uint32_t>(wide[i])) return false;
+  return true;
 }
 
 // Counts what expat does with the heap on this thread. Between two equal counts nothing that expat owns has moved.
@@ -107,7 +115,18 @@ struct RKXML_HIDDEN CExpatReader::Parser {
 
   void StartElement(const XML_Char* name, const XML_Char** attributes);
   void Text(const XML_Char* text, std::size_t length);
-  void Mark(std::wstring_view mark) { document.AppendText(document.GetCurrentElement(), mark); }
+  bool KeepBlanks(const XML_Char* text, std::size_t length);
+  void FlushBlanks() {
+    if (blankCount != 0) document.AppendBlanks({blanks, std::exchange(blankCount, 0)});
+  }
+  void Mark(std::wstring_view mark) {
+    FlushBlanks();
+    document.AppendText(document.GetCurrentElement(), mark);
+  }
+  void EndElement() {
+    FlushBlanks();
+    document.EndElement();
+  }
   void StartNamespace(const XML_Char* prefix, const XML_Char* uri);
   void EntityDeclaration(const XML_Char* value, std::size_t length);
   void AddDefaulted(CXmlElement* element, const XML_Char* name, const XML_Char* value);
@@ -143,7 +162,7 @@ struct RKXML_HIDDEN CExpatReader::Parser {
     Guarded(userData, [&](Parser& self) { self.StartElement(name, attributes); });
   }
   static void FnEndElement(void* userData, const XML_Char*) {
-    Guarded(userData, [](Parser& self) { self.document.EndElement(); });
+    Guarded(userData, [](Parser& self) { self.EndElement(); });
   }
   static void FnText(void* userData, const XML_Char* text, int length) {
     Guarded(userData, [&](Parser& self) { self.Text(text, static_cast<std::size_t>(length)); });
@@ -178,6 +197,8 @@ struct RKXML_HIDDEN CExpatReader::Parser {
   XML_Parser expat = nullptr;
   std::exception_ptr failure;
   std::wstring buffer;  // for names on their way into the document
+  wchar_t blanks[64];   // of the current element, on their way behind its text
+  std::size_t blankCount = 0;
   UriEntry uris[16];
   const CXmlName* localNames[256] = {};
   const CXmlName* lastAttributeUri = nullptr;
@@ -251,6 +272,7 @@ void CExpatReader::Parser::CountNamespace(std::size_t charCount) {
 }
 
 void CExpatReader::Parser::StartElement(const XML_Char* name, const XML_Char** attributes) {
+  FlushBlanks();
   const CXmlName* namespaceUri = nullptr;
   const CXmlName* localName = LocalName(SplitElementName(name, namespaceUri));
   CXmlElement* const element = document.AddElement(namespaceUri, localName);
@@ -274,7 +296,22 @@ void CExpatReader::Parser::Text(const XML_Char* text, std::size_t length) {
   CXmlElement* const element = document.GetCurrentElement();
   if (isUtf16) length = static_cast<std::size_t>(std::find(text, text + length, XML_Char{0}) - text);
   if (length == 0 || element == nullptr) return;
+  if (KeepBlanks(text, length)) return;
+  FlushBlanks();
   document.CommitText(element, WidenWithoutCR(text, length, document.ReserveText(element, length)));
+}
+
+// White space between elements comes in two pieces or more, which are joined before they reach the document. False for
+// any other text.
+bool CExpatReader::Parser::KeepBlanks(const XML_Char* text, std::size_t length) {
+  if (length > std::size(blanks) - blankCount) return false;
+  wchar_t* out = blanks + blankCount;
+  for (const XML_Char* const end = text + length; text != end; ++text) {
+    if (*text != ' ' && *text != '\n' && *text != '\t') return false;
+    *out++ = *text;
+  }
+  blankCount += length;
+  return true;
 }
 
 // The value of a default is stored once, however many elements have it.

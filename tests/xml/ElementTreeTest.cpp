@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+#include <utility>
+#include <vector>
+
 #include "Expect.h"
 
 namespace RkXmlLib16 {
@@ -112,6 +116,40 @@ TEST(ElementTree, KnowsTheAttributesOfTheNamespaceMachinery) {
     EXPECT_EQ(rows[i].isNamespace, e->GetAttributes()[i]->IsNamespaceAttribute()) << i;
     EXPECT_EQ(rows[i].isNil, e->GetAttributes()[i]->IsNilAttribute()) << i;
   }
+}
+
+// Blanks between elements are held once for many; each element still has all of its own.
+TEST(ElementTree, WhiteSpaceBetweenChildrenBelongsToEachElement) {
+  const std::wstring longRun(300, L' ');
+  const std::vector<std::pair<std::wstring, std::wstring>> rows = {
+      {L"\n\t<c/>\n\t<c/>\n", L"\n\t\n\t\n"},
+      {L"\n\t<c/>\n\t<c/>\n", L"\n\t\n\t\n"},
+      {L"\n\t<c/>\n  <c/>\n", L"\n\t\n  \n"},
+      {L"\n\t<c/>word\n\t<c/>\n", L"\n\tword\n\t\n"},
+      {L"\n\t<c/> &#13; <c/>\n", L"\n\t  \n"},
+      {L" <![CDATA[ ]]> ", L"   "},
+      {L" " + longRun + L"<c/> " + longRun, L"  " + longRun + longRun},
+      {L" <c/> <c/> ", L"   "}};
+  std::wstring many;
+  std::wstring manyBlanks;
+  for (int i = 0; i < 200; ++i) {
+    many += L"<c/>\n\t";
+    manyBlanks += L"\n\t";
+  }
+  std::wstring xml = L"<r>";
+  for (const auto& [content, text] : rows) xml += L"<e>" + content + L"</e>";
+  xml += L"<e>" + many + L"</e></r>";
+
+  CXmlDocument document;
+  document.LoadXml(xml.c_str());
+  CXmlElement* e = document.GetDocumentElement()->GetFirstElement();
+  e->AppendText(L"!");
+  EXPECT_WIDE_EQ(rows[0].second + L"!", e->GetText());
+  for (std::size_t i = 1; i < rows.size(); ++i) {
+    e = e->GetNextSiblingElement();
+    EXPECT_WIDE_EQ(rows[i].second, e->GetText()) << i;
+  }
+  EXPECT_WIDE_EQ(manyBlanks, e->GetNextSiblingElement()->GetText());
 }
 
 TEST(ElementTree, BuildsByHand) {
