@@ -10,6 +10,7 @@
 #include "RkXmlLib16/support/BinaryStream.h"
 #include "RkXmlLib16/support/Encoder.h"
 #include "RkXmlLib16/support/Format.h"
+#include "RkXmlLib16/support/WideText.h"
 
 namespace RkXmlLib16 {
 
@@ -19,8 +20,10 @@ using FastInfoset::IntegerLayout;
 namespace {
 
 constexpr std::size_t kFlushLength = 16384;
+constexpr unsigned char kExternalVocabulary[] = {0x20, 0x10, 0x00};
 constexpr unsigned char kNoAddBit = 0;
 constexpr std::size_t kShortText = 64;
+constexpr std::size_t kLongestInteger = 5;
 constexpr std::size_t kFewBindings = 16;  // up to so many are searched one by one
 
 // A restricted alphabet and where its characters, which are ASCII, stand in it.
@@ -52,6 +55,8 @@ const Alphabet& FindAlphabet(unsigned long index) {
 bool AppendPacked(const Alphabet& alphabet, std::wstring_view text, std::vector<unsigned char>& octets) {
   const std::size_t start = octets.size();
   const int width = FastInfoset::BitsPerCharacter(alphabet.length);
+  octets.resize(start + (text.length() * static_cast<std::size_t>(width) + 7) / 8);
+  unsigned char* to = octets.data() + start;
   std::uint32_t bits = 0;
   int bitCount = 0;
   for (const wchar_t c : text) {
@@ -62,14 +67,47 @@ bool AppendPacked(const Alphabet& alphabet, std::wstring_view text, std::vector<
     }
     bits = bits << width | static_cast<std::uint32_t>(position);
     bitCount += width;
-    for (; bitCount >= 8; bitCount -= 8) octets.push_back(static_cast<unsigned char>(bits >> (bitCount - 8)));
+    for (; bitCount >= 8; bitCount -= 8) *to++ = static_cast<unsigned char>(bits >> (bitCount - 8));
   }
-  if (bitCount > 0) octets.push_back(static_cast<unsigned char>(bits << (8 - bitCount) | 0xFFu >> bitCount));
+  if (bitCount > 0) *to = static_cast<unsigned char>(bits << (8 - bitCount) | 0xFFu >> bitCount);
   return true;
 }
 
 [[noreturn]] void ThrowNotInAlphabet() {
   throw CRkException(L"Failed to write FastInfoset. Invalid character not found for Restricted Alphabet.");
+}
+
+// Any form of an integer; `octet` holds the bits before it.
+unsigned char* PutLongInteger(const IntegerLayout& layout, unsigned char* to, unsigned char octet,
+                              unsigned long value) {
+  if (value < 1 || value > layout.highest) {
+    throw CRkException(value < 1 ? L"Failed to write FastInfoset. A name is empty."
+                                 : L"Failed to write FastInfoset. A string is too long.");
+  }
+  const IntegerForm* form = layout.forms + layout.formCount - 1;
+  while (value < form->lowest) --form;
+  const unsigned long stored = value - form->lowest;
+  unsigned more = form->moreOctets;
+  *to++ = static_cast<unsigned char>(octet | form->pattern | stored >> (8 * more));
+  while (more-- > 0) *to++ = static_cast<unsigned char>(stored >> (8 * more));
+  return to;
+}
+
+// The two lowest forms, which have at most one octet more, and by way of a call the others.
+template <const IntegerLayout& kLayout>
+inline unsigned char* PutInteger(unsigned char* to, unsigned char octet, unsigned long value) {
+  constexpr const IntegerForm& kFirst = kLayout.forms[0];
+  constexpr const IntegerForm& kSecond = kLayout.forms[1];
+  static_assert(kFirst.lowest == 1 && kFirst.moreOctets == 0 && kSecond.moreOctets == 1 && kLayout.formCount > 2);
+  if (value - 1 < kSecond.lowest - 1) {
+    *to++ = static_cast<unsigned char>(octet | kFirst.pattern | (value - 1));
+    return to;
+  }
+  if (value == 0 || value >= kLayout.forms[2].lowest) return PutLongInteger(kLayout, to, octet, value);
+  const unsigned long stored = value - kSecond.lowest;
+  *to++ = static_cast<unsigned char>(octet | kSecond.pattern | stored >> 8);
+  *to++ = static_cast<unsigned char>(stored);
+  return to;
 }
 
 std::size_t SlotOf(std::wstring_view name, std::size_t slots) {
@@ -92,10 +130,59 @@ bool IsFloating(const EncodedCharacterString& encoding) {
 
 CFastInfosetWriter::CFastInfosetWriter(const CFastInfosetContext& context, CBinaryStream& stream)
     : m_fiContext(context), m_stream(stream), m_vocabulary(context.GetVocabulary()) {
-  m_octets.reserve(2 * kFlushLength);
+  Grow(kFlushLength);
 }
 
 CFastInfosetWriter::~CFastInfosetWriter() = default;
+
+inline std::size_t CFastInfosetWriter::GetLength() const { return static_cast<std::size_t>(m_end - m_room.data()); }
+
+inline unsigned char* CFastInfosetWriter::Reserve(std::size_t count) {
+  if (static_cast<std::size_t>(m_limit - m_end) < count) Grow(count);
+  return m_end;
+}
+
+inline void CFastInfosetWriter::Put(unsigned char octet) {
+  Reserve(1);
+  *m_end++ = octet;
+}
+
+inline void CFastInfosetWriter::Put(const unsigned char* octets, std::size_t count) {
+  m_end = std::copy_n(octets, count, Reserve(count));
+}
+
+template <const IntegerLayout& kLayout>
+inline void CFastInfosetWriter::Integer(unsigned char octet, unsigned long value) {
+  m_end = PutInteger<kLayout>(Reserve(kLongestInteger), octet, value);
+}
+
+// Most texts are short and ASCII: as many octets as characters, known before they are encoded.
+template <const IntegerLayout& kLayout>
+inline void CFastInfosetWriter::Utf8(unsigned char octet, std::wstring_view text) {
+  if (!text.empty() && text.length() <= kShortText) {
+    unsigned char* const to = PutInteger<kLayout>(Reserve(kLongestInteger + kShortText), octet, text.length());
+    if (Ascii::NarrowRun(text.data(), text.length(), to) == text.length()) {
+      m_end = to + text.length();
+      return;
+    }
+  }
+  const unsigned long length = CEncoder::Utf8Length(text);
+  Integer<kLayout>(octet, length);
+  m_end = CEncoder::WriteUtf8(text, Reserve(length));
+}
+
+void CFastInfosetWriter::Grow(std::size_t count) {
+  const std::size_t length = GetLength();
+  m_room.resize(2 * (length + count));
+  m_end = m_room.data() + length;
+  m_limit = m_room.data() + m_room.size();
+}
+
+void CFastInfosetWriter::FlushOctets() {
+  if (IsStartTagOpen()) return;
+  m_stream.Append(m_room.data(), GetLength());
+  m_end = m_room.data();
+}
 
 void CFastInfosetWriter::WriteStartDocument(FInfoDecl declaration) {
   if (declaration < FInfoDecl_None || declaration > FInfoDecl_Version11StandaloneNo) {
@@ -104,15 +191,15 @@ void CFastInfosetWriter::WriteStartDocument(FInfoDecl declaration) {
   }
   if (declaration != FInfoDecl_None) {
     const std::string_view text = FastInfoset::kDeclarations[declaration - 1];
-    m_octets.insert(m_octets.end(), text.begin(), text.end());
+    Put(reinterpret_cast<const unsigned char*>(text.data()), text.size());
   }
-  m_octets.insert(m_octets.end(), std::begin(FastInfoset::kHeader), std::end(FastInfoset::kHeader));
+  Put(FastInfoset::kHeader, sizeof FastInfoset::kHeader);
   if (m_fiContext.GetUseGeneratedVocabulary()) {
-    m_octets.insert(m_octets.end(), {0x20, 0x10, 0x00});
+    Put(kExternalVocabulary, sizeof kExternalVocabulary);
     const std::wstring uri = m_fiContext.GetExternalVocabularyURI();
     NonEmptyOctetUTF8StringBit2(0x00, uri.empty() ? CFastInfosetContext::LIBRARY_NAMESPACE : uri);
   } else {
-    m_octets.push_back(0x00);
+    Put(0x00);
   }
   FlushOctets();
 }
@@ -152,10 +239,10 @@ void CFastInfosetWriter::WriteStartElement(const std::wstring& localName, const 
     ++m_context->m_childCount;
   }
   FlushTerminator();
-  if (m_octets.size() >= kFlushLength) FlushOctets();
+  if (GetLength() >= kFlushLength) FlushOctets();
   PushContext(localName, namespaceUri);
   ++m_openElements;
-  m_startTag = m_octets.size();
+  m_startTag = GetLength();
   m_hasAttributes = false;
   m_declarations.clear();
   if (isRoot) {
@@ -173,16 +260,19 @@ void CFastInfosetWriter::WriteStartElement(const std::wstring& localName, const 
 void CFastInfosetWriter::WriteElement() {
   if (!IsStartTagOpen()) return;
   m_context->m_startTagOpen = false;
-  unsigned char& first = m_octets[m_startTag];
   const unsigned char attributes = m_hasAttributes ? FastInfoset::kAttributesBit : 0;
   if (m_declarations.empty()) {
+    unsigned char& first = m_room[m_startTag];
     first = static_cast<unsigned char>(first | attributes);
   } else {
     m_declarations.insert(m_declarations.begin(),
                           static_cast<unsigned char>(FastInfoset::kElementNamespaces | attributes));
     m_declarations.push_back(FastInfoset::kTerminator);
-    m_octets.insert(m_octets.begin() + static_cast<std::ptrdiff_t>(m_startTag), m_declarations.begin(),
-                    m_declarations.end());
+    Reserve(m_declarations.size());
+    unsigned char* const start = m_room.data() + m_startTag;
+    std::copy_backward(start, m_end, m_end + m_declarations.size());
+    std::copy(m_declarations.begin(), m_declarations.end(), start);
+    m_end += m_declarations.size();
   }
   if (m_hasAttributes) WriteTerminator();
 }
@@ -196,7 +286,7 @@ void CFastInfosetWriter::WriteString(const std::wstring& text, ItemType type) {
   if (text.empty()) return;
   FlushTerminator();
   NonIdentifyingStringOrIndexBit3(text, type);
-  if (m_octets.size() >= kFlushLength) FlushOctets();
+  if (GetLength() >= kFlushLength) FlushOctets();
 }
 
 void CFastInfosetWriter::WriteTextElement(const std::wstring& localName, const std::wstring& namespaceUri,
@@ -209,7 +299,7 @@ void CFastInfosetWriter::WriteTextElement(const std::wstring& localName, const s
   QualifiedNameOrIndexBit3(*scoped, localName);
   if (!text.empty()) NonIdentifyingStringOrIndexBit3(text, type);
   WriteTerminator();
-  if (m_octets.size() >= kFlushLength) FlushOctets();
+  if (GetLength() >= kFlushLength) FlushOctets();
 }
 
 void CFastInfosetWriter::WriteEndElement() {
@@ -245,7 +335,7 @@ void CFastInfosetWriter::WriteAttributeType(const std::wstring& typeNamespaceUri
 
 void CFastInfosetWriter::WriteAttributeNil() { WriteAttributeString(L"nil", XSI_NAMESPACE, L"true", ItemType_boolean); }
 
-bool CFastInfosetWriter::IsStartTagOpen() const { return m_context != nullptr && m_context->m_startTagOpen; }
+inline bool CFastInfosetWriter::IsStartTagOpen() const { return m_context != nullptr && m_context->m_startTagOpen; }
 
 void CFastInfosetWriter::RequireStartTag() const {
   if (!IsStartTagOpen()) throw CRkException(L"Attributes must be added before elements");
@@ -255,9 +345,9 @@ void CFastInfosetWriter::RequireStartTag() const {
 
 const CFastInfosetWriter::ScopedNamespace* CFastInfosetWriter::FindKnown(const ScopeCache& cache,
                                                                          const std::wstring& namespaceUri) {
-  const auto known = std::find_if(cache.begin(), cache.end(),
-                                  [&](const ScopedNamespace& scoped) { return scoped.uri == namespaceUri; });
-  return known != cache.end() ? &*known : nullptr;
+  for (const ScopedNamespace& scoped : cache)
+    if (WideText::IsEqual(scoped.uri, namespaceUri)) return &scoped;
+  return nullptr;
 }
 
 const CFastInfosetWriter::ScopedNamespace& CFastInfosetWriter::ResolveElement(const std::wstring& namespaceUri) {
@@ -318,14 +408,15 @@ const CFastInfosetWriter::Binding* CFastInfosetWriter::FindBinding(std::wstring_
 
 // C.12, among the declarations of the pending start tag.
 void CFastInfosetWriter::Declare(const std::wstring& prefix, const std::wstring& namespaceUri) {
-  m_octets.swap(m_declarations);
+  const std::size_t start = GetLength();
   unsigned char octet = FastInfoset::kNamespaceAttribute;
   if (!prefix.empty()) octet |= FastInfoset::kNamePrefixBit;
   if (!namespaceUri.empty()) octet |= FastInfoset::kNameNamespaceBit;
-  m_octets.push_back(octet);
+  Put(octet);
   if (!prefix.empty()) IdentifyingStringOrIndexBit1(prefix, m_vocabulary.GetPrefixNamesTable());
   if (!namespaceUri.empty()) IdentifyingStringOrIndexBit1(namespaceUri, m_vocabulary.GetNamespaceNamesTable());
-  m_octets.swap(m_declarations);
+  m_declarations.insert(m_declarations.end(), m_room.data() + start, m_end);
+  m_end = m_room.data() + start;
   m_bindings.push_back({prefix, namespaceUri, m_openElements});
   if (!m_innermost.empty()) {
     AddToIndex(m_bindings.back());
@@ -369,23 +460,29 @@ void CFastInfosetWriter::LeaveScope() {
 
 // Names
 
+template <const IntegerLayout& kIndex>
+inline void CFastInfosetWriter::QualifiedName(unsigned char literal, CFIQNameTable& names, RecentNames& recent,
+                                              const ScopedNamespace& scoped, std::wstring_view localName) {
+  RecentName& slot = recent[SlotOf(localName, recent.size())];
+  const bool isRecent = slot.index != 0 && slot.prefixIndex == scoped.prefixIndex &&
+                        slot.namespaceNameIndex == scoped.namespaceNameIndex &&
+                        WideText::IsEqual(slot.localName, localName);
+  const unsigned long index = isRecent ? slot.index : NewQualifiedName(literal, names, slot, scoped, localName);
+  if (index != 0) Integer<kIndex>(0, index);
+}
+
 void CFastInfosetWriter::QualifiedNameOrIndexBit2(const ScopedNamespace& scoped, std::wstring_view localName) {
-  QualifiedName(FastInfoset::kIndexBit2, FastInfoset::kAttributeLiteralName, m_vocabulary.GetAttributeNamesTable(),
-                m_recentAttributes, scoped, localName);
+  QualifiedName<FastInfoset::kIndexBit2>(FastInfoset::kAttributeLiteralName, m_vocabulary.GetAttributeNamesTable(),
+                                         m_recentAttributes, scoped, localName);
 }
 
 void CFastInfosetWriter::QualifiedNameOrIndexBit3(const ScopedNamespace& scoped, std::wstring_view localName) {
-  QualifiedName(FastInfoset::kIndexBit3, FastInfoset::kElementLiteralName, m_vocabulary.GetElementNamesTable(),
-                m_recentElements, scoped, localName);
+  QualifiedName<FastInfoset::kIndexBit3>(FastInfoset::kElementLiteralName, m_vocabulary.GetElementNamesTable(),
+                                         m_recentElements, scoped, localName);
 }
 
-void CFastInfosetWriter::QualifiedName(const IntegerLayout& index, unsigned char literal, CFIQNameTable& names,
-                                       RecentNames& recent, const ScopedNamespace& scoped,
-                                       std::wstring_view localName) {
-  RecentName& slot = recent[SlotOf(localName, recent.size())];
-  const bool isRecent = slot.index != 0 && slot.prefixIndex == scoped.prefixIndex &&
-                        slot.namespaceNameIndex == scoped.namespaceNameIndex && slot.localName == localName;
-  if (isRecent) return Integer(index, 0, slot.index);
+unsigned long CFastInfosetWriter::NewQualifiedName(unsigned char literal, CFIQNameTable& names, RecentName& slot,
+                                                   const ScopedNamespace& scoped, std::wstring_view localName) {
   CQNameParts parts{scoped.prefixIndex, scoped.namespaceNameIndex, m_vocabulary.GetLocalNamesTable().Find(localName)};
   const bool isScopeIndexed =
       (scoped.prefix.empty() || parts.m_prefixIndex != 0) && (scoped.uri.empty() || parts.m_namespaceNameIndex != 0);
@@ -393,16 +490,17 @@ void CFastInfosetWriter::QualifiedName(const IntegerLayout& index, unsigned char
     if (const unsigned long known = names.Find(parts)) {
       const std::wstring_view lasting = m_vocabulary.GetLocalNamesTable()[parts.m_localNameIndex];
       slot = {lasting, parts.m_prefixIndex, parts.m_namespaceNameIndex, known};
-      return Integer(index, 0, known);
+      return known;
     }
   }
   if (!scoped.prefix.empty()) literal |= FastInfoset::kNamePrefixBit;
   if (!scoped.uri.empty()) literal |= FastInfoset::kNameNamespaceBit;
-  m_octets.push_back(literal);
+  Put(literal);
   if (!scoped.prefix.empty()) NamePart(scoped.prefix, parts.m_prefixIndex, m_vocabulary.GetPrefixNamesTable());
   if (!scoped.uri.empty()) NamePart(scoped.uri, parts.m_namespaceNameIndex, m_vocabulary.GetNamespaceNamesTable());
   NamePart(localName, parts.m_localNameIndex, m_vocabulary.GetLocalNamesTable());
   m_vocabulary.AddQName(scoped.prefix, scoped.uri, localName, names);
+  return 0;
 }
 
 void CFastInfosetWriter::NamePart(std::wstring_view text, unsigned long index, CFIStringTable& table) {
@@ -452,26 +550,34 @@ void CFastInfosetWriter::NonIdentifyingStringOrIndexBit3(std::wstring_view text,
 }
 
 // The encoding that the settings ask for, with its octets in m_typedOctets, or UTF-8 where that one would change the
-// value. cdata has no place in an attribute.
-EncodedCharacterString CFastInfosetWriter::ChooseEncoding(std::wstring_view text, ItemType type, bool isContent) {
+// value.
+inline EncodedCharacterString CFastInfosetWriter::ChooseEncoding(std::wstring_view text, ItemType type,
+                                                                 bool isContent) {
   const bool isKnown = type >= ItemType_none && type <= ItemType_integer;
   EncodedCharacterString wanted = isKnown ? m_fiContext.GetEncoding(type) : EncodedCharacterString();
   if (wanted.m_encoding == FIStringEncoding_None) wanted.m_encoding = m_fiContext.GetDefaultStringEncoding();
-  bool isExact = true;
+  const bool isTyped = wanted.m_encoding == FIStringEncoding_RestrictedAlphabet ||
+                       wanted.m_encoding == FIStringEncoding_EncodingAlgorithm;
+  if (isTyped && !EncodeTyped(wanted, text, type, isContent)) return {FIStringEncoding_UTF8, 0};
+  return wanted;
+}
+
+// False where the encoding would change the value. cdata has no place in an attribute.
+bool CFastInfosetWriter::EncodeTyped(const EncodedCharacterString& wanted, std::wstring_view text, ItemType type,
+                                     bool isContent) {
   m_typedOctets.clear();
   if (wanted.m_encoding == FIStringEncoding_RestrictedAlphabet) {
-    isExact = AppendPacked(FindAlphabet(wanted.m_index), text, m_typedOctets);
+    const bool isExact = AppendPacked(FindAlphabet(wanted.m_index), text, m_typedOctets);
     // Dates may have a fraction, which their alphabet lacks; what the numeric one lacks is in no integer or decimal.
     if (!isExact && wanted.m_index == FIRestrictedAlphabet_Numeric && IsDecimal(type)) ThrowNotInAlphabet();
-  } else if (wanted.m_encoding == FIStringEncoding_EncodingAlgorithm) {
-    if (wanted.m_index < FIEncodingAlgorithm_Hexadecimal || wanted.m_index > FIEncodingAlgorithm_Cdata) {
-      throw CRkException(FormatString(L"Failed to write FastInfoset. Invalid Encoding Algorithm value [%d]",
-                                      static_cast<int>(wanted.m_index)));
-    }
-    isExact = (isContent || wanted.m_index != FIEncodingAlgorithm_Cdata) &&
-              CFastInfosetBinaryData::AppendExactly(wanted.m_index, text, m_typedOctets);
+    return isExact;
   }
-  return isExact ? wanted : EncodedCharacterString{FIStringEncoding_UTF8, 0};
+  if (wanted.m_index < FIEncodingAlgorithm_Hexadecimal || wanted.m_index > FIEncodingAlgorithm_Cdata) {
+    throw CRkException(FormatString(L"Failed to write FastInfoset. Invalid Encoding Algorithm value [%d]",
+                                    static_cast<int>(wanted.m_index)));
+  }
+  return (isContent || wanted.m_index != FIEncodingAlgorithm_Cdata) &&
+         CFastInfosetBinaryData::AppendExactly(wanted.m_index, text, m_typedOctets);
 }
 
 // C.19: the selector in bits 3 and 4, the index of an alphabet or algorithm across two octets, the length on bit 5.
@@ -480,13 +586,13 @@ void CFastInfosetWriter::EncodedCharacterStringBit3(unsigned char octet, std::ws
   const unsigned long stored = encoding.m_index - 1;
   switch (encoding.m_encoding) {
     case FIStringEncoding_UTF8:
-      return Utf8(FastInfoset::kLengthBit5, octet, text);
+      return Utf8<FastInfoset::kLengthBit5>(octet, text);
     case FIStringEncoding_UTF16BE:
       throw CRkException(L"Failed to write FastInfoset. Unsupported Feature UTF16BE in EncodedCharacterStringBit5.");
     case FIStringEncoding_RestrictedAlphabet:
     case FIStringEncoding_EncodingAlgorithm: {
       const unsigned selector = encoding.m_encoding == FIStringEncoding_RestrictedAlphabet ? 0x20 : 0x30;
-      m_octets.push_back(static_cast<unsigned char>(octet | selector | stored >> 4));
+      Put(static_cast<unsigned char>(octet | selector | stored >> 4));
       const auto second = static_cast<unsigned char>(stored << 4);
       return NonEmptyOctetStringBit5(second, m_typedOctets.data(), m_typedOctets.size());
     }
@@ -501,13 +607,13 @@ void CFastInfosetWriter::EncodedCharacterStringBit5(unsigned char octet, std::ws
   const unsigned long stored = encoding.m_index - 1;
   switch (encoding.m_encoding) {
     case FIStringEncoding_UTF8:
-      return Utf8(FastInfoset::kLengthBit7, octet, text);
+      return Utf8<FastInfoset::kLengthBit7>(octet, text);
     case FIStringEncoding_UTF16BE:
       throw CRkException(L"Failed to write FastInfoset. Unsupported Feature UTF16BE in EncodedCharacterStringBit5.");
     case FIStringEncoding_RestrictedAlphabet:
     case FIStringEncoding_EncodingAlgorithm: {
       const unsigned selector = encoding.m_encoding == FIStringEncoding_RestrictedAlphabet ? 0x08 : 0x0C;
-      m_octets.push_back(static_cast<unsigned char>(octet | selector | stored >> 6));
+      Put(static_cast<unsigned char>(octet | selector | stored >> 6));
       const auto second = static_cast<unsigned char>(stored << 2);
       return NonEmptyOctetStringBit7(second, m_typedOctets.data(), m_typedOctets.size());
     }
@@ -533,85 +639,46 @@ void CFastInfosetWriter::AppendRestrictedAlphabetString(unsigned long alphabetIn
 // Octets
 
 void CFastInfosetWriter::Integer1To2pw20Bit2(unsigned char octet, unsigned long value) {
-  Integer(FastInfoset::kIndexBit2, octet, value);
+  Integer<FastInfoset::kIndexBit2>(octet, value);
 }
 
 void CFastInfosetWriter::Integer1To2pw20Bit3(unsigned char octet, unsigned long value) {
-  Integer(FastInfoset::kIndexBit3, octet, value);
+  Integer<FastInfoset::kIndexBit3>(octet, value);
 }
 
 void CFastInfosetWriter::Integer1To2pw20Bit4(unsigned char octet, unsigned long value) {
-  Integer(FastInfoset::kIndexBit4, octet, value);
+  Integer<FastInfoset::kIndexBit4>(octet, value);
 }
 
 void CFastInfosetWriter::Integer0To2pw20Bit2(unsigned char octet, unsigned long value) {
   if (value != 0) return Integer1To2pw20Bit2(octet, value);
-  m_octets.push_back(static_cast<unsigned char>(octet | FastInfoset::kIndexBit2.field));
+  Put(static_cast<unsigned char>(octet | FastInfoset::kIndexBit2.field));
 }
 
 void CFastInfosetWriter::NonEmptyOctetUTF8StringBit2(unsigned char octet, std::wstring_view text) {
-  Utf8(FastInfoset::kLengthBit2, octet, text);
+  Utf8<FastInfoset::kLengthBit2>(octet, text);
 }
 
 void CFastInfosetWriter::NonEmptyOctetStringBit5(unsigned char octet, const unsigned char* data, std::size_t n) {
-  Integer(FastInfoset::kLengthBit5, octet, n);
-  m_octets.insert(m_octets.end(), data, data + n);
+  Integer<FastInfoset::kLengthBit5>(octet, n);
+  Put(data, n);
 }
 
 void CFastInfosetWriter::NonEmptyOctetStringBit7(unsigned char octet, const unsigned char* data, std::size_t n) {
-  Integer(FastInfoset::kLengthBit7, octet, n);
-  m_octets.insert(m_octets.end(), data, data + n);
-}
-
-void CFastInfosetWriter::Utf8(const IntegerLayout& layout, unsigned char octet, std::wstring_view text) {
-  if (text.length() <= kShortText) {
-    unsigned char ascii[kShortText];
-    if (Ascii::NarrowRun(text.data(), text.length(), ascii) == text.length()) {
-      Integer(layout, octet, text.length());
-      m_octets.insert(m_octets.end(), ascii, ascii + text.length());
-      return;
-    }
-  }
-  const unsigned long length = CEncoder::Utf8Length(text);
-  Integer(layout, octet, length);
-  const std::size_t start = m_octets.size();
-  m_octets.resize(start + length);
-  CEncoder::WriteUtf8(text, m_octets.data() + start);
-}
-
-void CFastInfosetWriter::Integer(const IntegerLayout& layout, unsigned char octet, unsigned long value) {
-  if (value - 1 < layout.forms[1].lowest - 1) {
-    m_octets.push_back(static_cast<unsigned char>(octet | (value - 1)));  // the first form has no pattern
-    return;
-  }
-  if (value < 1 || value > layout.highest) {
-    throw CRkException(value < 1 ? L"Failed to write FastInfoset. A name is empty."
-                                 : L"Failed to write FastInfoset. A string is too long.");
-  }
-  const IntegerForm* form = layout.forms + layout.formCount - 1;
-  while (value < form->lowest) --form;
-  const unsigned long stored = value - form->lowest;
-  unsigned more = form->moreOctets;
-  m_octets.push_back(static_cast<unsigned char>(octet | form->pattern | stored >> (8 * more)));
-  while (more-- > 0) m_octets.push_back(static_cast<unsigned char>(stored >> (8 * more)));
+  Integer<FastInfoset::kLengthBit7>(octet, n);
+  Put(data, n);
 }
 
 // Terminators come in pairs of half octets: one is owed until it is known whether another follows at once.
 void CFastInfosetWriter::WriteTerminator() {
-  if (m_terminatorOwed) m_octets.push_back(FastInfoset::kDoubleTerminator);
+  if (m_terminatorOwed) Put(FastInfoset::kDoubleTerminator);
   m_terminatorOwed = !m_terminatorOwed;
 }
 
 void CFastInfosetWriter::FlushTerminator() {
   if (!m_terminatorOwed) return;
-  m_octets.push_back(FastInfoset::kTerminator);
+  Put(FastInfoset::kTerminator);
   m_terminatorOwed = false;
-}
-
-void CFastInfosetWriter::FlushOctets() {
-  if (IsStartTagOpen()) return;
-  m_stream.Append(m_octets.data(), m_octets.size());
-  m_octets.clear();
 }
 
 }  // namespace RkXmlLib16

@@ -133,23 +133,38 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
   void LeaveScope();
 
   EncodedCharacterString ChooseEncoding(std::wstring_view text, ItemType type, bool isContent);
-  bool MayAdd(std::wstring_view text, unsigned long maxAddLength) const;
-  void QualifiedName(const FastInfoset::IntegerLayout& index, unsigned char literal, CFIQNameTable& names,
-                     RecentNames& recent, const ScopedNamespace& scoped, std::wstring_view localName);
+  bool EncodeTyped(const EncodedCharacterString& wanted, std::wstring_view text, ItemType type, bool isContent);
+  template <const FastInfoset::IntegerLayout& kIndex>
+  void QualifiedName(unsigned char literal, CFIQNameTable& names, RecentNames& recent, const ScopedNamespace& scoped,
+                     std::wstring_view localName);
+  // The index of a name that has one, or 0 after it was written in full.
+  unsigned long NewQualifiedName(unsigned char literal, CFIQNameTable& names, RecentName& slot,
+                                 const ScopedNamespace& scoped, std::wstring_view localName);
   void NamePart(std::wstring_view text, unsigned long index, CFIStringTable& table);
-  void Integer(const FastInfoset::IntegerLayout& layout, unsigned char octet, unsigned long value);
-  void Utf8(const FastInfoset::IntegerLayout& layout, unsigned char octet, std::wstring_view text);
+  template <const FastInfoset::IntegerLayout& kLayout>
+  void Integer(unsigned char octet, unsigned long value);
+  template <const FastInfoset::IntegerLayout& kLayout>
+  void Utf8(unsigned char octet, std::wstring_view text);
   void WriteTerminator();
   void FlushTerminator();
+
+  // Room for `count` octets behind those that are written; the caller moves m_end over what it fills.
+  unsigned char* Reserve(std::size_t count);
+  void Grow(std::size_t count);
+  void Put(unsigned char octet);
+  void Put(const unsigned char* octets, std::size_t count);
+  std::size_t GetLength() const;
   void FlushOctets();
 
   const CFastInfosetContext& m_fiContext;
   CBinaryStream& m_stream;
   CFIVocabulary m_vocabulary;
-  std::vector<unsigned char> m_octets;        // not yet in the stream; holds all of a pending start tag
+  std::vector<unsigned char> m_room;          // of octets not yet in the stream; holds all of a pending start tag
+  unsigned char* m_end = nullptr;             // of the octets in it
+  unsigned char* m_limit = nullptr;           // of the room
   std::vector<unsigned char> m_declarations;  // namespace attributes of the pending start tag
   std::vector<unsigned char> m_typedOctets;   // of the value being written, where it is not written as characters
-  std::size_t m_startTag = 0;                 // where the pending start tag begins in m_octets
+  std::size_t m_startTag = 0;                 // where the pending start tag begins in m_room
   bool m_hasAttributes = false;               // of the pending start tag
   bool m_terminatorOwed = false;
   std::size_t m_openElements = 0;

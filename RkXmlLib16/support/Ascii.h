@@ -4,6 +4,7 @@
 #include <emmintrin.h>
 
 #include <cstddef>
+#include <cstring>
 
 // Runs of ASCII, sixteen characters at a time. Most text of most documents is such a run.
 namespace RkXmlLib16 {
@@ -55,6 +56,17 @@ inline bool MayHaveSpace(const wchar_t* text, std::size_t length) {
   return false;
 }
 
+// Copies four characters to `out`, one byte a character, if they are all ASCII.
+inline bool NarrowFour(const wchar_t* text, unsigned char* out) {
+  const __m128i four = WideBlock::Load(text);
+  const __m128i above = _mm_andnot_si128(_mm_set1_epi32(0x7F), four);
+  if (_mm_movemask_epi8(_mm_cmpeq_epi32(above, _mm_setzero_si128())) != 0xFFFF) return false;
+  const __m128i units = _mm_packs_epi32(four, four);
+  const int bytes = _mm_cvtsi128_si32(_mm_packus_epi16(units, units));
+  std::memcpy(out, &bytes, sizeof bytes);
+  return true;
+}
+
 // Copies the run at the start of `text` to `out`, one byte a character, and returns its length.
 inline std::size_t NarrowRun(const wchar_t* text, std::size_t length, unsigned char* out) {
   std::size_t i = 0;
@@ -64,6 +76,8 @@ inline std::size_t NarrowRun(const wchar_t* text, std::size_t length, unsigned c
     const __m128i bytes = _mm_packus_epi16(_mm_packs_epi32(block.a, block.b), _mm_packs_epi32(block.c, block.d));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(out + i), bytes);
   }
+  while (i + 4 <= length && NarrowFour(text + i, out + i)) i += 4;
+  if (i < length && length - i < 4 && length >= 4 && NarrowFour(text + length - 4, out + length - 4)) return length;
   for (; i < length && IsAscii(text[i]); ++i) out[i] = static_cast<unsigned char>(text[i]);
   return i;
 }
