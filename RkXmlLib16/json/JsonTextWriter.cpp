@@ -6,6 +6,7 @@
 
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/support/TextStream.h"
+#include "RkXmlLib16/support/WideText.h"
 #include "RkXmlLib16/xml/internal/LineEnd.h"
 
 namespace RkXmlLib16 {
@@ -119,7 +120,7 @@ void CJsonTextWriter::WriteOpenBrackets(CXmlWriterContext& context) {
 
 void CJsonTextWriter::WriteValue(const std::wstring& text, ItemType type) {
   if (IsUnquoted(type) && (!m_strict || IsStrictLiteral(text))) {
-    Put(UpToNul(text));
+    m_stream.Commit(WideText::CopyUpToNul(m_stream.Reserve(text.size()), text));
   } else if (text.size() <= kShortText) {
     wchar_t* to = m_stream.Reserve(text.size() * kLongestEscape + 2);
     *to++ = L'"';
@@ -168,11 +169,12 @@ void CJsonTextWriter::WriteStartElement(const std::wstring& localName, const std
   if (root) context.m_depth = 1;  // the braces of the document are level 0
 
   if (undecided) return;
-  PutIndent(context.m_depth);
   if (root && keyHasPrefix) {
     DeclareNamespaces();
   } else if (!item) {
-    PutKey({}, keyHasPrefix ? *FindElementPrefix(namespaceUri) : kNone, localName);
+    PutKey(context.m_depth, {}, keyHasPrefix ? *FindElementPrefix(namespaceUri) : kNone, localName);
+  } else {
+    PutIndent(context.m_depth);
   }
   FlushWhenFull();
 }
@@ -181,11 +183,11 @@ void CJsonTextWriter::WriteStartElement(const std::wstring& localName, const std
 void CJsonTextWriter::DeclareNamespaces() {
   CXmlWriterContext& root = *m_context;
   if (const std::wstring* known = FindElementPrefix(root.m_namespaceUri)) {
-    PutKey({}, *known, root.m_localName);
+    PutKey(root.m_depth, {}, *known, root.m_localName);
   } else {
     bool invented;
     const std::wstring& prefix = RequirePrefix(root.m_namespaceUri, invented);
-    PutKey({}, prefix, root.m_localName);
+    PutKey(root.m_depth, {}, prefix, root.m_localName);
     WriteNamespaceMember(prefix, root.m_namespaceUri);
   }
   if (!root.GetDefaultNamespace().empty()) WriteNamespaceMember(kNone, root.GetDefaultNamespace());
@@ -253,8 +255,7 @@ void CJsonTextWriter::WriteTextElement(const std::wstring& localName, const std:
   if (!isMember || prefix == nullptr) return CXmlWriter::WriteTextElement(localName, namespaceUri, text, type);
   CloseArray(*m_context, Top(), false);
   OpenMember();
-  PutIndent(m_context->m_depth + 1);
-  PutKey({}, *prefix, localName);
+  PutKey(m_context->m_depth + 1, {}, *prefix, localName);
   if (text.empty()) {
     Put(L"null");
   } else {
@@ -271,8 +272,7 @@ void CJsonTextWriter::WriteAttributeString(const std::wstring& localName, const 
   if (prefix == nullptr) ThrowUnknownNamespace(localName);
   CloseArray(*m_context, Top(), false);
   OpenMember();
-  PutIndent(m_context->m_depth + 1);
-  PutKey(m_roundTrip == JsonRoundTrip_Plain ? L"" : L"@", *prefix, localName);
+  PutKey(m_context->m_depth + 1, m_roundTrip == JsonRoundTrip_Plain ? L"" : L"@", *prefix, localName);
   WriteValue(value, type);
 }
 
@@ -297,8 +297,9 @@ void CJsonTextWriter::WriteAttributeNil() {
 // Whether the element is the next item of the array that is open in the current element.
 bool CJsonTextWriter::ContinuesArray(const std::wstring& localName, const std::wstring& namespaceUri) {
   const Frame& frame = Top();
-  return frame.arrayOpen && m_context->m_state == ContextState_ArrayOpen && frame.arrayName == localName &&
-         (m_roundTrip != JsonRoundTrip_Namespaces || frame.arrayNamespace == namespaceUri);
+  return frame.arrayOpen && m_context->m_state == ContextState_ArrayOpen &&
+         WideText::IsEqual(frame.arrayName, localName) &&
+         (m_roundTrip != JsonRoundTrip_Namespaces || WideText::IsEqual(frame.arrayNamespace, namespaceUri));
 }
 
 void CJsonTextWriter::OpenArray(CXmlWriterContext& item, CXmlWriterContext& owner) {
@@ -352,7 +353,7 @@ void CJsonTextWriter::WriteItemAsMember(CXmlWriterContext& item) {
   CloseArray(owner, Owner(), false);
   item.m_depth = owner.m_depth + 1;
   SeparateItem(item);
-  PutKey({}, kNone, item.m_localName);
+  PutKey(0, {}, kNone, item.m_localName);
 }
 
 void CJsonTextWriter::WriteTextMember(const std::wstring& text, ItemType type) {
@@ -365,19 +366,17 @@ void CJsonTextWriter::WriteTextMember(const std::wstring& text, ItemType type) {
 
 void CJsonTextWriter::WriteNamespaceMember(const std::wstring& prefix, const std::wstring& namespaceUri) {
   OpenMember();
-  PutIndent(m_context->m_depth + 1);
-  if (prefix.empty()) {
-    Put(L"\"@xmlns\": \"");
-  } else {
-    PutKey(L"@", L"xmlns", prefix);
-    Put(L"\"");
-  }
+  if (prefix.empty())
+    PutKey(m_context->m_depth + 1, L"@", kNone, L"xmlns");
+  else
+    PutKey(m_context->m_depth + 1, L"@", L"xmlns", prefix);
+  Put(L"\"");
   m_stream.Commit(PutName(m_stream.Reserve(namespaceUri.size() * kLongestEscape), namespaceUri));
   Put(L"\"");
 }
 
 const std::wstring* CJsonTextWriter::FindElementPrefix(const std::wstring& namespaceUri) const {
-  if (namespaceUri.empty() || namespaceUri == m_context->GetDefaultNamespace()) return &kNone;
+  if (namespaceUri.empty() || WideText::IsEqual(namespaceUri, m_context->GetDefaultNamespace())) return &kNone;
   return FindAttributePrefix(namespaceUri);
 }
 
@@ -394,27 +393,39 @@ void CJsonTextWriter::PutLine() {
   if (m_format) Put(m_eol);
 }
 
-void CJsonTextWriter::PutIndent(std::int64_t level) {
-  if (m_format && level > 0) m_stream.AppendRepeated(m_indentChars, static_cast<unsigned long>(level));
+std::size_t CJsonTextWriter::IndentLength(std::int64_t level) const {
+  return m_format && level > 0 ? m_indentChars.size() * static_cast<std::size_t>(level) : 0;
 }
 
-void CJsonTextWriter::PutKey(std::wstring_view marker, const std::wstring& prefix, const std::wstring& localName) {
-  wchar_t* to = m_stream.Reserve(marker.size() + (prefix.size() + localName.size()) * kLongestEscape + 5);
+void CJsonTextWriter::PutIndent(std::int64_t level) {
+  m_stream.Commit(PutIndent(m_stream.Reserve(IndentLength(level)), level));
+}
+
+inline wchar_t* CJsonTextWriter::PutIndent(wchar_t* to, std::int64_t level) const {
+  return m_format && level > 0 ? WideText::Repeat(to, m_indentChars, static_cast<std::size_t>(level)) : to;
+}
+
+void CJsonTextWriter::PutKey(std::int64_t level, std::wstring_view marker, const std::wstring& prefix,
+                             const std::wstring& localName) {
+  wchar_t* to =
+      m_stream.Reserve(IndentLength(level) + marker.size() + (prefix.size() + localName.size()) * kLongestEscape + 5);
+  to = PutIndent(to, level);
   *to++ = L'"';
-  to = CStringBuffer::Copy(to, marker);
+  to = WideText::Copy(to, marker);
   if (!prefix.empty()) {
     to = PutName(to, prefix);
     *to++ = L':';
   }
   to = PutName(to, localName);
-  m_stream.Commit(CStringBuffer::Copy(to, L"\": "));
+  *to++ = L'"';
+  *to++ = L':';
+  *to++ = L' ';
+  m_stream.Commit(to);
 }
 
 // Keys and namespace URIs; like every text they end at a NUL.
 wchar_t* CJsonTextWriter::PutName(wchar_t* to, const std::wstring& name) const {
-  if (m_strict) return PutEscapedShort(to, name);
-  for (const wchar_t* from = name.c_str(); *from != L'\0';) *to++ = *from++;
-  return to;
+  return m_strict ? PutEscapedShort(to, name) : WideText::CopyUpToNul(to, name);
 }
 
 void CJsonTextWriter::PutEscaped(std::wstring_view text) {
@@ -428,28 +439,23 @@ void CJsonTextWriter::PutEscaped(std::wstring_view text) {
 
 // The text up to its first NUL; there is room for the longest escapes.
 wchar_t* CJsonTextWriter::PutEscapedShort(wchar_t* to, std::wstring_view text) const {
-  const __m128i quote = _mm_set1_epi32(m_strict ? L'"' : 0);
-  const __m128i backslash = _mm_set1_epi32(m_strict ? L'\\' : 0);
-  const wchar_t* at = text.data();
-  const wchar_t* const end = at + text.size();
-  for (;;) {
-    for (; end - at >= 4; at += 4, to += 4) {
-      const __m128i four = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
-      const __m128i control = _mm_cmplt_epi32(four, _mm_set1_epi32(L' '));
-      const __m128i marks = _mm_or_si128(_mm_cmpeq_epi32(four, quote), _mm_cmpeq_epi32(four, backslash));
-      if (_mm_movemask_epi8(_mm_or_si128(control, marks)) != 0) break;
-      _mm_storeu_si128(reinterpret_cast<__m128i*>(to), four);
-    }
-    for (const wchar_t* const stop = end - at >= 4 ? at + 4 : end; at != stop; ++at) {
-      const auto c = static_cast<std::uint32_t>(*at);
-      if (c == 0) return to;
-      if (c > 31 && (!m_strict || (c != L'"' && c != L'\\')))
-        *to++ = *at;
-      else
-        to = PutEscape(to, c);
-    }
-    if (at == end) return to;
-  }
+  const __m128i quote = _mm_set1_epi16(m_strict ? L'"' : 0);
+  const __m128i backslash = _mm_set1_epi16(m_strict ? L'\\' : 0);
+  return WideText::CopyEscaped(
+      to, text,
+      [=](__m128i units) {
+        const __m128i control = _mm_cmplt_epi16(units, _mm_set1_epi16(L' '));
+        const __m128i marks = _mm_or_si128(_mm_cmpeq_epi16(units, quote), _mm_cmpeq_epi16(units, backslash));
+        return _mm_movemask_epi8(_mm_or_si128(control, marks)) != 0;
+      },
+      [this](wchar_t* at, wchar_t c) {
+        const auto code = static_cast<std::uint32_t>(c);
+        if (code > 31 && (!m_strict || (c != L'"' && c != L'\\'))) {
+          *at++ = c;
+          return at;
+        }
+        return PutEscape(at, code);
+      });
 }
 
 wchar_t* CJsonTextWriter::PutEscape(wchar_t* to, std::uint32_t c) const {
@@ -457,7 +463,7 @@ wchar_t* CJsonTextWriter::PutEscape(wchar_t* to, std::uint32_t c) const {
   static constexpr std::wstring_view kShort = L"\"\\\b\t\n\f\r";
   static constexpr std::wstring_view kLetters = L"\"\\btnfr";
   if (!m_strict) {
-    if (c == L'\n') return CStringBuffer::Copy(to, m_eol);
+    if (c == L'\n') return WideText::Copy(to, m_eol);
     if (c == L'\r') return to;
     if (c == L'\b' || c == L'\t' || c == L'\f') {
       *to++ = static_cast<wchar_t>(c);
@@ -471,7 +477,7 @@ wchar_t* CJsonTextWriter::PutEscape(wchar_t* to, std::uint32_t c) const {
     return to;
   }
   const wchar_t code[] = {L'u', L'0', L'0', kHex[c >> 4], kHex[c & 15]};
-  return CStringBuffer::Copy(to, std::wstring_view(code, 5));
+  return WideText::Copy(to, std::wstring_view(code, 5));
 }
 
 void CJsonTextWriter::FlushWhenFull() {

@@ -106,9 +106,12 @@ class RKXML_EXPORT CJsonTextWriter : public CXmlWriter {
   void Put(std::wstring_view text) { m_stream.Append(text); }
   void PutLine();
   void PutIndent(std::int64_t level);
-  void PutKey(std::wstring_view marker, const std::wstring& prefix, const std::wstring& localName);
+  // The indentation and the key of a member.
+  void PutKey(std::int64_t level, std::wstring_view marker, const std::wstring& prefix, const std::wstring& localName);
   void PutEscaped(std::wstring_view text);
+  std::size_t IndentLength(std::int64_t level) const;
   // Write to `to` and return the end.
+  wchar_t* PutIndent(wchar_t* to, std::int64_t level) const;
   wchar_t* PutName(wchar_t* to, const std::wstring& name) const;
   wchar_t* PutEscapedShort(wchar_t* to, std::wstring_view text) const;
   wchar_t* PutEscape(wchar_t* to, std::uint32_t c) const;

@@ -147,11 +147,15 @@ bool CElementInfo::ElementToXmlCls(const CSerializationContext& context, const C
   return true;
 }
 
+// Most members of most objects are absent: what is done for the others stands apart.
 bool CElementInfo::ElementToXmlPrim(const CSerializationContext& context, const CXmlGeneratedClass* object,
                                     CXmlWriter* writer) const {
   RkVariant& value = writer->BeginValue();
   ReadProperty(object, value);
-  if (!value.IsValid()) return false;
+  return value.IsValid() && WriteValue(context, value, writer);
+}
+
+bool CElementInfo::WriteValue(const CSerializationContext& context, const RkVariant& value, CXmlWriter* writer) const {
   if (value.IsNil()) return WriteNil(writer);
   const ItemType type = value.GetItemType();
   const std::wstring& text = ValueText(value, m_format, *writer);

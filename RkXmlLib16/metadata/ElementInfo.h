@@ -167,6 +167,8 @@ class RKXML_EXPORT CElementInfo {
     return name.size() == m_elementName.size() && name[0] == m_elementName[0];
   }
   bool IsDefault(const std::wstring& text) const noexcept { return !m_defaultValue.empty() && text == m_defaultValue; }
+  [[gnu::noinline]] bool WriteValue(const CSerializationContext& context, const RkVariant& value,
+                                    CXmlWriter* writer) const;
   void WriteText(const CSerializationContext& context, CXmlWriter* writer, const std::wstring& text,
                  ItemType type) const;
   bool WriteNil(CXmlWriter* writer) const;

@@ -10,6 +10,8 @@
 
 namespace RkXmlLib16Data {
 
+class CElementInfo;
+
 // Describes a generated class as a whole: its content model, its type name and its simple content. Static and
 // immutable.
 class RKXML_EXPORT CParentElementInfo {
@@ -45,6 +47,13 @@ class RKXML_EXPORT CParentElementInfo {
   void SetNotNillable(const std::type_info& type) const noexcept {
     m_notNillable.store(&type, std::memory_order_relaxed);
   }
+  // Remembers one array of element records none of which may have attributes, for the same reason.
+  bool AreKnownWithoutAttributes(CElementInfo* const* records) const noexcept {
+    return m_withoutAttributes.load(std::memory_order_relaxed) == records;
+  }
+  void SetWithoutAttributes(CElementInfo* const* records) const noexcept {
+    m_withoutAttributes.store(records, std::memory_order_relaxed);
+  }
 
  private:
   RkXmlLib16::XmlElementGroupType m_groupType;
@@ -58,6 +67,7 @@ class RKXML_EXPORT CParentElementInfo {
   std::wstring m_simpleContentFormat;
   bool m_simpleContentAsText;
   mutable std::atomic<const std::type_info*> m_notNillable{nullptr};
+  mutable std::atomic<CElementInfo* const*> m_withoutAttributes{nullptr};
 };
 
 }  // namespace RkXmlLib16Data

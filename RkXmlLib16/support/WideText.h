@@ -1,50 +1,129 @@
 #ifndef RKXMLLIB16_SUPPORT_WIDETEXT_H
 #define RKXMLLIB16_SUPPORT_WIDETEXT_H
 
+#include <emmintrin.h>
+
 #include <cstddef>
-#include <cstdint>
-#include <cstring>
 #include <cwchar>
+#include <string>
 #include <string_view>
 
-// What is done to a short wide text everywhere, without a call.
+// What is done to short wide texts everywhere, without a call and without a loop over characters: four of them at a
+// time, the last four where the text ends, and of up to three the first, the middle and the last.
 namespace RkXmlLib16::WideText {
 
 constexpr std::size_t kShort = 16;
 
+inline __m128i LoadFour(const wchar_t* text) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(text)); }
+inline void StoreFour(wchar_t* to, __m128i four) { _mm_storeu_si128(reinterpret_cast<__m128i*>(to), four); }
+
+// As units of 16 bits; the greatest stands for all beyond.
+inline __m128i LoadEight(const wchar_t* text) { return _mm_packs_epi32(LoadFour(text), LoadFour(text + 4)); }
+
 inline bool IsEqualFour(const wchar_t* a, const wchar_t* b) {
-  std::uint64_t left[2];
-  std::uint64_t right[2];
-  std::memcpy(left, a, sizeof left);
-  std::memcpy(right, b, sizeof right);
-  return ((left[0] ^ right[0]) | (left[1] ^ right[1])) == 0;
+  return _mm_movemask_epi8(_mm_cmpeq_epi32(LoadFour(a), LoadFour(b))) == 0xFFFF;
 }
 
 inline bool IsEqual(std::wstring_view a, std::wstring_view b) {
   const std::size_t length = a.size();
   if (length != b.size()) return false;
   if (length > kShort) return std::wmemcmp(a.data(), b.data(), length) == 0;
-  if (length < 4) {
-    for (std::size_t i = 0; i < length; ++i)
-      if (a[i] != b[i]) return false;
-    return true;
-  }
+  if (length == 0) return true;
+  if (length < 4) return a.front() == b.front() && a[length / 2] == b[length / 2] && a.back() == b.back();
   for (std::size_t i = 0; i + 4 < length; i += 4)
     if (!IsEqualFour(a.data() + i, b.data() + i)) return false;
   return IsEqualFour(a.data() + length - 4, b.data() + length - 4);
 }
 
-// Copies the text, which does not overlap with the room, and returns the end of the copy.
+// These write to `to`, which does not overlap with the text, and return the end.
+
 inline wchar_t* Copy(wchar_t* to, std::wstring_view text) {
   const std::size_t length = text.size();
   if (length > kShort) return std::wmemcpy(to, text.data(), length) + length;
+  if (length == 0) return to;
   if (length < 4) {
-    for (const wchar_t c : text) *to++ = c;
+    to[0] = text.front();
+    to[length / 2] = text[length / 2];
+    to[length - 1] = text.back();
+    return to + length;
+  }
+  for (std::size_t i = 0; i + 4 < length; i += 4) StoreFour(to + i, LoadFour(text.data() + i));
+  StoreFour(to + length - 4, LoadFour(text.data() + length - 4));
+  return to + length;
+}
+
+// The text up to its first NUL; there is room for all of it.
+inline wchar_t* CopyUpToNul(wchar_t* to, const std::wstring& text) {
+  const std::size_t length = text.size();
+  const wchar_t* const from = text.c_str();
+  bool hasNul = false;
+  if (length < 4) {
+    if (length == 0) return to;
+    to[0] = from[0];
+    to[length / 2] = from[length / 2];
+    to[length - 1] = from[length - 1];
+    hasNul = to[0] == 0 || to[length / 2] == 0 || to[length - 1] == 0;
+  } else {
+    const __m128i last = LoadFour(from + length - 4);
+    __m128i zeros = _mm_cmpeq_epi32(last, _mm_setzero_si128());
+    for (std::size_t i = 0; i + 4 < length; i += 4) {
+      const __m128i four = LoadFour(from + i);
+      zeros = _mm_or_si128(zeros, _mm_cmpeq_epi32(four, _mm_setzero_si128()));
+      StoreFour(to + i, four);
+    }
+    StoreFour(to + length - 4, last);
+    hasNul = _mm_movemask_epi8(zeros) != 0;
+  }
+  return to + (hasNul ? std::wcslen(from) : length);
+}
+
+// The text up to its first NUL, escaped where it must be; there is room for all of it. `mayBeSpecial` tells of eight
+// characters, as LoadEight gives them, whether `put` must see each. NUL is special.
+template <class MayBeSpecial, class PutOne>
+inline wchar_t* CopyEscaped(wchar_t* to, std::wstring_view text, MayBeSpecial mayBeSpecial, PutOne put) {
+  const wchar_t* at = text.data();
+  const wchar_t* const end = at + text.size();
+  const auto copyEight = [&](const wchar_t* from, wchar_t* target) {
+    if (mayBeSpecial(LoadEight(from))) return false;
+    StoreFour(target, LoadFour(from));
+    StoreFour(target + 4, LoadFour(from + 4));
+    return true;
+  };
+  while (at != end) {
+    if (end - at >= 8) {
+      if (copyEight(at, to)) {
+        at += 8;
+        to += 8;
+        continue;
+      }
+    } else if (text.size() >= 8 && copyEight(end - 8, to + (end - at) - 8)) {
+      // What lies before the rest and is not special has been written as it is.
+      return to + (end - at);
+    }
+    for (const wchar_t* const stop = end - at >= 8 ? at + 8 : end; at != stop; ++at) {
+      if (*at == L'\0') return to;
+      to = put(to, *at);
+    }
+  }
+  return to;
+}
+
+// The text `count` times.
+inline wchar_t* Repeat(wchar_t* to, std::wstring_view text, std::size_t count) {
+  if (text.size() != 1) {
+    while (count-- > 0) to = Copy(to, text);
     return to;
   }
-  for (std::size_t i = 0; i + 4 < length; i += 4) std::memcpy(to + i, text.data() + i, 4 * sizeof(wchar_t));
-  std::memcpy(to + length - 4, text.data() + length - 4, 4 * sizeof(wchar_t));
-  return to + length;
+  const wchar_t c = text.front();
+  if (count == 0) return to;
+  if (count < 4) {
+    to[0] = to[count / 2] = to[count - 1] = c;
+    return to + count;
+  }
+  const __m128i four = _mm_set1_epi32(c);
+  for (std::size_t i = 0; i + 4 < count; i += 4) StoreFour(to + i, four);
+  StoreFour(to + count - 4, four);
+  return to + count;
 }
 
 }  // namespace RkXmlLib16::WideText

@@ -2,9 +2,8 @@
 
 #include <emmintrin.h>
 
-#include <algorithm>
-
 #include "RkXmlLib16/core/Exception.h"
+#include "RkXmlLib16/support/WideText.h"
 #include "RkXmlLib16/xml/internal/LineEnd.h"
 
 namespace RkXmlLib16 {
@@ -20,34 +19,30 @@ const std::wstring kNoPrefix;
 // The text up to its first NUL.
 std::wstring_view UpToNul(const std::wstring& text) { return text.c_str(); }
 
-// Copies the text up to its first NUL.
-wchar_t* PutName(wchar_t* to, const std::wstring& name) {
-  for (const wchar_t* from = name.c_str(); *from != L'\0';) *to++ = *from++;
-  return to;
+bool StartsCData(std::wstring_view text) {
+  return !text.empty() && text.front() == kCDataStart.front() && text.substr(0, kCDataStart.size()) == kCDataStart;
 }
 
 wchar_t* PutQName(wchar_t* to, const std::wstring& prefix, const std::wstring& localName) {
   if (!prefix.empty()) {
-    to = PutName(to, prefix);
+    to = WideText::CopyUpToNul(to, prefix);
     *to++ = L':';
   }
-  return PutName(to, localName);
+  return WideText::CopyUpToNul(to, localName);
 }
 
-__m128i LoadFour(const wchar_t* text) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(text)); }
-
-// Whether some of four characters may be special: below '?', but not a space or between '+' and ';'.
-bool MayBeSpecial(__m128i four) {
-  const __m128i letter = _mm_cmpgt_epi32(four, _mm_set1_epi32(L'>'));
-  const __m128i space = _mm_cmpeq_epi32(four, _mm_set1_epi32(L' '));
+// Whether some of eight characters may be special: below '?', but not a space or between '+' and ';'.
+bool MayBeSpecial(__m128i units) {
+  const __m128i letter = _mm_cmpgt_epi16(units, _mm_set1_epi16(L'>'));
+  const __m128i space = _mm_cmpeq_epi16(units, _mm_set1_epi16(L' '));
   const __m128i digit =
-      _mm_and_si128(_mm_cmpgt_epi32(four, _mm_set1_epi32(L'*')), _mm_cmplt_epi32(four, _mm_set1_epi32(L'<')));
+      _mm_and_si128(_mm_cmpgt_epi16(units, _mm_set1_epi16(L'*')), _mm_cmplt_epi16(units, _mm_set1_epi16(L'<')));
   return _mm_movemask_epi8(_mm_or_si128(_mm_or_si128(letter, space), digit)) != 0xFFFF;
 }
 
 // The characters that escaping looks at, which are all below 64, as bits.
 constexpr std::uint64_t MakeSet(std::wstring_view characters) {
-  std::uint64_t set = 1;  // NUL, which ends a text
+  std::uint64_t set = 0;
   for (const wchar_t c : characters) set |= std::uint64_t{1} << c;
   return set;
 }
@@ -154,7 +149,7 @@ void CXmlTextWriter::WriteStartElement(const std::wstring& localName, const std:
 void CXmlTextWriter::WriteTextElement(const std::wstring& localName, const std::wstring& namespaceUri,
                                       const std::wstring& text, ItemType type) {
   const std::wstring* const prefix = m_context != nullptr ? FindElementPrefix(namespaceUri) : nullptr;
-  const bool isShort = text.size() <= kShortText && text.compare(0, kCDataStart.size(), kCDataStart) != 0;
+  const bool isShort = text.size() <= kShortText && !StartsCData(text);
   if (prefix == nullptr || !isShort) return CXmlWriter::WriteTextElement(localName, namespaceUri, text, type);
 
   const std::int64_t depth = m_context->m_depth + 1;
@@ -176,14 +171,14 @@ void CXmlTextWriter::WriteTextElement(const std::wstring& localName, const std::
     to = PutEscapedShort(to, text, Escaping::Text);
     *to++ = L'<';
     *to++ = L'/';
-    to = CStringBuffer::Copy(to, written);
+    to = WideText::Copy(to, written);
   }
   m_stream.Commit(PutEndOfTag(to));
   FlushIfDue();
 }
 
 const std::wstring* CXmlTextWriter::FindElementPrefix(const std::wstring& namespaceUri) const {
-  if (namespaceUri.empty() || namespaceUri == m_context->GetDefaultNamespace()) return &kNoPrefix;
+  if (namespaceUri.empty() || WideText::IsEqual(namespaceUri, m_context->GetDefaultNamespace())) return &kNoPrefix;
   const std::wstring* const prefix = m_context->FindPrefix(namespaceUri);
   return prefix != nullptr && !prefix->empty() ? prefix : nullptr;
 }
@@ -206,7 +201,7 @@ void CXmlTextWriter::WriteText(std::wstring_view text) {
   if (text.empty()) return;
   if (m_context == nullptr) throw CRkException(L"Text must be written inside an Element.");
   CloseStartTag();
-  if (text.substr(0, kCDataStart.size()) == kCDataStart)
+  if (StartsCData(text))
     Put(text);
   else
     PutEscaped(text, Escaping::Text);
@@ -235,17 +230,14 @@ std::size_t CXmlTextWriter::IndentLength(std::int64_t depth) const {
   return m_format ? m_indentChars.size() * static_cast<std::size_t>(depth) : 0;
 }
 
-wchar_t* CXmlTextWriter::PutIndent(wchar_t* to, std::int64_t depth) const {
-  if (!m_format) return to;
-  if (m_indentChars.size() == 1) return std::fill_n(to, depth, m_indentChars.front());
-  for (; depth > 0; --depth) to = CStringBuffer::Copy(to, m_indentChars);
-  return to;
+inline wchar_t* CXmlTextWriter::PutIndent(wchar_t* to, std::int64_t depth) const {
+  return m_format ? WideText::Repeat(to, m_indentChars, static_cast<std::size_t>(depth)) : to;
 }
 
 // What closes a tag that other lines follow.
-wchar_t* CXmlTextWriter::PutEndOfTag(wchar_t* to) const {
+inline wchar_t* CXmlTextWriter::PutEndOfTag(wchar_t* to) const {
   *to++ = L'>';
-  return m_format ? CStringBuffer::Copy(to, m_endOfLine) : to;
+  return m_format ? WideText::Copy(to, m_endOfLine) : to;
 }
 
 void CXmlTextWriter::WriteAttributeString(const std::wstring& localName, const std::wstring& namespaceUri,
@@ -311,10 +303,10 @@ void CXmlTextWriter::PutEscaped(std::wstring_view text, Escaping where) {
   // Short pieces take the room they could need; of long ones the clean runs go out whole.
   while (text.size() > kShortText) {
     std::size_t clean = 0;
-    while (clean + 4 <= text.size() && !MayBeSpecial(LoadFour(text.data() + clean))) clean += 4;
+    while (clean + 8 <= text.size() && !MayBeSpecial(WideText::LoadEight(text.data() + clean))) clean += 8;
     Put(text.substr(0, clean));
     text.remove_prefix(clean);
-    const std::wstring_view piece = text.substr(0, clean != 0 ? 4 : kShortText);
+    const std::wstring_view piece = text.substr(0, clean != 0 ? 8 : kShortText);
     m_stream.Commit(PutEscapedShort(m_stream.Reserve(piece.size() * kLongestEscape), piece, where));
     text.remove_prefix(piece.size());
   }
@@ -324,29 +316,16 @@ void CXmlTextWriter::PutEscaped(std::wstring_view text, Escaping where) {
 // The text up to its first NUL; there is room for the longest escapes.
 wchar_t* CXmlTextWriter::PutEscapedShort(wchar_t* to, std::wstring_view text, Escaping where) const {
   const std::uint64_t special = where == Escaping::Attribute ? kSpecialInAttribute : kSpecialInText;
-  const wchar_t* at = text.data();
-  const wchar_t* const end = at + text.size();
-  for (;;) {
-    for (; end - at >= 4; at += 4, to += 4) {
-      const __m128i four = LoadFour(at);
-      if (MayBeSpecial(four)) break;
-      _mm_storeu_si128(reinterpret_cast<__m128i*>(to), four);
-    }
-    for (const wchar_t* const stop = end - at >= 4 ? at + 4 : end; at != stop; ++at) {
-      const auto code = static_cast<std::uint32_t>(*at);
-      if (code >= 64 || (special >> code & 1) == 0)
-        *to++ = *at;
-      else if (code == 0)
-        return to;
-      else
-        to = PutEscape(to, *at, where);
-    }
-    if (at == end) return to;
-  }
+  return WideText::CopyEscaped(to, text, MayBeSpecial, [this, special, where](wchar_t* at, wchar_t c) {
+    const auto code = static_cast<std::uint32_t>(c);
+    if (code < 64 && (special >> code & 1) != 0) return PutEscape(at, c, where);
+    *at++ = c;
+    return at;
+  });
 }
 
 wchar_t* CXmlTextWriter::PutEscape(wchar_t* to, wchar_t c, Escaping where) const {
-  const auto put = [to](std::wstring_view text) { return CStringBuffer::Copy(to, text); };
+  const auto put = [to](std::wstring_view text) { return WideText::Copy(to, text); };
   switch (c) {
     case L'&':
       return put(L"&amp;");

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "RkXmlLib16/core/Exception.h"
+#include "RkXmlLib16/support/WideText.h"
 
 namespace RkXmlLib16 {
 
@@ -355,7 +356,8 @@ CXmlWriter::CXmlWriterContext& CXmlWriter::PushContext(const std::wstring& local
     context->m_namespaceUri.swap(uri);
     m_context = std::move(context);
   } else {
-    m_closedContexts->m_localName = localName;
+    // What was open here before is mostly of the same name.
+    if (!WideText::IsEqual(m_closedContexts->m_localName, localName)) m_closedContexts->m_localName = localName;
     m_closedContexts->m_namespaceUri = namespaceUri;
     std::unique_ptr<CXmlWriterContext> context = std::move(m_closedContexts);
     m_closedContexts = std::move(context->m_parent);
