@@ -103,25 +103,13 @@ CLinkType::~CLinkType() = default;
 const wchar_t* CLinkType::GetTargetNamespace() const { return kNamespace; }
 const wchar_t* CLinkType::GetNamespace() const { return kNamespace; }
 
-void CLinkType::SetText(const std::wstring& value) {
-  m_text = value;
-  m_hasText = true;
-}
+void CLinkType::SetText(const std::wstring& value) { m_text = std::make_unique<std::wstring>(value); }
 
-void CLinkType::ClearText() {
-  m_text = std::wstring();
-  m_hasText = false;
-}
+void CLinkType::ClearText() { m_text.reset(); }
 
-void CLinkType::SetType(const std::wstring& value) {
-  m_type = value;
-  m_hasType = true;
-}
+void CLinkType::SetType(const std::wstring& value) { m_type = std::make_unique<std::wstring>(value); }
 
-void CLinkType::ClearType() {
-  m_type = std::wstring();
-  m_hasType = false;
-}
+void CLinkType::ClearType() { m_type.reset(); }
 
 void CLinkType::SetHref(const std::wstring& value) { m_href = value; }
 
@@ -131,7 +119,7 @@ void CLinkType::AccessProperty(int index, bool get, RkVariant& value) {
       if (!get) {
         SetText(value.GetString());
       } else if (HasText()) {
-        value.SetString(GetText());
+        value.SetString(*m_text);
       } else {
         value.SetInvalid();
       }
@@ -140,7 +128,7 @@ void CLinkType::AccessProperty(int index, bool get, RkVariant& value) {
       if (!get) {
         SetType(value.GetString());
       } else if (HasType()) {
-        value.SetString(GetType());
+        value.SetString(*m_type);
       } else {
         value.SetInvalid();
       }
@@ -245,15 +233,9 @@ CPersonType::~CPersonType() = default;
 const wchar_t* CPersonType::GetTargetNamespace() const { return kNamespace; }
 const wchar_t* CPersonType::GetNamespace() const { return kNamespace; }
 
-void CPersonType::SetName(const std::wstring& value) {
-  m_name = value;
-  m_hasName = true;
-}
+void CPersonType::SetName(const std::wstring& value) { m_name = std::make_unique<std::wstring>(value); }
 
-void CPersonType::ClearName() {
-  m_name = std::wstring();
-  m_hasName = false;
-}
+void CPersonType::ClearName() { m_name.reset(); }
 
 void CPersonType::SetEmail(CEmailType* value) {
   Throw_IfElementNameDiffers(value, L"email");
@@ -271,7 +253,7 @@ void CPersonType::AccessProperty(int index, bool get, RkVariant& value) {
       if (!get) {
         SetName(value.GetString());
       } else if (HasName()) {
-        value.SetString(GetName());
+        value.SetString(*m_name);
       } else {
         value.SetInvalid();
       }
@@ -335,15 +317,9 @@ void CCopyrightType::ClearYear() {
   m_hasYear = false;
 }
 
-void CCopyrightType::SetLicense(const std::wstring& value) {
-  m_license = value;
-  m_hasLicense = true;
-}
+void CCopyrightType::SetLicense(const std::wstring& value) { m_license = std::make_unique<std::wstring>(value); }
 
-void CCopyrightType::ClearLicense() {
-  m_license = std::wstring();
-  m_hasLicense = false;
-}
+void CCopyrightType::ClearLicense() { m_license.reset(); }
 
 void CCopyrightType::SetAuthor(const std::wstring& value) { m_author = value; }
 
@@ -362,7 +338,7 @@ void CCopyrightType::AccessProperty(int index, bool get, RkVariant& value) {
       if (!get) {
         SetLicense(value.GetString());
       } else if (HasLicense()) {
-        value.SetString(GetLicense());
+        value.SetString(*m_license);
       } else {
         value.SetInvalid();
       }
@@ -496,25 +472,13 @@ CMetadataType::~CMetadataType() = default;
 const wchar_t* CMetadataType::GetTargetNamespace() const { return kNamespace; }
 const wchar_t* CMetadataType::GetNamespace() const { return kNamespace; }
 
-void CMetadataType::SetName(const std::wstring& value) {
-  m_name = value;
-  m_hasName = true;
-}
+void CMetadataType::SetName(const std::wstring& value) { m_name = std::make_unique<std::wstring>(value); }
 
-void CMetadataType::ClearName() {
-  m_name = std::wstring();
-  m_hasName = false;
-}
+void CMetadataType::ClearName() { m_name.reset(); }
 
-void CMetadataType::SetDesc(const std::wstring& value) {
-  m_desc = value;
-  m_hasDesc = true;
-}
+void CMetadataType::SetDesc(const std::wstring& value) { m_desc = std::make_unique<std::wstring>(value); }
 
-void CMetadataType::ClearDesc() {
-  m_desc = std::wstring();
-  m_hasDesc = false;
-}
+void CMetadataType::ClearDesc() { m_desc.reset(); }
 
 void CMetadataType::SetAuthor(CPersonType* value) {
   Throw_IfElementNameDiffers(value, L"author");
@@ -541,15 +505,9 @@ void CMetadataType::ClearTime() {
   m_hasTime = false;
 }
 
-void CMetadataType::SetKeywords(const std::wstring& value) {
-  m_keywords = value;
-  m_hasKeywords = true;
-}
+void CMetadataType::SetKeywords(const std::wstring& value) { m_keywords = std::make_unique<std::wstring>(value); }
 
-void CMetadataType::ClearKeywords() {
-  m_keywords = std::wstring();
-  m_hasKeywords = false;
-}
+void CMetadataType::ClearKeywords() { m_keywords.reset(); }
 
 void CMetadataType::SetBounds(CBoundsType* value) {
   Throw_IfElementNameDiffers(value, L"bounds");
@@ -567,7 +525,7 @@ void CMetadataType::AccessProperty(int index, bool get, RkVariant& value) {
       if (!get) {
         SetName(value.GetString());
       } else if (HasName()) {
-        value.SetString(GetName());
+        value.SetString(*m_name);
       } else {
         value.SetInvalid();
       }
@@ -576,7 +534,7 @@ void CMetadataType::AccessProperty(int index, bool get, RkVariant& value) {
       if (!get) {
         SetDesc(value.GetString());
       } else if (HasDesc()) {
-        value.SetString(GetDesc());
+        value.SetString(*m_desc);
       } else {
         value.SetInvalid();
       }
@@ -611,7 +569,7 @@ void CMetadataType::AccessProperty(int index, bool get, RkVariant& value) {
       if (!get) {
         SetKeywords(value.GetString());
       } else if (HasKeywords()) {
-        value.SetString(GetKeywords());
+        value.SetString(*m_keywords);
       } else {
         value.SetInvalid();
       }
@@ -708,70 +666,34 @@ void CWptType::SetGeoidheight(const CDecimal& value) { m_geoidheight = std::make
 
 void CWptType::ClearGeoidheight() { m_geoidheight.reset(); }
 
-void CWptType::SetName(const std::wstring& value) {
-  m_name = value;
-  m_hasName = true;
-}
+void CWptType::SetName(const std::wstring& value) { m_name = std::make_unique<std::wstring>(value); }
 
-void CWptType::ClearName() {
-  m_name = std::wstring();
-  m_hasName = false;
-}
+void CWptType::ClearName() { m_name.reset(); }
 
-void CWptType::SetCmt(const std::wstring& value) {
-  m_cmt = value;
-  m_hasCmt = true;
-}
+void CWptType::SetCmt(const std::wstring& value) { m_cmt = std::make_unique<std::wstring>(value); }
 
-void CWptType::ClearCmt() {
-  m_cmt = std::wstring();
-  m_hasCmt = false;
-}
+void CWptType::ClearCmt() { m_cmt.reset(); }
 
-void CWptType::SetDesc(const std::wstring& value) {
-  m_desc = value;
-  m_hasDesc = true;
-}
+void CWptType::SetDesc(const std::wstring& value) { m_desc = std::make_unique<std::wstring>(value); }
 
-void CWptType::ClearDesc() {
-  m_desc = std::wstring();
-  m_hasDesc = false;
-}
+void CWptType::ClearDesc() { m_desc.reset(); }
 
-void CWptType::SetSrc(const std::wstring& value) {
-  m_src = value;
-  m_hasSrc = true;
-}
+void CWptType::SetSrc(const std::wstring& value) { m_src = std::make_unique<std::wstring>(value); }
 
-void CWptType::ClearSrc() {
-  m_src = std::wstring();
-  m_hasSrc = false;
-}
+void CWptType::ClearSrc() { m_src.reset(); }
 
 CLinkTypeCol* CWptType::GetLink() const {
   if (m_link == nullptr) m_link = new CLinkTypeCol(L"link", 0, -1);
   return m_link;
 }
 
-void CWptType::SetSym(const std::wstring& value) {
-  m_sym = value;
-  m_hasSym = true;
-}
+void CWptType::SetSym(const std::wstring& value) { m_sym = std::make_unique<std::wstring>(value); }
 
-void CWptType::ClearSym() {
-  m_sym = std::wstring();
-  m_hasSym = false;
-}
+void CWptType::ClearSym() { m_sym.reset(); }
 
-void CWptType::SetType(const std::wstring& value) {
-  m_type = value;
-  m_hasType = true;
-}
+void CWptType::SetType(const std::wstring& value) { m_type = std::make_unique<std::wstring>(value); }
 
-void CWptType::ClearType() {
-  m_type = std::wstring();
-  m_hasType = false;
-}
+void CWptType::ClearType() { m_type.reset(); }
 
 void CWptType::SetFix(EFix value) {
   m_fix = value;
@@ -874,7 +796,7 @@ void CWptType::AccessProperty(int index, bool get, RkVariant& value) {
       if (!get) {
         SetName(value.GetString());
       } else if (HasName()) {
-        value.SetString(GetName());
+        value.SetString(*m_name);
       } else {
         value.SetInvalid();
       }
@@ -883,7 +805,7 @@ void CWptType::AccessProperty(int index, bool get, RkVariant& value) {
       if (!get) {
         SetCmt(value.GetString());
       } else if (HasCmt()) {
-        value.SetString(GetCmt());
+        value.SetString(*m_cmt);
       } else {
         value.SetInvalid();
       }
@@ -892,7 +814,7 @@ void CWptType::AccessProperty(int index, bool get, RkVariant& value) {
       if (!get) {
         SetDesc(value.GetString());
       } else if (HasDesc()) {
-        value.SetString(GetDesc());
+        value.SetString(*m_desc);
       } else {
         value.SetInvalid();
       }
@@ -901,7 +823,7 @@ void CWptType::AccessProperty(int index, bool get, RkVariant& value) {
       if (!get) {
         SetSrc(value.GetString());
       } else if (HasSrc()) {
-        value.SetString(GetSrc());
+        value.SetString(*m_src);
       } else {
         value.SetInvalid();
       }
@@ -913,7 +835,7 @@ void CWptType::AccessProperty(int index, bool get, RkVariant& value) {
       if (!get) {
         SetSym(value.GetString());
       } else if (HasSym()) {
-        value.SetString(GetSym());
+        value.SetString(*m_sym);
       } else {
         value.SetInvalid();
       }
@@ -922,7 +844,7 @@ void CWptType::AccessProperty(int index, bool get, RkVariant& value) {
       if (!get) {
         SetType(value.GetString());
       } else if (HasType()) {
-        value.SetString(GetType());
+        value.SetString(*m_type);
       } else {
         value.SetInvalid();
       }
@@ -1094,45 +1016,21 @@ CRteType::~CRteType() = default;
 const wchar_t* CRteType::GetTargetNamespace() const { return kNamespace; }
 const wchar_t* CRteType::GetNamespace() const { return kNamespace; }
 
-void CRteType::SetName(const std::wstring& value) {
-  m_name = value;
-  m_hasName = true;
-}
+void CRteType::SetName(const std::wstring& value) { m_name = std::make_unique<std::wstring>(value); }
 
-void CRteType::ClearName() {
-  m_name = std::wstring();
-  m_hasName = false;
-}
+void CRteType::ClearName() { m_name.reset(); }
 
-void CRteType::SetCmt(const std::wstring& value) {
-  m_cmt = value;
-  m_hasCmt = true;
-}
+void CRteType::SetCmt(const std::wstring& value) { m_cmt = std::make_unique<std::wstring>(value); }
 
-void CRteType::ClearCmt() {
-  m_cmt = std::wstring();
-  m_hasCmt = false;
-}
+void CRteType::ClearCmt() { m_cmt.reset(); }
 
-void CRteType::SetDesc(const std::wstring& value) {
-  m_desc = value;
-  m_hasDesc = true;
-}
+void CRteType::SetDesc(const std::wstring& value) { m_desc = std::make_unique<std::wstring>(value); }
 
-void CRteType::ClearDesc() {
-  m_desc = std::wstring();
-  m_hasDesc = false;
-}
+void CRteType::ClearDesc() { m_desc.reset(); }
 
-void CRteType::SetSrc(const std::wstring& value) {
-  m_src = value;
-  m_hasSrc = true;
-}
+void CRteType::SetSrc(const std::wstring& value) { m_src = std::make_unique<std::wstring>(value); }
 
-void CRteType::ClearSrc() {
-  m_src = std::wstring();
-  m_hasSrc = false;
-}
+void CRteType::ClearSrc() { m_src.reset(); }
 
 CLinkTypeCol* CRteType::GetLink() const {
   if (m_link == nullptr) m_link = new CLinkTypeCol(L"link", 0, -1);
@@ -1146,15 +1044,9 @@ void CRteType::SetNumber(const CBigInteger& value) {
 
 void CRteType::ClearNumber() { m_number.reset(); }
 
-void CRteType::SetType(const std::wstring& value) {
-  m_type = value;
-  m_hasType = true;
-}
+void CRteType::SetType(const std::wstring& value) { m_type = std::make_unique<std::wstring>(value); }
 
-void CRteType::ClearType() {
-  m_type = std::wstring();
-  m_hasType = false;
-}
+void CRteType::ClearType() { m_type.reset(); }
 
 void CRteType::SetExtensions(CExtensionsType* value) {
   Throw_IfElementNameDiffers(value, L"extensions");
@@ -1172,7 +1064,7 @@ void CRteType::AccessProperty(int index, bool get, RkVariant& value) {
       if (!get) {
         SetName(value.GetString());
       } else if (HasName()) {
-        value.SetString(GetName());
+        value.SetString(*m_name);
       } else {
         value.SetInvalid();
       }
@@ -1181,7 +1073,7 @@ void CRteType::AccessProperty(int index, bool get, RkVariant& value) {
       if (!get) {
         SetCmt(value.GetString());
       } else if (HasCmt()) {
-        value.SetString(GetCmt());
+        value.SetString(*m_cmt);
       } else {
         value.SetInvalid();
       }
@@ -1190,7 +1082,7 @@ void CRteType::AccessProperty(int index, bool get, RkVariant& value) {
       if (!get) {
         SetDesc(value.GetString());
       } else if (HasDesc()) {
-        value.SetString(GetDesc());
+        value.SetString(*m_desc);
       } else {
         value.SetInvalid();
       }
@@ -1199,7 +1091,7 @@ void CRteType::AccessProperty(int index, bool get, RkVariant& value) {
       if (!get) {
         SetSrc(value.GetString());
       } else if (HasSrc()) {
-        value.SetString(GetSrc());
+        value.SetString(*m_src);
       } else {
         value.SetInvalid();
       }
@@ -1220,7 +1112,7 @@ void CRteType::AccessProperty(int index, bool get, RkVariant& value) {
       if (!get) {
         SetType(value.GetString());
       } else if (HasType()) {
-        value.SetString(GetType());
+        value.SetString(*m_type);
       } else {
         value.SetInvalid();
       }
@@ -1348,45 +1240,21 @@ CTrkType::~CTrkType() = default;
 const wchar_t* CTrkType::GetTargetNamespace() const { return kNamespace; }
 const wchar_t* CTrkType::GetNamespace() const { return kNamespace; }
 
-void CTrkType::SetName(const std::wstring& value) {
-  m_name = value;
-  m_hasName = true;
-}
+void CTrkType::SetName(const std::wstring& value) { m_name = std::make_unique<std::wstring>(value); }
 
-void CTrkType::ClearName() {
-  m_name = std::wstring();
-  m_hasName = false;
-}
+void CTrkType::ClearName() { m_name.reset(); }
 
-void CTrkType::SetCmt(const std::wstring& value) {
-  m_cmt = value;
-  m_hasCmt = true;
-}
+void CTrkType::SetCmt(const std::wstring& value) { m_cmt = std::make_unique<std::wstring>(value); }
 
-void CTrkType::ClearCmt() {
-  m_cmt = std::wstring();
-  m_hasCmt = false;
-}
+void CTrkType::ClearCmt() { m_cmt.reset(); }
 
-void CTrkType::SetDesc(const std::wstring& value) {
-  m_desc = value;
-  m_hasDesc = true;
-}
+void CTrkType::SetDesc(const std::wstring& value) { m_desc = std::make_unique<std::wstring>(value); }
 
-void CTrkType::ClearDesc() {
-  m_desc = std::wstring();
-  m_hasDesc = false;
-}
+void CTrkType::ClearDesc() { m_desc.reset(); }
 
-void CTrkType::SetSrc(const std::wstring& value) {
-  m_src = value;
-  m_hasSrc = true;
-}
+void CTrkType::SetSrc(const std::wstring& value) { m_src = std::make_unique<std::wstring>(value); }
 
-void CTrkType::ClearSrc() {
-  m_src = std::wstring();
-  m_hasSrc = false;
-}
+void CTrkType::ClearSrc() { m_src.reset(); }
 
 CLinkTypeCol* CTrkType::GetLink() const {
   if (m_link == nullptr) m_link = new CLinkTypeCol(L"link", 0, -1);
@@ -1400,15 +1268,9 @@ void CTrkType::SetNumber(const CBigInteger& value) {
 
 void CTrkType::ClearNumber() { m_number.reset(); }
 
-void CTrkType::SetType(const std::wstring& value) {
-  m_type = value;
-  m_hasType = true;
-}
+void CTrkType::SetType(const std::wstring& value) { m_type = std::make_unique<std::wstring>(value); }
 
-void CTrkType::ClearType() {
-  m_type = std::wstring();
-  m_hasType = false;
-}
+void CTrkType::ClearType() { m_type.reset(); }
 
 void CTrkType::SetExtensions(CExtensionsType* value) {
   Throw_IfElementNameDiffers(value, L"extensions");
@@ -1426,7 +1288,7 @@ void CTrkType::AccessProperty(int index, bool get, RkVariant& value) {
       if (!get) {
         SetName(value.GetString());
       } else if (HasName()) {
-        value.SetString(GetName());
+        value.SetString(*m_name);
       } else {
         value.SetInvalid();
       }
@@ -1435,7 +1297,7 @@ void CTrkType::AccessProperty(int index, bool get, RkVariant& value) {
       if (!get) {
         SetCmt(value.GetString());
       } else if (HasCmt()) {
-        value.SetString(GetCmt());
+        value.SetString(*m_cmt);
       } else {
         value.SetInvalid();
       }
@@ -1444,7 +1306,7 @@ void CTrkType::AccessProperty(int index, bool get, RkVariant& value) {
       if (!get) {
         SetDesc(value.GetString());
       } else if (HasDesc()) {
-        value.SetString(GetDesc());
+        value.SetString(*m_desc);
       } else {
         value.SetInvalid();
       }
@@ -1453,7 +1315,7 @@ void CTrkType::AccessProperty(int index, bool get, RkVariant& value) {
       if (!get) {
         SetSrc(value.GetString());
       } else if (HasSrc()) {
-        value.SetString(GetSrc());
+        value.SetString(*m_src);
       } else {
         value.SetInvalid();
       }
@@ -1474,7 +1336,7 @@ void CTrkType::AccessProperty(int index, bool get, RkVariant& value) {
       if (!get) {
         SetType(value.GetString());
       } else if (HasType()) {
-        value.SetString(GetType());
+        value.SetString(*m_type);
       } else {
         value.SetInvalid();
       }

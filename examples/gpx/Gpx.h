@@ -62,14 +62,14 @@ class CLinkType : public CXmlGeneratedClass {
   ~CLinkType() override;
 
   // Element text (string, optional).
-  bool HasText() const { return m_hasText; }
-  const std::wstring& GetText() const { return m_text; }
+  bool HasText() const { return m_text != nullptr; }
+  std::wstring GetText() const { return m_text ? *m_text : std::wstring(); }
   void SetText(const std::wstring& value);
   void ClearText();
 
   // Element type (string, optional).
-  bool HasType() const { return m_hasType; }
-  const std::wstring& GetType() const { return m_type; }
+  bool HasType() const { return m_type != nullptr; }
+  std::wstring GetType() const { return m_type ? *m_type : std::wstring(); }
   void SetType(const std::wstring& value);
   void ClearType();
 
@@ -88,10 +88,8 @@ class CLinkType : public CXmlGeneratedClass {
                         bool isOptionalChoice) override;
 
  private:
-  bool m_hasText = false;
-  bool m_hasType = false;
-  std::wstring m_text;
-  std::wstring m_type;
+  std::unique_ptr<std::wstring> m_text;
+  std::unique_ptr<std::wstring> m_type;
   std::wstring m_href;
 };
 
@@ -137,8 +135,8 @@ class CPersonType : public CXmlGeneratedClass {
   ~CPersonType() override;
 
   // Element name (string, optional).
-  bool HasName() const { return m_hasName; }
-  const std::wstring& GetName() const { return m_name; }
+  bool HasName() const { return m_name != nullptr; }
+  std::wstring GetName() const { return m_name ? *m_name : std::wstring(); }
   void SetName(const std::wstring& value);
   void ClearName();
 
@@ -161,10 +159,9 @@ class CPersonType : public CXmlGeneratedClass {
                         bool isOptionalChoice) override;
 
  private:
-  bool m_hasName = false;
+  std::unique_ptr<std::wstring> m_name;
   CSmartPtr<CEmailType> m_email;
   CSmartPtr<CLinkType> m_link;
-  std::wstring m_name;
 };
 
 // copyrightType.
@@ -180,8 +177,8 @@ class CCopyrightType : public CXmlGeneratedClass {
   void ClearYear();
 
   // Element license (anyURI, optional).
-  bool HasLicense() const { return m_hasLicense; }
-  const std::wstring& GetLicense() const { return m_license; }
+  bool HasLicense() const { return m_license != nullptr; }
+  std::wstring GetLicense() const { return m_license ? *m_license : std::wstring(); }
   void SetLicense(const std::wstring& value);
   void ClearLicense();
 
@@ -202,8 +199,7 @@ class CCopyrightType : public CXmlGeneratedClass {
  private:
   unsigned short m_year = 0;
   bool m_hasYear = false;
-  bool m_hasLicense = false;
-  std::wstring m_license;
+  std::unique_ptr<std::wstring> m_license;
   std::wstring m_author;
 };
 
@@ -253,14 +249,14 @@ class CMetadataType : public CXmlGeneratedClass {
   ~CMetadataType() override;
 
   // Element name (string, optional).
-  bool HasName() const { return m_hasName; }
-  const std::wstring& GetName() const { return m_name; }
+  bool HasName() const { return m_name != nullptr; }
+  std::wstring GetName() const { return m_name ? *m_name : std::wstring(); }
   void SetName(const std::wstring& value);
   void ClearName();
 
   // Element desc (string, optional).
-  bool HasDesc() const { return m_hasDesc; }
-  const std::wstring& GetDesc() const { return m_desc; }
+  bool HasDesc() const { return m_desc != nullptr; }
+  std::wstring GetDesc() const { return m_desc ? *m_desc : std::wstring(); }
   void SetDesc(const std::wstring& value);
   void ClearDesc();
 
@@ -282,8 +278,8 @@ class CMetadataType : public CXmlGeneratedClass {
   void ClearTime();
 
   // Element keywords (string, optional).
-  bool HasKeywords() const { return m_hasKeywords; }
-  const std::wstring& GetKeywords() const { return m_keywords; }
+  bool HasKeywords() const { return m_keywords != nullptr; }
+  std::wstring GetKeywords() const { return m_keywords ? *m_keywords : std::wstring(); }
   void SetKeywords(const std::wstring& value);
   void ClearKeywords();
 
@@ -306,19 +302,16 @@ class CMetadataType : public CXmlGeneratedClass {
                         bool isOptionalChoice) override;
 
  private:
-  bool m_hasName = false;
-  bool m_hasDesc = false;
   bool m_hasTime = false;
-  bool m_hasKeywords = false;
+  std::unique_ptr<std::wstring> m_name;
+  std::unique_ptr<std::wstring> m_desc;
   CSmartPtr<CPersonType> m_author;
   CSmartPtr<CCopyrightType> m_copyright;
   mutable CSmartPtr<CLinkTypeCol> m_link;  // made by its first use
+  std::unique_ptr<std::wstring> m_keywords;
   CSmartPtr<CBoundsType> m_bounds;
   CSmartPtr<CExtensionsType> m_extensions;
   CDateTime m_time;
-  std::wstring m_name;
-  std::wstring m_desc;
-  std::wstring m_keywords;
 };
 
 // wptType: a waypoint, or a point of a route or track.
@@ -352,26 +345,26 @@ class CWptType : public CXmlGeneratedClass {
   void ClearGeoidheight();
 
   // Element name (string, optional).
-  bool HasName() const { return m_hasName; }
-  const std::wstring& GetName() const { return m_name; }
+  bool HasName() const { return m_name != nullptr; }
+  std::wstring GetName() const { return m_name ? *m_name : std::wstring(); }
   void SetName(const std::wstring& value);
   void ClearName();
 
   // Element cmt (string, optional).
-  bool HasCmt() const { return m_hasCmt; }
-  const std::wstring& GetCmt() const { return m_cmt; }
+  bool HasCmt() const { return m_cmt != nullptr; }
+  std::wstring GetCmt() const { return m_cmt ? *m_cmt : std::wstring(); }
   void SetCmt(const std::wstring& value);
   void ClearCmt();
 
   // Element desc (string, optional).
-  bool HasDesc() const { return m_hasDesc; }
-  const std::wstring& GetDesc() const { return m_desc; }
+  bool HasDesc() const { return m_desc != nullptr; }
+  std::wstring GetDesc() const { return m_desc ? *m_desc : std::wstring(); }
   void SetDesc(const std::wstring& value);
   void ClearDesc();
 
   // Element src (string, optional).
-  bool HasSrc() const { return m_hasSrc; }
-  const std::wstring& GetSrc() const { return m_src; }
+  bool HasSrc() const { return m_src != nullptr; }
+  std::wstring GetSrc() const { return m_src ? *m_src : std::wstring(); }
   void SetSrc(const std::wstring& value);
   void ClearSrc();
 
@@ -379,14 +372,14 @@ class CWptType : public CXmlGeneratedClass {
   CLinkTypeCol* GetLink() const;
 
   // Element sym (string, optional).
-  bool HasSym() const { return m_hasSym; }
-  const std::wstring& GetSym() const { return m_sym; }
+  bool HasSym() const { return m_sym != nullptr; }
+  std::wstring GetSym() const { return m_sym ? *m_sym : std::wstring(); }
   void SetSym(const std::wstring& value);
   void ClearSym();
 
   // Element type (string, optional).
-  bool HasType() const { return m_hasType; }
-  const std::wstring& GetType() const { return m_type; }
+  bool HasType() const { return m_type != nullptr; }
+  std::wstring GetType() const { return m_type ? *m_type : std::wstring(); }
   void SetType(const std::wstring& value);
   void ClearType();
 
@@ -457,12 +450,6 @@ class CWptType : public CXmlGeneratedClass {
  private:
   int m_declaredAs;  // which of the elements of this type the object was made for
   bool m_hasTime = false;
-  bool m_hasName = false;
-  bool m_hasCmt = false;
-  bool m_hasDesc = false;
-  bool m_hasSrc = false;
-  bool m_hasSym = false;
-  bool m_hasType = false;
   EFix m_fix = static_cast<EFix>(0);
   bool m_hasFix = false;
   long m_dgpsid = 0;
@@ -470,7 +457,13 @@ class CWptType : public CXmlGeneratedClass {
   std::unique_ptr<CDecimal> m_ele;
   std::unique_ptr<CDecimal> m_magvar;
   std::unique_ptr<CDecimal> m_geoidheight;
+  std::unique_ptr<std::wstring> m_name;
+  std::unique_ptr<std::wstring> m_cmt;
+  std::unique_ptr<std::wstring> m_desc;
+  std::unique_ptr<std::wstring> m_src;
   mutable CSmartPtr<CLinkTypeCol> m_link;  // made by its first use
+  std::unique_ptr<std::wstring> m_sym;
+  std::unique_ptr<std::wstring> m_type;
   std::unique_ptr<CBigInteger> m_sat;
   std::unique_ptr<CDecimal> m_hdop;
   std::unique_ptr<CDecimal> m_vdop;
@@ -480,12 +473,6 @@ class CWptType : public CXmlGeneratedClass {
   CDateTime m_time;
   CDecimal m_lat;
   CDecimal m_lon;
-  std::wstring m_name;
-  std::wstring m_cmt;
-  std::wstring m_desc;
-  std::wstring m_src;
-  std::wstring m_sym;
-  std::wstring m_type;
 };
 
 class CWptTypeCol : public CXmlObjectCollection<CWptType> {
@@ -501,26 +488,26 @@ class CRteType : public CXmlGeneratedClass {
   ~CRteType() override;
 
   // Element name (string, optional).
-  bool HasName() const { return m_hasName; }
-  const std::wstring& GetName() const { return m_name; }
+  bool HasName() const { return m_name != nullptr; }
+  std::wstring GetName() const { return m_name ? *m_name : std::wstring(); }
   void SetName(const std::wstring& value);
   void ClearName();
 
   // Element cmt (string, optional).
-  bool HasCmt() const { return m_hasCmt; }
-  const std::wstring& GetCmt() const { return m_cmt; }
+  bool HasCmt() const { return m_cmt != nullptr; }
+  std::wstring GetCmt() const { return m_cmt ? *m_cmt : std::wstring(); }
   void SetCmt(const std::wstring& value);
   void ClearCmt();
 
   // Element desc (string, optional).
-  bool HasDesc() const { return m_hasDesc; }
-  const std::wstring& GetDesc() const { return m_desc; }
+  bool HasDesc() const { return m_desc != nullptr; }
+  std::wstring GetDesc() const { return m_desc ? *m_desc : std::wstring(); }
   void SetDesc(const std::wstring& value);
   void ClearDesc();
 
   // Element src (string, optional).
-  bool HasSrc() const { return m_hasSrc; }
-  const std::wstring& GetSrc() const { return m_src; }
+  bool HasSrc() const { return m_src != nullptr; }
+  std::wstring GetSrc() const { return m_src ? *m_src : std::wstring(); }
   void SetSrc(const std::wstring& value);
   void ClearSrc();
 
@@ -534,8 +521,8 @@ class CRteType : public CXmlGeneratedClass {
   void ClearNumber();
 
   // Element type (string, optional).
-  bool HasType() const { return m_hasType; }
-  const std::wstring& GetType() const { return m_type; }
+  bool HasType() const { return m_type != nullptr; }
+  std::wstring GetType() const { return m_type ? *m_type : std::wstring(); }
   void SetType(const std::wstring& value);
   void ClearType();
 
@@ -557,20 +544,15 @@ class CRteType : public CXmlGeneratedClass {
                         bool isOptionalChoice) override;
 
  private:
-  bool m_hasName = false;
-  bool m_hasCmt = false;
-  bool m_hasDesc = false;
-  bool m_hasSrc = false;
-  bool m_hasType = false;
+  std::unique_ptr<std::wstring> m_name;
+  std::unique_ptr<std::wstring> m_cmt;
+  std::unique_ptr<std::wstring> m_desc;
+  std::unique_ptr<std::wstring> m_src;
   mutable CSmartPtr<CLinkTypeCol> m_link;  // made by its first use
   std::unique_ptr<CBigInteger> m_number;
+  std::unique_ptr<std::wstring> m_type;
   CSmartPtr<CExtensionsType> m_extensions;
   mutable CSmartPtr<CWptTypeCol> m_rtept;  // made by its first use
-  std::wstring m_name;
-  std::wstring m_cmt;
-  std::wstring m_desc;
-  std::wstring m_src;
-  std::wstring m_type;
 };
 
 class CRteTypeCol : public CXmlObjectCollection<CRteType> {
@@ -620,26 +602,26 @@ class CTrkType : public CXmlGeneratedClass {
   ~CTrkType() override;
 
   // Element name (string, optional).
-  bool HasName() const { return m_hasName; }
-  const std::wstring& GetName() const { return m_name; }
+  bool HasName() const { return m_name != nullptr; }
+  std::wstring GetName() const { return m_name ? *m_name : std::wstring(); }
   void SetName(const std::wstring& value);
   void ClearName();
 
   // Element cmt (string, optional).
-  bool HasCmt() const { return m_hasCmt; }
-  const std::wstring& GetCmt() const { return m_cmt; }
+  bool HasCmt() const { return m_cmt != nullptr; }
+  std::wstring GetCmt() const { return m_cmt ? *m_cmt : std::wstring(); }
   void SetCmt(const std::wstring& value);
   void ClearCmt();
 
   // Element desc (string, optional).
-  bool HasDesc() const { return m_hasDesc; }
-  const std::wstring& GetDesc() const { return m_desc; }
+  bool HasDesc() const { return m_desc != nullptr; }
+  std::wstring GetDesc() const { return m_desc ? *m_desc : std::wstring(); }
   void SetDesc(const std::wstring& value);
   void ClearDesc();
 
   // Element src (string, optional).
-  bool HasSrc() const { return m_hasSrc; }
-  const std::wstring& GetSrc() const { return m_src; }
+  bool HasSrc() const { return m_src != nullptr; }
+  std::wstring GetSrc() const { return m_src ? *m_src : std::wstring(); }
   void SetSrc(const std::wstring& value);
   void ClearSrc();
 
@@ -653,8 +635,8 @@ class CTrkType : public CXmlGeneratedClass {
   void ClearNumber();
 
   // Element type (string, optional).
-  bool HasType() const { return m_hasType; }
-  const std::wstring& GetType() const { return m_type; }
+  bool HasType() const { return m_type != nullptr; }
+  std::wstring GetType() const { return m_type ? *m_type : std::wstring(); }
   void SetType(const std::wstring& value);
   void ClearType();
 
@@ -676,20 +658,15 @@ class CTrkType : public CXmlGeneratedClass {
                         bool isOptionalChoice) override;
 
  private:
-  bool m_hasName = false;
-  bool m_hasCmt = false;
-  bool m_hasDesc = false;
-  bool m_hasSrc = false;
-  bool m_hasType = false;
+  std::unique_ptr<std::wstring> m_name;
+  std::unique_ptr<std::wstring> m_cmt;
+  std::unique_ptr<std::wstring> m_desc;
+  std::unique_ptr<std::wstring> m_src;
   mutable CSmartPtr<CLinkTypeCol> m_link;  // made by its first use
   std::unique_ptr<CBigInteger> m_number;
+  std::unique_ptr<std::wstring> m_type;
   CSmartPtr<CExtensionsType> m_extensions;
   mutable CSmartPtr<CTrksegTypeCol> m_trkseg;  // made by its first use
-  std::wstring m_name;
-  std::wstring m_cmt;
-  std::wstring m_desc;
-  std::wstring m_src;
-  std::wstring m_type;
 };
 
 class CTrkTypeCol : public CXmlObjectCollection<CTrkType> {

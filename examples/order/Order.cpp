@@ -107,15 +107,9 @@ CCustomerType::~CCustomerType() = default;
 const wchar_t* CCustomerType::GetTargetNamespace() const { return kNamespace; }
 const wchar_t* CCustomerType::GetNamespace() const { return kNamespace; }
 
-void CCustomerType::SetEmail(const std::wstring& value) {
-  m_email = value;
-  m_hasEmail = true;
-}
+void CCustomerType::SetEmail(const std::wstring& value) { m_email = std::make_unique<std::wstring>(value); }
 
-void CCustomerType::ClearEmail() {
-  m_email = std::wstring();
-  m_hasEmail = false;
-}
+void CCustomerType::ClearEmail() { m_email.reset(); }
 
 CPersonType::CPersonType(const wchar_t* elementName) : CCustomerType(elementName) {}
 CPersonType::~CPersonType() = default;
@@ -270,14 +264,10 @@ void CAddressType::SetCity(const std::wstring& value) { m_city = value; }
 
 void CAddressType::SetZip(const std::wstring& value) {
   CXmlObjectHelper::CheckRestrictionForstring(L"zip", value, Zip());
-  m_zip = value;
-  m_hasZip = true;
+  m_zip = std::make_unique<std::wstring>(value);
 }
 
-void CAddressType::ClearZip() {
-  m_zip = std::wstring();
-  m_hasZip = false;
-}
+void CAddressType::ClearZip() { m_zip.reset(); }
 
 void CAddressType::SetCountry(ECountry value) { m_country = value; }
 
@@ -301,7 +291,7 @@ void CAddressType::AccessProperty(int index, bool get, RkVariant& value) {
       if (!get) {
         SetZip(value.GetString());
       } else if (HasZip()) {
-        value.SetString(GetZip());
+        value.SetString(*m_zip);
       } else {
         value.SetInvalid();
       }
@@ -704,15 +694,9 @@ void CTransferType::SetIban(const std::wstring& value) {
   m_iban = value;
 }
 
-void CTransferType::SetReference(const std::wstring& value) {
-  m_reference = value;
-  m_hasReference = true;
-}
+void CTransferType::SetReference(const std::wstring& value) { m_reference = std::make_unique<std::wstring>(value); }
 
-void CTransferType::ClearReference() {
-  m_reference = std::wstring();
-  m_hasReference = false;
-}
+void CTransferType::ClearReference() { m_reference.reset(); }
 
 void CTransferType::AccessProperty(int index, bool get, RkVariant& value) {
   switch (index) {
@@ -727,7 +711,7 @@ void CTransferType::AccessProperty(int index, bool get, RkVariant& value) {
       if (!get) {
         SetReference(value.GetString());
       } else if (HasReference()) {
-        value.SetString(GetReference());
+        value.SetString(*m_reference);
       } else {
         value.SetInvalid();
       }

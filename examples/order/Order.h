@@ -49,8 +49,8 @@ class CCustomerType : public CXmlGeneratedClass {
   ~CCustomerType() override;
 
   // Element email (string, optional).
-  bool HasEmail() const { return m_hasEmail; }
-  const std::wstring& GetEmail() const { return m_email; }
+  bool HasEmail() const { return m_email != nullptr; }
+  std::wstring GetEmail() const { return m_email ? *m_email : std::wstring(); }
   void SetEmail(const std::wstring& value);
   void ClearEmail();
 
@@ -59,8 +59,7 @@ class CCustomerType : public CXmlGeneratedClass {
   const wchar_t* GetNamespace() const override;
 
  protected:
-  bool m_hasEmail = false;
-  std::wstring m_email;
+  std::unique_ptr<std::wstring> m_email;
 };
 
 // personType.
@@ -139,8 +138,8 @@ class CAddressType : public CXmlGeneratedClass {
   void SetCity(const std::wstring& value);
 
   // Element zip (string, optional).
-  bool HasZip() const { return m_hasZip; }
-  const std::wstring& GetZip() const { return m_zip; }
+  bool HasZip() const { return m_zip != nullptr; }
+  std::wstring GetZip() const { return m_zip ? *m_zip : std::wstring(); }
   void SetZip(const std::wstring& value);
   void ClearZip();
 
@@ -159,11 +158,10 @@ class CAddressType : public CXmlGeneratedClass {
                         bool isOptionalChoice) override;
 
  private:
-  bool m_hasZip = false;
   ECountry m_country = static_cast<ECountry>(0);
+  std::unique_ptr<std::wstring> m_zip;
   std::wstring m_street;
   std::wstring m_city;
-  std::wstring m_zip;
 };
 
 // goodsType: a number of equal articles.
@@ -357,8 +355,8 @@ class CTransferType : public CXmlGeneratedClass {
   void SetIban(const std::wstring& value);
 
   // Element reference (string, optional).
-  bool HasReference() const { return m_hasReference; }
-  const std::wstring& GetReference() const { return m_reference; }
+  bool HasReference() const { return m_reference != nullptr; }
+  std::wstring GetReference() const { return m_reference ? *m_reference : std::wstring(); }
   void SetReference(const std::wstring& value);
   void ClearReference();
 
@@ -373,9 +371,8 @@ class CTransferType : public CXmlGeneratedClass {
                         bool isOptionalChoice) override;
 
  private:
-  bool m_hasReference = false;
+  std::unique_ptr<std::wstring> m_reference;
   std::wstring m_iban;
-  std::wstring m_reference;
 };
 
 // paymentType: one of three ways to pay.
