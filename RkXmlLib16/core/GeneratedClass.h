@@ -101,6 +101,8 @@ class RKXML_EXPORT CXmlGeneratedClass : public CXmlObjectBase {
 
   CXmlElement* ReadElement(CXmlElement* element, CXmlElement* firstChild, const CSerializationContext& context,
                            bool isOptionalChoice);
+  CXmlElement* ReadContent(CXmlElement* element, CXmlElement* firstChild, const CSerializationContext& context,
+                           const RkXmlLib16Data::CParentElementInfo& info, bool isOptionalChoice);
   void ReadSimpleContent(const CXmlElement* element, const RkXmlLib16Data::CParentElementInfo& info);
   void ReadNil(const CXmlAttribute* attribute, INillable* nillable);
   void ProcessAttributesFromXml(const CSerializationContext& context, CXmlElement* element,

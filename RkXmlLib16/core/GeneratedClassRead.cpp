@@ -1,6 +1,5 @@
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -112,8 +111,17 @@ CXmlElement* CXmlGeneratedClass::ReadElement(CXmlElement* element, CXmlElement* 
   ProcessAttributesFromXml(context, element, info, nillable);
   if (nillable != nullptr && nillable->IsNil()) return firstChild;
 
-  std::optional<RkXmlLib16Data::SiblingSearch> search;
-  if (elementType == XmlElementType_Element && context.GetIgnoreUnknownElements()) search.emplace(element);
+  if (elementType == XmlElementType_Element && context.GetIgnoreUnknownElements()) {
+    const RkXmlLib16Data::SiblingSearch search(element);
+    return ReadContent(element, firstChild, context, info, isOptionalChoice);
+  }
+  return ReadContent(element, firstChild, context, info, isOptionalChoice);
+}
+
+CXmlElement* CXmlGeneratedClass::ReadContent(CXmlElement* element, CXmlElement* firstChild,
+                                             const CSerializationContext& context, const CParentElementInfo& info,
+                                             bool isOptionalChoice) {
+  const XmlElementType elementType = info.GetElementType();
   CXmlElement* unread = nullptr;
   switch (info.GetGroupType()) {
     case XmlElementGroupType_Sequence:
