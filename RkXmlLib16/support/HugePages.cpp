@@ -7,9 +7,9 @@
 namespace RkXmlLib16 {
 
 void AskForHugePages(void* memory, std::size_t size) noexcept {
-  if (size < 2 * kHugePage) return;
   const auto start = reinterpret_cast<std::uintptr_t>(memory);
   const std::size_t skip = (kHugePage - start % kHugePage) % kHugePage;
+  if (size < skip + kHugePage) return;
   const std::size_t whole = (size - skip) / kHugePage * kHugePage;
   ::madvise(static_cast<unsigned char*>(memory) + skip, whole, MADV_HUGEPAGE);
 }

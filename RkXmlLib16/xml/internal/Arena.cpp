@@ -26,7 +26,7 @@ void CArena::AddChunk(std::size_t atLeast) {
     // because page faults are a good part of filling them.
     std::size_t size = m_chunks.empty() ? kFirstChunk : std::min(2 * m_chunks.back().size, kLargestChunk);
     size = std::max(size, atLeast);
-    if (size >= 2 * kHugePage) {
+    if (size >= kHugePage) {
       if (size > SIZE_MAX - kHugePage) throw std::bad_alloc();
       size = (size + kHugePage - 1) & ~(kHugePage - 1);
       chunk.memory.reset(static_cast<unsigned char*>(std::aligned_alloc(kHugePage, size)));
