@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <typeinfo>
 #include <vector>
 
@@ -11,6 +12,8 @@
 
 // The words of the tests.
 namespace RkXmlTest {
+
+using namespace RkXmlLib16;
 
 inline std::string Narrow(const std::wstring& text) {
   std::string out;
@@ -41,28 +44,32 @@ inline std::vector<std::wstring> Split(const std::wstring& text, const std::wstr
   return parts;
 }
 
-// Tells unless `call` throws exactly this class and message.
-template <class Call>
-void ExpectThrows(const std::type_info& type, const std::wstring& message, Call&& call, const char* file, int line) {
-  try {
-    call();
-  } catch (const RkXmlLib16::CRkException& e) {
-    if (typeid(e) != type)
-      ADD_FAILURE_AT(file, line) << "thrown class " << typeid(e).name() << ", expected " << type.name();
-    if (e.GetMessage() != message)
-      ADD_FAILURE_AT(file, line) << "thrown message [" << Narrow(e.GetMessage()) << "], expected [" << Narrow(message)
-                                 << "]";
-    return;
-  }
-  ADD_FAILURE_AT(file, line) << "nothing thrown, expected " << type.name() << " [" << Narrow(message) << "]";
+using Wide = const wchar_t*;
+
+// A table: for (const auto& [text, value] : rows).
+template <class... Columns>
+using Rows = std::vector<std::tuple<Columns...>>;
+
+// Tells unless this class and message were thrown.
+inline void ExpectThrown(const std::type_info& type, const std::wstring& message, const CRkException& thrown,
+                         const char* file, int line) {
+  if (typeid(thrown) != type || thrown.GetMessage() != message)
+    ADD_FAILURE_AT(file, line) << "thrown " << typeid(thrown).name() << " [" << Narrow(thrown.GetMessage())
+                               << "], expected " << type.name() << " [" << Narrow(message) << "]";
 }
 
 }  // namespace RkXmlTest
 
 // The expression throws exactly this class with exactly this message (GetMessage()).
-#define EXPECT_RK_THROWS(Class, message, expression) \
-  ::RkXmlTest::ExpectThrows(                         \
-      typeid(::RkXmlLib16::Class), message, [&] { static_cast<void>(expression); }, __FILE__, __LINE__)
+#define EXPECT_RK_THROWS(Class, message, expression)                                                   \
+  do {                                                                                                 \
+    try {                                                                                              \
+      static_cast<void>(expression);                                                                   \
+      ADD_FAILURE() << "nothing thrown, expected " #Class " [" << ::RkXmlTest::Narrow(message) << "]"; \
+    } catch (const ::RkXmlLib16::CRkException& thrownHere) {                                           \
+      ::RkXmlTest::ExpectThrown(typeid(::RkXmlLib16::Class), message, thrownHere, __FILE__, __LINE__); \
+    }                                                                                                  \
+  } while (false)
 
 // Two wide texts are equal; shows them narrow when they are not.
 #define EXPECT_WIDE_EQ(expected, actual) \

@@ -8,7 +8,7 @@
 #include "RkXmlLib16/core/SerializationContext.h"
 #include "RkXmlLib16/wildcards/Element.h"
 
-using namespace RkXmlLib16;
+using namespace RkXmlTest;
 
 namespace {
 
@@ -226,10 +226,7 @@ TEST(CollectionCount, LimitsAreTestedMaximumFirst) {
       CItemCol(0, -1).GetTargetNamespace());
   CSerializationContext lenient;
   lenient.SetIgnoreInvalidCollectionCounts(true);
-  const struct {
-    int minOccurs, maxOccurs, count;
-    const wchar_t* error;
-  } kRows[] = {
+  const Rows<int, int, int, Wide> kRows = {
       {1, -1, 0, L"The Minimum number of [item] elements allowed in this collection is 1"},
       {1, -1, 100, nullptr},
       {0, 2, 3, L"The Maximum number of [item] elements allowed in this collection is 2"},
@@ -237,12 +234,12 @@ TEST(CollectionCount, LimitsAreTestedMaximumFirst) {
       {2, 2, 2, nullptr},
       {0, 0, 0, nullptr},
   };
-  for (const auto& row : kRows) {
-    CItemCol col(row.minOccurs, row.maxOccurs);
-    for (int i = 0; i < row.count; ++i) col.AppendItem(nullptr);
-    EXPECT_EQ(row.error == nullptr, col.IsValidCount(GetDefaultContext()));
-    if (row.error != nullptr)
-      EXPECT_RK_THROWS(CRkValidationException, row.error, col.ValidateCount(GetDefaultContext()));
+  for (const auto& [minOccurs, maxOccurs, count, error] : kRows) {
+    CItemCol col(minOccurs, maxOccurs);
+    for (int i = 0; i < count; ++i) col.AppendItem(nullptr);
+    EXPECT_EQ(error == nullptr, col.IsValidCount(GetDefaultContext()));
+    if (error != nullptr)
+      EXPECT_RK_THROWS(CRkValidationException, error, col.ValidateCount(GetDefaultContext()));
     else
       col.ValidateCount(GetDefaultContext());
     EXPECT_TRUE(col.IsValidCount(lenient));

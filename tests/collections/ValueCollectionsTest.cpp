@@ -8,7 +8,7 @@
 #include "RkXmlLib16/xml/ElementTree.h"
 #include "RkXmlLib16/xml/XmlWriter.h"
 
-using namespace RkXmlLib16;
+using namespace RkXmlTest;
 
 namespace {
 

@@ -9,8 +9,7 @@
 #include "RkXmlLib16/wildcards/Element.h"
 #include "support/TempFile.h"
 
-using namespace RkXmlLib16;
-using RkXmlTest::CTempFile;
+using namespace RkXmlTest;
 
 namespace {
 

@@ -5,7 +5,7 @@
 
 #include "Expect.h"
 
-using namespace RkXmlLib16;
+using namespace RkXmlTest;
 
 TEST(Exception, AppendsOnlyANonEmptyPathToTheMessage) {
   EXPECT_WIDE_EQ(L"m", CRkException(L"m", L"").GetMessage());

@@ -7,7 +7,7 @@
 #include "RkXmlLib16/json/JsonContext.h"
 #include "RkXmlLib16/wildcards/AttributeCol.h"
 
-using namespace RkXmlLib16;
+using namespace RkXmlTest;
 
 namespace {
 

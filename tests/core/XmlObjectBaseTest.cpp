@@ -8,7 +8,7 @@
 #include "RkXmlLib16/wildcards/ElementCol.h"
 #include "RkXmlLib16/xml/ElementTree.h"
 
-using namespace RkXmlLib16;
+using namespace RkXmlTest;
 
 namespace {
 

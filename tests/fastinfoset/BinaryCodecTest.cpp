@@ -6,8 +6,6 @@
 namespace RkXmlTest {
 namespace {
 
-using namespace RkXmlLib16;
-
 CFastInfosetBinaryData Encoded(unsigned long algorithm, const wchar_t* text) {
   CFastInfosetBinaryData data;
   data.SetAsEncodedString(algorithm, text);
@@ -20,11 +18,7 @@ CFastInfosetBinaryData Holding(const char* hex) {
 }
 
 TEST(FastInfosetBinaryData, SingleValuesBothWays) {
-  const struct {
-    unsigned long algorithm;
-    const wchar_t* text;
-    const char* octets;
-  } rows[] = {
+  const Rows<unsigned long, Wide, const char*> rows = {
       {1, L"0ABC", "0A BC"},
       {3, L"32767", "7F FF"},
       {4, L"-2147483648", "80 00 00 00"},
@@ -34,11 +28,11 @@ TEST(FastInfosetBinaryData, SingleValuesBothWays) {
       {8, L"0.1", "3F B9 99 99 99 99 99 9A"},
       {9, L"00112233445566778899AABBCCDDEEFF", "00 11 22 33 44 55 66 77 88 99 AA BB CC DD EE FF"},
   };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(Narrow(row.text));
-    const CFastInfosetBinaryData data = Encoded(row.algorithm, row.text);
-    EXPECT_EQ(row.octets, ToHex(ToOctets(data)));
-    EXPECT_WIDE_EQ(row.text, data.GetAsString(row.algorithm));
+  for (const auto& [algorithm, text, octets] : rows) {
+    SCOPED_TRACE(Narrow(text));
+    const CFastInfosetBinaryData data = Encoded(algorithm, text);
+    EXPECT_EQ(octets, ToHex(ToOctets(data)));
+    EXPECT_WIDE_EQ(text, data.GetAsString(algorithm));
   }
   EXPECT_EQ("C3 A9", ToHex(ToOctets(Encoded(10, L"\u00E9"))));
   EXPECT_EQ("00 11 22 33 44 55 66 77 88 99 AA BB CC DD EE FF",
@@ -59,11 +53,7 @@ TEST(FastInfosetBinaryData, NullIsAnEmptyText) {
 }
 
 TEST(FastInfosetBinaryData, ListsAreReadWithOneBlankBetween) {
-  const struct {
-    unsigned long algorithm;
-    const char* octets;
-    const wchar_t* text;
-  } rows[] = {
+  const Rows<unsigned long, const char*, Wide> rows = {
       {3, "FF FE 01 02", L"-2 258"},
       {4, "00 00 00 01 FF FF FF FF", L"1 -1"},
       {6, "0F", L"true true true true"},
@@ -73,14 +63,12 @@ TEST(FastInfosetBinaryData, ListsAreReadWithOneBlankBetween) {
       {7, "3F C0 00 00 40 00 00 00", L"1.5 2"},
       {6, "", L""},
   };
-  for (const auto& row : rows) EXPECT_WIDE_EQ(row.text, Holding(row.octets).GetAsString(row.algorithm)) << row.octets;
+  for (const auto& [algorithm, octets, text] : rows)
+    EXPECT_WIDE_EQ(text, Holding(octets).GetAsString(algorithm)) << octets;
 }
 
 TEST(FastInfosetBinaryData, Failures) {
-  const struct {
-    unsigned long algorithm;
-    const wchar_t* message;
-  } lengths[] = {
+  const Rows<unsigned long, Wide> lengths = {
       {3, L"Invalid value for SHORT byte encoding."},
       {4, L"Invalid value for INT byte encoding."},
       {5, L"Invalid value for LONG byte encoding."},
@@ -91,8 +79,8 @@ TEST(FastInfosetBinaryData, Failures) {
       {11, L"Unknown byte encoding."},
       {0, L"Unknown byte encoding."},
   };
-  for (const auto& row : lengths)
-    EXPECT_RK_THROWS(CRkException, row.message, Holding("01 02 03").GetAsString(row.algorithm));
+  for (const auto& [algorithm, message] : lengths)
+    EXPECT_RK_THROWS(CRkException, message, Holding("01 02 03").GetAsString(algorithm));
   EXPECT_RK_THROWS(CRkException, L"Unknown byte encoding.", Encoded(11, L"1"));
   EXPECT_RK_THROWS(CRkException, L"Invalid length in hex string", Encoded(1, L"ABC"));
   EXPECT_RK_THROWS(CRkInvalidValueException, L"The value [32768] is to large to fit in a i2", Encoded(3, L"32768"));

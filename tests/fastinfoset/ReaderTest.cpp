@@ -11,18 +11,13 @@
 namespace RkXmlTest {
 namespace {
 
-using namespace RkXmlLib16;
-
 // A document of these octets, which follow the header.
 std::wstring Read(const std::string& hex) { return DescribeOctets(FromHex("E0 00 00 01" + hex)); }
 
 std::wstring Message(const wchar_t* rest) { return std::wstring(L"Failed to parse FastInfoset. ") + rest; }
 
 TEST(FastInfosetReader, WhatWritersMayWrite) {
-  const struct {
-    const char* octets;
-    const wchar_t* tree;
-  } rows[] = {
+  const Rows<const char*, Wide> rows = {
       // terminators: merged, apart, at the end of attributes
       {"00 7C 00 61 78 00 62 40 31 F0 3C 00 63 F0 F0 F0", L"{}a[{}b=1;]()<{}c[]()>"},
       {"00 7C 00 61 78 00 62 40 31 F0 3C 00 63 FF F0", L"{}a[{}b=1;]()<{}c[]()>"},
@@ -52,9 +47,9 @@ TEST(FastInfosetReader, WhatWritersMayWrite) {
       // literals of a qualified name itself
       {"00 3F 00 70 04 75 72 6E 3A 70 00 61 FF", L"{urn:p}a[]()"},
   };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.octets);
-    EXPECT_WIDE_EQ(row.tree, Read(row.octets));
+  for (const auto& [octets, tree] : rows) {
+    SCOPED_TRACE(octets);
+    EXPECT_WIDE_EQ(tree, Read(octets));
   }
 }
 
@@ -69,10 +64,7 @@ TEST(FastInfosetReader, Failures) {
   const std::wstring length5 = Message(L"Invalid NonEmptyOctetString type  on the fifth bit of an octet.");
   const std::wstring alphabet =
       Message(L"Invalid Encoding of Restricted Alphabet. Alphabet must contain between 2 and 2^20 characters.");
-  const struct {
-    const char* octets;
-    std::wstring message;
-  } rows[] = {
+  const Rows<const char*, std::wstring> rows = {
       {"00 3C", end},                          // no name
       {"00 3C 02 61", end},                    // cut inside a string
       {"00 3C 40", end},                       // cut inside a length
@@ -113,9 +105,9 @@ TEST(FastInfosetReader, Failures) {
       {"00 38 CF 00 3D 00 75 F0 3C 00 61 FF", item},
       {"00 38 CF 00 70 04 75 72 6E 3A 05 F0 3C 00 61 FF", item},
   };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.octets);
-    EXPECT_RK_THROWS(CRkException, row.message, Read(row.octets));
+  for (const auto& [octets, message] : rows) {
+    SCOPED_TRACE(octets);
+    EXPECT_RK_THROWS(CRkException, message, Read(octets));
   }
 }
 

@@ -9,8 +9,6 @@
 namespace RkXmlTest {
 namespace {
 
-using namespace RkXmlLib16;
-
 const struct {
   ItemType type;
   const wchar_t* text;

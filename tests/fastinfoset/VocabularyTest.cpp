@@ -6,8 +6,6 @@
 namespace RkXmlTest {
 namespace {
 
-using namespace RkXmlLib16;
-
 TEST(FastInfosetVocabulary, StringsTakeTheNextIndexOnce) {
   CFIVocabulary v;
   unsigned long index = 0;

@@ -9,8 +9,6 @@
 namespace RkXmlTest {
 namespace {
 
-using namespace RkXmlLib16;
-
 using Calls = std::function<void(CFastInfosetWriter&)>;
 
 // Every document written here has to pass the checker and to read to the tree that the checker sees.
@@ -123,10 +121,7 @@ TEST(FastInfosetWriter, TextOfTheMaximumAddLengthIsNeverIndexed) {
 
 // What stands between the octets before and after it, for texts and tables of a given size.
 TEST(FastInfosetWriter, LengthBoundaries) {
-  const struct {
-    std::size_t length;
-    const char *value, *chunk, *name;
-  } rows[] = {
+  const Rows<std::size_t, const char*, const char*, const char*> rows = {
       {1, "40", "90", "00"},
       {2, "41", "91", "01"},
       {3, "42", "92 00", "02"},
@@ -142,13 +137,13 @@ TEST(FastInfosetWriter, LengthBoundaries) {
       {321, "0C 00 00 00 38", "83 00 00 00 3E", "60 00 00 00 00"},
       {66000, "0C 00 01 00 C7", "83 00 01 00 CD", "60 00 01 00 8F"},
   };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.length);
+  for (const auto& [length, value, chunk, name] : rows) {
+    SCOPED_TRACE(length);
     std::string content;
-    for (std::size_t i = 0; i < row.length; ++i) content += " 78";
+    for (std::size_t i = 0; i < length; ++i) content += " 78";
     const std::string hex =
-        std::string("7C") + row.name + content + "78 00 62" + row.value + content + "F0" + row.chunk + content + "FF";
-    const std::wstring text(row.length, L'x');
+        std::string("7C") + name + content + "78 00 62" + value + content + "F0" + chunk + content + "FF";
+    const std::wstring text(length, L'x');
     ExpectOctets(hex, [&](auto& w) { WriteBoth(w, text, text); });
   }
 }
@@ -156,10 +151,7 @@ TEST(FastInfosetWriter, LengthBoundaries) {
 TEST(FastInfosetWriter, IndexBoundaries) {
   // The last octets of a document in which entry n is used again, for element names, attribute names with values, and
   // chunks. The boundaries from half a million on are reached through the integers themselves below.
-  const struct {
-    std::size_t index;
-    const char *element, *attribute, *value, *chunk;
-  } rows[] = {
+  const Rows<std::size_t, const char*, const char*, const char*, const char*> rows = {
       {1, "00", "00", "80", "A0"},
       {16, "0F", "0F", "8F", "AF"},
       {17, "10", "10", "90", "B0 00"},
@@ -177,22 +169,22 @@ TEST(FastInfosetWriter, IndexBoundaries) {
   CFastInfosetContext context;
   context.SetAttributeMaxAddLength(10);
   context.SetElementMaxAddLength(10);
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.index);
+  for (const auto& [index, element, attribute, value, chunk] : rows) {
+    SCOPED_TRACE(index);
     const Octets octets = Write(context, [&](CFastInfosetWriter& w) {
       const auto write = [&w](const std::wstring& n) {
         Replay(w, L"<" + n + L" @" + n + L"=" + n + L" '" + n + L"'>");
       };
       w.WriteStartElement(L"n1", L"");
-      for (std::size_t n = 1; n <= row.index; ++n) write(L"n" + std::to_wstring(n));
-      write(L"n" + std::to_wstring(row.index));
+      for (std::size_t n = 1; n <= index; ++n) write(L"n" + std::to_wstring(n));
+      write(L"n" + std::to_wstring(index));
     });
-    Octets element = FromHex(row.element);
-    element[0] |= 0x40;
-    const std::string end = ToHex(element) + " " + row.attribute + " " + row.value + " F0 " + row.chunk + " FF F0";
+    Octets start = FromHex(element);
+    start[0] |= 0x40;
+    const std::string end = ToHex(start) + " " + attribute + " " + value + " F0 " + chunk + " FF F0";
     const Octets tail(octets.end() - static_cast<std::ptrdiff_t>(FromHex(end).size()), octets.end());
     EXPECT_EQ(end, ToHex(tail));
-    if (row.index <= 2081) ExpectReadable(octets);
+    if (index <= 2081) ExpectReadable(octets);
   }
 }
 

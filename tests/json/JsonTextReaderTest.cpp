@@ -8,8 +8,7 @@
 #include "RkXmlLib16/support/Format.h"
 #include "RkXmlLib16/types/BinaryData.h"
 
-using namespace RkXmlLib16;
-using RkXmlTest::Repeat;
+using namespace RkXmlTest;
 
 namespace {
 
@@ -82,23 +81,19 @@ TEST(JsonTextReader, ReportsARootElementNameAroundTheValue) {
 
 TEST(JsonTextReader, ResolvesEscapes) {
   EXPECT_WIDE_EQ(L"('\"\\/\b\f\n\r\tA\u00e9' )", Events(L"\"\\\"\\\\\\/\\b\\f\\n\\r\\t\\u0041\\u00E9\""));
-  const struct {
-    const wchar_t *json, *text;
-  } kRows[] = {
+  const Rows<Wide, Wide> kRows = {
       {L"\\uD83D\\uDE00", L"\U0001F600"}, {L"\\ud83d", L"\uFFFD"},
       {L"\\ud83dx", L"\uFFFDx"},          {L"\\ude00\\ud83d", L"\uFFFD\uFFFD"},
       {L"\\ud83d\\u0041", L"\uFFFDA"},    {L"\\ud83d\\ud83d\\ude00", L"\uFFFD\U0001F600"},
       {L"\\ud83d\\n", L"\uFFFD\n"},
   };
-  for (const auto& row : kRows)
-    EXPECT_WIDE_EQ(std::wstring(L"('") + row.text + L"' )", Events(std::wstring(L"\"") + row.json + L"\""));
+  for (const auto& [json, text] : kRows)
+    EXPECT_WIDE_EQ(std::wstring(L"('") + text + L"' )", Events(std::wstring(L"\"") + json + L"\""));
 }
 
 TEST(JsonTextReader, MalformedTextFailsWithPlaceAndPath) {
   // "?" stands for the values that can be expected, "EOF" for the end of the text.
-  const struct {
-    const wchar_t *json, *message, *place, *path;
-  } kRows[] = {
+  const Rows<Wide, Wide, Wide, Wide> kRows = {
       {L"x", L"?, found 'x'", L"0, position 1", L""},
       {L"{\"a\":\n \u20AC", L"?, found '\u20AC'", L"1, position 2", L".a"},
       {LR"({"a":[1,]})", L"?, found ']'", L"0, position 9", L".a[0]"},
@@ -134,13 +129,13 @@ TEST(JsonTextReader, MalformedTextFailsWithPlaceAndPath) {
       {LR"({"a":[[1],[2]]})", L"JSON Array has no Name", nullptr, L".a[1][0]"},
       {LR"({"a":{"#text":[1]}})", L"JSON Array has no Name", nullptr, L".a.#text[0]"},
   };
-  for (const auto& row : kRows) {
-    SCOPED_TRACE(RkXmlTest::Narrow(row.json));
-    std::wstring message = row.message;
+  for (const auto& [json, rest, place, path] : kRows) {
+    SCOPED_TRACE(Narrow(json));
+    std::wstring message = rest;
     FindReplace(message, L"?", L"Expected Value '{', '[', '\"', '0-9', '-', 'true', 'false' or 'null'");
     FindReplace(message, L"EOF", L"Unexpected End of File");
-    if (row.place != nullptr) message += std::wstring(L" at line ") + row.place;
-    EXPECT_RK_THROWS(CRkValidationException, message + L".\nPath: $" + row.path, Convert(row.json));
+    if (place != nullptr) message += std::wstring(L" at line ") + place;
+    EXPECT_RK_THROWS(CRkValidationException, message + L".\nPath: $" + path, Convert(json));
   }
   EXPECT_THROW(Convert(std::wstring(L"{\"a\":\0}", 7)), CRkValidationException);
 }
@@ -150,9 +145,7 @@ TEST(JsonTextReader, NamesAndValuesThatXmlCannotHoldFail) {
     EXPECT_RK_THROWS(CRkInvalidStateException,
                      FormatString(L"Failed to convert name '%ls' to Element name in XML.\nPath: $.a.%ls", name, name),
                      Convert(std::wstring(L"{\"a\":{\"") + name + L"\":[]}}"));
-  const struct {
-    const wchar_t *json, *value, *target, *path;
-  } kRows[] = {
+  const Rows<Wide, Wide, Wide, Wide> kRows = {
       {LR"({"a":{"@b c":"v"}})", L"v", L"Attribute", L".a.@b c"},
       {LR"({"a":{"@b":"\u0001"}})", L"\x01", L"Attribute", L".a.@b"},
       {LR"({"a":{"b":1,"@c":"v"}})", L"v", L"Attribute", L".a.@c"},
@@ -164,18 +157,16 @@ TEST(JsonTextReader, NamesAndValuesThatXmlCannotHoldFail) {
       {LR"("x")", L"x", L"Element", L""},
       {LR"({"a":1,"#text":"x"})", L"x", L"Element", L".#text"},
   };
-  for (const auto& row : kRows)
-    EXPECT_RK_THROWS(CRkInvalidStateException,
-                     FormatString(L"Failed to convert value '%ls' to %ls string value in XML.\nPath: $%ls", row.value,
-                                  row.target, row.path),
-                     Convert(row.json));
+  for (const auto& [json, value, target, path] : kRows)
+    EXPECT_RK_THROWS(
+        CRkInvalidStateException,
+        FormatString(L"Failed to convert value '%ls' to %ls string value in XML.\nPath: $%ls", value, target, path),
+        Convert(json));
   EXPECT_THROW(Convert(LR"({"a":"\u0000"})"), CRkInvalidStateException);
 }
 
 TEST(JsonTextReader, ConvertsTheShapesOfTheWriter) {
-  const struct {
-    const wchar_t *json, *xml;
-  } kRows[] = {
+  const Rows<Wide, Wide> kRows = {
       {LR"({"r":{"@xmlns":"urn:d","@xmlns:p":"urn:p","@p:a":1,"p:b":true}})",
        LR"(<r xmlns="urn:d" xmlns:p="urn:p" p:a="1"><p:b>true</p:b></r>)"},
       {LR"({"r":{"a":null,"b":{},"c":"","@d":null}})", L"<r><a/><b/><c/></r>"},
@@ -195,7 +186,7 @@ TEST(JsonTextReader, ConvertsTheShapesOfTheWriter) {
       {LR"({"r":"<![CDATA["})", L"<r>&lt;![CDATA[</r>"},
       {LR"({"r":"<x/>&#1;"})", L"<r>&lt;x/&gt;&amp;#1;</r>"},
   };
-  for (const auto& row : kRows) EXPECT_WIDE_EQ(row.xml, Flat(row.json));
+  for (const auto& [json, xml] : kRows) EXPECT_WIDE_EQ(xml, Flat(json));
   EXPECT_THROW(Convert(L"[]"), CRkException);
   EXPECT_WIDE_EQ(L"<r>\n\t<a>1</a>\n</r>\n", Convert(LR"({"r":{"a":1}})"));
 }
@@ -260,8 +251,8 @@ TEST(JsonTextReader, AcceptsAndRejectsAsTheStandardDemands) {
       L"[+1] ~ [Inf] ~ [NaN] ~ [0x1] ~ [1eE2] ~ {\"x\"::\"b\"} ~ {[: \"x\"} ~ {\"a\" b} ~ {:\"b\"} ~ "
       L"{1:1} ~ {null:null} ~ {'a':0} ~ {\"a\":\"a\" 123} ~ {, ~ {{ ~ [\"\\uD800\\u\"] ~ "
       L"[\"\\uD800\\u1x\"] ~ [\"\\\"] ~ \\ ~ [\\u0020\"asd\"] ~ \" ~ 'x' ~ [\u00e9] ~ \u2060 ~ <.> ~ *";
-  for (const std::wstring& json : RkXmlTest::Split(accepted, L" ~ ")) {
-    SCOPED_TRACE(RkXmlTest::Narrow(json));
+  for (const std::wstring& json : Split(accepted, L" ~ ")) {
+    SCOPED_TRACE(Narrow(json));
     EXPECT_NO_THROW(Events(json));
     try {
       Convert(json);
@@ -269,8 +260,8 @@ TEST(JsonTextReader, AcceptsAndRejectsAsTheStandardDemands) {
       EXPECT_NE(std::wstring::npos, e.GetMessage().find(L"\nPath: $"));
     }
   }
-  for (const std::wstring& json : RkXmlTest::Split(rejected, L" ~ ")) {
-    SCOPED_TRACE(RkXmlTest::Narrow(json));
+  for (const std::wstring& json : Split(rejected, L" ~ ")) {
+    SCOPED_TRACE(Narrow(json));
     EXPECT_THROW(Events(json), CRkValidationException);
   }
 }

@@ -6,7 +6,7 @@
 #include "RkXmlLib16/support/TextStream.h"
 #include "support/Replay.h"
 
-using namespace RkXmlLib16;
+using namespace RkXmlTest;
 
 namespace {
 
@@ -32,7 +32,7 @@ std::wstring Write(const Style& style, const std::function<void(CJsonTextWriter&
 }
 
 std::wstring Write(const Style& style, const wchar_t* script) {
-  return Write(style, [script](CJsonTextWriter& w) { RkXmlTest::Replay(w, script); });
+  return Write(style, [script](CJsonTextWriter& w) { Replay(w, script); });
 }
 
 void Leaf(CXmlWriter& w, const wchar_t* name, const wchar_t* text, ItemType type = ItemType_string) {
@@ -45,9 +45,9 @@ TEST(JsonTextWriter, WritesTheThreeRoundTripModes) {
   const auto order = [](CJsonTextWriter& w) {
     w.SetDefaultNamespace(L"urn:d");
     w.AddNamespace(L"p", L"urn:p");
-    RkXmlTest::Replay(w,
-                      L"<order{urn:d} @id=#7 @lang{http://www.w3.org/XML/1998/namespace}=en <name{urn:p}'x'>"
-                      L"[ <item{urn:d} <n{urn:d} #1>> <item{urn:d} <n{urn:d} #2>> ]>");
+    Replay(w,
+           L"<order{urn:d} @id=#7 @lang{http://www.w3.org/XML/1998/namespace}=en <name{urn:p}'x'>"
+           L"[ <item{urn:d} <n{urn:d} #1>> <item{urn:d} <n{urn:d} #2>> ]>");
   };
   EXPECT_WIDE_EQ(
       LR"({
@@ -142,7 +142,7 @@ TEST(JsonTextWriter, NothingIsAKeyWithoutValueIntended) {
   EXPECT_WIDE_EQ(LR"({"r": {"a": {},"b": null,"c": {}}})", Write({JsonRoundTrip_Markers, false, true}, script));
   EXPECT_WIDE_EQ(LR"({"c": {"@xmlns:AA": "http://www.w3.org/2001/XMLSchema-instance","@AA:nil": true}})",
                  Write(kStrict, [](CJsonTextWriter& w) {
-                   RkXmlTest::Replay(w, L"<c nil>");
+                   Replay(w, L"<c nil>");
                    w.WriteComment(L"gone");
                  }));
 }
@@ -153,10 +153,7 @@ TEST(JsonTextWriter, EmptyTextBesideAttributesIsABareNullIntended) {
 }
 
 TEST(JsonTextWriter, ShapesOfTextAndCollections) {
-  const struct {
-    const char* what;
-    const wchar_t *script, *markers, *plain;
-  } kRows[] = {
+  const Rows<const char*, Wide, Wide, Wide> kRows = {
       {"text beside an attribute", L"@a=1 't'", LR"({"@a": "1","#text": "t"})", LR"({"a": "1","": "t"})"},
       {"text before a child", L"'t' <c #1>", LR"({"#text": "t","c": 1})", LR"({"": "t","c": 1})"},
       {"text in two pieces", L"#1 #2", LR"("12")", LR"("12")"},
@@ -175,11 +172,11 @@ TEST(JsonTextWriter, ShapesOfTextAndCollections) {
       {"a collection in a collection", L"[<o [<i <n #1>>]> <o [<i <n #1>>]>]",
        LR"({"o": [{"i": [{"n": 1}]},{"i": [{"n": 1}]}]})", LR"({"o": [{"i": [{"n": 1}]},{"i": [{"n": 1}]}]})"},
   };
-  for (const auto& row : kRows) {
-    SCOPED_TRACE(row.what);
-    const std::wstring script = std::wstring(L"<r ") + row.script + L">";
-    EXPECT_WIDE_EQ(std::wstring(L"{\"r\": ") + row.markers + L"}", Write({JsonRoundTrip_Markers}, script.c_str()));
-    EXPECT_WIDE_EQ(std::wstring(L"{\"r\": ") + row.plain + L"}", Write({JsonRoundTrip_Plain}, script.c_str()));
+  for (const auto& [what, content, markers, plain] : kRows) {
+    SCOPED_TRACE(what);
+    const std::wstring script = std::wstring(L"<r ") + content + L">";
+    EXPECT_WIDE_EQ(std::wstring(L"{\"r\": ") + markers + L"}", Write({JsonRoundTrip_Markers}, script.c_str()));
+    EXPECT_WIDE_EQ(std::wstring(L"{\"r\": ") + plain + L"}", Write({JsonRoundTrip_Plain}, script.c_str()));
   }
 }
 
@@ -219,7 +216,7 @@ TEST(JsonTextWriter, NamespacesNeedAPrefixBelowTheRoot) {
       Write({}, [](CJsonTextWriter& w) {
         w.AddNamespace(L"", L"urn:r");
         w.AddNamespace(L"xsi", CXmlWriter::XSI_NAMESPACE);
-        RkXmlTest::Replay(w, L"<r{urn:r} :T{urn:r} <c :U{http://www.w3.org/2001/XMLSchema-instance}>>");
+        Replay(w, L"<r{urn:r} :T{urn:r} <c :U{http://www.w3.org/2001/XMLSchema-instance}>>");
       }));
   for (const wchar_t* unknown : {L"<r <e{urn:x}>>", L"<r @e{urn:x}=v>", L"<r :e{urn:x}>"})
     EXPECT_RK_THROWS(CRkException, L"Unknown Namespace: e.", Write({}, unknown));
@@ -231,7 +228,7 @@ TEST(JsonTextWriter, MisuseThrows) {
   CTextStream stream;
   CJsonTextWriter writer(stream);
   writer.Open();
-  for (const wchar_t* call : {L">", L"'x'", L"@a=x"}) EXPECT_THROW(RkXmlTest::Replay(writer, call), CRkException);
+  for (const wchar_t* call : {L">", L"'x'", L"@a=x"}) EXPECT_THROW(Replay(writer, call), CRkException);
   writer.WriteStartElement(L"r", L"");
   EXPECT_RK_THROWS(CRkException, L"An Element has not been closed.", writer.Close());
 }

@@ -43,11 +43,7 @@ TEST_F(ContentModelTest, ChoiceTakesOneMember) {
                     {}, {nullptr, nullptr, Ints(L"n", 1, 2)});
   Classes() = {&child};
   const auto unknown = With(kUnknownElements);
-  const struct {
-    CSerializationContext context;
-    const wchar_t* content;
-    std::wstring outcome;
-  } rows[] = {
+  const Rows<CSerializationContext, Wide, std::wstring> rows = {
       {With(), L"<a>1</a>", L"<r><a>1</a></r>"},
       {With(), L"<c><v>1</v></c>", L"<r><c><v>1</v></c></r>"},
       {With(), L"<n>1</n><n>2</n>", L"<r><n>1</n><n>2</n></r>"},
@@ -66,7 +62,7 @@ TEST_F(ContentModelTest, ChoiceTakesOneMember) {
       {With(kMissingChoice), L"<x/>", Unread(L"x")},
       {With(kMissingChoice, kUnknownElements), L"<x/>", L"<r/>"},
   };
-  for (const auto& row : rows) EXPECT_WIDE_EQ(row.outcome, Content(table, row.content, row.context));
+  for (const auto& [context, content, outcome] : rows) EXPECT_WIDE_EQ(outcome, Content(table, content, context));
 }
 
 TEST_F(ContentModelTest, EmptyChoiceNeedsAReason) {
@@ -149,12 +145,7 @@ TEST_F(ContentModelTest, InlineGroupsReadFromThePlaceOfTheirOwner) {
   const auto repeated = owner(new CElementInfoSeqClsCol(L"g", L"", 0, kInline), [](RkVariant& value) {
     value.SetXmlCollection(new CTableCol(L"g", L"", 0, -1, CreateClass, 0, kInline));
   });
-  const struct {
-    const Table& table;
-    CSerializationContext context;
-    const wchar_t* content;
-    std::wstring outcome;
-  } rows[] = {
+  const Rows<const Table&, CSerializationContext, Wide, std::wstring> rows = {
       {*required, With(), L"<a>1</a><b>2</b><z>3</z>", L"<r><a>1</a><b>2</b><z>3</z></r>"},
       {*required, With(), L"<z>3</z>", Missing(L"g")},
       {*required, With(), L"", Missing(L"g")},
@@ -171,7 +162,7 @@ TEST_F(ContentModelTest, InlineGroupsReadFromThePlaceOfTheirOwner) {
       {*repeated, With(), L"<a>1</a><b>2</b><a>3</a>", Unread(L"a")},
       {*repeated, With(), L"", L"<r/>"},
   };
-  for (const auto& row : rows) EXPECT_WIDE_EQ(row.outcome, Content(row.table, row.content, row.context));
+  for (const auto& [table, context, content, outcome] : rows) EXPECT_WIDE_EQ(outcome, Content(table, content, context));
   EXPECT_EQ(nullptr, (*Read(*optional, L"<r><z>3</z></r>"))[0].GetXmlObject().Get());
 
   // The attributes of the group stand on the owner's element.

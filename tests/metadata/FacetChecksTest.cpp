@@ -4,7 +4,7 @@
 #include "RkXmlLib16/types/Conversions.h"
 #include "RkXmlLib16/types/Variant.h"
 
-using namespace RkXmlLib16;
+using namespace RkXmlTest;
 
 namespace {
 
@@ -120,14 +120,12 @@ TEST(FacetChecks, TotalDigitsCountTheSignOfIntegersIntended) {
 }
 
 TEST(FacetChecks, DecimalDigitsAreThoseItStores) {
-  const struct {
-    const wchar_t* text;
-    int integerDigits, fractionDigits;
-  } cases[] = {{L"123.45", 3, 2}, {L"0.05", 1, 2}, {L"7", 1, 0}, {L"-100.050", 3, 2}, {L"1.0", 1, 0}, {L"0", 1, 0}};
-  for (const auto& c : cases) {
-    const CDecimal value(c.text);
-    EXPECT_EQ(c.integerDigits, CXmlObjectHelper::GetDecimalIntegerPartLen(value));
-    EXPECT_EQ(c.fractionDigits, CXmlObjectHelper::GetDecimalFractionPartLen(value));
+  const Rows<Wide, int, int> cases = {{L"123.45", 3, 2},   {L"0.05", 1, 2}, {L"7", 1, 0},
+                                      {L"-100.050", 3, 2}, {L"1.0", 1, 0},  {L"0", 1, 0}};
+  for (const auto& [text, integerDigits, fractionDigits] : cases) {
+    const CDecimal value(text);
+    EXPECT_EQ(integerDigits, CXmlObjectHelper::GetDecimalIntegerPartLen(value));
+    EXPECT_EQ(fractionDigits, CXmlObjectHelper::GetDecimalFractionPartLen(value));
   }
   const RkVariant value = Value(ItemType_decimal, L"123.45");
   EXPECT_TRUE(Passes(ItemType_decimal, value, WithDigits(5, 2)));
@@ -136,22 +134,19 @@ TEST(FacetChecks, DecimalDigitsAreThoseItStores) {
 }
 
 TEST(FacetChecks, LengthsCountCharactersAndBytes) {
-  const struct {
-    ItemType type;
-    const wchar_t* text;  // of length 3
-  } kinds[] = {{ItemType_string,
-                L"a\U0001F600"
-                L"b"},
-               {ItemType_string, L"a\xD83D\xDE00\xDE00"},
-               {ItemType_hexBinary, L"0102AB"},
-               {ItemType_base64Binary, L"TWFu"}};
-  for (const auto& kind : kinds) {
-    const RkVariant value = Value(kind.type, kind.text);
-    EXPECT_TRUE(Passes(kind.type, value, WithLengths(3, 3, 3)));
-    EXPECT_FALSE(Passes(kind.type, value, WithLengths(4, -1, -1)));
-    EXPECT_FALSE(Passes(kind.type, value, WithLengths(-1, 2, -1)));
-    EXPECT_RK_THROWS(CRkException, std::wstring(L"Invalid Value for e [") + kind.text + L"].",
-                     CXmlObjectHelper::CheckRestriction(L"e", value, kind.type, WithLengths(-1, -1, 0)));
+  const Rows<ItemType, Wide> kinds = {{ItemType_string,
+                                       L"a\U0001F600"
+                                       L"b"},
+                                      {ItemType_string, L"a\xD83D\xDE00\xDE00"},
+                                      {ItemType_hexBinary, L"0102AB"},
+                                      {ItemType_base64Binary, L"TWFu"}};
+  for (const auto& [type, text] : kinds) {
+    const RkVariant value = Value(type, text);
+    EXPECT_TRUE(Passes(type, value, WithLengths(3, 3, 3)));
+    EXPECT_FALSE(Passes(type, value, WithLengths(4, -1, -1)));
+    EXPECT_FALSE(Passes(type, value, WithLengths(-1, 2, -1)));
+    EXPECT_RK_THROWS(CRkException, std::wstring(L"Invalid Value for e [") + text + L"].",
+                     CXmlObjectHelper::CheckRestriction(L"e", value, type, WithLengths(-1, -1, 0)));
   }
 }
 

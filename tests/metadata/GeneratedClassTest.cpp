@@ -23,11 +23,7 @@ TEST_F(GeneratedClassTest, SequenceSkipsUnknownElementsAsTheOptionsSay) {
   const Table none(ClassInfo(kSequence, L"r"), {});
   EXPECT_WIDE_EQ(L"<r/>", Outcome(none, L"<r><x/><y/></r>", With(kUnknownElements)));
   const auto strict = With(), unknown = With(kUnknownElements), missing = With(kMissingElements);
-  const struct {
-    const CSerializationContext& context;
-    const wchar_t* content;
-    std::wstring outcome;
-  } rows[] = {
+  const Rows<const CSerializationContext&, Wide, std::wstring> rows = {
       {strict, L"<a>1</a><o>2</o><b>3</b>", L"<r><a>1</a><o>2</o><b>3</b></r>"},
       {strict, L"<x/><a>1</a><b>3</b>", Missing(L"a")},
       {strict, L"<a>1</a><x/><b>3</b>", Missing(L"b")},
@@ -42,8 +38,8 @@ TEST_F(GeneratedClassTest, SequenceSkipsUnknownElementsAsTheOptionsSay) {
       {missing, L"<b>3</b>", kNotWritten + L"The Property [a] is mandatory, it may not be NULL"},
       {missing, L"<a>1</a><b>3</b><x/>", Unread(L"x")},
   };
-  for (const auto& row : rows)
-    EXPECT_WIDE_EQ(row.outcome, Outcome(table, std::wstring(L"<r>") + row.content + L"</r>", row.context));
+  for (const auto& [context, content, outcome] : rows)
+    EXPECT_WIDE_EQ(outcome, Outcome(table, std::wstring(L"<r>") + content + L"</r>", context));
 }
 
 TEST_F(GeneratedClassTest, RootTakesOverTheNameItIsReadUnder) {
@@ -102,9 +98,7 @@ TEST_F(GeneratedClassTest, PrimitivesHonourFacetsDefaultsAndNil) {
   const auto xsi = [](const wchar_t* element) {
     return std::wstring(L"<r xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\">") + element + L"</r>";
   };
-  const struct {
-    std::wstring xml, outcome;
-  } rows[] = {
+  const Rows<std::wstring, std::wstring> rows = {
       {L"<r><a/><e/></r>", L"<r><a/><e/></r>"},  // a default is written as an empty element
       {L"<r><a> 5 </a><e>red</e></r>", L"<r><a/><e>red</e></r>"},
       {L"<r><e> red</e></r>", kNotRead + L"Unknown colour [ red]."},
@@ -117,7 +111,7 @@ TEST_F(GeneratedClassTest, PrimitivesHonourFacetsDefaultsAndNil) {
       {xsi(L"<a xsi:nil='yes'/>"),
        L"CRkException: Unexpected Value [yes] for 'nil' Attribute found.\nPath: /r/a/@xsi:nil"},
   };
-  for (const auto& row : rows) EXPECT_WIDE_EQ(row.outcome, Outcome(table, row.xml));
+  for (const auto& [xml, outcome] : rows) EXPECT_WIDE_EQ(outcome, Outcome(table, xml));
 
   const auto object = Read(table, L"<r><a/><e/></r>");
   EXPECT_EQ(5, (*object)[0].GetI4());
@@ -135,11 +129,7 @@ TEST_F(GeneratedClassTest, AttributesAreCheckedAsTheirRecordsSay) {
                      new CAttributeInfoEnum(L"c", L"", 2, true, ColourToString, ColourFromString, L"red")});
   const auto strict = With(), unknown = With(&CSerializationContext::SetIgnoreUnknownAttributes),
              namespaces = With(&CSerializationContext::SetIgnoreNamespaces);
-  const struct {
-    const CSerializationContext& context;
-    const wchar_t* xml;
-    std::wstring outcome;
-  } rows[] = {
+  const Rows<const CSerializationContext&, Wide, std::wstring> rows = {
       {strict, L"<r c='green' o='3' q=' 4 '/>", L"<r q=\"4\" o=\"3\" c=\"green\"/>"},
       {strict, L"<r q='1' o='2' c='red'/>", L"<r q=\"1\" o=\"2\" c=\"red\"/>"},
       {strict, L"<r o='3'/>", kNotRead + L"Failed to find the required Attribute [q]."},
@@ -151,7 +141,7 @@ TEST_F(GeneratedClassTest, AttributesAreCheckedAsTheirRecordsSay) {
       {namespaces, L"<r xmlns:f='urn:f' q='1' f:c='green'/>", L"<r q=\"1\" c=\"green\"/>"},
       {namespaces, L"<r xmlns:f='urn:f' q='1' f:o='3'/>", L"CRkException: Unexpected Attribute found.\nPath: /r/@f:o"},
   };
-  for (const auto& row : rows) EXPECT_WIDE_EQ(row.outcome, Outcome(table, row.xml, row.context));
+  for (const auto& [context, xml, outcome] : rows) EXPECT_WIDE_EQ(outcome, Outcome(table, xml, context));
 
   const auto defaults = Read(table, L"<r q='1' o='2' c='red'/>");
   EXPECT_WIDE_EQ(L"<r q=\"1\"/>", Write(*defaults, With(&CSerializationContext::SetNoOptionalAttributeDefaultOutput)));
@@ -197,13 +187,7 @@ TEST_F(GeneratedClassTest, NilObjectsHaveNoContent) {
 }
 
 TEST_F(GeneratedClassTest, SimpleContentIsReadAndWrittenByItsKind) {
-  const struct {
-    ItemType type;
-    const wchar_t* format;
-    bool asText;
-    const wchar_t* xml;
-    std::wstring outcome;
-  } rows[] = {
+  const Rows<ItemType, Wide, bool, Wide, std::wstring> rows = {
       {ItemType_int, nullptr, false, L"<r>\n 5 \n</r>", L"<r>5</r>"},
       {ItemType_double, L"%.2f", false, L"<r>1.5</r>", L"<r>1.50</r>"},
       {ItemType_string, nullptr, false, L"<r> a  b </r>", L"<r> a  b </r>"},
@@ -212,9 +196,9 @@ TEST_F(GeneratedClassTest, SimpleContentIsReadAndWrittenByItsKind) {
       {ItemType_int, nullptr, false, L"<r>x</r>", kNotRead + L"The value [x] can not be converted to a i4"},
       {ItemType_int, nullptr, false, L"<r>5<x/></r>", Unread(L"x")},
   };
-  for (const auto& row : rows) {
-    const Table table(SimpleContent(row.type, row.format, row.asText), {});
-    EXPECT_WIDE_EQ(row.outcome, Outcome(table, row.xml));
+  for (const auto& [type, format, asText, xml, outcome] : rows) {
+    const Table table(SimpleContent(type, format, asText), {});
+    EXPECT_WIDE_EQ(outcome, Outcome(table, xml));
   }
   const Table table(SimpleContent(ItemType_int, nullptr, false), {});
   const auto object = CTableClass::Create(table);
@@ -312,9 +296,7 @@ TEST_F(GeneratedClassTest, MistakesInRecordsAreTold) {
 }
 
 TEST(ElementInfoTest, WildcardNamespaceFollowsTheConstraint) {
-  const struct {
-    const wchar_t *constraint, *defaultNs, *targetNs, *result;
-  } rows[] = {
+  const Rows<Wide, Wide, Wide, Wide> rows = {
       {L"##any", L"d", L"t", L"d"},
       {L"##other", L"", L"t", L"DefaultNamespace"},
       {L"##other", L"d", L"t", L""},
@@ -324,14 +306,12 @@ TEST(ElementInfoTest, WildcardNamespaceFollowsTheConstraint) {
       {L"urn:x", L"d", L"t", L""},
       {nullptr, L"d", L"t", L""},
   };
-  for (const auto& row : rows)
-    EXPECT_WIDE_EQ(row.result, CElementInfo::GetAnyDefaultNamespace(row.constraint, row.defaultNs, row.targetNs));
+  for (const auto& [constraint, defaultNs, targetNs, result] : rows)
+    EXPECT_WIDE_EQ(result, CElementInfo::GetAnyDefaultNamespace(constraint, defaultNs, targetNs));
 }
 
 TEST(ClassFactoryTest, TellsTheTypeThatAnElementNames) {
-  const struct {
-    const wchar_t *xml, *type, *ns;
-  } rows[] = {
+  const Rows<Wide, Wide, Wide> rows = {
       {L"<e xmlns='urn:e' xmlns:p='urn:p' i:type='p:Derived' xmlns:i='http://www.w3.org/2001/XMLSchema-instance'/>",
        L"Derived", L"urn:p"},
       {L"<e xmlns='urn:e' i:type='q:Derived' xmlns:i='http://www.w3.org/2001/XMLSchema-instance'/>", L"Derived",
@@ -340,10 +320,10 @@ TEST(ClassFactoryTest, TellsTheTypeThatAnElementNames) {
        L"urn:e"},
       {L"<e type='p:Derived'/>", L"", L""},
   };
-  for (const auto& row : rows) {
+  for (const auto& [xml, type, ns] : rows) {
     CXmlDocument document;
-    document.LoadXml(row.xml);
-    EXPECT_WIDE_EQ(row.type, CClassfactoryBase::GetElementType(document.GetDocumentElement()));
-    EXPECT_WIDE_EQ(row.ns, CClassfactoryBase::GetElementTypeNamespaceUri(document.GetDocumentElement()));
+    document.LoadXml(xml);
+    EXPECT_WIDE_EQ(type, CClassfactoryBase::GetElementType(document.GetDocumentElement()));
+    EXPECT_WIDE_EQ(ns, CClassfactoryBase::GetElementTypeNamespaceUri(document.GetDocumentElement()));
   }
 }

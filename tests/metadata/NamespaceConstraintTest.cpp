@@ -3,13 +3,10 @@
 #include "Expect.h"
 #include "RkXmlLib16/metadata/FacetChecks.h"
 
-using namespace RkXmlLib16;
+using namespace RkXmlTest;
 
 TEST(NamespaceConstraint, TheFirstTokenThatAdmitsTheUriDecides) {
-  const struct {
-    const wchar_t *uri, *constraint, *target;
-    bool valid;
-  } cases[] = {
+  const Rows<Wide, Wide, Wide, bool> cases = {
       {L"urn:a", L"##any", L"urn:t", true},
       {L"urn:a", L"##other", L"urn:t", true},
       {L"urn:t", L"##other", L"urn:t", false},
@@ -23,9 +20,9 @@ TEST(NamespaceConstraint, TheFirstTokenThatAdmitsTheUriDecides) {
       {L"urn:t", L"##local ##targetNamespace", L"urn:t", true},
       {L"", L"urn:a  urn:b", L"urn:t", true},  // two blanks part an empty token
   };
-  for (const auto& c : cases)
-    EXPECT_EQ(c.valid, CXmlObjectHelper::IsNamespaceValid(c.uri, c.constraint, c.target))
-        << RkXmlTest::Narrow(c.uri) << " in " << RkXmlTest::Narrow(c.constraint);
+  for (const auto& [uri, constraint, target, valid] : cases)
+    EXPECT_EQ(valid, CXmlObjectHelper::IsNamespaceValid(uri, constraint, target))
+        << Narrow(uri) << " in " << Narrow(constraint);
 }
 
 TEST(NamespaceConstraint, TestNamespaceNamesUriConstraintAndTarget) {

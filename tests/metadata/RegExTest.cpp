@@ -3,14 +3,10 @@
 #include "Expect.h"
 #include "support/SmallStack.h"
 
-using namespace RkXmlLib16;
+using namespace RkXmlTest;
 
 TEST(RegEx, RewritesXsdEscapesAndMatchesTheWholeValue) {
-  const struct {
-    const char* pattern;
-    std::wstring value;
-    bool matches;
-  } cases[] = {
+  const Rows<const char*, std::wstring, bool> cases = {
       {"\\c+", L"a.b-c:d", true},
       {"\\c+", L"a b", false},
       {"\\i\\c*", L"_x1", true},
@@ -39,8 +35,8 @@ TEST(RegEx, RewritesXsdEscapesAndMatchesTheWholeValue) {
        true},
       {"\\w+", L"\xE9", false},  // words are ASCII
   };
-  for (const auto& c : cases)
-    EXPECT_EQ(c.matches, TestRegEx(c.pattern, c.value)) << c.pattern << " " << RkXmlTest::Narrow(c.value);
+  for (const auto& [pattern, value, matches] : cases)
+    EXPECT_EQ(matches, TestRegEx(pattern, value)) << pattern << " " << Narrow(value);
 }
 
 TEST(RegEx, TheFirstAlternativeThatEndsBeforeAFinalLineFeedSpoilsTheMatchIntended) {
@@ -55,11 +51,7 @@ TEST(RegEx, TheBlockLatinExtendedBNeverCompilesIntended) {
 
 TEST(RegEx, HardPatternsEndCleanlyOnASmallStack) {
   const std::wstring many(100000, L'a');
-  const struct {
-    const char* pattern;
-    std::wstring value;
-    const char* answer;  // null: gives up at a limit of the engine where it does not find out that there is no match
-  } cases[] = {
+  const Rows<const char*, std::wstring, const char*> cases = {
       // Longer than any stack that goes a level deeper by the character.
       {"\\c+", std::wstring(1000000, L'a'), "matches"},
       {"\\c+", std::wstring(1000000, L'a') + L" ", "does not match"},
@@ -71,16 +63,16 @@ TEST(RegEx, HardPatternsEndCleanlyOnASmallStack) {
       {"(a+)+b", many, nullptr},
       {"((a+)+)\\2b", many, nullptr},
   };
-  RkXmlTest::RunInSmallStack([&] {
-    for (const auto& c : cases) {
+  RunInSmallStack([&] {
+    for (const auto& [pattern, value, answer] : cases) {
       try {
-        EXPECT_STREQ(c.answer != nullptr ? c.answer : "does not match",
-                     TestRegEx(c.pattern, c.value) ? "matches" : "does not match")
-            << c.pattern;
+        EXPECT_STREQ(answer != nullptr ? answer : "does not match",
+                     TestRegEx(pattern, value) ? "matches" : "does not match")
+            << pattern;
       } catch (const CRkException& e) {
         const std::wstring limit = L" Error: 'match limit exceeded'";
-        EXPECT_EQ(nullptr, c.answer) << c.pattern;
-        EXPECT_TRUE(L"Invalid Regular Expression: " + c.value + limit == e.GetMessage()) << c.pattern;
+        EXPECT_EQ(nullptr, answer) << pattern;
+        EXPECT_TRUE(L"Invalid Regular Expression: " + value + limit == e.GetMessage()) << pattern;
       }
     }
   });

@@ -12,7 +12,7 @@
 #include "RkXmlLib16/RkXmlLib16.h"
 #include "RkXmlLib16/support/Format.h"
 
-using namespace RkXmlLib16;
+using namespace RkXmlTest;
 
 // The allocation functions of this test program. They count, and fail when they are told to.
 namespace {

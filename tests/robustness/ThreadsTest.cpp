@@ -8,7 +8,7 @@
 #include "Order.h"
 #include "RkXmlLib16/RkXmlLib16.h"
 
-using namespace RkXmlLib16;
+using namespace RkXmlTest;
 
 namespace {
 
@@ -25,7 +25,7 @@ void InThreads(const std::function<void(int)>& work) {
       try {
         work(i);
       } catch (const CRkException& e) {
-        ADD_FAILURE() << RkXmlTest::Narrow(e.GetFullMessage());
+        ADD_FAILURE() << Narrow(e.GetFullMessage());
       }
     });
   }

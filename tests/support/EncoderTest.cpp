@@ -6,7 +6,7 @@
 #include "RkXmlLib16/support/UnicodeConverter.h"
 #include "support/HostLocale.h"
 
-using namespace RkXmlLib16;
+using namespace RkXmlTest;
 
 namespace {
 
@@ -24,17 +24,15 @@ const std::wstring kLow(1, 0xDE00);
 }  // namespace
 
 TEST(Encoder, EncodesUtf8AndReplacesWhatIsNoCharacter) {
-  const struct {
-    std::wstring text;
-    const wchar_t* hex;
-  } kCases[] = {{L"", L""},
-                {L"a\u00E9\u20AC\U0001F600", L"61C3A9E282ACF09F9880"},
-                {kHigh + kLow, L"F09F9880"},
-                {kHigh + L"a", L"EFBFBD61"},
-                {kLow + kHigh, L"EFBFBDEFBFBD"},
-                {kHigh + kHigh + kLow, L"EFBFBDF09F9880"},
-                {std::wstring(1, 0x110000) + static_cast<wchar_t>(-1) + L'a', L"EFBFBDEFBFBD61"}};
-  for (const auto& c : kCases) EXPECT_WIDE_EQ(c.hex, Utf8Hex(c.text));
+  const Rows<std::wstring, Wide> kCases = {
+      {L"", L""},
+      {L"a\u00E9\u20AC\U0001F600", L"61C3A9E282ACF09F9880"},
+      {kHigh + kLow, L"F09F9880"},
+      {kHigh + L"a", L"EFBFBD61"},
+      {kLow + kHigh, L"EFBFBDEFBFBD"},
+      {kHigh + kHigh + kLow, L"EFBFBDF09F9880"},
+      {std::wstring(1, 0x110000) + static_cast<wchar_t>(-1) + L'a', L"EFBFBDEFBFBD61"}};
+  for (const auto& [text, hex] : kCases) EXPECT_WIDE_EQ(hex, Utf8Hex(text));
   EXPECT_EQ(0u, CEncoder::UnicodeToUtf8Binary(static_cast<const wchar_t*>(nullptr)).GetLength());
 }
 
@@ -68,19 +66,17 @@ TEST(Encoder, EveryCharacterSurvivesEachForm) {
 }
 
 TEST(Encoder, IllFormedUtf8BecomesOneReplacementForEachLongestPrefix) {
-  const struct {
-    const wchar_t *hex, *text;
-  } kCases[] = {{L"61FF62", L"a\uFFFDb"},
-                {L"C080", L"\uFFFD\uFFFD"},                  // overlong
-                {L"E08080", L"\uFFFD\uFFFD\uFFFD"},          // overlong
-                {L"EDA080", L"\uFFFD\uFFFD\uFFFD"},          // surrogate
-                {L"F4908080", L"\uFFFD\uFFFD\uFFFD\uFFFD"},  // above U+10FFFF
-                {L"E282", L"\uFFFD"},                        // cut off by the end
-                {L"F09F98", L"\uFFFD"},
-                {L"F09F9861", L"\uFFFDa"},  // cut off by a character
-                {L"E28261", L"\uFFFDa"},
-                {L"80BF", L"\uFFFD\uFFFD"}};
-  for (const auto& c : kCases) EXPECT_WIDE_EQ(c.text, FromUtf8Hex(c.hex));
+  const Rows<Wide, Wide> kCases = {{L"61FF62", L"a\uFFFDb"},
+                                   {L"C080", L"\uFFFD\uFFFD"},                  // overlong
+                                   {L"E08080", L"\uFFFD\uFFFD\uFFFD"},          // overlong
+                                   {L"EDA080", L"\uFFFD\uFFFD\uFFFD"},          // surrogate
+                                   {L"F4908080", L"\uFFFD\uFFFD\uFFFD\uFFFD"},  // above U+10FFFF
+                                   {L"E282", L"\uFFFD"},                        // cut off by the end
+                                   {L"F09F98", L"\uFFFD"},
+                                   {L"F09F9861", L"\uFFFDa"},  // cut off by a character
+                                   {L"E28261", L"\uFFFDa"},
+                                   {L"80BF", L"\uFFFD\uFFFD"}};
+  for (const auto& [hex, text] : kCases) EXPECT_WIDE_EQ(text, FromUtf8Hex(hex));
   EXPECT_WIDE_EQ(L"", CEncoder::Utf8ToUnicode(nullptr, 0));
   EXPECT_WIDE_EQ(L"", CEncoder::Utf8ToUnicode(reinterpret_cast<const unsigned char*>("a"), -1));
 }
@@ -130,7 +126,7 @@ TEST(Encoder, APairSplitBetweenPiecesIsOneCharacter) {
 
 TEST(Encoder, FileNamesGoThroughTheLocaleOrUtf8) {
   for (const char* name : {"C", "C.UTF-8"}) {
-    const RkXmlTest::HostLocale locale(name);
+    const HostLocale locale(name);
     EXPECT_EQ("a\xC3\xA9\xF0\x9F\x98\x80", UnicodeToMultiByte((L"a\u00E9" + kHigh + kLow).c_str()));
     EXPECT_EQ("plain.xml", UnicodeToMultiByte(L"plain.xml"));
     EXPECT_EQ("", UnicodeToMultiByte(nullptr));

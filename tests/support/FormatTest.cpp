@@ -5,7 +5,7 @@
 #include "Expect.h"
 #include "support/HostLocale.h"
 
-using namespace RkXmlLib16;
+using namespace RkXmlTest;
 
 TEST(Format, FormatsTextNumbersAndTheSixtyFourBitPrefix) {
   EXPECT_WIDE_EQ(L"Invalid Element [a\u00E9\U0001F600] found.",
@@ -28,7 +28,7 @@ TEST(Format, NeverCutsALongText) {
 
 TEST(Format, PrintsAnyCharacterAsItselfInAnyLocale) {
   for (const char* name : {"C", "C.UTF-8", "de_DE.UTF-8"}) {
-    const RkXmlTest::HostLocale locale(name);
+    const HostLocale locale(name);
     const wchar_t loneSurrogate[] = {0xD83D, L'!', 0x110000, 0};
     EXPECT_WIDE_EQ(std::wstring(L"[\u00E9][\U0001F600][") + loneSurrogate[0] + L"][" + loneSurrogate + L"]",
                    FormatString(L"[%c][%c][%c][%ls]", L'\u00E9', L'\U0001F600', loneSurrogate[0], loneSurrogate));
@@ -36,7 +36,7 @@ TEST(Format, PrintsAnyCharacterAsItselfInAnyLocale) {
 }
 
 TEST(Format, NumbersDoNotFollowTheHostsLocale) {
-  const RkXmlTest::HostLocale locale("de_DE.UTF-8");
+  const HostLocale locale("de_DE.UTF-8");
   if (!locale.IsSet()) GTEST_SKIP() << "de_DE.UTF-8 is not installed";
   EXPECT_WIDE_EQ(L"1.5 1000000", FormatString(L"%g %d", 1.5, 1000000));
   EXPECT_STREQ("de_DE.UTF-8", std::setlocale(LC_NUMERIC, nullptr));
@@ -51,19 +51,16 @@ TEST(Format, PadsWithZeros) {
 }
 
 TEST(Format, WritesTheFractionOfASecond) {
-  const struct {
-    unsigned short milli, micro, nano;
-    const wchar_t* text;
-  } kCases[] = {{0, 0, 0, L""},
-                {500, 0, 0, L".5"},
-                {1, 0, 0, L".001"},
-                {0, 250, 0, L".00025"},
-                {120, 0, 0, L".12"},
-                {0, 0, 1, L".000000001"},
-                {120, 0, 50, L".12000005"},
-                {100, 200, 0, L".1002"},
-                {123, 456, 789, L".123456789"}};
-  for (const auto& c : kCases) EXPECT_WIDE_EQ(c.text, ToFracString(c.milli, c.micro, c.nano));
+  const Rows<unsigned short, unsigned short, unsigned short, Wide> kCases = {{0, 0, 0, L""},
+                                                                             {500, 0, 0, L".5"},
+                                                                             {1, 0, 0, L".001"},
+                                                                             {0, 250, 0, L".00025"},
+                                                                             {120, 0, 0, L".12"},
+                                                                             {0, 0, 1, L".000000001"},
+                                                                             {120, 0, 50, L".12000005"},
+                                                                             {100, 200, 0, L".1002"},
+                                                                             {123, 456, 789, L".123456789"}};
+  for (const auto& [milli, micro, nano, text] : kCases) EXPECT_WIDE_EQ(text, ToFracString(milli, micro, nano));
 }
 
 TEST(Format, FindReplaceDoesNotRescanWhatItPutIn) {

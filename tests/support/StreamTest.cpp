@@ -6,7 +6,7 @@
 #include "RkXmlLib16/support/TextStream.h"
 #include "support/TempFile.h"
 
-using namespace RkXmlLib16;
+using namespace RkXmlTest;
 
 namespace {
 
@@ -21,7 +21,7 @@ std::wstring EncodedHex(XmlEncoding encoding, const std::wstring& text) {
   return stream.GetEncodedStream().GetAsHexString();
 }
 
-std::wstring HexOf(const RkXmlTest::CTempFile& file) {
+std::wstring HexOf(const CTempFile& file) {
   CBinaryData data;
   for (const char c : file.Bytes()) data.Append(static_cast<unsigned char>(c));
   return data.GetAsHexString();
@@ -58,15 +58,12 @@ TEST(TextStream, EncodesAcrossBlocksWithoutJoiningThem) {
 }
 
 TEST(FileTextStream, WritesWhatWasFlushedWithItsMark) {
-  const struct {
-    XmlEncoding encoding;
-    const wchar_t* hex;
-  } kCases[] = {{XmlEncoding_UTF8, L"61C3A962"},
-                {XmlEncoding_UTF16, L"FFFE610000006200"},
-                {XmlEncoding_Wide, L"FFFE61000000E900000062000000"}};
-  for (const auto& c : kCases) {
-    const RkXmlTest::CTempFile scratch;
-    CFileTextStream file(scratch.Name().c_str(), c.encoding);
+  const Rows<XmlEncoding, Wide> kCases = {{XmlEncoding_UTF8, L"61C3A962"},
+                                          {XmlEncoding_UTF16, L"FFFE610000006200"},
+                                          {XmlEncoding_Wide, L"FFFE61000000E900000062000000"}};
+  for (const auto& [encoding, hex] : kCases) {
+    const CTempFile scratch;
+    CFileTextStream file(scratch.Name().c_str(), encoding);
     file.Append(L"lost by Open");
     file.Open();
     file.Append(L"a\u00E9");
@@ -74,16 +71,16 @@ TEST(FileTextStream, WritesWhatWasFlushedWithItsMark) {
     EXPECT_EQ(0u, file.GetLength());
     file.Append(L'b');
     file.Close();
-    EXPECT_WIDE_EQ(c.hex, HexOf(scratch));
+    EXPECT_WIDE_EQ(hex, HexOf(scratch));
     file.Append(L"too late");
     file.Flush();
     file.Close();
-    EXPECT_WIDE_EQ(c.hex, HexOf(scratch));
+    EXPECT_WIDE_EQ(hex, HexOf(scratch));
   }
 }
 
 TEST(FileTextStream, APairSplitBetweenFlushesIsOneCharacter) {
-  const RkXmlTest::CTempFile scratch;
+  const CTempFile scratch;
   {
     CFileTextStream file(scratch.Name().c_str(), XmlEncoding_UTF8);
     file.Open();
@@ -101,7 +98,7 @@ TEST(FileTextStream, TellsOfFilesThatCannotBeWritten) {
   EXPECT_RK_THROWS(CRkException, L"Failed to write data to the file [/no/such/folder/x.xml].", missing.Open());
   CFileTextStream null(nullptr, XmlEncoding_UTF8);
   EXPECT_RK_THROWS(CRkException, L"Failed to write data to the file [].", null.Open());
-  const RkXmlTest::CTempFile scratch;
+  const CTempFile scratch;
   CFileTextStream unknown(scratch.Name().c_str(), XmlEncoding_None);
   unknown.Open();
   unknown.Append(L"a");
@@ -145,7 +142,7 @@ TEST(FileBinaryStream, WritesTheBytesBehindTheMark) {
   CBinaryData data;
   data.SetAsHexString(L"000D0AFF");
   for (const auto encoding : {XmlEncoding_None, XmlEncoding_UTF8, XmlEncoding_UTF16, XmlEncoding_Wide}) {
-    const RkXmlTest::CTempFile scratch;
+    const CTempFile scratch;
     CFileBinaryStream(scratch.Name().c_str(), encoding, data).ToFile();
     EXPECT_WIDE_EQ(encoding >= XmlEncoding_UTF16 ? L"FFFE000D0AFF" : L"000D0AFF", HexOf(scratch));
   }
@@ -158,7 +155,7 @@ TEST(FileBinaryStream, WritesTheBytesBehindTheMark) {
 }
 
 TEST(File, TellsItsLengthAndKeepsItsPosition) {
-  const RkXmlTest::CTempFile scratch;
+  const CTempFile scratch;
   CFile file;
   EXPECT_FALSE(file.Open(scratch.Name().c_str(), "r"));
   EXPECT_TRUE(file.Close());

@@ -2,7 +2,7 @@
 
 #include "Expect.h"
 
-using namespace RkXmlLib16;
+using namespace RkXmlTest;
 
 namespace {
 

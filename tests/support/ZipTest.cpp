@@ -4,7 +4,7 @@
 
 #include "Expect.h"
 
-using namespace RkXmlLib16;
+using namespace RkXmlTest;
 
 namespace {
 
@@ -60,23 +60,20 @@ TEST(Zip, BothWrappersComeBackAsTheyWere) {
 }
 
 TEST(Zip, WhatDoesNotShrinkFailsWithZlibsCodeAndStaysIntended) {
-  const struct {
-    CompressionType type;
-    std::string text;
-    const wchar_t* code;
-  } kCases[] = {{CompressionType_GZip, Noise(10), L"-5"},     {CompressionType_GZip, Noise(11), L"0"},
-                {CompressionType_GZip, "<a>12</a>", L"-5"},   {CompressionType_GZip, "<a>1234</a>", L"0"},
-                {CompressionType_ZLib, Noise(2), L"-5"},      {CompressionType_ZLib, Noise(3), L"0"},
-                {CompressionType_GZip, Noise(300'000), L"0"}, {CompressionType_ZLib, Noise(300'000), L"0"}};
-  for (const auto& c : kCases) {
-    const std::wstring message = std::wstring(L"Failed to compress data. [Error Code: ") + c.code + L"]";
-    CBinaryData data = Bytes(c.text);
-    EXPECT_RK_THROWS(CRkException, message, CRkZip::CompressData(data, c.type));
-    EXPECT_EQ(Bytes(c.text), data);
+  const Rows<CompressionType, std::string, Wide> kCases = {
+      {CompressionType_GZip, Noise(10), L"-5"},     {CompressionType_GZip, Noise(11), L"0"},
+      {CompressionType_GZip, "<a>12</a>", L"-5"},   {CompressionType_GZip, "<a>1234</a>", L"0"},
+      {CompressionType_ZLib, Noise(2), L"-5"},      {CompressionType_ZLib, Noise(3), L"0"},
+      {CompressionType_GZip, Noise(300'000), L"0"}, {CompressionType_ZLib, Noise(300'000), L"0"}};
+  for (const auto& [type, text, code] : kCases) {
+    const std::wstring message = std::wstring(L"Failed to compress data. [Error Code: ") + code + L"]";
+    CBinaryData data = Bytes(text);
+    EXPECT_RK_THROWS(CRkException, message, CRkZip::CompressData(data, type));
+    EXPECT_EQ(Bytes(text), data);
     unsigned long length = 0;
     unsigned char* bytes = data.ReleaseData(&length);
-    EXPECT_RK_THROWS(CRkException, message, CRkZip::Compress(&bytes, &length, c.type));
-    EXPECT_EQ(Bytes(c.text), CBinaryData(bytes, length, /*copy=*/false));
+    EXPECT_RK_THROWS(CRkException, message, CRkZip::Compress(&bytes, &length, type));
+    EXPECT_EQ(Bytes(text), CBinaryData(bytes, length, /*copy=*/false));
   }
   unsigned char* none = nullptr;
   unsigned long length = 0;

@@ -6,7 +6,7 @@
 #include "Expect.h"
 #include "RkXmlLib16/types/Decimal.h"
 
-using namespace RkXmlLib16;
+using namespace RkXmlTest;
 
 namespace {
 
@@ -33,15 +33,13 @@ std::wstring Digits(std::mt19937& random, std::size_t count) {
 }  // namespace
 
 TEST(BigInteger, ParsesLenientlyFromTheRight) {
-  const struct {
-    const wchar_t *text, *value;
-  } cases[] = {
+  const Rows<Wide, Wide> cases = {
       {L" -00120 ", L"-120"}, {L"0", L"0"},      {L"-0", L"0"},   {L"+7", L"7"},  {L"+12", L"12"},  {L"", L"0"},
       {L"   ", L"0"},         {L"1-2", L"2"},  // what stands left of a non-digit does not count
       {L"-1-2", L"-2"},       {L"12\t", L"0"},   {L"--5", L"-5"}, {L"1.9", L"2"}, {L"12.7", L"13"}, {L"12.5", L"12"},
       {L"-12.51", L"-13"},    {L"1e3", L"1000"},
   };
-  for (const auto& c : cases) EXPECT_WIDE_EQ(c.value, Big(c.text).ToString());
+  for (const auto& [text, value] : cases) EXPECT_WIDE_EQ(value, Big(text).ToString());
   EXPECT_RK_THROWS(CRkInvalidValueException,
                    L"The string representing a Decimal, contained an invalid char at position 2 [12a].", Big(L"12a"));
 }

@@ -5,7 +5,7 @@
 #include "Expect.h"
 #include "RkXmlLib16/types/Base64.h"
 
-using namespace RkXmlLib16;
+using namespace RkXmlTest;
 
 namespace {
 
@@ -29,15 +29,13 @@ TEST(BinaryData, ReadsAndPrintsHexDigits) {
 }
 
 TEST(BinaryData, ReadsAndPrintsBase64) {
-  const struct {
-    const wchar_t *hex, *base64;
-  } kCases[] = {{L"", L""},         {L"4D616E", L"TWFu"},           {L"4D", L"TQ=="},
-                {L"4D61", L"TWE="}, {L"FBEFBEFFFFFF", L"++++////"}, {L"00FF10", L"AP8Q"}};
-  for (const auto& c : kCases) {
-    EXPECT_WIDE_EQ(c.base64, Hex(c.hex).GetAsBase64());
+  const Rows<Wide, Wide> kCases = {{L"", L""},         {L"4D616E", L"TWFu"},           {L"4D", L"TQ=="},
+                                   {L"4D61", L"TWE="}, {L"FBEFBEFFFFFF", L"++++////"}, {L"00FF10", L"AP8Q"}};
+  for (const auto& [hex, base64] : kCases) {
+    EXPECT_WIDE_EQ(base64, Hex(hex).GetAsBase64());
     CBinaryData read;
-    read.SetAsBase64(c.base64);
-    EXPECT_WIDE_EQ(c.hex, read.GetAsHexString());
+    read.SetAsBase64(base64);
+    EXPECT_WIDE_EQ(hex, read.GetAsHexString());
   }
   CBinaryData data;
   data.SetAsBase64(L" T\tW\r\nE = ");

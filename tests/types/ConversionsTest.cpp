@@ -9,7 +9,7 @@
 
 #include "Expect.h"
 
-using namespace RkXmlLib16;
+using namespace RkXmlTest;
 
 namespace {
 
@@ -30,7 +30,7 @@ void ExpectRows(FromString fromString, ToString toString, std::initializer_list<
     if (row.printed == nullptr)
       EXPECT_RK_THROWS(CRkInvalidValueException, row.message, fromString(row.text, rule));
     else
-      EXPECT_WIDE_EQ(row.printed, toString(fromString(row.text, rule))) << RkXmlTest::Narrow(row.text);
+      EXPECT_WIDE_EQ(row.printed, toString(fromString(row.text, rule))) << Narrow(row.text);
   }
 }
 
@@ -138,9 +138,9 @@ TEST(Conversions, FloatingNumbersPrintAsPrintfDoes) {
     char expected[64] = {};
     snprintf(expected, sizeof expected, "%.16g", value);
     std::replace(expected, expected + sizeof expected, ',', '.');  // the locale's, which the library does not follow
-    ASSERT_EQ(expected, RkXmlTest::Narrow(CConversions::r8ToString(value)));
+    ASSERT_EQ(expected, Narrow(CConversions::r8ToString(value)));
     snprintf(expected, sizeof expected, "%.7g", static_cast<double>(static_cast<float>(i)));
-    ASSERT_EQ(expected, RkXmlTest::Narrow(CConversions::r4ToString(static_cast<float>(i))));
+    ASSERT_EQ(expected, Narrow(CConversions::r4ToString(static_cast<float>(i))));
   }
 }
 

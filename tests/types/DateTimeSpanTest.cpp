@@ -5,7 +5,7 @@
 #include "Expect.h"
 #include "RkXmlLib16/types/DateTime.h"
 
-using namespace RkXmlLib16;
+using namespace RkXmlTest;
 
 namespace {
 
@@ -18,10 +18,7 @@ CDateTimeSpan Span(const std::wstring& text) {
 }  // namespace
 
 TEST(DateTimeSpan, ParsesAndPrintsTheXsdForm) {
-  const struct {
-    const wchar_t* text;
-    const wchar_t* printed;  // null: as the text
-  } cases[] = {
+  const Rows<Wide, Wide> cases = {
       {L"P1Y2M3DT4H5M6.5S", nullptr},
       {L"-P1Y2M3DT4H5M6.5S", nullptr},
       {L"PT36H", nullptr},
@@ -34,7 +31,7 @@ TEST(DateTimeSpan, ParsesAndPrintsTheXsdForm) {
       {L"P65535Y18446744073709551615M", nullptr},
       {L"PT0.123456789S", L"PT0.123456009S"},  // of the last three digits only the last one counts, as it is
   };
-  for (const auto& c : cases) EXPECT_WIDE_EQ(c.printed == nullptr ? c.text : c.printed, Span(c.text).ToString());
+  for (const auto& [text, printed] : cases) EXPECT_WIDE_EQ(printed == nullptr ? text : printed, Span(text).ToString());
   const CDateTimeSpan span = Span(L"-P1Y2M3DT4H5M6.5S");
   EXPECT_TRUE(span.IsNegative());
   EXPECT_EQ(500, span.GetMilliSeconds());
@@ -45,7 +42,7 @@ TEST(DateTimeSpan, EveryOtherTextThrows) {
   const wchar_t* const texts =
       L"P,-P,PT,P1DT,1Y,+P1Y,P1,P1Y2,P1D1Y,P1M1Y,P1D1M,P1Y1Y,PT1M1H,PT1S1M,PT1S1S,P1H,PT1D,P1.5Y,P1T1H,PTT1H,PT1.5,"
       L"PT1.5M,P-1Y, P1Y,P65536Y,P18446744073709551616M,-,PT1H.5";
-  for (const std::wstring& text : RkXmlTest::Split(texts, L","))
+  for (const std::wstring& text : Split(texts, L","))
     EXPECT_RK_THROWS(CRkInvalidValueException,
                      L"Invalid XSD Duration [" + text + L"] expected [-]P[nY][nM][nD][T[nH][nM][nS.ff]]", Span(text));
   EXPECT_RK_THROWS(CRkInvalidValueException, L"Invalid XSD Duration [PT0.1234567891S] Fraction part too long",
@@ -56,26 +53,21 @@ TEST(DateTimeSpan, EveryOtherTextThrows) {
 }
 
 TEST(DateTimeSpan, ComparesByTheFourReferenceInstants) {
-  const struct {
-    const wchar_t *a, *b;
-    int result;
-  } cases[] = {
+  const Rows<Wide, Wide, int> cases = {
       {L"P1Y", L"P12M", 0},        {L"P1D", L"PT24H", 0},
       {L"P1M", L"P30D", 3},        {L"P1M", L"P27D", 2},
       {L"P1Y", L"P365D", 3},       {L"-P1D", L"P1D", 1},
       {L"-P3000Y", L"-P2999Y", 1}, {L"PT100000000000S", L"PT1700000000M", 1},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(c.result, Span(c.a).CompareTo(Span(c.b))) << RkXmlTest::Narrow(c.a) << " " << RkXmlTest::Narrow(c.b);
-    const int reversed = c.result == 1 ? 2 : c.result == 2 ? 1 : c.result;
-    EXPECT_EQ(reversed, Span(c.b).CompareTo(Span(c.a)));
+  for (const auto& [a, b, result] : cases) {
+    EXPECT_EQ(result, Span(a).CompareTo(Span(b))) << Narrow(a) << " " << Narrow(b);
+    const int reversed = result == 1 ? 2 : result == 2 ? 1 : result;
+    EXPECT_EQ(reversed, Span(b).CompareTo(Span(a)));
   }
 }
 
 TEST(DateTimeSpan, WhatLeavesTheCalendarOrChangesTheEraHasNoOrderIntended) {
-  const struct {
-    const wchar_t *a, *b;
-  } cases[] = {
+  const Rows<Wide, Wide> cases = {
       {L"P8097Y", L"P1Y"},
       {L"P8097Y", L"P8097Y"},
       {L"-P3000Y", L"P1D"},
@@ -84,9 +76,9 @@ TEST(DateTimeSpan, WhatLeavesTheCalendarOrChangesTheEraHasNoOrderIntended) {
       {L"-PT18446744073709551615M", L"PT0S"},
       {L"P65535Y18446744073709551615M18446744073709551615DT18446744073709551615H18446744073709551615M", L"P1D"},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(CompareResult_Indeterminate, Span(c.a).CompareTo(Span(c.b))) << RkXmlTest::Narrow(c.a);
-    EXPECT_EQ(CompareResult_Indeterminate, Span(c.b).CompareTo(Span(c.a))) << RkXmlTest::Narrow(c.a);
+  for (const auto& [a, b] : cases) {
+    EXPECT_EQ(CompareResult_Indeterminate, Span(a).CompareTo(Span(b))) << Narrow(a);
+    EXPECT_EQ(CompareResult_Indeterminate, Span(b).CompareTo(Span(a))) << Narrow(a);
   }
 }
 
@@ -103,7 +95,7 @@ TEST(DateTimeSpan, OrderIsThatOfTheDatesReached) {
         const int result = (from + Span(a)).CompareTo(from + Span(b));
         expected = expected < 0 || expected == result ? result : 3;
       }
-      EXPECT_EQ(expected, Span(a).CompareTo(Span(b))) << RkXmlTest::Narrow(a) << " " << RkXmlTest::Narrow(b);
+      EXPECT_EQ(expected, Span(a).CompareTo(Span(b))) << Narrow(a) << " " << Narrow(b);
     }
   }
 }

@@ -6,38 +6,30 @@
 
 #include "Expect.h"
 
-using namespace RkXmlLib16;
+using namespace RkXmlTest;
 
 namespace {
 
 CDateTime DateTime(const std::wstring& text) { return CDateTime(text.c_str()); }
 
-CDateTime Date(const std::wstring& text) {
-  CDateTime value;
-  value.ParseXSDDate(text);
+template <class Value, void (Value::*kParse)(std::wstring_view)>
+Value Parsed(const std::wstring& text) {
+  Value value;
+  (value.*kParse)(text);
   return value;
 }
+constexpr auto Date = Parsed<CDateTime, &CDateTime::ParseXSDDate>;
+constexpr auto Time = Parsed<CDateTime, &CDateTime::ParseXSDTime>;
+constexpr auto Span = Parsed<CDateTimeSpan, &CDateTimeSpan::ParseXSDDuration>;
 
-CDateTime Time(const std::wstring& text) {
-  CDateTime value;
-  value.ParseXSDTime(text);
-  return value;
-}
-
-CDateTimeSpan Span(const std::wstring& text) {
-  CDateTimeSpan span;
-  span.ParseXSDDuration(text);
-  return span;
+CDateTime Any(const std::wstring& text) {
+  return text.find(L'T') != std::wstring::npos ? DateTime(text) : text.find(L':') == 2 ? Time(text) : Date(text);
 }
 
 }  // namespace
 
 TEST(DateTime, ParseSetsTheTypeByShapeAndPrintsTheSame) {
-  const struct {
-    const wchar_t* text;
-    DTType type;
-    const wchar_t* printed;  // null: as the text
-  } cases[] = {
+  const Rows<Wide, DTType, Wide> cases = {
       {L"2024-02-29", dt_date, nullptr},
       {L"-0044-03-15", dt_date, nullptr},
       {L"2024-02", dt_gYearMonth, nullptr},
@@ -50,30 +42,27 @@ TEST(DateTime, ParseSetsTheTypeByShapeAndPrintsTheSame) {
       {L"---31-05:30", dt_gDay, nullptr},
       {L"--02-29", dt_gMonthDay, nullptr},
       {L"2000-01-01-00:30", dt_date, L"2000-01-01+00:30"},  // the sign travels on the hour
+      {L"00:00:00Z", dt_time, nullptr},
+      {L"12:00:00.000001-05:30", dt_time, nullptr},
+      {L"01:02:03.123456789", dt_time, nullptr},
+      {L"12:00:00.", dt_time, L"12:00:00"},
+      {L"12:00:00.Z", dt_time, L"12:00:00Z"},
+      {L"2001-01-01T00:00:00+24:00", dt_dateTime, L"2001-01-01T00:00:00+00:00"},
   };
-  for (const auto& c : cases) {
-    const CDateTime value = Date(c.text);
-    EXPECT_EQ(c.type, value.GetType());
-    EXPECT_WIDE_EQ(c.printed == nullptr ? c.text : c.printed, value.ToString());
+  for (const auto& [text, type, printed] : cases) {
+    const CDateTime value = Any(text);
+    EXPECT_EQ(type, value.GetType());
+    EXPECT_WIDE_EQ(printed == nullptr ? text : printed, value.ToString());
   }
-  for (const wchar_t* text :
-       {L"12:00:00", L"00:00:00Z", L"23:59:59.5", L"12:00:00.000001-05:30", L"01:02:03.123456789"})
-    EXPECT_WIDE_EQ(text, Time(text).ToString());
   CDateTime again = DateTime(L"2001-02-03T04:05:06.789Z");
   again.ParseXSDDate(L"1999");
   EXPECT_WIDE_EQ(L"1999", again.ToString());
   EXPECT_FALSE(again.IsUTC());
-  EXPECT_WIDE_EQ(L"12:00:00", Time(L"12:00:00.").ToString());
-  EXPECT_WIDE_EQ(L"12:00:00Z", Time(L"12:00:00.Z").ToString());
-  EXPECT_WIDE_EQ(L"2001-01-01T00:00:00+00:00", DateTime(L"2001-01-01T00:00:00+24:00").ToString());
 }
 
 TEST(DateTime, EveryMalformedTextHasItsMessage) {
   const std::wstring dateShape = L"] expected CCYY-MM-DD[Z|[+|-]hh:mm]", timeShape = L"] expected hh:mm:ss[.ff]";
-  const struct {
-    CDateTime (*parse)(const std::wstring&);
-    std::wstring text, message;
-  } cases[] = {
+  const Rows<CDateTime (*)(const std::wstring&), std::wstring, std::wstring> cases = {
       {Date, L"", L"Invalid Date (Empty String)"},
       {Date, L"2000-01-01T", L"Invalid Date ('T' not allowed)"},
       {Date, L"2000-01-01+01:00Z", L"Invalid Date (Bad Zone value)"},
@@ -103,7 +92,7 @@ TEST(DateTime, EveryMalformedTextHasItsMessage) {
       {DateTime, L"2000-01-01T", L"Invalid XSD Time (Empty String)"},
       {DateTime, L"2000-02-30T00:00:00", L"Invalid Day [30] (1 <= day <= days in month"},
   };
-  for (const auto& c : cases) EXPECT_RK_THROWS(CRkInvalidValueException, c.message, c.parse(c.text));
+  for (const auto& [parse, text, message] : cases) EXPECT_RK_THROWS(CRkInvalidValueException, message, parse(text));
   CDateTime value;
   EXPECT_RK_THROWS(CRkInvalidValueException, L"Invalid Date (Null String)", value.ParseXSDDate(nullptr));
   EXPECT_RK_THROWS(CRkInvalidValueException, L"Invalid Time (Null String)", value.ParseXSDTime(nullptr));
@@ -113,22 +102,16 @@ TEST(DateTime, EveryMalformedTextHasItsMessage) {
 TEST(DateTime, SettersValidateTheFieldsOfTheirType) {
   CDateTime value;
   EXPECT_RK_THROWS(CRkInvalidValueException, L"Invalid Year Zero", value.Validate());
-  const struct {
-    DTType type;
-    short year;
-    unsigned char month, day, hour;
-    unsigned short nano;
-    const wchar_t* message;
-  } foreign[] = {
+  const Rows<DTType, short, unsigned char, unsigned char, unsigned char, unsigned short, Wide> foreign = {
       {dt_date, 2000, 1, 1, 1, 0, L"Invalid Hour [1] for type date"},
       {dt_gYear, 2000, 0, 0, 0, 7, L"Invalid Nano-Second [7] for type gYear"},
       {dt_time, 1, 0, 0, 1, 0, L"Invalid Year [1] for type time"},
       {dt_gYear, 1, 2, 0, 0, 0, L"Invalid Month [2] for type gYear"},
       {dt_gYearMonth, 1, 2, 3, 0, 0, L"Invalid Day [3] for type gYearMonth"},
   };
-  for (const auto& c : foreign)
-    EXPECT_RK_THROWS(CRkInvalidValueException, c.message,
-                     value.SetDateTime(c.type, c.year, c.month, c.day, c.hour, 0, 0, 0, 0, c.nano));
+  for (const auto& [type, year, month, day, hour, nano, message] : foreign)
+    EXPECT_RK_THROWS(CRkInvalidValueException, message,
+                     value.SetDateTime(type, year, month, day, hour, 0, 0, 0, 0, nano));
   EXPECT_RK_THROWS(CRkInvalidValueException, L"Invalid Micro-Second [1000] (0 <= micro <= 999)",
                    value.SetTime(0, 0, 0, 0, 1000, 0));
   EXPECT_RK_THROWS(CRkInvalidValueException, L"Invalid Hour [24] (0 <= hour <= 23)", value.SetTime(24, 0, 0));
@@ -166,11 +149,6 @@ TEST(DateTime, FieldsThatTheTypeLacksThrow) {
 }
 
 TEST(DateTime, ConvertsToEveryTypeWhoseFieldsItHas) {
-  const CDateTime samples[] = {CDateTime(),         DateTime(L"2001-02-03T04:05:06+01:00"),
-                               Date(L"2001-02-03"), Date(L"2001-02"),
-                               Date(L"2001"),       Time(L"04:05:06"),
-                               Date(L"---03"),      Date(L"--02"),
-                               Date(L"--02-03")};
   const char* const allowed[] = {// by source, a column a target
                                  "100000000", "111111111", "101110111", "100110010", "100010000",
                                  "100001000", "100000100", "100000010", "100000111"};
@@ -180,22 +158,19 @@ TEST(DateTime, ConvertsToEveryTypeWhoseFieldsItHas) {
                 CDateTime::CheckConversion(static_cast<DTType>(from), static_cast<DTType>(to)))
           << from << " to " << to;
   CDateTime value;
-  value.SetDateTime(samples[1], dt_gMonthDay);
+  value.SetDateTime(DateTime(L"2001-02-03T04:05:06+01:00"), dt_gMonthDay);
   EXPECT_WIDE_EQ(L"--02-03+01:00", value.ToString());
   EXPECT_RK_THROWS(CRkInvalidValueException,
                    L"Attempting to set a CDateTime of type date using an XmlDateTime of type gYear. "
                    L"The source CDateTime does not contian enough data to allow the conversion.",
-                   value.SetDateTime(samples[4], dt_date));
+                   value.SetDateTime(Date(L"2001"), dt_date));
   EXPECT_RK_THROWS(CRkInvalidValueException, L"Unknown date type 9.",
                    CDateTime::CheckConversion(static_cast<DTType>(9), dt_date));
 }
 
 TEST(DateTime, OrderIsPartialAcrossZones) {
   constexpr int kEqual = 0, kLess = 1, kGreater = 2, kIndeterminate = 3;
-  const struct {
-    const wchar_t *a, *b;
-    int result;
-  } cases[] = {
+  const Rows<Wide, Wide, int> cases = {
       {L"2000-01-01T00:00:00", L"2000-01-01T00:00:00.000000001", kLess},
       {L"2000-01-01T12:00:00Z", L"2000-01-01T14:00:00+02:00", kEqual},
       {L"2000-01-01T00:00:00+14:00", L"2000-01-01T00:00:00+13:59", kLess},
@@ -208,23 +183,24 @@ TEST(DateTime, OrderIsPartialAcrossZones) {
       {L"9999-12-31T23:30:00-10:00", L"9999-12-31T23:00:00Z", kGreater},
       {L"-9999-01-01T00:00:00+10:00", L"-9999-01-01T00:00:00Z", kLess},
       {L"-0001-12-31T23:00:00", L"0001-01-01T00:00:00", kIndeterminate},
+      // Of other types, and of two.
+      {L"2000-01-01+06:00", L"2000-01-01+05:00", kLess},
+      {L"--01+05:00", L"--01Z", kLess},
+      {L"00:30:00+01:00", L"23:30:00Z", kEqual},
+      {L"12:00:00", L"12:00:00Z", kIndeterminate},
+      {L"22:00:00Z", L"08:00:00", kIndeterminate},
+      {L"22:00:00Z", L"07:59:59", kGreater},
+      {L"07:00:00", L"01:30:00+04:00", kLess},
+      {L"2000-01-01T00:00:00", L"2000-01-01", kEqual},
+      {L"2000-01-01T01:00:00", L"2000-01-01", kIndeterminate},
+      {L"1999", L"2000-01-01", kLess},
   };
-  for (const auto& c : cases) {
-    const CDateTime a = DateTime(c.a), b = DateTime(c.b);
-    EXPECT_EQ(c.result, a.CompareTo(b)) << RkXmlTest::Narrow(c.a) << " " << RkXmlTest::Narrow(c.b);
-    const int reversed = c.result == kLess ? kGreater : c.result == kGreater ? kLess : c.result;
-    EXPECT_EQ(reversed, b.CompareTo(a)) << RkXmlTest::Narrow(c.b) << " " << RkXmlTest::Narrow(c.a);
+  for (const auto& [left, right, result] : cases) {
+    const CDateTime a = Any(left), b = Any(right);
+    EXPECT_EQ(result, a.CompareTo(b)) << Narrow(left) << " " << Narrow(right);
+    const int reversed = result == kLess ? kGreater : result == kGreater ? kLess : result;
+    EXPECT_EQ(reversed, b.CompareTo(a)) << Narrow(right) << " " << Narrow(left);
   }
-  EXPECT_EQ(kLess, Date(L"2000-01-01+06:00").CompareTo(Date(L"2000-01-01+05:00")));
-  EXPECT_EQ(kLess, Date(L"--01+05:00").CompareTo(Date(L"--01Z")));
-  EXPECT_EQ(kEqual, Time(L"00:30:00+01:00").CompareTo(Time(L"23:30:00Z")));
-  EXPECT_EQ(kIndeterminate, Time(L"12:00:00").CompareTo(Time(L"12:00:00Z")));
-  EXPECT_EQ(kIndeterminate, Time(L"22:00:00Z").CompareTo(Time(L"08:00:00")));
-  EXPECT_EQ(kGreater, Time(L"22:00:00Z").CompareTo(Time(L"07:59:59")));
-  EXPECT_EQ(kLess, Time(L"07:00:00").CompareTo(Time(L"01:30:00+04:00")));
-  EXPECT_EQ(kEqual, DateTime(L"2000-01-01T00:00:00").CompareTo(Date(L"2000-01-01")));
-  EXPECT_EQ(kIndeterminate, DateTime(L"2000-01-01T01:00:00").CompareTo(Date(L"2000-01-01")));
-  EXPECT_EQ(kLess, Date(L"1999").CompareTo(Date(L"2000-01-01")));
   const CDateTime a = DateTime(L"2000-01-01T00:00:00"), b = DateTime(L"2000-01-01T00:10:00Z");
   EXPECT_FALSE(a == b || a < b || a > b || a <= b || a >= b);
   EXPECT_TRUE(a != b && a <= a && a >= a);
@@ -238,9 +214,7 @@ TEST(DateTime, NormalisesToUtc) {
 }
 
 TEST(DateTime, AddsDurations) {
-  const struct {
-    const wchar_t *date, *span, *sum;
-  } cases[] = {
+  const Rows<Wide, Wide, Wide> cases = {
       {L"2000-01-12T12:13:14Z", L"P1Y3M5DT7H10M3.3S", L"2001-04-17T19:23:17.3Z"},  // the example of the standard
       {L"2000-01-31T00:00:00", L"P1M", L"2000-02-29T00:00:00"},
       {L"2000-03-31T00:00:00", L"-P1M", L"2000-02-29T00:00:00"},
@@ -251,9 +225,9 @@ TEST(DateTime, AddsDurations) {
       {L"2000-01-01T00:00:00", L"PT16777217S", L"2000-07-13T04:20:17"},  // beyond single precision
       {L"0001-01-01T00:00:00", L"P3652058D", L"9999-12-31T00:00:00"},
   };
-  for (const auto& c : cases) {
-    EXPECT_WIDE_EQ(c.sum, (DateTime(c.date) + Span(c.span)).ToString()) << RkXmlTest::Narrow(c.span);
-    EXPECT_WIDE_EQ(c.sum, (DateTime(c.date) - Span(c.span).GetAsNegative()).ToString());
+  for (const auto& [date, span, sum] : cases) {
+    EXPECT_WIDE_EQ(sum, (DateTime(date) + Span(span)).ToString()) << Narrow(span);
+    EXPECT_WIDE_EQ(sum, (DateTime(date) - Span(span).GetAsNegative()).ToString());
   }
   EXPECT_WIDE_EQ(L"01:30:00", (Time(L"23:30:00") + Span(L"P400DT2H")).ToString());
   EXPECT_WIDE_EQ(L"--01", (Date(L"--12") + Span(L"P1M")).ToString());
@@ -266,29 +240,21 @@ TEST(DateTime, AddsDurations) {
   EXPECT_WIDE_EQ(L"2000-01-01T00:00:00", value.ToString());
 }
 
-TEST(DateTime, DayArithmeticAgreesWithCountingDays) {
+TEST(DateTime, DayArithmeticAgreesWithTheCalendarOfTheMachine) {
   CDateTime counted(2000, 1, 1);
   const CDateTime start = counted;
-  const CDateTimeSpan day(0, 0, 1, 0, 0, 0);
-  int year = 2000, month = 1, dayOfMonth = 1, dayOfYear = 1, dayOfWeek = 6;
   for (unsigned long n = 0; n < 1500; ++n) {
-    ASSERT_EQ(dayOfMonth, counted.GetDay());
-    ASSERT_EQ(month, counted.GetMonth());
-    ASSERT_EQ(year, counted.GetYear());
-    ASSERT_EQ(dayOfYear, counted.GetDayOfYear());
-    ASSERT_EQ(dayOfWeek, counted.GetDayOfWeek());
+    const std::time_t seconds = 946684800 + static_cast<std::time_t>(n) * 86400;
+    const std::tm& truth = *std::gmtime(&seconds);
+    ASSERT_EQ(truth.tm_mday, counted.GetDay());
+    ASSERT_EQ(truth.tm_mon + 1, counted.GetMonth());
+    ASSERT_EQ(truth.tm_year + 1900, counted.GetYear());
+    ASSERT_EQ(truth.tm_yday + 1, counted.GetDayOfYear());
+    ASSERT_EQ(truth.tm_wday, counted.GetDayOfWeek());
     ASSERT_EQ(n, (counted - start).GetDays());
     ASSERT_TRUE(counted == start + CDateTimeSpan(0, 0, n, 0, 0, 0));
     ASSERT_TRUE(start == counted - CDateTimeSpan(0, 0, n, 0, 0, 0));
-    counted += day;
-    dayOfWeek = (dayOfWeek + 1) % 7;
-    ++dayOfYear;
-    const bool leap = year % 4 == 0;
-    if (++dayOfMonth <= (month == 2 && !leap ? 28 : g_monthMax[month - 1])) continue;
-    dayOfMonth = 1;
-    if (++month <= 12) continue;
-    month = dayOfYear = 1;
-    ++year;
+    counted += CDateTimeSpan(0, 0, 1, 0, 0, 0);
   }
 }
 

@@ -5,7 +5,7 @@
 
 #include "Expect.h"
 
-using namespace RkXmlLib16;
+using namespace RkXmlTest;
 
 namespace {
 
@@ -17,9 +17,7 @@ CDecimal Dec(const wchar_t* text) { return CDecimal(text); }
 
 TEST(Decimal, ParsesAndPrintsWithoutTrailingZeros) {
   const std::wstring digits30 = L"123456789012345678901234567890";
-  const struct {
-    std::wstring text, value;
-  } cases[] = {
+  const Rows<std::wstring, std::wstring> cases = {
       {L"1.50", L"1.5"},
       {L"0.05", L"0.05"},
       {L"-0.5", L"-0.5"},
@@ -45,21 +43,19 @@ TEST(Decimal, ParsesAndPrintsWithoutTrailingZeros) {
       {L"-0." + std::wstring(30, L'9') + L"6", L"-1"},
       {L"9." + std::wstring(31, L'9'), L"10"},
   };
-  for (const auto& c : cases) EXPECT_WIDE_EQ(c.value, Parsed(c.text)) << RkXmlTest::Narrow(c.text);
+  for (const auto& [text, value] : cases) EXPECT_WIDE_EQ(value, Parsed(text)) << Narrow(text);
   const std::wstring longText(2000, L'7');
   EXPECT_WIDE_EQ(longText, Parsed(longText));
 }
 
 TEST(Decimal, ReportsTheFirstForeignCharacterWithItsPosition) {
-  const struct {
-    const wchar_t* text;
-    int position;
-  } cases[] = {{L"12a", 2}, {L"1.2-", 3}, {L"1.2.3", 3}, {L"1e5x", 3}, {L"1e5 6", 4}, {L"1e.5", 2}, {L"x", 0}};
-  for (const auto& c : cases)
+  const Rows<Wide, int> cases = {{L"12a", 2},   {L"1.2-", 3}, {L"1.2.3", 3}, {L"1e5x", 3},
+                                 {L"1e5 6", 4}, {L"1e.5", 2}, {L"x", 0}};
+  for (const auto& [text, position] : cases)
     EXPECT_RK_THROWS(CRkInvalidValueException,
                      L"The string representing a Decimal, contained an invalid char at position " +
-                         std::to_wstring(c.position) + L" [" + c.text + L"].",
-                     CDecimal(c.text));
+                         std::to_wstring(position) + L" [" + text + L"].",
+                     CDecimal(text));
   EXPECT_RK_THROWS(CRkInvalidValueException,
                    L"The exponent of the Decimal [1e99999999999999999999] is to large, the largest is 10000.",
                    CDecimal(L"1e99999999999999999999"));
@@ -115,14 +111,12 @@ TEST(Decimal, ArithmeticKeepsThirtyDigits) {
 }
 
 TEST(Decimal, RescalingRoundsHalfTowardZeroAndCarries) {
-  const struct {
-    const wchar_t* text;
-    int digits;
-    const wchar_t* expected;
-  } cases[] = {{L"2.5", 0, L"2"},      {L"2.51", 0, L"3"},     {L"-2.51", 0, L"-3"},      {L"1.5", 3, L"1.500"},
-               {L"0.995", 2, L"0.99"}, {L"0.996", 2, L"1.00"}, {L"-9.999", 2, L"-10.00"}, {L"-0.001", 2, L"0.00"},
-               {L"12", 2, L"12.00"},   {L"0.04999", 1, L"0.0"}};
-  for (const auto& c : cases) EXPECT_WIDE_EQ(c.expected, CDecimal(c.text).ToString(c.digits)) << c.digits;
+  const Rows<Wide, int, Wide> cases = {{L"2.5", 0, L"2"},         {L"2.51", 0, L"3"},      {L"-2.51", 0, L"-3"},
+                                       {L"1.5", 3, L"1.500"},     {L"0.995", 2, L"0.99"},  {L"0.996", 2, L"1.00"},
+                                       {L"-9.999", 2, L"-10.00"}, {L"-0.001", 2, L"0.00"}, {L"12", 2, L"12.00"},
+                                       {L"0.04999", 1, L"0.0"}};
+  for (const auto& [text, digits, expected] : cases)
+    EXPECT_WIDE_EQ(expected, CDecimal(text).ToString(digits)) << digits;
   EXPECT_WIDE_EQ(L"2", Dec(L"2.5").ToBigInteger().ToString());
   EXPECT_WIDE_EQ(L"3", Dec(L"2.51").ToBigInteger().ToString());
   CDecimal a(L"1.5"), b(L"2.125");

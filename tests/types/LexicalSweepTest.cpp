@@ -5,7 +5,7 @@
 #include "Expect.h"
 #include "RkXmlLib16/types/Conversions.h"
 
-using namespace RkXmlLib16;
+using namespace RkXmlTest;
 
 namespace {
 

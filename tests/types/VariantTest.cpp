@@ -6,7 +6,7 @@
 #include "RkXmlLib16/core/SmartPtr.h"
 #include "RkXmlLib16/wildcards/Element.h"
 
-using namespace RkXmlLib16;
+using namespace RkXmlTest;
 
 namespace {
 

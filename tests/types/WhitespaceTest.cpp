@@ -2,13 +2,10 @@
 
 #include "Expect.h"
 
-using namespace RkXmlLib16;
+using namespace RkXmlTest;
 
 TEST(Whitespace, RulesChangeOnlyTheFourXmlCharacters) {
-  const struct {
-    CWhitespaceUtils::WhitespaceRule rule;
-    const wchar_t *text, *expected;
-  } cases[] = {
+  const Rows<CWhitespaceUtils::WhitespaceRule, Wide, Wide> cases = {
       {CWhitespaceUtils::none, L" a\t\nb ", L" a\t\nb "},
       {CWhitespaceUtils::preserve, L" a\t\nb ", L" a\t\nb "},
       {CWhitespaceUtils::replace, L"\ra\t\nb c", L" a  b c"},
@@ -19,7 +16,8 @@ TEST(Whitespace, RulesChangeOnlyTheFourXmlCharacters) {
       {CWhitespaceUtils::collapse, L"", L""},
       {CWhitespaceUtils::collapse, L"\x00A0 a\v", L"\x00A0 a\v"},
   };
-  for (const auto& c : cases) EXPECT_WIDE_EQ(c.expected, CWhitespaceUtils::ApplyRule(c.rule, std::wstring(c.text)));
+  for (const auto& [rule, text, expected] : cases)
+    EXPECT_WIDE_EQ(expected, CWhitespaceUtils::ApplyRule(rule, std::wstring(text)));
 }
 
 TEST(Whitespace, AViewIsCopiedOnlyWhenCharactersInsideChange) {

@@ -8,7 +8,7 @@
 #include "RkXmlLib16/xml/ElementTree.h"
 #include "support/SmallStack.h"
 
-using namespace RkXmlLib16;
+using namespace RkXmlTest;
 
 namespace {
 
@@ -21,9 +21,7 @@ std::wstring Rewritten(const wchar_t* text, const CSerializationContext& context
 }
 
 TEST(Element, WritesTheInfosetThatItRead) {
-  const struct {
-    const wchar_t *read, *written;
-  } kRows[] = {
+  const Rows<Wide, Wide> kRows = {
       {L"<a/>", L"<a/>"},
       {L"<a x='1' y='&quot;&amp;'>t &lt; u</a>", L"<a x=\"1\" y=\"&quot;&amp;\">t &lt; u</a>"},
       {L"<a>\n <b> </b>\n <c><d/></c>\n <b>2</b>\n</a>", L"<a><b> </b><c><d/></c><b>2</b></a>"},
@@ -38,7 +36,7 @@ TEST(Element, WritesTheInfosetThatItRead) {
       {L"<a xmlns:p='urn:p' xmlns:i='http://www.w3.org/2001/XMLSchema-instance' i:type='p:T' t='i:nil'/>",
        L"<a xmlns:i=\"http://www.w3.org/2001/XMLSchema-instance\" xmlns:p=\"urn:p\" i:type=\"p:T\" t=\"i:nil\"/>"},
   };
-  for (const auto& row : kRows) EXPECT_WIDE_EQ(row.written, Rewritten(row.read));
+  for (const auto& [read, written] : kRows) EXPECT_WIDE_EQ(written, Rewritten(read));
 }
 
 TEST(Element, DeclaresPrefixesAgainWhereItStandsInAnotherTree) {
@@ -56,7 +54,7 @@ TEST(Element, DeclaresPrefixesAgainWhereItStandsInAnotherTree) {
   CElement typed;
   typed.FromXml(L"<p:t xmlns:p='urn:p' xmlns:i='http://www.w3.org/2001/XMLSchema-instance' i:type='p:T'/>");
   const std::wstring written = typed.ToXml(false, false, EOLType_LF, context);
-  EXPECT_NE(std::wstring::npos, written.find(L"xsi:type=\"AA:T\"")) << RkXmlTest::Narrow(written);
+  EXPECT_NE(std::wstring::npos, written.find(L"xsi:type=\"AA:T\"")) << Narrow(written);
   EXPECT_NE(std::wstring::npos, written.find(L"xmlns:AA=\"urn:p\""));
 }
 
@@ -148,10 +146,10 @@ TEST(Element, FillsAnotherObjectWithAllCharacters) {
 
 // A document 100,000 levels deep, through everything that an element does, on a stack of 256 KiB.
 TEST(Element, DeepTreesNeedNoStack) {
-  RkXmlTest::RunInSmallStack([] {
+  RunInSmallStack([] {
     constexpr int kDepth = 100000;
     CElement element;
-    element.FromXml((RkXmlTest::Repeat(kDepth, L"<e>") + RkXmlTest::Repeat(kDepth, L"</e>")).c_str());
+    element.FromXml((Repeat(kDepth, L"<e>") + Repeat(kDepth, L"</e>")).c_str());
     EXPECT_EQ(static_cast<std::size_t>(kDepth) * 7 - 3, element.ToXml(false, false).size());
     CSmartPtr<CElement> shared(element.GetChild(0));
     element.RemoveChildren();

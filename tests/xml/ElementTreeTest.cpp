@@ -8,7 +8,8 @@
 
 #include "Expect.h"
 
-namespace RkXmlLib16 {
+using namespace RkXmlTest;
+
 namespace {
 
 constexpr const wchar_t* kXsi = L"http://www.w3.org/2001/XMLSchema-instance";
@@ -177,4 +178,3 @@ TEST(ElementTree, BuildsByHand) {
 }
 
 }  // namespace
-}  // namespace RkXmlLib16

@@ -14,7 +14,8 @@
 #include "support/SmallStack.h"
 #include "support/TempFile.h"
 
-namespace RkXmlLib16 {
+using namespace RkXmlTest;
+
 namespace {
 
 void LoadBytes(CXmlDocument& document, const std::string& bytes) {
@@ -183,20 +184,18 @@ TEST(Reading, TellsWhatIsWrong) {
   EXPECT_RK_THROWS(CRkException, L"JSON String is empty!", d.LoadJson(L""));
   EXPECT_RK_THROWS(CRkException, L"JSON Stream is empty!", d.LoadJsonStream(nullptr, 0));
 
-  const struct {
-    const char* xml;
-    const wchar_t* message;
-  } rows[] = {{"<a>\n<b></a>", L"mismatched tag at line 2"},
-              {"<a>", L"no element found at line 1"},
-              {"text", L"syntax error at line 1"},
-              {"\n<a/><b/>", L"junk after document element at line 2"},
-              {"<p:a/>", L"unbound prefix at line 1"},
-              {"<a x='1' x='2'/>", L"duplicate attribute at line 1"},
-              {"<a>&#0;</a>", L"reference to invalid character number at line 1"},
-              {"<a>&lol;</a>", L"undefined entity at line 1"},
-              {"<r>\n<a xmlns='u|v'/></r>", L"A namespace URI contains the character '|' at line 2"},
-              {"<p:r xmlns:p='|'/>", L"A namespace URI contains the character '|' at line 1"}};
-  for (const auto& row : rows) EXPECT_RK_THROWS(CRkException, row.message, LoadBytes(d, row.xml));
+  const Rows<const char*, Wide> rows = {
+      {"<a>\n<b></a>", L"mismatched tag at line 2"},
+      {"<a>", L"no element found at line 1"},
+      {"text", L"syntax error at line 1"},
+      {"\n<a/><b/>", L"junk after document element at line 2"},
+      {"<p:a/>", L"unbound prefix at line 1"},
+      {"<a x='1' x='2'/>", L"duplicate attribute at line 1"},
+      {"<a>&#0;</a>", L"reference to invalid character number at line 1"},
+      {"<a>&lol;</a>", L"undefined entity at line 1"},
+      {"<r>\n<a xmlns='u|v'/></r>", L"A namespace URI contains the character '|' at line 2"},
+      {"<p:r xmlns:p='|'/>", L"A namespace URI contains the character '|' at line 1"}};
+  for (const auto& [xml, message] : rows) EXPECT_RK_THROWS(CRkException, message, LoadBytes(d, xml));
   LoadBytes(d, "<ok/>");
   EXPECT_WIDE_EQ(L"ok()", Shown(d.GetDocumentElement()));
 }
@@ -211,7 +210,7 @@ TEST(Reading, FilesThatCannotBeReadSayWhy) {
   EXPECT_RK_THROWS(CRkException, L"Failed to read the contents of the file [/dev/null] Error [0]",
                    d.LoadJsonFile(L"/dev/null"));
 
-  const RkXmlTest::CTempFile file;
+  const CTempFile file;
   std::ofstream(file.Path()) << "<a>1</a>";
   d.Load(file.Name().c_str());
   EXPECT_WIDE_EQ(L"a(1)", Shown(d.GetDocumentElement()));
@@ -251,7 +250,7 @@ TEST(Reading, BoundsWhatADtdCanDo) {
     const std::string last = "&e" + std::to_string(depth) + ";";
     return xml + "]><a v='" + last + "'>" + last + "</a>";
   };
-  RkXmlTest::RunInSmallStack([&] { EXPECT_WIDE_EQ(L"a@v=x(x)", Read(nested(200))); });
+  RunInSmallStack([&] { EXPECT_WIDE_EQ(L"a@v=x(x)", Read(nested(200))); });
   EXPECT_RK_THROWS(CRkException, L"Limit exceeded: entities that refer to entities 200.", Read(nested(20000)));
   // One long default on many elements is held once.
   std::string defaults = "<!DOCTYPE a [<!ATTLIST b x CDATA '" + std::string(100000, 'x') + "'>]><a>";
@@ -264,14 +263,14 @@ TEST(Reading, BoundsWhatADtdCanDo) {
 }
 
 TEST(Reading, DepthNeedsNoStack) {
-  RkXmlTest::RunInSmallStack([] {
+  RunInSmallStack([] {
     constexpr int kDepth = 100000;
     CTextStream stream(XmlEncoding_UTF8);
     CXmlTextWriter unfinished(stream);
     unfinished.SetFormat(false);
     for (int i = 0; i < kDepth; ++i) unfinished.WriteStartElement(L"a", L"");
     CXmlDocument document;
-    document.LoadXml((stream.GetText() + (L">" + RkXmlTest::Repeat(kDepth, L"</a>"))).c_str());
+    document.LoadXml((stream.GetText() + (L">" + Repeat(kDepth, L"</a>"))).c_str());
     const CXmlElement* element = document.GetDocumentElement();
     while (element->GetFirstElement() != nullptr) element = element->GetFirstElement();
     EXPECT_EQ(2u * kDepth, element->GetXPath().size());
@@ -319,4 +318,3 @@ TEST(Reading, FilterMayBuildAndCannotDropTheRoot) {
 }
 
 }  // namespace
-}  // namespace RkXmlLib16

@@ -8,10 +8,9 @@
 #include "Expect.h"
 #include "support/Replay.h"
 
-namespace RkXmlLib16 {
-namespace {
+using namespace RkXmlTest;
 
-using RkXmlTest::Replay;
+namespace {
 
 // What `write` makes of an open writer; plain means not formatted.
 std::wstring Written(const std::function<void(CXmlTextWriter&)>& write, bool formatted = false) {
@@ -44,26 +43,21 @@ TEST(XmlTextWriter, KeepsTextBesideChildrenInPlace) {
 }
 
 TEST(XmlTextWriter, WritesTheDeclarationForTheEncoding) {
-  const struct {
-    XmlEncoding encoding;
-    const wchar_t* declaration;
-  } rows[] = {{XmlEncoding_None, L"<?xml version=\"1.0\"?>\n"},
-              {XmlEncoding_UTF8, L"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"},
-              {XmlEncoding_UTF16, L"<?xml version=\"1.0\" encoding=\"UTF-16\"?>\n"},
-              {XmlEncoding_Wide, L"<?xml version=\"1.0\"?>\n"}};
-  for (const auto& row : rows) {
-    CTextStream stream(row.encoding);
+  const Rows<XmlEncoding, Wide> rows = {{XmlEncoding_None, L"<?xml version=\"1.0\"?>\n"},
+                                        {XmlEncoding_UTF8, L"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"},
+                                        {XmlEncoding_UTF16, L"<?xml version=\"1.0\" encoding=\"UTF-16\"?>\n"},
+                                        {XmlEncoding_Wide, L"<?xml version=\"1.0\"?>\n"}};
+  for (const auto& [encoding, declaration] : rows) {
+    CTextStream stream(encoding);
     CXmlTextWriter writer(stream);
     writer.SetFormat(false);
     writer.WriteStartDocument();
-    EXPECT_WIDE_EQ(row.declaration, stream.GetText());
+    EXPECT_WIDE_EQ(declaration, stream.GetText());
   }
 }
 
 TEST(XmlTextWriter, EscapesTextAndAttributes) {
-  const struct {
-    const wchar_t *value, *text, *attribute;
-  } rows[] = {
+  const Rows<Wide, Wide, Wide> rows = {
       {L"a & b < c > d", L"a &amp; b &lt; c &gt; d", L"a &amp; b &lt; c &gt; d"},
       {L"\"it's\"", L"\"it's\"", L"&quot;it's&quot;"},
       {L"1\r\n2\n3\r4", L"1\r\n2\r\n34", L"1&#xA;2&#xA;34"},
@@ -71,15 +65,15 @@ TEST(XmlTextWriter, EscapesTextAndAttributes) {
       {L"<![CDATA[<&>]]>&", L"<![CDATA[<&>]]>&", L"&lt;![CDATA[&lt;&amp;&gt;]]&gt;&amp;"},
       {L"x<![CDATA[", L"x&lt;![CDATA[", L"x&lt;![CDATA["},
   };
-  for (const auto& row : rows) {
+  for (const auto& [value, text, attribute] : rows) {
     const std::wstring written = Written([&](CXmlTextWriter& w) {
       w.SetEOLType(EOLType_CRLF);
       w.WriteStartElement(L"e", L"");
-      w.WriteAttributeString(L"a", L"", row.value, ItemType_string);
-      w.WriteString(row.value, ItemType_string);
+      w.WriteAttributeString(L"a", L"", value, ItemType_string);
+      w.WriteString(value, ItemType_string);
       w.WriteEndElement();
     });
-    EXPECT_WIDE_EQ(std::wstring(L"<e a=\"") + row.attribute + L"\">" + row.text + L"</e>", written);
+    EXPECT_WIDE_EQ(std::wstring(L"<e a=\"") + attribute + L"\">" + text + L"</e>", written);
   }
   EXPECT_WIDE_EQ(L"<e>ab</e>", Written([](CXmlTextWriter& w) { Replay(w, std::wstring_view(L"<e 'ab\0c'>", 10)); }));
 }
@@ -275,4 +269,3 @@ TEST(XmlWriterContext, ManyScopesDeclareWhatOneMapWould) {
 }
 
 }  // namespace
-}  // namespace RkXmlLib16
