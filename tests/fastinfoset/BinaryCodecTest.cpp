@@ -14,7 +14,7 @@ CFastInfosetBinaryData Encoded(unsigned long algorithm, const wchar_t* text) {
 
 CFastInfosetBinaryData Holding(const char* hex) {
   Octets octets = FromHex(hex);
-  return CFastInfosetBinaryData(octets.data(), octets.size(), /*copy=*/true);
+  return {octets.data(), octets.size(), /*copy=*/true};
 }
 
 TEST(FastInfosetBinaryData, SingleValuesBothWays) {
@@ -68,19 +68,13 @@ TEST(FastInfosetBinaryData, ListsAreReadWithOneBlankBetween) {
 }
 
 TEST(FastInfosetBinaryData, Failures) {
-  const Rows<unsigned long, Wide> lengths = {
-      {3, L"Invalid value for SHORT byte encoding."},
-      {4, L"Invalid value for INT byte encoding."},
-      {5, L"Invalid value for LONG byte encoding."},
-      {7, L"Invalid value for FLOAT byte encoding."},
-      {8, L"Invalid value for DOUBLE byte encoding."},
-      {9, L"Invalid value for UUID byte encoding."},
-      {10, L"Unknown byte encoding."},
-      {11, L"Unknown byte encoding."},
-      {0, L"Unknown byte encoding."},
-  };
-  for (const auto& [algorithm, message] : lengths)
-    EXPECT_RK_THROWS(CRkException, message, Holding("01 02 03").GetAsString(algorithm));
+  const Rows<unsigned long, std::wstring> numbers = {{3, L"SHORT"}, {4, L"INT"},    {5, L"LONG"},
+                                                     {7, L"FLOAT"}, {8, L"DOUBLE"}, {9, L"UUID"}};
+  for (const auto& [algorithm, name] : numbers)
+    EXPECT_RK_THROWS(CRkException, L"Invalid value for " + name + L" byte encoding.",
+                     Holding("01 02 03").GetAsString(algorithm));
+  for (const unsigned long algorithm : {0, 10, 11})
+    EXPECT_RK_THROWS(CRkException, L"Unknown byte encoding.", Holding("01 02 03").GetAsString(algorithm));
   EXPECT_RK_THROWS(CRkException, L"Unknown byte encoding.", Encoded(11, L"1"));
   EXPECT_RK_THROWS(CRkException, L"Invalid length in hex string", Encoded(1, L"ABC"));
   EXPECT_RK_THROWS(CRkInvalidValueException, L"The value [32768] is to large to fit in a i2", Encoded(3, L"32768"));

@@ -8,25 +8,24 @@
 #include "RkXmlLib16/fastinfoset/Context.h"
 #include "RkXmlLib16/fastinfoset/Writer.h"
 #include "RkXmlLib16/support/BinaryStream.h"
-#include "RkXmlLib16/xml/ElementTree.h"
+#include "support/Tree.h"
 
 namespace RkXmlTest {
 
+using namespace RkXmlLib16;
+
 using Octets = std::vector<unsigned char>;
 
-// "E0 00 3C" to octets; blanks and line ends between them.
+// "E0 00 3C" to octets; blanks between them.
 inline Octets FromHex(std::string_view text) {
   Octets octets;
-  int high = -1;
+  int octet = 1;  // a bit above the digits
   for (const char c : text) {
-    const int digit = c >= '0' && c <= '9' ? c - '0' : c >= 'A' && c <= 'F' ? c - 'A' + 10 : -1;
-    if (digit < 0) continue;
-    if (high < 0) {
-      high = digit;
-    } else {
-      octets.push_back(static_cast<unsigned char>(high << 4 | digit));
-      high = -1;
-    }
+    if (c == ' ') continue;
+    octet = octet << 4 | (c <= '9' ? c - '0' : c - 'A' + 10);
+    if (octet < 0x100) continue;
+    octets.push_back(static_cast<unsigned char>(octet));
+    octet = 1;
   }
   return octets;
 }
@@ -42,16 +41,25 @@ inline std::string ToHex(const Octets& octets) {
   return text;
 }
 
-inline Octets ToOctets(const RkXmlLib16::CBinaryData& data) {
+inline std::string_view View(const Octets& octets) {
+  return {reinterpret_cast<const char*>(octets.data()), octets.size()};
+}
+
+inline std::wstring TreeOf(const Octets& octets,
+                           const CSerializationContext& context = CSerializationContext::m_defaultContext) {
+  return TreeOf(View(octets), context);
+}
+
+inline Octets ToOctets(const CBinaryData& data) {
   return Octets(data.GetData(), data.GetData() + data.GetLength());
 }
 
 // What `calls` writes between the start and the end of a document, both included.
 template <class Calls>
-Octets Write(const RkXmlLib16::CFastInfosetContext& context, Calls&& calls,
-             RkXmlLib16::FInfoDecl declaration = RkXmlLib16::FInfoDecl_None) {
-  RkXmlLib16::CBinaryStream stream;
-  RkXmlLib16::CFastInfosetWriter writer(context, stream);
+Octets Write(const CFastInfosetContext& context, Calls&& calls,
+             FInfoDecl declaration = FInfoDecl_None) {
+  CBinaryStream stream;
+  CFastInfosetWriter writer(context, stream);
   writer.Open();
   writer.WriteStartDocument(declaration);
   calls(writer);
@@ -60,15 +68,10 @@ Octets Write(const RkXmlLib16::CFastInfosetContext& context, Calls&& calls,
   return ToOctets(stream.GetBinaryStream());
 }
 
-// A tree as text: {namespace}name[attribute=value,...](text)<children>.
-std::wstring Describe(const RkXmlLib16::CXmlElement* root);
-// The same of a document in octets, which may be XML text; what a reader throws passes.
-std::wstring DescribeOctets(Octets octets);
-
 // Reads a Fast Infoset document bit by bit, as ITU-T X.891 Annex C lays it out, and checks what makes it readable
 // everywhere: indices within their tables, no literal for a name or URI that is in its table, names only by declared
 // prefixes, terminators in pairs, alphabets padded with ones, well-formed UTF-8, no add bit on numbers whose text
-// readers disagree about. Returns the tree in the form of Describe; throws std::runtime_error with what is wrong.
+// readers disagree about. Returns the tree in the form of TreeOf; or "wrong: " and what is wrong.
 std::wstring Check(const Octets& octets);
 
 }  // namespace RkXmlTest

@@ -1,6 +1,5 @@
 // Choices, all groups and inline groups: what is read, what is given back, and what an attempt leaves behind.
 #include <algorithm>
-#include <memory>
 
 #include "Expect.h"
 #include "fixtures/Records.h"
@@ -132,41 +131,40 @@ TEST_F(ContentModelTest, InlineGroupsReadFromThePlaceOfTheirOwner) {
   const auto owner = [&](CElementInfo* record, Table::Initial initial = nullptr) {
     auto* info = new CParentElementInfo(kSequence, kOwn, L"r", L"", /*strictAttributes=*/false, false, -1,
                                         ItemType_none, nullptr, false);
-    return std::make_unique<Table>(info, std::vector<CElementInfo*>{record, Prim<CElementInfoSeqPrimOpt>(L"z", 1)},
-                                   std::vector<CAttributeInfo*>{}, std::vector<Table::Initial>{std::move(initial)});
+    return Table(info, {record, Prim<CElementInfoSeqPrimOpt>(L"z", 1)}, {}, {std::move(initial)});
   };
   const auto mandatory = [&](const Table& member, bool required) {
     return owner(MandatoryCls(L"g", 0, 0, kInline, required), NewChild(member));
   };
   Classes() = {&group, &loose};
-  const auto required = mandatory(group, true);
-  const auto notRequired = mandatory(loose, false);
-  const auto optional = owner(Cls(L"g", 0, 0, kInline));
-  const auto repeated = owner(new CElementInfoSeqClsCol(L"g", L"", 0, kInline), [](RkVariant& value) {
+  const Table required = mandatory(group, true);
+  const Table notRequired = mandatory(loose, false);
+  const Table optional = owner(Cls(L"g", 0, 0, kInline));
+  const Table repeated = owner(new CElementInfoSeqClsCol(L"g", L"", 0, kInline), [](RkVariant& value) {
     value.SetXmlCollection(new CTableCol(L"g", L"", 0, -1, CreateClass, 0, kInline));
   });
   const Rows<const Table&, CSerializationContext, Wide, std::wstring> rows = {
-      {*required, With(), L"<a>1</a><b>2</b><z>3</z>", L"<r><a>1</a><b>2</b><z>3</z></r>"},
-      {*required, With(), L"<z>3</z>", Missing(L"g")},
-      {*required, With(), L"", Missing(L"g")},
-      {*required, With(), L"<a>1</a><z>3</z>", Missing(L"g")},
-      {*notRequired, With(), L"<a>1</a><z>3</z>", L"<r><a>1</a><z>3</z></r>"},
-      {*notRequired, With(), L"<z>3</z>", L"<r><z>3</z></r>"},
-      {*notRequired, With(), L"<x/><a>1</a>", Unread(L"x")},
-      {*notRequired, With(kUnknownElements), L"<x/><a>1</a>", L"<r><a>1</a></r>"},
-      {*optional, With(), L"<a>1</a><b>2</b>", L"<r><a>1</a><b>2</b></r>"},
-      {*optional, With(), L"<z>3</z>", L"<r><z>3</z></r>"},
-      {*optional, With(), L"<a>1</a>", Unread(L"a")},
-      {*repeated, With(), L"<a>1</a><b>2</b><a>3</a><b>4</b><z>5</z>",
+      {required, With(), L"<a>1</a><b>2</b><z>3</z>", L"<r><a>1</a><b>2</b><z>3</z></r>"},
+      {required, With(), L"<z>3</z>", Missing(L"g")},
+      {required, With(), L"", Missing(L"g")},
+      {required, With(), L"<a>1</a><z>3</z>", Missing(L"g")},
+      {notRequired, With(), L"<a>1</a><z>3</z>", L"<r><a>1</a><z>3</z></r>"},
+      {notRequired, With(), L"<z>3</z>", L"<r><z>3</z></r>"},
+      {notRequired, With(), L"<x/><a>1</a>", Unread(L"x")},
+      {notRequired, With(kUnknownElements), L"<x/><a>1</a>", L"<r><a>1</a></r>"},
+      {optional, With(), L"<a>1</a><b>2</b>", L"<r><a>1</a><b>2</b></r>"},
+      {optional, With(), L"<z>3</z>", L"<r><z>3</z></r>"},
+      {optional, With(), L"<a>1</a>", Unread(L"a")},
+      {repeated, With(), L"<a>1</a><b>2</b><a>3</a><b>4</b><z>5</z>",
        L"<r><a>1</a><b>2</b><a>3</a><b>4</b><z>5</z></r>"},
-      {*repeated, With(), L"<a>1</a><b>2</b><a>3</a>", Unread(L"a")},
-      {*repeated, With(), L"", L"<r/>"},
+      {repeated, With(), L"<a>1</a><b>2</b><a>3</a>", Unread(L"a")},
+      {repeated, With(), L"", L"<r/>"},
   };
   for (const auto& [table, context, content, outcome] : rows) EXPECT_WIDE_EQ(outcome, Content(table, content, context));
-  EXPECT_EQ(nullptr, (*Read(*optional, L"<r><z>3</z></r>"))[0].GetXmlObject().Get());
+  EXPECT_EQ(nullptr, (*Read(optional, L"<r><z>3</z></r>"))[0].GetXmlObject().Get());
 
   // The attributes of the group stand on the owner's element.
-  for (const Table* table : {required.get(), optional.get(), repeated.get()})
+  for (const Table* table : {&required, &optional, &repeated})
     EXPECT_WIDE_EQ(L"<r q=\"7\"><a>1</a><b>2</b></r>", Write(*Read(*table, L"<r q='7'><a>1</a><b>2</b></r>")));
 }
 
@@ -268,17 +266,16 @@ TEST_F(ContentModelTest, InlineAbstractMembersReadInPlace) {
 
 TEST_F(ContentModelTest, WildcardsObeyNameAndNamespace) {
   const auto table = [](CElementInfo* record, Table::Initial initial) {
-    return std::make_unique<Table>(ClassInfo(kSequence, L"r"), std::vector<CElementInfo*>{record},
-                                   std::vector<CAttributeInfo*>{}, std::vector<Table::Initial>{std::move(initial)});
+    return Table(ClassInfo(kSequence, L"r"), {record}, {}, {std::move(initial)});
   };
   const Table::Initial element = [](RkVariant& value) {
     value.SetXmlObject(new CElement(L"w", L"", L"##other", L"urn:t"));
   };
   const Table::Initial elements = [](RkVariant& value) { value.SetXmlCollection(new CElementCol(L"w", L"", 0, -1)); };
-  const auto any = table(new CElementInfoSeqUntpdMnd(L"AnyElement", L"urn:n", 0, L"##other", L"urn:t"), element);
-  const auto named = table(new CElementInfoSeqUntpdMnd(L"w", L"urn:n", 0, L"##other", L"urn:t"), element);
-  const auto optional = table(new CElementInfoSeqUntpdOpt(L"w", L"", 0, L"##other", L"urn:t"), nullptr);
-  const auto namedMany = table(new CElementInfoSeqUntpdCol(L"w", L"", 0), elements);
+  const Table any = table(new CElementInfoSeqUntpdMnd(L"AnyElement", L"urn:n", 0, L"##other", L"urn:t"), element);
+  const Table named = table(new CElementInfoSeqUntpdMnd(L"w", L"urn:n", 0, L"##other", L"urn:t"), element);
+  const Table optional = table(new CElementInfoSeqUntpdOpt(L"w", L"", 0, L"##other", L"urn:t"), nullptr);
+  const Table namedMany = table(new CElementInfoSeqUntpdCol(L"w", L"", 0), elements);
   const std::wstring w = L"<w xmlns=\"urn:w\"/>";
   const std::wstring ofTarget = L"<w xmlns=\"urn:t\"/>";
   const std::wstring other = L"<v xmlns=\"urn:w\"/>";
@@ -286,13 +283,13 @@ TEST_F(ContentModelTest, WildcardsObeyNameAndNamespace) {
   const auto reads = [](const Table& t, const std::wstring& content) {
     return Thrown([&] { Read(t, (L"<r>" + content + L"</r>").c_str()); });
   };
-  EXPECT_WIDE_EQ(L"nothing", reads(*any, w));
-  EXPECT_WIDE_EQ(L"nothing", reads(*any, other));
-  EXPECT_WIDE_EQ(notFound, reads(*any, ofTarget));
-  EXPECT_WIDE_EQ(notFound, reads(*named, other));
-  EXPECT_WIDE_EQ(L"nothing", reads(*optional, w));
-  EXPECT_NE(L"nothing", reads(*optional, other));
-  EXPECT_NE(L"nothing", reads(*optional, ofTarget));
-  EXPECT_EQ(2, (*Read(*namedMany, (L"<r>" + w + w + L"</r>").c_str()))[0].GetXmlCollection()->GetCount());
-  EXPECT_NE(L"nothing", reads(*namedMany, w + other));
+  EXPECT_WIDE_EQ(L"nothing", reads(any, w));
+  EXPECT_WIDE_EQ(L"nothing", reads(any, other));
+  EXPECT_WIDE_EQ(notFound, reads(any, ofTarget));
+  EXPECT_WIDE_EQ(notFound, reads(named, other));
+  EXPECT_WIDE_EQ(L"nothing", reads(optional, w));
+  EXPECT_NE(L"nothing", reads(optional, other));
+  EXPECT_NE(L"nothing", reads(optional, ofTarget));
+  EXPECT_EQ(2, (*Read(namedMany, (L"<r>" + w + w + L"</r>").c_str()))[0].GetXmlCollection()->GetCount());
+  EXPECT_NE(L"nothing", reads(namedMany, w + other));
 }

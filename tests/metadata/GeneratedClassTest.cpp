@@ -148,22 +148,20 @@ TEST_F(GeneratedClassTest, AttributesAreCheckedAsTheirRecordsSay) {
 }
 
 TEST_F(GeneratedClassTest, AttributeWildcardTakesWhatItsConstraintAdmits) {
-  const auto table = [](const wchar_t* constraint, Table::Initial initial) {
-    return std::make_unique<Table>(
-        ClassInfo(kSequence, L"r"), std::vector<CElementInfo*>{},
-        std::vector<CAttributeInfo*>{Attribute(L"q", 0, true),
-                                     new CAttributeInfoAny(L"any", L"", 1, true, constraint, L"urn:t", nullptr)},
-        std::vector<Table::Initial>{nullptr, std::move(initial)});
+  const auto table = [](Wide constraint, Table::Initial initial) {
+    return Table(ClassInfo(kSequence, L"r"), {},
+                 {Attribute(L"q", 0, true), new CAttributeInfoAny(L"any", L"", 1, true, constraint, L"urn:t", nullptr)},
+                 {nullptr, std::move(initial)});
   };
   const Table::Initial attributes = [](RkVariant& value) { value.SetXmlCollection(new CAttributeCol); };
   EXPECT_WIDE_EQ(L"<r q=\"1\" z=\"2\" xmlns:AA=\"urn:f\" AA:y=\"3\"/>",
-                 Outcome(*table(L"##other", attributes), L"<r z='2' q='1' f:y='3' xmlns:f='urn:f'/>"));
+                 Outcome(table(L"##other", attributes), L"<r z='2' q='1' f:y='3' xmlns:f='urn:f'/>"));
   EXPECT_WIDE_EQ(L"<r xmlns:AA=\"urn:f\" AA:y=\"3\"/>",
-                 Outcome(*table(L"urn:e urn:f", attributes), L"<r f:y='3' xmlns:f='urn:f'/>"));
+                 Outcome(table(L"urn:e urn:f", attributes), L"<r f:y='3' xmlns:f='urn:f'/>"));
   EXPECT_WIDE_EQ(L"CRkException: Unexpected Attribute found.\nPath: /r/@t:y",
-                 Outcome(*table(L"##other", attributes), L"<r t:y='3' xmlns:t='urn:t'/>"));
+                 Outcome(table(L"##other", attributes), L"<r t:y='3' xmlns:t='urn:t'/>"));
   EXPECT_WIDE_EQ(kNotRead + L"Serialization Data Error : The collection should be a CAttributeCol, it was not!",
-                 Outcome(*table(L"##any", nullptr), L"<r z='2'/>"));
+                 Outcome(table(L"##any", nullptr), L"<r z='2'/>"));
 }
 
 TEST_F(GeneratedClassTest, NilObjectsHaveNoContent) {

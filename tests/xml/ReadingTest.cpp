@@ -13,35 +13,11 @@
 #include "RkXmlLib16/xml/XmlTextWriter.h"
 #include "support/SmallStack.h"
 #include "support/TempFile.h"
+#include "support/Tree.h"
 
 using namespace RkXmlTest;
 
 namespace {
-
-void LoadBytes(CXmlDocument& document, const std::string& bytes) {
-  document.LoadXmlStream(reinterpret_cast<unsigned char*>(const_cast<char*>(bytes.data())), bytes.size());
-}
-
-// The tree as one text: {uri}name[@{uri}name=value...](text)<children>.
-std::wstring Shown(const CXmlElement* element) {
-  const auto name = [](const CXmlText& uri, const CXmlText& local) {
-    return (uri.empty() ? std::wstring() : L"{" + uri.ToString() + L"}") + local.ToString();
-  };
-  std::wstring text = name(element->GetNamespaceURI(), element->GetLocalName());
-  for (const CXmlAttribute* a : element->GetAttributes())
-    text += L"@" + name(a->GetNamespaceURI(), a->GetLocalName()) + L"=" + a->GetValue().ToString();
-  text += L"(" + element->GetText().ToString() + L")";
-  for (const CXmlElement* e = element->GetFirstElement(); e != nullptr; e = e->GetNextSiblingElement())
-    text += L"<" + Shown(e) + L">";
-  return text;
-}
-
-std::wstring Read(const std::string& bytes,
-                  const CSerializationContext& context = CSerializationContext::m_defaultContext) {
-  CXmlDocument document(context);
-  LoadBytes(document, bytes);
-  return Shown(document.GetDocumentElement());
-}
 
 TEST(Reading, BuildsTheTree) {
   CSerializationContext raw;
@@ -67,12 +43,12 @@ TEST(Reading, BuildsTheTree) {
       {"<!DOCTYPE a [<!ENTITY e 'x<b/>'><!ATTLIST a d CDATA 'dv' e CDATA ''>]><a>&e;</a>", L"a@d=dv@e=(x)<b()>"},
       {"<!DOCTYPE a [<!ENTITY e SYSTEM 'file:///etc/passwd'>]><a>1&e;2</a>", L"a(12)"},
   };
-  for (const auto& row : rows) EXPECT_WIDE_EQ(row.tree, Read(row.xml, row.context)) << row.xml;
+  for (const auto& row : rows) EXPECT_WIDE_EQ(row.tree, TreeOf(row.xml, row.context)) << row.xml;
 }
 
 TEST(Reading, LaterAliasesWin) {
   CXmlDocument document;
-  LoadBytes(document, "<a xmlns='u1' xmlns:p='u2'><b xmlns:p='u3' xmlns=''/><p:c/></a>");
+  Load(document, "<a xmlns='u1' xmlns:p='u2'><b xmlns:p='u3' xmlns=''/><p:c/></a>");
   EXPECT_WIDE_EQ(L"u3", document.LookupNamespaceFromAlias(L"p"));
   EXPECT_WIDE_EQ(L"", document.LookupNamespaceFromAlias(L""));
   EXPECT_WIDE_EQ(L"/a/c", document.GetDocumentElement()->GetFirstElement()->GetNextSiblingElement()->GetXPath());
@@ -98,7 +74,7 @@ TEST(Reading, TellsNamespacesApartWhereverTheParserKeepsThem) {
       const std::wstring n(local.begin(), local.end());
       tree += L"<{" + u + L"}" + n + L"()<{" + o + L"}" + n + L"()><{" + u + L"}n()>>";
     }
-    EXPECT_TRUE(tree == Read(xml + "</r>")) << uriLength;
+    EXPECT_TRUE(tree == TreeOf(xml + "</r>")) << uriLength;
   }
 }
 
@@ -106,7 +82,8 @@ TEST(Reading, RunsOfEveryLengthAreWidenedWhole) {
   std::string text;
   for (int length = 0; length < 100; ++length) {
     const std::wstring wide(text.begin(), text.end());
-    EXPECT_WIDE_EQ(L"a@v=" + wide + L"(" + wide + L"\xE9)", Read("<a v='" + text + "'>" + text + "&#13;\xC3\xA9</a>"));
+    EXPECT_WIDE_EQ(L"a@v=" + wide + L"(" + wide + L"\xE9)",
+                   TreeOf("<a v='" + text + "'>" + text + "&#13;\xC3\xA9</a>"));
     text += static_cast<char>('a' + length % 26);
   }
 }
@@ -121,7 +98,7 @@ TEST(Reading, LongInputIsReadAsOne) {
     tree += L"<e@a=\x20AC" + wide + L"(\xD83D\xDE00&" + wide + L")>";
   }
   const std::string longText(2000000, 't');
-  EXPECT_TRUE(L"r(" + std::wstring(longText.begin(), longText.end()) + L")" + tree == Read(xml + longText + "</r>"));
+  EXPECT_TRUE(L"r(" + std::wstring(longText.begin(), longText.end()) + L")" + tree == TreeOf(xml + longText + "</r>"));
 }
 
 TEST(Reading, AcceptsAllByteForms) {
@@ -132,7 +109,7 @@ TEST(Reading, AcceptsAllByteForms) {
     CRkZip::CompressData(data, type);
     CXmlDocument document;
     document.LoadXmlStream(data.GetData(), data.GetLength());
-    EXPECT_WIDE_EQ(tree, Shown(document.GetDocumentElement()));
+    EXPECT_WIDE_EQ(tree, TreeOf(document));
     if (type == CompressionType_None) continue;
     EXPECT_RK_THROWS(CRkException, L"not well-formed (invalid token) at line 1",
                      document.LoadXmlStream(data.GetData(), data.GetLength() - 1));
@@ -145,26 +122,26 @@ TEST(Reading, AcceptsAllByteForms) {
       bytes += bigEndian ? high : low;
       bytes += bigEndian ? low : high;
     }
-    EXPECT_WIDE_EQ(tree, Read(bytes));
+    EXPECT_WIDE_EQ(tree, TreeOf(bytes));
   }
 }
 
 TEST(Reading, TextEndsAtANulThatTheParserLetsThrough) {
   CXmlDocument document;
   document.LoadXml(L"<a>x\xD85B\x10000y<b>z</b></a>");
-  EXPECT_WIDE_EQ(L"a(x\xD85B)<b(z)>", Shown(document.GetDocumentElement()));
+  EXPECT_WIDE_EQ(L"a(x\xD85B)<b(z)>", TreeOf(document));
 }
 
 TEST(Reading, WideTextLosesHighBitsIntended) {
   CXmlDocument document;
   document.LoadXml(L"<a>\xE9\x1F600</a>");
-  EXPECT_WIDE_EQ(L"a(\xE9\xF600)", Shown(document.GetDocumentElement()));
+  EXPECT_WIDE_EQ(L"a(\xE9\xF600)", TreeOf(document));
   const std::wstring markup = std::wstring(L"<a>") + wchar_t(0x1003C) + L"b/></a>";
   document.LoadXml(markup.c_str());
-  EXPECT_WIDE_EQ(L"a()<b()>", Shown(document.GetDocumentElement()));
+  EXPECT_WIDE_EQ(L"a()<b()>", TreeOf(document));
   // The library's own stays whole.
   document.LoadXmlWide(L"<a>\xE9\x1F600\x1003C\x110000</a>");
-  EXPECT_WIDE_EQ(L"a(\xE9\xD83D\xDE00\xD800\xDC3C\xFFFD)", Shown(document.GetDocumentElement()));
+  EXPECT_WIDE_EQ(L"a(\xE9\xD83D\xDE00\xD800\xDC3C\xFFFD)", TreeOf(document));
 }
 
 TEST(Reading, DeclaredEncodingOfWideTextMustFitIntended) {
@@ -195,9 +172,9 @@ TEST(Reading, TellsWhatIsWrong) {
       {"<a>&lol;</a>", L"undefined entity at line 1"},
       {"<r>\n<a xmlns='u|v'/></r>", L"A namespace URI contains the character '|' at line 2"},
       {"<p:r xmlns:p='|'/>", L"A namespace URI contains the character '|' at line 1"}};
-  for (const auto& [xml, message] : rows) EXPECT_RK_THROWS(CRkException, message, LoadBytes(d, xml));
-  LoadBytes(d, "<ok/>");
-  EXPECT_WIDE_EQ(L"ok()", Shown(d.GetDocumentElement()));
+  for (const auto& [xml, message] : rows) EXPECT_RK_THROWS(CRkException, message, Load(d, xml));
+  Load(d, "<ok/>");
+  EXPECT_WIDE_EQ(L"ok()", TreeOf(d));
 }
 
 TEST(Reading, FilesThatCannotBeReadSayWhy) {
@@ -213,7 +190,7 @@ TEST(Reading, FilesThatCannotBeReadSayWhy) {
   const CTempFile file;
   std::ofstream(file.Path()) << "<a>1</a>";
   d.Load(file.Name().c_str());
-  EXPECT_WIDE_EQ(L"a(1)", Shown(d.GetDocumentElement()));
+  EXPECT_WIDE_EQ(L"a(1)", TreeOf(d));
   int pipe[2];
   ASSERT_EQ(0, ::pipe(pipe));
   const std::wstring pipeName = L"/dev/fd/" + std::to_wstring(pipe[0]);
@@ -227,14 +204,14 @@ TEST(Reading, FilesThatCannotBeReadSayWhy) {
 TEST(Reading, HoldsTheLimits) {
   CSerializationContext c;
   c.GetLimits().SetMaxElementDepth(2);
-  EXPECT_RK_THROWS(CRkException, L"Limit exceeded: element depth 2.\nPath: /a/b", Read("<a><b><c/></b></a>", c));
-  EXPECT_WIDE_EQ(L"a()<b()><b()>", Read("<a><b/><b/></a>", c));
+  EXPECT_RK_THROWS(CRkException, L"Limit exceeded: element depth 2.\nPath: /a/b", TreeOf("<a><b><c/></b></a>", c));
+  EXPECT_WIDE_EQ(L"a()<b()><b()>", TreeOf("<a><b/><b/></a>", c));
   c.GetLimits().SetMaxNodes(3);
   EXPECT_RK_THROWS(CRkException, L"Limit exceeded: elements and attributes 3.\nPath: /a",
-                   Read("<a x=''><b/><b/></a>", c));
+                   TreeOf("<a x=''><b/><b/></a>", c));
   c.GetLimits().SetMaxNodes(0);
   c.GetLimits().SetMaxCharacters(10);
-  EXPECT_RK_THROWS(CRkException, L"Limit exceeded: characters 10.\nPath: /a", Read("<a>1234567890</a>", c));
+  EXPECT_RK_THROWS(CRkException, L"Limit exceeded: characters 10.\nPath: /a", TreeOf("<a>1234567890</a>", c));
   c.GetLimits().SetMaxInflatedBytes(1000);
   CBinaryData data = CEncoder::UnicodeToUtf8Binary(L"<a>" + std::wstring(1000, L'x') + L"</a>");
   CRkZip::CompressData(data, CompressionType_GZip);
@@ -250,13 +227,13 @@ TEST(Reading, BoundsWhatADtdCanDo) {
     const std::string last = "&e" + std::to_string(depth) + ";";
     return xml + "]><a v='" + last + "'>" + last + "</a>";
   };
-  RunInSmallStack([&] { EXPECT_WIDE_EQ(L"a@v=x(x)", Read(nested(200))); });
-  EXPECT_RK_THROWS(CRkException, L"Limit exceeded: entities that refer to entities 200.", Read(nested(20000)));
+  RunInSmallStack([&] { EXPECT_WIDE_EQ(L"a@v=x(x)", TreeOf(nested(200))); });
+  EXPECT_RK_THROWS(CRkException, L"Limit exceeded: entities that refer to entities 200.", TreeOf(nested(20000)));
   // One long default on many elements is held once.
   std::string defaults = "<!DOCTYPE a [<!ATTLIST b x CDATA '" + std::string(100000, 'x') + "'>]><a>";
   for (int i = 0; i < 10000; ++i) defaults += "<b/>";
   CXmlDocument document;
-  LoadBytes(document, defaults + "</a>");
+  Load(document, defaults + "</a>");
   const CXmlElement* const b = document.GetDocumentElement()->GetFirstElement();
   EXPECT_EQ(100000u, b->GetAttribute(L"x", L"").size());
   EXPECT_EQ(b->GetAttribute(L"x", L"").data(), b->GetNextSiblingElement()->GetAttribute(L"x", L"").data());
@@ -294,11 +271,11 @@ TEST(Reading, FilterKeepsMemoryBounded) {
   });
   rusage before{};
   getrusage(RUSAGE_SELF, &before);
-  LoadBytes(document, xml);
+  Load(document, xml);
   rusage after{};
   getrusage(RUSAGE_SELF, &after);
   EXPECT_EQ(kRecords, seen);
-  EXPECT_WIDE_EQ(L"all()<keep()><keep(end)>", Shown(document.GetDocumentElement()));
+  EXPECT_WIDE_EQ(L"all()<keep()><keep(end)>", TreeOf(document));
 #ifndef __SANITIZE_ADDRESS__
   EXPECT_LT(after.ru_maxrss - before.ru_maxrss, 20 * 1024);  // kilobytes; the whole tree is over 200 MB
 #endif
@@ -312,9 +289,9 @@ TEST(Reading, FilterMayBuildAndCannotDropTheRoot) {
     if (parent != nullptr) parent->AppendText(element->GetText().c_str());
     return true;
   });
-  LoadBytes(document, "<a><b>1<c>2</c></b><d>3</d>4</a>");
+  Load(document, "<a><b>1<c>2</c></b><d>3</d>4</a>");
   EXPECT_EQ(4, seen);
-  EXPECT_WIDE_EQ(L"a(1234)", Shown(document.GetDocumentElement()));
+  EXPECT_WIDE_EQ(L"a(1234)", TreeOf(document));
 }
 
 }  // namespace
