@@ -169,15 +169,4 @@ TEST_F(EntryPoints, ExceptionsOfTheApplicationPassUnchanged) {
   EXPECT_THROW(probe.FromJson(L"{\"a\": 1}"), std::runtime_error);
 }
 
-TEST_F(EntryPoints, EmptyInputIsToldByItsKind) {
-  const CBinaryData empty;
-  EXPECT_RK_THROWS(CRkException, L"XML String is empty!", m_element.FromXml(L""));
-  EXPECT_RK_THROWS(CRkException, L"XML String is empty!", m_element.FromXml(static_cast<const char*>(nullptr)));
-  EXPECT_RK_THROWS(CRkException, L"XML Stream is empty!", m_element.FromXmlStream(empty));
-  EXPECT_RK_THROWS(CRkException, L"XML Stream is empty!", m_element.FromXmlStream(nullptr, 5));
-  EXPECT_RK_THROWS(CRkException, L"JSON String is empty!", m_element.FromJson(L""));
-  EXPECT_RK_THROWS(CRkException, L"JSON Stream is empty!", m_element.FromJsonStream(empty));
-  EXPECT_WIDE_EQ(kText, XmlOf(m_element));
-}
-
 }  // namespace

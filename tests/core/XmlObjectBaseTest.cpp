@@ -48,55 +48,49 @@ TEST(SmartPtr, CountsThroughEveryTransfer) {
   EXPECT_EQ(0, CCounted::live);
 }
 
-constexpr wchar_t kAlreadySet[] =
-    L"The Property [a] is already set. Only one element within this class bay be set at a time";
-
-// One call on a choice whose selected member is `selected`; `after` is null where `error` is thrown.
+// One call on a choice whose selected member is `selected`; `after` tells the member that is selected then, or the
+// failure.
 TEST(ChoiceHelpers, FollowTheSelectedMember) {
-  using Selected = std::wstring&;
-  const auto select = [](const wchar_t* name, bool set, Selected selected) {
+  using Call = void (*)(Wide name, bool set, std::wstring& selected);
+  const Call select = [](Wide name, bool set, std::wstring& selected) {
     CElement object;
     CXmlObjectBase::Choice_SelectElement(name, set ? &object : nullptr, selected);
   };
-  const auto valid = [](const wchar_t* name, bool set, Selected selected) {
+  const Call valid = [](Wide name, bool set, std::wstring& selected) {
     CXmlObjectBase::Choice_SetElementValid(set, name, selected);
   };
-  const auto changed = [](const wchar_t* name, bool set, Selected selected) {
+  const Call changed = [](Wide name, bool set, std::wstring& selected) {
     CXmlObjectBase::Choice_CollectionChanged(name, set ? 2 : 0, selected);
   };
-  const struct {
-    void (*call)(const wchar_t* name, bool set, Selected selected);
-    const wchar_t* name;
-    bool set;
-    const wchar_t *selected, *after;
-    const wchar_t* error = kAlreadySet;
-  } kRows[] = {
+  const Rows<Call, Wide, bool, Wide, std::wstring> rows = {
       {select, L"a", true, L"", L"a"},
       {select, L"a", false, L"", L"a"},
       {select, L"a", true, L"a", L"a"},
       {select, L"a", false, L"a", L""},
       {select, L"b", false, L"a", L"a"},
-      {select, L"b", true, L"a", nullptr},
+      {select, L"b", true, L"a", L"The Property [a]"},
       {valid, L"a", true, L"a", L"a"},
       {valid, L"b", false, L"a", L""},
-      {valid, L"b", true, L"a", nullptr,
-       L"The Property a is already set. Only one element within this class bay be set at a time"},
-      {valid, L"b", true, L"", nullptr,
-       L"The Property  is already set. Only one element within this class bay be set at a time"},
+      {valid, L"b", true, L"a", L"The Property a"},
+      {valid, L"b", true, L"", L"The Property "},
       {changed, L"a", false, L"a", L""},
       {changed, L"a", true, L"a", L"a"},
       {changed, L"a", true, L"", L"a"},
       {changed, L"a", false, L"", L""},
       {changed, L"b", false, L"a", L"a"},
-      {changed, L"b", true, L"a", nullptr},
+      {changed, L"b", true, L"a", L"The Property [a]"},
   };
-  for (const auto& row : kRows) {
-    std::wstring selected = row.selected;
-    if (row.after == nullptr)
-      EXPECT_RK_THROWS(CRkInvalidStateException, row.error, row.call(row.name, row.set, selected));
-    else
-      row.call(row.name, row.set, selected);
-    EXPECT_WIDE_EQ(row.after != nullptr ? row.after : row.selected, selected);
+  for (const auto& [call, name, set, before, after] : rows) {
+    std::wstring selected = before;
+    if (after.size() > 1) {
+      EXPECT_RK_THROWS(CRkInvalidStateException,
+                       after + L" is already set. Only one element within this class bay be set at a time",
+                       call(name, set, selected));
+      EXPECT_WIDE_EQ(before, selected);
+    } else {
+      call(name, set, selected);
+      EXPECT_WIDE_EQ(after, selected);
+    }
   }
 }
 

@@ -4,7 +4,6 @@
 #include "Octets.h"
 #include "RkXmlLib16/core/ReadLimits.h"
 #include "RkXmlLib16/core/SerializationContext.h"
-#include "RkXmlLib16/support/Zip.h"
 
 namespace RkXmlTest {
 namespace {
@@ -141,18 +140,6 @@ TEST(FastInfosetReader, PrefixesAreThoseOfTheDeclarations) {
   EXPECT_WIDE_EQ(L"p", document.LookupAliasFromNamespace(L"urn:p").View());
   EXPECT_WIDE_EQ(L"urn:d", document.LookupNamespaceFromAlias(L"").View());
   EXPECT_WIDE_EQ(L"p:a", document.GetDocumentElement()->GetQName());
-}
-
-TEST(FastInfosetReader, CompressedDocuments) {
-  Octets octets = FromHex("E0 00 00 01 00 3C 00 61 82 FF");  // a chunk of 258 octets
-  octets.insert(octets.end(), 258, 'x');
-  octets.push_back(0xFF);
-  for (const CompressionType compression : {CompressionType_GZip, CompressionType_ZLib}) {
-    CBinaryData data(octets.data(), octets.size(), /*copy=*/true);
-    CRkZip::CompressData(data, compression);
-    EXPECT_LT(data.GetLength(), octets.size());
-    EXPECT_WIDE_EQ(L"a(" + std::wstring(258, L'x') + L")", TreeOf(ToOctets(data)));
-  }
 }
 
 // Elements inside each other, as many as there are octets for; nothing recurses.

@@ -156,6 +156,7 @@ TEST(Reading, TellsWhatIsWrong) {
   EXPECT_RK_THROWS(CRkException, L"XML String is empty!", d.LoadXml(""));
   EXPECT_RK_THROWS(CRkException, L"XML String is empty!", d.LoadXml(L""));
   EXPECT_RK_THROWS(CRkException, L"XML String is empty!", d.LoadXml(static_cast<const wchar_t*>(nullptr)));
+  EXPECT_RK_THROWS(CRkException, L"XML String is empty!", d.LoadXmlWide(L""));
   EXPECT_RK_THROWS(CRkException, L"XML Stream is empty!", d.LoadXmlStream(nullptr, 0));
   EXPECT_RK_THROWS(CRkException, L"JSON String is empty!", d.LoadJson(""));
   EXPECT_RK_THROWS(CRkException, L"JSON String is empty!", d.LoadJson(L""));
