@@ -61,7 +61,7 @@ inline void ExpectThrown(const std::type_info& type, const std::wstring& message
 }  // namespace RkXmlTest
 
 // The expression throws exactly this class with exactly this message (GetMessage()).
-#define EXPECT_RK_THROWS(Class, message, expression)                                                   \
+#define EXPECT_THROWS(Class, message, expression)                                                      \
   do {                                                                                                 \
     try {                                                                                              \
       static_cast<void>(expression);                                                                   \
@@ -72,7 +72,7 @@ inline void ExpectThrown(const std::type_info& type, const std::wstring& message
   } while (false)
 
 // Two wide texts are equal; shows them narrow when they are not.
-#define EXPECT_WIDE_EQ(expected, actual) \
+#define EXPECT_TEXT(expected, actual) \
   EXPECT_EQ(::RkXmlTest::Narrow(std::wstring(expected)), ::RkXmlTest::Narrow(std::wstring(actual)))
 
 #endif

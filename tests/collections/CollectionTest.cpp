@@ -17,9 +17,8 @@ class CItem : public CElement {
   explicit CItem(wchar_t label) : m_label(label) { ++live; }
   ~CItem() override { --live; }
   wchar_t m_label;
-  static int live;
+  static inline int live = 0;
 };
-int CItem::live = 0;
 
 wchar_t LabelOf(const void* item) { return item != nullptr ? static_cast<const CItem*>(item)->m_label : L'0'; }
 
@@ -89,29 +88,29 @@ TEST_F(Collection, InsertsWhereAskedAndHoldsOneReference) {
   col.AddAfterItem(nullptr, New(L'<'));
   col.AddBeforeItem(b, New(L'B'));
   col.AddBeforeItem(nullptr, New(L'>'));
-  EXPECT_WIDE_EQ(L"<aBbc0d>", col.Labels());
+  EXPECT_TEXT(L"<aBbc0d>", col.Labels());
   col.Remove(3);
-  EXPECT_WIDE_EQ(L"<aBc0d>", col.Labels());
+  EXPECT_TEXT(L"<aBc0d>", col.Labels());
   EXPECT_EQ(6, CItem::live);
 }
 
 TEST_F(Collection, RefusesBadPositionsAndStaysAsItWas) {
   CItem loose(L'x');  // on the stack: a failed insertion may not take a reference
   for (const wchar_t label : {L'a', L'b', L'c'}) col.AppendItem(New(label));
-  EXPECT_RK_THROWS(CRkInvalidParamException, L"Index out of range", col.AddItemAt(-1, &loose));
-  EXPECT_RK_THROWS(CRkInvalidParamException, L"Index out of range", col.AddItemAt(4, &loose));
-  EXPECT_RK_THROWS(CRkInvalidParamException, L"Index 3 is out of range, use 0 - 3", col.GetNodeAtIndex(3));
-  EXPECT_RK_THROWS(CRkInvalidParamException, L"Index -1 is out of range, use 0 - 3", col.Remove(-1));
+  EXPECT_THROWS(CRkInvalidParamException, L"Index out of range", col.AddItemAt(-1, &loose));
+  EXPECT_THROWS(CRkInvalidParamException, L"Index out of range", col.AddItemAt(4, &loose));
+  EXPECT_THROWS(CRkInvalidParamException, L"Index 3 is out of range, use 0 - 3", col.GetNodeAtIndex(3));
+  EXPECT_THROWS(CRkInvalidParamException, L"Index -1 is out of range, use 0 - 3", col.Remove(-1));
   const wchar_t* const notFound = L"The object was not found in the collection";
-  EXPECT_RK_THROWS(CRkInvalidParamException, notFound, col.GetNodeForItem(&loose));
-  EXPECT_RK_THROWS(CRkInvalidParamException, notFound, col.RemoveNode(nullptr));
+  EXPECT_THROWS(CRkInvalidParamException, notFound, col.GetNodeForItem(&loose));
+  EXPECT_THROWS(CRkInvalidParamException, notFound, col.RemoveNode(nullptr));
   CListener listener(log);
   col.AddEventListener(&listener);
-  EXPECT_RK_THROWS(CRkInvalidParamException, L"Index out of range", col.AddItemAt(9, &loose));
-  EXPECT_WIDE_EQ(L"", log);
-  EXPECT_RK_THROWS(CRkInvalidParamException, notFound, col.AddAfterItem(&loose, &loose));
-  EXPECT_WIDE_EQ(L"addingx ", log);
-  EXPECT_WIDE_EQ(L"abc", col.Labels());
+  EXPECT_THROWS(CRkInvalidParamException, L"Index out of range", col.AddItemAt(9, &loose));
+  EXPECT_TEXT(L"", log);
+  EXPECT_THROWS(CRkInvalidParamException, notFound, col.AddAfterItem(&loose, &loose));
+  EXPECT_TEXT(L"addingx ", log);
+  EXPECT_TEXT(L"abc", col.Labels());
   col.RemoveEventListener(&listener);
 }
 
@@ -134,7 +133,7 @@ TEST_F(Collection, NotifiesInOrder) {
   for (const auto& row : kRows) {
     log.clear();
     row.change();
-    EXPECT_WIDE_EQ(row.expected, log);
+    EXPECT_TEXT(row.expected, log);
   }
   EXPECT_EQ(&col, listener.m_source);
   col.RemoveEventListener(&listener);
@@ -149,10 +148,10 @@ TEST_F(Collection, ListenersMayJoinAndLeaveDuringANotification) {
     col.AddEventListener(&third);
   };
   col.FireOnCollectionChange();
-  EXPECT_WIDE_EQ(L"1change 2change 3change ", log);
+  EXPECT_TEXT(L"1change 2change 3change ", log);
   log.clear();
   col.FireOnCollectionChange();
-  EXPECT_WIDE_EQ(L"3change ", log);
+  EXPECT_TEXT(L"3change ", log);
   col.RemoveEventListener(&third);
 }
 
@@ -172,10 +171,10 @@ TEST_F(Collection, ListenersMayChangeTheCollectionDuringANotification) {
   };
   listener.react = once([&] { col.Remove(0); });  // the very node whose removal is announced
   col.Remove(0);
-  EXPECT_WIDE_EQ(L"bc", col.Labels());
+  EXPECT_TEXT(L"bc", col.Labels());
   listener.react = once([&] { col.Clear(); });  // the index is no longer there when the item would be inserted
   CItem loose(L'x');
-  EXPECT_RK_THROWS(CRkInvalidParamException, L"Index out of range", col.AddItemAt(2, &loose));
+  EXPECT_THROWS(CRkInvalidParamException, L"Index out of range", col.AddItemAt(2, &loose));
   listener.react = [&](IEventSink::MsgType type) {
     if (type == IEventSink::MsgType_ItemAdded) col.Remove(0);  // the item goes before the notifications end
   };
@@ -193,7 +192,7 @@ TEST_F(Collection, DestructionIsSilentAndReleasesTheItems) {
     local.AppendItem(New(L'l'));
     local.AddEventListener(&listener);
   }
-  EXPECT_WIDE_EQ(L"", log);
+  EXPECT_TEXT(L"", log);
   EXPECT_EQ(1, CItem::live);
   EXPECT_EQ(1, kept->GetRefCount());
 }
@@ -220,7 +219,7 @@ TEST_F(Collection, ReadingByIndexFollowsEveryChange) {
 }
 
 TEST(CollectionCount, LimitsAreTestedMaximumFirst) {
-  EXPECT_RK_THROWS(
+  EXPECT_THROWS(
       CRkException,
       L"CXmlCollectionBase::GetTargetNamespace Should not be used from within a Collection (program logic error)",
       CItemCol(0, -1).GetTargetNamespace());
@@ -239,7 +238,7 @@ TEST(CollectionCount, LimitsAreTestedMaximumFirst) {
     for (int i = 0; i < count; ++i) col.AppendItem(nullptr);
     EXPECT_EQ(error == nullptr, col.IsValidCount(GetDefaultContext()));
     if (error != nullptr)
-      EXPECT_RK_THROWS(CRkValidationException, error, col.ValidateCount(GetDefaultContext()));
+      EXPECT_THROWS(CRkValidationException, error, col.ValidateCount(GetDefaultContext()));
     else
       col.ValidateCount(GetDefaultContext());
     EXPECT_TRUE(col.IsValidCount(lenient));

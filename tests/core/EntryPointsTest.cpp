@@ -30,24 +30,24 @@ class EntryPoints : public testing::Test {
 };
 
 TEST_F(EntryPoints, WriteTheDeclarationOfTheEncoding) {
-  EXPECT_WIDE_EQ(L"<?xml version=\"1.0\"?>\n" + std::wstring(kText), m_element.ToXml(true, false));
-  EXPECT_WIDE_EQ(kText, m_element.ToXml(false, false));
-  EXPECT_WIDE_EQ(L"<?xml version=\"1.0\"?>\r\n<a b=\"1\">\r\n\t<c>\x20AC</c>\r\n</a>\r\n",
-                 m_element.ToXml(true, true, EOLType_CRLF));
+  EXPECT_TEXT(L"<?xml version=\"1.0\"?>\n" + std::wstring(kText), m_element.ToXml(true, false));
+  EXPECT_TEXT(kText, m_element.ToXml(false, false));
+  EXPECT_TEXT(L"<?xml version=\"1.0\"?>\r\n<a b=\"1\">\r\n\t<c>\x20AC</c>\r\n</a>\r\n",
+              m_element.ToXml(true, true, EOLType_CRLF));
   EXPECT_EQ("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<a b=\"1\"><c>\xE2\x82\xAC</c></a>",
             Bytes(m_element.ToXmlStream(true, false)));
   EXPECT_EQ(sizeof(wchar_t) * (sizeof(kText) / sizeof(wchar_t) - 1),
             m_element.ToXmlStream(false, false, XmlEncoding_Wide).GetLength());
   m_ctx.SetIndentChars(L"  ");
-  EXPECT_WIDE_EQ(L"<a b=\"1\">\n  <c>\x20AC</c>\n</a>\n", m_element.ToXml(false, true, EOLType_LF, m_ctx));
+  EXPECT_TEXT(L"<a b=\"1\">\n  <c>\x20AC</c>\n</a>\n", m_element.ToXml(false, true, EOLType_LF, m_ctx));
 }
 
 TEST_F(EntryPoints, RefuseUnknownEncodingsAndLineEnds) {
   const wchar_t* const encoding = L"Unknown Encoding, select UTF-8 (contact our support team)";
-  EXPECT_RK_THROWS(CRkException, encoding, m_element.ToXmlStream(true, true, XmlEncoding_None));
-  EXPECT_RK_THROWS(CRkException, encoding, m_element.ToJsonStream(true, static_cast<XmlEncoding>(7)));
-  EXPECT_RK_THROWS(CRkException, L"Invalid EOL type.", m_element.ToXml(true, true, static_cast<EOLType>(2)));
-  EXPECT_RK_THROWS(CRkException, L"Invalid EOL type.", m_element.ToJson(true, static_cast<EOLType>(2)));
+  EXPECT_THROWS(CRkException, encoding, m_element.ToXmlStream(true, true, XmlEncoding_None));
+  EXPECT_THROWS(CRkException, encoding, m_element.ToJsonStream(true, static_cast<XmlEncoding>(7)));
+  EXPECT_THROWS(CRkException, L"Invalid EOL type.", m_element.ToXml(true, true, static_cast<EOLType>(2)));
+  EXPECT_THROWS(CRkException, L"Invalid EOL type.", m_element.ToJson(true, static_cast<EOLType>(2)));
 }
 
 TEST_F(EntryPoints, FilesHaveTheMarkOfTheirEncoding) {
@@ -73,22 +73,22 @@ TEST_F(EntryPoints, FilesCannotBeZlibAndFailuresNameTheFile) {
   CTempFile file;
   const std::wstring name = file.Name();
   const wchar_t* const message = L"ZLIB Compression only available for To Stream methods.";
-  EXPECT_RK_THROWS(
+  EXPECT_THROWS(
       CRkException, message,
       m_element.ToXmlFile(name.c_str(), true, true, XmlEncoding_UTF8, EOLType_LF, m_ctx, CompressionType_ZLib));
-  EXPECT_RK_THROWS(CRkException, message,
-                   m_element.ToJsonFile(name.c_str(), true, XmlEncoding_UTF8, EOLType_LF, m_ctx, CompressionType_ZLib));
-  EXPECT_RK_THROWS(CRkException, message,
-                   m_element.ToFastInfosetFile(name.c_str(), FInfoDecl_None, m_ctx, CompressionType_ZLib));
+  EXPECT_THROWS(CRkException, message,
+                m_element.ToJsonFile(name.c_str(), true, XmlEncoding_UTF8, EOLType_LF, m_ctx, CompressionType_ZLib));
+  EXPECT_THROWS(CRkException, message,
+                m_element.ToFastInfosetFile(name.c_str(), FInfoDecl_None, m_ctx, CompressionType_ZLib));
   EXPECT_FALSE(file.Exists());
   const wchar_t* const nowhere = L"Failed to write data to the file [/nowhere/x].";
   for (const bool direct : {false, true}) {
     AsyncToXmlFile(direct);
-    EXPECT_RK_THROWS(CRkException, nowhere, m_element.ToXmlFile(L"/nowhere/x"));
-    EXPECT_RK_THROWS(CRkException, nowhere, m_element.ToJsonFile(L"/nowhere/x"));
+    EXPECT_THROWS(CRkException, nowhere, m_element.ToXmlFile(L"/nowhere/x"));
+    EXPECT_THROWS(CRkException, nowhere, m_element.ToJsonFile(L"/nowhere/x"));
   }
-  EXPECT_RK_THROWS(CRkException, nowhere, m_element.ToFastInfosetFile(L"/nowhere/x"));
-  EXPECT_RK_THROWS(CRkException, L"Failed to open the file [/nowhere/x].", m_element.FromXmlFile(L"/nowhere/x"));
+  EXPECT_THROWS(CRkException, nowhere, m_element.ToFastInfosetFile(L"/nowhere/x"));
+  EXPECT_THROWS(CRkException, L"Failed to open the file [/nowhere/x].", m_element.FromXmlFile(L"/nowhere/x"));
 }
 
 TEST_F(EntryPoints, TextsAndFilesReadBack) {
@@ -105,7 +105,7 @@ TEST_F(EntryPoints, TextsAndFilesReadBack) {
   for (const auto& road : roads) {
     CElement element;
     road(element);
-    EXPECT_WIDE_EQ(kText, XmlOf(element));
+    EXPECT_TEXT(kText, XmlOf(element));
   }
 }
 
@@ -117,11 +117,11 @@ TEST_F(EntryPoints, ValuesKeepTheirPrefixesInEveryForm) {
   const std::wstring expected = L"<t xmlns:p=\"urn:p\"><x ref=\"p:b\"/></t>";
   CElement json, infoset;
   json.FromJson(target.ToJson().c_str());
-  EXPECT_WIDE_EQ(expected, XmlOf(json));
+  EXPECT_TEXT(expected, XmlOf(json));
   infoset.FromXmlStream(target.ToFastInfosetStream());
-  EXPECT_WIDE_EQ(expected, XmlOf(infoset));
+  EXPECT_TEXT(expected, XmlOf(infoset));
   m_ctx.GetJsonContext()->SetSupportRoundtrip(JsonRoundTrip_Markers);
-  EXPECT_WIDE_EQ(L"{\"t\": {\"x\": {\"@ref\": \"p:b\"}}}", target.ToJson(false, EOLType_LF, m_ctx));
+  EXPECT_TEXT(L"{\"t\": {\"x\": {\"@ref\": \"p:b\"}}}", target.ToJson(false, EOLType_LF, m_ctx));
 }
 
 // Sees the settings that reach it, and fails as it is told to.
@@ -155,10 +155,10 @@ TEST_F(EntryPoints, JsonErrorsShowTheXmlText) {
     ADD_FAILURE() << "nothing thrown";
   } catch (const CRkException& e) {
     const std::wstring prefix = L"Error converting JSON to XML:\n";
-    EXPECT_WIDE_EQ(prefix, e.GetMessage().substr(0, prefix.size()));
+    EXPECT_TEXT(prefix, e.GetMessage().substr(0, prefix.size()));
     EXPECT_NE(std::wstring::npos, e.GetMessage().find(L"<a>\x20AC</a>"));
     ASSERT_NE(nullptr, e.GetInnerException());
-    EXPECT_WIDE_EQ(L"Invalid Namespace [].", e.GetInnerException()->GetMessage());
+    EXPECT_TEXT(L"Invalid Namespace [].", e.GetInnerException()->GetMessage());
   }
 }
 

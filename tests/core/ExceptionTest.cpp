@@ -8,18 +8,18 @@
 using namespace RkXmlTest;
 
 TEST(Exception, AppendsOnlyANonEmptyPathToTheMessage) {
-  EXPECT_WIDE_EQ(L"m", CRkException(L"m", L"").GetMessage());
+  EXPECT_TEXT(L"m", CRkException(L"m", L"").GetMessage());
   const CRkException e(L"Failed to process the element.", L"/Order/Line");
-  EXPECT_WIDE_EQ(L"Failed to process the element.\nPath: /Order/Line", e.GetMessage());
-  EXPECT_WIDE_EQ(L"/Order/Line", e.GetPath());
+  EXPECT_TEXT(L"Failed to process the element.\nPath: /Order/Line", e.GetMessage());
+  EXPECT_TEXT(L"/Order/Line", e.GetPath());
 }
 
 TEST(Exception, FullMessageHasOneMessagePerLineOutermostFirst) {
   const CRkInvalidValueException first(L"first");
   const CRkInvalidStateException second(L"second", first);
   const CRkValidationException third(L"third", L"", second);
-  EXPECT_WIDE_EQ(L"third\nsecond\nfirst", third.GetFullMessage());
-  EXPECT_WIDE_EQ(L"first", first.GetFullMessage());
+  EXPECT_TEXT(L"third\nsecond\nfirst", third.GetFullMessage());
+  EXPECT_TEXT(L"first", first.GetFullMessage());
   const CRkException& inner = *third.GetInnerException();
   EXPECT_EQ(typeid(CRkInvalidStateException), typeid(inner));
 }
@@ -27,10 +27,10 @@ TEST(Exception, FullMessageHasOneMessagePerLineOutermostFirst) {
 TEST(Exception, ACopyOfACopyDoesNotRepeatThePathSuffix) {
   const CRkValidationException inner(L"m", L"/a");
   const CRkException copy(inner);
-  EXPECT_WIDE_EQ(L"m\nPath: /a", copy.GetMessage());
+  EXPECT_TEXT(L"m\nPath: /a", copy.GetMessage());
   const CRkInvalidParamException other(copy);
-  EXPECT_WIDE_EQ(L"m\nPath: /a", other.GetMessage());
-  EXPECT_WIDE_EQ(L"/a", other.GetPath());
+  EXPECT_TEXT(L"m\nPath: /a", other.GetMessage());
+  EXPECT_TEXT(L"/a", other.GetPath());
 }
 
 TEST(Exception, AssignmentKeepsTheTargetsPathAndItsOldInnerExceptionAliveIntended) {
@@ -38,15 +38,15 @@ TEST(Exception, AssignmentKeepsTheTargetsPathAndItsOldInnerExceptionAliveIntende
   const CRkException* oldInner = target.GetInnerException();
   target = CRkException(L"new", L"/new", CRkException(L"new inner"));
   target = CRkException(L"newest", L"/newest");
-  EXPECT_WIDE_EQ(L"newest", target.GetMessage().substr(0, 6));
-  EXPECT_WIDE_EQ(L"/old", target.GetPath());
+  EXPECT_TEXT(L"newest", target.GetMessage().substr(0, 6));
+  EXPECT_TEXT(L"/old", target.GetPath());
   EXPECT_EQ(nullptr, target.GetInnerException());
-  EXPECT_WIDE_EQ(L"old inner", oldInner->GetMessage());
+  EXPECT_TEXT(L"old inner", oldInner->GetMessage());
   target = *&target;
-  EXPECT_WIDE_EQ(L"/old", target.GetPath());
+  EXPECT_TEXT(L"/old", target.GetPath());
   // However often: what was replaced is freed without a level of the stack for each.
   for (int i = 0; i < 200000; ++i) target = CRkException(L"again", L"", CRkException(L"inner"));
-  EXPECT_WIDE_EQ(L"again\ninner", target.GetFullMessage());
+  EXPECT_TEXT(L"again\ninner", target.GetFullMessage());
 }
 
 template <class T>
@@ -61,7 +61,7 @@ TYPED_TEST(ExceptionClass, ClonesItsOwnClassWithMessagePathAndInner) {
   const std::unique_ptr<const CRkException> owned(e.Clone());
   const CRkException& clone = *owned;
   EXPECT_EQ(typeid(TypeParam), typeid(clone));
-  EXPECT_WIDE_EQ(L"m\nPath: /p", clone.GetMessage());
+  EXPECT_TEXT(L"m\nPath: /p", clone.GetMessage());
   ASSERT_NE(nullptr, clone.GetInnerException());
   EXPECT_NE(e.GetInnerException(), clone.GetInnerException());
   const CRkException& inner = *clone.GetInnerException();

@@ -17,16 +17,16 @@ TEST(SerializationContext, IgnoresUnknownOrMissingElementsButNotBoth) {
       L"can not ignore both\nSet ";
   CSerializationContext ctx;
   ctx.SetIgnoreUnknownElements(true);
-  EXPECT_RK_THROWS(CRkInvalidStateException,
-                   both + L"IgnoreUnknownElements to false before setting IgnoreMissingMandatoryElements to true",
-                   ctx.SetIgnoreMissingMandatoryElements(true));
+  EXPECT_THROWS(CRkInvalidStateException,
+                both + L"IgnoreUnknownElements to false before setting IgnoreMissingMandatoryElements to true",
+                ctx.SetIgnoreMissingMandatoryElements(true));
   EXPECT_FALSE(ctx.GetIgnoreMissingMandatoryElements());
   ctx.SetIgnoreMissingMandatoryElements(false);
   ctx.SetIgnoreUnknownElements(false);
   ctx.SetIgnoreMissingMandatoryElements(true);
-  EXPECT_RK_THROWS(CRkInvalidStateException,
-                   both + L"IgnoreMissingMandatoryElements to false before setting IgnoreUnknownElements to true",
-                   ctx.SetIgnoreUnknownElements(true));
+  EXPECT_THROWS(CRkInvalidStateException,
+                both + L"IgnoreMissingMandatoryElements to false before setting IgnoreUnknownElements to true",
+                ctx.SetIgnoreUnknownElements(true));
   EXPECT_FALSE(ctx.GetIgnoreUnknownElements());
 }
 
@@ -34,13 +34,12 @@ TEST(SerializationContext, IndentsWithTabsAndBlanksOnly) {
   CSerializationContext ctx;
   ctx.SetIndentChars(L"  \t");
   for (const wchar_t* bad : {L"ab", L" \n", L" \x3000"}) {
-    EXPECT_RK_THROWS(CRkInvalidParamException,
-                     L"IndentChars can only contain Whitespace characters, i.e. \\t or spaces",
-                     ctx.SetIndentChars(bad));
-    EXPECT_WIDE_EQ(L"  \t", ctx.GetIndentChars());
+    EXPECT_THROWS(CRkInvalidParamException, L"IndentChars can only contain Whitespace characters, i.e. \\t or spaces",
+                  ctx.SetIndentChars(bad));
+    EXPECT_TEXT(L"  \t", ctx.GetIndentChars());
   }
   ctx.SetIndentChars(nullptr);
-  EXPECT_WIDE_EQ(L"", ctx.GetIndentChars());
+  EXPECT_TEXT(L"", ctx.GetIndentChars());
 }
 
 TEST(SerializationContext, CopiesShareTheirWorkingObjectsAndNothingElse) {
@@ -69,13 +68,13 @@ TEST(NamespaceAliasMap, KeepsOneAliasForANamespaceInTheirOrder) {
   map.Add(L"y", L"urn:1");
   map.Add(L"x", L"urn:2");
   EXPECT_EQ(2, map.GetNamespaceCount());
-  EXPECT_WIDE_EQ(L"urn:1", map.GetNamespaceAt(0));
-  EXPECT_WIDE_EQ(L"x", map.GetAliasFromNamespace(L"urn:2"));
+  EXPECT_TEXT(L"urn:1", map.GetNamespaceAt(0));
+  EXPECT_TEXT(L"x", map.GetAliasFromNamespace(L"urn:2"));
   EXPECT_FALSE(map.DoesAliasExist(L"z"));
   map.Add(L"x", L"urn:1");
-  EXPECT_WIDE_EQ(L"urn:1", map.GetNamespaceFromAlias(L"x"));
-  EXPECT_RK_THROWS(CRkException, L"Namespace alias [q] not found", map.GetNamespaceFromAlias(L"q"));
-  EXPECT_RK_THROWS(CRkInvalidParamException, L"Index out of range", map.GetNamespaceAt(2));
+  EXPECT_TEXT(L"urn:1", map.GetNamespaceFromAlias(L"x"));
+  EXPECT_THROWS(CRkException, L"Namespace alias [q] not found", map.GetNamespaceFromAlias(L"q"));
+  EXPECT_THROWS(CRkInvalidParamException, L"Index out of range", map.GetNamespaceAt(2));
   map.RemoveNamespace(L"urn:1");
   map.RemoveNamespace(L"urn:none");
   EXPECT_EQ(1, map.GetNamespaceCount());
@@ -84,7 +83,7 @@ TEST(NamespaceAliasMap, KeepsOneAliasForANamespaceInTheirOrder) {
 TEST(NamespaceAliasMap, AskingForAnAliasAddsTheNamespaceIntended) {
   const CNamespaceAliasMap map;
   EXPECT_FALSE(map.DoesNamespaceExist(L"urn:new"));
-  EXPECT_WIDE_EQ(L"", map.GetAliasFromNamespace(L"urn:new"));
+  EXPECT_TEXT(L"", map.GetAliasFromNamespace(L"urn:new"));
   EXPECT_EQ(1, map.GetNamespaceCount());
   EXPECT_TRUE(map.DoesNamespaceExist(L"urn:new"));
 }

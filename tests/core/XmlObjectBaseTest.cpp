@@ -16,9 +16,8 @@ class CCounted : public CElement {
  public:
   CCounted() { ++live; }
   ~CCounted() override { --live; }
-  static int live;
+  static inline int live = 0;
 };
-int CCounted::live = 0;
 
 TEST(XmlObjectBase, TheLastReleaseDeletes) {
   auto* const object = new CCounted;
@@ -83,13 +82,13 @@ TEST(ChoiceHelpers, FollowTheSelectedMember) {
   for (const auto& [call, name, set, before, after] : rows) {
     std::wstring selected = before;
     if (after.size() > 1) {
-      EXPECT_RK_THROWS(CRkInvalidStateException,
-                       after + L" is already set. Only one element within this class bay be set at a time",
-                       call(name, set, selected));
-      EXPECT_WIDE_EQ(before, selected);
+      EXPECT_THROWS(CRkInvalidStateException,
+                    after + L" is already set. Only one element within this class bay be set at a time",
+                    call(name, set, selected));
+      EXPECT_TEXT(before, selected);
     } else {
       call(name, set, selected);
-      EXPECT_WIDE_EQ(after, selected);
+      EXPECT_TEXT(after, selected);
     }
   }
 }
@@ -101,20 +100,20 @@ TEST(ChoiceHelpers, ReadACollectionOnceAndCheckItsCount) {
   CXmlElement* current = root->GetFirstElement();
   long itemsRead = 0;
   CElementCol col(L"a", L"", 0, 1, L"##local", L"");
-  EXPECT_RK_THROWS(CRkValidationException, L"The Maximum number of [a] elements allowed in this collection is 1",
-                   CXmlObjectBase::Choice_Read_Collection(&col, root, current, itemsRead, GetDefaultContext()));
+  EXPECT_THROWS(CRkValidationException, L"The Maximum number of [a] elements allowed in this collection is 1",
+                CXmlObjectBase::Choice_Read_Collection(&col, root, current, itemsRead, GetDefaultContext()));
   EXPECT_EQ(0, itemsRead);
-  EXPECT_WIDE_EQ(L"b", current->GetLocalName().c_str());
+  EXPECT_TEXT(L"b", current->GetLocalName().c_str());
   CXmlObjectBase::Choice_Read_Collection(&col, root, current, itemsRead, GetDefaultContext());
   EXPECT_EQ(0, itemsRead);  // nothing consumed, nothing checked
 }
 
 TEST(SetterGuards, NameWhatIsWrong) {
   CElement e(L"actual");
-  EXPECT_RK_THROWS(CRkInvalidParamException, L"The Property [P] is mandatory, it may node be NULL",  // sic
-                   CXmlObjectBase::Throw_IfPropertyIsNull(nullptr, L"P"));
+  EXPECT_THROWS(CRkInvalidParamException, L"The Property [P] is mandatory, it may node be NULL",  // sic
+                CXmlObjectBase::Throw_IfPropertyIsNull(nullptr, L"P"));
   CXmlObjectBase::Throw_IfPropertyIsNull(&e, L"P");
-  EXPECT_RK_THROWS(
+  EXPECT_THROWS(
       CRkInvalidParamException,
       L"This property requires an element with the name Actual the element being set has the element name actual",
       CXmlObjectBase::Throw_IfElementNameDiffers(&e, L"Actual"));

@@ -32,7 +32,7 @@ TEST(FastInfosetBinaryData, SingleValuesBothWays) {
     SCOPED_TRACE(Narrow(text));
     const CFastInfosetBinaryData data = Encoded(algorithm, text);
     EXPECT_EQ(octets, ToHex(ToOctets(data)));
-    EXPECT_WIDE_EQ(text, data.GetAsString(algorithm));
+    EXPECT_TEXT(text, data.GetAsString(algorithm));
   }
   EXPECT_EQ("C3 A9", ToHex(ToOctets(Encoded(10, L"\u00E9"))));
   EXPECT_EQ("00 11 22 33 44 55 66 77 88 99 AA BB CC DD EE FF",
@@ -64,23 +64,23 @@ TEST(FastInfosetBinaryData, ListsAreReadWithOneBlankBetween) {
       {6, "", L""},
   };
   for (const auto& [algorithm, octets, text] : rows)
-    EXPECT_WIDE_EQ(text, Holding(octets).GetAsString(algorithm)) << octets;
+    EXPECT_TEXT(text, Holding(octets).GetAsString(algorithm)) << octets;
 }
 
 TEST(FastInfosetBinaryData, Failures) {
   const Rows<unsigned long, std::wstring> numbers = {{3, L"SHORT"}, {4, L"INT"},    {5, L"LONG"},
                                                      {7, L"FLOAT"}, {8, L"DOUBLE"}, {9, L"UUID"}};
   for (const auto& [algorithm, name] : numbers)
-    EXPECT_RK_THROWS(CRkException, L"Invalid value for " + name + L" byte encoding.",
-                     Holding("01 02 03").GetAsString(algorithm));
+    EXPECT_THROWS(CRkException, L"Invalid value for " + name + L" byte encoding.",
+                  Holding("01 02 03").GetAsString(algorithm));
   for (const unsigned long algorithm : {0, 10, 11})
-    EXPECT_RK_THROWS(CRkException, L"Unknown byte encoding.", Holding("01 02 03").GetAsString(algorithm));
-  EXPECT_RK_THROWS(CRkException, L"Unknown byte encoding.", Encoded(11, L"1"));
-  EXPECT_RK_THROWS(CRkException, L"Invalid length in hex string", Encoded(1, L"ABC"));
-  EXPECT_RK_THROWS(CRkInvalidValueException, L"The value [32768] is to large to fit in a i2", Encoded(3, L"32768"));
-  EXPECT_RK_THROWS(CRkInvalidValueException, L"The value [3000000000] is to large to fit in a i4",
-                   Encoded(4, L"3000000000"));
-  EXPECT_RK_THROWS(CRkInvalidValueException, L"The value [1.x] can not be converted to a r8", Encoded(8, L"1.x"));
+    EXPECT_THROWS(CRkException, L"Unknown byte encoding.", Holding("01 02 03").GetAsString(algorithm));
+  EXPECT_THROWS(CRkException, L"Unknown byte encoding.", Encoded(11, L"1"));
+  EXPECT_THROWS(CRkException, L"Invalid length in hex string", Encoded(1, L"ABC"));
+  EXPECT_THROWS(CRkInvalidValueException, L"The value [32768] is to large to fit in a i2", Encoded(3, L"32768"));
+  EXPECT_THROWS(CRkInvalidValueException, L"The value [3000000000] is to large to fit in a i4",
+                Encoded(4, L"3000000000"));
+  EXPECT_THROWS(CRkInvalidValueException, L"The value [1.x] can not be converted to a r8", Encoded(8, L"1.x"));
 }
 
 }  // namespace

@@ -50,14 +50,11 @@ inline std::wstring TreeOf(const Octets& octets,
   return TreeOf(View(octets), context);
 }
 
-inline Octets ToOctets(const CBinaryData& data) {
-  return Octets(data.GetData(), data.GetData() + data.GetLength());
-}
+inline Octets ToOctets(const CBinaryData& data) { return Octets(data.GetData(), data.GetData() + data.GetLength()); }
 
 // What `calls` writes between the start and the end of a document, both included.
 template <class Calls>
-Octets Write(const CFastInfosetContext& context, Calls&& calls,
-             FInfoDecl declaration = FInfoDecl_None) {
+Octets Write(const CFastInfosetContext& context, Calls&& calls, FInfoDecl declaration = FInfoDecl_None) {
   CBinaryStream stream;
   CFastInfosetWriter writer(context, stream);
   writer.Open();

@@ -36,7 +36,7 @@ TEST(FastInfosetVocabulary, AppendingTakesANewIndexAndLookupTheFirst) {
   CFIVocabulary::AddValueToMap(L"c", table);
   std::wstring all;
   for (const auto& [text, number] : table) all += std::wstring(text) + std::to_wstring(number);
-  EXPECT_WIDE_EQ(L"a1b2a3c4", all);
+  EXPECT_TEXT(L"a1b2a3c4", all);
 }
 
 TEST(FastInfosetVocabulary, AFullTableTakesNoMore) {
@@ -58,8 +58,8 @@ TEST(FastInfosetContext, EncodingsByType) {
   EXPECT_EQ(FIStringEncoding_EncodingAlgorithm, copy.GetEncoding(ItemType_double).m_encoding);
   EXPECT_EQ(8u, copy.GetEncoding(ItemType_double).m_index);
   EXPECT_EQ(FIStringEncoding_None, copy.GetEncoding(ItemType_duration).m_encoding);
-  EXPECT_RK_THROWS(CRkInvalidParamException, L"Invalid encoding index [27]", context.GetEncoding(27));
-  EXPECT_RK_THROWS(CRkInvalidParamException, L"Invalid encoding index [-1]", context.SetEncoding(-1, {}));
+  EXPECT_THROWS(CRkInvalidParamException, L"Invalid encoding index [27]", context.GetEncoding(27));
+  EXPECT_THROWS(CRkInvalidParamException, L"Invalid encoding index [-1]", context.SetEncoding(-1, {}));
 }
 
 }  // namespace

@@ -12,7 +12,7 @@ namespace {
 using Calls = std::function<void(CFastInfosetWriter&)>;
 
 // Every document written here has to pass the checker and to read to the tree that the checker sees.
-void ExpectReadable(const Octets& octets) { EXPECT_WIDE_EQ(Check(octets), TreeOf(octets)) << ToHex(octets); }
+void ExpectReadable(const Octets& octets) { EXPECT_TEXT(Check(octets), TreeOf(octets)) << ToHex(octets); }
 
 void ExpectOctets(const std::string& hex, const Calls& calls, const CFastInfosetContext& context = {}) {
   const Octets octets = Write(context, calls);
@@ -208,13 +208,13 @@ TEST(FastInfosetWriter, Headers) {
   for (int declaration = 1; declaration <= 9; ++declaration) {
     const Octets octets = Write(CFastInfosetContext(), a, static_cast<FInfoDecl>(declaration));
     EXPECT_EQ(0, std::string(octets.begin(), octets.end()).compare(0, 6, "<?xml ")) << declaration;
-    EXPECT_WIDE_EQ(L"a()", TreeOf(octets));
+    EXPECT_TEXT(L"a()", TreeOf(octets));
     ExpectReadable(octets);
   }
   const Octets last = Write(CFastInfosetContext(), a, FInfoDecl_Version11StandaloneNo);
   EXPECT_EQ("<?xml version='1.1' encoding='finf' standalone='no'?>", std::string(last.begin(), last.begin() + 53));
-  EXPECT_RK_THROWS(CRkInvalidParamException, L"Invalid Fast Infoset declaration [10]",
-                   Write(CFastInfosetContext(), a, static_cast<FInfoDecl>(10)));
+  EXPECT_THROWS(CRkInvalidParamException, L"Invalid Fast Infoset declaration [10]",
+                Write(CFastInfosetContext(), a, static_cast<FInfoDecl>(10)));
 
   CFastInfosetContext context;
   context.SetUseGeneratedVocabulary(true);
@@ -277,23 +277,23 @@ TEST(FastInfosetWriter, EncodingsThatCannotBeWritten) {
     return Write(context, [&](CFastInfosetWriter& w) { Replay(w, asAttribute ? L"<a @b=12>" : L"<a '12'>"); });
   };
   for (const bool asAttribute : {true, false}) {
-    EXPECT_RK_THROWS(CRkException,
-                     L"Failed to write FastInfoset. Unsupported Feature UTF16BE in EncodedCharacterStringBit5.",
-                     write(FIStringEncoding_UTF16BE, 0, asAttribute));
-    EXPECT_RK_THROWS(CRkException, L"Failed to write FastInfoset. Invalid Restricted Alphabet value [3]",
-                     write(FIStringEncoding_RestrictedAlphabet, 3, asAttribute));
-    EXPECT_RK_THROWS(CRkException, L"Failed to write FastInfoset. Invalid Encoding Algorithm value [11]",
-                     write(FIStringEncoding_EncodingAlgorithm, 11, asAttribute));
+    EXPECT_THROWS(CRkException,
+                  L"Failed to write FastInfoset. Unsupported Feature UTF16BE in EncodedCharacterStringBit5.",
+                  write(FIStringEncoding_UTF16BE, 0, asAttribute));
+    EXPECT_THROWS(CRkException, L"Failed to write FastInfoset. Invalid Restricted Alphabet value [3]",
+                  write(FIStringEncoding_RestrictedAlphabet, 3, asAttribute));
+    EXPECT_THROWS(CRkException, L"Failed to write FastInfoset. Invalid Encoding Algorithm value [11]",
+                  write(FIStringEncoding_EncodingAlgorithm, 11, asAttribute));
   }
-  EXPECT_RK_THROWS(CRkException, L"Failed to write FastInfoset. Unknown encoding in EncodedCharacterStringBit5.",
-                   write(static_cast<FIStringEncoding>(9), 0, true));
-  EXPECT_RK_THROWS(CRkException, L"Failed to write FastInfoset. Unknown encoding in EncodedCharacterStringBit7.",
-                   write(static_cast<FIStringEncoding>(9), 0, false));
+  EXPECT_THROWS(CRkException, L"Failed to write FastInfoset. Unknown encoding in EncodedCharacterStringBit5.",
+                write(static_cast<FIStringEncoding>(9), 0, true));
+  EXPECT_THROWS(CRkException, L"Failed to write FastInfoset. Unknown encoding in EncodedCharacterStringBit7.",
+                write(static_cast<FIStringEncoding>(9), 0, false));
   CFastInfosetContext suggested;
   suggested.SetSuggestedValues();
   for (const ItemType type : {ItemType_decimal, ItemType_integer, ItemType_unsignedLong})
-    EXPECT_RK_THROWS(CRkException, L"Failed to write FastInfoset. Invalid character not found for Restricted Alphabet.",
-                     Write(suggested, [type](CFastInfosetWriter& w) { WriteBoth(w, L"a", L"1,5", type); }));
+    EXPECT_THROWS(CRkException, L"Failed to write FastInfoset. Invalid character not found for Restricted Alphabet.",
+                  Write(suggested, [type](CFastInfosetWriter& w) { WriteBoth(w, L"a", L"1,5", type); }));
   suggested.SetEncoding(ItemType_string, suggested.GetEncoding(ItemType_decimal));
   ExpectOctets(
       "7C 00 61 78 00 62 42 31 2C 35 F0 92 00 31 2C 35 FF", [](auto& w) { WriteBoth(w, L"a", L"1,5"); }, suggested);
@@ -308,12 +308,12 @@ TEST(FastInfosetWriter, AlphabetsSayWhatTheyLack) {
   std::vector<unsigned char> octets;
   CFastInfosetWriter::AppendRestrictedAlphabetString(FIRestrictedAlphabet_Numeric, L"-1.5e 2", octets);
   EXPECT_EQ("A1 C5 DE 2F", ToHex(octets));
-  EXPECT_RK_THROWS(CRkException, L"Failed to write FastInfoset. Invalid character not found for Restricted Alphabet.",
-                   CFastInfosetWriter::AppendRestrictedAlphabetString(FIRestrictedAlphabet_Numeric, L"1,5", octets));
-  EXPECT_RK_THROWS(CRkException, L"Failed to write FastInfoset. Unsupported Feature in AppendRestrictedAlphabetString.",
-                   CFastInfosetWriter::AppendRestrictedAlphabetString(FIRestrictedAlphabet_Numeric, L"", octets));
-  EXPECT_RK_THROWS(CRkException, L"Failed to write FastInfoset. Invalid Restricted Alphabet value [0]",
-                   CFastInfosetWriter::AppendRestrictedAlphabetString(0, L"1", octets));
+  EXPECT_THROWS(CRkException, L"Failed to write FastInfoset. Invalid character not found for Restricted Alphabet.",
+                CFastInfosetWriter::AppendRestrictedAlphabetString(FIRestrictedAlphabet_Numeric, L"1,5", octets));
+  EXPECT_THROWS(CRkException, L"Failed to write FastInfoset. Unsupported Feature in AppendRestrictedAlphabetString.",
+                CFastInfosetWriter::AppendRestrictedAlphabetString(FIRestrictedAlphabet_Numeric, L"", octets));
+  EXPECT_THROWS(CRkException, L"Failed to write FastInfoset. Invalid Restricted Alphabet value [0]",
+                CFastInfosetWriter::AppendRestrictedAlphabetString(0, L"1", octets));
   EXPECT_EQ("A1 C5 DE 2F", ToHex(octets));
 }
 
@@ -327,15 +327,15 @@ TEST(FastInfosetWriter, OrderOfCalls) {
     Replay(w, L"'' 'x'");
   });
   for (const wchar_t* script : {L"<a 't' @b=1>", L"<a <c> @b=1>", L"<a '' @b=1>"})
-    EXPECT_RK_THROWS(CRkException, L"Attributes must be added before elements",
-                     Write(CFastInfosetContext(), [&](CFastInfosetWriter& w) { Replay(w, script); }));
+    EXPECT_THROWS(CRkException, L"Attributes must be added before elements",
+                  Write(CFastInfosetContext(), [&](CFastInfosetWriter& w) { Replay(w, script); }));
   const CFastInfosetContext context;
   CBinaryStream stream;
   CFastInfosetWriter w(context, stream);
   EXPECT_THROW(w.WriteString(L"outside", ItemType_string), CRkException);
   EXPECT_THROW(w.WriteEndElement(), CRkException);
   w.WriteStartElement(L"a", L"");
-  EXPECT_RK_THROWS(CRkException, L"An Element has not been closed.", w.Close());
+  EXPECT_THROWS(CRkException, L"An Element has not been closed.", w.Close());
   w.WriteEndElement();
   w.Close();
 }

@@ -60,27 +60,27 @@ std::wstring Events(const std::wstring& json, const wchar_t* rootName = L"") {
   reader.SetJsonReaderHandler(&recorder);
   reader.SetRootElementName(rootName);
   reader.Read();
-  EXPECT_WIDE_EQ(L"$", reader.GetErrorPathProvider()->GetPath());
+  EXPECT_TEXT(L"$", reader.GetErrorPathProvider()->GetPath());
   return recorder.events;
 }
 
 TEST(JsonTextReader, ReportsEventsInOrder) {
-  EXPECT_WIDE_EQ(L"({a=[1 {b='x' }[]T ]c=N d=F })",
-                 Events(L" { \"a\" : [ 1 , { \"b\" : \"x\" } , [ ] , true ] ,\r\n\t\"c\":null,\"d\":false } rest"));
-  EXPECT_WIDE_EQ(L"('s' )", Events(L"\"s\""));
-  EXPECT_WIDE_EQ(L"()", Events(L" \n"));
+  EXPECT_TEXT(L"({a=[1 {b='x' }[]T ]c=N d=F })",
+              Events(L" { \"a\" : [ 1 , { \"b\" : \"x\" } , [ ] , true ] ,\r\n\t\"c\":null,\"d\":false } rest"));
+  EXPECT_TEXT(L"('s' )", Events(L"\"s\""));
+  EXPECT_TEXT(L"()", Events(L" \n"));
   for (const wchar_t* number : {L"0", L"-0", L"10", L"-1.50", L"1e5", L"1E+05", L"0.1e-2"})
-    EXPECT_WIDE_EQ(L"([" + std::wstring(number) + L" ])", Events(L"[" + std::wstring(number) + L"]"));
+    EXPECT_TEXT(L"([" + std::wstring(number) + L" ])", Events(L"[" + std::wstring(number) + L"]"));
 }
 
 TEST(JsonTextReader, ReportsARootElementNameAroundTheValue) {
-  EXPECT_WIDE_EQ(L"({o={a=1 }})", Events(L"{\"a\":1}", L"o"));
-  EXPECT_WIDE_EQ(L"<o><a>1</a></o>", Flat(L"{\"a\":1}", {JsonRoundTrip_Namespaces, L"o"}));
-  EXPECT_WIDE_EQ(L"<o>x</o>", Flat(L"\"x\"", {JsonRoundTrip_Namespaces, L"o"}));
+  EXPECT_TEXT(L"({o={a=1 }})", Events(L"{\"a\":1}", L"o"));
+  EXPECT_TEXT(L"<o><a>1</a></o>", Flat(L"{\"a\":1}", {JsonRoundTrip_Namespaces, L"o"}));
+  EXPECT_TEXT(L"<o>x</o>", Flat(L"\"x\"", {JsonRoundTrip_Namespaces, L"o"}));
 }
 
 TEST(JsonTextReader, ResolvesEscapes) {
-  EXPECT_WIDE_EQ(L"('\"\\/\b\f\n\r\tA\u00e9' )", Events(L"\"\\\"\\\\\\/\\b\\f\\n\\r\\t\\u0041\\u00E9\""));
+  EXPECT_TEXT(L"('\"\\/\b\f\n\r\tA\u00e9' )", Events(L"\"\\\"\\\\\\/\\b\\f\\n\\r\\t\\u0041\\u00E9\""));
   const Rows<Wide, Wide> kRows = {
       {L"\\uD83D\\uDE00", L"\U0001F600"}, {L"\\ud83d", L"\uFFFD"},
       {L"\\ud83dx", L"\uFFFDx"},          {L"\\ude00\\ud83d", L"\uFFFD\uFFFD"},
@@ -88,7 +88,7 @@ TEST(JsonTextReader, ResolvesEscapes) {
       {L"\\ud83d\\n", L"\uFFFD\n"},
   };
   for (const auto& [json, text] : kRows)
-    EXPECT_WIDE_EQ(std::wstring(L"('") + text + L"' )", Events(std::wstring(L"\"") + json + L"\""));
+    EXPECT_TEXT(std::wstring(L"('") + text + L"' )", Events(std::wstring(L"\"") + json + L"\""));
 }
 
 TEST(JsonTextReader, MalformedTextFailsWithPlaceAndPath) {
@@ -135,16 +135,16 @@ TEST(JsonTextReader, MalformedTextFailsWithPlaceAndPath) {
     FindReplace(message, L"?", L"Expected Value '{', '[', '\"', '0-9', '-', 'true', 'false' or 'null'");
     FindReplace(message, L"EOF", L"Unexpected End of File");
     if (place != nullptr) message += std::wstring(L" at line ") + place;
-    EXPECT_RK_THROWS(CRkValidationException, message + L".\nPath: $" + path, Convert(json));
+    EXPECT_THROWS(CRkValidationException, message + L".\nPath: $" + path, Convert(json));
   }
   EXPECT_THROW(Convert(std::wstring(L"{\"a\":\0}", 7)), CRkValidationException);
 }
 
 TEST(JsonTextReader, NamesAndValuesThatXmlCannotHoldFail) {
   for (const wchar_t* name : {L"b c", L"1b", L"b/", L"b><c", L":b", L"b:", L"b:c:d", L"-b", L"b\u00d7", L"\u2028"})
-    EXPECT_RK_THROWS(CRkInvalidStateException,
-                     FormatString(L"Failed to convert name '%ls' to Element name in XML.\nPath: $.a.%ls", name, name),
-                     Convert(std::wstring(L"{\"a\":{\"") + name + L"\":[]}}"));
+    EXPECT_THROWS(CRkInvalidStateException,
+                  FormatString(L"Failed to convert name '%ls' to Element name in XML.\nPath: $.a.%ls", name, name),
+                  Convert(std::wstring(L"{\"a\":{\"") + name + L"\":[]}}"));
   const Rows<Wide, Wide, Wide, Wide> kRows = {
       {LR"({"a":{"@b c":"v"}})", L"v", L"Attribute", L".a.@b c"},
       {LR"({"a":{"@b":"\u0001"}})", L"\x01", L"Attribute", L".a.@b"},
@@ -158,7 +158,7 @@ TEST(JsonTextReader, NamesAndValuesThatXmlCannotHoldFail) {
       {LR"({"a":1,"#text":"x"})", L"x", L"Element", L".#text"},
   };
   for (const auto& [json, value, target, path] : kRows)
-    EXPECT_RK_THROWS(
+    EXPECT_THROWS(
         CRkInvalidStateException,
         FormatString(L"Failed to convert value '%ls' to %ls string value in XML.\nPath: $%ls", value, target, path),
         Convert(json));
@@ -186,45 +186,45 @@ TEST(JsonTextReader, ConvertsTheShapesOfTheWriter) {
       {LR"({"r":"<![CDATA["})", L"<r>&lt;![CDATA[</r>"},
       {LR"({"r":"<x/>&#1;"})", L"<r>&lt;x/&gt;&amp;#1;</r>"},
   };
-  for (const auto& [json, xml] : kRows) EXPECT_WIDE_EQ(xml, Flat(json));
+  for (const auto& [json, xml] : kRows) EXPECT_TEXT(xml, Flat(json));
   EXPECT_THROW(Convert(L"[]"), CRkException);
-  EXPECT_WIDE_EQ(L"<r>\n\t<a>1</a>\n</r>\n", Convert(LR"({"r":{"a":1}})"));
+  EXPECT_TEXT(L"<r>\n\t<a>1</a>\n</r>\n", Convert(LR"({"r":{"a":1}})"));
 }
 
 TEST(JsonTextReader, PlainValuesBeyondTheFirstAreTextIntended) {
-  EXPECT_WIDE_EQ(L"<r><v>a</v>b<e>1</e></r>", Flat(L"{\"r\":{\"v\":[\"a\",\"b\"],\"e\":1}}"));
-  EXPECT_WIDE_EQ(L"<r><v>a</v>bc<e>1</e></r>", Flat(L"{\"r\":{\"v\":[\"a\",\"b\",null,\"c\"],\"e\":1}}"));
+  EXPECT_TEXT(L"<r><v>a</v>b<e>1</e></r>", Flat(L"{\"r\":{\"v\":[\"a\",\"b\"],\"e\":1}}"));
+  EXPECT_TEXT(L"<r><v>a</v>bc<e>1</e></r>", Flat(L"{\"r\":{\"v\":[\"a\",\"b\",null,\"c\"],\"e\":1}}"));
 }
 
 TEST(JsonTextReader, MarkersAreNamesInPlainModeIntended) {
   const Settings plain{JsonRoundTrip_Plain};
-  EXPECT_WIDE_EQ(L"<r><@a>1</@a><#text>t</#text></r>", Flat(L"{\"r\":{\"@a\":1,\"#text\":\"t\"}}", plain));
+  EXPECT_TEXT(L"<r><@a>1</@a><#text>t</#text></r>", Flat(L"{\"r\":{\"@a\":1,\"#text\":\"t\"}}", plain));
   for (const wchar_t* name : {L"@", L"@a b", L"@@a", L"#b", L"@a><b"})
-    EXPECT_RK_THROWS(CRkInvalidStateException,
-                     FormatString(L"Failed to convert name '%ls' to Element name in XML.\nPath: $.r.%ls", name, name),
-                     Convert(std::wstring(L"{\"r\":{\"") + name + L"\":1}}", plain));
-  EXPECT_WIDE_EQ(L"<r a=\"1\">t</r>", Flat(L"{\"r\":{\"@a\":1,\"#text\":\"t\"}}", {JsonRoundTrip_Markers}));
+    EXPECT_THROWS(CRkInvalidStateException,
+                  FormatString(L"Failed to convert name '%ls' to Element name in XML.\nPath: $.r.%ls", name, name),
+                  Convert(std::wstring(L"{\"r\":{\"") + name + L"\":1}}", plain));
+  EXPECT_TEXT(L"<r a=\"1\">t</r>", Flat(L"{\"r\":{\"@a\":1,\"#text\":\"t\"}}", {JsonRoundTrip_Markers}));
 }
 
 TEST(JsonTextReader, DepthIsLimitedToAHundredValues) {
   const auto nested = [](int depth) { return Repeat(depth - 1, L"{\"a\":") + L"{}" + Repeat(depth - 1, L"}"); };
   EXPECT_NO_THROW(Convert(nested(100)));
-  EXPECT_RK_THROWS(CRkValidationException,
-                   L"JSON exceeded depth limit at line 0, position 501.\nPath: $" + Repeat(100, L".a"),
-                   Convert(nested(101)));
+  EXPECT_THROWS(CRkValidationException,
+                L"JSON exceeded depth limit at line 0, position 501.\nPath: $" + Repeat(100, L".a"),
+                Convert(nested(101)));
   EXPECT_THROW(Convert(L"{\"a\":" + Repeat(1000000, L"[")), CRkValidationException);
 }
 
 TEST(JsonTextReader, CommentsStandWhereWhiteSpaceMay) {
   const Settings comments{JsonRoundTrip_Namespaces, L"", true};
-  EXPECT_WIDE_EQ(L"<r><a>1</a><b>/*x*/</b></r>",
-                 Flat(L"// one\n/* two\n*/{/**/\"r\"/*:*/:{//\n\"a\":1/*,*/,/***/\"b\":\"/*x*/\"}}// end", comments));
-  EXPECT_RK_THROWS(CRkValidationException,
-                   L"Expected quotation mark character '\"' before Name, found '/' at line 0, position 2.\nPath: $",
-                   Convert(L"{/ \"a\":1}", comments));
-  EXPECT_RK_THROWS(CRkValidationException,
-                   L"Unexpected End of File. Expected Object terminator character '}}' at line 1, position 2.\nPath: $",
-                   Convert(L"{/*\n /", comments));
+  EXPECT_TEXT(L"<r><a>1</a><b>/*x*/</b></r>",
+              Flat(L"// one\n/* two\n*/{/**/\"r\"/*:*/:{//\n\"a\":1/*,*/,/***/\"b\":\"/*x*/\"}}// end", comments));
+  EXPECT_THROWS(CRkValidationException,
+                L"Expected quotation mark character '\"' before Name, found '/' at line 0, position 2.\nPath: $",
+                Convert(L"{/ \"a\":1}", comments));
+  EXPECT_THROWS(CRkValidationException,
+                L"Unexpected End of File. Expected Object terminator character '}}' at line 1, position 2.\nPath: $",
+                Convert(L"{/*\n /", comments));
   EXPECT_THROW(Convert(L"{//x\n}"), CRkValidationException);
 }
 
@@ -233,8 +233,8 @@ TEST(JsonTextReader, RepeatingALongNameIsLimited) {
   context.GetLimits().SetExpansionRatioFrom(10000);
   context.GetLimits().SetMaxExpansionRatio(10);
   const std::wstring json = L"{\"r\":{\"" + Repeat(1000, L"n") + L"\":[{}" + Repeat(1000, L",{}") + L"]}}";
-  EXPECT_RK_THROWS(CRkException, L"Limit exceeded: expansion ratio 10.\nPath: $.r." + Repeat(1000, L"n") + L"[41]",
-                   CJsonTextReader::ConvertJsonToXml(json, context));
+  EXPECT_THROWS(CRkException, L"Limit exceeded: expansion ratio 10.\nPath: $.r." + Repeat(1000, L"n") + L"[41]",
+                CJsonTextReader::ConvertJsonToXml(json, context));
   context.GetLimits().SetMaxExpansionRatio(0);
   EXPECT_NO_THROW(CJsonTextReader::ConvertJsonToXml(json, context));
 }

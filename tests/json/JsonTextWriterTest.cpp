@@ -49,7 +49,7 @@ TEST(JsonTextWriter, WritesTheThreeRoundTripModes) {
            L"<order{urn:d} @id=#7 @lang{http://www.w3.org/XML/1998/namespace}=en <name{urn:p}'x'>"
            L"[ <item{urn:d} <n{urn:d} #1>> <item{urn:d} <n{urn:d} #2>> ]>");
   };
-  EXPECT_WIDE_EQ(
+  EXPECT_TEXT(
       LR"({
 	"order": {
 		"@xmlns": "urn:d",
@@ -68,10 +68,10 @@ TEST(JsonTextWriter, WritesTheThreeRoundTripModes) {
 	}
 })",
       Write({JsonRoundTrip_Namespaces, true}, order));
-  EXPECT_WIDE_EQ(LR"({"order": {"@id": 7,"@lang": "en","name": "x","item": [{"n": 1},{"n": 2}]}})",
-                 Write({JsonRoundTrip_Markers}, order));
-  EXPECT_WIDE_EQ(LR"({"order": {"id": 7,"lang": "en","name": "x","item": [{"n": 1},{"n": 2}]}})",
-                 Write({JsonRoundTrip_Plain}, order));
+  EXPECT_TEXT(LR"({"order": {"@id": 7,"@lang": "en","name": "x","item": [{"n": 1},{"n": 2}]}})",
+              Write({JsonRoundTrip_Markers}, order));
+  EXPECT_TEXT(LR"({"order": {"id": 7,"lang": "en","name": "x","item": [{"n": 1},{"n": 2}]}})",
+              Write({JsonRoundTrip_Plain}, order));
 }
 
 TEST(JsonTextWriter, UsesTheSettingsOfFormatting) {
@@ -79,14 +79,14 @@ TEST(JsonTextWriter, UsesTheSettingsOfFormatting) {
   CJsonTextWriter writer(stream);
   writer.SetIndentChars(L"  ");
   writer.SetEOLType(EOLType_CRLF);
-  EXPECT_RK_THROWS(CRkException, L"Invalid EOL type.", writer.SetEOLType(static_cast<EOLType>(2)));
+  EXPECT_THROWS(CRkException, L"Invalid EOL type.", writer.SetEOLType(static_cast<EOLType>(2)));
   writer.Open();
   writer.WriteStartDocument();
   Leaf(writer, L"r", L"a\nb");
   writer.WriteComment(L"c\n\"");
   writer.WriteEndDocument();
   writer.Close();
-  EXPECT_WIDE_EQ(L"{\r\n  \"r\": \"a\r\nb\"/* c\r\n\" */\r\n\r\n}", stream.GetText());
+  EXPECT_TEXT(L"{\r\n  \"r\": \"a\r\nb\"/* c\r\n\" */\r\n\r\n}", stream.GetText());
 }
 
 TEST(JsonTextWriter, TypesDecideAboutQuotes) {
@@ -119,37 +119,37 @@ TEST(JsonTextWriter, TypesDecideAboutQuotes) {
     const auto json = [&row](const wchar_t* quote) {
       return std::wstring(L"{\"r\": ") + quote + row.text + quote + L"}";
     };
-    EXPECT_WIDE_EQ(json(row.quoted ? L"\"" : L""), Write({}, calls));
-    EXPECT_WIDE_EQ(json(row.quotedWhenStrict ? L"\"" : L""), Write(kStrict, calls));
+    EXPECT_TEXT(json(row.quoted ? L"\"" : L""), Write({}, calls));
+    EXPECT_TEXT(json(row.quotedWhenStrict ? L"\"" : L""), Write(kStrict, calls));
   }
 }
 
 TEST(JsonTextWriter, StringsKeepQuotesBackslashesAndTabsIntended) {
   const std::wstring text = L"\"\\/\b\f\n\r\t\x01\x1F\x7F\u00E9";
   const auto calls = [&text](CJsonTextWriter& w) { Leaf(w, L"r", text.c_str()); };
-  EXPECT_WIDE_EQ(L"{\"r\": \"\"\\/\b\f\n\t\\u0001\\u001F\x7F\u00E9\"}", Write({}, calls));
-  EXPECT_WIDE_EQ(L"{\"r\": \"\\\"\\\\/\\b\\f\\n\\r\\t\\u0001\\u001F\x7F\u00E9\"}", Write(kStrict, calls));
+  EXPECT_TEXT(L"{\"r\": \"\"\\/\b\f\n\t\\u0001\\u001F\x7F\u00E9\"}", Write({}, calls));
+  EXPECT_TEXT(L"{\"r\": \"\\\"\\\\/\\b\\f\\n\\r\\t\\u0001\\u001F\x7F\u00E9\"}", Write(kStrict, calls));
 }
 
 TEST(JsonTextWriter, KeysAreNotEscapedIntended) {
-  EXPECT_WIDE_EQ(LR"({"a"b": "x"})", Write({}, L"<a\"b 'x'>"));
-  EXPECT_WIDE_EQ(LR"({"a\"b": "x"})", Write(kStrict, L"<a\"b 'x'>"));
+  EXPECT_TEXT(LR"({"a"b": "x"})", Write({}, L"<a\"b 'x'>"));
+  EXPECT_TEXT(LR"({"a\"b": "x"})", Write(kStrict, L"<a\"b 'x'>"));
 }
 
 TEST(JsonTextWriter, NothingIsAKeyWithoutValueIntended) {
   const wchar_t* const script = L"<r <a> <b ''> <c nil>>";
-  EXPECT_WIDE_EQ(LR"({"r": {"a": ,"b": null,"c": }})", Write({}, script));
-  EXPECT_WIDE_EQ(LR"({"r": {"a": {},"b": null,"c": {}}})", Write({JsonRoundTrip_Markers, false, true}, script));
-  EXPECT_WIDE_EQ(LR"({"c": {"@xmlns:AA": "http://www.w3.org/2001/XMLSchema-instance","@AA:nil": true}})",
-                 Write(kStrict, [](CJsonTextWriter& w) {
-                   Replay(w, L"<c nil>");
-                   w.WriteComment(L"gone");
-                 }));
+  EXPECT_TEXT(LR"({"r": {"a": ,"b": null,"c": }})", Write({}, script));
+  EXPECT_TEXT(LR"({"r": {"a": {},"b": null,"c": {}}})", Write({JsonRoundTrip_Markers, false, true}, script));
+  EXPECT_TEXT(LR"({"c": {"@xmlns:AA": "http://www.w3.org/2001/XMLSchema-instance","@AA:nil": true}})",
+              Write(kStrict, [](CJsonTextWriter& w) {
+                Replay(w, L"<c nil>");
+                w.WriteComment(L"gone");
+              }));
 }
 
 TEST(JsonTextWriter, EmptyTextBesideAttributesIsABareNullIntended) {
-  EXPECT_WIDE_EQ(LR"({"r": {"@a": "1"null}})", Write({}, L"<r @a=1 ''>"));
-  EXPECT_WIDE_EQ(LR"({"r": {"@a": "1"}})", Write(kStrict, L"<r @a=1 ''>"));
+  EXPECT_TEXT(LR"({"r": {"@a": "1"null}})", Write({}, L"<r @a=1 ''>"));
+  EXPECT_TEXT(LR"({"r": {"@a": "1"}})", Write(kStrict, L"<r @a=1 ''>"));
 }
 
 TEST(JsonTextWriter, ShapesOfTextAndCollections) {
@@ -175,13 +175,13 @@ TEST(JsonTextWriter, ShapesOfTextAndCollections) {
   for (const auto& [what, content, markers, plain] : kRows) {
     SCOPED_TRACE(what);
     const std::wstring script = std::wstring(L"<r ") + content + L">";
-    EXPECT_WIDE_EQ(std::wstring(L"{\"r\": ") + markers + L"}", Write({JsonRoundTrip_Markers}, script.c_str()));
-    EXPECT_WIDE_EQ(std::wstring(L"{\"r\": ") + plain + L"}", Write({JsonRoundTrip_Plain}, script.c_str()));
+    EXPECT_TEXT(std::wstring(L"{\"r\": ") + markers + L"}", Write({JsonRoundTrip_Markers}, script.c_str()));
+    EXPECT_TEXT(std::wstring(L"{\"r\": ") + plain + L"}", Write({JsonRoundTrip_Plain}, script.c_str()));
   }
 }
 
 TEST(JsonTextWriter, IndentsAnArrayAndWhatFollowsIt) {
-  EXPECT_WIDE_EQ(
+  EXPECT_TEXT(
       LR"({
 	"r": {
 		"i": [
@@ -203,14 +203,14 @@ TEST(JsonTextWriter, IndentsAnArrayAndWhatFollowsIt) {
 TEST(JsonTextWriter, AnArrayAtTheEndOfItsOwnerShiftsWhatFollowsIntended) {
   const wchar_t* const script = L"<r <g [<i <n #1>>]> <e #2>>";
   const std::wstring strict = Write({JsonRoundTrip_Markers, true, true}, script);
-  EXPECT_WIDE_EQ(L"\t\t},\n\t\t\"e\": 2\n\t}\n}", strict.substr(strict.size() - 18));
+  EXPECT_TEXT(L"\t\t},\n\t\t\"e\": 2\n\t}\n}", strict.substr(strict.size() - 18));
   const std::wstring shifted = Write({JsonRoundTrip_Markers, true}, script);
-  EXPECT_WIDE_EQ(L"\n\t\t\t]\n\t\t},\n\t\"e\": 2\n}\n}", shifted.substr(shifted.find(L"\n\t\t\t]")));
+  EXPECT_TEXT(L"\n\t\t\t]\n\t\t},\n\t\"e\": 2\n}\n}", shifted.substr(shifted.find(L"\n\t\t\t]")));
 }
 
 TEST(JsonTextWriter, NamespacesNeedAPrefixBelowTheRoot) {
-  EXPECT_WIDE_EQ(LR"({"AA:r": {"@xmlns:AA": "urn:r","AA:c": "x"}})", Write({}, L"<r{urn:r} <c{urn:r} 'x'>>"));
-  EXPECT_WIDE_EQ(
+  EXPECT_TEXT(LR"({"AA:r": {"@xmlns:AA": "urn:r","AA:c": "x"}})", Write({}, L"<r{urn:r} <c{urn:r} 'x'>>"));
+  EXPECT_TEXT(
       LR"({"r": {"@xmlns": "urn:r","@xmlns:xsi": "http://www.w3.org/2001/XMLSchema-instance",)"
       LR"("@xsi:type": "T","c": {"@xsi:type": "xsi:U"}}})",
       Write({}, [](CJsonTextWriter& w) {
@@ -219,9 +219,9 @@ TEST(JsonTextWriter, NamespacesNeedAPrefixBelowTheRoot) {
         Replay(w, L"<r{urn:r} :T{urn:r} <c :U{http://www.w3.org/2001/XMLSchema-instance}>>");
       }));
   for (const wchar_t* unknown : {L"<r <e{urn:x}>>", L"<r @e{urn:x}=v>", L"<r :e{urn:x}>"})
-    EXPECT_RK_THROWS(CRkException, L"Unknown Namespace: e.", Write({}, unknown));
-  EXPECT_RK_THROWS(CRkException, L"Unknown Namespace: type.", Write({}, L"<r :T>"));
-  EXPECT_WIDE_EQ(LR"({"r": {"@e": "v"}})", Write({JsonRoundTrip_Markers}, L"<r :e{urn:x} @e{urn:x}=v>"));
+    EXPECT_THROWS(CRkException, L"Unknown Namespace: e.", Write({}, unknown));
+  EXPECT_THROWS(CRkException, L"Unknown Namespace: type.", Write({}, L"<r :T>"));
+  EXPECT_TEXT(LR"({"r": {"@e": "v"}})", Write({JsonRoundTrip_Markers}, L"<r :e{urn:x} @e{urn:x}=v>"));
 }
 
 TEST(JsonTextWriter, MisuseThrows) {
@@ -230,7 +230,7 @@ TEST(JsonTextWriter, MisuseThrows) {
   writer.Open();
   for (const wchar_t* call : {L">", L"'x'", L"@a=x"}) EXPECT_THROW(Replay(writer, call), CRkException);
   writer.WriteStartElement(L"r", L"");
-  EXPECT_RK_THROWS(CRkException, L"An Element has not been closed.", writer.Close());
+  EXPECT_THROWS(CRkException, L"An Element has not been closed.", writer.Close());
 }
 
 }  // namespace

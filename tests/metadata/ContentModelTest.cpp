@@ -61,23 +61,23 @@ TEST_F(ContentModelTest, ChoiceTakesOneMember) {
       {With(kMissingChoice), L"<x/>", Unread(L"x")},
       {With(kMissingChoice, kUnknownElements), L"<x/>", L"<r/>"},
   };
-  for (const auto& [context, content, outcome] : rows) EXPECT_WIDE_EQ(outcome, Content(table, content, context));
+  for (const auto& [context, content, outcome] : rows) EXPECT_TEXT(outcome, Content(table, content, context));
 }
 
 TEST_F(ContentModelTest, EmptyChoiceNeedsAReason) {
   const auto record = [] { return Prim<CElementInfoChoicePrimOpt>(L"a", 0); };
   const Table strict(ClassInfo(kChoice, L"r"), {record()});
   const Table optional(ClassInfo(kChoice, L"r", kOwn, /*contentMayBeEmpty=*/true), {record()});
-  EXPECT_WIDE_EQ(L"<r/>", Write(*CTableClass::Create(strict), With(kMissingChoice)));
-  EXPECT_WIDE_EQ(L"<r/>", Write(*CTableClass::Create(optional)));
-  EXPECT_WIDE_EQ(L"<r/>", Content(optional, L""));
-  EXPECT_WIDE_EQ(Unread(L"x"), Content(optional, L"<x/>"));
+  EXPECT_TEXT(L"<r/>", Write(*CTableClass::Create(strict), With(kMissingChoice)));
+  EXPECT_TEXT(L"<r/>", Write(*CTableClass::Create(optional)));
+  EXPECT_TEXT(L"<r/>", Content(optional, L""));
+  EXPECT_TEXT(Unread(L"x"), Content(optional, L"<x/>"));
 
   // A choice inside a choice is read as optional.
   const Table inner(ClassInfo(kChoice, L"c"), {record()});
   const Table outer(ClassInfo(kChoice, L"r"), {Cls<CElementInfoChoiceClsOpt>(L"c", 0)});
   Classes() = {&inner};
-  EXPECT_WIDE_EQ(L"nothing", Thrown([&] { Read(outer, L"<r><c/></r>"); }));
+  EXPECT_TEXT(L"nothing", Thrown([&] { Read(outer, L"<r><c/></r>"); }));
 }
 
 TEST_F(ContentModelTest, ChoiceOfInlineGroupsTakesOnlyAWholeOne) {
@@ -86,13 +86,13 @@ TEST_F(ContentModelTest, ChoiceOfInlineGroupsTakesOnlyAWholeOne) {
   const Table table(ClassInfo(kChoice, L"r"), {Cls<CElementInfoChoiceClsOpt>(L"ab", 0, 0, kInline),
                                                Cls<CElementInfoChoiceClsOpt>(L"ac", 1, 1, kInline)});
   Classes() = {&ab, &ac};
-  EXPECT_WIDE_EQ(L"<r><a>1</a><b>2</b></r>", Content(table, L"<a>1</a><b>2</b>"));
-  EXPECT_WIDE_EQ(L"<r><a>1</a><c>2</c></r>", Content(table, L"<a>1</a><c>2</c>"));
-  EXPECT_WIDE_EQ(kNoChoice, Content(table, L"<a>1</a>"));
-  EXPECT_WIDE_EQ(kNoChoice, Content(table, L""));
+  EXPECT_TEXT(L"<r><a>1</a><b>2</b></r>", Content(table, L"<a>1</a><b>2</b>"));
+  EXPECT_TEXT(L"<r><a>1</a><c>2</c></r>", Content(table, L"<a>1</a><c>2</c>"));
+  EXPECT_TEXT(kNoChoice, Content(table, L"<a>1</a>"));
+  EXPECT_TEXT(kNoChoice, Content(table, L""));
   const auto object = Read(table, L"<r><a>1</a><c>2</c></r>");
   EXPECT_EQ(nullptr, (*object)[0].GetXmlObject().Get());  // the attempt is taken out again
-  EXPECT_WIDE_EQ(L"Member1", object->GetSelected());
+  EXPECT_TEXT(L"Member1", object->GetSelected());
 }
 
 TEST_F(ContentModelTest, RepeatingChoiceGathersItsMembers) {
@@ -102,11 +102,11 @@ TEST_F(ContentModelTest, RepeatingChoiceGathersItsMembers) {
   const auto create = [](int, const wchar_t*) -> Object { return new CRepeatingChoice(group); };
   const Table table(ClassInfo(kSequence, L"r"), {new CElementInfoSeqClsOpt(L"g", L"", 0, kInline, create, 0),
                                                  Prim<CElementInfoSeqPrimOpt>(L"z", 1)});
-  EXPECT_WIDE_EQ(L"<r><a>1</a><a>4</a><b>2</b><b>3</b><b>5</b><z>6</z></r>",
-                 Content(table, L"<a>1</a><b>2</b><b>3</b><a>4</a><b>5</b><z>6</z>"));
-  EXPECT_WIDE_EQ(L"<r><z>6</z></r>", Content(table, L"<z>6</z>"));
-  EXPECT_WIDE_EQ(kNotRead + L"The Maximum number of [a] elements allowed in this collection is 3",
-                 Content(table, L"<a>1</a><b>2</b><a>3</a><a>4</a><a>5</a>"));
+  EXPECT_TEXT(L"<r><a>1</a><a>4</a><b>2</b><b>3</b><b>5</b><z>6</z></r>",
+              Content(table, L"<a>1</a><b>2</b><b>3</b><a>4</a><b>5</b><z>6</z>"));
+  EXPECT_TEXT(L"<r><z>6</z></r>", Content(table, L"<z>6</z>"));
+  EXPECT_TEXT(kNotRead + L"The Maximum number of [a] elements allowed in this collection is 3",
+              Content(table, L"<a>1</a><b>2</b><a>3</a><a>4</a><a>5</a>"));
 }
 
 // A collection in an inline choice that has too few items answers no, keeps none of them, and another member may
@@ -117,8 +117,8 @@ TEST_F(ContentModelTest, RefusedCollectionLeavesNothingBehind) {
                     {Ints(L"n", 2, 2), Ints(L"n", 1, 1)});
   const Table table(ClassInfo(kSequence, L"r"), {MandatoryCls(L"g", 0, 0, kInline)}, {}, {NewChild(group)});
   Classes() = {&group};
-  EXPECT_WIDE_EQ(L"<r><n>1</n></r>", Content(table, L"<n>1</n>"));
-  EXPECT_WIDE_EQ(L"<r><n>1</n><n>2</n></r>", Content(table, L"<n>1</n><n>2</n>"));
+  EXPECT_TEXT(L"<r><n>1</n></r>", Content(table, L"<n>1</n>"));
+  EXPECT_TEXT(L"<r><n>1</n><n>2</n></r>", Content(table, L"<n>1</n><n>2</n>"));
   const auto object = Read(table, L"<r><n>1</n></r>");
   auto* const member = static_cast<CTableClass*>((*object)[0].GetXmlObject().Get());
   EXPECT_EQ(0, (*member)[0].GetXmlCollection()->GetCount());
@@ -160,12 +160,12 @@ TEST_F(ContentModelTest, InlineGroupsReadFromThePlaceOfTheirOwner) {
       {repeated, With(), L"<a>1</a><b>2</b><a>3</a>", Unread(L"a")},
       {repeated, With(), L"", L"<r/>"},
   };
-  for (const auto& [table, context, content, outcome] : rows) EXPECT_WIDE_EQ(outcome, Content(table, content, context));
+  for (const auto& [table, context, content, outcome] : rows) EXPECT_TEXT(outcome, Content(table, content, context));
   EXPECT_EQ(nullptr, (*Read(optional, L"<r><z>3</z></r>"))[0].GetXmlObject().Get());
 
   // The attributes of the group stand on the owner's element.
   for (const Table* table : {&required, &optional, &repeated})
-    EXPECT_WIDE_EQ(L"<r q=\"7\"><a>1</a><b>2</b></r>", Write(*Read(*table, L"<r q='7'><a>1</a><b>2</b></r>")));
+    EXPECT_TEXT(L"<r q=\"7\"><a>1</a><b>2</b></r>", Write(*Read(*table, L"<r q='7'><a>1</a><b>2</b></r>")));
 }
 
 // The last record that answers no while unknown elements are skipped ends the sequence when none is left, so a
@@ -174,8 +174,8 @@ TEST_F(ContentModelTest, SkippingToTheEndBehindAGroupEndsTheSequenceIntended) {
   const Table group(ClassInfo(kSequence, L"g", kInline), {Prim<CElementInfoSeqPrimOpt>(L"a", 0)});
   const Table table(ClassInfo(kSequence, L"r"), {MandatoryCls(L"g", 0, 0, kInline, /*required=*/false), Prim(L"b", 1)},
                     {}, {NewChild(group)});
-  EXPECT_WIDE_EQ(L"nothing", Thrown([&] { Read(table, L"<r><x/></r>", With(kUnknownElements)); }));
-  EXPECT_WIDE_EQ(Missing(L"b"), Thrown([&] { Read(table, L"<r/>", With(kUnknownElements)); }));
+  EXPECT_TEXT(L"nothing", Thrown([&] { Read(table, L"<r><x/></r>", With(kUnknownElements)); }));
+  EXPECT_TEXT(Missing(L"b"), Thrown([&] { Read(table, L"<r/>", With(kUnknownElements)); }));
 }
 
 // A group is offered every place in turn and looks to the end each time; that must not be quadratic, nor find what
@@ -188,12 +188,12 @@ TEST_F(ContentModelTest, GroupsAmongManyUnknownElementsAreFoundQuickly) {
   Classes() = {&pa, &qa};
   const auto unknown = With(kUnknownElements);
   const std::wstring few = Repeat(100, L"<x/>");
-  EXPECT_WIDE_EQ(L"<r><q>1</q><a>2</a></r>",
-                 Content(table, few + L"<q>1</q>" + few + L"<a>2</a>" + few + L"<p>3</p>" + few, unknown));
-  EXPECT_WIDE_EQ(L"<r><p>3</p><a>4</a></r>",
-                 Content(table, few + L"<a>1</a>" + few + L"<p>3</p>" + few + L"<a>4</a>" + few, unknown));
+  EXPECT_TEXT(L"<r><q>1</q><a>2</a></r>",
+              Content(table, few + L"<q>1</q>" + few + L"<a>2</a>" + few + L"<p>3</p>" + few, unknown));
+  EXPECT_TEXT(L"<r><p>3</p><a>4</a></r>",
+              Content(table, few + L"<a>1</a>" + few + L"<p>3</p>" + few + L"<a>4</a>" + few, unknown));
   const std::wstring lots = Repeat(100000, L"<x/><p>1</p>");
-  EXPECT_WIDE_EQ(kNoChoice, Content(table, lots, unknown));
+  EXPECT_TEXT(kNoChoice, Content(table, lots, unknown));
 }
 
 TEST_F(ContentModelTest, AllGroupIsReadInAnyOrder) {
@@ -208,19 +208,18 @@ TEST_F(ContentModelTest, AllGroupIsReadInAnyOrder) {
   do {
     std::wstring content;
     for (const std::wstring& member : members) content += member;
-    EXPECT_WIDE_EQ(written, Content(table, content));
-    EXPECT_WIDE_EQ(written, Content(table, L"<x/>" + content + L"<x/>", With(kUnknownElements)));
+    EXPECT_TEXT(written, Content(table, content));
+    EXPECT_TEXT(written, Content(table, L"<x/>" + content + L"<x/>", With(kUnknownElements)));
   } while (std::next_permutation(members.begin(), members.end()));
 
   const auto unknown = With(kUnknownElements);
-  EXPECT_WIDE_EQ(written,
-                 Content(table, members[3] + L"<x/>" + members[2] + members[1] + L"<x/>" + members[0], unknown));
-  EXPECT_WIDE_EQ(Unread(L"x"), Content(table, members[1] + members[0] + L"<x/>"));
-  EXPECT_WIDE_EQ(Unread(L"a"), Content(table, L"<c/><a>1</a><a>2</a>"));  // each member once
-  EXPECT_WIDE_EQ(L"<r><a>1</a><c/><n>1</n><n>2</n></r>", Content(table, L"<n>1</n><a>1</a><n>2</n><c/>"));
-  EXPECT_WIDE_EQ(kNotRead + L"Failed to find the mandatory element [c].", Content(table, members[0]));
-  EXPECT_WIDE_EQ(kNotRead + L"The Maximum number of [n] elements allowed in this collection is 2",
-                 Content(table, L"<a>1</a><c/><n>1</n><n>2</n><n>3</n>"));
+  EXPECT_TEXT(written, Content(table, members[3] + L"<x/>" + members[2] + members[1] + L"<x/>" + members[0], unknown));
+  EXPECT_TEXT(Unread(L"x"), Content(table, members[1] + members[0] + L"<x/>"));
+  EXPECT_TEXT(Unread(L"a"), Content(table, L"<c/><a>1</a><a>2</a>"));  // each member once
+  EXPECT_TEXT(L"<r><a>1</a><c/><n>1</n><n>2</n></r>", Content(table, L"<n>1</n><a>1</a><n>2</n><c/>"));
+  EXPECT_TEXT(kNotRead + L"Failed to find the mandatory element [c].", Content(table, members[0]));
+  EXPECT_TEXT(kNotRead + L"The Maximum number of [n] elements allowed in this collection is 2",
+              Content(table, L"<a>1</a><c/><n>1</n><n>2</n><n>3</n>"));
 }
 
 TEST_F(ContentModelTest, AllClassMayBeMissingWhenItIsNotRequired) {
@@ -241,10 +240,10 @@ TEST_F(ContentModelTest, ChoicesAndWildcardsStandInsideAnAllGroup) {
                     {Cls<CElementInfoAllClsOpt>(L"g", 0, 0, kInline), Prim<CElementInfoAllPrimOpt>(L"z", 1),
                      new CElementInfoAllUntpdOpt(L"AnyElement", L"", 2, L"##other", L"")});
   Classes() = {&choice};
-  EXPECT_WIDE_EQ(L"<r><b>1</b><z>2</z><AA:w xmlns:AA=\"urn:w\"><AA:v/></AA:w></r>",
-                 Content(table, L"<w xmlns='urn:w'><v/></w><z>2</z><b>1</b>"));
-  EXPECT_WIDE_EQ(L"<r><a>1</a></r>", Content(table, L"<a>1</a>"));
-  EXPECT_WIDE_EQ(Unread(L"b"), Content(table, L"<a>1</a><b>2</b>"));
+  EXPECT_TEXT(L"<r><b>1</b><z>2</z><AA:w xmlns:AA=\"urn:w\"><AA:v/></AA:w></r>",
+              Content(table, L"<w xmlns='urn:w'><v/></w><z>2</z><b>1</b>"));
+  EXPECT_TEXT(L"<r><a>1</a></r>", Content(table, L"<a>1</a>"));
+  EXPECT_TEXT(Unread(L"b"), Content(table, L"<a>1</a><b>2</b>"));
 }
 
 // An inline abstract member answers no at the end of the children, and reads in place elsewhere.
@@ -259,7 +258,7 @@ TEST_F(ContentModelTest, InlineAbstractMembersReadInPlace) {
         mandatory ? static_cast<CElementInfo*>(new CElementInfoAllAbsClsMnd(L"g", L"", 0, kInline, create, 0))
                   : static_cast<CElementInfo*>(new CElementInfoAllAbsClsOpt(L"g", L"", 0, kInline, create));
     const Table table(ClassInfo(kAll, L"r"), {record});
-    EXPECT_WIDE_EQ(L"<r><a>1</a></r>", Content(table, L"<a>1</a>"));
+    EXPECT_TEXT(L"<r><a>1</a></r>", Content(table, L"<a>1</a>"));
     EXPECT_EQ(mandatory, Thrown([&] { Read(table, L"<r/>"); }) != L"nothing");
   }
 }
@@ -283,11 +282,11 @@ TEST_F(ContentModelTest, WildcardsObeyNameAndNamespace) {
   const auto reads = [](const Table& t, const std::wstring& content) {
     return Thrown([&] { Read(t, (L"<r>" + content + L"</r>").c_str()); });
   };
-  EXPECT_WIDE_EQ(L"nothing", reads(any, w));
-  EXPECT_WIDE_EQ(L"nothing", reads(any, other));
-  EXPECT_WIDE_EQ(notFound, reads(any, ofTarget));
-  EXPECT_WIDE_EQ(notFound, reads(named, other));
-  EXPECT_WIDE_EQ(L"nothing", reads(optional, w));
+  EXPECT_TEXT(L"nothing", reads(any, w));
+  EXPECT_TEXT(L"nothing", reads(any, other));
+  EXPECT_TEXT(notFound, reads(any, ofTarget));
+  EXPECT_TEXT(notFound, reads(named, other));
+  EXPECT_TEXT(L"nothing", reads(optional, w));
   EXPECT_NE(L"nothing", reads(optional, other));
   EXPECT_NE(L"nothing", reads(optional, ofTarget));
   EXPECT_EQ(2, (*Read(namedMany, (L"<r>" + w + w + L"</r>").c_str()))[0].GetXmlCollection()->GetCount());

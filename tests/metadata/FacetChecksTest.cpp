@@ -85,11 +85,11 @@ TEST(FacetChecks, BoundsAreReadAsTheKindOfTheValue) {
     EXPECT_FALSE(passes(high, {nullptr, kind.middle}));
     EXPECT_FALSE(passes(low, {nullptr, nullptr, kind.middle}));
     EXPECT_FALSE(passes(high, {nullptr, nullptr, nullptr, kind.middle}));
-    EXPECT_RK_THROWS(CRkException, L"Invalid Value for e " + kind.shown,
-                     CXmlObjectHelper::CheckRestriction(L"e", value, kind.type, With({kind.high})));
+    EXPECT_THROWS(CRkException, L"Invalid Value for e " + kind.shown,
+                  CXmlObjectHelper::CheckRestriction(L"e", value, kind.type, With({kind.high})));
   }
-  EXPECT_RK_THROWS(CRkInvalidValueException, L"The value [x] can not be converted to a i4",
-                   CXmlObjectHelper::CheckRestrictionFori4(L"e", 1, With({L"x"})));
+  EXPECT_THROWS(CRkInvalidValueException, L"The value [x] can not be converted to a i4",
+                CXmlObjectHelper::CheckRestrictionFori4(L"e", 1, With({L"x"})));
 }
 
 TEST(FacetChecks, IndeterminateComparisonsPass) {
@@ -103,10 +103,9 @@ TEST(FacetChecks, SomeKindsKnowNoFacets) {
   const CPrimitiveRestrictions all(L"x", 9, 0, L"x", L"x", L"x", L"x", 9, 0, 0);
   EXPECT_TRUE(Passes(ItemType_gYearMonth, Value(ItemType_gYearMonth, L"2000-01"), all));
   EXPECT_TRUE(Passes(ItemType_boolean, Value(ItemType_boolean, L"true"), all));
-  EXPECT_RK_THROWS(
-      CRkException, L"Invalid Value for e [2000-01].",
-      CXmlObjectHelper::CheckRestrictionFormonthYear(
-          L"e", CConversions::yearMonthFromString(L"2000-01", CWhitespaceUtils::none), With({L"2000-02"})));
+  EXPECT_THROWS(CRkException, L"Invalid Value for e [2000-01].",
+                CXmlObjectHelper::CheckRestrictionFormonthYear(
+                    L"e", CConversions::yearMonthFromString(L"2000-01", CWhitespaceUtils::none), With({L"2000-02"})));
 }
 
 TEST(FacetChecks, TotalDigitsCountTheSignOfIntegersIntended) {
@@ -145,27 +144,27 @@ TEST(FacetChecks, LengthsCountCharactersAndBytes) {
     EXPECT_TRUE(Passes(type, value, WithLengths(3, 3, 3)));
     EXPECT_FALSE(Passes(type, value, WithLengths(4, -1, -1)));
     EXPECT_FALSE(Passes(type, value, WithLengths(-1, 2, -1)));
-    EXPECT_RK_THROWS(CRkException, std::wstring(L"Invalid Value for e [") + text + L"].",
-                     CXmlObjectHelper::CheckRestriction(L"e", value, type, WithLengths(-1, -1, 0)));
+    EXPECT_THROWS(CRkException, std::wstring(L"Invalid Value for e [") + text + L"].",
+                  CXmlObjectHelper::CheckRestriction(L"e", value, type, WithLengths(-1, -1, 0)));
   }
 }
 
 TEST(FacetChecks, PatternsAreTestedAfterLengths) {
   CXmlObjectHelper::CheckRestrictionForstring(L"e", L"a.b-c:d", WithPattern(L"\\c+"));
-  EXPECT_RK_THROWS(CRkException, L"Invalid Value for e [a b].",
-                   CXmlObjectHelper::CheckRestrictionForstring(L"e", L"a b", WithPattern(L"\\c+")));
-  EXPECT_RK_THROWS(CRkException,
-                   L"Invalid Regular Expression: v Error: 'missing closing parenthesis'\nInvalid Value for e [v].",
-                   CXmlObjectHelper::CheckRestrictionForstring(L"e", L"v", WithPattern(L"(")));
+  EXPECT_THROWS(CRkException, L"Invalid Value for e [a b].",
+                CXmlObjectHelper::CheckRestrictionForstring(L"e", L"a b", WithPattern(L"\\c+")));
+  EXPECT_THROWS(CRkException,
+                L"Invalid Regular Expression: v Error: 'missing closing parenthesis'\nInvalid Value for e [v].",
+                CXmlObjectHelper::CheckRestrictionForstring(L"e", L"v", WithPattern(L"(")));
   CXmlObjectHelper::CheckRestrictionForstring(L"e", L"\x4E2D", WithPattern(L"[\x4E00-\x9FFF]"));
 }
 
 TEST(FacetChecks, TheDispatcherWantsAValueOfItsKind) {
-  EXPECT_RK_THROWS(
+  EXPECT_THROWS(
       CRkException, L"Invalid Type 23",
       CXmlObjectHelper::CheckRestriction(L"e", Value(ItemType_string, L"1"), ItemType_int, CPrimitiveRestrictions()));
-  EXPECT_RK_THROWS(CRkException, L"Invalid Type 0",
-                   CXmlObjectHelper::CheckRestriction(L"e", RkVariant(), ItemType_none, CPrimitiveRestrictions()));
+  EXPECT_THROWS(CRkException, L"Invalid Type 0",
+                CXmlObjectHelper::CheckRestriction(L"e", RkVariant(), ItemType_none, CPrimitiveRestrictions()));
 }
 
 TEST(FacetChecks, NullFacetTextsAreNotSet) {

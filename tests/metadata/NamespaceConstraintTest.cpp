@@ -27,7 +27,7 @@ TEST(NamespaceConstraint, TheFirstTokenThatAdmitsTheUriDecides) {
 
 TEST(NamespaceConstraint, TestNamespaceNamesUriConstraintAndTarget) {
   CXmlObjectHelper::TestNamespace(L"urn:a", L"##other", L"urn:t");
-  EXPECT_RK_THROWS(
+  EXPECT_THROWS(
       CRkInvalidNamespaceException,
       L"Invalid namespace [urn:t]. The namespace must be one of [##other] where the target namespace is [urn:t].",
       CXmlObjectHelper::TestNamespace(L"urn:t", L"##other", L"urn:t"));

@@ -90,7 +90,7 @@ void ExhaustMemory(const Road& road) {
     } catch (const CRkException&) {
     }
     g_allocationsLeft = -1;
-    EXPECT_WIDE_EQ(expected, road.work()) << road.name << " after allocation " << allowed << " failed";
+    EXPECT_TEXT(expected, road.work()) << road.name << " after allocation " << allowed << " failed";
     return g_blocks;
   };
   long blocks = g_blocks;
@@ -262,12 +262,12 @@ TEST(Exhaustion, OfTheDiskAndBrokenPipesAreTold) {
     const std::wstring message = L"Failed to write data to the file [" + file + L"].";
     for (const bool direct : {false, true}) {
       AsyncToXmlFile(direct);
-      EXPECT_RK_THROWS(CRkException, message, track.ToXmlFile(file.c_str()));
-      EXPECT_RK_THROWS(CRkException, message,
-                       track.ToJsonFile(file.c_str(), true, XmlEncoding_UTF8, EOLType_LF, Context()));
+      EXPECT_THROWS(CRkException, message, track.ToXmlFile(file.c_str()));
+      EXPECT_THROWS(CRkException, message,
+                    track.ToJsonFile(file.c_str(), true, XmlEncoding_UTF8, EOLType_LF, Context()));
     }
     AsyncToXmlFile(false);
-    EXPECT_RK_THROWS(CRkException, message, track.ToFastInfosetFile(file.c_str()));
+    EXPECT_THROWS(CRkException, message, track.ToFastInfosetFile(file.c_str()));
   }
   std::signal(SIGPIPE, handler);
   ::close(pipe[1]);
@@ -280,6 +280,6 @@ TEST(Exhaustion, OfAFileThatShrinksIsTold) {
   CElement element;
   const std::string text = name;
   const std::wstring wide(text.begin(), text.end());
-  EXPECT_RK_THROWS(CRkException, L"Failed to read the contents of the file [" + wide + L"] Error [0]",
-                   element.FromXmlFile(wide.c_str()));
+  EXPECT_THROWS(CRkException, L"Failed to read the contents of the file [" + wide + L"] Error [0]",
+                element.FromXmlFile(wide.c_str()));
 }

@@ -70,7 +70,7 @@ TEST(Threads, ReadAndWriteWithTheirOwnContexts) {
       Gpx::CGpxType track;
       track.FromXmlFile(L"" RKXML_EXAMPLE_DATA "/track.gpx", context);
       EXPECT_FALSE(track.ToXml(true, true, EOLType_LF, context).empty());
-      EXPECT_RK_THROWS(CRkException, L"no element found at line 1", order.FromXml("<order>", context));
+      EXPECT_THROWS(CRkException, L"no element found at line 1", order.FromXml("<order>", context));
     }
   });
 }

@@ -32,7 +32,7 @@ TEST(Encoder, EncodesUtf8AndReplacesWhatIsNoCharacter) {
       {kLow + kHigh, L"EFBFBDEFBFBD"},
       {kHigh + kHigh + kLow, L"EFBFBDF09F9880"},
       {std::wstring(1, 0x110000) + static_cast<wchar_t>(-1) + L'a', L"EFBFBDEFBFBD61"}};
-  for (const auto& [text, hex] : kCases) EXPECT_WIDE_EQ(hex, Utf8Hex(text));
+  for (const auto& [text, hex] : kCases) EXPECT_TEXT(hex, Utf8Hex(text));
   EXPECT_EQ(0u, CEncoder::UnicodeToUtf8Binary(static_cast<const wchar_t*>(nullptr)).GetLength());
 }
 
@@ -76,17 +76,17 @@ TEST(Encoder, IllFormedUtf8BecomesOneReplacementForEachLongestPrefix) {
                                    {L"F09F9861", L"\uFFFDa"},  // cut off by a character
                                    {L"E28261", L"\uFFFDa"},
                                    {L"80BF", L"\uFFFD\uFFFD"}};
-  for (const auto& [hex, text] : kCases) EXPECT_WIDE_EQ(text, FromUtf8Hex(hex));
-  EXPECT_WIDE_EQ(L"", CEncoder::Utf8ToUnicode(nullptr, 0));
-  EXPECT_WIDE_EQ(L"", CEncoder::Utf8ToUnicode(reinterpret_cast<const unsigned char*>("a"), -1));
+  for (const auto& [hex, text] : kCases) EXPECT_TEXT(text, FromUtf8Hex(hex));
+  EXPECT_TEXT(L"", CEncoder::Utf8ToUnicode(nullptr, 0));
+  EXPECT_TEXT(L"", CEncoder::Utf8ToUnicode(reinterpret_cast<const unsigned char*>("a"), -1));
 }
 
 TEST(Encoder, ReadsUtf16InBothByteOrders) {
-  EXPECT_WIDE_EQ(L"a\U0001F600", CEncoder::Utf16ToUnicode(std::string_view("a\0\x3D\xD8\x00\xDE", 6)));
-  EXPECT_WIDE_EQ(L"a\U0001F600", CEncoder::Utf16ToUnicode(std::string_view("\0a\xD8\x3D\xDE\x00", 6), true));
-  EXPECT_WIDE_EQ(L"\uFFFDa\uFFFD", CEncoder::Utf16ToUnicode(std::string_view("\0\xDE\x61\0\x3D\xD8", 6)));
-  EXPECT_WIDE_EQ(L"a\uFFFD", CEncoder::Utf16ToUnicode(std::string_view("a\0b", 3)));
-  EXPECT_WIDE_EQ(L"\uFFFD\uFFFD", CEncoder::Utf16ToUnicode(std::string_view("\x3D\xD8\x00", 3)));
+  EXPECT_TEXT(L"a\U0001F600", CEncoder::Utf16ToUnicode(std::string_view("a\0\x3D\xD8\x00\xDE", 6)));
+  EXPECT_TEXT(L"a\U0001F600", CEncoder::Utf16ToUnicode(std::string_view("\0a\xD8\x3D\xDE\x00", 6), true));
+  EXPECT_TEXT(L"\uFFFDa\uFFFD", CEncoder::Utf16ToUnicode(std::string_view("\0\xDE\x61\0\x3D\xD8", 6)));
+  EXPECT_TEXT(L"a\uFFFD", CEncoder::Utf16ToUnicode(std::string_view("a\0b", 3)));
+  EXPECT_TEXT(L"\uFFFD\uFFFD", CEncoder::Utf16ToUnicode(std::string_view("\x3D\xD8\x00", 3)));
 }
 
 // The runs of ASCII are converted sixteen at a time: a foreign character at every place of texts of every short length.
@@ -121,7 +121,7 @@ TEST(Encoder, APairSplitBetweenPiecesIsOneCharacter) {
   for (const std::wstring& piece : {L"a" + kHigh, std::wstring(), kLow + L"b" + kHigh, L"c" + kHigh, kHigh})
     appender.Append(piece);
   appender.Finish();
-  EXPECT_WIDE_EQ(L"61F09F988062EFBFBD63EFBFBDEFBFBD", out.GetAsHexString());
+  EXPECT_TEXT(L"61F09F988062EFBFBD63EFBFBDEFBFBD", out.GetAsHexString());
 }
 
 TEST(Encoder, FileNamesGoThroughTheLocaleOrUtf8) {

@@ -8,16 +8,16 @@
 using namespace RkXmlTest;
 
 TEST(Format, FormatsTextNumbersAndTheSixtyFourBitPrefix) {
-  EXPECT_WIDE_EQ(L"Invalid Element [a\u00E9\U0001F600] found.",
-                 FormatString(L"Invalid Element [%ls] found.", L"a\u00E9\U0001F600"));
-  EXPECT_WIDE_EQ(L"-9223372036854775808|18446744073709551615|100%|ffffffffffffffff",
-                 FormatString(L"%I64d|%I64u|%d%%|%I64x", LLONG_MIN, ULLONG_MAX, 100, ULLONG_MAX));
-  EXPECT_WIDE_EQ(L"[   ab][ab   ][00042][+7][ 3.50]",
-                 FormatString(L"[%5ls][%-*.2ls][%05d][%+d][%5.2f]", L"ab", 5, L"abc", 42, 7, 3.5));
-  EXPECT_WIDE_EQ(L"I64 100%", FormatString(L"I64 %d%%", 100));
-  EXPECT_WIDE_EQ(L"Error [2]", FormatString(L"Error [%n]", 2));
-  EXPECT_WIDE_EQ(L"[-3][4]", FormatString(L"[%ln][%I64n]", -3L, 4LL));
-  EXPECT_WIDE_EQ(L"", FormatString(L""));
+  EXPECT_TEXT(L"Invalid Element [a\u00E9\U0001F600] found.",
+              FormatString(L"Invalid Element [%ls] found.", L"a\u00E9\U0001F600"));
+  EXPECT_TEXT(L"-9223372036854775808|18446744073709551615|100%|ffffffffffffffff",
+              FormatString(L"%I64d|%I64u|%d%%|%I64x", LLONG_MIN, ULLONG_MAX, 100, ULLONG_MAX));
+  EXPECT_TEXT(L"[   ab][ab   ][00042][+7][ 3.50]",
+              FormatString(L"[%5ls][%-*.2ls][%05d][%+d][%5.2f]", L"ab", 5, L"abc", 42, 7, 3.5));
+  EXPECT_TEXT(L"I64 100%", FormatString(L"I64 %d%%", 100));
+  EXPECT_TEXT(L"Error [2]", FormatString(L"Error [%n]", 2));
+  EXPECT_TEXT(L"[-3][4]", FormatString(L"[%ln][%I64n]", -3L, 4LL));
+  EXPECT_TEXT(L"", FormatString(L""));
 }
 
 TEST(Format, NeverCutsALongText) {
@@ -30,24 +30,24 @@ TEST(Format, PrintsAnyCharacterAsItselfInAnyLocale) {
   for (const char* name : {"C", "C.UTF-8", "de_DE.UTF-8"}) {
     const HostLocale locale(name);
     const wchar_t loneSurrogate[] = {0xD83D, L'!', 0x110000, 0};
-    EXPECT_WIDE_EQ(std::wstring(L"[\u00E9][\U0001F600][") + loneSurrogate[0] + L"][" + loneSurrogate + L"]",
-                   FormatString(L"[%c][%c][%c][%ls]", L'\u00E9', L'\U0001F600', loneSurrogate[0], loneSurrogate));
+    EXPECT_TEXT(std::wstring(L"[\u00E9][\U0001F600][") + loneSurrogate[0] + L"][" + loneSurrogate + L"]",
+                FormatString(L"[%c][%c][%c][%ls]", L'\u00E9', L'\U0001F600', loneSurrogate[0], loneSurrogate));
   }
 }
 
 TEST(Format, NumbersDoNotFollowTheHostsLocale) {
   const HostLocale locale("de_DE.UTF-8");
   if (!locale.IsSet()) GTEST_SKIP() << "de_DE.UTF-8 is not installed";
-  EXPECT_WIDE_EQ(L"1.5 1000000", FormatString(L"%g %d", 1.5, 1000000));
+  EXPECT_TEXT(L"1.5 1000000", FormatString(L"%g %d", 1.5, 1000000));
   EXPECT_STREQ("de_DE.UTF-8", std::setlocale(LC_NUMERIC, nullptr));
 }
 
 TEST(Format, PadsWithZeros) {
-  EXPECT_WIDE_EQ(L"007", PadZero(7, 3));
-  EXPECT_WIDE_EQ(L"1234", PadZero(1234, 3));
-  EXPECT_WIDE_EQ(L"-07", PadZero(-7, 3));
-  EXPECT_WIDE_EQ(L"-2147483648", PadZero(INT_MIN, 3));
-  EXPECT_WIDE_EQ(L"5", PadZero(5, 0));
+  EXPECT_TEXT(L"007", PadZero(7, 3));
+  EXPECT_TEXT(L"1234", PadZero(1234, 3));
+  EXPECT_TEXT(L"-07", PadZero(-7, 3));
+  EXPECT_TEXT(L"-2147483648", PadZero(INT_MIN, 3));
+  EXPECT_TEXT(L"5", PadZero(5, 0));
 }
 
 TEST(Format, WritesTheFractionOfASecond) {
@@ -60,15 +60,15 @@ TEST(Format, WritesTheFractionOfASecond) {
                                                                              {120, 0, 50, L".12000005"},
                                                                              {100, 200, 0, L".1002"},
                                                                              {123, 456, 789, L".123456789"}};
-  for (const auto& [milli, micro, nano, text] : kCases) EXPECT_WIDE_EQ(text, ToFracString(milli, micro, nano));
+  for (const auto& [milli, micro, nano, text] : kCases) EXPECT_TEXT(text, ToFracString(milli, micro, nano));
 }
 
 TEST(Format, FindReplaceDoesNotRescanWhatItPutIn) {
   std::wstring wide = L"a.b.c";
   FindReplace(wide, L".", L"..");
-  EXPECT_WIDE_EQ(L"a..b..c", wide);
+  EXPECT_TEXT(L"a..b..c", wide);
   FindReplace(wide, L"", L"x");
-  EXPECT_WIDE_EQ(L"a..b..c", wide);
+  EXPECT_TEXT(L"a..b..c", wide);
   std::string narrow = "aaa";
   FindReplace(narrow, "aa", "");
   EXPECT_EQ("a", narrow);

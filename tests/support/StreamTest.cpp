@@ -32,17 +32,17 @@ bool HasFullDevice() { return std::ifstream("/dev/full").good(); }
 }  // namespace
 
 TEST(TextStream, EncodesItsText) {
-  EXPECT_WIDE_EQ(L"61C3A9", EncodedHex(XmlEncoding_UTF8, L"a\u00E9"));
-  EXPECT_WIDE_EQ(L"61000000E9000000", EncodedHex(XmlEncoding_Wide, L"a\u00E9"));
+  EXPECT_TEXT(L"61C3A9", EncodedHex(XmlEncoding_UTF8, L"a\u00E9"));
+  EXPECT_TEXT(L"61000000E9000000", EncodedHex(XmlEncoding_Wide, L"a\u00E9"));
   for (const auto encoding : {XmlEncoding_UTF8, XmlEncoding_UTF16, XmlEncoding_Wide})
-    EXPECT_WIDE_EQ(L"", EncodedHex(encoding, L""));
+    EXPECT_TEXT(L"", EncodedHex(encoding, L""));
   for (const auto encoding : {XmlEncoding_None, static_cast<XmlEncoding>(4)})
-    EXPECT_RK_THROWS(CRkException, kUnknownEncoding, CTextStream(encoding).GetEncodedStream());
+    EXPECT_THROWS(CRkException, kUnknownEncoding, CTextStream(encoding).GetEncodedStream());
 }
 
 TEST(TextStream, EncodingUtf16WidensTheBytesOfTheWideTextIntended) {
-  EXPECT_WIDE_EQ(L"6100000000000000E900", EncodedHex(XmlEncoding_UTF16, L"a\u00E9bcd"));
-  EXPECT_WIDE_EQ(L"AC0020000000", EncodedHex(XmlEncoding_UTF16, L"\u20ACbc"));
+  EXPECT_TEXT(L"6100000000000000E900", EncodedHex(XmlEncoding_UTF16, L"a\u00E9bcd"));
+  EXPECT_TEXT(L"AC0020000000", EncodedHex(XmlEncoding_UTF16, L"\u20ACbc"));
 }
 
 TEST(TextStream, EncodesAcrossBlocksWithoutJoiningThem) {
@@ -51,7 +51,7 @@ TEST(TextStream, EncodesAcrossBlocksWithoutJoiningThem) {
   stream.Append(text);
   const CBinaryData utf8 = stream.GetEncodedStream();
   EXPECT_EQ(4094u + 4 + 1 + 3, utf8.GetLength());
-  EXPECT_WIDE_EQ(L"F09F988079EFBFBD", utf8.GetAsHexString().substr(2 * 4094));
+  EXPECT_TEXT(L"F09F988079EFBFBD", utf8.GetAsHexString().substr(2 * 4094));
   EXPECT_EQ(text, stream.GetText());
   stream.Open();
   EXPECT_EQ(0u, stream.GetLength());
@@ -71,11 +71,11 @@ TEST(FileTextStream, WritesWhatWasFlushedWithItsMark) {
     EXPECT_EQ(0u, file.GetLength());
     file.Append(L'b');
     file.Close();
-    EXPECT_WIDE_EQ(hex, HexOf(scratch));
+    EXPECT_TEXT(hex, HexOf(scratch));
     file.Append(L"too late");
     file.Flush();
     file.Close();
-    EXPECT_WIDE_EQ(hex, HexOf(scratch));
+    EXPECT_TEXT(hex, HexOf(scratch));
   }
 }
 
@@ -90,19 +90,19 @@ TEST(FileTextStream, APairSplitBetweenFlushesIsOneCharacter) {
       file.Flush();
     }
   }  // the destructor writes the rest
-  EXPECT_WIDE_EQ(L"61F09F988062EFBFBDEFBFBD", HexOf(scratch));
+  EXPECT_TEXT(L"61F09F988062EFBFBDEFBFBD", HexOf(scratch));
 }
 
 TEST(FileTextStream, TellsOfFilesThatCannotBeWritten) {
   CFileTextStream missing(L"/no/such/folder/x.xml", XmlEncoding_UTF8);
-  EXPECT_RK_THROWS(CRkException, L"Failed to write data to the file [/no/such/folder/x.xml].", missing.Open());
+  EXPECT_THROWS(CRkException, L"Failed to write data to the file [/no/such/folder/x.xml].", missing.Open());
   CFileTextStream null(nullptr, XmlEncoding_UTF8);
-  EXPECT_RK_THROWS(CRkException, L"Failed to write data to the file [].", null.Open());
+  EXPECT_THROWS(CRkException, L"Failed to write data to the file [].", null.Open());
   const CTempFile scratch;
   CFileTextStream unknown(scratch.Name().c_str(), XmlEncoding_None);
   unknown.Open();
   unknown.Append(L"a");
-  EXPECT_RK_THROWS(CRkException, kUnknownEncoding, unknown.Flush());
+  EXPECT_THROWS(CRkException, kUnknownEncoding, unknown.Flush());
 }
 
 TEST(FileTextStream, AFullDiskFailsOnceAndNeverInTheDestructor) {
@@ -110,7 +110,7 @@ TEST(FileTextStream, AFullDiskFailsOnceAndNeverInTheDestructor) {
   CFileTextStream big(L"/dev/full", XmlEncoding_UTF8);
   big.Open();
   big.Append(std::wstring(100'000, L'x'));
-  EXPECT_RK_THROWS(CRkException, kUnnamedFailure, big.Flush());
+  EXPECT_THROWS(CRkException, kUnnamedFailure, big.Flush());
   big.Flush();
   big.Close();
 
@@ -118,7 +118,7 @@ TEST(FileTextStream, AFullDiskFailsOnceAndNeverInTheDestructor) {
   small.Open();
   small.Append(L"x");
   small.Flush();
-  EXPECT_RK_THROWS(CRkException, L"Failed to write data to the file [/dev/full].", small.Close());
+  EXPECT_THROWS(CRkException, L"Failed to write data to the file [/dev/full].", small.Close());
 
   CFileTextStream dropped(L"/dev/full", XmlEncoding_UTF8);
   dropped.Open();
@@ -133,8 +133,8 @@ TEST(BinaryStream, CollectsBytesWithoutTouchingTheSharedData) {
   stream.Append(static_cast<unsigned char>(2));
   stream.Append(bytes, 2);
   stream.Append(start);
-  EXPECT_WIDE_EQ(L"0102030401", stream.GetBinaryStream().GetAsHexString());
-  EXPECT_WIDE_EQ(L"01", start.GetAsHexString());
+  EXPECT_TEXT(L"0102030401", stream.GetBinaryStream().GetAsHexString());
+  EXPECT_TEXT(L"01", start.GetAsHexString());
   EXPECT_EQ(0u, CBinaryStream(L"tracked").GetBinaryStream().GetLength());
 }
 
@@ -144,13 +144,13 @@ TEST(FileBinaryStream, WritesTheBytesBehindTheMark) {
   for (const auto encoding : {XmlEncoding_None, XmlEncoding_UTF8, XmlEncoding_UTF16, XmlEncoding_Wide}) {
     const CTempFile scratch;
     CFileBinaryStream(scratch.Name().c_str(), encoding, data).ToFile();
-    EXPECT_WIDE_EQ(encoding >= XmlEncoding_UTF16 ? L"FFFE000D0AFF" : L"000D0AFF", HexOf(scratch));
+    EXPECT_TEXT(encoding >= XmlEncoding_UTF16 ? L"FFFE000D0AFF" : L"000D0AFF", HexOf(scratch));
   }
-  EXPECT_RK_THROWS(CRkException, L"Failed to write data to the file [/].",
-                   CFileBinaryStream(L"/", XmlEncoding_None, data).ToFile());
+  EXPECT_THROWS(CRkException, L"Failed to write data to the file [/].",
+                CFileBinaryStream(L"/", XmlEncoding_None, data).ToFile());
   if (HasFullDevice()) {
-    EXPECT_RK_THROWS(CRkException, L"Failed to write data to the file [/dev/full].",
-                     CFileBinaryStream(L"/dev/full", XmlEncoding_None, data).ToFile());
+    EXPECT_THROWS(CRkException, L"Failed to write data to the file [/dev/full].",
+                  CFileBinaryStream(L"/dev/full", XmlEncoding_None, data).ToFile());
   }
 }
 

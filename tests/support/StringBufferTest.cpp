@@ -16,7 +16,7 @@ int BlocksOf(const CStringBuffer& buffer) {
 
 TEST(StringBuffer, FillsABlockExactlyBeforeTheNextBegins) {
   CStringBuffer buffer;
-  EXPECT_WIDE_EQ(L"", buffer.GetText());
+  EXPECT_TEXT(L"", buffer.GetText());
   EXPECT_EQ(0, BlocksOf(buffer));
   const std::wstring text(4095, L'a');
   buffer.Append(text);
@@ -56,25 +56,25 @@ TEST(StringBuffer, EmptyKeepsASingleBlockOnly) {
   const wchar_t* const block = buffer.GetText();
   buffer.Empty();
   EXPECT_EQ(0u, buffer.GetLength());
-  EXPECT_WIDE_EQ(L"", buffer.GetText());
+  EXPECT_TEXT(L"", buffer.GetText());
   buffer.Append(L"de");
   EXPECT_EQ(block, buffer.GetText());
-  EXPECT_WIDE_EQ(L"de", buffer.GetText());
+  EXPECT_TEXT(L"de", buffer.GetText());
   buffer.Append(L"fghij");
   buffer.Empty();
   EXPECT_EQ(0, BlocksOf(buffer));
   buffer.SetText(L"x");
   buffer.SetText(L"yz");
-  EXPECT_WIDE_EQ(L"yz", buffer.GetText());
+  EXPECT_TEXT(L"yz", buffer.GetText());
   buffer.SetText(nullptr);
-  EXPECT_WIDE_EQ(L"", buffer.GetText());
+  EXPECT_TEXT(L"", buffer.GetText());
 }
 
 TEST(StringBuffer, AppendsItsOwnText) {
   CStringBuffer buffer(4);
   buffer.Append(L"abcd");
   buffer.Append(buffer.GetText());
-  EXPECT_WIDE_EQ(L"abcdabcd", buffer.GetText());
+  EXPECT_TEXT(L"abcdabcd", buffer.GetText());
 }
 
 // A text that held a NUL would end there for every later reader and cut off what follows.
@@ -82,6 +82,6 @@ TEST(StringBuffer, AStringObjectEndsAtItsFirstNulIntended) {
   CStringBuffer buffer;
   buffer.Append(std::wstring(L"a\0b", 3));
   buffer.Append(L"c");
-  EXPECT_WIDE_EQ(L"ac", buffer.GetText());
+  EXPECT_TEXT(L"ac", buffer.GetText());
   EXPECT_EQ(2u, buffer.GetLength());
 }

@@ -68,17 +68,17 @@ TEST(Zip, WhatDoesNotShrinkFailsWithZlibsCodeAndStaysIntended) {
   for (const auto& [type, text, code] : kCases) {
     const std::wstring message = std::wstring(L"Failed to compress data. [Error Code: ") + code + L"]";
     CBinaryData data = Bytes(text);
-    EXPECT_RK_THROWS(CRkException, message, CRkZip::CompressData(data, type));
+    EXPECT_THROWS(CRkException, message, CRkZip::CompressData(data, type));
     EXPECT_EQ(Bytes(text), data);
     unsigned long length = 0;
     unsigned char* bytes = data.ReleaseData(&length);
-    EXPECT_RK_THROWS(CRkException, message, CRkZip::Compress(&bytes, &length, type));
+    EXPECT_THROWS(CRkException, message, CRkZip::Compress(&bytes, &length, type));
     EXPECT_EQ(Bytes(text), CBinaryData(bytes, length, /*copy=*/false));
   }
   unsigned char* none = nullptr;
   unsigned long length = 0;
-  EXPECT_RK_THROWS(CRkException, L"Failed to compress data. [Error Code: -5]",
-                   CRkZip::Compress(&none, &length, CompressionType_GZip));
+  EXPECT_THROWS(CRkException, L"Failed to compress data. [Error Code: -5]",
+                CRkZip::Compress(&none, &length, CompressionType_GZip));
 }
 
 TEST(Zip, LeavesWhatIsNoWholeStreamUnchanged) {

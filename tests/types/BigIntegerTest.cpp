@@ -39,9 +39,9 @@ TEST(BigInteger, ParsesLenientlyFromTheRight) {
       {L"-1-2", L"-2"},       {L"12\t", L"0"},   {L"--5", L"-5"}, {L"1.9", L"2"}, {L"12.7", L"13"}, {L"12.5", L"12"},
       {L"-12.51", L"-13"},    {L"1e3", L"1000"},
   };
-  for (const auto& [text, value] : cases) EXPECT_WIDE_EQ(value, Big(text).ToString());
-  EXPECT_RK_THROWS(CRkInvalidValueException,
-                   L"The string representing a Decimal, contained an invalid char at position 2 [12a].", Big(L"12a"));
+  for (const auto& [text, value] : cases) EXPECT_TEXT(value, Big(text).ToString());
+  EXPECT_THROWS(CRkInvalidValueException,
+                L"The string representing a Decimal, contained an invalid char at position 2 [12a].", Big(L"12a"));
 }
 
 TEST(BigInteger, AgreesWithNativeArithmetic) {
@@ -87,15 +87,15 @@ TEST(BigInteger, LongDivisionIsUndoneByMultiplication) {
 TEST(BigInteger, AZeroDivisorThrowsByOperatorAndChangesNothing) {
   CBigInteger n(7);
   const CBigInteger zero;
-  EXPECT_RK_THROWS(CRkInvalidValueException, L"ERROR: Overflow in operator/.", n / zero);
-  EXPECT_RK_THROWS(CRkInvalidValueException, L"ERROR: Overflow in operator%.", n % zero);
-  EXPECT_RK_THROWS(CRkInvalidValueException, L"ERROR: Overflow in operator /=.", n /= zero);
-  EXPECT_RK_THROWS(CRkInvalidValueException, L"ERROR: Overflow in operator%=.", n %= zero);
+  EXPECT_THROWS(CRkInvalidValueException, L"ERROR: Overflow in operator/.", n / zero);
+  EXPECT_THROWS(CRkInvalidValueException, L"ERROR: Overflow in operator%.", n % zero);
+  EXPECT_THROWS(CRkInvalidValueException, L"ERROR: Overflow in operator /=.", n /= zero);
+  EXPECT_THROWS(CRkInvalidValueException, L"ERROR: Overflow in operator%=.", n %= zero);
   CDigitVector q, r;
-  EXPECT_RK_THROWS(CRkInvalidValueException, L"ERROR: Overflow in operator/.", CBigInteger::Divide({1}, {0}, q, r));
-  EXPECT_WIDE_EQ(L"7", n.ToString());
-  EXPECT_WIDE_EQ(L"-3", (n / CBigInteger(-2)).ToString());
-  EXPECT_WIDE_EQ(L"-1", (CBigInteger(-7) % CBigInteger(2)).ToString());
+  EXPECT_THROWS(CRkInvalidValueException, L"ERROR: Overflow in operator/.", CBigInteger::Divide({1}, {0}, q, r));
+  EXPECT_TEXT(L"7", n.ToString());
+  EXPECT_TEXT(L"-3", (n / CBigInteger(-2)).ToString());
+  EXPECT_TEXT(L"-1", (CBigInteger(-7) % CBigInteger(2)).ToString());
 }
 
 TEST(BigInteger, TheSignAloneOrdersZerosThoughTheyAreEqualIntended) {
@@ -107,22 +107,21 @@ TEST(BigInteger, TheSignAloneOrdersZerosThoughTheyAreEqualIntended) {
 
 TEST(BigInteger, ConvertsToAndFromMachineNumbersToTheirBounds) {
   using Limits = std::numeric_limits<long long>;
-  EXPECT_WIDE_EQ(L"-9223372036854775808", CBigInteger(Limits::min()).ToString());
-  EXPECT_WIDE_EQ(L"18446744073709551615", CBigInteger(~0ULL).ToString());
+  EXPECT_TEXT(L"-9223372036854775808", CBigInteger(Limits::min()).ToString());
+  EXPECT_TEXT(L"18446744073709551615", CBigInteger(~0ULL).ToString());
   EXPECT_EQ(Limits::min(), static_cast<long long>(Big(L"-9223372036854775808")));
   EXPECT_EQ(Limits::max(), static_cast<long long>(Big(L"9223372036854775807")));
-  EXPECT_RK_THROWS(CRkInvalidValueException, L"ERROR: Value out of bound of LONGLONG.",
-                   static_cast<long long>(Big(L"9223372036854775808")));
+  EXPECT_THROWS(CRkInvalidValueException, L"ERROR: Value out of bound of LONGLONG.",
+                static_cast<long long>(Big(L"9223372036854775808")));
   EXPECT_EQ(std::numeric_limits<int>::min(), static_cast<int>(Big(L"-2147483648")));
-  EXPECT_RK_THROWS(CRkInvalidValueException, L"ERROR: Value out of bound of int.",
-                   static_cast<int>(Big(L"2147483648")));
+  EXPECT_THROWS(CRkInvalidValueException, L"ERROR: Value out of bound of int.", static_cast<int>(Big(L"2147483648")));
 
-  EXPECT_WIDE_EQ(L"-2", CBigInteger(-2.4).ToString());
-  EXPECT_WIDE_EQ(L"2", CBigInteger(2.5).ToString());
-  EXPECT_WIDE_EQ(L"4503599627370497", CBigInteger(4503599627370497.0).ToString());
-  EXPECT_WIDE_EQ(L"1" + std::wstring(22, L'0'), CBigInteger(1e22).ToString());
+  EXPECT_TEXT(L"-2", CBigInteger(-2.4).ToString());
+  EXPECT_TEXT(L"2", CBigInteger(2.5).ToString());
+  EXPECT_TEXT(L"4503599627370497", CBigInteger(4503599627370497.0).ToString());
+  EXPECT_TEXT(L"1" + std::wstring(22, L'0'), CBigInteger(1e22).ToString());
   for (const double value : {std::numeric_limits<double>::infinity(), std::numeric_limits<double>::quiet_NaN()})
-    EXPECT_RK_THROWS(CRkInvalidValueException, L"The double is not a finite number", CBigInteger(value));
+    EXPECT_THROWS(CRkInvalidValueException, L"The double is not a finite number", CBigInteger(value));
 }
 
 TEST(BigInteger, SquareRootRoundsDown) {
@@ -133,8 +132,8 @@ TEST(BigInteger, SquareRootRoundsDown) {
   const CBigInteger big = CBigInteger::Pow10(301) + CBigInteger(7);
   const CBigInteger root = big.SquareRoot(), next = root + CBigInteger(1);
   EXPECT_TRUE(root * root <= big && big < next * next);
-  EXPECT_RK_THROWS(CRkInvalidValueException, L"ERROR: Negative Number in function SquareRoot().",
-                   CBigInteger(-1).SquareRoot());
+  EXPECT_THROWS(CRkInvalidValueException, L"ERROR: Negative Number in function SquareRoot().",
+                CBigInteger(-1).SquareRoot());
 }
 
 TEST(BigInteger, DigitVectorHelpersWorkInPlace) {

@@ -18,35 +18,35 @@ CBinaryData Hex(const wchar_t* text) {
 }  // namespace
 
 TEST(BinaryData, ReadsAndPrintsHexDigits) {
-  EXPECT_WIDE_EQ(L"00AB", Hex(L"00ab").GetAsHexString());
+  EXPECT_TEXT(L"00AB", Hex(L"00ab").GetAsHexString());
   EXPECT_EQ(Hex(L"00AB"), Hex(L"00ab"));
   EXPECT_EQ(0u, Hex(L"").GetLength());
   CBinaryData kept = Hex(L"01");
-  EXPECT_RK_THROWS(CRkException, L"Invalid length in hex string", kept.SetAsHexString(L"ABC"));
-  EXPECT_RK_THROWS(CRkException, L"Invalid char in hex string [G]", kept.SetAsHexString(L"0G"));
-  EXPECT_RK_THROWS(CRkException, L"Invalid char in hex string [\u0661]", kept.SetAsHexString(L"0\u0661"));
-  EXPECT_WIDE_EQ(L"01", kept.GetAsHexString());
+  EXPECT_THROWS(CRkException, L"Invalid length in hex string", kept.SetAsHexString(L"ABC"));
+  EXPECT_THROWS(CRkException, L"Invalid char in hex string [G]", kept.SetAsHexString(L"0G"));
+  EXPECT_THROWS(CRkException, L"Invalid char in hex string [\u0661]", kept.SetAsHexString(L"0\u0661"));
+  EXPECT_TEXT(L"01", kept.GetAsHexString());
 }
 
 TEST(BinaryData, ReadsAndPrintsBase64) {
   const Rows<Wide, Wide> kCases = {{L"", L""},         {L"4D616E", L"TWFu"},           {L"4D", L"TQ=="},
                                    {L"4D61", L"TWE="}, {L"FBEFBEFFFFFF", L"++++////"}, {L"00FF10", L"AP8Q"}};
   for (const auto& [hex, base64] : kCases) {
-    EXPECT_WIDE_EQ(base64, Hex(hex).GetAsBase64());
+    EXPECT_TEXT(base64, Hex(hex).GetAsBase64());
     CBinaryData read;
     read.SetAsBase64(base64);
-    EXPECT_WIDE_EQ(hex, read.GetAsHexString());
+    EXPECT_TEXT(hex, read.GetAsHexString());
   }
   CBinaryData data;
   data.SetAsBase64(L" T\tW\r\nE = ");
-  EXPECT_WIDE_EQ(L"4D61", data.GetAsHexString());
+  EXPECT_TEXT(L"4D61", data.GetAsHexString());
   for (const wchar_t* text : {L"TW*u", L"TW-_", L"T===", L"=", L"TQ==TQ==", L"TQ===", L"TW\u0141u"})
     EXPECT_THROW(data.SetAsBase64(text), CRkException);
-  EXPECT_RK_THROWS(CRkException, L"Invalid char in base64 string [\u0141]", data.SetAsBase64(L"TW\u0141u"));
-  EXPECT_RK_THROWS(CRkException, L"Invalid char in base64 string [=]", data.SetAsBase64(L"TWE=="));
+  EXPECT_THROWS(CRkException, L"Invalid char in base64 string [\u0141]", data.SetAsBase64(L"TW\u0141u"));
+  EXPECT_THROWS(CRkException, L"Invalid char in base64 string [=]", data.SetAsBase64(L"TWE=="));
   for (const wchar_t* text : {L"T", L"TQ", L"TQ=", L"TWF", L"TWFuT"})
-    EXPECT_RK_THROWS(CRkException, L"Invalid length in base64 string", data.SetAsBase64(text));
-  EXPECT_WIDE_EQ(L"4D61", data.GetAsHexString());
+    EXPECT_THROWS(CRkException, L"Invalid length in base64 string", data.SetAsBase64(text));
+  EXPECT_TEXT(L"4D61", data.GetAsHexString());
   EXPECT_EQ(3u, CBase64::Decode(L"TWFu", nullptr));
 }
 
@@ -68,20 +68,20 @@ TEST(BinaryData, AWriterGetsItsOwnCopyFirst) {
     CBinaryData copy = original;
     EXPECT_EQ(original.GetData(), copy.GetData());
     operation(copy);
-    EXPECT_WIDE_EQ(L"0102", original.GetAsHexString());
+    EXPECT_TEXT(L"0102", original.GetAsHexString());
     return copy.GetAsHexString();
   };
-  EXPECT_WIDE_EQ(L"010203", change([](CBinaryData& d) { d.Append(static_cast<unsigned char>(3)); }));
-  EXPECT_WIDE_EQ(L"01020102", change([](CBinaryData& d) { d.Append(d); }));
-  EXPECT_WIDE_EQ(L"FF02", change([](CBinaryData& d) { d[0] = 0xFF; }));
-  EXPECT_WIDE_EQ(L"01", change([](CBinaryData& d) { d.Truncate(1); }));
-  EXPECT_WIDE_EQ(L"", change([](CBinaryData& d) { d.Clear(); }));
-  EXPECT_WIDE_EQ(L"", change([](CBinaryData& d) {
-                   unsigned long length = 0;
-                   const std::unique_ptr<unsigned char[]> bytes(d.ReleaseData(&length));
-                   ASSERT_EQ(2u, length);
-                   bytes[0] = 9;
-                 }));
+  EXPECT_TEXT(L"010203", change([](CBinaryData& d) { d.Append(static_cast<unsigned char>(3)); }));
+  EXPECT_TEXT(L"01020102", change([](CBinaryData& d) { d.Append(d); }));
+  EXPECT_TEXT(L"FF02", change([](CBinaryData& d) { d[0] = 0xFF; }));
+  EXPECT_TEXT(L"01", change([](CBinaryData& d) { d.Truncate(1); }));
+  EXPECT_TEXT(L"", change([](CBinaryData& d) { d.Clear(); }));
+  EXPECT_TEXT(L"", change([](CBinaryData& d) {
+                unsigned long length = 0;
+                const std::unique_ptr<unsigned char[]> bytes(d.ReleaseData(&length));
+                ASSERT_EQ(2u, length);
+                bytes[0] = 9;
+              }));
 }
 
 TEST(BinaryData, AppendsAndSetsItsOwnBytes) {
@@ -91,16 +91,16 @@ TEST(BinaryData, AppendsAndSetsItsOwnBytes) {
   EXPECT_EQ(2, data[2047]);
   data.SetBuffer(data.GetData() + 1, 3);
   data = *&data;
-  EXPECT_WIDE_EQ(L"020102", data.GetAsHexString());
+  EXPECT_TEXT(L"020102", data.GetAsHexString());
 }
 
 TEST(BinaryData, WideTextIsItsRawBytesWithoutTerminator) {
-  EXPECT_WIDE_EQ(L"6100000000F60100", CBinaryData(L"a\U0001F600").GetAsHexString());
+  EXPECT_TEXT(L"6100000000F60100", CBinaryData(L"a\U0001F600").GetAsHexString());
   CBinaryData data;
   data.SetBuffer(L"b");
   data.Append(L'c');
   data.Append(std::wstring(L"d\0e", 3));
-  EXPECT_WIDE_EQ(L"620000006300000064000000", data.GetAsHexString());
+  EXPECT_TEXT(L"620000006300000064000000", data.GetAsHexString());
 }
 
 TEST(BinaryData, AnEmptyOrMovedFromBufferIsUsable) {
@@ -110,8 +110,8 @@ TEST(BinaryData, AnEmptyOrMovedFromBufferIsUsable) {
   data.Append(nullptr, 0);
   data.SetBuffer(static_cast<const wchar_t*>(nullptr));
   data.SetAsBase64(nullptr);
-  EXPECT_RK_THROWS(CRkException, L"Index Out of range [0]", data[0]);
-  EXPECT_RK_THROWS(CRkException, L"Index Out of range [18446744073709551615]", data[~0ul]);
+  EXPECT_THROWS(CRkException, L"Index Out of range [0]", data[0]);
+  EXPECT_THROWS(CRkException, L"Index Out of range [18446744073709551615]", data[~0ul]);
   data = Hex(L"01");
   const CBinaryData moved = std::move(data);
   data.Append(moved);
@@ -122,8 +122,8 @@ TEST(BinaryData, HolderDemandsExclusiveUse) {
   CDataHolder* const holder = new CDataHolder();
   holder->AddRef();
   const unsigned char byte = 1;
-  EXPECT_RK_THROWS(CRkException, L"Failed to append. [RefCount=2]", holder->Append(&byte, 1));
-  EXPECT_RK_THROWS(CRkException, L"Failed to release data. [RefCount=1]", holder->Release(true));
+  EXPECT_THROWS(CRkException, L"Failed to append. [RefCount=2]", holder->Append(&byte, 1));
+  EXPECT_THROWS(CRkException, L"Failed to release data. [RefCount=1]", holder->Release(true));
   holder->Append(&byte, 1);
   EXPECT_EQ(1u, holder->GetLength());
   holder->AddRef();

@@ -43,33 +43,33 @@ TEST(Decimal, ParsesAndPrintsWithoutTrailingZeros) {
       {L"-0." + std::wstring(30, L'9') + L"6", L"-1"},
       {L"9." + std::wstring(31, L'9'), L"10"},
   };
-  for (const auto& [text, value] : cases) EXPECT_WIDE_EQ(value, Parsed(text)) << Narrow(text);
+  for (const auto& [text, value] : cases) EXPECT_TEXT(value, Parsed(text)) << Narrow(text);
   const std::wstring longText(2000, L'7');
-  EXPECT_WIDE_EQ(longText, Parsed(longText));
+  EXPECT_TEXT(longText, Parsed(longText));
 }
 
 TEST(Decimal, ReportsTheFirstForeignCharacterWithItsPosition) {
   const Rows<Wide, int> cases = {{L"12a", 2},   {L"1.2-", 3}, {L"1.2.3", 3}, {L"1e5x", 3},
                                  {L"1e5 6", 4}, {L"1e.5", 2}, {L"x", 0}};
   for (const auto& [text, position] : cases)
-    EXPECT_RK_THROWS(CRkInvalidValueException,
-                     L"The string representing a Decimal, contained an invalid char at position " +
-                         std::to_wstring(position) + L" [" + text + L"].",
-                     CDecimal(text));
-  EXPECT_RK_THROWS(CRkInvalidValueException,
-                   L"The exponent of the Decimal [1e99999999999999999999] is to large, the largest is 10000.",
-                   CDecimal(L"1e99999999999999999999"));
+    EXPECT_THROWS(CRkInvalidValueException,
+                  L"The string representing a Decimal, contained an invalid char at position " +
+                      std::to_wstring(position) + L" [" + text + L"].",
+                  CDecimal(text));
+  EXPECT_THROWS(CRkInvalidValueException,
+                L"The exponent of the Decimal [1e99999999999999999999] is to large, the largest is 10000.",
+                CDecimal(L"1e99999999999999999999"));
 }
 
 TEST(Decimal, KeepsBothPartsWithOneSignAndTheShortestDivider) {
   const CDecimal value(L"-0.50");
   EXPECT_EQ(-1, value.GetIntegerPart().GetSign());
-  EXPECT_WIDE_EQ(L"-5", value.GetFractionPart().ToString());
+  EXPECT_TEXT(L"-5", value.GetFractionPart().ToString());
   EXPECT_EQ(1, value.GetFractionalDivider());
   EXPECT_EQ(1, CDecimal(7).GetFractionalDivider());
-  EXPECT_WIDE_EQ(L"0.5", CDecimal(CBigInteger(1), CBigInteger(-5), 1).ToString());
-  EXPECT_WIDE_EQ(L"3.5", CDecimal(CBigInteger(1), CBigInteger(250), 2).ToString());
-  EXPECT_WIDE_EQ(L"-0.05", CDecimal(CBigInteger(0), CBigInteger(-5), 2).ToString());
+  EXPECT_TEXT(L"0.5", CDecimal(CBigInteger(1), CBigInteger(-5), 1).ToString());
+  EXPECT_TEXT(L"3.5", CDecimal(CBigInteger(1), CBigInteger(250), 2).ToString());
+  EXPECT_TEXT(L"-0.05", CDecimal(CBigInteger(0), CBigInteger(-5), 2).ToString());
 }
 
 TEST(Decimal, AgreesWithIntegersScaledByHand) {
@@ -98,16 +98,16 @@ TEST(Decimal, AgreesWithIntegersScaledByHand) {
 }
 
 TEST(Decimal, ArithmeticKeepsThirtyDigits) {
-  EXPECT_WIDE_EQ(L"0." + std::wstring(30, L'3'), (Dec(L"1") / Dec(L"3")).ToString());
-  EXPECT_WIDE_EQ(L"-0." + std::wstring(30, L'6'), (Dec(L"-2") / Dec(L"3")).ToString());  // truncated
-  EXPECT_WIDE_EQ(L"0", (Dec(L"1e-20") * Dec(L"1e-20")).ToString());
-  EXPECT_WIDE_EQ(L"2.5", (Dec(L"1.25") * Dec(L"2")).ToString());
-  EXPECT_WIDE_EQ(L"0", (Dec(L"0.1") - Dec(L"0.1")).ToString());
+  EXPECT_TEXT(L"0." + std::wstring(30, L'3'), (Dec(L"1") / Dec(L"3")).ToString());
+  EXPECT_TEXT(L"-0." + std::wstring(30, L'6'), (Dec(L"-2") / Dec(L"3")).ToString());  // truncated
+  EXPECT_TEXT(L"0", (Dec(L"1e-20") * Dec(L"1e-20")).ToString());
+  EXPECT_TEXT(L"2.5", (Dec(L"1.25") * Dec(L"2")).ToString());
+  EXPECT_TEXT(L"0", (Dec(L"0.1") - Dec(L"0.1")).ToString());
   CDecimal n(L"-0.5");
-  EXPECT_WIDE_EQ(L"-0.5", (n++).ToString());
-  EXPECT_WIDE_EQ(L"0.5", n.ToString());
-  EXPECT_WIDE_EQ(L"-0.5", (--n).ToString());
-  EXPECT_RK_THROWS(CRkInvalidValueException, L"ERROR: Overflow in operator/.", n / CDecimal(0));
+  EXPECT_TEXT(L"-0.5", (n++).ToString());
+  EXPECT_TEXT(L"0.5", n.ToString());
+  EXPECT_TEXT(L"-0.5", (--n).ToString());
+  EXPECT_THROWS(CRkInvalidValueException, L"ERROR: Overflow in operator/.", n / CDecimal(0));
 }
 
 TEST(Decimal, RescalingRoundsHalfTowardZeroAndCarries) {
@@ -115,14 +115,13 @@ TEST(Decimal, RescalingRoundsHalfTowardZeroAndCarries) {
                                        {L"1.5", 3, L"1.500"},     {L"0.995", 2, L"0.99"},  {L"0.996", 2, L"1.00"},
                                        {L"-9.999", 2, L"-10.00"}, {L"-0.001", 2, L"0.00"}, {L"12", 2, L"12.00"},
                                        {L"0.04999", 1, L"0.0"}};
-  for (const auto& [text, digits, expected] : cases)
-    EXPECT_WIDE_EQ(expected, CDecimal(text).ToString(digits)) << digits;
-  EXPECT_WIDE_EQ(L"2", Dec(L"2.5").ToBigInteger().ToString());
-  EXPECT_WIDE_EQ(L"3", Dec(L"2.51").ToBigInteger().ToString());
+  for (const auto& [text, digits, expected] : cases) EXPECT_TEXT(expected, CDecimal(text).ToString(digits)) << digits;
+  EXPECT_TEXT(L"2", Dec(L"2.5").ToBigInteger().ToString());
+  EXPECT_TEXT(L"3", Dec(L"2.51").ToBigInteger().ToString());
   CDecimal a(L"1.5"), b(L"2.125");
   CDecimal::Normalize(a, b);
   EXPECT_EQ(3, a.GetFractionalDivider());
-  EXPECT_WIDE_EQ(L"500", a.GetFractionPart().ToString());
+  EXPECT_TEXT(L"500", a.GetFractionPart().ToString());
 }
 
 TEST(Decimal, ZerosOfBothSignsAreOneValue) {
@@ -137,15 +136,14 @@ TEST(Decimal, ConvertsToAndFromMachineNumbers) {
   EXPECT_EQ(0, CDecimal(CBigInteger(0), CBigInteger(-1), 400).ToDouble());  // too small is not too large
   EXPECT_EQ(-2, Dec(L"-2.9").ToLong());
   EXPECT_EQ(std::numeric_limits<long long>::min(), Dec(L"-9223372036854775808").ToLongLong());
-  EXPECT_RK_THROWS(CRkOverFlowException, L"The Decimal value if to large to fit into a Double",
-                   Dec(L"1e309").ToDouble());
-  EXPECT_RK_THROWS(CRkOverFlowException, L"The Decimal value if to large to fit into a LONGLONG",
-                   Dec(L"9223372036854775808").ToLongLong());
-  EXPECT_RK_THROWS(CRkOverFlowException, L"The Decimal value if to large to fit into a LONG", Dec(L"1e20").ToLong());
-  EXPECT_WIDE_EQ(L"0.1", CDecimal(0.1).ToString());
-  EXPECT_WIDE_EQ(L"9.699999999999999", CDecimal(9.7).ToString());  // sixteen digits
-  EXPECT_WIDE_EQ(L"-1" + std::wstring(300, L'0'), CDecimal(-1e300).ToString());
-  EXPECT_WIDE_EQ(L"0", CDecimal(5e-324).ToString());
-  EXPECT_RK_THROWS(CRkInvalidValueException, L"The double is not a finite number",
-                   CDecimal(std::numeric_limits<double>::infinity()));
+  EXPECT_THROWS(CRkOverFlowException, L"The Decimal value if to large to fit into a Double", Dec(L"1e309").ToDouble());
+  EXPECT_THROWS(CRkOverFlowException, L"The Decimal value if to large to fit into a LONGLONG",
+                Dec(L"9223372036854775808").ToLongLong());
+  EXPECT_THROWS(CRkOverFlowException, L"The Decimal value if to large to fit into a LONG", Dec(L"1e20").ToLong());
+  EXPECT_TEXT(L"0.1", CDecimal(0.1).ToString());
+  EXPECT_TEXT(L"9.699999999999999", CDecimal(9.7).ToString());  // sixteen digits
+  EXPECT_TEXT(L"-1" + std::wstring(300, L'0'), CDecimal(-1e300).ToString());
+  EXPECT_TEXT(L"0", CDecimal(5e-324).ToString());
+  EXPECT_THROWS(CRkInvalidValueException, L"The double is not a finite number",
+                CDecimal(std::numeric_limits<double>::infinity()));
 }

@@ -49,8 +49,8 @@ struct Sweep {
   }
 
   void Expect() const {
-    EXPECT_WIDE_EQ(L"", unstable);
-    EXPECT_WIDE_EQ(L"", foreign);
+    EXPECT_TEXT(L"", unstable);
+    EXPECT_TEXT(L"", foreign);
     EXPECT_GT(read, 0U);
   }
 };

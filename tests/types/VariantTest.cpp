@@ -13,11 +13,8 @@ namespace {
 // An object that tells when it goes.
 class CProbe : public CElement {
  public:
-  explicit CProbe(bool& gone) : m_gone(gone) {}
-  ~CProbe() override { m_gone = true; }
-
- private:
-  bool& m_gone;
+  ~CProbe() override { gone = true; }
+  static inline bool gone = false;
 };
 
 const struct {
@@ -59,8 +56,8 @@ TEST(Variant, EveryKindRoundTripsThroughTextCopiesAndMoves) {
   for (const auto& kind : kKinds) {
     reused.FromString(kind.text, kind.type);
     EXPECT_EQ(kind.type, reused.GetItemType());
-    EXPECT_WIDE_EQ(kind.name, reused.GetType());
-    EXPECT_WIDE_EQ(kind.text, reused.ToString());
+    EXPECT_TEXT(kind.name, reused.GetType());
+    EXPECT_TEXT(kind.text, reused.ToString());
     for (const auto& other : kKinds) {
       RkVariant target;
       target.FromString(other.text, other.type);
@@ -73,36 +70,35 @@ TEST(Variant, EveryKindRoundTripsThroughTextCopiesAndMoves) {
       ASSERT_EQ(std::wstring(kind.text), target.ToString());
     }
     std::wstring scratch;
-    EXPECT_WIDE_EQ(kind.text, std::wstring(reused.GetText(scratch)));
+    EXPECT_TEXT(kind.text, std::wstring(reused.GetText(scratch)));
     // Nil keeps the type, and the next value ends it.
     reused.SetNil();
     EXPECT_TRUE(reused.IsNil() && reused.IsValid());
-    EXPECT_WIDE_EQ(kind.name, reused.GetType());
+    EXPECT_TEXT(kind.name, reused.GetType());
     reused.FromString(kind.text);
     EXPECT_FALSE(reused.IsNil());
-    EXPECT_WIDE_EQ(kind.text, reused.ToString());
+    EXPECT_TEXT(kind.text, reused.ToString());
   }
 }
 
 TEST(Variant, StartsInvalidAndTellsWrongTypes) {
   RkVariant v;
   EXPECT_FALSE(v.IsValid());
-  EXPECT_RK_THROWS(CRkException, L"Invalid Type 0", v.GetType());
-  EXPECT_RK_THROWS(CRkException, L"Invalid Type 0 to convert to string", v.ToString());
-  EXPECT_RK_THROWS(CRkException, L"Invalid Type 0 to convert to string", v.FromString(L"1"));
-  EXPECT_RK_THROWS(CRkException, L"Invalid Type 30 to convert to string",
-                   v.FromString(L"1", static_cast<ItemType>(30)));
+  EXPECT_THROWS(CRkException, L"Invalid Type 0", v.GetType());
+  EXPECT_THROWS(CRkException, L"Invalid Type 0 to convert to string", v.ToString());
+  EXPECT_THROWS(CRkException, L"Invalid Type 0 to convert to string", v.FromString(L"1"));
+  EXPECT_THROWS(CRkException, L"Invalid Type 30 to convert to string", v.FromString(L"1", static_cast<ItemType>(30)));
   v.SetNil();
   EXPECT_TRUE(v.IsValid() && v.IsNil());
   EXPECT_EQ(ItemType_none, v.GetItemType());
   v.SetI4(42);
   EXPECT_FALSE(v.IsNil());
-  EXPECT_RK_THROWS(CRkException, L"Invalid Type 5", v.GetI8());
-  EXPECT_RK_THROWS(CRkException, L"Invalid Type 5", v.GetString());
+  EXPECT_THROWS(CRkException, L"Invalid Type 5", v.GetI8());
+  EXPECT_THROWS(CRkException, L"Invalid Type 5", v.GetString());
   EXPECT_EQ(nullptr, v.GetXmlObject().Get());
   v.SetDecimal(CDecimal(L"1.5"));
   v.SetNil();
-  EXPECT_WIDE_EQ(L"0", v.GetDecimal().ToString());
+  EXPECT_TEXT(L"0", v.GetDecimal().ToString());
   v.SetInvalid();
   EXPECT_FALSE(v.IsValid());
 }
@@ -110,8 +106,8 @@ TEST(Variant, StartsInvalidAndTellsWrongTypes) {
 TEST(Variant, AFailedReadKeepsValueAndType) {
   RkVariant v;
   v.FromString(L"12", ItemType_int);
-  EXPECT_RK_THROWS(CRkInvalidValueException, L"The value [x] can not be converted to a r8",
-                   v.FromString(L"x", ItemType_double, CWhitespaceUtils::collapse));
+  EXPECT_THROWS(CRkInvalidValueException, L"The value [x] can not be converted to a r8",
+                v.FromString(L"x", ItemType_double, CWhitespaceUtils::collapse));
   EXPECT_EQ(12, v.GetI4());
 }
 
@@ -122,27 +118,26 @@ TEST(Variant, CollapsesWhiteSpaceUnlessToldOtherwise) {
   v.FromString(L" ", ItemType_char);
   EXPECT_EQ(L' ', v.GetChar());
   v.FromString(L" a  b ", ItemType_string, CWhitespaceUtils::collapse);
-  EXPECT_WIDE_EQ(L"a b", v.GetString());
+  EXPECT_TEXT(L"a b", v.GetString());
 }
 
 TEST(Variant, FormatsReachNumbersOnly) {
   RkVariant v;
   v.SetR8(2.5);
-  EXPECT_WIDE_EQ(L"2.50", v.ToString(L"%.2f"));
+  EXPECT_TEXT(L"2.50", v.ToString(L"%.2f"));
   v.SetDecimal(CDecimal(L"2.5"));
-  EXPECT_WIDE_EQ(L"2.50", v.ToString(L"%.2f"));
-  EXPECT_WIDE_EQ(L"2.5", v.ToString(L"G"));
+  EXPECT_TEXT(L"2.50", v.ToString(L"%.2f"));
+  EXPECT_TEXT(L"2.5", v.ToString(L"G"));
   v.SetDate(CDateTime(2024, 2, 29));
-  EXPECT_WIDE_EQ(L"2024-02-29", v.ToString(L"yyyy"));
+  EXPECT_TEXT(L"2024-02-29", v.ToString(L"yyyy"));
 }
 
 TEST(Variant, CountsTheObjectItHolds) {
-  bool gone = false;
-  CProbe* const object = new CProbe(gone);
+  auto* const object = new CProbe;
   RkVariant v;
   v.SetXmlObject(object);
-  EXPECT_RK_THROWS(CRkException, L"Invalid Type 27", v.GetType());
-  EXPECT_RK_THROWS(CRkException, L"Invalid Type 27 to convert to string", v.ToString());
+  EXPECT_THROWS(CRkException, L"Invalid Type 27", v.GetType());
+  EXPECT_THROWS(CRkException, L"Invalid Type 27 to convert to string", v.ToString());
   EXPECT_EQ(1, object->GetRefCount());
   {
     RkVariant copy(v);
@@ -157,9 +152,9 @@ TEST(Variant, CountsTheObjectItHolds) {
   }
   v = *&v;
   v.SetXmlObject(object);  // the only reference is not lost on the way
-  EXPECT_FALSE(gone);
+  EXPECT_FALSE(CProbe::gone);
   v.SetXmlObject(nullptr);
-  EXPECT_TRUE(gone);
+  EXPECT_TRUE(CProbe::gone);
   EXPECT_EQ(nullptr, v.GetXmlObject().Get());
 }
 
@@ -168,11 +163,11 @@ TEST(Variant, TakesItsOwnValueAgain) {
   v.SetString(L"a text that is longer than a short string");
   v.SetString(v.GetString());
   v.SetString(std::wstring_view(v.GetString()).substr(2, 4));
-  EXPECT_WIDE_EQ(L"text", v.GetString());
+  EXPECT_TEXT(L"text", v.GetString());
   v.SetString(std::move(const_cast<std::wstring&>(v.GetString())));
-  EXPECT_WIDE_EQ(L"text", v.GetString());
+  EXPECT_TEXT(L"text", v.GetString());
   v.SetDate(CDateTime(2024, 2, 29));
   v.SetDateTime(v.GetDate());
   EXPECT_EQ(ItemType_dateTime, v.GetItemType());
-  EXPECT_WIDE_EQ(L"2024-02-29", v.GetDateTime().ToString());
+  EXPECT_TEXT(L"2024-02-29", v.GetDateTime().ToString());
 }

@@ -17,7 +17,7 @@ TEST(Whitespace, RulesChangeOnlyTheFourXmlCharacters) {
       {CWhitespaceUtils::collapse, L"\x00A0 a\v", L"\x00A0 a\v"},
   };
   for (const auto& [rule, text, expected] : cases)
-    EXPECT_WIDE_EQ(expected, CWhitespaceUtils::ApplyRule(rule, std::wstring(text)));
+    EXPECT_TEXT(expected, CWhitespaceUtils::ApplyRule(rule, std::wstring(text)));
 }
 
 TEST(Whitespace, AViewIsCopiedOnlyWhenCharactersInsideChange) {
@@ -30,6 +30,6 @@ TEST(Whitespace, AViewIsCopiedOnlyWhenCharactersInsideChange) {
 }
 
 TEST(Whitespace, AnUnknownRuleThrows) {
-  EXPECT_RK_THROWS(CRkException, L"Unknown WhitespaceRule",
-                   CWhitespaceUtils::ApplyRule(static_cast<CWhitespaceUtils::WhitespaceRule>(7), std::wstring(L"a")));
+  EXPECT_THROWS(CRkException, L"Unknown WhitespaceRule",
+                CWhitespaceUtils::ApplyRule(static_cast<CWhitespaceUtils::WhitespaceRule>(7), std::wstring(L"a")));
 }

@@ -36,7 +36,7 @@ TEST(Element, WritesTheInfosetThatItRead) {
       {L"<a xmlns:p='urn:p' xmlns:i='http://www.w3.org/2001/XMLSchema-instance' i:type='p:T' t='i:nil'/>",
        L"<a xmlns:i=\"http://www.w3.org/2001/XMLSchema-instance\" xmlns:p=\"urn:p\" i:type=\"p:T\" t=\"i:nil\"/>"},
   };
-  for (const auto& [read, written] : kRows) EXPECT_WIDE_EQ(written, Rewritten(read));
+  for (const auto& [read, written] : kRows) EXPECT_TEXT(written, Rewritten(read));
 }
 
 TEST(Element, DeclaresPrefixesAgainWhereItStandsInAnotherTree) {
@@ -44,7 +44,7 @@ TEST(Element, DeclaresPrefixesAgainWhereItStandsInAnotherTree) {
   source.FromXml(L"<s xmlns:p='urn:p'><x ref='p:b'><y ref='p:c'/></x></s>");
   CElement target(L"t");
   target.AddChild(source.GetChild(0));
-  EXPECT_WIDE_EQ(L"<t><x xmlns:p=\"urn:p\" ref=\"p:b\"><y ref=\"p:c\"/></x></t>", target.ToXml(false, false));
+  EXPECT_TEXT(L"<t><x xmlns:p=\"urn:p\" ref=\"p:b\"><y ref=\"p:c\"/></x></t>", target.ToXml(false, false));
 
   // The settings bind the prefix to another namespace: their names come first, and only a type can be written so that
   // it keeps its meaning.
@@ -62,10 +62,10 @@ TEST(Element, KeepsCDataSectionsThatTheSettingsKeep) {
   CSerializationContext keep;
   keep.SetStripCDATA(false);
   const wchar_t* const text = L"<a><![CDATA[1 < 2]]></a>";
-  EXPECT_WIDE_EQ(text, Rewritten(text, keep));
-  EXPECT_WIDE_EQ(L"<a>1 &lt; 2</a>", Rewritten(text));
+  EXPECT_TEXT(text, Rewritten(text, keep));
+  EXPECT_TEXT(L"<a>1 &lt; 2</a>", Rewritten(text));
   const wchar_t* const mixed = L"<a>x &lt; <![CDATA[<y>]]> &amp; <![CDATA[z]]>&gt;</a>";
-  EXPECT_WIDE_EQ(mixed, Rewritten(mixed, keep));
+  EXPECT_TEXT(mixed, Rewritten(mixed, keep));
 }
 
 TEST(Element, AsRootItCarriesWhatTheSettingsAdd) {
@@ -78,7 +78,7 @@ TEST(Element, AsRootItCarriesWhatTheSettingsAdd) {
   CElement root(L"r", L"urn:d");
   root.SetAttribute(L"own", L"2");
   root.AddNewChild(L"c", L"urn:x", L"v");
-  EXPECT_WIDE_EQ(
+  EXPECT_TEXT(
       L"<?go now?>\n\n<r xmlns=\"urn:d\" xmlns:x=\"urn:x\" x:extra=\"1\" own=\"2\"> \n<schema/>\n<x:c>v</x:c></r>",
       root.ToXml(false, false, EOLType_LF, context));
 }
@@ -91,28 +91,28 @@ TEST(Element, TakesAsMemberWhatItsConstraintAdmits) {
   CXmlElement* const target = local->GetNextSiblingElement();
   CElement element(L"AnyElement", L"urn:before", L"##targetNamespace", L"urn:t");
   EXPECT_EQ(local, element.FromXml_Int(root, local, GetDefaultContext(), false));
-  EXPECT_WIDE_EQ(L"AnyElement", element.GetElementName());
-  EXPECT_WIDE_EQ(L"urn:before", element.GetNamespace());
+  EXPECT_TEXT(L"AnyElement", element.GetElementName());
+  EXPECT_TEXT(L"urn:before", element.GetNamespace());
   EXPECT_EQ(nullptr, element.FromXml_Int(root, target, GetDefaultContext(), false));
-  EXPECT_WIDE_EQ(L"t", element.GetElementName());
-  EXPECT_WIDE_EQ(L"urn:t", element.GetNamespace());
+  EXPECT_TEXT(L"t", element.GetElementName());
+  EXPECT_TEXT(L"urn:t", element.GetNamespace());
   EXPECT_EQ(target, CElement(L"e", L"", nullptr, L"urn:t").FromXml_Int(root, local, GetDefaultContext(), false));
   EXPECT_EQ(nullptr, element.FromXml_Int(root, nullptr, GetDefaultContext(), false));
 }
 
 TEST(Element, RefusesInItsOwnCallsWhatItsConstraintForbids) {
   CElement element(L"e", L"urn:t", L"##targetNamespace", L"urn:t");
-  EXPECT_RK_THROWS(CRkInvalidNamespaceException, L"Invalid Namespace [urn:o].", element.FromXml(L"<x xmlns='urn:o'/>"));
-  EXPECT_RK_THROWS(CRkInvalidNamespaceException, L"Invalid Namespace [].", element.SetNamespace(nullptr));
-  EXPECT_WIDE_EQ(L"<AA:e xmlns:AA=\"urn:t\"/>", element.ToXml(false, false));
+  EXPECT_THROWS(CRkInvalidNamespaceException, L"Invalid Namespace [urn:o].", element.FromXml(L"<x xmlns='urn:o'/>"));
+  EXPECT_THROWS(CRkInvalidNamespaceException, L"Invalid Namespace [].", element.SetNamespace(nullptr));
+  EXPECT_TEXT(L"<AA:e xmlns:AA=\"urn:t\"/>", element.ToXml(false, false));
   element.SetNamespace(L"urn:t");
 
   CElement other;
-  EXPECT_RK_THROWS(CRkInvalidStateException, L"The element has no name.", CElement().ToXml());
-  EXPECT_RK_THROWS(CRkInvalidParamException, L"The child element may not be NULL", element.AddChild(nullptr));
-  EXPECT_RK_THROWS(CRkInvalidParamException, L"Index 0 is out of range, use 0 - 0", element.GetChild(0));
-  EXPECT_RK_THROWS(CRkInvalidParamException, L"Index 2 is out of range, use 0 - 0", element.InsertChild(2, &other));
-  EXPECT_RK_THROWS(CRkInvalidParamException, L"An element may not be its own child", element.AddChild(&element));
+  EXPECT_THROWS(CRkInvalidStateException, L"The element has no name.", CElement().ToXml());
+  EXPECT_THROWS(CRkInvalidParamException, L"The child element may not be NULL", element.AddChild(nullptr));
+  EXPECT_THROWS(CRkInvalidParamException, L"Index 0 is out of range, use 0 - 0", element.GetChild(0));
+  EXPECT_THROWS(CRkInvalidParamException, L"Index 2 is out of range, use 0 - 0", element.InsertChild(2, &other));
+  EXPECT_THROWS(CRkInvalidParamException, L"An element may not be its own child", element.AddChild(&element));
 }
 
 TEST(Element, FindsAndChangesItsContent) {
@@ -126,12 +126,12 @@ TEST(Element, FindsAndChangesItsContent) {
   e.RemoveChild(1);
   e.SetAttribute(L"k", L"1");
   e.SetAttribute(L"k", L"2");
-  EXPECT_WIDE_EQ(L"2", e.GetAttribute(L"k"));
-  EXPECT_WIDE_EQ(L"", e.GetAttribute(L"k", L"urn:x"));
+  EXPECT_TEXT(L"2", e.GetAttribute(L"k"));
+  EXPECT_TEXT(L"", e.GetAttribute(L"k", L"urn:x"));
   e.SetText(L" ");
-  EXPECT_WIDE_EQ(L"<e k=\"2\"><a/><b/></e>", e.ToXml(false, false));
+  EXPECT_TEXT(L"<e k=\"2\"><a/><b/></e>", e.ToXml(false, false));
   e.FromXml(L"<new/>");  // replaces all that it held
-  EXPECT_WIDE_EQ(L"<new/>", e.ToXml(false, false));
+  EXPECT_TEXT(L"<new/>", e.ToXml(false, false));
 }
 
 TEST(Element, FillsAnotherObjectWithAllCharacters) {
@@ -140,8 +140,8 @@ TEST(Element, FillsAnotherObjectWithAllCharacters) {
   CElement target;
   target.FromXmlElement(&source);
   EXPECT_EQ(source.ToXmlStream(), target.ToXmlStream());
-  EXPECT_RK_THROWS(CRkException, L"The document contains no element.",
-                   target.FromXmlElement(static_cast<const CElement*>(nullptr)));
+  EXPECT_THROWS(CRkException, L"The document contains no element.",
+                target.FromXmlElement(static_cast<const CElement*>(nullptr)));
 }
 
 // A document 100,000 levels deep, through everything that an element does, on a stack of 256 KiB.
@@ -174,7 +174,7 @@ TEST(Element, SharedPartsOutliveTheTree) {
   }
   EXPECT_EQ(1, kept->GetRefCount());
   EXPECT_EQ(2, grandchild->GetRefCount());
-  EXPECT_WIDE_EQ(L"<a><b><c/></b></a>", kept->ToXml(false, false));
+  EXPECT_TEXT(L"<a><b><c/></b></a>", kept->ToXml(false, false));
   kept = nullptr;
   EXPECT_EQ(1, grandchild->GetRefCount());
 }
@@ -191,11 +191,11 @@ TEST(Element, NamespacesAreHeldOnceADocument) {
     attributes.FromXml_Int(root, nullptr, GetDefaultContext(), false);
   }
   const wchar_t* const uri = col.Item(0)->GetNamespace();
-  EXPECT_WIDE_EQ(L"urn:n", uri);
+  EXPECT_TEXT(L"urn:n", uri);
   EXPECT_EQ(uri, col.Item(1)->GetNamespace());
   EXPECT_EQ(uri, col.Item(0)->GetAttributes()->Item(0)->GetNamespace());
   EXPECT_EQ(uri, attributes.Item(0)->GetNamespace());
-  EXPECT_WIDE_EQ(L"<p:a xmlns:p=\"urn:n\">p:t</p:a>", col.Item(1)->ToXml(false, false));
+  EXPECT_TEXT(L"<p:a xmlns:p=\"urn:n\">p:t</p:a>", col.Item(1)->ToXml(false, false));
 }
 
 TEST(ElementCol, TakesARunOfAdmittedElements) {
@@ -206,10 +206,10 @@ TEST(ElementCol, TakesARunOfAdmittedElements) {
   CElementCol col(L"AnyElement", L"", 0, -1, L"##other", L"urn:t");
   CXmlElement* const rest = col.FromXml_Int(root, first, GetDefaultContext(), false);
   ASSERT_NE(nullptr, rest);
-  EXPECT_WIDE_EQ(L"c", rest->GetLocalName().c_str());
+  EXPECT_TEXT(L"c", rest->GetLocalName().c_str());
   EXPECT_EQ(3, col.GetCount());
-  EXPECT_WIDE_EQ(L"1", col.Find(L"b", L"urn:o")->GetText());
-  EXPECT_WIDE_EQ(L"##other", col.Item(2)->GetNamespaceConstraint());
+  EXPECT_TEXT(L"1", col.Find(L"b", L"urn:o")->GetText());
+  EXPECT_TEXT(L"##other", col.Item(2)->GetNamespaceConstraint());
 
   CElementCol locked;
   EXPECT_EQ(first, locked.FromXmlLockElementName_Int(L"b", L"", root, first, GetDefaultContext()));
@@ -222,9 +222,9 @@ TEST(ElementCol, TakesARunOfAdmittedElements) {
 TEST(ElementCol, RefusesByHandWhatItsConstraintForbids) {
   CElementCol col(L"AnyElement", L"", 0, -1, L"##local", L"urn:t");
   CSmartPtr<CElement> foreign(new CElement(L"x", L"urn:x"));
-  EXPECT_RK_THROWS(CRkInvalidNamespaceException, L"Invalid Namespace [urn:x].", col.Add(foreign));
-  EXPECT_RK_THROWS(CRkInvalidNamespaceException, L"Invalid Namespace [urn:x].", col.AddItemAt(0, foreign));
-  EXPECT_RK_THROWS(CRkInvalidNamespaceException, L"Invalid Namespace [urn:x].", col.AddBeforeItem(nullptr, foreign));
+  EXPECT_THROWS(CRkInvalidNamespaceException, L"Invalid Namespace [urn:x].", col.Add(foreign));
+  EXPECT_THROWS(CRkInvalidNamespaceException, L"Invalid Namespace [urn:x].", col.AddItemAt(0, foreign));
+  EXPECT_THROWS(CRkInvalidNamespaceException, L"Invalid Namespace [urn:x].", col.AddBeforeItem(nullptr, foreign));
   EXPECT_EQ(0, col.GetCount());
   col.Add(nullptr);
   col.PrependItem(new CElement(L"y"));
@@ -236,18 +236,18 @@ TEST(AttributeCol, HoldsWhatItsConstraintAdmits) {
   CAttributeCol col(L"##other", L"urn:t");
   col.Add(L"a", L"1", L"");
   col.Add(L"b", L"2", L"urn:o");
-  EXPECT_RK_THROWS(CRkInvalidNamespaceException, L"Invalid Attribute [c]. The attributes namespace is Inappropriate.",
-                   col.Add(L"c", L"3", L"urn:t"));
+  EXPECT_THROWS(CRkInvalidNamespaceException, L"Invalid Attribute [c]. The attributes namespace is Inappropriate.",
+                col.Add(L"c", L"3", L"urn:t"));
   EXPECT_EQ(2, col.GetCount());
-  EXPECT_WIDE_EQ(L"2", col.GetValue(L"b", L"urn:o"));
+  EXPECT_TEXT(L"2", col.GetValue(L"b", L"urn:o"));
   EXPECT_EQ(1, col.Item(0)->GetRefCount());
   CXmlDocument document;
   document.LoadXml(
       L"<r d='4' t:e='5' xmlns:t='urn:t' i:type='x' xmlns:i='http://www.w3.org/2001/XMLSchema-instance'/>");
   col.FromXml_Int(document.GetDocumentElement(), nullptr, GetDefaultContext(), false);
   EXPECT_EQ(3, col.GetCount());
-  EXPECT_WIDE_EQ(L"4", col.GetValue(L"d"));
-  EXPECT_RK_THROWS(CRkException, L"An attribute cannot be read from an element.", CAttribute().FromXml(L"<a/>"));
+  EXPECT_TEXT(L"4", col.GetValue(L"d"));
+  EXPECT_THROWS(CRkException, L"An attribute cannot be read from an element.", CAttribute().FromXml(L"<a/>"));
 }
 
 }  // namespace

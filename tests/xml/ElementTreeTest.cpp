@@ -34,15 +34,15 @@ TEST(ElementTree, NavigatesWhatWasBuilt) {
   EXPECT_EQ(nullptr, second->GetNextSiblingElement());
   EXPECT_EQ(root, second->GetParentElement());
   EXPECT_EQ(&document, second->GetDocument());
-  EXPECT_WIDE_EQ(L"1\n2", first->GetText());
+  EXPECT_TEXT(L"1\n2", first->GetText());
   EXPECT_EQ(first->GetNamespaceRef(), second->GetNamespaceRef());
-  EXPECT_WIDE_EQ(L"8", root->GetAttribute(L"id", L"urn:a"));
-  EXPECT_WIDE_EQ(L"", root->GetAttribute(L"id", L"urn:b"));
+  EXPECT_TEXT(L"8", root->GetAttribute(L"id", L"urn:a"));
+  EXPECT_TEXT(L"", root->GetAttribute(L"id", L"urn:b"));
   ASSERT_EQ(2u, root->GetAttributes().size());
   EXPECT_EQ(root, root->GetAttributes()[1]->GetElement());
   std::wstring values;
   for (const CXmlAttribute* attribute : root->GetAttributes()) values += attribute->GetValue();
-  EXPECT_WIDE_EQ(L"78", values);
+  EXPECT_TEXT(L"78", values);
 }
 
 TEST(ElementTree, TextsAndAttributesGrowBetweenOthers) {
@@ -59,10 +59,10 @@ TEST(ElementTree, TextsAndAttributesGrowBetweenOthers) {
     document.EndElement();
     root->AddAttribute(std::to_wstring(i).c_str(), L"v", nullptr);
   }
-  EXPECT_WIDE_EQ(expected, root->GetText());
+  EXPECT_TEXT(expected, root->GetText());
   EXPECT_EQ(2000u, root->GetAttributes().size());
-  EXPECT_WIDE_EQ(L"v", root->GetAttribute(L"1999", L""));
-  EXPECT_WIDE_EQ(L"between", root->GetFirstElement()->GetText());
+  EXPECT_TEXT(L"v", root->GetAttribute(L"1999", L""));
+  EXPECT_TEXT(L"between", root->GetFirstElement()->GetText());
 }
 
 TEST(ElementTree, PathsUseAliasesAndPositions) {
@@ -88,17 +88,17 @@ TEST(ElementTree, PathsUseAliasesAndPositions) {
   document.AddElementAttribute(only, L"b", L"", L"");
   const CXmlElement* item = document.GetDocumentElement()->GetFirstElement();
   for (const auto& row : rows) {
-    EXPECT_WIDE_EQ(row.path, item->GetXPath());
+    EXPECT_TEXT(row.path, item->GetXPath());
     item = item->GetNextSiblingElement();
   }
-  EXPECT_WIDE_EQ(L"/order/p:only/@p:a", only->GetAttributes()[0]->GetXPath());
-  EXPECT_WIDE_EQ(L"/order/p:only/@b", only->GetAttributes()[1]->GetXPath());
+  EXPECT_TEXT(L"/order/p:only/@p:a", only->GetAttributes()[0]->GetXPath());
+  EXPECT_TEXT(L"/order/p:only/@b", only->GetAttributes()[1]->GetXPath());
 
   document.AddNamespaceAlias(L"p", L"urn:other");
-  EXPECT_WIDE_EQ(L"q:only", only->GetQName());
-  EXPECT_WIDE_EQ(L"urn:other", document.LookupNamespaceFromAlias(L"p"));
-  EXPECT_WIDE_EQ(L"", document.LookupNamespaceFromAlias(L"x"));
-  EXPECT_WIDE_EQ(L"", document.LookupAliasFromNamespace(L"urn:x"));
+  EXPECT_TEXT(L"q:only", only->GetQName());
+  EXPECT_TEXT(L"urn:other", document.LookupNamespaceFromAlias(L"p"));
+  EXPECT_TEXT(L"", document.LookupNamespaceFromAlias(L"x"));
+  EXPECT_TEXT(L"", document.LookupAliasFromNamespace(L"urn:x"));
 }
 
 TEST(ElementTree, KnowsTheAttributesOfTheNamespaceMachinery) {
@@ -163,18 +163,18 @@ TEST(ElementTree, BuildsByHand) {
   a->SetNamespace(L"urn:a");
   a->AppendText(L"one\rtwo", 4);
   a->AppendText(L"\r");
-  EXPECT_WIDE_EQ(L"one\r\r", a->GetText());
-  EXPECT_WIDE_EQ(L"urn:a", a->GetNamespaceURI());
-  EXPECT_WIDE_EQ(L"", b->GetLocalName());
+  EXPECT_TEXT(L"one\r\r", a->GetText());
+  EXPECT_TEXT(L"urn:a", a->GetNamespaceURI());
+  EXPECT_TEXT(L"", b->GetLocalName());
   EXPECT_EQ(b, root->RemoveLastChildElement());
   EXPECT_EQ(nullptr, a->GetNextSiblingElement());
   EXPECT_EQ(a, root->RemoveLastChildElement());
   EXPECT_EQ(nullptr, root->GetFirstElement());
   document.EndElement();
-  EXPECT_RK_THROWS(CRkException, L"There is no open element to end.", document.EndElement());
-  EXPECT_RK_THROWS(CRkException, L"A child element needs an open element.", document.AddChildElement(L"", L"c"));
-  EXPECT_RK_THROWS(CRkException, L"A document has one document element only.", document.AddDocElement(L"", L"r"));
-  EXPECT_RK_THROWS(CRkInvalidParamException, L"An element needs a document.", CXmlElement(nullptr, root));
+  EXPECT_THROWS(CRkException, L"There is no open element to end.", document.EndElement());
+  EXPECT_THROWS(CRkException, L"A child element needs an open element.", document.AddChildElement(L"", L"c"));
+  EXPECT_THROWS(CRkException, L"A document has one document element only.", document.AddDocElement(L"", L"r"));
+  EXPECT_THROWS(CRkInvalidParamException, L"An element needs a document.", CXmlElement(nullptr, root));
 }
 
 }  // namespace

@@ -28,8 +28,8 @@ std::wstring Written(const wchar_t* script, bool formatted = false) {
 }
 
 TEST(XmlTextWriter, PutsElementsOnIndentedLines) {
-  EXPECT_WIDE_EQ(L"<order id=\"7\">\n\t<item>pen</item>\n\t<gift/>\n\t<box>\n\t\t<item/>\n\t</box>\n</order>\n",
-                 Written(L"<order @id=#7 <item 'pen'> <gift ''> <box <item>>>", true));
+  EXPECT_TEXT(L"<order id=\"7\">\n\t<item>pen</item>\n\t<gift/>\n\t<box>\n\t\t<item/>\n\t</box>\n</order>\n",
+              Written(L"<order @id=#7 <item 'pen'> <gift ''> <box <item>>>", true));
 }
 
 TEST(XmlTextWriter, KeepsTextBesideChildrenInPlace) {
@@ -38,8 +38,8 @@ TEST(XmlTextWriter, KeepsTextBesideChildrenInPlace) {
     w.SetEOLType(EOLType_CRLF);
     Replay(w, L"<a 'x' <b>>");
   };
-  EXPECT_WIDE_EQ(L"<a>x  <b/>\r\n</a>\r\n", Written(mixed, true));
-  EXPECT_WIDE_EQ(L"<a>x<b/></a>", Written(mixed));
+  EXPECT_TEXT(L"<a>x  <b/>\r\n</a>\r\n", Written(mixed, true));
+  EXPECT_TEXT(L"<a>x<b/></a>", Written(mixed));
 }
 
 TEST(XmlTextWriter, WritesTheDeclarationForTheEncoding) {
@@ -52,7 +52,7 @@ TEST(XmlTextWriter, WritesTheDeclarationForTheEncoding) {
     CXmlTextWriter writer(stream);
     writer.SetFormat(false);
     writer.WriteStartDocument();
-    EXPECT_WIDE_EQ(declaration, stream.GetText());
+    EXPECT_TEXT(declaration, stream.GetText());
   }
 }
 
@@ -73,42 +73,42 @@ TEST(XmlTextWriter, EscapesTextAndAttributes) {
       w.WriteString(value, ItemType_string);
       w.WriteEndElement();
     });
-    EXPECT_WIDE_EQ(std::wstring(L"<e a=\"") + attribute + L"\">" + text + L"</e>", written);
+    EXPECT_TEXT(std::wstring(L"<e a=\"") + attribute + L"\">" + text + L"</e>", written);
   }
-  EXPECT_WIDE_EQ(L"<e>ab</e>", Written([](CXmlTextWriter& w) { Replay(w, std::wstring_view(L"<e 'ab\0c'>", 10)); }));
+  EXPECT_TEXT(L"<e>ab</e>", Written([](CXmlTextWriter& w) { Replay(w, std::wstring_view(L"<e 'ab\0c'>", 10)); }));
 }
 
 TEST(XmlTextWriter, WritesWhatStandsAroundTheRoot) {
-  EXPECT_WIDE_EQ(L"<!DOCTYPE e>\n<!--a &amp; b-->\n<?go now?>\n\n<e> \n<schema/>\n<raw/></e><?end?>\n",
-                 Written([](CXmlTextWriter& w) {
-                   w.WriteHeaderDirective(L"<!DOCTYPE e>");
-                   w.WriteComment(L"a & b");
-                   w.WritePI(L"<?go now?>");
-                   w.WriteStartElement(L"e", L"");
-                   w.WriteInlineSchema(L"<schema/>");
-                   w.WriteRawElement(L"<raw/>");
-                   w.WriteEndElement();
-                   w.WriteHeaderDirective(L"<?end?>");
-                 }));
+  EXPECT_TEXT(L"<!DOCTYPE e>\n<!--a &amp; b-->\n<?go now?>\n\n<e> \n<schema/>\n<raw/></e><?end?>\n",
+              Written([](CXmlTextWriter& w) {
+                w.WriteHeaderDirective(L"<!DOCTYPE e>");
+                w.WriteComment(L"a & b");
+                w.WritePI(L"<?go now?>");
+                w.WriteStartElement(L"e", L"");
+                w.WriteInlineSchema(L"<schema/>");
+                w.WriteRawElement(L"<raw/>");
+                w.WriteEndElement();
+                w.WriteHeaderDirective(L"<?end?>");
+              }));
 }
 
 TEST(XmlTextWriter, LeavesTheStartTagOpenAtACommentIntended) {
-  EXPECT_WIDE_EQ(L"<e<!--c-->\n/>", Written([](CXmlTextWriter& w) {
-                   w.WriteStartElement(L"e", L"");
-                   w.WriteComment(L"c");
-                   w.WriteEndElement();
-                 }));
+  EXPECT_TEXT(L"<e<!--c-->\n/>", Written([](CXmlTextWriter& w) {
+                w.WriteStartElement(L"e", L"");
+                w.WriteComment(L"c");
+                w.WriteEndElement();
+              }));
 }
 
 TEST(XmlTextWriter, DeclaresGivenNamespacesOnTheRootInOrderOfTheirUris) {
-  EXPECT_WIDE_EQ(L"<e xmlns=\"urn:d&amp;\" xmlns:q=\"urn:1\" xmlns:p=\"urn:2\" q:a=\"v\"><p:c/><e/></e>",
-                 Written([](CXmlTextWriter& w) {
-                   w.AddNamespace(L"gone", L"urn:2");
-                   w.AddNamespace(L"p", L"urn:2");
-                   w.AddNamespace(L"q", L"urn:1");
-                   w.SetDefaultNamespace(L"urn:d&");
-                   Replay(w, L"<e{urn:d&} @a{urn:1}=v <c{urn:2}> <e{urn:d&}>>");
-                 }));
+  EXPECT_TEXT(L"<e xmlns=\"urn:d&amp;\" xmlns:q=\"urn:1\" xmlns:p=\"urn:2\" q:a=\"v\"><p:c/><e/></e>",
+              Written([](CXmlTextWriter& w) {
+                w.AddNamespace(L"gone", L"urn:2");
+                w.AddNamespace(L"p", L"urn:2");
+                w.AddNamespace(L"q", L"urn:1");
+                w.SetDefaultNamespace(L"urn:d&");
+                Replay(w, L"<e{urn:d&} @a{urn:1}=v <c{urn:2}> <e{urn:d&}>>");
+              }));
 }
 
 TEST(XmlTextWriter, TakesAnEmptyAliasForTheDefaultNamespace) {
@@ -117,84 +117,84 @@ TEST(XmlTextWriter, TakesAnEmptyAliasForTheDefaultNamespace) {
     w.AddNamespace(L"", L"urn:2");
     Replay(w, L"<e{urn:1} @a{urn:1}=v <c{urn:2}>>");
   };
-  EXPECT_WIDE_EQ(L"<e xmlns=\"urn:1\" xmlns:AA=\"urn:1\" AA:a=\"v\"><AB:c xmlns:AB=\"urn:2\"/></e>", Written(write));
-  EXPECT_WIDE_EQ(L"<AA:e xmlns:AA=\"urn:1\" xmlns=\"urn:0\" AA:a=\"v\"><AB:c xmlns:AB=\"urn:2\"/></AA:e>",
-                 Written([&](CXmlTextWriter& w) {
-                   w.SetDefaultNamespace(L"urn:0");
-                   write(w);
-                 }));
+  EXPECT_TEXT(L"<e xmlns=\"urn:1\" xmlns:AA=\"urn:1\" AA:a=\"v\"><AB:c xmlns:AB=\"urn:2\"/></e>", Written(write));
+  EXPECT_TEXT(L"<AA:e xmlns:AA=\"urn:1\" xmlns=\"urn:0\" AA:a=\"v\"><AB:c xmlns:AB=\"urn:2\"/></AA:e>",
+              Written([&](CXmlTextWriter& w) {
+                w.SetDefaultNamespace(L"urn:0");
+                write(w);
+              }));
 }
 
 TEST(XmlTextWriter, InventsPrefixesThatEndWithTheirElement) {
-  EXPECT_WIDE_EQ(
+  EXPECT_TEXT(
       L"<AA:r xmlns:AA=\"u1\"><AA:a/><AB:b xmlns:AB=\"u2\"><AC:c xmlns:AC=\"u3\" AB:x=\"\"/></AB:b>"
       L"<AB:d xmlns:AB=\"u3\" xmlns:AC=\"u2\" AC:y=\"\"/></AA:r>",
       Written(L"<r{u1} <a{u1}> <b{u2} <c{u3} @x{u2}=>> <d{u3} @y{u2}=>>"));
-  EXPECT_WIDE_EQ(L"<AB:r xmlns:AB=\"u1\" xmlns:AA=\"u0\"/>", Written([](CXmlTextWriter& w) {
-                   w.AddNamespace(L"AA", L"u0");
-                   Replay(w, L"<r{u1}>");
-                 }));
+  EXPECT_TEXT(L"<AB:r xmlns:AB=\"u1\" xmlns:AA=\"u0\"/>", Written([](CXmlTextWriter& w) {
+                w.AddNamespace(L"AA", L"u0");
+                Replay(w, L"<r{u1}>");
+              }));
 }
 
 TEST(XmlTextWriter, EndsAnElementByTheNameItStartedWith) {
-  EXPECT_WIDE_EQ(L"<AA:r xmlns:AA=\"u1\"><p:c/></AA:r>", Written([](CXmlTextWriter& w) {
-                   w.WriteStartElement(L"r", L"u1");
-                   w.AddNamespace(L"p", L"u1");
-                   Replay(w, L"<c{u1}>");
-                   w.SetDefaultNamespace(L"u1");
-                   w.WriteEndElement();
-                 }));
+  EXPECT_TEXT(L"<AA:r xmlns:AA=\"u1\"><p:c/></AA:r>", Written([](CXmlTextWriter& w) {
+                w.WriteStartElement(L"r", L"u1");
+                w.AddNamespace(L"p", L"u1");
+                Replay(w, L"<c{u1}>");
+                w.SetDefaultNamespace(L"u1");
+                w.WriteEndElement();
+              }));
 }
 
 // Not even after another prefix has taken over its namespace.
 TEST(XmlTextWriter, DeclaresThePrefixOfAStartTagForNothingElse) {
-  EXPECT_WIDE_EQ(L"<AA:r xmlns:AA=\"u1\"><AA:c xmlns:A=\"u1\"/></AA:r>", Written([](CXmlTextWriter& w) {
-                   Replay(w, L"<r{u1} <c{u1}");
-                   EXPECT_TRUE(w.DeclareNamespace(L"A", L"u1"));
-                   EXPECT_FALSE(w.DeclareNamespace(L"AA", L"u2"));
-                   for (const wchar_t* never : {L"", L"xml", L"xmlns"})
-                     EXPECT_FALSE(w.DeclareNamespace(never, L"u2")) << never;
-                   Replay(w, L">>");
-                 }));
+  EXPECT_TEXT(L"<AA:r xmlns:AA=\"u1\"><AA:c xmlns:A=\"u1\"/></AA:r>", Written([](CXmlTextWriter& w) {
+                Replay(w, L"<r{u1} <c{u1}");
+                EXPECT_TRUE(w.DeclareNamespace(L"A", L"u1"));
+                EXPECT_FALSE(w.DeclareNamespace(L"AA", L"u2"));
+                for (const wchar_t* never : {L"", L"xml", L"xmlns"})
+                  EXPECT_FALSE(w.DeclareNamespace(never, L"u2")) << never;
+                Replay(w, L">>");
+              }));
 }
 
 TEST(XmlTextWriter, KeepsTwoBlanksAfterAnInventedTypePrefixIntended) {
   const std::wstring xsi = CXmlWriter::XSI_NAMESPACE;
-  EXPECT_WIDE_EQ(L"<r xmlns=\"d\"><a xmlns:AA=\"t\"  xmlns:AB=\"" + xsi + L"\" AB:type=\"AA:T\"/><b xmlns:AA=\"" + xsi +
-                     L"\" AA:type=\"T\" AA:nil=\"true\"/></r>",
-                 Written([](CXmlTextWriter& w) {
-                   w.SetDefaultNamespace(L"d");
-                   Replay(w, L"<r <a :T{t}> <b :T{d} nil>>");
-                 }));
+  EXPECT_TEXT(L"<r xmlns=\"d\"><a xmlns:AA=\"t\"  xmlns:AB=\"" + xsi + L"\" AB:type=\"AA:T\"/><b xmlns:AA=\"" + xsi +
+                  L"\" AA:type=\"T\" AA:nil=\"true\"/></r>",
+              Written([](CXmlTextWriter& w) {
+                w.SetDefaultNamespace(L"d");
+                Replay(w, L"<r <a :T{t}> <b :T{d} nil>>");
+              }));
 }
 
 TEST(XmlTextWriter, RefusesMisuse) {
   CTextStream stream;
   CXmlTextWriter w(stream);
   const wchar_t* const late = L"Attributes must be added before elements";
-  EXPECT_RK_THROWS(CRkException, late, w.WriteAttributeString(L"a", L"", L"", ItemType_string));
-  EXPECT_RK_THROWS(CRkException, L"There is no open Element to end.", w.WriteEndElement());
+  EXPECT_THROWS(CRkException, late, w.WriteAttributeString(L"a", L"", L"", ItemType_string));
+  EXPECT_THROWS(CRkException, L"There is no open Element to end.", w.WriteEndElement());
   w.WriteString(L"", ItemType_string);
-  EXPECT_RK_THROWS(CRkException, L"Text must be written inside an Element.", w.WriteString(L"x", ItemType_string));
-  EXPECT_RK_THROWS(CRkException, L"Invalid EOL type.", w.SetEOLType(static_cast<EOLType>(2)));
+  EXPECT_THROWS(CRkException, L"Text must be written inside an Element.", w.WriteString(L"x", ItemType_string));
+  EXPECT_THROWS(CRkException, L"Invalid EOL type.", w.SetEOLType(static_cast<EOLType>(2)));
   EXPECT_EQ(EOLType_LF, w.GetEOLType());
   w.WriteStartElement(L"e", L"");
   w.WriteString(L"x", ItemType_string);
-  EXPECT_RK_THROWS(CRkException, late, w.WriteAttributeString(L"a", L"", L"", ItemType_string));
-  EXPECT_RK_THROWS(CRkException, late, w.WriteAttributeType(L"", L"T", ItemType_string));
-  EXPECT_RK_THROWS(CRkException, late, w.WriteAttributeNil());
-  EXPECT_RK_THROWS(CRkException, L"Headed directives must appear before an Element has been added.",
-                   w.WriteHeaderDirective(L"<!DOCTYPE e>"));
-  EXPECT_RK_THROWS(CRkException, L"An Element has not been closed.", w.Close());
-  EXPECT_WIDE_EQ(L"<e>x", stream.GetText());
+  EXPECT_THROWS(CRkException, late, w.WriteAttributeString(L"a", L"", L"", ItemType_string));
+  EXPECT_THROWS(CRkException, late, w.WriteAttributeType(L"", L"T", ItemType_string));
+  EXPECT_THROWS(CRkException, late, w.WriteAttributeNil());
+  EXPECT_THROWS(CRkException, L"Headed directives must appear before an Element has been added.",
+                w.WriteHeaderDirective(L"<!DOCTYPE e>"));
+  EXPECT_THROWS(CRkException, L"An Element has not been closed.", w.Close());
+  EXPECT_TEXT(L"<e>x", stream.GetText());
 }
 
 TEST(XmlWriter, InventsPrefixesPastTheAlphabetIntended) {
-  EXPECT_WIDE_EQ(L"AA", CXmlWriter::NsIntToString(0));
-  EXPECT_WIDE_EQ(L"AZ", CXmlWriter::NsIntToString(25));
-  EXPECT_WIDE_EQ(L"BA", CXmlWriter::NsIntToString(26));
-  EXPECT_WIDE_EQ(L"[A", CXmlWriter::NsIntToString(676));
-  EXPECT_WIDE_EQ(L"AB", CXmlWriter::GetUniquePrefix({{L"u", L"AA"}, {L"v", L"AC"}, {L"w", L"ABC"}}));
+  EXPECT_TEXT(L"AA", CXmlWriter::NsIntToString(0));
+  EXPECT_TEXT(L"AZ", CXmlWriter::NsIntToString(25));
+  EXPECT_TEXT(L"BA", CXmlWriter::NsIntToString(26));
+  EXPECT_TEXT(L"[A", CXmlWriter::NsIntToString(676));
+  EXPECT_TEXT(L"AB", CXmlWriter::GetUniquePrefix({{L"u", L"AA"}, {L"v", L"AC"}, {L"w", L"ABC"}}));
 }
 
 TEST(XmlWriterContext, ScopesShareAndShadowDeclarations) {
@@ -206,22 +206,22 @@ TEST(XmlWriterContext, ScopesShareAndShadowDeclarations) {
 
   EXPECT_EQ(2, leaf.m_depth);
   EXPECT_EQ(nullptr, leaf.FindPrefix(L"u2"));
-  EXPECT_WIDE_EQ(L"", leaf.GetNamespaceMapValue(L"u2"));  // lands in the scope in effect, the root's
-  EXPECT_WIDE_EQ(L"", *middle.FindPrefix(L"u2"));
+  EXPECT_TEXT(L"", leaf.GetNamespaceMapValue(L"u2"));  // lands in the scope in effect, the root's
+  EXPECT_TEXT(L"", *middle.FindPrefix(L"u2"));
 
   leaf.SetNamespaceMapValue(L"u1", L"q");
-  EXPECT_WIDE_EQ(L"q", leaf.GetNamespaceMapValue(std::wstring(L"u1")));
-  EXPECT_WIDE_EQ(L"p", *middle.FindPrefix(L"u1"));
-  EXPECT_WIDE_EQ(L"d", leaf.GetDefaultNamespace());
+  EXPECT_TEXT(L"q", leaf.GetNamespaceMapValue(std::wstring(L"u1")));
+  EXPECT_TEXT(L"p", *middle.FindPrefix(L"u1"));
+  EXPECT_TEXT(L"d", leaf.GetDefaultNamespace());
   leaf.SetDefaultNamespace(L"e");
-  EXPECT_WIDE_EQ(L"d", middle.GetDefaultNamespace());
+  EXPECT_TEXT(L"d", middle.GetDefaultNamespace());
   EXPECT_EQ((CXmlWriter::NamespaceMap{{L"u1", L"q"}, {L"u2", L""}}), leaf.GetNamespaceMap());
 
   // A prefix that was shadowed is free again.
   leaf.SetNamespaceMapValue(L"u3", L"AA");
   leaf.SetNamespaceMapValue(L"u3", L"AB");
-  EXPECT_WIDE_EQ(L"AA", leaf.InventPrefix(L"u4"));
-  EXPECT_WIDE_EQ(L"AC", leaf.InventPrefix(L"u5"));
+  EXPECT_TEXT(L"AA", leaf.InventPrefix(L"u4"));
+  EXPECT_TEXT(L"AC", leaf.InventPrefix(L"u5"));
 }
 
 // Hundreds of scopes and declarations in one, against a map for each scope.
