@@ -1,11 +1,13 @@
 // The operations of CXmlObjectBase behind the setters of generated classes.
 #include <string>
+#include <string_view>
 
 #include "RkXmlLib16/collections/CollectionBase.h"
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/core/XmlObjectBase.h"
 #include "RkXmlLib16/core/internal/TextOrEmpty.h"
 #include "RkXmlLib16/support/Format.h"
+#include "RkXmlLib16/support/WideText.h"
 
 namespace RkXmlLib16 {
 
@@ -30,10 +32,11 @@ void CXmlObjectBase::Choice_SetElementValid(bool valid, const wchar_t* name, std
 }
 
 void CXmlObjectBase::Choice_SelectElement(const wchar_t* name, CXmlObjectBase* value, std::wstring& selected) {
-  if (selected == TextOrEmpty(name)) {
+  const std::wstring_view wanted = TextOrEmpty(name);
+  if (WideText::IsEqual(selected, wanted)) {
     if (value == nullptr) selected.clear();
   } else if (selected.empty()) {
-    selected = TextOrEmpty(name);
+    selected = wanted;
   } else if (value != nullptr) {
     ThrowAlreadySet(selected);
   }
@@ -68,7 +71,7 @@ void CXmlObjectBase::Throw_IfPropertyIsNull(CXmlObjectBase* value, const wchar_t
 void CXmlObjectBase::Throw_IfElementNameDiffers(CXmlObjectBase* value, const wchar_t* requiredName) {
   if (value == nullptr) return;
   const std::wstring& name = value->GetBase()->GetElementNameRef();
-  if (name == TextOrEmpty(requiredName)) return;
+  if (WideText::IsEqual(name, TextOrEmpty(requiredName))) return;
   throw CRkInvalidParamException(FormatString(
       L"This property requires an element with the name %ls the element being set has the element name %ls",
       TextOrEmpty(requiredName), name.c_str()));

@@ -34,7 +34,7 @@ void CSharedName::Change(std::wstring_view name) {
   CSharedName changed;
   if (!name.empty()) {
     CSharedName* const recent = Recent::Find(name);
-    if (recent != nullptr && EqualTexts(recent->Get(), name)) {
+    if (recent != nullptr && WideText::IsEqual(recent->Get(), name)) {
       changed = *recent;
     } else {
       changed.m_shared = new Shared(name);

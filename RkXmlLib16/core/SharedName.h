@@ -7,7 +7,7 @@
 
 #include "RkXmlLib16/core/Export.h"
 #include "RkXmlLib16/core/ReferenceCount.h"
-#include "RkXmlLib16/xml/Text.h"
+#include "RkXmlLib16/support/WideText.h"
 
 namespace RkXmlLib16 {
 
@@ -30,7 +30,7 @@ class RKXML_EXPORT CSharedName {
   // Holds until the name is set again.
   const std::wstring& Get() const noexcept { return m_shared != nullptr ? m_shared->text : Empty(); }
   void Set(std::wstring_view name) {
-    if (m_shared != nullptr ? !EqualTexts(m_shared->text, name) : !name.empty()) Change(name);
+    if (m_shared != nullptr ? !WideText::IsEqual(m_shared->text, name) : !name.empty()) Change(name);
   }
 
  private:

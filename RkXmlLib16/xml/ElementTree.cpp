@@ -157,7 +157,7 @@ CXmlTextBlock* CXmlDocument::Storage::ShareBlanks(const CXmlTextBlock* block, st
       reinterpret_cast<std::uintptr_t>(block) / 8 + blanks.size() * 5 + static_cast<std::size_t>(blanks.back());
   BlanksStep& step = blanksSteps[place % blanksSteps.size()];
   if (step.after != nullptr && step.before == block && step.after->m_length == length + blanks.size() &&
-      EqualTexts({step.after->Chars() + length, blanks.size()}, blanks))
+      WideText::IsEqual({step.after->Chars() + length, blanks.size()}, blanks))
     return step.after;
   if (sharedBlankCount > kMostSharedBlanks) return nullptr;
   sharedBlankCount += length + blanks.size();

@@ -74,17 +74,27 @@ std::size_t WidenWithoutCR(const XML_Char* text, std::size_t length, wchar_t* ou
   }
 }
 
+bool EqualEight(const XML_Char* text, const wchar_t* wide) {
+  const __m128i zero = _mm_setzero_si128();
+  const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text));
+  const auto* const wanted = reinterpret_cast<const __m128i*>(wide);
+  const __m128i low = _mm_cmpeq_epi32(_mm_unpacklo_epi16(units, zero), _mm_loadu_si128(wanted));
+  const __m128i high = _mm_cmpeq_epi32(_mm_unpackhi_epi16(units, zero), _mm_loadu_si128(wanted + 1));
+  return _mm_movemask_epi8(_mm_and_si128(low, high)) == 0xFFFF;
+}
+
 // Whether the text begins with `wide`; it holds as many units.
 bool Equal(const XML_Char* text, std::wstring_view wide) {
-  std::size_t i = 0;
-  for (const __m128i zero = _mm_setzero_si128(); i + 4 <= wide.size(); i += 4) {
-    const __m128i units = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(text + i));
-    const __m128i wanted = _mm_loadu_si128(reinterpret_cast<const __m128i*>(wide.data() + i));
-    if (_mm_movemask_epi8(_mm_cmpeq_epi32(_mm_unpacklo_epi16(units, zero), wanted)) != 0xFFFF) return false;
+  constexpr std::size_t kStep = 8;
+  const std::size_t length = wide.size();
+  if (length < kStep) {
+    for (std::size_t i = 0; i < length; ++i)
+      if (text[i] != static_cast<std::uint32_t>(wide[i])) return false;
+    return true;
   }
-  for (; i < wide.size(); ++i)
-    if (text[i] != static_cast<std::uint32_t>(wide[i])) return false;
-  return true;
+  for (std::size_t i = 0; i + kStep < length; i += kStep)
+    if (!EqualEight(text + i, wide.data() + i)) return false;
+  return EqualEight(text + length - kStep, wide.data() + length - kStep);
 }
 
 // Counts what expat does with the heap on this thread. Between two equal counts nothing that expat owns has moved.

@@ -2,30 +2,12 @@
 #define RKXMLLIB16_XML_TEXT_H
 
 #include <cstddef>
-#include <cstring>
 #include <string>
 #include <string_view>
 
-namespace RkXmlLib16 {
+#include "RkXmlLib16/support/WideText.h"
 
-// Whether the texts are equal. Most are short names, for which a call costs more than the comparison.
-inline bool EqualTexts(std::wstring_view a, std::wstring_view b) noexcept {
-  constexpr std::size_t kStep = 4;  // characters that are compared at once
-  constexpr std::size_t kLongestShort = 16;
-  if (a.size() != b.size()) return false;
-  if (a.size() > kLongestShort) return a == b;
-  const wchar_t* at = a.data();
-  const wchar_t* beside = b.data();
-  std::size_t left = a.size();
-  if (left < kStep) {
-    for (; left != 0; --left)
-      if (*at++ != *beside++) return false;
-    return true;
-  }
-  for (; left > kStep; left -= kStep, at += kStep, beside += kStep)
-    if (std::memcmp(at, beside, kStep * sizeof(wchar_t)) != 0) return false;
-  return std::memcmp(at + left - kStep, beside + left - kStep, kStep * sizeof(wchar_t)) == 0;
-}
+namespace RkXmlLib16 {
 
 // NUL-terminated text that a document owns, handed out without a copy. Valid as long as the node it came from; converts
 // to std::wstring where one is asked for.
@@ -50,13 +32,15 @@ class CXmlText {
   operator std::wstring() const { return ToString(); }
   constexpr operator std::wstring_view() const noexcept { return View(); }
 
-  friend bool operator==(const CXmlText& a, const CXmlText& b) noexcept { return EqualTexts(a.View(), b.View()); }
-  friend bool operator==(const CXmlText& a, std::wstring_view b) noexcept { return EqualTexts(a.View(), b); }
-  friend bool operator==(std::wstring_view a, const CXmlText& b) noexcept { return EqualTexts(a, b.View()); }
-  friend bool operator==(const CXmlText& a, const std::wstring& b) noexcept { return EqualTexts(a.View(), b); }
-  friend bool operator==(const std::wstring& a, const CXmlText& b) noexcept { return EqualTexts(a, b.View()); }
-  friend bool operator==(const CXmlText& a, const wchar_t* b) noexcept { return EqualTexts(a.View(), b); }
-  friend bool operator==(const wchar_t* a, const CXmlText& b) noexcept { return EqualTexts(a, b.View()); }
+  friend bool operator==(const CXmlText& a, const CXmlText& b) noexcept {
+    return WideText::IsEqual(a.View(), b.View());
+  }
+  friend bool operator==(const CXmlText& a, std::wstring_view b) noexcept { return WideText::IsEqual(a.View(), b); }
+  friend bool operator==(std::wstring_view a, const CXmlText& b) noexcept { return WideText::IsEqual(a, b.View()); }
+  friend bool operator==(const CXmlText& a, const std::wstring& b) noexcept { return WideText::IsEqual(a.View(), b); }
+  friend bool operator==(const std::wstring& a, const CXmlText& b) noexcept { return WideText::IsEqual(a, b.View()); }
+  friend bool operator==(const CXmlText& a, const wchar_t* b) noexcept { return WideText::IsEqual(a.View(), b); }
+  friend bool operator==(const wchar_t* a, const CXmlText& b) noexcept { return WideText::IsEqual(a, b.View()); }
   template <class T>
   friend bool operator!=(const CXmlText& a, const T& b) noexcept {
     return !(a == b);
