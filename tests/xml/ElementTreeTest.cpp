@@ -145,12 +145,12 @@ TEST(ElementTree, WhiteSpaceBetweenChildrenBelongsToEachElement) {
   document.LoadXml(xml.c_str());
   CXmlElement* e = document.GetDocumentElement()->GetFirstElement();
   e->AppendText(L"!");
-  EXPECT_WIDE_EQ(rows[0].second + L"!", e->GetText());
+  EXPECT_TEXT(rows[0].second + L"!", e->GetText());
   for (std::size_t i = 1; i < rows.size(); ++i) {
     e = e->GetNextSiblingElement();
-    EXPECT_WIDE_EQ(rows[i].second, e->GetText()) << i;
+    EXPECT_TEXT(rows[i].second, e->GetText()) << i;
   }
-  EXPECT_WIDE_EQ(manyBlanks, e->GetNextSiblingElement()->GetText());
+  EXPECT_TEXT(manyBlanks, e->GetNextSiblingElement()->GetText());
 }
 
 TEST(ElementTree, BuildsByHand) {
