@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 
+#include "RkXmlLib16/support/WideText.h"
 #include "RkXmlLib16/support/internal/ThreadObject.h"
 
 namespace RkXmlLib16 {
@@ -30,7 +31,8 @@ const std::wstring& CSharedName::Empty() noexcept {
   return empty;
 }
 
-void CSharedName::Change(std::wstring_view name) {
+void CSharedName::Set(std::wstring_view name) {
+  if (m_shared != nullptr ? WideText::IsEqual(m_shared->text, name) : name.empty()) return;
   CSharedName changed;
   if (!name.empty()) {
     CSharedName* const recent = Recent::Find(name);

@@ -7,7 +7,6 @@
 
 #include "RkXmlLib16/core/Export.h"
 #include "RkXmlLib16/core/ReferenceCount.h"
-#include "RkXmlLib16/support/WideText.h"
 
 namespace RkXmlLib16 {
 
@@ -29,9 +28,7 @@ class RKXML_EXPORT CSharedName {
 
   // Holds until the name is set again.
   const std::wstring& Get() const noexcept { return m_shared != nullptr ? m_shared->text : Empty(); }
-  void Set(std::wstring_view name) {
-    if (m_shared != nullptr ? !WideText::IsEqual(m_shared->text, name) : !name.empty()) Change(name);
-  }
+  void Set(std::wstring_view name);
 
  private:
   struct Shared {
@@ -42,7 +39,6 @@ class RKXML_EXPORT CSharedName {
   class Recent;
 
   static const std::wstring& Empty() noexcept;
-  void Change(std::wstring_view name);
 
   Shared* m_shared = nullptr;  // null for the empty name
 };

@@ -9,6 +9,7 @@
 #include "RkXmlLib16/metadata/internal/ReadingValue.h"
 #include "RkXmlLib16/metadata/internal/ValueText.h"
 #include "RkXmlLib16/support/Format.h"
+#include "RkXmlLib16/support/WideText.h"
 #include "RkXmlLib16/types/Variant.h"
 #include "RkXmlLib16/wildcards/AttributeCol.h"
 #include "RkXmlLib16/xml/ElementTree.h"
@@ -116,7 +117,9 @@ void CAttributeInfoPrimitive::AttributeToXml(const CSerializationContext& contex
 
 bool CAttributeInfoPrimitive::AttributeFromXml(const CSerializationContext&, CXmlGeneratedClass* object,
                                                CXmlAttribute* attribute) {
-  if (attribute->GetLocalName() != GetAttributeName() || attribute->GetNamespaceURI() != GetNamespace()) return false;
+  if (!WideText::IsEqual(attribute->GetLocalName(), GetAttributeName()) ||
+      !WideText::IsEqual(attribute->GetNamespaceURI(), GetNamespace()))
+    return false;
   const CXmlText text = attribute->GetValue();
   ReadingValue value(text.size());
   value.Get().FromText(text, m_itemType, m_whitespace);

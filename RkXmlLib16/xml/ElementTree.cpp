@@ -13,6 +13,7 @@
 
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/support/WideText.h"
 #include "RkXmlLib16/xml/internal/Arena.h"
 
 namespace RkXmlLib16 {

@@ -5,8 +5,6 @@
 #include <string>
 #include <string_view>
 
-#include "RkXmlLib16/support/WideText.h"
-
 namespace RkXmlLib16 {
 
 // NUL-terminated text that a document owns, handed out without a copy. Valid as long as the node it came from; converts
@@ -32,15 +30,13 @@ class CXmlText {
   operator std::wstring() const { return ToString(); }
   constexpr operator std::wstring_view() const noexcept { return View(); }
 
-  friend bool operator==(const CXmlText& a, const CXmlText& b) noexcept {
-    return WideText::IsEqual(a.View(), b.View());
-  }
-  friend bool operator==(const CXmlText& a, std::wstring_view b) noexcept { return WideText::IsEqual(a.View(), b); }
-  friend bool operator==(std::wstring_view a, const CXmlText& b) noexcept { return WideText::IsEqual(a, b.View()); }
-  friend bool operator==(const CXmlText& a, const std::wstring& b) noexcept { return WideText::IsEqual(a.View(), b); }
-  friend bool operator==(const std::wstring& a, const CXmlText& b) noexcept { return WideText::IsEqual(a, b.View()); }
-  friend bool operator==(const CXmlText& a, const wchar_t* b) noexcept { return WideText::IsEqual(a.View(), b); }
-  friend bool operator==(const wchar_t* a, const CXmlText& b) noexcept { return WideText::IsEqual(a, b.View()); }
+  friend bool operator==(const CXmlText& a, const CXmlText& b) noexcept { return a.View() == b.View(); }
+  friend bool operator==(const CXmlText& a, std::wstring_view b) noexcept { return a.View() == b; }
+  friend bool operator==(std::wstring_view a, const CXmlText& b) noexcept { return a == b.View(); }
+  friend bool operator==(const CXmlText& a, const std::wstring& b) noexcept { return a.View() == b; }
+  friend bool operator==(const std::wstring& a, const CXmlText& b) noexcept { return a == b.View(); }
+  friend bool operator==(const CXmlText& a, const wchar_t* b) noexcept { return a.View() == b; }
+  friend bool operator==(const wchar_t* a, const CXmlText& b) noexcept { return a == b.View(); }
   template <class T>
   friend bool operator!=(const CXmlText& a, const T& b) noexcept {
     return !(a == b);
