@@ -10,6 +10,7 @@
 #include "RkXmlLib16/support/BinaryStream.h"
 #include "RkXmlLib16/support/Encoder.h"
 #include "RkXmlLib16/support/Format.h"
+#include "RkXmlLib16/support/LastingText.h"
 #include "RkXmlLib16/support/WideText.h"
 
 namespace RkXmlLib16 {
@@ -108,6 +109,12 @@ inline unsigned char* PutInteger(unsigned char* to, unsigned char octet, unsigne
   *to++ = static_cast<unsigned char>(octet | kSecond.pattern | stored >> 8);
   *to++ = static_cast<unsigned char>(stored);
   return to;
+}
+
+// By the address of a lasting text: those made one after the other have places of their own.
+template <class Names>
+auto& PlaceOf(const std::wstring& name, Names& names) {
+  return names[reinterpret_cast<std::uintptr_t>(&name) / sizeof name % names.size()];
 }
 
 std::size_t SlotOf(std::wstring_view name, std::size_t slots) {
@@ -291,12 +298,20 @@ void CFastInfosetWriter::WriteString(const std::wstring& text, ItemType type) {
 
 void CFastInfosetWriter::WriteTextElement(const std::wstring& localName, const std::wstring& namespaceUri,
                                           const std::wstring& text, ItemType type) {
-  const ScopedNamespace* const scoped = m_context != nullptr ? FindKnown(m_elementScope, namespaceUri) : nullptr;
-  if (scoped == nullptr) return CXmlWriter::WriteTextElement(localName, namespaceUri, text, type);
+  KnownName& place = PlaceOf(localName, m_knownElements);
+  const unsigned long known = m_context != nullptr ? FindKnownName(place, localName, namespaceUri) : 0;
+  const ScopedNamespace* scoped = nullptr;
+  if (known == 0) {
+    if (m_context != nullptr) scoped = FindKnown(m_elementScope, namespaceUri);
+    if (scoped == nullptr) return CXmlWriter::WriteTextElement(localName, namespaceUri, text, type);
+  }
   WriteElement();
   ++m_context->m_childCount;
   FlushTerminator();
-  QualifiedNameOrIndexBit3(*scoped, localName);
+  if (known != 0)
+    Integer<FastInfoset::kIndexBit3>(0, known);
+  else
+    RememberName(place, localName, namespaceUri, ElementName(*scoped, localName));
   if (!text.empty()) NonIdentifyingStringOrIndexBit3(text, type);
   WriteTerminator();
   if (GetLength() >= kFlushLength) FlushOctets();
@@ -314,11 +329,15 @@ void CFastInfosetWriter::WriteEndElement() {
 void CFastInfosetWriter::WriteAttributeString(const std::wstring& localName, const std::wstring& namespaceUri,
                                               const std::wstring& value, ItemType type) {
   RequireStartTag();
-  if (namespaceUri == XMLNS_NAMESPACE) {
-    Declare(localName, value);
-    return;
+  KnownName& place = PlaceOf(localName, m_knownAttributes);
+  if (const unsigned long known = FindKnownName(place, localName, namespaceUri)) {
+    Integer<FastInfoset::kIndexBit2>(0, known);
+  } else if (namespaceUri == XMLNS_NAMESPACE) {
+    return Declare(localName, value);
+  } else {
+    const ScopedNamespace& scoped = ResolveAttribute(namespaceUri);
+    RememberName(place, localName, namespaceUri, AttributeName(scoped, localName));
   }
-  QualifiedNameOrIndexBit2(ResolveAttribute(namespaceUri), localName);
   m_hasAttributes = true;
   NonIdentifyingStringOrIndexBit1(value, type);
 }
@@ -446,6 +465,7 @@ void CFastInfosetWriter::RemoveLastBinding() {
 // The scope is that of the open element from now on, and what was resolved before may differ.
 void CFastInfosetWriter::ChangeScope() {
   if (m_ownScopes.empty() || m_ownScopes.back() != m_openElements) m_ownScopes.push_back(m_openElements);
+  ++m_scope;
   m_elementScope.clear();
   m_attributeScope.clear();
 }
@@ -454,31 +474,53 @@ void CFastInfosetWriter::LeaveScope() {
   if (m_ownScopes.empty() || m_ownScopes.back() != m_openElements) return;
   m_ownScopes.pop_back();
   while (!m_bindings.empty() && m_bindings.back().element == m_openElements) RemoveLastBinding();
+  ++m_scope;
   m_elementScope.clear();
   m_attributeScope.clear();
 }
 
 // Names
 
+inline unsigned long CFastInfosetWriter::FindKnownName(const KnownName& place, const std::wstring& localName,
+                                                       const std::wstring& namespaceUri) const {
+  const bool isKnown = place.localName == &localName && place.namespaceUri == &namespaceUri && place.scope == m_scope;
+  return isKnown ? place.index : 0;
+}
+
+inline void CFastInfosetWriter::RememberName(KnownName& place, const std::wstring& localName,
+                                             const std::wstring& namespaceUri, unsigned long index) {
+  if (index != 0 && LastingText::Is(localName) && LastingText::Is(namespaceUri))
+    place = {&localName, &namespaceUri, m_scope, index};
+}
+
 template <const IntegerLayout& kIndex>
-inline void CFastInfosetWriter::QualifiedName(unsigned char literal, CFIQNameTable& names, RecentNames& recent,
-                                              const ScopedNamespace& scoped, std::wstring_view localName) {
+inline unsigned long CFastInfosetWriter::QualifiedName(unsigned char literal, CFIQNameTable& names, RecentNames& recent,
+                                                       const ScopedNamespace& scoped, std::wstring_view localName) {
   RecentName& slot = recent[SlotOf(localName, recent.size())];
   const bool isRecent = slot.index != 0 && slot.prefixIndex == scoped.prefixIndex &&
                         slot.namespaceNameIndex == scoped.namespaceNameIndex &&
                         WideText::IsEqual(slot.localName, localName);
   const unsigned long index = isRecent ? slot.index : NewQualifiedName(literal, names, slot, scoped, localName);
   if (index != 0) Integer<kIndex>(0, index);
+  return index;
+}
+
+unsigned long CFastInfosetWriter::AttributeName(const ScopedNamespace& scoped, std::wstring_view localName) {
+  return QualifiedName<FastInfoset::kIndexBit2>(
+      FastInfoset::kAttributeLiteralName, m_vocabulary.GetAttributeNamesTable(), m_recentAttributes, scoped, localName);
+}
+
+unsigned long CFastInfosetWriter::ElementName(const ScopedNamespace& scoped, std::wstring_view localName) {
+  return QualifiedName<FastInfoset::kIndexBit3>(FastInfoset::kElementLiteralName, m_vocabulary.GetElementNamesTable(),
+                                                m_recentElements, scoped, localName);
 }
 
 void CFastInfosetWriter::QualifiedNameOrIndexBit2(const ScopedNamespace& scoped, std::wstring_view localName) {
-  QualifiedName<FastInfoset::kIndexBit2>(FastInfoset::kAttributeLiteralName, m_vocabulary.GetAttributeNamesTable(),
-                                         m_recentAttributes, scoped, localName);
+  AttributeName(scoped, localName);
 }
 
 void CFastInfosetWriter::QualifiedNameOrIndexBit3(const ScopedNamespace& scoped, std::wstring_view localName) {
-  QualifiedName<FastInfoset::kIndexBit3>(FastInfoset::kElementLiteralName, m_vocabulary.GetElementNamesTable(),
-                                         m_recentElements, scoped, localName);
+  ElementName(scoped, localName);
 }
 
 unsigned long CFastInfosetWriter::NewQualifiedName(unsigned char literal, CFIQNameTable& names, RecentName& slot,

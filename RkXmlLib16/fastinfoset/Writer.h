@@ -117,6 +117,14 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
     unsigned long index = 0;  // 0 marks a free slot
   };
   using RecentNames = std::array<RecentName, 64>;
+  // One of two lasting texts, to be found again by their addresses while the scope stays.
+  struct KnownName {
+    const std::wstring* localName = nullptr;
+    const std::wstring* namespaceUri = nullptr;
+    std::size_t scope = 0;
+    unsigned long index = 0;
+  };
+  using KnownNames = std::array<KnownName, 64>;
 
   bool IsStartTagOpen() const;
   void RequireStartTag() const;
@@ -135,8 +143,15 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
   EncodedCharacterString ChooseEncoding(std::wstring_view text, ItemType type, bool isContent);
   bool EncodeTyped(const EncodedCharacterString& wanted, std::wstring_view text, ItemType type, bool isContent);
   template <const FastInfoset::IntegerLayout& kIndex>
-  void QualifiedName(unsigned char literal, CFIQNameTable& names, RecentNames& recent, const ScopedNamespace& scoped,
-                     std::wstring_view localName);
+  unsigned long QualifiedName(unsigned char literal, CFIQNameTable& names, RecentNames& recent,
+                              const ScopedNamespace& scoped, std::wstring_view localName);
+  // The index of a name whose place in the table has it, or 0.
+  unsigned long FindKnownName(const KnownName& place, const std::wstring& localName,
+                              const std::wstring& namespaceUri) const;
+  void RememberName(KnownName& place, const std::wstring& localName, const std::wstring& namespaceUri,
+                    unsigned long index);
+  unsigned long ElementName(const ScopedNamespace& scoped, std::wstring_view localName);
+  unsigned long AttributeName(const ScopedNamespace& scoped, std::wstring_view localName);
   // The index of a name that has one, or 0 after it was written in full.
   unsigned long NewQualifiedName(unsigned char literal, CFIQNameTable& names, RecentName& slot,
                                  const ScopedNamespace& scoped, std::wstring_view localName);
@@ -175,6 +190,9 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
   ScopeCache m_attributeScope;
   RecentNames m_recentElements;
   RecentNames m_recentAttributes;
+  std::size_t m_scope = 1;  // a number that no other scope has had
+  KnownNames m_knownElements;
+  KnownNames m_knownAttributes;
 };
 
 }  // namespace RkXmlLib16

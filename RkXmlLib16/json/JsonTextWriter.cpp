@@ -376,7 +376,7 @@ void CJsonTextWriter::WriteNamespaceMember(const std::wstring& prefix, const std
 }
 
 const std::wstring* CJsonTextWriter::FindElementPrefix(const std::wstring& namespaceUri) const {
-  if (namespaceUri.empty() || WideText::IsEqual(namespaceUri, m_context->GetDefaultNamespace())) return &kNone;
+  if (namespaceUri.empty() || m_context->IsDefaultNamespace(namespaceUri)) return &kNone;
   return FindAttributePrefix(namespaceUri);
 }
 

@@ -9,6 +9,7 @@
 #include "RkXmlLib16/metadata/internal/ReadingValue.h"
 #include "RkXmlLib16/metadata/internal/ValueText.h"
 #include "RkXmlLib16/support/Format.h"
+#include "RkXmlLib16/support/LastingText.h"
 #include "RkXmlLib16/support/WideText.h"
 #include "RkXmlLib16/types/Variant.h"
 #include "RkXmlLib16/wildcards/AttributeCol.h"
@@ -21,8 +22,8 @@ using namespace RkXmlLib16;
 
 CAttributeInfo::CAttributeInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, bool optional,
                                const wchar_t* defaultValue)
-    : m_attributeName(TextOrEmpty(name)),
-      m_namespace(TextOrEmpty(ns)),
+    : m_attributeName(LastingText::Get(TextOrEmpty(name))),
+      m_namespace(LastingText::Get(TextOrEmpty(ns))),
       m_propertyIndex(propertyIndex),
       m_optional(optional),
       m_defaultValue(TextOrEmpty(defaultValue)) {}

@@ -178,8 +178,8 @@ class RKXML_EXPORT CElementInfo {
   static std::uint32_t NewId() noexcept;
 
   const std::uint32_t m_id = NewId();
-  std::wstring m_elementName;
-  std::wstring m_namespace;
+  const std::wstring& m_elementName;
+  const std::wstring& m_namespace;
   int m_propertyIndex;
   CPrimitiveRestrictions m_facets;
   ItemType m_itemType = RkXmlLib16::ItemType_none;

@@ -128,7 +128,7 @@ void CXmlTextWriter::WriteStartElement(const std::wstring& localName, const std:
   }
   CXmlWriterContext& context = PushContext(localName, namespaceUri);
   bool invented = false;
-  if (!namespaceUri.empty() && namespaceUri != context.GetDefaultNamespace())
+  if (!namespaceUri.empty() && !context.IsDefaultNamespace(namespaceUri))
     context.m_prefix = RequirePrefix(namespaceUri, invented);
 
   wchar_t* to = m_stream.Reserve(1 + m_endOfLine.size() + IndentLength(context.m_depth) + 1 + context.m_prefix.size() +
@@ -178,7 +178,7 @@ void CXmlTextWriter::WriteTextElement(const std::wstring& localName, const std::
 }
 
 const std::wstring* CXmlTextWriter::FindElementPrefix(const std::wstring& namespaceUri) const {
-  if (namespaceUri.empty() || WideText::IsEqual(namespaceUri, m_context->GetDefaultNamespace())) return &kNoPrefix;
+  if (namespaceUri.empty() || m_context->IsDefaultNamespace(namespaceUri)) return &kNoPrefix;
   const std::wstring* const prefix = m_context->FindPrefix(namespaceUri);
   return prefix != nullptr && !prefix->empty() ? prefix : nullptr;
 }
@@ -280,7 +280,7 @@ void CXmlTextWriter::WriteAttributeType(const std::wstring& typeNamespaceUri, co
                                         ItemType type) {
   RequireStartTag();
   std::wstring value = typeName;
-  if (!typeNamespaceUri.empty() && typeNamespaceUri != m_context->GetDefaultNamespace()) {
+  if (!typeNamespaceUri.empty() && !m_context->IsDefaultNamespace(typeNamespaceUri)) {
     bool invented = false;
     const std::wstring& prefix = RequirePrefix(typeNamespaceUri, invented);
     if (invented) {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "RkXmlLib16/core/Exception.h"
+#include "RkXmlLib16/support/LastingText.h"
 #include "RkXmlLib16/support/WideText.h"
 
 namespace RkXmlLib16 {
@@ -82,8 +83,20 @@ struct CXmlWriter::CXmlWriterContext::Scope {
     index = around != nullptr ? around->index : nullptr;
     firstFree = around != nullptr ? around->firstFree : 0;
     givenAway = around != nullptr && around->givenAway;
-    if (around != nullptr) defaultNamespace = around->defaultNamespace;
+    if (around != nullptr) SetDefault(around->defaultNamespace);
     if (level == kFewScopes && index == nullptr) BuildIndex();
+  }
+
+  void SetDefault(const std::wstring& namespaceUri) {
+    defaultNamespace = namespaceUri;
+    knownDefault = nullptr;
+  }
+
+  bool IsDefault(const std::wstring& namespaceUri) const {
+    if (&namespaceUri == knownDefault) return true;
+    if (!WideText::IsEqual(namespaceUri, defaultNamespace)) return false;
+    if (LastingText::Is(namespaceUri)) knownDefault = &namespaceUri;
+    return true;
   }
 
   // Empties the scope and keeps its storage for another element.
@@ -163,7 +176,7 @@ struct CXmlWriter::CXmlWriterContext::Scope {
   }
 
   const Scope* outer = nullptr;
-  std::wstring defaultNamespace;
+  std::wstring defaultNamespace;  // set by SetDefault
   NamespaceMap declared;
   int firstFree = 0;  // all invented prefixes before this one are in use
 
@@ -195,9 +208,10 @@ struct CXmlWriter::CXmlWriterContext::Scope {
 
   int level = 0;
   bool givenAway = false;
-  NamespaceMap spare;                          // entries to use again
-  DeclarationIndex* index = nullptr;           // null while a search is quick
-  std::unique_ptr<DeclarationIndex> ownIndex;  // the same where it begins
+  NamespaceMap spare;                                  // entries to use again
+  DeclarationIndex* index = nullptr;                   // null while a search is quick
+  std::unique_ptr<DeclarationIndex> ownIndex;          // the same where it begins
+  mutable const std::wstring* knownDefault = nullptr;  // a lasting text that equals the default namespace
   mutable const Declaration* lastFound = nullptr;
   mutable std::unique_ptr<NamespaceMap> merged;
 };
@@ -210,7 +224,7 @@ CXmlWriter::CXmlWriterContext::CXmlWriterContext(const std::wstring& localName, 
       m_parent(std::move(parent)),
       m_ownScope(std::make_unique<Scope>()),
       m_scope(m_ownScope.get()) {
-  m_scope->defaultNamespace = defaultNamespace;
+  m_scope->SetDefault(defaultNamespace);
   for (const auto& [uri, prefix] : namespaces) m_scope->Declare(uri, prefix);
 }
 
@@ -239,10 +253,14 @@ CXmlWriter::CXmlWriterContext::Scope& CXmlWriter::CXmlWriterContext::OwnScope() 
 
 const std::wstring& CXmlWriter::CXmlWriterContext::GetDefaultNamespace() const { return m_scope->defaultNamespace; }
 
+bool CXmlWriter::CXmlWriterContext::IsDefaultNamespace(const std::wstring& namespaceUri) const {
+  return m_scope->IsDefault(namespaceUri);
+}
+
 const CXmlWriter::NamespaceMap& CXmlWriter::CXmlWriterContext::GetNamespaceMap() const { return m_scope->Merged(); }
 
 void CXmlWriter::CXmlWriterContext::SetDefaultNamespace(const std::wstring& namespaceUri) {
-  OwnScope().defaultNamespace = namespaceUri;
+  OwnScope().SetDefault(namespaceUri);
 }
 
 void CXmlWriter::CXmlWriterContext::SetNamespaceMapValue(const std::wstring& namespaceUri, const std::wstring& prefix) {

@@ -45,6 +45,7 @@ class RKXML_EXPORT CXmlWriter {
     virtual ~CXmlWriterContext();
 
     const std::wstring& GetDefaultNamespace() const;
+    bool IsDefaultNamespace(const std::wstring& namespaceUri) const;
     // Every declaration in scope.
     const NamespaceMap& GetNamespaceMap() const;
     void SetDefaultNamespace(const std::wstring& namespaceUri);
