@@ -9,6 +9,7 @@
 #include "RkXmlLib16/metadata/AttributeInfo.h"
 #include "RkXmlLib16/metadata/ElementInfo.h"
 #include "RkXmlLib16/metadata/ParentElementInfo.h"
+#include "RkXmlLib16/metadata/internal/PropertyAccess.h"
 #include "RkXmlLib16/metadata/internal/ValueText.h"
 #include "RkXmlLib16/support/Format.h"
 #include "RkXmlLib16/types/Variant.h"
@@ -104,7 +105,18 @@ void CXmlGeneratedClass::WriteContent(CXmlWriter* writer, const CSerializationCo
 void CXmlGeneratedClass::ProcessElementSeqToXml(const CSerializationContext& context, CElementInfo** infos,
                                                 CXmlWriter* writer) const {
   if (infos == nullptr) return;
-  for (CElementInfo** info = infos; *info != nullptr; ++info) (*info)->ElementToXml(context, this, writer);
+  auto& object = const_cast<CXmlGeneratedClass&>(*this);  // a getter changes nothing
+  for (CElementInfo** info = infos; *info != nullptr; ++info) {
+    const CElementInfo& record = **info;
+    if (!record.IsPlainValue()) {
+      record.ElementToXml(context, this, writer);
+      continue;
+    }
+    // Most optional values of most objects are absent: that is found out here.
+    RkVariant& value = writer->BeginValue();
+    RkXmlLib16Data::GetProperty(object, record.GetPropertyIndex(), record.GetElementName(), value);
+    if (value.IsValid()) record.WriteValue(context, value, writer);
+  }
 }
 
 void CXmlGeneratedClass::ProcessElementAllToXml(const CSerializationContext& context, CElementInfo** infos,

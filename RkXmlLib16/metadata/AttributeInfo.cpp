@@ -6,6 +6,7 @@
 #include "RkXmlLib16/core/SerializationContext.h"
 #include "RkXmlLib16/core/internal/TextOrEmpty.h"
 #include "RkXmlLib16/metadata/FacetChecks.h"
+#include "RkXmlLib16/metadata/internal/PropertyAccess.h"
 #include "RkXmlLib16/metadata/internal/ReadingValue.h"
 #include "RkXmlLib16/metadata/internal/ValueText.h"
 #include "RkXmlLib16/support/Format.h"
@@ -36,12 +37,7 @@ bool CAttributeInfo::IsThisAttribute(const CSerializationContext& context, CXmlA
 }
 
 void CAttributeInfo::InvokePropertyGet(CXmlGeneratedClass* object, RkVariant& value) const {
-  try {
-    object->AccessProperty(m_propertyIndex, /*get=*/true, value);
-  } catch (const CRkException& e) {
-    throw CRkValidationException(FormatString(L"Failed to get the property value for [%ls].", m_attributeName.c_str()),
-                                 std::wstring(), e);
-  }
+  GetProperty(*object, m_propertyIndex, m_attributeName, value);
 }
 
 void CAttributeInfo::ReadProperty(const CXmlGeneratedClass* object, RkVariant& value) const {

@@ -10,6 +10,7 @@
 #include "RkXmlLib16/core/internal/TextOrEmpty.h"
 #include "RkXmlLib16/metadata/FacetChecks.h"
 #include "RkXmlLib16/metadata/internal/NilValue.h"
+#include "RkXmlLib16/metadata/internal/PropertyAccess.h"
 #include "RkXmlLib16/metadata/internal/ReadingValue.h"
 #include "RkXmlLib16/metadata/internal/ValueText.h"
 #include "RkXmlLib16/support/Format.h"
@@ -100,12 +101,7 @@ void CElementInfo::CheckRestriction(const RkVariant& value) const {
 }
 
 void CElementInfo::InvokePropertyGet(CXmlGeneratedClass* object, RkVariant& value) const {
-  try {
-    object->AccessProperty(m_propertyIndex, /*get=*/true, value);
-  } catch (const CRkException& e) {
-    throw CRkValidationException(FormatString(L"Failed to get the property value for [%ls].", m_elementName.c_str()),
-                                 std::wstring(), e);
-  }
+  GetProperty(*object, m_propertyIndex, m_elementName, value);
 }
 
 void CElementInfo::ReadProperty(const CXmlGeneratedClass* object, RkVariant& value) const {

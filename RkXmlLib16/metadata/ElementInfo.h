@@ -105,6 +105,8 @@ class RKXML_EXPORT CElementInfo {
   bool IsSkipped(const CSerializationContext& context, const CXmlElement* next) const {
     return m_skipsOthers && !IsThisElement(context, next);
   }
+  // Whether ElementToXml does nothing but WriteValue, if the property has a value.
+  bool IsPlainValue() const noexcept { return m_skipsOthers && m_hasFacets; }
   // Whether PseudoChildAttributeToXml may have something to write.
   bool MayHaveAttributes() const noexcept { return m_mayHaveAttributes; }
 
@@ -132,6 +134,9 @@ class RKXML_EXPORT CElementInfo {
                        bool isOptionalChoice) const;
   bool ElementToXmlPrim(const CSerializationContext& context, const CXmlGeneratedClass* object,
                         CXmlWriter* writer) const;
+  // The same with the valid value at hand, which writes it.
+  [[gnu::noinline]] bool WriteValue(const CSerializationContext& context, const RkVariant& value,
+                                    CXmlWriter* writer) const;
   bool ElementToXmlEnum(const CSerializationContext& context, const CXmlGeneratedClass* object, CXmlWriter* writer,
                         EnumToString toString) const;
   // Read the element under the cursor, which the caller has matched, and move the cursor to its next sibling.
@@ -167,8 +172,6 @@ class RKXML_EXPORT CElementInfo {
     return name.size() == m_elementName.size() && name[0] == m_elementName[0];
   }
   bool IsDefault(const std::wstring& text) const noexcept { return !m_defaultValue.empty() && text == m_defaultValue; }
-  [[gnu::noinline]] bool WriteValue(const CSerializationContext& context, const RkVariant& value,
-                                    CXmlWriter* writer) const;
   void WriteText(const CSerializationContext& context, CXmlWriter* writer, const std::wstring& text,
                  ItemType type) const;
   bool WriteNil(CXmlWriter* writer) const;
