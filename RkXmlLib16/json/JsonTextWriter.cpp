@@ -17,6 +17,7 @@ constexpr std::size_t kFlushLength = 4096;
 constexpr std::size_t kShortText = 64;
 constexpr std::size_t kLongestEscape = 6;  // of one character
 const std::wstring kNone;
+const std::wstring kNull = L"null";
 
 [[noreturn]] void ThrowUnknownNamespace(const std::wstring& name) {
   throw CRkException(L"Unknown Namespace: " + name + L".");
@@ -119,20 +120,36 @@ void CJsonTextWriter::WriteOpenBrackets(CXmlWriterContext& context) {
 }
 
 void CJsonTextWriter::WriteValue(const std::wstring& text, ItemType type) {
-  if (IsUnquoted(type) && (!m_strict || IsStrictLiteral(text))) {
-    m_stream.Commit(WideText::CopyUpToNul(m_stream.Reserve(text.size()), text));
-  } else if (text.size() <= kShortText) {
-    wchar_t* to = m_stream.Reserve(text.size() * kLongestEscape + 2);
-    *to++ = L'"';
-    to = PutEscapedShort(to, text);
-    *to++ = L'"';
-    m_stream.Commit(to);
+  const bool quoted = NeedsQuotes(text, type);
+  if (text.size() <= kShortText) {
+    m_stream.Commit(PutShortValue(m_stream.Reserve(text.size() * kLongestEscape + 2), text, quoted));
+    FlushWhenFull();
   } else {
+    WriteLongValue(text, quoted);
+  }
+}
+
+void CJsonTextWriter::WriteLongValue(const std::wstring& text, bool quoted) {
+  if (quoted) {
     Put(L"\"");
     PutEscaped(text);
     Put(L"\"");
+  } else {
+    Put(UpToNul(text));
   }
   FlushWhenFull();
+}
+
+bool CJsonTextWriter::NeedsQuotes(const std::wstring& text, ItemType type) const {
+  return !IsUnquoted(type) || (m_strict && !IsStrictLiteral(text));
+}
+
+inline wchar_t* CJsonTextWriter::PutShortValue(wchar_t* to, const std::wstring& text, bool quoted) const {
+  if (!quoted) return WideText::CopyUpToNul(to, text);
+  *to++ = L'"';
+  to = PutEscapedShort(to, text);
+  *to++ = L'"';
+  return to;
 }
 
 void CJsonTextWriter::WriteComment(const std::wstring& text) {
@@ -253,14 +270,10 @@ void CJsonTextWriter::WriteTextElement(const std::wstring& localName, const std:
   const std::wstring* prefix = &kNone;
   if (isMember && m_roundTrip == JsonRoundTrip_Namespaces) prefix = FindElementPrefix(namespaceUri);
   if (!isMember || prefix == nullptr) return CXmlWriter::WriteTextElement(localName, namespaceUri, text, type);
-  CloseArray(*m_context, Top(), false);
-  OpenMember();
-  PutKey(m_context->m_depth + 1, {}, *prefix, localName);
-  if (text.empty()) {
-    Put(L"null");
-  } else {
-    WriteValue(text, type);
-  }
+  if (text.empty())
+    WriteMember({}, *prefix, localName, kNull, /*quoted=*/false);
+  else
+    WriteMember({}, *prefix, localName, text, NeedsQuotes(text, type));
 }
 
 void CJsonTextWriter::WriteAttributeString(const std::wstring& localName, const std::wstring& namespaceUri,
@@ -270,10 +283,8 @@ void CJsonTextWriter::WriteAttributeString(const std::wstring& localName, const 
   const bool prefixed = m_roundTrip == JsonRoundTrip_Namespaces && !namespaceUri.empty();
   const std::wstring* prefix = prefixed ? FindAttributePrefix(namespaceUri) : &kNone;
   if (prefix == nullptr) ThrowUnknownNamespace(localName);
-  CloseArray(*m_context, Top(), false);
-  OpenMember();
-  PutKey(m_context->m_depth + 1, m_roundTrip == JsonRoundTrip_Plain ? L"" : L"@", *prefix, localName);
-  WriteValue(value, type);
+  const std::wstring_view marker = m_roundTrip == JsonRoundTrip_Plain ? std::wstring_view() : L"@";
+  WriteMember(marker, *prefix, localName, value, NeedsQuotes(value, type));
 }
 
 void CJsonTextWriter::WriteAttributeType(const std::wstring& typeNamespaceUri, const std::wstring& typeName,
@@ -338,6 +349,29 @@ void CJsonTextWriter::OpenMember() {
     if (!m_text.empty()) WriteTextMember(m_text, m_textType);
   }
   WriteOpenBrackets(*m_context);
+}
+
+// A member of the open element with nothing but a value.
+void CJsonTextWriter::WriteMember(std::wstring_view marker, const std::wstring& prefix, const std::wstring& localName,
+                                  const std::wstring& value, bool quoted) {
+  CloseArray(*m_context, Top(), false);
+  const bool isFurther = !m_valuePending && !m_textPending;
+  if (!isFurther) OpenMember();
+  const std::int64_t level = m_context->m_depth + 1;
+  const bool isShort = value.size() <= kShortText;
+  wchar_t* to = m_stream.Reserve(1 + m_eol.size() + IndentLength(level) + KeyLength(marker, prefix, localName) +
+                                 (isShort ? value.size() * kLongestEscape + 2 : 0));
+  if (isFurther) {
+    *to++ = L',';
+    if (m_format) to = WideText::Copy(to, m_eol);
+  }
+  to = PutKey(PutIndent(to, level), marker, prefix, localName);
+  if (isShort) to = PutShortValue(to, value, quoted);
+  m_stream.Commit(to);
+  if (isShort)
+    FlushWhenFull();
+  else
+    WriteLongValue(value, quoted);
 }
 
 void CJsonTextWriter::SeparateItem(const CXmlWriterContext& item) {
@@ -407,9 +441,17 @@ inline wchar_t* CJsonTextWriter::PutIndent(wchar_t* to, std::int64_t level) cons
 
 void CJsonTextWriter::PutKey(std::int64_t level, std::wstring_view marker, const std::wstring& prefix,
                              const std::wstring& localName) {
-  wchar_t* to =
-      m_stream.Reserve(IndentLength(level) + marker.size() + (prefix.size() + localName.size()) * kLongestEscape + 5);
-  to = PutIndent(to, level);
+  wchar_t* const to = m_stream.Reserve(IndentLength(level) + KeyLength(marker, prefix, localName));
+  m_stream.Commit(PutKey(PutIndent(to, level), marker, prefix, localName));
+}
+
+inline std::size_t CJsonTextWriter::KeyLength(std::wstring_view marker, const std::wstring& prefix,
+                                              const std::wstring& localName) const {
+  return marker.size() + (prefix.size() + localName.size()) * kLongestEscape + 5;
+}
+
+inline wchar_t* CJsonTextWriter::PutKey(wchar_t* to, std::wstring_view marker, const std::wstring& prefix,
+                                        const std::wstring& localName) const {
   *to++ = L'"';
   to = WideText::Copy(to, marker);
   if (!prefix.empty()) {
@@ -420,7 +462,7 @@ void CJsonTextWriter::PutKey(std::int64_t level, std::wstring_view marker, const
   *to++ = L'"';
   *to++ = L':';
   *to++ = L' ';
-  m_stream.Commit(to);
+  return to;
 }
 
 // Keys and namespace URIs; like every text they end at a NUL.

@@ -95,6 +95,9 @@ class RKXML_EXPORT CJsonTextWriter : public CXmlWriter {
   void OpenMember();
   void SeparateItem(const CXmlWriterContext& item);
   void WriteItemAsMember(CXmlWriterContext& item);
+  void WriteMember(std::wstring_view marker, const std::wstring& prefix, const std::wstring& localName,
+                   const std::wstring& value, bool quoted);
+  void WriteLongValue(const std::wstring& text, bool quoted);
   void WriteTextMember(const std::wstring& text, ItemType type);
   void WriteNamespaceMember(const std::wstring& prefix, const std::wstring& namespaceUri);
   void DeclareNamespaces();
@@ -102,6 +105,7 @@ class RKXML_EXPORT CJsonTextWriter : public CXmlWriter {
   const std::wstring* FindElementPrefix(const std::wstring& namespaceUri) const;
   const std::wstring* FindAttributePrefix(const std::wstring& namespaceUri) const;
   void RequireOpenElement() const;
+  bool NeedsQuotes(const std::wstring& text, ItemType type) const;
 
   void Put(std::wstring_view text) { m_stream.Append(text); }
   void PutLine();
@@ -110,8 +114,12 @@ class RKXML_EXPORT CJsonTextWriter : public CXmlWriter {
   void PutKey(std::int64_t level, std::wstring_view marker, const std::wstring& prefix, const std::wstring& localName);
   void PutEscaped(std::wstring_view text);
   std::size_t IndentLength(std::int64_t level) const;
+  std::size_t KeyLength(std::wstring_view marker, const std::wstring& prefix, const std::wstring& localName) const;
   // Write to `to` and return the end.
   wchar_t* PutIndent(wchar_t* to, std::int64_t level) const;
+  wchar_t* PutKey(wchar_t* to, std::wstring_view marker, const std::wstring& prefix,
+                  const std::wstring& localName) const;
+  wchar_t* PutShortValue(wchar_t* to, const std::wstring& text, bool quoted) const;
   wchar_t* PutName(wchar_t* to, const std::wstring& name) const;
   wchar_t* PutEscapedShort(wchar_t* to, std::wstring_view text) const;
   wchar_t* PutEscape(wchar_t* to, std::uint32_t c) const;

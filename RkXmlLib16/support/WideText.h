@@ -89,6 +89,16 @@ inline wchar_t* CopyEscaped(wchar_t* to, std::wstring_view text, MayBeSpecial ma
     StoreFour(target + 4, LoadFour(from + 4));
     return true;
   };
+  if (end - at >= 4 && end - at < 8) {
+    const __m128i first = LoadFour(at);
+    const __m128i last = LoadFour(end - 4);
+    if (!mayBeSpecial(_mm_packs_epi32(first, last))) {
+      StoreFour(to, first);
+      to += end - at;
+      StoreFour(to - 4, last);
+      return to;
+    }
+  }
   while (at != end) {
     if (end - at >= 8) {
       if (copyEight(at, to)) {

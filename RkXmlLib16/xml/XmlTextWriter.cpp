@@ -32,13 +32,13 @@ wchar_t* PutQName(wchar_t* to, const std::wstring& prefix, const std::wstring& l
 }
 
 // Whether some of eight characters may be special: below '?', but not a space or between '+' and ';'.
-bool MayBeSpecial(__m128i units) {
+constexpr auto kMayBeSpecial = [](__m128i units) {
   const __m128i letter = _mm_cmpgt_epi16(units, _mm_set1_epi16(L'>'));
   const __m128i space = _mm_cmpeq_epi16(units, _mm_set1_epi16(L' '));
   const __m128i digit =
       _mm_and_si128(_mm_cmpgt_epi16(units, _mm_set1_epi16(L'*')), _mm_cmplt_epi16(units, _mm_set1_epi16(L'<')));
   return _mm_movemask_epi8(_mm_or_si128(_mm_or_si128(letter, space), digit)) != 0xFFFF;
-}
+};
 
 // The characters that escaping looks at, which are all below 64, as bits.
 constexpr std::uint64_t MakeSet(std::wstring_view characters) {
@@ -303,7 +303,7 @@ void CXmlTextWriter::PutEscaped(std::wstring_view text, Escaping where) {
   // Short pieces take the room they could need; of long ones the clean runs go out whole.
   while (text.size() > kShortText) {
     std::size_t clean = 0;
-    while (clean + 8 <= text.size() && !MayBeSpecial(WideText::LoadEight(text.data() + clean))) clean += 8;
+    while (clean + 8 <= text.size() && !kMayBeSpecial(WideText::LoadEight(text.data() + clean))) clean += 8;
     Put(text.substr(0, clean));
     text.remove_prefix(clean);
     const std::wstring_view piece = text.substr(0, clean != 0 ? 8 : kShortText);
@@ -316,7 +316,7 @@ void CXmlTextWriter::PutEscaped(std::wstring_view text, Escaping where) {
 // The text up to its first NUL; there is room for the longest escapes.
 wchar_t* CXmlTextWriter::PutEscapedShort(wchar_t* to, std::wstring_view text, Escaping where) const {
   const std::uint64_t special = where == Escaping::Attribute ? kSpecialInAttribute : kSpecialInText;
-  return WideText::CopyEscaped(to, text, MayBeSpecial, [this, special, where](wchar_t* at, wchar_t c) {
+  return WideText::CopyEscaped(to, text, kMayBeSpecial, [this, special, where](wchar_t* at, wchar_t c) {
     const auto code = static_cast<std::uint32_t>(c);
     if (code < 64 && (special >> code & 1) != 0) return PutEscape(at, c, where);
     *at++ = c;
