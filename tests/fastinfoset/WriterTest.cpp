@@ -4,6 +4,7 @@
 
 #include "Expect.h"
 #include "Octets.h"
+#include "support/PassingNames.h"
 #include "support/Replay.h"
 
 namespace RkXmlTest {
@@ -92,6 +93,34 @@ TEST(FastInfosetWriter, EveryNameIsInScopeForOtherReaders) {
       },
   };
   for (const Calls& calls : documents) ExpectReadable(Write(CFastInfosetContext(), calls));
+}
+
+// The prefix of a namespace changes, and names of elements and attributes are alike.
+TEST(FastInfosetWriter, NamesOfRecordsFollowTheScope) {
+  const auto write = [](bool lasting) {
+    return Write(CFastInfosetContext(), [lasting](CFastInfosetWriter& w) {
+      Names n(lasting);
+      const auto element = [&](const wchar_t* name, const wchar_t* uri) {
+        w.WriteStartElement(n.Name(L"e"), n.Uri(uri));
+        w.WriteAttributeString(n.Name(name), n.Uri(uri), L"v", ItemType_string);
+        for (const wchar_t* text : {L"1", L""}) w.WriteTextElement(n.Name(name), n.Uri(uri), text, ItemType_int);
+        w.WriteEndElement();
+      };
+      w.AddNamespace(L"p", L"urn:p");
+      w.WriteStartElement(n.Name(L"r"), n.Uri(L""));
+      for (int i = 0; i < 3; ++i) {
+        for (const wchar_t* uri : {L"urn:p", L"", L"urn:p"})
+          for (const wchar_t* name : {L"a", L"b", L"e"}) element(name, uri);
+        if (i == 1) w.WriteEndElement();
+        if (i != 0) continue;
+        w.WriteStartElement(n.Name(L"s"), n.Uri(L""));
+        w.AddNamespace(L"q", L"urn:p");
+      }
+      w.WriteEndElement();
+    });
+  };
+  EXPECT_EQ(ToHex(write(false)), ToHex(write(true)));
+  ExpectReadable(write(true));
 }
 
 TEST(FastInfosetWriter, TextOfTheMaximumAddLengthIsNeverIndexed) {

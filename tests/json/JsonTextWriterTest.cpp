@@ -4,6 +4,7 @@
 
 #include "Expect.h"
 #include "RkXmlLib16/support/TextStream.h"
+#include "support/EveryPlace.h"
 #include "support/Replay.h"
 
 using namespace RkXmlTest;
@@ -129,6 +130,23 @@ TEST(JsonTextWriter, StringsKeepQuotesBackslashesAndTabsIntended) {
   const auto calls = [&text](CJsonTextWriter& w) { Leaf(w, L"r", text.c_str()); };
   EXPECT_TEXT(L"{\"r\": \"\"\\/\b\f\n\t\\u0001\\u001F\x7F\u00E9\"}", Write({}, calls));
   EXPECT_TEXT(L"{\"r\": \"\\\"\\\\/\\b\\f\\n\\r\\t\\u0001\\u001F\x7F\u00E9\"}", Write(kStrict, calls));
+}
+
+TEST(JsonTextWriter, EscapesAndEndsStringsAtEveryPlace) {
+  RkXmlTest::AtEveryPlace([](const std::wstring& before, const std::wstring& after) {
+    const auto write = [&](wchar_t c, ItemType type) {
+      const std::wstring text = before + c + after;
+      return Write(kStrict, [&](CJsonTextWriter& w) {
+        w.WriteStartElement(L"r", L"");
+        w.WriteTextElement(text, L"", text, type);
+        w.WriteEndElement();
+      });
+    };
+    const auto document = [](const std::wstring& text) { return L"{\"r\": {\"" + text + L"\": \"" + text + L"\"}}"; };
+    ASSERT_EQ(document(before + L"\\\"" + after), write(L'"', ItemType_string));
+    ASSERT_EQ(document(before + L"\\n" + after), write(L'\n', ItemType_int));
+    ASSERT_EQ(document(before), write(L'\0', ItemType_string));
+  });
 }
 
 TEST(JsonTextWriter, KeysAreNotEscapedIntended) {

@@ -6,6 +6,8 @@
 #include <vector>
 
 #include "Expect.h"
+#include "support/EveryPlace.h"
+#include "support/PassingNames.h"
 #include "support/Replay.h"
 
 using namespace RkXmlTest;
@@ -76,6 +78,53 @@ TEST(XmlTextWriter, EscapesTextAndAttributes) {
     EXPECT_TEXT(std::wstring(L"<e a=\"") + attribute + L"\">" + text + L"</e>", written);
   }
   EXPECT_TEXT(L"<e>ab</e>", Written([](CXmlTextWriter& w) { Replay(w, std::wstring_view(L"<e 'ab\0c'>", 10)); }));
+}
+
+TEST(XmlTextWriter, EscapesAndEndsTextsAtEveryPlace) {
+  RkXmlTest::AtEveryPlace([](const std::wstring& before, const std::wstring& after) {
+    const auto write = [&](wchar_t c) {
+      const std::wstring text = before + c + after;
+      return Written([&](CXmlTextWriter& w) {
+        w.WriteStartElement(text, L"");
+        w.WriteAttributeString(L"a", L"", text, ItemType_string);
+        w.WriteTextElement(L"t", L"", text, ItemType_string);
+        w.WriteEndElement();
+      });
+    };
+    const auto document = [](const std::wstring& name, const std::wstring& text) {
+      const std::wstring child = text.empty() ? L"<t/>" : L"<t>" + text + L"</t>";
+      return L"<" + name + L" a=\"" + text + L"\">" + child + L"</" + name + L">";
+    };
+    ASSERT_EQ(document(before + L"&" + after, before + L"&amp;" + after), write(L'&'));
+    ASSERT_EQ(document(before, before), write(L'\0'));
+  });
+}
+
+// The default namespace and the prefix of a namespace change, while the same names are used on.
+TEST(XmlTextWriter, NamesOfRecordsFollowTheScope) {
+  const auto write = [](bool lasting) {
+    return Written([lasting](CXmlTextWriter& w) {
+      RkXmlTest::Names n(lasting);
+      const auto leaf = [&](const wchar_t* uri) { w.WriteTextElement(n.Name(L"a"), n.Uri(uri), L"1", ItemType_int); };
+      w.SetDefaultNamespace(L"urn:d");
+      w.AddNamespace(L"e", L"urn:e");
+      w.WriteStartElement(n.Name(L"r"), n.Uri(L"urn:d"));
+      for (const wchar_t* uri : {L"urn:d", L"urn:d", L"urn:e"}) leaf(uri);
+      w.WriteStartElement(n.Name(L"s"), n.Uri(L"urn:d"));
+      w.SetDefaultNamespace(L"urn:e");
+      for (const wchar_t* uri : {L"urn:d", L"urn:e", L"urn:e"}) leaf(uri);
+      w.SetDefaultNamespace(L"urn:d");
+      leaf(L"urn:e");
+      w.WriteEndElement();
+      for (const wchar_t* uri : {L"urn:d", L"urn:e"}) leaf(uri);
+      w.WriteEndElement();
+    });
+  };
+  const std::wstring expected =
+      L"<r xmlns=\"urn:d\" xmlns:e=\"urn:e\"><a>1</a><a>1</a><e:a>1</e:a>"
+      L"<s><AA:a xmlns:AA=\"urn:d\">1</AA:a><a>1</a><a>1</a><e:a>1</e:a></s><a>1</a><e:a>1</e:a></r>";
+  EXPECT_WIDE_EQ(expected, write(true));
+  EXPECT_WIDE_EQ(expected, write(false));
 }
 
 TEST(XmlTextWriter, WritesWhatStandsAroundTheRoot) {
