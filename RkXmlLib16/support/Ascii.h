@@ -4,6 +4,7 @@
 #include <emmintrin.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 
 // Runs of ASCII, sixteen characters at a time. Most text of most documents is such a run.
@@ -65,6 +66,29 @@ inline bool NarrowFour(const wchar_t* text, unsigned char* out) {
   const int bytes = _mm_cvtsi128_si32(_mm_packus_epi16(units, units));
   std::memcpy(out, &bytes, sizeof bytes);
   return true;
+}
+
+// How far sixteen characters stand above those of `from`, into `out`; whether none is further than `most` tells.
+inline bool Distances(const wchar_t* text, const char (&from)[16], const unsigned char (&most)[16],
+                      unsigned char (&out)[16]) {
+  const WideBlock block(text);
+  // What does not fit a byte becomes -128 or 127, which are far from every character.
+  const __m128i bytes = _mm_packs_epi16(_mm_packs_epi32(block.a, block.b), _mm_packs_epi32(block.c, block.d));
+  const auto load = [](const auto& values) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(values)); };
+  const __m128i distances = _mm_sub_epi8(bytes, load(from));
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(out), distances);
+  return _mm_movemask_epi8(_mm_cmpeq_epi8(_mm_min_epu8(distances, load(most)), distances)) == 0xFFFF;
+}
+
+// Writes eight digits, the numbers 0 to 9, as characters that end before `end`, the first digit as the last one.
+inline void PutDigitsBackwards(const unsigned char* digits, wchar_t* end) {
+  std::uint64_t packed = 0;
+  std::memcpy(&packed, digits, sizeof packed);
+  const __m128i zero = _mm_setzero_si128();
+  const __m128i forwards = _mm_cvtsi64_si128(static_cast<long long>(__builtin_bswap64(packed)));
+  const __m128i pairs = _mm_unpacklo_epi8(_mm_add_epi8(forwards, _mm_set1_epi8('0')), zero);
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(end - 8), _mm_unpacklo_epi16(pairs, zero));
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(end - 4), _mm_unpackhi_epi16(pairs, zero));
 }
 
 // Copies the run at the start of `text` to `out`, one byte a character, and returns its length.

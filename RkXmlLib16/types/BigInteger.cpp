@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "RkXmlLib16/core/Exception.h"
+#include "RkXmlLib16/support/Ascii.h"
 #include "RkXmlLib16/types/Decimal.h"
 
 namespace RkXmlLib16 {
@@ -213,7 +214,16 @@ void CBigInteger::AppendTo(std::wstring& out) const {
     out += L'0';
     return;
   }
+  constexpr std::size_t kFew = 8;
   const std::size_t sign = m_sign < 0 ? 1 : 0;
+  if (m_digits.size() <= kFew) {
+    wchar_t text[1 + kFew];
+    Ascii::PutDigitsBackwards(m_digits.data(), std::end(text));
+    wchar_t* const first = std::end(text) - m_digits.size() - sign;
+    if (m_sign < 0) *first = L'-';
+    out.append(first, sign + m_digits.size());
+    return;
+  }
   const std::size_t start = out.size();
   out.resize(start + sign + m_digits.size(), L'-');
   wchar_t* to = out.data() + out.size();

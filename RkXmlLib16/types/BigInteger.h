@@ -38,6 +38,11 @@ class RKXML_EXPORT CBigInteger {
   CBigInteger(std::int32_t sign, CDigitVector digits);
   // `digits` as text, most significant first, nothing but digits; none are 0.
   void AssignDigits(std::int32_t sign, std::wstring_view digits);
+  // Up to eight digits, one in each byte of `packed`, least significant first.
+  void AssignPacked(std::int32_t sign, std::uint64_t packed) noexcept {
+    m_sign = sign < 0 ? -1 : 1;
+    m_digits.AssignPacked(packed);
+  }
   CBigInteger(const CBigInteger& other) = default;
   CBigInteger(CBigInteger&& other) noexcept;
   CBigInteger& operator=(const CBigInteger& other);

@@ -141,6 +141,71 @@ unsigned short ParseYear(wstring_view text) {
   return static_cast<unsigned short>(year);
 }
 
+// What most texts of a kind look like is read at once, without the whitespace rule, which has nothing to do there. Each
+// of these is false for any other text, valid or not.
+
+// Digits that surely fit 64 bits, with a minus sign at most.
+template <class Value>
+bool ReadPlain(wstring_view text, Value& value) {
+  constexpr std::size_t kMostDigits = 18;
+  const bool negative = !text.empty() && text.front() == L'-';
+  if (negative) text.remove_prefix(1);
+  if (text.empty() || text.size() > kMostDigits) return false;
+  long long number = 0;
+  for (const wchar_t c : text) {
+    if (!IsDigit(c)) return false;
+    number = number * 10 + (c - L'0');
+  }
+  if (negative) number = -number;
+  value = static_cast<Value>(number);
+  return static_cast<long long>(value) == number && (number >= 0 || std::is_signed_v<Value>);
+}
+
+// Digits and a power of ten that a double holds exactly, so that it is their quotient that is rounded.
+bool ReadPlain(wstring_view text, double& value) {
+  constexpr double kPowers[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+  constexpr std::size_t kMostDigits = 15;
+  const bool negative = !text.empty() && text.front() == L'-';
+  if (negative) text.remove_prefix(1);
+  if (text.size() > kMostDigits || text.empty() || text.back() == L'.') return false;
+  long long digits = 0;
+  std::size_t fraction = 0;  // with the point
+  for (const wchar_t c : text) {
+    if (c == L'.' && fraction == 0) {
+      fraction = 1;
+      continue;
+    }
+    if (!IsDigit(c)) return false;
+    digits = digits * 10 + (c - L'0');
+    if (fraction != 0) ++fraction;
+  }
+  value = static_cast<double>(digits) / kPowers[fraction == 0 ? 0 : fraction - 1];
+  if (negative) value = -value;
+  return true;
+}
+
+bool ReadPlain(wstring_view text, float& value) {
+  double wide = 0;
+  if (!ReadPlain(text, wide)) return false;
+  value = static_cast<float>(wide);
+  return true;
+}
+
+bool ReadPlain(wstring_view text, bool& value) {
+  const auto is = [text](const wchar_t* word, std::size_t length) {
+    return text.size() == length && std::memcmp(text.data(), word, length * sizeof *word) == 0;
+  };
+  value = is(L"true", 4) || is(L"1", 1);
+  return value || is(L"false", 5) || is(L"0", 1);
+}
+
+bool ReadPlain(wstring_view text, CDecimal& value) { return value.ParsePlain(text); }
+bool ReadPlain(wstring_view text, CDateTime& value) { return value.ParsePlain(text); }
+
+template <ItemType kItem>
+constexpr bool kHasPlain = (kItem >= ItemType_byte && kItem <= ItemType_double) || kItem == ItemType_boolean
+                           || kItem == ItemType_decimal || kItem == ItemType_dateTime;
+
 template <ItemType kItem>
 XsdValue<kItem> Parse(wstring_view text) {
   XsdValue<kItem> value;
@@ -203,8 +268,14 @@ XsdValue<kItem> Parse(wstring_view text) {
 
 template <class Value>
 void AppendInteger(wstring& out, Value value) {
-  char buffer[24];
-  out.append(buffer, std::to_chars(buffer, buffer + sizeof buffer, value).ptr);
+  wchar_t buffer[24];
+  wchar_t* to = std::end(buffer);
+  auto magnitude = static_cast<unsigned long long>(value);
+  if (value < 0) magnitude = 0 - magnitude;
+  do *--to = static_cast<wchar_t>(L'0' + magnitude % 10);
+  while ((magnitude /= 10) != 0);
+  if (value < 0) *--to = L'-';
+  out.append(to, static_cast<std::size_t>(std::end(buffer) - to));
 }
 
 void AppendTwoDigits(wstring& out, const wchar_t* prefix, unsigned value) {
@@ -281,9 +352,9 @@ void AppendDecimal(wstring& out, const CDecimal& value, const wchar_t* format) {
 
 template <ItemType kItem>
 XsdValue<kItem> CConversions::FromText(wstring_view text, Rule rule) {
-  if constexpr (kItem == ItemType_decimal) {
-    CDecimal value;
-    if (value.ParsePlain(text)) return value;  // without white space all rules are alike
+  if constexpr (kHasPlain<kItem>) {
+    XsdValue<kItem> value{};
+    if (CWhitespaceUtils::IsRule(rule) && ReadPlain(text, value)) return value;
   }
   wstring scratch;
   return Parse<kItem>(CWhitespaceUtils::ApplyRule(rule, text, scratch));
@@ -298,7 +369,7 @@ void CConversions::AppendTo(wstring& out, const XsdValue<kItem>& value, const wc
   else if constexpr (kItem == ItemType_double)
     AppendFloating(out, value, 1.7976931348623157e308, 16, format);
   else if constexpr (kItem == ItemType_boolean)
-    out += value ? L"true" : L"false";
+    out += value ? wstring_view(L"true") : wstring_view(L"false");
   else if constexpr (kItem == ItemType_char || kItem == ItemType_string)
     out += value;
   else if constexpr (kItem == ItemType_gMonth)

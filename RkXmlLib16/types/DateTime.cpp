@@ -6,6 +6,7 @@
 #include <cstdlib>
 
 #include "RkXmlLib16/core/Exception.h"
+#include "RkXmlLib16/support/Ascii.h"
 #include "RkXmlLib16/support/Format.h"
 #include "RkXmlLib16/types/Calendar.h"
 #include "RkXmlLib16/types/internal/DateTimeKind.h"
@@ -29,9 +30,12 @@ template <class... Args>
 }
 
 // Whether `text` has the shape of `mask`, where 9 stands for a digit and everything else for itself.
-bool HasShape(std::wstring_view text, std::wstring_view mask) {
-  return text.size() == mask.size() && std::equal(text.begin(), text.end(), mask.begin(),
-                                                  [](wchar_t c, wchar_t m) { return m == L'9' ? IsDigit(c) : c == m; });
+template <std::size_t kSize>
+bool HasShape(std::wstring_view text, const wchar_t (&mask)[kSize]) {
+  if (text.size() != kSize - 1) return false;
+  for (std::size_t i = 0; i < kSize - 1; ++i)
+    if (mask[i] == L'9' ? !IsDigit(text[i]) : text[i] != mask[i]) return false;
+  return true;
 }
 
 int TwoDigits(std::wstring_view text, std::size_t at) { return (text[at] - L'0') * 10 + (text[at + 1] - L'0'); }
@@ -40,16 +44,19 @@ int TwoDigits(std::wstring_view text, std::size_t at) { return (text[at] - L'0')
 constexpr std::size_t kMostCharacters = 40;
 
 // At least two digits: setters do not validate, so that a field may have three.
-wchar_t* PutTwoDigits(wchar_t* to, int value) {
-  if (value >= 100) *to++ = static_cast<wchar_t>(L'0' + value / 100);
-  value %= 100;
-  *to++ = static_cast<wchar_t>(L'0' + value / 10);
-  *to++ = static_cast<wchar_t>(L'0' + value % 10);
-  return to;
+inline wchar_t* PutTwoDigits(wchar_t* to, unsigned value) {
+  if (value >= 100) {
+    *to++ = static_cast<wchar_t>(L'0' + value / 100);
+    value %= 100;
+  }
+  const unsigned tens = value / 10;
+  to[0] = static_cast<wchar_t>(L'0' + tens);
+  to[1] = static_cast<wchar_t>(L'0' + value - tens * 10);
+  return to + 2;
 }
 
 // At least four digits.
-wchar_t* PutYear(wchar_t* to, int year) { return PutTwoDigits(PutTwoDigits(to, year / 100), year % 100); }
+wchar_t* PutYear(wchar_t* to, unsigned year) { return PutTwoDigits(PutTwoDigits(to, year / 100), year % 100); }
 
 }  // namespace
 
@@ -239,7 +246,35 @@ void CDateTime::ParseXSDDateTime(const wchar_t* text) {
   ParseXSDDateTime(std::wstring_view(text));
 }
 
+bool CDateTime::ParsePlain(std::wstring_view text) noexcept {
+  constexpr std::size_t kSize = 19;
+  const bool isUtc = text.size() == kSize + 1 && text[kSize] == L'Z';
+  if (!isUtc && text.size() != kSize) return false;
+  constexpr char kFrom[16] = {'0', '0', '0', '0', '-', '0', '0', '-', '0', '0', 'T', '0', '0', ':', '0', '0'};
+  constexpr unsigned char kMost[16] = {9, 9, 9, 9, 0, 1, 9, 0, 3, 9, 0, 2, 9, 0, 5, 9};
+  unsigned char digits[16];
+  if (!Ascii::Distances(text.data(), kFrom, kMost, digits)) return false;
+  if (text[16] != L':' || !IsDigit(text[17]) || text[17] > L'5' || !IsDigit(text[18])) return false;
+  const auto number = [&digits](std::size_t at) { return digits[at] * 10 + digits[at + 1]; };
+  const int year = number(0) * 100 + number(2), month = number(5), day = number(8), hour = number(11);
+  constexpr int kDaysOfEveryMonth = 28;
+  if (year == 0 || month < 1 || month > 12 || day < 1 || hour > 23 ||
+      (day > kDaysOfEveryMonth && day > Calendar::DaysInMonth(year, month)))
+    return false;
+  Clear();
+  m_type = dt_dateTime;
+  m_year = static_cast<short>(year);
+  m_month = static_cast<unsigned char>(month);
+  m_day = static_cast<unsigned char>(day);
+  m_hour = static_cast<unsigned char>(hour);
+  m_minute = static_cast<unsigned char>(number(14));
+  m_second = static_cast<unsigned char>(TwoDigits(text, 17));
+  m_isUTC = isUtc;
+  return true;
+}
+
 void CDateTime::ParseXSDDateTime(std::wstring_view text) {
+  if (ParsePlain(text)) return;
   Clear();
   const std::size_t t = text.find(L'T');
   if (t == std::wstring_view::npos) ThrowInvalidText(L"Invalid XSD DateTime [%ls].", text);
@@ -394,25 +429,18 @@ void CDateTime::Validate() const {
       if (m_day != 0) ThrowInvalid(L"Invalid Day [%d] for type %ls", int{m_day}, type);
   }
 
-  const struct {
-    int value, most;
-    const wchar_t* name;
-    const wchar_t* word;
-  } timeFields[] = {
-      {m_hour, 23, L"Hour", L"hour"},
-      {m_minute, 59, L"Minute", L"minute"},
-      {m_second, 59, L"Second", L"second"},
-      {m_milliSecond, 999, L"Milli-Second", L"milli"},
-      {m_microSecond, 999, L"Micro-Second", L"micro"},
-      {m_nanoSecond, 999, L"Nano-Second", L"nano"},
+  const bool hasTime = (owned & kTime) != 0;
+  const auto checkTime = [hasTime, type](int value, int most, const wchar_t* name, const wchar_t* word) {
+    if (value <= (hasTime ? most : 0)) return;
+    if (!hasTime) ThrowInvalid(L"Invalid %ls [%d] for type %ls", name, value, type);
+    ThrowInvalid(L"Invalid %ls [%d] (0 <= %ls <= %d)", name, value, word, most);
   };
-  for (const auto& field : timeFields) {
-    if ((owned & kTime) == 0) {
-      if (field.value != 0) ThrowInvalid(L"Invalid %ls [%d] for type %ls", field.name, field.value, type);
-    } else if (field.value > field.most) {
-      ThrowInvalid(L"Invalid %ls [%d] (0 <= %ls <= %d)", field.name, field.value, field.word, field.most);
-    }
-  }
+  checkTime(m_hour, 23, L"Hour", L"hour");
+  checkTime(m_minute, 59, L"Minute", L"minute");
+  checkTime(m_second, 59, L"Second", L"second");
+  checkTime(m_milliSecond, 999, L"Milli-Second", L"milli");
+  checkTime(m_microSecond, 999, L"Micro-Second", L"micro");
+  checkTime(m_nanoSecond, 999, L"Nano-Second", L"nano");
 }
 
 std::wstring CDateTime::ToString() const {
@@ -439,7 +467,7 @@ void CDateTime::AppendTo(std::wstring& out) const {
   wchar_t* to = buffer;
   if ((owned & kYear) != 0) {
     if (m_year < 0) *to++ = L'-';
-    to = PutYear(to, std::abs(m_year));
+    to = PutYear(to, static_cast<unsigned>(std::abs(m_year)));
   } else if (m_type != dt_time) {
     *to++ = L'-';
   }
@@ -457,7 +485,7 @@ void CDateTime::AppendTo(std::wstring& out) const {
     *to++ = L':';
     to = PutTwoDigits(to, m_second);
     if (m_milliSecond != 0 || m_microSecond != 0 || m_nanoSecond != 0) {
-      out.append(buffer, to);
+      out.append(buffer, static_cast<std::size_t>(to - buffer));
       to = buffer;
       out += ToFracString(m_milliSecond, m_microSecond, m_nanoSecond);
     }
@@ -465,11 +493,11 @@ void CDateTime::AppendTo(std::wstring& out) const {
   if (m_isUTC && !m_hasTimeZone) *to++ = L'Z';
   if (m_isUTC && m_hasTimeZone) {
     *to++ = m_zoneHour < 0 ? L'-' : L'+';
-    to = PutTwoDigits(to, std::abs(m_zoneHour));
+    to = PutTwoDigits(to, static_cast<unsigned>(std::abs(m_zoneHour)));
     *to++ = L':';
     to = PutTwoDigits(to, m_zoneMinute);
   }
-  out.append(buffer, to);
+  out.append(buffer, static_cast<std::size_t>(to - buffer));
 }
 
 void CDateTime::Clear() noexcept {

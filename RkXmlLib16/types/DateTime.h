@@ -128,6 +128,9 @@ class RKXML_EXPORT CDateTime {
   void ParseXSDDate(std::wstring_view text);
   void ParseXSDTime(const wchar_t* text);
   void ParseXSDTime(std::wstring_view text);
+  // Reads a dateTime of the plain shape 2024-02-29T08:30:00, at most with a Z behind it; false, and nothing changed,
+  // for any other text.
+  bool ParsePlain(std::wstring_view text) noexcept;
   // The XSD lexical form for the formats null, "", "G" and "s"; otherwise the text "Unknown Format: " and the format.
   // "Error: Date Not Set" for a value without content.
   std::wstring ToString() const;

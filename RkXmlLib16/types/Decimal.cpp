@@ -4,11 +4,11 @@
 #include <charconv>
 #include <cmath>
 #include <limits>
-#include <memory>
 #include <string>
 #include <utility>
 
 #include "RkXmlLib16/core/Exception.h"
+#include "RkXmlLib16/support/Ascii.h"
 #include "RkXmlLib16/support/Format.h"
 #include "RkXmlLib16/types/Whitespace.h"
 
@@ -107,8 +107,42 @@ CDecimal::~CDecimal() = default;
 
 void CDecimal::Parse(const wchar_t* text) { Parse(std::wstring_view(text == nullptr ? L"" : text)); }
 
-// Most decimals: a sign, digits, a point and few digits behind it. False, without a change, for any other text.
+// Most decimals have few digits on each side of the point, which fit a word as they are stored: one in each byte, the
+// least significant in the lowest.
 bool CDecimal::ParsePlain(std::wstring_view text) {
+  const wchar_t* at = text.data();
+  const wchar_t* const end = at + text.size();
+  const bool negative = at != end && *at == L'-';
+  if (negative || (at != end && *at == L'+')) ++at;
+  const auto packDigits = [&at, end] {
+    std::uint64_t packed = 0;
+    for (; at != end && IsDigit(*at); ++at) packed = packed << 8 | static_cast<unsigned>(*at - L'0');
+    return packed;
+  };
+  constexpr std::ptrdiff_t kMost = sizeof(std::uint64_t);
+  const wchar_t* first = at;
+  const std::uint64_t integer = packDigits();
+  if (at - first > kMost) return ParsePlainLong(text);
+  std::uint64_t fraction = 0;
+  std::int32_t divider = 1;
+  if (at != end) {
+    if (*at != L'.') return false;
+    first = ++at;
+    fraction = packDigits();
+    if (at != end) return false;
+    if (at - first > kMost) return ParsePlainLong(text);
+    if (fraction != 0) divider = static_cast<std::int32_t>(at - first);
+    for (; fraction != 0 && (fraction & 0xFF) == 0; fraction >>= 8) --divider;
+  }
+  const std::int32_t sign = negative && (integer | fraction) != 0 ? -1 : 1;
+  m_integer.AssignPacked(sign, integer);
+  m_fraction.AssignPacked(sign, fraction);
+  m_divider = divider;
+  return true;
+}
+
+// The same for any number of digits.
+bool CDecimal::ParsePlainLong(std::wstring_view text) {
   const bool negative = !text.empty() && text[0] == L'-';
   if (negative || (!text.empty() && text[0] == L'+')) text.remove_prefix(1);
   std::size_t point = 0;
@@ -229,26 +263,37 @@ void CDecimal::AppendTo(std::wstring& out) const {
   const CDigitVector& integer = m_integer.GetDigits();
   const CDigitVector& fraction = m_fraction.GetDigits();
   const std::size_t fractionDigits = m_fraction.IsZero() ? 0 : static_cast<std::size_t>(m_divider);
-  // Mostly it is short, and written backwards in place.
-  constexpr std::size_t kShort = 64;
-  wchar_t shortText[kShort];
-  std::unique_ptr<wchar_t[]> longText;
-  const std::size_t most = 1 + std::max<std::size_t>(integer.size(), 1) + 1 + fractionDigits;
-  if (most > kShort) longText.reset(new wchar_t[most]);
-  wchar_t* const end = (longText != nullptr ? longText.get() : shortText) + most;
-  wchar_t* to = end;
-  const auto put = [&to](const CDigitVector& digits) {
-    for (const unsigned char digit : digits) *--to = static_cast<wchar_t>(L'0' + digit);
+  const bool negative = IsNegative();
+  // Backwards from `to`; returns the first character.
+  const auto write = [&](wchar_t* to, auto&& put) {
+    if (fractionDigits != 0) {
+      wchar_t* const point = to - fractionDigits - 1;
+      put(fraction, to);
+      to -= fraction.size();
+      while (to != point + 1) *--to = L'0';
+      *--to = L'.';
+    }
+    put(integer, to);
+    to -= integer.size();
+    if (integer.empty()) *--to = L'0';
+    if (negative) *--to = L'-';
+    return to;
   };
-  if (fractionDigits != 0) {
-    put(fraction);
-    for (std::size_t i = fraction.size(); i < fractionDigits; ++i) *--to = L'0';
-    *--to = L'.';
+  constexpr std::size_t kFew = 16;  // what a vector of digits keeps in itself
+  if (integer.size() <= kFew && fractionDigits <= kFew) {
+    wchar_t text[kFew + 1 + kFew + 1];
+    const wchar_t* const first = write(std::end(text), [](const CDigitVector& digits, wchar_t* to) {
+      Ascii::PutDigitsBackwards(digits.data(), to);
+      if (digits.size() > kFew / 2) Ascii::PutDigitsBackwards(digits.data() + kFew / 2, to - kFew / 2);
+    });
+    out.append(first, static_cast<std::size_t>(std::end(text) - first));
+  } else {
+    const std::size_t sign = negative ? 1 : 0, point = fractionDigits == 0 ? 0 : 1;
+    out.resize(out.size() + sign + std::max<std::size_t>(integer.size(), 1) + point + fractionDigits);
+    write(out.data() + out.size(), [](const CDigitVector& digits, wchar_t* to) {
+      for (const unsigned char digit : digits) *--to = static_cast<wchar_t>(L'0' + digit);
+    });
   }
-  put(integer);
-  if (integer.empty()) *--to = L'0';
-  if (IsNegative()) *--to = L'-';
-  out.append(to, end);
 }
 
 void CDecimal::Rationalise() {

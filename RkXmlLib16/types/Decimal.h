@@ -99,6 +99,8 @@ class RKXML_EXPORT CDecimal {
   CDecimal operator--(int);
 
  private:
+  bool ParsePlainLong(std::wstring_view text);
+
   CBigInteger m_integer;
   CBigInteger m_fraction;
   std::int32_t m_divider = 1;

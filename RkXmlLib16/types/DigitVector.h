@@ -70,6 +70,12 @@ class RKXML_EXPORT CDigitVector {
     m_size = static_cast<std::uint32_t>(count);
     return data();
   }
+  // Up to eight digits, one in each byte of `packed`, the first in the lowest; without zeros behind the last.
+  void AssignPacked(std::uint64_t packed) noexcept {
+    const auto bits = packed == 0 ? 1 : 64 - __builtin_clzll(packed);
+    m_size = static_cast<std::uint32_t>(bits + 7) / 8;
+    std::memcpy(data(), &packed, sizeof packed);
+  }
   // New digits are `digit`.
   void resize(std::size_t count, wchar_t digit = 0);
   // Puts `count` zeros in front of the first digit, or drops the first `count` digits.

@@ -54,7 +54,7 @@ thread_local bool SpareText::t_isGone = false;
 
 // Calls `call` with the kind as a compile-time constant, for the type codes 1 to 26.
 template <class Call>
-void Dispatch(std::uint32_t type, Call&& call) {
+[[gnu::always_inline]] inline void Dispatch(std::uint32_t type, Call&& call) {
   switch (type) {
 #define RKXML_KIND(Item) \
   case Item:             \
@@ -174,9 +174,26 @@ bool RkVariant::MayHold(const void* value) const noexcept {
          reinterpret_cast<std::uintptr_t>(value) - reinterpret_cast<std::uintptr_t>(this) < sizeof *this;
 }
 
+template <class T>
+T* RkVariant::Held() noexcept {
+  return m_owned ? std::get_if<T>(&*m_owned) : nullptr;
+}
+
+// Reads a text of the plain shape into the value of this type that the variant holds already, where no lack of memory
+// can leave it half read.
+template <class T>
+bool RkVariant::ReadInPlace(std::uint32_t type, std::wstring_view text) {
+  constexpr std::size_t kInline = 16;  // digits
+  T* const present = noexcept(std::declval<T>().ParsePlain(text)) || text.size() <= kInline ? Held<T>() : nullptr;
+  if (present == nullptr || !present->ParsePlain(text)) return false;
+  m_nil = false;
+  m_type = type;
+  return true;
+}
+
 template <class T, class Value>
 void RkVariant::SetOwned(std::uint32_t type, Value&& value) {
-  if (T* const present = m_owned ? std::get_if<T>(&*m_owned) : nullptr) {
+  if (T* const present = Held<T>()) {
     *present = std::forward<Value>(value);
   } else if (MayHold(&value)) {
     T copy(std::forward<Value>(value));
@@ -348,48 +365,53 @@ void RkVariant::FromText(std::wstring_view text, ItemType type) {
   FromText(text, type, keepsSpace ? CWhitespaceUtils::none : CWhitespaceUtils::collapse);
 }
 
+// A function for each kind, so that none makes room for what another needs.
+template <ItemType kItem>
+[[gnu::noinline]] void RkVariant::Read(std::wstring_view text, CWhitespaceUtils::WhitespaceRule rule) {
+  if constexpr (kItem == ItemType_string) {
+    if (rule == CWhitespaceUtils::none || rule == CWhitespaceUtils::preserve) return SetString(text);
+    std::wstring scratch;
+    return SetString(CWhitespaceUtils::ApplyRule(rule, text, scratch));
+  } else if constexpr (kItem == ItemType_decimal || kItem == ItemType_dateTime) {
+    if (CWhitespaceUtils::IsRule(rule) && ReadInPlace<XsdValue<kItem>>(kItem, text)) return;
+  }
+  auto value = CConversions::FromText<kItem>(text, rule);
+  if constexpr (kItem == ItemType_byte)
+    SetI1(value);
+  else if constexpr (kItem == ItemType_short)
+    SetI2(value);
+  else if constexpr (kItem == ItemType_int)
+    SetI4(value);
+  else if constexpr (kItem == ItemType_long)
+    SetI8(value);
+  else if constexpr (kItem == ItemType_unsignedByte)
+    SetUI1(value);
+  else if constexpr (kItem == ItemType_unsignedShort)
+    SetUI2(value);
+  else if constexpr (kItem == ItemType_unsignedInt)
+    SetUI4(value);
+  else if constexpr (kItem == ItemType_unsignedLong)
+    SetUI8(value);
+  else if constexpr (kItem == ItemType_float)
+    SetR4(value);
+  else if constexpr (kItem == ItemType_double)
+    SetR8(value);
+  else if constexpr (kItem == ItemType_gYear)
+    SetYear(value);
+  else if constexpr (kItem == ItemType_gMonth)
+    SetMonth(value);
+  else if constexpr (kItem == ItemType_gDay)
+    SetDay(value);
+  else if constexpr (kItem == ItemType_char)
+    SetChar(value);
+  else if constexpr (kItem == ItemType_boolean)
+    SetBoolean(value);
+  else if constexpr (kItem != ItemType_string)
+    SetOwned<XsdValue<kItem>>(kItem, std::move(value));
+}
+
 void RkVariant::FromText(std::wstring_view text, ItemType type, CWhitespaceUtils::WhitespaceRule rule) {
-  Dispatch(static_cast<std::uint32_t>(type), [&](auto item) {
-    constexpr ItemType kItem = decltype(item)::value;
-    if constexpr (kItem == ItemType_string) {
-      std::wstring scratch;
-      SetString(CWhitespaceUtils::ApplyRule(rule, text, scratch));
-    } else {
-      auto value = CConversions::FromText<kItem>(text, rule);
-      if constexpr (kItem == ItemType_byte)
-        SetI1(value);
-      else if constexpr (kItem == ItemType_short)
-        SetI2(value);
-      else if constexpr (kItem == ItemType_int)
-        SetI4(value);
-      else if constexpr (kItem == ItemType_long)
-        SetI8(value);
-      else if constexpr (kItem == ItemType_unsignedByte)
-        SetUI1(value);
-      else if constexpr (kItem == ItemType_unsignedShort)
-        SetUI2(value);
-      else if constexpr (kItem == ItemType_unsignedInt)
-        SetUI4(value);
-      else if constexpr (kItem == ItemType_unsignedLong)
-        SetUI8(value);
-      else if constexpr (kItem == ItemType_float)
-        SetR4(value);
-      else if constexpr (kItem == ItemType_double)
-        SetR8(value);
-      else if constexpr (kItem == ItemType_gYear)
-        SetYear(value);
-      else if constexpr (kItem == ItemType_gMonth)
-        SetMonth(value);
-      else if constexpr (kItem == ItemType_gDay)
-        SetDay(value);
-      else if constexpr (kItem == ItemType_char)
-        SetChar(value);
-      else if constexpr (kItem == ItemType_boolean)
-        SetBoolean(value);
-      else
-        SetOwned<XsdValue<kItem>>(kItem, std::move(value));
-    }
-  });
+  Dispatch(static_cast<std::uint32_t>(type), [&](auto item) { Read<decltype(item)::value>(text, rule); });
 }
 
 }  // namespace RkXmlLib16

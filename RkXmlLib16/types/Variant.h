@@ -191,6 +191,12 @@ class RKXML_EXPORT RkVariant {
   void KeepTextStorage() noexcept;
   void RequireType(std::uint32_t type) const;
   bool MayHold(const void* value) const noexcept;
+  template <class T>
+  T* Held() noexcept;
+  template <class T>
+  bool ReadInPlace(std::uint32_t type, std::wstring_view text);
+  template <ItemType kItem>
+  void Read(std::wstring_view text, CWhitespaceUtils::WhitespaceRule rule);
   template <class T, class Value>
   void SetOwned(std::uint32_t type, Value&& value);
   template <class T>

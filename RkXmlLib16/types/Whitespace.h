@@ -21,6 +21,8 @@ class RKXML_EXPORT CWhitespaceUtils {
     collapse = 3   // replace, then one blank for each run and none at the ends
   };
 
+  // Whether the rule is one of the enumeration.
+  static constexpr bool IsRule(WhitespaceRule rule) noexcept { return rule >= none && rule <= collapse; }
   // Blank, tab, carriage return and line feed; nothing else.
   static constexpr bool IsWhiteSpace(wchar_t c) noexcept { return c == L' ' || c == L'\t' || c == L'\r' || c == L'\n'; }
   static std::wstring Preserve(const std::wstring& text);

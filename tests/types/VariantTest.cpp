@@ -171,3 +171,27 @@ TEST(Variant, TakesItsOwnValueAgain) {
   EXPECT_EQ(ItemType_dateTime, v.GetItemType());
   EXPECT_TEXT(L"2024-02-29", v.GetDateTime().ToString());
 }
+
+TEST(Variant, AValueThatCannotBeReadLeavesTheOneBefore) {
+  const Rows<ItemType, Wide, Wide, Wide> rows = {
+      {ItemType_decimal, L"46.630016", L"-7", L"46.63x"},
+      {ItemType_decimal, L"46.630016", L"12345678901234567890.5", L"1.2.3"},
+      {ItemType_dateTime, L"2024-02-29T23:59:59Z", L"2023-01-01T00:00:00", L"2023-02-29T23:59:59Z"},
+      {ItemType_int, L"12", L"-3", L"12x"},
+      {ItemType_double, L"0.5", L"-0.25", L"1..5"},
+  };
+  for (const auto& [type, text, next, malformed] : rows) {
+    RkVariant value;
+    value.FromString(text, type);
+    EXPECT_THROW(value.FromString(malformed, type), CRkInvalidValueException);
+    EXPECT_TEXT(text, value.ToString());
+    value.SetUnused();
+    EXPECT_THROWS(CRkException, L"Unknown WhitespaceRule",
+                  value.FromString(next, type, static_cast<CWhitespaceUtils::WhitespaceRule>(7)));
+    EXPECT_FALSE(value.IsValid());
+    value.SetNil();
+    value.FromString(next, type);
+    EXPECT_FALSE(value.IsNil());
+    EXPECT_TEXT(next, value.ToString());
+  }
+}
