@@ -1,5 +1,7 @@
 #include "RkXmlLib16/metadata/FacetChecks.h"
 
+#include <algorithm>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <type_traits>
@@ -51,6 +53,12 @@ template <ItemType kItem>
     throw CRkException(FormatString(L"Invalid Value for %ls [%ls].", name, Print<kItem>(value).c_str()));
 }
 
+// The part of a value whose rank is in the order of the values.
+const CBigInteger& Ranked(const CDecimal& value) { return value.GetIntegerPart(); }
+const CBigInteger& Ranked(const CBigInteger& value) { return value; }
+template <ItemType kItem>
+constexpr bool kIsRanked = kItem == ItemType_decimal || kItem == ItemType_integer;
+
 // The bounds as values. A value that breaks one bound is never compared with a later one, so that a later bound which
 // cannot be read goes unnoticed; they are kept only when all can be read.
 template <ItemType kItem>
@@ -61,13 +69,35 @@ struct Bounds : CPrimitiveRestrictions::Derived {
         minInclusive(Read(facets.GetMinInclusive())),
         maxInclusive(Read(facets.GetMaxInclusive())),
         minExclusive(Read(facets.GetMinExclusive())),
-        maxExclusive(Read(facets.GetMaxExclusive())) {}
+        maxExclusive(Read(facets.GetMaxExclusive())) {
+    if constexpr (kIsRanked<kItem>) {
+      using Limits = std::numeric_limits<std::int64_t>;
+      const auto rank = [](const std::optional<Value>& bound, std::int64_t none, std::int64_t unknown) {
+        return !bound ? none : Ranked(*bound).HasRank() ? Ranked(*bound).GetRank() : unknown;
+      };
+      above =
+          std::max(rank(minInclusive, Limits::min(), Limits::max()), rank(minExclusive, Limits::min(), Limits::max()));
+      below =
+          std::min(rank(maxInclusive, Limits::max(), Limits::min()), rank(maxExclusive, Limits::max(), Limits::min()));
+    }
+  }
 
   static std::optional<Value> Read(const std::wstring& text) {
     if (text.empty()) return std::nullopt;
     return CConversions::FromText<kItem>(text, CWhitespaceUtils::collapse);
   }
 
+  bool SurelyHold(const Value& value) const {
+    if constexpr (kIsRanked<kItem>) {
+      if (!Ranked(value).HasRank()) return false;
+      const std::int64_t rank = Ranked(value).GetRank();
+      return above < rank && rank < below;
+    } else {
+      return false;
+    }
+  }
+
+  std::int64_t above = 0, below = 0;  // every rank between them is that of a value within the bounds
   std::optional<Value> minInclusive, maxInclusive, minExclusive, maxExclusive;
 };
 
@@ -76,6 +106,7 @@ bool MeetsBounds(const XsdValue<kItem>& value, const CPrimitiveRestrictions& fac
   const auto* const derived = facets.GetDerived();
   if (derived != nullptr && derived->m_itemType == kItem) {
     const auto& bounds = static_cast<const Bounds<kItem>&>(*derived);
+    if (bounds.SurelyHold(value)) return true;
     return !(bounds.minInclusive && *bounds.minInclusive > value) &&
            !(bounds.maxInclusive && value > *bounds.maxInclusive) &&
            !(bounds.minExclusive && IsAtMost(value, *bounds.minExclusive)) &&
@@ -90,12 +121,27 @@ bool MeetsBounds(const XsdValue<kItem>& value, const CPrimitiveRestrictions& fac
   return true;
 }
 
+// The characters of the lexical form.
+template <class Value>
+long PrintedLength(const Value& value) {
+  if constexpr (std::is_integral_v<Value>) {
+    auto rest = +value;
+    long length = rest < 0 ? 1 : 0;
+    do ++length;
+    while ((rest /= 10) != 0);
+    return length;
+  } else {
+    return value.IsZero() ? 1 : static_cast<long>(value.GetDigits().size()) + (value.GetSign() < 0 ? 1 : 0);
+  }
+}
+
 template <ItemType kItem>
 bool MeetsDigits(const XsdValue<kItem>& value, const CPrimitiveRestrictions& facets) {
   constexpr bool kCounts = (kItem >= ItemType_byte && kItem <= ItemType_unsignedLong) || kItem == ItemType_integer;
   if constexpr (kCounts) {
-    return facets.GetTotalDigits() < 0 || static_cast<long>(Print<kItem>(value).size()) <= facets.GetTotalDigits();
+    return facets.GetTotalDigits() < 0 || PrintedLength(value) <= facets.GetTotalDigits();
   } else if constexpr (kItem == ItemType_decimal) {
+    if (facets.GetTotalDigits() < 0 && facets.GetFractionDigits() < 0) return true;
     const long fraction = CXmlObjectHelper::GetDecimalFractionPartLen(value);
     const long total = CXmlObjectHelper::GetDecimalIntegerPartLen(value) + fraction;
     return (facets.GetTotalDigits() < 0 || total <= facets.GetTotalDigits()) &&
@@ -119,6 +165,12 @@ bool MeetsLengths(unsigned long length, const CPrimitiveRestrictions& facets) {
   return (facets.GetMinLength() < 0 || facets.GetMinLength() <= actual) &&
          (facets.GetMaxLength() < 0 || facets.GetMaxLength() >= actual) &&
          (facets.GetLength() < 0 || facets.GetLength() == actual);
+}
+
+bool MeetsLengths(const std::wstring& text, const CPrimitiveRestrictions& facets) {
+  // As many characters as units or half of them at least: where both will do, nobody need count.
+  const bool all = MeetsLengths(text.size(), facets), half = MeetsLengths((text.size() + 1) / 2, facets);
+  return (all && half) || MeetsLengths(CharacterCount(text), facets);
 }
 
 template <ItemType kItem>
@@ -195,9 +247,7 @@ void CXmlObjectHelper::CheckRestrictionForyearMonth(const wchar_t*, const CDateT
 void CXmlObjectHelper::CheckRestrictionForstring(const wchar_t* name, const std::wstring& value,
                                                  const CPrimitiveRestrictions& facets) {
   if (facets.IsEmpty()) return;
-  if (MeetsLengths(CharacterCount(value), facets) &&
-      (facets.GetPattern().empty() || MatchesPattern(name, value, facets)))
-    return;
+  if (MeetsLengths(value, facets) && (facets.GetPattern().empty() || MatchesPattern(name, value, facets))) return;
   throw CRkException(FormatString(L"Invalid Value for %ls [%ls].", name, value.c_str()));
 }
 

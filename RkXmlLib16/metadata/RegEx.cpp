@@ -46,6 +46,12 @@ Owner Require(Owner owner) {
   return owner;
 }
 
+// UTF-8, borrowed.
+struct Subject {
+  PCRE2_SPTR bytes;
+  std::size_t size;
+};
+
 PCRE2_SPTR Bytes(const std::string& text) { return reinterpret_cast<PCRE2_SPTR>(text.data()); }
 
 // From XSD's escapes to the engine's, in this order, over the whole pattern whatever stands around them.
@@ -94,10 +100,10 @@ bool IsLimit(int result) {
 }
 
 // The matcher that follows all alternatives at once and never goes back.
-int MatchWithoutBacktracking(const pcre2_code* code, const std::string& subject, pcre2_match_data* data,
+int MatchWithoutBacktracking(const pcre2_code* code, const Subject& subject, pcre2_match_data* data,
                              pcre2_match_context* context) {
   std::vector<int> workspace(kWorkspace);
-  return pcre2_dfa_match(code, Bytes(subject), subject.size(), 0, PCRE2_NO_UTF_CHECK, data, context, workspace.data(),
+  return pcre2_dfa_match(code, subject.bytes, subject.size, 0, PCRE2_NO_UTF_CHECK, data, context, workspace.data(),
                          workspace.size());
 }
 
@@ -120,22 +126,27 @@ CRegEx::CRegEx(std::string utf8Pattern, const std::wstring& value) {
 CRegEx::~CRegEx() = default;
 
 bool CRegEx::Matches(const std::wstring& value) const {
-  std::string subject(CEncoder::Utf8Length(value), '\0');
-  CEncoder::WriteUtf8(value, reinterpret_cast<unsigned char*>(subject.data()));
+  constexpr std::size_t kMostBytes = 4;  // of a character
+  unsigned char shortSubject[kShortValue];
+  std::string longSubject;
+  unsigned char* start = shortSubject;
+  if (value.size() > kShortValue / kMostBytes) {
+    longSubject.resize(CEncoder::Utf8Length(value));
+    start = reinterpret_cast<unsigned char*>(longSubject.data());
+  }
+  const Subject subject{start, static_cast<std::size_t>(CEncoder::WriteUtf8(value, start) - start)};
   const pcre2_code* const code = m_engine->code.get();
   pcre2_match_context* const limits = m_engine->limits.get();
   // The engine's working memory is kept for short values, which need little of it.
   thread_local const auto kept = Require(MatchData(pcre2_match_data_create(1, nullptr)));
   MatchData own;
-  if (subject.size() > kShortValue) own = Require(MatchData(pcre2_match_data_create(1, nullptr)));
+  if (subject.size > kShortValue) own = Require(MatchData(pcre2_match_data_create(1, nullptr)));
   pcre2_match_data* const data = own != nullptr ? own.get() : kept.get();
 
   // 0: it matched, and there was no room for the groups inside it.
-  const auto match = [&](std::uint32_t options) {
-    return pcre2_match(code, Bytes(subject), subject.size(), 0, PCRE2_NO_UTF_CHECK | options, data, limits);
-  };
-  int result = match(0);
-  if (result == PCRE2_ERROR_JIT_STACKLIMIT) result = match(PCRE2_NO_JIT);
+  int result = pcre2_jit_match(code, subject.bytes, subject.size, 0, PCRE2_NO_UTF_CHECK, data, limits);
+  if (result == PCRE2_ERROR_JIT_STACKLIMIT || result == PCRE2_ERROR_JIT_BADOPTION)  // too deep, or not compiled so
+    result = pcre2_match(code, subject.bytes, subject.size, 0, PCRE2_NO_UTF_CHECK | PCRE2_NO_JIT, data, limits);
   if (result == 0) result = 1;
   if (IsLimit(result)) {
     const int limit = result;
@@ -146,7 +157,7 @@ bool CRegEx::Matches(const std::wstring& value) const {
   }
   if (result == PCRE2_ERROR_NOMEMORY) throw std::bad_alloc();
   const PCRE2_SIZE* const matched = pcre2_get_ovector_pointer(data);
-  return result > 0 && matched[0] == 0 && matched[1] == subject.size();
+  return result > 0 && matched[0] == 0 && matched[1] == subject.size;
 }
 
 // NOLINTNEXTLINE(performance-unnecessary-value-param): callers are compiled against copies

@@ -61,6 +61,14 @@ class RKXML_EXPORT CBigInteger {
   const CDigitVector& GetDigits() const noexcept { return m_digits; }
   bool IsZero() const noexcept { return m_digits.empty() || (m_digits.size() == 1 && m_digits[0] == 0); }
 
+  // Of two values that have a rank, and different ones, the greater has the greater rank. Those of up to eight digits
+  // have one.
+  bool HasRank() const noexcept { return m_digits.FitsPacked(); }
+  std::int64_t GetRank() const noexcept {
+    const auto magnitude = static_cast<std::int64_t>(m_digits.GetPacked());
+    return m_sign < 0 ? -magnitude : magnitude;
+  }
+
   // Abs and Negate change this value, GetAbs and GetNegative leave it.
   void Abs() noexcept { m_sign = 1; }
   CBigInteger GetAbs() const;

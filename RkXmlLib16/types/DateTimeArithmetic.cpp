@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <limits>
+#include <tuple>
 
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/types/Calendar.h"
@@ -29,7 +30,9 @@ class CDateTimeFields {
   static CDateTimeFields Instant(const CDateTime& value, long long offsetSeconds) {
     CDateTimeFields fields(value);
     fields.FillIn();
-    fields.MoveTo(fields.DayNumber(), fields.m_second - offsetSeconds);
+    const bool stays = offsetSeconds == 0 && fields.m_second < Calendar::kSecondsPerDay &&
+                       fields.m_date.day <= Calendar::DaysInMonth(fields.m_date.year, fields.m_date.month);
+    if (!stays) fields.MoveTo(fields.DayNumber(), fields.m_second - offsetSeconds);
     return fields;
   }
 
@@ -88,6 +91,13 @@ class CDateTimeFields {
   friend CompareResult CompareFields(const CDateTimeFields& a, const CDateTimeFields& b) {
     if ((a.m_date.year < 0 && b.m_date.year > 0) || (a.m_date.year > 0 && b.m_date.year < 0))
       return CompareResult_Indeterminate;
+    if (a.m_owned == b.m_owned) {
+      const auto key = [](const CDateTimeFields& of) {
+        return std::tie(of.m_date.year, of.m_date.month, of.m_date.day, of.m_second, of.m_nano);
+      };
+      if (key(a) == key(b)) return CompareResult_Equal;
+      return key(a) < key(b) ? CompareResult_Less : CompareResult_Greater;
+    }
     const struct {
       unsigned owned;
       long long a, b;

@@ -392,6 +392,10 @@ bool CDecimal::operator==(const CDecimal& other) const {
 }
 
 bool CDecimal::operator<(const CDecimal& other) const {
+  if (m_integer.HasRank() && other.m_integer.HasRank()) {
+    const std::int64_t rank = m_integer.GetRank(), otherRank = other.m_integer.GetRank();
+    if (rank != otherRank) return rank < otherRank;
+  }
   if (IsNegative() != other.IsNegative()) return IsNegative();
   const int order = CompareMagnitudes(*this, other);
   return IsNegative() ? order > 0 : order < 0;

@@ -76,6 +76,13 @@ class RKXML_EXPORT CDigitVector {
     m_size = static_cast<std::uint32_t>(bits + 7) / 8;
     std::memcpy(data(), &packed, sizeof packed);
   }
+  // Whether there are no more than eight digits, and what AssignPacked makes them of then.
+  bool FitsPacked() const noexcept { return m_size <= sizeof(std::uint64_t); }
+  std::uint64_t GetPacked() const noexcept {
+    std::uint64_t packed = 0;
+    std::memcpy(&packed, data(), sizeof packed);
+    return m_size == 0 ? 0 : packed & ~std::uint64_t{0} >> (64 - 8 * m_size);
+  }
   // New digits are `digit`.
   void resize(std::size_t count, wchar_t digit = 0);
   // Puts `count` zeros in front of the first digit, or drops the first `count` digits.

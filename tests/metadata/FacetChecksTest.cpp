@@ -1,5 +1,7 @@
 #include "RkXmlLib16/metadata/FacetChecks.h"
 
+#include <vector>
+
 #include "Expect.h"
 #include "RkXmlLib16/types/Conversions.h"
 #include "RkXmlLib16/types/Variant.h"
@@ -92,6 +94,34 @@ TEST(FacetChecks, BoundsAreReadAsTheKindOfTheValue) {
                 CXmlObjectHelper::CheckRestrictionFori4(L"e", 1, With({L"x"})));
 }
 
+// Numbers of any length on either side of a bound, by the facets as they are and by what the first check keeps of them.
+TEST(FacetChecks, BoundsHoldNextToEachNumber) {
+  std::vector<long long> thousandths;
+  for (const long long near : {0LL, 1000LL, 180000LL, 99999999000LL, 100000000000LL, 123456789012345LL})
+    for (const long long number : {near - 1, near, near + 1}) thousandths.insert(thousandths.end(), {number, -number});
+  const auto text = [](ItemType type, long long number) {
+    const CDecimal value = CDecimal(number) / CDecimal(1000);
+    return type == ItemType_decimal ? value.ToString() : CBigInteger(number).ToString();
+  };
+  for (const ItemType type : {ItemType_decimal, ItemType_integer}) {
+    for (const long long bound : thousandths) {
+      const std::wstring boundText = text(type, bound);
+      const wchar_t* const b = boundText.c_str();
+      const CPrimitiveRestrictions facets[] = {With({b}), With({nullptr, b}), With({nullptr, nullptr, b}),
+                                               With({nullptr, nullptr, nullptr, b}),
+                                               With({b, L"123456789012346", L"-123456789012347"})};
+      for (int round = 0; round < 2; ++round) {
+        for (const long long number : thousandths) {
+          const RkVariant value = Value(type, text(type, number).c_str());
+          const bool expected[] = {number >= bound, number <= bound, number > bound, number < bound, number >= bound};
+          for (std::size_t i = 0; i < std::size(facets); ++i)
+            ASSERT_EQ(expected[i], Passes(type, value, facets[i])) << type << ' ' << number << ' ' << bound << ' ' << i;
+        }
+      }
+    }
+  }
+}
+
 TEST(FacetChecks, IndeterminateComparisonsPass) {
   EXPECT_TRUE(Passes(ItemType_duration, Value(ItemType_duration, L"P30D"), With({L"P1M", L"P1M", L"P1M", L"P1M"})));
   EXPECT_TRUE(Passes(ItemType_double, Value(ItemType_double, L"NaN"), With({L"1", L"0", L"1", L"0"})));
@@ -115,6 +145,10 @@ TEST(FacetChecks, TotalDigitsCountTheSignOfIntegersIntended) {
     EXPECT_TRUE(Passes(type, Value(type, L"-12"), WithDigits(3, -1)));
   }
   EXPECT_FALSE(Passes(ItemType_unsignedLong, Value(ItemType_unsignedLong, L"123"), WithDigits(2, -1)));
+  const RkVariant least = Value(ItemType_long, L"-9223372036854775808");
+  EXPECT_TRUE(Passes(ItemType_long, least, WithDigits(20, -1)));
+  EXPECT_FALSE(Passes(ItemType_long, least, WithDigits(19, -1)));
+  EXPECT_TRUE(Passes(ItemType_integer, Value(ItemType_integer, L"-0"), WithDigits(1, -1)));
   EXPECT_TRUE(Passes(ItemType_gYear, Value(ItemType_gYear, L"2000"), WithDigits(2, -1)));
 }
 
@@ -144,6 +178,8 @@ TEST(FacetChecks, LengthsCountCharactersAndBytes) {
     EXPECT_TRUE(Passes(type, value, WithLengths(3, 3, 3)));
     EXPECT_FALSE(Passes(type, value, WithLengths(4, -1, -1)));
     EXPECT_FALSE(Passes(type, value, WithLengths(-1, 2, -1)));
+    EXPECT_FALSE(Passes(type, value, WithLengths(-1, -1, 2)));
+    EXPECT_FALSE(Passes(type, value, WithLengths(-1, -1, 4)));
     EXPECT_THROWS(CRkException, std::wstring(L"Invalid Value for e [") + text + L"].",
                   CXmlObjectHelper::CheckRestriction(L"e", value, type, WithLengths(-1, -1, 0)));
   }

@@ -39,6 +39,16 @@ TEST(RegEx, RewritesXsdEscapesAndMatchesTheWholeValue) {
     EXPECT_EQ(matches, TestRegEx(pattern, value)) << pattern << " " << Narrow(value);
 }
 
+TEST(RegEx, ValuesOfAnyLengthMatchWhole) {
+  for (const std::size_t length : {0, 1, 63, 64, 65, 255, 256, 257}) {
+    for (const wchar_t c : {L'a', L'\xE9', L'\x4E2D', L'\U0001F600', L'\xD800'}) {
+      const std::wstring value(length, c);
+      EXPECT_TRUE(TestRegEx(".{" + std::to_string(length) + "}", value)) << length;
+      EXPECT_FALSE(TestRegEx(".{" + std::to_string(length + 1) + "}", value)) << length;
+    }
+  }
+}
+
 TEST(RegEx, TheFirstAlternativeThatEndsBeforeAFinalLineFeedSpoilsTheMatchIntended) {
   EXPECT_FALSE(TestRegEx("a|a\\n", L"a\n"));
   EXPECT_TRUE(TestRegEx("a\\n|a", L"a\n"));
