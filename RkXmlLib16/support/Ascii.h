@@ -47,13 +47,40 @@ inline std::size_t RunLength(const unsigned char* bytes, std::size_t length) {
   return i;
 }
 
-// Whether some character may be white space: not above the space.
-inline bool MayHaveSpace(const wchar_t* text, std::size_t length) {
+// Whether some character is not above the limit, which is ASCII.
+template <wchar_t kLimit>
+bool HasAtMost(const wchar_t* text, std::size_t length) {
   std::size_t i = 0;
+  for (; i + 16 <= length; i += 16) {
+    const WideBlock block(text + i);
+    // Shorter numbers keep the order.
+    const __m128i low = _mm_packs_epi32(block.a, block.b), high = _mm_packs_epi32(block.c, block.d);
+    const __m128i limit = _mm_set1_epi16(kLimit);
+    if (_mm_movemask_epi8(_mm_and_si128(_mm_cmpgt_epi16(low, limit), _mm_cmpgt_epi16(high, limit))) != 0xFFFF)
+      return true;
+  }
   for (; i + 4 <= length; i += 4)
-    if (_mm_movemask_epi8(_mm_cmpgt_epi32(WideBlock::Load(text + i), _mm_set1_epi32(L' '))) != 0xFFFF) return true;
+    if (_mm_movemask_epi8(_mm_cmpgt_epi32(WideBlock::Load(text + i), _mm_set1_epi32(kLimit))) != 0xFFFF) return true;
   for (; i < length; ++i)
-    if (text[i] <= L' ') return true;
+    if (text[i] <= kLimit) return true;
+  return false;
+}
+
+// Whether some character may be white space, and whether some may be white space other than a blank.
+inline bool MayHaveSpace(const wchar_t* text, std::size_t length) { return HasAtMost<L' '>(text, length); }
+inline bool MayHaveControl(const wchar_t* text, std::size_t length) { return HasAtMost<L' ' - 1>(text, length); }
+
+// Whether some character may be white space that is not a single blank: below the blank, or a blank before such a one.
+inline bool MayHaveSpaceRun(const wchar_t* text, std::size_t length) {
+  const __m128i blank = _mm_set1_epi32(L' ');
+  std::size_t i = 0;
+  for (; i + 5 <= length; i += 4) {
+    const __m128i block = WideBlock::Load(text + i), next = WideBlock::Load(text + i + 1);
+    const __m128i pair = _mm_andnot_si128(_mm_cmpgt_epi32(next, blank), _mm_cmpeq_epi32(block, blank));
+    if (_mm_movemask_epi8(_mm_or_si128(pair, _mm_cmplt_epi32(block, blank))) != 0) return true;
+  }
+  for (; i < length; ++i)
+    if (text[i] < L' ' || (text[i] == L' ' && i + 1 < length && text[i + 1] <= L' ')) return true;
   return false;
 }
 

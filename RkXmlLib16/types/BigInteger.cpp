@@ -159,9 +159,6 @@ CBigInteger::CBigInteger(std::int32_t sign, CDigitVector digits)
     : m_sign(sign < 0 ? -1 : 1), m_digits(std::move(digits)) {
   Clean(m_digits);
 }
-CBigInteger::CBigInteger(CBigInteger&& other) noexcept = default;
-CBigInteger& CBigInteger::operator=(const CBigInteger& other) = default;
-CBigInteger& CBigInteger::operator=(CBigInteger&& other) noexcept = default;
 CBigInteger::~CBigInteger() = default;
 
 void CBigInteger::AssignDigits(std::int32_t sign, std::wstring_view digits) {

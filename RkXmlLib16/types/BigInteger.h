@@ -44,9 +44,9 @@ class RKXML_EXPORT CBigInteger {
     m_digits.AssignPacked(packed);
   }
   CBigInteger(const CBigInteger& other) = default;
-  CBigInteger(CBigInteger&& other) noexcept;
-  CBigInteger& operator=(const CBigInteger& other);
-  CBigInteger& operator=(CBigInteger&& other) noexcept;
+  CBigInteger(CBigInteger&& other) noexcept = default;
+  CBigInteger& operator=(const CBigInteger& other) = default;
+  CBigInteger& operator=(CBigInteger&& other) noexcept = default;
   virtual ~CBigInteger();
 
   // Throw CRkInvalidValueException "ERROR: Value out of bound of int." and "... of LONGLONG.".

@@ -4,7 +4,10 @@
 #include <wchar.h>
 
 #include <algorithm>
+#include <array>
 #include <charconv>
+#include <cmath>
+#include <cstdint>
 #include <cstring>
 #include <limits>
 #include <type_traits>
@@ -321,6 +324,67 @@ FloatFormat Examine(wstring_view format) {
   return result;
 }
 
+// What "%.<precision>g" makes of most numbers: of those that it writes without an exponent, from 0.0001 on. False, and
+// nothing appended, for the others. The precision is 16 at most, so that all is exact in integers of 128 bits.
+bool AppendFixed(wstring& out, double value, int precision) {
+  __extension__ typedef unsigned __int128 Wide;
+  static constexpr auto kPowers = [] {
+    std::array<std::uint64_t, 20> powers{};
+    std::uint64_t power = 1;
+    for (std::uint64_t& p : powers) {
+      p = power;
+      power *= 10;
+    }
+    return powers;
+  }();
+  const double magnitude = std::fabs(value);
+  const auto at = [](int exponent) { return kPowers[static_cast<std::size_t>(exponent)]; };
+  if (!(magnitude >= 1e-4 && magnitude < static_cast<double>(at(precision)))) return false;
+
+  std::uint64_t bits = 0;
+  std::memcpy(&bits, &magnitude, sizeof bits);
+  const std::uint64_t mantissa = (bits & ((std::uint64_t{1} << 52) - 1)) | std::uint64_t{1} << 52;
+  const int shift = 1075 - static_cast<int>(bits >> 52);  // the value is mantissa / 2^shift
+  // The digits before the point, or, below 1, less the zeros behind it.
+  int integerDigits = 0;
+  while (integerDigits < precision && magnitude >= static_cast<double>(at(integerDigits))) ++integerDigits;
+  Wide scaled = 0;
+  const auto scale = [&] { scaled = Wide{mantissa} * at(precision - integerDigits); };
+  scale();
+  if (shift <= 0) {
+    scaled <<= -shift;
+  } else {
+    for (; scaled >> shift < at(precision - 1); scale()) --integerDigits;
+    const Wide rest = scaled & ((Wide{1} << shift) - 1), half = Wide{1} << (shift - 1);
+    scaled >>= shift;
+    if (rest > half || (rest == half && (scaled & 1) != 0)) ++scaled;
+  }
+  auto digits = static_cast<std::uint64_t>(scaled);
+  if (digits == at(precision)) {
+    digits /= 10;
+    if (++integerDigits > precision) return false;
+  }
+
+  // From the last digit on, without zeros behind the point.
+  wchar_t text[32];
+  wchar_t* to = std::end(text);
+  int fractionDigits = precision - integerDigits;
+  for (; fractionDigits > 0 && digits % 10 == 0; --fractionDigits) digits /= 10;
+  const auto put = [&] {
+    *--to = static_cast<wchar_t>(L'0' + digits % 10);
+    digits /= 10;
+  };
+  if (fractionDigits > 0) {
+    for (; fractionDigits > 0; --fractionDigits) put();
+    *--to = L'.';
+  }
+  do put();
+  while (digits != 0);
+  if (value < 0) *--to = L'-';
+  out.append(to, static_cast<std::size_t>(std::end(text) - to));
+  return true;
+}
+
 void AppendFloating(wstring& out, double value, double limit, int precision, const wchar_t* format) {
   if (value != value) {
     out += L"NaN";
@@ -330,7 +394,7 @@ void AppendFloating(wstring& out, double value, double limit, int precision, con
     out += L"INF";
   } else if (format != nullptr && *format != L'\0' && Examine(format).usable) {
     out += FormatString(format, value);
-  } else {
+  } else if (!AppendFixed(out, value, precision)) {
     char buffer[32];
     const auto end = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::general, precision).ptr;
     out.append(buffer, end);

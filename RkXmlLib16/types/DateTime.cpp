@@ -43,20 +43,21 @@ int TwoDigits(std::wstring_view text, std::size_t at) { return (text[at] - L'0')
 // A value without its fraction takes fewer characters than this.
 constexpr std::size_t kMostCharacters = 40;
 
-// At least two digits: setters do not validate, so that a field may have three.
 inline wchar_t* PutTwoDigits(wchar_t* to, unsigned value) {
-  if (value >= 100) {
-    *to++ = static_cast<wchar_t>(L'0' + value / 100);
-    value %= 100;
-  }
   const unsigned tens = value / 10;
   to[0] = static_cast<wchar_t>(L'0' + tens);
   to[1] = static_cast<wchar_t>(L'0' + value - tens * 10);
   return to + 2;
 }
 
+// Setters do not validate, so that a field may have three.
+wchar_t* PutDigits(wchar_t* to, unsigned value) {
+  if (value >= 100) *to++ = static_cast<wchar_t>(L'0' + value / 100);
+  return PutTwoDigits(to, value % 100);
+}
+
 // At least four digits.
-wchar_t* PutYear(wchar_t* to, unsigned year) { return PutTwoDigits(PutTwoDigits(to, year / 100), year % 100); }
+wchar_t* PutYear(wchar_t* to, unsigned year) { return PutTwoDigits(PutDigits(to, year / 100), year % 100); }
 
 }  // namespace
 
@@ -455,7 +456,30 @@ std::wstring CDateTime::ToString(const wchar_t* format) const {
   return std::wstring(L"Unknown Format: ").append(name);
 }
 
+// Two digits in each place: a valid dateTime without fraction and offset. False, and nothing appended, for others.
+bool CDateTime::AppendPlain(std::wstring& out) const {
+  constexpr int kTwoDigits = 64;  // the fields of a valid value stay below it, together too
+  if (m_type != dt_dateTime || m_year <= 0 || m_year > MAX_YEAR || m_hasTimeZone ||
+      (m_month | m_day | m_hour | m_minute | m_second) >= kTwoDigits ||
+      (m_milliSecond | m_microSecond | m_nanoSecond) != 0)
+    return false;
+  wchar_t text[] = L"CCYY-MM-DDThh:mm:ssZ";
+  const auto put = [&text](std::size_t at, unsigned value) { PutTwoDigits(text + at, value); };
+  const unsigned year = static_cast<unsigned>(m_year);
+  put(0, year / 100);
+  put(2, year % 100);
+  put(5, m_month);
+  put(8, m_day);
+  put(11, m_hour);
+  put(14, m_minute);
+  put(17, m_second);
+  constexpr std::size_t kSize = std::size(text) - 1;
+  out.append(text, m_isUTC ? kSize : kSize - 1);
+  return true;
+}
+
 void CDateTime::AppendTo(std::wstring& out) const {
+  if (AppendPlain(out)) return;
   const bool empty = m_year == 0 && m_month == 0 && m_day == 0 && m_hour == 0 && m_minute == 0 && m_second == 0 &&
                      m_milliSecond == 0 && m_microSecond == 0 && m_nanoSecond == 0;
   const unsigned owned = OwnedBy(m_type);
@@ -472,18 +496,18 @@ void CDateTime::AppendTo(std::wstring& out) const {
     *to++ = L'-';
   }
   if ((owned & (kMonth | kDay)) != 0) *to++ = L'-';
-  if ((owned & kMonth) != 0) to = PutTwoDigits(to, m_month);
+  if ((owned & kMonth) != 0) to = PutDigits(to, m_month);
   if ((owned & kDay) != 0) {
     *to++ = L'-';
-    to = PutTwoDigits(to, m_day);
+    to = PutDigits(to, m_day);
   }
   if ((owned & kTime) != 0) {
     if (m_type == dt_dateTime) *to++ = L'T';
-    to = PutTwoDigits(to, m_hour);
+    to = PutDigits(to, m_hour);
     *to++ = L':';
-    to = PutTwoDigits(to, m_minute);
+    to = PutDigits(to, m_minute);
     *to++ = L':';
-    to = PutTwoDigits(to, m_second);
+    to = PutDigits(to, m_second);
     if (m_milliSecond != 0 || m_microSecond != 0 || m_nanoSecond != 0) {
       out.append(buffer, static_cast<std::size_t>(to - buffer));
       to = buffer;
@@ -493,9 +517,9 @@ void CDateTime::AppendTo(std::wstring& out) const {
   if (m_isUTC && !m_hasTimeZone) *to++ = L'Z';
   if (m_isUTC && m_hasTimeZone) {
     *to++ = m_zoneHour < 0 ? L'-' : L'+';
-    to = PutTwoDigits(to, static_cast<unsigned>(std::abs(m_zoneHour)));
+    to = PutDigits(to, static_cast<unsigned>(std::abs(m_zoneHour)));
     *to++ = L':';
-    to = PutTwoDigits(to, m_zoneMinute);
+    to = PutDigits(to, m_zoneMinute);
   }
   out.append(buffer, static_cast<std::size_t>(to - buffer));
 }

@@ -179,6 +179,7 @@ class RKXML_EXPORT CDateTime {
   void ReadDate(std::wstring_view text);
   void ReadTime(std::wstring_view text);
   void ReadZone(std::wstring_view text);
+  bool AppendPlain(std::wstring& out) const;
 
   DTType m_type = dt_none;
   short m_year = 0;

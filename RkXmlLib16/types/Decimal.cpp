@@ -65,7 +65,6 @@ int CompareMagnitudes(const CDecimal& a, const CDecimal& b) {
 
 }  // namespace
 
-CDecimal::CDecimal() = default;
 CDecimal::CDecimal(int value) : CDecimal(CBigInteger(value)) {}
 CDecimal::CDecimal(long value) : CDecimal(CBigInteger(value)) {}
 CDecimal::CDecimal(long long value) : CDecimal(CBigInteger(value)) {}
@@ -100,9 +99,6 @@ CDecimal::CDecimal(const CBigInteger& integerPart, const CBigInteger& fractionPa
   Rationalise();
 }
 
-CDecimal::CDecimal(CDecimal&& other) noexcept = default;
-CDecimal& CDecimal::operator=(const CDecimal& other) = default;
-CDecimal& CDecimal::operator=(CDecimal&& other) noexcept = default;
 CDecimal::~CDecimal() = default;
 
 void CDecimal::Parse(const wchar_t* text) { Parse(std::wstring_view(text == nullptr ? L"" : text)); }

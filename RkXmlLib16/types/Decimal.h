@@ -20,7 +20,7 @@ class RKXML_EXPORT CDecimal {
   // The most fraction digits that a parsed value, a product or a quotient keeps.
   static constexpr std::int32_t m_maxDivider = 30;
 
-  CDecimal();
+  CDecimal() = default;
   CDecimal(int value);
   CDecimal(long value);
   CDecimal(long long value);
@@ -32,9 +32,9 @@ class RKXML_EXPORT CDecimal {
   // Both parts carry the value's sign; the fraction is below 10^divider, the divider at least 1.
   CDecimal(const CBigInteger& integerPart, const CBigInteger& fractionPart, std::int32_t divider);
   CDecimal(const CDecimal& other) = default;
-  CDecimal(CDecimal&& other) noexcept;
-  CDecimal& operator=(const CDecimal& other);
-  CDecimal& operator=(CDecimal&& other) noexcept;
+  CDecimal(CDecimal&& other) noexcept = default;
+  CDecimal& operator=(const CDecimal& other) = default;
+  CDecimal& operator=(CDecimal&& other) noexcept = default;
   virtual ~CDecimal();
 
   // Reads digits, a point and leniently an exponent up to 10000; white space is skipped and the last sign among the

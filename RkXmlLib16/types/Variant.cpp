@@ -52,6 +52,13 @@ thread_local bool SpareText::t_isGone = false;
   throw CRkException(FormatString(L"Invalid Type %u to convert to string", type));
 }
 
+// What a nil variant gives.
+template <class T>
+[[gnu::noinline]] const T& Empty() {
+  static const T empty{};
+  return empty;
+}
+
 // Calls `call` with the kind as a compile-time constant, for the type codes 1 to 26.
 template <class Call>
 [[gnu::always_inline]] inline void Dispatch(std::uint32_t type, Call&& call) {
@@ -134,7 +141,7 @@ RkVariant::~RkVariant() {
 
 void RkVariant::KeepTextStorage() noexcept {
   std::wstring* const spare = m_text.capacity() <= kKeptCapacity ? SpareText::Get() : nullptr;
-  if (spare != nullptr && m_text.capacity() > spare->capacity()) spare->swap(m_text);
+  if (spare != nullptr && m_text.capacity() > spare->capacity()) *spare = std::move(m_text);
 }
 
 void RkVariant::Clear() noexcept {
@@ -156,12 +163,6 @@ void RkVariant::SetNil() noexcept {
 std::wstring RkVariant::GetType() const {
   if (m_type == 0 || m_type >= std::size(kTypeNames)) ThrowInvalidType(m_type);
   return kTypeNames[m_type];
-}
-
-void RkVariant::Begin(std::uint32_t type) noexcept {
-  if (!HoldsNothing()) Clear();
-  m_nil = false;
-  m_type = type;
 }
 
 void RkVariant::RequireType(std::uint32_t type) const {
@@ -211,8 +212,7 @@ template <class T>
 const T& RkVariant::Owned(std::uint32_t type) const {
   RequireType(type);
   if (const T* const value = m_owned ? std::get_if<T>(&*m_owned) : nullptr) return *value;
-  static const T empty{};
-  return empty;
+  return Empty<T>();
 }
 
 #define RKXML_SCALAR(Name, Type, slot, Item)       \
@@ -273,9 +273,15 @@ void RkVariant::SetString(std::wstring_view value) {
   m_nil = false;
   if (value.size() > m_text.capacity()) {
     std::wstring* const spare = SpareText::Get();
-    if (spare != nullptr && value.size() <= spare->capacity()) m_text.swap(*spare);
+    if (spare != nullptr && value.size() <= spare->capacity()) m_text = std::move(*spare);
   }
-  m_text.assign(value);  // also right for a part of this text
+  const bool isOwn = value.data() >= m_text.data() && value.data() <= m_text.data() + m_text.size();
+  if (isOwn || value.size() > m_text.capacity()) {
+    m_text.assign(value);
+  } else {  // the same in fewer steps
+    m_text.clear();
+    m_text.append(value.data(), value.size());
+  }
 }
 
 void RkVariant::SetString(const wchar_t* value) {
@@ -365,15 +371,18 @@ void RkVariant::FromText(std::wstring_view text, ItemType type) {
   FromText(text, type, keepsSpace ? CWhitespaceUtils::none : CWhitespaceUtils::collapse);
 }
 
-// A function for each kind, so that none makes room for what another needs.
+// Functions for each kind and road, so that none makes room for what another needs.
+template <ItemType kItem>
+[[gnu::noinline]] void RkVariant::ReadPlain(std::wstring_view text, CWhitespaceUtils::WhitespaceRule rule) {
+  if (!CWhitespaceUtils::IsRule(rule) || !ReadInPlace<XsdValue<kItem>>(kItem, text)) Read<kItem>(text, rule);
+}
+
 template <ItemType kItem>
 [[gnu::noinline]] void RkVariant::Read(std::wstring_view text, CWhitespaceUtils::WhitespaceRule rule) {
   if constexpr (kItem == ItemType_string) {
     if (rule == CWhitespaceUtils::none || rule == CWhitespaceUtils::preserve) return SetString(text);
     std::wstring scratch;
     return SetString(CWhitespaceUtils::ApplyRule(rule, text, scratch));
-  } else if constexpr (kItem == ItemType_decimal || kItem == ItemType_dateTime) {
-    if (CWhitespaceUtils::IsRule(rule) && ReadInPlace<XsdValue<kItem>>(kItem, text)) return;
   }
   auto value = CConversions::FromText<kItem>(text, rule);
   if constexpr (kItem == ItemType_byte)
@@ -411,7 +420,13 @@ template <ItemType kItem>
 }
 
 void RkVariant::FromText(std::wstring_view text, ItemType type, CWhitespaceUtils::WhitespaceRule rule) {
-  Dispatch(static_cast<std::uint32_t>(type), [&](auto item) { Read<decltype(item)::value>(text, rule); });
+  Dispatch(static_cast<std::uint32_t>(type), [&](auto item) {
+    constexpr ItemType kItem = decltype(item)::value;
+    if constexpr (kItem == ItemType_decimal || kItem == ItemType_dateTime)
+      ReadPlain<kItem>(text, rule);
+    else
+      Read<kItem>(text, rule);
+  });
 }
 
 }  // namespace RkXmlLib16

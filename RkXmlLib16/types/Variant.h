@@ -187,7 +187,11 @@ class RKXML_EXPORT RkVariant {
   // Counts `object` (may be null) and stores both; `collection` is the same object or null.
   void SetReference(std::uint32_t type, CXmlObjectBase* object, CXmlCollectionBase* collection);
   bool HoldsNothing() const noexcept { return !m_owned.has_value() && m_text.empty() && m_type < kXmlObject; }
-  void Begin(std::uint32_t type) noexcept;
+  void Begin(std::uint32_t type) noexcept {
+    if (!HoldsNothing()) Clear();
+    m_nil = false;
+    m_type = type;
+  }
   void KeepTextStorage() noexcept;
   void RequireType(std::uint32_t type) const;
   bool MayHold(const void* value) const noexcept;
@@ -195,6 +199,8 @@ class RKXML_EXPORT RkVariant {
   T* Held() noexcept;
   template <class T>
   bool ReadInPlace(std::uint32_t type, std::wstring_view text);
+  template <ItemType kItem>
+  void ReadPlain(std::wstring_view text, CWhitespaceUtils::WhitespaceRule rule);
   template <ItemType kItem>
   void Read(std::wstring_view text, CWhitespaceUtils::WhitespaceRule rule);
   template <class T, class Value>

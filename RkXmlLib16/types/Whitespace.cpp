@@ -10,6 +10,7 @@ namespace RkXmlLib16 {
 namespace {
 
 std::wstring_view ReplaceView(std::wstring_view text, std::wstring& scratch) {
+  if (!Ascii::MayHaveControl(text.data(), text.size())) return text;
   const auto changes = [](wchar_t c) { return c != L' ' && CWhitespaceUtils::IsWhiteSpace(c); };
   if (std::none_of(text.begin(), text.end(), changes)) return text;
   scratch.resize(text.size());
@@ -21,6 +22,7 @@ std::wstring_view CollapseView(std::wstring_view text, std::wstring& scratch) {
   if (!Ascii::MayHaveSpace(text.data(), text.size())) return text;  // as most texts have none
   while (!text.empty() && CWhitespaceUtils::IsWhiteSpace(text.front())) text.remove_prefix(1);
   while (!text.empty() && CWhitespaceUtils::IsWhiteSpace(text.back())) text.remove_suffix(1);
+  if (!Ascii::MayHaveSpaceRun(text.data(), text.size())) return text;
   // The ends are black now, so text[i + 1] exists after white space.
   const std::size_t size = text.size();
   std::size_t i = 0;
