@@ -1,8 +1,11 @@
 #ifndef RKXMLLIB16_TESTS_EXPECT_H
 #define RKXMLLIB16_TESTS_EXPECT_H
 
+#include <cxxabi.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <memory>
 #include <string>
 #include <tuple>
 #include <typeinfo>
@@ -49,6 +52,20 @@ using Wide = const wchar_t*;
 // A table: for (const auto& [text, value] : rows).
 template <class... Columns>
 using Rows = std::vector<std::tuple<Columns...>>;
+
+// What `call` throws as "class: message, one line for each link of the chain"; "nothing" when it returns.
+template <class Call>
+std::wstring Thrown(Call&& call) {
+  try {
+    call();
+  } catch (const CRkException& e) {
+    const std::unique_ptr<char, void (*)(void*)> name(abi::__cxa_demangle(typeid(e).name(), nullptr, nullptr, nullptr),
+                                                      std::free);
+    const std::string plain = std::string(name.get()).erase(0, sizeof "RkXmlLib16::" - 1);
+    return std::wstring(plain.begin(), plain.end()) + L": " + e.GetFullMessage();
+  }
+  return L"nothing";
+}
 
 // Tells unless this class and message were thrown.
 inline void ExpectThrown(const std::type_info& type, const std::wstring& message, const CRkException& thrown,

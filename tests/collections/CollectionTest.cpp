@@ -117,10 +117,7 @@ TEST_F(Collection, RefusesBadPositionsAndStaysAsItWas) {
 TEST_F(Collection, NotifiesInOrder) {
   CListener listener(log);
   col.AddEventListener(&listener);
-  const struct {
-    const wchar_t* expected;
-    std::function<void()> change;
-  } kRows[] = {
+  const Rows<Wide, std::function<void()>> kRows = {
       {L"addinga addeda change ", [&] { col.AppendItem(New(L'a')); }},
       {L"addingb addedb change ", [&] { col.PrependItem(New(L'b')); }},
       {L"addingc addedc change ", [&] { col.AddItemAt(1, New(L'c')); }},
@@ -130,10 +127,10 @@ TEST_F(Collection, NotifiesInOrder) {
       {L"removing7 ", [&] { col.FireOnCollectionRemove(7); }},
       {L"removed0 ", [&] { col.FireOnCollectionRemoveComplete(0); }},
   };
-  for (const auto& row : kRows) {
+  for (const auto& [expected, change] : kRows) {
     log.clear();
-    row.change();
-    EXPECT_TEXT(row.expected, log);
+    change();
+    EXPECT_TEXT(expected, log);
   }
   EXPECT_EQ(&col, listener.m_source);
   col.RemoveEventListener(&listener);

@@ -7,6 +7,7 @@
 #include "RkXmlLib16/json/JsonContext.h"
 #include "RkXmlLib16/support/Encoder.h"
 #include "RkXmlLib16/wildcards/Element.h"
+#include "support/Bytes.h"
 #include "support/TempFile.h"
 
 using namespace RkXmlTest;
@@ -20,9 +21,6 @@ class EntryPoints : public testing::Test {
   EntryPoints() { m_element.FromXml(kText); }
   ~EntryPoints() override { AsyncToXmlFile(false); }
 
-  static std::string Bytes(const CBinaryData& data) {
-    return {reinterpret_cast<const char*>(data.GetData()), data.GetLength()};
-  }
   static std::wstring XmlOf(const CElement& element) { return element.ToXml(false, false); }
 
   CElement m_element;
@@ -35,7 +33,7 @@ TEST_F(EntryPoints, WriteTheDeclarationOfTheEncoding) {
   EXPECT_TEXT(L"<?xml version=\"1.0\"?>\r\n<a b=\"1\">\r\n\t<c>\x20AC</c>\r\n</a>\r\n",
               m_element.ToXml(true, true, EOLType_CRLF));
   EXPECT_EQ("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<a b=\"1\"><c>\xE2\x82\xAC</c></a>",
-            Bytes(m_element.ToXmlStream(true, false)));
+            BytesOf(m_element.ToXmlStream(true, false)));
   EXPECT_EQ(sizeof(wchar_t) * (sizeof(kText) / sizeof(wchar_t) - 1),
             m_element.ToXmlStream(false, false, XmlEncoding_Wide).GetLength());
   m_ctx.SetIndentChars(L"  ");
@@ -56,16 +54,16 @@ TEST_F(EntryPoints, FilesHaveTheMarkOfTheirEncoding) {
     CTempFile file;
     const std::wstring name = file.Name();
     m_element.ToXmlFile(name.c_str(), true, false, XmlEncoding_UTF8);
-    EXPECT_EQ(Bytes(m_element.ToXmlStream(true, false)), file.Bytes());
+    EXPECT_EQ(BytesOf(m_element.ToXmlStream(true, false)), file.Bytes());
     for (const XmlEncoding encoding : {XmlEncoding_UTF16, XmlEncoding_Wide}) {
       m_element.ToXmlFile(name.c_str(), true, false, encoding);
-      EXPECT_EQ("\xFF\xFE" + Bytes(m_element.ToXmlStream(true, false, encoding)), file.Bytes());
+      EXPECT_EQ("\xFF\xFE" + BytesOf(m_element.ToXmlStream(true, false, encoding)), file.Bytes());
     }
     m_element.ToXmlFile(name.c_str(), true, false, XmlEncoding_UTF16, EOLType_LF, m_ctx, CompressionType_GZip);
     EXPECT_EQ("\xFF\xFE\x1F\x8B", file.Bytes().substr(0, 4));
     if (direct) continue;
     m_element.ToJsonFile(name.c_str(), true, XmlEncoding_Wide);  // a buffered one has no mark
-    EXPECT_EQ(Bytes(m_element.ToJsonStream(true, XmlEncoding_Wide)), file.Bytes());
+    EXPECT_EQ(BytesOf(m_element.ToJsonStream(true, XmlEncoding_Wide)), file.Bytes());
   }
 }
 
@@ -95,9 +93,9 @@ TEST_F(EntryPoints, TextsAndFilesReadBack) {
   const CTempFile temp;
   const std::wstring name = temp.Name();
   const std::function<void(CElement&)> roads[] = {
-      [&](CElement& e) { e.FromXml(Bytes(m_element.ToXmlStream(false, false)).c_str()); },
+      [&](CElement& e) { e.FromXml(BytesOf(m_element.ToXmlStream(false, false)).c_str()); },
       [&](CElement& e) { e.FromJson(m_element.ToJson().c_str()); },
-      [&](CElement& e) { e.FromJson(Bytes(m_element.ToJsonStream()).c_str()); },
+      [&](CElement& e) { e.FromJson(BytesOf(m_element.ToJsonStream()).c_str()); },
       [&](CElement& e) { m_element.ToXmlFile(name.c_str()), e.FromXmlFile(name.c_str()); },
       [&](CElement& e) { m_element.ToFastInfosetFile(name.c_str()), e.FromXmlFile(name.c_str()); },
       [&](CElement& e) { m_element.ToJsonFile(name.c_str()), e.FromJsonFile(name.c_str()); },
@@ -150,16 +148,8 @@ TEST_F(EntryPoints, JsonWithoutNamespacesIsMatchedWithoutThem) {
 
 TEST_F(EntryPoints, JsonErrorsShowTheXmlText) {
   CElement strict(L"e", L"urn:t", L"##targetNamespace", L"urn:t");
-  try {
-    strict.FromJson("{\"a\": \"\xE2\x82\xAC\"}");
-    ADD_FAILURE() << "nothing thrown";
-  } catch (const CRkException& e) {
-    const std::wstring prefix = L"Error converting JSON to XML:\n";
-    EXPECT_TEXT(prefix, e.GetMessage().substr(0, prefix.size()));
-    EXPECT_NE(std::wstring::npos, e.GetMessage().find(L"<a>\x20AC</a>"));
-    ASSERT_NE(nullptr, e.GetInnerException());
-    EXPECT_TEXT(L"Invalid Namespace [].", e.GetInnerException()->GetMessage());
-  }
+  EXPECT_TEXT(L"CRkException: Error converting JSON to XML:\n<a>\x20AC</a>\n\nInvalid Namespace [].",
+              Thrown([&] { strict.FromJson("{\"a\": \"\xE2\x82\xAC\"}"); }));
 }
 
 TEST_F(EntryPoints, ExceptionsOfTheApplicationPassUnchanged) {

@@ -29,19 +29,11 @@ void Fail(const std::string& text) {
   std::fprintf(stderr, "%s\n", text.c_str());
 }
 
-std::string OneLine(const std::string& text) {
-  std::string out;
-  for (const char c : text) {
-    if (c == '\n')
-      out += "\\n";
-    else if (c == '\r')
-      out += "\\r";
-    else if (c == '\t')
-      out += "\\t";
-    else
-      out += c;
-  }
-  return out;
+std::string OneLine(std::string text) {
+  FindReplace(text, "\n", "\\n");
+  FindReplace(text, "\r", "\\r");
+  FindReplace(text, "\t", "\\t");
+  return text;
 }
 
 std::string Utf8(const std::wstring& text) {

@@ -6,6 +6,7 @@
 #include "Gpx.h"
 #include "Order.h"
 #include "RkXmlLib16/RkXmlLib16.h"
+#include "support/Bytes.h"
 
 #if __has_include(<nlohmann/json.hpp>)
 #pragma GCC diagnostic push
@@ -16,6 +17,7 @@
 #endif
 
 using namespace RkXmlLib16;
+using RkXmlTest::BytesOf;
 
 namespace {
 
@@ -24,8 +26,6 @@ struct Road {
   const char* name;
   void (*travel)(const CXmlObjectBase& from, CXmlObjectBase& to, const CSerializationContext& context);
 };
-
-std::string Bytes(const CBinaryData& data) { return {reinterpret_cast<const char*>(data.GetData()), data.GetLength()}; }
 
 template <CompressionType kCompression, bool kFormatted>
 void ByXml(const CXmlObjectBase& from, CXmlObjectBase& to, const CSerializationContext& context) {
@@ -42,7 +42,7 @@ template <CompressionType kCompression, bool kFormatted>
 void ByJson(const CXmlObjectBase& from, CXmlObjectBase& to, const CSerializationContext& context) {
   context.GetJsonContext()->SetStrictOutput(true);
 #ifdef NLOHMANN_JSON_VERSION_MAJOR
-  EXPECT_TRUE(nlohmann::json::accept(Bytes(from.ToJsonStream(kFormatted, XmlEncoding_UTF8, EOLType_LF, context))));
+  EXPECT_TRUE(nlohmann::json::accept(BytesOf(from.ToJsonStream(kFormatted, XmlEncoding_UTF8, EOLType_LF, context))));
 #endif
   to.FromJsonStream(from.ToJsonStream(kFormatted, XmlEncoding_UTF8, EOLType_LF, context, kCompression), context);
 }
@@ -81,8 +81,8 @@ class FormMatrix : public testing::TestWithParam<Road> {
     Root to;
     GetParam().travel(from, to, context);
     // As bytes, because a character above U+FFFF may be one wide character or two.
-    const std::string expected = Bytes(from.ToXmlStream());
-    const std::string actual = Bytes(to.ToXmlStream());
+    const std::string expected = BytesOf(from.ToXmlStream());
+    const std::string actual = BytesOf(to.ToXmlStream());
     const std::size_t at = static_cast<std::size_t>(
         std::mismatch(expected.begin(), expected.end(), actual.begin(), actual.end()).first - expected.begin());
     EXPECT_TRUE(expected == actual) << GetParam().name << ", expected ..." << expected.substr(at, 200) << "\nfound ..."
@@ -130,7 +130,7 @@ TEST(DefaultJson, BringsCollectionsOfObjects) {
               json.find(L"\"trkpt\": [{\"@lat\": 1,\"@lon\": 2},{\"@lat\": 2,\"@lon\": 3,\"ele\": 5}]"));
     Gpx::CGpxType to;
     to.FromJson(json.c_str(), context);
-    EXPECT_EQ(Bytes(from.ToXmlStream()), Bytes(to.ToXmlStream()));
+    EXPECT_EQ(BytesOf(from.ToXmlStream()), BytesOf(to.ToXmlStream()));
   }
 }
 

@@ -7,7 +7,7 @@
 
 #include "Expect.h"
 #include "Octets.h"
-#include "RkXmlLib16/support/Encoder.h"
+#include "support/Bytes.h"
 
 namespace RkXmlTest {
 namespace {
@@ -55,8 +55,7 @@ std::wstring NormalizeUuids(std::wstring text) {
 void ExpectSameTree(const Pair& pair) {
   SCOPED_TRACE(pair.name);
   // Characters above U+FFFF come from XML text as two.
-  const CBinaryData utf8 = CEncoder::UnicodeToUtf8Binary(TreeOf(pair.xml));
-  std::wstring expected = CEncoder::Utf8ToUnicode(utf8.GetData(), static_cast<int>(utf8.GetLength()));
+  std::wstring expected = Utf8Text(CEncoder::UnicodeToUtf8Binary(TreeOf(pair.xml)));
   const std::wstring actual = TreeOf(pair.finf);
   if (kUuids.count(pair.name) != 0) expected = NormalizeUuids(expected);
   EXPECT_TRUE(expected == actual) << Narrow(expected).substr(0, 2000) << "\n" << Narrow(actual).substr(0, 2000);

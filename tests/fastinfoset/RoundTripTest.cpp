@@ -9,10 +9,7 @@
 namespace RkXmlTest {
 namespace {
 
-const struct {
-  ItemType type;
-  const wchar_t* text;
-} kValues[] = {
+const Rows<ItemType, Wide> kValues = {
     {ItemType_string, L"x"},          {ItemType_string, L"a longer text, \u00E9 and \u6F22"},
     {ItemType_string, L" \n<&>\" "},  {ItemType_int, L"12"},
     {ItemType_int, L"-2147483648"},   {ItemType_int, L"99999999999"},
@@ -51,16 +48,16 @@ class MadeUpDocument {
     writer.WriteStartElement(names[Below(4)], uri < 3 ? uris[uri] : m_hasDefault ? L"urn:default" : L"");
     const unsigned attributes = Below(4);
     for (unsigned i = 0; i < attributes; ++i) {
-      const auto& value = kValues[Below(std::size(kValues))];
+      const auto& [type, text] = kValues[Below(kValues.size())];
       const std::wstring name = std::wstring(L"at") + static_cast<wchar_t>(L'0' + i);
-      writer.WriteAttributeString(name, Below(3) == 0 ? uris[Below(3)] : L"", value.text, value.type);
+      writer.WriteAttributeString(name, Below(3) == 0 ? uris[Below(3)] : L"", text, type);
     }
     if (Below(6) == 0) writer.WriteAttributeType(uris[Below(3)], L"Type", ItemType_string);
     if (Below(8) == 0) writer.WriteAttributeNil();
     for (unsigned left = depth < 5 ? Below(5) : 0; left > 0; --left) {
-      const auto& value = kValues[Below(std::size(kValues))];
+      const auto& [type, text] = kValues[Below(kValues.size())];
       if (Below(3) == 0) {
-        writer.WriteString(value.text, value.type);
+        writer.WriteString(text, type);
       } else {
         Element(writer, depth + 1);
       }

@@ -185,8 +185,7 @@ TEST(FastInfosetWriter, IndexBoundaries) {
       {2080, "27 FF", "47 DF", "C7 DF", "B4 04 0F"},
       {2081, "28 00 00", "47 E0", "C7 E0", "B4 04 10"},
       {8256, "28 18 1F", "5F FF", "DF FF", "B4 1C 2F"},
-      {8257, "28 18 20", "60 00 00", "E0 00 00", "B4 1C 30"},
-  };
+      {8257, "28 18 20", "60 00 00", "E0 00 00", "B4 1C 30"}};
   CFastInfosetContext context;
   context.SetAttributeMaxAddLength(10);
   context.SetElementMaxAddLength(10);

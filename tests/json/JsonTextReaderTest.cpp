@@ -4,9 +4,8 @@
 #include "RkXmlLib16/core/ReadLimits.h"
 #include "RkXmlLib16/core/SerializationContext.h"
 #include "RkXmlLib16/json/JsonContext.h"
-#include "RkXmlLib16/support/Encoder.h"
 #include "RkXmlLib16/support/Format.h"
-#include "RkXmlLib16/types/BinaryData.h"
+#include "support/Bytes.h"
 
 using namespace RkXmlTest;
 
@@ -23,8 +22,7 @@ std::wstring Convert(const std::wstring& json, const Settings& settings = {}) {
   context.GetJsonContext()->SetSupportRoundtrip(settings.mode);
   context.GetJsonContext()->SetRootElementName(settings.rootName);
   context.GetJsonContext()->GetAllowComments(settings.comments);
-  const CBinaryData xml = CJsonTextReader::ConvertJsonToXml(json, context);
-  return CEncoder::Utf8ToUnicode(xml.GetData(), static_cast<int>(xml.GetLength()));
+  return Utf8Text(CJsonTextReader::ConvertJsonToXml(json, context));
 }
 
 // The XML text without indentation.

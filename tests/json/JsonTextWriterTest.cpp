@@ -36,10 +36,12 @@ std::wstring Write(const Style& style, const wchar_t* script) {
   return Write(style, [script](CJsonTextWriter& w) { Replay(w, script); });
 }
 
-void Leaf(CXmlWriter& w, const wchar_t* name, const wchar_t* text, ItemType type = ItemType_string) {
-  w.WriteStartElement(name, L"");
-  w.WriteString(text, type);
-  w.WriteEndElement();
+std::wstring WriteLeaf(const Style& style, const std::wstring& text, ItemType type = ItemType_string) {
+  return Write(style, [&](CJsonTextWriter& w) {
+    w.WriteStartElement(L"r", L"");
+    w.WriteString(text, type);
+    w.WriteEndElement();
+  });
 }
 
 TEST(JsonTextWriter, WritesTheThreeRoundTripModes) {
@@ -51,24 +53,9 @@ TEST(JsonTextWriter, WritesTheThreeRoundTripModes) {
            L"[ <item{urn:d} <n{urn:d} #1>> <item{urn:d} <n{urn:d} #2>> ]>");
   };
   EXPECT_TEXT(
-      LR"({
-	"order": {
-		"@xmlns": "urn:d",
-		"@xmlns:p": "urn:p",
-		"@id": 7,
-		"@xml:lang": "en",
-		"p:name": "x",
-		"item": [
-			{
-				"n": 1
-			},
-			{
-				"n": 2
-			}
-		]
-	}
-})",
-      Write({JsonRoundTrip_Namespaces, true}, order));
+      LR"({"order": {"@xmlns": "urn:d","@xmlns:p": "urn:p","@id": 7,"@xml:lang": "en","p:name": "x",)"
+      LR"("item": [{"n": 1},{"n": 2}]}})",
+      Write({JsonRoundTrip_Namespaces}, order));
   EXPECT_TEXT(LR"({"order": {"@id": 7,"@lang": "en","name": "x","item": [{"n": 1},{"n": 2}]}})",
               Write({JsonRoundTrip_Markers}, order));
   EXPECT_TEXT(LR"({"order": {"id": 7,"lang": "en","name": "x","item": [{"n": 1},{"n": 2}]}})",
@@ -83,7 +70,7 @@ TEST(JsonTextWriter, UsesTheSettingsOfFormatting) {
   EXPECT_THROWS(CRkException, L"Invalid EOL type.", writer.SetEOLType(static_cast<EOLType>(2)));
   writer.Open();
   writer.WriteStartDocument();
-  Leaf(writer, L"r", L"a\nb");
+  Replay(writer, L"<r 'a\nb'>");
   writer.WriteComment(L"c\n\"");
   writer.WriteEndDocument();
   writer.Close();
@@ -91,11 +78,7 @@ TEST(JsonTextWriter, UsesTheSettingsOfFormatting) {
 }
 
 TEST(JsonTextWriter, TypesDecideAboutQuotes) {
-  const struct {
-    const wchar_t* text;
-    ItemType type;
-    bool quoted, quotedWhenStrict;
-  } kRows[] = {
+  const Rows<std::wstring, ItemType, bool, bool> kRows = {
       {L"1", ItemType_string, true, true},
       {L"true", ItemType_boolean, false, false},
       {L"1", ItemType_boolean, false, false},
@@ -115,21 +98,17 @@ TEST(JsonTextWriter, TypesDecideAboutQuotes) {
       {L"2024-01-01", ItemType_dateTime, true, true},
       {L"00FF", ItemType_hexBinary, true, true},
   };
-  for (const auto& row : kRows) {
-    const auto calls = [&row](CJsonTextWriter& w) { Leaf(w, L"r", row.text, row.type); };
-    const auto json = [&row](const wchar_t* quote) {
-      return std::wstring(L"{\"r\": ") + quote + row.text + quote + L"}";
-    };
-    EXPECT_TEXT(json(row.quoted ? L"\"" : L""), Write({}, calls));
-    EXPECT_TEXT(json(row.quotedWhenStrict ? L"\"" : L""), Write(kStrict, calls));
+  for (const auto& [text, type, quoted, quotedWhenStrict] : kRows) {
+    const std::wstring bare = L"{\"r\": " + text + L"}", inQuotes = L"{\"r\": \"" + text + L"\"}";
+    EXPECT_TEXT(quoted ? inQuotes : bare, WriteLeaf({}, text, type));
+    EXPECT_TEXT(quotedWhenStrict ? inQuotes : bare, WriteLeaf(kStrict, text, type));
   }
 }
 
 TEST(JsonTextWriter, StringsKeepQuotesBackslashesAndTabsIntended) {
   const std::wstring text = L"\"\\/\b\f\n\r\t\x01\x1F\x7F\u00E9";
-  const auto calls = [&text](CJsonTextWriter& w) { Leaf(w, L"r", text.c_str()); };
-  EXPECT_TEXT(L"{\"r\": \"\"\\/\b\f\n\t\\u0001\\u001F\x7F\u00E9\"}", Write({}, calls));
-  EXPECT_TEXT(L"{\"r\": \"\\\"\\\\/\\b\\f\\n\\r\\t\\u0001\\u001F\x7F\u00E9\"}", Write(kStrict, calls));
+  EXPECT_TEXT(L"{\"r\": \"\"\\/\b\f\n\t\\u0001\\u001F\x7F\u00E9\"}", WriteLeaf({}, text));
+  EXPECT_TEXT(L"{\"r\": \"\\\"\\\\/\\b\\f\\n\\r\\t\\u0001\\u001F\x7F\u00E9\"}", WriteLeaf(kStrict, text));
 }
 
 TEST(JsonTextWriter, EscapesAndEndsStringsAtEveryPlace) {
@@ -202,6 +181,8 @@ TEST(JsonTextWriter, IndentsAnArrayAndWhatFollowsIt) {
   EXPECT_TEXT(
       LR"({
 	"r": {
+		"@xmlns:p": "urn:p",
+		"@a": 1,
 		"i": [
 			{
 				"n": 1
@@ -214,7 +195,10 @@ TEST(JsonTextWriter, IndentsAnArrayAndWhatFollowsIt) {
 		"e": 2
 	}
 })",
-      Write({JsonRoundTrip_Markers, true}, L"<r [<i <n #1>> <i 't'> <i>] <e #2>>"));
+      Write({JsonRoundTrip_Namespaces, true}, [](CJsonTextWriter& w) {
+        w.AddNamespace(L"p", L"urn:p");
+        Replay(w, L"<r @a=#1 [<i <n #1>> <i 't'> <i>] <e #2>>");
+      }));
 }
 
 // An array that is last takes one level of indentation from what follows its owner.

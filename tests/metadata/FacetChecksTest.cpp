@@ -46,11 +46,8 @@ bool Passes(ItemType type, const RkVariant& value, const CPrimitiveRestrictions&
 
 // The same body for every kind that has an order.
 TEST(FacetChecks, BoundsAreReadAsTheKindOfTheValue) {
-  const struct {
-    ItemType type;
-    const wchar_t *low, *middle, *high;
-    std::wstring shown;  // of the value in the middle, with what follows the name
-  } kinds[] = {
+  // The kind, three values, and how the middle one is shown with what follows the name.
+  const Rows<ItemType, Wide, Wide, Wide, std::wstring> kinds = {
       {ItemType_byte, L"-2", L"9", L"10", L"[9]"},
       {ItemType_short, L"-2", L"9", L"10", L"[9]"},
       {ItemType_int, L"9", L"3000000000", L"3000000001", L"[3000000000]"},
@@ -73,22 +70,21 @@ TEST(FacetChecks, BoundsAreReadAsTheKindOfTheValue) {
       {ItemType_time, L"00:00:00", L"12:00:00", L"23:00:00", L"[12:00:00]."},
       {ItemType_gMonthDay, L"--01-31", L"--02-01", L"--03-01", L"[--02-01]."},
   };
-  for (const auto& kind : kinds) {
-    const RkVariant low = Value(kind.type, kind.low), value = Value(kind.type, kind.middle),
-                    high = Value(kind.type, kind.high);
-    const auto passes = [&](const RkVariant& tested, const Bounds& bounds) {
-      return Passes(kind.type, tested, With(bounds));
+  for (const auto& [type, lowText, text, highText, shown] : kinds) {
+    const RkVariant low = Value(type, lowText), value = Value(type, text), high = Value(type, highText);
+    const auto passes = [kind = type](const RkVariant& tested, const Bounds& bounds) {
+      return Passes(kind, tested, With(bounds));
     };
-    EXPECT_TRUE(passes(value, {kind.low, kind.high, kind.low, kind.high})) << kind.type;
-    EXPECT_TRUE(passes(value, {kind.middle, kind.middle}));
-    EXPECT_FALSE(passes(value, {nullptr, nullptr, kind.middle}));
-    EXPECT_FALSE(passes(value, {nullptr, nullptr, nullptr, kind.middle}));
-    EXPECT_FALSE(passes(low, {kind.middle}));
-    EXPECT_FALSE(passes(high, {nullptr, kind.middle}));
-    EXPECT_FALSE(passes(low, {nullptr, nullptr, kind.middle}));
-    EXPECT_FALSE(passes(high, {nullptr, nullptr, nullptr, kind.middle}));
-    EXPECT_THROWS(CRkException, L"Invalid Value for e " + kind.shown,
-                  CXmlObjectHelper::CheckRestriction(L"e", value, kind.type, With({kind.high})));
+    EXPECT_TRUE(passes(value, {lowText, highText, lowText, highText})) << type;
+    EXPECT_TRUE(passes(value, {text, text}));
+    EXPECT_FALSE(passes(value, {nullptr, nullptr, text}));
+    EXPECT_FALSE(passes(value, {nullptr, nullptr, nullptr, text}));
+    EXPECT_FALSE(passes(low, {text}));
+    EXPECT_FALSE(passes(high, {nullptr, text}));
+    EXPECT_FALSE(passes(low, {nullptr, nullptr, text}));
+    EXPECT_FALSE(passes(high, {nullptr, nullptr, nullptr, text}));
+    EXPECT_THROWS(CRkException, L"Invalid Value for e " + shown,
+                  CXmlObjectHelper::CheckRestriction(L"e", value, type, With({highText})));
   }
   EXPECT_THROWS(CRkInvalidValueException, L"The value [x] can not be converted to a i4",
                 CXmlObjectHelper::CheckRestrictionFori4(L"e", 1, With({L"x"})));

@@ -293,16 +293,14 @@ TEST_F(GeneratedClassTest, MistakesInRecordsAreTold) {
 }
 
 TEST(ElementInfoTest, WildcardNamespaceFollowsTheConstraint) {
-  const Rows<Wide, Wide, Wide, Wide> rows = {
-      {L"##any", L"d", L"t", L"d"},
-      {L"##other", L"", L"t", L"DefaultNamespace"},
-      {L"##other", L"d", L"t", L""},
-      {L"##local", L"d", L"t", L""},
-      {L"##targetNamespace", L"d", L"t", L"t"},
-      {L"##other urn:x", L"", L"t", L"DefaultNamespace"},
-      {L"urn:x", L"d", L"t", L""},
-      {nullptr, L"d", L"t", L""},
-  };
+  const Rows<Wide, Wide, Wide, Wide> rows = {{L"##any", L"d", L"t", L"d"},
+                                             {L"##other", L"", L"t", L"DefaultNamespace"},
+                                             {L"##other", L"d", L"t", L""},
+                                             {L"##local", L"d", L"t", L""},
+                                             {L"##targetNamespace", L"d", L"t", L"t"},
+                                             {L"##other urn:x", L"", L"t", L"DefaultNamespace"},
+                                             {L"urn:x", L"d", L"t", L""},
+                                             {nullptr, L"d", L"t", L""}};
   for (const auto& [constraint, defaultNs, targetNs, result] : rows)
     EXPECT_TEXT(result, CElementInfo::GetAnyDefaultNamespace(constraint, defaultNs, targetNs));
 }

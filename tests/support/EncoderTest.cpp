@@ -4,6 +4,7 @@
 
 #include "Expect.h"
 #include "RkXmlLib16/support/UnicodeConverter.h"
+#include "support/Bytes.h"
 #include "support/HostLocale.h"
 
 using namespace RkXmlTest;
@@ -11,15 +12,6 @@ using namespace RkXmlTest;
 namespace {
 
 std::wstring Utf8Hex(std::wstring_view text) { return CEncoder::UnicodeToUtf8Binary(text).GetAsHexString(); }
-
-std::wstring FromUtf8Hex(const wchar_t* hex) {
-  CBinaryData bytes;
-  bytes.SetAsHexString(hex);
-  return CEncoder::Utf8ToUnicode(bytes.GetData(), static_cast<int>(bytes.GetLength()));
-}
-
-const std::wstring kHigh(1, 0xD83D);
-const std::wstring kLow(1, 0xDE00);
 
 }  // namespace
 
@@ -55,7 +47,7 @@ TEST(Encoder, EveryCharacterSurvivesEachForm) {
   for (char32_t c = 1; c < 0x110000; ++c)
     if (c < 0xD800 || c > 0xDFFF) all += static_cast<wchar_t>(c);
   const CBinaryData utf8 = CEncoder::UnicodeToUtf8Binary(all);
-  EXPECT_EQ(all, CEncoder::Utf8ToUnicode(utf8.GetData(), static_cast<int>(utf8.GetLength())));
+  EXPECT_EQ(all, Utf8Text(utf8));
   EXPECT_EQ(utf8.GetLength(), UnicodeToUTF8(all.data(), all.size(), nullptr, 0));
 
   std::string utf16(UnicodeToUTF16(all.data(), all.size(), nullptr, 0), '\0');
@@ -76,7 +68,7 @@ TEST(Encoder, IllFormedUtf8BecomesOneReplacementForEachLongestPrefix) {
                                    {L"F09F9861", L"\uFFFDa"},  // cut off by a character
                                    {L"E28261", L"\uFFFDa"},
                                    {L"80BF", L"\uFFFD\uFFFD"}};
-  for (const auto& [hex, text] : kCases) EXPECT_TEXT(text, FromUtf8Hex(hex));
+  for (const auto& [hex, text] : kCases) EXPECT_TEXT(text, Utf8Text(Hex(hex)));
   EXPECT_TEXT(L"", CEncoder::Utf8ToUnicode(nullptr, 0));
   EXPECT_TEXT(L"", CEncoder::Utf8ToUnicode(reinterpret_cast<const unsigned char*>("a"), -1));
 }
@@ -98,7 +90,7 @@ TEST(Encoder, AsciiRunsEndAtEveryPlace) {
       if (at < length) text[at] = 0x80;
       const CBinaryData utf8 = CEncoder::UnicodeToUtf8Binary(text);
       ASSERT_EQ(length + (at < length ? 1 : 0), utf8.GetLength());
-      ASSERT_EQ(text, CEncoder::Utf8ToUnicode(utf8.GetData(), static_cast<int>(utf8.GetLength())));
+      ASSERT_EQ(text, Utf8Text(utf8));
       ASSERT_EQ(at < length, DoesUnicodeStrContainAnyUTF8CharsLargerThanOneByte(text.data(), static_cast<int>(length)));
       ASSERT_EQ(at < length, DoesUTF8StrContainAnyCharsLargerThanOneByte(utf8.GetData(), utf8.GetLength()));
     }

@@ -4,6 +4,7 @@
 #include "RkXmlLib16/support/BinaryStream.h"
 #include "RkXmlLib16/support/File.h"
 #include "RkXmlLib16/support/TextStream.h"
+#include "support/Bytes.h"
 #include "support/TempFile.h"
 
 using namespace RkXmlTest;
@@ -12,20 +13,13 @@ namespace {
 
 constexpr wchar_t kUnnamedFailure[] = L"Failed to write data to the file";
 constexpr wchar_t kUnknownEncoding[] = L"Unknown Encoding, select UTF-8 (contact our support team)";
-const std::wstring kHigh(1, 0xD83D);
-const std::wstring kLow(1, 0xDE00);
-
 std::wstring EncodedHex(XmlEncoding encoding, const std::wstring& text) {
   CTextStream stream(encoding);
   stream.Append(text);
   return stream.GetEncodedStream().GetAsHexString();
 }
 
-std::wstring HexOf(const CTempFile& file) {
-  CBinaryData data;
-  for (const char c : file.Bytes()) data.Append(static_cast<unsigned char>(c));
-  return data.GetAsHexString();
-}
+std::wstring HexOf(const CTempFile& file) { return DataOf(file.Bytes()).GetAsHexString(); }
 
 bool HasFullDevice() { return std::ifstream("/dev/full").good(); }
 
@@ -126,8 +120,7 @@ TEST(FileTextStream, AFullDiskFailsOnceAndNeverInTheDestructor) {
 }
 
 TEST(BinaryStream, CollectsBytesWithoutTouchingTheSharedData) {
-  CBinaryData start;
-  start.SetAsHexString(L"01");
+  CBinaryData start = Hex(L"01");
   CBinaryStream stream(start);
   const unsigned char bytes[] = {3, 4};
   stream.Append(static_cast<unsigned char>(2));
@@ -139,8 +132,7 @@ TEST(BinaryStream, CollectsBytesWithoutTouchingTheSharedData) {
 }
 
 TEST(FileBinaryStream, WritesTheBytesBehindTheMark) {
-  CBinaryData data;
-  data.SetAsHexString(L"000D0AFF");
+  CBinaryData data = Hex(L"000D0AFF");
   for (const auto encoding : {XmlEncoding_None, XmlEncoding_UTF8, XmlEncoding_UTF16, XmlEncoding_Wide}) {
     const CTempFile scratch;
     CFileBinaryStream(scratch.Name().c_str(), encoding, data).ToFile();

@@ -3,19 +3,14 @@
 #include <string>
 
 #include "Expect.h"
+#include "support/Bytes.h"
 
 using namespace RkXmlTest;
 
 namespace {
 
-CBinaryData Bytes(const std::string& text) {
-  CBinaryData data;
-  data.Append(reinterpret_cast<const unsigned char*>(text.data()), text.size());
-  return data;
-}
-
 CBinaryData Compressed(const std::string& text, CompressionType type) {
-  CBinaryData data = Bytes(text);
+  CBinaryData data = DataOf(text);
   CRkZip::CompressData(data, type);
   return data;
 }
@@ -52,10 +47,10 @@ TEST(Zip, BothWrappersComeBackAsTheyWere) {
       const CBinaryData packed = Compressed(text, type);
       EXPECT_LT(packed.GetLength(), text.size());
       EXPECT_EQ(type == CompressionType_GZip ? 0x1F : 0x78, packed[0]);
-      EXPECT_EQ(Bytes(text), Decompressed(packed));
+      EXPECT_EQ(DataOf(text), Decompressed(packed));
     }
   }
-  EXPECT_EQ(Bytes("abc"), Compressed("abc", CompressionType_None));
+  EXPECT_EQ(DataOf("abc"), Compressed("abc", CompressionType_None));
   EXPECT_EQ(0u, Compressed("", CompressionType_GZip).GetLength());
 }
 
@@ -67,13 +62,13 @@ TEST(Zip, WhatDoesNotShrinkFailsWithZlibsCodeAndStaysIntended) {
       {CompressionType_GZip, Noise(300'000), L"0"}, {CompressionType_ZLib, Noise(300'000), L"0"}};
   for (const auto& [type, text, code] : kCases) {
     const std::wstring message = std::wstring(L"Failed to compress data. [Error Code: ") + code + L"]";
-    CBinaryData data = Bytes(text);
+    CBinaryData data = DataOf(text);
     EXPECT_THROWS(CRkException, message, CRkZip::CompressData(data, type));
-    EXPECT_EQ(Bytes(text), data);
+    EXPECT_EQ(DataOf(text), data);
     unsigned long length = 0;
     unsigned char* bytes = data.ReleaseData(&length);
     EXPECT_THROWS(CRkException, message, CRkZip::Compress(&bytes, &length, type));
-    EXPECT_EQ(Bytes(text), CBinaryData(bytes, length, /*copy=*/false));
+    EXPECT_EQ(DataOf(text), CBinaryData(bytes, length, /*copy=*/false));
   }
   unsigned char* none = nullptr;
   unsigned long length = 0;
@@ -85,7 +80,7 @@ TEST(Zip, LeavesWhatIsNoWholeStreamUnchanged) {
   for (const std::string& text : {std::string(), std::string("x"), std::string("<?xml version=\"1.0\"?>"),
                                   std::string("{\"a\":1}"), std::string("\xE0\x00\x00\x01", 4), std::string("\x1F\x8B"),
                                   std::string("\x78\x9C"), std::string("\x78\x9C garbage")})
-    EXPECT_EQ(Bytes(text), Decompressed(Bytes(text)));
+    EXPECT_EQ(DataOf(text), Decompressed(DataOf(text)));
   for (const CompressionType type : kTypes) {
     const CBinaryData packed = Compressed(Document(50), type);
     for (unsigned long length = 0; length < packed.GetLength(); ++length) {
@@ -103,13 +98,13 @@ TEST(Zip, LeavesWhatIsNoWholeStreamUnchanged) {
 TEST(Zip, DropsWhatFollowsTheStreamIntended) {
   CBinaryData packed = Compressed(Document(10), CompressionType_GZip);
   packed.Append(packed);
-  EXPECT_EQ(Bytes(Document(10)), Decompressed(packed));
+  EXPECT_EQ(DataOf(Document(10)), Decompressed(packed));
 }
 
 TEST(Zip, InflatingStopsAtALimit) {
   const CBinaryData bomb = Compressed(std::string(8'000'000, 'x'), CompressionType_GZip);
   const auto inflate = [&](InflateLimits limits) {
-    CBinaryData out = Bytes("kept");
+    CBinaryData out = DataOf("kept");
     const InflateResult result = CRkZip::Inflate(bomb.GetData(), bomb.GetLength(), limits, out);
     EXPECT_EQ(result == InflateResult::Inflated ? 8'000'000u : 4u, out.GetLength());
     return result;

@@ -4,18 +4,9 @@
 
 #include "Expect.h"
 #include "RkXmlLib16/types/Base64.h"
+#include "support/Bytes.h"
 
 using namespace RkXmlTest;
-
-namespace {
-
-CBinaryData Hex(const wchar_t* text) {
-  CBinaryData data;
-  data.SetAsHexString(text);
-  return data;
-}
-
-}  // namespace
 
 TEST(BinaryData, ReadsAndPrintsHexDigits) {
   EXPECT_TEXT(L"00AB", Hex(L"00ab").GetAsHexString());

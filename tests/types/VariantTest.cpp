@@ -17,10 +17,7 @@ class CProbe : public CElement {
   static inline bool gone = false;
 };
 
-const struct {
-  ItemType type;
-  const wchar_t *name, *text;
-} kKinds[] = {
+const Rows<ItemType, Wide, std::wstring> kKinds = {
     {ItemType_hexBinary, L"hexBinary", L"00AB"},
     {ItemType_base64Binary, L"base64Binary", L"TWFu"},
     {ItemType_byte, L"i1", L"-128"},
@@ -53,31 +50,31 @@ const struct {
 
 TEST(Variant, EveryKindRoundTripsThroughTextCopiesAndMoves) {
   RkVariant reused;
-  for (const auto& kind : kKinds) {
-    reused.FromString(kind.text, kind.type);
-    EXPECT_EQ(kind.type, reused.GetItemType());
-    EXPECT_TEXT(kind.name, reused.GetType());
-    EXPECT_TEXT(kind.text, reused.ToString());
-    for (const auto& other : kKinds) {
+  for (const auto& [type, name, text] : kKinds) {
+    reused.FromString(text, type);
+    EXPECT_EQ(type, reused.GetItemType());
+    EXPECT_TEXT(name, reused.GetType());
+    EXPECT_TEXT(text, reused.ToString());
+    for (const auto& [otherType, otherName, otherText] : kKinds) {
       RkVariant target;
-      target.FromString(other.text, other.type);
+      target.FromString(otherText, otherType);
       target = reused;
-      ASSERT_EQ(std::wstring(kind.text), target.ToString());
+      ASSERT_EQ(text, target.ToString());
       RkVariant moved(std::move(target));
-      ASSERT_EQ(std::wstring(kind.text), moved.ToString());
+      ASSERT_EQ(text, moved.ToString());
       target = std::move(moved);
       target.FromString(target.ToString());  // by the current type
-      ASSERT_EQ(std::wstring(kind.text), target.ToString());
+      ASSERT_EQ(text, target.ToString());
     }
     std::wstring scratch;
-    EXPECT_TEXT(kind.text, std::wstring(reused.GetText(scratch)));
+    EXPECT_TEXT(text, reused.GetText(scratch));
     // Nil keeps the type, and the next value ends it.
     reused.SetNil();
     EXPECT_TRUE(reused.IsNil() && reused.IsValid());
-    EXPECT_TEXT(kind.name, reused.GetType());
-    reused.FromString(kind.text);
+    EXPECT_TEXT(name, reused.GetType());
+    reused.FromString(text);
     EXPECT_FALSE(reused.IsNil());
-    EXPECT_TEXT(kind.text, reused.ToString());
+    EXPECT_TEXT(text, reused.ToString());
   }
 }
 

@@ -70,25 +70,23 @@ TEST(ElementTree, PathsUseAliasesAndPositions) {
   document.AddNamespaceAlias(L"p", L"urn:p");
   document.AddNamespaceAlias(L"q", L"urn:p");
   document.AddNamespaceAlias(L"", L"urn:default");
-  const struct {
-    const wchar_t *uri, *path;
-  } rows[] = {{L"", L"/order/item[1]"},
-              {L"urn:p", L"/order/p:item[1]"},
-              {L"urn:default", L"/order/item[2]"},
-              {L"urn:unknown", L"/order/item[3]"},
-              {L"urn:p", L"/order/p:item[2]"},
-              {L"urn:last", L"/order/item[4]"}};
+  const Rows<Wide, Wide> rows = {{L"", L"/order/item[1]"},
+                                 {L"urn:p", L"/order/p:item[1]"},
+                                 {L"urn:default", L"/order/item[2]"},
+                                 {L"urn:unknown", L"/order/item[3]"},
+                                 {L"urn:p", L"/order/p:item[2]"},
+                                 {L"urn:last", L"/order/item[4]"}};
   document.AddDocElement(L"", L"order");
-  for (const auto& row : rows) {
-    document.AddChildElement(row.uri, L"item");
+  for (const auto& [uri, path] : rows) {
+    document.AddChildElement(uri, L"item");
     document.EndElement();
   }
   CXmlElement* const only = document.AddChildElement(L"urn:p", L"only");
   document.AddElementAttribute(only, L"a", L"", L"urn:p");
   document.AddElementAttribute(only, L"b", L"", L"");
   const CXmlElement* item = document.GetDocumentElement()->GetFirstElement();
-  for (const auto& row : rows) {
-    EXPECT_TEXT(row.path, item->GetXPath());
+  for (const auto& [uri, path] : rows) {
+    EXPECT_TEXT(path, item->GetXPath());
     item = item->GetNextSiblingElement();
   }
   EXPECT_TEXT(L"/order/p:only/@p:a", only->GetAttributes()[0]->GetXPath());
@@ -103,19 +101,17 @@ TEST(ElementTree, PathsUseAliasesAndPositions) {
 
 TEST(ElementTree, KnowsTheAttributesOfTheNamespaceMachinery) {
   const wchar_t* const xmlns = L"http://www.w3.org/2000/xmlns/";
-  const struct {
-    const wchar_t *name, *uri;
-    bool isNamespace, isNil;
-  } rows[] = {{L"type", kXsi, true, false},   {L"schemaLocation", kXsi, true, false},
-              {L"xmlns", xmlns, true, false}, {L"noNamespaceSchemaLocation", kXsi, true, false},
-              {L"nil", kXsi, false, true},    {L"nil", xmlns, false, true},
-              {L"type", L"", false, false},   {L"other", kXsi, false, false}};
+  const Rows<Wide, Wide, bool, bool> rows = {
+      {L"type", kXsi, true, false},   {L"schemaLocation", kXsi, true, false},
+      {L"xmlns", xmlns, true, false}, {L"noNamespaceSchemaLocation", kXsi, true, false},
+      {L"nil", kXsi, false, true},    {L"nil", xmlns, false, true},
+      {L"type", L"", false, false},   {L"other", kXsi, false, false}};
   CXmlDocument document;
   CXmlElement* const e = document.AddDocElement(L"", L"e");
-  for (const auto& row : rows) e->AddAttribute(row.name, L"", row.uri);
-  for (std::size_t i = 0; i < std::size(rows); ++i) {
-    EXPECT_EQ(rows[i].isNamespace, e->GetAttributes()[i]->IsNamespaceAttribute()) << i;
-    EXPECT_EQ(rows[i].isNil, e->GetAttributes()[i]->IsNilAttribute()) << i;
+  for (const auto& [name, uri, isNamespace, isNil] : rows) {
+    e->AddAttribute(name, L"", uri);
+    EXPECT_EQ(isNamespace, e->GetAttributes()[e->GetAttributes().size() - 1]->IsNamespaceAttribute()) << Narrow(name);
+    EXPECT_EQ(isNil, e->GetAttributes()[e->GetAttributes().size() - 1]->IsNilAttribute()) << Narrow(name);
   }
 }
 

@@ -265,12 +265,6 @@ TEST(XmlWriterContext, ScopesShareAndShadowDeclarations) {
   leaf.SetDefaultNamespace(L"e");
   EXPECT_TEXT(L"d", middle.GetDefaultNamespace());
   EXPECT_EQ((CXmlWriter::NamespaceMap{{L"u1", L"q"}, {L"u2", L""}}), leaf.GetNamespaceMap());
-
-  // A prefix that was shadowed is free again.
-  leaf.SetNamespaceMapValue(L"u3", L"AA");
-  leaf.SetNamespaceMapValue(L"u3", L"AB");
-  EXPECT_TEXT(L"AA", leaf.InventPrefix(L"u4"));
-  EXPECT_TEXT(L"AC", leaf.InventPrefix(L"u5"));
 }
 
 // Hundreds of scopes and declarations in one, against a map for each scope.
