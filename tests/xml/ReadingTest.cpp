@@ -153,6 +153,7 @@ TEST(Reading, DeclaredEncodingOfWideTextMustFitIntended) {
 TEST(Reading, TellsWhatIsWrong) {
   CXmlDocument d;
   EXPECT_THROWS(CRkException, L"XML String is empty!", d.LoadXml(""));
+  EXPECT_THROWS(CRkException, L"XML String is empty!", d.LoadXml(static_cast<const char*>(nullptr)));
   EXPECT_THROWS(CRkException, L"XML String is empty!", d.LoadXml(L""));
   EXPECT_THROWS(CRkException, L"XML String is empty!", d.LoadXml(static_cast<const wchar_t*>(nullptr)));
   EXPECT_THROWS(CRkException, L"XML String is empty!", d.LoadXmlWide(L""));
