@@ -357,6 +357,8 @@ TEST(FastInfosetWriter, OrderOfCalls) {
   for (const wchar_t* script : {L"<a 't' @b=1>", L"<a <c> @b=1>", L"<a '' @b=1>"})
     EXPECT_THROWS(CRkException, L"Attributes must be added before elements",
                   Write(CFastInfosetContext(), [&](CFastInfosetWriter& w) { Replay(w, script); }));
+  EXPECT_THROWS(CRkException, L"Failed to write FastInfoset. A name is empty.",
+                Write(CFastInfosetContext(), [](CFastInfosetWriter& w) { Replay(w, L"<>"); }));
   const CFastInfosetContext context;
   CBinaryStream stream;
   CFastInfosetWriter w(context, stream);

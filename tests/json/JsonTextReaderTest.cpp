@@ -119,6 +119,7 @@ TEST(JsonTextReader, MalformedTextFailsWithPlaceAndPath) {
       {LR"({"a":nul)", L"EOF. Expected value 'NULL'", L"0, position 8", L".a"},
       {LR"({"a":nil})", L"Expected 'NULL'", L"0, position 7", L".a"},
       {LR"({"a":tru)", L"EOF. Expected value 'true'", L"0, position 8", L".a"},
+      {LR"({"a":tx})", L"Expected 'true'", L"0, position 7", L".a"},
       {LR"({"a":f)", L"EOF. Expected value 'false'", L"0, position 6", L".a"},
       {L"{\"a\":fal\n", L"Expected 'false'", L"1, position 0", L".a"},
       {LR"({"a":{"":1}})", L"JSON item has an empty Name", nullptr, L".a."},

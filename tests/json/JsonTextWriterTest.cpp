@@ -230,7 +230,8 @@ TEST(JsonTextWriter, MisuseThrows) {
   CTextStream stream;
   CJsonTextWriter writer(stream);
   writer.Open();
-  for (const wchar_t* call : {L">", L"'x'", L"@a=x"}) EXPECT_THROW(Replay(writer, call), CRkException);
+  for (const wchar_t* call : {L">", L"'x'", L"@a=x"})
+    EXPECT_THROWS(CRkException, L"No Element is open.", Replay(writer, call));
   writer.WriteStartElement(L"r", L"");
   EXPECT_THROWS(CRkException, L"An Element has not been closed.", writer.Close());
 }

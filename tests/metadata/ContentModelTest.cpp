@@ -291,4 +291,6 @@ TEST_F(ContentModelTest, WildcardsObeyNameAndNamespace) {
   EXPECT_NE(L"nothing", reads(optional, ofTarget));
   EXPECT_EQ(2, (*Read(namedMany, (L"<r>" + w + w + L"</r>").c_str()))[0].GetXmlCollection()->GetCount());
   EXPECT_NE(L"nothing", reads(namedMany, w + other));
+  EXPECT_TEXT(kNotRead + L"Serialization Data Error : The collection should be a CElementCol, it was not!",
+              reads(table(new CElementInfoSeqUntpdCol(L"w", L"", 0), Ints(L"w", 0, -1)), w));
 }

@@ -11,6 +11,7 @@
 #include "RkXmlLib16/support/Zip.h"
 #include "RkXmlLib16/xml/ElementTree.h"
 #include "RkXmlLib16/xml/XmlTextWriter.h"
+#include "support/Bytes.h"
 #include "support/SmallStack.h"
 #include "support/TempFile.h"
 #include "support/Tree.h"
@@ -219,6 +220,10 @@ TEST(Reading, HoldsTheLimits) {
   CXmlDocument document(c);
   EXPECT_THROWS(CRkException, L"Limit exceeded: inflated bytes 1000.",
                 document.LoadXmlStream(data.GetData(), data.GetLength()));
+  c.GetLimits().SetMaxInflatedBytes(0);
+  c.GetLimits().SetInflationRatioFrom(100);
+  c.GetLimits().SetMaxInflationRatio(10);
+  EXPECT_THROWS(CRkException, L"Limit exceeded: inflation ratio 10.", TreeOf(BytesOf(data), c));
 }
 
 TEST(Reading, BoundsWhatADtdCanDo) {
@@ -230,6 +235,12 @@ TEST(Reading, BoundsWhatADtdCanDo) {
   };
   RunInSmallStack([&] { EXPECT_TEXT(L"a@v=x(x)", TreeOf(nested(200))); });
   EXPECT_THROWS(CRkException, L"Limit exceeded: entities that refer to entities 200.", TreeOf(nested(20000)));
+  std::string many = "<!DOCTYPE a [<!ATTLIST b";
+  for (int i = 0; i < 1000; ++i) many += " x" + std::to_string(i) + " CDATA ''";
+  many += ">]><a>";
+  for (int i = 0; i < 1001; ++i) many += "<b/>";
+  EXPECT_THROWS(CRkException, L"Limit exceeded: defaulted attributes 1000000.\nPath: /a/b[1001]",
+                TreeOf(many + "</a>"));
   // One long default on many elements is held once.
   std::string defaults = "<!DOCTYPE a [<!ATTLIST b x CDATA '" + std::string(100000, 'x') + "'>]><a>";
   for (int i = 0; i < 10000; ++i) defaults += "<b/>";
