@@ -8,7 +8,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/../RkXmlLib16"
 # includes.
 floors='
 0 core/Export core/Enumerations core/Exception core/SmartPtr core/ReferenceCount core/SharedName core/internal/TextOrEmpty
-0 support/WideText support/LastingText
+0 support/WideText
 0 support/internal/ThreadObject support/Format support/HugePages support/CriticalSection support/Ascii support/CodePoints types/Calendar xml/Text
 1 types/BinaryData types/Base64 types/DigitVector
 1 support/Encoder support/UnicodeConverter support/StringBuffer support/TextStream support/BinaryStream support/File

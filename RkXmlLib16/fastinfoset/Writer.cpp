@@ -10,7 +10,6 @@
 #include "RkXmlLib16/support/BinaryStream.h"
 #include "RkXmlLib16/support/Encoder.h"
 #include "RkXmlLib16/support/Format.h"
-#include "RkXmlLib16/support/LastingText.h"
 #include "RkXmlLib16/support/WideText.h"
 
 namespace RkXmlLib16 {
@@ -111,10 +110,11 @@ inline unsigned char* PutInteger(unsigned char* to, unsigned char octet, unsigne
   return to;
 }
 
-// By the address of a lasting text: those made one after the other have places of their own.
+// By the address of a lasting text.
 template <class Names>
 auto& PlaceOf(const std::wstring& name, Names& names) {
-  return names[reinterpret_cast<std::uintptr_t>(&name) / sizeof name % names.size()];
+  constexpr std::uint64_t kMix = 0x9E3779B97F4A7C15u;
+  return names[(reinterpret_cast<std::uintptr_t>(&name) / alignof(std::wstring) * kMix >> 32) % names.size()];
 }
 
 std::size_t SlotOf(std::wstring_view name, std::size_t slots) {
@@ -489,8 +489,7 @@ inline unsigned long CFastInfosetWriter::FindKnownName(const KnownName& place, c
 
 inline void CFastInfosetWriter::RememberName(KnownName& place, const std::wstring& localName,
                                              const std::wstring& namespaceUri, unsigned long index) {
-  if (index != 0 && LastingText::Is(localName) && LastingText::Is(namespaceUri))
-    place = {&localName, &namespaceUri, m_scope, index};
+  if (index != 0 && AreLasting(localName, namespaceUri)) place = {&localName, &namespaceUri, m_scope, index};
 }
 
 template <const IntegerLayout& kIndex>

@@ -10,7 +10,6 @@
 #include "RkXmlLib16/metadata/internal/ReadingValue.h"
 #include "RkXmlLib16/metadata/internal/ValueText.h"
 #include "RkXmlLib16/support/Format.h"
-#include "RkXmlLib16/support/LastingText.h"
 #include "RkXmlLib16/support/WideText.h"
 #include "RkXmlLib16/types/Variant.h"
 #include "RkXmlLib16/wildcards/AttributeCol.h"
@@ -23,8 +22,8 @@ using namespace RkXmlLib16;
 
 CAttributeInfo::CAttributeInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, bool optional,
                                const wchar_t* defaultValue)
-    : m_attributeName(LastingText::Get(TextOrEmpty(name))),
-      m_namespace(LastingText::Get(TextOrEmpty(ns))),
+    : m_attributeName(TextOrEmpty(name)),
+      m_namespace(TextOrEmpty(ns)),
       m_propertyIndex(propertyIndex),
       m_optional(optional),
       m_defaultValue(TextOrEmpty(defaultValue)) {}
@@ -109,6 +108,7 @@ void CAttributeInfoPrimitive::AttributeToXml(const CSerializationContext& contex
   const std::wstring& text = ValueText(value, m_format, *writer);
   if (IsSuppressedDefault(context, text)) return;
   CheckRestriction(value);
+  writer->SetLastingNames(GetAttributeName(), GetNamespace());
   writer->WriteAttributeString(GetAttributeName(), GetNamespace(), text, type);
 }
 
@@ -139,6 +139,7 @@ void CAttributeInfoEnum::AttributeToXml(const CSerializationContext& context, co
   if (IsOptional() && !value.IsValid()) return;
   const std::wstring text = TextOrEmpty(m_toString(static_cast<int>(value.GetI4())));
   if (IsSuppressedDefault(context, text)) return;
+  writer->SetLastingNames(GetAttributeName(), GetNamespace());
   writer->WriteAttributeString(GetAttributeName(), GetNamespace(), text, ItemType_string);
 }
 

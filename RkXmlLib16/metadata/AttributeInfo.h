@@ -59,8 +59,8 @@ class RKXML_EXPORT CAttributeInfo {
   void ValidateRequired(bool found) const;
 
  private:
-  const std::wstring& m_attributeName;
-  const std::wstring& m_namespace;
+  std::wstring m_attributeName;
+  std::wstring m_namespace;
   int m_propertyIndex;
   bool m_optional;
   std::wstring m_defaultValue;

@@ -14,7 +14,6 @@
 #include "RkXmlLib16/metadata/internal/ReadingValue.h"
 #include "RkXmlLib16/metadata/internal/ValueText.h"
 #include "RkXmlLib16/support/Format.h"
-#include "RkXmlLib16/support/LastingText.h"
 #include "RkXmlLib16/types/Variant.h"
 #include "RkXmlLib16/xml/ElementTree.h"
 #include "RkXmlLib16/xml/XmlWriter.h"
@@ -24,16 +23,16 @@ namespace RkXmlLib16Data {
 using namespace RkXmlLib16;
 
 CElementInfo::CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, MemberKind kind)
-    : m_elementName(LastingText::Get(TextOrEmpty(name))),
-      m_namespace(LastingText::Get(TextOrEmpty(ns))),
+    : m_elementName(TextOrEmpty(name)),
+      m_namespace(TextOrEmpty(ns)),
       m_propertyIndex(propertyIndex),
       m_mayHaveAttributes(true),
       m_memberKind(kind) {}
 
 CElementInfo::CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, MemberKind kind,
                            XmlElementType memberType)
-    : m_elementName(LastingText::Get(TextOrEmpty(name))),
-      m_namespace(LastingText::Get(TextOrEmpty(ns))),
+    : m_elementName(TextOrEmpty(name)),
+      m_namespace(TextOrEmpty(ns)),
       m_propertyIndex(propertyIndex),
       m_mayHaveAttributes(memberType == XmlElementType_InlineGroup),
       m_memberType(memberType),
@@ -41,8 +40,8 @@ CElementInfo::CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyI
 
 CElementInfo::CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, bool nillable,
                            EnumToString enumToString, EnumFromString enumFromString, const wchar_t* defaultValue)
-    : m_elementName(LastingText::Get(TextOrEmpty(name))),
-      m_namespace(LastingText::Get(TextOrEmpty(ns))),
+    : m_elementName(TextOrEmpty(name)),
+      m_namespace(TextOrEmpty(ns)),
       m_propertyIndex(propertyIndex),
       m_defaultValue(TextOrEmpty(defaultValue)),
       m_nillable(nillable),
@@ -52,8 +51,8 @@ CElementInfo::CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyI
 CElementInfo::CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, bool nillable, ItemType type,
                            const wchar_t* format, CWhitespaceUtils::WhitespaceRule whitespace,
                            const CPrimitiveRestrictions& facets, const wchar_t* defaultValue)
-    : m_elementName(LastingText::Get(TextOrEmpty(name))),
-      m_namespace(LastingText::Get(TextOrEmpty(ns))),
+    : m_elementName(TextOrEmpty(name)),
+      m_namespace(TextOrEmpty(ns)),
       m_propertyIndex(propertyIndex),
       m_facets(facets),
       m_itemType(type),
@@ -173,8 +172,10 @@ bool CElementInfo::ElementToXmlEnum(const CSerializationContext& context, const 
 
 void CElementInfo::WriteText(const CSerializationContext& context, CXmlWriter* writer, const std::wstring& text,
                              ItemType type) const {
-  if (!IsDefault(text) || context.GetWriteDefaultElementValues())
+  if (!IsDefault(text) || context.GetWriteDefaultElementValues()) {
+    writer->SetLastingNames(m_elementName, m_namespace);
     return writer->WriteTextElement(m_elementName, m_namespace, text, type);
+  }
   writer->WriteStartElement(m_elementName, m_namespace);
   writer->WriteEndElement();
 }

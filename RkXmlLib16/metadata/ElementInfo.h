@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <typeinfo>
 
 #include "RkXmlLib16/core/Enumerations.h"
 #include "RkXmlLib16/core/Export.h"
@@ -103,10 +104,10 @@ class RKXML_EXPORT CElementInfo {
   bool IsInlineGroup() const noexcept { return m_memberType == RkXmlLib16::XmlElementType_InlineGroup; }
   // Whether ElementFromXml would accept that the element is absent and do nothing else, for the element that is next.
   bool IsSkipped(const CSerializationContext& context, const CXmlElement* next) const {
-    return m_skipsOthers && !IsThisElement(context, next);
+    return IsOfOptionalType() && !IsThisElement(context, next);
   }
   // Whether ElementToXml does nothing but WriteValue, if the property has a value.
-  bool IsPlainValue() const noexcept { return m_skipsOthers && m_hasFacets; }
+  bool IsPlainValue() const noexcept { return m_hasFacets && IsOfOptionalType(); }
   // Whether PseudoChildAttributeToXml may have something to write.
   bool MayHaveAttributes() const noexcept { return m_mayHaveAttributes; }
 
@@ -157,9 +158,11 @@ class RKXML_EXPORT CElementInfo {
  protected:
   EnumToString GetEnumToString() const noexcept { return m_enumToString; }
   // For records of a sequence that read nothing but their own element, which may be absent; see IsSkipped.
-  void SkipOtherElements() noexcept { m_skipsOthers = true; }
+  void SkipOtherElements() noexcept { m_optionalType = &typeid(*this); }
 
  private:
+  // Not for classes that are derived from one that skips other elements: they may do otherwise.
+  bool IsOfOptionalType() const noexcept { return m_optionalType == &typeid(*this); }
   // What the local name of an element notes when the element was found to have the record's name and namespace: the
   // record and the element's namespace.
   std::uint64_t MatchOf(const CXmlElement& element) const noexcept {
@@ -181,8 +184,8 @@ class RKXML_EXPORT CElementInfo {
   static std::uint32_t NewId() noexcept;
 
   const std::uint32_t m_id = NewId();
-  const std::wstring& m_elementName;
-  const std::wstring& m_namespace;
+  std::wstring m_elementName;
+  std::wstring m_namespace;
   int m_propertyIndex;
   CPrimitiveRestrictions m_facets;
   ItemType m_itemType = RkXmlLib16::ItemType_none;
@@ -194,7 +197,7 @@ class RKXML_EXPORT CElementInfo {
   EnumFromString m_enumFromString = nullptr;
   bool m_hasFacets = false;
   bool m_mayHaveAttributes = false;
-  bool m_skipsOthers = false;
+  const std::type_info* m_optionalType = nullptr;  // the class that called SkipOtherElements
   XmlElementType m_memberType = RkXmlLib16::XmlElementType_Element;
   MemberKind m_memberKind = MemberKind::Single;
 };

@@ -1,11 +1,9 @@
 #include "RkXmlLib16/metadata/ParentElementInfo.h"
 
 #include "RkXmlLib16/core/internal/TextOrEmpty.h"
-#include "RkXmlLib16/support/LastingText.h"
 
 namespace RkXmlLib16Data {
 
-namespace LastingText = RkXmlLib16::LastingText;
 using RkXmlLib16::TextOrEmpty;
 
 CParentElementInfo::CParentElementInfo(RkXmlLib16::XmlElementGroupType groupType,
@@ -15,8 +13,8 @@ CParentElementInfo::CParentElementInfo(RkXmlLib16::XmlElementGroupType groupType
                                        bool simpleContentAsText)
     : m_groupType(groupType),
       m_elementType(elementType),
-      m_elementName(LastingText::Get(TextOrEmpty(name))),
-      m_namespace(LastingText::Get(TextOrEmpty(ns))),
+      m_elementName(TextOrEmpty(name)),
+      m_namespace(TextOrEmpty(ns)),
       m_strictAttributes(strictAttributes),
       m_contentMayBeEmpty(contentMayBeEmpty),
       m_simpleContentProperty(simpleContentProperty),

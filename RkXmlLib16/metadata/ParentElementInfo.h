@@ -58,8 +58,8 @@ class RKXML_EXPORT CParentElementInfo {
  private:
   RkXmlLib16::XmlElementGroupType m_groupType;
   RkXmlLib16::XmlElementType m_elementType;
-  const std::wstring& m_elementName;
-  const std::wstring& m_namespace;
+  std::wstring m_elementName;
+  std::wstring m_namespace;
   bool m_strictAttributes;
   bool m_contentMayBeEmpty;
   int m_simpleContentProperty;

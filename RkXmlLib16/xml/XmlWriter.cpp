@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "RkXmlLib16/core/Exception.h"
-#include "RkXmlLib16/support/LastingText.h"
 #include "RkXmlLib16/support/WideText.h"
 
 namespace RkXmlLib16 {
@@ -87,17 +86,9 @@ struct CXmlWriter::CXmlWriterContext::Scope {
     if (level == kFewScopes && index == nullptr) BuildIndex();
   }
 
-  void SetDefault(const std::wstring& namespaceUri) {
-    defaultNamespace = namespaceUri;
-    knownDefault = nullptr;
-  }
+  void SetDefault(const std::wstring& namespaceUri) { defaultNamespace = namespaceUri; }
 
-  bool IsDefault(const std::wstring& namespaceUri) const {
-    if (&namespaceUri == knownDefault) return true;
-    if (!WideText::IsEqual(namespaceUri, defaultNamespace)) return false;
-    if (LastingText::Is(namespaceUri)) knownDefault = &namespaceUri;
-    return true;
-  }
+  bool IsDefault(const std::wstring& namespaceUri) const { return WideText::IsEqual(namespaceUri, defaultNamespace); }
 
   // Empties the scope and keeps its storage for another element.
   void Close() noexcept {
@@ -208,10 +199,9 @@ struct CXmlWriter::CXmlWriterContext::Scope {
 
   int level = 0;
   bool givenAway = false;
-  NamespaceMap spare;                                  // entries to use again
-  DeclarationIndex* index = nullptr;                   // null while a search is quick
-  std::unique_ptr<DeclarationIndex> ownIndex;          // the same where it begins
-  mutable const std::wstring* knownDefault = nullptr;  // a lasting text that equals the default namespace
+  NamespaceMap spare;                          // entries to use again
+  DeclarationIndex* index = nullptr;           // null while a search is quick
+  std::unique_ptr<DeclarationIndex> ownIndex;  // the same where it begins
   mutable const Declaration* lastFound = nullptr;
   mutable std::unique_ptr<NamespaceMap> merged;
 };

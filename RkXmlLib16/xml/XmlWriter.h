@@ -124,6 +124,12 @@ class RKXML_EXPORT CXmlWriter {
     return m_value;
   }
   std::wstring& GetValueBuffer() noexcept { return m_valueBuffer; }
+  // Tells that these two texts, which are about to be given to the writer, stay where and what they are until the
+  // document is written, as the names of a record do: the writer may know them again by their addresses.
+  void SetLastingNames(const std::wstring& localName, const std::wstring& namespaceUri) noexcept {
+    m_lastingLocalName = &localName;
+    m_lastingNamespaceUri = &namespaceUri;
+  }
   // The first of "AA", "AB", ... that is not a prefix in the map.
   static std::wstring GetUniquePrefix(const NamespaceMap& namespaces);
   static std::wstring NsIntToString(int n);
@@ -145,11 +151,17 @@ class RKXML_EXPORT CXmlWriter {
   // there, which `invented` tells, so that the caller declares it. An element must be open.
   const std::wstring& RequirePrefix(const std::wstring& namespaceUri, bool& invented);
 
+  bool AreLasting(const std::wstring& localName, const std::wstring& namespaceUri) const noexcept {
+    return &localName == m_lastingLocalName && &namespaceUri == m_lastingNamespaceUri;
+  }
+
   std::wstring m_defaultNamespace;
   std::unique_ptr<CXmlWriterContext> m_context;
   NamespaceMap m_namespaces;
 
  private:
+  const std::wstring* m_lastingLocalName = nullptr;
+  const std::wstring* m_lastingNamespaceUri = nullptr;
   RkVariant m_value;
   std::wstring m_valueBuffer;
   std::unique_ptr<CXmlWriterContext> m_closedContexts;  // kept for reuse, chained by their parents

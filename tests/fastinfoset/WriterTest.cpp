@@ -4,7 +4,6 @@
 
 #include "Expect.h"
 #include "Octets.h"
-#include "support/PassingNames.h"
 #include "support/Replay.h"
 
 namespace RkXmlTest {
@@ -95,25 +94,42 @@ TEST(FastInfosetWriter, EveryNameIsInScopeForOtherReaders) {
   for (const Calls& calls : documents) ExpectReadable(Write(CFastInfosetContext(), calls));
 }
 
-// The prefix of a namespace changes, and names of elements and attributes are alike.
-TEST(FastInfosetWriter, NamesOfRecordsFollowTheScope) {
+// The prefix of a namespace changes, and names of elements and attributes are alike. The names lie each in a place of
+// its own, as those of records do, or all in the same two.
+TEST(FastInfosetWriter, LastingNamesFollowTheScope) {
   const auto write = [](bool lasting) {
     return Write(CFastInfosetContext(), [lasting](CFastInfosetWriter& w) {
-      Names n(lasting);
-      const auto element = [&](const wchar_t* name, const wchar_t* uri) {
-        w.WriteStartElement(n.Name(L"e"), n.Uri(uri));
-        w.WriteAttributeString(n.Name(name), n.Uri(uri), L"v", ItemType_string);
-        for (const wchar_t* text : {L"1", L""}) w.WriteTextElement(n.Name(name), n.Uri(uri), text, ItemType_int);
+      std::set<std::wstring> texts;
+      std::wstring passingName, passingUri;
+      const auto give = [&](const wchar_t* nameText, const wchar_t* uriText, const auto& call) {
+        passingName = nameText;
+        passingUri = uriText;
+        if (!lasting) return call(passingName, passingUri);
+        const std::wstring& name = *texts.insert(nameText).first;
+        const std::wstring& uri = *texts.insert(uriText).first;
+        w.SetLastingNames(name, uri);
+        call(name, uri);
+      };
+      const auto start = [&](const std::wstring& name, const std::wstring& uri) { w.WriteStartElement(name, uri); };
+      const auto element = [&](const wchar_t* nameText, const wchar_t* uriText) {
+        give(L"e", uriText, start);
+        give(nameText, uriText, [&](const std::wstring& name, const std::wstring& uri) {
+          w.WriteAttributeString(name, uri, L"v", ItemType_string);
+        });
+        for (const wchar_t* text : {L"1", L""})
+          give(nameText, uriText, [&](const std::wstring& name, const std::wstring& uri) {
+            w.WriteTextElement(name, uri, text, ItemType_int);
+          });
         w.WriteEndElement();
       };
       w.AddNamespace(L"p", L"urn:p");
-      w.WriteStartElement(n.Name(L"r"), n.Uri(L""));
+      give(L"r", L"", start);
       for (int i = 0; i < 3; ++i) {
         for (const wchar_t* uri : {L"urn:p", L"", L"urn:p"})
           for (const wchar_t* name : {L"a", L"b", L"e"}) element(name, uri);
         if (i == 1) w.WriteEndElement();
         if (i != 0) continue;
-        w.WriteStartElement(n.Name(L"s"), n.Uri(L""));
+        give(L"s", L"", start);
         w.AddNamespace(L"q", L"urn:p");
       }
       w.WriteEndElement();

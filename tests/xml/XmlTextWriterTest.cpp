@@ -7,7 +7,6 @@
 
 #include "Expect.h"
 #include "support/EveryPlace.h"
-#include "support/PassingNames.h"
 #include "support/Replay.h"
 
 using namespace RkXmlTest;
@@ -100,31 +99,25 @@ TEST(XmlTextWriter, EscapesAndEndsTextsAtEveryPlace) {
   });
 }
 
-// The default namespace and the prefix of a namespace change, while the same names are used on.
-TEST(XmlTextWriter, NamesOfRecordsFollowTheScope) {
-  const auto write = [](bool lasting) {
-    return Written([lasting](CXmlTextWriter& w) {
-      RkXmlTest::Names n(lasting);
-      const auto leaf = [&](const wchar_t* uri) { w.WriteTextElement(n.Name(L"a"), n.Uri(uri), L"1", ItemType_int); };
-      w.SetDefaultNamespace(L"urn:d");
-      w.AddNamespace(L"e", L"urn:e");
-      w.WriteStartElement(n.Name(L"r"), n.Uri(L"urn:d"));
-      for (const wchar_t* uri : {L"urn:d", L"urn:d", L"urn:e"}) leaf(uri);
-      w.WriteStartElement(n.Name(L"s"), n.Uri(L"urn:d"));
-      w.SetDefaultNamespace(L"urn:e");
-      for (const wchar_t* uri : {L"urn:d", L"urn:e", L"urn:e"}) leaf(uri);
-      w.SetDefaultNamespace(L"urn:d");
-      leaf(L"urn:e");
-      w.WriteEndElement();
-      for (const wchar_t* uri : {L"urn:d", L"urn:e"}) leaf(uri);
-      w.WriteEndElement();
-    });
-  };
+TEST(XmlTextWriter, NamesFollowTheScope) {
   const std::wstring expected =
       L"<r xmlns=\"urn:d\" xmlns:e=\"urn:e\"><a>1</a><a>1</a><e:a>1</e:a>"
       L"<s><AA:a xmlns:AA=\"urn:d\">1</AA:a><a>1</a><a>1</a><e:a>1</e:a></s><a>1</a><e:a>1</e:a></r>";
-  EXPECT_TEXT(expected, write(true));
-  EXPECT_TEXT(expected, write(false));
+  EXPECT_TEXT(expected, Written([](CXmlTextWriter& w) {
+                const auto leaf = [&](const wchar_t* uri) { w.WriteTextElement(L"a", uri, L"1", ItemType_int); };
+                w.SetDefaultNamespace(L"urn:d");
+                w.AddNamespace(L"e", L"urn:e");
+                w.WriteStartElement(L"r", L"urn:d");
+                for (const wchar_t* uri : {L"urn:d", L"urn:d", L"urn:e"}) leaf(uri);
+                w.WriteStartElement(L"s", L"urn:d");
+                w.SetDefaultNamespace(L"urn:e");
+                for (const wchar_t* uri : {L"urn:d", L"urn:e", L"urn:e"}) leaf(uri);
+                w.SetDefaultNamespace(L"urn:d");
+                leaf(L"urn:e");
+                w.WriteEndElement();
+                for (const wchar_t* uri : {L"urn:d", L"urn:e"}) leaf(uri);
+                w.WriteEndElement();
+              }));
 }
 
 TEST(XmlTextWriter, WritesWhatStandsAroundTheRoot) {
@@ -265,6 +258,12 @@ TEST(XmlWriterContext, ScopesShareAndShadowDeclarations) {
   leaf.SetDefaultNamespace(L"e");
   EXPECT_TEXT(L"d", middle.GetDefaultNamespace());
   EXPECT_EQ((CXmlWriter::NamespaceMap{{L"u1", L"q"}, {L"u2", L""}}), leaf.GetNamespaceMap());
+
+  // A prefix that was shadowed is free again.
+  leaf.SetNamespaceMapValue(L"u3", L"AA");
+  leaf.SetNamespaceMapValue(L"u3", L"AB");
+  EXPECT_TEXT(L"AA", leaf.InventPrefix(L"u4"));
+  EXPECT_TEXT(L"AC", leaf.InventPrefix(L"u5"));
 }
 
 // Hundreds of scopes and declarations in one, against a map for each scope.
