@@ -20,32 +20,6 @@ constexpr const wchar_t* kTypeNames[] = {
 
 constexpr std::size_t kKeptCapacity = 4096;  // longer texts give their storage back
 
-// The storage of the last text that a variant of this thread dropped, for the next one: a variant lives for one record
-// of one object, and its text would otherwise be allocated each time.
-class SpareText {
- public:
-  // Null when the thread has ended its variables; static variants outlive those.
-  static std::wstring* Get() {
-    if (t_text == nullptr && !t_isGone) Make();
-    return t_text;
-  }
-
- private:
-  SpareText() { t_text = &m_text; }
-  ~SpareText() {
-    t_text = nullptr;
-    t_isGone = true;
-  }
-  static void Make() { static thread_local SpareText spare; }
-
-  // In the memory that a thread has from its start: a few bytes, found without a call.
-  [[gnu::tls_model("initial-exec")]] static thread_local std::wstring* t_text;
-  [[gnu::tls_model("initial-exec")]] static thread_local bool t_isGone;
-  std::wstring m_text;
-};
-thread_local std::wstring* SpareText::t_text = nullptr;
-thread_local bool SpareText::t_isGone = false;
-
 [[noreturn]] void ThrowInvalidType(std::uint32_t type) { throw CRkException(FormatString(L"Invalid Type %u", type)); }
 
 [[noreturn]] void ThrowNoText(std::uint32_t type) {
@@ -136,12 +110,6 @@ RkVariant& RkVariant::operator=(RkVariant&& other) noexcept {
 
 RkVariant::~RkVariant() {
   if (!HoldsNothing()) Clear();
-  if (m_text.capacity() > std::wstring().capacity()) KeepTextStorage();
-}
-
-void RkVariant::KeepTextStorage() noexcept {
-  std::wstring* const spare = m_text.capacity() <= kKeptCapacity ? SpareText::Get() : nullptr;
-  if (spare != nullptr && m_text.capacity() > spare->capacity()) *spare = std::move(m_text);
 }
 
 void RkVariant::Clear() noexcept {
@@ -271,10 +239,6 @@ void RkVariant::SetString(std::wstring_view value) {
   if (m_type >= kXmlObject) return SetString(std::wstring(value));  // the object may hold the text
   if (m_type != ItemType_string) Begin(ItemType_string);
   m_nil = false;
-  if (value.size() > m_text.capacity()) {
-    std::wstring* const spare = SpareText::Get();
-    if (spare != nullptr && value.size() <= spare->capacity()) m_text = std::move(*spare);
-  }
   const bool isOwn = value.data() >= m_text.data() && value.data() <= m_text.data() + m_text.size();
   if (isOwn || value.size() > m_text.capacity()) {
     m_text.assign(value);

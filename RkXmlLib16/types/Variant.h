@@ -192,7 +192,6 @@ class RKXML_EXPORT RkVariant {
     m_nil = false;
     m_type = type;
   }
-  void KeepTextStorage() noexcept;
   void RequireType(std::uint32_t type) const;
   bool MayHold(const void* value) const noexcept;
   template <class T>
