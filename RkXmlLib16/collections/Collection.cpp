@@ -13,6 +13,7 @@ namespace RkXmlLib16 {
 namespace {
 
 constexpr std::size_t kUsualItemSize = 512;
+constexpr int kAheadOfShortSteps = 8;
 constexpr std::size_t kLargestBlock = 7;  // of that number on the blocks grow no more
 
 }  // namespace
@@ -44,7 +45,7 @@ CXmlCollection::~CXmlCollection() {
 }
 
 void CXmlCollection::AttributesToXml_Int(CXmlWriter* writer, const CSerializationContext& context) const {
-  CFetchAhead<sizeof(CXmlObjectBase)> fetch(m_head);
+  CFetchAhead<sizeof(CXmlObjectBase), kAheadOfShortSteps> fetch(m_head);
   for (const CNode* node = m_head; node != nullptr; node = node->m_next) {
     fetch.Advance();
     if (node->m_item != nullptr) node->m_item->GetBase()->AttributesToXml_Int(writer, context);

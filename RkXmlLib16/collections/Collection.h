@@ -69,12 +69,12 @@ class RKXML_EXPORT CXmlCollection : public CXmlCollectionBase {
 
  protected:
   // Asks for the memory of items that a walk is about to reach, `kItemSize` bytes of each: long lists do not fit the
-  // caches, and the processor can't look through the nodes by itself. It runs two nodes ahead of the walk.
-  template <std::size_t kItemSize>
+  // caches, and the processor can't look through the nodes by itself. It runs `kAhead` nodes ahead of the walk.
+  template <std::size_t kItemSize, int kAhead = 2>
   class CFetchAhead {
    public:
     explicit CFetchAhead(const CNode* first) noexcept : m_node(first) {
-      for (int i = 0; i < 2; ++i) Advance();
+      for (int i = 0; i < kAhead; ++i) Advance();
     }
     // To be called once for each node.
     void Advance() noexcept {

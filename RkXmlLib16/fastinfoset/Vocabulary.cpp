@@ -8,7 +8,7 @@ namespace RkXmlLib16 {
 namespace {
 
 constexpr std::size_t kFirstBlockLength = 128;
-constexpr std::size_t kMaxBlockLength = 65536;
+constexpr std::size_t kMaxBlockLength = kHugePage / sizeof(wchar_t);
 constexpr std::uint64_t kHashFactor = 0x9E3779B97F4A7C15u;
 constexpr std::wstring_view kXmlPrefix = L"xml";
 constexpr std::wstring_view kXmlNamespaceName = L"http://www.w3.org/XML/1998/namespace";
@@ -24,7 +24,7 @@ std::size_t HashParts(const CQNameParts& name) {
 
 void CFIIndexHash::Insert(std::size_t hash, unsigned long index) {
   if ((m_count + 1) * 2 > m_slots.size()) {
-    std::vector<Slot> old(std::max<std::size_t>(16, m_slots.size() * 2));
+    decltype(m_slots) old(std::max<std::size_t>(16, m_slots.size() * 2));
     old.swap(m_slots);
     for (const Slot& slot : old) {
       if (slot.index != 0) Place(slot);
@@ -103,10 +103,11 @@ void CFIStringTable::AddNew(std::wstring_view text, std::size_t hash) {
 void CFIStringTable::Append(std::wstring_view text) {
   if (size() >= FI_MAX_TABLE_ENTRIES) return;
   if (text.length() > m_freeLength) {
-    const std::size_t grown = m_blocks.empty() ? kFirstBlockLength : kMaxBlockLength;
+    const std::size_t grown =
+        m_blocks.empty() ? kFirstBlockLength : std::min(2 * m_blocks.back().size(), kMaxBlockLength);
     const std::size_t length = std::max(grown, text.length());
-    m_blocks.push_back(std::unique_ptr<wchar_t[]>(new wchar_t[length]));
-    m_free = m_blocks.back().get();
+    m_blocks.emplace_back(length);
+    m_free = m_blocks.back().data();
     m_freeLength = length;
   }
   m_entries.emplace_back(m_free, text.length());

@@ -3,13 +3,13 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
 #include "RkXmlLib16/core/Export.h"
+#include "RkXmlLib16/support/HugePages.h"
 
 namespace RkXmlLib16 {
 
@@ -41,7 +41,7 @@ class CFIIndexHash {
   static std::uint32_t Mix(std::size_t hash) noexcept { return static_cast<std::uint32_t>(hash ^ (hash >> 32)); }
   void Place(Slot slot);
 
-  std::vector<Slot> m_slots;  // a power of two, at most half of it in use
+  std::vector<Slot, CHugePageAllocator<Slot>> m_slots;  // a power of two, at most half of it in use
   std::size_t m_count = 0;
 };
 
@@ -97,8 +97,8 @@ class RKXML_EXPORT CFIStringTable {
  private:
   void HashNewEntries() const;
 
-  std::vector<std::wstring_view> m_entries;  // texts in the blocks
-  std::vector<std::unique_ptr<wchar_t[]>> m_blocks;
+  std::vector<std::wstring_view, CHugePageAllocator<std::wstring_view>> m_entries;  // texts in the blocks
+  std::vector<std::vector<wchar_t, CHugePageAllocator<wchar_t>>> m_blocks;
   wchar_t* m_free = nullptr;  // the rest of the last block
   std::size_t m_freeLength = 0;
   std::uint64_t m_hashSeed;

@@ -2,16 +2,15 @@
 
 #include <sys/mman.h>
 
-#include <cstdint>
-
 namespace RkXmlLib16 {
 
-void AskForHugePages(void* memory, std::size_t size) noexcept {
-  const auto start = reinterpret_cast<std::uintptr_t>(memory);
-  const std::size_t skip = (kHugePage - start % kHugePage) % kHugePage;
-  if (size < skip + kHugePage) return;
-  const std::size_t whole = (size - skip) / kHugePage * kHugePage;
-  ::madvise(static_cast<unsigned char*>(memory) + skip, whole, MADV_HUGEPAGE);
+void* AllocateOfHugePages(std::size_t size) noexcept {
+  if (size < kHugePage) return std::malloc(size);
+  if (size > SIZE_MAX - kHugePage) return nullptr;
+  size = (size + kHugePage - 1) & ~(kHugePage - 1);
+  void* const memory = std::aligned_alloc(kHugePage, size);
+  if (memory != nullptr) ::madvise(memory, size, MADV_HUGEPAGE);
+  return memory;
 }
 
 }  // namespace RkXmlLib16

@@ -2,14 +2,37 @@
 #define RKXMLLIB16_SUPPORT_HUGEPAGES_H
 
 #include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <new>
 
 namespace RkXmlLib16 {
 
 constexpr std::size_t kHugePage = std::size_t{2} << 20;
 
-// Asks the kernel for huge pages where the memory, which is about to be filled, holds whole ones: page faults are a
-// good part of filling large memory. A wish only; small memory is left alone.
-void AskForHugePages(void* memory, std::size_t size) noexcept;
+// Memory as std::malloc gives it, null when there is none; std::free frees it. Memory that holds whole huge pages is
+// aligned to them, and the kernel is asked to use them: page faults are a good part of filling large memory, and the
+// search for pages of reading it here and there. A wish only.
+void* AllocateOfHugePages(std::size_t size) noexcept;
+
+// The same for containers that grow large.
+template <class T>
+struct CHugePageAllocator {
+  using value_type = T;
+
+  CHugePageAllocator() noexcept = default;
+  template <class U>
+  CHugePageAllocator(const CHugePageAllocator<U>&) noexcept {}
+  T* allocate(std::size_t count) {
+    void* const memory = count <= PTRDIFF_MAX / sizeof(T) ? AllocateOfHugePages(count * sizeof(T)) : nullptr;
+    if (memory == nullptr) throw std::bad_alloc();
+    return static_cast<T*>(memory);
+  }
+  void deallocate(T* memory, std::size_t) noexcept { std::free(memory); }
+
+  friend bool operator==(const CHugePageAllocator&, const CHugePageAllocator&) noexcept { return true; }
+  friend bool operator!=(const CHugePageAllocator&, const CHugePageAllocator&) noexcept { return false; }
+};
 
 }  // namespace RkXmlLib16
 

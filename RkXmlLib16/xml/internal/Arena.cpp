@@ -22,18 +22,10 @@ void CArena::AddChunk(std::size_t atLeast) {
   Chunk chunk = std::move(m_spare);
   m_spare.size = 0;
   if (chunk.size < atLeast) {
-    // Chunks double, so that small documents stay small and large ones need few; large chunks ask for huge pages,
-    // because page faults are a good part of filling them.
+    // Chunks double, so that small documents stay small and large ones need few.
     std::size_t size = m_chunks.empty() ? kFirstChunk : std::min(2 * m_chunks.back().size, kLargestChunk);
     size = std::max(size, atLeast);
-    if (size >= kHugePage) {
-      if (size > SIZE_MAX - kHugePage) throw std::bad_alloc();
-      size = (size + kHugePage - 1) & ~(kHugePage - 1);
-      chunk.memory.reset(static_cast<unsigned char*>(std::aligned_alloc(kHugePage, size)));
-      if (chunk.memory != nullptr) AskForHugePages(chunk.memory.get(), size);
-    } else {
-      chunk.memory.reset(static_cast<unsigned char*>(std::malloc(size)));
-    }
+    chunk.memory.reset(static_cast<unsigned char*>(AllocateOfHugePages(size)));
     if (chunk.memory == nullptr) throw std::bad_alloc();
     chunk.size = size;
   }
