@@ -88,8 +88,4 @@ inline void ExpectThrown(const std::type_info& type, const std::wstring& message
 #define EXPECT_TEXT(expected, actual) \
   EXPECT_EQ(::RkXmlTest::Narrow(std::wstring(expected)), ::RkXmlTest::Narrow(std::wstring(actual)))
 
-// The words above under their former names, which tests under way use.
-#define EXPECT_RK_THROWS EXPECT_THROWS
-#define EXPECT_WIDE_EQ EXPECT_TEXT
-
 #endif

@@ -280,6 +280,67 @@ TEST_F(GeneratedClassTest, AccessorFailuresAreToldOrPassed) {
   EXPECT_THROW(object.FromXml(L"<r><c/></r>"), int);
 }
 
+// Records and readers take short cuts; none may show.
+TEST_F(GeneratedClassTest, RecordsThatDeriveFromOthersAreAskedThemselves) {
+  class CEager : public CElementInfoSeqPrimOpt {
+   public:
+    using CElementInfoSeqPrimOpt::CElementInfoSeqPrimOpt;
+    bool ElementToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
+                      CXmlWriter* writer) const override {
+      if (CElementInfoSeqPrimOpt::ElementToXml(context, object, writer)) return true;
+      writer->WriteTextElement(L"none", L"", L"", ItemType_string);
+      return true;
+    }
+    bool ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                        CXmlElement** cursor, const wchar_t* ns, XmlElementType type) override {
+      if (*cursor != nullptr && (*cursor)->GetLocalName() == L"none") *cursor = (*cursor)->GetNextSiblingElement();
+      return CElementInfoSeqPrimOpt::ElementFromXml(context, object, parent, cursor, ns, type);
+    }
+  };
+  const Table table(ClassInfo(kSequence, L"r"), {Prim<CEager>(L"a", 0), Prim<CElementInfoSeqPrimOpt>(L"b", 1)});
+  EXPECT_TEXT(L"<r><none/><b>1</b></r>", Outcome(table, L"<r><none/><b>1</b></r>"));
+  EXPECT_TEXT(L"<r><a>2</a></r>", Outcome(table, L"<r><none/><a>2</a></r>"));
+}
+
+TEST_F(GeneratedClassTest, ASetterMayReadAnotherDocument) {
+  Table inner(ClassInfo(kSequence, L"i"), {Prim(L"v", 0, ItemType_string)});
+  Table table(ClassInfo(kSequence, L"r"), {Prim(L"a", 0, ItemType_string), Prim(L"v", 1, ItemType_decimal)});
+  std::wstring seen;
+  table.m_checkSetter = [&](int, const RkVariant& value) {
+    const std::wstring before = value.ToString();
+    seen += Outcome(inner, L"<i><v>inner text of some length</v></i>") + before + value.ToString() + L";";
+  };
+  EXPECT_TEXT(L"<r><a>outer text of some length</a><v>1.5</v></r>",
+              Outcome(table, L"<r><a>outer text of some length</a><v>1.5</v></r>"));
+  const std::wstring read = L"<i><v>inner text of some length</v></i>";
+  EXPECT_TEXT(read + L"outer text of some lengthouter text of some length;" + read + L"1.51.5;", seen);
+}
+
+// A document knows which record has a name, while several have it, in namespaces of their own.
+TEST_F(GeneratedClassTest, OneDocumentServesRecordsOfLikeNames) {
+  const auto record = [](const wchar_t* ns) {
+    return new CElementInfoSeqPrimOpt(L"a", ns, 0, false, ItemType_int, nullptr, CWhitespaceUtils::collapse, NoFacets(),
+                                      nullptr);
+  };
+  CXmlDocument document;
+  document.LoadXml(L"<r><a>1</a><x:a xmlns:x='urn:x'>2</x:a></r>");
+  for (int round = 0; round < 2; ++round) {
+    const Table plain(ClassInfo(kSequence, L"r"), {record(L"")});
+    const Table other(ClassInfo(kSequence, L"r"), {record(L"urn:x")});
+    const Rows<const Table&, bool, std::wstring> rows = {{plain, false, Unread(L"a")},
+                                                         {other, false, Unread(L"a")},
+                                                         {other, true, L"nothing"},
+                                                         {plain, false, Unread(L"a")}};
+    for (const auto& [table, anyNamespace, outcome] : rows) {
+      CSerializationContext context;
+      context.SetIgnoreNamespaces(anyNamespace);
+      context.SetIgnoreUnknownElements(anyNamespace);
+      const auto object = CTableClass::Create(table);
+      EXPECT_TEXT(outcome, Thrown([&] { object->FromXmlElement(document.GetDocumentElement(), context); }));
+    }
+  }
+}
+
 TEST_F(GeneratedClassTest, MistakesInRecordsAreTold) {
   const Table unknown(ClassInfo(static_cast<XmlElementGroupType>(3), L"r"), {});
   EXPECT_TEXT(kNotWritten + L"Unknown XML Group Type", Thrown([&] { Write(*CTableClass::Create(unknown)); }));
