@@ -46,11 +46,15 @@ bool IsNamespace(const std::wstring& uri) {
   return IsXmlText(uri) && uri.find_first_of(L"|\t\n ") == std::wstring::npos && uri != CXmlWriter::XMLNS_NAMESPACE;
 }
 
-// XML text is not read with a namespace like this, which may be there for values alone.
-bool HasBarInDeclarations(const std::wstring& xml) {
+// Not every reader of XML text takes prefixes beyond ASCII, and none a namespace with a bar; both may be there for
+// values alone.
+bool HasOddDeclarations(const std::wstring& xml) {
+  constexpr std::wstring_view kStart = L" xmlns";
   std::size_t at = 0;
-  while ((at = xml.find(L" xmlns", at)) != std::wstring::npos) {
+  while ((at = xml.find(kStart, at)) != std::wstring::npos) {
+    const std::size_t name = at + kStart.size();
     const std::size_t begin = std::min(xml.find(L'"', at), xml.size() - 1);
+    if (xml[name] == L':' && !IsName(xml.substr(name + 1, begin - name - 2))) return true;  // up to ="
     at = std::min(xml.find(L'"', begin + 1), xml.size());
     if (std::wstring_view(xml).substr(begin, at - begin).find(L'|') != std::wstring_view::npos) return true;
   }
@@ -151,7 +155,7 @@ bool IsXml(const CElement& tree) {
               names.emplace(attribute.GetNamespace(), attribute.GetLocalName()).second;
     }
   });
-  return holds && !HasBarInDeclarations(tree.ToXml(false, false, EOLType_LF, MakeContext(&tree)));
+  return holds && !HasOddDeclarations(tree.ToXml(false, false, EOLType_LF, MakeContext(&tree)));
 }
 
 bool FitsJson(const CElement& tree) {
