@@ -419,6 +419,7 @@ void CDateTime::Validate() const {
         ThrowInvalid(L"Invalid Day [%d] (1 <= day <= days in month", int{m_day});  // sic
       break;
     case dt_gMonthDay:
+      // NOLINTNEXTLINE(clang-analyzer-core.UndefinedBinaryOperatorResult): the month has passed above
       if (m_day < 1 || m_day > g_monthMax[m_month - 1])
         ThrowInvalid(L"Invalid Day [%d] (1 <= day <= days in month)", int{m_day});
       break;
