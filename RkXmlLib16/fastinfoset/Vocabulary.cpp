@@ -42,7 +42,8 @@ void CFIIndexHash::Place(Slot slot) {
 }
 
 // The seed is an address, so that colliding texts cannot be made up beforehand.
-CFIStringTable::CFIStringTable() : m_hashSeed(reinterpret_cast<std::uintptr_t>(this) * kHashFactor) {}
+CFIStringTable::CFIStringTable()
+    : m_nextBlockLength(kFirstBlockLength), m_hashSeed(reinterpret_cast<std::uintptr_t>(this) * kHashFactor) {}
 
 CFIStringTable::CFIStringTable(const CFIStringTable& other) : CFIStringTable() {
   m_entries.reserve(other.m_entries.size());
@@ -55,6 +56,7 @@ CFIStringTable& CFIStringTable::operator=(const CFIStringTable& other) {
   m_blocks.swap(copy.m_blocks);
   std::swap(m_free, copy.m_free);
   std::swap(m_freeLength, copy.m_freeLength);
+  std::swap(m_nextBlockLength, copy.m_nextBlockLength);
   std::swap(m_hashSeed, copy.m_hashSeed);
   std::swap(m_hash, copy.m_hash);
   std::swap(m_hashed, copy.m_hashed);
@@ -103,12 +105,11 @@ void CFIStringTable::AddNew(std::wstring_view text, std::size_t hash) {
 void CFIStringTable::Append(std::wstring_view text) {
   if (size() >= FI_MAX_TABLE_ENTRIES) return;
   if (text.length() > m_freeLength) {
-    const std::size_t grown =
-        m_blocks.empty() ? kFirstBlockLength : std::min(2 * m_blocks.back().size(), kMaxBlockLength);
-    const std::size_t length = std::max(grown, text.length());
-    m_blocks.emplace_back(length);
-    m_free = m_blocks.back().data();
+    const std::size_t length = std::max(m_nextBlockLength, text.length());
+    m_blocks.push_back(MakeRoomOfHugePages<wchar_t>(length));
+    m_free = m_blocks.back().get();
     m_freeLength = length;
+    m_nextBlockLength = std::min(2 * m_nextBlockLength, kMaxBlockLength);
   }
   m_entries.emplace_back(m_free, text.length());
   std::copy(text.begin(), text.end(), m_free);

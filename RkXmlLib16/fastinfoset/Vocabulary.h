@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -98,9 +99,10 @@ class RKXML_EXPORT CFIStringTable {
   void HashNewEntries() const;
 
   std::vector<std::wstring_view, CHugePageAllocator<std::wstring_view>> m_entries;  // texts in the blocks
-  std::vector<std::vector<wchar_t, CHugePageAllocator<wchar_t>>> m_blocks;
+  std::vector<std::unique_ptr<wchar_t[], CFreeMemory>> m_blocks;
   wchar_t* m_free = nullptr;  // the rest of the last block
   std::size_t m_freeLength = 0;
+  std::size_t m_nextBlockLength;
   std::uint64_t m_hashSeed;
   mutable CFIIndexHash m_hash;         // reading never asks it, so it is filled by the first lookup
   mutable unsigned long m_hashed = 0;  // entries that it has seen

@@ -1,11 +1,7 @@
 #include "RkXmlLib16/xml/internal/Arena.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <new>
 #include <utility>
-
-#include "RkXmlLib16/support/HugePages.h"
 
 namespace RkXmlLib16 {
 
@@ -16,8 +12,6 @@ constexpr std::size_t kLargestChunk = 8 * 1024 * 1024;
 
 }  // namespace
 
-void CArena::FreeMemory::operator()(unsigned char* memory) const noexcept { std::free(memory); }
-
 void CArena::AddChunk(std::size_t atLeast) {
   Chunk chunk = std::move(m_spare);
   m_spare.size = 0;
@@ -25,8 +19,7 @@ void CArena::AddChunk(std::size_t atLeast) {
     // Chunks double, so that small documents stay small and large ones need few.
     std::size_t size = m_chunks.empty() ? kFirstChunk : std::min(2 * m_chunks.back().size, kLargestChunk);
     size = std::max(size, atLeast);
-    chunk.memory.reset(static_cast<unsigned char*>(AllocateOfHugePages(size)));
-    if (chunk.memory == nullptr) throw std::bad_alloc();
+    chunk.memory = MakeRoomOfHugePages<unsigned char>(size);
     chunk.size = size;
   }
   m_chunks.push_back(std::move(chunk));

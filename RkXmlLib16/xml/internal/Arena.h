@@ -6,6 +6,8 @@
 #include <memory>
 #include <vector>
 
+#include "RkXmlLib16/support/HugePages.h"
+
 namespace RkXmlLib16 {
 
 // Memory that is handed out front to back and freed as a whole, or back to a mark. What lies in it is never destroyed,
@@ -50,11 +52,8 @@ class CArena {
   static constexpr std::size_t RoundUp(std::size_t size) noexcept { return (size + 7) & ~std::size_t{7}; }
   void AddChunk(std::size_t atLeast);
 
-  struct FreeMemory {
-    void operator()(unsigned char* memory) const noexcept;
-  };
   struct Chunk {
-    std::unique_ptr<unsigned char, FreeMemory> memory;
+    std::unique_ptr<unsigned char[], CFreeMemory> memory;
     std::size_t size;
   };
 
