@@ -1,7 +1,6 @@
 #ifndef RKXMLLIB16_SUPPORT_STRINGBUFFER_H
 #define RKXMLLIB16_SUPPORT_STRINGBUFFER_H
 
-#include <algorithm>
 #include <cwchar>
 #include <memory>
 #include <string>
@@ -31,21 +30,7 @@ class RKXML_EXPORT CStringBuffer {
   void Append(std::wstring_view text) {
     if (text.size() > m_capacity - m_used) return AppendInPieces(text);
     if (text.empty()) return;
-    Copy(m_current + m_used, text);
-    m_used += text.size();
-  }
-  // Appends the text `count` times.
-  void AppendRepeated(std::wstring_view text, unsigned long count) {
-    wchar_t* to = Reserve(text.size() * count);
-    if (text.size() == 1) return Commit(std::fill_n(to, count, text.front()));
-    while (count-- > 0) to = Copy(to, text);
-    Commit(to);
-  }
-  // Copies the text, which is mostly short, and returns the end of the copy.
-  static wchar_t* Copy(wchar_t* to, std::wstring_view text) {
-    if (text.size() > 4) return std::wmemcpy(to, text.data(), text.size()) + text.size();
-    for (const wchar_t c : text) *to++ = c;
-    return to;
+    Commit(CopyShort(m_current + m_used, text));
   }
   void Append(wchar_t character) {
     if (m_used == m_capacity) AddNewBlock(m_blockSize);
@@ -83,6 +68,13 @@ class RKXML_EXPORT CStringBuffer {
     unsigned long capacity;
     unsigned long used = 0;  // once another block follows
   };
+
+  // Copies the text, which is mostly short, and returns the end of the copy.
+  static wchar_t* CopyShort(wchar_t* to, std::wstring_view text) {
+    if (text.size() > 4) return std::wmemcpy(to, text.data(), text.size()) + text.size();
+    for (const wchar_t c : text) *to++ = c;
+    return to;
+  }
 
   static Block MakeBlock(unsigned long capacity);
   void AddNewBlock(unsigned long capacity);

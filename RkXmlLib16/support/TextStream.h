@@ -30,7 +30,6 @@ class RKXML_EXPORT CTextStream {
   void Append(const wchar_t* text) { m_text.Append(text); }
   void Append(const std::wstring& text) { m_text.Append(text); }
   void Append(std::wstring_view text) { m_text.Append(text); }
-  void AppendRepeated(std::wstring_view text, unsigned long count) { m_text.AppendRepeated(text, count); }
   wchar_t* Reserve(unsigned long count) { return m_text.Reserve(count); }
   void Commit(const wchar_t* end) noexcept { m_text.Commit(end); }
   unsigned long GetLength() const noexcept { return m_text.GetLength(); }
