@@ -59,7 +59,7 @@ void CXmlGeneratedClass::WriteElement(CXmlWriter* writer, bool registerNamespace
     if (registerNamespaces) WriteRootPrologue(*writer, context);
     // Most elements are in the namespace of their class, whose text is at hand.
     const wchar_t* const uri = TextOrEmpty(namespaceUri);
-    if (info.GetNamespace().c_str() == uri || std::wcscmp(info.GetNamespace().c_str(), uri) == 0)
+    if (std::wcscmp(info.GetNamespace().c_str(), uri) == 0)
       writer->WriteStartElement(GetElementNameRef(), info.GetNamespace());
     else
       writer->WriteStartElement(GetElementNameRef(), uri);
