@@ -251,6 +251,7 @@ class RKXML_EXPORT CXmlDocument {
   CXmlElement* GetDocumentElement() const noexcept { return m_documentElement; }
   const CSerializationContext& GetContext() const noexcept { return *m_context; }
   SchemaType GetSchemaType() const noexcept { return m_schemaType; }
+  bool HasElementFilter() const noexcept { return m_filter != nullptr; }
   // The bytes being read; for the readers, during a load only.
   const unsigned char* GetInput() const noexcept { return m_input; }
   std::size_t GetInputLength() const noexcept { return m_inputLength; }

@@ -17,6 +17,7 @@
 #include "RkXmlLib16/core/ReadLimits.h"
 #include "RkXmlLib16/core/SerializationContext.h"
 #include "RkXmlLib16/support/Format.h"
+#include "RkXmlLib16/support/HugePages.h"
 #include "RkXmlLib16/xml/ElementTree.h"
 
 namespace RkXmlLib16 {
@@ -102,7 +103,7 @@ thread_local std::uint64_t heapCalls = 0;
 
 void* CountingMalloc(std::size_t size) {
   ++heapCalls;
-  return std::malloc(size);
+  return AllocateOfHugePages(size);
 }
 
 void* CountingRealloc(void* memory, std::size_t size) {
@@ -380,13 +381,15 @@ bool CExpatReader::Parser::IsUtf16(const CXmlDocument& document) {
   return bytes[0] >= 0xFE || bytes[0] == 0 || bytes[1] == 0;
 }
 
-// expat copies what it is given and scans a token that is cut off again from its start. Pieces bound the copy, and that
-// they grow with what was read bounds the scanning.
+// expat copies what it is given, and counts the lines of every piece but the last, so a document whose tree takes more
+// anyway is one piece. Where a filter keeps the tree small, smaller pieces bound the copy; that they grow with what was
+// read bounds the scanning, because a token that was cut off is scanned again from its start.
 void CExpatReader::Parser::Feed(bool isFinal) {
   const auto* bytes = reinterpret_cast<const char*>(document.GetInput());
   const std::size_t length = document.GetInputLength();
+  const std::size_t smallest = document.HasElementFilter() || !isFinal ? kSmallestPiece : kLargestPiece;
   for (std::size_t done = 0;;) {
-    const std::size_t piece = std::min({length - done, std::max(kSmallestPiece, done / 8), kLargestPiece});
+    const std::size_t piece = std::min({length - done, std::max(smallest, done / 8), kLargestPiece});
     const XML_Status status =
         XML_Parse(expat, bytes + done, static_cast<int>(piece), isFinal && done + piece == length);
     done += piece;
