@@ -3,26 +3,45 @@
 #include <algorithm>
 #include <cstring>
 
+#include "RkXmlLib16/support/WideText.h"
+
 namespace RkXmlLib16 {
 
 namespace {
 
 constexpr std::size_t kFirstBlockLength = 128;
 constexpr std::size_t kMaxBlockLength = kHugePage / sizeof(wchar_t);
-constexpr std::uint64_t kHashFactor = 0x9E3779B97F4A7C15u;
 constexpr std::wstring_view kXmlPrefix = L"xml";
 constexpr std::wstring_view kXmlNamespaceName = L"http://www.w3.org/XML/1998/namespace";
 
-std::size_t HashParts(const CQNameParts& name) {
-  // The indices have at most 21 bits each; the multiplication spreads them over the whole word.
-  const std::uint64_t joined = static_cast<std::uint64_t>(name.m_prefixIndex) << 42 ^
-                               static_cast<std::uint64_t>(name.m_namespaceNameIndex) << 21 ^ name.m_localNameIndex;
-  return (joined * kHashFactor) >> 16;
+// The indices have at most 21 bits each.
+CFIKey KeyOf(const CQNameParts& name) {
+  return {static_cast<std::uint64_t>(name.m_prefixIndex) << 42 |
+          static_cast<std::uint64_t>(name.m_namespaceNameIndex) << 21 | name.m_localNameIndex};
 }
+
+bool IsAlreadyWhole(unsigned long) { return true; }
 
 }  // namespace
 
-void CFIIndexHash::Insert(std::size_t hash, unsigned long index) {
+CFIKey CFIIndexHash::KeyOf(std::wstring_view text) const noexcept {
+  CFIKey key;
+  if (WideText::PackEight(text, key.octets)) {
+    key.length = static_cast<std::uint32_t>(text.length());
+    return key;
+  }
+  key.octets = m_seed ^ text.length();
+  for (; text.length() >= 2; text.remove_prefix(2)) {
+    std::uint64_t pair;
+    std::memcpy(&pair, text.data(), sizeof pair);
+    key.octets = Mix(key.octets, pair);
+  }
+  if (!text.empty()) key.octets = Mix(key.octets, static_cast<std::uint32_t>(text.front()));
+  key.length = CFIKey::kHashed;
+  return key;
+}
+
+void CFIIndexHash::Insert(const CFIKey& key, unsigned long index) {
   if ((m_count + 1) * 2 > m_slots.size()) {
     decltype(m_slots) old(std::max<std::size_t>(16, m_slots.size() * 2));
     old.swap(m_slots);
@@ -30,20 +49,18 @@ void CFIIndexHash::Insert(std::size_t hash, unsigned long index) {
       if (slot.index != 0) Place(slot);
     }
   }
-  Place({Mix(hash), static_cast<std::uint32_t>(index)});
+  Place({key.octets, key.length, static_cast<std::uint32_t>(index)});
   ++m_count;
 }
 
-void CFIIndexHash::Place(Slot slot) {
+void CFIIndexHash::Place(const Slot& slot) {
   const std::size_t mask = m_slots.size() - 1;
-  std::size_t at = slot.hash & mask;
+  std::size_t at = Mix(m_seed, slot.octets) & mask;
   while (m_slots[at].index != 0) at = (at + 1) & mask;
   m_slots[at] = slot;
 }
 
-// The seed is an address, so that colliding texts cannot be made up beforehand.
-CFIStringTable::CFIStringTable()
-    : m_nextBlockLength(kFirstBlockLength), m_hashSeed(reinterpret_cast<std::uintptr_t>(this) * kHashFactor) {}
+CFIStringTable::CFIStringTable() : m_nextBlockLength(kFirstBlockLength) {}
 
 CFIStringTable::CFIStringTable(const CFIStringTable& other) : CFIStringTable() {
   m_entries.reserve(other.m_entries.size());
@@ -57,7 +74,6 @@ CFIStringTable& CFIStringTable::operator=(const CFIStringTable& other) {
   std::swap(m_free, copy.m_free);
   std::swap(m_freeLength, copy.m_freeLength);
   std::swap(m_nextBlockLength, copy.m_nextBlockLength);
-  std::swap(m_hashSeed, copy.m_hashSeed);
   std::swap(m_hash, copy.m_hash);
   std::swap(m_hashed, copy.m_hashed);
   return *this;
@@ -65,40 +81,27 @@ CFIStringTable& CFIStringTable::operator=(const CFIStringTable& other) {
 
 CFIStringTable::~CFIStringTable() = default;
 
-std::size_t CFIStringTable::Hash(std::wstring_view text) const noexcept {
-  std::uint64_t hash = m_hashSeed ^ text.length();
-  const auto mix = [&hash](std::uint64_t next) {
-    hash = (hash ^ next) * kHashFactor;
-    hash ^= hash >> 32;
-  };
-  for (; text.length() >= 2; text.remove_prefix(2)) {
-    std::uint64_t pair;
-    std::memcpy(&pair, text.data(), sizeof pair);
-    mix(pair);
-  }
-  if (!text.empty()) mix(static_cast<std::uint32_t>(text.front()));
-  return hash;
-}
+CFIKey CFIStringTable::KeyOf(std::wstring_view text) const noexcept { return m_hash.KeyOf(text); }
 
-unsigned long CFIStringTable::Find(std::wstring_view text) const { return Find(text, Hash(text)); }
+unsigned long CFIStringTable::Find(std::wstring_view text) const { return Find(text, KeyOf(text)); }
 
-unsigned long CFIStringTable::Find(std::wstring_view text, std::size_t hash) const {
+unsigned long CFIStringTable::Find(std::wstring_view text, const CFIKey& key) const {
   HashNewEntries();
-  return m_hash.Find(hash, [&](unsigned long index) { return (*this)[index] == text; });
+  return m_hash.Find(key, [&](unsigned long index) { return (*this)[index] == text; });
 }
 
 unsigned long CFIStringTable::Add(std::wstring_view text) {
-  const std::size_t hash = Hash(text);
-  const unsigned long index = Find(text, hash);
+  const CFIKey key = KeyOf(text);
+  const unsigned long index = Find(text, key);
   if (index != 0 || size() >= FI_MAX_TABLE_ENTRIES) return index;
-  AddNew(text, hash);
+  AddNew(text, key);
   return size();
 }
 
-void CFIStringTable::AddNew(std::wstring_view text, std::size_t hash) {
+void CFIStringTable::AddNew(std::wstring_view text, const CFIKey& key) {
   HashNewEntries();
   Append(text);
-  m_hash.Insert(hash, size());
+  m_hash.Insert(key, size());
   m_hashed = size();
 }
 
@@ -120,29 +123,26 @@ void CFIStringTable::Append(std::wstring_view text) {
 void CFIStringTable::HashNewEntries() const {
   for (; m_hashed < size(); ++m_hashed) {
     const std::wstring_view text = (*this)[m_hashed + 1];
-    const std::size_t hash = Hash(text);
-    if (m_hash.Find(hash, [&](unsigned long index) { return (*this)[index] == text; }) == 0) {
-      m_hash.Insert(hash, m_hashed + 1);
+    const CFIKey key = KeyOf(text);
+    if (m_hash.Find(key, [&](unsigned long index) { return (*this)[index] == text; }) == 0) {
+      m_hash.Insert(key, m_hashed + 1);
     }
   }
 }
 
 unsigned long CFIQNameTable::Find(const CQNameParts& name) const {
-  const auto find = [this](const CQNameParts& wanted) {
-    return m_hash.Find(HashParts(wanted), [&](unsigned long index) { return (*this)[index] == wanted; });
-  };
   for (; m_hashed < size(); ++m_hashed) {
-    const CQNameParts& entry = m_entries[m_hashed];
-    if (find(entry) == 0) m_hash.Insert(HashParts(entry), m_hashed + 1);
+    const CFIKey key = KeyOf(m_entries[m_hashed]);
+    if (m_hash.Find(key, IsAlreadyWhole) == 0) m_hash.Insert(key, m_hashed + 1);
   }
-  return find(name);
+  return m_hash.Find(KeyOf(name), IsAlreadyWhole);
 }
 
 unsigned long CFIQNameTable::Add(const CQNameParts& name) {
   const unsigned long index = Find(name);
   if (index != 0 || size() >= FI_MAX_TABLE_ENTRIES) return index;
   m_entries.push_back(name);
-  m_hash.Insert(HashParts(name), size());
+  m_hash.Insert(KeyOf(name), size());
   m_hashed = size();
   return size();
 }

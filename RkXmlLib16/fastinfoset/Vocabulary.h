@@ -17,33 +17,52 @@ namespace RkXmlLib16 {
 // The most entries that a vocabulary table holds (ITU-T X.891 clause 7.13.7); a full table takes no more.
 constexpr unsigned long FI_MAX_TABLE_ENTRIES = 1048576;
 
-// Finds the index of an entry by the hash of its key; the keys themselves stay with their owner. Open addressing.
+// What an entry is found by: all of it where eight octets hold that, else a hash.
+struct CFIKey {
+  static constexpr std::uint32_t kHashed = UINT32_MAX;
+
+  std::uint64_t octets = 0;
+  std::uint32_t length = 0;  // of a text that the octets hold, or kHashed
+};
+
+// Finds the index of an entry by its key; what only a hash stands for stays with its owner. Open addressing.
 class CFIIndexHash {
  public:
-  // The index inserted with this hash for which `matches(index)` is true, or 0.
+  // The seed is an address, so that colliding entries cannot be made up beforehand.
+  CFIIndexHash() noexcept : m_seed(reinterpret_cast<std::uintptr_t>(this) * kFactor) {}
+
+  CFIKey KeyOf(std::wstring_view text) const noexcept;
+  // The index inserted with this key, or 0. `matches(index)` tells whether that is the entry, where a hash does not.
   template <class Matches>
-  unsigned long Find(std::size_t hash, Matches&& matches) const {
+  unsigned long Find(const CFIKey& key, Matches&& matches) const {
     if (m_slots.empty()) return 0;
     const std::size_t mask = m_slots.size() - 1;
-    for (std::size_t at = Mix(hash) & mask;; at = (at + 1) & mask) {
+    for (std::size_t at = Mix(m_seed, key.octets) & mask;; at = (at + 1) & mask) {
       const Slot& slot = m_slots[at];
       if (slot.index == 0) return 0;
-      if (slot.hash == Mix(hash) && matches(slot.index)) return slot.index;
+      if (slot.octets == key.octets && slot.length == key.length &&
+          (key.length != CFIKey::kHashed || matches(slot.index)))
+        return slot.index;
     }
   }
-  void Insert(std::size_t hash, unsigned long index);
-  std::size_t GetCount() const noexcept { return m_count; }
+  void Insert(const CFIKey& key, unsigned long index);
 
  private:
   struct Slot {
-    std::uint32_t hash = 0;
+    std::uint64_t octets = 0;
+    std::uint32_t length = 0;
     std::uint32_t index = 0;  // 0 marks a free slot
   };
-  static std::uint32_t Mix(std::size_t hash) noexcept { return static_cast<std::uint32_t>(hash ^ (hash >> 32)); }
-  void Place(Slot slot);
+  static constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15u;
+  static std::uint64_t Mix(std::uint64_t hash, std::uint64_t next) noexcept {
+    hash = (hash ^ next) * kFactor;
+    return hash ^ hash >> 32;
+  }
+  void Place(const Slot& slot);
 
   std::vector<Slot, CHugePageAllocator<Slot>> m_slots;  // a power of two, at most half of it in use
   std::size_t m_count = 0;
+  std::uint64_t m_seed;
 };
 
 // One table of strings: index to text for reading, text to index for writing. Indices count from 1; 0 never names an
@@ -82,11 +101,11 @@ class RKXML_EXPORT CFIStringTable {
   unsigned long Add(std::wstring_view text);
   // Adds the text under the next index even when it is present already, unless the table is full.
   void Append(std::wstring_view text);
-  // Find and Add in steps that hash the text once: `hash` is what Hash returned. AddNew is for a text that Find did not
-  // find and that the table has room for.
-  std::size_t Hash(std::wstring_view text) const noexcept;
-  unsigned long Find(std::wstring_view text, std::size_t hash) const;
-  void AddNew(std::wstring_view text, std::size_t hash);
+  // Find and Add in steps that make the key of the text once. AddNew is for a text that Find did not find and that the
+  // table has room for.
+  CFIKey KeyOf(std::wstring_view text) const noexcept;
+  unsigned long Find(std::wstring_view text, const CFIKey& key) const;
+  void AddNew(std::wstring_view text, const CFIKey& key);
 
   // The text of an index from 1 to size().
   std::wstring_view operator[](unsigned long index) const noexcept { return m_entries[index - 1]; }
@@ -103,7 +122,6 @@ class RKXML_EXPORT CFIStringTable {
   wchar_t* m_free = nullptr;  // the rest of the last block
   std::size_t m_freeLength = 0;
   std::size_t m_nextBlockLength;
-  std::uint64_t m_hashSeed;
   mutable CFIIndexHash m_hash;         // reading never asks it, so it is filled by the first lookup
   mutable unsigned long m_hashed = 0;  // entries that it has seen
 };

@@ -563,23 +563,23 @@ void CFastInfosetWriter::NonIdentifyingStringOrIndexBit1(std::wstring_view text,
   if (text.empty()) return Integer0To2pw20Bit2(FastInfoset::kValueIndexBit, 0);
   CFIStringTable& values = m_vocabulary.GetAttributeValuesTable();
   const bool isShort = text.length() < m_fiContext.GetAttributeMaxAddLength();
-  const std::size_t hash = isShort ? values.Hash(text) : 0;
+  const CFIKey key = isShort ? values.KeyOf(text) : CFIKey();
   if (isShort) {
-    if (const unsigned long index = values.Find(text, hash))
+    if (const unsigned long index = values.Find(text, key))
       return Integer0To2pw20Bit2(FastInfoset::kValueIndexBit, index);
   }
   const EncodedCharacterString encoding = ChooseEncoding(text, type, /*isContent=*/false);
   const bool add = isShort && !IsFloating(encoding) && values.size() < FI_MAX_TABLE_ENTRIES;
   EncodedCharacterStringBit3(add ? FastInfoset::kValueAddBit : kNoAddBit, text, encoding);
-  if (add) values.AddNew(text, hash);
+  if (add) values.AddNew(text, key);
 }
 
 void CFastInfosetWriter::NonIdentifyingStringOrIndexBit3(std::wstring_view text, ItemType type) {
   CFIStringTable& chunks = m_vocabulary.GetCharacterChunksTable();
   const bool isShort = text.length() < m_fiContext.GetElementMaxAddLength();
-  const std::size_t hash = isShort ? chunks.Hash(text) : 0;
+  const CFIKey key = isShort ? chunks.KeyOf(text) : CFIKey();
   if (isShort) {
-    if (const unsigned long index = chunks.Find(text, hash)) {
+    if (const unsigned long index = chunks.Find(text, key)) {
       return Integer1To2pw20Bit4(FastInfoset::kChunk | FastInfoset::kChunkIndexBit, index);
     }
   }
@@ -587,7 +587,7 @@ void CFastInfosetWriter::NonIdentifyingStringOrIndexBit3(std::wstring_view text,
   const bool add = isShort && !IsFloating(encoding) && chunks.size() < FI_MAX_TABLE_ENTRIES;
   const unsigned char addBit = add ? FastInfoset::kChunkAddBit : kNoAddBit;
   EncodedCharacterStringBit5(FastInfoset::kChunk | addBit, text, encoding);
-  if (add) chunks.AddNew(text, hash);
+  if (add) chunks.AddNew(text, key);
 }
 
 // The encoding that the settings ask for, with its octets in m_typedOctets, or UTF-8 where that one would change the

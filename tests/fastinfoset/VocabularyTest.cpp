@@ -1,5 +1,8 @@
 #include "RkXmlLib16/fastinfoset/Vocabulary.h"
 
+#include <string>
+#include <vector>
+
 #include "Expect.h"
 #include "RkXmlLib16/fastinfoset/Context.h"
 
@@ -37,6 +40,21 @@ TEST(FastInfosetVocabulary, AppendingTakesANewIndexAndLookupTheFirst) {
   std::wstring all;
   for (const auto& [text, number] : table) all += std::wstring(text) + std::to_wstring(number);
   EXPECT_TEXT(L"a1b2a3c4", all);
+}
+
+// Texts up to eight characters below U+0100 are told apart otherwise than all others.
+TEST(FastInfosetVocabulary, SimilarTextsAreDifferentEntries) {
+  std::vector<std::wstring> texts = {L"", std::wstring(1, L'\0'), std::wstring(2, L'\0'), std::wstring(9, L'\0')};
+  for (const wchar_t last :
+       {L'a', L'\0', L'\x1', L'\xFF', L'\x100', L'\x161', L'\x10061', L'\x7FFFFFFF', L'\x80000061'})
+    for (std::size_t length = 1; length <= 18; ++length) {
+      texts.push_back(std::wstring(length, L'b') + last);
+      texts.push_back(last + std::wstring(length, L'b'));
+    }
+  CFIStringTable table;
+  for (std::size_t round = 0; round < 2; ++round)
+    for (std::size_t i = 0; i < texts.size(); ++i) EXPECT_EQ(i + 1, table.Add(texts[i])) << i;
+  for (std::size_t i = 0; i < texts.size(); ++i) EXPECT_EQ(i + 1, CFIStringTable(table).Find(texts[i])) << i;
 }
 
 TEST(FastInfosetVocabulary, AFullTableTakesNoMore) {
