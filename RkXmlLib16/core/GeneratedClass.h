@@ -86,7 +86,8 @@ class RKXML_EXPORT CXmlGeneratedClass : public CXmlObjectBase {
  private:
   void WriteElement(CXmlWriter* writer, bool registerNamespaces, const wchar_t* namespaceUri,
                     const CSerializationContext& context, bool isOptionalChoice) const;
-  void WriteContent(CXmlWriter* writer, const CSerializationContext& context, bool isOptionalChoice) const;
+  void WriteContent(CXmlWriter* writer, const CSerializationContext& context,
+                    const RkXmlLib16Data::CParentElementInfo& info, bool isOptionalChoice) const;
   void ProcessAttributesToXml(const CSerializationContext& context, RkXmlLib16Data::CElementInfo** elementInfos,
                               RkXmlLib16Data::CAttributeInfo** attributeInfos, CXmlWriter* writer) const;
   void ProcessElementSeqToXml(const CSerializationContext& context, RkXmlLib16Data::CElementInfo** infos,

@@ -70,13 +70,12 @@ void CXmlGeneratedClass::WriteElement(CXmlWriter* writer, bool registerNamespace
   if (nil)
     writer->WriteAttributeNil();
   else
-    WriteContent(writer, context, isOptionalChoice);
+    WriteContent(writer, context, info, isOptionalChoice);
   if (ownElement) writer->WriteEndElement();
 }
 
 void CXmlGeneratedClass::WriteContent(CXmlWriter* writer, const CSerializationContext& context,
-                                      bool isOptionalChoice) const {
-  const CParentElementInfo& info = *GetClassInfo();
+                                      const CParentElementInfo& info, bool isOptionalChoice) const {
   CElementInfo** const infos = GetClassElementInfo();
   switch (info.GetGroupType()) {
     case XmlElementGroupType_Sequence:
