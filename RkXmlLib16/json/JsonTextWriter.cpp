@@ -71,11 +71,15 @@ bool IsStrictLiteral(std::wstring_view text) { return text == L"true" || text ==
 CJsonTextWriter::CJsonTextWriter(CTextStream& stream) : m_stream(stream) {}
 CJsonTextWriter::~CJsonTextWriter() = default;
 
-void CJsonTextWriter::SetIndentChars(const wchar_t* text) { m_indentChars = text != nullptr ? text : L""; }
+void CJsonTextWriter::SetIndentChars(const wchar_t* text) {
+  m_indentChars = text != nullptr ? text : L"";
+  m_lineStart.clear();
+}
 
 void CJsonTextWriter::SetEOLType(EOLType type) {
   m_eol = LineEnd(type);
   m_eolType = type;
+  m_lineStart.clear();
 }
 
 void CJsonTextWriter::Open() {
@@ -90,12 +94,12 @@ void CJsonTextWriter::Close() {
 
 void CJsonTextWriter::WriteStartDocument() {
   Put(L"{");
-  PutLine();
+  Put(LineStart(0));
   FlushWhenFull();
 }
 
 void CJsonTextWriter::WriteEndDocument() {
-  PutLine();
+  Put(LineStart(0));
   Put(L"}");
   FlushWhenFull();
 }
@@ -106,6 +110,12 @@ void CJsonTextWriter::WriteIndent(int level) {
 }
 
 void CJsonTextWriter::WriteOpenBrackets(CXmlWriterContext& context) {
+  OpenBrackets(context);
+  Put(LineStart(0));
+  FlushWhenFull();
+}
+
+void CJsonTextWriter::OpenBrackets(CXmlWriterContext& context) {
   if (m_valuePending) {
     if (m_itemPending) SeparateItem(context);
     CXmlWriterContext* owner = context.m_parent.get();
@@ -115,8 +125,6 @@ void CJsonTextWriter::WriteOpenBrackets(CXmlWriterContext& context) {
   } else {
     m_stream.Append(L',');
   }
-  PutLine();
-  FlushWhenFull();
 }
 
 void CJsonTextWriter::WriteValue(const std::wstring& text, ItemType type) {
@@ -186,12 +194,13 @@ void CJsonTextWriter::WriteStartElement(const std::wstring& localName, const std
   if (root) context.m_depth = 1;  // the braces of the document are level 0
 
   if (undecided) return;
+  const std::wstring_view start = root ? Indent(context.m_depth) : LineStart(context.m_depth);
   if (root && keyHasPrefix) {
     DeclareNamespaces();
   } else if (!item) {
-    PutKey(context.m_depth, {}, keyHasPrefix ? *FindElementPrefix(namespaceUri) : kNone, localName);
+    PutKey(start, {}, keyHasPrefix ? *FindElementPrefix(namespaceUri) : kNone, localName);
   } else {
-    PutIndent(context.m_depth);
+    Put(start);
   }
   FlushWhenFull();
 }
@@ -200,11 +209,11 @@ void CJsonTextWriter::WriteStartElement(const std::wstring& localName, const std
 void CJsonTextWriter::DeclareNamespaces() {
   CXmlWriterContext& root = *m_context;
   if (const std::wstring* known = FindElementPrefix(root.m_namespaceUri)) {
-    PutKey(root.m_depth, {}, *known, root.m_localName);
+    PutKey(Indent(root.m_depth), {}, *known, root.m_localName);
   } else {
     bool invented;
     const std::wstring& prefix = RequirePrefix(root.m_namespaceUri, invented);
-    PutKey(root.m_depth, {}, prefix, root.m_localName);
+    PutKey(Indent(root.m_depth), {}, prefix, root.m_localName);
     WriteNamespaceMember(prefix, root.m_namespaceUri);
   }
   if (!root.GetDefaultNamespace().empty()) WriteNamespaceMember(kNone, root.GetDefaultNamespace());
@@ -244,9 +253,8 @@ void CJsonTextWriter::WriteEndElement() {
   CXmlWriterContext& context = *m_context;
   CloseArray(context, Top(), true);
   if (!m_valuePending) {
-    PutLine();
-    PutIndent(context.m_depth);
-    Put(L"}");
+    Put(LineStart(context.m_depth));
+    m_stream.Append(L'}');
   } else if (m_textPending) {
     if (m_itemPending) WriteItemAsMember(context);
     if (m_text.empty()) {
@@ -323,8 +331,7 @@ void CJsonTextWriter::OpenArray(CXmlWriterContext& item, CXmlWriterContext& owne
   if (m_format) {
     ++item.m_depth;
     ++owner.m_depth;
-    PutLine();
-    PutIndent(item.m_depth);
+    Put(LineStart(item.m_depth));
   }
 }
 
@@ -335,8 +342,7 @@ void CJsonTextWriter::CloseArray(CXmlWriterContext& owner, Frame& frame, bool at
   frame.arrayOpen = false;
   if (owner.m_state == ContextState_ArrayOpen) owner.m_state = ContextState_CollectionStart;
   if (m_format) {
-    PutLine();
-    PutIndent(owner.m_depth);
+    Put(LineStart(owner.m_depth));
     --owner.m_depth;
     if (atEnd && !m_strict && owner.m_parent != nullptr) --owner.m_parent->m_depth;
   }
@@ -348,7 +354,7 @@ void CJsonTextWriter::OpenMember() {
     m_textPending = false;
     if (!m_text.empty()) WriteTextMember(m_text, m_textType);
   }
-  WriteOpenBrackets(*m_context);
+  OpenBrackets(*m_context);
 }
 
 // A member of the open element with nothing but a value.
@@ -357,15 +363,12 @@ void CJsonTextWriter::WriteMember(std::wstring_view marker, const std::wstring& 
   CloseArray(*m_context, Top(), false);
   const bool isFurther = !m_valuePending && !m_textPending;
   if (!isFurther) OpenMember();
-  const std::int64_t level = m_context->m_depth + 1;
+  const std::wstring_view start = LineStart(m_context->m_depth + 1);
   const bool isShort = value.size() <= kShortText;
-  wchar_t* to = m_stream.Reserve(1 + m_eol.size() + IndentLength(level) + KeyLength(marker, prefix, localName) +
+  wchar_t* to = m_stream.Reserve(1 + start.size() + KeyLength(marker, prefix, localName) +
                                  (isShort ? value.size() * kLongestEscape + 2 : 0));
-  if (isFurther) {
-    *to++ = L',';
-    if (m_format) to = WideText::Copy(to, m_eol);
-  }
-  to = PutKey(PutIndent(to, level), marker, prefix, localName);
+  if (isFurther) *to++ = L',';
+  to = CopyKey(WideText::Copy(to, start), marker, prefix, localName);
   if (isShort) to = PutShortValue(to, value, quoted);
   m_stream.Commit(to);
   if (isShort)
@@ -376,9 +379,8 @@ void CJsonTextWriter::WriteMember(std::wstring_view marker, const std::wstring& 
 
 void CJsonTextWriter::SeparateItem(const CXmlWriterContext& item) {
   m_itemPending = false;
-  Put(L",");
-  PutLine();
-  PutIndent(item.m_depth);
+  m_stream.Append(L',');
+  Put(LineStart(item.m_depth));
 }
 
 // Takes an item out of the array that it would have continued: a member with a key of its own.
@@ -387,13 +389,13 @@ void CJsonTextWriter::WriteItemAsMember(CXmlWriterContext& item) {
   CloseArray(owner, Owner(), false);
   item.m_depth = owner.m_depth + 1;
   SeparateItem(item);
-  PutKey(0, {}, kNone, item.m_localName);
+  PutKey({}, {}, kNone, item.m_localName);
 }
 
 void CJsonTextWriter::WriteTextMember(const std::wstring& text, ItemType type) {
   CloseArray(*m_context, Top(), false);
-  WriteOpenBrackets(*m_context);
-  PutIndent(m_context->m_depth + 1);
+  OpenBrackets(*m_context);
+  Put(LineStart(m_context->m_depth + 1));
   Put(m_roundTrip == JsonRoundTrip_Plain ? L"\"\": " : L"\"#text\": ");
   WriteValue(text, type);
 }
@@ -401,9 +403,9 @@ void CJsonTextWriter::WriteTextMember(const std::wstring& text, ItemType type) {
 void CJsonTextWriter::WriteNamespaceMember(const std::wstring& prefix, const std::wstring& namespaceUri) {
   OpenMember();
   if (prefix.empty())
-    PutKey(m_context->m_depth + 1, L"@", kNone, L"xmlns");
+    PutKey(LineStart(m_context->m_depth + 1), L"@", kNone, L"xmlns");
   else
-    PutKey(m_context->m_depth + 1, L"@", L"xmlns", prefix);
+    PutKey(LineStart(m_context->m_depth + 1), L"@", L"xmlns", prefix);
   Put(L"\"");
   m_stream.Commit(PutName(m_stream.Reserve(namespaceUri.size() * kLongestEscape), namespaceUri));
   Put(L"\"");
@@ -423,26 +425,26 @@ void CJsonTextWriter::RequireOpenElement() const {
   if (m_context == nullptr) throw CRkException(L"No Element is open.");
 }
 
-void CJsonTextWriter::PutLine() {
-  if (m_format) Put(m_eol);
+inline std::wstring_view CJsonTextWriter::LineStart(std::int64_t level) {
+  if (!m_format) return {};
+  const std::size_t length = m_eol.size() + (level > 0 ? m_indentChars.size() * static_cast<std::size_t>(level) : 0);
+  if (m_lineStart.size() < length) GrowLineStart(length);
+  return {m_lineStart.data(), length};
 }
 
-std::size_t CJsonTextWriter::IndentLength(std::int64_t level) const {
-  return m_format && level > 0 ? m_indentChars.size() * static_cast<std::size_t>(level) : 0;
+inline std::wstring_view CJsonTextWriter::Indent(std::int64_t level) {
+  return m_format ? LineStart(level).substr(m_eol.size()) : std::wstring_view();
 }
 
-void CJsonTextWriter::PutIndent(std::int64_t level) {
-  m_stream.Commit(PutIndent(m_stream.Reserve(IndentLength(level)), level));
+void CJsonTextWriter::GrowLineStart(std::size_t length) {
+  if (m_lineStart.empty()) m_lineStart = m_eol;
+  while (m_lineStart.size() < length) m_lineStart += m_indentChars;
 }
 
-inline wchar_t* CJsonTextWriter::PutIndent(wchar_t* to, std::int64_t level) const {
-  return m_format && level > 0 ? WideText::Repeat(to, m_indentChars, static_cast<std::size_t>(level)) : to;
-}
-
-void CJsonTextWriter::PutKey(std::int64_t level, std::wstring_view marker, const std::wstring& prefix,
+void CJsonTextWriter::PutKey(std::wstring_view start, std::wstring_view marker, const std::wstring& prefix,
                              const std::wstring& localName) {
-  wchar_t* const to = m_stream.Reserve(IndentLength(level) + KeyLength(marker, prefix, localName));
-  m_stream.Commit(PutKey(PutIndent(to, level), marker, prefix, localName));
+  wchar_t* const to = m_stream.Reserve(start.size() + KeyLength(marker, prefix, localName));
+  m_stream.Commit(CopyKey(WideText::Copy(to, start), marker, prefix, localName));
 }
 
 inline std::size_t CJsonTextWriter::KeyLength(std::wstring_view marker, const std::wstring& prefix,
@@ -450,8 +452,8 @@ inline std::size_t CJsonTextWriter::KeyLength(std::wstring_view marker, const st
   return marker.size() + (prefix.size() + localName.size()) * kLongestEscape + 5;
 }
 
-inline wchar_t* CJsonTextWriter::PutKey(wchar_t* to, std::wstring_view marker, const std::wstring& prefix,
-                                        const std::wstring& localName) const {
+inline wchar_t* CJsonTextWriter::CopyKey(wchar_t* to, std::wstring_view marker, const std::wstring& prefix,
+                                         const std::wstring& localName) const {
   *to++ = L'"';
   to = WideText::Copy(to, marker);
   if (!prefix.empty()) {

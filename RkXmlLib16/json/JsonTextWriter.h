@@ -92,6 +92,7 @@ class RKXML_EXPORT CJsonTextWriter : public CXmlWriter {
   bool ContinuesArray(const std::wstring& localName, const std::wstring& namespaceUri);
   void OpenArray(CXmlWriterContext& item, CXmlWriterContext& owner);
   void CloseArray(CXmlWriterContext& owner, Frame& frame, bool atEnd);
+  void OpenBrackets(CXmlWriterContext& context);
   void OpenMember();
   void SeparateItem(const CXmlWriterContext& item);
   void WriteItemAsMember(CXmlWriterContext& item);
@@ -108,17 +109,19 @@ class RKXML_EXPORT CJsonTextWriter : public CXmlWriter {
   bool NeedsQuotes(const std::wstring& text, ItemType type) const;
 
   void Put(std::wstring_view text) { m_stream.Append(text); }
-  void PutLine();
-  void PutIndent(std::int64_t level);
-  // The indentation and the key of a member.
-  void PutKey(std::int64_t level, std::wstring_view marker, const std::wstring& prefix, const std::wstring& localName);
+  // The line end and the indentation of a level, or the latter alone; empty when the output is one line. Good until the
+  // next one.
+  std::wstring_view LineStart(std::int64_t level);
+  std::wstring_view Indent(std::int64_t level);
+  void GrowLineStart(std::size_t length);
+  // The key of a member, behind the start of its line.
+  void PutKey(std::wstring_view start, std::wstring_view marker, const std::wstring& prefix,
+              const std::wstring& localName);
   void PutEscaped(std::wstring_view text);
-  std::size_t IndentLength(std::int64_t level) const;
   std::size_t KeyLength(std::wstring_view marker, const std::wstring& prefix, const std::wstring& localName) const;
   // Write to `to` and return the end.
-  wchar_t* PutIndent(wchar_t* to, std::int64_t level) const;
-  wchar_t* PutKey(wchar_t* to, std::wstring_view marker, const std::wstring& prefix,
-                  const std::wstring& localName) const;
+  wchar_t* CopyKey(wchar_t* to, std::wstring_view marker, const std::wstring& prefix,
+                   const std::wstring& localName) const;
   wchar_t* PutShortValue(wchar_t* to, const std::wstring& text, bool quoted) const;
   wchar_t* PutName(wchar_t* to, const std::wstring& name) const;
   wchar_t* PutEscapedShort(wchar_t* to, std::wstring_view text) const;
@@ -127,6 +130,7 @@ class RKXML_EXPORT CJsonTextWriter : public CXmlWriter {
 
   std::wstring m_indentChars = L"\t";
   std::wstring m_eol = L"\n";
+  std::wstring m_lineStart;  // the line end and the indentation of the deepest level so far
   EOLType m_eolType = EOLType_LF;
   JsonRoundTrip m_roundTrip = JsonRoundTrip_Namespaces;
   bool m_format = true;
