@@ -41,24 +41,14 @@ inline bool IsEqual(std::wstring_view a, std::wstring_view b) {
 inline bool PackEight(std::wstring_view text, std::uint64_t& octets) {
   const std::size_t length = text.size();
   if (length > 8) return false;
-  if (length < 4) {
-    octets = 0;
-    std::uint32_t seen = 0;
-    for (std::size_t i = 0; i < length; ++i) {
-      const auto c = static_cast<std::uint32_t>(text[i]);
-      seen |= c;
-      octets |= std::uint64_t{c} << 8 * i;
-    }
-    return seen < 0x100;
+  octets = 0;
+  std::uint32_t seen = 0;
+  for (std::size_t i = 0; i < length; ++i) {
+    const auto c = static_cast<std::uint32_t>(text[i]);
+    seen |= c;
+    octets |= std::uint64_t{c} << 8 * i;
   }
-  const __m128i first = LoadFour(text.data());
-  const __m128i last = LoadFour(text.data() + length - 4);
-  const __m128i high = _mm_srli_epi32(_mm_or_si128(first, last), 8);
-  if (_mm_movemask_epi8(_mm_cmpeq_epi32(high, _mm_setzero_si128())) != 0xFFFF) return false;
-  const __m128i units = _mm_packs_epi32(first, last);
-  const auto both = static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_packus_epi16(units, units)));
-  octets = (both & UINT32_MAX) | both >> 32 << 8 * (length - 4);
-  return true;
+  return seen < 0x100;
 }
 
 // These write to `to`, which does not overlap with the text, and return the end.
