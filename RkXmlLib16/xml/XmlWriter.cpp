@@ -83,6 +83,7 @@ struct CXmlWriter::CXmlWriterContext::Scope {
     firstFree = around != nullptr ? around->firstFree : 0;
     givenAway = around != nullptr && around->givenAway;
     if (around != nullptr) SetDefault(around->defaultNamespace);
+    if (around != nullptr) replaced = around->replaced;
     if (level == kFewScopes && index == nullptr) BuildIndex();
   }
 
@@ -95,6 +96,7 @@ struct CXmlWriter::CXmlWriterContext::Scope {
     LeaveIndex();
     spare.merge(declared);
     declared.clear();
+    replaced.reset();
     lastFound = nullptr;
     merged.reset();
   }
@@ -151,11 +153,27 @@ struct CXmlWriter::CXmlWriterContext::Scope {
     return false;
   }
 
+  // The namespace of a prefix that stays declared in the document, although its namespace has got another one.
+  const std::wstring* FindReplaced(const std::wstring& prefix) const {
+    if (replaced == nullptr) return nullptr;
+    const auto found = replaced->find(prefix);
+    return found != replaced->end() ? &found->second : nullptr;
+  }
+
+  void KeepReplaced(const std::wstring& prefix, const std::wstring& namespaceUri) {
+    if (replaced == nullptr)
+      replaced = std::make_shared<PrefixMap>();
+    else if (replaced.use_count() != 1)
+      replaced = std::make_shared<PrefixMap>(*replaced);
+    replaced->emplace(prefix, namespaceUri);
+  }
+
   // `reserved` is not taken either.
   std::wstring UniquePrefix(const std::wstring& reserved) {
     std::wstring prefix = NsIntToString(firstFree);
     while (HasPrefix(prefix)) prefix = NsIntToString(++firstFree);
-    for (int n = firstFree; prefix == reserved || HasPrefix(prefix);) prefix = NsIntToString(++n);
+    for (int n = firstFree; prefix == reserved || FindReplaced(prefix) != nullptr || HasPrefix(prefix);)
+      prefix = NsIntToString(++n);
     return prefix;
   }
 
@@ -197,8 +215,11 @@ struct CXmlWriter::CXmlWriterContext::Scope {
     return *declared.insert(std::move(entry)).position;
   }
 
+  using PrefixMap = std::map<std::wstring, std::wstring>;
+
   int level = 0;
   bool givenAway = false;
+  std::shared_ptr<PrefixMap> replaced;         // shared with scopes inside
   NamespaceMap spare;                          // entries to use again
   DeclarationIndex* index = nullptr;           // null while a search is quick
   std::unique_ptr<DeclarationIndex> ownIndex;  // the same where it begins
@@ -324,8 +345,11 @@ bool CXmlWriter::DeclareNamespace(const std::wstring& prefix, const std::wstring
   if (m_context != nullptr) {
     const std::wstring* known = m_context->FindPrefix(namespaceUri);
     if (known != nullptr && *known == prefix) return true;
+    const std::wstring* const replaced = m_context->m_scope->FindReplaced(prefix);
+    if (replaced != nullptr) return *replaced == namespaceUri;
     // The start tag may use a prefix that a later declaration for its namespace took out of the scope.
     if (m_context->HasPrefix(prefix) || m_context->m_prefix == prefix) return false;
+    if (known != nullptr && !known->empty()) m_context->OwnScope().KeepReplaced(*known, namespaceUri);
     AddNamespace(L"xmlns", XMLNS_NAMESPACE);
   }
   WriteAttributeString(prefix, XMLNS_NAMESPACE, namespaceUri, ItemType_string);

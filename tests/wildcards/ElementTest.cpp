@@ -35,6 +35,11 @@ TEST(Element, WritesTheInfosetThatItRead) {
        L"<a xmlns:p=\"urn:p\" xmlns:q=\"urn:q\"><b>/p:x/q:y</b></a>"},
       {L"<a xmlns:p='urn:p' xmlns:i='http://www.w3.org/2001/XMLSchema-instance' i:type='p:T' t='i:nil'/>",
        L"<a xmlns:i=\"http://www.w3.org/2001/XMLSchema-instance\" xmlns:p=\"urn:p\" i:type=\"p:T\" t=\"i:nil\"/>"},
+      // Two of one namespace, each once and neither for another namespace below.
+      {L"<p:a xmlns:p='urn:p' xmlns:AA='urn:p' r='p:x' s='AA:y'><b xmlns='urn:b' t='p:z'/></p:a>",
+       L"<p:a xmlns:p=\"urn:p\" xmlns:AA=\"urn:p\" r=\"p:x\" s=\"AA:y\"><AB:b xmlns:AB=\"urn:b\" t=\"p:z\"/></p:a>"},
+      {L"<a xmlns:AA='urn:p' xmlns:AB='urn:p' r='AA:x' s='AB:y'><b xmlns='urn:b' t='AB:z'/></a>",
+       L"<a xmlns:AB=\"urn:p\" xmlns:AA=\"urn:p\" r=\"AA:x\" s=\"AB:y\"><AC:b xmlns:AC=\"urn:b\" t=\"AB:z\"/></a>"},
   };
   for (const auto& [read, written] : kRows) EXPECT_TEXT(written, Rewritten(read));
 }

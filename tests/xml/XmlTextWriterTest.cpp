@@ -194,6 +194,7 @@ TEST(XmlTextWriter, DeclaresThePrefixOfAStartTagForNothingElse) {
                 Replay(w, L"<r{u1} <c{u1}");
                 EXPECT_TRUE(w.DeclareNamespace(L"A", L"u1"));
                 EXPECT_FALSE(w.DeclareNamespace(L"AA", L"u2"));
+                EXPECT_TRUE(w.DeclareNamespace(L"AA", L"u1"));  // it is, still
                 for (const wchar_t* never : {L"", L"xml", L"xmlns"})
                   EXPECT_FALSE(w.DeclareNamespace(never, L"u2")) << never;
                 Replay(w, L">>");
