@@ -86,7 +86,7 @@ CFIKey CFIStringTable::KeyOf(std::wstring_view text) const noexcept { return m_h
 unsigned long CFIStringTable::Find(std::wstring_view text) const { return Find(text, KeyOf(text)); }
 
 unsigned long CFIStringTable::Find(std::wstring_view text, const CFIKey& key) const {
-  HashNewEntries();
+  if (m_hashed != size()) HashNewEntries();
   return m_hash.Find(key, [&](unsigned long index) { return (*this)[index] == text; });
 }
 
@@ -99,7 +99,7 @@ unsigned long CFIStringTable::Add(std::wstring_view text) {
 }
 
 void CFIStringTable::AddNew(std::wstring_view text, const CFIKey& key) {
-  HashNewEntries();
+  if (m_hashed != size()) HashNewEntries();
   Append(text);
   m_hash.Insert(key, size());
   m_hashed = size();
