@@ -207,8 +207,8 @@ struct RKXML_HIDDEN CExpatReader::Parser {
   const bool isUtf16;  // expat takes a NUL behind a high surrogate, where text then ends
   XML_Parser expat = nullptr;
   std::exception_ptr failure;
-  std::wstring buffer;  // for names on their way into the document
-  wchar_t blanks[64];   // of the current element, on their way behind its text
+  std::wstring buffer;      // for names on their way into the document
+  wchar_t blanks[64] = {};  // of the current element, on their way behind its text
   std::size_t blankCount = 0;
   UriEntry uris[16];
   const CXmlName* localNames[256] = {};
