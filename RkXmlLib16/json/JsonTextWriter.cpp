@@ -244,7 +244,6 @@ void CJsonTextWriter::WriteString(const std::wstring& text, ItemType type) {
     m_textType = type;
   } else {
     WriteTextMember(text, type);
-    FlushWhenFull();
   }
 }
 
@@ -266,7 +265,7 @@ void CJsonTextWriter::WriteEndElement() {
     if (m_itemPending) SeparateItem(context);
     Put(L"{}");
   }
-  m_valuePending = m_itemPending = m_textPending = false;
+  m_valuePending = m_textPending = false;
   PopContext();
   --m_frameCount;
   FlushWhenFull();
@@ -337,7 +336,6 @@ void CJsonTextWriter::OpenArray(CXmlWriterContext& item, CXmlWriterContext& owne
 
 // Closes the array of `owner`, if one is open: at the end of the owner, or before a member that is not its item.
 void CJsonTextWriter::CloseArray(CXmlWriterContext& owner, Frame& frame, bool atEnd) {
-  if (owner.m_state == ContextState_CollectionEnd) owner.m_state = ContextState_None;
   if (!frame.arrayOpen) return;
   frame.arrayOpen = false;
   if (owner.m_state == ContextState_ArrayOpen) owner.m_state = ContextState_CollectionStart;

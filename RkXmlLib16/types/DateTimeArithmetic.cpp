@@ -56,7 +56,7 @@ class CDateTimeFields {
     const Wide yearIndex = Calendar::FloorDiv(months, 12);
     m_date.year = static_cast<long long>(Calendar::YearFromIndex(yearIndex));
     m_date.month = static_cast<int>(months - yearIndex * 12) + 1;
-    m_date.day = std::clamp(m_date.day, 1, Calendar::DaysInMonth(m_date.year, m_date.month));
+    m_date.day = std::min(m_date.day, Calendar::DaysInMonth(m_date.year, m_date.month));
 
     const Wide nanos =
         m_nano + sign * (span.GetMilliSeconds() * 1000000LL + span.GetMicroSeconds() * 1000LL + span.GetNanoSeconds());
