@@ -83,7 +83,7 @@ TEST(JsonTextReader, ResolvesEscapes) {
       {L"\\uD83D\\uDE00", L"\U0001F600"}, {L"\\ud83d", L"\uFFFD"},
       {L"\\ud83dx", L"\uFFFDx"},          {L"\\ude00\\ud83d", L"\uFFFD\uFFFD"},
       {L"\\ud83d\\u0041", L"\uFFFDA"},    {L"\\ud83d\\ud83d\\ude00", L"\uFFFD\U0001F600"},
-      {L"\\ud83d\\n", L"\uFFFD\n"},
+      {L"\\ud83d\\n", L"\uFFFD\n"},       {L"\\u0041\\ude00", L"A\uFFFD"},
   };
   for (const auto& [json, text] : kRows)
     EXPECT_TEXT(std::wstring(L"('") + text + L"' )", Events(std::wstring(L"\"") + json + L"\""));
@@ -105,6 +105,7 @@ TEST(JsonTextReader, MalformedTextFailsWithPlaceAndPath) {
       {LR"({"a":{"b":1 "c")", L"Expected Object separator character ',', found '\"'", L"0, position 13", L".a"},
       {LR"({"a":[)", L"EOF. Expected Array terminator character ']'", L"0, position 6", L".a[0]"},
       {LR"({"a":[{},{"b":[1)", L"EOF. Expected Array terminator character ']'", L"0, position 16", L".a[1].b[0]"},
+      {LR"({"a":012})", L"Expected Object separator character ',', found '1'", L"0, position 7", L""},
       {LR"({"a":[1 2]})", L"Expected Array separator character ',', found '2'", L"0, position 9", L".a[0]"},
       {LR"({"a":"x)", L"EOF. Expected string value", L"0, position 7", L".a"},
       {L"{\"a\":\"\nx\\", L"EOF. Expected string value", L"1, position 2", L".a"},

@@ -48,9 +48,9 @@ TEST(JsonTextWriter, WritesTheThreeRoundTripModes) {
   const auto order = [](CJsonTextWriter& w) {
     w.SetDefaultNamespace(L"urn:d");
     w.AddNamespace(L"p", L"urn:p");
-    Replay(w,
-           L"<order{urn:d} @id=#7 @lang{http://www.w3.org/XML/1998/namespace}=en <name{urn:p}'x'>"
-           L"[ <item{urn:d} <n{urn:d} #1>> <item{urn:d} <n{urn:d} #2>> ]>");
+    Replay(w, L"<order{urn:d} @id=#7 @lang{http://www.w3.org/XML/1998/namespace}=en");
+    w.WriteTextElement(L"name", L"urn:p", L"x", ItemType_string);
+    Replay(w, L"[ <item{urn:d} <n{urn:d} #1>> <item{urn:d} <n{urn:d} #2>> ]>");
   };
   EXPECT_TEXT(
       LR"({"order": {"@xmlns": "urn:d","@xmlns:p": "urn:p","@id": 7,"@xml:lang": "en","p:name": "x",)"
@@ -72,9 +72,11 @@ TEST(JsonTextWriter, UsesTheSettingsOfFormatting) {
   writer.WriteStartDocument();
   Replay(writer, L"<r 'a\nb'>");
   writer.WriteComment(L"c\n\"");
+  writer.WriteIndent(2);
+  writer.WriteIndent(-1);
   writer.WriteEndDocument();
   writer.Close();
-  EXPECT_TEXT(L"{\r\n  \"r\": \"a\r\nb\"/* c\r\n\" */\r\n\r\n}", stream.GetText());
+  EXPECT_TEXT(L"{\r\n  \"r\": \"a\r\nb\"/* c\r\n\" */\r\n    \r\n}", stream.GetText());
 }
 
 TEST(JsonTextWriter, TypesDecideAboutQuotes) {
@@ -88,6 +90,7 @@ TEST(JsonTextWriter, TypesDecideAboutQuotes) {
       {L".5", ItemType_decimal, false, true},
       {L"5.", ItemType_decimal, false, true},
       {L"1.5E-05", ItemType_float, false, false},
+      {L"1E-400", ItemType_double, false, false},
       {L"1e", ItemType_double, false, true},
       {L"INF", ItemType_double, false, true},
       {L"NaN", ItemType_float, false, true},
@@ -109,6 +112,10 @@ TEST(JsonTextWriter, StringsKeepQuotesBackslashesAndTabsIntended) {
   const std::wstring text = L"\"\\/\b\f\n\r\t\x01\x1F\x7F\u00E9";
   EXPECT_TEXT(L"{\"r\": \"\"\\/\b\f\n\t\\u0001\\u001F\x7F\u00E9\"}", WriteLeaf({}, text));
   EXPECT_TEXT(L"{\"r\": \"\\\"\\\\/\\b\\f\\n\\r\\t\\u0001\\u001F\x7F\u00E9\"}", WriteLeaf(kStrict, text));
+  for (const std::size_t length : {1u, 100u}) {
+    const std::wstring bare = std::wstring(length, L'1') + L"\r\x01";
+    EXPECT_TEXT(L"{\"r\": " + bare + L"}", WriteLeaf({}, bare + std::wstring(1, L'\0') + L"2", ItemType_int));
+  }
 }
 
 TEST(JsonTextWriter, EscapesAndEndsStringsAtEveryPlace) {
@@ -129,8 +136,8 @@ TEST(JsonTextWriter, EscapesAndEndsStringsAtEveryPlace) {
 }
 
 TEST(JsonTextWriter, KeysAreNotEscapedIntended) {
-  EXPECT_TEXT(LR"({"a"b": "x"})", Write({}, L"<a\"b 'x'>"));
-  EXPECT_TEXT(LR"({"a\"b": "x"})", Write(kStrict, L"<a\"b 'x'>"));
+  EXPECT_TEXT(L"{\"a\"\x01\": \"x\"}", Write({}, L"<a\"\x01 'x'>"));
+  EXPECT_TEXT(LR"({"a\"\u0001": "x"})", Write(kStrict, L"<a\"\x01 'x'>"));
 }
 
 TEST(JsonTextWriter, NothingIsAKeyWithoutValueIntended) {
@@ -141,6 +148,11 @@ TEST(JsonTextWriter, NothingIsAKeyWithoutValueIntended) {
               Write(kStrict, [](CJsonTextWriter& w) {
                 Replay(w, L"<c nil>");
                 w.WriteComment(L"gone");
+              }));
+  EXPECT_TEXT(LR"({"c": {"@xmlns:i": "http://www.w3.org/2001/XMLSchema-instance","@i:nil": true}})",
+              Write(kStrict, [](CJsonTextWriter& w) {
+                w.AddNamespace(L"i", CXmlWriter::XSI_NAMESPACE);
+                Replay(w, L"<c nil>");
               }));
 }
 
@@ -153,6 +165,7 @@ TEST(JsonTextWriter, ShapesOfTextAndCollections) {
   const Rows<const char*, Wide, Wide, Wide> kRows = {
       {"text beside an attribute", L"@a=1 't'", LR"({"@a": "1","#text": "t"})", LR"({"a": "1","": "t"})"},
       {"text before a child", L"'t' <c #1>", LR"({"#text": "t","c": 1})", LR"({"": "t","c": 1})"},
+      {"text behind an empty piece", L"'' #12", L"12", L"12"},
       {"text in two pieces", L"#1 #2", LR"("12")", LR"("12")"},
       {"a collection of plain values is repeated members", L"[<v #1><v #2>] <e #3>", LR"({"v": 1,"v": 2,"e": 3})",
        LR"({"v": 1,"v": 2,"e": 3})"},
@@ -199,6 +212,8 @@ TEST(JsonTextWriter, IndentsAnArrayAndWhatFollowsIt) {
         w.AddNamespace(L"p", L"urn:p");
         Replay(w, L"<r @a=#1 [<i <n #1>> <i 't'> <i>] <e #2>>");
       }));
+  EXPECT_TEXT(L"{\n\t\"r\": {\n\t\t\"i\": [\n\t\t\t{\n\t\t\t\t\"n\": 1\n\t\t\t}\n\t\t],\n\t\t\"i\": \"t\"\n\t}\n}",
+              Write({JsonRoundTrip_Plain, true}, L"<r [<i <n #1>> <i 't'>]>"));
 }
 
 // An array that is last takes one level of indentation from what follows its owner.
@@ -226,10 +241,25 @@ TEST(JsonTextWriter, NamespacesNeedAPrefixBelowTheRoot) {
   EXPECT_TEXT(LR"({"r": {"@e": "v"}})", Write({JsonRoundTrip_Markers}, L"<r :e{urn:x} @e{urn:x}=v>"));
 }
 
+TEST(JsonTextWriter, EveryCallFlushesAFullStream) {
+  using W = CJsonTextWriter;
+  const auto script = [](std::wstring text) { return [text](W& w) { Replay(w, text); }; };
+  const std::wstring longText(100, L'1');
+  W::CXmlWriterContext open(L"", L"", L"", {}, nullptr);
+  ExpectFlushes<W>({&W::WriteStartDocument, &W::WriteStartDocument, [](W& w) { w.WriteIndent(1); }, script(L"<r"),
+                    script(L"@a=1"), script(L"@b=" + longText), script(L"<c"), script(L"'t'>"), script(L"'t'"),
+                    script(L"''"), [](W& w) { w.WriteTextElement(L"e", L"", L"", ItemType_int); },
+                    [](W& w) { w.WriteValue(L"1", ItemType_int); }, [&](W& w) { w.WriteValue(longText, ItemType_int); },
+                    [&](W& w) { w.WriteOpenBrackets(open); }, [](W& w) { w.WriteComment(L""); }, script(L">"),
+                    &W::WriteEndDocument});
+}
+
 TEST(JsonTextWriter, MisuseThrows) {
   CTextStream stream;
   CJsonTextWriter writer(stream);
   writer.Open();
+  Replay(writer, L"''");
+  EXPECT_TEXT(L"", stream.GetText());
   for (const wchar_t* call : {L">", L"'x'", L"@a=x"})
     EXPECT_THROWS(CRkException, L"No Element is open.", Replay(writer, call));
   writer.WriteStartElement(L"r", L"");

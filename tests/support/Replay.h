@@ -1,10 +1,15 @@
 #ifndef RKXMLLIB16_TESTS_SUPPORT_REPLAY_H
 #define RKXMLLIB16_TESTS_SUPPORT_REPLAY_H
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
+#include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "RkXmlLib16/support/TextStream.h"
 #include "RkXmlLib16/xml/XmlWriter.h"
 
 namespace RkXmlTest {
@@ -57,6 +62,24 @@ inline void Replay(RkXmlLib16::CXmlWriter& w, std::wstring_view script) {
     } else if (!skip(L' ') && upTo(L" >") == L"nil") {
       w.WriteAttributeNil();
     }
+  }
+}
+
+// Makes calls that write at least a character each. All have to flush their stream at 4096 characters, the first one no
+// sooner.
+template <class Writer>
+void ExpectFlushes(const std::vector<std::function<void(Writer&)>>& calls) {
+  RkXmlLib16::CUtf8TextStream stream;
+  Writer writer(stream);
+  writer.Open();
+  stream.Append(std::wstring(4000, L' '));
+  calls[0](writer);
+  EXPECT_LT(4000u, stream.GetLength());
+  for (std::size_t i = 1; i < calls.size(); ++i) {
+    stream.Flush();
+    stream.Append(std::wstring(4095, L' '));
+    calls[i](writer);
+    EXPECT_GT(4095u, stream.GetLength()) << i;
   }
 }
 

@@ -67,11 +67,11 @@ TEST(XmlTextWriter, EscapesTextAndAttributes) {
       {L"x<![CDATA[", L"x&lt;![CDATA[", L"x&lt;![CDATA["},
   };
   for (const auto& [value, text, attribute] : rows) {
-    const std::wstring written = Written([&](CXmlTextWriter& w) {
+    const std::wstring written = Written([raw = value](CXmlTextWriter& w) {
       w.SetEOLType(EOLType_CRLF);
       w.WriteStartElement(L"e", L"");
-      w.WriteAttributeString(L"a", L"", value, ItemType_string);
-      w.WriteString(value, ItemType_string);
+      w.WriteAttributeString(L"a", L"", raw, ItemType_string);
+      w.WriteString(raw, ItemType_string);
       w.WriteEndElement();
     });
     EXPECT_TEXT(std::wstring(L"<e a=\"") + attribute + L"\">" + text + L"</e>", written);
@@ -209,6 +209,17 @@ TEST(XmlTextWriter, KeepsTwoBlanksAfterAnInventedTypePrefixIntended) {
                 w.SetDefaultNamespace(L"d");
                 Replay(w, L"<r <a :T{t}> <b :T{d} nil>>");
               }));
+}
+
+TEST(XmlTextWriter, EveryCallFlushesAFullStream) {
+  using W = CXmlTextWriter;
+  const auto script = [](std::wstring text) { return [text](W& w) { Replay(w, text); }; };
+  ExpectFlushes<W>(
+      {&W::WriteStartDocument, &W::WriteStartDocument, [](W& w) { w.WriteHeaderDirective(L"<!D>"); },
+       [](W& w) { w.WriteComment(L""); }, [](W& w) { w.WritePI(L"<?p?>"); }, script(L"<r"), script(L"@a=1"),
+       script(L"@b=" + std::wstring(100, L'1')), script(L":T"), script(L"nil"), script(L"'t'"),
+       [](W& w) { w.WriteRawElement(L"<x/>"); }, [](W& w) { w.WriteInlineSchema(L"<s/>"); },
+       [](W& w) { w.WriteTextElement(L"e", L"", L"1", ItemType_int); }, script(L"<c"), script(L">"), script(L">")});
 }
 
 TEST(XmlTextWriter, RefusesMisuse) {
