@@ -90,8 +90,10 @@ TEST(FastInfosetReader, Failures) {
       {"00 3C 00 61 BC FF", index4},           // no such form
       {"00 3C 41 61 FF", length2},
       {"00 7C 00 61 78 00 62 49 61 FF", length5},
-      {"00 3C 00 61 88 08 12 FF", alphabet},                   // alphabet 3
-      {"00 3C 00 61 8C 28 12 FF", L"Unknown byte encoding."},  // algorithm 11
+      {"00 3C 00 61 88 08 12 FF", alphabet},                               // alphabet 3
+      {"00 3C 00 61 8C 28 12 FF", L"Unknown byte encoding."},              // algorithm 11
+      {"00 3C 00 61 8D 0C 01 FF", L"Unknown byte encoding."},              // algorithm 68
+      {"00 7C 00 61 78 00 62 31 30 01 FF F0", L"Unknown byte encoding."},  // algorithm 20
       {"00 3C 00 61 8C 0C 01 FF", L"Invalid value for INT byte encoding."},
       {"00 E2 80 3C 00 61 FF", value},            // a comment that is not there
       {"00 38 CF 81 81 F0 3C 00 61 FF", index2},  // prefix 2
@@ -123,9 +125,23 @@ TEST(FastInfosetReader, InitialVocabularyListsAreReadPastIntended) {
   EXPECT_THROWS(CRkException, unknown, Read("20 00 80 00 00 62 3C 80 FF"));
   EXPECT_THROWS(CRkException, Message(L"Invalid Encoding of integers 0 To 2^20 type  on the second bit of an octet."),
                 Read("20 00 10 00 00 62 7C 00 61 78 00 63 80 FF F0"));
+  const Rows<const char*, Wide> ofOneItem = {
+      {"20 0C 00 00 00 62 00 00 63 3C 00 61 FF", L"a()"},     // alphabets, algorithms
+      {"20 00 40 00 00 62 E1 80 00 6E 3C 00 61 FF", L"a()"},  // other names
+      {"20 00 20 00 00 62 C6 80 F0 3C 00 61 FF", L"a()"},     // other URIs
+      {"20 00 10 00 00 62 7C 00 61 78 00 62 40 63 78 00 63 81 FF F0", L"a@b=c@c=c()"},
+      {"20 00 08 00 00 62 3C 00 61 90 78 A1 FF", L"a(xx)"},
+      {"20 00 04 00 00 62 E2 80 3C 00 61 FF", L"a()"},  // other strings
+      {"20 00 02 00 00 80 3C 00 61 01 FF F0", L"a()<a()>"},
+      {"20 00 01 00 00 80 7C 00 61 78 00 62 40 63 F0 40 01 80 FF FF", L"a@b=c()<a@b=c()>"},
+  };
+  for (const auto& [octets, tree] : ofOneItem) EXPECT_TEXT(tree, Read(octets)) << octets;
+  for (const char* const octets : {"20 00 08 00 00 62 3C 00 61 90 78 A0 FF", "20 00 02 00 00 80 3C 00 61 00 FF F0",
+                                   "20 00 01 00 00 80 7C 00 61 78 00 62 40 63 F0 40 00 80 FF FF"})
+    EXPECT_THROW(Read(octets), CRkException) << octets;
   // The length of a longer list is read before every item, so such a list is misread, and no index is trusted then.
   EXPECT_TEXT(L"a()", Read("20 00 80 01 00 62 01 00 63 3C 00 61 FF"));
-  EXPECT_THROWS(CRkException, unknown, Read("20 00 80 01 00 62 01 00 63 3C 00 61 3C 80 FF F0"));
+  EXPECT_THROWS(CRkException, unknown, Read("20 00 80 01 00 62 01 00 63 3C 00 61 3C 81 FF F0"));
   EXPECT_THROW(Read("20 03 88 00 00 70 00 05 75 72 6E 3A 70 6F 01 00 61 00 62 01 02 6F 6E 65 02 74 77 6F "
                     "38 CF 81 81 F0 3F 81 81 80 A1 FF"),
                CRkException);

@@ -20,6 +20,18 @@ using namespace RkXmlTest;
 
 namespace {
 
+// Characters above U+FFFF lose their high bits.
+std::string Utf16(const std::wstring& text, bool bigEndian) {
+  std::string bytes;
+  for (const wchar_t c : text) {
+    const char low = static_cast<char>(c);
+    const char high = static_cast<char>(c >> 8);
+    bytes += bigEndian ? high : low;
+    bytes += bigEndian ? low : high;
+  }
+  return bytes;
+}
+
 TEST(Reading, BuildsTheTree) {
   CSerializationContext raw;
   raw.SetStripCDATA(false);
@@ -114,22 +126,20 @@ TEST(Reading, AcceptsAllByteForms) {
     EXPECT_THROWS(CRkException, L"not well-formed (invalid token) at line 1",
                   document.LoadXmlStream(data.GetData(), data.GetLength() - 1));
   }
-  for (const bool bigEndian : {false, true}) {
-    std::string bytes;
-    for (const wchar_t c : L"\xFEFF" + xml) {
-      const char low = static_cast<char>(c);
-      const char high = static_cast<char>(c >> 8);
-      bytes += bigEndian ? high : low;
-      bytes += bigEndian ? low : high;
-    }
-    EXPECT_TEXT(tree, TreeOf(bytes));
-  }
+  for (const bool bigEndian : {false, true}) EXPECT_TEXT(tree, TreeOf(Utf16(L"\xFEFF" + xml, bigEndian)));
+  unsigned char byte = '<';
+  CXmlDocument document;
+  EXPECT_THROWS(CRkException, L"unclosed token at line 1", document.LoadXmlStream(&byte, 1));
 }
 
 TEST(Reading, TextEndsAtANulThatTheParserLetsThrough) {
+  const std::wstring xml = L"<a>x\xD85B\x10000y<b>z</b></a>";
+  const std::wstring tree = L"a(x\xD85B)<b(z)>";
   CXmlDocument document;
-  document.LoadXml(L"<a>x\xD85B\x10000y<b>z</b></a>");
-  EXPECT_TEXT(L"a(x\xD85B)<b(z)>", TreeOf(document));
+  document.LoadXml(xml.c_str());
+  EXPECT_TEXT(tree, TreeOf(document));
+  for (const bool bigEndian : {false, true})
+    for (const wchar_t* const mark : {L"\xFEFF", L""}) EXPECT_TEXT(tree, TreeOf(Utf16(mark + xml, bigEndian)));
 }
 
 TEST(Reading, WideTextLosesHighBitsIntended) {
@@ -228,7 +238,7 @@ TEST(Reading, HoldsTheLimits) {
 
 TEST(Reading, BoundsWhatADtdCanDo) {
   const auto nested = [](int depth) {
-    std::string xml = "<!DOCTYPE a [<!ENTITY e0 'x'>";
+    std::string xml = "<!DOCTYPE a [<!ENTITY e0 '&#38;#120;'>";
     for (int i = 1; i <= depth; ++i) xml += "<!ENTITY e" + std::to_string(i) + " '&e" + std::to_string(i - 1) + ";'>";
     const std::string last = "&e" + std::to_string(depth) + ";";
     return xml + "]><a v='" + last + "'>" + last + "</a>";
@@ -276,11 +286,15 @@ TEST(Reading, FilterKeepsMemoryBounded) {
   xml += "<keep>end</keep></all>";
 
   seen = 0;
-  CXmlDocument document(+[](CXmlElement* element) {
+  const auto filter = +[](CXmlElement* element) {
     if (element->GetLocalName() == L"n") return false;
     if (element->GetLocalName() == L"record") ++seen;
     return element->GetLocalName() != L"keep";
-  });
+  };
+  CSerializationContext context;  // limits what the tree holds
+  context.GetLimits().SetMaxNodes(6);
+  context.GetLimits().SetMaxCharacters(600);
+  CXmlDocument document(filter, context);
   rusage before{};
   getrusage(RUSAGE_SELF, &before);
   Load(document, xml);
