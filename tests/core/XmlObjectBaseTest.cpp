@@ -103,6 +103,14 @@ TEST(ChoiceHelpers, ReadACollectionOnceAndCheckItsCount) {
   EXPECT_TEXT(L"b", current->GetLocalName().c_str());
   CXmlObjectBase::Choice_Read_Collection(&col, root, current, itemsRead, GetDefaultContext());
   EXPECT_EQ(0, itemsRead);  // nothing consumed, nothing checked
+  CElementCol rest(L"b", L"", 0, -1, L"##any", L"");
+  for (int round = 0; round < 2; ++round) {
+    CXmlObjectBase::Choice_Read_Collection(&rest, root, current, itemsRead, GetDefaultContext());
+    EXPECT_EQ(1, itemsRead);
+    EXPECT_EQ(1, rest.GetCount());
+    EXPECT_EQ(round == 0 ? nullptr : root->GetFirstElement(), current);
+    current = root->GetFirstElement();
+  }
 }
 
 TEST(SetterGuards, NameWhatIsWrong) {

@@ -136,10 +136,17 @@ TEST_F(ContentModelTest, InlineGroupsReadFromThePlaceOfTheirOwner) {
   const auto mandatory = [&](const Table& member, bool required) {
     return owner(MandatoryCls(L"g", 0, 0, kInline, required), NewChild(member));
   };
-  Classes() = {&group, &loose};
+  const Table all(ClassInfo(kAll, L"g", kInline),
+                  {Prim<CElementInfoAllPrimMnd>(L"a", 0), Prim<CElementInfoAllPrimMnd>(L"b", 1),
+                   new CElementInfoAllCol(L"n", L"", 2)},
+                  {}, {nullptr, nullptr, Ints(L"n", 0, 1)});
+  const Table choice(ClassInfo(kChoice, L"g", kInline), {Prim<CElementInfoChoicePrimOpt>(L"a", 0)});
+  Classes() = {&group, &loose, &all, &choice};
+  const Table inAll = owner(Cls(L"g", 0, 2, kInline));
+  const Table inChoice = owner(Cls(L"g", 0, 3, kInline));
   const Table required = mandatory(group, true);
   const Table notRequired = mandatory(loose, false);
-  const Table optional = owner(Cls(L"g", 0, 0, kInline));
+  const Table optional = owner(Cls(L"named", 0, 0, kInline));
   const Table repeated = owner(new CElementInfoSeqClsCol(L"g", L"", 0, kInline), [](RkVariant& value) {
     value.SetXmlCollection(new CTableCol(L"g", L"", 0, -1, CreateClass, 0, kInline));
   });
@@ -159,9 +166,13 @@ TEST_F(ContentModelTest, InlineGroupsReadFromThePlaceOfTheirOwner) {
        L"<r><a>1</a><b>2</b><a>3</a><b>4</b><z>5</z></r>"},
       {repeated, With(), L"<a>1</a><b>2</b><a>3</a>", Unread(L"a")},
       {repeated, With(), L"", L"<r/>"},
+      {inAll, With(), L"<a>1</a>", Unread(L"a")},
+      {inAll, With(kUnknownElements), L"<b>1</b><a>2</a><x/><z>3</z>", L"<r><a>2</a><b>1</b><z>3</z></r>"},
+      {inChoice, With(kUnknownElements), L"<z>3</z><a>1</a>", L"<r><z>3</z></r>"},
   };
   for (const auto& [table, context, content, outcome] : rows) EXPECT_TEXT(outcome, Content(table, content, context));
   EXPECT_EQ(nullptr, (*Read(optional, L"<r><z>3</z></r>"))[0].GetXmlObject().Get());
+  Read(inAll, L"<r><a>1</a><b>2</b><n>1</n><n>2</n></r>");  // only the writer counts
 
   // The attributes of the group stand on the owner's element.
   for (const Table* table : {&required, &optional, &repeated})

@@ -92,30 +92,33 @@ TEST_F(GeneratedClassTest, ErrorsCarryTheInnermostPath) {
 TEST_F(GeneratedClassTest, PrimitivesHonourFacetsDefaultsAndNil) {
   const CPrimitiveRestrictions atMost9(nullptr, -1, -1, nullptr, L"9", nullptr, nullptr, -1, -1, -1);
   const Table table(ClassInfo(kSequence, L"r"),
-                    {Prim<CElementInfoSeqPrimOpt>(L"a", 0, ItemType_int, /*nillable=*/true, L"5", atMost9),
+                    {Prim<CElementInfoSeqPrimOpt>(L"a", 0, ItemType_int, /*nillable=*/true, L"50", atMost9),
                      Enum<CElementInfoSeqEnumOpt>(L"e", 1, /*nillable=*/true, L"green"),
                      Prim<CElementInfoSeqPrimOpt>(L"s", 2, ItemType_string)});
   const auto xsi = [](const wchar_t* element) {
     return std::wstring(L"<r xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\">") + element + L"</r>";
   };
   const Rows<std::wstring, std::wstring> rows = {
-      {L"<r><a/><e/></r>", L"<r><a/><e/></r>"},  // a default is written as an empty element
-      {L"<r><a> 5 </a><e>red</e></r>", L"<r><a/><e>red</e></r>"},
+      {L"<r><a/><e/></r>", L"<r><a/><e/></r>"},  // a default is written as an empty element, unchecked
+      {L"<r><a> 50 </a><e>red</e></r>", L"<r><a/><e>red</e></r>"},
       {L"<r><e> red</e></r>", kNotRead + L"Unknown colour [ red]."},
       {L"<r><a>10</a></r>", kNotWritten + L"Invalid Value for a [10]"},
       {xsi(L"<a xsi:nil='TRUE'>8</a><e xsi:nil='1'/>"), L"<r/>"},  // the property is left as it was
       {xsi(L"<a xsi:nil='False'>8</a>"), L"<r><a>8</a></r>"},
       {xsi(L"<s xsi:nil='False'>8</s>"), L"<r><s>8</s></r>"},
+      {L"<r><a q='1'>8</a></r>", L"CRkException: Unexpected Attribute found.\nPath: /r/a/@q"},
       {xsi(L"<s xsi:nil='yes'/>"),
        L"CRkException: Invalid use of 'nil' attribute in non-nillable element.\nPath: /r/s"},
       {xsi(L"<a xsi:nil='yes'/>"),
        L"CRkException: Unexpected Value [yes] for 'nil' Attribute found.\nPath: /r/a/@xsi:nil"},
   };
   for (const auto& [xml, outcome] : rows) EXPECT_TEXT(outcome, Outcome(table, xml));
+  EXPECT_TEXT(L"<r><a>8</a></r>",
+              Outcome(table, L"<r><a q='1'>8</a></r>", With(&CSerializationContext::SetIgnoreUnknownAttributes)));
 
   const auto object = Read(table, L"<r><a/><e/></r>");
-  EXPECT_EQ(5, (*object)[0].GetI4());
-  EXPECT_TEXT(L"<r><a>5</a><e>green</e></r>",
+  EXPECT_EQ(50, (*object)[0].GetI4());
+  EXPECT_TEXT(L"<r><a>50</a><e>green</e></r>",
               Write(*object, With(&CSerializationContext::SetWriteDefaultElementValues)));
   (*object)[0].SetNil();
   (*object)[1].SetInvalid();
@@ -145,6 +148,10 @@ TEST_F(GeneratedClassTest, AttributesAreCheckedAsTheirRecordsSay) {
 
   const auto defaults = Read(table, L"<r q='1' o='2' c='red'/>");
   EXPECT_TEXT(L"<r q=\"1\"/>", Write(*defaults, With(&CSerializationContext::SetNoOptionalAttributeDefaultOutput)));
+  std::vector<CAttributeInfo*> many;
+  for (int i = 0; i < 100; ++i) many.push_back(Attribute(FormatString(L"a%d", i).c_str(), i, /*optional=*/i != 70));
+  EXPECT_TEXT(kNotRead + L"Failed to find the required Attribute [a70].",
+              Outcome(Table(ClassInfo(kSequence, L"r"), {}, many), L"<r a99='1'/>"));
 }
 
 TEST_F(GeneratedClassTest, AttributeWildcardTakesWhatItsConstraintAdmits) {

@@ -87,10 +87,7 @@ struct Case {
 
   // How writing the unset member fails.
   std::wstring Unset() const {
-    if (group == kChoice)
-      return kNotWritten +
-             L"This element is a choice, and as such must have at one (and only one) valid item, currently there "
-             L"are none set";
+    if (group == kChoice) return kNotWritten + kNoneSet;
     if (card == Card::Col) return kNotWritten + L"The Minimum number of [m] elements allowed in this collection is 1";
     return card == Card::Mnd ? kNotWritten + L"The Property [m] is mandatory, it may not be NULL" : L"nothing";
   }
@@ -172,6 +169,17 @@ TEST_P(RecordMatrix, RefusesToWriteAnUnsetMember) {
   const auto object = CTableClass::Create(table);
   if (GetParam().card != Card::Col) (*object)[0].SetInvalid();
   EXPECT_TEXT(GetParam().Unset(), Thrown([&] { Write(*object); }));
+}
+
+// A choice is written as optional by no record, though one inside a choice is read so.
+TEST_P(RecordMatrix, RefusesToWriteAnEmptyChoice) {
+  const Case& c = GetParam();
+  if (c.card == Card::Col || c.Is(kPrim) || c.Is(kEnum)) return;
+  static const Table choice(ClassInfo(kChoice, L"c"), {Prim<CElementInfoChoicePrimOpt>(L"a", 0)});
+  const Table table = c.NewTable();
+  const auto object = CTableClass::Create(table);
+  (*object)[0].SetXmlObject(CTableClass::Create(choice));
+  EXPECT_TEXT(kNotWritten + L"Failed to convert the element [c] to XML\n" + kNoneSet, Thrown([&] { Write(*object); }));
 }
 
 TEST_P(RecordMatrix, LeniencyAcceptsWhatItShould) {

@@ -93,6 +93,7 @@ TEST(Conversions, FloatingNumbersPrintAsPrintfDoes) {
   EXPECT_TEXT(L"-INF", CConversions::r4ToString(-std::numeric_limits<float>::infinity()));
   EXPECT_TEXT(L"1.797693134862316e+308", CConversions::r8ToString(std::numeric_limits<double>::max()));
   EXPECT_TEXT(L"2.50", CConversions::r8ToString(2.5, L"%.2f"));
+  EXPECT_TEXT(L"2.50", CConversions::r8ToString(2.5, L"%.2lf"));
   EXPECT_TEXT(L"50%", CConversions::r8ToString(2.5, L"50%%"));
   EXPECT_TEXT(L"100% of +2.5", CConversions::r4ToString(2.5F, L"100%% of %+g"));
   EXPECT_EQ(101U, CConversions::r8ToString(1e100, L"%.0f").size());  // never cut

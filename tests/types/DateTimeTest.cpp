@@ -130,6 +130,7 @@ TEST(DateTime, SettersValidateTheFieldsOfTheirType) {
   value.SetSecond(255);
   value.SetMilliSecond(1234);
   EXPECT_TEXT(L"-32768-200-99T00:00:255.1234", value.ToString());
+  EXPECT_EQ(0, value.GetDayOfYear());
 }
 
 TEST(DateTime, FieldsThatTheTypeLacksThrow) {
@@ -141,6 +142,7 @@ TEST(DateTime, FieldsThatTheTypeLacksThrow) {
   lacks(L"GetYear. Invalid Date Type: time.", [&] { time.GetYear(); });
   lacks(L"GetNanoSecond. Invalid Date Type: gDay.", [] { Date(L"---05").GetNanoSecond(); });
   lacks(L"GetMonth. Invalid Date Type: yearZero.", [] { CDateTime().SetMonth(1); });
+  lacks(L"GetDayOfYear. Invalid Date Type: gMonthDay.", [] { Date(L"--02-29").GetDayOfYear(); });
   lacks(L"GetDayOfWeek. Invalid Date Type: gYear.", [] { Date(L"2000").GetDayOfWeek(); });
   lacks(L"GetTime, Date Status must be dateTime or date. Invalid Date Type: time.", [&] { time.GetTime(); });
   EXPECT_THROWS(CRkInvalidValueException, L"TimeZone is not been used", time.GetZoneHour());
