@@ -128,11 +128,11 @@ class CElement::TreeWriter {
     struct Level {
       const CElement* element;
       std::size_t nextChild;
+      const Prefixes* declared;
     };
     std::vector<Level> open;
-    Start(top, isRoot);
-    m_declared = top.m_prefixes.get();
-    open.push_back({&top, 0});
+    Start(top, isRoot, nullptr);
+    open.push_back({&top, 0, top.m_prefixes.get()});
     while (!open.empty()) {
       const CElement& parent = *open.back().element;
       if (open.back().nextChild == parent.m_children.size()) {
@@ -143,8 +143,9 @@ class CElement::TreeWriter {
       const std::size_t index = open.back().nextChild++;
       const CElement& child = *parent.m_children[index];
       MarkRun(parent, index);
-      Start(child, false);
-      open.push_back({&child, 0});
+      const Prefixes* const declared = open.back().declared;
+      Start(child, false, declared);
+      open.push_back({&child, 0, child.m_prefixes != nullptr ? child.m_prefixes.get() : declared});
     }
   }
 
@@ -162,13 +163,14 @@ class CElement::TreeWriter {
            (a.m_namespaceUri == b.m_namespaceUri || std::wcscmp(a.GetNamespace(), b.GetNamespace()) == 0);
   }
 
-  void Start(const CElement& element, bool isRoot) {
+  // `declared` are the prefixes that the nearest element around it with prefixes has declared.
+  void Start(const CElement& element, bool isRoot, const Prefixes* declared) {
     if (element.GetElementNameRef().empty()) throw CRkInvalidStateException(L"The element has no name.");
     if (isRoot) WritePrologue(element);
     m_writer.WriteStartElement(element.GetElementNameRef(),
                                element.m_namespaceUri != nullptr ? *element.m_namespaceUri : kNoNamespace);
     if (isRoot) WriteRootAttributes(m_writer, m_context, element.GetNamespace(), m_isOptionalChoice);
-    if (element.m_prefixes != nullptr && element.m_prefixes.get() != m_declared) {
+    if (element.m_prefixes != nullptr && element.m_prefixes.get() != declared) {
       for (const auto& [prefix, uri] : *element.m_prefixes) m_writer.DeclareNamespace(prefix, *uri);
     }
     element.AttributesToXml_Int(&m_writer, m_context);
@@ -219,7 +221,6 @@ class CElement::TreeWriter {
   const CSerializationContext& m_context;
   const bool m_isOptionalChoice;
   const bool m_keepsSections;
-  const Prefixes* m_declared = nullptr;
 };
 
 CElement::CElement() = default;

@@ -50,6 +50,13 @@ TEST(Element, DeclaresPrefixesAgainWhereItStandsInAnotherTree) {
   CElement target(L"t");
   target.AddChild(source.GetChild(0));
   EXPECT_TEXT(L"<t><x xmlns:p=\"urn:p\" ref=\"p:b\"><y ref=\"p:c\"/></x></t>", target.ToXml(false, false));
+  CElement inner;
+  inner.FromXml(L"<s xmlns:q='urn:q'><z ref='q:b'><w ref='q:c'/></z></s>");
+  source.GetChild(0)->InsertChild(0, inner.GetChild(0));
+  EXPECT_TEXT(
+      L"<t><x xmlns:p=\"urn:p\" ref=\"p:b\"><z xmlns:q=\"urn:q\" ref=\"q:b\"><w ref=\"q:c\"/></z><y "
+      L"ref=\"p:c\"/></x></t>",
+      target.ToXml(false, false));
 
   // The settings bind the prefix to another namespace: their names come first, and only a type can be written so that
   // it keeps its meaning.
