@@ -346,7 +346,11 @@ void CFastInfosetWriter::WriteAttributeType(const std::wstring& typeNamespaceUri
                                             ItemType type) {
   RequireStartTag();
   std::wstring value = typeName;
-  if (!typeNamespaceUri.empty() && typeNamespaceUri != m_context->GetDefaultNamespace()) {
+  // An element without namespace is outside the default one.
+  const Binding* const unprefixed = FindBinding({});
+  const bool isDefault = typeNamespaceUri == m_context->GetDefaultNamespace() && unprefixed != nullptr &&
+                         unprefixed->uri == typeNamespaceUri;
+  if (!typeNamespaceUri.empty() && !isDefault) {
     value = ResolveAttribute(typeNamespaceUri).prefix + L':' + typeName;
   }
   WriteAttributeString(L"type", XSI_NAMESPACE, value, type);

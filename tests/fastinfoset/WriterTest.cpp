@@ -55,6 +55,14 @@ TEST(FastInfosetWriter, NamespacesStandInFrontOfTheName) {
     w.SetDefaultNamespace(L"urn:d");
     Replay(w, L"<a{urn:d} <b>>");
   });
+  // So a type of that namespace needs a prefix there.
+  const Octets typed = Write(CFastInfosetContext(), [](auto& w) {
+    w.SetDefaultNamespace(L"urn:d");
+    Replay(w, L"<a{urn:d} :T{urn:d} <b :T{urn:d}>>");
+  });
+  ExpectReadable(typed);
+  const std::wstring type = L"@{" + CXmlWriter::XSI_NAMESPACE + L"}type=";
+  EXPECT_TEXT(L"{urn:d}a" + type + L"T()<b" + type + L"AB:T()>", TreeOf(typed));
   // Invented prefixes end with their element; a second declaration finds both strings in their tables.
   ExpectOctets("3C 00 72 38 CF 01 41 41 04 75 72 6E 3A 70 F0 3F 81 81 00 61 F0 38 CF 81 81 F0 01 FF F0",
                L"<r <a{urn:p}> <a{urn:p}>>");
