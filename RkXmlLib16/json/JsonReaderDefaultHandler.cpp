@@ -75,7 +75,7 @@ void CJsonReaderDefaultHandler::ReadStartObject() {
 }
 
 void CJsonReaderDefaultHandler::ReadEndObject() {
-  --m_depth;
+  if (m_depth != 0) --m_depth;
   if (m_inner != nullptr) m_inner->ReadEndObject();
   EndValue();
 }
@@ -87,7 +87,7 @@ void CJsonReaderDefaultHandler::ReadStartArray() {
 }
 
 void CJsonReaderDefaultHandler::ReadEndArray() {
-  --m_depth;
+  if (m_depth != 0) --m_depth;
   if (m_inner != nullptr) m_inner->ReadEndArray();
   EndValue();
 }

@@ -116,9 +116,10 @@ void CJsonReaderToXmlHandler::ReadStartObject() {
 }
 
 void CJsonReaderToXmlHandler::ReadEndObject() {
+  m_target = Target::Content;
+  if (m_objects.empty()) return;
   if (m_objects.back()) EndElement();
   m_objects.pop_back();
-  m_target = Target::Content;
 }
 
 void CJsonReaderToXmlHandler::ReadStartArray() {
@@ -129,7 +130,9 @@ void CJsonReaderToXmlHandler::ReadStartArray() {
   m_arrays[m_arrayCount++] = m_name;
 }
 
-void CJsonReaderToXmlHandler::ReadEndArray() { --m_arrayCount; }
+void CJsonReaderToXmlHandler::ReadEndArray() {
+  if (m_arrayCount != 0) --m_arrayCount;
+}
 
 void CJsonReaderToXmlHandler::StartElement(const std::wstring& name) {
   try {

@@ -4,7 +4,11 @@
 #include "RkXmlLib16/core/ReadLimits.h"
 #include "RkXmlLib16/core/SerializationContext.h"
 #include "RkXmlLib16/json/JsonContext.h"
+#include "RkXmlLib16/json/JsonReaderDefaultHandler.h"
+#include "RkXmlLib16/json/JsonToXml.h"
 #include "RkXmlLib16/support/Format.h"
+#include "RkXmlLib16/support/TextStream.h"
+#include "RkXmlLib16/xml/XmlTextWriter.h"
 #include "support/Bytes.h"
 
 using namespace RkXmlTest;
@@ -213,6 +217,23 @@ TEST(JsonTextReader, DepthIsLimitedToAHundredValues) {
                 L"JSON exceeded depth limit at line 0, position 501.\nPath: $" + Repeat(100, L".a"),
                 Convert(nested(101)));
   EXPECT_THROW(Convert(L"{\"a\":" + Repeat(1000000, L"[")), CRkValidationException);
+}
+
+// The handlers may be driven by other parsers than this one.
+TEST(JsonTextReader, HandlersPassOverEndsWithoutAStart) {
+  CTextStream stream;
+  CXmlTextWriter writer(stream);
+  CJsonReaderDefaultHandler path;
+  CJsonReaderToXmlHandler handler(writer, JsonRoundTrip_Namespaces, &path);
+  path.SetInnerHandler(&handler);
+  path.ReadStartDocument();
+  path.ReadEndArray();
+  path.ReadEndObject();
+  path.ReadName(L"a");
+  path.ReadStartObject();
+  EXPECT_TEXT(L"$.a", path.GetPath());
+  path.ReadEndObject();
+  EXPECT_TEXT(L"<a/>\n", stream.ToString());
 }
 
 TEST(JsonTextReader, CommentsStandWhereWhiteSpaceMay) {
