@@ -389,12 +389,14 @@ const CFastInfosetWriter::ScopedNamespace& CFastInfosetWriter::ResolveAttribute(
   return Remember(m_attributeScope, namespaceUri, std::move(prefix));
 }
 
-// A prefix that this element declares for another namespace already cannot serve.
+// A prefix that this element declares for another namespace, or that its names may have used for one, cannot serve.
 std::wstring CFastInfosetWriter::FindPrefix(const std::wstring& namespaceUri) {
   bool invented = false;
   const std::wstring& prefix = RequirePrefix(namespaceUri, invented);
   const Binding* const binding = FindBinding(prefix);
-  const bool isTaken = binding != nullptr && binding->element == m_openElements && binding->uri != namespaceUri;
+  const bool hasName = GetLength() > m_startTag;
+  const bool isTaken =
+      binding != nullptr && (hasName || binding->element == m_openElements) && binding->uri != namespaceUri;
   if (!invented && !isTaken) return prefix;
   ChangeScope();
   return isTaken ? m_context->InventPrefix(namespaceUri) : prefix;

@@ -81,6 +81,11 @@ TEST(FastInfosetWriter, EveryNameIsInScopeForOtherReaders) {
         w.AddNamespace(L"p", L"urn:2");
         Replay(w, L"<a{urn:1} @b{urn:2}=v <c{urn:2}>>");
       },
+      [](auto& w) {  // the first of them in force, and used, where the second is needed
+        w.AddNamespace(L"p", L"urn:1");
+        w.AddNamespace(L"p", L"urn:2");
+        Replay(w, L"<a <b{urn:1} @c{urn:2}=v> <b @c{urn:1}=v @d{urn:2}=v>>");
+      },
       [](auto& w) {  // a prefix added late, inside and after the start tag
         Replay(w, L"<a");
         w.AddNamespace(L"p", L"urn:p");
