@@ -129,13 +129,9 @@ void CXmlDocument::Storage::CountCharacters(std::size_t more) {
 }
 
 CXmlTextBlock* CXmlDocument::Storage::Reserve(CXmlTextBlock* block, std::size_t more) {
-  if (block != nullptr && block->m_length + more <= block->m_capacity) {
-    CountCharacters(more);
-    return block;
-  }
+  if (block != nullptr && block->m_length + more <= block->m_capacity) return block;
   const std::size_t length = block != nullptr ? block->m_length : 0;
   if (more > UINT32_MAX / 2 - length) throw CRkException(L"The text of an element is too long.");
-  CountCharacters(more);
   const std::size_t needed = length + more;
   if (block != nullptr && block->m_capacity != 0) {
     if (texts.Extend(block, BytesOfText(block->m_capacity), BytesOfText(needed))) {
@@ -357,10 +353,11 @@ wchar_t* CXmlDocument::ReserveValue(CXmlAttribute* attribute, std::size_t charCo
   return attribute->m_value->Chars() + attribute->m_value->m_length;
 }
 
-void CXmlDocument::CommitValue(CXmlAttribute* attribute, std::size_t charCount) noexcept {
+void CXmlDocument::CommitValue(CXmlAttribute* attribute, std::size_t charCount) {
   CXmlTextBlock& block = *attribute->m_value;
   block.m_length += static_cast<std::uint32_t>(charCount);
   block.Chars()[block.m_length] = L'\0';
+  m_storage->CountCharacters(charCount);
 }
 
 wchar_t* CXmlDocument::ReserveText(CXmlElement* element, std::size_t charCount) {
@@ -369,10 +366,11 @@ wchar_t* CXmlDocument::ReserveText(CXmlElement* element, std::size_t charCount) 
   return element->m_text->Chars() + element->m_text->m_length;
 }
 
-void CXmlDocument::CommitText(CXmlElement* element, std::size_t charCount) noexcept {
+void CXmlDocument::CommitText(CXmlElement* element, std::size_t charCount) {
   CXmlTextBlock& block = *element->m_text;
   block.m_length += static_cast<std::uint32_t>(charCount);
   block.Chars()[block.m_length] = L'\0';
+  m_storage->CountCharacters(charCount);
 }
 
 void CXmlDocument::AppendBlanks(std::wstring_view blanks) {

@@ -288,9 +288,9 @@ class RKXML_EXPORT CXmlDocument {
   // Room for `charCount` characters to be decoded into: at the end of the element's text, or as an attribute's value.
   // Commit tells how many were used (at most charCount; carriage returns count as any character), directly after.
   wchar_t* ReserveText(CXmlElement* element, std::size_t charCount);
-  void CommitText(CXmlElement* element, std::size_t charCount) noexcept;
+  void CommitText(CXmlElement* element, std::size_t charCount);
   wchar_t* ReserveValue(CXmlAttribute* attribute, std::size_t charCount);
-  void CommitValue(CXmlAttribute* attribute, std::size_t charCount) noexcept;
+  void CommitValue(CXmlAttribute* attribute, std::size_t charCount);
 
   // Prefixes as declared anywhere in the document, the latest declaration of a prefix winning. An unknown argument
   // gives the empty text.

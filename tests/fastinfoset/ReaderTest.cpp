@@ -191,5 +191,16 @@ TEST(FastInfosetReader, ExpansionOfIndexedTextIsBounded) {
   EXPECT_THROWS(CRkException, L"Limit exceeded: characters of indexed strings 22730.", TreeOf(names, context));
 }
 
+TEST(FastInfosetReader, CharactersNotOctetsAreLimited) {
+  Octets octets = FromHex("E0 00 00 01 00 3C 00 61");
+  for (int i = 0; i < 100; ++i) octets.insert(octets.end(), {0x82, 0x00, 0xE6, 0xBC, 0xA2});  // a chunk of 3 octets
+  octets.push_back(0xFF);
+  CSerializationContext context;
+  context.GetLimits().SetMaxCharacters(200);
+  EXPECT_EQ(103u, TreeOf(octets, context).size());
+  context.GetLimits().SetMaxCharacters(100);
+  EXPECT_THROWS(CRkException, L"Limit exceeded: characters 100.\nPath: /a", TreeOf(octets, context));
+}
+
 }  // namespace
 }  // namespace RkXmlTest
