@@ -318,6 +318,16 @@ TEST(Reading, FilterMayBuildAndCannotDropTheRoot) {
   Load(document, "<a><b>1<c>2</c></b><d>3</d>4</a>");
   EXPECT_EQ(4, seen);
   EXPECT_TEXT(L"a(1234)", TreeOf(document));
+
+  CXmlDocument building(+[](CXmlElement* element) {
+    auto& owner = const_cast<CXmlDocument&>(*element->GetDocument());
+    if (element->GetLocalName() == L"c") owner.GetDocumentElement()->AppendText(L"kept");
+    if (element->GetLocalName() == L"e") owner.AddChildElement(L"", L"n");
+    if (element->GetLocalName() == L"e") owner.EndElement();
+    return element->GetLocalName() != L"n";
+  });
+  Load(building, "<a><b><c/></b><d>dropped</d><e/></a>");
+  EXPECT_TEXT(L"a(kept)<e()><n()>", TreeOf(building));
 }
 
 }  // namespace
