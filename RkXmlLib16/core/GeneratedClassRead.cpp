@@ -23,6 +23,7 @@ using RkXmlLib16Data::CAttributeInfo;
 using RkXmlLib16Data::CElementInfo;
 using RkXmlLib16Data::CParentElementInfo;
 using RkXmlLib16Data::MemberKind;
+using RkXmlLib16Data::SiblingSearch;
 
 namespace {
 
@@ -77,6 +78,10 @@ Info** OrEmpty(Info** infos) {
       parent->GetXPath());
 }
 
+bool IsSingleGroup(const CElementInfo& info) {
+  return info.IsInlineGroup() && info.GetMemberKind() == MemberKind::Single;
+}
+
 // Whether the last record of a sequence may be offered elements that are left: not when it would fail because its
 // element is absent.
 bool CanBeOfferedRest(const CElementInfo& last, const CSerializationContext& context, const CXmlElement* element) {
@@ -112,7 +117,7 @@ CXmlElement* CXmlGeneratedClass::ReadElement(CXmlElement* element, CXmlElement* 
   if (nillable != nullptr && nillable->IsNil()) return firstChild;
 
   if (elementType == XmlElementType_Element && context.GetIgnoreUnknownElements()) {
-    const RkXmlLib16Data::SiblingSearch search(element);
+    const SiblingSearch search(element);
     return ReadContent(element, firstChild, context, info, isOptionalChoice);
   }
   return ReadContent(element, firstChild, context, info, isOptionalChoice);
@@ -193,12 +198,24 @@ CXmlElement* CXmlGeneratedClass::ProcessElementSeqFromXml(const CSerializationCo
   CXmlElement* current = first;
   // Asks the record until it accepts what is under the cursor; false when the sequence cannot go on.
   const auto ask = [&](CElementInfo* info) {
-    while (!info->ElementFromXml(context, this, parent, &current, ownNamespace, elementType)) {
-      if (!ignoreUnknown || current == nullptr) return false;
-      current = current->GetNextSiblingElement();
-      if (current == nullptr) return false;
+    const CXmlElement* firstInVain = current;
+    for (int steps = 0;; ++steps) {
+      CXmlElement* const asked = current;
+      const bool accepted = info->ElementFromXml(context, this, parent, &current, ownNamespace, elementType);
+      const bool goesOn = !accepted && ignoreUnknown && current != nullptr;
+      const bool inVain = goesOn && current == asked;
+      // What a group took before it failed may decide whether it fails the next time.
+      if (!inVain && steps > 0 && !IsSingleGroup(*info)) SiblingSearch::SetInVain(*info, firstInVain, asked, steps);
+      if (!goesOn) return accepted;
+      current = inVain ? SiblingSearch::Next(*info, current) : current->GetNextSiblingElement();
+      if (current == nullptr) {
+        if (inVain && !IsSingleGroup(*info)) SiblingSearch::SetInVain(*info, firstInVain, nullptr, steps);
+        return false;
+      }
+      if (inVain) continue;
+      firstInVain = current;
+      steps = -1;
     }
-    return true;
   };
 
   CElementInfo* last = nullptr;

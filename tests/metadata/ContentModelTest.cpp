@@ -207,6 +207,22 @@ TEST_F(ContentModelTest, GroupsAmongManyUnknownElementsAreFoundQuickly) {
   EXPECT_TEXT(kNoChoice, Content(table, lots, unknown));
 }
 
+// The same with records that are asked about each element.
+TEST_F(ContentModelTest, GroupsOfClassesAndCollectionsAreFoundQuicklyToo) {
+  const Table leaf(ClassInfo(kSequence, L"a"), {});
+  const Table one(ClassInfo(kSequence, L"one", kInline), {MandatoryCls(L"a", 0, 2)});
+  const Table two(ClassInfo(kSequence, L"two", kInline), {new CElementInfoSeqPrimCol(L"b", L"", 0)}, {},
+                  {Ints(L"b", 2, 2)});
+  const Table table(ClassInfo(kChoice, L"r"), {Cls<CElementInfoChoiceClsOpt>(L"one", 0, 0, kInline),
+                                               Cls<CElementInfoChoiceClsOpt>(L"two", 1, 1, kInline)});
+  Classes() = {&one, &two, &leaf};
+  const auto unknown = With(kUnknownElements);
+  const std::wstring few = Repeat(100, L"<x/>"), lots = Repeat(100000, L"<x/>");
+  EXPECT_TEXT(L"<r><a/></r>", Content(table, few + L"<b>1</b><b>2</b>" + few + L"<a/>" + few, unknown));
+  EXPECT_TEXT(L"<r><b>2</b><b>3</b></r>", Content(table, few + L"<b>1</b><b>2</b><b>3</b>" + few, unknown));
+  EXPECT_TEXT(kNoChoice, Content(table, lots + L"<b>1</b>" + few, unknown));
+}
+
 TEST_F(ContentModelTest, AllGroupIsReadInAnyOrder) {
   const Table child(ClassInfo(kSequence, L"c"), {Prim<CElementInfoSeqPrimOpt>(L"v", 0)});
   const Table table(ClassInfo(kAll, L"r"),

@@ -33,14 +33,39 @@ CXmlElement* SiblingSearch::Find(const CElementInfo& info, const CSerializationC
   return from;
 }
 
-CXmlElement* SiblingSearch::FindInIndex(const CElementInfo& info, const CSerializationContext& context,
-                                        const CXmlElement* from) {
-  if (m_children.empty()) {
-    for (CXmlElement* e = m_element->GetFirstElement(); e != nullptr; e = e->GetNextSiblingElement()) {
-      m_places.emplace(e, m_children.size());
-      m_children.push_back(e);
+CXmlElement* SiblingSearch::Next(const CElementInfo& info, const CXmlElement* from) {
+  const SiblingSearch* const search = t_innermost;
+  if (search != nullptr && !search->m_inVain.empty() && search->m_element == from->GetParentElement()) {
+    const auto known = search->m_inVain.find(&info);
+    if (known != search->m_inVain.end()) {
+      const std::size_t place = search->m_places.at(from);
+      auto range = known->second.upper_bound(place);
+      const std::size_t end = range != known->second.begin() ? (--range)->second : 0;
+      if (place < end) return end < search->m_children.size() ? search->m_children[end] : nullptr;
     }
   }
+  return from->GetNextSiblingElement();
+}
+
+void SiblingSearch::SetInVain(const CElementInfo& info, const CXmlElement* from, const CXmlElement* end, int steps) {
+  SiblingSearch* const search = t_innermost;
+  if (steps < kStepsWithoutIndex || search == nullptr || search->m_element != from->GetParentElement()) return;
+  search->MakeIndex();
+  search->m_inVain[&info][search->m_places.at(from)] =
+      end != nullptr ? search->m_places.at(end) : search->m_children.size();
+}
+
+void SiblingSearch::MakeIndex() {
+  if (!m_children.empty()) return;
+  for (CXmlElement* e = m_element->GetFirstElement(); e != nullptr; e = e->GetNextSiblingElement()) {
+    m_places.emplace(e, m_children.size());
+    m_children.push_back(e);
+  }
+}
+
+CXmlElement* SiblingSearch::FindInIndex(const CElementInfo& info, const CSerializationContext& context,
+                                        const CXmlElement* from) {
+  MakeIndex();
   const auto [entry, isNew] = m_accepted.try_emplace(&info);
   std::vector<std::size_t>& places = entry->second;
   if (isNew) {

@@ -2,6 +2,7 @@
 #define RKXMLLIB16_METADATA_INTERNAL_SIBLINGSEARCH_H
 
 #include <cstddef>
+#include <map>
 #include <memory>
 #include <unordered_map>
 #include <vector>
@@ -12,7 +13,7 @@ namespace RkXmlLib16Data {
 
 // Looks for the next child that a record accepts, past unknown ones. Inline groups are offered the same children from
 // one place after the other, and each looks as far as the end; lest that be quadratic, a long search makes an index of
-// the children, which lives as long as their element is being read.
+// the children, which lives as long as their element is being read, and one in vain is remembered.
 class SiblingSearch {
  public:
   // Serves the children of `element` on this thread until it is destroyed.
@@ -24,14 +25,21 @@ class SiblingSearch {
   // The first element from `from` (may be null) on that the record accepts; null when there is none.
   static CXmlElement* Find(const CElementInfo& info, const CSerializationContext& context, CXmlElement* from);
 
+  // For records that are asked about one element after the other: the one to ask about after `from`, and that a record
+  // took none from `from` up to `end` (null for all that follow).
+  static CXmlElement* Next(const CElementInfo& info, const CXmlElement* from);
+  static void SetInVain(const CElementInfo& info, const CXmlElement* from, const CXmlElement* end, int steps);
+
  private:
+  void MakeIndex();
   CXmlElement* FindInIndex(const CElementInfo& info, const CSerializationContext& context, const CXmlElement* from);
 
   const CXmlElement* m_element;
   SiblingSearch* m_outer;
-  std::vector<CXmlElement*> m_children;                                          // empty until needed
-  std::unordered_map<const CXmlElement*, std::size_t> m_places;                  // in m_children
-  std::unordered_map<const CElementInfo*, std::vector<std::size_t>> m_accepted;  // places, ascending
+  std::vector<CXmlElement*> m_children;                                                  // empty until needed
+  std::unordered_map<const CXmlElement*, std::size_t> m_places;                          // in m_children
+  std::unordered_map<const CElementInfo*, std::vector<std::size_t>> m_accepted;          // places, ascending
+  std::unordered_map<const CElementInfo*, std::map<std::size_t, std::size_t>> m_inVain;  // such places and their ends
 };
 
 }  // namespace RkXmlLib16Data
