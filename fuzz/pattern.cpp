@@ -14,6 +14,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Succeeds([&] { again = TestRegEx(pattern, value); });
   Require(again == matches, "the same answer twice", value);
 
+  // An empty group changes nothing, but keeps the expression from being a plain one.
+  if (pattern.find_first_of("()?\\") == std::string::npos)
+    Require(TestRegEx(pattern + "(?:)", value) == matches, "the same answer beside an empty group", value);
+
   // A value matches itself when all its characters that mean something are escaped.
   std::string itself;
   for (const wchar_t c : value) {

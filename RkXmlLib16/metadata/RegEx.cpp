@@ -11,6 +11,7 @@
 #include <pcre2.h>
 
 #include "RkXmlLib16/core/Exception.h"
+#include "RkXmlLib16/metadata/internal/PlainPattern.h"
 #include "RkXmlLib16/support/Encoder.h"
 #include "RkXmlLib16/support/Format.h"
 #include "RkXmlLib16/types/BinaryData.h"
@@ -91,7 +92,6 @@ Code Compile(const std::string& pattern, const std::wstring& value) {
     if (error == PCRE2_ERROR_HEAP_FAILED) throw std::bad_alloc();
     ThrowInvalid(value, error);
   }
-  pcre2_jit_compile(code.get(), PCRE2_JIT_COMPLETE);  // where it can't, the pattern is interpreted
   return code;
 }
 
@@ -110,22 +110,29 @@ int MatchWithoutBacktracking(const pcre2_code* code, const Subject& subject, pcr
 }  // namespace
 
 struct CRegEx::Engine {
-  Code code;
+  CPlainPattern plain;
+  Code code;  // null where the plain form is all
   MatchContext limits;
 };
 
 CRegEx::CRegEx(std::string utf8Pattern, const std::wstring& value) {
+  CPlainPattern plain(utf8Pattern);
+  if (!plain.IsEmpty()) {
+    m_engine = std::make_unique<const Engine>(Engine{std::move(plain), nullptr, nullptr});
+    return;
+  }
   Code code = Compile(Rewrite(std::move(utf8Pattern)), value);
   auto limits = Require(MatchContext(pcre2_match_context_create(nullptr)));
   pcre2_set_match_limit(limits.get(), kMatchLimit);
   pcre2_set_depth_limit(limits.get(), kDepthLimit);
   pcre2_set_heap_limit(limits.get(), kHeapLimitKiB);
-  m_engine = std::make_unique<const Engine>(Engine{std::move(code), std::move(limits)});
+  m_engine = std::make_unique<const Engine>(Engine{std::move(plain), std::move(code), std::move(limits)});
 }
 
 CRegEx::~CRegEx() = default;
 
 bool CRegEx::Matches(const std::wstring& value) const {
+  if (m_engine->code == nullptr) return m_engine->plain.Matches(value);
   constexpr std::size_t kMostBytes = 4;  // of a character
   unsigned char shortSubject[kShortValue];
   std::string longSubject;
@@ -144,9 +151,7 @@ bool CRegEx::Matches(const std::wstring& value) const {
   pcre2_match_data* const data = own != nullptr ? own.get() : kept.get();
 
   // 0: it matched, and there was no room for the groups inside it.
-  int result = pcre2_jit_match(code, subject.bytes, subject.size, 0, PCRE2_NO_UTF_CHECK, data, limits);
-  if (result == PCRE2_ERROR_JIT_STACKLIMIT || result == PCRE2_ERROR_JIT_BADOPTION)  // too deep, or not compiled so
-    result = pcre2_match(code, subject.bytes, subject.size, 0, PCRE2_NO_UTF_CHECK | PCRE2_NO_JIT, data, limits);
+  int result = pcre2_match(code, subject.bytes, subject.size, 0, PCRE2_NO_UTF_CHECK, data, limits);
   if (result == 0) result = 1;
   if (IsLimit(result)) {
     const int limit = result;

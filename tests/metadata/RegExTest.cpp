@@ -1,5 +1,8 @@
 #include "RkXmlLib16/metadata/RegEx.h"
 
+#include <random>
+#include <string>
+
 #include "Expect.h"
 #include "support/SmallStack.h"
 
@@ -47,6 +50,35 @@ TEST(RegEx, ValuesOfAnyLengthMatchWhole) {
       EXPECT_FALSE(TestRegEx(".{" + std::to_string(length + 1) + "}", value)) << length;
     }
   }
+}
+
+// Common expressions are matched without the engine; a group behind them calls for it.
+TEST(RegEx, PlainExpressionsMeanWhatTheEngineSays) {
+  const auto answer = [](const std::string& pattern, const std::wstring& value) {
+    try {
+      return TestRegEx(pattern, value) ? "matches" : "does not match";
+    } catch (const CRkException&) {
+      return "refused";
+    }
+  };
+  const std::string parts[] = {"a",    "b",   "1",     "-",   "\\d",   "[ab]",    "[a-b1]", "[",    "]",
+                               "[^a]", "{2}", "{1,3}", "{0}", "{2,1}", "{,2}",    "{1,}",   "?",    "*",
+                               "+",    "^",   "$",     ".",   " ",     "[\\d-a]", "[-a]",   "[b-a]"};
+  const std::wstring characters[] = {L"a",    L"b",     L"1",   L"-", L"\n", std::wstring(1, L'\0'),
+                                     L"\xE9", L"\x161", L"aab", L"11"};
+  std::mt19937 random(16);
+  int matched = 0;
+  for (int i = 0; i < 40000; ++i) {
+    std::string pattern;
+    for (auto n = 1 + random() % 5; n > 0; --n) pattern += parts[random() % (n % 2 == 0 ? std::size(parts) : 7)];
+    if (pattern.front() == '?') continue;  // which makes the engine take what follows for options
+    std::wstring value;
+    for (auto n = random() % 4; n > 0; --n) value += characters[random() % (n % 2 == 0 ? std::size(characters) : 3)];
+    const char* const expected = answer(pattern + "(?:)", value);
+    EXPECT_STREQ(expected, answer(pattern, value)) << pattern << " " << Narrow(value);
+    if (expected == std::string("matches")) ++matched;
+  }
+  EXPECT_LT(1000, matched);  // which tells that the cases are worth something
 }
 
 TEST(RegEx, TheFirstAlternativeThatEndsBeforeAFinalLineFeedSpoilsTheMatchIntended) {

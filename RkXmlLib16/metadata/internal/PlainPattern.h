@@ -1,0 +1,42 @@
+#ifndef RKXMLLIB16_METADATA_INTERNAL_PLAINPATTERN_H
+#define RKXMLLIB16_METADATA_INTERNAL_PLAINPATTERN_H
+
+#include <bitset>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+namespace RkXmlLib16 {
+
+// A regular expression of the most common form, such as "[A-Z]{2}-\d{1,8}": sets of ASCII characters, each with a
+// count, of which only the last may vary. Whether a value matches is decided character by character, without an engine.
+class CPlainPattern {
+ public:
+  // Empty when the expression has any other form.
+  explicit CPlainPattern(std::string_view expression);
+
+  bool IsEmpty() const noexcept { return m_items.empty(); }
+  // Whether the whole value matches.
+  bool Matches(std::wstring_view value) const noexcept;
+
+ private:
+  using Set = std::bitset<128>;
+  struct Item {
+    Set set;
+    std::size_t least;
+    std::size_t most;
+  };
+
+  bool Parse(std::string_view rest);
+  // Each takes what it reads from the front of the rest; false for what it does not know.
+  static bool ParseSet(std::string_view& rest, Set& set);
+  static bool ParseBrackets(std::string_view& rest, Set& set);
+  static bool ParseCount(std::string_view& rest, Item& item);
+
+  std::vector<Item> m_items;
+};
+
+}  // namespace RkXmlLib16
+
+#endif
