@@ -45,8 +45,7 @@ const Alphabet& FindAlphabet(unsigned long index) {
   static const auto& texts = CFIVocabulary::GetRestrictedAlphabets();
   static const std::vector<Alphabet> alphabets(texts.begin(), texts.end());
   if (index < 1 || index > alphabets.size()) {
-    throw CRkException(
-        FormatString(L"Failed to write FastInfoset. Invalid Restricted Alphabet value [%d]", static_cast<int>(index)));
+    throw CRkException(FormatString(L"Failed to write FastInfoset. Invalid Restricted Alphabet value [%lu]", index));
   }
   return alphabets[index - 1];
 }
@@ -620,8 +619,8 @@ bool CFastInfosetWriter::EncodeTyped(const EncodedCharacterString& wanted, std::
     return isExact;
   }
   if (wanted.m_index < FIEncodingAlgorithm_Hexadecimal || wanted.m_index > FIEncodingAlgorithm_Cdata) {
-    throw CRkException(FormatString(L"Failed to write FastInfoset. Invalid Encoding Algorithm value [%d]",
-                                    static_cast<int>(wanted.m_index)));
+    throw CRkException(
+        FormatString(L"Failed to write FastInfoset. Invalid Encoding Algorithm value [%lu]", wanted.m_index));
   }
   return (isContent || wanted.m_index != FIEncodingAlgorithm_Cdata) &&
          CFastInfosetBinaryData::AppendExactly(wanted.m_index, text, m_typedOctets);

@@ -339,8 +339,12 @@ TEST(FastInfosetWriter, EncodingsThatCannotBeWritten) {
                   write(FIStringEncoding_UTF16BE, 0, asAttribute));
     EXPECT_THROWS(CRkException, L"Failed to write FastInfoset. Invalid Restricted Alphabet value [3]",
                   write(FIStringEncoding_RestrictedAlphabet, 3, asAttribute));
+    EXPECT_THROWS(CRkException, L"Failed to write FastInfoset. Invalid Restricted Alphabet value [4294967297]",
+                  write(FIStringEncoding_RestrictedAlphabet, 4294967297, asAttribute));
     EXPECT_THROWS(CRkException, L"Failed to write FastInfoset. Invalid Encoding Algorithm value [11]",
                   write(FIStringEncoding_EncodingAlgorithm, 11, asAttribute));
+    EXPECT_THROWS(CRkException, L"Failed to write FastInfoset. Invalid Encoding Algorithm value [4294967297]",
+                  write(FIStringEncoding_EncodingAlgorithm, 4294967297, asAttribute));
   }
   EXPECT_THROWS(CRkException, L"Failed to write FastInfoset. Unknown encoding in EncodedCharacterStringBit5.",
                 write(static_cast<FIStringEncoding>(9), 0, true));
