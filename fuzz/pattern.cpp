@@ -15,7 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Require(again == matches, "the same answer twice", value);
 
   // An empty group changes nothing, but keeps the expression from being a plain one.
-  if (pattern.find_first_of("()?\\") == std::string::npos)
+  if (pattern.find_first_of("()?\\") == std::string::npos && pattern.find('*') != 0)
     Require(TestRegEx(pattern + "(?:)", value) == matches, "the same answer beside an empty group", value);
 
   // A value matches itself when all its characters that mean something are escaped.

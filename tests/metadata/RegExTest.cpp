@@ -61,9 +61,9 @@ TEST(RegEx, PlainExpressionsMeanWhatTheEngineSays) {
       return "refused";
     }
   };
-  const std::string parts[] = {"a",    "b",   "1",     "-",   "\\d",   "[ab]",    "[a-b1]", "[",    "]",
-                               "[^a]", "{2}", "{1,3}", "{0}", "{2,1}", "{,2}",    "{1,}",   "?",    "*",
-                               "+",    "^",   "$",     ".",   " ",     "[\\d-a]", "[-a]",   "[b-a]"};
+  const std::string parts[] = {"a",   "b",     "1",   "-",       "\\d",  "[ab]",  "[a-b1]", "[",     "]",    "[^a]",
+                               "{2}", "{1,3}", "{0}", "{2,1}",   "{,2}", "{1,}",  "?",      "*",     "+",    "^",
+                               "$",   ".",     " ",   "[\\d-a]", "[-a]", "[b-a]", "[::]",   "[=1=]", "[a:=]"};
   const std::wstring characters[] = {L"a",    L"b",     L"1",   L"-", L"\n", std::wstring(1, L'\0'),
                                      L"\xE9", L"\x161", L"aab", L"11"};
   std::mt19937 random(16);

@@ -67,6 +67,7 @@ bool CPlainPattern::ParseSet(std::string_view& rest, Set& set) {
 }
 
 bool CPlainPattern::ParseBrackets(std::string_view& rest, Set& set) {
+  if (rest.substr(0, 1) == ":" || rest.substr(0, 1) == "=") return false;  // may be taken for the name of a class
   while (!Take(rest, "]")) {
     if (rest.empty()) return false;
     if (Take(rest, "\\d")) {
