@@ -37,7 +37,8 @@ inline bool IsEqual(std::wstring_view a, std::wstring_view b) {
 }
 
 // Up to eight characters below U+0100 as octets, the first one lowest, with zeros behind the last; false for other
-// texts.
+// texts. One by one, because they were often written a moment ago, and wider loads would wait until those stores are
+// done.
 inline bool PackEight(std::wstring_view text, std::uint64_t& octets) {
   const std::size_t length = text.size();
   if (length > 8) return false;
