@@ -4,6 +4,7 @@
 
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/json/JsonReaderDefaultHandler.h"
+#include "RkXmlLib16/support/Ascii.h"
 #include "RkXmlLib16/support/CodePoints.h"
 #include "RkXmlLib16/support/Format.h"
 #include "RkXmlLib16/types/Whitespace.h"
@@ -12,7 +13,7 @@ namespace RkXmlLib16 {
 
 namespace {
 
-constexpr bool IsDigit(wchar_t c) { return c >= L'0' && c <= L'9'; }
+using Ascii::IsDigit;
 
 // The value of a hexadecimal digit, -1 for another character.
 constexpr int HexValue(wchar_t c) {

@@ -30,6 +30,7 @@ struct WideBlock {
 
 inline bool IsAscii(wchar_t c) { return static_cast<char32_t>(c) < 0x80; }
 inline bool IsAscii(unsigned char c) { return c < 0x80; }
+constexpr bool IsDigit(wchar_t c) { return c >= L'0' && c <= L'9'; }
 
 // The number of characters before the first one that is not ASCII.
 inline std::size_t RunLength(const wchar_t* text, std::size_t length) {

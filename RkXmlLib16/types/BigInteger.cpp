@@ -20,7 +20,7 @@ constexpr std::uint32_t kBase = 1000000000;
 constexpr std::size_t kLimbDigits = 9;
 constexpr std::size_t kWordDigits = 18;  // what surely fits 64 bits
 
-constexpr bool IsDigit(wchar_t c) { return c >= L'0' && c <= L'9'; }
+using Ascii::IsDigit;
 
 template <class Value>
 constexpr unsigned long long Magnitude(Value value) {

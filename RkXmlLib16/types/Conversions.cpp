@@ -14,6 +14,7 @@
 #include <utility>
 
 #include "RkXmlLib16/core/Exception.h"
+#include "RkXmlLib16/support/Ascii.h"
 #include "RkXmlLib16/support/CodePoints.h"
 #include "RkXmlLib16/support/Format.h"
 
@@ -24,7 +25,7 @@ namespace {
 using std::wstring;
 using std::wstring_view;
 
-constexpr bool IsDigit(wchar_t c) { return c >= L'0' && c <= L'9'; }
+using Ascii::IsDigit;
 // White space to the number parsers of the C locale.
 constexpr bool IsCSpace(wchar_t c) { return c == L' ' || (c >= L'\t' && c <= L'\r'); }
 constexpr wchar_t LowerAscii(wchar_t c) { return c >= L'A' && c <= L'Z' ? c - L'A' + L'a' : c; }

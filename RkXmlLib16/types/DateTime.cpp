@@ -18,7 +18,7 @@ using namespace DateTimeKind;
 
 namespace {
 
-constexpr bool IsDigit(wchar_t c) { return c >= L'0' && c <= L'9'; }
+using Ascii::IsDigit;
 
 template <class... Args>
 [[noreturn]] void ThrowInvalid(const wchar_t* format, Args... args) {

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "RkXmlLib16/core/Exception.h"
+#include "RkXmlLib16/support/Ascii.h"
 #include "RkXmlLib16/support/Format.h"
 #include "RkXmlLib16/types/Calendar.h"
 #include "RkXmlLib16/types/DateTime.h"
@@ -14,7 +15,7 @@ namespace {
 
 using Calendar::Wide;
 
-constexpr bool IsDigit(wchar_t c) { return c >= L'0' && c <= L'9'; }
+using Ascii::IsDigit;
 
 // What may still follow in the text of a duration, in the order of its parts.
 enum class Part { Start, Years, Months, Days, Time, Hours, Minutes, Seconds };

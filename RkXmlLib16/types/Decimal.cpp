@@ -18,7 +18,7 @@ namespace {
 
 constexpr long long kMaxExponent = 10000;
 
-constexpr bool IsDigit(wchar_t c) { return c >= L'0' && c <= L'9'; }
+using Ascii::IsDigit;
 
 bool IsHalfOrLess(const CDigitVector& digits, std::size_t count) {  // of the lowest `count` digits, as a fraction
   if (digits.data()[count - 1] != 5) return digits.data()[count - 1] < 5;

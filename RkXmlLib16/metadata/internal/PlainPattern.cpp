@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "RkXmlLib16/support/Ascii.h"
+
 namespace RkXmlLib16 {
 
 namespace {
@@ -11,9 +13,11 @@ constexpr std::size_t kMostItems = 100;
 // Characters that mean themselves, inside brackets and outside.
 constexpr std::string_view kLiterals = " _/:,;@#%&=<>~!'\"";
 
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+using Ascii::IsDigit;
 
 bool IsWord(char c) { return IsDigit(c) || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
+
+bool IsLiteral(char c) { return IsWord(c) || kLiterals.find(c) != std::string_view::npos; }
 
 bool Take(std::string_view& rest, std::string_view what) {
   if (rest.substr(0, what.size()) != what) return false;
@@ -36,6 +40,13 @@ void AddRange(Set& set, char first, char last) {
   for (auto c = static_cast<std::size_t>(first); c <= static_cast<std::size_t>(last); ++c) set.set(c);
 }
 
+template <class Set>
+bool TakeDigits(std::string_view& rest, Set& set) {
+  if (!Take(rest, "\\d")) return false;
+  AddRange(set, '0', '9');
+  return true;
+}
+
 }  // namespace
 
 CPlainPattern::CPlainPattern(std::string_view expression) {
@@ -55,12 +66,9 @@ bool CPlainPattern::Parse(std::string_view rest) {
 
 bool CPlainPattern::ParseSet(std::string_view& rest, Set& set) {
   if (Take(rest, "[")) return ParseBrackets(rest, set);
-  if (Take(rest, "\\d")) {
-    AddRange(set, '0', '9');
-    return true;
-  }
+  if (TakeDigits(rest, set)) return true;
   const char c = rest.front();
-  if (!IsWord(c) && c != '-' && kLiterals.find(c) == std::string_view::npos) return false;
+  if (!IsLiteral(c) && c != '-') return false;
   set.set(static_cast<std::size_t>(c));
   rest.remove_prefix(1);
   return true;
@@ -70,13 +78,12 @@ bool CPlainPattern::ParseBrackets(std::string_view& rest, Set& set) {
   if (rest.substr(0, 1) == ":" || rest.substr(0, 1) == "=") return false;  // may be taken for the name of a class
   while (!Take(rest, "]")) {
     if (rest.empty()) return false;
-    if (Take(rest, "\\d")) {
-      AddRange(set, '0', '9');
+    if (TakeDigits(rest, set)) {
       if (rest.substr(0, 1) == "-") return false;
       continue;
     }
     const char first = rest.front();
-    if (!IsWord(first) && kLiterals.find(first) == std::string_view::npos) return false;
+    if (!IsLiteral(first)) return false;
     rest.remove_prefix(1);
     char last = first;
     if (Take(rest, "-")) {
