@@ -4,6 +4,7 @@
 #include "RkXmlLib16/collections/Collection.h"
 #include "RkXmlLib16/core/SmartPtr.h"
 #include "RkXmlLib16/xml/ElementTree.h"
+#include "RkXmlLib16/xml/XmlWriter.h"
 
 namespace RkXmlLib16 {
 
@@ -48,10 +49,13 @@ class CXmlObjectCollection : public CXmlCollection {
   void ToXml_Int(CXmlWriter* writer, bool registerNamespaces, const wchar_t* namespaceUri,
                  const CSerializationContext& context, bool isOptionalChoice) const override {
     CFetchAhead<sizeof(T)> fetch(GetFirstNode());
+    const CXmlWriter::LastingNames names = writer->GetLastingNames();
     for (const CNode* node = GetFirstNode(); node != nullptr; node = node->GetNext()) {
       fetch.Advance();
       const CXmlObjectBase* item = node->GetItem();
-      if (item != nullptr) item->ToXml_Int(writer, registerNamespaces, namespaceUri, context, isOptionalChoice);
+      if (item == nullptr) continue;
+      writer->SetLastingNames(names);
+      item->ToXml_Int(writer, registerNamespaces, namespaceUri, context, isOptionalChoice);
     }
   }
 

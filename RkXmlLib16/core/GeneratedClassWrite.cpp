@@ -59,7 +59,7 @@ void CXmlGeneratedClass::WriteElement(CXmlWriter* writer, bool registerNamespace
     if (registerNamespaces) WriteRootPrologue(*writer, context);
     // Most elements are in the namespace of their class, whose text is at hand.
     const wchar_t* const uri = TextOrEmpty(namespaceUri);
-    if (std::wcscmp(info.GetNamespace().c_str(), uri) == 0)
+    if (info.GetNamespace().c_str() == uri || std::wcscmp(info.GetNamespace().c_str(), uri) == 0)
       writer->WriteStartElement(GetElementNameRef(), info.GetNamespace());
     else
       writer->WriteStartElement(GetElementNameRef(), uri);
@@ -113,7 +113,7 @@ void CXmlGeneratedClass::ProcessElementSeqToXml(const CSerializationContext& con
     }
     // Most optional values of most objects are absent: that is found out here.
     RkVariant& value = writer->BeginValue();
-    RkXmlLib16Data::GetProperty(object, record.GetPropertyIndex(), record.GetElementName(), value);
+    RkXmlLib16Data::GetProperty(object, record.GetPropertyIndex(), record.GetSharedElementName(), value);
     if (value.IsValid()) record.WriteValue(context, value, writer);
   }
 }

@@ -8,31 +8,31 @@
 
 namespace RkXmlLib16 {
 
-// The names that a thread set last, each in the place that its ends and its length give.
+// The names that a thread set last, each in the place that its ends, its middle and its length give.
 class CSharedName::Recent {
  public:
   // Null for long names, which are not kept, and when the thread has ended its names.
   static CSharedName* Find(std::wstring_view name) {
     Recent* const recent = name.size() <= kLongest ? CThreadObject<Recent>::Get() : nullptr;
     if (recent == nullptr) return nullptr;
-    const std::size_t mix = static_cast<std::size_t>(name.front()) * 5 + static_cast<std::size_t>(name.back()) * 3;
-    return &recent->m_names[(mix + name.size()) % kCount];
+    const std::size_t length = name.size();
+    const auto first = static_cast<std::size_t>(name.front()), last = static_cast<std::size_t>(name.back());
+    const auto middle = static_cast<std::size_t>(name[length / 2]);
+    return &recent->m_names[(first * 31 + middle * 13 + last * 7 + length * 3) % kCount];
   }
 
  private:
-  static constexpr std::size_t kCount = 64;
+  static constexpr std::size_t kCount = 256;
   static constexpr std::size_t kLongest = 64;
 
   std::array<CSharedName, kCount> m_names;
 };
 
-const std::wstring& CSharedName::Empty() noexcept {
-  static const std::wstring empty;
-  return empty;
-}
+// Before the other objects of the library, some of which have names.
+[[gnu::init_priority(101)]] CSharedName::Shared CSharedName::kEmpty{std::wstring_view()};
 
-void CSharedName::Set(std::wstring_view name) {
-  if (m_shared != nullptr ? WideText::IsEqual(m_shared->text, name) : name.empty()) return;
+void CSharedName::SetOther(std::wstring_view name) {
+  if (WideText::IsEqual(m_shared->text, name)) return;
   CSharedName changed;
   if (!name.empty()) {
     CSharedName* const recent = Recent::Find(name);

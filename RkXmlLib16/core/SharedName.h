@@ -10,25 +10,29 @@
 
 namespace RkXmlLib16 {
 
-// A name or namespace that many objects have: those that a thread uses again and again are held once for all of them. A
-// value type; copies share the text.
+// A name or namespace that many objects and records have: those that a thread uses again and again are held once for
+// all of them. A value type; copies share the text. Names that are alike mostly are the same text in the same place.
 class RKXML_EXPORT CSharedName {
  public:
   CSharedName() noexcept = default;
+  explicit CSharedName(std::wstring_view name) { Set(name); }
   CSharedName(const CSharedName& other) noexcept : m_shared(other.m_shared) {
-    if (m_shared != nullptr) m_shared->references.Increment();
+    if (m_shared != &kEmpty) m_shared->references.Increment();
   }
+  CSharedName(CSharedName&& other) noexcept : m_shared(std::exchange(other.m_shared, &kEmpty)) {}
   CSharedName& operator=(CSharedName other) noexcept {
     std::swap(m_shared, other.m_shared);
     return *this;
   }
   ~CSharedName() {
-    if (m_shared != nullptr && m_shared->references.Decrement() == 0) delete m_shared;
+    if (m_shared != &kEmpty && m_shared->references.Decrement() == 0) delete m_shared;
   }
 
   // Holds until the name is set again.
-  const std::wstring& Get() const noexcept { return m_shared != nullptr ? m_shared->text : Empty(); }
-  void Set(std::wstring_view name);
+  const std::wstring& Get() const noexcept { return m_shared->text; }
+  void Set(std::wstring_view name) {
+    if (name.data() != Get().data() || name.size() != Get().size()) SetOther(name);
+  }
 
  private:
   struct Shared {
@@ -38,9 +42,11 @@ class RKXML_EXPORT CSharedName {
   };
   class Recent;
 
-  static const std::wstring& Empty() noexcept;
+  void SetOther(std::wstring_view name);
 
-  Shared* m_shared = nullptr;  // null for the empty name
+  static Shared kEmpty;  // never counted
+
+  Shared* m_shared = &kEmpty;
 };
 
 }  // namespace RkXmlLib16

@@ -109,13 +109,6 @@ inline unsigned char* PutInteger(unsigned char* to, unsigned char octet, unsigne
   return to;
 }
 
-// By the address of a lasting text.
-template <class Names>
-auto& PlaceOf(const std::wstring& name, Names& names) {
-  constexpr std::uint64_t kMix = 0x9E3779B97F4A7C15u;
-  return names[(reinterpret_cast<std::uintptr_t>(&name) / alignof(std::wstring) * kMix >> 32) % names.size()];
-}
-
 std::size_t SlotOf(std::wstring_view name, std::size_t slots) {
   if (name.empty()) return 0;
   const auto mix = static_cast<std::size_t>(name.front()) * 5 + static_cast<std::size_t>(name.back()) * 3;
@@ -260,7 +253,13 @@ void CFastInfosetWriter::WriteStartElement(const std::wstring& localName, const 
       if (uri != XML_NAMESPACE && isFree) Declare(prefix, uri);
     }
   }
-  QualifiedNameOrIndexBit3(ResolveElement(namespaceUri), localName);
+  const std::uint32_t id = GetLastingId(localName, namespaceUri);
+  if (const unsigned long known = FindKnownName(m_knownElements, id)) {
+    Integer<FastInfoset::kIndexBit3>(0, known);
+  } else {
+    const ScopedNamespace& scoped = ResolveElement(namespaceUri);
+    RememberName(m_knownElements, id, ElementName(scoped, localName));
+  }
 }
 
 void CFastInfosetWriter::WriteElement() {
@@ -297,8 +296,8 @@ void CFastInfosetWriter::WriteString(const std::wstring& text, ItemType type) {
 
 void CFastInfosetWriter::WriteTextElement(const std::wstring& localName, const std::wstring& namespaceUri,
                                           const std::wstring& text, ItemType type) {
-  KnownName& place = PlaceOf(localName, m_knownElements);
-  const unsigned long known = m_context != nullptr ? FindKnownName(place, localName, namespaceUri) : 0;
+  const std::uint32_t id = GetLastingId(localName, namespaceUri);
+  const unsigned long known = m_context != nullptr ? FindKnownName(m_knownElements, id) : 0;
   const ScopedNamespace* scoped = nullptr;
   if (known == 0) {
     if (m_context != nullptr) scoped = FindKnown(m_elementScope, namespaceUri);
@@ -310,7 +309,7 @@ void CFastInfosetWriter::WriteTextElement(const std::wstring& localName, const s
   if (known != 0)
     Integer<FastInfoset::kIndexBit3>(0, known);
   else
-    RememberName(place, localName, namespaceUri, ElementName(*scoped, localName));
+    RememberName(m_knownElements, id, ElementName(*scoped, localName));
   if (!text.empty()) NonIdentifyingStringOrIndexBit3(text, type);
   WriteTerminator();
   if (GetLength() >= kFlushLength) FlushOctets();
@@ -328,14 +327,14 @@ void CFastInfosetWriter::WriteEndElement() {
 void CFastInfosetWriter::WriteAttributeString(const std::wstring& localName, const std::wstring& namespaceUri,
                                               const std::wstring& value, ItemType type) {
   RequireStartTag();
-  KnownName& place = PlaceOf(localName, m_knownAttributes);
-  if (const unsigned long known = FindKnownName(place, localName, namespaceUri)) {
+  const std::uint32_t id = GetLastingId(localName, namespaceUri);
+  if (const unsigned long known = FindKnownName(m_knownAttributes, id)) {
     Integer<FastInfoset::kIndexBit2>(0, known);
   } else if (namespaceUri == XMLNS_NAMESPACE) {
     return Declare(localName, value);
   } else {
     const ScopedNamespace& scoped = ResolveAttribute(namespaceUri);
-    RememberName(place, localName, namespaceUri, AttributeName(scoped, localName));
+    RememberName(m_knownAttributes, id, AttributeName(scoped, localName));
   }
   m_hasAttributes = true;
   NonIdentifyingStringOrIndexBit1(value, type);
@@ -486,15 +485,13 @@ void CFastInfosetWriter::LeaveScope() {
 
 // Names
 
-inline unsigned long CFastInfosetWriter::FindKnownName(const KnownName& place, const std::wstring& localName,
-                                                       const std::wstring& namespaceUri) const {
-  const bool isKnown = place.localName == &localName && place.namespaceUri == &namespaceUri && place.scope == m_scope;
-  return isKnown ? place.index : 0;
+inline unsigned long CFastInfosetWriter::FindKnownName(const KnownNames& names, std::uint32_t id) const {
+  const KnownName& place = names[id % names.size()];
+  return place.id == id && place.scope == m_scope ? place.index : 0;
 }
 
-inline void CFastInfosetWriter::RememberName(KnownName& place, const std::wstring& localName,
-                                             const std::wstring& namespaceUri, unsigned long index) {
-  if (index != 0 && AreLasting(localName, namespaceUri)) place = {&localName, &namespaceUri, m_scope, index};
+inline void CFastInfosetWriter::RememberName(KnownNames& names, std::uint32_t id, unsigned long index) {
+  if (index != 0 && id != LastingNames::kNoId) names[id % names.size()] = {id, m_scope, index};
 }
 
 template <const IntegerLayout& kIndex>

@@ -117,10 +117,9 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
     unsigned long index = 0;  // 0 marks a free slot
   };
   using RecentNames = std::array<RecentName, 64>;
-  // One of two lasting texts, to be found again by their addresses while the scope stays.
+  // The index of two lasting texts, to be found again by their number while the scope stays.
   struct KnownName {
-    const std::wstring* localName = nullptr;
-    const std::wstring* namespaceUri = nullptr;
+    std::uint32_t id = LastingNames::kNoId;
     std::size_t scope = 0;
     unsigned long index = 0;
   };
@@ -145,11 +144,9 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
   template <const FastInfoset::IntegerLayout& kIndex>
   unsigned long QualifiedName(unsigned char literal, CFIQNameTable& names, RecentNames& recent,
                               const ScopedNamespace& scoped, std::wstring_view localName);
-  // The index of a name whose place in the table has it, or 0.
-  unsigned long FindKnownName(const KnownName& place, const std::wstring& localName,
-                              const std::wstring& namespaceUri) const;
-  void RememberName(KnownName& place, const std::wstring& localName, const std::wstring& namespaceUri,
-                    unsigned long index);
+  // The index of the lasting texts of this number, or 0.
+  unsigned long FindKnownName(const KnownNames& names, std::uint32_t id) const;
+  void RememberName(KnownNames& names, std::uint32_t id, unsigned long index);
   unsigned long ElementName(const ScopedNamespace& scoped, std::wstring_view localName);
   unsigned long AttributeName(const ScopedNamespace& scoped, std::wstring_view localName);
   // The index of a name that has one, or 0 after it was written in full.

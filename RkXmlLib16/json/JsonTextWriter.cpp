@@ -3,6 +3,7 @@
 #include <emmintrin.h>
 
 #include <algorithm>
+#include <iterator>
 
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/support/TextStream.h"
@@ -71,15 +72,29 @@ bool IsStrictLiteral(std::wstring_view text) { return text == L"true" || text ==
 CJsonTextWriter::CJsonTextWriter(CTextStream& stream) : m_stream(stream) {}
 CJsonTextWriter::~CJsonTextWriter() = default;
 
+void CJsonTextWriter::SetFormat(bool format) noexcept {
+  m_format = format;
+  ForgetHeads();
+}
+
+void CJsonTextWriter::SetSupportRoundtrip(JsonRoundTrip mode) noexcept { m_roundTrip = mode; }
+
+void CJsonTextWriter::SetStrictOutput(bool strict) noexcept {
+  m_strict = strict;
+  ForgetHeads();
+}
+
 void CJsonTextWriter::SetIndentChars(const wchar_t* text) {
   m_indentChars = text != nullptr ? text : L"";
   m_lineStart.clear();
+  ForgetHeads();
 }
 
 void CJsonTextWriter::SetEOLType(EOLType type) {
   m_eol = LineEnd(type);
   m_eolType = type;
   m_lineStart.clear();
+  ForgetHeads();
 }
 
 void CJsonTextWriter::Open() {
@@ -208,13 +223,13 @@ void CJsonTextWriter::WriteStartElement(const std::wstring& localName, const std
 // The key of the root element and the declarations in its object.
 void CJsonTextWriter::DeclareNamespaces() {
   CXmlWriterContext& root = *m_context;
-  if (const std::wstring* known = FindElementPrefix(root.m_namespaceUri)) {
-    PutKey(Indent(root.m_depth), {}, *known, root.m_localName);
+  if (const std::wstring* known = FindElementPrefix(root.m_namespaceUri.Get())) {
+    PutKey(Indent(root.m_depth), {}, *known, root.m_localName.Get());
   } else {
     bool invented;
-    const std::wstring& prefix = RequirePrefix(root.m_namespaceUri, invented);
-    PutKey(Indent(root.m_depth), {}, prefix, root.m_localName);
-    WriteNamespaceMember(prefix, root.m_namespaceUri);
+    const std::wstring& prefix = RequirePrefix(root.m_namespaceUri.Get(), invented);
+    PutKey(Indent(root.m_depth), {}, prefix, root.m_localName.Get());
+    WriteNamespaceMember(prefix, root.m_namespaceUri.Get());
   }
   if (!root.GetDefaultNamespace().empty()) WriteNamespaceMember(kNone, root.GetDefaultNamespace());
   for (const auto& [uri, prefix] : m_namespaces) {
@@ -277,10 +292,11 @@ void CJsonTextWriter::WriteTextElement(const std::wstring& localName, const std:
   const std::wstring* prefix = &kNone;
   if (isMember && m_roundTrip == JsonRoundTrip_Namespaces) prefix = FindElementPrefix(namespaceUri);
   if (!isMember || prefix == nullptr) return CXmlWriter::WriteTextElement(localName, namespaceUri, text, type);
+  const std::uint32_t id = GetLastingId(localName, namespaceUri);
   if (text.empty())
-    WriteMember({}, *prefix, localName, kNull, /*quoted=*/false);
+    WriteMember({}, *prefix, localName, id, kNull, /*quoted=*/false);
   else
-    WriteMember({}, *prefix, localName, text, NeedsQuotes(text, type));
+    WriteMember({}, *prefix, localName, id, text, NeedsQuotes(text, type));
 }
 
 void CJsonTextWriter::WriteAttributeString(const std::wstring& localName, const std::wstring& namespaceUri,
@@ -291,7 +307,7 @@ void CJsonTextWriter::WriteAttributeString(const std::wstring& localName, const 
   const std::wstring* prefix = prefixed ? FindAttributePrefix(namespaceUri) : &kNone;
   if (prefix == nullptr) ThrowUnknownNamespace(localName);
   const std::wstring_view marker = m_roundTrip == JsonRoundTrip_Plain ? std::wstring_view() : L"@";
-  WriteMember(marker, *prefix, localName, value, NeedsQuotes(value, type));
+  WriteMember(marker, *prefix, localName, GetLastingId(localName, namespaceUri), value, NeedsQuotes(value, type));
 }
 
 void CJsonTextWriter::WriteAttributeType(const std::wstring& typeNamespaceUri, const std::wstring& typeName,
@@ -316,8 +332,8 @@ void CJsonTextWriter::WriteAttributeNil() {
 bool CJsonTextWriter::ContinuesArray(const std::wstring& localName, const std::wstring& namespaceUri) {
   const Frame& frame = Top();
   return frame.arrayOpen && m_context->m_state == ContextState_ArrayOpen &&
-         WideText::IsEqual(frame.arrayName, localName) &&
-         (m_roundTrip != JsonRoundTrip_Namespaces || WideText::IsEqual(frame.arrayNamespace, namespaceUri));
+         WideText::IsEqual(frame.arrayName.Get(), localName) &&
+         (m_roundTrip != JsonRoundTrip_Namespaces || WideText::IsEqual(frame.arrayNamespace.Get(), namespaceUri));
 }
 
 void CJsonTextWriter::OpenArray(CXmlWriterContext& item, CXmlWriterContext& owner) {
@@ -357,16 +373,26 @@ void CJsonTextWriter::OpenMember() {
 
 // A member of the open element with nothing but a value.
 void CJsonTextWriter::WriteMember(std::wstring_view marker, const std::wstring& prefix, const std::wstring& localName,
-                                  const std::wstring& value, bool quoted) {
+                                  std::uint32_t lastingId, const std::wstring& value, bool quoted) {
   CloseArray(*m_context, Top(), false);
   const bool isFurther = !m_valuePending && !m_textPending;
   if (!isFurther) OpenMember();
-  const std::wstring_view start = LineStart(m_context->m_depth + 1);
+  const std::int64_t level = m_context->m_depth + 1;
   const bool isShort = value.size() <= kShortText;
-  wchar_t* to = m_stream.Reserve(1 + start.size() + KeyLength(marker, prefix, localName) +
-                                 (isShort ? value.size() * kLongestEscape + 2 : 0));
-  if (isFurther) *to++ = L',';
-  to = CopyKey(WideText::Copy(to, start), marker, prefix, localName);
+  const std::size_t valueRoom = isShort ? value.size() * kLongestEscape + 2 : 0;
+  wchar_t* to;
+  if (const MemberHead* const head = FindHead(level, marker, prefix, localName, lastingId)) {
+    to = m_stream.Reserve(1 + MemberHead::kLongest + valueRoom);
+    *to = L',';
+    if (isFurther) ++to;
+    std::copy_n(head->text, MemberHead::kLongest, to);
+    to += head->length;
+  } else {
+    const std::wstring_view start = LineStart(level);
+    to = m_stream.Reserve(1 + start.size() + KeyLength(marker, prefix, localName) + valueRoom);
+    if (isFurther) *to++ = L',';
+    to = CopyKey(WideText::Copy(to, start), marker, prefix, localName);
+  }
   if (isShort) to = PutShortValue(to, value, quoted);
   m_stream.Commit(to);
   if (isShort)
@@ -387,7 +413,7 @@ void CJsonTextWriter::WriteItemAsMember(CXmlWriterContext& item) {
   CloseArray(owner, Owner(), false);
   item.m_depth = owner.m_depth + 1;
   SeparateItem(item);
-  PutKey({}, {}, kNone, item.m_localName);
+  PutKey({}, {}, kNone, item.m_localName.Get());
 }
 
 void CJsonTextWriter::WriteTextMember(const std::wstring& text, ItemType type) {
@@ -437,6 +463,35 @@ inline std::wstring_view CJsonTextWriter::Indent(std::int64_t level) {
 void CJsonTextWriter::GrowLineStart(std::size_t length) {
   if (m_lineStart.empty()) m_lineStart = m_eol;
   while (m_lineStart.size() < length) m_lineStart += m_indentChars;
+}
+
+inline const CJsonTextWriter::MemberHead* CJsonTextWriter::FindHead(std::int64_t level, std::wstring_view marker,
+                                                                    const std::wstring& prefix,
+                                                                    const std::wstring& localName,
+                                                                    std::uint32_t lastingId) {
+  MemberHead& head = m_heads[lastingId % m_heads.size()];
+  if (lastingId == LastingNames::kNoId || !prefix.empty()) return nullptr;
+  if (head.id != lastingId || head.level != level || head.isMarked == marker.empty())
+    MakeHead(head, lastingId, level, marker, localName);
+  return head.length <= MemberHead::kLongest ? &head : nullptr;
+}
+
+void CJsonTextWriter::MakeHead(MemberHead& head, std::uint32_t lastingId, std::int64_t level, std::wstring_view marker,
+                               const std::wstring& localName) {
+  const std::wstring_view start = LineStart(level);
+  wchar_t text[8 * MemberHead::kLongest];
+  head.id = lastingId;
+  head.isMarked = !marker.empty();
+  head.level = level;
+  head.length = start.size() + KeyLength(marker, kNone, localName);
+  if (head.length > std::size(text)) return;
+  const wchar_t* const end = CopyKey(WideText::Copy(text, start), marker, kNone, localName);
+  head.length = static_cast<std::size_t>(end - text);
+  std::copy_n(text, std::min(head.length, MemberHead::kLongest), head.text);
+}
+
+void CJsonTextWriter::ForgetHeads() noexcept {
+  for (MemberHead& head : m_heads) head.id = LastingNames::kNoId;
 }
 
 void CJsonTextWriter::PutKey(std::wstring_view start, std::wstring_view marker, const std::wstring& prefix,

@@ -1,6 +1,7 @@
 #ifndef RKXMLLIB16_JSON_JSONTEXTWRITER_H
 #define RKXMLLIB16_JSON_JSONTEXTWRITER_H
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -31,7 +32,7 @@ class RKXML_EXPORT CJsonTextWriter : public CXmlWriter {
 
   // Indentation and line ends; on at first.
   bool GetFormat() const noexcept { return m_format; }
-  void SetFormat(bool format) noexcept { m_format = format; }
+  void SetFormat(bool format) noexcept;
   // One tab at first. Null is an empty text.
   const std::wstring& GetIndentChars() const noexcept { return m_indentChars; }
   void SetIndentChars(const wchar_t* text);
@@ -40,10 +41,10 @@ class RKXML_EXPORT CJsonTextWriter : public CXmlWriter {
   void SetEOLType(EOLType type);
   // Namespaces at first.
   JsonRoundTrip GetSupportRoundtrip() const noexcept { return m_roundTrip; }
-  void SetSupportRoundtrip(JsonRoundTrip mode) noexcept { m_roundTrip = mode; }
+  void SetSupportRoundtrip(JsonRoundTrip mode) noexcept;
   // RFC 8259 text always; off at first. See CJsonContext::SetStrictOutput.
   bool GetStrictOutput() const noexcept { return m_strict; }
-  void SetStrictOutput(bool strict) noexcept { m_strict = strict; }
+  void SetStrictOutput(bool strict) noexcept;
 
   // The braces of the document, an object whose one member is the root element.
   void WriteStartDocument();
@@ -81,10 +82,22 @@ class RKXML_EXPORT CJsonTextWriter : public CXmlWriter {
  private:
   // What an open element needs besides its context; `m_frames` runs parallel to the chain of contexts.
   struct Frame {
-    bool arrayItem = false;       // stands in an array that was open before it
-    bool arrayOpen = false;       // an array of this element's children is open
-    std::wstring arrayName;       // the name of its items
-    std::wstring arrayNamespace;  // and their namespace
+    bool arrayItem = false;      // stands in an array that was open before it
+    bool arrayOpen = false;      // an array of this element's children is open
+    CSharedName arrayName;       // the name of its items
+    CSharedName arrayNamespace;  // and their namespace
+  };
+
+  // The start of the line and the key of a member with a lasting name and no prefix, to be found again by the number of
+  // the name.
+  struct MemberHead {
+    static constexpr std::size_t kLongest = 32;
+
+    std::uint32_t id = LastingNames::kNoId;
+    bool isMarked;
+    std::int64_t level;
+    std::size_t length;  // beyond the longest: there is none
+    wchar_t text[kLongest];
   };
 
   Frame& Top() { return m_frames[m_frameCount - 1]; }
@@ -97,7 +110,7 @@ class RKXML_EXPORT CJsonTextWriter : public CXmlWriter {
   void SeparateItem(const CXmlWriterContext& item);
   void WriteItemAsMember(CXmlWriterContext& item);
   void WriteMember(std::wstring_view marker, const std::wstring& prefix, const std::wstring& localName,
-                   const std::wstring& value, bool quoted);
+                   std::uint32_t lastingId, const std::wstring& value, bool quoted);
   void WriteLongValue(const std::wstring& text, bool quoted);
   void WriteTextMember(const std::wstring& text, ItemType type);
   void WriteNamespaceMember(const std::wstring& prefix, const std::wstring& namespaceUri);
@@ -114,6 +127,12 @@ class RKXML_EXPORT CJsonTextWriter : public CXmlWriter {
   std::wstring_view LineStart(std::int64_t level);
   std::wstring_view Indent(std::int64_t level);
   void GrowLineStart(std::size_t length);
+  // Null when there is none.
+  const MemberHead* FindHead(std::int64_t level, std::wstring_view marker, const std::wstring& prefix,
+                             const std::wstring& localName, std::uint32_t lastingId);
+  void MakeHead(MemberHead& head, std::uint32_t lastingId, std::int64_t level, std::wstring_view marker,
+                const std::wstring& localName);
+  void ForgetHeads() noexcept;
   // The key of a member, behind the start of its line.
   void PutKey(std::wstring_view start, std::wstring_view marker, const std::wstring& prefix,
               const std::wstring& localName);
@@ -142,6 +161,7 @@ class RKXML_EXPORT CJsonTextWriter : public CXmlWriter {
   bool m_textPending = false;   // its text is held: members that follow make it a member itself
   std::wstring m_text;
   ItemType m_textType = ItemType_none;
+  std::array<MemberHead, 64> m_heads;
   std::vector<Frame> m_frames;  // kept when elements end, with their storage
   std::size_t m_frameCount = 0;
 };

@@ -31,7 +31,7 @@ CAttributeInfo::CAttributeInfo(const wchar_t* name, const wchar_t* ns, int prope
 CAttributeInfo::~CAttributeInfo() = default;
 
 bool CAttributeInfo::IsThisAttribute(const CSerializationContext& context, CXmlAttribute* attribute) const {
-  return attribute != nullptr && attribute->GetLocalName() == m_attributeName &&
+  return attribute != nullptr && attribute->GetLocalName() == m_attributeName.Get() &&
          (context.GetIgnoreNamespaces() || attribute->GetNamespaceURI() == m_namespace);
 }
 
@@ -79,8 +79,8 @@ bool CAttributeInfo::IsSuppressedDefault(const CSerializationContext& context, s
 
 void CAttributeInfo::ValidateRequired(bool found) const {
   if (!m_optional && !found)
-    throw CRkValidationException(FormatString(L"Failed to find the required Attribute [%ls].", m_attributeName.c_str()),
-                                 std::wstring());
+    throw CRkValidationException(
+        FormatString(L"Failed to find the required Attribute [%ls].", m_attributeName.Get().c_str()), std::wstring());
 }
 
 CAttributeInfoPrimitive::CAttributeInfoPrimitive(const wchar_t* name, const wchar_t* ns, int propertyIndex,
@@ -108,7 +108,7 @@ void CAttributeInfoPrimitive::AttributeToXml(const CSerializationContext& contex
   const std::wstring& text = ValueText(value, m_format, *writer);
   if (IsSuppressedDefault(context, text)) return;
   CheckRestriction(value);
-  writer->SetLastingNames(GetAttributeName(), GetNamespace());
+  writer->SetLastingNames({&GetAttributeName(), &GetNamespace(), GetId()});
   writer->WriteAttributeString(GetAttributeName(), GetNamespace(), text, type);
 }
 
@@ -139,7 +139,7 @@ void CAttributeInfoEnum::AttributeToXml(const CSerializationContext& context, co
   if (IsOptional() && !value.IsValid()) return;
   const std::wstring text = TextOrEmpty(m_toString(static_cast<int>(value.GetI4())));
   if (IsSuppressedDefault(context, text)) return;
-  writer->SetLastingNames(GetAttributeName(), GetNamespace());
+  writer->SetLastingNames({&GetAttributeName(), &GetNamespace(), GetId()});
   writer->WriteAttributeString(GetAttributeName(), GetNamespace(), text, ItemType_string);
 }
 

@@ -32,8 +32,9 @@ class RKXML_EXPORT CAttributeInfo {
   // Throws CRkValidationException "Failed to find the required Attribute [%ls].".
   virtual void Validate(const CSerializationContext& context, bool found) const = 0;
 
-  const std::wstring& GetAttributeName() const noexcept { return m_attributeName; }
+  const std::wstring& GetAttributeName() const noexcept { return m_attributeName.Get(); }
   const std::wstring& GetNamespace() const noexcept { return m_namespace; }
+  std::uint32_t GetId() const noexcept { return m_id; }
   int GetPropertyIndex() const noexcept { return m_propertyIndex; }
   bool IsOptional() const noexcept { return m_optional; }
   const std::wstring& GetDefaultValue() const noexcept { return m_defaultValue; }
@@ -59,7 +60,8 @@ class RKXML_EXPORT CAttributeInfo {
   void ValidateRequired(bool found) const;
 
  private:
-  std::wstring m_attributeName;
+  const std::uint32_t m_id = CElementInfo::NewId();
+  RkXmlLib16::CSharedName m_attributeName;
   std::wstring m_namespace;
   int m_propertyIndex;
   bool m_optional;

@@ -78,7 +78,6 @@ void CElementInfo::PseudoChildAttributeToXml(const CSerializationContext& contex
   if (child != nullptr) AttributesToXml_Int(child, writer, context);
 }
 
-// Each record has a number of its own, as long as there are enough; the last one is for all that come after.
 std::uint32_t CElementInfo::NewId() noexcept {
   static std::atomic<std::uint32_t> last{0};
   std::uint32_t id = last.load(std::memory_order_relaxed);
@@ -88,15 +87,15 @@ std::uint32_t CElementInfo::NewId() noexcept {
 }
 
 bool CElementInfo::CompareName(const CSerializationContext& context, const CXmlElement& element) const {
-  if (element.GetLocalName() != m_elementName) return false;
-  if (element.GetNamespaceURI() != m_namespace) return context.GetIgnoreNamespaces();
+  if (element.GetLocalName() != m_elementName.Get()) return false;
+  if (element.GetNamespaceURI() != m_namespace.Get()) return context.GetIgnoreNamespaces();
   if (m_id != UINT32_MAX) element.GetLocalNameRef()->SetMatch(MatchOf(element));
   return true;
 }
 
 void CElementInfo::CheckRestriction(const RkVariant& value) const {
   if (!m_hasFacets) throw CRkException(L"Cannot CheckRestriction for type: " + value.GetType());
-  CXmlObjectHelper::CheckRestriction(m_elementName.c_str(), value, m_itemType, m_facets);
+  CXmlObjectHelper::CheckRestriction(m_elementName.Get().c_str(), value, m_itemType, m_facets);
 }
 
 void CElementInfo::InvokePropertyGet(CXmlGeneratedClass* object, RkVariant& value) const {
@@ -126,9 +125,10 @@ bool CElementInfo::WriteCollection(const CSerializationContext& context, const C
                                    CXmlWriter* writer) const {
   if (collection == nullptr || collection->GetCount() < 1) return false;
   writer->SetContextState(ContextState_CollectionStart);
+  writer->SetLastingNames({&m_elementName.Get(), &m_namespace.Get(), m_id});
   static_cast<const CXmlObjectBase*>(collection)
       ->GetBase()
-      ->ToXml_Int(writer, /*registerNamespaces=*/false, m_namespace.c_str(), context, false);
+      ->ToXml_Int(writer, /*registerNamespaces=*/false, m_namespace.Get().c_str(), context, false);
   writer->SetContextState(ContextState_CollectionEnd);
   return true;
 }
@@ -139,7 +139,8 @@ bool CElementInfo::ElementToXmlCls(const CSerializationContext& context, const C
   ReadProperty(object, value);
   if (value.PeekXmlObject() == nullptr) return false;
   const CSmartPtr<CXmlObjectBase> child = value.TakeXmlObject();
-  child->ToXml_Int(writer, /*registerNamespaces=*/false, m_namespace.c_str(), context, isOptionalChoice);
+  writer->SetLastingNames({&m_elementName.Get(), &m_namespace.Get(), m_id});
+  child->ToXml_Int(writer, /*registerNamespaces=*/false, m_namespace.Get().c_str(), context, isOptionalChoice);
   return true;
 }
 
@@ -173,15 +174,15 @@ bool CElementInfo::ElementToXmlEnum(const CSerializationContext& context, const 
 void CElementInfo::WriteText(const CSerializationContext& context, CXmlWriter* writer, const std::wstring& text,
                              ItemType type) const {
   if (!IsDefault(text) || context.GetWriteDefaultElementValues()) {
-    writer->SetLastingNames(m_elementName, m_namespace);
-    return writer->WriteTextElement(m_elementName, m_namespace, text, type);
+    writer->SetLastingNames({&m_elementName.Get(), &m_namespace.Get(), m_id});
+    return writer->WriteTextElement(m_elementName.Get(), m_namespace.Get(), text, type);
   }
-  writer->WriteStartElement(m_elementName, m_namespace);
+  writer->WriteStartElement(m_elementName.Get(), m_namespace.Get());
   writer->WriteEndElement();
 }
 
 bool CElementInfo::WriteNil(CXmlWriter* writer) const {
-  writer->WriteStartElement(m_elementName, m_namespace);
+  writer->WriteStartElement(m_elementName.Get(), m_namespace.Get());
   writer->WriteAttributeNil();
   writer->WriteEndElement();
   return true;

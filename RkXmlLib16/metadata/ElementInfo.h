@@ -7,6 +7,7 @@
 
 #include "RkXmlLib16/core/Enumerations.h"
 #include "RkXmlLib16/core/Export.h"
+#include "RkXmlLib16/core/SharedName.h"
 #include "RkXmlLib16/core/SmartPtr.h"
 #include "RkXmlLib16/metadata/PrimitiveRestrictions.h"
 #include "RkXmlLib16/types/Whitespace.h"
@@ -96,10 +97,13 @@ class RKXML_EXPORT CElementInfo {
   virtual void PseudoChildAttributeToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
                                          CXmlWriter* writer) const;
 
-  const std::wstring& GetElementName() const noexcept { return m_elementName; }
-  const std::wstring& GetNamespace() const noexcept { return m_namespace; }
+  const std::wstring& GetElementName() const noexcept { return m_elementName.Get(); }
+  const RkXmlLib16::CSharedName& GetSharedElementName() const noexcept { return m_elementName; }
+  const std::wstring& GetNamespace() const noexcept { return m_namespace.Get(); }
   int GetPropertyIndex() const noexcept { return m_propertyIndex; }
   MemberKind GetMemberKind() const noexcept { return m_memberKind; }
+  // A number that no other record of an element or attribute has, or UINT32_MAX when there are no more.
+  static std::uint32_t NewId() noexcept;
   // Whether the member stands directly in its owner's element.
   bool IsInlineGroup() const noexcept { return m_memberType == RkXmlLib16::XmlElementType_InlineGroup; }
   // Whether ElementFromXml would accept that the element is absent and do nothing else, for the element that is next.
@@ -172,7 +176,7 @@ class RKXML_EXPORT CElementInfo {
   // False for most names but the own, without a look at the whole.
   bool MayHaveName(const CXmlElement& element) const noexcept {
     const RkXmlLib16::CXmlText name = element.GetLocalName();
-    return name.size() == m_elementName.size() && name[0] == m_elementName[0];
+    return name.size() == GetElementName().size() && name[0] == GetElementName()[0];
   }
   bool IsDefault(const std::wstring& text) const noexcept { return !m_defaultValue.empty() && text == m_defaultValue; }
   void WriteText(const CSerializationContext& context, CXmlWriter* writer, const std::wstring& text,
@@ -181,11 +185,9 @@ class RKXML_EXPORT CElementInfo {
   // Looks through the attributes of a primitive element; true for xsi:nil="true".
   bool ReadNil(const CSerializationContext& context, const CXmlElement& element) const;
 
-  static std::uint32_t NewId() noexcept;
-
   const std::uint32_t m_id = NewId();
-  std::wstring m_elementName;
-  std::wstring m_namespace;
+  RkXmlLib16::CSharedName m_elementName;
+  RkXmlLib16::CSharedName m_namespace;
   int m_propertyIndex;
   CPrimitiveRestrictions m_facets;
   ItemType m_itemType = RkXmlLib16::ItemType_none;

@@ -7,6 +7,7 @@
 
 #include "RkXmlLib16/core/Enumerations.h"
 #include "RkXmlLib16/core/Export.h"
+#include "RkXmlLib16/core/SharedName.h"
 
 namespace RkXmlLib16Data {
 
@@ -32,7 +33,7 @@ class RKXML_EXPORT CParentElementInfo {
   RkXmlLib16::XmlElementGroupType GetGroupType() const noexcept { return m_groupType; }
   RkXmlLib16::XmlElementType GetElementType() const noexcept { return m_elementType; }
   const std::wstring& GetElementName() const noexcept { return m_elementName; }
-  const std::wstring& GetNamespace() const noexcept { return m_namespace; }
+  const std::wstring& GetNamespace() const noexcept { return m_namespace.Get(); }
   bool HasStrictAttributes() const noexcept { return m_strictAttributes; }
   bool CanContentBeEmpty() const noexcept { return m_contentMayBeEmpty; }
   int GetSimpleContentProperty() const noexcept { return m_simpleContentProperty; }
@@ -59,7 +60,7 @@ class RKXML_EXPORT CParentElementInfo {
   RkXmlLib16::XmlElementGroupType m_groupType;
   RkXmlLib16::XmlElementType m_elementType;
   std::wstring m_elementName;
-  std::wstring m_namespace;
+  RkXmlLib16::CSharedName m_namespace;
   bool m_strictAttributes;
   bool m_contentMayBeEmpty;
   int m_simpleContentProperty;

@@ -28,6 +28,7 @@ inline bool IsEqualFour(const wchar_t* a, const wchar_t* b) {
 inline bool IsEqual(std::wstring_view a, std::wstring_view b) {
   const std::size_t length = a.size();
   if (length != b.size()) return false;
+  if (a.data() == b.data()) return true;
   if (length > kShort) return std::wmemcmp(a.data(), b.data(), length) == 0;
   if (length == 0) return true;
   if (length < 4) return a.front() == b.front() && a[length / 2] == b[length / 2] && a.back() == b.back();

@@ -18,8 +18,6 @@ constexpr const wchar_t* kTypeNames[] = {
     L"ui4",  L"ui8",       L"r4",           L"r8",   L"duration", L"yearMonth", L"monthDay", L"year",    L"month",
     L"day",  L"date",      L"datetime",     L"time", L"char",     L"string",    L"boolean",  L"decimal", L"integer"};
 
-constexpr std::size_t kKeptCapacity = 4096;  // longer texts give their storage back
-
 [[noreturn]] void ThrowInvalidType(std::uint32_t type) { throw CRkException(FormatString(L"Invalid Type %u", type)); }
 
 [[noreturn]] void ThrowNoText(std::uint32_t type) {
@@ -86,7 +84,7 @@ RkVariant::RkVariant(RkVariant&& other) noexcept
       m_text(std::move(other.m_text)),
       m_owned(std::move(other.m_owned)) {
   other.m_text.clear();
-  other.m_owned.reset();
+  other.m_owned.Reset();
 }
 
 RkVariant& RkVariant::operator=(const RkVariant& other) {
@@ -104,7 +102,7 @@ RkVariant& RkVariant::operator=(RkVariant&& other) noexcept {
   m_text = std::move(other.m_text);
   m_owned = std::move(other.m_owned);
   other.m_text.clear();
-  other.m_owned.reset();
+  other.m_owned.Reset();
   return *this;
 }
 
@@ -115,12 +113,19 @@ RkVariant::~RkVariant() {
 void RkVariant::Clear() noexcept {
   CXmlObjectBase* const released = m_type >= kXmlObject ? m_slot.reference.object : nullptr;
   m_slot = Slot{};
-  m_owned.reset();
+  m_owned.Reset();
   if (m_text.capacity() > kKeptCapacity)
     std::wstring().swap(m_text);
   else
     m_text.clear();
   if (released != nullptr) released->Release();
+}
+
+// What should not stay until the next value of its kind.
+void RkVariant::LetGo() noexcept {
+  if (m_type < kXmlObject) return Clear();
+  m_type = 0;
+  if (CXmlObjectBase* const released = std::exchange(m_slot.reference, Reference{}).object) released->Release();
 }
 
 void RkVariant::SetNil() noexcept {
@@ -145,7 +150,7 @@ bool RkVariant::MayHold(const void* value) const noexcept {
 
 template <class T>
 T* RkVariant::Held() noexcept {
-  return m_owned ? std::get_if<T>(&*m_owned) : nullptr;
+  return const_cast<T*>(m_owned.Find<T>());
 }
 
 // Reads a text of the plain shape into the value of this type that the variant holds already, where no lack of memory
@@ -167,10 +172,10 @@ void RkVariant::SetOwned(std::uint32_t type, Value&& value) {
   } else if (MayHold(&value)) {
     T copy(std::forward<Value>(value));
     Begin(type);
-    m_owned.emplace(std::move(copy));
+    m_owned.Emplace<T>(std::move(copy));
   } else {
     Begin(type);
-    m_owned.emplace(std::in_place_type<T>, std::forward<Value>(value));
+    m_owned.Emplace<T>(std::forward<Value>(value));
   }
   m_nil = false;
   m_type = type;
@@ -179,7 +184,7 @@ void RkVariant::SetOwned(std::uint32_t type, Value&& value) {
 template <class T>
 const T& RkVariant::Owned(std::uint32_t type) const {
   RequireType(type);
-  if (const T* const value = m_owned ? std::get_if<T>(&*m_owned) : nullptr) return *value;
+  if (const T* const value = m_owned.Find<T>()) return *value;
   return Empty<T>();
 }
 

@@ -5,6 +5,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
+#include <utility>
 #include <variant>
 
 #include "RkXmlLib16/core/Enumerations.h"
@@ -53,9 +55,10 @@ class RKXML_EXPORT RkVariant {
   void SetInvalid() noexcept {
     if (IsValid()) Begin(0);
   }
-  // The same, but a value keeps its storage for the next one; objects are let go.
+  // The same, but the storage of values is kept for the next ones; objects, octets and long texts are let go.
   void SetUnused() noexcept {
-    if (m_type >= kXmlObject) return Begin(0);
+    const bool isShared = m_type >= kXmlObject || m_type == ItemType_hexBinary || m_type == ItemType_base64Binary;
+    if (isShared || (m_type == ItemType_string && m_text.capacity() > kKeptCapacity)) LetGo();
     m_type = 0;
     m_nil = false;
   }
@@ -184,11 +187,42 @@ class RKXML_EXPORT RkVariant {
     Reference reference;
   };
 
+  // A value that is no scalar. Decimals have a place of their own: objects mostly have them between values of other
+  // kinds, and the storage should outlast those.
+  class Owner {
+   public:
+    bool IsEmpty() const noexcept { return !m_decimal && !m_other; }
+    void Reset() noexcept {
+      m_decimal.reset();
+      m_other.reset();
+    }
+    template <class T>
+    const T* Find() const noexcept {
+      if constexpr (std::is_same_v<T, CDecimal>)
+        return m_decimal ? &*m_decimal : nullptr;
+      else
+        return m_other ? std::get_if<T>(&*m_other) : nullptr;
+    }
+    template <class T, class Value>
+    void Emplace(Value&& value) {
+      if constexpr (std::is_same_v<T, CDecimal>)
+        m_decimal.emplace(std::forward<Value>(value));
+      else
+        m_other.emplace(std::in_place_type<T>, std::forward<Value>(value));
+    }
+
+   private:
+    std::optional<CDecimal> m_decimal;
+    std::optional<std::variant<CBinaryData, CDateTime, CDateTimeSpan, CBigInteger>> m_other;
+  };
+
   // Counts `object` (may be null) and stores both; `collection` is the same object or null.
   void SetReference(std::uint32_t type, CXmlObjectBase* object, CXmlCollectionBase* collection);
-  bool HoldsNothing() const noexcept { return !m_owned.has_value() && m_text.empty() && m_type < kXmlObject; }
+  bool HoldsNothing() const noexcept { return m_owned.IsEmpty() && m_text.empty() && m_type < kXmlObject; }
+  void LetGo() noexcept;
   void Begin(std::uint32_t type) noexcept {
-    if (!HoldsNothing()) Clear();
+    // What an unused variant still has is room for the next value.
+    if (IsValid() && !HoldsNothing()) Clear();
     m_nil = false;
     m_type = type;
   }
@@ -207,11 +241,13 @@ class RKXML_EXPORT RkVariant {
   template <class T>
   const T& Owned(std::uint32_t type) const;
 
+  static constexpr std::size_t kKeptCapacity = 4096;  // longer texts give their storage back
+
   bool m_nil = false;
   std::uint32_t m_type = 0;
   Slot m_slot{};
   std::wstring m_text;
-  std::optional<std::variant<CBinaryData, CDateTime, CDateTimeSpan, CDecimal, CBigInteger>> m_owned;
+  Owner m_owned;
 };
 
 }  // namespace RkXmlLib16

@@ -211,15 +211,16 @@ void CXmlTextWriter::WriteText(std::wstring_view text) {
 void CXmlTextWriter::WriteEndElement() {
   if (m_context == nullptr) throw CRkException(L"There is no open Element to end.");
   const CXmlWriterContext& context = *m_context;
-  wchar_t* to = m_stream.Reserve(IndentLength(context.m_depth) + 3 + context.m_prefix.size() + 1 +
-                                 context.m_localName.size() + m_endOfLine.size());
+  const std::wstring& localName = context.m_localName.Get();
+  wchar_t* to = m_stream.Reserve(IndentLength(context.m_depth) + 3 + context.m_prefix.size() + 1 + localName.size() +
+                                 m_endOfLine.size());
   if (context.m_startTagOpen) {
     *to++ = L'/';
   } else {
     if (context.m_childCount != 0) to = PutIndent(to, context.m_depth);
     *to++ = L'<';
     *to++ = L'/';
-    to = PutQName(to, context.m_prefix, context.m_localName);
+    to = PutQName(to, context.m_prefix, localName);
   }
   m_stream.Commit(PutEndOfTag(to));
   PopContext();

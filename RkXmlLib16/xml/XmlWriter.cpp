@@ -82,14 +82,16 @@ struct CXmlWriter::CXmlWriterContext::Scope {
     index = around != nullptr ? around->index : nullptr;
     firstFree = around != nullptr ? around->firstFree : 0;
     givenAway = around != nullptr && around->givenAway;
-    if (around != nullptr) SetDefault(around->defaultNamespace);
+    if (around != nullptr) defaultNamespace = around->defaultNamespace;
     if (around != nullptr) replaced = around->replaced;
     if (level == kFewScopes && index == nullptr) BuildIndex();
   }
 
-  void SetDefault(const std::wstring& namespaceUri) { defaultNamespace = namespaceUri; }
+  void SetDefault(const std::wstring& namespaceUri) { defaultNamespace.Set(namespaceUri); }
 
-  bool IsDefault(const std::wstring& namespaceUri) const { return WideText::IsEqual(namespaceUri, defaultNamespace); }
+  bool IsDefault(const std::wstring& namespaceUri) const {
+    return WideText::IsEqual(namespaceUri, defaultNamespace.Get());
+  }
 
   // Empties the scope and keeps its storage for another element.
   void Close() noexcept {
@@ -185,7 +187,7 @@ struct CXmlWriter::CXmlWriterContext::Scope {
   }
 
   const Scope* outer = nullptr;
-  std::wstring defaultNamespace;  // set by SetDefault
+  CSharedName defaultNamespace;  // set by SetDefault
   NamespaceMap declared;
   int firstFree = 0;  // all invented prefixes before this one are in use
 
@@ -262,7 +264,9 @@ CXmlWriter::CXmlWriterContext::Scope& CXmlWriter::CXmlWriterContext::OwnScope() 
   return *m_scope;
 }
 
-const std::wstring& CXmlWriter::CXmlWriterContext::GetDefaultNamespace() const { return m_scope->defaultNamespace; }
+const std::wstring& CXmlWriter::CXmlWriterContext::GetDefaultNamespace() const {
+  return m_scope->defaultNamespace.Get();
+}
 
 bool CXmlWriter::CXmlWriterContext::IsDefaultNamespace(const std::wstring& namespaceUri) const {
   return m_scope->IsDefault(namespaceUri);
@@ -381,16 +385,15 @@ CXmlWriter::CXmlWriterContext& CXmlWriter::PushContext(const std::wstring& local
       if (entry->second.empty()) defaultNamespace = &entry->first;
     m_context = std::make_unique<CXmlWriterContext>(localName, namespaceUri, *defaultNamespace, m_namespaces, nullptr);
   } else if (m_closedContexts == nullptr) {
-    std::wstring name = localName;  // copied before the parent moves, so that a failure loses no element
-    std::wstring uri = namespaceUri;
+    CSharedName name(localName);  // before the parent moves, so that a failure loses no element
+    CSharedName uri(namespaceUri);
     auto context = std::make_unique<CXmlWriterContext>(std::wstring(), std::wstring(), std::move(m_context));
-    context->m_localName.swap(name);
-    context->m_namespaceUri.swap(uri);
+    context->m_localName = std::move(name);
+    context->m_namespaceUri = std::move(uri);
     m_context = std::move(context);
   } else {
-    // What was open here before is mostly of the same name.
-    if (!WideText::IsEqual(m_closedContexts->m_localName, localName)) m_closedContexts->m_localName = localName;
-    m_closedContexts->m_namespaceUri = namespaceUri;
+    m_closedContexts->m_localName.Set(localName);
+    m_closedContexts->m_namespaceUri.Set(namespaceUri);
     std::unique_ptr<CXmlWriterContext> context = std::move(m_closedContexts);
     m_closedContexts = std::move(context->m_parent);
     context->m_childCount = 0;

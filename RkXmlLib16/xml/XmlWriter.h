@@ -8,6 +8,7 @@
 
 #include "RkXmlLib16/core/Enumerations.h"
 #include "RkXmlLib16/core/Export.h"
+#include "RkXmlLib16/core/SharedName.h"
 #include "RkXmlLib16/types/Variant.h"
 
 namespace RkXmlLib16 {
@@ -63,8 +64,8 @@ class RKXML_EXPORT CXmlWriter {
     std::uint64_t m_childCount = 0;
     bool m_startTagOpen = true;
     std::int64_t m_depth = 0;
-    std::wstring m_namespaceUri;
-    std::wstring m_localName;
+    CSharedName m_namespaceUri;
+    CSharedName m_localName;
     std::wstring m_prefix;  // as written in the start tag
     std::unique_ptr<CXmlWriterContext> m_parent;
     ContextState m_state = ContextState_None;
@@ -124,12 +125,18 @@ class RKXML_EXPORT CXmlWriter {
     return m_value;
   }
   std::wstring& GetValueBuffer() noexcept { return m_valueBuffer; }
-  // Tells that these two texts, which are about to be given to the writer, stay where and what they are until the
-  // document is written, as the names of a record do: the writer may know them again by their addresses.
-  void SetLastingNames(const std::wstring& localName, const std::wstring& namespaceUri) noexcept {
-    m_lastingLocalName = &localName;
-    m_lastingNamespaceUri = &namespaceUri;
-  }
+  // Two texts that stay where and what they are until the document is written, as the names of a record do, and a
+  // number that no other two have.
+  struct LastingNames {
+    static constexpr std::uint32_t kNoId = UINT32_MAX;
+
+    const std::wstring* localName = nullptr;
+    const std::wstring* namespaceUri = nullptr;
+    std::uint32_t id = kNoId;
+  };
+  // Tells that these are about to be given to the writer, which may know them again by their number.
+  void SetLastingNames(const LastingNames& names) noexcept { m_lastingNames = names; }
+  const LastingNames& GetLastingNames() const noexcept { return m_lastingNames; }
   // The first of "AA", "AB", ... that is not a prefix in the map.
   static std::wstring GetUniquePrefix(const NamespaceMap& namespaces);
   static std::wstring NsIntToString(int n);
@@ -151,8 +158,10 @@ class RKXML_EXPORT CXmlWriter {
   // there, which `invented` tells, so that the caller declares it. An element must be open.
   const std::wstring& RequirePrefix(const std::wstring& namespaceUri, bool& invented);
 
-  bool AreLasting(const std::wstring& localName, const std::wstring& namespaceUri) const noexcept {
-    return &localName == m_lastingLocalName && &namespaceUri == m_lastingNamespaceUri;
+  // The number of two texts that were told to be lasting; kNoId for others.
+  std::uint32_t GetLastingId(const std::wstring& localName, const std::wstring& namespaceUri) const noexcept {
+    const bool areLasting = &localName == m_lastingNames.localName && &namespaceUri == m_lastingNames.namespaceUri;
+    return areLasting ? m_lastingNames.id : LastingNames::kNoId;
   }
 
   std::wstring m_defaultNamespace;
@@ -160,9 +169,8 @@ class RKXML_EXPORT CXmlWriter {
   NamespaceMap m_namespaces;
 
  private:
-  const std::wstring* m_lastingLocalName = nullptr;
-  const std::wstring* m_lastingNamespaceUri = nullptr;
-  RkVariant m_value;
+  LastingNames m_lastingNames;
+  alignas(64) RkVariant m_value;
   std::wstring m_valueBuffer;
   std::unique_ptr<CXmlWriterContext> m_closedContexts;  // kept for reuse, chained by their parents
 };

@@ -1,6 +1,7 @@
 #include "RkXmlLib16/fastinfoset/Writer.h"
 
 #include <functional>
+#include <map>
 
 #include "Expect.h"
 #include "Octets.h"
@@ -113,6 +114,7 @@ TEST(FastInfosetWriter, LastingNamesFollowTheScope) {
   const auto write = [](bool lasting) {
     return Write(CFastInfosetContext(), [lasting](CFastInfosetWriter& w) {
       std::set<std::wstring> texts;
+      std::map<std::pair<const void*, const void*>, std::uint32_t> numbers;
       std::wstring passingName, passingUri;
       const auto give = [&](const wchar_t* nameText, const wchar_t* uriText, const auto& call) {
         passingName = nameText;
@@ -120,7 +122,8 @@ TEST(FastInfosetWriter, LastingNamesFollowTheScope) {
         if (!lasting) return call(passingName, passingUri);
         const std::wstring& name = *texts.insert(nameText).first;
         const std::wstring& uri = *texts.insert(uriText).first;
-        w.SetLastingNames(name, uri);
+        const auto number = numbers.emplace(std::pair(&name, &uri), 60 + numbers.size()).first->second;
+        w.SetLastingNames({&name, &uri, number});
         call(name, uri);
       };
       const auto start = [&](const std::wstring& name, const std::wstring& uri) { w.WriteStartElement(name, uri); };

@@ -155,6 +155,30 @@ TEST(Variant, CountsTheObjectItHolds) {
   EXPECT_EQ(nullptr, v.GetXmlObject().Get());
 }
 
+TEST(Variant, AnUnusedOneHoldsNothingOfTheValueBefore) {
+  for (const auto& [type, name, text] : kKinds)
+    for (const auto& [nextType, nextName, nextText] : kKinds) {
+      RkVariant v;
+      v.FromString(text, type);
+      v.SetUnused();
+      EXPECT_FALSE(v.IsValid());
+      v.FromString(nextText, nextType);
+      ASSERT_EQ(nextText, RkVariant(v).ToString()) << "after " << text;
+      v.SetNil();
+      EXPECT_TEXT(nextName, v.GetType());
+      v.FromString(text, type);
+      ASSERT_EQ(text, v.ToString()) << "after nil " << nextText;
+    }
+  CProbe::gone = false;
+  RkVariant v;
+  v.SetXmlObject(new CProbe);
+  v.SetUnused();
+  EXPECT_TRUE(CProbe::gone);
+  v.SetXmlObject(nullptr);
+  v.SetUnused();
+  EXPECT_FALSE(v.IsValid());
+}
+
 TEST(Variant, TakesItsOwnValueAgain) {
   RkVariant v;
   v.SetString(L"a text that is longer than a short string");

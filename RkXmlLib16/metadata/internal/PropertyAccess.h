@@ -5,6 +5,7 @@
 
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/core/GeneratedClass.h"
+#include "RkXmlLib16/core/SharedName.h"
 #include "RkXmlLib16/support/Format.h"
 #include "RkXmlLib16/types/Variant.h"
 
@@ -12,13 +13,14 @@ namespace RkXmlLib16Data {
 
 // The property that a record called `name` describes. A CRkException of the accessor is wrapped in
 // CRkValidationException "Failed to get the property value for [%ls].".
-inline void GetProperty(RkXmlLib16::CXmlGeneratedClass& object, int index, const std::wstring& name,
+inline void GetProperty(RkXmlLib16::CXmlGeneratedClass& object, int index, const RkXmlLib16::CSharedName& name,
                         RkXmlLib16::RkVariant& value) {
   try {
     object.AccessProperty(index, /*get=*/true, value);
   } catch (const RkXmlLib16::CRkException& e) {
     throw RkXmlLib16::CRkValidationException(
-        RkXmlLib16::FormatString(L"Failed to get the property value for [%ls].", name.c_str()), std::wstring(), e);
+        RkXmlLib16::FormatString(L"Failed to get the property value for [%ls].", name.Get().c_str()), std::wstring(),
+        e);
   }
 }
 
