@@ -385,7 +385,8 @@ void CJsonTextWriter::WriteMember(std::wstring_view marker, const std::wstring& 
     to = m_stream.Reserve(1 + MemberHead::kLongest + valueRoom);
     *to = L',';
     if (isFurther) ++to;
-    std::copy_n(head->text, MemberHead::kLongest, to);
+    for (std::size_t i = 0; i < MemberHead::kLongest; i += 4)
+      WideText::StoreFour(to + i, WideText::LoadFour(head->text + i));
     to += head->length;
   } else {
     const std::wstring_view start = LineStart(level);
