@@ -5,7 +5,6 @@
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/core/SerializationContext.h"
 #include "RkXmlLib16/core/SmartPtr.h"
-#include "RkXmlLib16/core/internal/TextOrEmpty.h"
 #include "RkXmlLib16/support/Format.h"
 #include "RkXmlLib16/types/Variant.h"
 
@@ -27,7 +26,7 @@ CXmlCollectionBase::CXmlCollectionBase() = default;
 
 CXmlCollectionBase::CXmlCollectionBase(const wchar_t* name, const wchar_t* namespaceUri, int minOccurs, int maxOccurs)
     : m_minOccurs(minOccurs), m_maxOccurs(maxOccurs) {
-  m_namespaceUri.Set(TextOrEmpty(namespaceUri));
+  m_namespaceUri.Set(namespaceUri);
   SetElementName(name);
 }
 
@@ -136,5 +135,11 @@ void RkVariant::SetXmlCollection(CXmlCollectionBase* collection) {
 }
 
 CSmartPtr<CXmlCollectionBase> RkVariant::GetXmlCollection() const { return PeekXmlCollection(); }
+
+CSmartPtr<CXmlCollectionBase> RkVariant::TakeXmlCollection() noexcept {
+  CSmartPtr<CXmlCollectionBase> collection;
+  if (m_type == kXmlCollection) collection.Attach(std::exchange(m_slot.reference, Reference{}).collection);
+  return collection;
+}
 
 }  // namespace RkXmlLib16

@@ -92,7 +92,7 @@ void CXmlGeneratedClass::WriteContent(CXmlWriter* writer, const CSerializationCo
   }
   if (!HasSimpleContent(info)) return;
 
-  RkVariant value;
+  RkVariant& value = writer->BeginValue();
   ReadProperty(info.GetSimpleContentProperty(), value);
   if (value.IsNil()) {
     writer->WriteAttributeNil();

@@ -12,7 +12,7 @@ CXmlObjectBase::~CXmlObjectBase() = default;
 
 void CXmlObjectBase::AttributesToXml_Int(CXmlWriter* /*writer*/, const CSerializationContext& /*context*/) const {}
 
-void CXmlObjectBase::SetElementName(const wchar_t* name) { m_elementName.Set(TextOrEmpty(name)); }
+void CXmlObjectBase::SetElementName(const wchar_t* name) { m_elementName.Set(name); }
 
 void CXmlObjectBase::ToXml_Int(const CXmlObjectBase* object, CXmlWriter* writer, bool registerNamespaces,
                                const wchar_t* namespaceUri, const CSerializationContext& context,

@@ -116,9 +116,10 @@ void CElementInfo::InvokePropertySet(CXmlGeneratedClass* object, RkVariant& valu
 
 bool CElementInfo::ElementToXmlCol(const CSerializationContext& context, const CXmlGeneratedClass* object,
                                    CXmlWriter* writer) const {
-  RkVariant value;
+  RkVariant& value = writer->BeginValue();
   ReadProperty(object, value);
-  return WriteCollection(context, value.PeekXmlCollection(), writer);
+  const CSmartPtr<CXmlCollectionBase> collection = value.TakeXmlCollection();
+  return WriteCollection(context, collection, writer);
 }
 
 bool CElementInfo::WriteCollection(const CSerializationContext& context, const CXmlCollectionBase* collection,

@@ -141,6 +141,7 @@ class RKXML_EXPORT RkVariant {
 
   // The same, and nothing stays in the variant, which keeps its type.
   CSmartPtr<CXmlObjectBase> TakeXmlObject() noexcept;
+  CSmartPtr<CXmlCollectionBase> TakeXmlCollection() noexcept;
 
   // The same, borrowed until the variant changes.
   CXmlObjectBase* PeekXmlObject() const noexcept { return m_type == kXmlObject ? m_slot.reference.object : nullptr; }

@@ -3,11 +3,13 @@
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/core/GeneratedClass.h"
 #include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/metadata/internal/ReadingValue.h"
 #include "RkXmlLib16/support/Format.h"
 #include "RkXmlLib16/types/Variant.h"
 #include "RkXmlLib16/wildcards/Element.h"
 #include "RkXmlLib16/wildcards/ElementCol.h"
 #include "RkXmlLib16/xml/ElementTree.h"
+#include "RkXmlLib16/xml/XmlWriter.h"
 
 namespace RkXmlLib16Data {
 
@@ -28,9 +30,9 @@ bool RequireWritten(const CElementInfo& info, bool written) {
 
 bool CheckedColToXml(const CElementInfo& info, const CSerializationContext& context, const CXmlGeneratedClass* object,
                      CXmlWriter* writer) {
-  RkVariant value;
+  RkVariant& value = writer->BeginValue();
   info.ReadProperty(object, value);
-  const CXmlCollectionBase* const collection = value.PeekXmlCollection();
+  const CSmartPtr<CXmlCollectionBase> collection = value.TakeXmlCollection();
   if (collection != nullptr && !context.GetIgnoreInvalidCollectionCounts()) collection->ValidateCount(context);
   return info.WriteCollection(context, collection, writer);
 }
@@ -42,15 +44,15 @@ void ThrowMissingChild(const CElementInfo& info, const CXmlElement* parent) {
 }
 
 CSmartPtr<CXmlObjectBase> GetChild(const CElementInfo& info, const CXmlGeneratedClass* object) {
-  RkVariant value;
-  info.ReadProperty(object, value);
-  return value.GetXmlObject();
+  ReadingValue value(/*charCount=*/0);
+  info.ReadProperty(object, value.Get());
+  return value.Get().TakeXmlObject();
 }
 
 CSmartPtr<CXmlCollectionBase> GetCollection(const CElementInfo& info, const CXmlGeneratedClass* object) {
-  RkVariant value;
-  info.ReadProperty(object, value);
-  return value.GetXmlCollection();
+  ReadingValue value(/*charCount=*/0);
+  info.ReadProperty(object, value.Get());
+  return value.Get().TakeXmlCollection();
 }
 
 CSmartPtr<CXmlObjectBase> CreateChild(const CElementInfo& info, ClassFactory factory, int classId) {
@@ -72,9 +74,9 @@ CSmartPtr<CXmlObjectBase> GetOrCreateChild(const CElementInfo& info, CXmlGenerat
 
 void StoreChild(const CElementInfo& info, CXmlGeneratedClass* object, CXmlObjectBase* child,
                 const CXmlElement& element) {
-  RkVariant value;
-  value.SetXmlObject(child);
-  info.InvokePropertySet(object, value, element);
+  ReadingValue value(/*charCount=*/0);
+  value.Get().SetXmlObject(child);
+  info.InvokePropertySet(object, value.Get(), element);
 }
 
 void StoreNull(const CElementInfo& info, CXmlGeneratedClass* object, const CXmlElement& element) {
