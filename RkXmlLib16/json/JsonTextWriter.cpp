@@ -488,7 +488,7 @@ void CJsonTextWriter::MakeHead(MemberHead& head, std::uint32_t lastingId, std::i
   if (head.length > std::size(text)) return;
   const wchar_t* const end = CopyKey(WideText::Copy(text, start), marker, kNone, localName);
   head.length = static_cast<std::size_t>(end - text);
-  std::copy_n(text, std::min(head.length, MemberHead::kLongest), head.text);
+  std::fill(std::copy_n(text, std::min(head.length, MemberHead::kLongest), head.text), std::end(head.text), L'\0');
 }
 
 void CJsonTextWriter::ForgetHeads() noexcept {

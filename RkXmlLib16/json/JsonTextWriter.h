@@ -96,8 +96,8 @@ class RKXML_EXPORT CJsonTextWriter : public CXmlWriter {
     std::uint32_t id = LastingNames::kNoId;
     bool isMarked;
     std::int64_t level;
-    std::size_t length;  // beyond the longest: there is none
-    wchar_t text[kLongest];
+    std::size_t length;      // beyond the longest: there is none
+    wchar_t text[kLongest];  // written whole, whatever the length
   };
 
   Frame& Top() { return m_frames[m_frameCount - 1]; }

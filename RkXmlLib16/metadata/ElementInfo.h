@@ -98,6 +98,7 @@ class RKXML_EXPORT CElementInfo {
                                          CXmlWriter* writer) const;
 
   const std::wstring& GetElementName() const noexcept { return m_elementName.Get(); }
+  // The same without a look at it.
   const RkXmlLib16::CSharedName& GetSharedElementName() const noexcept { return m_elementName; }
   const std::wstring& GetNamespace() const noexcept { return m_namespace.Get(); }
   int GetPropertyIndex() const noexcept { return m_propertyIndex; }
