@@ -36,7 +36,7 @@ void CXmlObjectBase::Choice_SelectElement(const wchar_t* name, CXmlObjectBase* v
   if (WideText::IsEqual(selected, wanted)) {
     if (value == nullptr) selected.clear();
   } else if (selected.empty()) {
-    selected = wanted;
+    selected = std::wstring(wanted);  // in fewer steps than an assignment
   } else if (value != nullptr) {
     ThrowAlreadySet(selected);
   }
