@@ -73,7 +73,7 @@ TEST(FastInfosetBinaryData, Failures) {
   for (const auto& [algorithm, name] : numbers)
     EXPECT_THROWS(CRkException, L"Invalid value for " + name + L" byte encoding.",
                   Holding("01 02 03").GetAsString(algorithm));
-  for (const unsigned long algorithm : {0, 10, 11})
+  for (const unsigned long algorithm : {0u, 10u, 11u})
     EXPECT_THROWS(CRkException, L"Unknown byte encoding.", Holding("01 02 03").GetAsString(algorithm));
   EXPECT_THROWS(CRkException, L"Unknown byte encoding.", Encoded(11, L"1"));
   EXPECT_THROWS(CRkException, L"Invalid length in hex string", Encoded(1, L"ABC"));

@@ -223,13 +223,13 @@ TEST(FastInfosetWriter, IndexBoundaries) {
   context.SetElementMaxAddLength(10);
   for (const auto& [index, element, attribute, value, chunk] : rows) {
     SCOPED_TRACE(index);
-    const Octets octets = Write(context, [&](CFastInfosetWriter& w) {
+    const Octets octets = Write(context, [last = index](CFastInfosetWriter& w) {
       const auto write = [&w](const std::wstring& n) {
         Replay(w, L"<" + n + L" @" + n + L"=" + n + L" '" + n + L"'>");
       };
       w.WriteStartElement(L"n1", L"");
-      for (std::size_t n = 1; n <= index; ++n) write(L"n" + std::to_wstring(n));
-      write(L"n" + std::to_wstring(index));
+      for (std::size_t n = 1; n <= last; ++n) write(L"n" + std::to_wstring(n));
+      write(L"n" + std::to_wstring(last));
     });
     Octets start = FromHex(element);
     start[0] |= 0x40;

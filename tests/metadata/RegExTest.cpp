@@ -43,7 +43,7 @@ TEST(RegEx, RewritesXsdEscapesAndMatchesTheWholeValue) {
 }
 
 TEST(RegEx, ValuesOfAnyLengthMatchWhole) {
-  for (const std::size_t length : {0, 1, 63, 64, 65, 255, 256, 257}) {
+  for (const std::size_t length : {0u, 1u, 63u, 64u, 65u, 255u, 256u, 257u}) {
     for (const wchar_t c : {L'a', L'\xE9', L'\x4E2D', L'\U0001F600', L'\xD800'}) {
       const std::wstring value(length, c);
       EXPECT_TRUE(TestRegEx(".{" + std::to_string(length) + "}", value)) << length;
