@@ -98,6 +98,7 @@ void CXmlGeneratedClass::WriteContent(CXmlWriter* writer, const CSerializationCo
     writer->WriteAttributeNil();
   } else {
     writer->WriteString(ValueText(value, info.GetSimpleContentFormat(), *writer), value.GetItemType());
+    value.SetUnused();
   }
 }
 

@@ -9,17 +9,16 @@
 
 namespace RkXmlLib16 {
 
-// The names that a thread set last, each in the place that its ends, its middle and its length give.
+// The names that a thread set last, each in the place that its characters give.
 class CSharedName::Recent {
  public:
   // Null for long names, which are not kept, and when the thread has ended its names.
   static CSharedName* Find(std::wstring_view name) {
     Recent* const recent = name.size() <= kLongest ? CThreadObject<Recent>::Get() : nullptr;
     if (recent == nullptr) return nullptr;
-    const std::size_t length = name.size();
-    const auto first = static_cast<std::size_t>(name.front()), last = static_cast<std::size_t>(name.back());
-    const auto middle = static_cast<std::size_t>(name[length / 2]);
-    return &recent->m_names[(first * 31 + middle * 13 + last * 7 + length * 3) % kCount];
+    std::uint32_t hash = 0;
+    for (const wchar_t c : name) hash = hash * 31 + static_cast<std::uint32_t>(c);
+    return &recent->m_names[(hash * 0x9E3779B1u >> 16) % kCount];
   }
   // The same by the place of the name's text; only names in their own places are kept there.
   static CSharedName* FindPlace(const wchar_t* text) {
@@ -29,7 +28,7 @@ class CSharedName::Recent {
 
  private:
   static constexpr std::size_t kCount = 256;
-  static constexpr std::size_t kLongest = 64;
+  static constexpr std::size_t kLongest = 256;
 
   static constexpr std::size_t kPlaces = 64;
 

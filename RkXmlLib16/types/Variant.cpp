@@ -72,19 +72,14 @@ template <class Call>
 
 }  // namespace
 
-RkVariant::RkVariant(const RkVariant& other)
-    : m_nil(other.m_nil), m_type(other.m_type), m_slot(other.m_slot), m_text(other.m_text), m_owned(other.m_owned) {
+RkVariant::RkVariant(const RkVariant& other) : m_nil(other.m_nil), m_type(other.m_type), m_slot(other.m_slot) {
+  TakeValue(other);
   if (m_type >= kXmlObject && m_slot.reference.object != nullptr) m_slot.reference.object->AddRef();
 }
 
 RkVariant::RkVariant(RkVariant&& other) noexcept
-    : m_nil(std::exchange(other.m_nil, false)),
-      m_type(std::exchange(other.m_type, 0)),
-      m_slot(other.m_slot),
-      m_text(std::move(other.m_text)),
-      m_owned(std::move(other.m_owned)) {
-  other.m_text.clear();
-  other.m_owned.Reset();
+    : m_nil(std::exchange(other.m_nil, false)), m_type(std::exchange(other.m_type, 0)), m_slot(other.m_slot) {
+  TakeValue(std::move(other));
 }
 
 RkVariant& RkVariant::operator=(const RkVariant& other) {
@@ -99,15 +94,20 @@ RkVariant& RkVariant::operator=(RkVariant&& other) noexcept {
   m_nil = std::exchange(other.m_nil, false);
   m_type = std::exchange(other.m_type, 0);
   m_slot = other.m_slot;
-  m_text = std::move(other.m_text);
-  m_owned = std::move(other.m_owned);
-  other.m_text.clear();
-  other.m_owned.Reset();
+  TakeValue(std::move(other));
   return *this;
 }
 
+template <class Other>
+void RkVariant::TakeValue(Other&& other) {
+  if (m_type == ItemType_string)
+    m_text = std::forward<Other>(other).m_text;
+  else
+    m_owned.Take(m_type, std::forward<Other>(other).m_owned);
+}
+
 RkVariant::~RkVariant() {
-  if (!HoldsNothing()) Clear();
+  if (m_type >= kXmlObject) Clear();
 }
 
 void RkVariant::Clear() noexcept {
@@ -149,8 +149,8 @@ bool RkVariant::MayHold(const void* value) const noexcept {
 }
 
 template <class T>
-T* RkVariant::Held() noexcept {
-  return const_cast<T*>(m_owned.Find<T>());
+T* RkVariant::Room(std::uint32_t type) noexcept {
+  return m_type == 0 || m_type == type ? const_cast<T*>(m_owned.Find<T>()) : nullptr;
 }
 
 // Reads a text of the plain shape into the value of this type that the variant holds already, where no lack of memory
@@ -158,7 +158,7 @@ T* RkVariant::Held() noexcept {
 template <class T>
 bool RkVariant::ReadInPlace(std::uint32_t type, std::wstring_view text) {
   constexpr std::size_t kInline = 16;  // digits
-  T* const present = noexcept(std::declval<T>().ParsePlain(text)) || text.size() <= kInline ? Held<T>() : nullptr;
+  T* const present = noexcept(std::declval<T>().ParsePlain(text)) || text.size() <= kInline ? Room<T>(type) : nullptr;
   if (present == nullptr || !present->ParsePlain(text)) return false;
   m_nil = false;
   m_type = type;
@@ -167,7 +167,7 @@ bool RkVariant::ReadInPlace(std::uint32_t type, std::wstring_view text) {
 
 template <class T, class Value>
 void RkVariant::SetOwned(std::uint32_t type, Value&& value) {
-  if (T* const present = Held<T>()) {
+  if (T* const present = Room<T>(type)) {
     *present = std::forward<Value>(value);
   } else if (MayHold(&value)) {
     T copy(std::forward<Value>(value));

@@ -212,7 +212,22 @@ class RKXML_EXPORT RkVariant {
         m_other.emplace(std::in_place_type<T>, std::forward<Value>(value));
     }
 
+    // The value of this type that the other one has, and nothing else.
+    template <class OtherOwner>
+    void Take(std::uint32_t type, OtherOwner&& other) {
+      if (type == ItemType_decimal)
+        m_decimal = std::forward<OtherOwner>(other).m_decimal;
+      else if (IsOther(type))
+        m_other = std::forward<OtherOwner>(other).m_other;
+    }
+
    private:
+    static constexpr bool IsOther(std::uint32_t type) noexcept {
+      return type == ItemType_hexBinary || type == ItemType_base64Binary || type == ItemType_integer ||
+             (type >= ItemType_duration && type <= ItemType_gMonthDay) ||
+             (type >= ItemType_date && type <= ItemType_time);
+    }
+
     std::optional<CDecimal> m_decimal;
     std::optional<std::variant<CBinaryData, CDateTime, CDateTimeSpan, CBigInteger>> m_other;
   };
@@ -229,8 +244,13 @@ class RKXML_EXPORT RkVariant {
   }
   void RequireType(std::uint32_t type) const;
   bool MayHold(const void* value) const noexcept;
+  // The value of this kind that the variant has, as room for the next one of the type; null when there is none, or when
+  // the variant has a value of another type to let go.
   template <class T>
-  T* Held() noexcept;
+  T* Room(std::uint32_t type) noexcept;
+  // What the type says that the other one holds.
+  template <class Other>
+  void TakeValue(Other&& other);
   template <class T>
   bool ReadInPlace(std::uint32_t type, std::wstring_view text);
   template <ItemType kItem>

@@ -1,6 +1,9 @@
 #include "RkXmlLib16/types/Variant.h"
 
+#include <malloc.h>
+
 #include <utility>
+#include <vector>
 
 #include "Expect.h"
 #include "RkXmlLib16/core/SmartPtr.h"
@@ -164,19 +167,63 @@ TEST(Variant, AnUnusedOneHoldsNothingOfTheValueBefore) {
       EXPECT_FALSE(v.IsValid());
       v.FromString(nextText, nextType);
       ASSERT_EQ(nextText, RkVariant(v).ToString()) << "after " << text;
-      v.SetNil();
-      EXPECT_TEXT(nextName, v.GetType());
+      // The first value's kind again, before the variant is unused.
       v.FromString(text, type);
-      ASSERT_EQ(text, v.ToString()) << "after nil " << nextText;
+      ASSERT_EQ(text, v.ToString()) << "after " << nextText;
+      v.SetNil();
+      EXPECT_TEXT(name, v.GetType());
+      v.FromString(nextText, nextType);
+      ASSERT_EQ(nextText, v.ToString()) << "after nil " << text;
     }
-  CProbe::gone = false;
+}
+
+TEST(Variant, LetsAnObjectGoWhateverItKeeps) {
+  for (const auto& [type, name, text] : kKinds) {
+    for (const bool isUnused : {true, false}) {
+      CProbe::gone = false;
+      RkVariant v;
+      v.FromString(text, type);
+      v.SetUnused();
+      v.SetXmlObject(new CProbe);
+      if (isUnused) v.SetUnused();
+      v.FromString(text, type);
+      EXPECT_TRUE(CProbe::gone) << text;
+    }
+  }
   RkVariant v;
-  v.SetXmlObject(new CProbe);
-  v.SetUnused();
-  EXPECT_TRUE(CProbe::gone);
   v.SetXmlObject(nullptr);
   v.SetUnused();
   EXPECT_FALSE(v.IsValid());
+}
+
+TEST(Variant, SharesOctetsWhileTheyAreItsValue) {
+  for (const ItemType type : {ItemType_hexBinary, ItemType_decimal}) {
+    unsigned char bytes[] = {1, 2, 3};
+    CBinaryData octets(bytes, 3, /*copy=*/true);
+    const unsigned char* const own = std::as_const(octets).GetData();
+    RkVariant v;
+    v.SetDecimal(CDecimal(L"1"));
+    v.SetUnused();
+    v.SetHexBinary(octets);
+    if (type == ItemType_decimal) v.SetDecimal(CDecimal(L"2"));
+    v.SetUnused();
+    EXPECT_EQ(own, octets.GetData());  // shared ones would be copied first
+  }
+}
+
+TEST(Variant, CopiesTakeNothingButTheValue) {
+  RkVariant v;
+  v.SetString(std::wstring(1000, L's'));
+  v.SetUnused();
+  v.FromString(std::wstring(2000, L'7'), ItemType_decimal);
+  v.SetUnused();
+  v.SetI4(1);
+  const std::size_t before = mallinfo2().uordblks;
+  const std::vector<RkVariant> copies(100, v);
+  const RkVariant moved(std::move(v));
+  EXPECT_GT(100 * sizeof(RkVariant) + 1000, mallinfo2().uordblks - before);
+  EXPECT_TEXT(L"1", copies.back().ToString());
+  EXPECT_TEXT(L"1", moved.ToString());
 }
 
 TEST(Variant, TakesItsOwnValueAgain) {
