@@ -207,7 +207,8 @@ TEST(Variant, SharesOctetsWhileTheyAreItsValue) {
     v.SetHexBinary(octets);
     if (type == ItemType_decimal) v.SetDecimal(CDecimal(L"2"));
     v.SetUnused();
-    EXPECT_EQ(own, octets.GetData());  // shared ones would be copied first
+    octets[0] = 9;
+    EXPECT_EQ(own, std::as_const(octets).GetData());  // shared ones would have been copied
   }
 }
 
