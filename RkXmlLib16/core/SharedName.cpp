@@ -28,9 +28,8 @@ class CSharedName::Recent {
 
  private:
   static constexpr std::size_t kCount = 256;
-  static constexpr std::size_t kLongest = 256;
-
   static constexpr std::size_t kPlaces = 64;
+  static constexpr std::size_t kLongest = 256;  // characters
 
   std::array<CSharedName, kCount> m_names;
   std::array<CSharedName, kPlaces> m_places;

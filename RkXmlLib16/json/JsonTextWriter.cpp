@@ -77,8 +77,6 @@ void CJsonTextWriter::SetFormat(bool format) noexcept {
   ForgetHeads();
 }
 
-void CJsonTextWriter::SetSupportRoundtrip(JsonRoundTrip mode) noexcept { m_roundTrip = mode; }
-
 void CJsonTextWriter::SetStrictOutput(bool strict) noexcept {
   m_strict = strict;
   ForgetHeads();

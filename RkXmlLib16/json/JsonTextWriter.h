@@ -41,7 +41,7 @@ class RKXML_EXPORT CJsonTextWriter : public CXmlWriter {
   void SetEOLType(EOLType type);
   // Namespaces at first.
   JsonRoundTrip GetSupportRoundtrip() const noexcept { return m_roundTrip; }
-  void SetSupportRoundtrip(JsonRoundTrip mode) noexcept;
+  void SetSupportRoundtrip(JsonRoundTrip mode) noexcept { m_roundTrip = mode; }
   // RFC 8259 text always; off at first. See CJsonContext::SetStrictOutput.
   bool GetStrictOutput() const noexcept { return m_strict; }
   void SetStrictOutput(bool strict) noexcept;

@@ -170,7 +170,7 @@ class RKXML_EXPORT CXmlWriter {
 
  private:
   LastingNames m_lastingNames;
-  alignas(64) RkVariant m_value;
+  RkVariant m_value;
   std::wstring m_valueBuffer;
   std::unique_ptr<CXmlWriterContext> m_closedContexts;  // kept for reuse, chained by their parents
 };

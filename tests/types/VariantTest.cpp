@@ -197,7 +197,7 @@ TEST(Variant, LetsAnObjectGoWhateverItKeeps) {
 }
 
 TEST(Variant, SharesOctetsWhileTheyAreItsValue) {
-  for (const ItemType type : {ItemType_hexBinary, ItemType_decimal}) {
+  for (const bool isCovered : {false, true}) {
     unsigned char bytes[] = {1, 2, 3};
     CBinaryData octets(bytes, 3, /*copy=*/true);
     const unsigned char* const own = std::as_const(octets).GetData();
@@ -205,7 +205,7 @@ TEST(Variant, SharesOctetsWhileTheyAreItsValue) {
     v.SetDecimal(CDecimal(L"1"));
     v.SetUnused();
     v.SetHexBinary(octets);
-    if (type == ItemType_decimal) v.SetDecimal(CDecimal(L"2"));
+    if (isCovered) v.SetDecimal(CDecimal(L"2"));
     v.SetUnused();
     octets[0] = 9;
     EXPECT_EQ(own, std::as_const(octets).GetData());  // shared ones would have been copied
