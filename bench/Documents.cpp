@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <random>
+#include <vector>
 
 namespace Bench {
 
@@ -51,6 +52,36 @@ std::string MakeGpx(std::size_t bytes) {
   }
   out += "\t\t</trkseg>\n\t</trk>\n</gpx>\n";
   return out;
+}
+
+std::string MakeProse(std::size_t bytes) {
+  static const std::vector<std::vector<const char*>> languages = {
+      {"The", "quick", "brown", "fox", "jumps", "over", "salt", "&amp;", "a", "&lt;lazy&gt;", "dog's", "shadow."},
+      {"Über", "die", "Brücke", "läuft", "ein", "müder", "Esel", "ohne", "Gepäck", "nach", "Süden."},
+      {"Съешь", "же", "ещё", "этих", "мягких", "французских", "булок,", "да", "выпей", "чаю."},
+      {"天地玄黄，", "宇宙洪荒。", "日月盈昃，", "辰宿列张。", "寒来暑往，", "秋收冬藏。"}};
+  std::mt19937 random(18);
+  std::string out =
+      "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+      "<gpx xmlns=\"http://www.topografix.com/GPX/1/1\" version=\"1.1\" creator=\"bench\">\n";
+  for (int place = 0; out.size() + 512 < bytes; ++place) {
+    const auto& words = languages[static_cast<std::size_t>(place) % languages.size()];
+    const auto text = [&](const char* name, int count) {
+      Print(out, "\t\t<%s>", name);
+      for (int i = 0; i < count; ++i) {
+        if (i != 0) out += ' ';
+        out += words[random() % words.size()];
+      }
+      Print(out, "</%s>\n", name);
+    };
+    Print(out, "\t<wpt lat=\"%d.%05d\" lon=\"%d.%05d\">\n", Pick(random, -89, 89), Pick(random, 0, 99999),
+          Pick(random, -179, 179), Pick(random, 0, 99999));
+    text("name", 3);
+    text("cmt", Pick(random, 5, 20));
+    text("desc", Pick(random, 10, 40));
+    out += "\t</wpt>\n";
+  }
+  return out += "</gpx>\n";
 }
 
 std::string MakeOrder(std::size_t bytes) {

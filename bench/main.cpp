@@ -8,139 +8,28 @@
 #include <chrono>
 #include <cstdio>
 #include <cstring>
-#include <functional>
 #include <map>
-#include <memory>
 #include <string>
 #include <vector>
 
 #include "AllocationCount.h"
-#include "Documents.h"
-#include "Expat.h"
-#include "Gpx.h"
-#include "Order.h"
+#include "Roads.h"
 
-using namespace RkXmlLib16;
+using Bench::Road;
+using Bench::Subject;
+using RkXmlLib16::CRkException;
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// One road of one document: `run` is timed, `prepare` and `finish` are not.
-struct Road {
-  std::string name;
-  std::function<void()> prepare = [] {};
-  std::function<void()> run;
-  std::function<void()> finish = [] {};
-};
-
-struct Subject {
-  std::string name;
-  std::size_t bytes;     // of XML text
-  std::size_t elements;  // in it
-  std::vector<Road> roads;
-  std::shared_ptr<void> held;  // what the roads work on
-};
-
-template <class Root>
-struct Held {
-  std::string xml;
-  CBinaryData json, finf, finfTyped, gzip;
-  CSerializationContext context, typed;
-  CSmartPtr<Root> object;  // filled
-  CSmartPtr<Root> target;
-  std::unique_ptr<CXmlDocument> document;
-  CBinaryData out;
-};
-
-unsigned char* Bytes(const std::string& text) {
-  return const_cast<unsigned char*>(reinterpret_cast<const unsigned char*>(text.data()));
-}
-
-// The C library puts off joining small pieces of memory that were freed until someone asks for a larger one. Done where
-// objects are dropped, it costs no road that comes after.
-void SettleHeap() {
-  const std::vector<char> larger(4096);
-  benchmark::DoNotOptimize(larger.data());
-}
-
-template <class Root>
-Subject MakeSubject(const std::string& name, std::string&& xml) {
-  auto held = std::make_shared<Held<Root>>();
-  Held<Root>& h = *held;
-  h.xml = std::move(xml);
-  h.object = new Root;
-  h.context.SetDefaultNamespaceURI(h.object->GetTargetNamespace());
-  h.context.GetNamespaceAliases().Add(L"xsi", L"http://www.w3.org/2001/XMLSchema-instance");
-  h.context.GetNamespaceAliases().Add(L"tp", L"urn:example:trackpoint");
-  h.typed = h.context;
-  h.typed.GetFIContext();
-  h.object->FromXmlStream(Bytes(h.xml), h.xml.size(), h.context);
-  h.json = h.object->ToJsonStream(true, XmlEncoding_UTF8, EOLType_LF, h.context, CompressionType_None);
-  h.finf = h.object->ToFastInfosetStream(FInfoDecl_None, h.context, CompressionType_None);
-  h.typed.GetFIContext()->SetSuggestedValues();
-  h.finfTyped = h.object->ToFastInfosetStream(FInfoDecl_None, h.typed, CompressionType_None);
-  h.gzip = h.object->ToXmlStream(true, true, XmlEncoding_UTF8, EOLType_LF, h.context, CompressionType_GZip);
-
-  const auto fresh = [&h] { h.target = new Root; };
-  const auto drop = [&h] {
-    h.target = nullptr;
-    SettleHeap();
+void PrintSizes(const Subject& subject) {
+  const auto ratio = [&subject](std::size_t bytes) {
+    return static_cast<double>(bytes) / static_cast<double>(subject.bytes);
   };
-  const auto clear = [&h] { h.out.Clear(); };
-  const auto newDocument = [&h] { h.document = std::make_unique<CXmlDocument>(h.context); };
-  const auto dropDocument = [&h] { h.document.reset(); };
-  const auto load = [&h] { h.document->LoadXmlStream(Bytes(h.xml), h.xml.size()); };
-  const auto read = [&h] { h.target->FromXmlStream(Bytes(h.xml), h.xml.size(), h.context); };
-
-  Subject subject{name, h.xml.size(), 0, {}, held};
-  subject.elements = Bench::ParseWithBareExpat(h.xml);
-  auto& roads = subject.roads;
-  roads.push_back({"bare expat", [] {}, [&h] { Bench::ParseWithBareExpat(h.xml); }});
-  roads.push_back({"XML bytes to tree", newDocument, load, dropDocument});
-  roads.push_back({"XML bytes to objects", fresh, read, drop});
-  roads.push_back({"objects to XML bytes", clear, [&h] {
-                     h.out = h.object->ToXmlStream(true, true, XmlEncoding_UTF8, EOLType_LF, h.context,
-                                                   CompressionType_None);
-                   }});
-  roads.push_back({"objects to JSON bytes", clear, [&h] {
-                     h.out =
-                         h.object->ToJsonStream(true, XmlEncoding_UTF8, EOLType_LF, h.context, CompressionType_None);
-                   }});
-  roads.push_back({"objects to Fast Infoset", clear,
-                   [&h] { h.out = h.object->ToFastInfosetStream(FInfoDecl_None, h.context, CompressionType_None); }});
-  roads.push_back({"objects to Fast Infoset, typed", clear,
-                   [&h] { h.out = h.object->ToFastInfosetStream(FInfoDecl_None, h.typed, CompressionType_None); }});
-  roads.push_back({"objects to XML bytes, gzip", clear, [&h] {
-                     h.out = h.object->ToXmlStream(true, true, XmlEncoding_UTF8, EOLType_LF, h.context,
-                                                   CompressionType_GZip);
-                   }});
-  roads.push_back({"JSON bytes to objects", fresh, [&h] { h.target->FromJsonStream(h.json, h.context); }, drop});
-  roads.push_back({"Fast Infoset to tree", newDocument,
-                   [&h] { h.document->LoadXmlStream(h.finf.GetData(), h.finf.GetLength()); }, dropDocument});
-  roads.push_back({"Fast Infoset to objects", fresh, [&h] { h.target->FromXmlStream(h.finf, h.context); }, drop});
-  roads.push_back(
-      {"Fast Infoset, typed, to objects", fresh, [&h] { h.target->FromXmlStream(h.finfTyped, h.context); }, drop});
-  roads.push_back({"XML bytes, gzip, to objects", fresh, [&h] { h.target->FromXmlStream(h.gzip, h.context); }, drop});
-  roads.push_back({"destruction of the tree",
-                   [=] {
-                     newDocument();
-                     load();
-                   },
-                   dropDocument});
-  roads.push_back({"destruction of the objects",
-                   [=] {
-                     fresh();
-                     read();
-                   },
-                   drop});
   std::printf("%s: %zu bytes of XML, %zu elements; JSON %.2f, Fast Infoset %.3f, typed %.3f, gzip %.3f of it\n",
-              name.c_str(), h.xml.size(), subject.elements,
-              static_cast<double>(h.json.GetLength()) / static_cast<double>(h.xml.size()),
-              static_cast<double>(h.finf.GetLength()) / static_cast<double>(h.xml.size()),
-              static_cast<double>(h.finfTyped.GetLength()) / static_cast<double>(h.xml.size()),
-              static_cast<double>(h.gzip.GetLength()) / static_cast<double>(h.xml.size()));
-  return subject;
+              subject.name.c_str(), subject.bytes, subject.elements, ratio(subject.jsonBytes), ratio(subject.finfBytes),
+              ratio(subject.finfTypedBytes), ratio(subject.gzipBytes));
 }
 
 double Median(std::vector<double> values) {
@@ -243,14 +132,10 @@ int main(int argc, char** argv) {
   benchmark::Initialize(&count, arguments.data());
 
   try {
-    std::vector<std::pair<std::string, std::size_t>> sizes = {{"1 KB", 1000}, {"100 KB", 100000}, {"10 MB", 10485760}};
-    if (large) sizes.emplace_back("100 MB", 104857600);
-    std::vector<Subject> subjects;
-    subjects.reserve(2 * sizes.size());
-    for (const auto& [name, bytes] : sizes)
-      subjects.push_back(MakeSubject<Gpx::CGpxType>("GPX " + name, Bench::MakeGpx(bytes)));
-    for (const auto& [name, bytes] : sizes)
-      subjects.push_back(MakeSubject<Order::COrderType>("order " + name, Bench::MakeOrder(bytes)));
+    std::vector<Bench::Size> sizes = {{"1 KB", 1000}, {"100 KB", 100000}, {"10 MB", 10485760}};
+    if (large) sizes.push_back({"100 MB", 104857600});
+    const std::vector<Subject> subjects = Bench::MakeSubjects(sizes);
+    for (const Subject& subject : subjects) PrintSizes(subject);
     for (const Subject& subject : subjects)
       for (const Road& road : subject.roads) Register(subject, road);
 

@@ -1,0 +1,134 @@
+#include "Roads.h"
+
+#include <RkXmlLib16/RkXmlLib16.h>
+
+#include <cstdlib>
+#include <utility>
+
+#include "Documents.h"
+#include "Expat.h"
+#include "Gpx.h"
+#include "Order.h"
+
+using namespace RkXmlLib16;
+
+namespace Bench {
+
+namespace {
+
+template <class Root>
+struct Held {
+  std::string xml;
+  CBinaryData json, finf, finfTyped, gzip;
+  CSerializationContext context, typed;
+  CSmartPtr<Root> object;  // filled
+  CSmartPtr<Root> target;
+  std::unique_ptr<CXmlDocument> document;
+  CBinaryData out;
+};
+
+unsigned char* Bytes(const std::string& text) {
+  return const_cast<unsigned char*>(reinterpret_cast<const unsigned char*>(text.data()));
+}
+
+// The C library puts off joining small pieces of memory that were freed until someone asks for a larger one. Done where
+// objects are dropped, it costs no road that comes after.
+void SettleHeap() {
+  void* volatile larger = std::malloc(4096);
+  std::free(larger);
+}
+
+template <class Root>
+Subject MakeSubject(std::string&& name, std::string&& xml) {
+  auto held = std::make_shared<Held<Root>>();
+  Held<Root>& h = *held;
+  h.xml = std::move(xml);
+  h.object = new Root;
+  h.context.SetDefaultNamespaceURI(h.object->GetTargetNamespace());
+  h.context.GetNamespaceAliases().Add(L"xsi", L"http://www.w3.org/2001/XMLSchema-instance");
+  h.context.GetNamespaceAliases().Add(L"tp", L"urn:example:trackpoint");
+  h.typed = h.context;
+  h.typed.GetFIContext();
+  h.object->FromXmlStream(Bytes(h.xml), h.xml.size(), h.context);
+  h.json = h.object->ToJsonStream(true, XmlEncoding_UTF8, EOLType_LF, h.context, CompressionType_None);
+  h.finf = h.object->ToFastInfosetStream(FInfoDecl_None, h.context, CompressionType_None);
+  h.typed.GetFIContext()->SetSuggestedValues();
+  h.finfTyped = h.object->ToFastInfosetStream(FInfoDecl_None, h.typed, CompressionType_None);
+  h.gzip = h.object->ToXmlStream(true, true, XmlEncoding_UTF8, EOLType_LF, h.context, CompressionType_GZip);
+
+  const auto fresh = [&h] { h.target = new Root; };
+  const auto drop = [&h] {
+    h.target = nullptr;
+    SettleHeap();
+  };
+  const auto clear = [&h] { h.out.Clear(); };
+  const auto newDocument = [&h] { h.document = std::make_unique<CXmlDocument>(h.context); };
+  const auto dropDocument = [&h] { h.document.reset(); };
+  const auto load = [&h] { h.document->LoadXmlStream(Bytes(h.xml), h.xml.size()); };
+  const auto read = [&h] { h.target->FromXmlStream(Bytes(h.xml), h.xml.size(), h.context); };
+
+  Subject subject;
+  subject.name = std::move(name);
+  subject.bytes = h.xml.size();
+  subject.elements = ParseWithBareExpat(h.xml);
+  subject.jsonBytes = h.json.GetLength();
+  subject.finfBytes = h.finf.GetLength();
+  subject.finfTypedBytes = h.finfTyped.GetLength();
+  subject.gzipBytes = h.gzip.GetLength();
+  subject.held = held;
+  auto& roads = subject.roads;
+  roads.push_back({"bare expat", [] {}, [&h] { ParseWithBareExpat(h.xml); }});
+  roads.push_back({"XML bytes to tree", newDocument, load, dropDocument});
+  roads.push_back({"XML bytes to objects", fresh, read, drop});
+  roads.push_back({"objects to XML bytes", clear, [&h] {
+                     h.out = h.object->ToXmlStream(true, true, XmlEncoding_UTF8, EOLType_LF, h.context,
+                                                   CompressionType_None);
+                   }});
+  roads.push_back({"objects to JSON bytes", clear, [&h] {
+                     h.out =
+                         h.object->ToJsonStream(true, XmlEncoding_UTF8, EOLType_LF, h.context, CompressionType_None);
+                   }});
+  roads.push_back({"objects to Fast Infoset", clear,
+                   [&h] { h.out = h.object->ToFastInfosetStream(FInfoDecl_None, h.context, CompressionType_None); }});
+  roads.push_back({"objects to Fast Infoset, typed", clear,
+                   [&h] { h.out = h.object->ToFastInfosetStream(FInfoDecl_None, h.typed, CompressionType_None); }});
+  roads.push_back({"objects to XML bytes, gzip", clear, [&h] {
+                     h.out = h.object->ToXmlStream(true, true, XmlEncoding_UTF8, EOLType_LF, h.context,
+                                                   CompressionType_GZip);
+                   }});
+  roads.push_back({"JSON bytes to objects", fresh, [&h] { h.target->FromJsonStream(h.json, h.context); }, drop});
+  roads.push_back({"Fast Infoset to tree", newDocument,
+                   [&h] { h.document->LoadXmlStream(h.finf.GetData(), h.finf.GetLength()); }, dropDocument});
+  roads.push_back({"Fast Infoset to objects", fresh, [&h] { h.target->FromXmlStream(h.finf, h.context); }, drop});
+  roads.push_back(
+      {"Fast Infoset, typed, to objects", fresh, [&h] { h.target->FromXmlStream(h.finfTyped, h.context); }, drop});
+  roads.push_back({"XML bytes, gzip, to objects", fresh, [&h] { h.target->FromXmlStream(h.gzip, h.context); }, drop});
+  roads.push_back({"destruction of the tree",
+                   [=] {
+                     newDocument();
+                     load();
+                   },
+                   dropDocument});
+  roads.push_back({"destruction of the objects",
+                   [=] {
+                     fresh();
+                     read();
+                   },
+                   drop});
+  return subject;
+}
+
+}  // namespace
+
+std::vector<Subject> MakeSubjects(const std::vector<Size>& sizes) {
+  std::vector<Subject> subjects;
+  subjects.reserve(3 * sizes.size());
+  for (const auto& [name, bytes] : sizes) subjects.push_back(MakeSubject<Gpx::CGpxType>("GPX " + name, MakeGpx(bytes)));
+  for (const auto& [name, bytes] : sizes)
+    subjects.push_back(MakeSubject<Order::COrderType>("order " + name, MakeOrder(bytes)));
+  for (const auto& [name, bytes] : sizes)
+    subjects.push_back(MakeSubject<Gpx::CGpxType>("prose " + name, MakeProse(bytes)));
+  return subjects;
+}
+
+}  // namespace Bench
