@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Builds everything and runs all tests, plain and under AddressSanitizer and UndefinedBehaviorSanitizer.
+# Builds everything and runs all tests, plain and under AddressSanitizer and UndefinedBehaviorSanitizer; with --tuned also
+# as scripts/tune.sh builds the library.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 scripts/setup.sh
@@ -37,3 +38,9 @@ run() {
 
 run release -DRKXML_WERROR=ON  # not below: what the optimiser warns of is wrong where sanitizers rewrite the code
 run asan
+
+if [ "${1-}" = --tuned ]; then
+  scripts/tune.sh -DRKXML_BUILD_TESTS=ON
+  echo "== tuned: test"
+  ctest --preset tuned -j "$(nproc)"
+fi
