@@ -88,6 +88,37 @@ bool CanBeOfferedRest(const CElementInfo& last, const CSerializationContext& con
   return last.GetMemberKind() != MemberKind::Single || last.IsThisElement(context, element);
 }
 
+// ElementFromXml for the element under the cursor and, until it accepts something, for those that follow.
+bool AskPastUnknown(CElementInfo* info, const CSerializationContext& context, CXmlGeneratedClass* object,
+                    CXmlElement* parent, CXmlElement** cursor, const wchar_t* ownNamespace,
+                    XmlElementType elementType) {
+  CXmlElement*& current = *cursor;
+  // What a group took before it failed may decide whether it fails the next time.
+  const bool lasting = !IsSingleGroup(*info);
+  const CXmlElement* firstInVain = current;
+  std::uint64_t takenBefore = SiblingSearch::GetTakenCount();
+  for (int steps = 0;; ++steps) {
+    CXmlElement* const asked = current;
+    const bool accepted = info->ElementFromXml(context, object, parent, cursor, ownNamespace, elementType);
+    // A mandatory member that is not there moves the cursor too, to the end.
+    if (current != asked && (accepted || info->GetMemberKind() == MemberKind::Collection)) SiblingSearch::CountTaken();
+    const bool goesOn = !accepted && current != nullptr;
+    const bool inVain = goesOn && current == asked;
+    const bool isSame = lasting || SiblingSearch::GetTakenCount() == takenBefore;
+    if (!inVain && steps > 0 && isSame) SiblingSearch::SetInVain(*info, firstInVain, asked, steps, lasting);
+    if (!goesOn) return accepted;
+    current = inVain ? SiblingSearch::Next(*info, current) : current->GetNextSiblingElement();
+    if (current == nullptr) {
+      if (inVain && isSame) SiblingSearch::SetInVain(*info, firstInVain, nullptr, steps, lasting);
+      return false;
+    }
+    if (inVain && isSame) continue;
+    firstInVain = current;
+    takenBefore = SiblingSearch::GetTakenCount();
+    steps = -1;
+  }
+}
+
 }  // namespace
 
 CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* element, CXmlElement* firstChild,
@@ -196,26 +227,10 @@ CXmlElement* CXmlGeneratedClass::ProcessElementSeqFromXml(const CSerializationCo
   const bool ignoreUnknown = context.GetIgnoreUnknownElements();
   const wchar_t* const ownNamespace = GetNamespace();
   CXmlElement* current = first;
-  // Asks the record until it accepts what is under the cursor; false when the sequence cannot go on.
+  // False when the sequence cannot go on.
   const auto ask = [&](CElementInfo* info) {
-    const CXmlElement* firstInVain = current;
-    for (int steps = 0;; ++steps) {
-      CXmlElement* const asked = current;
-      const bool accepted = info->ElementFromXml(context, this, parent, &current, ownNamespace, elementType);
-      const bool goesOn = !accepted && ignoreUnknown && current != nullptr;
-      const bool inVain = goesOn && current == asked;
-      // What a group took before it failed may decide whether it fails the next time.
-      if (!inVain && steps > 0 && !IsSingleGroup(*info)) SiblingSearch::SetInVain(*info, firstInVain, asked, steps);
-      if (!goesOn) return accepted;
-      current = inVain ? SiblingSearch::Next(*info, current) : current->GetNextSiblingElement();
-      if (current == nullptr) {
-        if (inVain && !IsSingleGroup(*info)) SiblingSearch::SetInVain(*info, firstInVain, nullptr, steps);
-        return false;
-      }
-      if (inVain) continue;
-      firstInVain = current;
-      steps = -1;
-    }
+    return ignoreUnknown ? AskPastUnknown(info, context, this, parent, &current, ownNamespace, elementType)
+                         : info->ElementFromXml(context, this, parent, &current, ownNamespace, elementType);
   };
 
   CElementInfo* last = nullptr;
@@ -241,8 +256,11 @@ CXmlElement* CXmlGeneratedClass::ProcessElementChoiceFromXml(const CSerializatio
   CElementInfo** const infos = OrEmpty(GetClassElementInfo());
   CXmlElement* current = first;
   const auto isMemberRead = [&] {
-    for (CElementInfo** info = infos; *info != nullptr; ++info)
-      if ((*info)->ElementFromXml(context, this, parent, &current, ownNamespace, elementType)) return true;
+    for (CElementInfo** info = infos; *info != nullptr; ++info) {
+      if (!(*info)->ElementFromXml(context, this, parent, &current, ownNamespace, elementType)) continue;
+      if (ignoreUnknown) SiblingSearch::CountTaken();
+      return true;
+    }
     return false;
   };
 
@@ -279,6 +297,7 @@ CXmlElement* CXmlGeneratedClass::ProcessElementAllFromXml(const CSerializationCo
     const CXmlElement* const before = current;
     for (std::size_t i = 0; infos[i] != nullptr; ++i)
       if (!seen[i] && infos[i]->ElementFromXml(context, this, parent, &current, ownNamespace, elementType)) seen.Set(i);
+    if (ignoreUnknown && current != before) SiblingSearch::CountTaken();
     return current != before;
   };
 

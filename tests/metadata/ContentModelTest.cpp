@@ -223,6 +223,20 @@ TEST_F(ContentModelTest, GroupsOfClassesAndCollectionsAreFoundQuicklyToo) {
   EXPECT_TEXT(kNoChoice, Content(table, lots + L"<b>1</b>" + few, unknown));
 }
 
+// The same with a required group within another: each place of the outer is one of many of the inner.
+TEST_F(ContentModelTest, RequiredGroupsWithinGroupsAreFoundQuicklyToo) {
+  const Table inner(ClassInfo(kSequence, L"inner", kInline), {Prim(L"a", 0), Prim(L"b", 1)});
+  const Table outer(ClassInfo(kSequence, L"outer", kInline), {MandatoryCls(L"inner", 0, 0, kInline)}, {},
+                    {NewChild(inner)});
+  const Table table(ClassInfo(kChoice, L"r"), {Cls<CElementInfoChoiceClsOpt>(L"outer", 0, 1, kInline)});
+  Classes() = {&inner, &outer};
+  const auto unknown = With(kUnknownElements);
+  const std::wstring few = Repeat(100, L"<x/>"), lots = Repeat(100000, L"<x/>");
+  EXPECT_TEXT(L"<r><a>2</a><b>3</b></r>",
+              Content(table, few + L"<b>1</b>" + few + L"<a>2</a>" + few + L"<b>3</b>" + few, unknown));
+  EXPECT_TEXT(kNoChoice, Content(table, lots + L"<b>1</b>" + few, unknown));
+}
+
 TEST_F(ContentModelTest, AllGroupIsReadInAnyOrder) {
   const Table child(ClassInfo(kSequence, L"c"), {Prim<CElementInfoSeqPrimOpt>(L"v", 0)});
   const Table table(ClassInfo(kAll, L"r"),

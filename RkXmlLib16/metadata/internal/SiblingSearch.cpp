@@ -9,6 +9,7 @@ namespace RkXmlLib16Data {
 namespace {
 
 thread_local SiblingSearch* t_innermost = nullptr;
+thread_local std::uint64_t t_takenCount = 0;
 
 // Steps before an index is made, and before one that is there is asked.
 constexpr int kStepsWithoutIndex = 64;
@@ -37,23 +38,32 @@ CXmlElement* SiblingSearch::Next(const CElementInfo& info, const CXmlElement* fr
   const SiblingSearch* const search = t_innermost;
   if (search != nullptr && !search->m_inVain.empty() && search->m_element == from->GetParentElement()) {
     const auto known = search->m_inVain.find(&info);
-    if (known != search->m_inVain.end()) {
+    if (known != search->m_inVain.end() && known->second.IsTrue()) {
+      const std::map<std::size_t, std::size_t>& ranges = known->second.ranges;
       const std::size_t place = search->m_places.at(from);
-      auto range = known->second.upper_bound(place);
-      const std::size_t end = range != known->second.begin() ? (--range)->second : 0;
+      auto range = ranges.upper_bound(place);
+      const std::size_t end = range != ranges.begin() ? (--range)->second : 0;
       if (place < end) return end < search->m_children.size() ? search->m_children[end] : nullptr;
     }
   }
   return from->GetNextSiblingElement();
 }
 
-void SiblingSearch::SetInVain(const CElementInfo& info, const CXmlElement* from, const CXmlElement* end, int steps) {
+void SiblingSearch::SetInVain(const CElementInfo& info, const CXmlElement* from, const CXmlElement* end, int steps,
+                              bool lasting) {
   SiblingSearch* const search = t_innermost;
   if (steps < kStepsWithoutIndex || search == nullptr || search->m_element != from->GetParentElement()) return;
   search->MakeIndex();
-  search->m_inVain[&info][search->m_places.at(from)] =
-      end != nullptr ? search->m_places.at(end) : search->m_children.size();
+  InVain& inVain = search->m_inVain[&info];
+  if (!inVain.IsTrue()) inVain.ranges.clear();
+  inVain.takenCount = t_takenCount;
+  inVain.lasting = lasting;
+  inVain.ranges[search->m_places.at(from)] = end != nullptr ? search->m_places.at(end) : search->m_children.size();
 }
+
+std::uint64_t SiblingSearch::GetTakenCount() noexcept { return t_takenCount; }
+
+void SiblingSearch::CountTaken() noexcept { ++t_takenCount; }
 
 void SiblingSearch::MakeIndex() {
   if (!m_children.empty()) return;

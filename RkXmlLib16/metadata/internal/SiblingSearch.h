@@ -2,6 +2,7 @@
 #define RKXMLLIB16_METADATA_INTERNAL_SIBLINGSEARCH_H
 
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <unordered_map>
@@ -26,20 +27,33 @@ class SiblingSearch {
   static CXmlElement* Find(const CElementInfo& info, const CSerializationContext& context, CXmlElement* from);
 
   // For records that are asked about one element after the other: the one to ask about after `from`, and that a record
-  // took none from `from` up to `end` (null for all that follow).
+  // took none from `from` up to `end` (null for all that follow). That of a `lasting` one stays true; of another only
+  // until something is taken, because what it holds from earlier attempts may decide the next.
   static CXmlElement* Next(const CElementInfo& info, const CXmlElement* from);
-  static void SetInVain(const CElementInfo& info, const CXmlElement* from, const CXmlElement* end, int steps);
+  static void SetInVain(const CElementInfo& info, const CXmlElement* from, const CXmlElement* end, int steps,
+                        bool lasting);
+  // Elements that were taken on this thread by anyone, also by attempts that failed later.
+  static std::uint64_t GetTakenCount() noexcept;
+  static void CountTaken() noexcept;
 
  private:
   void MakeIndex();
   CXmlElement* FindInIndex(const CElementInfo& info, const CSerializationContext& context, const CXmlElement* from);
 
+  struct InVain {
+    std::map<std::size_t, std::size_t> ranges;  // places and their ends
+    std::uint64_t takenCount = 0;               // when they were noted
+    bool lasting = true;
+
+    bool IsTrue() const noexcept { return lasting || takenCount == GetTakenCount(); }
+  };
+
   const CXmlElement* m_element;
   SiblingSearch* m_outer;
-  std::vector<CXmlElement*> m_children;                                                  // empty until needed
-  std::unordered_map<const CXmlElement*, std::size_t> m_places;                          // in m_children
-  std::unordered_map<const CElementInfo*, std::vector<std::size_t>> m_accepted;          // places, ascending
-  std::unordered_map<const CElementInfo*, std::map<std::size_t, std::size_t>> m_inVain;  // such places and their ends
+  std::vector<CXmlElement*> m_children;                                          // empty until needed
+  std::unordered_map<const CXmlElement*, std::size_t> m_places;                  // in m_children
+  std::unordered_map<const CElementInfo*, std::vector<std::size_t>> m_accepted;  // places, ascending
+  std::unordered_map<const CElementInfo*, InVain> m_inVain;
 };
 
 }  // namespace RkXmlLib16Data
