@@ -10,6 +10,7 @@
 #include "RkXmlLib16/metadata/AttributeInfo.h"
 #include "RkXmlLib16/metadata/ElementInfo.h"
 #include "RkXmlLib16/metadata/ParentElementInfo.h"
+#include "RkXmlLib16/metadata/internal/ElementRules.h"
 #include "RkXmlLib16/metadata/internal/NilValue.h"
 #include "RkXmlLib16/metadata/internal/ReadingValue.h"
 #include "RkXmlLib16/metadata/internal/SiblingSearch.h"
@@ -310,9 +311,7 @@ CXmlElement* CXmlGeneratedClass::ProcessElementAllFromXml(const CSerializationCo
     if (infos[i]->GetMemberKind() != MemberKind::Collection) {
       if (!infos[i]->Validate(context, this, seen[i], /*final=*/ownElement)) return first;
     } else if (ownElement) {
-      RkVariant value;
-      infos[i]->ReadProperty(this, value);
-      const CSmartPtr<CXmlCollectionBase> collection = value.GetXmlCollection();
+      const CSmartPtr<CXmlCollectionBase> collection = RkXmlLib16Data::GetCollection(*infos[i], this);
       if (collection != nullptr) collection->ValidateCount(context);
     }
   }
