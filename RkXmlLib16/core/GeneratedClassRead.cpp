@@ -114,6 +114,7 @@ bool AskPastUnknown(CElementInfo* info, const CSerializationContext& context, CX
       return false;
     }
     if (inVain && isSame) continue;
+    if (!lasting) SiblingSearch::CountWasted(SiblingSearch::GetTakenCount() - takenBefore);
     firstInVain = current;
     takenBefore = SiblingSearch::GetTakenCount();
     steps = -1;

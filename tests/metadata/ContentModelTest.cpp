@@ -235,6 +235,11 @@ TEST_F(ContentModelTest, RequiredGroupsWithinGroupsAreFoundQuicklyToo) {
   EXPECT_TEXT(L"<r><a>2</a><b>3</b></r>",
               Content(table, few + L"<b>1</b>" + few + L"<a>2</a>" + few + L"<b>3</b>" + few, unknown));
   EXPECT_TEXT(kNoChoice, Content(table, lots + L"<b>1</b>" + few, unknown));
+
+  // Where each place begins the inner group and none ends it, all are read again from each.
+  EXPECT_TEXT(kNoChoice, Content(table, Repeat(1000, L"<a>1</a>"), unknown));
+  EXPECT_TEXT(L"CRkException: Limit exceeded: elements tried in vain 1000000.\nPath: /r",
+              Content(table, Repeat(1500, L"<a>1</a>"), unknown));
 }
 
 TEST_F(ContentModelTest, AllGroupIsReadInAnyOrder) {

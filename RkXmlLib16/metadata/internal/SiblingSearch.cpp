@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "RkXmlLib16/core/ReadLimits.h"
 #include "RkXmlLib16/xml/ElementTree.h"
 
 namespace RkXmlLib16Data {
@@ -14,6 +15,9 @@ thread_local std::uint64_t t_takenCount = 0;
 // Steps before an index is made, and before one that is there is asked.
 constexpr int kStepsWithoutIndex = 64;
 constexpr int kStepsBesideIndex = 4;
+// Elements that attempts may take in vain: this many for each child, and some more.
+constexpr std::uint64_t kWastedPerChild = 200;
+constexpr std::uint64_t kWastedAtLeast = 1000000;
 
 }  // namespace
 
@@ -64,6 +68,17 @@ void SiblingSearch::SetInVain(const CElementInfo& info, const CXmlElement* from,
 std::uint64_t SiblingSearch::GetTakenCount() noexcept { return t_takenCount; }
 
 void SiblingSearch::CountTaken() noexcept { ++t_takenCount; }
+
+void SiblingSearch::CountWasted(std::uint64_t takenCount) {
+  SiblingSearch* const search = t_innermost;
+  if (search == nullptr) return;
+  search->m_wastedCount += takenCount;
+  if (search->m_wastedCount <= kWastedAtLeast) return;
+  search->MakeIndex();
+  const std::uint64_t limit = std::max(kWastedAtLeast, kWastedPerChild * search->m_children.size());
+  if (search->m_wastedCount > limit)
+    RkXmlLib16::CReadLimits::ThrowExceeded(L"elements tried in vain", limit, search->m_element->GetXPath());
+}
 
 void SiblingSearch::MakeIndex() {
   if (!m_children.empty()) return;

@@ -35,6 +35,9 @@ class SiblingSearch {
   // Elements that were taken on this thread by anyone, also by attempts that failed later.
   static std::uint64_t GetTakenCount() noexcept;
   static void CountTaken() noexcept;
+  // An attempt failed after so many were taken. Throws CRkException "Limit exceeded: ..." when too many are read again
+  // and again.
+  static void CountWasted(std::uint64_t takenCount);
 
  private:
   void MakeIndex();
@@ -54,6 +57,7 @@ class SiblingSearch {
   std::unordered_map<const CXmlElement*, std::size_t> m_places;                  // in m_children
   std::unordered_map<const CElementInfo*, std::vector<std::size_t>> m_accepted;  // places, ascending
   std::unordered_map<const CElementInfo*, InVain> m_inVain;
+  std::uint64_t m_wastedCount = 0;
 };
 
 }  // namespace RkXmlLib16Data
