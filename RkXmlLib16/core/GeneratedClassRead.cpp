@@ -79,10 +79,6 @@ Info** OrEmpty(Info** infos) {
       parent->GetXPath());
 }
 
-bool IsSingleGroup(const CElementInfo& info) {
-  return info.IsInlineGroup() && info.GetMemberKind() == MemberKind::Single;
-}
-
 // Whether the last record of a sequence may be offered elements that are left: not when it would fail because its
 // element is absent.
 bool CanBeOfferedRest(const CElementInfo& last, const CSerializationContext& context, const CXmlElement* element) {
@@ -94,8 +90,7 @@ bool AskPastUnknown(CElementInfo* info, const CSerializationContext& context, CX
                     CXmlElement* parent, CXmlElement** cursor, const wchar_t* ownNamespace,
                     XmlElementType elementType) {
   CXmlElement*& current = *cursor;
-  // What a group took before it failed may decide whether it fails the next time.
-  const bool lasting = !IsSingleGroup(*info);
+  const bool keepsAttempts = SiblingSearch::KeepsAttempts(*info);
   const CXmlElement* firstInVain = current;
   std::uint64_t takenBefore = SiblingSearch::GetTakenCount();
   for (int steps = 0;; ++steps) {
@@ -105,16 +100,16 @@ bool AskPastUnknown(CElementInfo* info, const CSerializationContext& context, CX
     if (current != asked && (accepted || info->GetMemberKind() == MemberKind::Collection)) SiblingSearch::CountTaken();
     const bool goesOn = !accepted && current != nullptr;
     const bool inVain = goesOn && current == asked;
-    const bool isSame = lasting || SiblingSearch::GetTakenCount() == takenBefore;
-    if (!inVain && steps > 0 && isSame) SiblingSearch::SetInVain(*info, firstInVain, asked, steps, lasting);
+    const bool isSame = !keepsAttempts || SiblingSearch::GetTakenCount() == takenBefore;
+    if (!inVain && steps > 0 && isSame) SiblingSearch::SetInVain(*info, firstInVain, asked, steps);
     if (!goesOn) return accepted;
     current = inVain ? SiblingSearch::Next(*info, current) : current->GetNextSiblingElement();
     if (current == nullptr) {
-      if (inVain && isSame) SiblingSearch::SetInVain(*info, firstInVain, nullptr, steps, lasting);
+      if (inVain && isSame) SiblingSearch::SetInVain(*info, firstInVain, nullptr, steps);
       return false;
     }
     if (inVain && isSame) continue;
-    if (!lasting) SiblingSearch::CountWasted(SiblingSearch::GetTakenCount() - takenBefore);
+    if (keepsAttempts) SiblingSearch::CountWasted(SiblingSearch::GetTakenCount() - takenBefore);
     firstInVain = current;
     takenBefore = SiblingSearch::GetTakenCount();
     steps = -1;

@@ -42,7 +42,7 @@ CXmlElement* SiblingSearch::Next(const CElementInfo& info, const CXmlElement* fr
   const SiblingSearch* const search = t_innermost;
   if (search != nullptr && !search->m_inVain.empty() && search->m_element == from->GetParentElement()) {
     const auto known = search->m_inVain.find(&info);
-    if (known != search->m_inVain.end() && known->second.IsTrue()) {
+    if (known != search->m_inVain.end() && known->second.IsTrueOf(info)) {
       const std::map<std::size_t, std::size_t>& ranges = known->second.ranges;
       const std::size_t place = search->m_places.at(from);
       auto range = ranges.upper_bound(place);
@@ -53,15 +53,13 @@ CXmlElement* SiblingSearch::Next(const CElementInfo& info, const CXmlElement* fr
   return from->GetNextSiblingElement();
 }
 
-void SiblingSearch::SetInVain(const CElementInfo& info, const CXmlElement* from, const CXmlElement* end, int steps,
-                              bool lasting) {
+void SiblingSearch::SetInVain(const CElementInfo& info, const CXmlElement* from, const CXmlElement* end, int steps) {
   SiblingSearch* const search = t_innermost;
   if (steps < kStepsWithoutIndex || search == nullptr || search->m_element != from->GetParentElement()) return;
   search->MakeIndex();
   InVain& inVain = search->m_inVain[&info];
-  if (!inVain.IsTrue()) inVain.ranges.clear();
+  if (!inVain.IsTrueOf(info)) inVain.ranges.clear();
   inVain.takenCount = t_takenCount;
-  inVain.lasting = lasting;
   inVain.ranges[search->m_places.at(from)] = end != nullptr ? search->m_places.at(end) : search->m_children.size();
 }
 

@@ -27,11 +27,14 @@ class SiblingSearch {
   static CXmlElement* Find(const CElementInfo& info, const CSerializationContext& context, CXmlElement* from);
 
   // For records that are asked about one element after the other: the one to ask about after `from`, and that a record
-  // took none from `from` up to `end` (null for all that follow). That of a `lasting` one stays true; of another only
-  // until something is taken, because what it holds from earlier attempts may decide the next.
+  // took none from `from` up to `end` (null for all that follow). Of a record that keeps attempts that is true only
+  // until something is taken.
   static CXmlElement* Next(const CElementInfo& info, const CXmlElement* from);
-  static void SetInVain(const CElementInfo& info, const CXmlElement* from, const CXmlElement* end, int steps,
-                        bool lasting);
+  static void SetInVain(const CElementInfo& info, const CXmlElement* from, const CXmlElement* end, int steps);
+  // Whether what the record took before it failed may decide whether it fails the next time.
+  static bool KeepsAttempts(const CElementInfo& info) noexcept {
+    return info.IsInlineGroup() && info.GetMemberKind() == MemberKind::Single;
+  }
   // Elements that were taken on this thread by anyone, also by attempts that failed later.
   static std::uint64_t GetTakenCount() noexcept;
   static void CountTaken() noexcept;
@@ -46,9 +49,10 @@ class SiblingSearch {
   struct InVain {
     std::map<std::size_t, std::size_t> ranges;  // places and their ends
     std::uint64_t takenCount = 0;               // when they were noted
-    bool lasting = true;
 
-    bool IsTrue() const noexcept { return lasting || takenCount == GetTakenCount(); }
+    bool IsTrueOf(const CElementInfo& info) const noexcept {
+      return !KeepsAttempts(info) || takenCount == GetTakenCount();
+    }
   };
 
   const CXmlElement* m_element;
