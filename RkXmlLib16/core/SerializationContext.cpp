@@ -50,6 +50,7 @@ CSerializationContext& CSerializationContext::operator=(const CSerializationCont
   m_schemaType = other.m_schemaType;
   m_noOptionalAttributeDefaultOutput = other.m_noOptionalAttributeDefaultOutput;
   m_writeDefaultElementValues = other.m_writeDefaultElementValues;
+  m_wellFormedOutput = other.m_wellFormedOutput;
   m_stripCDATA = other.m_stripCDATA;
   m_indentChars = other.m_indentChars;
   m_limits = other.m_limits;

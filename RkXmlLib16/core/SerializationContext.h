@@ -70,6 +70,9 @@ class RKXML_EXPORT CSerializationContext {
   // Writing: mark objects of a derived type with xsi:type.
   bool GetWriteTypeAttribute() const noexcept { return m_writeTypeAttribute; }
   void SetWriteTypeAttribute(bool write) noexcept { m_writeTypeAttribute = write; }
+  // Writing: refuse what a reader would not give back as it was. Off at first.
+  bool GetWellFormedOutput() const noexcept { return m_wellFormedOutput; }
+  void SetWellFormedOutput(bool refuse) noexcept { m_wellFormedOutput = refuse; }
   // Reading: deliver CDATA sections as plain text (otherwise the text keeps the "<![CDATA[" and "]]>" marks).
   bool GetStripCDATA() const noexcept { return m_stripCDATA; }
   void SetStripCDATA(bool strip) noexcept { m_stripCDATA = strip; }
@@ -121,6 +124,7 @@ class RKXML_EXPORT CSerializationContext {
   SchemaType m_schemaType = SchemaType_Xsd;
   bool m_noOptionalAttributeDefaultOutput = false;
   bool m_writeDefaultElementValues = false;
+  bool m_wellFormedOutput = false;
   bool m_stripCDATA = true;
   std::wstring m_indentChars = L"\t";
   CReadLimits m_limits;

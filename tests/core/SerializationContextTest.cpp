@@ -50,12 +50,14 @@ TEST(SerializationContext, CopiesShareTheirWorkingObjectsAndNothingElse) {
   EXPECT_EQ(2, attributes->GetRefCount());
   original->GetNamespaceAliases().Add(L"a", L"urn:a");
   original->SetStripCDATA(false);
+  original->SetWellFormedOutput(true);
 
   CSerializationContext copy(*original);
   copy.GetNamespaceAliases().Add(L"b", L"urn:b");
   copy = static_cast<const CSerializationContext&>(copy);
   EXPECT_EQ(1, original->GetNamespaceAliases().GetNamespaceCount());
   EXPECT_FALSE(copy.GetStripCDATA());
+  EXPECT_TRUE(copy.GetWellFormedOutput());
   original.reset();
   EXPECT_EQ(json, copy.GetJsonContext());
   EXPECT_EQ(attributes.Get(), copy.GetAdditionalRootAttributes().Get());
