@@ -120,6 +120,19 @@ bool IsDecimal(ItemType type) {
          type == ItemType_integer;
 }
 
+// An optional sign, digits, and a point at most. Decoders disagree about the letter of an exponent in the numeric
+// alphabet: some give a capital back.
+bool IsNumberWithoutExponent(std::wstring_view text) {
+  if (!text.empty() && (text.front() == L'-' || text.front() == L'+')) text.remove_prefix(1);
+  std::size_t digits = 0;
+  std::size_t points = 0;
+  for (const wchar_t c : text) {
+    digits += c >= L'0' && c <= L'9' ? 1 : 0;
+    points += c == L'.' ? 1 : 0;
+  }
+  return digits != 0 && points <= 1 && digits + points == text.length();
+}
+
 bool IsFloating(const EncodedCharacterString& encoding) {
   return encoding.m_encoding == FIStringEncoding_EncodingAlgorithm &&
          (encoding.m_index == FIEncodingAlgorithm_Float || encoding.m_index == FIEncodingAlgorithm_Double);
@@ -610,10 +623,11 @@ bool CFastInfosetWriter::EncodeTyped(const EncodedCharacterString& wanted, std::
                                      bool isContent) {
   m_typedOctets.clear();
   if (wanted.m_encoding == FIStringEncoding_RestrictedAlphabet) {
-    const bool isExact = AppendPacked(FindAlphabet(wanted.m_index), text, m_typedOctets);
+    const bool isPacked = AppendPacked(FindAlphabet(wanted.m_index), text, m_typedOctets);
+    if (wanted.m_index != FIRestrictedAlphabet_Numeric) return isPacked;
     // Dates may have a fraction, which their alphabet lacks; what the numeric one lacks is in no integer or decimal.
-    if (!isExact && wanted.m_index == FIRestrictedAlphabet_Numeric && IsDecimal(type)) ThrowNotInAlphabet();
-    return isExact;
+    if (!isPacked && IsDecimal(type)) ThrowNotInAlphabet();
+    return isPacked && IsNumberWithoutExponent(text);
   }
   if (wanted.m_index < FIEncodingAlgorithm_Hexadecimal || wanted.m_index > FIEncodingAlgorithm_Cdata) {
     throw CRkException(

@@ -75,6 +75,7 @@ void CJsonReaderDefaultHandler::ReadStartObject() {
 }
 
 void CJsonReaderDefaultHandler::ReadEndObject() {
+  EndValue();  // of a name that had no value
   if (m_depth != 0) --m_depth;
   if (m_inner != nullptr) m_inner->ReadEndObject();
   EndValue();

@@ -116,6 +116,7 @@ void CJsonReaderToXmlHandler::ReadStartObject() {
 }
 
 void CJsonReaderToXmlHandler::ReadEndObject() {
+  if (m_target == Target::Element) ReadNull();  // a root element name around no value at all
   m_target = Target::Content;
   if (m_objects.empty()) return;
   if (m_objects.back()) EndElement();
@@ -131,6 +132,7 @@ void CJsonReaderToXmlHandler::ReadStartArray() {
 }
 
 void CJsonReaderToXmlHandler::ReadEndArray() {
+  m_target = Target::Content;  // the name of an empty array is no element
   if (m_arrayCount != 0) --m_arrayCount;
 }
 

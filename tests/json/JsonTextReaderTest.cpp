@@ -79,6 +79,9 @@ TEST(JsonTextReader, ReportsARootElementNameAroundTheValue) {
   EXPECT_TEXT(L"({o={a=1 }})", Events(L"{\"a\":1}", L"o"));
   EXPECT_TEXT(L"<o><a>1</a></o>", Flat(L"{\"a\":1}", {JsonRoundTrip_Namespaces, L"o"}));
   EXPECT_TEXT(L"<o>x</o>", Flat(L"\"x\"", {JsonRoundTrip_Namespaces, L"o"}));
+  EXPECT_TEXT(L"({o=})", Events(L" \n", L"o"));
+  EXPECT_TEXT(L"<o/>", Flat(L" \n", {JsonRoundTrip_Namespaces, L"o"}));
+  EXPECT_TEXT(L"<o/>", Flat(L"/**/", {JsonRoundTrip_Plain, L"o", true}));
 }
 
 TEST(JsonTextReader, ResolvesEscapes) {
