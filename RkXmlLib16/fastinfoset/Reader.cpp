@@ -4,14 +4,17 @@
 #include <cstring>
 #include <limits>
 #include <string_view>
+#include <utility>
 
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/core/ReadLimits.h"
 #include "RkXmlLib16/core/SerializationContext.h"
 #include "RkXmlLib16/fastinfoset/BinaryCodec.h"
 #include "RkXmlLib16/fastinfoset/internal/Octets.h"
+#include "RkXmlLib16/support/CodePoints.h"
 #include "RkXmlLib16/support/Encoder.h"
 #include "RkXmlLib16/xml/ElementTree.h"
+#include "RkXmlLib16/xml/XmlWriter.h"
 #include "RkXmlLib16/xml/internal/Names.h"
 
 namespace RkXmlLib16 {
@@ -42,6 +45,9 @@ constexpr FIStringEncoding kStringEncodings[4] = {FIStringEncoding_UTF8, FIStrin
 
 // Up to this many octets of UTF-8, room for as many characters is cheaper than counting them.
 constexpr std::size_t kUncountedLength = 64;
+// Up to so many attributes of an element are compared with each other.
+constexpr std::size_t kFewAttributes = 8;
+constexpr std::wstring_view kXmlns = L"xmlns";
 
 [[noreturn]] void ThrowInvalidItem() {
   throw CRkException(L"Failed to parse FastInfoset. Invalid Encoding of Element type.");
@@ -49,6 +55,15 @@ constexpr std::size_t kUncountedLength = 64;
 
 std::string_view BytesOf(const unsigned char* octets, std::size_t length) {
   return {reinterpret_cast<const char*>(octets), length};
+}
+
+bool IsWellFormed(const unsigned char* octets, std::size_t length) {
+  const unsigned char* at = octets;
+  const unsigned char* const end = octets + length;
+  char32_t c = 0;
+  while (at != end)
+    if (Utf8Form::Next(at, end, c) != Decoded::Good) return false;
+  return true;
 }
 
 template <class Table, class Entry>
@@ -77,6 +92,8 @@ bool CFastInfosetReader::Parse(const unsigned char* octets, std::size_t length) 
   for (const auto& [text, index] : m_vocabulary.GetNamespaceNamesTable()) {
     m_namespaceNames.push_back(m_document.InternName(text));
   }
+  m_xmlPrefix = m_document.InternName(L"xml");
+  m_xmlNamespace = m_document.InternName(CXmlWriter::XML_NAMESPACE);
 
   ReadOptionalData();
   ReadChildren();
@@ -277,6 +294,7 @@ bool CFastInfosetReader::ElementStart(unsigned char octet) {
   CXmlElement* const element = m_document.AddElement(name.namespaceUri, name.localName);
   if (!hasAttributes) return true;
   for (octet = Next(); octet < 0x80; octet = Next()) AtrributeBit2(element, octet);
+  RequireDifferentNames(*element);
   if (octet == FastInfoset::kTerminator) return true;
   if (octet != FastInfoset::kDoubleTerminator) ThrowInvalidItem();
   m_document.EndElement();
@@ -289,6 +307,26 @@ void CFastInfosetReader::AtrributeBit2(CXmlElement* element, unsigned char octet
   NonIdentifyingStringOrIndexBit1(element, name);
 }
 
+void CFastInfosetReader::RequireDifferentNames(const CXmlElement& element) {
+  const CXmlAttributes attributes = element.GetAttributes();
+  if (attributes.size() <= kFewAttributes) {
+    for (std::size_t i = 1; i < attributes.size(); ++i) {
+      for (std::size_t j = 0; j < i; ++j) {
+        if (attributes[i]->GetLocalNameRef() == attributes[j]->GetLocalNameRef() &&
+            attributes[i]->GetNamespaceRef() == attributes[j]->GetNamespaceRef())
+          ThrowInvalidItem();
+      }
+    }
+    return;
+  }
+  std::vector<std::pair<std::uint32_t, std::uint32_t>> names;
+  names.reserve(attributes.size());
+  for (const CXmlAttribute* attribute : attributes)
+    names.emplace_back(attribute->GetLocalNameRef()->GetOrdinal(), attribute->GetNamespaceRef()->GetOrdinal());
+  std::sort(names.begin(), names.end());
+  if (std::adjacent_find(names.begin(), names.end()) != names.end()) ThrowInvalidItem();
+}
+
 void CFastInfosetReader::NamespaceAttributeBit7(unsigned char octet) {
   if ((octet & 0xFC) != FastInfoset::kNamespaceAttribute) ThrowInvalidItem();
   bool hasIndex = true;
@@ -297,6 +335,7 @@ void CFastInfosetReader::NamespaceAttributeBit7(unsigned char octet) {
   if ((octet & FastInfoset::kNamePrefixBit) != 0) prefix = IdentifyingStringOrIndex(m_prefixes, hasIndex);
   if ((octet & FastInfoset::kNameNamespaceBit) != 0)
     namespaceUri = IdentifyingStringOrIndex(m_namespaceNames, hasIndex);
+  RequireReservedPair(prefix, namespaceUri);
   m_document.AddNamespaceAlias(prefix, namespaceUri);
 }
 
@@ -351,10 +390,14 @@ CFastInfosetReader::QName CFastInfosetReader::ReadQName(unsigned char octet, QNa
     throw CRkException(L"Failed to parse FastInfoset. Invalid QName type Prefix without Namespace.");
   }
   bool hasIndex = true;
-  QName name{m_document.GetEmptyName(), nullptr};
-  if (hasPrefix) IdentifyingStringOrIndex(m_prefixes, hasIndex);
+  const CXmlName* prefix = m_document.GetEmptyName();
+  QName name{prefix, nullptr};
+  if (hasPrefix) prefix = IdentifyingStringOrIndex(m_prefixes, hasIndex);
   if (hasNamespace) name.namespaceUri = IdentifyingStringOrIndex(m_namespaceNames, hasIndex);
   name.localName = IdentifyingStringOrIndex(m_localNames, hasIndex);
+  RequireReservedPair(prefix, name.namespaceUri);
+  const bool isDeclaration = &names == &m_attributeNames && !hasNamespace && name.localName->View() == kXmlns;
+  if (isDeclaration && HasNamespaces()) ThrowInvalidItem();
   if (hasIndex) AppendEntry(names, name);
   return name;
 }
@@ -368,14 +411,27 @@ const CXmlName* CFastInfosetReader::IdentifyingStringOrIndex(Names& names, bool&
     return names[index - 1];
   }
   const std::size_t length = NonEmptyOctetStringBit2Length(octet);
-  NonEmptyOctetUTF8String(Move(length), length);
-  // Names are written as they are, so what is none could put markup into a document.
-  const bool isValid = &names == &m_namespaceNames ? IsXmlText(m_text) : IsName(m_text);
-  if (!isValid) ThrowInvalidItem();
+  const unsigned char* const octets = Move(length);
+  NonEmptyOctetUTF8String(octets, length);
+  if (!IsWellFormed(octets, length) || !IsLegal(names)) ThrowInvalidItem();
   const CXmlName* const name = m_document.InternName(m_text);
   if (names.size() >= FI_MAX_TABLE_ENTRIES) hasIndex = false;
   AppendEntry(names, name);
   return name;
+}
+
+bool CFastInfosetReader::HasNamespaces() const { return m_document.GetSchemaType() != SchemaType_NoNamespaces; }
+
+// Names are written as they are, so what is none could put markup into a document or mean something else there.
+bool CFastInfosetReader::IsLegal(const Names& names) const {
+  if (&names == &m_namespaceNames) return IsNamespaceName(m_text) && m_text != CXmlWriter::XMLNS_NAMESPACE;
+  if (&names == &m_prefixes) return IsNCName(m_text) && m_text != kXmlns;
+  return HasNamespaces() ? IsNCName(m_text) : IsName(m_text);
+}
+
+// The prefix xml belongs to its namespace, and to no other.
+void CFastInfosetReader::RequireReservedPair(const CXmlName* prefix, const CXmlName* namespaceUri) const {
+  if ((prefix == m_xmlPrefix) != (namespaceUri == m_xmlNamespace)) ThrowInvalidItem();
 }
 
 void CFastInfosetReader::SkipIdentifyingStringOrIndex(Count& count) {

@@ -22,6 +22,9 @@ struct IntegerLayout;
 // Reads one Fast Infoset document (ITU-T X.891) into the tree of a CXmlDocument. It takes what the standard allows to
 // any writer, but has no external vocabularies and none of the entries of an initial vocabulary: an index that needs
 // one is an error. Comments, processing instructions, document type declarations and entity references are read past.
+// Refused is what XML text with namespaces cannot hold: names that are no NCNames (with namespace processing off, no
+// Names), an attribute "xmlns", two attributes of one name, xml and xmlns bound to anything but what they stand for,
+// namespaces with control characters or '|', and ill-formed UTF-8 in names.
 //
 //   CFastInfosetReader reader(*ctx.GetFIContext(), document);
 //   if (!reader.Parse()) ...  // not Fast Infoset: XML text, perhaps
@@ -79,6 +82,7 @@ class RKXML_EXPORT CFastInfosetReader {
   bool ElementStart(unsigned char octet);
   void AtrributeBit2(CXmlElement* element, unsigned char octet);  // sic
   void NamespaceAttributeBit7(unsigned char octet);
+  static void RequireDifferentNames(const CXmlElement& element);
   void Comment();
   void ProcessingInstruction();
   bool DocumentTypeDeclarationBit7(unsigned char octet);
@@ -89,6 +93,9 @@ class RKXML_EXPORT CFastInfosetReader {
   QName QualifiedNameOrIndexBit3(unsigned char octet);
   QName ReadQName(unsigned char octet, QNames& names);
   const CXmlName* IdentifyingStringOrIndex(Names& names, bool& hasIndex);
+  bool HasNamespaces() const;
+  bool IsLegal(const Names& names) const;
+  void RequireReservedPair(const CXmlName* prefix, const CXmlName* namespaceUri) const;
   void SkipIdentifyingStringOrIndex(Count& count);
   void NonIdentifyingStringOrIndexBit1(CXmlElement* element, const QName& name);
   void NonIdentifyingStringOrIndexBit3(CXmlElement* element, unsigned char octet);
@@ -136,7 +143,9 @@ class RKXML_EXPORT CFastInfosetReader {
   int m_bitCount = 0;  // bits of the buffer that are left
 
   CFIVocabulary m_vocabulary;  // attribute values and chunks; names are held as the document interns them
-  Names m_prefixes;            // a null entry, here and below, is one of a list that was read past
+  const CXmlName* m_xmlPrefix = nullptr;
+  const CXmlName* m_xmlNamespace = nullptr;
+  Names m_prefixes;  // a null entry, here and below, is one of a list that was read past
   Names m_namespaceNames;
   Names m_localNames;
   QNames m_elementNames;

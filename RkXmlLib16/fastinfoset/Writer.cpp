@@ -444,6 +444,8 @@ const CFastInfosetWriter::Binding* CFastInfosetWriter::FindBinding(std::wstring_
 
 // C.12, among the declarations of the pending start tag.
 void CFastInfosetWriter::Declare(const std::wstring& prefix, const std::wstring& namespaceUri) {
+  if (Ascii::MayHaveControl(namespaceUri.data(), namespaceUri.length()))
+    throw CRkException(L"Failed to write FastInfoset. A namespace contains a control character.");
   const std::size_t start = GetLength();
   unsigned char octet = FastInfoset::kNamespaceAttribute;
   if (!prefix.empty()) octet |= FastInfoset::kNamePrefixBit;

@@ -1,5 +1,6 @@
 #include "RkXmlLib16/json/JsonToXml.h"
 
+#include <algorithm>
 #include <string_view>
 
 #include "RkXmlLib16/core/Exception.h"
@@ -166,8 +167,14 @@ void CJsonReaderToXmlHandler::WriteText(const std::wstring& value) {
 
 void CJsonReaderToXmlHandler::WriteAttribute(const std::wstring& value) {
   if (!IsQName(m_name) || !IsXmlText(value)) FailAttributeValue(value);
+  static constexpr std::wstring_view kXmlns = L"xmlns";
+  const std::wstring_view name = m_name;
+  const bool declares = name.substr(0, name.find(L':')) == kXmlns;
   try {
-    m_writer.WriteAttributeString(m_name, kNoNamespace, value, ItemType_string);
+    if (declares)
+      m_writer.WriteDeclaration(name.substr(std::min(name.size(), kXmlns.size() + 1)), value);
+    else
+      m_writer.WriteAttributeString(m_name, kNoNamespace, value, ItemType_string);
   } catch (const CRkException&) {
     FailAttributeValue(value);
   }

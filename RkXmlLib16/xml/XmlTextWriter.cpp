@@ -49,6 +49,7 @@ constexpr std::uint64_t MakeSet(std::wstring_view characters) {
 
 constexpr std::uint64_t kSpecialInText = MakeSet(L"&<>\n\r");
 constexpr std::uint64_t kSpecialInAttribute = MakeSet(L"&<>\n\r\"");
+constexpr std::uint64_t kSpecialInNamespace = MakeSet(L"&<>\t\n\r\"");
 
 }  // namespace
 
@@ -258,6 +259,7 @@ void CXmlTextWriter::WriteAttribute(const std::wstring& localName, const std::ws
       PutDeclaration(*prefix, namespaceUri);
     }
   }
+  const Escaping where = namespaceUri == XMLNS_NAMESPACE ? Escaping::Namespace : Escaping::Attribute;
   const bool isShort = value.size() <= kShortText;
   wchar_t* to =
       m_stream.Reserve(1 + prefix->size() + 1 + localName.size() + 3 + (isShort ? value.size() * kLongestEscape : 0));
@@ -266,14 +268,21 @@ void CXmlTextWriter::WriteAttribute(const std::wstring& localName, const std::ws
   *to++ = L'=';
   *to++ = L'"';
   if (isShort) {
-    to = PutEscapedShort(to, value, Escaping::Attribute);
+    to = PutEscapedShort(to, value, where);
   } else {
     m_stream.Commit(to);
-    PutEscaped(value, Escaping::Attribute);
+    PutEscaped(value, where);
     to = m_stream.Reserve(1);
   }
   *to++ = L'"';
   m_stream.Commit(to);
+  FlushIfDue();
+}
+
+void CXmlTextWriter::WriteDeclaration(std::wstring_view prefix, std::wstring_view namespaceUri) {
+  RequireStartTag();
+  Put(L" ");
+  PutDeclaration(prefix, namespaceUri);
   FlushIfDue();
 }
 
@@ -316,7 +325,8 @@ void CXmlTextWriter::PutEscaped(std::wstring_view text, Escaping where) {
 
 // The text up to its first NUL; there is room for the longest escapes.
 wchar_t* CXmlTextWriter::PutEscapedShort(wchar_t* to, std::wstring_view text, Escaping where) const {
-  const std::uint64_t special = where == Escaping::Attribute ? kSpecialInAttribute : kSpecialInText;
+  static constexpr std::uint64_t kSpecial[] = {kSpecialInText, kSpecialInAttribute, kSpecialInNamespace};
+  const std::uint64_t special = kSpecial[static_cast<int>(where)];
   return WideText::CopyEscaped(to, text, kMayBeSpecial, [this, special, where](wchar_t* at, wchar_t c) {
     const auto code = static_cast<std::uint32_t>(c);
     if (code < 64 && (special >> code & 1) != 0) return PutEscape(at, c, where);
@@ -337,21 +347,23 @@ wchar_t* CXmlTextWriter::PutEscape(wchar_t* to, wchar_t c, Escaping where) const
     case L'"':
       return put(L"&quot;");
     case L'\n':
-      return put(where == Escaping::Attribute ? std::wstring_view(L"&#xA;") : std::wstring_view(m_endOfLine));
-    default:  // carriage returns are dropped
-      return to;
+      return put(where == Escaping::Text ? std::wstring_view(m_endOfLine) : std::wstring_view(L"&#xA;"));
+    case L'\t':
+      return put(L"&#x9;");
+    default:  // carriage returns, which text and values lose
+      return where == Escaping::Namespace ? put(L"&#xD;") : to;
   }
 }
 
 // xmlns:prefix="uri", or xmlns="uri" without a prefix.
-void CXmlTextWriter::PutDeclaration(std::wstring_view prefix, const std::wstring& namespaceUri) {
+void CXmlTextWriter::PutDeclaration(std::wstring_view prefix, std::wstring_view namespaceUri) {
   Put(L"xmlns");
   if (!prefix.empty()) {
     Put(L":");
     Put(prefix);
   }
   Put(L"=\"");
-  PutEscaped(UpToNul(namespaceUri), Escaping::Attribute);
+  PutEscaped(namespaceUri, Escaping::Namespace);
   Put(L"\"");
 }
 

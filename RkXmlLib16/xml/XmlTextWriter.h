@@ -67,13 +67,15 @@ class RKXML_EXPORT CXmlTextWriter : public CXmlWriter {
   // The same for text that is at hand without a string; it must not hold NUL.
   void WriteText(std::wstring_view text);
   void WriteAttribute(const std::wstring& localName, const std::wstring& namespaceUri, std::wstring_view value);
+  // Writes xmlns:prefix="uri" onto the open start tag, or xmlns="uri" without a prefix; the scope does not change.
+  void WriteDeclaration(std::wstring_view prefix, std::wstring_view namespaceUri);
 
  private:
-  enum class Escaping { Text, Attribute };
+  enum class Escaping { Text, Attribute, Namespace };
 
   void Put(std::wstring_view text) { m_stream.Append(text); }
   void PutEscaped(std::wstring_view text, Escaping where);
-  void PutDeclaration(std::wstring_view prefix, const std::wstring& namespaceUri);
+  void PutDeclaration(std::wstring_view prefix, std::wstring_view namespaceUri);
   void PutRootDeclarations();
   // The prefix of an element in the namespace; null when one must be invented. An element must be open.
   const std::wstring* FindElementPrefix(const std::wstring& namespaceUri) const;

@@ -4,6 +4,7 @@
 
 #include "Expect.h"
 #include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/json/JsonContext.h"
 #include "RkXmlLib16/wildcards/ElementCol.h"
 #include "RkXmlLib16/xml/ElementTree.h"
 #include "support/SmallStack.h"
@@ -42,6 +43,28 @@ TEST(Element, WritesTheInfosetThatItRead) {
        L"<a xmlns:AB=\"urn:p\" xmlns:AA=\"urn:p\" r=\"AA:x\" s=\"AB:y\"><AC:b xmlns:AC=\"urn:b\" t=\"AB:z\"/></a>"},
   };
   for (const auto& [read, written] : kRows) EXPECT_TEXT(written, Rewritten(read));
+}
+
+// Line ends and tabs, which XML text can put into a namespace by character references.
+TEST(Element, NamespacesKeepEveryCharacter) {
+  const std::wstring uri = L"urn:a\r\n\t&b";
+  CElement read;
+  read.FromXml("<a xmlns='urn:a&#13;&#10;&#9;&amp;b'><b xmlns:p='urn:a&#13;&#10;&#9;&amp;b' p:c='1' r='p:x'/></a>");
+  EXPECT_TEXT(uri, read.GetNamespace());
+  CSerializationContext context;
+  context.GetJsonContext()->SetStrictOutput(true);
+  CElement fromXml;
+  fromXml.FromXml(read.ToXml(false, false).c_str());
+  context.GetNamespaceAliases().Add(L"q", uri.c_str());
+  CElement fromJson;
+  fromJson.FromJson(read.ToJson(false, EOLType_LF, context).c_str(), context);
+  for (CElement* const again : {&fromXml, &fromJson}) {
+    EXPECT_TEXT(uri, again->GetNamespace());
+    EXPECT_TEXT(L"1", again->GetChild(0)->GetAttribute(L"c", uri.c_str()));
+    EXPECT_NE(nullptr, again->FindChild(L"b", uri.c_str()));
+  }
+  EXPECT_THROWS(CRkException, L"Failed to write FastInfoset. A namespace contains a control character.",
+                read.ToFastInfosetStream());
 }
 
 TEST(Element, DeclaresPrefixesAgainWhereItStandsInAnotherTree) {

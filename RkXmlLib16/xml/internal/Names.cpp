@@ -54,6 +54,10 @@ bool IsQName(std::wstring_view text) {
   return IsNCName(text.substr(0, colon)) && IsNCName(text.substr(colon + 1));
 }
 
+bool IsNamespaceName(std::wstring_view text) {
+  return IsXmlText(text) && std::all_of(text.begin(), text.end(), [](wchar_t c) { return c >= L' ' && c != L'|'; });
+}
+
 bool IsXmlText(std::wstring_view text) {
   return std::all_of(text.begin(), text.end(), [](wchar_t c) {
     const auto code = static_cast<char32_t>(c);

@@ -9,6 +9,8 @@ namespace RkXmlLib16 {
 bool IsName(std::wstring_view text);
 bool IsNCName(std::wstring_view text);
 bool IsQName(std::wstring_view text);
+// Whether the text can name a namespace in every form: no control characters, and no '|', which the XML reader refuses.
+bool IsNamespaceName(std::wstring_view text);
 // Whether XML text can hold all characters. What the encoder repairs may pass.
 bool IsXmlText(std::wstring_view text);
 
