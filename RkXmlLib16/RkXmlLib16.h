@@ -9,6 +9,7 @@
 #include "RkXmlLib16/core/Enumerations.h"
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/core/Generated.h"
+#include "RkXmlLib16/core/Location.h"
 #include "RkXmlLib16/core/NamespaceAliasMap.h"
 #include "RkXmlLib16/core/ReadLimits.h"
 #include "RkXmlLib16/core/SerializationContext.h"

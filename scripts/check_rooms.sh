@@ -7,7 +7,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/../RkXmlLib16"
 # Floor and stems; a header and its source stand on the same floor. What is not listed stands as high as what it
 # includes.
 floors='
-0 core/Export core/Enumerations core/Exception core/SmartPtr core/ReferenceCount core/SharedName core/internal/TextOrEmpty
+0 core/Export core/Enumerations core/Location core/Exception core/SmartPtr core/ReferenceCount core/SharedName core/internal/TextOrEmpty
 0 support/WideText
 0 support/internal/ThreadObject support/Format support/HugePages support/CriticalSection support/Ascii support/CodePoints types/Calendar xml/Text
 1 types/BinaryData types/Base64 types/DigitVector
@@ -20,7 +20,7 @@ floors='
 5 xml/XmlWriter xml/XmlTextWriter json/JsonTextWriter
 5 fastinfoset/Vocabulary fastinfoset/Context fastinfoset/BinaryCodec fastinfoset/Writer
 6 core/NamespaceAliasMap core/ReadLimits json/JsonContext core/SerializationContext
-7 xml/ElementTree xml/ExpatReader fastinfoset/Reader
+7 document/internal/Source xml/ElementTree xml/ExpatReader fastinfoset/Reader
 7 json/JsonReaderHandler json/JsonReaderDefaultHandler json/JsonTextReader json/JsonToXml
 7 xml/DocumentLoad
 8 collections/CollectionBase collections/Collection collections/ObjectCollection

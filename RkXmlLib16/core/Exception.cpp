@@ -20,16 +20,28 @@ std::shared_ptr<const CRkException> CloneOf(const CRkException* exception) {
 
 }  // namespace
 
+// What is known of a failure beyond the message.
+struct RKXML_HIDDEN CRkException::Details {
+  CRkLocation location;
+  bool hasLocation = false;
+};
+
 CRkException::CRkException() = default;
 CRkException::CRkException(std::wstring message) : m_message(std::move(message)) {}
 CRkException::CRkException(std::wstring message, const CRkException& inner)
-    : m_message(std::move(message)), m_inner(CloneOf(&inner)) {}
+    : m_message(std::move(message)), m_inner(CloneOf(&inner)), m_details(inner.m_details) {}
 CRkException::CRkException(std::wstring message, std::wstring path)
     : m_message(WithPath(std::move(message), path)), m_path(std::move(path)) {}
 CRkException::CRkException(std::wstring message, std::wstring path, const CRkException& inner)
-    : m_message(WithPath(std::move(message), path)), m_path(std::move(path)), m_inner(CloneOf(&inner)) {}
+    : m_message(WithPath(std::move(message), path)),
+      m_path(std::move(path)),
+      m_inner(CloneOf(&inner)),
+      m_details(inner.m_details) {}
 CRkException::CRkException(const CRkException& other)
-    : m_message(other.m_message), m_path(other.m_path), m_inner(CloneOf(other.GetInnerException())) {}
+    : m_message(other.m_message),
+      m_path(other.m_path),
+      m_inner(CloneOf(other.GetInnerException())),
+      m_details(other.m_details) {}
 CRkException::~CRkException() = default;
 
 CRkException& CRkException::operator=(const CRkException& other) {
@@ -42,7 +54,28 @@ CRkException& CRkException::operator=(const CRkException& other) {
   }
   m_message = std::move(message);
   m_inner = std::move(inner);
+  m_details = other.m_details;
   return *this;
+}
+
+const CRkLocation& CRkException::GetLocation() const noexcept {
+  static const CRkLocation kNowhere;
+  return HasLocation() ? m_details->location : kNowhere;
+}
+
+bool CRkException::HasLocation() const noexcept { return m_details != nullptr && m_details->hasLocation; }
+
+void CRkException::SetLocation(CRkLocation location) {
+  Details& details = ChangeDetails();
+  details.location = std::move(location);
+  details.hasLocation = true;
+}
+
+CRkException::Details& CRkException::ChangeDetails() {
+  auto changed = m_details != nullptr ? std::make_shared<Details>(*m_details) : std::make_shared<Details>();
+  Details& details = *changed;
+  m_details = std::move(changed);
+  return details;
 }
 
 CRkException* CRkException::Clone() const { return std::make_unique<CRkException>(*this).release(); }

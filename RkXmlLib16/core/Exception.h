@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "RkXmlLib16/core/Export.h"
+#include "RkXmlLib16/core/Location.h"
 
 namespace RkXmlLib16 {
 
@@ -44,12 +45,23 @@ class RKXML_EXPORT CRkException {
   // The messages of the whole chain, one a line, outermost first.
   std::wstring GetFullMessage() const;
 
+  // Where in the document the failure lies, if it was one of reading; known by nothing otherwise. An exception that
+  // wraps another has the location of that one, whose path is more exact than GetPath.
+  const CRkLocation& GetLocation() const noexcept;
+  bool HasLocation() const noexcept;
+  void SetLocation(CRkLocation location);
+
  private:
+  struct Details;
+
+  Details& ChangeDetails();
+
   std::wstring m_message;
   std::wstring m_path;
   std::shared_ptr<const CRkException> m_inner;
   // Inner exceptions that assignments took out of use; never shared with a copy.
   std::shared_ptr<std::vector<std::shared_ptr<const CRkException>>> m_replaced;
+  std::shared_ptr<const Details> m_details;  // shared by copies and wrapping exceptions; null until something is known
 };
 
 // A document or an object breaks its schema.

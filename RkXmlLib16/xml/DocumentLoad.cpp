@@ -12,6 +12,7 @@
 
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/document/internal/Source.h"
 #include "RkXmlLib16/fastinfoset/Reader.h"
 #include "RkXmlLib16/json/JsonTextReader.h"
 #include "RkXmlLib16/support/Encoder.h"
@@ -30,6 +31,8 @@ constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 struct Bytes {
   std::unique_ptr<unsigned char[]> data;
   std::size_t length = 0;
+
+  std::string_view View() const { return {reinterpret_cast<const char*>(data.get()), length}; }
 };
 
 Bytes Allocate(std::size_t length) { return {std::unique_ptr<unsigned char[]>(new unsigned char[length]), length}; }
@@ -60,9 +63,8 @@ Bytes ReadFile(const wchar_t* fileName) {
 }
 
 // The bytes without their gzip or zlib wrapper: in `inflated`, or as they are when they have none.
-std::string_view Unwrap(const unsigned char* bytes, std::size_t length, const CReadLimits& limits,
-                        CBinaryData& inflated) {
-  switch (CRkZip::Inflate(bytes, length,
+std::string_view Unwrap(std::string_view bytes, const CReadLimits& limits, CBinaryData& inflated) {
+  switch (CRkZip::Inflate(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size(),
                           {limits.GetMaxInflatedBytes(), limits.GetMaxInflationRatio(), limits.GetInflationRatioFrom()},
                           inflated)) {
     case InflateResult::Inflated:
@@ -74,7 +76,7 @@ std::string_view Unwrap(const unsigned char* bytes, std::size_t length, const CR
     case InflateResult::NotCompressed:
       break;
   }
-  return {reinterpret_cast<const char*>(bytes), length};
+  return bytes;
 }
 
 // UTF-16LE with its byte order mark. Characters above U+FFFF become surrogate pairs, or lose their high bits.
@@ -103,55 +105,71 @@ Bytes ToUtf16(std::wstring_view text, bool pairs) {
   return bytes;
 }
 
-CBinaryData ConvertJsonBytes(const unsigned char* bytes, std::size_t length, const CSerializationContext& context) {
+CBinaryData ConvertJsonBytes(std::string_view bytes, const CSerializationContext& context) {
   CBinaryData inflated;
-  std::string_view json = Unwrap(bytes, length, context.GetLimits(), inflated);
+  std::string_view json = Unwrap(bytes, context.GetLimits(), inflated);
   if (json.substr(0, kUtf8Mark.size()) == kUtf8Mark) json.remove_prefix(kUtf8Mark.size());
   return CJsonTextReader::ConvertJsonToXml(CEncoder::Utf8ToUnicode(json), context);
 }
 
 }  // namespace
 
-// The bytes that the readers see during a load.
+// The bytes that the readers see during a load, and afterwards the places in them.
 struct CXmlDocument::Input {
-  Input(CXmlDocument& owner, const unsigned char* bytes, std::size_t length) : document(owner) {
-    document.m_input = bytes;
-    document.m_inputLength = length;
+  Input(CXmlDocument& owner, std::string_view bytes) : document(owner) {
+    document.m_input = reinterpret_cast<const unsigned char*>(bytes.data());
+    document.m_inputLength = bytes.size();
   }
   Input(const Input&) = delete;
   Input& operator=(const Input&) = delete;
   ~Input() {
     document.m_input = nullptr;
     document.m_inputLength = 0;
+    CSource* const source = document.m_source.get();
+    if (source == nullptr || source->HasOwner() || document.m_inputStays) return;
+    try {
+      document.m_filter == nullptr ? source->KeepCopy() : source->Forget();
+    } catch (const std::bad_alloc&) {
+      source->Forget();  // then without lines
+    }
   }
 
   CXmlDocument& document;
 };
 
+CSource& CXmlDocument::SetSource(std::string_view input) {
+  m_source = std::make_unique<CSource>(input, CSource::EncodingOf(input));
+  m_source->SetFirstOffset(m_firstOffset);
+  return *m_source;
+}
+
 void CXmlDocument::Load(const wchar_t* fileName) {
   Cleanup();
-  const Bytes bytes = ReadFile(fileName);
-  ParseBytes(bytes.data.get(), bytes.length);
+  const std::shared_ptr<const Bytes> bytes = std::make_shared<const Bytes>(ReadFile(fileName));
+  ParseBytes(bytes->View(), bytes, fileName);
 }
 
 void CXmlDocument::LoadXmlStream(unsigned char* bytes, unsigned long length) {
   Cleanup();
   if (bytes == nullptr || length == 0) throw CRkException(L"XML Stream is empty!");
-  ParseBytes(bytes, length);
+  ParseBytes({reinterpret_cast<const char*>(bytes), length}, nullptr, L"");
 }
 
 void CXmlDocument::LoadXml(const char* text) {
   Cleanup();
   if (text == nullptr || *text == '\0') throw CRkException(L"XML String is empty!");
-  const Input input(*this, reinterpret_cast<const unsigned char*>(text), std::strlen(text));
+  SetSource({text, std::strlen(text)});
+  const Input input(*this, text);
   ParseXmlText();
 }
 
 void CXmlDocument::LoadXml(const wchar_t* text) {
   Cleanup();
   if (text == nullptr || *text == L'\0') throw CRkException(L"XML String is empty!");
-  const Bytes bytes = ToUtf16(text, /*pairs=*/false);
-  const Input input(*this, bytes.data.get(), bytes.length);
+  const std::shared_ptr<const Bytes> bytes = std::make_shared<const Bytes>(ToUtf16(text, /*pairs=*/false));
+  SetSource(bytes->View()).SetWide(true);
+  m_source->SetOwner(bytes);
+  const Input input(*this, bytes->View());
   ParseXmlText();
 }
 
@@ -159,20 +177,20 @@ void CXmlDocument::LoadXmlWide(std::wstring_view text) {
   Cleanup();
   if (text.empty()) throw CRkException(L"XML String is empty!");
   const Bytes bytes = ToUtf16(text, /*pairs=*/true);
-  const Input input(*this, bytes.data.get(), bytes.length);
+  const Input input(*this, bytes.View());
   ParseXmlText();
 }
 
 CBinaryData CXmlDocument::LoadJsonFile(const wchar_t* fileName) {
   Cleanup();
   const Bytes bytes = ReadFile(fileName);
-  return ConvertJsonBytes(bytes.data.get(), bytes.length, *m_context);
+  return ConvertJsonBytes(bytes.View(), *m_context);
 }
 
 CBinaryData CXmlDocument::LoadJsonStream(unsigned char* bytes, unsigned long length) {
   Cleanup();
   if (bytes == nullptr || length == 0) throw CRkException(L"JSON Stream is empty!");
-  return ConvertJsonBytes(bytes, length, *m_context);
+  return ConvertJsonBytes({reinterpret_cast<const char*>(bytes), length}, *m_context);
 }
 
 CBinaryData CXmlDocument::LoadJson(const char* text) {
@@ -187,10 +205,14 @@ CBinaryData CXmlDocument::LoadJson(const wchar_t* text) {
   return CJsonTextReader::ConvertJsonToXml(text, *m_context);
 }
 
-void CXmlDocument::ParseBytes(const unsigned char* bytes, std::size_t length) {
-  CBinaryData inflated;
-  const std::string_view document = Unwrap(bytes, length, m_context->GetLimits(), inflated);
-  const Input input(*this, reinterpret_cast<const unsigned char*>(document.data()), document.size());
+void CXmlDocument::ParseBytes(std::string_view bytes, std::shared_ptr<const void> owner, const wchar_t* fileName) {
+  auto inflated = std::make_shared<CBinaryData>();
+  const std::string_view document = Unwrap(bytes, m_context->GetLimits(), *inflated);
+  const bool isInflated = document.data() != bytes.data();
+  SetSource(document).SetOwner(isInflated ? std::move(inflated) : std::move(owner));
+  m_source->SetInflated(isInflated);
+  m_source->SetFileName(fileName != nullptr ? fileName : L"");
+  const Input input(*this, document);
   if (CFastInfosetReader(*m_context->GetFIContext(), *this).Parse()) return;
   ParseXmlText();
 }

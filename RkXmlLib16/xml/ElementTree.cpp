@@ -13,6 +13,7 @@
 
 #include "RkXmlLib16/core/Exception.h"
 #include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/document/internal/Source.h"
 #include "RkXmlLib16/support/WideText.h"
 #include "RkXmlLib16/xml/internal/Arena.h"
 
@@ -188,11 +189,17 @@ void CXmlDocument::Init() {
   m_currentElement = nullptr;
   m_input = nullptr;
   m_inputLength = 0;
+  m_source = nullptr;
   m_schemaType = m_context->GetSchemaType();
   m_storage = std::move(fresh);
 }
 
 void CXmlDocument::Cleanup() { Init(); }
+
+CRkLocation CXmlDocument::Locate(std::uint64_t offset) const {
+  std::wstring path = m_currentElement != nullptr ? m_currentElement->GetXPath() : std::wstring();
+  return m_source != nullptr ? m_source->Locate(offset, std::move(path)) : CRkLocation(std::move(path));
+}
 
 const CXmlName* CXmlDocument::GetEmptyName() const noexcept { return &m_storage->emptyName; }
 
@@ -511,6 +518,11 @@ std::wstring CXmlElement::GetXPath() const {
   return path;
 }
 
+CRkLocation CXmlElement::GetLocation() const {
+  CSource* const source = GetDocument()->m_source.get();
+  return source != nullptr ? source->Locate(m_offset, GetXPath()) : CRkLocation(GetXPath());
+}
+
 CXmlElement* CXmlElement::CreateNewChildElement() {
   CXmlDocument& document = Owner();
   document.m_storage->pinned = document.m_storage->open.size();
@@ -561,6 +573,23 @@ CXmlElement* CXmlElement::RemoveLastChildElement() {
 
 std::wstring CXmlAttribute::GetXPath() const {
   return m_element->GetXPath() + L"/@" + WithAlias(m_element->GetDocument(), m_namespaceUri, GetLocalName());
+}
+
+CRkLocation CXmlAttribute::GetLocation() const {
+  const CXmlDocument& document = *m_element->GetDocument();
+  CSource* const source = document.m_source.get();
+  if (source == nullptr) return CRkLocation(GetXPath());
+  std::uint64_t offset = m_offset;
+  if (offset == CRkLocation::kNoOffset) {
+    std::size_t before = 0;
+    for (const CXmlAttribute* other : m_element->GetAttributes()) {
+      if (other == this) break;
+      before += other->m_localName == m_localName;
+    }
+    offset = source->FindAttribute(m_element->m_offset, m_localName->View(), before,
+                                   document.GetSchemaType() != SchemaType_NoNamespaces);
+  }
+  return source->Locate(offset, GetXPath());
 }
 
 bool CXmlAttribute::IsNamespaceAttribute() const noexcept {

@@ -13,12 +13,15 @@
 
 #include "RkXmlLib16/core/Enumerations.h"
 #include "RkXmlLib16/core/Export.h"
+#include "RkXmlLib16/core/Location.h"
 #include "RkXmlLib16/types/BinaryData.h"
 #include "RkXmlLib16/xml/Text.h"
 
 namespace RkXmlLib16 {
 
+class CRkException;
 class CSerializationContext;
+class CSource;
 class CXmlDocument;
 class CXmlElement;
 
@@ -76,6 +79,8 @@ class RKXML_EXPORT CXmlAttribute {
   bool IsNamespaceAttribute() const noexcept;
   // xsi:nil.
   bool IsNilAttribute() const noexcept;
+  // Where the attribute stands; that of the element when a DTD or an entity supplied it. See CXmlElement::GetLocation.
+  CRkLocation GetLocation() const;
   const CXmlElement* GetElement() const noexcept { return m_element; }
   // The names as the document holds them, for comparison by address.
   const CXmlName* GetLocalNameRef() const noexcept { return m_localName; }
@@ -90,6 +95,7 @@ class RKXML_EXPORT CXmlAttribute {
   const CXmlName* m_localName;
   const CXmlName* m_namespaceUri;
   CXmlTextBlock* m_value = nullptr;  // null while empty
+  std::uint64_t m_offset = CRkLocation::kNoOffset;
 };
 
 // The head of an element's attributes, which follow it.
@@ -175,6 +181,10 @@ class RKXML_EXPORT CXmlElement {
   std::wstring GetNameWithPredicate() const;
   // "/order/item[2]".
   std::wstring GetXPath() const;
+  // Where the element begins, with its path. Line and column are worked out here, from the input, which the document
+  // keeps until it is emptied; a document with a filter keeps it during the load only. For elements that no reader made
+  // the path alone. Not to be called on one document from two threads at the same time.
+  CRkLocation GetLocation() const;
 
   // Building.
   CXmlElement* CreateNewChildElement();
@@ -187,6 +197,7 @@ class RKXML_EXPORT CXmlElement {
   CXmlElement* RemoveLastChildElement();
 
  private:
+  friend class CXmlAttribute;
   friend class CXmlDocument;
   CXmlElement(CXmlElement* parent, const CXmlName* localName, const CXmlName* namespaceUri) noexcept
       : m_localName(localName), m_namespaceUri(namespaceUri), m_parent(parent) {}
@@ -201,6 +212,7 @@ class RKXML_EXPORT CXmlElement {
   CXmlElement* m_lastChild = nullptr;
   CXmlAttributeBlock* m_attributes = nullptr;  // null without attributes
   CXmlTextBlock* m_text = nullptr;             // null without text
+  std::uint64_t m_offset = CRkLocation::kNoOffset;
 };
 
 // A document held as a tree of elements, filled from XML text, Fast Infoset or, by way of XML text, JSON. Each load
@@ -252,6 +264,14 @@ class RKXML_EXPORT CXmlDocument {
   const CSerializationContext& GetContext() const noexcept { return *m_context; }
   SchemaType GetSchemaType() const noexcept { return m_schemaType; }
   bool HasElementFilter() const noexcept { return m_filter != nullptr; }
+  // Before a load of borrowed bytes or text: whether they stay valid until the document is emptied. Otherwise, and at
+  // first, the document keeps a copy of them, for the lines and columns of its elements; not if it has a filter.
+  void SetInputStays(bool stays) noexcept { m_inputStays = stays; }
+  // Before a load: where the input begins in a larger one. Added to the offsets of locations.
+  void SetFirstOffset(std::uint64_t offset) noexcept { m_firstOffset = offset; }
+  // The place `offset` bytes into the input, for the readers; with the path of the current element.
+  CRkLocation Locate(std::uint64_t offset) const;
+
   // The bytes being read; for the readers, during a load only.
   const unsigned char* GetInput() const noexcept { return m_input; }
   std::size_t GetInputLength() const noexcept { return m_inputLength; }
@@ -274,6 +294,9 @@ class RKXML_EXPORT CXmlDocument {
   // A copy of the name for objects that outlive the document, which all share it. Null for the empty name.
   std::shared_ptr<const std::wstring> ShareName(const CXmlName* name) const;
   CXmlElement* AddElement(const CXmlName* namespaceUri, const CXmlName* localName);
+  // Where the element or attribute begins in the input, in bytes.
+  static void SetOffset(CXmlElement* element, std::uint64_t offset) noexcept { element->m_offset = offset; }
+  static void SetOffset(CXmlAttribute* attribute, std::uint64_t offset) noexcept { attribute->m_offset = offset; }
   // The attribute is valid until the next one is added to the element.
   CXmlAttribute* AddAttribute(CXmlElement* element, const CXmlName* localName, const CXmlName* namespaceUri,
                               std::wstring_view value);
@@ -309,7 +332,8 @@ class RKXML_EXPORT CXmlDocument {
   struct Storage;
 
   void Init();
-  void ParseBytes(const unsigned char* bytes, std::size_t length);
+  CSource& SetSource(std::string_view input);
+  void ParseBytes(std::string_view bytes, std::shared_ptr<const void> owner, const wchar_t* fileName);
   void ParseXmlText();
 
   std::unique_ptr<Storage> m_storage;
@@ -320,7 +344,17 @@ class RKXML_EXPORT CXmlDocument {
   CXmlElement* m_currentElement = nullptr;
   const unsigned char* m_input = nullptr;  // borrowed during a load
   std::size_t m_inputLength = 0;
+  std::unique_ptr<CSource> m_source;  // null when the places of the input mean nothing to the caller
+  bool m_inputStays = false;
+  std::uint64_t m_firstOffset = 0;
 };
+
+// Gives the exception the location of an element or attribute, unless it has one; `throw At(e, *element)`.
+template <class Exception, class Node>
+Exception&& At(Exception&& exception, const Node& node) {
+  if (!exception.HasLocation()) exception.SetLocation(node.GetLocation());
+  return std::forward<Exception>(exception);
+}
 
 }  // namespace RkXmlLib16
 

@@ -144,6 +144,7 @@ struct RKXML_HIDDEN CExpatReader::Parser {
 
   static bool IsUtf16(const CXmlDocument& document);
   void Feed(bool isFinal);
+  std::uint64_t Offset() const { return static_cast<std::uint64_t>(XML_GetCurrentByteIndex(expat)); }
   [[noreturn]] void ThrowParseError() const;
   [[noreturn]] void ThrowSeparatorInUri() const;
   bool IsAtTagWithSeparator() const;
@@ -287,6 +288,7 @@ void CExpatReader::Parser::StartElement(const XML_Char* name, const XML_Char** a
   const CXmlName* namespaceUri = nullptr;
   const CXmlName* localName = LocalName(SplitElementName(name, namespaceUri));
   CXmlElement* const element = document.AddElement(namespaceUri, localName);
+  CXmlDocument::SetOffset(element, Offset());
   if (*attributes == nullptr) return;
   const XML_Char** const firstDefault = attributes + XML_GetSpecifiedAttributeCount(expat);
   for (; *attributes != nullptr; attributes += 2) {
@@ -430,7 +432,12 @@ void CExpatReader::CreateParser() {
 
 void CExpatReader::Parse(bool isFinal) {
   if (m_parser == nullptr) CreateParser();
-  m_parser->Feed(isFinal);
+  try {
+    m_parser->Feed(isFinal);
+  } catch (CRkException& e) {
+    if (!e.HasLocation()) e.SetLocation(m_document.Locate(m_parser->Offset()));
+    throw;
+  }
   if (isFinal) Cleanup();
 }
 

@@ -34,6 +34,7 @@ auto Guarded(Work&& work) {
 template <class Load>
 void ReadDocument(CXmlObjectBase& object, const CSerializationContext& context, Load&& load) {
   CXmlDocument document(context);
+  document.SetInputStays(true);
   Guarded([&] { load(document); });
   const CXmlElement* const root = document.GetDocumentElement();
   object.FromXmlElement(root, context);
