@@ -116,6 +116,18 @@ void CountingFree(void* memory) {
   std::free(memory);
 }
 
+// expat knows US-ASCII by this name only.
+bool IsAliasOfAscii(const XML_Char* encoding) {
+  static constexpr std::string_view kAliases[] = {
+      "ascii", "ansi_x3.4-1968", "ansi_x3.4-1986", "iso646-us", "iso_646.irv", "iso-ir-6",
+      "us",    "ibm367",         "cp367",          "csascii"};
+  const std::size_t length = LengthOf(encoding);
+  const auto same = [](XML_Char unit, char c) { return (unit >= 'A' && unit <= 'Z' ? unit - 'A' + 'a' : unit) == c; };
+  return std::any_of(std::begin(kAliases), std::end(kAliases), [&](std::string_view alias) {
+    return std::equal(encoding, encoding + length, alias.begin(), alias.end(), same);
+  });
+}
+
 constexpr XML_Memory_Handling_Suite kCountingSuite = {CountingMalloc, CountingRealloc, CountingFree};
 
 }  // namespace
@@ -193,6 +205,12 @@ struct RKXML_HIDDEN CExpatReader::Parser {
                                   const XML_Char*, const XML_Char*, const XML_Char*, const XML_Char*) {
     if (value == nullptr) return;
     Guarded(userData, [&](Parser& self) { self.EntityDeclaration(value, static_cast<std::size_t>(length)); });
+  }
+
+  static int FnUnknownEncoding(void* userData, const XML_Char* name, XML_Encoding* info) noexcept {
+    if (static_cast<Parser*>(userData)->isUtf16 || !IsAliasOfAscii(name)) return XML_STATUS_ERROR;
+    for (int byte = 0; byte < 256; ++byte) info->map[byte] = byte < 128 ? byte : -1;
+    return XML_STATUS_OK;
   }
 
   // expat builds the names of elements in one buffer for each namespace declaration in scope, so the namespace is told
@@ -426,6 +444,7 @@ void CExpatReader::CreateParser() {
   XML_SetNamespaceDeclHandler(expat, Parser::FnStartNamespace, Parser::FnEndNamespace);
   XML_SetCharacterDataHandler(expat, Parser::FnText);
   XML_SetEntityDeclHandler(expat, Parser::FnEntityDeclaration);
+  XML_SetUnknownEncodingHandler(expat, Parser::FnUnknownEncoding, m_parser.get());
   if (!m_document.GetContext().GetStripCDATA())
     XML_SetCdataSectionHandler(expat, Parser::FnStartCDATA, Parser::FnEndCDATA);
 }

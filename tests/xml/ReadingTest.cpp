@@ -164,6 +164,21 @@ TEST(Reading, WideTextLosesHighBitsIntended) {
   EXPECT_TEXT(L"a(\xE9\xD83D\xDE00\xD800\xDC3C\xFFFD)", TreeOf(document));
 }
 
+TEST(Reading, KnowsTheNamesOfUsAscii) {
+  const auto declared = [](const char* name, const char* text) {
+    return "<?xml version='1.0' encoding='" + std::string(name) + "'?><a>" + text + "</a>";
+  };
+  for (const char* const name : {"US-ASCII", "ASCII", "ascii", "ANSI_X3.4-1968", "ISO646-US", "csASCII", "us"}) {
+    EXPECT_TEXT(L"a(~)", TreeOf(declared(name, "~"))) << name;
+    EXPECT_THROWS(CRkException, L"not well-formed (invalid token) at line 1", TreeOf(declared(name, "\xE9")));
+  }
+  for (const char* const name : {"ASCIIX", "ASCI", "windows-1252"})
+    EXPECT_THROWS(CRkException, L"unknown encoding at line 1", TreeOf(declared(name, "~")));
+  CXmlDocument document;
+  EXPECT_THROWS(CRkException, L"unknown encoding at line 1",
+                document.LoadXml(L"<?xml version='1.0' encoding='ASCII'?><a/>"));
+}
+
 TEST(Reading, DeclaredEncodingOfWideTextMustFitIntended) {
   CXmlDocument document;
   document.LoadXml(L"<?xml version='1.0'?><a/>");

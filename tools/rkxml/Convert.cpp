@@ -1,25 +1,9 @@
+#include "Gzip.h"
 #include "Load.h"
 #include "Progress.h"
-#include "Text.h"
 #include "Tree.h"
 
 using namespace RkXmlLib16;
-
-namespace {
-
-CBinaryData Write(const CElement& element, const Options& options, const CSerializationContext& context) {
-  try {
-    return options.to->write(element, options.layout, context);
-  } catch (const CRkException& e) {
-    // The library never lets a document grow by compression.
-    if (options.layout.gzip && Reason(e).rfind("Failed to compress data", 0) == 0) {
-      throw DocumentError("the document is too small to shrink by gzip, write it without");
-    }
-    throw;
-  }
-}
-
-}  // namespace
 
 void Convert(const Options& options) {
   Progress progress;
@@ -40,7 +24,11 @@ void Convert(const Options& options) {
     element.FromXmlElement(document.GetDocumentElement(), context);
   }
   progress.Writing();
-  const CBinaryData output = Write(element, options, context);
-  progress.Written(output.GetLength());
-  WriteFile(options.output, output.GetData(), output.GetLength());
+  const CBinaryData output = options.to->write(element, options.layout, context);
+  Bytes zipped;
+  if (options.layout.gzip) zipped = Gzip(output.GetData(), output.GetLength());
+  const unsigned char* const data = options.layout.gzip ? zipped.data() : output.GetData();
+  const std::size_t length = options.layout.gzip ? zipped.size() : output.GetLength();
+  progress.Written(length);
+  WriteFile(options.output, data, length);
 }

@@ -9,8 +9,7 @@ namespace {
 void LoadXml(CXmlDocument& document, Bytes& bytes) { document.LoadXmlStream(bytes.data(), bytes.size()); }
 
 CBinaryData WriteXml(const CXmlObjectBase& object, const Layout& layout, const CSerializationContext& context) {
-  return object.ToXmlStream(/*includeDocumentHeader=*/true, layout.pretty, layout.encoding, layout.eol, context,
-                            layout.gzip ? CompressionType_GZip : CompressionType_None);
+  return object.ToXmlStream(/*includeDocumentHeader=*/true, layout.pretty, layout.encoding, layout.eol, context);
 }
 
 void LoadJson(CXmlDocument& document, Bytes& bytes) {
@@ -23,8 +22,7 @@ void LoadJson(CXmlDocument& document, Bytes& bytes) {
 }
 
 CBinaryData WriteJson(const CXmlObjectBase& object, const Layout& layout, const CSerializationContext& context) {
-  return object.ToJsonStream(layout.pretty, layout.encoding, layout.eol, context,
-                             layout.gzip ? CompressionType_GZip : CompressionType_None);
+  return object.ToJsonStream(layout.pretty, layout.encoding, layout.eol, context);
 }
 
 // The texts of an element that was read have no types, so beside the suggested encodings all of them are tried under
@@ -35,8 +33,7 @@ CBinaryData WriteFastInfoset(const CXmlObjectBase& object, const Layout& layout,
     settings.SetSuggestedValues();
     settings.SetEncoding(ItemType_string, {FIStringEncoding_RestrictedAlphabet, FIRestrictedAlphabet_Numeric});
   }
-  return object.ToFastInfosetStream(layout.declaration, context,
-                                    layout.gzip ? CompressionType_GZip : CompressionType_None);
+  return object.ToFastInfosetStream(layout.declaration, context);
 }
 
 bool EndsWith(std::string_view text, std::string_view ending) {
@@ -56,11 +53,27 @@ void JsonMapping::ApplyTo(const CSerializationContext& context) const {
 
 const std::vector<Form>& Forms() {
   static const std::vector<Form> forms = {
-      {"xml", "XML text", {".xml"}, LoadXml, WriteXml, /*needsPrefixes=*/false},
+      {"xml",
+       "XML text",
+       {".xml",     ".xsd",   ".xsl",    ".xslt", ".rng",     ".wsdl",    ".wadl", ".xhtml",    ".svg",
+        ".mml",     ".smil",  ".ttml",   ".gpx",  ".kml",     ".gml",     ".tcx",  ".osm",      ".rss",
+        ".atom",    ".rdf",   ".owl",    ".skos", ".xbrl",    ".dae",     ".x3d",  ".musicxml", ".plist",
+        ".fodt",    ".fods",  ".fodp",   ".dbk",  ".dita",    ".ditamap", ".tei",  ".opf",      ".ncx",
+        ".xlf",     ".xliff", ".tmx",    ".xmi",  ".graphml", ".gexf",    ".xspf", ".xaml",     ".csproj",
+        ".vcxproj", ".resx",  ".nuspec", ".ui",   ".qrc",     ".jnlp"},
+       LoadXml,
+       WriteXml,
+       /*needsPrefixes=*/false},
       {"json", "JSON text", {".json"}, LoadJson, WriteJson, /*needsPrefixes=*/true},
       {"finf", "Fast Infoset", {".finf"}, LoadXml, WriteFastInfoset, /*needsPrefixes=*/false},
   };
   return forms;
+}
+
+std::string FormNames(const char* separator) {
+  std::string names;
+  for (const Form& form : Forms()) names += (names.empty() ? "" : separator) + std::string(form.name);
+  return names;
 }
 
 const Form* FindForm(std::string_view name) {
@@ -69,14 +82,15 @@ const Form* FindForm(std::string_view name) {
   return found == forms.end() ? nullptr : &*found;
 }
 
-const Form& FormOfFile(std::string_view fileName) {
+const Form* FormOfFile(std::string_view fileName) {
   if (IsGzipName(fileName)) fileName.remove_suffix(3);
+  fileName.remove_prefix(fileName.rfind('/') + 1);
   for (const Form& form : Forms()) {
     for (const std::string_view ending : form.fileEndings) {
-      if (EndsWith(fileName, ending)) return form;
+      if (EndsWith(fileName, ending)) return &form;
     }
   }
-  return Forms().front();
+  return fileName.find('.') == std::string_view::npos ? &Forms().front() : nullptr;
 }
 
 bool IsGzipName(std::string_view fileName) { return EndsWith(fileName, ".gz"); }

@@ -15,7 +15,7 @@ struct Layout {
   std::wstring indent = L"\t";
   RkXmlLib16::EOLType eol = RkXmlLib16::EOLType_LF;
   RkXmlLib16::XmlEncoding encoding = RkXmlLib16::XmlEncoding_UTF8;
-  bool gzip = false;
+  bool gzip = false;                                               // in a gzip wrapper, see Gzip.h
   RkXmlLib16::FInfoDecl declaration = RkXmlLib16::FInfoDecl_None;  // of Fast Infoset
   bool typed = false;                                              // likewise: values in their machine form
 };
@@ -41,11 +41,15 @@ struct Form {
 
 const std::vector<Form>& Forms();
 
+// The names of all forms.
+std::string FormNames(const char* separator);
+
 // The form with this name, or null.
 const Form* FindForm(std::string_view name);
 
-// The form that the ending of a file name tells, with or without ".gz" behind it; XML where it tells none.
-const Form& FormOfFile(std::string_view fileName);
+// The form that the ending of a file name tells, with or without ".gz" behind it: XML for a name without ending, null
+// for an unknown ending.
+const Form* FormOfFile(std::string_view fileName);
 
 // Whether the file name ends in ".gz".
 bool IsGzipName(std::string_view fileName);

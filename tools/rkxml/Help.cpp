@@ -1,11 +1,28 @@
+#include <cstring>
+
 #include "Commands.h"
 
 namespace {
 
-std::string FormNames() {
-  std::string names;
-  for (const Form& form : Forms()) names += (names.empty() ? "" : ", ") + std::string(form.name);
-  return names;
+// The endings of the form's files, in lines of a terminal's width.
+std::string Endings(const Form& form) {
+  std::string text = "  " + std::string(form.name) + std::string(6 - std::strlen(form.name), ' ');
+  std::size_t width = text.size();
+  for (const std::string_view ending : form.fileEndings) {
+    if (width + 1 + ending.size() > 79) {
+      text += "\n" + std::string(8, ' ');
+      width = 8;
+    }
+    text.append(" ").append(ending);
+    width += 1 + ending.size();
+  }
+  return text + "\n";
+}
+
+std::string AllEndings() {
+  std::string text;
+  for (const Form& form : Forms()) text += Endings(form);
+  return text;
 }
 
 }  // namespace
@@ -19,9 +36,9 @@ std::string Help(Command command) {
              "OUT appears complete or not at all; IN and OUT may be the same file.\n"
              "\n"
              "  --from FORM, --to FORM  form of IN and of OUT: " +
-             FormNames() +
+             FormNames(", ") +
              "\n"
-             "                          (default: by file ending, else xml)\n"
+             "                          (default: by file ending, see below)\n"
              "  --pretty                lines and indentation (default)\n"
              "  --compact               no lines and no indentation\n"
              "  --indent N|tab          indent by N blanks or by tabs (default: tab)\n"
@@ -39,7 +56,12 @@ std::string Help(Command command) {
              "                          expansion-ratio\n"
              "  -h, --help              this text\n"
              "\n"
-             "A gzip or zlib wrapper around IN is recognised and taken off.\n"
+             "A gzip or zlib wrapper around IN is recognised and taken off. An option that\n"
+             "the call cannot use is refused.\n"
+             "\n"
+             "Endings, with or without .gz behind them (a name without any, and IN with\n"
+             "another one, is XML text; OUT with another one needs --to):\n" +
+             AllEndings() +
              "\n"
              "Examples:\n"
              "  rkxml convert --compact track.gpx track.gpx.gz\n"
@@ -54,7 +76,7 @@ std::string Help(Command command) {
              "together (nodes), characters and depth. '-' is standard input.\n"
              "\n"
              "  --from FORM             form of IN: " +
-             FormNames() +
+             FormNames(", ") +
              "\n"
              "                          (default: by file ending, else xml)\n"
              "  --mode 0|1|2, --root N  how JSON is read, see rkxml convert --help\n"

@@ -1,8 +1,25 @@
 #include "Load.h"
 
+#include "Encoding.h"
 #include "Text.h"
 
 using namespace RkXmlLib16;
+
+namespace {
+
+bool LooksLikeJson(std::string_view text) {
+  const std::size_t start = text.find_first_not_of(" \t\r\n", text.rfind("\xEF\xBB\xBF", 0) == 0 ? 3 : 0);
+  return start != std::string_view::npos && (text[start] == '{' || text[start] == '[');
+}
+
+// What helps to understand why `text` is no XML.
+std::string AboutXml(std::string_view text, const std::string& reason) {
+  if (LooksLikeJson(text)) return " (JSON text is read with --from json)";
+  if (reason.rfind("unknown encoding", 0) != 0) return {};
+  return " (it is " + ForTerminal(DeclaredEncoding(text)) + "; readable are UTF-8, UTF-16, ISO-8859-1 and US-ASCII)";
+}
+
+}  // namespace
 
 void LoadDocument(CXmlDocument& document, const Options& options, Bytes& bytes) {
   try {
@@ -11,10 +28,17 @@ void LoadDocument(CXmlDocument& document, const Options& options, Bytes& bytes) 
     const std::string file = options.input == "-" ? "standard input" : ForTerminal(options.input);
     // Bytes in a damaged wrapper are taken as they are, and what the parser says about them helps nobody.
     CBinaryData content;
-    if (WrapperOf(bytes) == Wrapper::Gzip && Unwrap(bytes, options, content) == InflateResult::NotCompressed) {
-      throw DocumentError(file + ": the gzip data is damaged or cut short");
+    std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    if (WrapperOf(bytes) != Wrapper::None) {
+      const InflateResult result = Unwrap(bytes, options, content);
+      if (result == InflateResult::Inflated) {
+        text = {reinterpret_cast<const char*>(content.GetData()), content.GetLength()};
+      } else if (result == InflateResult::NotCompressed && WrapperOf(bytes) == Wrapper::Gzip) {
+        throw DocumentError(file + ": the gzip data is damaged or cut short");
+      }
     }
-    throw DocumentError(file + ": " + Reason(e));
+    const std::string reason = Reason(e);
+    throw DocumentError(file + ": " + reason + (options.from == FindForm("xml") ? AboutXml(text, reason) : ""));
   }
 }
 

@@ -21,9 +21,7 @@ std::string Quoted(std::string_view word) { return "'" + ForTerminal(word) + "'"
 
 const Form* FormOption(std::string_view option, std::string_view value) {
   if (const Form* form = FindForm(value)) return form;
-  std::string names;
-  for (const Form& form : Forms()) names += (names.empty() ? "" : ", ") + std::string(form.name);
-  ThrowBadValue(option, value, names);
+  ThrowBadValue(option, value, FormNames(", "));
 }
 
 std::wstring IndentOption(std::string_view value) {
@@ -93,32 +91,50 @@ void ApplyLimits(CReadLimits& limits, std::string_view value) {
   }
 }
 
+// What an option goes with; asked when the whole call is known.
+struct Use {
+  const char* text;
+  bool (*holds)(const Options& options);
+};
+
+constexpr Use kAlways = {"", [](const Options&) { return true; }};
+constexpr Use kText = {"XML or JSON output", [](const Options& o) { return o.to != FindForm("finf"); }};
+constexpr Use kPretty = {"pretty XML or JSON output",
+                         [](const Options& o) { return o.to != FindForm("finf") && o.layout.pretty; }};
+constexpr Use kFastInfoset = {"Fast Infoset output", [](const Options& o) { return o.to == FindForm("finf"); }};
+constexpr Use kJson = {"JSON", [](const Options& o) { return o.from == FindForm("json") || o.to == FindForm("json"); }};
+constexpr Use kJsonInput = {"JSON input", [](const Options& o) { return o.from == FindForm("json"); }};
+constexpr Use kNoJsonInput = {"Fast Infoset input", [](const Options& o) { return o.from != FindForm("json"); }};
+
 // One option. `apply` gets the value, or an empty text for an option without one.
 struct Option {
   std::string_view name;
   bool takesValue;
   bool forShow;
+  const Use& use;
   void (*apply)(Options& options, std::string_view value);
 };
 
 constexpr Option kOptions[] = {
-    {"--from", true, true, [](Options& o, std::string_view v) { o.from = FormOption("--from", v); }},
-    {"--to", true, false, [](Options& o, std::string_view v) { o.to = FormOption("--to", v); }},
-    {"--pretty", false, false, [](Options& o, std::string_view) { o.layout.pretty = true; }},
-    {"--compact", false, false, [](Options& o, std::string_view) { o.layout.pretty = false; }},
-    {"--indent", true, false, [](Options& o, std::string_view v) { o.layout.indent = IndentOption(v); }},
-    {"--eol", true, false, [](Options& o, std::string_view v) { o.layout.eol = EolOption(v); }},
-    {"--encoding", true, false, [](Options& o, std::string_view v) { o.layout.encoding = EncodingOption(v); }},
-    {"--mode", true, true, [](Options& o, std::string_view v) { o.json.mode = ModeOption(v); }},
-    {"--root", true, true, [](Options& o, std::string_view v) { o.json.rootName = CEncoder::Utf8ToUnicode(v); }},
-    {"--declaration", true, false, [](Options& o, std::string_view v) { o.layout.declaration = DeclarationOption(v); }},
-    {"--typed", false, false, [](Options& o, std::string_view) { o.layout.typed = true; }},
-    {"--limits", true, true, [](Options& o, std::string_view v) { ApplyLimits(o.limits, v); }},
-    {"--octets", false, true, [](Options& o, std::string_view) { o.octets = true; }},
-    {"--gzip", false, false, [](Options& o, std::string_view) { o.layout.gzip = true; }},
-    {"--help", false, true, [](Options& o, std::string_view) { o.help = true; }},
-    {"-h", false, true, [](Options& o, std::string_view) { o.help = true; }},
-    {"--version", false, true, [](Options& o, std::string_view) { o.version = true; }},
+    {"--from", true, true, kAlways, [](Options& o, std::string_view v) { o.from = FormOption("--from", v); }},
+    {"--to", true, false, kAlways, [](Options& o, std::string_view v) { o.to = FormOption("--to", v); }},
+    {"--pretty", false, false, kText, [](Options& o, std::string_view) { o.layout.pretty = true; }},
+    {"--compact", false, false, kText, [](Options& o, std::string_view) { o.layout.pretty = false; }},
+    {"--indent", true, false, kPretty, [](Options& o, std::string_view v) { o.layout.indent = IndentOption(v); }},
+    {"--eol", true, false, kPretty, [](Options& o, std::string_view v) { o.layout.eol = EolOption(v); }},
+    {"--encoding", true, false, kText, [](Options& o, std::string_view v) { o.layout.encoding = EncodingOption(v); }},
+    {"--mode", true, true, kJson, [](Options& o, std::string_view v) { o.json.mode = ModeOption(v); }},
+    {"--root", true, true, kJsonInput,
+     [](Options& o, std::string_view v) { o.json.rootName = CEncoder::Utf8ToUnicode(v); }},
+    {"--declaration", true, false, kFastInfoset,
+     [](Options& o, std::string_view v) { o.layout.declaration = DeclarationOption(v); }},
+    {"--typed", false, false, kFastInfoset, [](Options& o, std::string_view) { o.layout.typed = true; }},
+    {"--limits", true, true, kAlways, [](Options& o, std::string_view v) { ApplyLimits(o.limits, v); }},
+    {"--octets", false, true, kNoJsonInput, [](Options& o, std::string_view) { o.octets = true; }},
+    {"--gzip", false, false, kAlways, [](Options& o, std::string_view) { o.layout.gzip = true; }},
+    {"--help", false, true, kAlways, [](Options& o, std::string_view) { o.help = true; }},
+    {"-h", false, true, kAlways, [](Options& o, std::string_view) { o.help = true; }},
+    {"--version", false, true, kAlways, [](Options& o, std::string_view) { o.version = true; }},
 };
 
 // The number of characters to change, add or drop to make one word the other.
@@ -144,13 +160,10 @@ std::string Hint(std::string_view word, const std::vector<std::string_view>& kno
   return "see rkxml --help";
 }
 
-const Option& FindOption(std::string_view name, Command command) {
+const Option& FindOption(std::string_view name) {
   std::vector<std::string_view> known;
   for (const Option& option : kOptions) {
-    if (option.name == name) {
-      if (command != Command::Show || option.forShow) return option;
-      throw UsageError("option " + std::string(name) + " does not go with show", "see rkxml show --help");
-    }
+    if (option.name == name) return option;
     known.push_back(option.name);
   }
   throw UsageError("unknown option " + Quoted(name), Hint(name, known));
@@ -174,11 +187,25 @@ void TakeFiles(Options& options, const std::vector<std::string>& files) {
     if (file.empty()) throw UsageError("a file name is empty", call);
   }
   options.input = files[0];
-  if (options.from == nullptr) options.from = &FormOfFile(options.input);
+  if (options.from == nullptr) options.from = FormOfFile(options.input);
+  if (options.from == nullptr) options.from = FindForm("xml");
   if (!convert) return;
   options.output = files[1];
-  if (options.to == nullptr) options.to = &FormOfFile(options.output);
+  if (options.to == nullptr) options.to = FormOfFile(options.output);
+  if (options.to == nullptr) {
+    throw UsageError("the ending of " + Quoted(options.output) + " tells no form", "give it by --to " + FormNames("|"));
+  }
   if (IsGzipName(options.output)) options.layout.gzip = true;
+}
+
+void CheckUse(const std::vector<const Option*>& given, const Options& options) {
+  const bool show = options.command == Command::Show;
+  const std::string hint = show ? "see rkxml show --help" : "see rkxml convert --help";
+  for (const Option* option : given) {
+    const std::string name = "option " + std::string(option->name);
+    if (show && !option->forShow) throw UsageError(name + " does not go with show", hint);
+    if (!option->use.holds(options)) throw UsageError(name + " goes with " + option->use.text + " only", hint);
+  }
 }
 
 }  // namespace
@@ -186,6 +213,7 @@ void TakeFiles(Options& options, const std::vector<std::string>& files) {
 Options ParseOptions(int argc, const char* const* argv) {
   Options options;
   std::vector<std::string> files;
+  std::vector<const Option*> given;
   bool onlyFiles = false;
   for (int i = 1; i < argc; ++i) {
     const std::string_view word = argv[i];
@@ -193,7 +221,7 @@ Options ParseOptions(int argc, const char* const* argv) {
       onlyFiles = true;
     } else if (!onlyFiles && word.size() > 1 && word[0] == '-') {
       const std::size_t equals = word.find('=');
-      const Option& option = FindOption(word.substr(0, equals), options.command);
+      const Option& option = FindOption(word.substr(0, equals));
       std::string_view value;
       if (equals != std::string_view::npos) {
         if (!option.takesValue) {
@@ -205,6 +233,7 @@ Options ParseOptions(int argc, const char* const* argv) {
         value = argv[i];
       }
       option.apply(options, value);
+      given.push_back(&option);
     } else if (options.command == Command::None) {
       options.command = ParseCommand(word);
     } else {
@@ -214,5 +243,6 @@ Options ParseOptions(int argc, const char* const* argv) {
   if (options.help || options.version) return options;
   if (options.command == Command::None) throw UsageError("no command given", "see rkxml --help");
   TakeFiles(options, files);
+  CheckUse(given, options);
   return options;
 }

@@ -16,7 +16,7 @@ struct Options {
   std::string input;
   std::string output;
   const Form* from = nullptr;  // never null once parsed
-  const Form* to = nullptr;    // never null once parsed
+  const Form* to = nullptr;    // of convert: never null once parsed
   Layout layout;
   JsonMapping json;
   RkXmlLib16::CReadLimits limits;
