@@ -8,7 +8,7 @@
 #include <typeinfo>
 #include <vector>
 
-#include "RkXmlLib16/core/Exception.h"
+#include "RkXmlLib16/base/Exception.h"
 
 // The words of the tests.
 namespace RkXmlTest {

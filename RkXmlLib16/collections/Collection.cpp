@@ -5,8 +5,8 @@
 #include <cstdlib>
 #include <utility>
 
-#include "RkXmlLib16/core/Exception.h"
-#include "RkXmlLib16/support/Format.h"
+#include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/Format.h"
 
 namespace RkXmlLib16 {
 

@@ -5,8 +5,8 @@
 #include <memory>
 #include <vector>
 
+#include "RkXmlLib16/base/SmartPtr.h"
 #include "RkXmlLib16/collections/CollectionBase.h"
-#include "RkXmlLib16/core/SmartPtr.h"
 
 namespace RkXmlLib16 {
 

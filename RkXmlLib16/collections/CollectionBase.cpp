@@ -2,11 +2,11 @@
 
 #include <utility>
 
-#include "RkXmlLib16/core/Exception.h"
-#include "RkXmlLib16/core/SerializationContext.h"
-#include "RkXmlLib16/core/SmartPtr.h"
-#include "RkXmlLib16/support/Format.h"
-#include "RkXmlLib16/types/Variant.h"
+#include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/base/SmartPtr.h"
+#include "RkXmlLib16/context/SerializationContext.h"
+#include "RkXmlLib16/object/Variant.h"
 
 namespace RkXmlLib16 {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "RkXmlLib16/core/XmlObjectBase.h"
+#include "RkXmlLib16/object/XmlObjectBase.h"
 
 namespace RkXmlLib16 {
 

@@ -1,10 +1,10 @@
 #ifndef RKXMLLIB16_COLLECTIONS_OBJECTCOLLECTION_H
 #define RKXMLLIB16_COLLECTIONS_OBJECTCOLLECTION_H
 
+#include "RkXmlLib16/base/SmartPtr.h"
 #include "RkXmlLib16/collections/Collection.h"
-#include "RkXmlLib16/core/SmartPtr.h"
-#include "RkXmlLib16/xml/ElementTree.h"
-#include "RkXmlLib16/xml/XmlWriter.h"
+#include "RkXmlLib16/document/ElementTree.h"
+#include "RkXmlLib16/document/XmlWriter.h"
 
 namespace RkXmlLib16 {
 

@@ -1,9 +1,9 @@
 #include "RkXmlLib16/collections/TypeCollection.h"
 
-#include "RkXmlLib16/core/SerializationContext.h"
-#include "RkXmlLib16/core/internal/ElementNameMatch.h"
-#include "RkXmlLib16/core/internal/TextOrEmpty.h"
-#include "RkXmlLib16/xml/ElementTree.h"
+#include "RkXmlLib16/base/internal/TextOrEmpty.h"
+#include "RkXmlLib16/context/SerializationContext.h"
+#include "RkXmlLib16/document/ElementTree.h"
+#include "RkXmlLib16/document/internal/ElementNameMatch.h"
 
 namespace RkXmlLib16 {
 

@@ -3,9 +3,9 @@
 
 #include <string>
 
+#include "RkXmlLib16/base/Enumerations.h"
 #include "RkXmlLib16/collections/CollectionBase.h"
-#include "RkXmlLib16/core/Enumerations.h"
-#include "RkXmlLib16/metadata/PrimitiveRestrictions.h"
+#include "RkXmlLib16/facets/PrimitiveRestrictions.h"
 #include "RkXmlLib16/types/Whitespace.h"
 
 namespace RkXmlLib16 {

@@ -2,12 +2,12 @@
 
 #include <utility>
 
-#include "RkXmlLib16/core/Exception.h"
-#include "RkXmlLib16/core/SerializationContext.h"
-#include "RkXmlLib16/metadata/FacetChecks.h"
-#include "RkXmlLib16/support/Format.h"
+#include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/context/SerializationContext.h"
+#include "RkXmlLib16/document/XmlWriter.h"
+#include "RkXmlLib16/facets/FacetChecks.h"
 #include "RkXmlLib16/types/Conversions.h"
-#include "RkXmlLib16/xml/XmlWriter.h"
 
 namespace RkXmlLib16 {
 

@@ -5,10 +5,10 @@
 #include <cstring>
 #include <limits>
 
-#include "RkXmlLib16/core/Exception.h"
-#include "RkXmlLib16/fastinfoset/Context.h"
-#include "RkXmlLib16/support/Encoder.h"
-#include "RkXmlLib16/support/Format.h"
+#include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/context/FastInfosetContext.h"
+#include "RkXmlLib16/io/Encoder.h"
 #include "RkXmlLib16/types/Base64.h"
 #include "RkXmlLib16/types/Conversions.h"
 

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "RkXmlLib16/core/Export.h"
+#include "RkXmlLib16/base/Export.h"
 #include "RkXmlLib16/types/BinaryData.h"
 
 namespace RkXmlLib16 {

@@ -6,16 +6,16 @@
 #include <string_view>
 #include <utility>
 
-#include "RkXmlLib16/core/Exception.h"
-#include "RkXmlLib16/core/ReadLimits.h"
-#include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/internal/CodePoints.h"
+#include "RkXmlLib16/context/ReadLimits.h"
+#include "RkXmlLib16/context/SerializationContext.h"
+#include "RkXmlLib16/document/ElementTree.h"
+#include "RkXmlLib16/document/XmlWriter.h"
+#include "RkXmlLib16/document/internal/Names.h"
 #include "RkXmlLib16/fastinfoset/BinaryCodec.h"
-#include "RkXmlLib16/fastinfoset/internal/Octets.h"
-#include "RkXmlLib16/support/CodePoints.h"
-#include "RkXmlLib16/support/Encoder.h"
-#include "RkXmlLib16/xml/ElementTree.h"
-#include "RkXmlLib16/xml/XmlWriter.h"
-#include "RkXmlLib16/xml/internal/Names.h"
+#include "RkXmlLib16/fastinfoset/Octets.h"
+#include "RkXmlLib16/io/Encoder.h"
 
 namespace RkXmlLib16 {
 

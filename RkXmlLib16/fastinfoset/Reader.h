@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "RkXmlLib16/core/Export.h"
-#include "RkXmlLib16/fastinfoset/Context.h"
-#include "RkXmlLib16/fastinfoset/Vocabulary.h"
+#include "RkXmlLib16/base/Export.h"
+#include "RkXmlLib16/context/FastInfosetContext.h"
+#include "RkXmlLib16/context/Vocabulary.h"
 
 namespace RkXmlLib16 {
 

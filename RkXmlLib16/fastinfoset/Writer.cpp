@@ -3,14 +3,14 @@
 #include <algorithm>
 #include <array>
 
-#include "RkXmlLib16/core/Exception.h"
+#include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/base/internal/Ascii.h"
+#include "RkXmlLib16/base/internal/WideText.h"
 #include "RkXmlLib16/fastinfoset/BinaryCodec.h"
-#include "RkXmlLib16/fastinfoset/internal/Octets.h"
-#include "RkXmlLib16/support/Ascii.h"
-#include "RkXmlLib16/support/BinaryStream.h"
-#include "RkXmlLib16/support/Encoder.h"
-#include "RkXmlLib16/support/Format.h"
-#include "RkXmlLib16/support/WideText.h"
+#include "RkXmlLib16/fastinfoset/Octets.h"
+#include "RkXmlLib16/io/BinaryStream.h"
+#include "RkXmlLib16/io/Encoder.h"
 
 namespace RkXmlLib16 {
 

@@ -9,11 +9,11 @@
 #include <unordered_map>
 #include <vector>
 
-#include "RkXmlLib16/core/Enumerations.h"
-#include "RkXmlLib16/core/Export.h"
-#include "RkXmlLib16/fastinfoset/Context.h"
-#include "RkXmlLib16/fastinfoset/Vocabulary.h"
-#include "RkXmlLib16/xml/XmlWriter.h"
+#include "RkXmlLib16/base/Enumerations.h"
+#include "RkXmlLib16/base/Export.h"
+#include "RkXmlLib16/context/FastInfosetContext.h"
+#include "RkXmlLib16/context/Vocabulary.h"
+#include "RkXmlLib16/document/XmlWriter.h"
 
 namespace RkXmlLib16 {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "RkXmlLib16/core/Export.h"
+#include "RkXmlLib16/base/Export.h"
 #include "RkXmlLib16/json/JsonReaderHandler.h"
 
 namespace RkXmlLib16 {

@@ -5,10 +5,10 @@
 #include <algorithm>
 #include <iterator>
 
-#include "RkXmlLib16/core/Exception.h"
-#include "RkXmlLib16/support/TextStream.h"
-#include "RkXmlLib16/support/WideText.h"
-#include "RkXmlLib16/xml/internal/LineEnd.h"
+#include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/internal/WideText.h"
+#include "RkXmlLib16/document/internal/LineEnd.h"
+#include "RkXmlLib16/io/TextStream.h"
 
 namespace RkXmlLib16 {
 

@@ -8,10 +8,10 @@
 #include <string_view>
 #include <vector>
 
-#include "RkXmlLib16/core/Enumerations.h"
-#include "RkXmlLib16/core/Export.h"
-#include "RkXmlLib16/support/TextStream.h"
-#include "RkXmlLib16/xml/XmlWriter.h"
+#include "RkXmlLib16/base/Enumerations.h"
+#include "RkXmlLib16/base/Export.h"
+#include "RkXmlLib16/document/XmlWriter.h"
+#include "RkXmlLib16/io/TextStream.h"
 
 namespace RkXmlLib16 {
 

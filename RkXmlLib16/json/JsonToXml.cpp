@@ -3,15 +3,15 @@
 #include <algorithm>
 #include <string_view>
 
-#include "RkXmlLib16/core/Exception.h"
-#include "RkXmlLib16/core/ReadLimits.h"
-#include "RkXmlLib16/core/SerializationContext.h"
-#include "RkXmlLib16/json/JsonContext.h"
+#include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/context/JsonContext.h"
+#include "RkXmlLib16/context/ReadLimits.h"
+#include "RkXmlLib16/context/SerializationContext.h"
+#include "RkXmlLib16/document/internal/Names.h"
+#include "RkXmlLib16/io/TextStream.h"
 #include "RkXmlLib16/json/JsonTextReader.h"
-#include "RkXmlLib16/support/TextStream.h"
 #include "RkXmlLib16/types/BinaryData.h"
 #include "RkXmlLib16/xml/XmlTextWriter.h"
-#include "RkXmlLib16/xml/internal/Names.h"
 
 namespace RkXmlLib16 {
 

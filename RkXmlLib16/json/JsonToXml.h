@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "RkXmlLib16/core/Enumerations.h"
-#include "RkXmlLib16/core/Export.h"
+#include "RkXmlLib16/base/Enumerations.h"
+#include "RkXmlLib16/base/Export.h"
 #include "RkXmlLib16/json/JsonReaderHandler.h"
 
 namespace RkXmlLib16 {

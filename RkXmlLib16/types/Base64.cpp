@@ -2,8 +2,8 @@
 
 #include <array>
 
-#include "RkXmlLib16/core/Exception.h"
-#include "RkXmlLib16/support/Format.h"
+#include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/Format.h"
 
 namespace RkXmlLib16 {
 

@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "RkXmlLib16/core/Exception.h"
-#include "RkXmlLib16/support/Ascii.h"
+#include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/internal/Ascii.h"
 #include "RkXmlLib16/types/Decimal.h"
 
 namespace RkXmlLib16 {

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "RkXmlLib16/core/Export.h"
+#include "RkXmlLib16/base/Export.h"
 #include "RkXmlLib16/types/DigitVector.h"
 
 namespace RkXmlLib16 {

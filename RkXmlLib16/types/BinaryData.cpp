@@ -10,8 +10,8 @@
 #include <new>
 #include <utility>
 
-#include "RkXmlLib16/core/Exception.h"
-#include "RkXmlLib16/support/Format.h"
+#include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/Format.h"
 #include "RkXmlLib16/types/Base64.h"
 
 namespace RkXmlLib16 {

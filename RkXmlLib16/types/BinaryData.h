@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "RkXmlLib16/core/Export.h"
+#include "RkXmlLib16/base/Export.h"
 
 namespace RkXmlLib16 {
 

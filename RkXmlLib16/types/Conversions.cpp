@@ -13,10 +13,10 @@
 #include <type_traits>
 #include <utility>
 
-#include "RkXmlLib16/core/Exception.h"
-#include "RkXmlLib16/support/Ascii.h"
-#include "RkXmlLib16/support/CodePoints.h"
-#include "RkXmlLib16/support/Format.h"
+#include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/base/internal/Ascii.h"
+#include "RkXmlLib16/base/internal/CodePoints.h"
 
 namespace RkXmlLib16 {
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "RkXmlLib16/core/Enumerations.h"
-#include "RkXmlLib16/core/Export.h"
+#include "RkXmlLib16/base/Enumerations.h"
+#include "RkXmlLib16/base/Export.h"
 #include "RkXmlLib16/types/Whitespace.h"
 #include "RkXmlLib16/types/XsdValue.h"
 

@@ -5,10 +5,10 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "RkXmlLib16/core/Exception.h"
-#include "RkXmlLib16/support/Ascii.h"
-#include "RkXmlLib16/support/Format.h"
-#include "RkXmlLib16/types/Calendar.h"
+#include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/base/internal/Ascii.h"
+#include "RkXmlLib16/types/internal/Calendar.h"
 #include "RkXmlLib16/types/internal/DateTimeKind.h"
 
 // The fields of dates and times, their validation and their text forms.

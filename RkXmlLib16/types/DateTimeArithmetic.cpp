@@ -6,8 +6,8 @@
 #include <limits>
 #include <tuple>
 
-#include "RkXmlLib16/core/Exception.h"
-#include "RkXmlLib16/types/Calendar.h"
+#include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/types/internal/Calendar.h"
 #include "RkXmlLib16/types/internal/DateTimeKind.h"
 
 // Dates and times along the calendar: their order, sums and differences.

@@ -3,11 +3,11 @@
 #include <charconv>
 #include <limits>
 
-#include "RkXmlLib16/core/Exception.h"
-#include "RkXmlLib16/support/Ascii.h"
-#include "RkXmlLib16/support/Format.h"
-#include "RkXmlLib16/types/Calendar.h"
+#include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/base/internal/Ascii.h"
 #include "RkXmlLib16/types/DateTime.h"
+#include "RkXmlLib16/types/internal/Calendar.h"
 
 namespace RkXmlLib16 {
 

@@ -7,9 +7,9 @@
 #include <string>
 #include <utility>
 
-#include "RkXmlLib16/core/Exception.h"
-#include "RkXmlLib16/support/Ascii.h"
-#include "RkXmlLib16/support/Format.h"
+#include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/base/internal/Ascii.h"
 #include "RkXmlLib16/types/Whitespace.h"
 
 namespace RkXmlLib16 {

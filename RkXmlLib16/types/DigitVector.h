@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "RkXmlLib16/core/Export.h"
+#include "RkXmlLib16/base/Export.h"
 
 namespace RkXmlLib16 {
 

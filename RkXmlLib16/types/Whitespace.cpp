@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "RkXmlLib16/core/Exception.h"
-#include "RkXmlLib16/support/Ascii.h"
+#include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/internal/Ascii.h"
 
 namespace RkXmlLib16 {
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "RkXmlLib16/core/Enumerations.h"
+#include "RkXmlLib16/base/Enumerations.h"
 #include "RkXmlLib16/types/BigInteger.h"
 #include "RkXmlLib16/types/BinaryData.h"
 #include "RkXmlLib16/types/DateTime.h"

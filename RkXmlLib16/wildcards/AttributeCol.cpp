@@ -1,10 +1,10 @@
 #include "RkXmlLib16/wildcards/AttributeCol.h"
 
-#include "RkXmlLib16/core/Exception.h"
-#include "RkXmlLib16/core/SerializationContext.h"
-#include "RkXmlLib16/core/internal/TextOrEmpty.h"
-#include "RkXmlLib16/xml/ElementTree.h"
-#include "RkXmlLib16/xml/XmlWriter.h"
+#include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/internal/TextOrEmpty.h"
+#include "RkXmlLib16/context/SerializationContext.h"
+#include "RkXmlLib16/document/ElementTree.h"
+#include "RkXmlLib16/document/XmlWriter.h"
 
 namespace RkXmlLib16 {
 

@@ -5,13 +5,13 @@
 #include <string_view>
 #include <utility>
 
-#include "RkXmlLib16/core/Exception.h"
-#include "RkXmlLib16/core/SerializationContext.h"
-#include "RkXmlLib16/core/internal/RootWriter.h"
-#include "RkXmlLib16/core/internal/TextOrEmpty.h"
-#include "RkXmlLib16/support/Format.h"
+#include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/base/internal/TextOrEmpty.h"
+#include "RkXmlLib16/context/SerializationContext.h"
+#include "RkXmlLib16/document/ElementTree.h"
 #include "RkXmlLib16/types/Whitespace.h"
-#include "RkXmlLib16/xml/ElementTree.h"
+#include "RkXmlLib16/wildcards/internal/RootWriter.h"
 #include "RkXmlLib16/xml/XmlTextWriter.h"
 
 namespace RkXmlLib16 {

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "RkXmlLib16/core/SmartPtr.h"
-#include "RkXmlLib16/core/XmlObjectBase.h"
+#include "RkXmlLib16/base/SmartPtr.h"
+#include "RkXmlLib16/object/XmlObjectBase.h"
 #include "RkXmlLib16/wildcards/AttributeCol.h"
 #include "RkXmlLib16/wildcards/NamespaceRule.h"
 

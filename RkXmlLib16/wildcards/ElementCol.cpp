@@ -1,8 +1,8 @@
 #include "RkXmlLib16/wildcards/ElementCol.h"
 
-#include "RkXmlLib16/core/SerializationContext.h"
-#include "RkXmlLib16/core/internal/TextOrEmpty.h"
-#include "RkXmlLib16/xml/ElementTree.h"
+#include "RkXmlLib16/base/internal/TextOrEmpty.h"
+#include "RkXmlLib16/context/SerializationContext.h"
+#include "RkXmlLib16/document/ElementTree.h"
 
 namespace RkXmlLib16 {
 

@@ -1,9 +1,9 @@
 #include "RkXmlLib16/wildcards/NamespaceRule.h"
 
-#include "RkXmlLib16/core/Exception.h"
-#include "RkXmlLib16/core/internal/TextOrEmpty.h"
-#include "RkXmlLib16/metadata/NamespaceConstraint.h"
-#include "RkXmlLib16/support/Format.h"
+#include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/base/internal/TextOrEmpty.h"
+#include "RkXmlLib16/facets/internal/NamespaceConstraint.h"
 
 namespace RkXmlLib16 {
 

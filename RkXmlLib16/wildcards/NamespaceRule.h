@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-#include "RkXmlLib16/core/SharedName.h"
+#include "RkXmlLib16/base/SharedName.h"
 
 namespace RkXmlLib16 {
 

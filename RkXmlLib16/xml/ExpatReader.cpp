@@ -13,12 +13,12 @@
 #include <unordered_map>
 #include <utility>
 
-#include "RkXmlLib16/core/Exception.h"
-#include "RkXmlLib16/core/ReadLimits.h"
-#include "RkXmlLib16/core/SerializationContext.h"
-#include "RkXmlLib16/support/Format.h"
-#include "RkXmlLib16/support/HugePages.h"
-#include "RkXmlLib16/xml/ElementTree.h"
+#include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/base/HugePages.h"
+#include "RkXmlLib16/context/ReadLimits.h"
+#include "RkXmlLib16/context/SerializationContext.h"
+#include "RkXmlLib16/document/ElementTree.h"
 
 namespace RkXmlLib16 {
 

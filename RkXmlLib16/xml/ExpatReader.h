@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "RkXmlLib16/core/Export.h"
+#include "RkXmlLib16/base/Export.h"
 
 namespace RkXmlLib16 {
 

@@ -2,9 +2,9 @@
 
 #include <emmintrin.h>
 
-#include "RkXmlLib16/core/Exception.h"
-#include "RkXmlLib16/support/WideText.h"
-#include "RkXmlLib16/xml/internal/LineEnd.h"
+#include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/internal/WideText.h"
+#include "RkXmlLib16/document/internal/LineEnd.h"
 
 namespace RkXmlLib16 {
 

@@ -6,9 +6,9 @@
 #include <string>
 #include <string_view>
 
-#include "RkXmlLib16/core/Export.h"
-#include "RkXmlLib16/support/TextStream.h"
-#include "RkXmlLib16/xml/XmlWriter.h"
+#include "RkXmlLib16/base/Export.h"
+#include "RkXmlLib16/document/XmlWriter.h"
+#include "RkXmlLib16/io/TextStream.h"
 
 namespace RkXmlLib16 {
 

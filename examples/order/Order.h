@@ -3,7 +3,7 @@
 
 // Classes of order.xsd, as the code generator emits them.
 
-#include <RkXmlLib16/core/Generated.h>
+#include <RkXmlLib16/Generated.h>
 
 #include <memory>
 #include <string>

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "Expect.h"
-#include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/wildcards/Element.h"
 
 using namespace RkXmlTest;

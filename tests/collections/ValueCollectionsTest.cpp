@@ -4,9 +4,9 @@
 #include <vector>
 
 #include "Expect.h"
-#include "RkXmlLib16/core/SerializationContext.h"
-#include "RkXmlLib16/xml/ElementTree.h"
-#include "RkXmlLib16/xml/XmlWriter.h"
+#include "RkXmlLib16/context/SerializationContext.h"
+#include "RkXmlLib16/document/ElementTree.h"
+#include "RkXmlLib16/document/XmlWriter.h"
 
 using namespace RkXmlTest;
 

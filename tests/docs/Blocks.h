@@ -4,8 +4,8 @@
 // What stands before the blocks of the pages: the library, the classes of the examples, and the words by which the
 // generated source checks what a block says about itself.
 
+#include <RkXmlLib16/Generated.h>
 #include <RkXmlLib16/RkXmlLib16.h>
-#include <RkXmlLib16/core/Generated.h>
 #include <unistd.h>
 
 #include <clocale>

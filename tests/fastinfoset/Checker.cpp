@@ -4,7 +4,7 @@
 
 #include "Octets.h"
 #include "RkXmlLib16/fastinfoset/BinaryCodec.h"
-#include "RkXmlLib16/support/Encoder.h"
+#include "RkXmlLib16/io/Encoder.h"
 
 namespace RkXmlTest {
 namespace {

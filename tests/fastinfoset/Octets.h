@@ -5,9 +5,9 @@
 #include <string_view>
 #include <vector>
 
-#include "RkXmlLib16/fastinfoset/Context.h"
+#include "RkXmlLib16/context/FastInfosetContext.h"
 #include "RkXmlLib16/fastinfoset/Writer.h"
-#include "RkXmlLib16/support/BinaryStream.h"
+#include "RkXmlLib16/io/BinaryStream.h"
 #include "support/Tree.h"
 
 namespace RkXmlTest {

@@ -2,8 +2,8 @@
 
 #include "Expect.h"
 #include "Octets.h"
-#include "RkXmlLib16/core/ReadLimits.h"
-#include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/context/ReadLimits.h"
+#include "RkXmlLib16/context/SerializationContext.h"
 
 namespace RkXmlTest {
 namespace {

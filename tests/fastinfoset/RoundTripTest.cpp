@@ -3,7 +3,7 @@
 
 #include "Expect.h"
 #include "Octets.h"
-#include "RkXmlLib16/support/TextStream.h"
+#include "RkXmlLib16/io/TextStream.h"
 #include "RkXmlLib16/xml/XmlTextWriter.h"
 
 namespace RkXmlTest {

@@ -1,13 +1,13 @@
 #include "RkXmlLib16/json/JsonTextReader.h"
 
 #include "Expect.h"
-#include "RkXmlLib16/core/ReadLimits.h"
-#include "RkXmlLib16/core/SerializationContext.h"
-#include "RkXmlLib16/json/JsonContext.h"
+#include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/context/JsonContext.h"
+#include "RkXmlLib16/context/ReadLimits.h"
+#include "RkXmlLib16/context/SerializationContext.h"
+#include "RkXmlLib16/io/TextStream.h"
 #include "RkXmlLib16/json/JsonReaderDefaultHandler.h"
 #include "RkXmlLib16/json/JsonToXml.h"
-#include "RkXmlLib16/support/Format.h"
-#include "RkXmlLib16/support/TextStream.h"
 #include "RkXmlLib16/xml/XmlTextWriter.h"
 #include "support/Bytes.h"
 

@@ -3,7 +3,7 @@
 #include <functional>
 
 #include "Expect.h"
-#include "RkXmlLib16/support/TextStream.h"
+#include "RkXmlLib16/io/TextStream.h"
 #include "support/EveryPlace.h"
 #include "support/Replay.h"
 

@@ -10,7 +10,7 @@
 #include "Gpx.h"
 #include "Order.h"
 #include "RkXmlLib16/RkXmlLib16.h"
-#include "RkXmlLib16/support/Format.h"
+#include "RkXmlLib16/base/Format.h"
 
 using namespace RkXmlTest;
 

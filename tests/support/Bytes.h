@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "RkXmlLib16/support/Encoder.h"
+#include "RkXmlLib16/io/Encoder.h"
 #include "RkXmlLib16/types/BinaryData.h"
 
 // Bytes in the forms that tests need.

@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "RkXmlLib16/support/TextStream.h"
-#include "RkXmlLib16/xml/XmlWriter.h"
+#include "RkXmlLib16/document/XmlWriter.h"
+#include "RkXmlLib16/io/TextStream.h"
 
 namespace RkXmlTest {
 

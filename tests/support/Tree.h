@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "RkXmlLib16/core/SerializationContext.h"
-#include "RkXmlLib16/xml/ElementTree.h"
+#include "RkXmlLib16/context/SerializationContext.h"
+#include "RkXmlLib16/document/ElementTree.h"
 
 namespace RkXmlTest {
 

@@ -3,10 +3,10 @@
 #include <string>
 
 #include "Expect.h"
-#include "RkXmlLib16/core/SerializationContext.h"
-#include "RkXmlLib16/json/JsonContext.h"
+#include "RkXmlLib16/context/JsonContext.h"
+#include "RkXmlLib16/context/SerializationContext.h"
+#include "RkXmlLib16/document/ElementTree.h"
 #include "RkXmlLib16/wildcards/ElementCol.h"
-#include "RkXmlLib16/xml/ElementTree.h"
 #include "support/SmallStack.h"
 
 using namespace RkXmlTest;

@@ -6,10 +6,10 @@
 #include <string>
 
 #include "Expect.h"
-#include "RkXmlLib16/core/SerializationContext.h"
-#include "RkXmlLib16/support/Encoder.h"
-#include "RkXmlLib16/support/Zip.h"
-#include "RkXmlLib16/xml/ElementTree.h"
+#include "RkXmlLib16/context/SerializationContext.h"
+#include "RkXmlLib16/document/ElementTree.h"
+#include "RkXmlLib16/io/Encoder.h"
+#include "RkXmlLib16/io/Zip.h"
 #include "RkXmlLib16/xml/XmlTextWriter.h"
 #include "support/Bytes.h"
 #include "support/SmallStack.h"

@@ -7,7 +7,7 @@
 
 #include "Commands.h"
 #include "RkXmlLib16/fastinfoset/BinaryCodec.h"
-#include "RkXmlLib16/fastinfoset/internal/Octets.h"
+#include "RkXmlLib16/fastinfoset/Octets.h"
 #include "Text.h"
 
 using namespace RkXmlLib16;

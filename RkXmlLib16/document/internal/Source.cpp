@@ -4,7 +4,7 @@
 #include <cstring>
 #include <utility>
 
-#include "RkXmlLib16/support/CodePoints.h"
+#include "RkXmlLib16/base/internal/CodePoints.h"
 
 namespace RkXmlLib16 {
 

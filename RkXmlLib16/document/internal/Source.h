@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
-#include "RkXmlLib16/core/Export.h"
-#include "RkXmlLib16/core/Location.h"
+#include "RkXmlLib16/base/Export.h"
+#include "RkXmlLib16/base/Location.h"
 
 namespace RkXmlLib16 {
 

@@ -1,0 +1,162 @@
+#include "RkXmlLib16/base/Exception.h"
+
+#include <utility>
+
+namespace RkXmlLib16 {
+
+namespace {
+
+std::wstring WithPath(std::wstring message, const std::wstring& path) {
+  if (!path.empty()) {
+    message += L"\nPath: ";
+    message += path;
+  }
+  return message;
+}
+
+std::shared_ptr<const CRkException> CloneOf(const CRkException* exception) {
+  return std::shared_ptr<const CRkException>(exception != nullptr ? exception->Clone() : nullptr);
+}
+
+}  // namespace
+
+// What is known of a failure beyond the message.
+struct RKXML_HIDDEN CRkException::Details {
+  CRkLocation location;
+  bool hasLocation = false;
+};
+
+CRkException::CRkException() = default;
+CRkException::CRkException(std::wstring message) : m_message(std::move(message)) {}
+CRkException::CRkException(std::wstring message, const CRkException& inner)
+    : m_message(std::move(message)), m_inner(CloneOf(&inner)), m_details(inner.m_details) {}
+CRkException::CRkException(std::wstring message, std::wstring path)
+    : m_message(WithPath(std::move(message), path)), m_path(std::move(path)) {}
+CRkException::CRkException(std::wstring message, std::wstring path, const CRkException& inner)
+    : m_message(WithPath(std::move(message), path)),
+      m_path(std::move(path)),
+      m_inner(CloneOf(&inner)),
+      m_details(inner.m_details) {}
+CRkException::CRkException(const CRkException& other)
+    : m_message(other.m_message),
+      m_path(other.m_path),
+      m_inner(CloneOf(other.GetInnerException())),
+      m_details(other.m_details) {}
+CRkException::~CRkException() = default;
+
+CRkException& CRkException::operator=(const CRkException& other) {
+  if (this == &other) return *this;
+  auto inner = CloneOf(other.GetInnerException());
+  std::wstring message = other.m_message;
+  if (m_inner) {
+    if (!m_replaced) m_replaced = std::make_shared<std::vector<std::shared_ptr<const CRkException>>>();
+    m_replaced->push_back(m_inner);
+  }
+  m_message = std::move(message);
+  m_inner = std::move(inner);
+  m_details = other.m_details;
+  return *this;
+}
+
+const CRkLocation& CRkException::GetLocation() const noexcept {
+  static const CRkLocation kNowhere;
+  return HasLocation() ? m_details->location : kNowhere;
+}
+
+bool CRkException::HasLocation() const noexcept { return m_details != nullptr && m_details->hasLocation; }
+
+void CRkException::SetLocation(CRkLocation location) {
+  Details& details = ChangeDetails();
+  details.location = std::move(location);
+  details.hasLocation = true;
+}
+
+CRkException::Details& CRkException::ChangeDetails() {
+  auto changed = m_details != nullptr ? std::make_shared<Details>(*m_details) : std::make_shared<Details>();
+  Details& details = *changed;
+  m_details = std::move(changed);
+  return details;
+}
+
+CRkException* CRkException::Clone() const { return std::make_unique<CRkException>(*this).release(); }
+
+std::wstring CRkException::GetFullMessage() const {
+  std::wstring text = m_message;
+  for (const CRkException* inner = GetInnerException(); inner != nullptr; inner = inner->GetInnerException()) {
+    text += L'\n';
+    text += inner->m_message;
+  }
+  return text;
+}
+
+CRkValidationException::CRkValidationException() = default;
+CRkValidationException::CRkValidationException(const CRkException& other) : CRkException(other) {}
+CRkValidationException::CRkValidationException(const CRkValidationException& other) = default;
+CRkValidationException::CRkValidationException(std::wstring message, std::wstring path)
+    : CRkException(std::move(message), std::move(path)) {}
+CRkValidationException::CRkValidationException(std::wstring message, std::wstring path, const CRkException& inner)
+    : CRkException(std::move(message), std::move(path), inner) {}
+CRkValidationException::~CRkValidationException() = default;
+CRkValidationException* CRkValidationException::Clone() const {
+  return std::make_unique<CRkValidationException>(*this).release();
+}
+
+CRkInvalidValueException::CRkInvalidValueException() = default;
+CRkInvalidValueException::CRkInvalidValueException(const CRkException& other) : CRkValidationException(other) {}
+CRkInvalidValueException::CRkInvalidValueException(const CRkInvalidValueException& other) = default;
+CRkInvalidValueException::CRkInvalidValueException(std::wstring message)
+    : CRkValidationException(std::move(message), std::wstring()) {}
+CRkInvalidValueException::CRkInvalidValueException(std::wstring message, const CRkException& inner)
+    : CRkValidationException(std::move(message), std::wstring(), inner) {}
+CRkInvalidValueException::~CRkInvalidValueException() = default;
+CRkInvalidValueException* CRkInvalidValueException::Clone() const {
+  return std::make_unique<CRkInvalidValueException>(*this).release();
+}
+
+CRkInvalidNamespaceException::CRkInvalidNamespaceException() = default;
+CRkInvalidNamespaceException::CRkInvalidNamespaceException(const CRkException& other) : CRkValidationException(other) {}
+CRkInvalidNamespaceException::CRkInvalidNamespaceException(const CRkInvalidNamespaceException& other) = default;
+CRkInvalidNamespaceException::CRkInvalidNamespaceException(std::wstring message, std::wstring path)
+    : CRkValidationException(std::move(message), std::move(path)) {}
+CRkInvalidNamespaceException::CRkInvalidNamespaceException(std::wstring message, std::wstring path,
+                                                           const CRkException& inner)
+    : CRkValidationException(std::move(message), std::move(path), inner) {}
+CRkInvalidNamespaceException::~CRkInvalidNamespaceException() = default;
+CRkInvalidNamespaceException* CRkInvalidNamespaceException::Clone() const {
+  return std::make_unique<CRkInvalidNamespaceException>(*this).release();
+}
+
+CRkInvalidStateException::CRkInvalidStateException() = default;
+CRkInvalidStateException::CRkInvalidStateException(const CRkException& other) : CRkException(other) {}
+CRkInvalidStateException::CRkInvalidStateException(const CRkInvalidStateException& other) = default;
+CRkInvalidStateException::CRkInvalidStateException(std::wstring message) : CRkException(std::move(message)) {}
+CRkInvalidStateException::CRkInvalidStateException(std::wstring message, const CRkException& inner)
+    : CRkException(std::move(message), inner) {}
+CRkInvalidStateException::~CRkInvalidStateException() = default;
+CRkInvalidStateException* CRkInvalidStateException::Clone() const {
+  return std::make_unique<CRkInvalidStateException>(*this).release();
+}
+
+CRkInvalidParamException::CRkInvalidParamException() = default;
+CRkInvalidParamException::CRkInvalidParamException(const CRkException& other) : CRkException(other) {}
+CRkInvalidParamException::CRkInvalidParamException(const CRkInvalidParamException& other) = default;
+CRkInvalidParamException::CRkInvalidParamException(std::wstring message) : CRkException(std::move(message)) {}
+CRkInvalidParamException::CRkInvalidParamException(std::wstring message, const CRkException& inner)
+    : CRkException(std::move(message), inner) {}
+CRkInvalidParamException::~CRkInvalidParamException() = default;
+CRkInvalidParamException* CRkInvalidParamException::Clone() const {
+  return std::make_unique<CRkInvalidParamException>(*this).release();
+}
+
+CRkOverFlowException::CRkOverFlowException() = default;
+CRkOverFlowException::CRkOverFlowException(const CRkException& other) : CRkException(other) {}
+CRkOverFlowException::CRkOverFlowException(const CRkOverFlowException& other) = default;
+CRkOverFlowException::CRkOverFlowException(std::wstring message) : CRkException(std::move(message)) {}
+CRkOverFlowException::CRkOverFlowException(std::wstring message, const CRkException& inner)
+    : CRkException(std::move(message), inner) {}
+CRkOverFlowException::~CRkOverFlowException() = default;
+CRkOverFlowException* CRkOverFlowException::Clone() const {
+  return std::make_unique<CRkOverFlowException>(*this).release();
+}
+
+}  // namespace RkXmlLib16

@@ -1,0 +1,150 @@
+#ifndef RKXMLLIB16_CORE_EXCEPTION_H
+#define RKXMLLIB16_CORE_EXCEPTION_H
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "RkXmlLib16/base/Export.h"
+#include "RkXmlLib16/base/Location.h"
+
+namespace RkXmlLib16 {
+
+// The root of everything that the library throws (besides std::bad_alloc). An exception is a value: it carries a wide
+// message, the path of the element being read (XPath-like, empty when not known) and optionally a private copy of the
+// exception that caused it.
+//
+//   CRkException e(L"Failed to process the element.", L"/Order/Line");
+//   e.GetMessage();  // "Failed to process the element.\nPath: /Order/Line"
+//   e.GetPath();     // "/Order/Line"
+class RKXML_EXPORT CRkException {
+ public:
+  CRkException();
+  explicit CRkException(std::wstring message);
+  // `inner` is cloned.
+  CRkException(std::wstring message, const CRkException& inner);
+  // A non-empty path is appended to the message as "\nPath: " and the path.
+  CRkException(std::wstring message, std::wstring path);
+  CRkException(std::wstring message, std::wstring path, const CRkException& inner);
+  // Copies message and path and clones the inner exception.
+  CRkException(const CRkException& other);
+  // Copies the message and clones the inner exception, but keeps this object's path. The inner exception held before
+  // stays alive until this object is destroyed, so a pointer taken from GetInnerException remains valid.
+  CRkException& operator=(const CRkException& other);
+  virtual ~CRkException();
+
+  // A heap copy of the same dynamic class, owned by the caller.
+  virtual CRkException* Clone() const;
+
+  // The message, path suffix included.
+  const std::wstring& GetMessage() const noexcept { return m_message; }
+  // The path of the element being read; empty when not known.
+  const std::wstring& GetPath() const noexcept { return m_path; }
+  // The cause, owned by this exception; null when there is none.
+  const CRkException* GetInnerException() const noexcept { return m_inner.get(); }
+  // The messages of the whole chain, one a line, outermost first.
+  std::wstring GetFullMessage() const;
+
+  // Where in the document the failure lies, if it was one of reading; known by nothing otherwise. An exception that
+  // wraps another has the location of that one, whose path is more exact than GetPath.
+  const CRkLocation& GetLocation() const noexcept;
+  bool HasLocation() const noexcept;
+  void SetLocation(CRkLocation location);
+
+ private:
+  struct Details;
+
+  Details& ChangeDetails();
+
+  std::wstring m_message;
+  std::wstring m_path;
+  std::shared_ptr<const CRkException> m_inner;
+  // Inner exceptions that assignments took out of use; never shared with a copy.
+  std::shared_ptr<std::vector<std::shared_ptr<const CRkException>>> m_replaced;
+  std::shared_ptr<const Details> m_details;  // shared by copies and wrapping exceptions; null until something is known
+};
+
+// A document or an object breaks its schema.
+class RKXML_EXPORT CRkValidationException : public CRkException {
+ public:
+  CRkValidationException();
+  explicit CRkValidationException(const CRkException& other);
+  CRkValidationException(const CRkValidationException& other);
+  CRkValidationException(std::wstring message, std::wstring path);
+  CRkValidationException(std::wstring message, std::wstring path, const CRkException& inner);
+  CRkValidationException& operator=(const CRkValidationException& other) = default;
+  ~CRkValidationException() override;
+  CRkValidationException* Clone() const override;
+
+ private:
+  std::wstring m_detail;
+};
+
+// A lexical value cannot be converted, or a number does not fit.
+class RKXML_EXPORT CRkInvalidValueException : public CRkValidationException {
+ public:
+  CRkInvalidValueException();
+  explicit CRkInvalidValueException(const CRkException& other);
+  CRkInvalidValueException(const CRkInvalidValueException& other);
+  explicit CRkInvalidValueException(std::wstring message);
+  CRkInvalidValueException(std::wstring message, const CRkException& inner);
+  CRkInvalidValueException& operator=(const CRkInvalidValueException& other) = default;
+  ~CRkInvalidValueException() override;
+  CRkInvalidValueException* Clone() const override;
+};
+
+// A namespace restriction does not allow the namespace of an element or attribute.
+class RKXML_EXPORT CRkInvalidNamespaceException : public CRkValidationException {
+ public:
+  CRkInvalidNamespaceException();
+  explicit CRkInvalidNamespaceException(const CRkException& other);
+  CRkInvalidNamespaceException(const CRkInvalidNamespaceException& other);
+  CRkInvalidNamespaceException(std::wstring message, std::wstring path);
+  CRkInvalidNamespaceException(std::wstring message, std::wstring path, const CRkException& inner);
+  CRkInvalidNamespaceException& operator=(const CRkInvalidNamespaceException& other) = default;
+  ~CRkInvalidNamespaceException() override;
+  CRkInvalidNamespaceException* Clone() const override;
+};
+
+// An operation is not valid in the present state of the object.
+class RKXML_EXPORT CRkInvalidStateException : public CRkException {
+ public:
+  CRkInvalidStateException();
+  explicit CRkInvalidStateException(const CRkException& other);
+  CRkInvalidStateException(const CRkInvalidStateException& other);
+  explicit CRkInvalidStateException(std::wstring message);
+  CRkInvalidStateException(std::wstring message, const CRkException& inner);
+  CRkInvalidStateException& operator=(const CRkInvalidStateException& other) = default;
+  ~CRkInvalidStateException() override;
+  CRkInvalidStateException* Clone() const override;
+};
+
+// A bad argument from the application.
+class RKXML_EXPORT CRkInvalidParamException : public CRkException {
+ public:
+  CRkInvalidParamException();
+  explicit CRkInvalidParamException(const CRkException& other);
+  CRkInvalidParamException(const CRkInvalidParamException& other);
+  explicit CRkInvalidParamException(std::wstring message);
+  CRkInvalidParamException(std::wstring message, const CRkException& inner);
+  CRkInvalidParamException& operator=(const CRkInvalidParamException& other) = default;
+  ~CRkInvalidParamException() override;
+  CRkInvalidParamException* Clone() const override;
+};
+
+// A decimal does not fit the requested machine type.
+class RKXML_EXPORT CRkOverFlowException : public CRkException {
+ public:
+  CRkOverFlowException();
+  explicit CRkOverFlowException(const CRkException& other);
+  CRkOverFlowException(const CRkOverFlowException& other);
+  explicit CRkOverFlowException(std::wstring message);
+  CRkOverFlowException(std::wstring message, const CRkException& inner);
+  CRkOverFlowException& operator=(const CRkOverFlowException& other) = default;
+  ~CRkOverFlowException() override;
+  CRkOverFlowException* Clone() const override;
+};
+
+}  // namespace RkXmlLib16
+
+#endif

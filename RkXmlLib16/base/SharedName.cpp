@@ -1,0 +1,66 @@
+#include "RkXmlLib16/base/SharedName.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+#include "RkXmlLib16/base/internal/ThreadObject.h"
+#include "RkXmlLib16/base/internal/WideText.h"
+
+namespace RkXmlLib16 {
+
+// The names that a thread set last, each in the place that its characters give.
+class CSharedName::Recent {
+ public:
+  // Null for long names, which are not kept, and when the thread has ended its names.
+  static CSharedName* Find(std::wstring_view name) {
+    Recent* const recent = name.size() <= kLongest ? CThreadObject<Recent>::Get() : nullptr;
+    if (recent == nullptr) return nullptr;
+    std::uint32_t hash = 0;
+    for (const wchar_t c : name) hash = hash * 31 + static_cast<std::uint32_t>(c);
+    return &recent->m_names[(hash * 0x9E3779B1u >> 16) % kCount];
+  }
+  // The same by the place of the name's text; only names in their own places are kept there.
+  static CSharedName* FindPlace(const wchar_t* text) {
+    Recent* const recent = CThreadObject<Recent>::Get();
+    return recent != nullptr ? &recent->m_places[reinterpret_cast<std::uintptr_t>(text) / 16 % kPlaces] : nullptr;
+  }
+
+ private:
+  static constexpr std::size_t kCount = 256;
+  static constexpr std::size_t kPlaces = 64;
+  static constexpr std::size_t kLongest = 256;  // characters
+
+  std::array<CSharedName, kCount> m_names;
+  std::array<CSharedName, kPlaces> m_places;
+};
+
+// Before the other objects of the library, some of which have names.
+[[gnu::init_priority(101)]] CSharedName::Shared CSharedName::kEmpty{std::wstring_view()};
+
+void CSharedName::Set(const wchar_t* name) {
+  CSharedName* const place = Recent::FindPlace(name);
+  if (place != nullptr && place->Get().c_str() == name) {
+    *this = *place;
+    return;
+  }
+  Set(name != nullptr ? std::wstring_view(name) : std::wstring_view());
+  if (place != nullptr && Get().c_str() == name) *place = *this;
+}
+
+void CSharedName::SetOther(std::wstring_view name) {
+  if (WideText::IsEqual(m_shared->text, name)) return;
+  CSharedName changed;
+  if (!name.empty()) {
+    CSharedName* const recent = Recent::Find(name);
+    if (recent != nullptr && WideText::IsEqual(recent->Get(), name)) {
+      changed = *recent;
+    } else {
+      changed.m_shared = new Shared(name);
+      if (recent != nullptr) *recent = changed;
+    }
+  }
+  std::swap(m_shared, changed.m_shared);
+}
+
+}  // namespace RkXmlLib16

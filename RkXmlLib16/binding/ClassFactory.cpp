@@ -1,0 +1,28 @@
+#include "RkXmlLib16/binding/ClassFactory.h"
+
+#include <string_view>
+
+#include "RkXmlLib16/document/ElementTree.h"
+#include "RkXmlLib16/document/XmlWriter.h"
+
+namespace RkXmlLib16 {
+
+CClassfactoryBase::~CClassfactoryBase() = default;
+
+std::wstring CClassfactoryBase::GetElementType(CXmlElement* element) {
+  const std::wstring_view type = element->GetAttribute(L"type", CXmlWriter::XSI_NAMESPACE.c_str());
+  return std::wstring(type.substr(type.find(L':') + 1));  // without a colon find is npos, and npos + 1 is 0
+}
+
+std::wstring CClassfactoryBase::GetElementTypeNamespaceUri(CXmlElement* element) {
+  const std::wstring_view type = element->GetAttribute(L"type", CXmlWriter::XSI_NAMESPACE.c_str());
+  const std::size_t colon = type.find(L':');
+  if (colon != std::wstring_view::npos) {
+    const std::wstring prefix(type.substr(0, colon));
+    const CXmlText namespaceUri = element->GetDocument()->LookupNamespaceFromAlias(prefix.c_str());
+    if (!namespaceUri.empty()) return namespaceUri;
+  }
+  return element->GetNamespaceURI();
+}
+
+}  // namespace RkXmlLib16

@@ -1,0 +1,257 @@
+#include "RkXmlLib16/binding/ElementInfo.h"
+
+#include <atomic>
+#include <string_view>
+
+#include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/base/internal/TextOrEmpty.h"
+#include "RkXmlLib16/binding/GeneratedClass.h"
+#include "RkXmlLib16/binding/internal/NilValue.h"
+#include "RkXmlLib16/binding/internal/PropertyAccess.h"
+#include "RkXmlLib16/binding/internal/ReadingValue.h"
+#include "RkXmlLib16/binding/internal/ValueText.h"
+#include "RkXmlLib16/collections/CollectionBase.h"
+#include "RkXmlLib16/context/SerializationContext.h"
+#include "RkXmlLib16/document/ElementTree.h"
+#include "RkXmlLib16/document/XmlWriter.h"
+#include "RkXmlLib16/facets/FacetChecks.h"
+#include "RkXmlLib16/object/Variant.h"
+
+namespace RkXmlLib16Data {
+
+using namespace RkXmlLib16;
+
+CElementInfo::CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, MemberKind kind)
+    : m_elementName(TextOrEmpty(name)),
+      m_namespace(TextOrEmpty(ns)),
+      m_propertyIndex(propertyIndex),
+      m_mayHaveAttributes(true),
+      m_memberKind(kind) {}
+
+CElementInfo::CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, MemberKind kind,
+                           XmlElementType memberType)
+    : m_elementName(TextOrEmpty(name)),
+      m_namespace(TextOrEmpty(ns)),
+      m_propertyIndex(propertyIndex),
+      m_mayHaveAttributes(memberType == XmlElementType_InlineGroup),
+      m_memberType(memberType),
+      m_memberKind(kind) {}
+
+CElementInfo::CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, bool nillable,
+                           EnumToString enumToString, EnumFromString enumFromString, const wchar_t* defaultValue)
+    : m_elementName(TextOrEmpty(name)),
+      m_namespace(TextOrEmpty(ns)),
+      m_propertyIndex(propertyIndex),
+      m_defaultValue(TextOrEmpty(defaultValue)),
+      m_nillable(nillable),
+      m_enumToString(enumToString),
+      m_enumFromString(enumFromString) {}
+
+CElementInfo::CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, bool nillable, ItemType type,
+                           const wchar_t* format, CWhitespaceUtils::WhitespaceRule whitespace,
+                           const CPrimitiveRestrictions& facets, const wchar_t* defaultValue)
+    : m_elementName(TextOrEmpty(name)),
+      m_namespace(TextOrEmpty(ns)),
+      m_propertyIndex(propertyIndex),
+      m_facets(facets),
+      m_itemType(type),
+      m_format(TextOrEmpty(format)),
+      m_whitespace(whitespace),
+      m_defaultValue(TextOrEmpty(defaultValue)),
+      m_nillable(nillable),
+      m_hasFacets(true) {}
+
+CElementInfo::~CElementInfo() = default;
+
+bool CElementInfo::Validate(const CSerializationContext&, const CXmlGeneratedClass*, bool, bool) const {
+  throw CRkException(L"Not implemented, should never be called");
+}
+
+void CElementInfo::PseudoChildAttributeToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
+                                             CXmlWriter* writer) const {
+  if (!IsInlineGroup()) return;
+  RkVariant value;
+  ReadProperty(object, value);
+  const CXmlObjectBase* child = value.PeekXmlObject();
+  if (child == nullptr) child = value.PeekXmlCollection();
+  if (child != nullptr) AttributesToXml_Int(child, writer, context);
+}
+
+std::uint32_t CElementInfo::NewId() noexcept {
+  static std::atomic<std::uint32_t> last{0};
+  std::uint32_t id = last.load(std::memory_order_relaxed);
+  while (id != UINT32_MAX && !last.compare_exchange_weak(id, id + 1, std::memory_order_relaxed)) {
+  }
+  return id;
+}
+
+bool CElementInfo::CompareName(const CSerializationContext& context, const CXmlElement& element) const {
+  if (element.GetLocalName() != m_elementName.Get()) return false;
+  if (element.GetNamespaceURI() != m_namespace.Get()) return context.GetIgnoreNamespaces();
+  if (m_id != UINT32_MAX) element.GetLocalNameRef()->SetMatch(MatchOf(element));
+  return true;
+}
+
+void CElementInfo::CheckRestriction(const RkVariant& value) const {
+  if (!m_hasFacets) throw CRkException(L"Cannot CheckRestriction for type: " + value.GetType());
+  CXmlObjectHelper::CheckRestriction(m_elementName.Get().c_str(), value, m_itemType, m_facets);
+}
+
+void CElementInfo::InvokePropertyGet(CXmlGeneratedClass* object, RkVariant& value) const {
+  GetProperty(*object, m_propertyIndex, m_elementName, value);
+}
+
+void CElementInfo::ReadProperty(const CXmlGeneratedClass* object, RkVariant& value) const {
+  InvokePropertyGet(const_cast<CXmlGeneratedClass*>(object), value);  // a getter changes nothing
+}
+
+void CElementInfo::InvokePropertySet(CXmlGeneratedClass* object, RkVariant& value, const CXmlElement& element) const {
+  try {
+    object->AccessProperty(m_propertyIndex, /*get=*/false, value);
+  } catch (const CRkException& e) {
+    throw CRkValidationException(L"Failed to set the property value.", element.GetXPath(), e);
+  }
+}
+
+bool CElementInfo::ElementToXmlCol(const CSerializationContext& context, const CXmlGeneratedClass* object,
+                                   CXmlWriter* writer) const {
+  RkVariant& value = writer->BeginValue();
+  ReadProperty(object, value);
+  const CSmartPtr<CXmlCollectionBase> collection = value.TakeXmlCollection();
+  return WriteCollection(context, collection, writer);
+}
+
+bool CElementInfo::WriteCollection(const CSerializationContext& context, const CXmlCollectionBase* collection,
+                                   CXmlWriter* writer) const {
+  if (collection == nullptr || collection->GetCount() < 1) return false;
+  writer->SetContextState(ContextState_CollectionStart);
+  writer->SetLastingNames({&m_elementName.Get(), &m_namespace.Get(), m_id});
+  static_cast<const CXmlObjectBase*>(collection)
+      ->GetBase()
+      ->ToXml_Int(writer, /*registerNamespaces=*/false, m_namespace.Get().c_str(), context, false);
+  writer->SetContextState(ContextState_CollectionEnd);
+  return true;
+}
+
+bool CElementInfo::ElementToXmlCls(const CSerializationContext& context, const CXmlGeneratedClass* object,
+                                   CXmlWriter* writer, bool isOptionalChoice) const {
+  RkVariant& value = writer->BeginValue();
+  ReadProperty(object, value);
+  if (value.PeekXmlObject() == nullptr) return false;
+  const CSmartPtr<CXmlObjectBase> child = value.TakeXmlObject();
+  writer->SetLastingNames({&m_elementName.Get(), &m_namespace.Get(), m_id});
+  child->ToXml_Int(writer, /*registerNamespaces=*/false, m_namespace.Get().c_str(), context, isOptionalChoice);
+  return true;
+}
+
+// Most members of most objects are absent: what is done for the others stands apart.
+bool CElementInfo::ElementToXmlPrim(const CSerializationContext& context, const CXmlGeneratedClass* object,
+                                    CXmlWriter* writer) const {
+  RkVariant& value = writer->BeginValue();
+  ReadProperty(object, value);
+  return value.IsValid() && WriteValue(context, value, writer);
+}
+
+bool CElementInfo::WriteValue(const CSerializationContext& context, const RkVariant& value, CXmlWriter* writer) const {
+  if (value.IsNil()) return WriteNil(writer);
+  const ItemType type = value.GetItemType();
+  const std::wstring& text = ValueText(value, m_format, *writer);
+  if (!IsDefault(text)) CheckRestriction(value);
+  WriteText(context, writer, text, type);
+  return true;
+}
+
+bool CElementInfo::ElementToXmlEnum(const CSerializationContext& context, const CXmlGeneratedClass* object,
+                                    CXmlWriter* writer, EnumToString toString) const {
+  RkVariant& value = writer->BeginValue();
+  ReadProperty(object, value);
+  if (!value.IsValid()) return false;
+  if (value.IsNil()) return WriteNil(writer);
+  WriteText(context, writer, TextOrEmpty(toString(static_cast<int>(value.GetI4()))), ItemType_string);
+  return true;
+}
+
+void CElementInfo::WriteText(const CSerializationContext& context, CXmlWriter* writer, const std::wstring& text,
+                             ItemType type) const {
+  if (!IsDefault(text) || context.GetWriteDefaultElementValues()) {
+    writer->SetLastingNames({&m_elementName.Get(), &m_namespace.Get(), m_id});
+    return writer->WriteTextElement(m_elementName.Get(), m_namespace.Get(), text, type);
+  }
+  writer->WriteStartElement(m_elementName.Get(), m_namespace.Get());
+  writer->WriteEndElement();
+}
+
+bool CElementInfo::WriteNil(CXmlWriter* writer) const {
+  writer->WriteStartElement(m_elementName.Get(), m_namespace.Get());
+  writer->WriteAttributeNil();
+  writer->WriteEndElement();
+  return true;
+}
+
+bool CElementInfo::ReadNil(const CSerializationContext& context, const CXmlElement& element) const {
+  bool nil = false;
+  for (const CXmlAttribute* attribute : element.GetAttributes()) {
+    if (!attribute->IsNilAttribute()) {
+      if (context.GetIgnoreUnknownAttributes()) continue;
+      throw CRkValidationException(L"Unexpected Attribute found.", attribute->GetXPath());
+    }
+    const NilValue value = ParseNilValue(attribute->GetValue());
+    if (value != NilValue::False && !m_nillable)
+      throw CRkValidationException(L"Invalid use of 'nil' attribute in non-nillable element.", element.GetXPath());
+    if (value == NilValue::Invalid)
+      throw CRkValidationException(
+          FormatString(L"Unexpected Value [%ls] for 'nil' Attribute found.", attribute->GetValue().c_str()),
+          attribute->GetXPath());
+    nil = value == NilValue::True;
+  }
+  return nil;
+}
+
+void CElementInfo::ElementFromXmlPrim(const CSerializationContext& context, CXmlGeneratedClass* object,
+                                      CXmlElement** cursor) {
+  const CXmlElement& element = **cursor;
+  if (element.GetAttributes().empty() || !ReadNil(context, element)) {
+    std::wstring_view text = element.GetText();
+    if (text.empty()) text = m_defaultValue;
+    ReadingValue value(text.size());
+    value.Get().FromText(text, m_itemType, m_whitespace);
+    InvokePropertySet(object, value.Get(), element);
+  }
+  *cursor = element.GetNextSiblingElement();
+}
+
+void CElementInfo::ElementFromXmlEnum(const CSerializationContext& context, CXmlGeneratedClass* object,
+                                      CXmlElement** cursor) {
+  const CXmlElement& element = **cursor;
+  if (element.GetAttributes().empty() || !ReadNil(context, element)) {
+    const CXmlText text = element.GetText();
+    ReadingValue value(/*charCount=*/0);
+    value.Get().SetI4(m_enumFromString(text.empty() ? m_defaultValue.c_str() : text.c_str()));
+    InvokePropertySet(object, value.Get(), element);
+  }
+  *cursor = element.GetNextSiblingElement();
+}
+
+void CElementInfo::AttributesToXml_Int(const CXmlObjectBase* child, CXmlWriter* writer,
+                                       const CSerializationContext& context) const {
+  child->AttributesToXml_Int(writer, context);
+}
+
+CXmlElement* CElementInfo::FromXml_Int(CXmlObjectBase* child, CXmlElement* parent, CXmlElement* current,
+                                       const CSerializationContext& context, bool isOptionalChoice) {
+  return child->FromXml_Int(parent, current, context, isOptionalChoice);
+}
+
+std::wstring CElementInfo::GetAnyDefaultNamespace(const wchar_t* constraint, const wchar_t* defaultNs,
+                                                  const wchar_t* targetNs) {
+  std::wstring_view word = TextOrEmpty(constraint);
+  if (word.size() >= 3 && word.substr(0, 2) == L"##") word = word.substr(0, word.find(L' '));
+  const std::wstring_view defaultNamespace = TextOrEmpty(defaultNs);
+  if (word == L"##any") return std::wstring(defaultNamespace);
+  if (word == L"##other") return defaultNamespace.empty() ? L"DefaultNamespace" : std::wstring();
+  if (word == L"##targetNamespace") return TextOrEmpty(targetNs);
+  return std::wstring();
+}
+
+}  // namespace RkXmlLib16Data

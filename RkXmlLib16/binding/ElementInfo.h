@@ -1,0 +1,210 @@
+#ifndef RKXMLLIB16_METADATA_ELEMENTINFO_H
+#define RKXMLLIB16_METADATA_ELEMENTINFO_H
+
+#include <cstdint>
+#include <string>
+#include <typeinfo>
+
+#include "RkXmlLib16/base/Enumerations.h"
+#include "RkXmlLib16/base/Export.h"
+#include "RkXmlLib16/base/SharedName.h"
+#include "RkXmlLib16/base/SmartPtr.h"
+#include "RkXmlLib16/document/ElementTree.h"
+#include "RkXmlLib16/facets/PrimitiveRestrictions.h"
+#include "RkXmlLib16/types/Whitespace.h"
+
+namespace RkXmlLib16 {
+class CSerializationContext;
+class CXmlCollectionBase;
+class CXmlElement;
+class CXmlGeneratedClass;
+class CXmlObjectBase;
+class CXmlWriter;
+class RkVariant;
+}  // namespace RkXmlLib16
+
+namespace RkXmlLib16Data {
+
+using RkXmlLib16::CPrimitiveRestrictions;
+using RkXmlLib16::CSerializationContext;
+using RkXmlLib16::CSmartPtr;
+using RkXmlLib16::CWhitespaceUtils;
+using RkXmlLib16::CXmlElement;
+using RkXmlLib16::CXmlGeneratedClass;
+using RkXmlLib16::CXmlObjectBase;
+using RkXmlLib16::CXmlWriter;
+using RkXmlLib16::ItemType;
+using RkXmlLib16::RkVariant;
+using RkXmlLib16::XmlElementType;
+
+// Generated functions that create a child: by class and element name, or by looking at the element itself. They return
+// a fresh object of count 0 by counted reference; the second may return null for an element of no known type.
+using ClassFactory = CSmartPtr<CXmlObjectBase> (*)(int classId, const wchar_t* elementName);
+using AbstractClassFactory = CSmartPtr<CXmlObjectBase> (*)(CXmlElement* element);
+// Generated functions between an enumeration and its lexical form.
+using EnumToString = const wchar_t* (*)(int);
+using EnumFromString = int (*)(const wchar_t*);
+
+// What a record describes, as far as the reader of a content model must know it.
+enum class MemberKind : std::int32_t {
+  Single,      // one value or object
+  Wildcard,    // an optional wildcard element
+  Collection,  // repeated; bounds are checked by the collection
+};
+
+// Describes one child element of a generated class: its name, the property that holds it and how to read and write it.
+// Records are static: generated code creates them once with new, hands them out in an array and frees them with
+// CXmlGeneratedClass::CleanMetaData. They never change, so threads share them freely.
+//
+// The classes are named CElementInfo<Group><Kind><Cardinality>:
+//   Group        Seq, Choice, All: the content model that the member belongs to
+//   Kind         Cls a generated class, AbsCls one chosen by the element or its xsi:type, Prim an XSD primitive,
+//                Enum an enumeration, Untpd a wildcard element
+//   Cardinality  Mnd exactly one, Opt zero or one, Col a collection
+//
+// Reading: *cursor is the child element of `parent` that is next to be read, null at the end; a record moves it over
+// what it consumes. `ownerType` is 0 when the owner is read from an element of its own, else the owner is an inline
+// group whose absence the enclosing reader judges. The answer false gives the element back to the reader.
+class RKXML_EXPORT CElementInfo {
+ public:
+  // Class, abstract class, collection and wildcard members. Without a member type the record is asked for attributes
+  // of its own, see PseudoChildAttributeToXml.
+  CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, MemberKind kind = MemberKind::Single);
+  CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, MemberKind kind, XmlElementType memberType);
+  // Enumerations. `defaultValue` may be null.
+  CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, bool nillable, EnumToString enumToString,
+               EnumFromString enumFromString, const wchar_t* defaultValue);
+  // Primitives. `format` and `defaultValue` may be null; the facets are copied.
+  CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, bool nillable, ItemType type,
+               const wchar_t* format, CWhitespaceUtils::WhitespaceRule whitespace, const CPrimitiveRestrictions& facets,
+               const wchar_t* defaultValue);
+  CElementInfo(const CElementInfo&) = delete;
+  CElementInfo& operator=(const CElementInfo&) = delete;
+  virtual ~CElementInfo();
+
+  // Writes the member; false when there was nothing to write.
+  virtual bool ElementToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
+                            CXmlWriter* writer) const = 0;
+  virtual bool ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                              CXmlElement** cursor, const wchar_t* ownerNamespace, XmlElementType ownerType) = 0;
+  // After an all group has been read: throws CRkValidationException "Failed to find the mandatory element [%ls]." when
+  // the member is mandatory, was not `found` and `final` is set; otherwise the answer is whether the group is complete.
+  // Records of other groups throw CRkException "Not implemented, should never be called".
+  virtual bool Validate(const CSerializationContext& context, const CXmlGeneratedClass* object, bool found,
+                        bool final) const;
+  // Writes the attributes of an inline group, object or collection, onto the open start tag of its owner; not called
+  // for records that can have none.
+  virtual void PseudoChildAttributeToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
+                                         CXmlWriter* writer) const;
+
+  const std::wstring& GetElementName() const noexcept { return m_elementName.Get(); }
+  // The same without a look at it.
+  const RkXmlLib16::CSharedName& GetSharedElementName() const noexcept { return m_elementName; }
+  const std::wstring& GetNamespace() const noexcept { return m_namespace.Get(); }
+  int GetPropertyIndex() const noexcept { return m_propertyIndex; }
+  MemberKind GetMemberKind() const noexcept { return m_memberKind; }
+  // A number that no other record of an element or attribute has, or UINT32_MAX when there are no more.
+  static std::uint32_t NewId() noexcept;
+  // Whether the member stands directly in its owner's element.
+  bool IsInlineGroup() const noexcept { return m_memberType == RkXmlLib16::XmlElementType_InlineGroup; }
+  // Whether ElementFromXml would accept that the element is absent and do nothing else, for the element that is next.
+  bool IsSkipped(const CSerializationContext& context, const CXmlElement* next) const {
+    return IsOfOptionalType() && !IsThisElement(context, next);
+  }
+  // Whether ElementToXml does nothing but WriteValue, if the property has a value.
+  bool IsPlainValue() const noexcept { return m_hasFacets && IsOfOptionalType(); }
+  // Whether PseudoChildAttributeToXml may have something to write.
+  bool MayHaveAttributes() const noexcept { return m_mayHaveAttributes; }
+
+  // Whether the element has the record's local name and, unless the context ignores namespaces, its namespace.
+  bool IsThisElement(const CSerializationContext& context, const CXmlElement* element) const {
+    return element != nullptr && (element->GetLocalNameRef()->GetMatch() == MatchOf(*element) ||
+                                  (MayHaveName(*element) && CompareName(context, *element)));
+  }
+  // Throws CRkException when the value breaks a facet.
+  void CheckRestriction(const RkVariant& value) const;
+
+  // The property of `object`. A CRkException of the accessor is wrapped in CRkValidationException
+  // "Failed to get the property value for [%ls]." or "Failed to set the property value." with the path of `element`.
+  void InvokePropertyGet(CXmlGeneratedClass* object, RkVariant& value) const;
+  void ReadProperty(const CXmlGeneratedClass* object, RkVariant& value) const;
+  void InvokePropertySet(CXmlGeneratedClass* object, RkVariant& value, const CXmlElement& element) const;
+
+  // Write a member of the kind; false when there was nothing to write.
+  bool ElementToXmlCol(const CSerializationContext& context, const CXmlGeneratedClass* object,
+                       CXmlWriter* writer) const;
+  // The same with the collection at hand; null writes nothing.
+  bool WriteCollection(const CSerializationContext& context, const RkXmlLib16::CXmlCollectionBase* collection,
+                       CXmlWriter* writer) const;
+  bool ElementToXmlCls(const CSerializationContext& context, const CXmlGeneratedClass* object, CXmlWriter* writer,
+                       bool isOptionalChoice) const;
+  bool ElementToXmlPrim(const CSerializationContext& context, const CXmlGeneratedClass* object,
+                        CXmlWriter* writer) const;
+  // The same with the valid value at hand, which writes it.
+  [[gnu::noinline]] bool WriteValue(const CSerializationContext& context, const RkVariant& value,
+                                    CXmlWriter* writer) const;
+  bool ElementToXmlEnum(const CSerializationContext& context, const CXmlGeneratedClass* object, CXmlWriter* writer,
+                        EnumToString toString) const;
+  // Read the element under the cursor, which the caller has matched, and move the cursor to its next sibling.
+  void ElementFromXmlPrim(const CSerializationContext& context, CXmlGeneratedClass* object, CXmlElement** cursor);
+  void ElementFromXmlEnum(const CSerializationContext& context, CXmlGeneratedClass* object, CXmlElement** cursor);
+
+  // Forward to the child's virtual operations.
+  void AttributesToXml_Int(const CXmlObjectBase* child, CXmlWriter* writer, const CSerializationContext& context) const;
+  CXmlElement* FromXml_Int(CXmlObjectBase* child, CXmlElement* parent, CXmlElement* current,
+                           const CSerializationContext& context, bool isOptionalChoice);
+
+  // The namespace in which a wildcard element is written: `defaultNs` for "##any", `targetNs` for "##targetNamespace",
+  // none for "##local"; for "##other" none, or "DefaultNamespace" when `defaultNs` is empty. Of a list that begins with
+  // "##" the first word counts; URIs give none.
+  static std::wstring GetAnyDefaultNamespace(const wchar_t* constraint, const wchar_t* defaultNs,
+                                             const wchar_t* targetNs);
+
+ protected:
+  EnumToString GetEnumToString() const noexcept { return m_enumToString; }
+  // For records of a sequence that read nothing but their own element, which may be absent; see IsSkipped.
+  void SkipOtherElements() noexcept { m_optionalType = &typeid(*this); }
+
+ private:
+  // Not for classes that are derived from one that skips other elements: they may do otherwise.
+  bool IsOfOptionalType() const noexcept { return m_optionalType == &typeid(*this); }
+  // What the local name of an element notes when the element was found to have the record's name and namespace: the
+  // record and the element's namespace.
+  std::uint64_t MatchOf(const CXmlElement& element) const noexcept {
+    return std::uint64_t{m_id} << 32 | element.GetNamespaceRef()->GetOrdinal();
+  }
+  bool CompareName(const CSerializationContext& context, const CXmlElement& element) const;
+  // False for most names but the own, without a look at the whole.
+  bool MayHaveName(const CXmlElement& element) const noexcept {
+    const RkXmlLib16::CXmlText name = element.GetLocalName();
+    return name.size() == GetElementName().size() && name[0] == GetElementName()[0];
+  }
+  bool IsDefault(const std::wstring& text) const noexcept { return !m_defaultValue.empty() && text == m_defaultValue; }
+  void WriteText(const CSerializationContext& context, CXmlWriter* writer, const std::wstring& text,
+                 ItemType type) const;
+  bool WriteNil(CXmlWriter* writer) const;
+  // Looks through the attributes of a primitive element; true for xsi:nil="true".
+  bool ReadNil(const CSerializationContext& context, const CXmlElement& element) const;
+
+  const std::uint32_t m_id = NewId();
+  RkXmlLib16::CSharedName m_elementName;
+  RkXmlLib16::CSharedName m_namespace;
+  int m_propertyIndex;
+  CPrimitiveRestrictions m_facets;
+  ItemType m_itemType = RkXmlLib16::ItemType_none;
+  std::wstring m_format;
+  CWhitespaceUtils::WhitespaceRule m_whitespace = CWhitespaceUtils::none;
+  std::wstring m_defaultValue;
+  bool m_nillable = false;
+  EnumToString m_enumToString = nullptr;
+  EnumFromString m_enumFromString = nullptr;
+  bool m_hasFacets = false;
+  bool m_mayHaveAttributes = false;
+  const std::type_info* m_optionalType = nullptr;  // the class that called SkipOtherElements
+  XmlElementType m_memberType = RkXmlLib16::XmlElementType_Element;
+  MemberKind m_memberKind = MemberKind::Single;
+};
+
+}  // namespace RkXmlLib16Data
+
+#endif

@@ -1,0 +1,357 @@
+#include "RkXmlLib16/binding/ElementInfoSeq.h"
+
+#include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/base/internal/TextOrEmpty.h"
+#include "RkXmlLib16/binding/internal/ElementRules.h"
+#include "RkXmlLib16/binding/internal/SiblingSearch.h"
+#include "RkXmlLib16/context/SerializationContext.h"
+#include "RkXmlLib16/document/ElementTree.h"
+
+namespace RkXmlLib16Data {
+
+using namespace RkXmlLib16;
+
+namespace {
+
+enum class Seek {
+  Found,   // the element is under the cursor
+  GoOn,    // it is missing, and that is accepted
+  NotMine  // it is missing, and the enclosing reader judges
+};
+
+// Looks for the element of a mandatory member, past unknown elements where the context ignores those.
+Seek SeekMandatory(const CElementInfo& info, const CSerializationContext& context, const CXmlElement* parent,
+                   CXmlElement** cursor, XmlElementType ownerType) {
+  if (info.IsThisElement(context, *cursor)) return Seek::Found;
+  const bool ownElement = ownerType == XmlElementType_Element;
+  if (ownElement && context.GetIgnoreMissingMandatoryElements()) return Seek::GoOn;
+  if (context.GetIgnoreUnknownElements()) *cursor = SiblingSearch::Find(info, context, *cursor);
+  if (!context.GetIgnoreUnknownElements() || *cursor == nullptr) {
+    if (ownElement) ThrowMissingChild(info, parent);
+    return Seek::NotMine;
+  }
+  return Seek::Found;
+}
+
+bool IsCountAccepted(const CXmlCollectionBase& collection, const CSerializationContext& context,
+                     XmlElementType ownerType) {
+  if (ownerType != XmlElementType_Element) return collection.IsValidCount(context);
+  collection.ValidateCount(context);
+  return true;
+}
+
+}  // namespace
+
+CElementInfoSeqCol::CElementInfoSeqCol(const wchar_t* name, const wchar_t* ns, int propertyIndex,
+                                       XmlElementType memberType)
+    : CElementInfo(name, ns, propertyIndex, MemberKind::Collection, memberType) {}
+
+CElementInfoSeqCol::~CElementInfoSeqCol() = default;
+
+bool CElementInfoSeqCol::ElementToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
+                                      CXmlWriter* writer) const {
+  return CheckedColToXml(*this, context, object, writer);
+}
+
+bool CElementInfoSeqCol::ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
+                                        CXmlElement* parent, CXmlElement** cursor, const wchar_t*,
+                                        XmlElementType ownerType) {
+  const auto collection = GetCollection(*this, object);
+  if (collection == nullptr) return true;
+  *cursor = FromXml_Int(collection, parent, *cursor, context, /*isOptionalChoice=*/false);
+  return IsCountAccepted(*collection, context, ownerType);
+}
+
+CElementInfoSeqClsCol::CElementInfoSeqClsCol(const wchar_t* name, const wchar_t* ns, int propertyIndex,
+                                             XmlElementType memberType)
+    : CElementInfoSeqCol(name, ns, propertyIndex, memberType) {}
+
+CElementInfoSeqClsCol::~CElementInfoSeqClsCol() = default;
+
+CElementInfoSeqAbsClsCol::CElementInfoSeqAbsClsCol(const wchar_t* name, const wchar_t* ns, int propertyIndex,
+                                                   XmlElementType memberType)
+    : CElementInfoSeqCol(name, ns, propertyIndex, memberType) {}
+
+CElementInfoSeqAbsClsCol::~CElementInfoSeqAbsClsCol() = default;
+
+CElementInfoSeqPrimCol::CElementInfoSeqPrimCol(const wchar_t* name, const wchar_t* ns, int propertyIndex)
+    : CElementInfoSeqCol(name, ns, propertyIndex) {}
+
+CElementInfoSeqPrimCol::~CElementInfoSeqPrimCol() = default;
+
+CElementInfoSeqEnumCol::CElementInfoSeqEnumCol(const wchar_t* name, const wchar_t* ns, int propertyIndex)
+    : CElementInfoSeqCol(name, ns, propertyIndex) {}
+
+CElementInfoSeqEnumCol::~CElementInfoSeqEnumCol() = default;
+
+CElementInfoSeqUntpdCol::CElementInfoSeqUntpdCol(const wchar_t* name, const wchar_t* ns, int propertyIndex)
+    : CElementInfoSeqCol(name, ns, propertyIndex) {}
+
+CElementInfoSeqUntpdCol::~CElementInfoSeqUntpdCol() = default;
+
+bool CElementInfoSeqUntpdCol::ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
+                                             CXmlElement* parent, CXmlElement** cursor, const wchar_t*,
+                                             XmlElementType ownerType) {
+  const auto collection = GetCollection(*this, object);
+  if (collection == nullptr) return true;
+  *cursor = ReadWildcards(*this, context, collection, parent, *cursor);
+  return IsCountAccepted(*collection, context, ownerType);
+}
+
+CElementInfoSeqClsMnd::CElementInfoSeqClsMnd(const wchar_t* name, const wchar_t* ns, int propertyIndex,
+                                             XmlElementType memberType, ClassFactory factory, int classId,
+                                             bool required)
+    : CElementInfo(name, ns, propertyIndex, MemberKind::Single, memberType),
+      m_required(required),
+      m_factory(factory),
+      m_classId(classId) {}
+
+CElementInfoSeqClsMnd::~CElementInfoSeqClsMnd() = default;
+
+bool CElementInfoSeqClsMnd::ElementToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
+                                         CXmlWriter* writer) const {
+  return RequireWritten(*this, ElementToXmlCls(context, object, writer, /*isOptionalChoice=*/false));
+}
+
+bool CElementInfoSeqClsMnd::ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
+                                           CXmlElement* parent, CXmlElement** cursor, const wchar_t*,
+                                           XmlElementType ownerType) {
+  if (IsInlineGroup()) return ReadGroup(context, object, parent, cursor, ownerType);
+  if (ownerType != XmlElementType_Element && !IsThisElement(context, *cursor)) return false;
+  if (SeekMandatory(*this, context, parent, cursor, ownerType) == Seek::GoOn) return true;
+  const auto child = GetOrCreateChild(*this, object, m_factory, m_classId, **cursor);
+  if (child == nullptr) ThrowMissingChild(*this, parent);
+  ReadOwnElement(*this, context, child, cursor);
+  return true;
+}
+
+bool CElementInfoSeqClsMnd::ReadGroup(const CSerializationContext& context, CXmlGeneratedClass* object,
+                                      CXmlElement* parent, CXmlElement** cursor, XmlElementType ownerType) {
+  const bool ownElement = ownerType == XmlElementType_Element;
+  const bool atEnd = *cursor == nullptr;
+  if (m_required && atEnd) {
+    if (ownElement) ThrowMissingChild(*this, parent);
+    return false;
+  }
+  const auto child = GetOrCreateChild(*this, object, m_factory, m_classId, *parent);
+  if (child == nullptr) ThrowMissingChild(*this, parent);
+  if (ReadInline(*this, context, child, parent, cursor)) return true;
+  if (m_required && ownElement) ThrowMissingChild(*this, parent);
+  if (m_required) return false;
+  return atEnd || !ownElement || !context.GetIgnoreUnknownElements();
+}
+
+CElementInfoSeqClsOpt::CElementInfoSeqClsOpt(const wchar_t* name, const wchar_t* ns, int propertyIndex,
+                                             XmlElementType memberType, ClassFactory factory, int classId)
+    : CElementInfo(name, ns, propertyIndex, MemberKind::Single, memberType), m_factory(factory), m_classId(classId) {
+  if (!IsInlineGroup()) SkipOtherElements();
+}
+
+CElementInfoSeqClsOpt::~CElementInfoSeqClsOpt() = default;
+
+bool CElementInfoSeqClsOpt::ElementToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
+                                         CXmlWriter* writer) const {
+  return ElementToXmlCls(context, object, writer, /*isOptionalChoice=*/false);
+}
+
+bool CElementInfoSeqClsOpt::ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
+                                           CXmlElement* parent, CXmlElement** cursor, const wchar_t*, XmlElementType) {
+  if (IsInlineGroup() ? *cursor == nullptr : !IsThisElement(context, *cursor)) return true;
+  const auto child = CreateChild(*this, m_factory, m_classId);
+  if (child == nullptr) return true;
+  const CXmlElement& element = **cursor;
+  if (!IsInlineGroup()) {
+    ReadOwnElement(*this, context, child, cursor);
+    StoreChild(*this, object, child, element);
+  } else if (ReadInline(*this, context, child, parent, cursor)) {
+    StoreChild(*this, object, child, element);
+  }
+  return true;
+}
+
+CElementInfoSeqAbsClsMnd::CElementInfoSeqAbsClsMnd(const wchar_t* name, const wchar_t* ns, int propertyIndex,
+                                                   XmlElementType memberType, AbstractClassFactory factory)
+    : CElementInfo(name, ns, propertyIndex, MemberKind::Single, memberType), m_factory(factory) {}
+
+CElementInfoSeqAbsClsMnd::~CElementInfoSeqAbsClsMnd() = default;
+
+bool CElementInfoSeqAbsClsMnd::ElementToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
+                                            CXmlWriter* writer) const {
+  return RequireWritten(*this, ElementToXmlCls(context, object, writer, /*isOptionalChoice=*/false));
+}
+
+bool CElementInfoSeqAbsClsMnd::ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
+                                              CXmlElement* parent, CXmlElement** cursor, const wchar_t*,
+                                              XmlElementType ownerType) {
+  const bool matches = IsThisElement(context, *cursor);
+  const auto child = matches ? CreateAbstractChild(m_factory, *cursor) : nullptr;
+  if (child == nullptr) {
+    if (ownerType != XmlElementType_Element) return false;
+    throw CRkValidationException(
+        FormatString(L"Failed to find a suitable substitution element for [%ls].", GetElementName().c_str()),
+        parent->GetXPath());
+  }
+  CXmlElement* element = *cursor;
+  FromXml_Int(child, element, element->GetFirstElement(), context, /*isOptionalChoice=*/false);
+  StoreChild(*this, object, child, *parent);
+  *cursor = element->GetNextSiblingElement();
+  return true;
+}
+
+CElementInfoSeqAbsClsOpt::CElementInfoSeqAbsClsOpt(const wchar_t* name, const wchar_t* ns, int propertyIndex,
+                                                   XmlElementType memberType, AbstractClassFactory factory)
+    : CElementInfo(name, ns, propertyIndex, MemberKind::Single, memberType), m_factory(factory) {
+  SkipOtherElements();
+}
+
+CElementInfoSeqAbsClsOpt::~CElementInfoSeqAbsClsOpt() = default;
+
+bool CElementInfoSeqAbsClsOpt::ElementToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
+                                            CXmlWriter* writer) const {
+  return ElementToXmlCls(context, object, writer, /*isOptionalChoice=*/false);
+}
+
+bool CElementInfoSeqAbsClsOpt::ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
+                                              CXmlElement*, CXmlElement** cursor, const wchar_t*, XmlElementType) {
+  if (!IsThisElement(context, *cursor)) return true;
+  const auto child = CreateAbstractChild(m_factory, *cursor);
+  if (child == nullptr) return true;
+  CXmlElement* element = *cursor;
+  FromXml_Int(child, element, element->GetFirstElement(), context, /*isOptionalChoice=*/false);
+  StoreChild(*this, object, child, *element);
+  *cursor = element->GetNextSiblingElement();
+  return true;
+}
+
+CElementInfoSeqPrimMnd::CElementInfoSeqPrimMnd(const wchar_t* name, const wchar_t* ns, int propertyIndex, bool nillable,
+                                               ItemType type, const wchar_t* format,
+                                               CWhitespaceUtils::WhitespaceRule whitespace,
+                                               const CPrimitiveRestrictions& facets, const wchar_t* defaultValue)
+    : CElementInfo(name, ns, propertyIndex, nillable, type, format, whitespace, facets, defaultValue) {}
+
+CElementInfoSeqPrimMnd::~CElementInfoSeqPrimMnd() = default;
+
+bool CElementInfoSeqPrimMnd::ElementToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
+                                          CXmlWriter* writer) const {
+  return RequireWritten(*this, ElementToXmlPrim(context, object, writer));
+}
+
+bool CElementInfoSeqPrimMnd::ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
+                                            CXmlElement* parent, CXmlElement** cursor, const wchar_t*,
+                                            XmlElementType ownerType) {
+  const Seek at = SeekMandatory(*this, context, parent, cursor, ownerType);
+  if (at == Seek::Found) ElementFromXmlPrim(context, object, cursor);
+  return at != Seek::NotMine;
+}
+
+CElementInfoSeqPrimOpt::CElementInfoSeqPrimOpt(const wchar_t* name, const wchar_t* ns, int propertyIndex, bool nillable,
+                                               ItemType type, const wchar_t* format,
+                                               CWhitespaceUtils::WhitespaceRule whitespace,
+                                               const CPrimitiveRestrictions& facets, const wchar_t* defaultValue)
+    : CElementInfo(name, ns, propertyIndex, nillable, type, format, whitespace, facets, defaultValue) {
+  SkipOtherElements();
+}
+
+CElementInfoSeqPrimOpt::~CElementInfoSeqPrimOpt() = default;
+
+bool CElementInfoSeqPrimOpt::ElementToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
+                                          CXmlWriter* writer) const {
+  return ElementToXmlPrim(context, object, writer);
+}
+
+bool CElementInfoSeqPrimOpt::ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
+                                            CXmlElement*, CXmlElement** cursor, const wchar_t*, XmlElementType) {
+  if (IsThisElement(context, *cursor)) ElementFromXmlPrim(context, object, cursor);
+  return true;
+}
+
+CElementInfoSeqEnumMnd::CElementInfoSeqEnumMnd(const wchar_t* name, const wchar_t* ns, int propertyIndex, bool nillable,
+                                               EnumToString enumToString, EnumFromString enumFromString,
+                                               const wchar_t* defaultValue)
+    : CElementInfo(name, ns, propertyIndex, nillable, enumToString, enumFromString, defaultValue) {}
+
+CElementInfoSeqEnumMnd::~CElementInfoSeqEnumMnd() = default;
+
+bool CElementInfoSeqEnumMnd::ElementToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
+                                          CXmlWriter* writer) const {
+  return RequireWritten(*this, ElementToXmlEnum(context, object, writer, GetEnumToString()));
+}
+
+bool CElementInfoSeqEnumMnd::ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
+                                            CXmlElement* parent, CXmlElement** cursor, const wchar_t*,
+                                            XmlElementType ownerType) {
+  const Seek at = SeekMandatory(*this, context, parent, cursor, ownerType);
+  if (at == Seek::Found) ElementFromXmlEnum(context, object, cursor);
+  return at != Seek::NotMine;
+}
+
+CElementInfoSeqEnumOpt::CElementInfoSeqEnumOpt(const wchar_t* name, const wchar_t* ns, int propertyIndex, bool nillable,
+                                               EnumToString enumToString, EnumFromString enumFromString,
+                                               const wchar_t* defaultValue)
+    : CElementInfo(name, ns, propertyIndex, nillable, enumToString, enumFromString, defaultValue) {
+  SkipOtherElements();
+}
+
+CElementInfoSeqEnumOpt::~CElementInfoSeqEnumOpt() = default;
+
+bool CElementInfoSeqEnumOpt::ElementToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
+                                          CXmlWriter* writer) const {
+  return ElementToXmlEnum(context, object, writer, GetEnumToString());
+}
+
+bool CElementInfoSeqEnumOpt::ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
+                                            CXmlElement*, CXmlElement** cursor, const wchar_t*, XmlElementType) {
+  if (IsThisElement(context, *cursor)) ElementFromXmlEnum(context, object, cursor);
+  return true;
+}
+
+CElementInfoSeqUntpdMnd::CElementInfoSeqUntpdMnd(const wchar_t* name, const wchar_t* ns, int propertyIndex,
+                                                 const wchar_t* namespaceConstraint, const wchar_t* targetNamespace)
+    : CElementInfo(name, ns, propertyIndex, MemberKind::Single, XmlElementType_Element),
+      m_namespaceConstraint(TextOrEmpty(namespaceConstraint)),
+      m_targetNamespace(TextOrEmpty(targetNamespace)) {}
+
+CElementInfoSeqUntpdMnd::~CElementInfoSeqUntpdMnd() = default;
+
+bool CElementInfoSeqUntpdMnd::ElementToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
+                                           CXmlWriter* writer) const {
+  return RequireWritten(*this, ElementToXmlCls(context, object, writer, /*isOptionalChoice=*/false));
+}
+
+bool CElementInfoSeqUntpdMnd::ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
+                                             CXmlElement* parent, CXmlElement** cursor, const wchar_t*,
+                                             XmlElementType ownerType) {
+  const auto element = GetChild(*this, object);
+  if (*cursor == nullptr || element == nullptr) ThrowMissingChild(*this, parent);
+  if (AcceptsName(*this, *cursor) && ReadInline(*this, context, element, parent, cursor)) return true;
+  if (ownerType != XmlElementType_Element) return false;
+  throw CRkValidationException(
+      FormatString(L"Failed to find the required element from namespace [%ls].", GetNamespace().c_str()),
+      parent->GetXPath());
+}
+
+CElementInfoSeqUntpdOpt::CElementInfoSeqUntpdOpt(const wchar_t* name, const wchar_t* ns, int propertyIndex,
+                                                 const wchar_t* namespaceConstraint, const wchar_t* targetNamespace)
+    : CElementInfo(name, ns, propertyIndex, MemberKind::Wildcard, XmlElementType_Element),
+      m_namespaceConstraint(TextOrEmpty(namespaceConstraint)),
+      m_targetNamespace(TextOrEmpty(targetNamespace)) {}
+
+CElementInfoSeqUntpdOpt::~CElementInfoSeqUntpdOpt() = default;
+
+bool CElementInfoSeqUntpdOpt::ElementToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
+                                           CXmlWriter* writer) const {
+  return ElementToXmlCls(context, object, writer, /*isOptionalChoice=*/false);
+}
+
+bool CElementInfoSeqUntpdOpt::ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
+                                             CXmlElement* parent, CXmlElement** cursor, const wchar_t* ownerNamespace,
+                                             XmlElementType) {
+  CXmlElement* current = *cursor;
+  const auto element =
+      ReadNewWildcard(*this, context, parent, cursor, ownerNamespace, m_namespaceConstraint, m_targetNamespace);
+  if (element != nullptr) StoreChild(*this, object, element, *current);
+  return true;
+}
+
+}  // namespace RkXmlLib16Data

@@ -1,0 +1,103 @@
+// The entry points of CXmlObjectBase for XML text, and those for reading whatever the form of the bytes.
+#include <atomic>
+#include <string>
+
+#include "RkXmlLib16/binding/internal/EntryPointTools.h"
+#include "RkXmlLib16/context/SerializationContext.h"
+#include "RkXmlLib16/wildcards/Element.h"
+#include "RkXmlLib16/xml/XmlTextWriter.h"
+
+namespace RkXmlLib16 {
+
+namespace {
+
+std::atomic<bool> directWrite{false};
+
+void WriteXmlText(const CXmlObjectBase& object, CTextStream& stream, bool includeDocumentHeader, bool formatted,
+                  EOLType eol, const CSerializationContext& context) {
+  CXmlTextWriter writer(stream);
+  writer.Open();
+  writer.SetFormat(formatted);
+  writer.SetIndentChars(context.GetIndentChars().c_str());
+  writer.SetEOLType(eol);
+  if (includeDocumentHeader) writer.WriteStartDocument();
+  object.ToXml_Int(&writer, true, object.GetTargetNamespace(), context, false);
+  writer.Close();
+}
+
+}  // namespace
+
+void AsyncToXmlFile(bool enable) { directWrite = enable; }
+void AsyncFromXmlFile(bool /*enable*/) {}
+
+void RequireFileCompression(CompressionType compression) {
+  if (compression == CompressionType_ZLib) {
+    throw CRkException(L"ZLIB Compression only available for To Stream methods.");
+  }
+}
+
+bool WritesDirectly(CompressionType compression) { return directWrite && compression == CompressionType_None; }
+
+std::wstring CXmlObjectBase::ToXml(bool includeDocumentHeader, bool formatted, EOLType eol,
+                                   const CSerializationContext& context) const {
+  CTextStream stream;
+  WriteXmlText(*this, stream, includeDocumentHeader, formatted, eol, context);
+  return Guarded([&] { return stream.ToString(); });
+}
+
+CBinaryData CXmlObjectBase::ToXmlStream(bool includeDocumentHeader, bool formatted, XmlEncoding encoding, EOLType eol,
+                                        const CSerializationContext& context, CompressionType compression) const {
+  if (encoding == XmlEncoding_UTF8) {
+    CUtf8TextStream stream;
+    WriteXmlText(*this, stream, includeDocumentHeader, formatted, eol, context);
+    return Guarded([&] { return Compressed(stream.TakeBytes(), compression); });
+  }
+  CTextStream stream(encoding);
+  WriteXmlText(*this, stream, includeDocumentHeader, formatted, eol, context);
+  return Guarded([&] { return Compressed(stream.GetEncodedStream(), compression); });
+}
+
+void CXmlObjectBase::ToXmlFile(const wchar_t* fileName, bool includeDocumentHeader, bool formatted,
+                               XmlEncoding encoding, EOLType eol, const CSerializationContext& context,
+                               CompressionType compression) const {
+  RequireFileCompression(compression);
+  if (WritesDirectly(compression)) {
+    CFileTextStream stream(fileName, encoding);
+    WriteXmlText(*this, stream, includeDocumentHeader, formatted, eol, context);
+  } else {
+    WriteFile(fileName, encoding, ToXmlStream(includeDocumentHeader, formatted, encoding, eol, context, compression));
+  }
+}
+
+void CXmlObjectBase::FromXml(const wchar_t* text, const CSerializationContext& context) {
+  ReadDocument(*this, context, [text](CXmlDocument& document) { document.LoadXml(text); });
+}
+
+void CXmlObjectBase::FromXml(const char* text, const CSerializationContext& context) {
+  ReadDocument(*this, context, [text](CXmlDocument& document) { document.LoadXml(text); });
+}
+
+void CXmlObjectBase::FromXmlFile(const wchar_t* fileName, const CSerializationContext& context) {
+  ReadDocument(*this, context, [fileName](CXmlDocument& document) { document.Load(fileName); });
+}
+
+void CXmlObjectBase::FromXmlStream(unsigned char* data, unsigned long length, const CSerializationContext& context) {
+  ReadDocument(*this, context, [data, length](CXmlDocument& document) { document.LoadXmlStream(data, length); });
+}
+
+void CXmlObjectBase::FromXmlStream(const CBinaryData& data, const CSerializationContext& context) {
+  FromXmlStream(data.GetData(), data.GetLength(), context);
+}
+
+void CXmlObjectBase::FromXmlElement(const CXmlElement* element, const CSerializationContext& context) {
+  if (element == nullptr) throw CRkException(L"The document contains no element.");
+  FromXml_Int(const_cast<CXmlElement*>(element), element->GetFirstElement(), context, false);
+}
+
+void CXmlObjectBase::FromXmlElement(const CElement* element, const CSerializationContext& context) {
+  if (element == nullptr) throw CRkException(L"The document contains no element.");
+  const std::wstring text = element->ToXml(false, false, EOLType_LF, GetDefaultContext());
+  ReadDocument(*this, context, [&text](CXmlDocument& document) { document.LoadXmlWide(text); });
+}
+
+}  // namespace RkXmlLib16

@@ -1,0 +1,167 @@
+#include <cwchar>
+#include <string>
+
+#include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/base/internal/TextOrEmpty.h"
+#include "RkXmlLib16/binding/AttributeInfo.h"
+#include "RkXmlLib16/binding/ElementInfo.h"
+#include "RkXmlLib16/binding/GeneratedClass.h"
+#include "RkXmlLib16/binding/ParentElementInfo.h"
+#include "RkXmlLib16/binding/internal/PropertyAccess.h"
+#include "RkXmlLib16/binding/internal/ValueText.h"
+#include "RkXmlLib16/context/SerializationContext.h"
+#include "RkXmlLib16/document/XmlWriter.h"
+#include "RkXmlLib16/object/Variant.h"
+#include "RkXmlLib16/wildcards/internal/RootWriter.h"
+
+namespace RkXmlLib16 {
+
+using RkXmlLib16Data::CAttributeInfo;
+using RkXmlLib16Data::CElementInfo;
+using RkXmlLib16Data::CParentElementInfo;
+using RkXmlLib16Data::ValueText;
+
+namespace {
+
+bool HasSimpleContent(const CParentElementInfo& info) {
+  return info.GetSimpleContentProperty() != -1 && info.GetSimpleContentType() != ItemType_none;
+}
+
+// xsi:nil can only be written while the start tag is open, that is before a schema.
+bool IsContentNil(const CXmlGeneratedClass& object, const CParentElementInfo& info) {
+  if (!HasSimpleContent(info)) return false;
+  RkVariant value;
+  object.ReadProperty(info.GetSimpleContentProperty(), value);
+  return value.IsNil();
+}
+
+}  // namespace
+
+void CXmlGeneratedClass::ToXml_Int(CXmlWriter* writer, bool registerNamespaces, const wchar_t* namespaceUri,
+                                   const CSerializationContext& context, bool isOptionalChoice) const {
+  try {
+    WriteElement(writer, registerNamespaces, namespaceUri, context, isOptionalChoice);
+  } catch (const CRkException& e) {
+    throw CRkValidationException(
+        FormatString(L"Failed to convert the element [%ls] to XML", GetElementNameRef().c_str()), std::wstring(), e);
+  }
+}
+
+void CXmlGeneratedClass::WriteElement(CXmlWriter* writer, bool registerNamespaces, const wchar_t* namespaceUri,
+                                      const CSerializationContext& context, bool isOptionalChoice) const {
+  const CParentElementInfo& info = *GetClassInfo();
+  const bool ownElement = info.GetElementType() == XmlElementType_Element;
+  const auto* nillable = AsNillable(info);
+  const bool nil = nillable != nullptr && nillable->IsNil();
+
+  if (ownElement) {
+    if (registerNamespaces) WriteRootPrologue(*writer, context);
+    // Most elements are in the namespace of their class, whose text is at hand.
+    const wchar_t* const uri = TextOrEmpty(namespaceUri);
+    if (info.GetNamespace().c_str() == uri || std::wcscmp(info.GetNamespace().c_str(), uri) == 0)
+      writer->WriteStartElement(GetElementNameRef(), info.GetNamespace());
+    else
+      writer->WriteStartElement(GetElementNameRef(), uri);
+    if (registerNamespaces) WriteRootAttributes(*writer, context, namespaceUri, isOptionalChoice);
+    AttributesToXml_Int(writer, context);
+    if (registerNamespaces && !nil && !IsContentNil(*this, info)) WriteRootSchema(*writer, context);
+  }
+  if (nil)
+    writer->WriteAttributeNil();
+  else
+    WriteContent(writer, context, info, isOptionalChoice);
+  if (ownElement) writer->WriteEndElement();
+}
+
+void CXmlGeneratedClass::WriteContent(CXmlWriter* writer, const CSerializationContext& context,
+                                      const CParentElementInfo& info, bool isOptionalChoice) const {
+  CElementInfo** const infos = GetClassElementInfo();
+  switch (info.GetGroupType()) {
+    case XmlElementGroupType_Sequence:
+      ProcessElementSeqToXml(context, infos, writer);
+      break;
+    case XmlElementGroupType_Choice:
+      ProcessElementChoiceToXml(context, infos, writer, isOptionalChoice);
+      break;
+    case XmlElementGroupType_All:
+      ProcessElementAllToXml(context, infos, writer);
+      break;
+    default:
+      throw CRkException(L"Unknown XML Group Type");
+  }
+  if (!HasSimpleContent(info)) return;
+
+  RkVariant& value = writer->BeginValue();
+  ReadProperty(info.GetSimpleContentProperty(), value);
+  if (value.IsNil()) {
+    writer->WriteAttributeNil();
+  } else {
+    writer->WriteString(ValueText(value, info.GetSimpleContentFormat(), *writer), value.GetItemType());
+    value.SetUnused();
+  }
+}
+
+void CXmlGeneratedClass::ProcessElementSeqToXml(const CSerializationContext& context, CElementInfo** infos,
+                                                CXmlWriter* writer) const {
+  if (infos == nullptr) return;
+  auto& object = const_cast<CXmlGeneratedClass&>(*this);  // a getter changes nothing
+  for (CElementInfo** info = infos; *info != nullptr; ++info) {
+    const CElementInfo& record = **info;
+    if (!record.IsPlainValue()) {
+      record.ElementToXml(context, this, writer);
+      continue;
+    }
+    // Most optional values of most objects are absent: that is found out here.
+    RkVariant& value = writer->BeginValue();
+    RkXmlLib16Data::GetProperty(object, record.GetPropertyIndex(), record.GetSharedElementName(), value);
+    if (value.IsValid()) record.WriteValue(context, value, writer);
+  }
+}
+
+void CXmlGeneratedClass::ProcessElementAllToXml(const CSerializationContext& context, CElementInfo** infos,
+                                                CXmlWriter* writer) const {
+  ProcessElementSeqToXml(context, infos, writer);
+}
+
+void CXmlGeneratedClass::ProcessElementChoiceToXml(const CSerializationContext& context, CElementInfo** infos,
+                                                   CXmlWriter* writer, bool isOptionalChoice) const {
+  for (CElementInfo** info = infos; info != nullptr && *info != nullptr; ++info)
+    if ((*info)->ElementToXml(context, this, writer)) return;
+  if (!DoesElementContainOptionalElements() && !isOptionalChoice && !context.GetIgnoreMissingChoice())
+    throw CRkValidationException(
+        L"This element is a choice, and as such must have at one (and only one) valid item, "  // sic
+        L"currently there are none set",
+        std::wstring());
+}
+
+void CXmlGeneratedClass::AttributesToXml_Int(CXmlWriter* writer, const CSerializationContext& context) const {
+  try {
+    const CParentElementInfo& info = *GetClassInfo();
+    if (context.GetWriteTypeAttribute() && info.GetElementType() == XmlElementType_Element &&
+        GetElementNameRef() != info.GetElementName())
+      writer->WriteAttributeType(info.GetNamespace(), info.GetElementName(), ItemType_string);
+    ProcessAttributesToXml(context, GetClassElementInfo(), GetClassAttributeInfo(), writer);
+  } catch (const CRkException& e) {
+    throw CRkException(L"Failed to convert attributes to XML", e);
+  }
+}
+
+void CXmlGeneratedClass::ProcessAttributesToXml(const CSerializationContext& context, CElementInfo** elementInfos,
+                                                CAttributeInfo** attributeInfos, CXmlWriter* writer) const {
+  if (attributeInfos != nullptr)
+    for (CAttributeInfo** info = attributeInfos; *info != nullptr; ++info)
+      (*info)->AttributeToXml(context, this, writer);
+  if (elementInfos == nullptr) return;
+  const CParentElementInfo& parent = *GetClassInfo();
+  if (parent.AreKnownWithoutAttributes(elementInfos)) return;
+  bool mayHaveAttributes = false;
+  for (CElementInfo** info = elementInfos; *info != nullptr; ++info) {
+    if (!(*info)->MayHaveAttributes()) continue;
+    mayHaveAttributes = true;
+    (*info)->PseudoChildAttributeToXml(context, this, writer);
+  }
+  if (!mayHaveAttributes) parent.SetWithoutAttributes(elementInfos);
+}
+
+}  // namespace RkXmlLib16

@@ -1,0 +1,60 @@
+#ifndef RKXMLLIB16_CORE_INTERNAL_ENTRYPOINTTOOLS_H
+#define RKXMLLIB16_CORE_INTERNAL_ENTRYPOINTTOOLS_H
+
+#include <exception>
+#include <new>
+#include <string>
+#include <utility>
+
+#include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/document/ElementTree.h"
+#include "RkXmlLib16/io/BinaryStream.h"
+#include "RkXmlLib16/io/TextStream.h"
+#include "RkXmlLib16/io/Zip.h"
+#include "RkXmlLib16/object/XmlObjectBase.h"
+
+// What the entry points of the three document forms share.
+namespace RkXmlLib16 {
+
+// Runs a part of an entry point that calls no code of the application; a failure of the standard library in it (a
+// length that overflows, say) leaves as a CRkException. Exhausted memory stays std::bad_alloc.
+template <class Work>
+auto Guarded(Work&& work) {
+  try {
+    return std::forward<Work>(work)();
+  } catch (const std::bad_alloc&) {
+    throw;
+  } catch (const std::exception& e) {
+    const std::string reason = e.what();
+    throw CRkException(std::wstring(reason.begin(), reason.end()));
+  }
+}
+
+// Fills the object from the document that `load` loads.
+template <class Load>
+void ReadDocument(CXmlObjectBase& object, const CSerializationContext& context, Load&& load) {
+  CXmlDocument document(context);
+  document.SetInputStays(true);
+  Guarded([&] { load(document); });
+  const CXmlElement* const root = document.GetDocumentElement();
+  object.FromXmlElement(root, context);
+}
+
+// Throws CRkException "ZLIB Compression only available for To Stream methods.".
+void RequireFileCompression(CompressionType compression);
+// Whether a text document goes straight to its file.
+bool WritesDirectly(CompressionType compression);
+
+inline CBinaryData Compressed(CBinaryData bytes, CompressionType compression) {
+  CRkZip::CompressData(bytes, compression);
+  return bytes;
+}
+
+// Writes finished bytes, after the byte order mark that the encoding asks for.
+inline void WriteFile(const wchar_t* fileName, XmlEncoding encoding, CBinaryData bytes) {
+  CFileBinaryStream(fileName, encoding, bytes).ToFile();
+}
+
+}  // namespace RkXmlLib16
+
+#endif

@@ -1,0 +1,69 @@
+#ifndef RKXMLLIB16_METADATA_INTERNAL_SIBLINGSEARCH_H
+#define RKXMLLIB16_METADATA_INTERNAL_SIBLINGSEARCH_H
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <unordered_map>
+#include <vector>
+
+#include "RkXmlLib16/binding/ElementInfo.h"
+
+namespace RkXmlLib16Data {
+
+// Looks for the next child that a record accepts, past unknown ones. Inline groups are offered the same children from
+// one place after the other, and each looks as far as the end; lest that be quadratic, a long search makes an index of
+// the children, which lives as long as their element is being read, and one in vain is remembered.
+class SiblingSearch {
+ public:
+  // Serves the children of `element` on this thread until it is destroyed.
+  explicit SiblingSearch(const CXmlElement* element) noexcept;
+  SiblingSearch(const SiblingSearch&) = delete;
+  SiblingSearch& operator=(const SiblingSearch&) = delete;
+  ~SiblingSearch();
+
+  // The first element from `from` (may be null) on that the record accepts; null when there is none.
+  static CXmlElement* Find(const CElementInfo& info, const CSerializationContext& context, CXmlElement* from);
+
+  // For records that are asked about one element after the other: the one to ask about after `from`, and that a record
+  // took none from `from` up to `end` (null for all that follow). Of a record that keeps attempts that is true only
+  // until something is taken.
+  static CXmlElement* Next(const CElementInfo& info, const CXmlElement* from);
+  static void SetInVain(const CElementInfo& info, const CXmlElement* from, const CXmlElement* end, int steps);
+  // Whether what the record took before it failed may decide whether it fails the next time.
+  static bool KeepsAttempts(const CElementInfo& info) noexcept {
+    return info.IsInlineGroup() && info.GetMemberKind() == MemberKind::Single;
+  }
+  // Elements that were taken on this thread by anyone, also by attempts that failed later.
+  static std::uint64_t GetTakenCount() noexcept;
+  static void CountTaken() noexcept;
+  // An attempt failed after so many were taken. Throws CRkException "Limit exceeded: ..." when too many are read again
+  // and again.
+  static void CountWasted(std::uint64_t takenCount);
+
+ private:
+  void MakeIndex();
+  CXmlElement* FindInIndex(const CElementInfo& info, const CSerializationContext& context, const CXmlElement* from);
+
+  struct InVain {
+    std::map<std::size_t, std::size_t> ranges;  // places and their ends
+    std::uint64_t takenCount = 0;               // when they were noted
+
+    bool IsTrueOf(const CElementInfo& info) const noexcept {
+      return !KeepsAttempts(info) || takenCount == GetTakenCount();
+    }
+  };
+
+  const CXmlElement* m_element;
+  SiblingSearch* m_outer;
+  std::vector<CXmlElement*> m_children;                                          // empty until needed
+  std::unordered_map<const CXmlElement*, std::size_t> m_places;                  // in m_children
+  std::unordered_map<const CElementInfo*, std::vector<std::size_t>> m_accepted;  // places, ascending
+  std::unordered_map<const CElementInfo*, InVain> m_inVain;
+  std::uint64_t m_wastedCount = 0;
+};
+
+}  // namespace RkXmlLib16Data
+
+#endif

@@ -1,0 +1,136 @@
+#ifndef RKXMLLIB16_CORE_SERIALIZATIONCONTEXT_H
+#define RKXMLLIB16_CORE_SERIALIZATIONCONTEXT_H
+
+#include <list>
+#include <memory>
+#include <mutex>
+#include <string>
+
+#include "RkXmlLib16/base/Enumerations.h"
+#include "RkXmlLib16/base/Export.h"
+#include "RkXmlLib16/base/SmartPtr.h"
+#include "RkXmlLib16/context/NamespaceAliasMap.h"
+#include "RkXmlLib16/context/ReadLimits.h"
+
+namespace RkXmlLib16 {
+
+class CAttributeCol;
+class CFastInfosetContext;
+class CJsonContext;
+class CXmlObjectBase;
+
+// The settings of a reading or writing call: leniency of the reader, choices of the writers, prefixes, extra content of
+// the root element. A value type; one context serves one call at a time.
+//
+//   CSerializationContext ctx;
+//   ctx.SetIgnoreUnknownElements(true);
+//   ctx.GetNamespaceAliases().Add(L"x", L"urn:x");
+//   order.FromXmlFile(L"order.xml", ctx);
+class RKXML_EXPORT CSerializationContext {
+ public:
+  CSerializationContext();
+  // Copies the settings; the extra root attributes and the working contexts of JSON and Fast Infoset are shared.
+  CSerializationContext(const CSerializationContext& other);
+  CSerializationContext& operator=(const CSerializationContext& other);
+  virtual ~CSerializationContext();
+
+  // Used wherever no context is given.
+  static CSerializationContext m_defaultContext;
+
+  // Reading: drop attributes that the class does not know.
+  bool GetIgnoreUnknownAttributes() const noexcept { return m_ignoreUnknownAttributes; }
+  void SetIgnoreUnknownAttributes(bool ignore) noexcept { m_ignoreUnknownAttributes = ignore; }
+  // Reading: skip elements that the class does not know. Throws CRkInvalidStateException when missing mandatory
+  // elements are ignored already: with both, a misplaced element could silently stand for a missing one.
+  bool GetIgnoreUnknownElements() const noexcept { return m_ignoreUnknownElements; }
+  void SetIgnoreUnknownElements(bool ignore);
+  // Reading: accept that mandatory elements are absent. Throws CRkInvalidStateException when unknown elements are
+  // ignored already.
+  bool GetIgnoreMissingMandatoryElements() const noexcept { return m_ignoreMissingMandatoryElements; }
+  void SetIgnoreMissingMandatoryElements(bool ignore);
+  // Accept a choice with no member set.
+  bool GetIgnoreMissingChoice() const noexcept { return m_ignoreMissingChoice; }
+  void SetIgnoreMissingChoice(bool ignore) noexcept { m_ignoreMissingChoice = ignore; }
+  // Do not enforce the occurrence limits of collections.
+  bool GetIgnoreInvalidCollectionCounts() const noexcept { return m_ignoreInvalidCollectionCounts; }
+  void SetIgnoreInvalidCollectionCounts(bool ignore) noexcept { m_ignoreInvalidCollectionCounts = ignore; }
+  // Reading: match names without their namespaces. Also true for schema type 2.
+  bool GetIgnoreNamespaces() const noexcept { return m_ignoreNamespaces || m_schemaType == SchemaType_NoNamespaces; }
+  void SetIgnoreNamespaces(bool ignore) noexcept { m_ignoreNamespaces = ignore; }
+  // The flag alone, without the schema type.
+  bool GetIgnoreNamespacesFlag() const noexcept { return m_ignoreNamespaces; }
+  SchemaType GetSchemaType() const noexcept { return m_schemaType; }
+  void SetSchemaType(SchemaType type) noexcept { m_schemaType = type; }
+  // Writing: leave out an optional attribute whose value is its default.
+  bool GetNoOptionalAttributeDefaultOutput() const noexcept { return m_noOptionalAttributeDefaultOutput; }
+  void SetNoOptionalAttributeDefaultOutput(bool omit) noexcept { m_noOptionalAttributeDefaultOutput = omit; }
+  // Writing: write the text of an element that holds its default (otherwise the element is written empty).
+  bool GetWriteDefaultElementValues() const noexcept { return m_writeDefaultElementValues; }
+  void SetWriteDefaultElementValues(bool write) noexcept { m_writeDefaultElementValues = write; }
+  // Writing: mark objects of a derived type with xsi:type.
+  bool GetWriteTypeAttribute() const noexcept { return m_writeTypeAttribute; }
+  void SetWriteTypeAttribute(bool write) noexcept { m_writeTypeAttribute = write; }
+  // Writing: refuse what a reader would not give back as it was. Off at first.
+  bool GetWellFormedOutput() const noexcept { return m_wellFormedOutput; }
+  void SetWellFormedOutput(bool refuse) noexcept { m_wellFormedOutput = refuse; }
+  // Reading: deliver CDATA sections as plain text (otherwise the text keeps the "<![CDATA[" and "]]>" marks).
+  bool GetStripCDATA() const noexcept { return m_stripCDATA; }
+  void SetStripCDATA(bool strip) noexcept { m_stripCDATA = strip; }
+  // Writing: the namespace that the root element declares as default and that is written without prefix.
+  std::wstring GetDefaultNamespaceURI() const { return m_defaultNamespaceUri; }
+  void SetDefaultNamespaceURI(const wchar_t* namespaceUri);
+  // Writing: schema text placed unchanged inside the root element.
+  std::wstring GetInLineSchema() const { return m_inLineSchema; }
+  void SetInLineSchema(const wchar_t* schemaText);
+  // Writing: the text repeated once per nesting level; tabs and blanks only, null for none. One tab at first.
+  // Throws CRkInvalidParamException and keeps the old text.
+  std::wstring GetIndentChars() const { return m_indentChars; }
+  void SetIndentChars(const wchar_t* text);
+
+  // Writing: the prefixes declared on the root element. Edit in place.
+  CNamespaceAliasMap& GetNamespaceAliases() noexcept { return m_namespaceAliases; }
+  const CNamespaceAliasMap& GetNamespaceAliases() const noexcept { return m_namespaceAliases; }
+  // Writing: processing instructions, each a whole text such as L"<?go now?>", before the root element. Edit in place.
+  std::list<std::wstring>& GetProcessingInstructions() noexcept { return m_processingInstructions; }
+  const std::list<std::wstring>& GetProcessingInstructions() const noexcept { return m_processingInstructions; }
+  // Writing: extra attributes of the root element, of any namespace. Created on first use; always the same collection.
+  CSmartPtr<CAttributeCol> GetAdditionalRootAttributes() const;
+  // Whether GetAdditionalRootAttributes was called on this context or on the one it was copied from.
+  bool HasAdditionalRootAttributes() const;
+
+  // Settings of JSON and of Fast Infoset. Created on first use; owned by this context and its copies together.
+  CFastInfosetContext* GetFIContext() const;
+  CJsonContext* GetJsonContext() const;
+
+  // Reading: how much a document may ask for. Edit in place.
+  CReadLimits& GetLimits() noexcept { return m_limits; }
+  const CReadLimits& GetLimits() const noexcept { return m_limits; }
+
+ private:
+  mutable std::shared_ptr<CFastInfosetContext> m_fastInfosetContext;
+  mutable std::shared_ptr<CJsonContext> m_jsonContext;
+  std::wstring m_defaultNamespaceUri;
+  bool m_writeTypeAttribute = true;
+  CNamespaceAliasMap m_namespaceAliases;
+  mutable CSmartPtr<CXmlObjectBase> m_additionalRootAttributes;  // a CAttributeCol
+  std::list<std::wstring> m_processingInstructions;
+  std::wstring m_inLineSchema;
+  bool m_ignoreInvalidCollectionCounts = false;
+  bool m_ignoreMissingChoice = false;
+  bool m_ignoreMissingMandatoryElements = false;
+  bool m_ignoreUnknownElements = false;
+  bool m_ignoreUnknownAttributes = false;
+  bool m_ignoreNamespaces = false;
+  SchemaType m_schemaType = SchemaType_Xsd;
+  bool m_noOptionalAttributeDefaultOutput = false;
+  bool m_writeDefaultElementValues = false;
+  bool m_wellFormedOutput = false;
+  bool m_stripCDATA = true;
+  std::wstring m_indentChars = L"\t";
+  CReadLimits m_limits;
+  mutable std::mutex m_lazyLock;  // guards the creation of the three members that const getters create
+};
+
+}  // namespace RkXmlLib16
+
+#endif

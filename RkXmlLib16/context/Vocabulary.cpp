@@ -1,0 +1,230 @@
+#include "RkXmlLib16/context/Vocabulary.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "RkXmlLib16/base/internal/WideText.h"
+
+namespace RkXmlLib16 {
+
+namespace {
+
+constexpr std::size_t kFirstBlockLength = 128;
+constexpr std::size_t kMaxBlockLength = kHugePage / sizeof(wchar_t);
+constexpr std::wstring_view kXmlPrefix = L"xml";
+constexpr std::wstring_view kXmlNamespaceName = L"http://www.w3.org/XML/1998/namespace";
+
+// The indices have at most 21 bits each.
+CFIKey KeyOf(const CQNameParts& name) {
+  return {static_cast<std::uint64_t>(name.m_prefixIndex) << 42 |
+          static_cast<std::uint64_t>(name.m_namespaceNameIndex) << 21 | name.m_localNameIndex};
+}
+
+bool IsAlreadyWhole(unsigned long) { return true; }
+
+}  // namespace
+
+CFIKey CFIIndexHash::KeyOf(std::wstring_view text) const noexcept {
+  CFIKey key;
+  if (WideText::PackEight(text, key.octets)) {
+    key.length = static_cast<std::uint32_t>(text.length());
+    return key;
+  }
+  key.octets = m_seed ^ text.length();
+  for (; text.length() >= 2; text.remove_prefix(2)) {
+    std::uint64_t pair;
+    std::memcpy(&pair, text.data(), sizeof pair);
+    key.octets = Mix(key.octets, pair);
+  }
+  if (!text.empty()) key.octets = Mix(key.octets, static_cast<std::uint32_t>(text.front()));
+  key.length = CFIKey::kHashed;
+  return key;
+}
+
+void CFIIndexHash::Insert(const CFIKey& key, unsigned long index) {
+  if ((m_count + 1) * 2 > m_slots.size()) {
+    decltype(m_slots) old(std::max<std::size_t>(16, m_slots.size() * 2));
+    old.swap(m_slots);
+    for (const Slot& slot : old) {
+      if (slot.index != 0) Place(slot);
+    }
+  }
+  Place({key.octets, key.length, static_cast<std::uint32_t>(index)});
+  ++m_count;
+}
+
+void CFIIndexHash::Place(const Slot& slot) {
+  const std::size_t mask = m_slots.size() - 1;
+  std::size_t at = Mix(m_seed, slot.octets) & mask;
+  while (m_slots[at].index != 0) at = (at + 1) & mask;
+  m_slots[at] = slot;
+}
+
+CFIStringTable::CFIStringTable() : m_nextBlockLength(kFirstBlockLength) {}
+
+CFIStringTable::CFIStringTable(const CFIStringTable& other) : CFIStringTable() {
+  m_entries.reserve(other.m_entries.size());
+  for (const std::wstring_view text : other.m_entries) Append(text);
+}
+
+CFIStringTable& CFIStringTable::operator=(const CFIStringTable& other) {
+  CFIStringTable copy(other);
+  m_entries.swap(copy.m_entries);
+  m_blocks.swap(copy.m_blocks);
+  std::swap(m_free, copy.m_free);
+  std::swap(m_freeLength, copy.m_freeLength);
+  std::swap(m_nextBlockLength, copy.m_nextBlockLength);
+  std::swap(m_hash, copy.m_hash);
+  std::swap(m_hashed, copy.m_hashed);
+  return *this;
+}
+
+CFIStringTable::~CFIStringTable() = default;
+
+CFIKey CFIStringTable::KeyOf(std::wstring_view text) const noexcept { return m_hash.KeyOf(text); }
+
+unsigned long CFIStringTable::Find(std::wstring_view text) const { return Find(text, KeyOf(text)); }
+
+unsigned long CFIStringTable::Find(std::wstring_view text, const CFIKey& key) const {
+  if (m_hashed != size()) HashNewEntries();
+  return m_hash.Find(key, [&](unsigned long index) { return (*this)[index] == text; });
+}
+
+unsigned long CFIStringTable::Add(std::wstring_view text) {
+  const CFIKey key = KeyOf(text);
+  const unsigned long index = Find(text, key);
+  if (index != 0 || size() >= FI_MAX_TABLE_ENTRIES) return index;
+  AddNew(text, key);
+  return size();
+}
+
+void CFIStringTable::AddNew(std::wstring_view text, const CFIKey& key) {
+  if (m_hashed != size()) HashNewEntries();
+  Append(text);
+  m_hash.Insert(key, size());
+  m_hashed = size();
+}
+
+void CFIStringTable::Append(std::wstring_view text) {
+  if (size() >= FI_MAX_TABLE_ENTRIES) return;
+  if (text.length() > m_freeLength) {
+    const std::size_t length = std::max(m_nextBlockLength, text.length());
+    m_blocks.push_back(MakeRoomOfHugePages<wchar_t>(length));
+    m_free = m_blocks.back().get();
+    m_freeLength = length;
+    m_nextBlockLength = std::min(2 * m_nextBlockLength, kMaxBlockLength);
+  }
+  m_entries.emplace_back(m_free, text.length());
+  std::copy(text.begin(), text.end(), m_free);
+  m_free += text.length();
+  m_freeLength -= text.length();
+}
+
+void CFIStringTable::HashNewEntries() const {
+  for (; m_hashed < size(); ++m_hashed) {
+    const std::wstring_view text = (*this)[m_hashed + 1];
+    const CFIKey key = KeyOf(text);
+    if (m_hash.Find(key, [&](unsigned long index) { return (*this)[index] == text; }) == 0) {
+      m_hash.Insert(key, m_hashed + 1);
+    }
+  }
+}
+
+unsigned long CFIQNameTable::Find(const CQNameParts& name) const {
+  for (; m_hashed < size(); ++m_hashed) {
+    const CFIKey key = KeyOf(m_entries[m_hashed]);
+    if (m_hash.Find(key, IsAlreadyWhole) == 0) m_hash.Insert(key, m_hashed + 1);
+  }
+  return m_hash.Find(KeyOf(name), IsAlreadyWhole);
+}
+
+unsigned long CFIQNameTable::Add(const CQNameParts& name) {
+  const unsigned long index = Find(name);
+  if (index != 0 || size() >= FI_MAX_TABLE_ENTRIES) return index;
+  m_entries.push_back(name);
+  m_hash.Insert(KeyOf(name), size());
+  m_hashed = size();
+  return size();
+}
+
+void CFIQNameTable::Append(const CQNameParts& name) {
+  if (size() < FI_MAX_TABLE_ENTRIES) m_entries.push_back(name);
+}
+
+CFIVocabulary::CFIVocabulary() {
+  m_prefixNames.Append(kXmlPrefix);
+  m_namespaceNames.Append(kXmlNamespaceName);
+}
+
+CFIVocabulary::CFIVocabulary(const CFIVocabulary& other) = default;
+
+CFIVocabulary& CFIVocabulary::operator=(const CFIVocabulary& other) = default;
+
+CFIVocabulary::~CFIVocabulary() = default;
+
+bool CFIVocabulary::FindPrefixNameIndex(std::wstring_view name, unsigned long& index) const {
+  return FindIndex(m_prefixNames, name, index);
+}
+
+bool CFIVocabulary::FindNamespaceNameIndex(std::wstring_view name, unsigned long& index) const {
+  return FindIndex(m_namespaceNames, name, index);
+}
+
+bool CFIVocabulary::FindLocalNameIndex(std::wstring_view name, unsigned long& index) const {
+  return FindIndex(m_localNames, name, index);
+}
+
+bool CFIVocabulary::FindIndex(const CFIStringTable& map, std::wstring_view key, unsigned long& index) {
+  const unsigned long found = map.Find(key);
+  if (found == 0) return false;
+  index = found;
+  return true;
+}
+
+void CFIVocabulary::AddPrefixName(std::wstring_view name) { AddValueToMap(name, m_prefixNames); }
+
+void CFIVocabulary::AddNamespaceName(std::wstring_view name) { AddValueToMap(name, m_namespaceNames); }
+
+void CFIVocabulary::AddLocalName(std::wstring_view name) { AddValueToMap(name, m_localNames); }
+
+void CFIVocabulary::AddAttributeValue(std::wstring_view value) { AddValueToMap(value, m_attributeValues); }
+
+void CFIVocabulary::AddElementValue(std::wstring_view value) { AddValueToMap(value, m_characterChunks); }
+
+void CFIVocabulary::AddValueToMap(std::wstring_view text, CFIStringTable& map) { map.Add(text); }
+
+void CFIVocabulary::AddValueToVector(std::wstring_view text, CFIStringTable& vector) { vector.Append(text); }
+
+unsigned long CFIVocabulary::AddQName(std::wstring_view prefix, std::wstring_view namespaceName,
+                                      std::wstring_view localName, CFIQNameTable& table) {
+  CQNameParts parts;
+  if (!prefix.empty()) parts.m_prefixIndex = m_prefixNames.Add(prefix);
+  if (!namespaceName.empty()) parts.m_namespaceNameIndex = m_namespaceNames.Add(namespaceName);
+  if (!localName.empty()) parts.m_localNameIndex = m_localNames.Add(localName);
+  const bool isComplete = (prefix.empty() || parts.m_prefixIndex != 0) &&
+                          (namespaceName.empty() || parts.m_namespaceNameIndex != 0) &&
+                          (localName.empty() || parts.m_localNameIndex != 0);
+  return isComplete ? table.Add(parts) : 0;
+}
+
+unsigned long CFIVocabulary::AddElement(std::wstring_view prefix, std::wstring_view namespaceName,
+                                        std::wstring_view localName) {
+  return AddQName(prefix, namespaceName, localName, m_elementNames);
+}
+
+unsigned long CFIVocabulary::AddAttribute(std::wstring_view prefix, std::wstring_view namespaceName,
+                                          std::wstring_view localName) {
+  return AddQName(prefix, namespaceName, localName, m_attributeNames);
+}
+
+void CFIVocabulary::AddQNameToVector(unsigned long prefixIndex, unsigned long namespaceNameIndex,
+                                     unsigned long localNameIndex, CFIQNameTable& vector) {
+  vector.Append({prefixIndex, namespaceNameIndex, localNameIndex});
+}
+
+const std::vector<std::wstring>& CFIVocabulary::GetRestrictedAlphabets() {
+  static const std::vector<std::wstring> alphabets = {L"0123456789-+.e ", L"0123456789-:TZ "};
+  return alphabets;
+}
+
+}  // namespace RkXmlLib16

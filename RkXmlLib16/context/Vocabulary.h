@@ -1,0 +1,238 @@
+#ifndef RKXMLLIB16_FASTINFOSET_VOCABULARY_H
+#define RKXMLLIB16_FASTINFOSET_VOCABULARY_H
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "RkXmlLib16/base/Export.h"
+#include "RkXmlLib16/base/HugePages.h"
+
+namespace RkXmlLib16 {
+
+// The most entries that a vocabulary table holds (ITU-T X.891 clause 7.13.7); a full table takes no more.
+constexpr unsigned long FI_MAX_TABLE_ENTRIES = 1048576;
+
+// What an entry is found by: all of it where eight octets hold that, else a hash.
+struct CFIKey {
+  static constexpr std::uint32_t kHashed = UINT32_MAX;
+
+  std::uint64_t octets = 0;
+  std::uint32_t length = 0;  // of a text that the octets hold, or kHashed
+};
+
+// Finds the index of an entry by its key; what only a hash stands for stays with its owner. Open addressing.
+class CFIIndexHash {
+ public:
+  // The seed is an address, so that colliding entries cannot be made up beforehand.
+  CFIIndexHash() noexcept : m_seed(reinterpret_cast<std::uintptr_t>(this) * kFactor) {}
+
+  CFIKey KeyOf(std::wstring_view text) const noexcept;
+  // The index inserted with this key, or 0. `matches(index)` tells whether that is the entry, where a hash does not.
+  template <class Matches>
+  unsigned long Find(const CFIKey& key, Matches&& matches) const {
+    if (m_slots.empty()) return 0;
+    const std::size_t mask = m_slots.size() - 1;
+    for (std::size_t at = Mix(m_seed, key.octets) & mask;; at = (at + 1) & mask) {
+      const Slot& slot = m_slots[at];
+      if (slot.index == 0) return 0;
+      if (slot.octets == key.octets && slot.length == key.length &&
+          (key.length != CFIKey::kHashed || matches(slot.index)))
+        return slot.index;
+    }
+  }
+  void Insert(const CFIKey& key, unsigned long index);
+
+ private:
+  struct Slot {
+    std::uint64_t octets = 0;
+    std::uint32_t length = 0;
+    std::uint32_t index = 0;  // 0 marks a free slot
+  };
+  static constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15u;
+  static std::uint64_t Mix(std::uint64_t hash, std::uint64_t next) noexcept {
+    hash = (hash ^ next) * kFactor;
+    return hash ^ hash >> 32;
+  }
+  void Place(const Slot& slot);
+
+  std::vector<Slot, CHugePageAllocator<Slot>> m_slots;  // a power of two, at most half of it in use
+  std::size_t m_count = 0;
+  std::uint64_t m_seed;
+};
+
+// One table of strings: index to text for reading, text to index for writing. Indices count from 1; 0 never names an
+// entry. Texts stay where they are until the table is destroyed. Iteration goes in the order of the indices and gives
+// pairs of text and index:
+//
+//   for (const auto& [text, index] : vocabulary.GetLocalNamesTable()) ...
+class RKXML_EXPORT CFIStringTable {
+ public:
+  using value_type = std::pair<std::wstring_view, unsigned long>;
+
+  class iterator {
+   public:
+    iterator(const CFIStringTable& table, unsigned long index) noexcept : m_table(&table), m_index(index) {}
+    value_type operator*() const noexcept { return {(*m_table)[m_index], m_index}; }
+    iterator& operator++() noexcept {
+      ++m_index;
+      return *this;
+    }
+    bool operator==(const iterator& other) const noexcept { return m_index == other.m_index; }
+    bool operator!=(const iterator& other) const noexcept { return m_index != other.m_index; }
+
+   private:
+    const CFIStringTable* m_table;
+    unsigned long m_index;
+  };
+
+  CFIStringTable();
+  CFIStringTable(const CFIStringTable& other);
+  CFIStringTable& operator=(const CFIStringTable& other);
+  ~CFIStringTable();
+
+  // The first index of the text, or 0.
+  unsigned long Find(std::wstring_view text) const;
+  // Adds the text under the next index unless it is present or the table is full; returns its index, or 0.
+  unsigned long Add(std::wstring_view text);
+  // Adds the text under the next index even when it is present already, unless the table is full.
+  void Append(std::wstring_view text);
+  // Find and Add in steps that make the key of the text once. AddNew is for a text that Find did not find and that the
+  // table has room for.
+  CFIKey KeyOf(std::wstring_view text) const noexcept;
+  unsigned long Find(std::wstring_view text, const CFIKey& key) const;
+  void AddNew(std::wstring_view text, const CFIKey& key);
+
+  // The text of an index from 1 to size().
+  std::wstring_view operator[](unsigned long index) const noexcept { return m_entries[index - 1]; }
+  unsigned long size() const noexcept { return m_entries.size(); }
+  bool empty() const noexcept { return m_entries.empty(); }
+  iterator begin() const noexcept { return {*this, 1}; }
+  iterator end() const noexcept { return {*this, size() + 1}; }
+
+ private:
+  void HashNewEntries() const;
+
+  std::vector<std::wstring_view, CHugePageAllocator<std::wstring_view>> m_entries;  // texts in the blocks
+  std::vector<std::unique_ptr<wchar_t[], CFreeMemory>> m_blocks;
+  wchar_t* m_free = nullptr;  // the rest of the last block
+  std::size_t m_freeLength = 0;
+  std::size_t m_nextBlockLength;
+  mutable CFIIndexHash m_hash;         // reading never asks it, so it is filled by the first lookup
+  mutable unsigned long m_hashed = 0;  // entries that it has seen
+};
+
+// A qualified name as indices into the string tables, 0 where a part is absent.
+struct CQNameParts {
+  unsigned long m_prefixIndex = 0;
+  unsigned long m_namespaceNameIndex = 0;
+  unsigned long m_localNameIndex = 0;
+
+  friend bool operator==(const CQNameParts& a, const CQNameParts& b) noexcept {
+    return a.m_prefixIndex == b.m_prefixIndex && a.m_namespaceNameIndex == b.m_namespaceNameIndex &&
+           a.m_localNameIndex == b.m_localNameIndex;
+  }
+};
+
+// One table of qualified names: index to parts for reading, parts to index for writing. Two names are one entry exactly
+// when prefix, namespace name and local name are equal. Iteration goes in the order of the indices and gives the parts.
+class RKXML_EXPORT CFIQNameTable {
+ public:
+  using iterator = std::vector<CQNameParts>::const_iterator;
+
+  // The first index of the name, or 0.
+  unsigned long Find(const CQNameParts& name) const;
+  // Adds the name under the next index unless it is present or the table is full; returns its index, or 0.
+  unsigned long Add(const CQNameParts& name);
+  // Adds the name under the next index even when it is present already, unless the table is full.
+  void Append(const CQNameParts& name);
+
+  // The parts of an index from 1 to size().
+  const CQNameParts& operator[](unsigned long index) const noexcept { return m_entries[index - 1]; }
+  unsigned long size() const noexcept { return m_entries.size(); }
+  bool empty() const noexcept { return m_entries.empty(); }
+  iterator begin() const noexcept { return m_entries.begin(); }
+  iterator end() const noexcept { return m_entries.end(); }
+
+ private:
+  std::vector<CQNameParts> m_entries;
+  mutable CFIIndexHash m_hash;  // filled by the first lookup
+  mutable unsigned long m_hashed = 0;
+};
+
+// The dynamic vocabulary of one Fast Infoset document (ITU-T X.891 clause 8): the tables that let a writer put a small
+// index in place of a repeated string or name and a reader resolve it. Writer and reader add in the same order, so both
+// number the entries alike. Copying the initial vocabulary costs two short strings.
+//
+//   CFIVocabulary v;
+//   unsigned long index = 0;
+//   v.AddPrefixName(L"p");
+//   v.FindPrefixNameIndex(L"p", index);  // true, 2: index 1 is "xml"
+class RKXML_EXPORT CFIVocabulary {
+ public:
+  // The initial vocabulary: prefix 1 "xml", namespace name 1 the one bound to it.
+  CFIVocabulary();
+  CFIVocabulary(const CFIVocabulary& other);
+  CFIVocabulary& operator=(const CFIVocabulary& other);
+  ~CFIVocabulary();
+
+  // True and the index when the string is present.
+  bool FindPrefixNameIndex(std::wstring_view name, unsigned long& index) const;
+  bool FindNamespaceNameIndex(std::wstring_view name, unsigned long& index) const;
+  bool FindLocalNameIndex(std::wstring_view name, unsigned long& index) const;
+  static bool FindIndex(const CFIStringTable& map, std::wstring_view key, unsigned long& index);
+
+  // Add the string for lookup and for reading; nothing happens when it is present or the table is full.
+  void AddPrefixName(std::wstring_view name);
+  void AddNamespaceName(std::wstring_view name);
+  void AddLocalName(std::wstring_view name);
+  void AddAttributeValue(std::wstring_view value);
+  void AddElementValue(std::wstring_view value);
+  // The shared steps: add a string once, or append it as a reader does, which takes a new index for an equal string.
+  static void AddValueToMap(std::wstring_view text, CFIStringTable& map);
+  static void AddValueToVector(std::wstring_view text, CFIStringTable& vector);
+
+  // Adds the parts that are not empty and not present to their tables, then the name to `table`. A name with a part
+  // that found its table full gets no index. Returns the index of the name, or 0.
+  unsigned long AddQName(std::wstring_view prefix, std::wstring_view namespaceName, std::wstring_view localName,
+                         CFIQNameTable& table);
+  unsigned long AddElement(std::wstring_view prefix, std::wstring_view namespaceName, std::wstring_view localName);
+  unsigned long AddAttribute(std::wstring_view prefix, std::wstring_view namespaceName, std::wstring_view localName);
+  static void AddQNameToVector(unsigned long prefixIndex, unsigned long namespaceNameIndex,
+                               unsigned long localNameIndex, CFIQNameTable& vector);
+
+  CFIStringTable& GetPrefixNamesTable() noexcept { return m_prefixNames; }
+  CFIStringTable& GetNamespaceNamesTable() noexcept { return m_namespaceNames; }
+  CFIStringTable& GetLocalNamesTable() noexcept { return m_localNames; }
+  CFIStringTable& GetAttributeValuesTable() noexcept { return m_attributeValues; }
+  CFIStringTable& GetCharacterChunksTable() noexcept { return m_characterChunks; }
+  CFIQNameTable& GetElementNamesTable() noexcept { return m_elementNames; }
+  CFIQNameTable& GetAttributeNamesTable() noexcept { return m_attributeNames; }
+  const CFIStringTable& GetPrefixNamesTable() const noexcept { return m_prefixNames; }
+  const CFIStringTable& GetNamespaceNamesTable() const noexcept { return m_namespaceNames; }
+  const CFIStringTable& GetLocalNamesTable() const noexcept { return m_localNames; }
+  const CFIStringTable& GetAttributeValuesTable() const noexcept { return m_attributeValues; }
+  const CFIStringTable& GetCharacterChunksTable() const noexcept { return m_characterChunks; }
+  const CFIQNameTable& GetElementNamesTable() const noexcept { return m_elementNames; }
+  const CFIQNameTable& GetAttributeNamesTable() const noexcept { return m_attributeNames; }
+
+  // The restricted alphabets, index 1 first: numeric, date and time. No document adds one.
+  static const std::vector<std::wstring>& GetRestrictedAlphabets();
+
+ private:
+  CFIStringTable m_prefixNames;
+  CFIStringTable m_namespaceNames;
+  CFIStringTable m_localNames;
+  CFIStringTable m_attributeValues;
+  CFIStringTable m_characterChunks;
+  CFIQNameTable m_elementNames;
+  CFIQNameTable m_attributeNames;
+};
+
+}  // namespace RkXmlLib16
+
+#endif

@@ -1,0 +1,607 @@
+#include "RkXmlLib16/document/ElementTree.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <cwchar>
+#include <map>
+#include <new>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+#include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/internal/WideText.h"
+#include "RkXmlLib16/context/SerializationContext.h"
+#include "RkXmlLib16/document/internal/Arena.h"
+#include "RkXmlLib16/document/internal/Source.h"
+
+namespace RkXmlLib16 {
+
+namespace {
+
+constexpr std::wstring_view kXsiNamespace = L"http://www.w3.org/2001/XMLSchema-instance";
+constexpr std::wstring_view kXmlnsNamespace = L"http://www.w3.org/2000/xmlns/";
+
+std::wstring_view ViewOf(const wchar_t* text) {
+  return text != nullptr ? std::wstring_view(text) : std::wstring_view();
+}
+
+// Characters of one shared text of white space, and of all of them together.
+constexpr std::size_t kLongestSharedBlanks = 128;
+constexpr std::size_t kMostSharedBlanks = std::size_t{1} << 16;
+
+constexpr std::size_t BytesOfText(std::size_t capacity) {
+  return sizeof(CXmlTextBlock) + (capacity + 1) * sizeof(wchar_t);
+}
+
+constexpr std::size_t BytesOfAttributes(std::size_t capacity) {
+  return sizeof(CXmlAttributeBlock) + capacity * sizeof(CXmlAttribute);
+}
+
+}  // namespace
+
+// All nodes, texts and names of one document.
+struct RKXML_HIDDEN CXmlDocument::Storage {
+  // An element that is being built under a filter: what to go back to when the filter drops it.
+  struct OpenElement {
+    CXmlElement* previousSibling;
+    CArena::Mark nodes;
+    CArena::Mark texts;
+    std::size_t nodeCount;
+    std::size_t charCount;
+  };
+
+  explicit Storage(CXmlDocument& owner)
+      : document(owner),
+        emptyName(&owner, L"", 0, 0, 0),
+        hashSeed(reinterpret_cast<std::uintptr_t>(this) * 0x9E3779B97F4A7C15u) {}
+
+  std::uint32_t Hash(std::wstring_view text) const noexcept;
+  void GrowNameTable();
+  void CountNode();
+  void CountCharacters(std::size_t charCount);
+  [[noreturn]] void ThrowExceeded(const wchar_t* name, unsigned long value) const;
+  // The block with room for `more` characters behind its text, moved if need be.
+  CXmlTextBlock* Reserve(CXmlTextBlock* block, std::size_t more);
+  // The shared block of the text of `block` (shared, or null) and the blanks; null when there can be none.
+  CXmlTextBlock* ShareBlanks(const CXmlTextBlock* block, std::wstring_view blanks);
+
+  const CXmlDocument& document;
+  CArena nodes;
+  CArena texts;
+  CArena names;
+  CXmlName emptyName;
+  const std::uint64_t hashSeed;            // so that colliding names cannot be made up beforehand
+  std::vector<const CXmlName*> nameTable;  // open addressing, a power of two
+  std::size_t nameCount = 0;
+  std::map<std::wstring_view, const CXmlName*> aliases;  // prefix to namespace
+  std::unordered_map<const CXmlName*, std::shared_ptr<const std::wstring>> sharedNames;
+  struct BlanksStep {
+    const CXmlTextBlock* before;
+    CXmlTextBlock* after;
+  };
+  std::array<BlanksStep, 64> blanksSteps{};  // what was made of which block last, by both
+  std::size_t sharedBlankCount = 0;          // characters
+  std::size_t depth = 0;                     // of the current element
+  std::size_t nodeCount = 0;
+  std::size_t charCount = 0;
+  std::vector<OpenElement> open;  // only with a filter
+  // The first so many open elements have something outside them allocated after their start, so that dropping them
+  // cannot free it.
+  std::size_t pinned = 0;
+};
+
+std::uint32_t CXmlDocument::Storage::Hash(std::wstring_view text) const noexcept {
+  std::uint64_t hash = hashSeed ^ text.size();
+  for (const wchar_t c : text) {
+    hash = (hash ^ static_cast<std::uint32_t>(c)) * 0xD6E8FEB86659FD93u;
+    hash ^= hash >> 32;
+  }
+  return static_cast<std::uint32_t>(hash);
+}
+
+void CXmlDocument::Storage::GrowNameTable() {
+  std::vector<const CXmlName*> grown(std::max<std::size_t>(64, nameTable.size() * 2));
+  for (const CXmlName* name : nameTable) {
+    if (name == nullptr) continue;
+    std::size_t slot = name->m_hash & (grown.size() - 1);
+    while (grown[slot] != nullptr) slot = (slot + 1) & (grown.size() - 1);
+    grown[slot] = name;
+  }
+  nameTable.swap(grown);
+}
+
+void CXmlDocument::Storage::ThrowExceeded(const wchar_t* name, unsigned long value) const {
+  const CXmlElement* const current = document.m_currentElement;
+  CReadLimits::ThrowExceeded(name, value, current != nullptr ? current->GetXPath() : std::wstring());
+}
+
+void CXmlDocument::Storage::CountNode() {
+  const unsigned long limit = document.m_context->GetLimits().GetMaxNodes();
+  if (++nodeCount > limit && limit != 0) ThrowExceeded(L"elements and attributes", limit);
+}
+
+void CXmlDocument::Storage::CountCharacters(std::size_t more) {
+  const unsigned long limit = document.m_context->GetLimits().GetMaxCharacters();
+  charCount += more;
+  if (charCount > limit && limit != 0) ThrowExceeded(L"characters", limit);
+}
+
+CXmlTextBlock* CXmlDocument::Storage::Reserve(CXmlTextBlock* block, std::size_t more) {
+  if (block != nullptr && block->m_length + more <= block->m_capacity) return block;
+  const std::size_t length = block != nullptr ? block->m_length : 0;
+  if (more > UINT32_MAX / 2 - length) throw CRkException(L"The text of an element is too long.");
+  const std::size_t needed = length + more;
+  if (block != nullptr && block->m_capacity != 0) {
+    if (texts.Extend(block, BytesOfText(block->m_capacity), BytesOfText(needed))) {
+      block->m_capacity = static_cast<std::uint32_t>(needed);
+      return block;
+    }
+  }
+  const std::size_t capacity = block != nullptr ? std::max(needed, 2 * std::size_t{block->m_capacity}) : needed;
+  auto* const moved = new (texts.Allocate(BytesOfText(capacity)))
+      CXmlTextBlock{static_cast<std::uint32_t>(length), static_cast<std::uint32_t>(capacity)};
+  if (block != nullptr) std::wmemcpy(moved->Chars(), block->Chars(), length);
+  moved->Chars()[length] = L'\0';
+  return moved;
+}
+
+CXmlTextBlock* CXmlDocument::Storage::ShareBlanks(const CXmlTextBlock* block, std::wstring_view blanks) {
+  const std::size_t length = block != nullptr ? block->m_length : 0;
+  if (length + blanks.size() > kLongestSharedBlanks) return nullptr;
+  const std::size_t place =
+      reinterpret_cast<std::uintptr_t>(block) / 8 + blanks.size() * 5 + static_cast<std::size_t>(blanks.back());
+  BlanksStep& step = blanksSteps[place % blanksSteps.size()];
+  if (step.after != nullptr && step.before == block && step.after->m_length == length + blanks.size() &&
+      WideText::IsEqual({step.after->Chars() + length, blanks.size()}, blanks))
+    return step.after;
+  if (sharedBlankCount > kMostSharedBlanks) return nullptr;
+  sharedBlankCount += length + blanks.size();
+  auto* const joined = new (names.Allocate(BytesOfText(length + blanks.size())))
+      CXmlTextBlock{static_cast<std::uint32_t>(length + blanks.size()), 0};
+  if (block != nullptr) std::wmemcpy(joined->Chars(), block->Chars(), length);
+  std::wmemcpy(joined->Chars() + length, blanks.data(), blanks.size());
+  joined->Chars()[joined->m_length] = L'\0';
+  step = {block, joined};
+  return joined;
+}
+
+// ---- document ----
+
+CXmlDocument::CXmlDocument() : CXmlDocument(nullptr, CSerializationContext::m_defaultContext) {}
+
+CXmlDocument::CXmlDocument(const CSerializationContext& context) : CXmlDocument(nullptr, context) {}
+
+CXmlDocument::CXmlDocument(ElementFilter filter) : CXmlDocument(filter, CSerializationContext::m_defaultContext) {}
+
+CXmlDocument::CXmlDocument(ElementFilter filter, const CSerializationContext& context)
+    : m_context(&context), m_filter(filter), m_schemaType(context.GetSchemaType()) {
+  Init();
+}
+
+CXmlDocument::~CXmlDocument() = default;
+
+void CXmlDocument::Init() {
+  auto fresh = std::make_unique<Storage>(*this);
+  m_documentElement = nullptr;
+  m_currentElement = nullptr;
+  m_input = nullptr;
+  m_inputLength = 0;
+  m_source = nullptr;
+  m_schemaType = m_context->GetSchemaType();
+  m_storage = std::move(fresh);
+}
+
+void CXmlDocument::Cleanup() { Init(); }
+
+CRkLocation CXmlDocument::Locate(std::uint64_t offset) const {
+  std::wstring path = m_currentElement != nullptr ? m_currentElement->GetXPath() : std::wstring();
+  return m_source != nullptr ? m_source->Locate(offset, std::move(path)) : CRkLocation(std::move(path));
+}
+
+const CXmlName* CXmlDocument::GetEmptyName() const noexcept { return &m_storage->emptyName; }
+
+const CXmlName* CXmlDocument::InternName(std::wstring_view text) {
+  if (text.empty()) return GetEmptyName();
+  if (text.size() > UINT32_MAX / 2) throw CRkException(L"A name is too long.");
+  Storage& storage = *m_storage;
+  if (storage.nameCount * 2 >= storage.nameTable.size()) storage.GrowNameTable();
+  const std::uint32_t hash = storage.Hash(text);
+  std::size_t slot = hash & (storage.nameTable.size() - 1);
+  for (; storage.nameTable[slot] != nullptr; slot = (slot + 1) & (storage.nameTable.size() - 1)) {
+    const CXmlName* const name = storage.nameTable[slot];
+    if (name->m_hash == hash && name->View() == text) return name;
+  }
+  if (storage.nameCount >= UINT32_MAX - 1) throw CRkException(L"The document has too many names.");
+  storage.CountCharacters(text.size());
+  auto* const memory =
+      static_cast<unsigned char*>(storage.names.Allocate(sizeof(CXmlName) + (text.size() + 1) * sizeof(wchar_t)));
+  auto* const chars = reinterpret_cast<wchar_t*>(memory + sizeof(CXmlName));
+  std::wmemcpy(chars, text.data(), text.size());
+  chars[text.size()] = L'\0';
+  ++storage.nameCount;
+  const auto* const name = new (memory) CXmlName(this, chars, static_cast<std::uint32_t>(text.size()), hash,
+                                                 static_cast<std::uint32_t>(storage.nameCount));
+  storage.nameTable[slot] = name;
+  return name;
+}
+
+std::shared_ptr<const std::wstring> CXmlDocument::ShareName(const CXmlName* name) const {
+  if (name->empty()) return nullptr;
+  std::shared_ptr<const std::wstring>& shared = m_storage->sharedNames[name];
+  if (shared == nullptr) shared = std::make_shared<const std::wstring>(name->View());
+  return shared;
+}
+
+CXmlElement* CXmlDocument::AddElement(const CXmlName* namespaceUri, const CXmlName* localName) {
+  Storage& storage = *m_storage;
+  CXmlElement* const parent = m_currentElement;
+  if (parent == nullptr && m_documentElement != nullptr)
+    throw CRkException(L"A document has one document element only.");
+  const unsigned long deepest = m_context->GetLimits().GetMaxElementDepth();
+  if (storage.depth >= deepest && deepest != 0) storage.ThrowExceeded(L"element depth", deepest);
+  storage.CountNode();
+  if (m_filter != nullptr)
+    storage.open.push_back({parent != nullptr ? parent->m_lastChild : nullptr, storage.nodes.GetMark(),
+                            storage.texts.GetMark(), storage.nodeCount - 1, storage.charCount});
+  auto* const element = new (storage.nodes.Allocate(sizeof(CXmlElement))) CXmlElement(parent, localName, namespaceUri);
+  if (parent == nullptr)
+    m_documentElement = element;
+  else
+    (parent->m_lastChild != nullptr ? parent->m_lastChild->m_nextSibling : parent->m_firstChild) = element;
+  if (parent != nullptr) parent->m_lastChild = element;
+  m_currentElement = element;
+  ++storage.depth;
+  return element;
+}
+
+CXmlElement* CXmlDocument::AddDocElement(const wchar_t* namespaceUri, const wchar_t* localName) {
+  if (m_documentElement != nullptr) throw CRkException(L"A document has one document element only.");
+  return AddElement(InternName(ViewOf(namespaceUri)), InternName(ViewOf(localName)));
+}
+
+CXmlElement* CXmlDocument::AddChildElement(const wchar_t* namespaceUri, const wchar_t* localName) {
+  if (m_currentElement == nullptr) throw CRkException(L"A child element needs an open element.");
+  return AddElement(InternName(ViewOf(namespaceUri)), InternName(ViewOf(localName)));
+}
+
+void CXmlDocument::EndElement() {
+  if (m_currentElement == nullptr) throw CRkException(L"There is no open element to end.");
+  CXmlElement* const element = m_currentElement;
+  CXmlElement* const parent = element->m_parent;
+  Storage& storage = *m_storage;
+  m_currentElement = parent;
+  --storage.depth;
+  if (m_filter == nullptr) return;
+
+  const Storage::OpenElement start = storage.open.back();
+  storage.open.pop_back();
+  const bool reclaimable = storage.pinned <= storage.open.size();
+  storage.pinned = std::min(storage.pinned, storage.open.size());
+  if (parent == nullptr) {
+    m_filter(element);  // the document element stays, whatever the answer
+    return;
+  }
+  const CArena::Mark nodes = storage.nodes.GetMark();
+  const CArena::Mark texts = storage.texts.GetMark();
+  if (!m_filter(element)) return;
+  if (parent->m_lastChild == element) {
+    parent->m_lastChild = start.previousSibling;
+    (start.previousSibling != nullptr ? start.previousSibling->m_nextSibling : parent->m_firstChild) = nullptr;
+  }
+  // What the filter itself added to the tree has to stay.
+  if (reclaimable && nodes == storage.nodes.GetMark() && texts == storage.texts.GetMark()) {
+    storage.nodes.RewindTo(start.nodes);
+    storage.texts.RewindTo(start.texts);
+    storage.nodeCount = start.nodeCount;
+    storage.charCount = start.charCount;
+  } else {
+    storage.pinned = storage.open.size();
+  }
+}
+
+CXmlAttribute* CXmlDocument::AddAttribute(CXmlElement* element, const CXmlName* localName, const CXmlName* namespaceUri,
+                                          CXmlTextBlock* storedValue) {
+  Storage& storage = *m_storage;
+  if (element != m_currentElement) storage.pinned = storage.open.size();
+  storage.CountNode();
+  CXmlAttributeBlock* block = element->m_attributes;
+  if (block == nullptr) {
+    block = new (storage.nodes.Allocate(BytesOfAttributes(1))) CXmlAttributeBlock{0, 1};
+    element->m_attributes = block;
+  } else if (block->m_count == block->m_capacity) {
+    if (storage.nodes.Extend(block, BytesOfAttributes(block->m_capacity),
+                             BytesOfAttributes(block->m_capacity + std::size_t{1}))) {
+      ++block->m_capacity;
+    } else {
+      const std::uint32_t capacity = std::max(4u, 2 * block->m_capacity);
+      auto* const moved =
+          new (storage.nodes.Allocate(BytesOfAttributes(capacity))) CXmlAttributeBlock{block->m_count, capacity};
+      std::memcpy(static_cast<void*>(moved->Attributes()), block->Attributes(), block->m_count * sizeof(CXmlAttribute));
+      element->m_attributes = block = moved;
+    }
+  }
+  auto* const attribute = new (block->Attributes() + block->m_count) CXmlAttribute(element, localName, namespaceUri);
+  attribute->m_value = storedValue;
+  ++block->m_count;
+  return attribute;
+}
+
+CXmlAttribute* CXmlDocument::AddAttribute(CXmlElement* element, const CXmlName* localName, const CXmlName* namespaceUri,
+                                          std::wstring_view value) {
+  CXmlAttribute* const attribute = AddAttribute(element, localName, namespaceUri, static_cast<CXmlTextBlock*>(nullptr));
+  if (!value.empty()) {
+    std::wmemcpy(ReserveValue(attribute, value.size()), value.data(), value.size());
+    CommitValue(attribute, value.size());
+  }
+  return attribute;
+}
+
+CXmlTextBlock* CXmlDocument::StoreValue(std::wstring_view value) {
+  if (value.empty()) return nullptr;
+  if (value.size() > UINT32_MAX / 2) throw CRkException(L"A value is too long.");
+  m_storage->CountCharacters(value.size());
+  const auto length = static_cast<std::uint32_t>(value.size());
+  auto* const block = new (m_storage->names.Allocate(BytesOfText(length))) CXmlTextBlock{length, length};
+  std::wmemcpy(block->Chars(), value.data(), length);
+  block->Chars()[length] = L'\0';
+  return block;
+}
+
+void CXmlDocument::AddElementAttribute(CXmlElement* element, const std::wstring& localName, const std::wstring& value,
+                                       const std::wstring& namespaceUri) {
+  AddAttribute(element, InternName(localName), InternName(namespaceUri), value);
+}
+
+wchar_t* CXmlDocument::ReserveValue(CXmlAttribute* attribute, std::size_t charCount) {
+  attribute->m_value = m_storage->Reserve(attribute->m_value, charCount);
+  return attribute->m_value->Chars() + attribute->m_value->m_length;
+}
+
+void CXmlDocument::CommitValue(CXmlAttribute* attribute, std::size_t charCount) {
+  CXmlTextBlock& block = *attribute->m_value;
+  block.m_length += static_cast<std::uint32_t>(charCount);
+  block.Chars()[block.m_length] = L'\0';
+  m_storage->CountCharacters(charCount);
+}
+
+wchar_t* CXmlDocument::ReserveText(CXmlElement* element, std::size_t charCount) {
+  if (element != m_currentElement) m_storage->pinned = m_storage->open.size();
+  element->m_text = m_storage->Reserve(element->m_text, charCount);
+  return element->m_text->Chars() + element->m_text->m_length;
+}
+
+void CXmlDocument::CommitText(CXmlElement* element, std::size_t charCount) {
+  CXmlTextBlock& block = *element->m_text;
+  block.m_length += static_cast<std::uint32_t>(charCount);
+  block.Chars()[block.m_length] = L'\0';
+  m_storage->CountCharacters(charCount);
+}
+
+void CXmlDocument::AppendBlanks(std::wstring_view blanks) {
+  CXmlElement* const element = m_currentElement;
+  if (element == nullptr || blanks.empty()) return;
+  CXmlTextBlock* const text = element->m_text;
+  CXmlTextBlock* const shared =
+      text == nullptr || text->m_capacity == 0 ? m_storage->ShareBlanks(text, blanks) : nullptr;
+  if (shared == nullptr) return AppendText(element, blanks);
+  m_storage->CountCharacters(blanks.size());
+  element->m_text = shared;
+}
+
+void CXmlDocument::AppendText(CXmlElement* element, std::wstring_view text) {
+  if (text.empty()) return;
+  wchar_t* const out = ReserveText(element, text.size());
+  wchar_t* end = out;
+  while (!text.empty()) {
+    const std::size_t run = std::min(text.find(L'\r'), text.size());
+    std::wmemcpy(end, text.data(), run);
+    end += run;
+    text.remove_prefix(std::min(run + 1, text.size()));
+  }
+  CommitText(element, static_cast<std::size_t>(end - out));
+}
+
+void CXmlDocument::AppendTextExcludingCR(CXmlElement* element, const wchar_t* text, unsigned long length) {
+  if (text != nullptr) AppendText(element, {text, ::wcsnlen(text, length)});
+}
+
+void CXmlDocument::AppendTextExcludingCR(CXmlElement* element, const wchar_t* text) {
+  AppendText(element, ViewOf(text));
+}
+
+void CXmlDocument::AddNamespaceAlias(const wchar_t* prefix, const wchar_t* namespaceUri) {
+  AddNamespaceAlias(InternName(ViewOf(prefix)), InternName(ViewOf(namespaceUri)));
+}
+
+void CXmlDocument::AddNamespaceAlias(const CXmlName* prefix, const CXmlName* namespaceUri) {
+  m_storage->aliases[prefix->View()] = namespaceUri;
+}
+
+CXmlText CXmlDocument::LookupAliasFromNamespace(const wchar_t* namespaceUri) const {
+  const std::wstring_view wanted = ViewOf(namespaceUri);
+  for (const auto& [prefix, uri] : m_storage->aliases)
+    if (uri->View() == wanted) return {prefix.data(), prefix.size()};
+  return {};
+}
+
+CXmlText CXmlDocument::LookupNamespaceFromAlias(const wchar_t* prefix) const {
+  const CXmlName* const found = LookupNamespaceRef(ViewOf(prefix));
+  return found != nullptr ? found->GetText() : CXmlText();
+}
+
+const CXmlName* CXmlDocument::LookupNamespaceRef(std::wstring_view prefix) const noexcept {
+  const auto found = m_storage->aliases.find(prefix);
+  return found != m_storage->aliases.end() ? found->second : nullptr;
+}
+
+std::vector<std::pair<CXmlText, CXmlText>> CXmlDocument::GetNamespaceAliases() const {
+  std::vector<std::pair<CXmlText, CXmlText>> aliases;
+  aliases.reserve(m_storage->aliases.size());
+  for (const auto& [prefix, uri] : m_storage->aliases) {
+    aliases.emplace_back(CXmlText(prefix.data(), prefix.size()), uri->GetText());
+  }
+  return aliases;
+}
+
+// ---- element ----
+
+namespace {
+
+// The local name with the prefix that the document has for the namespace.
+std::wstring WithAlias(const CXmlDocument* document, const CXmlName* namespaceUri, const CXmlText& localName) {
+  std::wstring name;
+  if (!namespaceUri->empty()) name = document->LookupAliasFromNamespace(namespaceUri->GetText().c_str()).View();
+  if (!name.empty()) name += L':';
+  return name += localName.View();
+}
+
+}  // namespace
+
+CXmlElement::CXmlElement(const CXmlDocument* document, const CXmlElement* parent)
+    : m_localName(document != nullptr ? document->GetEmptyName()
+                                      : throw CRkInvalidParamException(L"An element needs a document.")),
+      m_namespaceUri(m_localName),
+      m_parent(const_cast<CXmlElement*>(parent)) {}
+
+CXmlDocument& CXmlElement::Owner() const { return *m_localName->m_document; }
+
+CXmlText CXmlElement::GetAttribute(const wchar_t* localName, const wchar_t* namespaceUri) const noexcept {
+  const std::wstring_view name = ViewOf(localName);
+  const std::wstring_view uri = ViewOf(namespaceUri);
+  for (const CXmlAttribute* attribute : GetAttributes())
+    if (attribute->GetLocalName() == name && attribute->GetNamespaceURI() == uri) return attribute->GetValue();
+  return {};
+}
+
+std::wstring CXmlElement::GetQName() const { return WithAlias(GetDocument(), m_namespaceUri, GetLocalName()); }
+
+std::wstring CXmlElement::GetNameWithPredicate() const {
+  std::wstring name = GetQName();
+  if (m_parent == nullptr) return name;
+  // Elements of one local name have the same qualified name when they share the namespace, or when both namespaces go
+  // without a prefix. The latter is asked of each namespace once in a row of siblings.
+  const bool unprefixed = name.size() == m_localName->m_length;
+  const std::map<std::wstring_view, const CXmlName*>& aliases = Owner().m_storage->aliases;
+  std::unordered_set<const CXmlName*> prefixed;
+  bool collected = false;
+  const auto isPrefixed = [&](const CXmlName* uri) {
+    if (!collected) {
+      for (const auto& [prefix, aliased] : aliases) prefixed.insert(aliased);
+      const auto unnamed = aliases.find(std::wstring_view());
+      if (unnamed != aliases.end()) prefixed.erase(unnamed->second);
+      collected = true;
+    }
+    return !uri->empty() && prefixed.count(uri) != 0;
+  };
+
+  std::size_t position = 0;
+  std::size_t count = 0;
+  for (const CXmlElement* sibling = m_parent->m_firstChild; sibling != nullptr; sibling = sibling->m_nextSibling) {
+    if (sibling->m_localName != m_localName) continue;
+    if (sibling->m_namespaceUri != m_namespaceUri && !(unprefixed && !isPrefixed(sibling->m_namespaceUri))) continue;
+    ++count;
+    if (sibling == this) position = count;
+  }
+  if (count > 1) name += L'[' + std::to_wstring(position) + L']';
+  return name;
+}
+
+std::wstring CXmlElement::GetXPath() const {
+  std::vector<std::wstring> names;
+  for (const CXmlElement* element = this; element != nullptr; element = element->m_parent)
+    names.push_back(element->GetNameWithPredicate());
+  std::wstring path;
+  for (auto name = names.rbegin(); name != names.rend(); ++name) (path += L'/') += *name;
+  return path;
+}
+
+CRkLocation CXmlElement::GetLocation() const {
+  CSource* const source = GetDocument()->m_source.get();
+  return source != nullptr ? source->Locate(m_offset, GetXPath()) : CRkLocation(GetXPath());
+}
+
+CXmlElement* CXmlElement::CreateNewChildElement() {
+  CXmlDocument& document = Owner();
+  document.m_storage->pinned = document.m_storage->open.size();
+  auto* const child = new (document.m_storage->nodes.Allocate(sizeof(CXmlElement))) CXmlElement(&document, this);
+  (m_lastChild != nullptr ? m_lastChild->m_nextSibling : m_firstChild) = child;
+  m_lastChild = child;
+  return child;
+}
+
+void CXmlElement::SetElementName(const wchar_t* localName) { m_localName = Owner().InternName(ViewOf(localName)); }
+
+void CXmlElement::SetNamespace(const wchar_t* namespaceUri) {
+  m_namespaceUri = Owner().InternName(ViewOf(namespaceUri));
+}
+
+void CXmlElement::AppendText(const wchar_t* text, int length) {
+  if (text == nullptr || length <= 0) return;
+  const std::size_t charCount = ::wcsnlen(text, static_cast<std::size_t>(length));
+  if (charCount == 0) return;
+  std::wmemcpy(Owner().ReserveText(this, charCount), text, charCount);
+  Owner().CommitText(this, charCount);
+}
+
+void CXmlElement::AppendText(const wchar_t* text) {
+  const std::size_t charCount = ViewOf(text).size();
+  if (charCount == 0) return;
+  std::wmemcpy(Owner().ReserveText(this, charCount), text, charCount);
+  Owner().CommitText(this, charCount);
+}
+
+void CXmlElement::AddAttribute(const wchar_t* localName, const wchar_t* value, const wchar_t* namespaceUri) {
+  CXmlDocument& document = Owner();
+  document.AddAttribute(this, document.InternName(ViewOf(localName)), document.InternName(ViewOf(namespaceUri)),
+                        ViewOf(value));
+}
+
+CXmlElement* CXmlElement::RemoveLastChildElement() {
+  CXmlElement* const last = m_lastChild;
+  if (last == nullptr) return nullptr;
+  CXmlElement* previous = nullptr;
+  for (CXmlElement* child = m_firstChild; child != last; child = child->m_nextSibling) previous = child;
+  (previous != nullptr ? previous->m_nextSibling : m_firstChild) = nullptr;
+  m_lastChild = previous;
+  return last;
+}
+
+// ---- attribute ----
+
+std::wstring CXmlAttribute::GetXPath() const {
+  return m_element->GetXPath() + L"/@" + WithAlias(m_element->GetDocument(), m_namespaceUri, GetLocalName());
+}
+
+CRkLocation CXmlAttribute::GetLocation() const {
+  const CXmlDocument& document = *m_element->GetDocument();
+  CSource* const source = document.m_source.get();
+  if (source == nullptr) return CRkLocation(GetXPath());
+  std::uint64_t offset = m_offset;
+  if (offset == CRkLocation::kNoOffset) {
+    std::size_t before = 0;
+    for (const CXmlAttribute* other : m_element->GetAttributes()) {
+      if (other == this) break;
+      before += other->m_localName == m_localName;
+    }
+    offset = source->FindAttribute(m_element->m_offset, m_localName->View(), before,
+                                   document.GetSchemaType() != SchemaType_NoNamespaces);
+  }
+  return source->Locate(offset, GetXPath());
+}
+
+bool CXmlAttribute::IsNamespaceAttribute() const noexcept {
+  const CXmlText uri = GetNamespaceURI();
+  if (uri != kXsiNamespace && uri != kXmlnsNamespace) return false;
+  const CXmlText name = GetLocalName();
+  return name == L"xmlns" || name == L"type" || name == L"schemaLocation" || name == L"noNamespaceSchemaLocation";
+}
+
+bool CXmlAttribute::IsNilAttribute() const noexcept {
+  const CXmlText uri = GetNamespaceURI();
+  return (uri == kXsiNamespace || uri == kXmlnsNamespace) && GetLocalName() == L"nil";
+}
+
+}  // namespace RkXmlLib16

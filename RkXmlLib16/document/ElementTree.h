@@ -1,0 +1,361 @@
+#ifndef RKXMLLIB16_XML_ELEMENTTREE_H
+#define RKXMLLIB16_XML_ELEMENTTREE_H
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "RkXmlLib16/base/Enumerations.h"
+#include "RkXmlLib16/base/Export.h"
+#include "RkXmlLib16/base/Location.h"
+#include "RkXmlLib16/document/Text.h"
+#include "RkXmlLib16/types/BinaryData.h"
+
+namespace RkXmlLib16 {
+
+class CRkException;
+class CSerializationContext;
+class CSource;
+class CXmlDocument;
+class CXmlElement;
+
+// A local name or namespace URI of a document, held once however often it occurs: within one document, two names are
+// equal when their addresses are.
+class CXmlName {
+ public:
+  constexpr CXmlText GetText() const noexcept { return {m_text, m_length}; }
+  constexpr std::wstring_view View() const noexcept { return {m_text, m_length}; }
+  constexpr bool empty() const noexcept { return m_length == 0; }
+  // The place of the name among those of the document, from 0 for the empty name.
+  constexpr std::uint32_t GetOrdinal() const noexcept { return m_ordinal; }
+
+  // A note for whoever compares this name with others again and again; `kNoMatch` at first. Threads that read the
+  // document at the same time share it.
+  static constexpr std::uint64_t kNoMatch = UINT64_MAX;
+  std::uint64_t GetMatch() const noexcept { return m_match.load(std::memory_order_relaxed); }
+  void SetMatch(std::uint64_t match) const noexcept { m_match.store(match, std::memory_order_relaxed); }
+
+ private:
+  friend class CXmlDocument;
+  friend class CXmlElement;
+  constexpr CXmlName(CXmlDocument* document, const wchar_t* text, std::uint32_t length, std::uint32_t hash,
+                     std::uint32_t ordinal) noexcept
+      : m_document(document), m_text(text), m_length(length), m_hash(hash), m_ordinal(ordinal) {}
+
+  CXmlDocument* m_document;
+  const wchar_t* m_text;
+  std::uint32_t m_length;
+  std::uint32_t m_hash;
+  std::uint32_t m_ordinal;
+  mutable std::atomic<std::uint64_t> m_match{kNoMatch};
+};
+
+// The head of a text in the storage of a document; the characters and their NUL follow it.
+struct CXmlTextBlock {
+  std::uint32_t m_length;
+  std::uint32_t m_capacity;  // without the NUL; 0 for a block that several elements share
+
+  wchar_t* Chars() noexcept { return reinterpret_cast<wchar_t*>(this + 1); }
+  const wchar_t* Chars() const noexcept { return reinterpret_cast<const wchar_t*>(this + 1); }
+};
+
+// One attribute of a loaded element. Namespace declarations are not attributes; xsi:type and xsi:nil are.
+class RKXML_EXPORT CXmlAttribute {
+ public:
+  CXmlText GetLocalName() const noexcept { return m_localName->GetText(); }
+  CXmlText GetValue() const noexcept {
+    return m_value != nullptr ? CXmlText(m_value->Chars(), m_value->m_length) : CXmlText();
+  }
+  CXmlText GetNamespaceURI() const noexcept { return m_namespaceUri->GetText(); }
+  // The owning element's path, "/@" and the name with the prefix of its namespace, if it has one.
+  std::wstring GetXPath() const;
+  // Namespace machinery: xsi:type, xsi:schemaLocation, xsi:noNamespaceSchemaLocation, xmlns.
+  bool IsNamespaceAttribute() const noexcept;
+  // xsi:nil.
+  bool IsNilAttribute() const noexcept;
+  // Where the attribute stands; that of the element when a DTD or an entity supplied it. See CXmlElement::GetLocation.
+  CRkLocation GetLocation() const;
+  const CXmlElement* GetElement() const noexcept { return m_element; }
+  // The names as the document holds them, for comparison by address.
+  const CXmlName* GetLocalNameRef() const noexcept { return m_localName; }
+  const CXmlName* GetNamespaceRef() const noexcept { return m_namespaceUri; }
+
+ private:
+  friend class CXmlDocument;
+  CXmlAttribute(const CXmlElement* element, const CXmlName* localName, const CXmlName* namespaceUri) noexcept
+      : m_element(element), m_localName(localName), m_namespaceUri(namespaceUri) {}
+
+  const CXmlElement* m_element;
+  const CXmlName* m_localName;
+  const CXmlName* m_namespaceUri;
+  CXmlTextBlock* m_value = nullptr;  // null while empty
+  std::uint64_t m_offset = CRkLocation::kNoOffset;
+};
+
+// The head of an element's attributes, which follow it.
+struct CXmlAttributeBlock {
+  std::uint32_t m_count;
+  std::uint32_t m_capacity;
+
+  CXmlAttribute* Attributes() noexcept { return reinterpret_cast<CXmlAttribute*>(this + 1); }
+};
+
+// The attributes of an element in document order; `for (CXmlAttribute* a : element->GetAttributes())`.
+class CXmlAttributes {
+ public:
+  class iterator {
+   public:
+    using iterator_category = std::input_iterator_tag;
+    using value_type = CXmlAttribute*;
+    using difference_type = std::ptrdiff_t;
+    using pointer = CXmlAttribute* const*;
+    using reference = CXmlAttribute*;
+
+    constexpr explicit iterator(CXmlAttribute* at) noexcept : m_at(at) {}
+    CXmlAttribute* operator*() const noexcept { return m_at; }
+    iterator& operator++() noexcept {
+      ++m_at;
+      return *this;
+    }
+    iterator operator++(int) noexcept { return iterator(m_at++); }
+    friend bool operator==(iterator a, iterator b) noexcept { return a.m_at == b.m_at; }
+    friend bool operator!=(iterator a, iterator b) noexcept { return a.m_at != b.m_at; }
+
+   private:
+    CXmlAttribute* m_at;
+  };
+
+  CXmlAttributes() noexcept = default;
+  explicit CXmlAttributes(CXmlAttributeBlock* block) noexcept
+      : m_first(block != nullptr ? block->Attributes() : nullptr), m_count(block != nullptr ? block->m_count : 0) {}
+
+  std::size_t size() const noexcept { return m_count; }
+  bool empty() const noexcept { return m_count == 0; }
+  CXmlAttribute* operator[](std::size_t index) const noexcept { return m_first + index; }
+  iterator begin() const noexcept { return iterator(m_first); }
+  iterator end() const noexcept { return iterator(m_first + m_count); }
+
+ private:
+  CXmlAttribute* m_first = nullptr;
+  std::size_t m_count = 0;
+};
+
+// One element of a loaded document: names, attributes, children, and its text. All character data of the element is
+// joined into one text without carriage returns, so mixed content loses its position between the children.
+//
+//   document -> element -> first child -> next sibling -> ...
+//                 |-> attributes
+class RKXML_EXPORT CXmlElement {
+ public:
+  // Throws CRkInvalidParamException without a document.
+  CXmlElement(const CXmlDocument* document, const CXmlElement* parent);
+
+  CXmlElement* GetFirstElement() const noexcept { return m_firstChild; }
+  CXmlElement* GetNextSiblingElement() const noexcept { return m_nextSibling; }
+  CXmlElement* GetParentElement() const noexcept { return m_parent; }
+  const CXmlDocument* GetDocument() const noexcept { return m_localName->m_document; }
+  CXmlAttributes GetAttributes() const noexcept { return CXmlAttributes(m_attributes); }
+  CXmlText GetText() const noexcept {
+    return m_text != nullptr ? CXmlText(m_text->Chars(), m_text->m_length) : CXmlText();
+  }
+  CXmlText GetLocalName() const noexcept { return m_localName->GetText(); }
+  CXmlText GetNamespaceURI() const noexcept { return m_namespaceUri->GetText(); }
+  // The names as the document holds them, for comparison by address.
+  const CXmlName* GetLocalNameRef() const noexcept { return m_localName; }
+  const CXmlName* GetNamespaceRef() const noexcept { return m_namespaceUri; }
+  // Whether the other element, of the same document, bears the same name in the same namespace; null bears none.
+  bool HasNameOf(const CXmlElement* other) const noexcept {
+    return other != nullptr && m_localName == other->m_localName && m_namespaceUri == other->m_namespaceUri;
+  }
+  // The value of the first attribute with this name; empty when there is none.
+  CXmlText GetAttribute(const wchar_t* localName, const wchar_t* namespaceUri) const noexcept;
+  // The local name with the prefix that the document has for the namespace.
+  std::wstring GetQName() const;
+  // The same with the 1-based position among the siblings of that name, "item[2]", unless it is the only one.
+  std::wstring GetNameWithPredicate() const;
+  // "/order/item[2]".
+  std::wstring GetXPath() const;
+  // Where the element begins, with its path. Line and column are worked out here, from the input, which the document
+  // keeps until it is emptied; a document with a filter keeps it during the load only. For elements that no reader made
+  // the path alone. Not to be called on one document from two threads at the same time.
+  CRkLocation GetLocation() const;
+
+  // Building.
+  CXmlElement* CreateNewChildElement();
+  void SetElementName(const wchar_t* localName);
+  void SetNamespace(const wchar_t* namespaceUri);
+  void AppendText(const wchar_t* text, int length);
+  void AppendText(const wchar_t* text);
+  void AddAttribute(const wchar_t* localName, const wchar_t* value, const wchar_t* namespaceUri);
+  // Unlinks and returns the last child; null when there is none. Its storage stays with the document.
+  CXmlElement* RemoveLastChildElement();
+
+ private:
+  friend class CXmlAttribute;
+  friend class CXmlDocument;
+  CXmlElement(CXmlElement* parent, const CXmlName* localName, const CXmlName* namespaceUri) noexcept
+      : m_localName(localName), m_namespaceUri(namespaceUri), m_parent(parent) {}
+  CXmlDocument& Owner() const;
+
+  // The document is reached through the names, which are never null.
+  const CXmlName* m_localName;
+  const CXmlName* m_namespaceUri;
+  CXmlElement* m_parent;
+  CXmlElement* m_nextSibling = nullptr;
+  CXmlElement* m_firstChild = nullptr;
+  CXmlElement* m_lastChild = nullptr;
+  CXmlAttributeBlock* m_attributes = nullptr;  // null without attributes
+  CXmlTextBlock* m_text = nullptr;             // null without text
+  std::uint64_t m_offset = CRkLocation::kNoOffset;
+};
+
+// A document held as a tree of elements, filled from XML text, Fast Infoset or, by way of XML text, JSON. Each load
+// replaces the tree. Nodes live as long as their document and are only read by the objects.
+//
+//   CXmlDocument document;
+//   document.Load(L"track.gpx.gz");
+//   for (CXmlElement* e = document.GetDocumentElement()->GetFirstElement(); e != nullptr; e =
+//   e->GetNextSiblingElement())
+class RKXML_EXPORT CXmlDocument {
+ public:
+  // Called for each element when it ends; true drops the element with its subtree, so that a document of any size is
+  // read in bounded memory. For the document element, which has no parent, the answer is ignored.
+  using ElementFilter = bool (*)(CXmlElement*);
+
+  CXmlDocument();
+  explicit CXmlDocument(const CSerializationContext& context);  // kept
+  explicit CXmlDocument(ElementFilter filter);
+  CXmlDocument(ElementFilter filter, const CSerializationContext& context);
+  CXmlDocument(const CXmlDocument&) = delete;
+  CXmlDocument& operator=(const CXmlDocument&) = delete;
+  virtual ~CXmlDocument();
+
+  // Empties the document; runs at the start of every load.
+  virtual void Cleanup();
+
+  // The loads throw CRkException: for an empty or null input, for a file that cannot be opened or read (with its name
+  // and the error number), for what the reader of the form refuses, and "Limit exceeded: ..." by the limits of the
+  // context. What was read before a failure stays until the next load.
+
+  // Byte input: unwraps gzip or zlib, then takes Fast Infoset by its header, else XML text.
+  void Load(const wchar_t* fileName);
+  void LoadXmlStream(unsigned char* bytes, unsigned long length);
+  // XML text; the narrow form detects its encoding (UTF-8 unless the text says otherwise), the wide form takes the low
+  // 16 bits of each character.
+  void LoadXml(const char* text);
+  void LoadXml(const wchar_t* text);
+  // XML text of this library's own making: like LoadXml, but characters above U+FFFF arrive whole (as surrogate pairs).
+  void LoadXmlWide(std::wstring_view text);
+  // Convert JSON to XML text in UTF-8 without filling the tree. Files and streams may be wrapped and hold UTF-8. Throw
+  // also what CJsonTextReader::ConvertJsonToXml does.
+  CBinaryData LoadJsonFile(const wchar_t* fileName);
+  CBinaryData LoadJsonStream(unsigned char* bytes, unsigned long length);
+  CBinaryData LoadJson(const char* text);
+  CBinaryData LoadJson(const wchar_t* text);
+
+  // The root element, or null.
+  CXmlElement* GetDocumentElement() const noexcept { return m_documentElement; }
+  const CSerializationContext& GetContext() const noexcept { return *m_context; }
+  SchemaType GetSchemaType() const noexcept { return m_schemaType; }
+  bool HasElementFilter() const noexcept { return m_filter != nullptr; }
+  // Before a load of borrowed bytes or text: whether they stay valid until the document is emptied. Otherwise, and at
+  // first, the document keeps a copy of them, for the lines and columns of its elements; not if it has a filter.
+  void SetInputStays(bool stays) noexcept { m_inputStays = stays; }
+  // Before a load: where the input begins in a larger one. Added to the offsets of locations.
+  void SetFirstOffset(std::uint64_t offset) noexcept { m_firstOffset = offset; }
+  // The place `offset` bytes into the input, for the readers; with the path of the current element.
+  CRkLocation Locate(std::uint64_t offset) const;
+
+  // The bytes being read; for the readers, during a load only.
+  const unsigned char* GetInput() const noexcept { return m_input; }
+  std::size_t GetInputLength() const noexcept { return m_inputLength; }
+
+  // Building, by the readers: the new element becomes the current one until EndElement. Throw CRkException for a second
+  // document element, for a child or an end without an open element, and by the limits of the context.
+  CXmlElement* AddDocElement(const wchar_t* namespaceUri, const wchar_t* localName);
+  CXmlElement* AddChildElement(const wchar_t* namespaceUri, const wchar_t* localName);
+  void EndElement();
+  CXmlElement* GetCurrentElement() const noexcept { return m_currentElement; }
+  void AddElementAttribute(CXmlElement* element, const std::wstring& localName, const std::wstring& value,
+                           const std::wstring& namespaceUri);
+  void AppendTextExcludingCR(CXmlElement* element, const wchar_t* text, unsigned long length);
+  void AppendTextExcludingCR(CXmlElement* element, const wchar_t* text);
+
+  // The same for readers that keep tables of their own: a name is interned once and then passed by address. Texts are
+  // taken whole and may hold any character. An element without a current element becomes the document element.
+  const CXmlName* InternName(std::wstring_view text);
+  const CXmlName* GetEmptyName() const noexcept;
+  // A copy of the name for objects that outlive the document, which all share it. Null for the empty name.
+  std::shared_ptr<const std::wstring> ShareName(const CXmlName* name) const;
+  CXmlElement* AddElement(const CXmlName* namespaceUri, const CXmlName* localName);
+  // Where the element or attribute begins in the input, in bytes.
+  static void SetOffset(CXmlElement* element, std::uint64_t offset) noexcept { element->m_offset = offset; }
+  static void SetOffset(CXmlAttribute* attribute, std::uint64_t offset) noexcept { attribute->m_offset = offset; }
+  // The attribute is valid until the next one is added to the element.
+  CXmlAttribute* AddAttribute(CXmlElement* element, const CXmlName* localName, const CXmlName* namespaceUri,
+                              std::wstring_view value);
+  // Stores a value once for many attributes; it is good until the document is emptied, whatever a filter drops.
+  CXmlTextBlock* StoreValue(std::wstring_view value);
+  CXmlAttribute* AddAttribute(CXmlElement* element, const CXmlName* localName, const CXmlName* namespaceUri,
+                              CXmlTextBlock* storedValue);
+  void AppendText(CXmlElement* element, std::wstring_view text);  // drops carriage returns
+  // The same for white space in the current element, which a document has again and again: texts of nothing else are
+  // held once while they are short.
+  void AppendBlanks(std::wstring_view blanks);
+  // Room for `charCount` characters to be decoded into: at the end of the element's text, or as an attribute's value.
+  // Commit tells how many were used (at most charCount; carriage returns count as any character), directly after.
+  wchar_t* ReserveText(CXmlElement* element, std::size_t charCount);
+  void CommitText(CXmlElement* element, std::size_t charCount);
+  wchar_t* ReserveValue(CXmlAttribute* attribute, std::size_t charCount);
+  void CommitValue(CXmlAttribute* attribute, std::size_t charCount);
+
+  // Prefixes as declared anywhere in the document, the latest declaration of a prefix winning. An unknown argument
+  // gives the empty text.
+  void AddNamespaceAlias(const wchar_t* prefix, const wchar_t* namespaceUri);
+  void AddNamespaceAlias(const CXmlName* prefix, const CXmlName* namespaceUri);
+  CXmlText LookupAliasFromNamespace(const wchar_t* namespaceUri) const;
+  CXmlText LookupNamespaceFromAlias(const wchar_t* prefix) const;
+  const CXmlName* LookupNamespaceRef(std::wstring_view prefix) const noexcept;  // null when unknown
+  // All of them, prefix and namespace URI, in ascending order of the prefixes.
+  std::vector<std::pair<CXmlText, CXmlText>> GetNamespaceAliases() const;
+
+ private:
+  friend class CXmlAttribute;
+  friend class CXmlElement;
+  struct Input;
+  struct Storage;
+
+  void Init();
+  CSource& SetSource(std::string_view input);
+  void ParseBytes(std::string_view bytes, std::shared_ptr<const void> owner, const wchar_t* fileName);
+  void ParseXmlText();
+
+  std::unique_ptr<Storage> m_storage;
+  const CSerializationContext* m_context;  // kept
+  ElementFilter m_filter;
+  SchemaType m_schemaType;
+  CXmlElement* m_documentElement = nullptr;
+  CXmlElement* m_currentElement = nullptr;
+  const unsigned char* m_input = nullptr;  // borrowed during a load
+  std::size_t m_inputLength = 0;
+  std::unique_ptr<CSource> m_source;  // null when the places of the input mean nothing to the caller
+  bool m_inputStays = false;
+  std::uint64_t m_firstOffset = 0;
+};
+
+// Gives the exception the location of an element or attribute, unless it has one; `throw At(e, *element)`.
+template <class Exception, class Node>
+Exception&& At(Exception&& exception, const Node& node) {
+  if (!exception.HasLocation()) exception.SetLocation(node.GetLocation());
+  return std::forward<Exception>(exception);
+}
+
+}  // namespace RkXmlLib16
+
+#endif

@@ -1,0 +1,180 @@
+#ifndef RKXMLLIB16_XML_XMLWRITER_H
+#define RKXMLLIB16_XML_XMLWRITER_H
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "RkXmlLib16/base/Enumerations.h"
+#include "RkXmlLib16/base/Export.h"
+#include "RkXmlLib16/base/SharedName.h"
+#include "RkXmlLib16/object/Variant.h"
+
+namespace RkXmlLib16 {
+
+// What the metadata records tell a writer about the children of the open element.
+enum ContextState : std::int32_t {
+  ContextState_None = 0,
+  ContextState_CollectionStart = 1,  // the items of a collection are about to be written
+  ContextState_ArrayOpen = 2,        // a writer has opened an array for them
+  ContextState_CollectionEnd = 3     // the items have been written
+};
+
+// The interface through which objects are written, whatever the document form. It owns what all forms share: the stack
+// of open elements with their namespace scopes, the declarations of the root element, and the invention of prefixes
+// (W3C Namespaces in XML 1.0). A writer serves one document on one thread.
+class RKXML_EXPORT CXmlWriter {
+ public:
+  // Namespace URI to prefix, in ascending order of the URIs.
+  using NamespaceMap = std::map<std::wstring, std::wstring, std::less<>>;
+
+  // One open element and its namespace scope. A scope without declarations of its own shares those of the nearest
+  // ancestor that has some.
+  class RKXML_EXPORT CXmlWriterContext {
+   public:
+    // The root element: takes copies of the writer's default namespace and declarations.
+    CXmlWriterContext(const std::wstring& localName, const std::wstring& namespaceUri,
+                      const std::wstring& defaultNamespace, const NamespaceMap& namespaces,
+                      std::unique_ptr<CXmlWriterContext> parent);
+    // A child element of `parent`, which it owns.
+    CXmlWriterContext(const std::wstring& localName, const std::wstring& namespaceUri,
+                      std::unique_ptr<CXmlWriterContext> parent);
+    CXmlWriterContext(const CXmlWriterContext&) = delete;
+    CXmlWriterContext& operator=(const CXmlWriterContext&) = delete;
+    // Frees the whole chain of parents without recursion.
+    virtual ~CXmlWriterContext();
+
+    const std::wstring& GetDefaultNamespace() const;
+    bool IsDefaultNamespace(const std::wstring& namespaceUri) const;
+    // Every declaration in scope.
+    const NamespaceMap& GetNamespaceMap() const;
+    void SetDefaultNamespace(const std::wstring& namespaceUri);
+    void SetNamespaceMapValue(const std::wstring& namespaceUri, const std::wstring& prefix);
+    // The prefix of the namespace in scope. Like a map's subscript: an absent namespace is added with an empty prefix.
+    std::wstring& GetNamespaceMapValue(const std::wstring& namespaceUri);
+    std::wstring& GetNamespaceMapValue(const wchar_t* namespaceUri);
+    // The prefix of the namespace in scope, or null; inserts nothing.
+    const std::wstring* FindPrefix(const std::wstring& namespaceUri) const;
+    // Whether any namespace in scope has the prefix.
+    bool HasPrefix(const std::wstring& prefix) const;
+    // Declares the namespace in this element with the first invented prefix that is free in scope, and returns it.
+    const std::wstring& InventPrefix(const std::wstring& namespaceUri);
+
+    std::uint64_t m_childCount = 0;
+    bool m_startTagOpen = true;
+    std::int64_t m_depth = 0;
+    CSharedName m_namespaceUri;
+    CSharedName m_localName;
+    std::wstring m_prefix;  // as written in the start tag
+    std::unique_ptr<CXmlWriterContext> m_parent;
+    ContextState m_state = ContextState_None;
+
+   private:
+    friend class CXmlWriter;
+    struct Scope;
+    Scope& OwnScope();
+
+    std::unique_ptr<Scope> m_ownScope;    // null while the scope is inherited
+    std::unique_ptr<Scope> m_spareScope;  // that of an earlier element, for reuse
+    Scope* m_scope = nullptr;             // the scope in effect: this element's own or that of an ancestor
+  };
+
+  CXmlWriter();
+  CXmlWriter(const CXmlWriter&) = delete;
+  CXmlWriter& operator=(const CXmlWriter&) = delete;
+  virtual ~CXmlWriter();
+
+  virtual void Open();
+  // Throws CRkException "An Element has not been closed.".
+  virtual void Close();
+  // Before the root element these hold for the document; later for the open element.
+  virtual void SetDefaultNamespace(const std::wstring& namespaceUri);
+  virtual void AddNamespace(const std::wstring& prefix, const std::wstring& namespaceUri);
+  virtual void WriteComment(const std::wstring& text) = 0;
+  // `text` is the whole instruction, L"<?go now?>".
+  virtual void WritePI(const std::wstring& text) = 0;
+  virtual void WriteInlineSchema(const std::wstring& schemaText) = 0;
+  virtual void WriteStartElement(const std::wstring& localName, const std::wstring& namespaceUri) = 0;
+  // `type` tells the kind of value that the text came from. Without an open element a text that is not empty throws
+  // CRkException, and so does WriteEndElement.
+  virtual void WriteString(const std::wstring& text, ItemType type) = 0;
+  virtual void WriteEndElement() = 0;
+  // Throws CRkException "Attributes must be added before elements", or another one without an open element; the two
+  // that follow do too. JSON takes attributes at any time.
+  virtual void WriteAttributeString(const std::wstring& localName, const std::wstring& namespaceUri,
+                                    const std::wstring& value, ItemType type) = 0;
+  // xsi:type and xsi:nil="true" (XML Schema Part 1).
+  virtual void WriteAttributeType(const std::wstring& typeNamespaceUri, const std::wstring& typeName,
+                                  ItemType type) = 0;
+  virtual void WriteAttributeNil() = 0;
+  // An element with nothing but text: WriteStartElement, WriteString and WriteEndElement, which is what it calls unless
+  // a writer does it in one step.
+  virtual void WriteTextElement(const std::wstring& localName, const std::wstring& namespaceUri,
+                                const std::wstring& text, ItemType type);
+
+  // Declares the prefix on the open start tag, for values that use it, unless it is in scope already. False when the
+  // prefix is in scope for another namespace, which is left so, or cannot be declared (an empty one, "xmlns"). Writers
+  // see the declaration as an attribute of XMLNS_NAMESPACE that is named like the prefix.
+  bool DeclareNamespace(const std::wstring& prefix, const std::wstring& namespaceUri);
+  // Sets the state of the open element; without one it does nothing.
+  void SetContextState(ContextState state);
+  // Room for a value on its way to the writer, invalid at first, and for its text; both are good until the next value.
+  RkVariant& BeginValue() noexcept {
+    m_value.SetUnused();
+    return m_value;
+  }
+  std::wstring& GetValueBuffer() noexcept { return m_valueBuffer; }
+  // Two texts that stay where and what they are until the document is written, as the names of a record do, and a
+  // number that no other two have.
+  struct LastingNames {
+    static constexpr std::uint32_t kNoId = UINT32_MAX;
+
+    const std::wstring* localName = nullptr;
+    const std::wstring* namespaceUri = nullptr;
+    std::uint32_t id = kNoId;
+  };
+  // Tells that these are about to be given to the writer, which may know them again by their number.
+  void SetLastingNames(const LastingNames& names) noexcept { m_lastingNames = names; }
+  const LastingNames& GetLastingNames() const noexcept { return m_lastingNames; }
+  // The first of "AA", "AB", ... that is not a prefix in the map.
+  static std::wstring GetUniquePrefix(const NamespaceMap& namespaces);
+  static std::wstring NsIntToString(int n);
+
+  // The namespace bound to the prefix xml.
+  static const std::wstring XML_NAMESPACE;
+  // The XML Schema instance namespace (xsi:type, xsi:nil).
+  static const std::wstring XSI_NAMESPACE;
+  // The namespace bound to the prefix xmlns.
+  static const std::wstring XMLNS_NAMESPACE;
+
+ protected:
+  // Opens a context under the present one and makes it current. The root element's default namespace is the writer's
+  // or, when that is empty, the first namespace that was added with an empty prefix.
+  CXmlWriterContext& PushContext(const std::wstring& localName, const std::wstring& namespaceUri);
+  // Closes the current context and makes its parent current. Its storage serves the next one that is opened.
+  void PopContext();
+  // The prefix of the namespace in the current context. Without one (an empty one does not count) a prefix is invented
+  // there, which `invented` tells, so that the caller declares it. An element must be open.
+  const std::wstring& RequirePrefix(const std::wstring& namespaceUri, bool& invented);
+
+  // The number of two texts that were told to be lasting; kNoId for others.
+  std::uint32_t GetLastingId(const std::wstring& localName, const std::wstring& namespaceUri) const noexcept {
+    const bool areLasting = &localName == m_lastingNames.localName && &namespaceUri == m_lastingNames.namespaceUri;
+    return areLasting ? m_lastingNames.id : LastingNames::kNoId;
+  }
+
+  std::wstring m_defaultNamespace;
+  std::unique_ptr<CXmlWriterContext> m_context;
+  NamespaceMap m_namespaces;
+
+ private:
+  LastingNames m_lastingNames;
+  RkVariant m_value;
+  std::wstring m_valueBuffer;
+  std::unique_ptr<CXmlWriterContext> m_closedContexts;  // kept for reuse, chained by their parents
+};
+
+}  // namespace RkXmlLib16
+
+#endif

@@ -1,0 +1,68 @@
+#ifndef RKXMLLIB16_XML_INTERNAL_ARENA_H
+#define RKXMLLIB16_XML_INTERNAL_ARENA_H
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "RkXmlLib16/base/HugePages.h"
+
+namespace RkXmlLib16 {
+
+// Memory that is handed out front to back and freed as a whole, or back to a mark. What lies in it is never destroyed,
+// so it must not need to be.
+class CArena {
+ public:
+  CArena() = default;
+  CArena(const CArena&) = delete;
+  CArena& operator=(const CArena&) = delete;
+
+  // `size` bytes at a multiple of 8.
+  void* Allocate(std::size_t size) {
+    size = RoundUp(size);
+    if (size > static_cast<std::size_t>(m_limit - m_cursor)) AddChunk(size);
+    void* const memory = m_cursor;
+    m_cursor += size;
+    return memory;
+  }
+
+  // Makes the memory at `memory`, `oldSize` bytes, `newSize` bytes long where it lies; false when something else
+  // follows it or there is no room.
+  bool Extend(const void* memory, std::size_t oldSize, std::size_t newSize) noexcept {
+    if (static_cast<const unsigned char*>(memory) + RoundUp(oldSize) != m_cursor) return false;
+    const std::size_t more = RoundUp(newSize) - RoundUp(oldSize);
+    if (more > static_cast<std::size_t>(m_limit - m_cursor)) return false;
+    m_cursor += more;
+    return true;
+  }
+
+  struct Mark {
+    std::size_t chunkCount;
+    unsigned char* cursor;
+    friend bool operator==(const Mark& a, const Mark& b) noexcept {
+      return a.chunkCount == b.chunkCount && a.cursor == b.cursor;
+    }
+  };
+  Mark GetMark() const noexcept { return {m_chunks.size(), m_cursor}; }
+  // Frees all that was allocated since the mark was taken.
+  void RewindTo(const Mark& mark) noexcept;
+
+ private:
+  static constexpr std::size_t RoundUp(std::size_t size) noexcept { return (size + 7) & ~std::size_t{7}; }
+  void AddChunk(std::size_t atLeast);
+
+  struct Chunk {
+    std::unique_ptr<unsigned char[], CFreeMemory> memory;
+    std::size_t size;
+  };
+
+  std::vector<Chunk> m_chunks;
+  unsigned char* m_cursor = nullptr;  // within the last chunk
+  unsigned char* m_limit = nullptr;
+  Chunk m_spare{nullptr, 0};  // the last chunk that a rewind freed, so that going to and fro allocates nothing
+};
+
+}  // namespace RkXmlLib16
+
+#endif

@@ -1,0 +1,262 @@
+#include "RkXmlLib16/facets/FacetChecks.h"
+
+#include <algorithm>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <type_traits>
+#include <utility>
+
+#include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/base/internal/CodePoints.h"
+#include "RkXmlLib16/facets/RegEx.h"
+#include "RkXmlLib16/io/Encoder.h"
+#include "RkXmlLib16/types/BinaryData.h"
+#include "RkXmlLib16/types/Conversions.h"
+
+namespace RkXmlLib16 {
+
+namespace {
+
+template <class Value>
+constexpr bool kIsDateOrDuration = std::is_same_v<Value, CDateTime> || std::is_same_v<Value, CDateTimeSpan>;
+
+template <class Value>
+bool IsAtMost(const Value& a, const Value& b) {
+  if constexpr (kIsDateOrDuration<Value>) {
+    const CompareResult order = a.CompareTo(b);
+    return order == CompareResult_Equal || order == CompareResult_Less;
+  } else {
+    return a <= b;
+  }
+}
+
+template <ItemType kItem>
+std::wstring Print(const XsdValue<kItem>& value) {
+  std::wstring text;
+  CConversions::AppendTo<kItem>(text, value);
+  return text;
+}
+
+// The text between the brackets of the message, and what follows them.
+template <ItemType kItem>
+[[noreturn]] void ThrowInvalid(const wchar_t* name, const XsdValue<kItem>& value) {
+  using Value = XsdValue<kItem>;
+  if constexpr (std::is_floating_point_v<Value>)
+    throw CRkException(FormatString(L"Invalid Value for %ls [%f]", name, static_cast<double>(value)));
+  else if constexpr (kItem == ItemType_unsignedInt)
+    throw CRkException(FormatString(L"Invalid Value for %ls [%lu]", name, value));
+  else if constexpr (std::is_integral_v<Value> && kItem != ItemType_long && kItem != ItemType_unsignedLong)
+    throw CRkException(FormatString(L"Invalid Value for %ls [%ld]", name, static_cast<long>(value)));
+  else
+    throw CRkException(FormatString(L"Invalid Value for %ls [%ls].", name, Print<kItem>(value).c_str()));
+}
+
+// The part of a value whose rank is in the order of the values.
+const CBigInteger& Ranked(const CDecimal& value) { return value.GetIntegerPart(); }
+const CBigInteger& Ranked(const CBigInteger& value) { return value; }
+template <ItemType kItem>
+constexpr bool kIsRanked = kItem == ItemType_decimal || kItem == ItemType_integer;
+
+// The bounds as values. A value that breaks one bound is never compared with a later one, so that a later bound which
+// cannot be read goes unnoticed; they are kept only when all can be read.
+template <ItemType kItem>
+struct Bounds : CPrimitiveRestrictions::Derived {
+  using Value = XsdValue<kItem>;
+  explicit Bounds(const CPrimitiveRestrictions& facets)
+      : Derived(kItem),
+        minInclusive(Read(facets.GetMinInclusive())),
+        maxInclusive(Read(facets.GetMaxInclusive())),
+        minExclusive(Read(facets.GetMinExclusive())),
+        maxExclusive(Read(facets.GetMaxExclusive())) {
+    if constexpr (kIsRanked<kItem>) {
+      using Limits = std::numeric_limits<std::int64_t>;
+      const auto rank = [](const std::optional<Value>& bound, std::int64_t none, std::int64_t unknown) {
+        return !bound ? none : Ranked(*bound).HasRank() ? Ranked(*bound).GetRank() : unknown;
+      };
+      above =
+          std::max(rank(minInclusive, Limits::min(), Limits::max()), rank(minExclusive, Limits::min(), Limits::max()));
+      below =
+          std::min(rank(maxInclusive, Limits::max(), Limits::min()), rank(maxExclusive, Limits::max(), Limits::min()));
+    }
+  }
+
+  static std::optional<Value> Read(const std::wstring& text) {
+    if (text.empty()) return std::nullopt;
+    return CConversions::FromText<kItem>(text, CWhitespaceUtils::collapse);
+  }
+
+  bool SurelyHold(const Value& value) const {
+    if constexpr (kIsRanked<kItem>) {
+      if (!Ranked(value).HasRank()) return false;
+      const std::int64_t rank = Ranked(value).GetRank();
+      return above < rank && rank < below;
+    } else {
+      return false;
+    }
+  }
+
+  std::int64_t above = 0, below = 0;  // every rank between them is that of a value within the bounds
+  std::optional<Value> minInclusive, maxInclusive, minExclusive, maxExclusive;
+};
+
+template <ItemType kItem>
+bool MeetsBounds(const XsdValue<kItem>& value, const CPrimitiveRestrictions& facets) {
+  const auto* const derived = facets.GetDerived();
+  if (derived != nullptr && derived->m_itemType == kItem) {
+    const auto& bounds = static_cast<const Bounds<kItem>&>(*derived);
+    if (bounds.SurelyHold(value)) return true;
+    return !(bounds.minInclusive && *bounds.minInclusive > value) &&
+           !(bounds.maxInclusive && value > *bounds.maxInclusive) &&
+           !(bounds.minExclusive && IsAtMost(value, *bounds.minExclusive)) &&
+           !(bounds.maxExclusive && IsAtMost(*bounds.maxExclusive, value));
+  }
+  const auto bound = [](const std::wstring& text) { return *Bounds<kItem>::Read(text); };
+  if (!facets.GetMinInclusive().empty() && bound(facets.GetMinInclusive()) > value) return false;
+  if (!facets.GetMaxInclusive().empty() && value > bound(facets.GetMaxInclusive())) return false;
+  if (!facets.GetMinExclusive().empty() && IsAtMost(value, bound(facets.GetMinExclusive()))) return false;
+  if (!facets.GetMaxExclusive().empty() && IsAtMost(bound(facets.GetMaxExclusive()), value)) return false;
+  if (derived == nullptr) facets.KeepDerived(std::make_unique<Bounds<kItem>>(facets));
+  return true;
+}
+
+// The characters of the lexical form.
+template <class Value>
+long PrintedLength(const Value& value) {
+  if constexpr (std::is_integral_v<Value>) {
+    auto rest = +value;
+    long length = rest < 0 ? 1 : 0;
+    do ++length;
+    while ((rest /= 10) != 0);
+    return length;
+  } else {
+    return value.IsZero() ? 1 : static_cast<long>(value.GetDigits().size()) + (value.GetSign() < 0 ? 1 : 0);
+  }
+}
+
+template <ItemType kItem>
+bool MeetsDigits(const XsdValue<kItem>& value, const CPrimitiveRestrictions& facets) {
+  constexpr bool kCounts = (kItem >= ItemType_byte && kItem <= ItemType_unsignedLong) || kItem == ItemType_integer;
+  if constexpr (kCounts) {
+    return facets.GetTotalDigits() < 0 || PrintedLength(value) <= facets.GetTotalDigits();
+  } else if constexpr (kItem == ItemType_decimal) {
+    if (facets.GetTotalDigits() < 0 && facets.GetFractionDigits() < 0) return true;
+    const long fraction = CXmlObjectHelper::GetDecimalFractionPartLen(value);
+    const long total = CXmlObjectHelper::GetDecimalIntegerPartLen(value) + fraction;
+    return (facets.GetTotalDigits() < 0 || total <= facets.GetTotalDigits()) &&
+           (facets.GetFractionDigits() < 0 || fraction <= facets.GetFractionDigits());
+  } else {
+    return true;
+  }
+}
+
+// The characters of a text, in which two surrogates are the one that they stand for.
+unsigned long CharacterCount(const std::wstring& text) {
+  unsigned long pairs = 0;
+  for (std::size_t i = 1; i < text.size(); ++i) {
+    if (IsLowSurrogate(static_cast<char32_t>(text[i])) && IsHighSurrogate(static_cast<char32_t>(text[i - 1]))) ++pairs;
+  }
+  return text.size() - pairs;
+}
+
+bool MeetsLengths(unsigned long length, const CPrimitiveRestrictions& facets) {
+  const long actual = static_cast<long>(length);
+  return (facets.GetMinLength() < 0 || facets.GetMinLength() <= actual) &&
+         (facets.GetMaxLength() < 0 || facets.GetMaxLength() >= actual) &&
+         (facets.GetLength() < 0 || facets.GetLength() == actual);
+}
+
+bool MeetsLengths(const std::wstring& text, const CPrimitiveRestrictions& facets) {
+  // As many characters as units or half of them at least: where both will do, nobody need count.
+  const bool all = MeetsLengths(text.size(), facets), half = MeetsLengths((text.size() + 1) / 2, facets);
+  return (all && half) || MeetsLengths(CharacterCount(text), facets);
+}
+
+template <ItemType kItem>
+void Check(const wchar_t* name, const XsdValue<kItem>& value, const CPrimitiveRestrictions& facets) {
+  if (facets.IsEmpty()) return;
+  bool valid = true;
+  if constexpr (std::is_same_v<XsdValue<kItem>, CBinaryData>)
+    valid = MeetsLengths(value.GetLength(), facets);
+  else
+    valid = MeetsBounds<kItem>(value, facets) && MeetsDigits<kItem>(value, facets);
+  if (!valid) ThrowInvalid<kItem>(name, value);
+}
+
+struct Pattern : CPrimitiveRestrictions::Derived {
+  Pattern(const std::string& utf8Pattern, const std::wstring& value)
+      : Derived(ItemType_string), expression(utf8Pattern, value) {}
+
+  CRegEx expression;
+};
+
+bool MatchesPattern(const wchar_t* name, const std::wstring& value, const CPrimitiveRestrictions& facets) {
+  try {
+    const auto* const derived = facets.GetDerived();
+    if (derived != nullptr && derived->m_itemType == ItemType_string)
+      return static_cast<const Pattern*>(derived)->expression.Matches(value);
+    const CBinaryData utf8 = CEncoder::UnicodeToUtf8Binary(facets.GetPattern().c_str());
+    auto pattern = std::make_unique<const Pattern>(
+        std::string(reinterpret_cast<const char*>(utf8.GetData()), utf8.GetLength()), value);
+    const bool matches = pattern->expression.Matches(value);
+    facets.KeepDerived(std::move(pattern));
+    return matches;
+  } catch (const CRkException& e) {
+    throw CRkException(
+        FormatString(L"%ls\nInvalid Value for %ls [%ls].", e.GetFullMessage().c_str(), name, value.c_str()));
+  }
+}
+
+}  // namespace
+
+#define RKXML_CHECK(name, Item, Argument)                                                      \
+  void CXmlObjectHelper::CheckRestrictionFor##name(const wchar_t* elementName, Argument value, \
+                                                   const CPrimitiveRestrictions& facets) {     \
+    Check<Item>(elementName, value, facets);                                                   \
+  }
+RKXML_CHECK(i1, ItemType_byte, char)
+RKXML_CHECK(i2, ItemType_short, short)
+RKXML_CHECK(i4, ItemType_int, long)
+RKXML_CHECK(i8, ItemType_long, long long)
+RKXML_CHECK(ui1, ItemType_unsignedByte, unsigned char)
+RKXML_CHECK(ui2, ItemType_unsignedShort, unsigned short)
+RKXML_CHECK(ui4, ItemType_unsignedInt, unsigned long)
+RKXML_CHECK(ui8, ItemType_unsignedLong, unsigned long long)
+RKXML_CHECK(r4, ItemType_float, float)
+RKXML_CHECK(r8, ItemType_double, double)
+RKXML_CHECK(year, ItemType_gYear, unsigned short)
+RKXML_CHECK(month, ItemType_gMonth, unsigned char)
+RKXML_CHECK(day, ItemType_gDay, unsigned char)
+RKXML_CHECK(decimal, ItemType_decimal, const CDecimal&)
+RKXML_CHECK(integer, ItemType_integer, const CBigInteger&)
+RKXML_CHECK(hexBinary, ItemType_hexBinary, const CBinaryData&)
+RKXML_CHECK(base64Binary, ItemType_base64Binary, const CBinaryData&)
+RKXML_CHECK(duration, ItemType_duration, const CDateTimeSpan&)
+RKXML_CHECK(date, ItemType_date, const CDateTime&)
+RKXML_CHECK(datetime, ItemType_dateTime, const CDateTime&)
+RKXML_CHECK(time, ItemType_time, const CDateTime&)
+RKXML_CHECK(monthDay, ItemType_gMonthDay, const CDateTime&)
+RKXML_CHECK(monthYear, ItemType_gYearMonth, const CDateTime&)
+#undef RKXML_CHECK
+
+// These two always pass.
+void CXmlObjectHelper::CheckRestrictionForboolean(const wchar_t*, bool, const CPrimitiveRestrictions&) {}
+void CXmlObjectHelper::CheckRestrictionForyearMonth(const wchar_t*, const CDateTime&, const CPrimitiveRestrictions&) {}
+
+void CXmlObjectHelper::CheckRestrictionForstring(const wchar_t* name, const std::wstring& value,
+                                                 const CPrimitiveRestrictions& facets) {
+  if (facets.IsEmpty()) return;
+  if (MeetsLengths(value, facets) && (facets.GetPattern().empty() || MatchesPattern(name, value, facets))) return;
+  throw CRkException(FormatString(L"Invalid Value for %ls [%ls].", name, value.c_str()));
+}
+
+int CXmlObjectHelper::GetDecimalIntegerPartLen(const CDecimal& value) {
+  return CBigInteger::Position(value.GetIntegerPart().GetDigits());
+}
+
+int CXmlObjectHelper::GetDecimalFractionPartLen(const CDecimal& value) {
+  return value.GetFractionPart().IsZero() ? 0 : value.GetFractionalDivider();
+}
+
+}  // namespace RkXmlLib16

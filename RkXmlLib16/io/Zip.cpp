@@ -1,0 +1,177 @@
+#include "RkXmlLib16/io/Zip.h"
+
+#define ZLIB_CONST  // z_stream::next_in is a pointer to const
+#include <zlib.h>
+
+#include <algorithm>
+#include <limits>
+#include <memory>
+#include <new>
+#include <utility>
+
+#include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/Format.h"
+
+namespace RkXmlLib16 {
+
+namespace {
+
+constexpr int kLevel = 1;
+constexpr int kMemoryLevel = 8;
+constexpr int kGZipWindowBits = 15 + 16;
+constexpr int kZLibWindowBits = 15;
+constexpr int kDetectWindowBits = 15 + 32;
+constexpr unsigned long kInflateChunk = 65536;
+
+void CheckInit(int code) {
+  if (code == Z_MEM_ERROR) throw std::bad_alloc();
+  if (code != Z_OK) throw CRkException(FormatString(L"Failed to compress data. [Error Code: %d]", code));
+}
+
+// The bytes that zlib still has to read or may write. zlib counts in 32 bits, so it gets them in pieces.
+template <class Byte>
+class Pieces {
+ public:
+  Pieces(Byte* data, unsigned long length) : m_next(data), m_left(length) {}
+
+  // Hands out a piece when zlib is done with the last one; false when there is none left.
+  bool Refill(Byte*& next, uInt& available) {
+    if (available == 0 && m_left > 0) {
+      available = static_cast<uInt>(std::min<unsigned long>(m_left, std::numeric_limits<uInt>::max()));
+      next = m_next;
+      m_next += available;
+      m_left -= available;
+    }
+    return available > 0;
+  }
+  bool AllGivenOut() const { return m_left == 0; }
+
+ private:
+  Byte* m_next;
+  unsigned long m_left;
+};
+
+class Deflater {
+ public:
+  explicit Deflater(CompressionType type) {
+    const int windowBits = type == CompressionType_GZip ? kGZipWindowBits : kZLibWindowBits;
+    CheckInit(deflateInit2(&m_stream, kLevel, Z_DEFLATED, windowBits, kMemoryLevel, Z_DEFAULT_STRATEGY));
+  }
+  Deflater(const Deflater&) = delete;
+  Deflater& operator=(const Deflater&) = delete;
+  ~Deflater() { deflateEnd(&m_stream); }
+
+  // zlib's code of the finishing call: Z_STREAM_END when all of the input became output.
+  int Run(const unsigned char* data, unsigned long length, unsigned char* result, unsigned long room) {
+    Pieces<const unsigned char> in(data, length);
+    Pieces<unsigned char> out(result, room);
+    m_stream.next_out = result;
+    do {
+      in.Refill(m_stream.next_in, m_stream.avail_in);
+      out.Refill(m_stream.next_out, m_stream.avail_out);
+      deflate(&m_stream, Z_NO_FLUSH);
+    } while (Unfinished(in, out));
+    int code;
+    do code = deflate(&m_stream, Z_FINISH);
+    while (code == Z_OK && m_stream.avail_out == 0 && out.Refill(m_stream.next_out, m_stream.avail_out));
+    return code;
+  }
+
+  unsigned long TotalOut() const { return m_stream.total_out; }
+
+ private:
+  // Input is left and there is room for what becomes of it.
+  bool Unfinished(const Pieces<const unsigned char>& in, const Pieces<unsigned char>& out) const {
+    return (m_stream.avail_in > 0 || !in.AllGivenOut()) && (m_stream.avail_out > 0 || !out.AllGivenOut());
+  }
+
+  z_stream m_stream{};
+};
+
+class Inflater {
+ public:
+  Inflater() {
+    if (inflateInit2(&m_stream, kDetectWindowBits) != Z_OK) throw std::bad_alloc();
+  }
+  Inflater(const Inflater&) = delete;
+  Inflater& operator=(const Inflater&) = delete;
+  ~Inflater() { inflateEnd(&m_stream); }
+
+  InflateResult Run(const unsigned char* data, unsigned long length, const InflateLimits& limits, CBinaryData& result) {
+    Pieces<const unsigned char> in(data, length);
+    result.Reserve(kInflateChunk);
+    int code = Z_OK;
+    while (code == Z_OK) {
+      in.Refill(m_stream.next_in, m_stream.avail_in);
+      m_stream.next_out = result.Extend(kInflateChunk);
+      m_stream.avail_out = kInflateChunk;
+      code = inflate(&m_stream, Z_NO_FLUSH);
+      result.Truncate(m_stream.total_out);
+      if (limits.maxBytes != 0 && m_stream.total_out > limits.maxBytes) return InflateResult::TooManyBytes;
+      if (limits.maxRatio != 0 && m_stream.total_out > limits.ratioFrom &&
+          m_stream.total_out / limits.maxRatio > m_stream.total_in)
+        return InflateResult::RatioTooHigh;
+    }
+    if (code == Z_MEM_ERROR) throw std::bad_alloc();
+    return code == Z_STREAM_END ? InflateResult::Inflated : InflateResult::NotCompressed;
+  }
+
+ private:
+  z_stream m_stream{};
+};
+
+// Whether the bytes can be the beginning of a gzip or zlib header.
+bool MayBeCompressed(const unsigned char* data, unsigned long length) {
+  if (length < 2) return false;
+  const bool gzip = data[0] == 0x1F && data[1] == 0x8B;
+  const bool zlib = (data[0] & 0x0F) == Z_DEFLATED && data[0] >> 4 <= 7 && (data[0] << 8 | data[1]) % 31 == 0;
+  return gzip || zlib;
+}
+
+// The compressed bytes in an array as long as the input, and their number.
+std::pair<std::unique_ptr<unsigned char[]>, unsigned long> Deflate(const unsigned char* data, unsigned long length,
+                                                                   CompressionType type) {
+  std::unique_ptr<unsigned char[]> result(new unsigned char[length]);
+  Deflater deflater(type);
+  const int code = deflater.Run(data, length, result.get(), length);
+  if (code != Z_STREAM_END) throw CRkException(FormatString(L"Failed to compress data. [Error Code: %d]", code));
+  return {std::move(result), deflater.TotalOut()};
+}
+
+bool IsCompression(CompressionType type) { return type == CompressionType_GZip || type == CompressionType_ZLib; }
+
+}  // namespace
+
+void CRkZip::Compress(unsigned char** data, unsigned long* length, CompressionType type) {
+  if (!IsCompression(type)) return;
+  auto [result, resultLength] = Deflate(*data, *length, type);
+  delete[] * data;
+  *data = result.release();
+  *length = resultLength;
+}
+
+void CRkZip::CompressData(CBinaryData& data, CompressionType type) {
+  if (!IsCompression(type) || data.GetLength() == 0) return;
+  auto [result, resultLength] = Deflate(data.GetData(), data.GetLength(), type);
+  CBinaryData compressed(result.get(), resultLength, /*copy=*/false);
+  static_cast<void>(result.release());
+  data.Swap(compressed);
+}
+
+void CRkZip::Decompress(unsigned char** data, unsigned long* length) {
+  CBinaryData inflated;
+  if (Inflate(*data, *length, InflateLimits(), inflated) != InflateResult::Inflated) return;
+  delete[] * data;
+  *data = inflated.ReleaseData(length);
+}
+
+InflateResult CRkZip::Inflate(const unsigned char* data, unsigned long length, const InflateLimits& limits,
+                              CBinaryData& out) {
+  if (!MayBeCompressed(data, length)) return InflateResult::NotCompressed;
+  CBinaryData inflated;
+  const InflateResult result = Inflater().Run(data, length, limits, inflated);
+  if (result == InflateResult::Inflated) out.Swap(inflated);
+  return result;
+}
+
+}  // namespace RkXmlLib16

@@ -1,0 +1,162 @@
+#include <functional>
+#include <stdexcept>
+#include <string>
+
+#include "Expect.h"
+#include "RkXmlLib16/context/JsonContext.h"
+#include "RkXmlLib16/context/SerializationContext.h"
+#include "RkXmlLib16/io/Encoder.h"
+#include "RkXmlLib16/wildcards/Element.h"
+#include "support/Bytes.h"
+#include "support/TempFile.h"
+
+using namespace RkXmlTest;
+
+namespace {
+
+constexpr wchar_t kText[] = L"<a b=\"1\"><c>\x20AC</c></a>";
+
+class EntryPoints : public testing::Test {
+ protected:
+  EntryPoints() { m_element.FromXml(kText); }
+  ~EntryPoints() override { AsyncToXmlFile(false); }
+
+  static std::wstring XmlOf(const CElement& element) { return element.ToXml(false, false); }
+
+  CElement m_element;
+  CSerializationContext m_ctx;
+};
+
+TEST_F(EntryPoints, WriteTheDeclarationOfTheEncoding) {
+  EXPECT_TEXT(L"<?xml version=\"1.0\"?>\n" + std::wstring(kText), m_element.ToXml(true, false));
+  EXPECT_TEXT(kText, m_element.ToXml(false, false));
+  EXPECT_TEXT(L"<?xml version=\"1.0\"?>\r\n<a b=\"1\">\r\n\t<c>\x20AC</c>\r\n</a>\r\n",
+              m_element.ToXml(true, true, EOLType_CRLF));
+  EXPECT_EQ("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<a b=\"1\"><c>\xE2\x82\xAC</c></a>",
+            BytesOf(m_element.ToXmlStream(true, false)));
+  EXPECT_EQ(sizeof(wchar_t) * (sizeof(kText) / sizeof(wchar_t) - 1),
+            m_element.ToXmlStream(false, false, XmlEncoding_Wide).GetLength());
+  m_ctx.SetIndentChars(L"  ");
+  EXPECT_TEXT(L"<a b=\"1\">\n  <c>\x20AC</c>\n</a>\n", m_element.ToXml(false, true, EOLType_LF, m_ctx));
+}
+
+TEST_F(EntryPoints, RefuseUnknownEncodingsAndLineEnds) {
+  const wchar_t* const encoding = L"Unknown Encoding, select UTF-8 (contact our support team)";
+  EXPECT_THROWS(CRkException, encoding, m_element.ToXmlStream(true, true, XmlEncoding_None));
+  EXPECT_THROWS(CRkException, encoding, m_element.ToJsonStream(true, static_cast<XmlEncoding>(7)));
+  EXPECT_THROWS(CRkException, L"Invalid EOL type.", m_element.ToXml(true, true, static_cast<EOLType>(2)));
+  EXPECT_THROWS(CRkException, L"Invalid EOL type.", m_element.ToJson(true, static_cast<EOLType>(2)));
+}
+
+TEST_F(EntryPoints, FilesHaveTheMarkOfTheirEncoding) {
+  for (const bool direct : {false, true}) {
+    AsyncToXmlFile(direct);
+    CTempFile file;
+    const std::wstring name = file.Name();
+    m_element.ToXmlFile(name.c_str(), true, false, XmlEncoding_UTF8);
+    EXPECT_EQ(BytesOf(m_element.ToXmlStream(true, false)), file.Bytes());
+    for (const XmlEncoding encoding : {XmlEncoding_UTF16, XmlEncoding_Wide}) {
+      m_element.ToXmlFile(name.c_str(), true, false, encoding);
+      EXPECT_EQ("\xFF\xFE" + BytesOf(m_element.ToXmlStream(true, false, encoding)), file.Bytes());
+    }
+    m_element.ToXmlFile(name.c_str(), true, false, XmlEncoding_UTF16, EOLType_LF, m_ctx, CompressionType_GZip);
+    EXPECT_EQ("\xFF\xFE\x1F\x8B", file.Bytes().substr(0, 4));
+    if (direct) continue;
+    m_element.ToJsonFile(name.c_str(), true, XmlEncoding_Wide);  // a buffered one has no mark
+    EXPECT_EQ(BytesOf(m_element.ToJsonStream(true, XmlEncoding_Wide)), file.Bytes());
+  }
+}
+
+TEST_F(EntryPoints, FilesCannotBeZlibAndFailuresNameTheFile) {
+  CTempFile file;
+  const std::wstring name = file.Name();
+  const wchar_t* const message = L"ZLIB Compression only available for To Stream methods.";
+  EXPECT_THROWS(
+      CRkException, message,
+      m_element.ToXmlFile(name.c_str(), true, true, XmlEncoding_UTF8, EOLType_LF, m_ctx, CompressionType_ZLib));
+  EXPECT_THROWS(CRkException, message,
+                m_element.ToJsonFile(name.c_str(), true, XmlEncoding_UTF8, EOLType_LF, m_ctx, CompressionType_ZLib));
+  EXPECT_THROWS(CRkException, message,
+                m_element.ToFastInfosetFile(name.c_str(), FInfoDecl_None, m_ctx, CompressionType_ZLib));
+  EXPECT_FALSE(file.Exists());
+  const wchar_t* const nowhere = L"Failed to write data to the file [/nowhere/x].";
+  for (const bool direct : {false, true}) {
+    AsyncToXmlFile(direct);
+    EXPECT_THROWS(CRkException, nowhere, m_element.ToXmlFile(L"/nowhere/x"));
+    EXPECT_THROWS(CRkException, nowhere, m_element.ToJsonFile(L"/nowhere/x"));
+  }
+  EXPECT_THROWS(CRkException, nowhere, m_element.ToFastInfosetFile(L"/nowhere/x"));
+  EXPECT_THROWS(CRkException, L"Failed to open the file [/nowhere/x].", m_element.FromXmlFile(L"/nowhere/x"));
+}
+
+TEST_F(EntryPoints, TextsAndFilesReadBack) {
+  const CTempFile temp;
+  const std::wstring name = temp.Name();
+  const std::function<void(CElement&)> roads[] = {
+      [&](CElement& e) { e.FromXml(BytesOf(m_element.ToXmlStream(false, false)).c_str()); },
+      [&](CElement& e) { e.FromJson(m_element.ToJson().c_str()); },
+      [&](CElement& e) { e.FromJson(BytesOf(m_element.ToJsonStream()).c_str()); },
+      [&](CElement& e) { m_element.ToXmlFile(name.c_str()), e.FromXmlFile(name.c_str()); },
+      [&](CElement& e) { m_element.ToFastInfosetFile(name.c_str()), e.FromXmlFile(name.c_str()); },
+      [&](CElement& e) { m_element.ToJsonFile(name.c_str()), e.FromJsonFile(name.c_str()); },
+  };
+  for (const auto& road : roads) {
+    CElement element;
+    road(element);
+    EXPECT_TEXT(kText, XmlOf(element));
+  }
+}
+
+TEST_F(EntryPoints, ValuesKeepTheirPrefixesInEveryForm) {
+  CElement source;
+  source.FromXml(L"<s xmlns:p='urn:p'><x ref='p:b'/></s>");
+  CElement target(L"t");
+  target.AddChild(source.GetChild(0));
+  const std::wstring expected = L"<t xmlns:p=\"urn:p\"><x ref=\"p:b\"/></t>";
+  CElement json, infoset;
+  json.FromJson(target.ToJson().c_str());
+  EXPECT_TEXT(expected, XmlOf(json));
+  infoset.FromXmlStream(target.ToFastInfosetStream());
+  EXPECT_TEXT(expected, XmlOf(infoset));
+  m_ctx.GetJsonContext()->SetSupportRoundtrip(JsonRoundTrip_Markers);
+  EXPECT_TEXT(L"{\"t\": {\"x\": {\"@ref\": \"p:b\"}}}", target.ToJson(false, EOLType_LF, m_ctx));
+}
+
+// Sees the settings that reach it, and fails as it is told to.
+class CProbe : public CElement {
+ public:
+  void FromXmlElement(const CXmlElement* element, const CSerializationContext& context) override {
+    ignoresNamespaces = context.GetIgnoreNamespaces();
+    if (failure != nullptr) throw std::runtime_error(failure);
+    CElement::FromXmlElement(element, context);
+  }
+  using CElement::FromXmlElement;
+
+  bool ignoresNamespaces = false;
+  const char* failure = nullptr;
+};
+
+TEST_F(EntryPoints, JsonWithoutNamespacesIsMatchedWithoutThem) {
+  for (const JsonRoundTrip mode : {JsonRoundTrip_Plain, JsonRoundTrip_Markers, JsonRoundTrip_Namespaces}) {
+    m_ctx.GetJsonContext()->SetSupportRoundtrip(mode);
+    CProbe probe;
+    probe.FromJson(L"{\"a\": {\"b\": 1}}", m_ctx);
+    EXPECT_EQ(mode != JsonRoundTrip_Namespaces, probe.ignoresNamespaces);
+    EXPECT_FALSE(m_ctx.GetIgnoreNamespaces());
+  }
+}
+
+TEST_F(EntryPoints, JsonErrorsShowTheXmlText) {
+  CElement strict(L"e", L"urn:t", L"##targetNamespace", L"urn:t");
+  EXPECT_TEXT(L"CRkException: Error converting JSON to XML:\n<a>\x20AC</a>\n\nInvalid Namespace [].",
+              Thrown([&] { strict.FromJson("{\"a\": \"\xE2\x82\xAC\"}"); }));
+}
+
+TEST_F(EntryPoints, ExceptionsOfTheApplicationPassUnchanged) {
+  CProbe probe;
+  probe.failure = "mine";
+  EXPECT_THROW(probe.FromXml(L"<a/>"), std::runtime_error);
+  EXPECT_THROW(probe.FromJson(L"{\"a\": 1}"), std::runtime_error);
+}
+
+}  // namespace
