@@ -1,6 +1,6 @@
 // Everything that generated code needs: include this one header in the sources that a generator emits.
-#ifndef RKXMLLIB16_CORE_GENERATED_H
-#define RKXMLLIB16_CORE_GENERATED_H
+#ifndef RKXMLLIB16_GENERATED_H
+#define RKXMLLIB16_GENERATED_H
 
 #include "RkXmlLib16/base/Enumerations.h"
 #include "RkXmlLib16/base/Exception.h"

@@ -1,4 +1,4 @@
-// The whole public interface in one include. Sources that a generator emits include core/Generated.h instead.
+// The whole public interface in one include. Sources that a generator emits include RkXmlLib16/Generated.h instead.
 #ifndef RKXMLLIB16_RKXMLLIB16_H
 #define RKXMLLIB16_RKXMLLIB16_H
 

@@ -1,5 +1,5 @@
-#ifndef RKXMLLIB16_CORE_EXCEPTION_H
-#define RKXMLLIB16_CORE_EXCEPTION_H
+#ifndef RKXMLLIB16_BASE_EXCEPTION_H
+#define RKXMLLIB16_BASE_EXCEPTION_H
 
 #include <memory>
 #include <string>

@@ -1,5 +1,5 @@
-#ifndef RKXMLLIB16_CORE_EXPORT_H
-#define RKXMLLIB16_CORE_EXPORT_H
+#ifndef RKXMLLIB16_BASE_EXPORT_H
+#define RKXMLLIB16_BASE_EXPORT_H
 
 // Marks what crosses the boundary of the shared library; everything else is hidden.
 #define RKXML_EXPORT __attribute__((visibility("default")))

@@ -1,5 +1,5 @@
-#ifndef RKXMLLIB16_SUPPORT_FORMAT_H
-#define RKXMLLIB16_SUPPORT_FORMAT_H
+#ifndef RKXMLLIB16_BASE_FORMAT_H
+#define RKXMLLIB16_BASE_FORMAT_H
 
 #include <cstdarg>
 #include <string>

@@ -1,5 +1,5 @@
-#ifndef RKXMLLIB16_SUPPORT_HUGEPAGES_H
-#define RKXMLLIB16_SUPPORT_HUGEPAGES_H
+#ifndef RKXMLLIB16_BASE_HUGEPAGES_H
+#define RKXMLLIB16_BASE_HUGEPAGES_H
 
 #include <cstddef>
 #include <cstdint>

@@ -1,5 +1,5 @@
-#ifndef RKXMLLIB16_CORE_LOCATION_H
-#define RKXMLLIB16_CORE_LOCATION_H
+#ifndef RKXMLLIB16_BASE_LOCATION_H
+#define RKXMLLIB16_BASE_LOCATION_H
 
 #include <cstdint>
 #include <string>

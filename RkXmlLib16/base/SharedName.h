@@ -1,5 +1,5 @@
-#ifndef RKXMLLIB16_CORE_SHAREDNAME_H
-#define RKXMLLIB16_CORE_SHAREDNAME_H
+#ifndef RKXMLLIB16_BASE_SHAREDNAME_H
+#define RKXMLLIB16_BASE_SHAREDNAME_H
 
 #include <string>
 #include <string_view>

@@ -1,5 +1,5 @@
-#ifndef RKXMLLIB16_CORE_SMARTPTR_H
-#define RKXMLLIB16_CORE_SMARTPTR_H
+#ifndef RKXMLLIB16_BASE_SMARTPTR_H
+#define RKXMLLIB16_BASE_SMARTPTR_H
 
 #include <cstddef>
 #include <utility>

@@ -1,5 +1,5 @@
-#ifndef RKXMLLIB16_XML_TEXT_H
-#define RKXMLLIB16_XML_TEXT_H
+#ifndef RKXMLLIB16_DOCUMENT_TEXT_H
+#define RKXMLLIB16_DOCUMENT_TEXT_H
 
 #include <cstddef>
 #include <string>

@@ -1,5 +1,5 @@
-#ifndef RKXMLLIB16_METADATA_REGEX_H
-#define RKXMLLIB16_METADATA_REGEX_H
+#ifndef RKXMLLIB16_FACETS_REGEX_H
+#define RKXMLLIB16_FACETS_REGEX_H
 
 #include <memory>
 #include <string>

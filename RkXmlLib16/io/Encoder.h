@@ -1,5 +1,5 @@
-#ifndef RKXMLLIB16_SUPPORT_ENCODER_H
-#define RKXMLLIB16_SUPPORT_ENCODER_H
+#ifndef RKXMLLIB16_IO_ENCODER_H
+#define RKXMLLIB16_IO_ENCODER_H
 
 #include <string>
 #include <string_view>

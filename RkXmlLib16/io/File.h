@@ -1,5 +1,5 @@
-#ifndef RKXMLLIB16_SUPPORT_FILE_H
-#define RKXMLLIB16_SUPPORT_FILE_H
+#ifndef RKXMLLIB16_IO_FILE_H
+#define RKXMLLIB16_IO_FILE_H
 
 #include <cstdio>
 #include <string>

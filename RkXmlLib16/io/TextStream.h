@@ -1,5 +1,5 @@
-#ifndef RKXMLLIB16_SUPPORT_TEXTSTREAM_H
-#define RKXMLLIB16_SUPPORT_TEXTSTREAM_H
+#ifndef RKXMLLIB16_IO_TEXTSTREAM_H
+#define RKXMLLIB16_IO_TEXTSTREAM_H
 
 #include <string>
 #include <string_view>

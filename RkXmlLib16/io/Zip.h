@@ -1,5 +1,5 @@
-#ifndef RKXMLLIB16_SUPPORT_ZIP_H
-#define RKXMLLIB16_SUPPORT_ZIP_H
+#ifndef RKXMLLIB16_IO_ZIP_H
+#define RKXMLLIB16_IO_ZIP_H
 
 #include "RkXmlLib16/base/Enumerations.h"
 #include "RkXmlLib16/base/Export.h"

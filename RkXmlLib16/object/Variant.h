@@ -1,5 +1,5 @@
-#ifndef RKXMLLIB16_TYPES_VARIANT_H
-#define RKXMLLIB16_TYPES_VARIANT_H
+#ifndef RKXMLLIB16_OBJECT_VARIANT_H
+#define RKXMLLIB16_OBJECT_VARIANT_H
 
 #include <cstdint>
 #include <optional>
