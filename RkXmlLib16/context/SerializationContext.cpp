@@ -4,7 +4,6 @@
 #include "RkXmlLib16/base/internal/TextOrEmpty.h"
 #include "RkXmlLib16/context/FastInfosetContext.h"
 #include "RkXmlLib16/context/JsonContext.h"
-#include "RkXmlLib16/object/XmlObjectBase.h"
 
 namespace RkXmlLib16 {
 
@@ -20,8 +19,6 @@ constexpr wchar_t kSetUnknownFirst[] =
 }  // namespace
 
 CSerializationContext CSerializationContext::m_defaultContext;
-
-const CSerializationContext& GetDefaultContext() noexcept { return CSerializationContext::m_defaultContext; }
 
 CSerializationContext::CSerializationContext() = default;
 CSerializationContext::~CSerializationContext() = default;

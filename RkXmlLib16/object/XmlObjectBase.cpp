@@ -1,9 +1,12 @@
 #include "RkXmlLib16/object/XmlObjectBase.h"
 
 #include "RkXmlLib16/base/internal/TextOrEmpty.h"
+#include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/facets/FacetChecks.h"
 
 namespace RkXmlLib16 {
+
+const CSerializationContext& GetDefaultContext() noexcept { return CSerializationContext::m_defaultContext; }
 
 void IEventSink::OnEvent(CXmlObjectBase* /*source*/, MsgType /*type*/, void* /*data*/) {}
 
