@@ -17,7 +17,6 @@ namespace RkXmlLib16 {
 class CAttributeCol;
 class CFastInfosetContext;
 class CJsonContext;
-class CXmlObjectBase;
 
 // The settings of a reading or writing call: leniency of the reader, choices of the writers, prefixes, extra content of
 // the root element. A value type; one context serves one call at a time.
@@ -93,7 +92,8 @@ class RKXML_EXPORT CSerializationContext {
   // Writing: processing instructions, each a whole text such as L"<?go now?>", before the root element. Edit in place.
   std::list<std::wstring>& GetProcessingInstructions() noexcept { return m_processingInstructions; }
   const std::list<std::wstring>& GetProcessingInstructions() const noexcept { return m_processingInstructions; }
-  // Writing: extra attributes of the root element, of any namespace. Created on first use; always the same collection.
+  // Writing: extra attributes of the root element, of any namespace. Created on first use, always the same collection.
+  // Implemented in wildcards/AttributeCol.cpp.
   CSmartPtr<CAttributeCol> GetAdditionalRootAttributes() const;
   // Whether GetAdditionalRootAttributes was called on this context or on the one it was copied from.
   bool HasAdditionalRootAttributes() const;
@@ -112,7 +112,7 @@ class RKXML_EXPORT CSerializationContext {
   std::wstring m_defaultNamespaceUri;
   bool m_writeTypeAttribute = true;
   CNamespaceAliasMap m_namespaceAliases;
-  mutable CSmartPtr<CXmlObjectBase> m_additionalRootAttributes;  // a CAttributeCol
+  mutable std::shared_ptr<CAttributeCol> m_additionalRootAttributes;  // holds one reference, which it releases
   std::list<std::wstring> m_processingInstructions;
   std::wstring m_inLineSchema;
   bool m_ignoreInvalidCollectionCounts = false;

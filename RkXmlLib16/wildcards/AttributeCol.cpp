@@ -131,8 +131,11 @@ std::wstring CAttributeCol::GetValue(const wchar_t* localName, const wchar_t* na
 
 CSmartPtr<CAttributeCol> CSerializationContext::GetAdditionalRootAttributes() const {
   const std::scoped_lock lock(m_lazyLock);
-  if (m_additionalRootAttributes == nullptr) m_additionalRootAttributes = new CAttributeCol;
-  return static_cast<CAttributeCol*>(m_additionalRootAttributes.Get());
+  if (m_additionalRootAttributes == nullptr) {
+    m_additionalRootAttributes.reset(CSmartPtr<CAttributeCol>(new CAttributeCol).Detach(),
+                                     [](CAttributeCol* attributes) { attributes->Release(); });
+  }
+  return m_additionalRootAttributes.get();
 }
 
 }  // namespace RkXmlLib16
