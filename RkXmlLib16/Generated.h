@@ -1,4 +1,4 @@
-// Everything that generated code needs: include this one header in the sources that a generator emits.
+// Everything that generated code needs: include this one header in the sources that a generator emits. Its path stays.
 #ifndef RKXMLLIB16_GENERATED_H
 #define RKXMLLIB16_GENERATED_H
 

@@ -37,6 +37,8 @@ class RKXML_EXPORT INillable {
 // Errors while writing are CRkValidationException "Failed to convert the element [%ls] to XML" around the cause, one
 // for each open element. An error while reading is wrapped once, as CRkValidationException "Failed to process the
 // element." with the path of the innermost element; the outer elements pass it on as a plain CRkException.
+//
+// Implemented in binding/GeneratedClass.cpp, GeneratedClassRead.cpp and GeneratedClassWrite.cpp.
 class RKXML_EXPORT CXmlGeneratedClass : public CXmlObjectBase {
  public:
   using CXmlObjectBase::AttributesToXml_Int;

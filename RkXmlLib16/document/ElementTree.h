@@ -222,6 +222,8 @@ class RKXML_EXPORT CXmlElement {
 //   document.Load(L"track.gpx.gz");
 //   for (CXmlElement* e = document.GetDocumentElement()->GetFirstElement(); e != nullptr; e =
 //   e->GetNextSiblingElement())
+//
+// Implemented in document/ElementTree.cpp; the load operations, which know all readers, in binding/DocumentLoad.cpp.
 class RKXML_EXPORT CXmlDocument {
  public:
   // Called for each element when it ends; true drops the element with its subtree, so that a document of any size is

@@ -19,6 +19,9 @@ class CXmlElement;
 class RkVariant;
 
 // Static checks of values against facets, of namespaces against constraints and of element names.
+//
+// Implemented in facets/; CheckRestriction, which knows the variant, in binding/FacetDispatch.cpp, DoesElementNameMatch
+// in document/internal/ElementNameMatch.cpp.
 class RKXML_EXPORT CXmlObjectHelper {
  public:
   // CheckRestrictionFor<type>: returns when the value satisfies every set facet that its type knows, else throws

@@ -21,6 +21,8 @@ class CSerializationContext;
 //
 // Syntax errors throw CRkValidationException with the JSON path and the place: lines count from 0, the position is the
 // number of characters since the last line feed, the offending one included.
+//
+// Implemented in json/JsonTextReader.cpp; ConvertJsonToXml in json/JsonToXml.cpp.
 class RKXML_EXPORT CJsonTextReader {
  public:
   // Converts JSON text to XML text in UTF-8 without declaration, by the JSON settings of the context: "@" members

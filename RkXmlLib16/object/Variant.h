@@ -35,6 +35,9 @@ class CSmartPtr;
 //
 // A value type: copies own their values and share objects and collections; moves are cheap. Every value lives in the
 // variant itself, scalars never allocate, and the storage of a text is kept for the next one.
+//
+// Implemented in object/Variant.cpp; SetXmlCollection, GetXmlCollection and TakeXmlCollection, which know the
+// collection, in collections/CollectionBase.cpp.
 class RKXML_EXPORT RkVariant {
  public:
   static constexpr std::uint32_t kXmlObject = 27;

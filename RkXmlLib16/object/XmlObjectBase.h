@@ -61,6 +61,10 @@ class RKXML_EXPORT IEventSink {
 //   order.FromXmlFile(L"order.xml");
 //   order.SetTotal(CDecimal(L"12.50"));
 //   CBinaryData bytes = order.ToXmlStream();
+//
+// Implemented in object/XmlObjectBase.cpp; what needs more stands in higher layers: entry points in
+// binding/EntryPoints*.cpp, Choice_ and Throw_ in binding/ChoiceHelpers.cpp, FireOn in collections/CollectionBase.cpp,
+// DoesElementNameMatch in document/internal/ElementNameMatch.cpp.
 class RKXML_EXPORT CXmlObjectBase : public IEventSink {
  public:
   CXmlObjectBase();

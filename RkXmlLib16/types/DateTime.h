@@ -38,6 +38,8 @@ constexpr short g_monthDayInYear[12] = {0, 31, 59, 90, 120, 151, 181, 212, 243, 
 //   (d + CDateTimeSpan(1, 0, 0, 0, 0, 0)).ToString();  // "2025-02-28T08:30:00-05:30"
 //
 // Unless said otherwise failures are CRkInvalidValueException; a failed parse leaves the fields read so far.
+//
+// Implemented in types/DateTime.cpp; arithmetic and comparison in types/DateTimeArithmetic.cpp.
 class RKXML_EXPORT CDateTime {
  public:
   CDateTime();
