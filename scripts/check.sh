@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Checks format (clang-format), lint (clang-tidy), plain faults (cppcheck) and the way of the includes.
+# Checks format (clang-format), lint (clang-tidy), plain faults (cppcheck) and the layers.
 #
 #   scripts/check.sh           over the files that differ from the branch main
 #   scripts/check.sh --all     over every file
@@ -23,8 +23,8 @@ esac
 [ ${#files[@]} -gt 0 ] || { echo "check: no file to look at"; exit 0; }
 
 failed=0
-echo "== rooms"
-scripts/check_rooms.sh || failed=1
+echo "== layers"
+scripts/check_layers.sh || failed=1
 echo "== clang-format"
 clang-format --dry-run -Werror "${files[@]}" || failed=1
 
