@@ -17,20 +17,17 @@ namespace RkXmlLib16 {
 
 namespace {
 
+const locale_t kCLocale = newlocale(LC_ALL_MASK, "C", locale_t{});  // takes no memory
+
 // Numbers print as in the C locale in this thread while it lives, whatever the host program set.
 class ScopedCLocale {
  public:
-  ScopedCLocale() : m_previous(uselocale(CLocale())) {}
+  ScopedCLocale() : m_previous(uselocale(kCLocale)) {}
   ScopedCLocale(const ScopedCLocale&) = delete;
   ScopedCLocale& operator=(const ScopedCLocale&) = delete;
   ~ScopedCLocale() { uselocale(m_previous); }
 
  private:
-  static locale_t CLocale() {
-    static const locale_t locale = newlocale(LC_ALL_MASK, "C", locale_t{});
-    return locale;
-  }
-
   locale_t m_previous;
 };
 

@@ -2,10 +2,13 @@
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/base/internal/NeverDestroyed.h"
 
 namespace RkXmlLib16 {
 
 namespace {
+
+const CNeverDestroyed<std::wstring> kLibraryNamespace(L"urn:rkxmllib16:fast-infoset");
 
 constexpr EncodedCharacterString Alphabet(FIRestrictedAlphabet index) {
   return {FIStringEncoding_RestrictedAlphabet, static_cast<unsigned long>(index)};
@@ -49,7 +52,7 @@ constexpr struct {
 
 }  // namespace
 
-const std::wstring CFastInfosetContext::LIBRARY_NAMESPACE = L"urn:rkxmllib16:fast-infoset";
+const std::wstring& CFastInfosetContext::LIBRARY_NAMESPACE = kLibraryNamespace.Get();
 
 CFastInfosetContext::CFastInfosetContext() = default;
 

@@ -84,7 +84,7 @@ class RKXML_EXPORT CFastInfosetContext {
   const CFIVocabulary& GetVocabulary() const noexcept { return m_vocabulary; }
 
   // The library's own namespace.
-  static const std::wstring LIBRARY_NAMESPACE;
+  static const std::wstring& LIBRARY_NAMESPACE;
 
  private:
   std::array<EncodedCharacterString, ItemType_integer + 1> m_encodings;

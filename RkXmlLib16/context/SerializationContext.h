@@ -2,12 +2,11 @@
 #define RKXMLLIB16_CONTEXT_SERIALIZATIONCONTEXT_H
 
 #include <list>
-#include <memory>
-#include <mutex>
 #include <string>
 
 #include "RkXmlLib16/base/Enumerations.h"
 #include "RkXmlLib16/base/Export.h"
+#include "RkXmlLib16/base/LazyPart.h"
 #include "RkXmlLib16/base/SmartPtr.h"
 #include "RkXmlLib16/context/NamespaceAliasMap.h"
 #include "RkXmlLib16/context/ReadLimits.h"
@@ -33,65 +32,70 @@ class RKXML_EXPORT CSerializationContext {
   CSerializationContext& operator=(const CSerializationContext& other);
   virtual ~CSerializationContext();
 
-  // Used wherever no context is given.
+  // Used wherever no context is given. It stays as it is when the process ends: threads that still run, and destructors
+  // of static objects, may use it.
   static CSerializationContext m_defaultContext;
 
   // Reading: drop attributes that the class does not know.
-  bool GetIgnoreUnknownAttributes() const noexcept { return m_ignoreUnknownAttributes; }
-  void SetIgnoreUnknownAttributes(bool ignore) noexcept { m_ignoreUnknownAttributes = ignore; }
+  bool GetIgnoreUnknownAttributes() const noexcept { return m_settings.ignoreUnknownAttributes; }
+  void SetIgnoreUnknownAttributes(bool ignore) noexcept { m_settings.ignoreUnknownAttributes = ignore; }
   // Reading: skip elements that the class does not know. Throws CRkInvalidStateException when missing mandatory
   // elements are ignored already: with both, a misplaced element could silently stand for a missing one.
-  bool GetIgnoreUnknownElements() const noexcept { return m_ignoreUnknownElements; }
+  bool GetIgnoreUnknownElements() const noexcept { return m_settings.ignoreUnknownElements; }
   void SetIgnoreUnknownElements(bool ignore);
   // Reading: accept that mandatory elements are absent. Throws CRkInvalidStateException when unknown elements are
   // ignored already.
-  bool GetIgnoreMissingMandatoryElements() const noexcept { return m_ignoreMissingMandatoryElements; }
+  bool GetIgnoreMissingMandatoryElements() const noexcept { return m_settings.ignoreMissingMandatoryElements; }
   void SetIgnoreMissingMandatoryElements(bool ignore);
   // Accept a choice with no member set.
-  bool GetIgnoreMissingChoice() const noexcept { return m_ignoreMissingChoice; }
-  void SetIgnoreMissingChoice(bool ignore) noexcept { m_ignoreMissingChoice = ignore; }
+  bool GetIgnoreMissingChoice() const noexcept { return m_settings.ignoreMissingChoice; }
+  void SetIgnoreMissingChoice(bool ignore) noexcept { m_settings.ignoreMissingChoice = ignore; }
   // Do not enforce the occurrence limits of collections.
-  bool GetIgnoreInvalidCollectionCounts() const noexcept { return m_ignoreInvalidCollectionCounts; }
-  void SetIgnoreInvalidCollectionCounts(bool ignore) noexcept { m_ignoreInvalidCollectionCounts = ignore; }
+  bool GetIgnoreInvalidCollectionCounts() const noexcept { return m_settings.ignoreInvalidCollectionCounts; }
+  void SetIgnoreInvalidCollectionCounts(bool ignore) noexcept { m_settings.ignoreInvalidCollectionCounts = ignore; }
   // Reading: match names without their namespaces. Also true for schema type 2.
-  bool GetIgnoreNamespaces() const noexcept { return m_ignoreNamespaces || m_schemaType == SchemaType_NoNamespaces; }
-  void SetIgnoreNamespaces(bool ignore) noexcept { m_ignoreNamespaces = ignore; }
+  bool GetIgnoreNamespaces() const noexcept {
+    return m_settings.ignoreNamespaces || m_settings.schemaType == SchemaType_NoNamespaces;
+  }
+  void SetIgnoreNamespaces(bool ignore) noexcept { m_settings.ignoreNamespaces = ignore; }
   // The flag alone, without the schema type.
-  bool GetIgnoreNamespacesFlag() const noexcept { return m_ignoreNamespaces; }
-  SchemaType GetSchemaType() const noexcept { return m_schemaType; }
-  void SetSchemaType(SchemaType type) noexcept { m_schemaType = type; }
+  bool GetIgnoreNamespacesFlag() const noexcept { return m_settings.ignoreNamespaces; }
+  SchemaType GetSchemaType() const noexcept { return m_settings.schemaType; }
+  void SetSchemaType(SchemaType type) noexcept { m_settings.schemaType = type; }
   // Writing: leave out an optional attribute whose value is its default.
-  bool GetNoOptionalAttributeDefaultOutput() const noexcept { return m_noOptionalAttributeDefaultOutput; }
-  void SetNoOptionalAttributeDefaultOutput(bool omit) noexcept { m_noOptionalAttributeDefaultOutput = omit; }
+  bool GetNoOptionalAttributeDefaultOutput() const noexcept { return m_settings.noOptionalAttributeDefaultOutput; }
+  void SetNoOptionalAttributeDefaultOutput(bool omit) noexcept { m_settings.noOptionalAttributeDefaultOutput = omit; }
   // Writing: write the text of an element that holds its default (otherwise the element is written empty).
-  bool GetWriteDefaultElementValues() const noexcept { return m_writeDefaultElementValues; }
-  void SetWriteDefaultElementValues(bool write) noexcept { m_writeDefaultElementValues = write; }
+  bool GetWriteDefaultElementValues() const noexcept { return m_settings.writeDefaultElementValues; }
+  void SetWriteDefaultElementValues(bool write) noexcept { m_settings.writeDefaultElementValues = write; }
   // Writing: mark objects of a derived type with xsi:type.
-  bool GetWriteTypeAttribute() const noexcept { return m_writeTypeAttribute; }
-  void SetWriteTypeAttribute(bool write) noexcept { m_writeTypeAttribute = write; }
+  bool GetWriteTypeAttribute() const noexcept { return m_settings.writeTypeAttribute; }
+  void SetWriteTypeAttribute(bool write) noexcept { m_settings.writeTypeAttribute = write; }
   // Writing: refuse what a reader would not give back as it was. Off at first.
-  bool GetWellFormedOutput() const noexcept { return m_wellFormedOutput; }
-  void SetWellFormedOutput(bool refuse) noexcept { m_wellFormedOutput = refuse; }
+  bool GetWellFormedOutput() const noexcept { return m_settings.wellFormedOutput; }
+  void SetWellFormedOutput(bool refuse) noexcept { m_settings.wellFormedOutput = refuse; }
   // Reading: deliver CDATA sections as plain text (otherwise the text keeps the "<![CDATA[" and "]]>" marks).
-  bool GetStripCDATA() const noexcept { return m_stripCDATA; }
-  void SetStripCDATA(bool strip) noexcept { m_stripCDATA = strip; }
+  bool GetStripCDATA() const noexcept { return m_settings.stripCDATA; }
+  void SetStripCDATA(bool strip) noexcept { m_settings.stripCDATA = strip; }
   // Writing: the namespace that the root element declares as default and that is written without prefix.
-  std::wstring GetDefaultNamespaceURI() const { return m_defaultNamespaceUri; }
+  std::wstring GetDefaultNamespaceURI() const { return m_settings.defaultNamespaceUri; }
   void SetDefaultNamespaceURI(const wchar_t* namespaceUri);
   // Writing: schema text placed unchanged inside the root element.
-  std::wstring GetInLineSchema() const { return m_inLineSchema; }
+  std::wstring GetInLineSchema() const { return m_settings.inLineSchema; }
   void SetInLineSchema(const wchar_t* schemaText);
   // Writing: the text repeated once per nesting level; tabs and blanks only, null for none. One tab at first.
   // Throws CRkInvalidParamException and keeps the old text.
-  std::wstring GetIndentChars() const { return m_indentChars; }
+  std::wstring GetIndentChars() const { return m_settings.indentChars; }
   void SetIndentChars(const wchar_t* text);
 
   // Writing: the prefixes declared on the root element. Edit in place.
-  CNamespaceAliasMap& GetNamespaceAliases() noexcept { return m_namespaceAliases; }
-  const CNamespaceAliasMap& GetNamespaceAliases() const noexcept { return m_namespaceAliases; }
+  CNamespaceAliasMap& GetNamespaceAliases() noexcept { return m_settings.namespaceAliases; }
+  const CNamespaceAliasMap& GetNamespaceAliases() const noexcept { return m_settings.namespaceAliases; }
   // Writing: processing instructions, each a whole text such as L"<?go now?>", before the root element. Edit in place.
-  std::list<std::wstring>& GetProcessingInstructions() noexcept { return m_processingInstructions; }
-  const std::list<std::wstring>& GetProcessingInstructions() const noexcept { return m_processingInstructions; }
+  std::list<std::wstring>& GetProcessingInstructions() noexcept { return m_settings.processingInstructions; }
+  const std::list<std::wstring>& GetProcessingInstructions() const noexcept {
+    return m_settings.processingInstructions;
+  }
   // Writing: extra attributes of the root element, of any namespace. Created on first use, always the same collection.
   // Implemented in wildcards/AttributeCol.cpp.
   CSmartPtr<CAttributeCol> GetAdditionalRootAttributes() const;
@@ -103,32 +107,37 @@ class RKXML_EXPORT CSerializationContext {
   CJsonContext* GetJsonContext() const;
 
   // Reading: how much a document may ask for. Edit in place.
-  CReadLimits& GetLimits() noexcept { return m_limits; }
-  const CReadLimits& GetLimits() const noexcept { return m_limits; }
+  CReadLimits& GetLimits() noexcept { return m_settings.limits; }
+  const CReadLimits& GetLimits() const noexcept { return m_settings.limits; }
 
  private:
-  mutable std::shared_ptr<CFastInfosetContext> m_fastInfosetContext;
-  mutable std::shared_ptr<CJsonContext> m_jsonContext;
-  std::wstring m_defaultNamespaceUri;
-  bool m_writeTypeAttribute = true;
-  CNamespaceAliasMap m_namespaceAliases;
-  mutable std::shared_ptr<CAttributeCol> m_additionalRootAttributes;  // holds one reference, which it releases
-  std::list<std::wstring> m_processingInstructions;
-  std::wstring m_inLineSchema;
-  bool m_ignoreInvalidCollectionCounts = false;
-  bool m_ignoreMissingChoice = false;
-  bool m_ignoreMissingMandatoryElements = false;
-  bool m_ignoreUnknownElements = false;
-  bool m_ignoreUnknownAttributes = false;
-  bool m_ignoreNamespaces = false;
-  SchemaType m_schemaType = SchemaType_Xsd;
-  bool m_noOptionalAttributeDefaultOutput = false;
-  bool m_writeDefaultElementValues = false;
-  bool m_wellFormedOutput = false;
-  bool m_stripCDATA = true;
-  std::wstring m_indentChars = L"\t";
-  CReadLimits m_limits;
-  mutable std::mutex m_lazyLock;  // guards the creation of the three members that const getters create
+  struct Settings {
+    CLazyPart<CFastInfosetContext> fastInfosetContext;
+    CLazyPart<CJsonContext> jsonContext;
+    std::wstring defaultNamespaceUri;
+    bool writeTypeAttribute = true;
+    CNamespaceAliasMap namespaceAliases;
+    CLazyPart<CAttributeCol> additionalRootAttributes;  // holds one reference, which it releases
+    std::list<std::wstring> processingInstructions;
+    std::wstring inLineSchema;
+    bool ignoreInvalidCollectionCounts = false;
+    bool ignoreMissingChoice = false;
+    bool ignoreMissingMandatoryElements = false;
+    bool ignoreUnknownElements = false;
+    bool ignoreUnknownAttributes = false;
+    bool ignoreNamespaces = false;
+    SchemaType schemaType = SchemaType_Xsd;
+    bool noOptionalAttributeDefaultOutput = false;
+    bool writeDefaultElementValues = false;
+    bool wellFormedOutput = false;
+    bool stripCDATA = true;
+    std::wstring indentChars = L"\t";
+    CReadLimits limits;
+  };
+
+  union {  // destroyed by the destructor of every context but the default one
+    Settings m_settings;
+  };
 };
 
 }  // namespace RkXmlLib16

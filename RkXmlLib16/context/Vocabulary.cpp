@@ -222,9 +222,9 @@ void CFIVocabulary::AddQNameToVector(unsigned long prefixIndex, unsigned long na
   vector.Append({prefixIndex, namespaceNameIndex, localNameIndex});
 }
 
-const std::vector<std::wstring>& CFIVocabulary::GetRestrictedAlphabets() {
-  static const std::vector<std::wstring> alphabets = {L"0123456789-+.e ", L"0123456789-:TZ "};
-  return alphabets;
+const std::array<std::wstring_view, 2>& CFIVocabulary::GetRestrictedAlphabets() noexcept {
+  static constexpr std::array<std::wstring_view, 2> kAlphabets = {L"0123456789-+.e ", L"0123456789-:TZ "};
+  return kAlphabets;
 }
 
 }  // namespace RkXmlLib16

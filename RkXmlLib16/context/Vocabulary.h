@@ -1,6 +1,7 @@
 #ifndef RKXMLLIB16_CONTEXT_VOCABULARY_H
 #define RKXMLLIB16_CONTEXT_VOCABULARY_H
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -221,7 +222,7 @@ class RKXML_EXPORT CFIVocabulary {
   const CFIQNameTable& GetAttributeNamesTable() const noexcept { return m_attributeNames; }
 
   // The restricted alphabets, index 1 first: numeric, date and time. No document adds one.
-  static const std::vector<std::wstring>& GetRestrictedAlphabets();
+  static const std::array<std::wstring_view, 2>& GetRestrictedAlphabets() noexcept;
 
  private:
   CFIStringTable m_prefixNames;

@@ -8,11 +8,16 @@
 #include <vector>
 
 #include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/internal/NeverDestroyed.h"
 #include "RkXmlLib16/base/internal/WideText.h"
 
 namespace RkXmlLib16 {
 
 namespace {
+
+const CNeverDestroyed<std::wstring> kXmlNamespace(L"http://www.w3.org/XML/1998/namespace");
+const CNeverDestroyed<std::wstring> kXsiNamespace(L"http://www.w3.org/2001/XMLSchema-instance");
+const CNeverDestroyed<std::wstring> kXmlnsNamespace(L"http://www.w3.org/2000/xmlns/");
 
 using Declaration = CXmlWriter::NamespaceMap::value_type;
 
@@ -309,9 +314,9 @@ const std::wstring& CXmlWriter::CXmlWriterContext::InventPrefix(const std::wstri
   return scope.Find(namespaceUri)->second;
 }
 
-const std::wstring CXmlWriter::XML_NAMESPACE = L"http://www.w3.org/XML/1998/namespace";
-const std::wstring CXmlWriter::XSI_NAMESPACE = L"http://www.w3.org/2001/XMLSchema-instance";
-const std::wstring CXmlWriter::XMLNS_NAMESPACE = L"http://www.w3.org/2000/xmlns/";
+const std::wstring& CXmlWriter::XML_NAMESPACE = kXmlNamespace.Get();
+const std::wstring& CXmlWriter::XSI_NAMESPACE = kXsiNamespace.Get();
+const std::wstring& CXmlWriter::XMLNS_NAMESPACE = kXmlnsNamespace.Get();
 
 CXmlWriter::CXmlWriter() { m_namespaces[XML_NAMESPACE] = L"xml"; }
 

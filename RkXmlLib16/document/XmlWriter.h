@@ -142,11 +142,11 @@ class RKXML_EXPORT CXmlWriter {
   static std::wstring NsIntToString(int n);
 
   // The namespace bound to the prefix xml.
-  static const std::wstring XML_NAMESPACE;
+  static const std::wstring& XML_NAMESPACE;
   // The XML Schema instance namespace (xsi:type, xsi:nil).
-  static const std::wstring XSI_NAMESPACE;
+  static const std::wstring& XSI_NAMESPACE;
   // The namespace bound to the prefix xmlns.
-  static const std::wstring XMLNS_NAMESPACE;
+  static const std::wstring& XMLNS_NAMESPACE;
 
  protected:
   // Opens a context under the present one and makes it current. The root element's default namespace is the writer's

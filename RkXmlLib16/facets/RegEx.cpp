@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <new>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -12,6 +13,7 @@
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/base/internal/ThreadObject.h"
 #include "RkXmlLib16/facets/internal/PlainPattern.h"
 #include "RkXmlLib16/io/Encoder.h"
 #include "RkXmlLib16/types/BinaryData.h"
@@ -46,6 +48,10 @@ Owner Require(Owner owner) {
   if (owner == nullptr) throw std::bad_alloc();
   return owner;
 }
+
+struct WorkingMemory {
+  MatchData data = Require(MatchData(pcre2_match_data_create(1, nullptr)));
+};
 
 // UTF-8, borrowed.
 struct Subject {
@@ -145,10 +151,9 @@ bool CRegEx::Matches(const std::wstring& value) const {
   const pcre2_code* const code = m_engine->code.get();
   pcre2_match_context* const limits = m_engine->limits.get();
   // The engine's working memory is kept for short values, which need little of it.
-  thread_local const auto kept = Require(MatchData(pcre2_match_data_create(1, nullptr)));
-  MatchData own;
-  if (subject.size > kShortValue) own = Require(MatchData(pcre2_match_data_create(1, nullptr)));
-  pcre2_match_data* const data = own != nullptr ? own.get() : kept.get();
+  const WorkingMemory* const kept = subject.size <= kShortValue ? CThreadObject<WorkingMemory>::Get() : nullptr;
+  std::optional<WorkingMemory> own;
+  pcre2_match_data* const data = (kept != nullptr ? *kept : own.emplace()).data.get();
 
   // 0: it matched, and there was no room for the groups inside it.
   int result = pcre2_match(code, subject.bytes, subject.size, 0, PCRE2_NO_UTF_CHECK, data, limits);

@@ -578,7 +578,7 @@ void CFastInfosetReader::NonEmptyOctetRestrictedAlphabetString(unsigned long alp
         L"2^20 characters.");
   }
   InitBits(octets, length);
-  const std::wstring& characters = alphabets[alphabet - 1];
+  const std::wstring_view characters = alphabets[alphabet - 1];
   const int width = FastInfoset::BitsPerCharacter(characters.length());
   m_text.resize(length * 8 / static_cast<std::size_t>(width));
   std::size_t charCount = 0;

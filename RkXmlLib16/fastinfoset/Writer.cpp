@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
@@ -28,7 +29,7 @@ constexpr std::size_t kFewBindings = 16;  // up to so many are searched one by o
 
 // A restricted alphabet and where its characters, which are ASCII, stand in it.
 struct Alphabet {
-  explicit Alphabet(const std::wstring& text) : length(text.length()) {
+  explicit Alphabet(std::wstring_view text) : length(text.length()) {
     positions.fill(-1);
     for (std::size_t i = 0; i < length; ++i) positions[static_cast<std::size_t>(text[i])] = static_cast<int>(i);
   }
@@ -41,13 +42,14 @@ struct Alphabet {
   std::array<int, 128> positions;
 };
 
+const Alphabet kAlphabets[] = {Alphabet(CFIVocabulary::GetRestrictedAlphabets()[0]),
+                               Alphabet(CFIVocabulary::GetRestrictedAlphabets()[1])};
+
 const Alphabet& FindAlphabet(unsigned long index) {
-  static const auto& texts = CFIVocabulary::GetRestrictedAlphabets();
-  static const std::vector<Alphabet> alphabets(texts.begin(), texts.end());
-  if (index < 1 || index > alphabets.size()) {
+  if (index < 1 || index > std::size(kAlphabets)) {
     throw CRkException(FormatString(L"Failed to write FastInfoset. Invalid Restricted Alphabet value [%lu]", index));
   }
-  return alphabets[index - 1];
+  return kAlphabets[index - 1];
 }
 
 // Packs the text at the end of `octets`; false, and nothing appended, when the alphabet lacks a character.

@@ -6,6 +6,7 @@
 #include <iterator>
 
 #include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/internal/NeverDestroyed.h"
 #include "RkXmlLib16/base/internal/WideText.h"
 #include "RkXmlLib16/document/internal/LineEnd.h"
 #include "RkXmlLib16/io/TextStream.h"
@@ -17,8 +18,8 @@ namespace {
 constexpr std::size_t kFlushLength = 4096;
 constexpr std::size_t kShortText = 64;
 constexpr std::size_t kLongestEscape = 6;  // of one character
-const std::wstring kNone;
-const std::wstring kNull = L"null";
+const CNeverDestroyed<std::wstring> kNone;
+const CNeverDestroyed<std::wstring> kNull(L"null");
 
 [[noreturn]] void ThrowUnknownNamespace(const std::wstring& name) {
   throw CRkException(L"Unknown Namespace: " + name + L".");
@@ -211,7 +212,7 @@ void CJsonTextWriter::WriteStartElement(const std::wstring& localName, const std
   if (root && keyHasPrefix) {
     DeclareNamespaces();
   } else if (!item) {
-    PutKey(start, {}, keyHasPrefix ? *FindElementPrefix(namespaceUri) : kNone, localName);
+    PutKey(start, {}, keyHasPrefix ? *FindElementPrefix(namespaceUri) : kNone.Get(), localName);
   } else {
     Put(start);
   }
@@ -229,7 +230,7 @@ void CJsonTextWriter::DeclareNamespaces() {
     PutKey(Indent(root.m_depth), {}, prefix, root.m_localName.Get());
     WriteNamespaceMember(prefix, root.m_namespaceUri.Get());
   }
-  if (!root.GetDefaultNamespace().empty()) WriteNamespaceMember(kNone, root.GetDefaultNamespace());
+  if (!root.GetDefaultNamespace().empty()) WriteNamespaceMember(kNone.Get(), root.GetDefaultNamespace());
   for (const auto& [uri, prefix] : m_namespaces) {
     if (uri != XML_NAMESPACE && !prefix.empty()) WriteNamespaceMember(prefix, uri);
   }
@@ -287,12 +288,12 @@ void CJsonTextWriter::WriteEndElement() {
 void CJsonTextWriter::WriteTextElement(const std::wstring& localName, const std::wstring& namespaceUri,
                                        const std::wstring& text, ItemType type) {
   const bool isMember = m_context != nullptr && !ContinuesArray(localName, namespaceUri);
-  const std::wstring* prefix = &kNone;
+  const std::wstring* prefix = &kNone.Get();
   if (isMember && m_roundTrip == JsonRoundTrip_Namespaces) prefix = FindElementPrefix(namespaceUri);
   if (!isMember || prefix == nullptr) return CXmlWriter::WriteTextElement(localName, namespaceUri, text, type);
   const std::uint32_t id = GetLastingId(localName, namespaceUri);
   if (text.empty())
-    WriteMember({}, *prefix, localName, id, kNull, /*quoted=*/false);
+    WriteMember({}, *prefix, localName, id, kNull.Get(), /*quoted=*/false);
   else
     WriteMember({}, *prefix, localName, id, text, NeedsQuotes(text, type));
 }
@@ -302,7 +303,7 @@ void CJsonTextWriter::WriteAttributeString(const std::wstring& localName, const 
   RequireOpenElement();
   if (m_roundTrip != JsonRoundTrip_Namespaces && namespaceUri == XMLNS_NAMESPACE) return;
   const bool prefixed = m_roundTrip == JsonRoundTrip_Namespaces && !namespaceUri.empty();
-  const std::wstring* prefix = prefixed ? FindAttributePrefix(namespaceUri) : &kNone;
+  const std::wstring* prefix = prefixed ? FindAttributePrefix(namespaceUri) : &kNone.Get();
   if (prefix == nullptr) ThrowUnknownNamespace(localName);
   const std::wstring_view marker = m_roundTrip == JsonRoundTrip_Plain ? std::wstring_view() : L"@";
   WriteMember(marker, *prefix, localName, GetLastingId(localName, namespaceUri), value, NeedsQuotes(value, type));
@@ -412,7 +413,7 @@ void CJsonTextWriter::WriteItemAsMember(CXmlWriterContext& item) {
   CloseArray(owner, Owner(), false);
   item.m_depth = owner.m_depth + 1;
   SeparateItem(item);
-  PutKey({}, {}, kNone, item.m_localName.Get());
+  PutKey({}, {}, kNone.Get(), item.m_localName.Get());
 }
 
 void CJsonTextWriter::WriteTextMember(const std::wstring& text, ItemType type) {
@@ -426,7 +427,7 @@ void CJsonTextWriter::WriteTextMember(const std::wstring& text, ItemType type) {
 void CJsonTextWriter::WriteNamespaceMember(const std::wstring& prefix, const std::wstring& namespaceUri) {
   OpenMember();
   if (prefix.empty())
-    PutKey(LineStart(m_context->m_depth + 1), L"@", kNone, L"xmlns");
+    PutKey(LineStart(m_context->m_depth + 1), L"@", kNone.Get(), L"xmlns");
   else
     PutKey(LineStart(m_context->m_depth + 1), L"@", L"xmlns", prefix);
   Put(L"\"");
@@ -435,7 +436,7 @@ void CJsonTextWriter::WriteNamespaceMember(const std::wstring& prefix, const std
 }
 
 const std::wstring* CJsonTextWriter::FindElementPrefix(const std::wstring& namespaceUri) const {
-  if (namespaceUri.empty() || m_context->IsDefaultNamespace(namespaceUri)) return &kNone;
+  if (namespaceUri.empty() || m_context->IsDefaultNamespace(namespaceUri)) return &kNone.Get();
   return FindAttributePrefix(namespaceUri);
 }
 
@@ -482,9 +483,9 @@ void CJsonTextWriter::MakeHead(MemberHead& head, std::uint32_t lastingId, std::i
   head.id = lastingId;
   head.isMarked = !marker.empty();
   head.level = level;
-  head.length = start.size() + KeyLength(marker, kNone, localName);
+  head.length = start.size() + KeyLength(marker, kNone.Get(), localName);
   if (head.length > std::size(text)) return;
-  const wchar_t* const end = CopyKey(WideText::Copy(text, start), marker, kNone, localName);
+  const wchar_t* const end = CopyKey(WideText::Copy(text, start), marker, kNone.Get(), localName);
   head.length = static_cast<std::size_t>(end - text);
   std::fill(std::copy_n(text, std::min(head.length, MemberHead::kLongest), head.text), std::end(head.text), L'\0');
 }

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/internal/NeverDestroyed.h"
 #include "RkXmlLib16/context/JsonContext.h"
 #include "RkXmlLib16/context/ReadLimits.h"
 #include "RkXmlLib16/context/SerializationContext.h"
@@ -17,7 +18,8 @@ namespace RkXmlLib16 {
 
 namespace {
 
-const std::wstring kNoNamespace;
+const CNeverDestroyed<std::wstring> kNoNamespace;
+const CNeverDestroyed<std::wstring> kLess(L"<");
 
 }  // namespace
 
@@ -85,10 +87,7 @@ void CJsonReaderToXmlHandler::ReadString(const std::wstring& value) {
 
 void CJsonReaderToXmlHandler::ReadNumber(const std::wstring& lexical) { ReadString(lexical); }
 
-void CJsonReaderToXmlHandler::ReadBool(bool value) {
-  static const std::wstring kTexts[] = {L"false", L"true"};
-  ReadString(kTexts[value]);
-}
+void CJsonReaderToXmlHandler::ReadBool(bool value) { ReadString(value ? L"true" : L"false"); }
 
 // An element stays empty; an attribute, a text and an item after the first leave nothing.
 void CJsonReaderToXmlHandler::ReadNull() {
@@ -139,7 +138,7 @@ void CJsonReaderToXmlHandler::ReadEndArray() {
 
 void CJsonReaderToXmlHandler::StartElement(const std::wstring& name) {
   try {
-    m_writer.WriteStartElement(name, kNoNamespace);
+    m_writer.WriteStartElement(name, kNoNamespace.Get());
   } catch (const CRkException&) {
     Fail(L"Failed to convert name '" + name + L"' to Element name in XML.");
   }
@@ -148,15 +147,14 @@ void CJsonReaderToXmlHandler::StartElement(const std::wstring& name) {
 void CJsonReaderToXmlHandler::EndElement() { m_writer.WriteEndElement(); }
 
 void CJsonReaderToXmlHandler::WriteText(const std::wstring& value) {
-  static const std::wstring kLess = L"<";
   static constexpr std::wstring_view kCData = L"<![CDATA[";
   const auto fail = [&] { Fail(L"Failed to convert value '" + value + L"' to Element string value in XML."); };
   if (!IsXmlText(value)) fail();
   try {
     if (value.compare(0, kCData.size(), kCData) == 0) {
       // The writer takes a text that begins so for a finished section; in two pieces it escapes it.
-      m_writer.WriteString(kLess, ItemType_string);
-      m_writer.WriteString(value.substr(kLess.size()), ItemType_string);
+      m_writer.WriteString(kLess.Get(), ItemType_string);
+      m_writer.WriteString(value.substr(kLess.Get().size()), ItemType_string);
     } else {
       m_writer.WriteString(value, ItemType_string);
     }
@@ -174,7 +172,7 @@ void CJsonReaderToXmlHandler::WriteAttribute(const std::wstring& value) {
     if (declares)
       m_writer.WriteDeclaration(name.substr(std::min(name.size(), kXmlns.size() + 1)), value);
     else
-      m_writer.WriteAttributeString(m_name, kNoNamespace, value, ItemType_string);
+      m_writer.WriteAttributeString(m_name, kNoNamespace.Get(), value, ItemType_string);
   } catch (const CRkException&) {
     FailAttributeValue(value);
   }

@@ -5,6 +5,7 @@
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
 #include "RkXmlLib16/base/SmartPtr.h"
+#include "RkXmlLib16/base/internal/NeverDestroyed.h"
 #include "RkXmlLib16/object/XmlObjectBase.h"
 #include "RkXmlLib16/types/Conversions.h"
 
@@ -26,10 +27,7 @@ constexpr const wchar_t* kTypeNames[] = {
 
 // What a nil variant gives.
 template <class T>
-[[gnu::noinline]] const T& Empty() {
-  static const T empty{};
-  return empty;
-}
+const CNeverDestroyed<T> kEmpty;
 
 // Calls `call` with the kind as a compile-time constant, for the type codes 1 to 26.
 template <class Call>
@@ -185,7 +183,7 @@ template <class T>
 const T& RkVariant::Owned(std::uint32_t type) const {
   RequireType(type);
   if (const T* const value = m_owned.Find<T>()) return *value;
-  return Empty<T>();
+  return kEmpty<T>.Get();
 }
 
 #define RKXML_SCALAR(Name, Type, slot, Item)       \

@@ -7,8 +7,6 @@
 
 namespace RkXmlLib16 {
 
-const wchar_t CBase64::m_sBase64Alphabet[65] = L"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-
 std::wstring CBase64::Encode(const unsigned char* data, unsigned long length) {
   std::wstring text((length / 3 + (length % 3 != 0 ? 1 : 0)) * 4, L'=');
   wchar_t* out = text.data();
@@ -27,9 +25,9 @@ std::wstring CBase64::Encode(const unsigned char* data, unsigned long length) {
 
 unsigned long CBase64::Decode(const wchar_t* text, unsigned char* data) {
   enum : signed char { kForeign = -1, kSpace = -2, kPad = -3 };
-  static const std::array<signed char, 128> kValues = [] {
-    std::array<signed char, 128> values;
-    values.fill(kForeign);
+  static constexpr std::array<signed char, 128> kValues = [] {
+    std::array<signed char, 128> values{};
+    for (signed char& value : values) value = kForeign;
     for (signed char i = 0; i < 64; ++i) values[static_cast<std::size_t>(m_sBase64Alphabet[i])] = i;
     for (const wchar_t space : {L' ', L'\t', L'\r', L'\n'}) values[static_cast<std::size_t>(space)] = kSpace;
     values['='] = kPad;

@@ -25,7 +25,7 @@ class RKXML_EXPORT CBase64 {
   static unsigned Write(unsigned quantum, int group, unsigned value) { return quantum | value << (18 - 6 * group); }
 
  private:
-  static const wchar_t m_sBase64Alphabet[65];
+  static constexpr wchar_t m_sBase64Alphabet[65] = L"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
   static constexpr unsigned m_nMask[4] = {0xFC0000, 0x03F000, 0x000FC0, 0x00003F};
 };
 

@@ -25,6 +25,8 @@ namespace {
 using std::wstring;
 using std::wstring_view;
 
+const locale_t kCLocale = newlocale(LC_ALL_MASK, "C", locale_t{});  // takes no memory
+
 using Ascii::IsDigit;
 // White space to the number parsers of the C locale.
 constexpr bool IsCSpace(wchar_t c) { return c == L' ' || (c >= L'\t' && c <= L'\r'); }
@@ -88,10 +90,9 @@ bool ParseDouble(wstring_view text, double& value) {
       if (result.ec == std::errc() && result.ptr == end) return true;
     }
   }
-  static const locale_t cLocale = newlocale(LC_ALL_MASK, "C", locale_t{});
   const wstring terminated(text);
   wchar_t* end = nullptr;
-  value = wcstod_l(terminated.c_str(), &end, cLocale);
+  value = wcstod_l(terminated.c_str(), &end, kCLocale);
   return end == terminated.c_str() + terminated.size();
 }
 

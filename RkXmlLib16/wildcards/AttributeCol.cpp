@@ -1,12 +1,19 @@
 #include "RkXmlLib16/wildcards/AttributeCol.h"
 
 #include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/internal/NeverDestroyed.h"
 #include "RkXmlLib16/base/internal/TextOrEmpty.h"
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/document/ElementTree.h"
 #include "RkXmlLib16/document/XmlWriter.h"
 
 namespace RkXmlLib16 {
+
+namespace {
+
+const CNeverDestroyed<std::wstring> kNoNamespace;
+
+}  // namespace
 
 CAttribute::CAttribute() = default;
 
@@ -31,9 +38,8 @@ const wchar_t* CAttribute::GetNamespace() const { return m_namespaceUri != nullp
 void CAttribute::SetValue(const wchar_t* value) { m_value = TextOrEmpty(value); }
 
 void CAttribute::AttributesToXml_Int(CXmlWriter* writer, const CSerializationContext& /*context*/) const {
-  static const std::wstring kNoNamespace;
-  writer->WriteAttributeString(GetElementNameRef(), m_namespaceUri != nullptr ? *m_namespaceUri : kNoNamespace, m_value,
-                               ItemType_string);
+  writer->WriteAttributeString(GetElementNameRef(), m_namespaceUri != nullptr ? *m_namespaceUri : kNoNamespace.Get(),
+                               m_value, ItemType_string);
 }
 
 void CAttribute::ToXml_Int(CXmlWriter* writer, bool /*registerNamespaces*/, const wchar_t* /*namespaceUri*/,
@@ -130,12 +136,10 @@ std::wstring CAttributeCol::GetValue(const wchar_t* localName, const wchar_t* na
 }
 
 CSmartPtr<CAttributeCol> CSerializationContext::GetAdditionalRootAttributes() const {
-  const std::scoped_lock lock(m_lazyLock);
-  if (m_additionalRootAttributes == nullptr) {
-    m_additionalRootAttributes.reset(CSmartPtr<CAttributeCol>(new CAttributeCol).Detach(),
-                                     [](CAttributeCol* attributes) { attributes->Release(); });
-  }
-  return m_additionalRootAttributes.get();
+  return m_settings.additionalRootAttributes.Get([] {
+    return std::shared_ptr<CAttributeCol>(CSmartPtr<CAttributeCol>(new CAttributeCol).Detach(),
+                                          [](CAttributeCol* attributes) { attributes->Release(); });
+  });
 }
 
 }  // namespace RkXmlLib16

@@ -7,6 +7,7 @@
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/base/internal/NeverDestroyed.h"
 #include "RkXmlLib16/base/internal/TextOrEmpty.h"
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/document/ElementTree.h"
@@ -20,7 +21,7 @@ namespace {
 
 using std::wstring_view;
 
-const std::wstring kNoNamespace;
+const CNeverDestroyed<std::wstring> kNoNamespace;
 
 bool IsBlank(wstring_view text) { return std::all_of(text.begin(), text.end(), CWhitespaceUtils::IsWhiteSpace); }
 
@@ -168,7 +169,7 @@ class CElement::TreeWriter {
     if (element.GetElementNameRef().empty()) throw CRkInvalidStateException(L"The element has no name.");
     if (isRoot) WritePrologue(element);
     m_writer.WriteStartElement(element.GetElementNameRef(),
-                               element.m_namespaceUri != nullptr ? *element.m_namespaceUri : kNoNamespace);
+                               element.m_namespaceUri != nullptr ? *element.m_namespaceUri : kNoNamespace.Get());
     if (isRoot) WriteRootAttributes(m_writer, m_context, element.GetNamespace(), m_isOptionalChoice);
     if (element.m_prefixes != nullptr && element.m_prefixes.get() != declared) {
       for (const auto& [prefix, uri] : *element.m_prefixes) m_writer.DeclareNamespace(prefix, *uri);

@@ -3,6 +3,7 @@
 #include <emmintrin.h>
 
 #include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/internal/NeverDestroyed.h"
 #include "RkXmlLib16/base/internal/WideText.h"
 #include "RkXmlLib16/document/internal/LineEnd.h"
 
@@ -14,7 +15,8 @@ constexpr unsigned long kFlushLength = 4096;
 constexpr std::size_t kShortText = 64;
 constexpr std::size_t kLongestEscape = 6;  // of one character
 constexpr std::wstring_view kCDataStart = L"<![CDATA[";
-const std::wstring kNoPrefix;
+const CNeverDestroyed<std::wstring> kNoPrefix;
+const CNeverDestroyed<std::wstring> kNil(L"nil");
 
 // The text up to its first NUL.
 std::wstring_view UpToNul(const std::wstring& text) { return text.c_str(); }
@@ -179,7 +181,7 @@ void CXmlTextWriter::WriteTextElement(const std::wstring& localName, const std::
 }
 
 const std::wstring* CXmlTextWriter::FindElementPrefix(const std::wstring& namespaceUri) const {
-  if (namespaceUri.empty() || m_context->IsDefaultNamespace(namespaceUri)) return &kNoPrefix;
+  if (namespaceUri.empty() || m_context->IsDefaultNamespace(namespaceUri)) return &kNoPrefix.Get();
   const std::wstring* const prefix = m_context->FindPrefix(namespaceUri);
   return prefix != nullptr && !prefix->empty() ? prefix : nullptr;
 }
@@ -250,7 +252,7 @@ void CXmlTextWriter::WriteAttributeString(const std::wstring& localName, const s
 void CXmlTextWriter::WriteAttribute(const std::wstring& localName, const std::wstring& namespaceUri,
                                     std::wstring_view value) {
   RequireStartTag();
-  const std::wstring* prefix = &kNoPrefix;
+  const std::wstring* prefix = &kNoPrefix.Get();
   if (!namespaceUri.empty()) {
     bool invented = false;
     prefix = &RequirePrefix(namespaceUri, invented);
@@ -303,10 +305,7 @@ void CXmlTextWriter::WriteAttributeType(const std::wstring& typeNamespaceUri, co
   WriteAttributeString(L"type", XSI_NAMESPACE, value, type);
 }
 
-void CXmlTextWriter::WriteAttributeNil() {
-  static const std::wstring name = L"nil";
-  WriteAttribute(name, XSI_NAMESPACE, L"true");
-}
+void CXmlTextWriter::WriteAttributeNil() { WriteAttribute(kNil.Get(), XSI_NAMESPACE, L"true"); }
 
 void CXmlTextWriter::PutEscaped(std::wstring_view text, Escaping where) {
   text = text.substr(0, text.find(L'\0'));

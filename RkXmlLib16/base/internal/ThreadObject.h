@@ -5,7 +5,8 @@
 
 namespace RkXmlLib16 {
 
-// The one T of each thread, made by its first use and destroyed when the thread ends.
+// The one T of each thread, made by its first use and destroyed when the thread ends. Everything that the library keeps
+// for a thread and that has a destructor goes through it.
 template <class T>
 class CThreadObject {
  public:
