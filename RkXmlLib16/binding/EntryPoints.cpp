@@ -4,6 +4,7 @@
 
 #include "RkXmlLib16/binding/internal/EntryPointTools.h"
 #include "RkXmlLib16/context/SerializationContext.h"
+#include "RkXmlLib16/facets/internal/PatternBudget.h"
 #include "RkXmlLib16/wildcards/Element.h"
 #include "RkXmlLib16/xml/XmlTextWriter.h"
 
@@ -91,6 +92,8 @@ void CXmlObjectBase::FromXmlStream(const CBinaryData& data, const CSerialization
 
 void CXmlObjectBase::FromXmlElement(const CXmlElement* element, const CSerializationContext& context) {
   if (element == nullptr) throw CRkException(L"The document contains no element.");
+  const PatternBudget budget(context.GetLimits().GetMaxPatternSteps(),
+                             [](unsigned long limit) { CReadLimits::ThrowExceeded(L"pattern steps", limit); });
   FromXml_Int(const_cast<CXmlElement*>(element), element->GetFirstElement(), context, false);
 }
 

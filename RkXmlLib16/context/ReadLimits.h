@@ -43,6 +43,10 @@ class RKXML_EXPORT CReadLimits {
   void SetMaxExpansionRatio(unsigned long ratio) noexcept { m_maxExpansionRatio = ratio; }
   unsigned long GetExpansionRatioFrom() const noexcept { return m_expansionRatioFrom; }
   void SetExpansionRatioFrom(unsigned long characters) noexcept { m_expansionRatioFrom = characters; }
+  // Steps that patterns take while they go back and forth in values, all values of one read together, also in the
+  // setters that it calls; beyond a cheap attempt for each value. A step counts once for each 64 bytes of the value.
+  unsigned long GetMaxPatternSteps() const noexcept { return m_maxPatternSteps; }
+  void SetMaxPatternSteps(unsigned long steps) noexcept { m_maxPatternSteps = steps; }
   // The characters that a document of `length` octets may stand for by these two; the largest number when any.
   unsigned long GetExpansionLimit(std::size_t length) const noexcept;
 
@@ -59,6 +63,7 @@ class RKXML_EXPORT CReadLimits {
   unsigned long m_inflationRatioFrom = 64UL << 20;
   unsigned long m_maxExpansionRatio = 200;
   unsigned long m_expansionRatioFrom = 64UL << 20;
+  unsigned long m_maxPatternSteps = 100000000;
 };
 
 }  // namespace RkXmlLib16

@@ -1,8 +1,13 @@
 #include "RkXmlLib16/facets/RegEx.h"
 
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cstdint>
 #include <memory>
 #include <new>
 #include <optional>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -14,6 +19,7 @@
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
 #include "RkXmlLib16/base/internal/ThreadObject.h"
+#include "RkXmlLib16/facets/internal/PatternBudget.h"
 #include "RkXmlLib16/facets/internal/PlainPattern.h"
 #include "RkXmlLib16/io/Encoder.h"
 #include "RkXmlLib16/types/BinaryData.h"
@@ -22,13 +28,20 @@ namespace RkXmlLib16 {
 
 namespace {
 
-// Enough for any value that a backtracking matcher should try; beyond them the other matcher gives the answer.
+// Enough for any value that a matcher which goes back should try.
 constexpr std::uint32_t kMatchLimit = 5000000;
 constexpr std::uint32_t kDepthLimit = 5000000;
 constexpr std::uint32_t kHeapLimitKiB = 64 * 1024;
-// The other matcher's work for a character grows with the square of the alternatives that it follows at once, for which
-// this makes room: some five hundred.
-constexpr std::size_t kWorkspace = 3000;
+// Steps of a first attempt, which decides on most values. A step may look at the whole value, so that the steps for a
+// long one are fewer and count for more.
+constexpr std::uint32_t kQuickSteps = 10000;
+constexpr std::uint32_t kFewestSteps = 100;
+constexpr std::size_t kBytesPerStep = 64;
+// The matcher that never goes back takes work for a character that grows with the square of the alternatives that it
+// follows at once, for which these make room: some hundred, and some five hundred.
+constexpr std::size_t kSmallWorkspace = 600;
+constexpr std::size_t kLargeWorkspace = 3000;
+constexpr unsigned long kStepsPerByte = 256;  // of the latter
 constexpr std::size_t kShortValue = 256;
 
 template <auto kFree>
@@ -49,8 +62,16 @@ Owner Require(Owner owner) {
   return owner;
 }
 
+// What one match at a time needs beside the pattern.
 struct WorkingMemory {
-  MatchData data = Require(MatchData(pcre2_match_data_create(1, nullptr)));
+  WorkingMemory() {
+    pcre2_set_depth_limit(context.get(), kDepthLimit);
+    pcre2_set_heap_limit(context.get(), kHeapLimitKiB);
+  }
+
+  MatchData data = Require(MatchData(pcre2_match_data_create(2, nullptr)));
+  MatchContext context = Require(MatchContext(pcre2_match_context_create(nullptr)));
+  std::array<int, kSmallWorkspace> workspace;
 };
 
 // UTF-8, borrowed.
@@ -101,38 +122,113 @@ Code Compile(const std::string& pattern, const std::wstring& value) {
   return code;
 }
 
-bool IsLimit(int result) {
-  return result == PCRE2_ERROR_MATCHLIMIT || result == PCRE2_ERROR_DEPTHLIMIT || result == PCRE2_ERROR_HEAPLIMIT;
+// Whether the pattern has what the two matchers may understand differently. XSD has none of it.
+bool HasOtherSyntax(std::string_view pattern) {
+  for (const char* const syntax : {"(?", "(*", "++", "*+", "?+", "}+", "\\K"})
+    if (pattern.find(syntax) != std::string_view::npos) return true;
+  return false;
 }
 
-// The matcher that follows all alternatives at once and never goes back.
-int MatchWithoutBacktracking(const pcre2_code* code, const Subject& subject, pcre2_match_data* data,
-                             pcre2_match_context* context) {
-  std::vector<int> workspace(kWorkspace);
-  return pcre2_dfa_match(code, subject.bytes, subject.size, 0, PCRE2_NO_UTF_CHECK, data, context, workspace.data(),
-                         workspace.size());
-}
+enum class Answer { Yes, No, TooHard };
+
+// One value on its way through the matchers.
+class Match {
+ public:
+  Match(const pcre2_code* code, const Subject& subject, WorkingMemory& memory)
+      : m_code(code), m_subject(subject), m_memory(memory), m_weight(subject.size / kBytesPerStep + 1) {}
+
+  Answer Quickly() { return GoBack(std::max(kFewestSteps, static_cast<std::uint32_t>(kQuickSteps / m_weight))); }
+
+  // By the matcher that follows all alternatives at once and never goes back. It does not know which match the other
+  // one finds first, which matters where a value ends in a line feed that the match may leave out.
+  Answer AllAtOnce() {
+    const int result = FollowAll(m_memory.workspace.data(), m_memory.workspace.size());
+    if (result < 0) return result == PCRE2_ERROR_NOMATCH ? Answer::No : Answer::TooHard;
+    return result != 1 && IsWhole() ? Answer::TooHard : Found();
+  }
+
+  // The last attempts, up to the limits of a match and, where there is a budget, to its end.
+  Answer Thoroughly() {
+    PatternBudget* const budget = PatternBudget::GetCurrent();
+    const Answer answer = budget != nullptr ? GoBackWithin(*budget) : GoBack(kMatchLimit);
+    if (answer != Answer::TooHard) return answer;
+    if (budget != nullptr) budget->Spend(kStepsPerByte * m_subject.size);
+    std::vector<int> workspace(kLargeWorkspace);
+    const int result = FollowAll(workspace.data(), workspace.size());
+    if (result < 0) return result == PCRE2_ERROR_NOMATCH ? Answer::No : Answer::TooHard;
+    return Found();
+  }
+
+  // The limit that the matcher that goes back met.
+  int GetLimit() const { return m_limit; }
+
+ private:
+  Answer GoBack(std::uint32_t steps) {
+    pcre2_set_match_limit(m_memory.context.get(), steps);
+    const int result = pcre2_match(m_code, m_subject.bytes, m_subject.size, 0, PCRE2_NO_UTF_CHECK, m_memory.data.get(),
+                                   m_memory.context.get());
+    if (result >= 0) return Found();  // 0: there was no room for the groups inside it
+    if (result == PCRE2_ERROR_NOMEMORY) throw std::bad_alloc();
+    const bool isLimit =
+        result == PCRE2_ERROR_MATCHLIMIT || result == PCRE2_ERROR_DEPTHLIMIT || result == PCRE2_ERROR_HEAPLIMIT;
+    if (!isLimit) return Answer::No;
+    m_limit = result;
+    return Answer::TooHard;
+  }
+
+  // The engine does not tell how many steps it took: attempts with more and more of them narrow it down.
+  Answer GoBackWithin(PatternBudget& budget) {
+    for (std::uint32_t steps = kQuickSteps;; steps *= 2) {
+      const unsigned long left = budget.GetLeft() / m_weight;
+      const auto most = static_cast<std::uint32_t>(std::min<unsigned long>(kMatchLimit, left));
+      steps = std::min(steps, most);
+      const Answer answer = GoBack(steps);
+      const bool isTooHard = answer == Answer::TooHard;
+      if (isTooHard && steps == left) budget.Spend(budget.GetLeft());
+      budget.Spend(m_weight * (isTooHard ? steps : steps / 2));
+      if (!isTooHard || m_limit != PCRE2_ERROR_MATCHLIMIT || steps == kMatchLimit) return answer;
+    }
+  }
+
+  int FollowAll(int* workspace, std::size_t size) {
+    pcre2_set_match_limit(m_memory.context.get(), kMatchLimit);
+    const int result = pcre2_dfa_match(m_code, m_subject.bytes, m_subject.size, 0, PCRE2_NO_UTF_CHECK,
+                                       m_memory.data.get(), m_memory.context.get(), workspace, size);
+    if (result == PCRE2_ERROR_NOMEMORY) throw std::bad_alloc();
+    return result;
+  }
+
+  bool IsWhole() const {
+    const PCRE2_SIZE* const matched = pcre2_get_ovector_pointer(m_memory.data.get());
+    return matched[0] == 0 && matched[1] == m_subject.size;
+  }
+  Answer Found() const { return IsWhole() ? Answer::Yes : Answer::No; }
+
+  const pcre2_code* const m_code;
+  const Subject& m_subject;
+  WorkingMemory& m_memory;
+  const std::size_t m_weight;
+  int m_limit = PCRE2_ERROR_MATCHLIMIT;
+};
 
 }  // namespace
 
 struct CRegEx::Engine {
+  explicit Engine(std::string_view pattern) : plain(pattern) {}
+
   CPlainPattern plain;
   Code code;  // null where the plain form is all
-  MatchContext limits;
+  bool hasOtherSyntax = false;
+  mutable std::atomic<bool> isHard{false};  // met the limit of a quick attempt once
 };
 
 CRegEx::CRegEx(std::string utf8Pattern, const std::wstring& value) {
-  CPlainPattern plain(utf8Pattern);
-  if (!plain.IsEmpty()) {
-    m_engine = std::make_unique<const Engine>(Engine{std::move(plain), nullptr, nullptr});
-    return;
+  auto engine = std::make_unique<Engine>(utf8Pattern);
+  if (engine->plain.IsEmpty()) {
+    engine->hasOtherSyntax = HasOtherSyntax(utf8Pattern);
+    engine->code = Compile(Rewrite(std::move(utf8Pattern)), value);
   }
-  Code code = Compile(Rewrite(std::move(utf8Pattern)), value);
-  auto limits = Require(MatchContext(pcre2_match_context_create(nullptr)));
-  pcre2_set_match_limit(limits.get(), kMatchLimit);
-  pcre2_set_depth_limit(limits.get(), kDepthLimit);
-  pcre2_set_heap_limit(limits.get(), kHeapLimitKiB);
-  m_engine = std::make_unique<const Engine>(Engine{std::move(plain), std::move(code), std::move(limits)});
+  m_engine = std::move(engine);
 }
 
 CRegEx::~CRegEx() = default;
@@ -148,26 +244,19 @@ bool CRegEx::Matches(const std::wstring& value) const {
     start = reinterpret_cast<unsigned char*>(longSubject.data());
   }
   const Subject subject{start, static_cast<std::size_t>(CEncoder::WriteUtf8(value, start) - start)};
-  const pcre2_code* const code = m_engine->code.get();
-  pcre2_match_context* const limits = m_engine->limits.get();
   // The engine's working memory is kept for short values, which need little of it.
-  const WorkingMemory* const kept = subject.size <= kShortValue ? CThreadObject<WorkingMemory>::Get() : nullptr;
+  WorkingMemory* const kept = subject.size <= kShortValue ? CThreadObject<WorkingMemory>::Get() : nullptr;
   std::optional<WorkingMemory> own;
-  pcre2_match_data* const data = (kept != nullptr ? *kept : own.emplace()).data.get();
+  Match match(m_engine->code.get(), subject, kept != nullptr ? *kept : own.emplace());
 
-  // 0: it matched, and there was no room for the groups inside it.
-  int result = pcre2_match(code, subject.bytes, subject.size, 0, PCRE2_NO_UTF_CHECK, data, limits);
-  if (result == 0) result = 1;
-  if (IsLimit(result)) {
-    const int limit = result;
-    result = MatchWithoutBacktracking(code, subject, data, limits);
-    // 0: it matched, but not every shorter match found room.
-    if (result < 0 && result != PCRE2_ERROR_NOMATCH) ThrowInvalid(value, limit);
-    if (result == 0) result = 1;
+  Answer answer = m_engine->isHard.load(std::memory_order_relaxed) ? Answer::TooHard : match.Quickly();
+  if (answer == Answer::TooHard && !m_engine->hasOtherSyntax) {
+    m_engine->isHard.store(true, std::memory_order_relaxed);
+    answer = match.AllAtOnce();
   }
-  if (result == PCRE2_ERROR_NOMEMORY) throw std::bad_alloc();
-  const PCRE2_SIZE* const matched = pcre2_get_ovector_pointer(data);
-  return result > 0 && matched[0] == 0 && matched[1] == subject.size;
+  if (answer == Answer::TooHard) answer = match.Thoroughly();
+  if (answer == Answer::TooHard) ThrowInvalid(value, match.GetLimit());
+  return answer == Answer::Yes;
 }
 
 // NOLINTNEXTLINE(performance-unnecessary-value-param): callers are compiled against copies
