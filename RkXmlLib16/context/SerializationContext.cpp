@@ -1,6 +1,7 @@
 #include "RkXmlLib16/context/SerializationContext.h"
 
 #include <memory>
+#include <new>
 #include <utility>
 
 #include "RkXmlLib16/base/Exception.h"
@@ -21,20 +22,18 @@ constexpr wchar_t kSetUnknownFirst[] =
 
 }  // namespace
 
-CSerializationContext CSerializationContext::m_defaultContext;
+// The bytes of m_defaultContext, under its symbol, so that the object is made when the library is loaded and nothing
+// destroys it.
+alignas(CSerializationContext) RKXML_EXPORT
+    extern unsigned char g_defaultContext[sizeof(CSerializationContext)] __asm__(
+        "_ZN10RkXmlLib1621CSerializationContext16m_defaultContextE");
+alignas(CSerializationContext) unsigned char g_defaultContext[sizeof(CSerializationContext)];
+[[maybe_unused]] static const void* const kMadeAtLoad = ::new (g_defaultContext) CSerializationContext;
 
-CSerializationContext::CSerializationContext() : m_settings() {}
-
-CSerializationContext::CSerializationContext(const CSerializationContext& other) : m_settings(other.m_settings) {}
-
-CSerializationContext& CSerializationContext::operator=(const CSerializationContext& other) {
-  if (this != &other) m_settings = other.m_settings;
-  return *this;
-}
-
-CSerializationContext::~CSerializationContext() {
-  if (this != &m_defaultContext) m_settings.~Settings();
-}
+CSerializationContext::CSerializationContext() = default;
+CSerializationContext::CSerializationContext(const CSerializationContext& other) = default;
+CSerializationContext& CSerializationContext::operator=(const CSerializationContext& other) = default;
+CSerializationContext::~CSerializationContext() = default;
 
 void CSerializationContext::SetIgnoreUnknownElements(bool ignore) {
   if (ignore && m_settings.ignoreMissingMandatoryElements) throw CRkInvalidStateException(kSetMandatoryFirst);

@@ -135,9 +135,7 @@ class RKXML_EXPORT CSerializationContext {
     CReadLimits limits;
   };
 
-  union {  // destroyed by the destructor of every context but the default one
-    Settings m_settings;
-  };
+  Settings m_settings;
 };
 
 }  // namespace RkXmlLib16
