@@ -90,6 +90,7 @@ class RKXML_EXPORT CXmlGeneratedClass : public CXmlObjectBase {
                     const CSerializationContext& context, bool isOptionalChoice) const;
   void WriteContent(CXmlWriter* writer, const CSerializationContext& context,
                     const RkXmlLib16Data::CParentElementInfo& info, bool isOptionalChoice) const;
+  [[gnu::noinline]] void WriteSimpleContent(CXmlWriter* writer, const RkXmlLib16Data::CParentElementInfo& info) const;
   void ProcessAttributesToXml(const CSerializationContext& context, RkXmlLib16Data::CElementInfo** elementInfos,
                               RkXmlLib16Data::CAttributeInfo** attributeInfos, CXmlWriter* writer) const;
   void ProcessElementSeqToXml(const CSerializationContext& context, RkXmlLib16Data::CElementInfo** infos,
@@ -106,7 +107,11 @@ class RKXML_EXPORT CXmlGeneratedClass : public CXmlObjectBase {
                            bool isOptionalChoice);
   CXmlElement* ReadContent(CXmlElement* element, CXmlElement* firstChild, const CSerializationContext& context,
                            const RkXmlLib16Data::CParentElementInfo& info, bool isOptionalChoice);
-  void ReadSimpleContent(const CXmlElement* element, const RkXmlLib16Data::CParentElementInfo& info);
+  [[gnu::noinline]] CXmlElement* ReadContentPastUnknown(CXmlElement* element, CXmlElement* firstChild,
+                                                        const CSerializationContext& context,
+                                                        const RkXmlLib16Data::CParentElementInfo& info,
+                                                        bool isOptionalChoice);
+  [[gnu::noinline]] void ReadSimpleContent(const CXmlElement* element, const RkXmlLib16Data::CParentElementInfo& info);
   void ReadNil(const CXmlAttribute* attribute, INillable* nillable);
   void ProcessAttributesFromXml(const CSerializationContext& context, CXmlElement* element,
                                 const RkXmlLib16Data::CParentElementInfo& classInfo, INillable* nillable);

@@ -5,6 +5,7 @@
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/base/internal/StackEnd.h"
 #include "RkXmlLib16/binding/AttributeInfo.h"
 #include "RkXmlLib16/binding/ElementInfo.h"
 #include "RkXmlLib16/binding/GeneratedClass.h"
@@ -48,12 +49,14 @@ class SeenFlags {
   std::vector<bool> m_rest;
 };
 
-// One more object being read inside the others on this thread. Each takes stack, so their number has a limit.
+// One more object being read inside the others on this thread. Each takes stack, so their number has a limit: that of
+// the context, or what the stack of the thread holds.
 class ObjectLevel {
  public:
   ObjectLevel(const CSerializationContext& context, const CXmlElement& element) {
     const unsigned long limit = context.GetLimits().GetMaxObjectDepth();
-    if (s_depth >= limit && limit != 0) CReadLimits::ThrowExceeded(L"object depth", limit, element.GetXPath());
+    if (s_depth >= limit && limit != 0) ThrowTooDeep(limit, element);
+    if (CStackEnd::IsNear()) ThrowTooDeep(s_depth, element);
     ++s_depth;
   }
   ObjectLevel(const ObjectLevel&) = delete;
@@ -61,8 +64,19 @@ class ObjectLevel {
   ~ObjectLevel() { --s_depth; }
 
  private:
+  [[noreturn, gnu::noinline]] static void ThrowTooDeep(unsigned long limit, const CXmlElement& element) {
+    CReadLimits::ThrowExceeded(L"object depth", limit, element.GetXPath());
+  }
+
   static inline thread_local unsigned long s_depth = 0;
 };
+
+// Apart, so that the objects inside each other do not all have the room for it on the stack.
+[[noreturn, gnu::noinline]] void ThrowWithPath(const CRkException& e, const CXmlElement* element) {
+  if (!e.GetPath().empty()) throw CRkException(e);
+  throw CRkValidationException(L"Failed to process the element.",
+                               element == nullptr ? std::wstring() : element->GetXPath(), e);
+}
 
 // The arrays of records may be null when they are empty.
 template <class Info>
@@ -125,9 +139,7 @@ CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* element, CXmlElement* 
     const ObjectLevel level(context, *element);
     return ReadElement(element, firstChild, context, isOptionalChoice);
   } catch (const CRkException& e) {
-    if (!e.GetPath().empty()) throw CRkException(e);
-    throw CRkValidationException(L"Failed to process the element.",
-                                 element == nullptr ? std::wstring() : element->GetXPath(), e);
+    ThrowWithPath(e, element);
   }
 }
 
@@ -144,10 +156,15 @@ CXmlElement* CXmlGeneratedClass::ReadElement(CXmlElement* element, CXmlElement* 
   ProcessAttributesFromXml(context, element, info, nillable);
   if (nillable != nullptr && nillable->IsNil()) return firstChild;
 
-  if (elementType == XmlElementType_Element && context.GetIgnoreUnknownElements()) {
-    const SiblingSearch search(element);
-    return ReadContent(element, firstChild, context, info, isOptionalChoice);
-  }
+  if (elementType == XmlElementType_Element && context.GetIgnoreUnknownElements())
+    return ReadContentPastUnknown(element, firstChild, context, info, isOptionalChoice);
+  return ReadContent(element, firstChild, context, info, isOptionalChoice);
+}
+
+CXmlElement* CXmlGeneratedClass::ReadContentPastUnknown(CXmlElement* element, CXmlElement* firstChild,
+                                                        const CSerializationContext& context,
+                                                        const CParentElementInfo& info, bool isOptionalChoice) {
+  const SiblingSearch search(element);
   return ReadContent(element, firstChild, context, info, isOptionalChoice);
 }
 
@@ -169,12 +186,12 @@ CXmlElement* CXmlGeneratedClass::ReadContent(CXmlElement* element, CXmlElement* 
     default:
       throw CRkException(L"Unknown Group Type");
   }
-  ReadSimpleContent(element, info);
+  if (info.GetSimpleContentProperty() != -1 && info.GetSimpleContentType() != ItemType_none)
+    ReadSimpleContent(element, info);
   return unread;
 }
 
 void CXmlGeneratedClass::ReadSimpleContent(const CXmlElement* element, const CParentElementInfo& info) {
-  if (info.GetSimpleContentProperty() == -1 || info.GetSimpleContentType() == ItemType_none) return;
   const CXmlText text = element->GetText();
   RkXmlLib16Data::ReadingValue value(text.size());
   if (info.IsSimpleContentText())

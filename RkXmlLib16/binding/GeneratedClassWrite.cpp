@@ -29,11 +29,22 @@ bool HasSimpleContent(const CParentElementInfo& info) {
 }
 
 // xsi:nil can only be written while the start tag is open, that is before a schema.
-bool IsContentNil(const CXmlGeneratedClass& object, const CParentElementInfo& info) {
+[[gnu::noinline]] bool IsContentNil(const CXmlGeneratedClass& object, const CParentElementInfo& info) {
   if (!HasSimpleContent(info)) return false;
   RkVariant value;
   object.ReadProperty(info.GetSimpleContentProperty(), value);
   return value.IsNil();
+}
+
+// These two stand apart, so that the objects inside each other do not all have the room for them on the stack.
+[[noreturn, gnu::noinline]] void ThrowNotWritten(const CXmlGeneratedClass& object, const CRkException& e) {
+  throw CRkValidationException(
+      FormatString(L"Failed to convert the element [%ls] to XML", object.GetElementNameRef().c_str()), std::wstring(),
+      e);
+}
+
+[[gnu::noinline]] void WriteStartElement(CXmlWriter& writer, const std::wstring& name, const wchar_t* namespaceUri) {
+  writer.WriteStartElement(name, namespaceUri);
 }
 
 }  // namespace
@@ -43,8 +54,7 @@ void CXmlGeneratedClass::ToXml_Int(CXmlWriter* writer, bool registerNamespaces, 
   try {
     WriteElement(writer, registerNamespaces, namespaceUri, context, isOptionalChoice);
   } catch (const CRkException& e) {
-    throw CRkValidationException(
-        FormatString(L"Failed to convert the element [%ls] to XML", GetElementNameRef().c_str()), std::wstring(), e);
+    ThrowNotWritten(*this, e);
   }
 }
 
@@ -62,7 +72,7 @@ void CXmlGeneratedClass::WriteElement(CXmlWriter* writer, bool registerNamespace
     if (info.GetNamespace().c_str() == uri || std::wcscmp(info.GetNamespace().c_str(), uri) == 0)
       writer->WriteStartElement(GetElementNameRef(), info.GetNamespace());
     else
-      writer->WriteStartElement(GetElementNameRef(), uri);
+      RkXmlLib16::WriteStartElement(*writer, GetElementNameRef(), uri);
     if (registerNamespaces) WriteRootAttributes(*writer, context, namespaceUri, isOptionalChoice);
     AttributesToXml_Int(writer, context);
     if (registerNamespaces && !nil && !IsContentNil(*this, info)) WriteRootSchema(*writer, context);
@@ -90,8 +100,10 @@ void CXmlGeneratedClass::WriteContent(CXmlWriter* writer, const CSerializationCo
     default:
       throw CRkException(L"Unknown XML Group Type");
   }
-  if (!HasSimpleContent(info)) return;
+  if (HasSimpleContent(info)) WriteSimpleContent(writer, info);
+}
 
+void CXmlGeneratedClass::WriteSimpleContent(CXmlWriter* writer, const CParentElementInfo& info) const {
   RkVariant& value = writer->BeginValue();
   ReadProperty(info.GetSimpleContentProperty(), value);
   if (value.IsNil()) {

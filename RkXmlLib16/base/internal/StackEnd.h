@@ -1,0 +1,35 @@
+#ifndef RKXMLLIB16_BASE_INTERNAL_STACKEND_H
+#define RKXMLLIB16_BASE_INTERNAL_STACKEND_H
+
+#include <cstddef>
+#include <cstdint>
+
+namespace RkXmlLib16 {
+
+// How far the stack of this thread has been used up.
+class CStackEnd {
+ public:
+  // Whether less is left than 64 KiB (a quarter of a smaller stack) and an eighth of what is in use: what was built by
+  // recursion is walked by other recursions afterwards. False on a stack that the system does not know, such as that of
+  // a coroutine.
+  static bool IsNear() noexcept {
+    if (t_range.near == 0) Measure();
+    const auto here = reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0));
+    return here < t_range.near && here >= t_range.end;
+  }
+
+ private:
+  struct Range {
+    std::uintptr_t near;  // 0 before it was measured
+    std::uintptr_t end;
+  };
+  static constexpr std::size_t kReserve = 64 * 1024;
+
+  static void Measure() noexcept;
+
+  static thread_local Range t_range;
+};
+
+}  // namespace RkXmlLib16
+
+#endif
