@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "RkXmlLib16/base/internal/NeverDestroyed.h"
+
 namespace RkXmlLib16 {
 
 namespace {
@@ -17,6 +19,8 @@ std::wstring WithPath(std::wstring message, const std::wstring& path) {
 std::shared_ptr<const CRkException> CloneOf(const CRkException* exception) {
   return std::shared_ptr<const CRkException>(exception != nullptr ? exception->Clone() : nullptr);
 }
+
+const CNeverDestroyed<CRkLocation> kNowhere;
 
 }  // namespace
 
@@ -37,12 +41,30 @@ CRkException::CRkException(std::wstring message, std::wstring path, const CRkExc
       m_path(std::move(path)),
       m_inner(CloneOf(&inner)),
       m_details(inner.m_details) {}
+CRkException::CRkException(std::wstring message, CRkException&& inner)
+    : m_message(std::move(message)), m_inner(TakeOver(inner)), m_details(inner.m_details) {}
+CRkException::CRkException(std::wstring message, std::wstring path, CRkException&& inner)
+    : m_message(WithPath(std::move(message), path)),
+      m_path(std::move(path)),
+      m_inner(TakeOver(inner)),
+      m_details(inner.m_details) {}
 CRkException::CRkException(const CRkException& other)
     : m_message(other.m_message),
       m_path(other.m_path),
       m_inner(CloneOf(other.GetInnerException())),
       m_details(other.m_details) {}
-CRkException::~CRkException() = default;
+CRkException::~CRkException() {
+  // One by one, because a chain may be long.
+  for (auto inner = std::move(m_inner); inner != nullptr && inner.use_count() == 1;)
+    inner = std::move(const_cast<CRkException&>(*inner).m_inner);
+}
+
+std::shared_ptr<const CRkException> CRkException::TakeOver(CRkException& exception) {
+  auto chain = std::move(exception.m_inner);
+  const std::shared_ptr<CRkException> clone(exception.Clone());
+  clone->m_inner = std::move(chain);
+  return clone;
+}
 
 CRkException& CRkException::operator=(const CRkException& other) {
   if (this == &other) return *this;
@@ -59,8 +81,7 @@ CRkException& CRkException::operator=(const CRkException& other) {
 }
 
 const CRkLocation& CRkException::GetLocation() const noexcept {
-  static const CRkLocation kNowhere;
-  return HasLocation() ? m_details->location : kNowhere;
+  return HasLocation() ? m_details->location : kNowhere.Get();
 }
 
 bool CRkException::HasLocation() const noexcept { return m_details != nullptr && m_details->hasLocation; }
@@ -96,6 +117,8 @@ CRkValidationException::CRkValidationException(std::wstring message, std::wstrin
     : CRkException(std::move(message), std::move(path)) {}
 CRkValidationException::CRkValidationException(std::wstring message, std::wstring path, const CRkException& inner)
     : CRkException(std::move(message), std::move(path), inner) {}
+CRkValidationException::CRkValidationException(std::wstring message, std::wstring path, CRkException&& inner)
+    : CRkException(std::move(message), std::move(path), std::move(inner)) {}
 CRkValidationException::~CRkValidationException() = default;
 CRkValidationException* CRkValidationException::Clone() const {
   return std::make_unique<CRkValidationException>(*this).release();

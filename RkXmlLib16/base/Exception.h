@@ -26,6 +26,9 @@ class RKXML_EXPORT CRkException {
   // A non-empty path is appended to the message as "\nPath: " and the path.
   CRkException(std::wstring message, std::wstring path);
   CRkException(std::wstring message, std::wstring path, const CRkException& inner);
+  // The inner exceptions of `inner` are taken over, not cloned, so that wrapping again and again is quick.
+  CRkException(std::wstring message, CRkException&& inner);
+  CRkException(std::wstring message, std::wstring path, CRkException&& inner);
   // Copies message and path and clones the inner exception.
   CRkException(const CRkException& other);
   // Copies the message and clones the inner exception, but keeps this object's path. The inner exception held before
@@ -54,6 +57,7 @@ class RKXML_EXPORT CRkException {
  private:
   struct Details;
 
+  static std::shared_ptr<const CRkException> TakeOver(CRkException& exception);
   Details& ChangeDetails();
 
   std::wstring m_message;
@@ -72,6 +76,7 @@ class RKXML_EXPORT CRkValidationException : public CRkException {
   CRkValidationException(const CRkValidationException& other);
   CRkValidationException(std::wstring message, std::wstring path);
   CRkValidationException(std::wstring message, std::wstring path, const CRkException& inner);
+  CRkValidationException(std::wstring message, std::wstring path, CRkException&& inner);
   CRkValidationException& operator=(const CRkValidationException& other) = default;
   ~CRkValidationException() override;
   CRkValidationException* Clone() const override;

@@ -1,6 +1,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <typeinfo>
+#include <utility>
 #include <vector>
 
 #include "RkXmlLib16/base/Exception.h"
@@ -72,10 +74,11 @@ class ObjectLevel {
 };
 
 // Apart, so that the objects inside each other do not all have the room for it on the stack.
-[[noreturn, gnu::noinline]] void ThrowWithPath(const CRkException& e, const CXmlElement* element) {
+[[noreturn, gnu::noinline]] void ThrowWithPath(CRkException& e, const CXmlElement* element) {
+  if (typeid(e) == typeid(CRkException) && !e.GetPath().empty()) throw;
   if (!e.GetPath().empty()) throw CRkException(e);
   throw CRkValidationException(L"Failed to process the element.",
-                               element == nullptr ? std::wstring() : element->GetXPath(), e);
+                               element == nullptr ? std::wstring() : element->GetXPath(), std::move(e));
 }
 
 // The arrays of records may be null when they are empty.
@@ -138,7 +141,7 @@ CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* element, CXmlElement* 
     if (element == nullptr) throw CRkException(L"The document has no root element.");
     const ObjectLevel level(context, *element);
     return ReadElement(element, firstChild, context, isOptionalChoice);
-  } catch (const CRkException& e) {
+  } catch (CRkException& e) {
     ThrowWithPath(e, element);
   }
 }

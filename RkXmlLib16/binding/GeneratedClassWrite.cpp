@@ -1,5 +1,6 @@
 #include <cwchar>
 #include <string>
+#include <utility>
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
@@ -37,10 +38,10 @@ bool HasSimpleContent(const CParentElementInfo& info) {
 }
 
 // These two stand apart, so that the objects inside each other do not all have the room for them on the stack.
-[[noreturn, gnu::noinline]] void ThrowNotWritten(const CXmlGeneratedClass& object, const CRkException& e) {
+[[noreturn, gnu::noinline]] void ThrowNotWritten(const CXmlGeneratedClass& object, CRkException& e) {
   throw CRkValidationException(
       FormatString(L"Failed to convert the element [%ls] to XML", object.GetElementNameRef().c_str()), std::wstring(),
-      e);
+      std::move(e));
 }
 
 [[gnu::noinline]] void WriteStartElement(CXmlWriter& writer, const std::wstring& name, const wchar_t* namespaceUri) {
@@ -53,7 +54,7 @@ void CXmlGeneratedClass::ToXml_Int(CXmlWriter* writer, bool registerNamespaces, 
                                    const CSerializationContext& context, bool isOptionalChoice) const {
   try {
     WriteElement(writer, registerNamespaces, namespaceUri, context, isOptionalChoice);
-  } catch (const CRkException& e) {
+  } catch (CRkException& e) {
     ThrowNotWritten(*this, e);
   }
 }

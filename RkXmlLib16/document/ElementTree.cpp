@@ -7,7 +7,6 @@
 #include <map>
 #include <new>
 #include <unordered_map>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -450,12 +449,49 @@ std::vector<std::pair<CXmlText, CXmlText>> CXmlDocument::GetNamespaceAliases() c
 
 namespace {
 
-// The local name with the prefix that the document has for the namespace.
-std::wstring WithAlias(const CXmlDocument* document, const CXmlName* namespaceUri, const CXmlText& localName) {
-  std::wstring name;
-  if (!namespaceUri->empty()) name = document->LookupAliasFromNamespace(namespaceUri->GetText().c_str()).View();
-  if (!name.empty()) name += L':';
-  return name += localName.View();
+// The prefixes that a document has for its namespaces, each the first one in their order.
+class PrefixIndex {
+ public:
+  explicit PrefixIndex(const std::map<std::wstring_view, const CXmlName*>& aliases) {
+    for (const auto& [prefix, uri] : aliases)
+      if (!uri->empty()) m_prefixes.try_emplace(uri, prefix);
+  }
+
+  // Empty where there is none.
+  std::wstring_view Find(const CXmlName* namespaceUri) const {
+    const auto found = m_prefixes.find(namespaceUri);
+    return found != m_prefixes.end() ? found->second : std::wstring_view();
+  }
+
+  // The local name behind the prefix of the namespace.
+  std::wstring GetQName(const CXmlName* namespaceUri, const CXmlText& localName) const {
+    std::wstring name(Find(namespaceUri));
+    if (!name.empty()) name += L':';
+    return name += localName.View();
+  }
+
+ private:
+  std::unordered_map<const CXmlName*, std::wstring_view> m_prefixes;
+};
+
+// The name with its position among the siblings that have the same qualified name.
+std::wstring WithPredicate(const CXmlElement& element, const PrefixIndex& prefixes) {
+  const CXmlName* const uri = element.GetNamespaceRef();
+  std::wstring name = prefixes.GetQName(uri, element.GetLocalName());
+  if (element.GetParentElement() == nullptr) return name;
+  const bool unprefixed = prefixes.Find(uri).empty();
+  std::size_t position = 0;
+  std::size_t count = 0;
+  for (const CXmlElement* sibling = element.GetParentElement()->GetFirstElement(); sibling != nullptr;
+       sibling = sibling->GetNextSiblingElement()) {
+    if (sibling->GetLocalNameRef() != element.GetLocalNameRef()) continue;
+    const CXmlName* const other = sibling->GetNamespaceRef();
+    if (other != uri && !(unprefixed && prefixes.Find(other).empty())) continue;
+    ++count;
+    if (sibling == &element) position = count;
+  }
+  if (count > 1) name += L'[' + std::to_wstring(position) + L']';
+  return name;
 }
 
 }  // namespace
@@ -476,43 +512,19 @@ CXmlText CXmlElement::GetAttribute(const wchar_t* localName, const wchar_t* name
   return {};
 }
 
-std::wstring CXmlElement::GetQName() const { return WithAlias(GetDocument(), m_namespaceUri, GetLocalName()); }
+std::wstring CXmlElement::GetQName() const {
+  return PrefixIndex(Owner().m_storage->aliases).GetQName(m_namespaceUri, GetLocalName());
+}
 
 std::wstring CXmlElement::GetNameWithPredicate() const {
-  std::wstring name = GetQName();
-  if (m_parent == nullptr) return name;
-  // Elements of one local name have the same qualified name when they share the namespace, or when both namespaces go
-  // without a prefix. The latter is asked of each namespace once in a row of siblings.
-  const bool unprefixed = name.size() == m_localName->m_length;
-  const std::map<std::wstring_view, const CXmlName*>& aliases = Owner().m_storage->aliases;
-  std::unordered_set<const CXmlName*> prefixed;
-  bool collected = false;
-  const auto isPrefixed = [&](const CXmlName* uri) {
-    if (!collected) {
-      for (const auto& [prefix, aliased] : aliases) prefixed.insert(aliased);
-      const auto unnamed = aliases.find(std::wstring_view());
-      if (unnamed != aliases.end()) prefixed.erase(unnamed->second);
-      collected = true;
-    }
-    return !uri->empty() && prefixed.count(uri) != 0;
-  };
-
-  std::size_t position = 0;
-  std::size_t count = 0;
-  for (const CXmlElement* sibling = m_parent->m_firstChild; sibling != nullptr; sibling = sibling->m_nextSibling) {
-    if (sibling->m_localName != m_localName) continue;
-    if (sibling->m_namespaceUri != m_namespaceUri && !(unprefixed && !isPrefixed(sibling->m_namespaceUri))) continue;
-    ++count;
-    if (sibling == this) position = count;
-  }
-  if (count > 1) name += L'[' + std::to_wstring(position) + L']';
-  return name;
+  return WithPredicate(*this, PrefixIndex(Owner().m_storage->aliases));
 }
 
 std::wstring CXmlElement::GetXPath() const {
+  const PrefixIndex prefixes(Owner().m_storage->aliases);
   std::vector<std::wstring> names;
   for (const CXmlElement* element = this; element != nullptr; element = element->m_parent)
-    names.push_back(element->GetNameWithPredicate());
+    names.push_back(WithPredicate(*element, prefixes));
   std::wstring path;
   for (auto name = names.rbegin(); name != names.rend(); ++name) (path += L'/') += *name;
   return path;
@@ -572,7 +584,8 @@ CXmlElement* CXmlElement::RemoveLastChildElement() {
 // ---- attribute ----
 
 std::wstring CXmlAttribute::GetXPath() const {
-  return m_element->GetXPath() + L"/@" + WithAlias(m_element->GetDocument(), m_namespaceUri, GetLocalName());
+  return m_element->GetXPath() + L"/@" +
+         PrefixIndex(m_element->Owner().m_storage->aliases).GetQName(m_namespaceUri, GetLocalName());
 }
 
 CRkLocation CXmlAttribute::GetLocation() const {
