@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "schema/components/Diagnostic.h"
@@ -121,6 +122,8 @@ struct Facets {
   std::vector<PatternStep> patterns;  // all steps have to hold, outermost base first
   // The values of the innermost step that enumerates any; empty when none does.
   std::vector<EnumerationValue> enumeration;
+  // The same as keys of values: see GetValueKey.
+  std::shared_ptr<const std::unordered_set<std::wstring>> enumerationKeys;
   std::optional<WhiteSpace> whiteSpace;  // always set in the facets of an atomic type or list
   bool whiteSpaceFixed = false;
 

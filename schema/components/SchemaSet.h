@@ -94,8 +94,9 @@ class CSchemaSet {
   const ComplexTypeDefinition* GetAnyType() const noexcept;
   const SimpleTypeDefinition* GetBuiltIn(BuiltInType type) const noexcept;
 
- private:
   struct State;
+
+ private:
   std::unique_ptr<State> m_state;
 };
 

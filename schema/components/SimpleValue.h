@@ -29,6 +29,10 @@ std::optional<std::wstring> CheckValue(const SimpleTypeDefinition& type, std::ws
 bool AreEqualValues(const SimpleTypeDefinition& type, std::wstring_view a, std::wstring_view b,
                     const NamespaceResolver& resolverA = nullptr, const NamespaceResolver& resolverB = nullptr);
 
+// A text that is the same for equal values of the type and differs for others; nullopt for an invalid value.
+std::optional<std::wstring> GetValueKey(const SimpleTypeDefinition& type, std::wstring_view text,
+                                        const NamespaceResolver& resolver = nullptr);
+
 // The member type of a union (in any depth) that the text is a value of: the first that accepts it; the type itself
 // when it is no union; null when the text is invalid.
 const SimpleTypeDefinition* FindMemberType(const SimpleTypeDefinition& type, std::wstring_view text,
