@@ -535,6 +535,11 @@ CRkLocation CXmlElement::GetLocation() const {
   return source != nullptr ? source->Locate(m_offset, GetXPath()) : CRkLocation(GetXPath());
 }
 
+CRkLocation CXmlElement::GetLocationWithoutPath() const {
+  CSource* const source = GetDocument()->m_source.get();
+  return source != nullptr ? source->Locate(m_offset, {}) : CRkLocation();
+}
+
 CXmlElement* CXmlElement::CreateNewChildElement() {
   CXmlDocument& document = Owner();
   document.m_storage->pinned = document.m_storage->open.size();

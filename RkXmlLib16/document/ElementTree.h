@@ -185,6 +185,8 @@ class RKXML_EXPORT CXmlElement {
   // keeps until it is emptied; a document with a filter keeps it during the load only. For elements that no reader made
   // the path alone. Not to be called on one document from two threads at the same time.
   CRkLocation GetLocation() const;
+  // The same without the path, which takes a look at all siblings: for whoever asks it of many elements.
+  CRkLocation GetLocationWithoutPath() const;
 
   // Building.
   CXmlElement* CreateNewChildElement();

@@ -132,40 +132,34 @@ SourceFile* CSchemaReader::Open(const std::wstring& path, SourceLocation from, c
     }
     return nullptr;
   }
-  auto file = std::make_unique<SourceFile>();
-  SourceFile& source = *file;
-  source.path = canonical;
-  m_state.files.emplace(canonical, std::move(file));
-  source.context.GetLimits().SetMaxElementDepth(m_state.options.limits.maxElementDepth);
-  source.context.GetLimits().SetMaxNodes(m_state.options.limits.maxNodes);
-  try {
-    source.document.Load(canonical.c_str());
-  } catch (const RkXmlLib16::CRkException& e) {
-    m_state.reporter.Error({&source.path, 0, 0}, e.GetMessage());
-    return nullptr;
-  }
-  Adopt(source, from);
-  return source.root != nullptr ? &source : nullptr;
+  return Read(canonical, from, [&](CXmlDocument& document) { document.Load(canonical.c_str()); });
 }
 
 SourceFile* CSchemaReader::OpenText(std::string_view bytes, const std::wstring& path, SourceLocation from) {
   const auto found = m_state.files.find(path);
   if (found != m_state.files.end()) return found->second->root != nullptr ? found->second.get() : nullptr;
-  auto file = std::make_unique<SourceFile>();
-  SourceFile& source = *file;
-  source.path = path;
-  m_state.files.emplace(path, std::move(file));
-  source.context.GetLimits().SetMaxElementDepth(m_state.options.limits.maxElementDepth);
-  source.context.GetLimits().SetMaxNodes(m_state.options.limits.maxNodes);
-  try {
+  return Read(path, from, [&](CXmlDocument& document) {
     std::string copy(bytes);
-    source.document.LoadXmlStream(reinterpret_cast<unsigned char*>(copy.data()), copy.size());
+    document.LoadXmlStream(reinterpret_cast<unsigned char*>(copy.data()), copy.size());
+  });
+}
+
+template <class Load>
+SourceFile* CSchemaReader::Read(const std::wstring& path, SourceLocation from, Load&& load) {
+  std::unique_ptr<SourceFile>& file = m_state.files[path];
+  file = std::make_unique<SourceFile>();
+  file->path = path;
+  file->context.GetLimits().SetMaxElementDepth(m_state.options.limits.maxElementDepth);
+  file->context.GetLimits().SetMaxNodes(m_state.options.limits.maxNodes);
+  try {
+    load(file->document);
   } catch (const RkXmlLib16::CRkException& e) {
-    m_state.reporter.Error({&source.path, 0, 0}, e.GetMessage());
+    const RkXmlLib16::CRkLocation& place = e.GetLocation();
+    m_state.reporter.Error({&file->path, place.GetLine(), place.GetColumn()}, e.GetMessage());
     return nullptr;
   }
-  Adopt(source, from);
-  return source.root != nullptr ? &source : nullptr;
+  Adopt(*file, from);
+  return file->root != nullptr ? file.get() : nullptr;
 }
 
 // The document element, if it is a schema, and its size. An embedded schema is not looked for.

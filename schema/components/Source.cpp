@@ -5,7 +5,11 @@
 
 namespace RkXmlSchema {
 
-SourceLocation LocationOf(const std::wstring& file, const CXmlElement*) { return {&file, 0, 0}; }
+SourceLocation LocationOf(const std::wstring& file, const CXmlElement* element) {
+  if (element == nullptr) return {&file, 0, 0};
+  const RkXmlLib16::CRkLocation location = element->GetLocationWithoutPath();
+  return {&file, location.GetLine(), location.GetColumn()};
+}
 
 bool IsSchemaElement(const CXmlElement* element) { return element->GetNamespaceURI() == kSchemaNamespace; }
 

@@ -80,7 +80,7 @@ class CContentModels {
   std::unordered_map<const ModelGroup*, Range> m_ranges;
   std::unordered_map<const ModelGroup*, std::uint64_t> m_sizes;
   std::uint64_t m_totalSize = 0;
-  std::size_t m_budget = 50000000;
+  std::size_t m_budget = 4000000;
 
   // Of the content model at hand.
   struct Name {

@@ -17,13 +17,12 @@ class CSchemaReader {
   void ReadText(std::string_view bytes, const std::wstring& file);
 
  private:
-  struct Pending {
-    DocumentInstance* document;
-  };
   enum class Reference { Include, Import, Redefine };
 
   SourceFile* Open(const std::wstring& path, SourceLocation from, const std::wstring& written);
   SourceFile* OpenText(std::string_view bytes, const std::wstring& path, SourceLocation from);
+  template <class Load>
+  SourceFile* Read(const std::wstring& path, SourceLocation from, Load&& load);
   void Adopt(SourceFile& file, SourceLocation from);
   void Follow();
   void FollowReferences(DocumentInstance& document);

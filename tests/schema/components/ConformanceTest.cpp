@@ -1,0 +1,87 @@
+// Schemas of others, where they are at hand: RKXML_SHARED/schemas.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <set>
+#include <sstream>
+
+#include "Schemas.h"
+
+namespace RkXmlSchema {
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path kSchemas = fs::path(RKXML_SHARED) / "schemas";
+
+TEST(Conformance, SuiteOfSmallSchemas) {
+  std::ifstream rows(kSchemas / "w3c-sun" / "rows.tsv");
+  if (!rows) GTEST_SKIP() << "no schemas at hand";
+  std::set<std::string> seen;
+  std::size_t total[2] = {0, 0};
+  std::size_t right[2] = {0, 0};
+  for (std::string line; std::getline(rows, line);) {
+    std::istringstream fields(line);
+    std::string name;
+    std::string group;
+    std::string validity;
+    std::string files;
+    std::getline(std::getline(std::getline(std::getline(fields, name, '\t'), group, '\t'), validity, '\t'), files,
+                 '\t');
+    if (validity == "-" || !seen.insert(files).second) continue;
+    CSchemaSet set;
+    std::istringstream list(files);
+    for (std::string file; std::getline(list, file, ';');) set.AddFile((kSchemas / "w3c-sun" / file).wstring());
+    const bool isValid = validity == "valid";
+    const bool isRight = set.Resolve() == isValid;
+    ++total[isValid];
+    right[isValid] += isRight;
+    for (const Diagnostic& d : set.GetDiagnostics())
+      EXPECT_TRUE(d.severity == Severity::Warning || d.location.line != 0 || d.location.file == nullptr);
+    if (!isRight) std::printf("%s: %s\n", files.c_str(), isValid ? "refused" : "accepted");
+  }
+  // One valid schema redefines a document that the suite lacks here.
+  EXPECT_GE(right[1] + 1, total[1]);
+  EXPECT_EQ(right[0], total[0]);
+}
+
+TEST(Conformance, SchemasInUse) {
+  if (!fs::exists(kSchemas)) GTEST_SKIP() << "no schemas at hand";
+  std::vector<fs::path> files;
+  for (const char* folder : {"ubl/schemas/maindoc", "ipxact/schemas", "bpmn/schemas", "npo/schemas"}) {
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(kSchemas / folder)) {
+      if (entry.path().extension() == ".xsd") files.push_back(entry.path());
+    }
+  }
+  // All of a folder share most of their documents; a few main documents stand for it.
+  std::size_t invoices = 0;
+  for (const fs::path& file : files) {
+    if (file.string().find("maindoc") != std::string::npos && file.string().find("Invoice") == std::string::npos)
+      continue;
+    CSchemaSet set;
+    set.AddFile(file.wstring());
+    EXPECT_TRUE(set.Resolve()) << file << ": " << ::testing::PrintToString(Lines(set));
+    invoices += file.filename().string().find("UBL-Invoice") == 0;
+  }
+  EXPECT_NE(invoices, 0u);
+}
+
+TEST(Conformance, ACatalogNamesFilesForLocations) {
+  const fs::path schema = kSchemas / "musicxml/schemas/musicxml.xsd";
+  if (!fs::exists(schema)) GTEST_SKIP() << "no schemas at hand";
+  const fs::path catalog = fs::temp_directory_path() / "rkxml_schema_catalog.txt";
+  std::ofstream(catalog) << "http://www.musicxml.org/xsd/xml.xsd=" << (schema.parent_path() / "xml.xsd").string()
+                         << "\nhttp://www.musicxml.org/xsd/xlink.xsd=" << (schema.parent_path() / "xlink.xsd").string()
+                         << "\n";
+  SchemaOptions options;
+  options.catalogFile = catalog.wstring();
+  CSchemaSet set(options);
+  set.AddFile(schema.wstring());
+  EXPECT_TRUE(set.Resolve()) << ::testing::PrintToString(Lines(set));
+  EXPECT_NE(set.FindElement({L"", L"score-partwise"}), nullptr);
+  fs::remove(catalog);
+}
+
+}  // namespace
+}  // namespace RkXmlSchema
