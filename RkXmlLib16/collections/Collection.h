@@ -2,6 +2,7 @@
 #define RKXMLLIB16_COLLECTIONS_COLLECTION_H
 
 #include <cstddef>
+#include <iterator>
 #include <memory>
 #include <vector>
 
@@ -31,6 +32,43 @@ class RKXML_EXPORT CXmlCollection : public CXmlCollectionBase {
     CSmartPtr<CXmlObjectBase> m_item;
     CNode* m_next = nullptr;
     CNode* m_previous = nullptr;
+  };
+
+  // A standard forward iterator over the items as objects of class T; null items are passed over. It stays valid until
+  // its item is removed.
+  template <class T>
+  class CIterator {
+   public:
+    using iterator_category = std::forward_iterator_tag;
+    using value_type = T;
+    using difference_type = std::ptrdiff_t;
+    using pointer = T*;
+    using reference = T&;
+
+    CIterator() noexcept = default;
+    explicit CIterator(const CNode* node) noexcept : m_node(node) { PassNulls(); }
+
+    T& operator*() const noexcept { return *operator->(); }
+    T* operator->() const noexcept { return static_cast<T*>(m_node->GetItem()); }
+    CIterator& operator++() noexcept {
+      m_node = m_node->GetNext();
+      PassNulls();
+      return *this;
+    }
+    CIterator operator++(int) noexcept {
+      const CIterator before = *this;
+      ++*this;
+      return before;
+    }
+    friend bool operator==(CIterator a, CIterator b) noexcept { return a.m_node == b.m_node; }
+    friend bool operator!=(CIterator a, CIterator b) noexcept { return a.m_node != b.m_node; }
+
+   private:
+    void PassNulls() noexcept {
+      while (m_node != nullptr && m_node->GetItem() == nullptr) m_node = m_node->GetNext();
+    }
+
+    const CNode* m_node = nullptr;
   };
 
   CXmlCollection();
@@ -66,6 +104,10 @@ class RKXML_EXPORT CXmlCollection : public CXmlCollectionBase {
   // The ends of the list, null when it is empty; for walks in a loop.
   CNode* GetFirstNode() const noexcept { return m_head; }
   CNode* GetLastNode() const noexcept { return m_tail; }
+
+  // The items as references: for (CXmlObjectBase& item : collection).
+  CIterator<CXmlObjectBase> begin() const noexcept { return CIterator<CXmlObjectBase>(m_head); }
+  CIterator<CXmlObjectBase> end() const noexcept { return {}; }
 
  protected:
   // Asks for the memory of items that a walk is about to reach, `kItemSize` bytes of each: long lists do not fit the

@@ -36,6 +36,10 @@ class CXmlObjectCollection : public CXmlCollection {
 
   // Borrowed; may be null when a null item was added. Throws CRkInvalidParamException for an index out of range.
   T* Item(int index) const { return static_cast<T*>(GetNodeAtIndex(index)->GetItem()); }
+
+  // The items as references: for (CWptType& point : *track->GetTrkpt()). Null items are passed over.
+  CIterator<T> begin() const noexcept { return CIterator<T>(GetFirstNode()); }
+  CIterator<T> end() const noexcept { return {}; }
   // Counted.
   void Add(T* item) { AppendItem(item); }
   // Makes an item, adds it and returns it, borrowed; null when there is no class to make it of.

@@ -76,7 +76,7 @@ void CValueCollectionBase<T>::Clear() {
 template <class T>
 T CValueCollectionBase<T>::Item(int index) const {
   if (index < 0 || index >= GetCount()) ThrowIndex(index, Count());
-  return static_cast<T>(At(static_cast<std::size_t>(index)));
+  return At(static_cast<std::size_t>(index));
 }
 
 template <class T>
@@ -95,7 +95,7 @@ void CValueCollectionBase<T>::Erase(std::size_t index) {
     m_values.erase(place(m_removed + index));
     return;
   }
-  m_values[m_removed++] = Stored();
+  m_values[m_removed++] = T();
   if (m_removed > m_values.size() / 2) {
     m_values.erase(m_values.begin(), place(m_removed));
     m_removed = 0;
@@ -108,7 +108,7 @@ void CValueCollectionBase<T>::Insert(int index, T value, Check&& check) {
   FireOnCollectionAdd(&value);
   if (index < 0 || index > GetCount()) throw CRkInvalidParamException(L"Index out of range");
   check(value);
-  m_values.insert(m_values.begin() + static_cast<std::ptrdiff_t>(m_removed) + index, static_cast<Stored>(value));
+  m_values.insert(m_values.begin() + static_cast<std::ptrdiff_t>(m_removed) + index, value);
   FireOnCollectionAddComplete(&value);
   FireOnCollectionChange();
 }
@@ -156,7 +156,7 @@ void CValueCollection<kItem>::ToXml_Int(CXmlWriter* writer, bool, const wchar_t*
       writer->WriteString(this->At(i), kItem);
     } else {
       text.clear();
-      CConversions::AppendTo<kItem>(text, static_cast<Value>(this->At(i)), this->GetFormat().c_str());
+      CConversions::AppendTo<kItem>(text, this->At(i), this->GetFormat().c_str());
       writer->WriteString(text, kItem);
     }
     writer->WriteEndElement();

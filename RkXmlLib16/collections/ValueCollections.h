@@ -3,7 +3,6 @@
 
 #include <cstddef>
 #include <string>
-#include <type_traits>
 #include <vector>
 
 #include "RkXmlLib16/collections/TypeCollection.h"
@@ -39,19 +38,25 @@ class RKXML_EXPORT CValueCollectionBase : public CXmlTypeCollection {
   void Remove(int index) override;
   T Item(int index) const;
 
- protected:
-  using Stored = std::conditional_t<std::is_same_v<T, bool>, unsigned char, T>;
+  // The values: for (const auto& value : collection). Iterators are those of a vector, which adding and removing
+  // invalidate.
+  using value_type = T;
+  using const_iterator = typename std::vector<T>::const_iterator;
+  using iterator = const_iterator;
+  const_iterator begin() const noexcept { return m_values.begin() + static_cast<std::ptrdiff_t>(m_removed); }
+  const_iterator end() const noexcept { return m_values.end(); }
 
+ protected:
   // Tells the listeners, then tests the index, lets `check` throw for the value, and inserts it.
   template <class Check>
   void Insert(int index, T value, Check&& check);
   std::size_t Count() const noexcept { return m_values.size() - m_removed; }
-  const Stored& At(std::size_t index) const { return m_values[m_removed + index]; }
+  typename std::vector<T>::const_reference At(std::size_t index) const { return m_values[m_removed + index]; }
 
  private:
   void Erase(std::size_t index);
 
-  std::vector<Stored> m_values;
+  std::vector<T> m_values;
   std::size_t m_removed = 0;  // places at the front that are no longer in use, so that clearing is linear
 };
 

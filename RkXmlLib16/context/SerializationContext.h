@@ -16,6 +16,7 @@ namespace RkXmlLib16 {
 class CAttributeCol;
 class CFastInfosetContext;
 class CJsonContext;
+class CXmlDocument;
 
 // The settings of a reading or writing call: leniency of the reader, choices of the writers, prefixes, extra content of
 // the root element. A value type; one context serves one call at a time.
@@ -91,6 +92,10 @@ class RKXML_EXPORT CSerializationContext {
   // Writing: the prefixes declared on the root element. Edit in place.
   CNamespaceAliasMap& GetNamespaceAliases() noexcept { return m_settings.namespaceAliases; }
   const CNamespaceAliasMap& GetNamespaceAliases() const noexcept { return m_settings.namespaceAliases; }
+  // Writing: adds the prefixes that `document` declares, and its default namespace unless one of its elements has no
+  // namespace, so that what is written looks like what was read. What is set here already stays.
+  // Implemented in document/TakeNamespaces.cpp.
+  void TakeNamespaces(const CXmlDocument& document);
   // Writing: processing instructions, each a whole text such as L"<?go now?>", before the root element. Edit in place.
   std::list<std::wstring>& GetProcessingInstructions() noexcept { return m_settings.processingInstructions; }
   const std::list<std::wstring>& GetProcessingInstructions() const noexcept {

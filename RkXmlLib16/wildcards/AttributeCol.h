@@ -92,6 +92,10 @@ class RKXML_EXPORT CAttributeCol : public CXmlCollection {
   // The value of the first attribute with this name; empty when there is none.
   std::wstring GetValue(const wchar_t* localName, const wchar_t* namespaceUri = L"") const;
 
+  // The attributes as references: for (CAttribute& attribute : attributes).
+  CIterator<CAttribute> begin() const noexcept { return CIterator<CAttribute>(GetFirstNode()); }
+  CIterator<CAttribute> end() const noexcept { return {}; }
+
   const wchar_t* GetNamespaceConstraint() const noexcept;
   const wchar_t* GetConstraintTargetNamespace() const noexcept;
 

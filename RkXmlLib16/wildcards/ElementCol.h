@@ -49,6 +49,10 @@ class RKXML_EXPORT CElementCol : public CXmlCollection {
   // The first element with this name, or null.
   CElement* Find(const wchar_t* localName, const wchar_t* namespaceUri = L"") const;
 
+  // The elements as references: for (CElement& element : elements).
+  CIterator<CElement> begin() const noexcept { return CIterator<CElement>(GetFirstNode()); }
+  CIterator<CElement> end() const noexcept { return {}; }
+
   const wchar_t* GetNamespaceConstraint() const noexcept;
   const wchar_t* GetConstraintTargetNamespace() const noexcept;
 

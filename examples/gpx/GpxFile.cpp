@@ -27,10 +27,7 @@ CSerializationContext ReadFile(CGpxType& gpx, const char* fileName) {
   gpx.FromXmlElement(document.GetDocumentElement());
 
   CSerializationContext context;
-  context.SetDefaultNamespaceURI(gpx.GetTargetNamespace());
-  for (const auto& [prefix, uri] : document.GetNamespaceAliases())
-    if (!prefix.empty() && uri != gpx.GetTargetNamespace())
-      context.GetNamespaceAliases().Add(prefix.c_str(), uri.c_str());
+  context.TakeNamespaces(document);
   context.GetJsonContext()->SetStrictOutput(true);  // quotation marks in names survive only so
   return context;
 }

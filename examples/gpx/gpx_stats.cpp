@@ -60,14 +60,12 @@ void AddPoint(Stats& stats, const Gpx::CWptType& point, const Gpx::CWptType* pre
 
 Stats Measure(const Gpx::CGpxType& gpx) {
   Stats stats;
-  for (int t = 0; t < gpx.GetTrk()->GetCount(); ++t) {
-    const Gpx::CTrksegTypeCol* segments = gpx.GetTrk()->Item(t)->GetTrkseg();
-    for (int s = 0; s < segments->GetCount(); ++s) {
-      const Gpx::CWptTypeCol* points = segments->Item(s)->GetTrkpt();
+  for (const Gpx::CTrkType& track : *gpx.GetTrk()) {
+    for (const Gpx::CTrksegType& segment : *track.GetTrkseg()) {
       const Gpx::CWptType* previous = nullptr;
-      for (int p = 0; p < points->GetCount(); ++p) {
-        AddPoint(stats, *points->Item(p), previous);
-        previous = points->Item(p);
+      for (const Gpx::CWptType& point : *segment.GetTrkpt()) {
+        AddPoint(stats, point, previous);
+        previous = &point;
       }
     }
   }

@@ -30,11 +30,10 @@ CDecimal WithTax(const CDecimal& net, Order::ERate rate) {
 
 CDecimal Total(const Order::CLinesType& lines) {
   CDecimal total;
-  for (int i = 0; i < lines.GetLine()->GetCount(); ++i) {
-    const Order::CLine* line = lines.GetLine()->Item(i);
-    if (const Order::CGoodsType* goods = line->GetGoods())
+  for (const Order::CLine& line : *lines.GetLine()) {
+    if (const Order::CGoodsType* goods = line.GetGoods())
       total += WithTax(goods->GetPrice() * CDecimal(goods->GetQuantity()), goods->GetVat());
-    if (const Order::CServiceType* service = line->GetService())
+    if (const Order::CServiceType* service = line.GetService())
       total += WithTax(service->GetPrice(), service->GetVat());
   }
   total.ChangeFractionalDivider(2);

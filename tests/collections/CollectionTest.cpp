@@ -1,12 +1,20 @@
 #include "RkXmlLib16/collections/Collection.h"
 
+#include <algorithm>
 #include <functional>
+#include <iterator>
 #include <string>
 #include <vector>
 
 #include "Expect.h"
+<<<<<<< HEAD
 #include "RkXmlLib16/context/SerializationContext.h"
+=======
+#include "RkXmlLib16/core/SerializationContext.h"
+#include "RkXmlLib16/wildcards/AttributeCol.h"
+>>>>>>> 9745807 (collections: begin and end; context: take the namespaces of a document)
 #include "RkXmlLib16/wildcards/Element.h"
+#include "RkXmlLib16/wildcards/ElementCol.h"
 
 using namespace RkXmlTest;
 
@@ -76,6 +84,27 @@ class Collection : public testing::Test {
   CItemCol col{0, -1};
   std::wstring log;
 };
+
+TEST_F(Collection, IsWalkedAsAStandardRangeWithoutItsNullItems) {
+  for (const wchar_t label : {L'0', L'a', L'0', L'0', L'b', L'c', L'0'})
+    col.AppendItem(label == L'0' ? nullptr : New(label));
+  std::wstring labels;
+  for (CXmlObjectBase& item : col) labels += LabelOf(&item);
+  EXPECT_TEXT(L"abc", labels);
+  const auto isC = [](const CXmlObjectBase& item) { return LabelOf(&item) == L'c'; };
+  EXPECT_EQ(2, std::distance(col.begin(), std::find_if(col.begin(), col.end(), isC)));
+  col.Clear();
+  col.AppendItem(nullptr);
+  EXPECT_TRUE(col.begin() == col.end());
+
+  CElementCol elements;
+  elements.Add(new CElement);
+  elements.Item(0)->SetElementName(L"e");
+  for (CElement& element : elements) EXPECT_TEXT(L"e", element.GetElementName());
+  CAttributeCol attributes;
+  attributes.Add(L"n", L"v");
+  for (const CAttribute& attribute : attributes) EXPECT_TEXT(L"v", attribute.GetValue());
+}
 
 TEST_F(Collection, InsertsWhereAskedAndHoldsOneReference) {
   CItem* const b = New(L'b');

@@ -1,6 +1,9 @@
 #include "RkXmlLib16/collections/ValueCollections.h"
 
+#include <algorithm>
+#include <iterator>
 #include <memory>
+#include <type_traits>
 #include <vector>
 
 #include "Expect.h"
@@ -113,6 +116,29 @@ const Row kRows[] = {
 };
 
 class ValueCollection : public testing::TestWithParam<Row> {};
+
+// The values by range, by index and by a standard algorithm, when places at the front have gone.
+template <class Col>
+void ExpectRange(const std::vector<const wchar_t*>& texts) {
+  const auto col = New<Col>();
+  for (const wchar_t* text : texts) col->AddFromString(text);
+  col->Remove(0);
+  int index = 0;
+  for (const auto& value : *col) EXPECT_EQ(col->Item(index++), value);
+  EXPECT_EQ(col->GetCount(), index);
+  EXPECT_EQ(1, std::distance(col->begin(), std::find(col->begin(), col->end(), col->Item(1))));
+  static_assert(std::is_same_v<typename Col::value_type, std::decay_t<decltype(col->Item(0))>>);
+}
+
+TEST(ValueCollections, AreStandardRangesOfTheirValues) {
+  ExpectRange<CstringCol>({L"a", L"b", L"c"});
+  ExpectRange<CbooleanCol>({L"true", L"true", L"false", L"true"});
+  ExpectRange<Ci4Col>({L"1", L"2", L"3"});
+  ExpectRange<CdecimalCol>({L"1", L"2.5", L"3"});
+  ExpectRange<CdateCol>({L"2024-02-29", L"2024-03-01", L"2024-03-02"});
+  const auto none = New<CstringCol>();
+  EXPECT_TRUE(none->begin() == none->end());
+}
 
 }  // namespace
 

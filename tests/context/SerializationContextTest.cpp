@@ -1,11 +1,15 @@
 #include "RkXmlLib16/context/SerializationContext.h"
 
+#include <algorithm>
+#include <cstring>
 #include <memory>
 #include <string>
 
 #include "Expect.h"
 #include "RkXmlLib16/context/JsonContext.h"
 #include "RkXmlLib16/wildcards/AttributeCol.h"
+#include "RkXmlLib16/wildcards/Element.h"
+#include "RkXmlLib16/xml/ElementTree.h"
 
 using namespace RkXmlTest;
 
@@ -62,6 +66,46 @@ TEST(SerializationContext, CopiesShareTheirWorkingObjectsAndNothingElse) {
   EXPECT_EQ(json, copy.GetJsonContext());
   EXPECT_EQ(attributes.Get(), copy.GetAdditionalRootAttributes().Get());
   EXPECT_EQ(2, attributes->GetRefCount());
+}
+
+// A document is written as it was read, where one default namespace and one namespace for a prefix are enough.
+TEST(SerializationContext, TakesTheNamespacesOfADocument) {
+  const Rows<const char*, const wchar_t*> rows = {
+      {"<a xmlns='urn:a' xmlns:p='urn:p' p:x='1'><p:b/></a>", nullptr},
+      {"<p:a xmlns:p='urn:p' xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' xsi:type='p:T'/>",
+       L"<p:a xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' xmlns:p='urn:p' xsi:type='p:T'/>"},
+      {"<x:a xmlns='urn:d' xmlns:x='urn:x'><b/></x:a>", nullptr},
+      {"<a xml:lang='de'><b/></a>", nullptr},
+      {"<a xmlns:xml='http://www.w3.org/XML/1998/namespace' xml:lang='de'/>", L"<a xml:lang='de'/>"},
+      // The default namespace would take in the element without namespace.
+      {"<p:a xmlns:p='urn:p' xmlns='urn:d'><b xmlns=''/></p:a>", L"<p:a xmlns:p='urn:p'><b/></p:a>"},
+      {"<a xmlns='urn:a' xmlns:p='urn:a'><b/></a>", nullptr},
+      // The root's default counts.
+      {"<a xmlns='urn:a'><b xmlns='urn:b'/></a>", L"<a xmlns='urn:a'><AA:b xmlns:AA='urn:b'/></a>"},
+  };
+  for (const auto& [xml, written] : rows) {
+    CXmlDocument document;
+    document.LoadXml(xml);
+    CSerializationContext context;
+    context.TakeNamespaces(document);
+    CElement element;
+    element.FromXmlElement(document.GetDocumentElement());
+    std::wstring text = element.ToXml(false, false, EOLType_LF, context);
+    std::replace(text.begin(), text.end(), L'"', L'\'');
+    EXPECT_TEXT(written != nullptr ? std::wstring(written) : std::wstring(xml, xml + strlen(xml)), text);
+  }
+
+  // What is set stays, and no prefix stands for two namespaces.
+  CXmlDocument document;
+  document.LoadXml("<a xmlns='urn:a' xmlns:p='urn:p' xmlns:q='urn:q'/>");
+  CSerializationContext context;
+  context.SetDefaultNamespaceURI(L"urn:mine");
+  context.GetNamespaceAliases().Add(L"p", L"urn:other");
+  context.GetNamespaceAliases().Add(L"r", L"urn:q");
+  context.TakeNamespaces(document);
+  EXPECT_TEXT(L"urn:mine", context.GetDefaultNamespaceURI());
+  EXPECT_EQ(2, context.GetNamespaceAliases().GetNamespaceCount());
+  context.TakeNamespaces(CXmlDocument());
 }
 
 TEST(NamespaceAliasMap, KeepsOneAliasForANamespaceInTheirOrder) {

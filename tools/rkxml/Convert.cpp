@@ -19,7 +19,7 @@ void Convert(const Options& options) {
     CXmlDocument document(progress.Counter(), context);
     LoadDocument(document, options, bytes);
     bytes = Bytes();
-    KeepPrefixes(document, context);
+    context.TakeNamespaces(document);
     if (options.to->needsPrefixes) AddPrefixes(document, context);
     element.FromXmlElement(document.GetDocumentElement(), context);
   }

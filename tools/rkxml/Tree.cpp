@@ -5,17 +5,6 @@
 
 using namespace RkXmlLib16;
 
-namespace {
-
-bool HasElementWithoutNamespace(const CXmlDocument& document) {
-  for (TreeWalk walk(document); walk; walk.Next()) {
-    if (walk->GetNamespaceURI().empty()) return true;
-  }
-  return false;
-}
-
-}  // namespace
-
 void TreeWalk::Next() {
   if (const CXmlElement* const child = m_element->GetFirstElement()) {
     m_element = child;
@@ -27,24 +16,6 @@ void TreeWalk::Next() {
     --m_depth;
   }
   if (m_element != nullptr) m_element = m_element->GetNextSiblingElement();
-}
-
-void KeepPrefixes(const CXmlDocument& document, CSerializationContext& context) {
-  CNamespaceAliasMap& aliases = context.GetNamespaceAliases();
-  for (const auto& [prefix, uri] : document.GetNamespaceAliases()) {
-    if (!prefix.empty() && !uri.empty() && !aliases.DoesNamespaceExist(uri.c_str())) {
-      aliases.Add(prefix.c_str(), uri.c_str());
-    }
-  }
-  // An inner element may have declared another default than the root's; the root's counts. An element without namespace
-  // could not be told from one in the default namespace.
-  const CXmlText rootNamespace = document.GetDocumentElement()->GetNamespaceURI();
-  const CXmlText lastDefault = document.LookupNamespaceFromAlias(L"");
-  const bool rootHasPrefix = aliases.DoesNamespaceExist(rootNamespace.c_str());
-  const CXmlText defaultNamespace = rootHasPrefix ? lastDefault : rootNamespace;
-  if (!defaultNamespace.empty() && !HasElementWithoutNamespace(document)) {
-    context.SetDefaultNamespaceURI(defaultNamespace.c_str());
-  }
 }
 
 void AddPrefixes(const CXmlDocument& document, CSerializationContext& context) {

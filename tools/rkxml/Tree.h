@@ -20,9 +20,6 @@ class TreeWalk {
   unsigned long long m_depth = 1;
 };
 
-// Lets what is written with `context` keep the prefixes and the default namespace that the document declares.
-void KeepPrefixes(const RkXmlLib16::CXmlDocument& document, RkXmlLib16::CSerializationContext& context);
-
 // Gives every namespace of an element or attribute that `context` cannot write yet a prefix: ns1, ns2, ...
 void AddPrefixes(const RkXmlLib16::CXmlDocument& document, RkXmlLib16::CSerializationContext& context);
 

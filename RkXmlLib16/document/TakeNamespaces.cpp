@@ -1,0 +1,37 @@
+#include "RkXmlLib16/context/SerializationContext.h"
+#include "RkXmlLib16/document/ElementTree.h"
+
+namespace RkXmlLib16 {
+
+namespace {
+
+bool HasElementWithoutNamespace(const CXmlElement* element) {
+  while (element != nullptr) {
+    if (element->GetNamespaceURI().empty()) return true;
+    const CXmlElement* next = element->GetFirstElement();
+    for (; next == nullptr && element != nullptr; element = element->GetParentElement())
+      next = element->GetNextSiblingElement();
+    element = next;
+  }
+  return false;
+}
+
+}  // namespace
+
+void CSerializationContext::TakeNamespaces(const CXmlDocument& document) {
+  const CXmlElement* const root = document.GetDocumentElement();
+  if (root == nullptr) return;
+  CNamespaceAliasMap& aliases = GetNamespaceAliases();
+  for (const auto& [prefix, uri] : document.GetNamespaceAliases())
+    if (!prefix.empty() && !uri.empty() && !aliases.DoesAliasExist(prefix.c_str()) &&
+        !aliases.DoesNamespaceExist(uri.c_str()))
+      aliases.Add(prefix.c_str(), uri.c_str());
+  // An inner element may have declared another default than the root's; the root's counts. An element without namespace
+  // could not be told from one in the default namespace.
+  const bool rootHasPrefix = aliases.DoesNamespaceExist(root->GetNamespaceURI().c_str());
+  const CXmlText defaultNamespace = rootHasPrefix ? document.LookupNamespaceFromAlias(L"") : root->GetNamespaceURI();
+  if (GetDefaultNamespaceURI().empty() && !defaultNamespace.empty() && !HasElementWithoutNamespace(root))
+    SetDefaultNamespaceURI(defaultNamespace.c_str());
+}
+
+}  // namespace RkXmlLib16
