@@ -1,5 +1,5 @@
 # What `cmake --install` puts down, in three components: runtime (the shared library), dev (headers, CMake package,
-# RkXmlLib16.pc) and tool (the program rkxml).
+# RkXmlLib16.pc, pages, examples) and tool (the program rkxml).
 include(CMakePackageConfigHelpers)
 
 install(TARGETS RkXmlLib16 EXPORT RkXmlLib16Targets
@@ -21,6 +21,12 @@ file(RELATIVE_PATH RKXML_PC_PREFIX /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /pr
 string(REGEX REPLACE "/$" "" RKXML_PC_PREFIX "${RKXML_PC_PREFIX}")
 configure_file(${CMAKE_CURRENT_LIST_DIR}/RkXmlLib16.pc.in ${PROJECT_BINARY_DIR}/RkXmlLib16.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/RkXmlLib16.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT dev)
+
+# The pages and the examples, beside each other as in the source, so that their links lead on.
+set(RKXML_DOC_DIR ${CMAKE_INSTALL_DATADIR}/doc/librkxmllib16-dev)
+install(FILES ${PROJECT_SOURCE_DIR}/README.md DESTINATION ${RKXML_DOC_DIR} COMPONENT dev)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION ${RKXML_DOC_DIR} COMPONENT dev FILES_MATCHING PATTERN "*.md")
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples DESTINATION ${RKXML_DOC_DIR} COMPONENT dev)
 
 if(TARGET rkxml)
   # The program finds the library beside it in whatever prefix it was installed to.

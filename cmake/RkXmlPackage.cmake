@@ -2,7 +2,6 @@
 set(CPACK_PACKAGE_NAME rkxmllib16)
 set(CPACK_PACKAGE_VENDOR "RkXmlLib16 developers")
 set(CPACK_PACKAGE_CONTACT "RkXmlLib16 developers <rkxmllib16@example.org>")
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
 set(CPACK_PACKAGE_INSTALL_DIRECTORY rkxmllib16)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
@@ -17,14 +16,14 @@ set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME librkxmllib16-16)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_RUNTIME_DESCRIPTION
-  "XML data binding run-time (shared library)\nReads objects of generated classes from XML text, JSON and Fast Infoset documents and writes them back,\nchecking the facets and occurrence limits of their XML Schema.")
+  "XML data binding run-time (shared library)\nReads objects of generated classes from XML text, JSON and Fast Infoset documents\nand writes them back, checking the facets and occurrence limits of their XML\nSchema.")
 
 set(CPACK_DEBIAN_DEV_PACKAGE_NAME librkxmllib16-dev)
 set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS
   "librkxmllib16-16 (= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})")
 set(CPACK_DEBIAN_DEV_DESCRIPTION
-  "XML data binding run-time (development files)\nHeaders, the CMake package RkXmlLib16 and RkXmlLib16.pc.")
+  "XML data binding run-time (development files)\nHeaders, the CMake package RkXmlLib16, RkXmlLib16.pc, the documentation and\nexamples with their schemas.")
 
 set(CPACK_DEBIAN_TOOL_PACKAGE_NAME rkxml)
 set(CPACK_DEBIAN_TOOL_PACKAGE_SECTION text)
@@ -33,7 +32,7 @@ set(CPACK_DEBIAN_TOOL_PACKAGE_DEPENDS
   "librkxmllib16-16 (>= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})")
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/RkXmlLib16)
 set(CPACK_DEBIAN_TOOL_DESCRIPTION
-  "convert and inspect XML documents\nConverts documents between plain and compressed, pretty and compact forms and shows what one holds.")
+  "convert and inspect XML, JSON and Fast Infoset documents\nConverts documents between the three forms, plain or compressed, pretty or\ncompact, and shows what a document holds.")
 
 # What every package has to tell about itself.
 function(rkxml_compress input output)

@@ -22,7 +22,7 @@ if [ "${1-}" = --untuned ]; then
   fi
 else
   build=build/tuned
-  scripts/tune.sh -DRKXML_BUILD_BENCH=ON
+  scripts/tune.sh -DRKXML_BUILD_BENCH=ON -DRKXML_BUILD_EXAMPLES=ON
 fi
 
 "$build/bench/rkxml_bench" "$@"

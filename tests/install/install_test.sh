@@ -112,7 +112,12 @@ test_packages() {
   for deb in "$work"/*.deb; do
     dpkg-deb --extract "$deb" "$root"
   done
-  local package
+  local package synopses
+  synopses=$(for deb in "$work"/*.deb; do dpkg-deb --field "$deb" Description | head -n 1; done | sort -u)
+  [ "$(wc -l <<<"$synopses")" = 3 ] || fail "packages share a description: $synopses"
+  for package in README.md docs/getting-started.md examples/gpx/gpx.xsd; do
+    [ -s "$root/usr/share/doc/librkxmllib16-dev/$package" ] || fail "librkxmllib16-dev has no $package"
+  done
   for package in librkxmllib16-16 librkxmllib16-dev rkxml; do
     [ -s "$root/usr/share/doc/$package/copyright" ] || fail "$package has no copyright file"
     gzip -cd "$root/usr/share/doc/$package/changelog.Debian.gz" | grep -q '^rkxmllib16 (16.0.0-1)' ||
