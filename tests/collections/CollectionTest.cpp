@@ -7,12 +7,8 @@
 #include <vector>
 
 #include "Expect.h"
-<<<<<<< HEAD
 #include "RkXmlLib16/context/SerializationContext.h"
-=======
-#include "RkXmlLib16/core/SerializationContext.h"
 #include "RkXmlLib16/wildcards/AttributeCol.h"
->>>>>>> 9745807 (collections: begin and end; context: take the namespaces of a document)
 #include "RkXmlLib16/wildcards/Element.h"
 #include "RkXmlLib16/wildcards/ElementCol.h"
 

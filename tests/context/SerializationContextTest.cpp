@@ -7,9 +7,9 @@
 
 #include "Expect.h"
 #include "RkXmlLib16/context/JsonContext.h"
+#include "RkXmlLib16/document/ElementTree.h"
 #include "RkXmlLib16/wildcards/AttributeCol.h"
 #include "RkXmlLib16/wildcards/Element.h"
-#include "RkXmlLib16/xml/ElementTree.h"
 
 using namespace RkXmlTest;
 
