@@ -1,7 +1,8 @@
 # rkxml_doc_blocks(DIR PROGRAMS): turns the ```cpp blocks of README.md and docs/*.md into sources in DIR, and sets
 # PROGRAMS to the names of those that are programs of their own.
 #
-#   ```cpp        the body of a function, or a whole program when it holds "int main("
+#   ```cpp        the body of a function, or a whole program when it holds "int main(": without an #include of its own
+#                 it stands behind the pieces of its page
 #   ```cpp file   a piece of a file; the functions of its page see it, and those of getting-started.md are seen by all
 #
 # All but the programs make one source, blocks.cpp. What a block says about itself is checked:
@@ -66,7 +67,11 @@ function(rkxml_doc_blocks dir programs_variable)
       if(block MATCHES "int main\\(")
         set(program ${name}_${line})
         list(APPEND programs ${program})
-        rkxml_write_if_different(${dir}/${program}.cpp "${directive}${block}\n")
+        set(before_it "")
+        if(NOT block MATCHES "#include")
+          set(before_it "${pieces}")
+        endif()
+        rkxml_write_if_different(${dir}/${program}.cpp "${before_it}${directive}${block}\n")
         if(has_expected)
           rkxml_write_if_different(${dir}/${program}.out "${expected}")
         else()
