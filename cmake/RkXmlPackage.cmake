@@ -2,6 +2,7 @@
 set(CPACK_PACKAGE_NAME rkxmllib16)
 set(CPACK_PACKAGE_VENDOR "RkXmlLib16 developers")
 set(CPACK_PACKAGE_CONTACT "RkXmlLib16 developers <rkxmllib16@example.org>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")  # would come before the descriptions of the packages
 set(CPACK_PACKAGE_INSTALL_DIRECTORY rkxmllib16)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
