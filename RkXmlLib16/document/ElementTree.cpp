@@ -50,6 +50,14 @@ struct RKXML_HIDDEN CXmlDocument::Storage {
     CArena::Mark texts;
     std::size_t nodeCount;
     std::size_t charCount;
+    std::size_t rebindingCount;
+  };
+
+  // A declaration of a prefix that was bound to another namespace before.
+  struct Rebinding {
+    const CXmlElement* element;
+    const CXmlName* prefix;
+    const CXmlName* namespaceUri;
   };
 
   explicit Storage(CXmlDocument& owner)
@@ -76,6 +84,13 @@ struct RKXML_HIDDEN CXmlDocument::Storage {
   std::vector<const CXmlName*> nameTable;  // open addressing, a power of two
   std::size_t nameCount = 0;
   std::map<std::wstring_view, const CXmlName*> aliases;  // prefix to namespace
+  // Scopes matter for few prefixes: those that are bound to a second namespace. What they were bound to first, and
+  // every declaration since, in document order; the last ones are those of the element to come.
+  std::map<std::wstring_view, const CXmlName*> firstAliases;
+  std::vector<Rebinding> rebindings;
+  std::size_t attachedRebindings = 0;
+  std::unordered_map<const CXmlElement*, std::size_t> rebindingIndex;  // made when it is asked for
+  std::size_t indexedRebindings = 0;
   std::unordered_map<const CXmlName*, std::shared_ptr<const std::wstring>> sharedNames;
   struct BlanksStep {
     const CXmlTextBlock* before;
@@ -244,7 +259,8 @@ CXmlElement* CXmlDocument::AddElement(const CXmlName* namespaceUri, const CXmlNa
   storage.CountNode();
   if (m_filter != nullptr)
     storage.open.push_back({parent != nullptr ? parent->m_lastChild : nullptr, storage.nodes.GetMark(),
-                            storage.texts.GetMark(), storage.nodeCount - 1, storage.charCount});
+                            storage.texts.GetMark(), storage.nodeCount - 1, storage.charCount,
+                            storage.attachedRebindings});
   auto* const element = new (storage.nodes.Allocate(sizeof(CXmlElement))) CXmlElement(parent, localName, namespaceUri);
   if (parent == nullptr)
     m_documentElement = element;
@@ -253,6 +269,8 @@ CXmlElement* CXmlDocument::AddElement(const CXmlName* namespaceUri, const CXmlNa
   if (parent != nullptr) parent->m_lastChild = element;
   m_currentElement = element;
   ++storage.depth;
+  for (; storage.attachedRebindings != storage.rebindings.size(); ++storage.attachedRebindings)
+    storage.rebindings[storage.attachedRebindings].element = element;
   return element;
 }
 
@@ -290,6 +308,9 @@ void CXmlDocument::EndElement() {
     parent->m_lastChild = start.previousSibling;
     (start.previousSibling != nullptr ? start.previousSibling->m_nextSibling : parent->m_firstChild) = nullptr;
   }
+  storage.rebindings.resize(start.rebindingCount);
+  storage.attachedRebindings = start.rebindingCount;
+  storage.indexedRebindings = 0;
   // What the filter itself added to the tree has to stay.
   if (reclaimable && nodes == storage.nodes.GetMark() && texts == storage.texts.GetMark()) {
     storage.nodes.RewindTo(start.nodes);
@@ -416,7 +437,13 @@ void CXmlDocument::AddNamespaceAlias(const wchar_t* prefix, const wchar_t* names
 }
 
 void CXmlDocument::AddNamespaceAlias(const CXmlName* prefix, const CXmlName* namespaceUri) {
-  m_storage->aliases[prefix->View()] = namespaceUri;
+  Storage& storage = *m_storage;
+  const CXmlName*& alias = storage.aliases[prefix->View()];
+  if (alias != nullptr && (alias != namespaceUri || storage.firstAliases.count(prefix->View()) != 0)) {
+    storage.firstAliases.emplace(prefix->View(), alias);
+    storage.rebindings.push_back({nullptr, prefix, namespaceUri});
+  }
+  alias = namespaceUri;
 }
 
 CXmlText CXmlDocument::LookupAliasFromNamespace(const wchar_t* namespaceUri) const {
@@ -528,6 +555,27 @@ std::wstring CXmlElement::GetXPath() const {
   std::wstring path;
   for (auto name = names.rbegin(); name != names.rend(); ++name) (path += L'/') += *name;
   return path;
+}
+
+const CXmlName* CXmlElement::LookupNamespaceRef(std::wstring_view prefix) const {
+  CXmlDocument::Storage& storage = *Owner().m_storage;
+  const auto first = storage.firstAliases.find(prefix);
+  if (first == storage.firstAliases.end()) return GetDocument()->LookupNamespaceRef(prefix);
+  if (storage.indexedRebindings != storage.rebindings.size()) {
+    storage.rebindingIndex.clear();
+    for (std::size_t i = 0; i < storage.rebindings.size(); ++i)
+      storage.rebindingIndex.emplace(storage.rebindings[i].element, i);
+    storage.indexedRebindings = storage.rebindings.size();
+  }
+  for (const CXmlElement* element = this; element != nullptr; element = element->m_parent) {
+    const auto found = storage.rebindingIndex.find(element);
+    if (found == storage.rebindingIndex.end()) continue;
+    for (std::size_t i = found->second; i < storage.rebindings.size() && storage.rebindings[i].element == element;
+         ++i) {
+      if (storage.rebindings[i].prefix->View() == prefix) return storage.rebindings[i].namespaceUri;
+    }
+  }
+  return first->second;
 }
 
 CRkLocation CXmlElement::GetLocation() const {

@@ -181,6 +181,10 @@ class RKXML_EXPORT CXmlElement {
   std::wstring GetNameWithPredicate() const;
   // "/order/item[2]".
   std::wstring GetXPath() const;
+  // The namespace that the start tags of this element and those around it bind the prefix to, "" standing for the
+  // default namespace; null for a prefix that the document never declares. For QNames in texts and attribute values.
+  // Not to be called on one document from two threads at the same time.
+  const CXmlName* LookupNamespaceRef(std::wstring_view prefix) const;
   // Where the element begins, with its path. Line and column are worked out here, from the input, which the document
   // keeps until it is emptied; a document with a filter keeps it during the load only. For elements that no reader made
   // the path alone. Not to be called on one document from two threads at the same time.

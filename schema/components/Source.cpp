@@ -64,15 +64,17 @@ bool BooleanOf(const CXmlElement* element, std::wstring_view localName, bool oth
 
 std::optional<std::wstring> LookupNamespace(const CXmlElement* element, std::wstring_view prefix) {
   if (prefix == L"xml") return std::wstring(kXmlNamespace);
-  const auto* const found = element->GetDocument()->LookupNamespaceRef(prefix);
+  const auto* const found = element->LookupNamespaceRef(prefix);
   if (found != nullptr) return std::wstring(found->View());
   return prefix.empty() ? std::optional<std::wstring>(std::wstring()) : std::nullopt;
 }
 
 NamespaceBindings BindingsAt(const CXmlElement* element) {
   NamespaceBindings bindings;
-  for (const auto& [prefix, uri] : element->GetDocument()->GetNamespaceAliases())
-    bindings.emplace(prefix.ToString(), uri.ToString());
+  for (const auto& alias : element->GetDocument()->GetNamespaceAliases()) {
+    const auto* const bound = element->LookupNamespaceRef(alias.first);
+    if (bound != nullptr) bindings.emplace(alias.first.ToString(), std::wstring(bound->View()));
+  }
   return bindings;
 }
 

@@ -64,9 +64,6 @@ TEST(Hostile, ChainsOfAnyLength) {
   EXPECT_TRUE(IsLimited(
       *Read("<xs:group name='c0'><xs:sequence/></xs:group>" +
             Many(kLength, "<xs:group name='c@'><xs:sequence><xs:group ref='t:c#'/></xs:sequence></xs:group>"))));
-  EXPECT_TRUE(IsLimited(*Read(std::string(1000, ' ') + Many(300, "<xs:annotation><xs:appinfo><x>") +
-                              Many(300, "</x></xs:appinfo></xs:annotation>"))) ||
-              true);
 }
 
 TEST(Hostile, LargeNumbersCostNothing) {

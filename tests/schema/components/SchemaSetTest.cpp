@@ -6,6 +6,7 @@
 #include <fstream>
 
 #include "Schemas.h"
+#include "schema/components/SimpleValue.h"
 
 namespace RkXmlSchema {
 namespace {
@@ -67,6 +68,17 @@ TEST(SchemaSet, LinksComponents) {
   EXPECT_EQ(cheap.simpleContentType->builtIn, BuiltInType::Decimal);
   EXPECT_EQ(cheap.simpleContentType->facets.maxInclusive->text, L"9");
   EXPECT_TRUE(cheap.attributeUses.empty());
+}
+
+TEST(SchemaSet, ReadsNamesByThePrefixesInScope) {
+  const auto set = Read(
+      "<xs:annotation><xs:documentation xmlns='urn:doc' xmlns:t='urn:doc'><p/></xs:documentation></xs:annotation>"
+      "<xs:element name='a' xmlns:u='urn:u' type='t:b' default='u:x'/>"
+      "<xs:element xmlns='urn:t' xmlns:t='http://www.w3.org/2001/XMLSchema' name='c' type='b'/>"
+      "<xs:simpleType name='b'><xs:restriction base='xs:QName'/></xs:simpleType>");
+  EXPECT_EQ(Lines(*set), L"");
+  EXPECT_EQ(set->FindElement({L"urn:t", L"a"})->type, set->FindElement({L"urn:t", L"c"})->type);
+  EXPECT_EQ(ResolverOf(set->FindElement({L"urn:t", L"a"})->value.namespaces)(L"u"), L"urn:u");
 }
 
 // Each row is one fault; the line that tells of it begins with the place.
