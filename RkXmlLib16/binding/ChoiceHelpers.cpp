@@ -54,6 +54,7 @@ void CXmlObjectBase::Choice_CollectionChanged(const wchar_t* name, long count, s
 
 void CXmlObjectBase::Choice_Read_Collection(CXmlCollectionBase* collection, CXmlElement* parent, CXmlElement*& current,
                                             long& itemsRead, const CSerializationContext& context) {
+  if (collection == nullptr) throw CRkInvalidParamException(L"The collection may not be NULL");
   if (itemsRead > 0) return;
   CXmlElement* const next = collection->FromXml_Int(parent, current, context, false);
   if (next == current) return;

@@ -17,7 +17,7 @@ class RKXML_EXPORT CClassfactoryBase {
  public:
   virtual ~CClassfactoryBase();
 
-  // The local part of xsi:type; empty without the attribute.
+  // The local part of xsi:type; empty without the attribute. Both throw CRkInvalidParamException for a null element.
   static std::wstring GetElementType(CXmlElement* element);
   // The namespace that the document binds to the prefix of xsi:type; without a prefix, or with one that the document
   // does not declare, the element's own namespace.

@@ -45,32 +45,33 @@ CXmlCollection::~CXmlCollection() {
 }
 
 void CXmlCollection::AttributesToXml_Int(CXmlWriter* writer, const CSerializationContext& context) const {
-  CFetchAhead<sizeof(CXmlObjectBase), kAheadOfShortSteps> fetch(m_head);
-  for (const CNode* node = m_head; node != nullptr; node = node->m_next) {
-    fetch.Advance();
-    if (node->m_item != nullptr) node->m_item->GetBase()->AttributesToXml_Int(writer, context);
-  }
+  for (CItemWalk<sizeof(CXmlObjectBase), kAheadOfShortSteps> walk(*this); walk.Advance();)
+    if (walk.GetItem() != nullptr) walk.GetItem()->GetBase()->AttributesToXml_Int(writer, context);
 }
 
 int CXmlCollection::GetCount() const { return m_count; }
 
 void CXmlCollection::Clear() {
+  const auto held = HoldForListeners();
   while (GetCount() > 0) Remove(0);
 }
 
 void CXmlCollection::Remove(int index) { RemoveNode(GetNodeAtIndex(index)); }
 
 void CXmlCollection::AppendItem(CXmlObjectBase* item) {
+  const auto held = HoldForListeners();
   FireOnCollectionAdd(item);
   InsertBefore(nullptr, item);
 }
 
 void CXmlCollection::PrependItem(CXmlObjectBase* item) {
+  const auto held = HoldForListeners();
   FireOnCollectionAdd(item);
   InsertBefore(m_head, item);
 }
 
 void CXmlCollection::AddItemAt(int index, CXmlObjectBase* item) {
+  const auto held = HoldForListeners();
   const auto check = [this, index] {
     if (index < 0 || index > m_count) throw CRkInvalidParamException(L"Index out of range");
   };
@@ -81,11 +82,13 @@ void CXmlCollection::AddItemAt(int index, CXmlObjectBase* item) {
 }
 
 void CXmlCollection::AddAfterItem(const CXmlObjectBase* existing, CXmlObjectBase* item) {
+  const auto held = HoldForListeners();
   FireOnCollectionAdd(item);
   InsertBefore(existing == nullptr ? m_head : GetNodeForItem(existing)->m_next, item);
 }
 
 void CXmlCollection::AddBeforeItem(const CXmlObjectBase* existing, CXmlObjectBase* item) {
+  const auto held = HoldForListeners();
   FireOnCollectionAdd(item);
   InsertBefore(existing == nullptr ? nullptr : GetNodeForItem(existing), item);
 }
@@ -120,6 +123,7 @@ CXmlCollection::CNode* CXmlCollection::GetNodeForItem(const CXmlObjectBase* item
 }
 
 void CXmlCollection::RemoveNode(CNode* node) {
+  const auto held = HoldForListeners();
   if (node == nullptr) throw CRkInvalidParamException(L"The object was not found in the collection");
   {
     const Removal removal(node, m_removal);
@@ -161,6 +165,9 @@ void CXmlCollection::InsertBefore(CNode* next, CXmlObjectBase* item) {
 
 void CXmlCollection::Unlink(CNode* node) {
   const CSmartPtr<CXmlObjectBase> removed = std::move(node->m_item);
+  for (Walk* walk = m_walk; walk != nullptr; walk = walk->outer) {
+    if (walk->next == node) walk->next = node->m_next;
+  }
   for (Removal* removal = m_removal; removal != nullptr; removal = removal->outer) {
     if (removal->node == node) removal->node = nullptr;
   }

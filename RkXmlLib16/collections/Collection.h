@@ -132,6 +132,41 @@ class RKXML_EXPORT CXmlCollection : public CXmlCollectionBase {
     const CNode* m_node;
   };
 
+  // A walk over the items, each held until the next one, while they write themselves: code of the application that runs
+  // meanwhile may change the collection. An item that it removes is not reached, one that it adds behind is.
+  struct Walk {
+    explicit Walk(const CXmlCollection& walked) noexcept
+        : next(walked.m_head), collection(walked), outer(walked.m_walk) {
+      walked.m_walk = this;
+    }
+    Walk(const Walk&) = delete;
+    Walk& operator=(const Walk&) = delete;
+    ~Walk() { collection.m_walk = outer; }
+
+    const CNode* next;
+    const CXmlCollection& collection;
+    Walk* const outer;
+  };
+  template <std::size_t kItemSize, int kAhead = 2>
+  class CItemWalk : private Walk {
+   public:
+    explicit CItemWalk(const CXmlCollection& walked) noexcept : Walk(walked), m_fetch(next) {}
+    // To the first item or the next one; false at the end.
+    bool Advance() {
+      if (next == nullptr) return false;
+      m_item = next->m_item;
+      next = next->m_next;
+      m_fetch.Advance();
+      return true;
+    }
+    // May be null.
+    const CXmlObjectBase* GetItem() const noexcept { return m_item; }
+
+   private:
+    CFetchAhead<kItemSize, kAhead> m_fetch;  // may run over nodes that are out of use, which lie where they were
+    CSmartPtr<CXmlObjectBase> m_item;
+  };
+
  private:
   struct Removal;
 
@@ -147,7 +182,8 @@ class RKXML_EXPORT CXmlCollection : public CXmlCollectionBase {
   int m_count = 0;
   mutable CNode* m_lastNode = nullptr;  // the node that GetNodeAtIndex reached last, and its index
   mutable int m_lastIndex = 0;
-  Removal* m_removal = nullptr;  // the innermost removal under way
+  Removal* m_removal = nullptr;    // the innermost removal under way
+  mutable Walk* m_walk = nullptr;  // the innermost walk
 };
 
 }  // namespace RkXmlLib16

@@ -86,6 +86,7 @@ void CXmlCollectionBase::RemoveEventListener(IEventSink* sink) {
 template <class Notify>
 void CXmlCollectionBase::ForEachListener(Notify&& notify) {
   if (m_listeners.empty()) return;
+  const auto held = HoldForListeners();
   Walk walk(m_walk);
   while (walk.next < m_listeners.size()) notify(m_listeners[walk.next++]);
 }

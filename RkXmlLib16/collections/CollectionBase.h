@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "RkXmlLib16/base/SmartPtr.h"
 #include "RkXmlLib16/object/XmlObjectBase.h"
 
 namespace RkXmlLib16 {
@@ -12,8 +13,8 @@ namespace RkXmlLib16 {
 // What all collections of repeated elements share: name and namespace of the items, occurrence limits, listeners.
 //
 // The limits are enforced when a document is written and when one has been read, never while items are added or
-// removed. Listeners may leave, join or change the collection during a notification; one that leaves is not called
-// again, one that joins is called from then on. Destroying a collection notifies nobody.
+// removed. Listeners may leave, join, change the collection or release it during a notification; one that leaves is not
+// called again, one that joins is called from then on. Destroying a collection notifies nobody.
 class RKXML_EXPORT CXmlCollectionBase : public CXmlObjectBase {
  public:
   CXmlCollectionBase();
@@ -53,6 +54,12 @@ class RKXML_EXPORT CXmlCollectionBase : public CXmlObjectBase {
   void FireOnCollectionAddComplete(void* item);
   void FireOnCollectionRemove(int index);
   void FireOnCollectionRemoveComplete(int index);
+
+ protected:
+  // Holds the collection, where it is held by counted references at all, while its listeners are told of a change.
+  CSmartPtr<CXmlCollectionBase> HoldForListeners() {
+    return HasListeners() && GetRefCount() > 0 ? CSmartPtr<CXmlCollectionBase>(this) : nullptr;
+  }
 
  private:
   enum class Limit { Kept, AboveMaximum, BelowMinimum };

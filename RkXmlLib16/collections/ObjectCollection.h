@@ -52,11 +52,9 @@ class CXmlObjectCollection : public CXmlCollection {
 
   void ToXml_Int(CXmlWriter* writer, bool registerNamespaces, const wchar_t* namespaceUri,
                  const CSerializationContext& context, bool isOptionalChoice) const override {
-    CFetchAhead<sizeof(T)> fetch(GetFirstNode());
     const CXmlWriter::LastingNames names = writer->GetLastingNames();
-    for (const CNode* node = GetFirstNode(); node != nullptr; node = node->GetNext()) {
-      fetch.Advance();
-      const CXmlObjectBase* item = node->GetItem();
+    for (CItemWalk<sizeof(T)> walk(*this); walk.Advance();) {
+      const CXmlObjectBase* item = walk.GetItem();
       if (item == nullptr) continue;
       writer->SetLastingNames(names);
       item->ToXml_Int(writer, registerNamespaces, namespaceUri, context, isOptionalChoice);

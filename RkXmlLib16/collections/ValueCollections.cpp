@@ -70,6 +70,7 @@ int CValueCollectionBase<T>::GetCount() const {
 
 template <class T>
 void CValueCollectionBase<T>::Clear() {
+  const auto held = HoldForListeners();
   while (Count() > 0) Remove(0);
 }
 
@@ -81,6 +82,7 @@ T CValueCollectionBase<T>::Item(int index) const {
 
 template <class T>
 void CValueCollectionBase<T>::Remove(int index) {
+  const auto held = HoldForListeners();
   FireOnCollectionRemove(index);
   if (index < 0 || index >= GetCount()) ThrowIndex(index, Count());
   Erase(static_cast<std::size_t>(index));
@@ -105,6 +107,7 @@ void CValueCollectionBase<T>::Erase(std::size_t index) {
 template <class T>
 template <class Check>
 void CValueCollectionBase<T>::Insert(int index, T value, Check&& check) {
+  const auto held = HoldForListeners();
   FireOnCollectionAdd(&value);
   if (index < 0 || index > GetCount()) throw CRkInvalidParamException(L"Index out of range");
   check(value);

@@ -1,6 +1,9 @@
 #include "RkXmlLib16/io/StringBuffer.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <limits>
+#include <new>
 
 namespace RkXmlLib16 {
 
@@ -62,6 +65,7 @@ void CStringBuffer::Clear() {
 }
 
 CStringBuffer::Block CStringBuffer::MakeBlock(unsigned long capacity) {
+  if (capacity >= std::numeric_limits<std::ptrdiff_t>::max() / sizeof(wchar_t)) throw std::bad_alloc();
   // Not zeroed: nothing reads a character before it is written.
   return Block{std::unique_ptr<wchar_t[]>(new wchar_t[capacity + 1]), capacity, 0};
 }

@@ -184,7 +184,8 @@ class RKXML_EXPORT CXmlObjectBase : public IEventSink {
   static void Choice_SetElementValid(bool valid, const wchar_t* name, std::wstring& selected);
   static void Choice_SelectElement(const wchar_t* name, CXmlObjectBase* value, std::wstring& selected);
   static void Choice_CollectionChanged(const wchar_t* name, long count, std::wstring& selected);
-  // Reads a collection member of a repeating choice, unless itemsRead is positive already.
+  // Reads a collection member of a repeating choice, unless itemsRead is positive already. Throws
+  // CRkInvalidParamException for a null collection.
   static void Choice_Read_Collection(CXmlCollectionBase* collection, CXmlElement* parent, CXmlElement*& current,
                                      long& itemsRead, const CSerializationContext& context);
 

@@ -17,8 +17,8 @@ CElementCol::~CElementCol() = default;
 void CElementCol::ToXml_Int(CXmlWriter* writer, bool /*registerNamespaces*/, const wchar_t* namespaceUri,
                             const CSerializationContext& context, bool isOptionalChoice) const {
   ValidateCount(context);
-  for (const CNode* node = GetFirstNode(); node != nullptr; node = node->GetNext()) {
-    const CXmlObjectBase* const item = node->GetItem();
+  for (CItemWalk<sizeof(CElement)> walk(*this); walk.Advance();) {
+    const CXmlObjectBase* const item = walk.GetItem();
     if (item != nullptr) item->ToXml_Int(writer, false, namespaceUri, context, isOptionalChoice);
   }
 }

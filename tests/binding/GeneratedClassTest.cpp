@@ -390,3 +390,13 @@ TEST(ClassFactoryTest, TellsTheTypeThatAnElementNames) {
     EXPECT_TEXT(ns, CClassfactoryBase::GetElementTypeNamespaceUri(document.GetDocumentElement()));
   }
 }
+
+TEST_F(GeneratedClassTest, HelpersRefuseNull) {
+  EXPECT_THROWS(CRkInvalidParamException, L"The element may not be NULL", CClassfactoryBase::GetElementType(nullptr));
+  EXPECT_THROWS(CRkInvalidParamException, L"The element may not be NULL",
+                CClassfactoryBase::GetElementTypeNamespaceUri(nullptr));
+  CXmlElement* current = nullptr;
+  long itemsRead = 0;
+  EXPECT_THROWS(CRkInvalidParamException, L"The collection may not be NULL",
+                CXmlObjectBase::Choice_Read_Collection(nullptr, nullptr, current, itemsRead, GetDefaultContext()));
+}

@@ -7,10 +7,13 @@
 #include <vector>
 
 #include "Expect.h"
+#include "RkXmlLib16/collections/ValueCollections.h"
 #include "RkXmlLib16/context/SerializationContext.h"
+#include "RkXmlLib16/io/TextStream.h"
 #include "RkXmlLib16/wildcards/AttributeCol.h"
 #include "RkXmlLib16/wildcards/Element.h"
 #include "RkXmlLib16/wildcards/ElementCol.h"
+#include "RkXmlLib16/xml/XmlTextWriter.h"
 
 using namespace RkXmlTest;
 
@@ -265,6 +268,84 @@ TEST(CollectionCount, LimitsAreTestedMaximumFirst) {
       col.ValidateCount(GetDefaultContext());
     EXPECT_TRUE(col.IsValidCount(lenient));
     col.ValidateCount(lenient);
+  }
+}
+
+// Under AddressSanitizer these tell whether memory is used after it was freed.
+TEST(CollectionMisuse, ListenersMayReleaseTheCollection) {
+  using Change = std::function<void(CItemCol&)>;
+  const Change changes[] = {
+      [](CItemCol& col) { col.AppendItem(new CItem(L'x')); },
+      [](CItemCol& col) { col.PrependItem(nullptr); },
+      [](CItemCol& col) { col.AddItemAt(1, nullptr); },
+      [](CItemCol& col) { col.AddAfterItem(nullptr, nullptr); },
+      [](CItemCol& col) { col.AddBeforeItem(nullptr, nullptr); },
+      [](CItemCol& col) { col.Remove(0); },
+      [](CItemCol& col) { col.Clear(); },
+  };
+  std::wstring log;
+  for (const Change& change : changes) {
+    for (const auto when : {IEventSink::MsgType_ItemAdding, IEventSink::MsgType_ItemAdded,
+                            IEventSink::MsgType_ItemRemoving, IEventSink::MsgType_CollectionChanged}) {
+      auto* const col = new CItemCol(0, -1);
+      CSmartPtr<CItemCol> owner(col);
+      col->AppendItem(new CItem(L'a'));
+      CListener first(log), second(log);
+      first.react = [&](IEventSink::MsgType type) {
+        if (type == when) owner = nullptr;
+      };
+      col->AddEventListener(&first);
+      col->AddEventListener(&second);
+      change(*col);
+    }
+  }
+  CSmartPtr<Ci4Col> numbers(new Ci4Col(L"n", L"", 0, -1, nullptr, -1, -1, nullptr, nullptr, nullptr, nullptr, -1, -1,
+                                       -1, CWhitespaceUtils::collapse, nullptr));
+  CListener releasing(log);
+  numbers->Add(1);
+  Ci4Col* const borrowed = numbers.Get();
+  borrowed->AddEventListener(&releasing);
+  releasing.react = [&](IEventSink::MsgType) { numbers = nullptr; };
+  borrowed->Clear();
+  EXPECT_EQ(0, CItem::live);
+}
+
+// An item whose getters change the collection that it is written from.
+TEST(CollectionMisuse, ItemsMayChangeTheCollectionWhileItIsWritten) {
+  class CRestless : public CElement {
+   public:
+    CRestless(const wchar_t* name, CElementCol& col, std::function<void(CElementCol&)> act)
+        : CElement(name), m_col(col), m_act(std::move(act)) {}
+    void ToXml_Int(CXmlWriter* writer, bool isRoot, const wchar_t* uri, const CSerializationContext& context,
+                   bool isOptional) const override {
+      m_act(m_col);
+      CElement::ToXml_Int(writer, isRoot, uri, context, isOptional);
+    }
+
+   private:
+    CElementCol& m_col;
+    std::function<void(CElementCol&)> m_act;
+  };
+  const Rows<std::function<void(CElementCol&)>, Wide> rows = {
+      {[](CElementCol& col) { col.Remove(0); }, L"<r><x/><a/><b/></r>"},
+      {[](CElementCol& col) { col.Remove(1); }, L"<r><x/><b/></r>"},
+      {[](CElementCol& col) { col.Clear(); }, L"<r><x/></r>"},
+      {[](CElementCol& col) { col.Add(new CElement(L"c")); }, L"<r><x/><a/><b/><c/></r>"},
+  };
+  for (const auto& [act, written] : rows) {
+    CElementCol col(L"", L"", 0, -1, L"##any", L"");
+    col.Add(new CRestless(L"x", col, act));
+    col.Add(new CElement(L"a"));
+    col.Add(new CElement(L"b"));
+    CTextStream stream;
+    CXmlTextWriter writer(stream);
+    writer.Open();
+    writer.SetFormat(false);
+    writer.WriteStartElement(L"r", L"");
+    col.ToXml_Int(&writer, false, L"", GetDefaultContext(), false);
+    writer.WriteEndElement();
+    EXPECT_TEXT(written, stream.ToString());
+    writer.Close();
   }
 }
 

@@ -1,5 +1,7 @@
 #include "RkXmlLib16/io/StringBuffer.h"
 
+#include <new>
+
 #include "Expect.h"
 
 using namespace RkXmlTest;
@@ -84,4 +86,11 @@ TEST(StringBuffer, AStringObjectEndsAtItsFirstNulIntended) {
   buffer.Append(L"c");
   EXPECT_TEXT(L"ac", buffer.GetText());
   EXPECT_EQ(2u, buffer.GetLength());
+}
+TEST(StringBuffer, RefusesToReserveMoreThanMemoryHolds) {
+  CStringBuffer buffer;
+  buffer.Append(L"kept");
+  for (const unsigned long count : {~0UL, ~0UL - 1, ~0UL / 4, ~0UL / 4 - 1, ~0UL / 8})
+    EXPECT_THROW(buffer.Reserve(count), std::bad_alloc) << count;
+  EXPECT_TEXT(L"kept", buffer.GetText());
 }
