@@ -72,9 +72,16 @@ class RKXML_EXPORT CSerializationContext {
   // Writing: mark objects of a derived type with xsi:type.
   bool GetWriteTypeAttribute() const noexcept { return m_settings.writeTypeAttribute; }
   void SetWriteTypeAttribute(bool write) noexcept { m_settings.writeTypeAttribute = write; }
-  // Writing: refuse what a reader would not give back as it was. Off at first.
+  // Writing: refuse what a reader would not give back as it was, in every form, with CRkException "Refused to write
+  // ...": names, namespaces and prefixes that XML does not have, characters that it cannot hold, carriage returns in
+  // text, a second attribute of one name, markup that is not well-formed. JSON is strict then, and a tab in an
+  // attribute is written as "&#9;", also by the conversion of JSON while it is read. Off at first.
   bool GetWellFormedOutput() const noexcept { return m_settings.wellFormedOutput; }
   void SetWellFormedOutput(bool refuse) noexcept { m_settings.wellFormedOutput = refuse; }
+  // Reading: refuse documents with a document type declaration, of any form, before anything in it is looked at. Off at
+  // first. The reader throws CRkException "A document type declaration is not allowed ...".
+  bool GetRefuseDocumentType() const noexcept { return m_settings.refuseDocumentType; }
+  void SetRefuseDocumentType(bool refuse) noexcept { m_settings.refuseDocumentType = refuse; }
   // Reading: deliver CDATA sections as plain text (otherwise the text keeps the "<![CDATA[" and "]]>" marks).
   bool GetStripCDATA() const noexcept { return m_settings.stripCDATA; }
   void SetStripCDATA(bool strip) noexcept { m_settings.stripCDATA = strip; }
@@ -135,6 +142,7 @@ class RKXML_EXPORT CSerializationContext {
     bool noOptionalAttributeDefaultOutput = false;
     bool writeDefaultElementValues = false;
     bool wellFormedOutput = false;
+    bool refuseDocumentType = false;
     bool stripCDATA = true;
     std::wstring indentChars = L"\t";
     CReadLimits limits;

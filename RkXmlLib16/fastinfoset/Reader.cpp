@@ -348,6 +348,8 @@ void CFastInfosetReader::ProcessingInstruction() {
 
 // True when its last octet ends the document too.
 bool CFastInfosetReader::DocumentTypeDeclarationBit7(unsigned char octet) {
+  if (m_document.GetContext().GetRefuseDocumentType())
+    throw CRkException(L"A document type declaration is not allowed in Fast Infoset");
   ExternalIdentifiers(octet);
   for (octet = Next(); octet == FastInfoset::kProcessingInstruction; octet = Next()) ProcessingInstruction();
   if (octet != FastInfoset::kTerminator && octet != FastInfoset::kDoubleTerminator) ThrowInvalidItem();

@@ -201,6 +201,12 @@ struct RKXML_HIDDEN CExpatReader::Parser {
     Guarded(userData, [&](Parser& self) { self.StartNamespace(prefix, uri); });
   }
   static void FnEndNamespace(void* userData, const XML_Char*) { ++static_cast<Parser*>(userData)->namespaceEvents; }
+  static void FnStartDocumentType(void* userData, const XML_Char*, const XML_Char*, const XML_Char*, int) {
+    Guarded(userData, [](Parser& self) {
+      throw CRkException(FormatString(L"A document type declaration is not allowed at line %d",
+                                      static_cast<int>(XML_GetCurrentLineNumber(self.expat))));
+    });
+  }
   static void FnEntityDeclaration(void* userData, const XML_Char*, int, const XML_Char* value, int length,
                                   const XML_Char*, const XML_Char*, const XML_Char*, const XML_Char*) {
     if (value == nullptr) return;
@@ -445,6 +451,8 @@ void CExpatReader::CreateParser() {
   XML_SetCharacterDataHandler(expat, Parser::FnText);
   XML_SetEntityDeclHandler(expat, Parser::FnEntityDeclaration);
   XML_SetUnknownEncodingHandler(expat, Parser::FnUnknownEncoding, m_parser.get());
+  if (m_document.GetContext().GetRefuseDocumentType())
+    XML_SetStartDoctypeDeclHandler(expat, Parser::FnStartDocumentType);
   if (!m_document.GetContext().GetStripCDATA())
     XML_SetCdataSectionHandler(expat, Parser::FnStartCDATA, Parser::FnEndCDATA);
 }

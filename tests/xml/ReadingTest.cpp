@@ -261,6 +261,23 @@ TEST(Reading, HoldsTheLimits) {
   EXPECT_THROWS(CRkException, L"Limit exceeded: inflation ratio 10.", TreeOf(BytesOf(data), c));
 }
 
+TEST(Reading, RefusesDocumentTypesOnRequest) {
+  const char* const texts[] = {"<!DOCTYPE r><r/>", "<!DOCTYPE r SYSTEM 'file:///etc/passwd'><r/>",
+                               "<!DOCTYPE r [<!ENTITY e 'x'>]><r>&e;</r>"};
+  const CBinaryData fastInfoset = Hex(L"E000000100C4F03C0072FF");
+  CSerializationContext context;
+  for (const bool refuses : {false, true}) {
+    context.SetRefuseDocumentType(refuses);
+    CXmlDocument document(context);
+    const std::wstring refused = L"CRkException: A document type declaration is not allowed ";
+    for (const char* const text : texts)
+      EXPECT_TEXT(refuses ? refused + L"at line 1" : L"nothing", Thrown([&] { document.LoadXml(text); }));
+    EXPECT_TEXT(refuses ? refused + L"in Fast Infoset" : L"nothing",
+                Thrown([&] { document.LoadXmlStream(fastInfoset.GetData(), fastInfoset.GetLength()); }));
+    document.LoadXml("<r/>");
+  }
+}
+
 TEST(Reading, BoundsWhatADtdCanDo) {
   const auto nested = [](int depth) {
     std::string xml = "<!DOCTYPE a [<!ENTITY e0 '&#38;#120;'>";
