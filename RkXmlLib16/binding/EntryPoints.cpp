@@ -21,6 +21,7 @@ void WriteXmlText(const CXmlObjectBase& object, CTextStream& stream, bool includ
   writer.SetFormat(formatted);
   writer.SetIndentChars(context.GetIndentChars().c_str());
   writer.SetEOLType(eol);
+  writer.SetWellFormedOutput(context.GetWellFormedOutput());
   if (includeDocumentHeader) writer.WriteStartDocument();
   object.ToXml_Int(&writer, true, object.GetTargetNamespace(), context, false);
   writer.Close();

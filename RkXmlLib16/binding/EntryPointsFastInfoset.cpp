@@ -11,6 +11,7 @@ CBinaryData CXmlObjectBase::ToFastInfosetStream(FInfoDecl declaration, const CSe
   CBinaryStream stream;
   CFastInfosetWriter writer(*context.GetFIContext(), stream);
   writer.Open();
+  writer.SetWellFormedOutput(context.GetWellFormedOutput());
   writer.WriteStartDocument(declaration);
   ToXml_Int(&writer, true, GetTargetNamespace(), context, false);
   writer.WriteEndDocument();

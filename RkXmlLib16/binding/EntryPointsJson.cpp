@@ -21,7 +21,8 @@ void WriteJsonText(const CXmlObjectBase& object, CTextStream& stream, bool forma
   writer.SetIndentChars(context.GetIndentChars().c_str());
   writer.SetEOLType(eol);
   writer.SetSupportRoundtrip(settings.GetSupportRoundtrip());
-  writer.SetStrictOutput(settings.GetStrictOutput());
+  writer.SetStrictOutput(settings.GetStrictOutput() || context.GetWellFormedOutput());
+  writer.SetWellFormedOutput(context.GetWellFormedOutput());
   writer.WriteStartDocument();
   object.ToXml_Int(&writer, true, object.GetTargetNamespace(), context, false);
   writer.WriteEndDocument();

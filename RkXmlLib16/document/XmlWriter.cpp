@@ -10,6 +10,7 @@
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/internal/NeverDestroyed.h"
 #include "RkXmlLib16/base/internal/WideText.h"
+#include "RkXmlLib16/document/internal/OutputChecks.h"
 
 namespace RkXmlLib16 {
 
@@ -410,8 +411,22 @@ CXmlWriter::CXmlWriterContext& CXmlWriter::PushContext(const std::wstring& local
     context->m_parent = std::move(m_context);
     m_context = std::move(context);
   }
+  if (m_checks != nullptr) CheckElement(localName, namespaceUri);
   return *m_context;
 }
+
+void CXmlWriter::CheckElement(const std::wstring& localName, const std::wstring& namespaceUri) {
+  m_checks->Element(localName, namespaceUri, !m_context->GetDefaultNamespace().empty());
+  if (m_context->m_depth != 0) return;
+  std::unordered_set<std::wstring> prefixes;
+  for (const auto& [uri, prefix] : m_namespaces) {
+    if (prefix.empty()) continue;
+    m_checks->Declaration(prefix, uri);
+    if (!prefixes.insert(prefix).second) OutputChecks::Refuse(L"prefix of two namespaces", prefix);
+  }
+}
+
+void CXmlWriter::SetChecks(std::unique_ptr<OutputChecks> checks) { m_checks = std::move(checks); }
 
 void CXmlWriter::PopContext() {
   std::unique_ptr<CXmlWriterContext> context = std::move(m_context);
@@ -428,7 +443,9 @@ void CXmlWriter::PopContext() {
 const std::wstring& CXmlWriter::RequirePrefix(const std::wstring& namespaceUri, bool& invented) {
   const std::wstring* prefix = m_context->FindPrefix(namespaceUri);
   invented = prefix == nullptr || prefix->empty();
-  return invented ? m_context->InventPrefix(namespaceUri) : *prefix;
+  if (invented) prefix = &m_context->InventPrefix(namespaceUri);
+  if (m_checks != nullptr) m_checks->Declaration(*prefix, namespaceUri);
+  return *prefix;
 }
 
 }  // namespace RkXmlLib16

@@ -13,6 +13,8 @@
 
 namespace RkXmlLib16 {
 
+class OutputChecks;
+
 // What the metadata records tell a writer about the children of the open element.
 enum ContextState : std::int32_t {
   ContextState_None = 0,
@@ -164,11 +166,17 @@ class RKXML_EXPORT CXmlWriter {
     return areLasting ? m_lastingNames.id : LastingNames::kNoId;
   }
 
+  // What is refused while writing; null (at first) for nothing.
+  void SetChecks(std::unique_ptr<OutputChecks> checks);
+
+  std::unique_ptr<OutputChecks> m_checks;
   std::wstring m_defaultNamespace;
   std::unique_ptr<CXmlWriterContext> m_context;
   NamespaceMap m_namespaces;
 
  private:
+  void CheckElement(const std::wstring& localName, const std::wstring& namespaceUri);
+
   LastingNames m_lastingNames;
   RkVariant m_value;
   std::wstring m_valueBuffer;

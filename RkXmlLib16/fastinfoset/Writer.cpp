@@ -8,6 +8,7 @@
 #include "RkXmlLib16/base/Format.h"
 #include "RkXmlLib16/base/internal/Ascii.h"
 #include "RkXmlLib16/base/internal/WideText.h"
+#include "RkXmlLib16/document/internal/OutputChecks.h"
 #include "RkXmlLib16/fastinfoset/BinaryCodec.h"
 #include "RkXmlLib16/fastinfoset/Octets.h"
 #include "RkXmlLib16/io/BinaryStream.h"
@@ -240,6 +241,10 @@ void CFastInfosetWriter::AddNamespace(const std::wstring& prefix, const std::wst
   ChangeScope();
 }
 
+void CFastInfosetWriter::SetWellFormedOutput(bool refuse) {
+  SetChecks(refuse ? std::make_unique<OutputChecks>(OutputChecks::Form::FastInfoset) : nullptr);
+}
+
 void CFastInfosetWriter::WriteComment(const std::wstring&) {}
 
 void CFastInfosetWriter::WritePI(const std::wstring&) {}
@@ -298,6 +303,7 @@ void CFastInfosetWriter::WriteElement() {
 }
 
 void CFastInfosetWriter::WriteString(const std::wstring& text, ItemType type) {
+  if (m_checks != nullptr) m_checks->Text(text);
   if (m_context == nullptr) {
     if (text.empty()) return;
     throw CRkException(L"Text must be written inside an Element.");
@@ -311,6 +317,7 @@ void CFastInfosetWriter::WriteString(const std::wstring& text, ItemType type) {
 
 void CFastInfosetWriter::WriteTextElement(const std::wstring& localName, const std::wstring& namespaceUri,
                                           const std::wstring& text, ItemType type) {
+  if (m_checks != nullptr) return CXmlWriter::WriteTextElement(localName, namespaceUri, text, type);
   const std::uint32_t id = GetLastingId(localName, namespaceUri);
   const unsigned long known = m_context != nullptr ? FindKnownName(m_knownElements, id) : 0;
   const ScopedNamespace* scoped = nullptr;
@@ -342,6 +349,7 @@ void CFastInfosetWriter::WriteEndElement() {
 void CFastInfosetWriter::WriteAttributeString(const std::wstring& localName, const std::wstring& namespaceUri,
                                               const std::wstring& value, ItemType type) {
   RequireStartTag();
+  if (m_checks != nullptr) m_checks->Attribute(localName, namespaceUri, value);
   const std::uint32_t id = GetLastingId(localName, namespaceUri);
   if (const unsigned long known = FindKnownName(m_knownAttributes, id)) {
     Integer<FastInfoset::kIndexBit2>(0, known);

@@ -39,6 +39,10 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
   CFastInfosetWriter(const CFastInfosetContext& context, CBinaryStream& stream);  // both kept
   ~CFastInfosetWriter() override;
 
+  // Refuse what a reader would not give back as it was, with CRkException "Refused to write ...". Off at first. See
+  // CSerializationContext::SetWellFormedOutput.
+  void SetWellFormedOutput(bool refuse);
+
   // The XML declaration, the header and, where the settings say so, the URI of the external vocabulary. Throws
   // CRkInvalidParamException for a number that is no FInfoDecl.
   void WriteStartDocument(FInfoDecl declaration);

@@ -9,6 +9,7 @@
 #include "RkXmlLib16/base/internal/NeverDestroyed.h"
 #include "RkXmlLib16/base/internal/WideText.h"
 #include "RkXmlLib16/document/internal/LineEnd.h"
+#include "RkXmlLib16/document/internal/OutputChecks.h"
 #include "RkXmlLib16/io/TextStream.h"
 
 namespace RkXmlLib16 {
@@ -174,6 +175,10 @@ inline wchar_t* CJsonTextWriter::PutShortValue(wchar_t* to, const std::wstring& 
   return to;
 }
 
+void CJsonTextWriter::SetWellFormedOutput(bool refuse) {
+  SetChecks(refuse ? std::make_unique<OutputChecks>(OutputChecks::Form::Json) : nullptr);
+}
+
 void CJsonTextWriter::WriteComment(const std::wstring& text) {
   if (m_strict) return;
   Put(L"/* ");
@@ -237,6 +242,7 @@ void CJsonTextWriter::DeclareNamespaces() {
 }
 
 void CJsonTextWriter::WriteString(const std::wstring& text, ItemType type) {
+  if (m_checks != nullptr) m_checks->Text(text);
   if (text.empty()) {
     if (m_context == nullptr) return;
     if (!m_valuePending) {
@@ -287,7 +293,7 @@ void CJsonTextWriter::WriteEndElement() {
 
 void CJsonTextWriter::WriteTextElement(const std::wstring& localName, const std::wstring& namespaceUri,
                                        const std::wstring& text, ItemType type) {
-  const bool isMember = m_context != nullptr && !ContinuesArray(localName, namespaceUri);
+  const bool isMember = m_checks == nullptr && m_context != nullptr && !ContinuesArray(localName, namespaceUri);
   const std::wstring* prefix = &kNone.Get();
   if (isMember && m_roundTrip == JsonRoundTrip_Namespaces) prefix = FindElementPrefix(namespaceUri);
   if (!isMember || prefix == nullptr) return CXmlWriter::WriteTextElement(localName, namespaceUri, text, type);
@@ -301,6 +307,7 @@ void CJsonTextWriter::WriteTextElement(const std::wstring& localName, const std:
 void CJsonTextWriter::WriteAttributeString(const std::wstring& localName, const std::wstring& namespaceUri,
                                            const std::wstring& value, ItemType type) {
   RequireOpenElement();
+  if (m_checks != nullptr) m_checks->Attribute(localName, namespaceUri, value);
   if (m_roundTrip != JsonRoundTrip_Namespaces && namespaceUri == XMLNS_NAMESPACE) return;
   const bool prefixed = m_roundTrip == JsonRoundTrip_Namespaces && !namespaceUri.empty();
   const std::wstring* prefix = prefixed ? FindAttributePrefix(namespaceUri) : &kNone.Get();

@@ -45,6 +45,9 @@ class RKXML_EXPORT CJsonTextWriter : public CXmlWriter {
   // RFC 8259 text always; off at first. See CJsonContext::SetStrictOutput.
   bool GetStrictOutput() const noexcept { return m_strict; }
   void SetStrictOutput(bool strict) noexcept;
+  // Refuse what a reader would not give back as it was, with CRkException "Refused to write ...". Off at first. See
+  // CSerializationContext::SetWellFormedOutput.
+  void SetWellFormedOutput(bool refuse);
 
   // The braces of the document, an object whose one member is the root element.
   void WriteStartDocument();

@@ -28,6 +28,7 @@ CBinaryData CJsonTextReader::ConvertJsonToXml(const std::wstring& json, const CS
   CTextStream stream(XmlEncoding_UTF8);
   CXmlTextWriter writer(stream);
   writer.Open();
+  writer.SetKeepTabs(context.GetWellFormedOutput());
   CJsonTextReader reader(json);
   CJsonReaderToXmlHandler handler(writer, settings.GetSupportRoundtrip(), reader.GetErrorPathProvider());
   handler.SetLimits(context.GetLimits(), json.size());

@@ -6,6 +6,8 @@
 #include "RkXmlLib16/base/internal/NeverDestroyed.h"
 #include "RkXmlLib16/base/internal/WideText.h"
 #include "RkXmlLib16/document/internal/LineEnd.h"
+#include "RkXmlLib16/document/internal/OutputChecks.h"
+#include "RkXmlLib16/xml/internal/Markup.h"
 
 namespace RkXmlLib16 {
 
@@ -59,6 +61,11 @@ CXmlTextWriter::CXmlTextWriter(CTextStream& stream) : m_stream(stream) {}
 
 CXmlTextWriter::~CXmlTextWriter() = default;
 
+void CXmlTextWriter::SetWellFormedOutput(bool refuse) {
+  SetChecks(refuse ? std::make_unique<OutputChecks>(OutputChecks::Form::Xml) : nullptr);
+  m_keepTabs = refuse;
+}
+
 void CXmlTextWriter::SetIndentChars(const wchar_t* text) { m_indentChars = text != nullptr ? text : L""; }
 
 void CXmlTextWriter::SetEOLType(EOLType type) {
@@ -87,18 +94,21 @@ void CXmlTextWriter::WriteStartDocument() {
 
 void CXmlTextWriter::WriteHeaderDirective(const std::wstring& text) {
   if (m_context != nullptr) throw CRkException(L"Headed directives must appear before an Element has been added.");
+  if (m_checks != nullptr && !IsWellFormedProlog(text)) OutputChecks::Refuse(L"header directive", text);
   Put(UpToNul(text));
   Put(m_endOfLine);
   FlushIfDue();
 }
 
 void CXmlTextWriter::WriteRawElement(const std::wstring& text) {
+  if (m_checks != nullptr && !IsWellFormedContent(text)) OutputChecks::Refuse(L"element", text);
   Put(UpToNul(text));
   if (m_format) Put(m_endOfLine);
   FlushIfDue();
 }
 
 void CXmlTextWriter::WriteComment(const std::wstring& text) {
+  if (m_checks != nullptr) m_checks->Comment(text);
   Put(L"<!--");
   PutEscaped(UpToNul(text), Escaping::Text);
   Put(L"-->");
@@ -107,6 +117,7 @@ void CXmlTextWriter::WriteComment(const std::wstring& text) {
 }
 
 void CXmlTextWriter::WritePI(const std::wstring& text) {
+  if (m_checks != nullptr) m_checks->ProcessingInstruction(text);
   Put(UpToNul(text));
   Put(m_endOfLine);
   Put(m_endOfLine);
@@ -114,6 +125,7 @@ void CXmlTextWriter::WritePI(const std::wstring& text) {
 }
 
 void CXmlTextWriter::WriteInlineSchema(const std::wstring& schemaText) {
+  if (m_checks != nullptr && !IsWellFormedContent(schemaText)) OutputChecks::Refuse(L"schema", schemaText);
   CloseStartTag();
   Put(L" ");
   Put(m_endOfLine);
@@ -153,7 +165,8 @@ void CXmlTextWriter::WriteTextElement(const std::wstring& localName, const std::
                                       const std::wstring& text, ItemType type) {
   const std::wstring* const prefix = m_context != nullptr ? FindElementPrefix(namespaceUri) : nullptr;
   const bool isShort = text.size() <= kShortText && !StartsCData(text);
-  if (prefix == nullptr || !isShort) return CXmlWriter::WriteTextElement(localName, namespaceUri, text, type);
+  if (prefix == nullptr || !isShort || m_checks != nullptr)
+    return CXmlWriter::WriteTextElement(localName, namespaceUri, text, type);
 
   const std::int64_t depth = m_context->m_depth + 1;
   const std::size_t tagLength = 1 + prefix->size() + 1 + localName.size() + 1;
@@ -198,7 +211,10 @@ void CXmlTextWriter::PutRootDeclarations() {
   }
 }
 
-void CXmlTextWriter::WriteString(const std::wstring& text, ItemType) { WriteText(UpToNul(text)); }
+void CXmlTextWriter::WriteString(const std::wstring& text, ItemType) {
+  if (m_checks != nullptr) m_checks->Text(text);
+  WriteText(UpToNul(text));
+}
 
 void CXmlTextWriter::WriteText(std::wstring_view text) {
   if (text.empty()) return;
@@ -252,6 +268,7 @@ void CXmlTextWriter::WriteAttributeString(const std::wstring& localName, const s
 void CXmlTextWriter::WriteAttribute(const std::wstring& localName, const std::wstring& namespaceUri,
                                     std::wstring_view value) {
   RequireStartTag();
+  if (m_checks != nullptr) m_checks->Attribute(localName, namespaceUri, value);
   const std::wstring* prefix = &kNoPrefix.Get();
   if (!namespaceUri.empty()) {
     bool invented = false;
@@ -261,7 +278,9 @@ void CXmlTextWriter::WriteAttribute(const std::wstring& localName, const std::ws
       PutDeclaration(*prefix, namespaceUri);
     }
   }
-  const Escaping where = namespaceUri == XMLNS_NAMESPACE ? Escaping::Namespace : Escaping::Attribute;
+  const Escaping where = namespaceUri == XMLNS_NAMESPACE ? Escaping::Namespace
+                         : m_keepTabs                    ? Escaping::AttributeWithTabs
+                                                         : Escaping::Attribute;
   const bool isShort = value.size() <= kShortText;
   wchar_t* to =
       m_stream.Reserve(1 + prefix->size() + 1 + localName.size() + 3 + (isShort ? value.size() * kLongestEscape : 0));
@@ -283,6 +302,7 @@ void CXmlTextWriter::WriteAttribute(const std::wstring& localName, const std::ws
 
 void CXmlTextWriter::WriteDeclaration(std::wstring_view prefix, std::wstring_view namespaceUri) {
   RequireStartTag();
+  if (m_checks != nullptr && !prefix.empty()) m_checks->Declaration(prefix, namespaceUri);
   Put(L" ");
   PutDeclaration(prefix, namespaceUri);
   FlushIfDue();
@@ -291,6 +311,7 @@ void CXmlTextWriter::WriteDeclaration(std::wstring_view prefix, std::wstring_vie
 void CXmlTextWriter::WriteAttributeType(const std::wstring& typeNamespaceUri, const std::wstring& typeName,
                                         ItemType type) {
   RequireStartTag();
+  if (m_checks != nullptr) m_checks->TypeName(typeName);
   std::wstring value = typeName;
   if (!typeNamespaceUri.empty() && !m_context->IsDefaultNamespace(typeNamespaceUri)) {
     bool invented = false;
@@ -324,7 +345,8 @@ void CXmlTextWriter::PutEscaped(std::wstring_view text, Escaping where) {
 
 // The text up to its first NUL; there is room for the longest escapes.
 wchar_t* CXmlTextWriter::PutEscapedShort(wchar_t* to, std::wstring_view text, Escaping where) const {
-  static constexpr std::uint64_t kSpecial[] = {kSpecialInText, kSpecialInAttribute, kSpecialInNamespace};
+  static constexpr std::uint64_t kSpecial[] = {kSpecialInText, kSpecialInAttribute, kSpecialInNamespace,
+                                               kSpecialInNamespace};
   const std::uint64_t special = kSpecial[static_cast<int>(where)];
   return WideText::CopyEscaped(to, text, kMayBeSpecial, [this, special, where](wchar_t* at, wchar_t c) {
     const auto code = static_cast<std::uint32_t>(c);
@@ -348,7 +370,7 @@ wchar_t* CXmlTextWriter::PutEscape(wchar_t* to, wchar_t c, Escaping where) const
     case L'\n':
       return put(where == Escaping::Text ? std::wstring_view(m_endOfLine) : std::wstring_view(L"&#xA;"));
     case L'\t':
-      return put(L"&#x9;");
+      return put(where == Escaping::Namespace ? std::wstring_view(L"&#x9;") : std::wstring_view(L"&#9;"));
     default:  // carriage returns, which text and values lose
       return where == Escaping::Namespace ? put(L"&#xD;") : to;
   }

@@ -38,6 +38,12 @@ class RKXML_EXPORT CXmlTextWriter : public CXmlWriter {
   EOLType GetEOLType() const noexcept { return m_eolType; }
   void SetEOLType(EOLType type);
 
+  // Refuse what a reader would not give back as it was, with CRkException "Refused to write ..."; tabs of attributes
+  // become character references. Off at first. See CSerializationContext::SetWellFormedOutput.
+  void SetWellFormedOutput(bool refuse);
+  // Tabs of attributes become character references, which readers give back, without refusing anything. Off at first.
+  void SetKeepTabs(bool keep) noexcept { m_keepTabs = keep; }
+
   // The XML declaration, naming the stream's encoding when that is UTF-8 or UTF-16.
   void WriteStartDocument();
   // A line outside the root element, unchanged: a document type declaration or a stylesheet instruction. Throws
@@ -71,7 +77,7 @@ class RKXML_EXPORT CXmlTextWriter : public CXmlWriter {
   void WriteDeclaration(std::wstring_view prefix, std::wstring_view namespaceUri);
 
  private:
-  enum class Escaping { Text, Attribute, Namespace };
+  enum class Escaping { Text, Attribute, Namespace, AttributeWithTabs };
 
   void Put(std::wstring_view text) { m_stream.Append(text); }
   void PutEscaped(std::wstring_view text, Escaping where);
@@ -93,6 +99,7 @@ class RKXML_EXPORT CXmlTextWriter : public CXmlWriter {
   std::wstring m_endOfLine = L"\n";
   EOLType m_eolType = EOLType_LF;
   bool m_format = true;
+  bool m_keepTabs = false;
   CTextStream& m_stream;
 };
 

@@ -1,0 +1,37 @@
+#ifndef RKXMLLIB16_DOCUMENT_INTERNAL_OUTPUTCHECKS_H
+#define RKXMLLIB16_DOCUMENT_INTERNAL_OUTPUTCHECKS_H
+
+#include <string>
+#include <string_view>
+#include <unordered_set>
+
+namespace RkXmlLib16 {
+
+// Refuses what a reader would not give back as it was written. Every operation throws CRkException "Refused to write
+// ...", which names it.
+class OutputChecks {
+ public:
+  enum class Form { Xml, Json, FastInfoset };
+
+  explicit OutputChecks(Form form) noexcept : m_form(form) {}
+
+  // `isInDefault` tells whether an element without a prefix here is in a default namespace.
+  void Element(std::wstring_view localName, std::wstring_view namespaceUri, bool isInDefault);
+  void Attribute(std::wstring_view localName, std::wstring_view namespaceUri, std::wstring_view value);
+  void Declaration(std::wstring_view prefix, std::wstring_view namespaceUri) const;
+  void TypeName(std::wstring_view name) const;
+  void Text(std::wstring_view text) const;
+  static void Comment(std::wstring_view text);
+  static void ProcessingInstruction(std::wstring_view text);
+  [[noreturn]] static void Refuse(const wchar_t* what, std::wstring_view text);
+
+ private:
+  void Namespace(std::wstring_view namespaceUri) const;
+
+  const Form m_form;
+  std::unordered_set<std::wstring> m_attributes;  // of the element written last
+};
+
+}  // namespace RkXmlLib16
+
+#endif
