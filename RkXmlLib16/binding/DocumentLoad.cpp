@@ -105,11 +105,11 @@ Bytes ToUtf16(std::wstring_view text, bool pairs) {
   return bytes;
 }
 
-CBinaryData ConvertJsonBytes(std::string_view bytes, const CSerializationContext& context) {
+CBinaryData ConvertJsonBytes(std::string_view bytes, const CSerializationContext& context, bool indented) {
   CBinaryData inflated;
   std::string_view json = Unwrap(bytes, context.GetLimits(), inflated);
   if (json.substr(0, kUtf8Mark.size()) == kUtf8Mark) json.remove_prefix(kUtf8Mark.size());
-  return CJsonTextReader::ConvertJsonToXml(CEncoder::Utf8ToUnicode(json), context);
+  return CJsonTextReader::ConvertJsonToXml(CEncoder::Utf8ToUnicode(json), context, indented);
 }
 
 }  // namespace
@@ -184,25 +184,25 @@ void CXmlDocument::LoadXmlWide(std::wstring_view text) {
 CBinaryData CXmlDocument::LoadJsonFile(const wchar_t* fileName) {
   Cleanup();
   const Bytes bytes = ReadFile(fileName);
-  return ConvertJsonBytes(bytes.View(), *m_context);
+  return ConvertJsonBytes(bytes.View(), *m_context, m_indentsJson);
 }
 
 CBinaryData CXmlDocument::LoadJsonStream(unsigned char* bytes, unsigned long length) {
   Cleanup();
   if (bytes == nullptr || length == 0) throw CRkException(L"JSON Stream is empty!");
-  return ConvertJsonBytes({reinterpret_cast<const char*>(bytes), length}, *m_context);
+  return ConvertJsonBytes({reinterpret_cast<const char*>(bytes), length}, *m_context, m_indentsJson);
 }
 
 CBinaryData CXmlDocument::LoadJson(const char* text) {
   Cleanup();
   if (text == nullptr || *text == '\0') throw CRkException(L"JSON String is empty!");
-  return CJsonTextReader::ConvertJsonToXml(CEncoder::Utf8ToUnicode(std::string_view(text)), *m_context);
+  return CJsonTextReader::ConvertJsonToXml(CEncoder::Utf8ToUnicode(std::string_view(text)), *m_context, m_indentsJson);
 }
 
 CBinaryData CXmlDocument::LoadJson(const wchar_t* text) {
   Cleanup();
   if (text == nullptr || *text == L'\0') throw CRkException(L"JSON String is empty!");
-  return CJsonTextReader::ConvertJsonToXml(text, *m_context);
+  return CJsonTextReader::ConvertJsonToXml(text, *m_context, m_indentsJson);
 }
 
 void CXmlDocument::ParseBytes(std::string_view bytes, std::shared_ptr<const void> owner, const wchar_t* fileName) {

@@ -22,6 +22,7 @@ void WriteXmlText(const CXmlObjectBase& object, CTextStream& stream, bool includ
   writer.SetIndentChars(context.GetIndentChars().c_str());
   writer.SetEOLType(eol);
   writer.SetWellFormedOutput(context.GetWellFormedOutput());
+  writer.SetEscapesSections(context.GetEscapeCDATA());
   if (includeDocumentHeader) writer.WriteStartDocument();
   object.ToXml_Int(&writer, true, object.GetTargetNamespace(), context, false);
   writer.Close();

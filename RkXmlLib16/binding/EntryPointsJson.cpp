@@ -29,33 +29,59 @@ void WriteJsonText(const CXmlObjectBase& object, CTextStream& stream, bool forma
   writer.Close();
 }
 
+void LoadBytes(CXmlDocument& document, const CBinaryData& xml) {
+  Guarded([&] {
+    if (xml.GetLength() == 0)
+      document.LoadXml("");
+    else
+      document.LoadXmlStream(xml.GetData(), xml.GetLength());
+  });
+}
+
+CRkException ErrorWithText(const CBinaryData& xml, const CRkException& cause) {
+  const std::string_view text(reinterpret_cast<const char*>(xml.GetData()), xml.GetLength());
+  return {L"Error converting JSON to XML:\n" + CEncoder::Utf8ToUnicode(text), cause};
+}
+
+// Fills the object from XML text that `toXml` makes, indented or not. What is read is not indented, so that text beside
+// children stays as it is; what an error shows is, and its lines are those of the indented text.
+template <class ToXml>
+void ReadXmlOfJson(CXmlObjectBase& object, const CSerializationContext& context, ToXml&& toXml) {
+  CBinaryData xml = toXml(/*indented=*/false);
+  CXmlDocument document(context);
+  bool isLoaded = false;
+  try {
+    LoadBytes(document, xml);
+    isLoaded = true;
+    const CXmlElement* const root = document.GetDocumentElement();
+    object.FromXmlElement(root, context);
+  } catch (const CRkException& e) {
+    xml = toXml(/*indented=*/true);
+    try {
+      if (!isLoaded) LoadBytes(document, xml);
+    } catch (const CRkException& indented) {
+      throw ErrorWithText(xml, indented);
+    }
+    throw ErrorWithText(xml, e);
+  }
+}
+
 // Fills the object from JSON that `convert` turns into XML text in UTF-8. JSON without namespaces is matched without
 // them, on a copy of the settings, so that nobody sees the caller's settings change.
 template <class Convert>
 void ReadJson(CXmlObjectBase& object, const CSerializationContext& context, Convert&& convert) {
-  const CBinaryData utf8 = Guarded([&] {
-    CXmlDocument document(context);
-    return convert(document);
-  });
-  const auto load = [&utf8](CXmlDocument& document) {
-    if (utf8.GetLength() == 0) {
-      document.LoadXml("");
-    } else {
-      document.LoadXmlStream(utf8.GetData(), utf8.GetLength());
-    }
+  const auto toXml = [&](bool indented) {
+    return Guarded([&] {
+      CXmlDocument document(context);
+      document.SetIndentsJson(indented);
+      return convert(document);
+    });
   };
-  try {
-    if (context.GetJsonContext()->GetSupportRoundtrip() == JsonRoundTrip_Namespaces) {
-      ReadDocument(object, context, load);
-    } else {
-      CSerializationContext ignoringNamespaces(context);
-      ignoringNamespaces.SetIgnoreNamespaces(true);
-      ReadDocument(object, ignoringNamespaces, load);
-    }
-  } catch (const CRkException& e) {
-    const std::string_view text(reinterpret_cast<const char*>(utf8.GetData()), utf8.GetLength());
-    throw CRkException(L"Error converting JSON to XML:\n" + CEncoder::Utf8ToUnicode(text), e);
-  }
+  if (context.GetJsonContext()->GetSupportRoundtrip() == JsonRoundTrip_Namespaces)
+    return ReadXmlOfJson(object, context, toXml);
+  CSerializationContext ignoringNamespaces(context);
+  ignoringNamespaces.SetIgnoreNamespaces(true);
+  ReadXmlOfJson(object, ignoringNamespaces, toXml);
 }
 
 }  // namespace

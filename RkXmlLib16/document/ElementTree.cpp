@@ -92,6 +92,7 @@ struct RKXML_HIDDEN CXmlDocument::Storage {
   std::unordered_map<const CXmlElement*, std::size_t> rebindingIndex;  // made when it is asked for
   std::size_t indexedRebindings = 0;
   std::unordered_map<const CXmlName*, std::shared_ptr<const std::wstring>> sharedNames;
+  std::unordered_map<const CXmlElement*, std::vector<std::size_t>> sections;  // where they begin in the texts
   struct BlanksStep {
     const CXmlTextBlock* before;
     CXmlTextBlock* after;
@@ -262,6 +263,7 @@ CXmlElement* CXmlDocument::AddElement(const CXmlName* namespaceUri, const CXmlNa
                             storage.texts.GetMark(), storage.nodeCount - 1, storage.charCount,
                             storage.attachedRebindings});
   auto* const element = new (storage.nodes.Allocate(sizeof(CXmlElement))) CXmlElement(parent, localName, namespaceUri);
+  if (m_filter != nullptr) storage.sections.erase(element);  // of one that was dropped
   if (parent == nullptr)
     m_documentElement = element;
   else
@@ -424,6 +426,11 @@ void CXmlDocument::AppendText(CXmlElement* element, std::wstring_view text) {
   CommitText(element, static_cast<std::size_t>(end - out));
 }
 
+void CXmlDocument::MarkSection() {
+  const CXmlElement* const element = m_currentElement;
+  if (element != nullptr) m_storage->sections[element].push_back(element->GetText().size());
+}
+
 void CXmlDocument::AppendTextExcludingCR(CXmlElement* element, const wchar_t* text, unsigned long length) {
   if (text != nullptr) AppendText(element, {text, ::wcsnlen(text, length)});
 }
@@ -530,6 +537,13 @@ CXmlElement::CXmlElement(const CXmlDocument* document, const CXmlElement* parent
       m_parent(const_cast<CXmlElement*>(parent)) {}
 
 CXmlDocument& CXmlElement::Owner() const { return *m_localName->m_document; }
+
+const std::vector<std::size_t>* CXmlElement::GetSections() const noexcept {
+  const auto& sections = Owner().m_storage->sections;
+  if (sections.empty()) return nullptr;
+  const auto found = sections.find(this);
+  return found != sections.end() ? &found->second : nullptr;
+}
 
 CXmlText CXmlElement::GetAttribute(const wchar_t* localName, const wchar_t* namespaceUri) const noexcept {
   const std::wstring_view name = ViewOf(localName);

@@ -164,6 +164,9 @@ class RKXML_EXPORT CXmlElement {
   CXmlText GetText() const noexcept {
     return m_text != nullptr ? CXmlText(m_text->Chars(), m_text->m_length) : CXmlText();
   }
+  // Where in the text the CDATA sections begin whose marks it holds (CSerializationContext::SetStripCDATA), in
+  // ascending order; null when there are none. What else looks like a mark is data.
+  const std::vector<std::size_t>* GetSections() const noexcept;
   CXmlText GetLocalName() const noexcept { return m_localName->GetText(); }
   CXmlText GetNamespaceURI() const noexcept { return m_namespaceUri->GetText(); }
   // The names as the document holds them, for comparison by address.
@@ -266,6 +269,9 @@ class RKXML_EXPORT CXmlDocument {
   CBinaryData LoadJsonStream(unsigned char* bytes, unsigned long length);
   CBinaryData LoadJson(const char* text);
   CBinaryData LoadJson(const wchar_t* text);
+  // Whether that XML text is indented, as it is at first. Without indentation text beside children is that of the JSON
+  // alone.
+  void SetIndentsJson(bool indents) noexcept { m_indentsJson = indents; }
 
   // The root element, or null.
   CXmlElement* GetDocumentElement() const noexcept { return m_documentElement; }
@@ -316,6 +322,8 @@ class RKXML_EXPORT CXmlDocument {
   // The same for white space in the current element, which a document has again and again: texts of nothing else are
   // held once while they are short.
   void AppendBlanks(std::wstring_view blanks);
+  // Notes that a CDATA section begins where the text of the current element ends; its mark is appended next.
+  void MarkSection();
   // Room for `charCount` characters to be decoded into: at the end of the element's text, or as an attribute's value.
   // Commit tells how many were used (at most charCount; carriage returns count as any character), directly after.
   wchar_t* ReserveText(CXmlElement* element, std::size_t charCount);
@@ -348,6 +356,7 @@ class RKXML_EXPORT CXmlDocument {
   const CSerializationContext* m_context;  // kept
   ElementFilter m_filter;
   SchemaType m_schemaType;
+  bool m_indentsJson = true;
   CXmlElement* m_documentElement = nullptr;
   CXmlElement* m_currentElement = nullptr;
   const unsigned char* m_input = nullptr;  // borrowed during a load

@@ -29,6 +29,8 @@ class RKXML_EXPORT CJsonTextReader {
   // become attributes, "#text" members text, arrays repeated elements. Beyond syntax errors throws
   // CRkInvalidStateException with the JSON path for names and values that XML cannot hold.
   static CBinaryData ConvertJsonToXml(const std::wstring& json, const CSerializationContext& context);
+  // The same with the indentation of the XML text as asked for; the call above indents.
+  static CBinaryData ConvertJsonToXml(const std::wstring& json, const CSerializationContext& context, bool indented);
 
   // `text` is kept: it must outlive the reader.
   explicit CJsonTextReader(const std::wstring& text);

@@ -19,14 +19,19 @@ namespace RkXmlLib16 {
 namespace {
 
 const CNeverDestroyed<std::wstring> kNoNamespace;
-const CNeverDestroyed<std::wstring> kLess(L"<");
 
 }  // namespace
 
 CBinaryData CJsonTextReader::ConvertJsonToXml(const std::wstring& json, const CSerializationContext& context) {
+  return ConvertJsonToXml(json, context, /*indented=*/true);
+}
+
+CBinaryData CJsonTextReader::ConvertJsonToXml(const std::wstring& json, const CSerializationContext& context,
+                                              bool indented) {
   const CJsonContext& settings = *context.GetJsonContext();
   CTextStream stream(XmlEncoding_UTF8);
   CXmlTextWriter writer(stream);
+  writer.SetFormat(indented);
   writer.Open();
   writer.SetKeepTabs(context.GetWellFormedOutput());
   CJsonTextReader reader(json);
@@ -148,17 +153,10 @@ void CJsonReaderToXmlHandler::StartElement(const std::wstring& name) {
 void CJsonReaderToXmlHandler::EndElement() { m_writer.WriteEndElement(); }
 
 void CJsonReaderToXmlHandler::WriteText(const std::wstring& value) {
-  static constexpr std::wstring_view kCData = L"<![CDATA[";
   const auto fail = [&] { Fail(L"Failed to convert value '" + value + L"' to Element string value in XML."); };
   if (!IsXmlText(value)) fail();
   try {
-    if (value.compare(0, kCData.size(), kCData) == 0) {
-      // The writer takes a text that begins so for a finished section; in two pieces it escapes it.
-      m_writer.WriteString(kLess.Get(), ItemType_string);
-      m_writer.WriteString(value.substr(kLess.Get().size()), ItemType_string);
-    } else {
-      m_writer.WriteString(value, ItemType_string);
-    }
+    m_writer.WriteData(value);
   } catch (const CRkException&) {
     fail();
   }

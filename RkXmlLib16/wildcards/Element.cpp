@@ -94,6 +94,8 @@ class CElement::TreeReader {
     const wstring_view text = source.GetText();
     if (childCount == 0 || !IsBlank(text)) {
       element.m_text = text;
+      if (const auto* const sections = source.GetSections())
+        element.m_sections = std::make_unique<const std::vector<std::size_t>>(*sections);
       ForEachPrefix(text, declare);
     }
     for (const CXmlAttribute* attribute : source.GetAttributes()) {
@@ -123,7 +125,7 @@ class CElement::TreeWriter {
       : m_writer(writer),
         m_context(context),
         m_isOptionalChoice(isOptionalChoice),
-        m_keepsSections(!context.GetStripCDATA() && dynamic_cast<CXmlTextWriter*>(&writer) != nullptr) {}
+        m_xmlWriter(dynamic_cast<CXmlTextWriter*>(&writer)) {}
 
   void Write(const CElement& top, bool isRoot) {
     struct Level {
@@ -179,7 +181,7 @@ class CElement::TreeWriter {
     // Only an element with nothing in it has an empty text to show: JSON writes it as null in the element's place.
     const bool hasText = element.m_children.empty() ? !element.m_text.empty() : !IsBlank(element.m_text);
     const bool isBare = element.m_children.empty() && !HasAttributes(element, isRoot);
-    if (hasText || isBare) WriteText(element.m_text);
+    if (hasText || isBare) WriteText(element);
   }
 
   // Declarations count as attributes here.
@@ -202,26 +204,25 @@ class CElement::TreeWriter {
     }
   }
 
-  // With CDATA sections kept, their marks stand for themselves and only what is outside them is escaped.
-  void WriteText(const std::wstring& text) {
-    constexpr wchar_t kBegin[] = L"<![CDATA[";
-    constexpr wchar_t kEnd[] = L"]]>";
+  // Other forms than XML text have no sections: the marks are text there.
+  void WriteText(const CElement& element) {
+    constexpr std::wstring_view kEnd = L"]]>";
+    const std::wstring& text = element.m_text;
+    if (m_xmlWriter == nullptr) return m_writer.WriteString(text, ItemType_string);
+    if (element.m_sections == nullptr) return m_xmlWriter->WriteData(text);
     std::size_t at = 0;
-    while (m_keepsSections) {
-      const std::size_t begin = text.find(kBegin, at);
-      const std::size_t end = begin == std::wstring::npos ? begin : text.find(kEnd, begin);
-      if (end == std::wstring::npos) break;
-      m_writer.WriteString(text.substr(at, begin - at), ItemType_string);
-      at = end + 3;
-      m_writer.WriteString(text.substr(begin, at - begin), ItemType_string);
+    for (const std::size_t begin : *element.m_sections) {
+      m_xmlWriter->WriteData(text.substr(at, begin - at));
+      at = std::min(text.find(kEnd, begin), text.size() - kEnd.size()) + kEnd.size();
+      m_xmlWriter->WriteSection(text.substr(begin, at - begin));
     }
-    m_writer.WriteString(at == 0 ? text : text.substr(at), ItemType_string);
+    m_xmlWriter->WriteData(text.substr(at));
   }
 
   CXmlWriter& m_writer;
   const CSerializationContext& m_context;
   const bool m_isOptionalChoice;
-  const bool m_keepsSections;
+  CXmlTextWriter* const m_xmlWriter;  // null for other forms
 };
 
 CElement::CElement() = default;
@@ -274,6 +275,7 @@ void CElement::FromXmlElement(const CXmlElement* element, const CSerializationCo
   RemoveChildren();
   m_attributes = nullptr;
   m_text.clear();
+  m_sections = nullptr;
   m_prefixes = nullptr;
   TreeReader().Read(*this, *element);
 }
@@ -325,7 +327,10 @@ const wchar_t* CElement::GetNamespaceConstraint() const noexcept { return m_rule
 
 const wchar_t* CElement::GetConstraintTargetNamespace() const noexcept { return m_rule.GetTargetNamespace(); }
 
-void CElement::SetText(const wchar_t* text) { m_text = TextOrEmpty(text); }
+void CElement::SetText(const wchar_t* text) {
+  m_text = TextOrEmpty(text);
+  m_sections = nullptr;
+}
 
 CAttributeCol* CElement::GetAttributes() {
   if (m_attributes == nullptr) m_attributes = new CAttributeCol;

@@ -1,6 +1,7 @@
 #ifndef RKXMLLIB16_WILDCARDS_ELEMENT_H
 #define RKXMLLIB16_WILDCARDS_ELEMENT_H
 
+#include <cstddef>
 #include <map>
 #include <memory>
 #include <string>
@@ -22,7 +23,9 @@ namespace RkXmlLib16 {
 //   track.FindChild(L"metadata", L"http://www.topografix.com/GPX/1/1")->GetChildCount();
 //
 // The text is all character data of the element joined; it is written before the children, and not at all when the
-// element has children and the text is blank. Trees of any depth are read, written and destroyed without recursion.
+// element has children and the text is blank. CDATA sections that the settings kept when it was read are written as
+// such; all other text is data, also when it begins with "<![CDATA[". Trees of any depth are read, written and
+// destroyed without recursion.
 class RKXML_EXPORT CElement : public CXmlObjectBase {
  public:
   CElement();
@@ -62,7 +65,7 @@ class RKXML_EXPORT CElement : public CXmlObjectBase {
   const wchar_t* GetConstraintTargetNamespace() const noexcept;
 
   const std::wstring& GetText() const noexcept { return m_text; }
-  void SetText(const wchar_t* text);
+  void SetText(const wchar_t* text);  // without sections
 
   // The attributes; they belong to the element.
   CAttributeCol* GetAttributes();
@@ -102,6 +105,7 @@ class RKXML_EXPORT CElement : public CXmlObjectBase {
 
   SharedText m_namespaceUri;  // null for no namespace; shared by all that a document brought
   std::wstring m_text;
+  std::unique_ptr<const std::vector<std::size_t>> m_sections;  // where CDATA sections begin in the text; null for none
   CNamespaceRule m_rule;
   CSmartPtr<CAttributeCol> m_attributes;  // null until asked for
   Children m_children;

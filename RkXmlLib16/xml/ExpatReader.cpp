@@ -142,6 +142,11 @@ struct RKXML_HIDDEN CExpatReader::Parser {
   void FlushBlanks() {
     if (blankCount != 0) document.AppendBlanks({blanks, std::exchange(blankCount, 0)});
   }
+  void StartSection() {
+    FlushBlanks();
+    document.MarkSection();
+    Mark(L"<![CDATA[");
+  }
   void Mark(std::wstring_view mark) {
     FlushBlanks();
     document.AppendText(document.GetCurrentElement(), mark);
@@ -192,7 +197,7 @@ struct RKXML_HIDDEN CExpatReader::Parser {
     Guarded(userData, [&](Parser& self) { self.Text(text, static_cast<std::size_t>(length)); });
   }
   static void FnStartCDATA(void* userData) {
-    Guarded(userData, [](Parser& self) { self.Mark(L"<![CDATA["); });
+    Guarded(userData, [](Parser& self) { self.StartSection(); });
   }
   static void FnEndCDATA(void* userData) {
     Guarded(userData, [](Parser& self) { self.Mark(L"]]>"); });

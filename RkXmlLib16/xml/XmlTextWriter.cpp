@@ -2,6 +2,8 @@
 
 #include <emmintrin.h>
 
+#include <utility>
+
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/internal/NeverDestroyed.h"
 #include "RkXmlLib16/base/internal/WideText.h"
@@ -216,11 +218,24 @@ void CXmlTextWriter::WriteString(const std::wstring& text, ItemType) {
   WriteText(UpToNul(text));
 }
 
+void CXmlTextWriter::WriteData(const std::wstring& text) {
+  static const std::wstring kLess = L"<";
+  if (!StartsCData(text)) return WriteString(text, ItemType_string);
+  WriteString(kLess, ItemType_string);
+  WriteString(text.substr(kLess.size()), ItemType_string);
+}
+
+void CXmlTextWriter::WriteSection(const std::wstring& section) {
+  const bool escapes = std::exchange(m_escapesSections, false);
+  WriteString(section, ItemType_string);
+  m_escapesSections = escapes;
+}
+
 void CXmlTextWriter::WriteText(std::wstring_view text) {
   if (text.empty()) return;
   if (m_context == nullptr) throw CRkException(L"Text must be written inside an Element.");
   CloseStartTag();
-  if (StartsCData(text))
+  if (!m_escapesSections && StartsCData(text))
     Put(text);
   else
     PutEscaped(text, Escaping::Text);

@@ -37,6 +37,9 @@ class RKXML_EXPORT CXmlTextWriter : public CXmlWriter {
   // The end of each line and of the lines inside text. Throws CRkException "Invalid EOL type.".
   EOLType GetEOLType() const noexcept { return m_eolType; }
   void SetEOLType(EOLType type);
+  // Whether text that begins with "<![CDATA[" is escaped too. Off at first: such text is taken for a finished section.
+  bool GetEscapesSections() const noexcept { return m_escapesSections; }
+  void SetEscapesSections(bool escapes) noexcept { m_escapesSections = escapes; }
 
   // Refuse what a reader would not give back as it was, with CRkException "Refused to write ..."; tabs of attributes
   // become character references. Off at first. See CSerializationContext::SetWellFormedOutput.
@@ -58,8 +61,8 @@ class RKXML_EXPORT CXmlTextWriter : public CXmlWriter {
   void WritePI(const std::wstring& text) override;
   void WriteInlineSchema(const std::wstring& schemaText) override;
   void WriteStartElement(const std::wstring& localName, const std::wstring& namespaceUri) override;
-  // Text that begins with "<![CDATA[" is written unchanged, any other is escaped. Without an open element a text that
-  // is not empty throws CRkException.
+  // Text that begins with "<![CDATA[" is written unchanged unless SetEscapesSections says otherwise, any other is
+  // escaped. Without an open element a text that is not empty throws CRkException.
   void WriteString(const std::wstring& text, ItemType type) override;
   // Throws CRkException when no element is open.
   void WriteEndElement() override;
@@ -69,6 +72,11 @@ class RKXML_EXPORT CXmlTextWriter : public CXmlWriter {
   void WriteAttributeNil() override;
   void WriteTextElement(const std::wstring& localName, const std::wstring& namespaceUri, const std::wstring& text,
                         ItemType type) override;
+
+  // Two ways to write text by WriteString: as data, in two pieces where one would be taken for a section, and as the
+  // finished section that it is.
+  void WriteData(const std::wstring& text);
+  void WriteSection(const std::wstring& section);
 
   // The same for text that is at hand without a string; it must not hold NUL.
   void WriteText(std::wstring_view text);
@@ -100,6 +108,7 @@ class RKXML_EXPORT CXmlTextWriter : public CXmlWriter {
   EOLType m_eolType = EOLType_LF;
   bool m_format = true;
   bool m_keepTabs = false;
+  bool m_escapesSections = false;
   CTextStream& m_stream;
 };
 

@@ -150,6 +150,31 @@ TEST_F(EntryPoints, JsonErrorsShowTheXmlText) {
   CElement strict(L"e", L"urn:t", L"##targetNamespace", L"urn:t");
   EXPECT_TEXT(L"CRkException: Error converting JSON to XML:\n<a>\x20AC</a>\n\nInvalid Namespace [].",
               Thrown([&] { strict.FromJson("{\"a\": \"\xE2\x82\xAC\"}"); }));
+  // What is read is not indented, but what is shown is, and the line is that of the text shown.
+  EXPECT_TEXT(
+      L"CRkException: Error converting JSON to XML:\n<a>\n\t<b>\n\t\t<p:c/>\n\t</b>\n</a>\n\nunbound prefix at line 3",
+      Thrown([&] { strict.FromJson(L"{\"a\":{\"b\":{\"p:c\":null}}}"); }));
+}
+
+// Text beside children is that of the JSON alone, however often it travels.
+TEST_F(EntryPoints, JsonAddsNoWhiteSpaceToText) {
+  for (const wchar_t* text : {L"x", L"\n\tx\n", L" \u20AC < \t"}) {
+    CElement element(L"a");
+    element.SetText(text);
+    element.AddNewChild(L"b", L"", L"1")->AddNewChild(L"c");
+    element.AddNewChild(L"b", L"", L"\n")->SetAttribute(L"k", L"v");
+    const std::wstring expected = element.ToXml(false, false);
+    m_ctx.GetJsonContext()->SetStrictOutput(true);
+    for (const JsonRoundTrip mode : {JsonRoundTrip_Markers, JsonRoundTrip_Namespaces}) {
+      m_ctx.GetJsonContext()->SetSupportRoundtrip(mode);
+      for (int trip = 0; trip < 4; ++trip) {
+        const CBinaryData json = element.ToJsonStream(trip % 2 == 0, XmlEncoding_UTF8, EOLType_CRLF, m_ctx);
+        element.FromJsonStream(json, m_ctx);
+        EXPECT_TEXT(text, element.GetText());
+        EXPECT_TEXT(expected, element.ToXml(false, false));
+      }
+    }
+  }
 }
 
 TEST_F(EntryPoints, ExceptionsOfTheApplicationPassUnchanged) {

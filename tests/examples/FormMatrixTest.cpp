@@ -74,6 +74,7 @@ class FormMatrix : public testing::TestWithParam<Road> {
     from.FromXmlFile((L"" RKXML_EXAMPLE_DATA + std::wstring(file)).c_str());
     if (change != nullptr) change(from);
     CSerializationContext context;
+    context.SetEscapeCDATA(true);
     context.SetDefaultNamespaceURI(from.GetTargetNamespace());
     context.GetNamespaceAliases().Add(L"xsi", L"http://www.w3.org/2001/XMLSchema-instance");
     context.GetNamespaceAliases().Add(L"audit", L"urn:example:audit");
@@ -103,7 +104,7 @@ TEST_P(FormMatrix, SmallObjectsAndHardTextsArriveAsTheyWere) {
     order.GetLines()->GetLine()->Clear();
     order.GetLines()->GetLine()->AddNew()->SetService(
         CSmartPtr<Order::CServiceType>(new Order::CServiceType(L"service")));
-    order.GetLines()->GetLine()->Item(0)->GetService()->SetName(L"<![CDATA");
+    order.GetLines()->GetLine()->Item(0)->GetService()->SetName(L"<![CDATA[]]><a>");
     order.GetPayment()->SetCard(nullptr);
     order.GetPayment()->SetCash(CDecimal(L"0.05"));
     order.SetDueNil();

@@ -99,8 +99,57 @@ TEST(Element, KeepsCDataSectionsThatTheSettingsKeep) {
   const wchar_t* const text = L"<a><![CDATA[1 < 2]]></a>";
   EXPECT_TEXT(text, Rewritten(text, keep));
   EXPECT_TEXT(L"<a>1 &lt; 2</a>", Rewritten(text));
-  const wchar_t* const mixed = L"<a>x &lt; <![CDATA[<y>]]> &amp; <![CDATA[z]]>&gt;</a>";
-  EXPECT_TEXT(mixed, Rewritten(mixed, keep));
+  for (const wchar_t* mixed : {
+           L"<a>x &lt; <![CDATA[<y>]]> &amp; <![CDATA[z]]>&gt;</a>",
+           L"<a><![CDATA[]]> &lt; <b><![CDATA[<![CDATA[x]]></b></a>",
+           L"<a>&lt;![CDATA[x]]&gt; <![CDATA[<y>]]>&lt;![CDATA[</a>",
+           L"<a><![CDATA[a]]><![CDATA[b]]></a>",
+       }) {
+    CElement element;
+    element.FromXml(mixed, keep);
+    keep.SetEscapeCDATA(!keep.GetEscapeCDATA());
+    EXPECT_TEXT(mixed, element.ToXml(false, false, EOLType_LF, keep));
+    EXPECT_TEXT(mixed, element.ToXml(false, false));  // whatever the settings say when it is written
+    element.SetText(element.GetText().c_str());
+    EXPECT_EQ(std::wstring::npos, element.ToXml(false, false).find(L"<a><!"));
+  }
+}
+
+// Text that begins with the mark of a section and never was one, in every form that brings it.
+TEST(Element, TextThatLooksLikeASectionIsData) {
+  const Rows<Wide, Wide> kRows = {
+      {L"<![CDATA[<b", L"<a>&lt;![CDATA[&lt;b</a>"},
+      {L"<![CDATA[]]><admin/>", L"<a>&lt;![CDATA[]]&gt;&lt;admin/&gt;</a>"},
+      {L"<![CDATA[", L"<a>&lt;![CDATA[</a>"},
+  };
+  CSerializationContext strict;
+  strict.GetJsonContext()->SetStrictOutput(true);
+  CSerializationContext keep;
+  keep.SetStripCDATA(false);
+  for (const auto& [text, written] : kRows) {
+    CElement element(L"a");
+    const auto expect = [&, text = text, written = written](const char* form) {
+      EXPECT_TEXT(text, element.GetText()) << form;
+      EXPECT_TEXT(written, element.ToXml(false, false)) << form;
+    };
+    element.SetText(text);
+    expect("by hand");
+    element.FromXml(written);
+    expect("XML text");
+    element.FromXml(written, keep);
+    expect("XML text with sections kept");
+    element.FromXml((std::wstring(L"<a><![CDATA[<]]>") + (written + 7)).c_str());
+    expect("XML text with sections stripped");
+    const std::wstring json = element.ToJson(false, EOLType_LF, strict);
+    EXPECT_TEXT(std::wstring(L"{\"a\": \"") + text + L"\"}", json);  // one member
+    element.FromJson(json.c_str());
+    expect("JSON");
+    element.FromXmlStream(element.ToFastInfosetStream());
+    expect("Fast Infoset");
+    CElement other;
+    other.FromXmlElement(&element);
+    EXPECT_TEXT(text, other.GetText());
+  }
 }
 
 TEST(Element, AsRootItCarriesWhatTheSettingsAdd) {

@@ -13,6 +13,7 @@ CBinaryData WriteXml(const CXmlObjectBase& object, const Layout& layout, const C
 }
 
 void LoadJson(CXmlDocument& document, Bytes& bytes) {
+  document.SetIndentsJson(false);
   const CBinaryData xml = document.LoadJsonStream(bytes.data(), bytes.size());
   try {
     document.LoadXmlStream(xml.GetData(), xml.GetLength());
