@@ -47,8 +47,10 @@ CRkException ErrorWithText(const CBinaryData& xml, const CRkException& cause) {
 // children stays as it is; what an error shows is, and its lines are those of the indented text.
 template <class ToXml>
 void ReadXmlOfJson(CXmlObjectBase& object, const CSerializationContext& context, ToXml&& toXml) {
-  CBinaryData xml = toXml(/*indented=*/false);
+  const CBinaryData xml = toXml(/*indented=*/false);
+  CBinaryData shown;
   CXmlDocument document(context);
+  document.SetInputStays(true);
   bool isLoaded = false;
   try {
     LoadBytes(document, xml);
@@ -56,13 +58,13 @@ void ReadXmlOfJson(CXmlObjectBase& object, const CSerializationContext& context,
     const CXmlElement* const root = document.GetDocumentElement();
     object.FromXmlElement(root, context);
   } catch (const CRkException& e) {
-    xml = toXml(/*indented=*/true);
+    shown = toXml(/*indented=*/true);
     try {
-      if (!isLoaded) LoadBytes(document, xml);
+      if (!isLoaded) LoadBytes(document, shown);
     } catch (const CRkException& indented) {
-      throw ErrorWithText(xml, indented);
+      throw ErrorWithText(shown, indented);
     }
-    throw ErrorWithText(xml, e);
+    throw ErrorWithText(shown, e);
   }
 }
 
