@@ -120,6 +120,8 @@ TEST(FastInfosetReader, NamesThatXmlTextCannotHoldAreRefused) {
       "00 3C 01 61 FF FF",                                    // ill-formed UTF-8
       "00 3C 01 C3 C0 FF",                                    //
       "00 3C 02 ED A0 80 FF",                                 // a surrogate
+      "00 3C 02 E2 B0 80 FF",                                 // U+2C00, a name of the fifth edition of XML only
+      "00 3C 03 F0 90 80 80 FF",                              // U+10000
       "00 38 CF 00 3D 00 75 F0 3C 00 61 FF",                  // prefix =
       "00 38 CF 01 C0 80 00 75 F0 3C 00 61 FF",               // ill-formed prefix
       "00 38 CF 04 78 6D 6C 6E 73 00 75 F0 3C 00 61 FF",      // prefix xmlns

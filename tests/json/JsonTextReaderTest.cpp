@@ -1,3 +1,4 @@
+#include "RkXmlLib16/document/ElementTree.h"
 #include "RkXmlLib16/json/JsonTextReader.h"
 
 #include "Expect.h"
@@ -147,8 +148,38 @@ TEST(JsonTextReader, MalformedTextFailsWithPlaceAndPath) {
   EXPECT_THROW(Convert(std::wstring(L"{\"a\":\0}", 7)), CRkValidationException);
 }
 
+// Every name that is taken can be read as XML.
+TEST(JsonTextReader, TakesNoNameThatTheXmlParserRefuses) {
+  CTextStream stream;
+  CXmlTextWriter writer(stream);
+  CJsonReaderDefaultHandler path;
+  CJsonReaderToXmlHandler handler(writer, JsonRoundTrip_Namespaces, &path);
+  handler.ReadStartDocument();
+  handler.ReadName(L"r");
+  handler.ReadStartObject();
+  std::size_t count = 0;
+  for (wchar_t c = 0x80; c < 0x30000; ++c) {
+    if (c >= 0xD800 && c < 0xE000) continue;
+    for (const std::wstring& name : {std::wstring(1, c), std::wstring(L"a") + c}) {
+      try {
+        handler.ReadName(name);
+      } catch (const CRkInvalidStateException&) {
+        continue;
+      }
+      handler.ReadNull();
+      ++count;
+    }
+  }
+  handler.ReadEndObject();
+  CXmlDocument document;
+  document.LoadXmlWide(stream.ToString());
+  EXPECT_LT(80000u, count);
+}
+
 TEST(JsonTextReader, NamesAndValuesThatXmlCannotHoldFail) {
-  for (const wchar_t* name : {L"b c", L"1b", L"b/", L"b><c", L":b", L"b:", L"b:c:d", L"-b", L"b\u00d7", L"\u2028"})
+  for (const wchar_t* name : {L"b c", L"1b", L"b/", L"b><c", L":b", L"b:", L"b:c:d", L"-b", L"b\u00d7", L"\u2028",
+                              // Names of the fifth edition of XML only, which the XML parser refuses.
+                              L"\u2C00", L"b\u0132", L"\U00010000", L"b\U0001F600"})
     EXPECT_THROWS(CRkInvalidStateException,
                   FormatString(L"Failed to convert name '%ls' to Element name in XML.\nPath: $.a.%ls", name, name),
                   Convert(std::wstring(L"{\"a\":{\"") + name + L"\":[]}}"));
