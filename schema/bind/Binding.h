@@ -25,7 +25,8 @@ struct ValueBinding {
   // Primitive: a value of `itemType`, which `facets` restrict.
   // Enumeration: one of the texts of `type->facets.enumeration`. Only types of the string family; an enumerated number
   // or date stays a Primitive with `needsCheck`.
-  // Text: a list, a union, a QName or NOTATION, or xs:anySimpleType; held as the text, white space normalized.
+  // Text: a list, a union, a QName or NOTATION, xs:anySimpleType, or a number, date or boolean with a pattern; held as
+  // the text, white space normalized.
   enum class Kind { Primitive, Enumeration, Text };
 
   const SimpleTypeDefinition* type = nullptr;
@@ -34,8 +35,8 @@ struct ValueBinding {
   RkXmlLib16::CWhitespaceUtils::WhitespaceRule whitespace = RkXmlLib16::CWhitespaceUtils::preserve;
   RkXmlLib16::CPrimitiveRestrictions facets;
   // Whether `kind`, `itemType` and `facets` let pass what the type forbids, so that the text must be checked when it is
-  // read: items of lists, members of unions, enumerated numbers, patterns of numbers and dates, long lists of pattern
-  // steps. What the value types are laxer in by nature does not count.
+  // read: items of lists, members of unions, enumerated numbers, patterns of numbers and dates. What the value types
+  // are laxer in by nature does not count.
   bool needsCheck = false;
   bool holdsQNames = false;  // the prefixes in the text have to stay declared
 };
@@ -129,7 +130,10 @@ struct ClassBinding {
 
   bool isAbstract = false;
   bool isMixed = false;
-  bool isNillable = false;   // some element of this class, or of a class that it is derived from, is nillable
+  bool isNillable = false;  // some element of this class, or of a class that it is derived from, is nillable
+  // A simple type that no element has: only xsi:type may name it, on an element of xs:anyType or xs:anySimpleType or
+  // the root.
+  bool onlyByTypeName = false;
   bool isEmptiable = false;  // a group: whether it may consume nothing
 
   std::vector<AttributeBinding> attributes;
