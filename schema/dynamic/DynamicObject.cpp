@@ -172,9 +172,8 @@ void CDynamicObject::KeepPrefixes(const CXmlElement& element, std::wstring_view 
     while (end < text.size() && !CWhitespaceUtils::IsWhiteSpace(text[end])) ++end;
     const std::wstring_view token = text.substr(at, end - at);
     const std::size_t colon = token.find(L':');
-    const CXmlName* const uri = colon != std::wstring_view::npos && colon > 0
-                                    ? element.GetDocument()->LookupNamespaceRef(token.substr(0, colon))
-                                    : nullptr;
+    const CXmlName* const uri =
+        colon != std::wstring_view::npos && colon > 0 ? element.LookupNamespaceRef(token.substr(0, colon)) : nullptr;
     if (uri != nullptr) {
       if (m_prefixes == nullptr) m_prefixes = std::make_unique<Prefixes>();
       (*m_prefixes)[std::wstring(token.substr(0, colon))] = std::wstring(uri->View());

@@ -176,7 +176,7 @@ const Reading*& Reading::Current() noexcept {
 
 NamespaceResolver ResolverOf(const CXmlElement& element) {
   return [&element](std::wstring_view prefix) -> std::optional<std::wstring> {
-    const CXmlName* const uri = element.GetDocument()->LookupNamespaceRef(prefix);
+    const CXmlName* const uri = element.LookupNamespaceRef(prefix);
     if (uri != nullptr) return std::wstring(uri->View());
     if (prefix.empty()) return std::wstring();
     if (prefix == L"xml") return std::wstring(kXmlNamespace);
@@ -229,7 +229,7 @@ const TypeDefinition* FindNamedType(const CSchemaSet& schemas, const CXmlElement
   if (!isNamed) return nullptr;
   const std::size_t colon = name.find(L':');
   const CXmlName* const uri =
-      element.GetDocument()->LookupNamespaceRef(colon == std::wstring::npos ? std::wstring() : name.substr(0, colon));
+      element.LookupNamespaceRef(colon == std::wstring::npos ? std::wstring() : name.substr(0, colon));
   if (colon != std::wstring::npos)
     return uri == nullptr ? nullptr : schemas.FindType({std::wstring(uri->View()), name.substr(colon + 1)});
   // Without a prefix it is the default namespace; a document may have several, so the element's own is tried too.

@@ -1,0 +1,96 @@
+// Schemas and documents of others, where they are at hand: RKXML_SHARED/schemas.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <fstream>
+#include <map>
+#include <sstream>
+
+#include "Documents.h"
+
+namespace RkXmlSchema {
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path kSchemas = fs::path(RKXML_SHARED) / "schemas";
+
+std::string Narrow(const std::wstring& text) {
+  std::string narrow;
+  for (const wchar_t c : text.substr(0, 400)) narrow += c < 0x80 ? static_cast<char>(c) : '?';
+  return narrow;
+}
+
+std::vector<fs::path> FilesIn(const fs::path& folder, const std::string& ending) {
+  std::vector<fs::path> files;
+  for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder))
+    if (entry.path().extension() == ending) files.push_back(entry.path());
+  std::sort(files.begin(), files.end());
+  return files;
+}
+
+TEST(DynamicConformance, SuiteOfSmallDocuments) {
+  std::ifstream rows(kSchemas / "w3c-sun" / "rows.tsv");
+  if (!rows) GTEST_SKIP() << "no schemas at hand";
+  std::size_t total[2] = {0, 0};
+  std::size_t right[2] = {0, 0};
+  std::size_t same = 0;
+  for (std::string line; std::getline(rows, line);) {
+    std::istringstream fields(line);
+    std::vector<std::string> field(6);
+    for (std::string& f : field) std::getline(fields, f, '\t');
+    if (field[2] != "valid" || field[4] == "-") continue;
+    std::vector<fs::path> files;
+    std::istringstream list(field[3]);
+    for (std::string file; std::getline(list, file, ';');) files.push_back(kSchemas / "w3c-sun" / file);
+    const auto start = std::chrono::steady_clock::now();
+    const CSchemaUnderTest schema(files);
+    const bool isValid = field[5] == "valid";
+    const fs::path file = kSchemas / "w3c-sun" / field[4];
+    const std::wstring error = schema.IsUsable() ? schema.Check(file) : L"no schema " + schema.GetErrors();
+    if (isValid && error.empty()) same += RoundTrip(schema, file).empty();
+    const bool isRight = error.empty() == isValid;
+    ++total[isValid];
+    right[isValid] += isRight;
+    const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
+    EXPECT_LT(took.count(), 60) << field[4];
+  }
+  std::printf("valid %zu of %zu, of which %zu come back; invalid %zu of %zu\n", right[1], total[1], same, right[0],
+              total[0]);
+  EXPECT_GE(right[1] * 100, total[1] * 97);
+  EXPECT_GE(right[0] * 100, total[0] * 85);  // all but those that depend on identity constraints
+  EXPECT_GE(same * 100, right[1] * 98);      // all but those with another order in an all group
+}
+
+void CheckFolder(const std::string& folder, const std::vector<fs::path>& schemas) {
+  if (!fs::exists(kSchemas / folder)) GTEST_SKIP() << "no schemas at hand";
+  std::vector<fs::path> files;
+  for (const fs::path& file : schemas) files.push_back(kSchemas / folder / "schemas" / file);
+  const CSchemaUnderTest schema(files);
+  ASSERT_TRUE(schema.IsUsable()) << Narrow(schema.GetErrors());
+  std::size_t bad = 0;
+  const auto documents = FilesIn(kSchemas / folder / "documents", ".xml");
+  for (const fs::path& file : documents) {
+    const std::wstring error = RoundTrip(schema, file);
+    if (error.empty()) continue;
+    ++bad;
+    std::printf("%s: %s\n", file.filename().c_str(), Narrow(error).c_str());
+  }
+  std::printf("%s: %zu of %zu\n", folder.c_str(), documents.size() - bad, documents.size());
+  // One document of UBL is not valid.
+  EXPECT_LE(bad, folder == "ubl" ? 1u : 0u);
+}
+
+TEST(DynamicConformance, IpXact) { CheckFolder("ipxact", {"index.xsd"}); }
+TEST(DynamicConformance, Bpmn) { CheckFolder("bpmn", {"BPMN20.xsd"}); }
+TEST(DynamicConformance, Npo) {
+  if (!fs::exists(kSchemas / "npo")) GTEST_SKIP() << "no schemas at hand";
+  CheckFolder("npo", FilesIn(kSchemas / "npo" / "schemas", ".xsd"));
+}
+TEST(DynamicConformance, Ubl) {
+  if (!fs::exists(kSchemas / "ubl")) GTEST_SKIP() << "no schemas at hand";
+  CheckFolder("ubl", FilesIn(kSchemas / "ubl" / "schemas" / "maindoc", ".xsd"));
+}
+
+}  // namespace
+}  // namespace RkXmlSchema
