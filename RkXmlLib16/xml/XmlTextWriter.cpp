@@ -20,6 +20,7 @@ constexpr std::size_t kShortText = 64;
 constexpr std::size_t kLongestEscape = 6;  // of one character
 constexpr std::wstring_view kCDataStart = L"<![CDATA[";
 const CNeverDestroyed<std::wstring> kNoPrefix;
+const CNeverDestroyed<std::wstring> kLess(L"<");
 const CNeverDestroyed<std::wstring> kNil(L"nil");
 
 // The text up to its first NUL.
@@ -214,15 +215,17 @@ void CXmlTextWriter::PutRootDeclarations() {
 }
 
 void CXmlTextWriter::WriteString(const std::wstring& text, ItemType) {
-  if (m_checks != nullptr) m_checks->Text(text);
+  if (m_checks != nullptr) {
+    m_checks->Text(text);
+    if (!m_escapesSections && StartsCData(text)) m_checks->Section(text);
+  }
   WriteText(UpToNul(text));
 }
 
 void CXmlTextWriter::WriteData(const std::wstring& text) {
-  static const std::wstring kLess = L"<";
   if (!StartsCData(text)) return WriteString(text, ItemType_string);
-  WriteString(kLess, ItemType_string);
-  WriteString(text.substr(kLess.size()), ItemType_string);
+  WriteString(kLess.Get(), ItemType_string);
+  WriteString(text.substr(kLess.Get().size()), ItemType_string);
 }
 
 void CXmlTextWriter::WriteSection(const std::wstring& section) {

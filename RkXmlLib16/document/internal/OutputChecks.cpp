@@ -80,9 +80,9 @@ void OutputChecks::Declaration(std::wstring_view prefix, std::wstring_view names
 
 void OutputChecks::TypeName(std::wstring_view name) const { Name(name); }
 
-void OutputChecks::Text(std::wstring_view text) const {
-  Characters(text, /*allowsReturns=*/false);
-  if (m_form != Form::Xml || !StartsWith(text, kSectionStart)) return;
+void OutputChecks::Text(std::wstring_view text) { Characters(text, /*allowsReturns=*/false); }
+
+void OutputChecks::Section(std::wstring_view text) {
   const std::size_t end = text.find(kSectionEnd, kSectionStart.size());
   if (end == std::wstring_view::npos || end + kSectionEnd.size() != text.size()) Refuse(L"CDATA section", text);
 }

@@ -20,7 +20,9 @@ class OutputChecks {
   void Attribute(std::wstring_view localName, std::wstring_view namespaceUri, std::wstring_view value);
   void Declaration(std::wstring_view prefix, std::wstring_view namespaceUri) const;
   void TypeName(std::wstring_view name) const;
-  void Text(std::wstring_view text) const;
+  static void Text(std::wstring_view text);
+  // A text that begins like a CDATA section and is written unescaped.
+  static void Section(std::wstring_view text);
   static void Comment(std::wstring_view text);
   static void ProcessingInstruction(std::wstring_view text);
   [[noreturn]] static void Refuse(const wchar_t* what, std::wstring_view text);
