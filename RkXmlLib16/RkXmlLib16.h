@@ -5,6 +5,8 @@
 #include "RkXmlLib16/Generated.h"
 #include "RkXmlLib16/base/CriticalSection.h"
 #include "RkXmlLib16/base/Enumerations.h"
+#include "RkXmlLib16/base/ErrorCode.h"
+#include "RkXmlLib16/base/ErrorHandler.h"
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
 #include "RkXmlLib16/base/Location.h"

@@ -35,10 +35,32 @@ void RequireSame(const char* form, const CElement& tree, const Object& again, Mi
   Require(actual == expected, form, L"--- object\n" + expected + L"\n--- read again\n" + actual);
 }
 
+// What is accepted is accepted the same when errors are collected, and what is not has an error then.
+template <class Object>
+void RequireSameWithCollector(const std::uint8_t* data, std::size_t size, const Object* accepted) {
+  CErrorCollector collector(5);
+  CSerializationContext context = MakeContext();
+  context.SetErrorHandler(&collector);
+  Object object;
+  const bool isRead = Succeeds([&] { object.FromXmlStream(const_cast<std::uint8_t*>(data), size, context); });
+  Require(isRead || collector.HasErrors(), "what throws is told", L"");
+  Require(collector.HasErrors() == (accepted == nullptr), "errors are told of what is refused, and of nothing else",
+          collector.GetReport());
+  for (const auto& error : collector.GetErrors())
+    Require(!error->GetReport().empty() && error->what()[0] != '\0', "an error has a report", L"");
+  for (const CRkDropped& dropped : collector.GetDropped()) dropped.GetReport();
+  if (accepted == nullptr) return;
+  Require(Describe(*TreeOf(object), Mixed::IsKept) == Describe(*TreeOf(*accepted), Mixed::IsKept),
+          "the same object with a collector", L"");
+}
+
 template <class Object>
 void Try(const std::uint8_t* data, std::size_t size) {
   Object object;
-  if (!Succeeds([&] { object.FromXmlStream(const_cast<std::uint8_t*>(data), size, MakeContext()); })) return;
+  const bool isRead = Succeeds([&] { object.FromXmlStream(const_cast<std::uint8_t*>(data), size, MakeContext()); });
+  if (isRead && !Succeeds([&] { TreeOf(object); })) return;
+  RequireSameWithCollector(data, size, isRead ? &object : nullptr);
+  if (!isRead) return;
   const CSmartPtr<CElement> tree = TreeOf(object);
   if (!IsXml(*tree) || !KeepsYears(object)) return;
   const CSerializationContext context = MakeContext(tree);

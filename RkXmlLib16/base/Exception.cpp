@@ -1,5 +1,6 @@
 #include "RkXmlLib16/base/Exception.h"
 
+#include <mutex>
 #include <utility>
 
 #include "RkXmlLib16/base/internal/NeverDestroyed.h"
@@ -28,6 +29,16 @@ const CNeverDestroyed<CRkLocation> kNowhere;
 struct RKXML_HIDDEN CRkException::Details {
   CRkLocation location;
   bool hasLocation = false;
+  bool endsReading = false;
+  bool isRefused = false;
+  CRkRefusedValue refused;
+  std::wstring hint;
+};
+
+struct RKXML_HIDDEN CRkException::LateMessage {
+  std::once_flag once;
+  std::function<std::wstring()> make;
+  std::wstring text;
 };
 
 CRkException::CRkException() = default;
@@ -51,6 +62,7 @@ CRkException::CRkException(std::wstring message, std::wstring path, CRkException
 CRkException::CRkException(const CRkException& other)
     : m_message(other.m_message),
       m_path(other.m_path),
+      m_lateMessage(other.m_lateMessage),
       m_inner(CloneOf(other.GetInnerException())),
       m_details(other.m_details) {}
 CRkException::~CRkException() {
@@ -75,8 +87,10 @@ CRkException& CRkException::operator=(const CRkException& other) {
     m_replaced->push_back(m_inner);
   }
   m_message = std::move(message);
+  m_lateMessage = other.m_lateMessage;
   m_inner = std::move(inner);
   m_details = other.m_details;
+  m_what = nullptr;
   return *this;
 }
 
@@ -92,20 +106,55 @@ void CRkException::SetLocation(CRkLocation location) {
   details.hasLocation = true;
 }
 
+const CRkRefusedValue* CRkException::GetRefusedValue() const noexcept {
+  return m_details != nullptr && m_details->isRefused ? &m_details->refused : nullptr;
+}
+
+void CRkException::SetRefusedValue(CRkRefusedValue refused) {
+  Details& details = ChangeDetails();
+  details.refused = std::move(refused);
+  details.isRefused = true;
+}
+
+const std::wstring& CRkException::GetHint() const noexcept {
+  static const std::wstring kNone;
+  return m_details != nullptr ? m_details->hint : kNone;
+}
+
+void CRkException::SetHint(std::wstring hint) { ChangeDetails().hint = std::move(hint); }
+
+bool CRkException::EndsReading() const noexcept { return m_details != nullptr && m_details->endsReading; }
+
+void CRkException::SetEndsReading() { ChangeDetails().endsReading = true; }
+
 CRkException::Details& CRkException::ChangeDetails() {
   auto changed = m_details != nullptr ? std::make_shared<Details>(*m_details) : std::make_shared<Details>();
   Details& details = *changed;
+  m_what = nullptr;
   m_details = std::move(changed);
   return details;
 }
 
 CRkException* CRkException::Clone() const { return std::make_unique<CRkException>(*this).release(); }
 
+CRkException CRkException::WithLateMessage(std::function<std::wstring()> make, const CRkException& inner) {
+  CRkException exception(std::wstring(), inner);
+  exception.m_lateMessage = std::make_shared<LateMessage>();
+  exception.m_lateMessage->make = std::move(make);
+  return exception;
+}
+
+const std::wstring& CRkException::GetLateMessage() const {
+  LateMessage& late = *m_lateMessage;
+  std::call_once(late.once, [&late] { late.text = late.make(); });
+  return late.text;
+}
+
 std::wstring CRkException::GetFullMessage() const {
-  std::wstring text = m_message;
+  std::wstring text = GetMessage();
   for (const CRkException* inner = GetInnerException(); inner != nullptr; inner = inner->GetInnerException()) {
     text += L'\n';
-    text += inner->m_message;
+    text += inner->GetMessage();
   }
   return text;
 }

@@ -1,10 +1,14 @@
 #ifndef RKXMLLIB16_BASE_EXCEPTION_H
 #define RKXMLLIB16_BASE_EXCEPTION_H
 
+#include <functional>
 #include <memory>
+#include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "RkXmlLib16/base/ErrorCode.h"
 #include "RkXmlLib16/base/Export.h"
 #include "RkXmlLib16/base/Location.h"
 
@@ -29,6 +33,8 @@ class RKXML_EXPORT CRkException {
   // The inner exceptions of `inner` are taken over, not cloned, so that wrapping again and again is quick.
   CRkException(std::wstring message, CRkException&& inner);
   CRkException(std::wstring message, std::wstring path, CRkException&& inner);
+  // With a message that `make` makes when it is asked for: for long ones, which nobody may want.
+  static CRkException WithLateMessage(std::function<std::wstring()> make, const CRkException& inner);
   // Copies message and path and clones the inner exception.
   CRkException(const CRkException& other);
   // Copies the message and clones the inner exception, but keeps this object's path. The inner exception held before
@@ -40,7 +46,7 @@ class RKXML_EXPORT CRkException {
   virtual CRkException* Clone() const;
 
   // The message, path suffix included.
-  const std::wstring& GetMessage() const noexcept { return m_message; }
+  const std::wstring& GetMessage() const { return m_lateMessage == nullptr ? m_message : GetLateMessage(); }
   // The path of the element being read; empty when not known.
   const std::wstring& GetPath() const noexcept { return m_path; }
   // The cause, owned by this exception; null when there is none.
@@ -54,18 +60,43 @@ class RKXML_EXPORT CRkException {
   bool HasLocation() const noexcept;
   void SetLocation(CRkLocation location);
 
+  // The kind of failure, that of the innermost exception of the chain. Worked out from the message when it is asked
+  // for.
+  RkErrorCode GetCode() const;
+  // The value that was refused; null when the failure is of another kind.
+  const CRkRefusedValue* GetRefusedValue() const noexcept;
+  void SetRefusedValue(CRkRefusedValue refused);
+  // What the reader found and expected, where the message alone misleads; empty otherwise.
+  const std::wstring& GetHint() const noexcept;
+  void SetHint(std::wstring hint);
+  // Whether reading cannot go on behind this failure, whatever an error handler says: a limit, a document that is not
+  // well-formed.
+  bool EndsReading() const noexcept;
+  void SetEndsReading();
+
+  // One line for people: the location, the path, the innermost message and what it leaves open.
+  //   order.xml:12:9: /order/item[2]/price: Invalid Value for price [-3] (minInclusive 0)
+  // Of the document it quotes 200 characters at most; what is longer is cut short with "...".
+  std::wstring GetReport() const;
+  // The report in UTF-8, for code that expects the manner of std::exception; valid as long as this exception.
+  const char* what() const noexcept;
+
  private:
   struct Details;
+  struct LateMessage;
 
   static std::shared_ptr<const CRkException> TakeOver(CRkException& exception);
   Details& ChangeDetails();
+  const std::wstring& GetLateMessage() const;
 
   std::wstring m_message;
   std::wstring m_path;
+  std::shared_ptr<LateMessage> m_lateMessage;  // shared by copies; null for a message that is there
   std::shared_ptr<const CRkException> m_inner;
   // Inner exceptions that assignments took out of use; never shared with a copy.
   std::shared_ptr<std::vector<std::shared_ptr<const CRkException>>> m_replaced;
   std::shared_ptr<const Details> m_details;  // shared by copies and wrapping exceptions; null until something is known
+  mutable std::shared_ptr<const std::string> m_what;  // made when it is asked for
 };
 
 // A document or an object breaks its schema.
@@ -149,6 +180,32 @@ class RKXML_EXPORT CRkOverFlowException : public CRkException {
   ~CRkOverFlowException() override;
   CRkOverFlowException* Clone() const override;
 };
+
+// A CRkException for programs that catch std::exception at their boundaries; what() is the report in UTF-8.
+class RKXML_EXPORT CRkStdException : public std::runtime_error {
+ public:
+  explicit CRkStdException(const CRkException& original);  // cloned
+  CRkStdException(const CRkStdException& other) noexcept;
+  CRkStdException& operator=(const CRkStdException& other) noexcept;
+  ~CRkStdException() override;
+
+  const CRkException& GetOriginal() const noexcept { return *m_original; }
+
+ private:
+  std::shared_ptr<const CRkException> m_original;
+};
+
+// Returns what `f()` returns; a CRkException that leaves it is thrown on as a CRkStdException.
+//
+//   WithStdExceptions([&] { order.FromXmlFile(L"order.xml"); });
+template <class F>
+decltype(auto) WithStdExceptions(F&& f) {
+  try {
+    return std::forward<F>(f)();
+  } catch (const CRkException& e) {
+    throw CRkStdException(e);
+  }
+}
 
 }  // namespace RkXmlLib16
 

@@ -119,7 +119,12 @@ bool CAttributeInfoPrimitive::AttributeFromXml(const CSerializationContext&, CXm
     return false;
   const CXmlText text = attribute->GetValue();
   ReadingValue value(text.size());
-  value.Get().FromText(text, m_itemType, m_whitespace);
+  try {
+    value.Get().FromText(text, m_itemType, m_whitespace);
+  } catch (CRkException& e) {
+    e.SetRefusedValue({GetAttributeName(), text, NameOfXsdType(m_itemType), {}, {}});
+    throw;
+  }
   InvokePropertySet(object, value.Get(), *attribute);
   return true;
 }
@@ -147,7 +152,12 @@ bool CAttributeInfoEnum::AttributeFromXml(const CSerializationContext& context, 
                                           CXmlAttribute* attribute) {
   if (!IsThisAttribute(context, attribute)) return false;
   ReadingValue value(/*charCount=*/0);
-  value.Get().SetI4(m_fromString(attribute->GetValue().c_str()));
+  try {
+    value.Get().SetI4(m_fromString(attribute->GetValue().c_str()));
+  } catch (CRkException& e) {
+    e.SetRefusedValue({GetAttributeName(), attribute->GetValue(), L"string", RkFacet_Enumeration, {}});
+    throw;
+  }
   InvokePropertySet(object, value.Get(), *attribute);
   return true;
 }

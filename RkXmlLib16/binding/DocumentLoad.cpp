@@ -20,6 +20,7 @@
 #include "RkXmlLib16/io/File.h"
 #include "RkXmlLib16/io/Zip.h"
 #include "RkXmlLib16/json/JsonTextReader.h"
+#include "RkXmlLib16/types/Whitespace.h"
 #include "RkXmlLib16/xml/ExpatReader.h"
 
 namespace RkXmlLib16 {
@@ -62,23 +63,6 @@ Bytes ReadFile(const wchar_t* fileName) {
   return bytes;
 }
 
-// The bytes without their gzip or zlib wrapper: in `inflated`, or as they are when they have none.
-std::string_view Unwrap(std::string_view bytes, const CReadLimits& limits, CBinaryData& inflated) {
-  switch (CRkZip::Inflate(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size(),
-                          {limits.GetMaxInflatedBytes(), limits.GetMaxInflationRatio(), limits.GetInflationRatioFrom()},
-                          inflated)) {
-    case InflateResult::Inflated:
-      return {reinterpret_cast<const char*>(inflated.GetData()), inflated.GetLength()};
-    case InflateResult::TooManyBytes:
-      CReadLimits::ThrowExceeded(L"inflated bytes", limits.GetMaxInflatedBytes());
-    case InflateResult::RatioTooHigh:
-      CReadLimits::ThrowExceeded(L"inflation ratio", limits.GetMaxInflationRatio());
-    case InflateResult::NotCompressed:
-      break;
-  }
-  return bytes;
-}
-
 // UTF-16LE with its byte order mark. Characters above U+FFFF become surrogate pairs, or lose their high bits.
 Bytes ToUtf16(std::wstring_view text, bool pairs) {
   constexpr std::uint32_t kLastInPlane = 0xFFFF;
@@ -103,13 +87,6 @@ Bytes ToUtf16(std::wstring_view text, bool pairs) {
   }
   bytes.length = static_cast<std::size_t>(out - bytes.data.get());
   return bytes;
-}
-
-CBinaryData ConvertJsonBytes(std::string_view bytes, const CSerializationContext& context, bool indented) {
-  CBinaryData inflated;
-  std::string_view json = Unwrap(bytes, context.GetLimits(), inflated);
-  if (json.substr(0, kUtf8Mark.size()) == kUtf8Mark) json.remove_prefix(kUtf8Mark.size());
-  return CJsonTextReader::ConvertJsonToXml(CEncoder::Utf8ToUnicode(json), context, indented);
 }
 
 }  // namespace
@@ -181,46 +158,120 @@ void CXmlDocument::LoadXmlWide(std::wstring_view text) {
   ParseXmlText();
 }
 
+void CXmlDocument::LoadConverted(const CBinaryData& xml, CXmlDocument& json) {
+  Cleanup();
+  if (xml.GetLength() == 0) throw CRkException(L"XML String is empty!");
+  {
+    const Input input(*this, {reinterpret_cast<const char*>(xml.GetData()), xml.GetLength()});
+    ParseXmlText();
+  }
+  m_source = std::move(json.m_source);
+  SetPlaces(json.m_places);
+}
+
 CBinaryData CXmlDocument::LoadJsonFile(const wchar_t* fileName) {
   Cleanup();
-  const Bytes bytes = ReadFile(fileName);
-  return ConvertJsonBytes(bytes.View(), *m_context, m_indentsJson);
+  const std::shared_ptr<const Bytes> bytes = std::make_shared<const Bytes>(ReadFile(fileName));
+  return ConvertJsonBytes(bytes->View(), bytes, fileName);
 }
 
 CBinaryData CXmlDocument::LoadJsonStream(unsigned char* bytes, unsigned long length) {
   Cleanup();
   if (bytes == nullptr || length == 0) throw CRkException(L"JSON Stream is empty!");
-  return ConvertJsonBytes({reinterpret_cast<const char*>(bytes), length}, *m_context, m_indentsJson);
+  return ConvertJsonBytes({reinterpret_cast<const char*>(bytes), length}, nullptr, L"");
 }
 
 CBinaryData CXmlDocument::LoadJson(const char* text) {
   Cleanup();
   if (text == nullptr || *text == '\0') throw CRkException(L"JSON String is empty!");
-  return CJsonTextReader::ConvertJsonToXml(CEncoder::Utf8ToUnicode(std::string_view(text)), *m_context, m_indentsJson);
+  m_source = std::make_unique<CSource>(text, CSource::Encoding::Utf8, CSource::Count::Characters);
+  return ConvertJson(CEncoder::Utf8ToUnicode(std::string_view(text)));
 }
 
 CBinaryData CXmlDocument::LoadJson(const wchar_t* text) {
   Cleanup();
   if (text == nullptr || *text == L'\0') throw CRkException(L"JSON String is empty!");
-  return CJsonTextReader::ConvertJsonToXml(text, *m_context, m_indentsJson);
+  const std::wstring_view view = text;
+  m_source = std::make_unique<CSource>(
+      std::string_view(reinterpret_cast<const char*>(text), view.size() * sizeof(wchar_t)), CSource::Encoding::Wide);
+  return ConvertJson(text);
+}
+
+CBinaryData CXmlDocument::ConvertJsonBytes(std::string_view bytes, std::shared_ptr<const void> owner,
+                                           const wchar_t* fileName) {
+  auto inflated = std::make_shared<CBinaryData>();
+  std::string_view json = Unwrap(bytes, *inflated);
+  const bool isInflated = json.data() != bytes.data();
+  m_source = std::make_unique<CSource>(json, CSource::Encoding::Utf8, CSource::Count::Characters);
+  m_source->SetOwner(isInflated ? std::move(inflated) : std::move(owner));
+  m_source->SetInflated(isInflated);
+  m_source->SetFileName(fileName != nullptr ? fileName : L"");
+  if (json.substr(0, kUtf8Mark.size()) == kUtf8Mark) json.remove_prefix(kUtf8Mark.size());
+  return ConvertJson(CEncoder::Utf8ToUnicode(json));
+}
+
+CBinaryData CXmlDocument::ConvertJson(const std::wstring& json) {
+  m_source->SetFirstOffset(m_firstOffset);
+  CJsonPlaces places;
+  try {
+    CBinaryData xml = CJsonTextReader::ConvertJsonToXml(json, *m_context, m_indentsJson, places);
+    if (m_context->GetErrorHandler() != nullptr) {
+      const std::wstring_view rest = std::wstring_view(json).substr(places.at);
+      const auto text = std::find_if_not(rest.begin(), rest.end(), CWhitespaceUtils::IsWhiteSpace);
+      if (text != rest.end())
+        NoteDropped(RkDropped_TrailingText, places.at + static_cast<std::size_t>(text - rest.begin()),
+                    static_cast<std::size_t>(rest.end() - text));
+      TellNoted();
+    }
+    m_places = std::move(places.nodes);
+    if (!m_source->HasOwner() && !m_inputStays) m_source->KeepCopy();
+    return xml;
+  } catch (CRkException& e) {
+    e.SetLocation(m_source->Locate(places.at, e.GetPath()));
+    e.SetEndsReading();
+    throw;
+  }
+}
+
+// The bytes without their gzip or zlib wrapper: in `inflated`, or as they are when they have none.
+std::string_view CXmlDocument::Unwrap(std::string_view bytes, CBinaryData& inflated) {
+  const CReadLimits& limits = m_context->GetLimits();
+  unsigned long used = bytes.size();
+  switch (CRkZip::Inflate(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size(),
+                          {limits.GetMaxInflatedBytes(), limits.GetMaxInflationRatio(), limits.GetInflationRatioFrom()},
+                          inflated, &used)) {
+    case InflateResult::Inflated:
+      if (used < bytes.size()) NoteDropped(RkDropped_TrailingBytes, CRkLocation::kNoOffset, bytes.size() - used);
+      return {reinterpret_cast<const char*>(inflated.GetData()), inflated.GetLength()};
+    case InflateResult::TooManyBytes:
+      CReadLimits::ThrowExceeded(L"inflated bytes", limits.GetMaxInflatedBytes());
+    case InflateResult::RatioTooHigh:
+      CReadLimits::ThrowExceeded(L"inflation ratio", limits.GetMaxInflationRatio());
+    case InflateResult::NotCompressed:
+      break;
+  }
+  return bytes;
 }
 
 void CXmlDocument::ParseBytes(std::string_view bytes, std::shared_ptr<const void> owner, const wchar_t* fileName) {
   auto inflated = std::make_shared<CBinaryData>();
-  const std::string_view document = Unwrap(bytes, m_context->GetLimits(), *inflated);
+  const std::string_view document = Unwrap(bytes, *inflated);
   const bool isInflated = document.data() != bytes.data();
   SetSource(document).SetOwner(isInflated ? std::move(inflated) : std::move(owner));
   m_source->SetInflated(isInflated);
   m_source->SetFileName(fileName != nullptr ? fileName : L"");
   const Input input(*this, document);
-  if (CFastInfosetReader(*m_context->GetFIContext(), *this).Parse()) return;
-  ParseXmlText();
+  if (CFastInfosetReader(*m_context->GetFIContext(), *this).Parse())
+    TellNoted();
+  else
+    ParseXmlText();
 }
 
 void CXmlDocument::ParseXmlText() {
   CExpatReader reader(*this);
   reader.CreateParser();
   reader.Parse(/*isFinal=*/true);
+  TellNoted();
 }
 
 }  // namespace RkXmlLib16

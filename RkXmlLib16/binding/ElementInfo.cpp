@@ -15,6 +15,7 @@
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/document/ElementTree.h"
 #include "RkXmlLib16/document/XmlWriter.h"
+#include "RkXmlLib16/document/internal/Refusal.h"
 #include "RkXmlLib16/facets/FacetChecks.h"
 #include "RkXmlLib16/object/Variant.h"
 
@@ -91,6 +92,10 @@ bool CElementInfo::CompareName(const CSerializationContext& context, const CXmlE
   if (element.GetNamespaceURI() != m_namespace.Get()) return context.GetIgnoreNamespaces();
   if (m_id != UINT32_MAX) element.GetLocalNameRef()->SetMatch(MatchOf(element));
   return true;
+}
+
+CSmartPtr<CXmlObjectBase> CElementInfo::CreateGroup() const {
+  return m_groupFactory != nullptr ? m_groupFactory(m_groupId, m_elementName.Get().c_str()) : nullptr;
 }
 
 void CElementInfo::CheckRestriction(const RkVariant& value) const {
@@ -193,17 +198,24 @@ bool CElementInfo::ReadNil(const CSerializationContext& context, const CXmlEleme
   bool nil = false;
   for (const CXmlAttribute* attribute : element.GetAttributes()) {
     if (!attribute->IsNilAttribute()) {
-      if (context.GetIgnoreUnknownAttributes()) continue;
-      throw CRkValidationException(L"Unexpected Attribute found.", attribute->GetXPath());
+      if (context.GetIgnoreUnknownAttributes())
+        TellDropped(context, RkDropped_Attribute, *attribute);
+      else
+        Refuse(context, CRkValidationException(L"Unexpected Attribute found.", attribute->GetXPath()), *attribute);
+      continue;
     }
     const NilValue value = ParseNilValue(attribute->GetValue());
     if (value != NilValue::False && !m_nillable)
-      throw CRkValidationException(L"Invalid use of 'nil' attribute in non-nillable element.", element.GetXPath());
-    if (value == NilValue::Invalid)
-      throw CRkValidationException(
-          FormatString(L"Unexpected Value [%ls] for 'nil' Attribute found.", attribute->GetValue().c_str()),
-          attribute->GetXPath());
-    nil = value == NilValue::True;
+      Refuse(context,
+             CRkValidationException(L"Invalid use of 'nil' attribute in non-nillable element.", element.GetXPath()),
+             *attribute);
+    else if (value == NilValue::Invalid)
+      Refuse(context,
+             CRkValidationException(
+                 FormatString(L"Unexpected Value [%ls] for 'nil' Attribute found.", attribute->GetValue().c_str()),
+                 attribute->GetXPath()),
+             *attribute);
+    nil = value != NilValue::False;
   }
   return nil;
 }
@@ -211,12 +223,20 @@ bool CElementInfo::ReadNil(const CSerializationContext& context, const CXmlEleme
 void CElementInfo::ElementFromXmlPrim(const CSerializationContext& context, CXmlGeneratedClass* object,
                                       CXmlElement** cursor) {
   const CXmlElement& element = **cursor;
+  CErrorSession::NoteRead(context, &element);
   if (element.GetAttributes().empty() || !ReadNil(context, element)) {
     std::wstring_view text = element.GetText();
     if (text.empty()) text = m_defaultValue;
-    ReadingValue value(text.size());
-    value.Get().FromText(text, m_itemType, m_whitespace);
-    InvokePropertySet(object, value.Get(), element);
+    bool isValue = false;
+    try {
+      ReadingValue value(text.size());
+      value.Get().FromText(text, m_itemType, m_whitespace);
+      isValue = true;
+      InvokePropertySet(object, value.Get(), element);
+    } catch (CRkException& e) {
+      if (!isValue) e.SetRefusedValue({m_elementName.Get(), std::wstring(text), NameOfXsdType(m_itemType), {}, {}});
+      RefuseCaught(context, e, element);
+    }
   }
   *cursor = element.GetNextSiblingElement();
 }
@@ -224,11 +244,19 @@ void CElementInfo::ElementFromXmlPrim(const CSerializationContext& context, CXml
 void CElementInfo::ElementFromXmlEnum(const CSerializationContext& context, CXmlGeneratedClass* object,
                                       CXmlElement** cursor) {
   const CXmlElement& element = **cursor;
+  CErrorSession::NoteRead(context, &element);
   if (element.GetAttributes().empty() || !ReadNil(context, element)) {
     const CXmlText text = element.GetText();
-    ReadingValue value(/*charCount=*/0);
-    value.Get().SetI4(m_enumFromString(text.empty() ? m_defaultValue.c_str() : text.c_str()));
-    InvokePropertySet(object, value.Get(), element);
+    bool isValue = false;
+    try {
+      ReadingValue value(/*charCount=*/0);
+      value.Get().SetI4(m_enumFromString(text.empty() ? m_defaultValue.c_str() : text.c_str()));
+      isValue = true;
+      InvokePropertySet(object, value.Get(), element);
+    } catch (CRkException& e) {
+      if (!isValue) e.SetRefusedValue({m_elementName.Get(), text, L"string", RkFacet_Enumeration, {}});
+      RefuseCaught(context, e, element);
+    }
   }
   *cursor = element.GetNextSiblingElement();
 }

@@ -107,6 +107,8 @@ class RKXML_EXPORT CElementInfo {
   static std::uint32_t NewId() noexcept;
   // Whether the member stands directly in its owner's element.
   bool IsInlineGroup() const noexcept { return m_memberType == RkXmlLib16::XmlElementType_InlineGroup; }
+  // A new object for an inline group; null when the record makes none.
+  CSmartPtr<CXmlObjectBase> CreateGroup() const;
   // Whether ElementFromXml would accept that the element is absent and do nothing else, for the element that is next.
   bool IsSkipped(const CSerializationContext& context, const CXmlElement* next) const {
     return IsOfOptionalType() && !IsThisElement(context, next);
@@ -164,6 +166,11 @@ class RKXML_EXPORT CElementInfo {
   EnumToString GetEnumToString() const noexcept { return m_enumToString; }
   // For records of a sequence that read nothing but their own element, which may be absent; see IsSkipped.
   void SkipOtherElements() noexcept { m_optionalType = &typeid(*this); }
+  // For inline groups that the record makes itself; see CreateGroup.
+  void SetGroupFactory(ClassFactory factory, int classId) noexcept {
+    m_groupFactory = factory;
+    m_groupId = classId;
+  }
 
  private:
   // Not for classes that are derived from one that skips other elements: they may do otherwise.
@@ -203,6 +210,8 @@ class RKXML_EXPORT CElementInfo {
   const std::type_info* m_optionalType = nullptr;  // the class that called SkipOtherElements
   XmlElementType m_memberType = RkXmlLib16::XmlElementType_Element;
   MemberKind m_memberKind = MemberKind::Single;
+  ClassFactory m_groupFactory = nullptr;
+  int m_groupId = 0;
 };
 
 }  // namespace RkXmlLib16Data

@@ -115,7 +115,9 @@ bool CElementInfoAllClsMnd::Validate(const CSerializationContext&, const CXmlGen
 
 CElementInfoAllClsOpt::CElementInfoAllClsOpt(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                              XmlElementType memberType, ClassFactory factory, int classId)
-    : CElementInfo(name, ns, propertyIndex, MemberKind::Single, memberType), m_factory(factory), m_classId(classId) {}
+    : CElementInfo(name, ns, propertyIndex, MemberKind::Single, memberType), m_factory(factory), m_classId(classId) {
+  if (IsInlineGroup()) SetGroupFactory(factory, classId);
+}
 
 CElementInfoAllClsOpt::~CElementInfoAllClsOpt() = default;
 

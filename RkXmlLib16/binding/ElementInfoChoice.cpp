@@ -3,6 +3,7 @@
 #include "RkXmlLib16/base/internal/TextOrEmpty.h"
 #include "RkXmlLib16/binding/internal/ElementRules.h"
 #include "RkXmlLib16/context/SerializationContext.h"
+#include "RkXmlLib16/context/internal/ErrorSession.h"
 #include "RkXmlLib16/document/ElementTree.h"
 
 namespace RkXmlLib16Data {
@@ -13,8 +14,9 @@ namespace {
 
 // Whether a collection that has read up to `next` is the chosen member. What it read in an inline owner is taken out
 // again when the count is not acceptable.
-bool IsChosen(CXmlCollectionBase& collection, int countBefore, const CSerializationContext& context, CXmlElement* next,
-              CXmlElement** cursor, XmlElementType ownerType) {
+bool IsChosen(CXmlCollectionBase& collection, int countBefore, const CElementInfo& info,
+              const CSerializationContext& context, const CXmlElement* parent, CXmlElement* next, CXmlElement** cursor,
+              XmlElementType ownerType) {
   if (next == *cursor) return false;
   if (ownerType != XmlElementType_Element && !collection.IsValidCount(context)) {
     if (countBefore == 0) collection.Clear();
@@ -22,7 +24,7 @@ bool IsChosen(CXmlCollectionBase& collection, int countBefore, const CSerializat
     return false;
   }
   *cursor = next;
-  if (ownerType == XmlElementType_Element) collection.ValidateCount(context);
+  if (ownerType == XmlElementType_Element) RequireCount(context, collection, info, parent, next);
   return true;
 }
 
@@ -45,8 +47,11 @@ bool CElementInfoChoiceCol::ElementFromXml(const CSerializationContext& context,
   const auto collection = GetCollection(*this, object);
   if (collection == nullptr) return false;
   const int countBefore = collection->GetCount();
+  CErrorSession::Attempt attempt(context);
   CXmlElement* next = FromXml_Int(collection, parent, *cursor, context, /*isOptionalChoice=*/false);
-  return IsChosen(*collection, countBefore, context, next, cursor, ownerType);
+  const bool isChosen = IsChosen(*collection, countBefore, *this, context, parent, next, cursor, ownerType);
+  if (isChosen) attempt.Keep();
+  return isChosen;
 }
 
 CElementInfoChoiceClsCol::CElementInfoChoiceClsCol(const wchar_t* name, const wchar_t* ns, int propertyIndex,
@@ -83,12 +88,14 @@ bool CElementInfoChoiceUntpdCol::ElementFromXml(const CSerializationContext& con
   if (collection == nullptr) return false;
   const int countBefore = collection->GetCount();
   CXmlElement* next = ReadWildcards(*this, context, collection, parent, *cursor);
-  return IsChosen(*collection, countBefore, context, next, cursor, ownerType);
+  return IsChosen(*collection, countBefore, *this, context, parent, next, cursor, ownerType);
 }
 
 CElementInfoChoiceClsOpt::CElementInfoChoiceClsOpt(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                                    XmlElementType memberType, ClassFactory factory, int classId)
-    : CElementInfo(name, ns, propertyIndex, MemberKind::Single, memberType), m_factory(factory), m_classId(classId) {}
+    : CElementInfo(name, ns, propertyIndex, MemberKind::Single, memberType), m_factory(factory), m_classId(classId) {
+  if (IsInlineGroup()) SetGroupFactory(factory, classId);
+}
 
 CElementInfoChoiceClsOpt::~CElementInfoChoiceClsOpt() = default;
 

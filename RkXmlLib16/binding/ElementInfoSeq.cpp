@@ -7,6 +7,7 @@
 #include "RkXmlLib16/binding/internal/SiblingSearch.h"
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/document/ElementTree.h"
+#include "RkXmlLib16/document/internal/Refusal.h"
 
 namespace RkXmlLib16Data {
 
@@ -20,25 +21,49 @@ enum class Seek {
   NotMine  // it is missing, and the enclosing reader judges
 };
 
-// Looks for the element of a mandatory member, past unknown elements where the context ignores those.
-Seek SeekMandatory(const CElementInfo& info, const CSerializationContext& context, const CXmlElement* parent,
-                   CXmlElement** cursor, XmlElementType ownerType) {
+// Looks for the element of a mandatory member, past unknown elements where the context ignores those. `missing` makes
+// the error for its absence.
+template <class Missing>
+Seek SeekMandatory(const CElementInfo& info, const CSerializationContext& context, const CXmlGeneratedClass* object,
+                   CXmlElement* parent, CXmlElement** cursor, XmlElementType ownerType, Missing&& missing) {
   if (info.IsThisElement(context, *cursor)) return Seek::Found;
   const bool ownElement = ownerType == XmlElementType_Element;
   if (ownElement && context.GetIgnoreMissingMandatoryElements()) return Seek::GoOn;
-  if (context.GetIgnoreUnknownElements()) *cursor = SiblingSearch::Find(info, context, *cursor);
-  if (!context.GetIgnoreUnknownElements() || *cursor == nullptr) {
-    if (ownElement) ThrowMissingChild(info, parent);
-    return Seek::NotMine;
+  if (context.GetIgnoreUnknownElements()) {
+    CXmlElement* const found = SiblingSearch::Find(info, context, *cursor);
+    if (found != nullptr || !ownElement || context.GetErrorHandler() == nullptr) *cursor = found;
+    if (found != nullptr) return Seek::Found;
   }
-  return Seek::Found;
+  if (!ownElement) return Seek::NotMine;
+  if (context.GetErrorHandler() != nullptr && !context.GetIgnoreUnknownElements()) {
+    PassOverUnexpected(context, *object, parent, cursor, &info);
+    if (info.IsThisElement(context, *cursor)) return Seek::Found;
+  }
+  RefuseMissing(context, missing(info, parent), info, parent, *cursor);
+  return Seek::GoOn;
 }
 
-bool IsCountAccepted(const CXmlCollectionBase& collection, const CSerializationContext& context,
+bool IsCountAccepted(const CXmlCollectionBase& collection, const CElementInfo& info,
+                     const CSerializationContext& context, const CXmlElement* parent, const CXmlElement* standing,
                      XmlElementType ownerType) {
   if (ownerType != XmlElementType_Element) return collection.IsValidCount(context);
-  collection.ValidateCount(context);
+  RequireCount(context, collection, info, parent, standing);
   return true;
+}
+
+// Lets a collection read with `read`, again behind elements that nobody takes where reading goes on after those.
+template <class Read>
+void ReadPastUnexpected(const CSerializationContext& context, const CXmlGeneratedClass* object, CXmlElement* parent,
+                        CXmlElement** cursor, XmlElementType ownerType, Read&& read) {
+  *cursor = read(*cursor);
+  if (context.GetErrorHandler() == nullptr || ownerType != XmlElementType_Element || context.GetIgnoreUnknownElements())
+    return;
+  for (;;) {
+    const CXmlElement* const before = *cursor;
+    PassOverUnexpected(context, *object, parent, cursor);
+    if (*cursor == before) return;
+    *cursor = read(*cursor);
+  }
 }
 
 }  // namespace
@@ -59,8 +84,10 @@ bool CElementInfoSeqCol::ElementFromXml(const CSerializationContext& context, CX
                                         XmlElementType ownerType) {
   const auto collection = GetCollection(*this, object);
   if (collection == nullptr) return true;
-  *cursor = FromXml_Int(collection, parent, *cursor, context, /*isOptionalChoice=*/false);
-  return IsCountAccepted(*collection, context, ownerType);
+  ReadPastUnexpected(context, object, parent, cursor, ownerType, [&](CXmlElement* current) {
+    return FromXml_Int(collection, parent, current, context, /*isOptionalChoice=*/false);
+  });
+  return IsCountAccepted(*collection, *this, context, parent, *cursor, ownerType);
 }
 
 CElementInfoSeqClsCol::CElementInfoSeqClsCol(const wchar_t* name, const wchar_t* ns, int propertyIndex,
@@ -95,8 +122,9 @@ bool CElementInfoSeqUntpdCol::ElementFromXml(const CSerializationContext& contex
                                              XmlElementType ownerType) {
   const auto collection = GetCollection(*this, object);
   if (collection == nullptr) return true;
-  *cursor = ReadWildcards(*this, context, collection, parent, *cursor);
-  return IsCountAccepted(*collection, context, ownerType);
+  ReadPastUnexpected(context, object, parent, cursor, ownerType,
+                     [&](CXmlElement* current) { return ReadWildcards(*this, context, collection, parent, current); });
+  return IsCountAccepted(*collection, *this, context, parent, *cursor, ownerType);
 }
 
 CElementInfoSeqClsMnd::CElementInfoSeqClsMnd(const wchar_t* name, const wchar_t* ns, int propertyIndex,
@@ -119,10 +147,14 @@ bool CElementInfoSeqClsMnd::ElementFromXml(const CSerializationContext& context,
                                            XmlElementType ownerType) {
   if (IsInlineGroup()) return ReadGroup(context, object, parent, cursor, ownerType);
   if (ownerType != XmlElementType_Element && !IsThisElement(context, *cursor)) return false;
-  if (SeekMandatory(*this, context, parent, cursor, ownerType) == Seek::GoOn) return true;
+  if (SeekMandatory(*this, context, object, parent, cursor, ownerType, MissingChild) == Seek::GoOn) return true;
   const auto child = GetOrCreateChild(*this, object, m_factory, m_classId, **cursor);
-  if (child == nullptr) ThrowMissingChild(*this, parent);
-  ReadOwnElement(*this, context, child, cursor);
+  if (child != nullptr) {
+    ReadOwnElement(*this, context, child, cursor);
+  } else {
+    Refuse(context, MissingChild(*this, parent), **cursor);
+    *cursor = (*cursor)->GetNextSiblingElement();
+  }
   return true;
 }
 
@@ -130,22 +162,29 @@ bool CElementInfoSeqClsMnd::ReadGroup(const CSerializationContext& context, CXml
                                       CXmlElement* parent, CXmlElement** cursor, XmlElementType ownerType) {
   const bool ownElement = ownerType == XmlElementType_Element;
   const bool atEnd = *cursor == nullptr;
-  if (m_required && atEnd) {
-    if (ownElement) ThrowMissingChild(*this, parent);
-    return false;
-  }
+  // True when reading goes on without the group.
+  const auto refuseAbsence = [&] {
+    if (ownElement) RefuseMissing(context, MissingChild(*this, parent), *this, parent, *cursor);
+    return ownElement;
+  };
+  if (m_required && atEnd) return refuseAbsence();
   const auto child = GetOrCreateChild(*this, object, m_factory, m_classId, *parent);
-  if (child == nullptr) ThrowMissingChild(*this, parent);
-  if (ReadInline(*this, context, child, parent, cursor)) return true;
-  if (m_required && ownElement) ThrowMissingChild(*this, parent);
-  if (m_required) return false;
-  return atEnd || !ownElement || !context.GetIgnoreUnknownElements();
+  if (child == nullptr) {
+    RefuseMissing(context, MissingChild(*this, parent), *this, parent, *cursor);
+    return true;
+  }
+  const bool mayBeAbsent = !m_required && (atEnd || !ownElement || !context.GetIgnoreUnknownElements());
+  if (ReadInline(*this, context, child, parent, cursor, /*keeps=*/mayBeAbsent)) return true;
+  return m_required ? refuseAbsence() : mayBeAbsent;
 }
 
 CElementInfoSeqClsOpt::CElementInfoSeqClsOpt(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                              XmlElementType memberType, ClassFactory factory, int classId)
     : CElementInfo(name, ns, propertyIndex, MemberKind::Single, memberType), m_factory(factory), m_classId(classId) {
-  if (!IsInlineGroup()) SkipOtherElements();
+  if (IsInlineGroup())
+    SetGroupFactory(factory, classId);
+  else
+    SkipOtherElements();
 }
 
 CElementInfoSeqClsOpt::~CElementInfoSeqClsOpt() = default;
@@ -184,15 +223,23 @@ bool CElementInfoSeqAbsClsMnd::ElementToXml(const CSerializationContext& context
 bool CElementInfoSeqAbsClsMnd::ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
                                               CXmlElement* parent, CXmlElement** cursor, const wchar_t*,
                                               XmlElementType ownerType) {
-  const bool matches = IsThisElement(context, *cursor);
-  const auto child = matches ? CreateAbstractChild(m_factory, *cursor) : nullptr;
-  if (child == nullptr) {
-    if (ownerType != XmlElementType_Element) return false;
-    throw CRkValidationException(
-        FormatString(L"Failed to find a suitable substitution element for [%ls].", GetElementName().c_str()),
-        parent->GetXPath());
+  const bool ownElement = ownerType == XmlElementType_Element;
+  if (!IsThisElement(context, *cursor)) {
+    if (!ownElement) return false;
+    if (context.GetErrorHandler() != nullptr) PassOverUnexpected(context, *object, parent, cursor, this);
+    if (!IsThisElement(context, *cursor)) {
+      RefuseMissing(context, MissingSubstitution(*this, parent), *this, parent, *cursor);
+      return true;
+    }
   }
+  const auto child = CreateAbstractChild(m_factory, *cursor);
   CXmlElement* element = *cursor;
+  if (child == nullptr) {
+    if (!ownElement) return false;
+    Refuse(context, MissingSubstitution(*this, parent), *element);
+    *cursor = element->GetNextSiblingElement();
+    return true;
+  }
   FromXml_Int(child, element, element->GetFirstElement(), context, /*isOptionalChoice=*/false);
   StoreChild(*this, object, child, *parent);
   *cursor = element->GetNextSiblingElement();
@@ -240,7 +287,7 @@ bool CElementInfoSeqPrimMnd::ElementToXml(const CSerializationContext& context, 
 bool CElementInfoSeqPrimMnd::ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
                                             CXmlElement* parent, CXmlElement** cursor, const wchar_t*,
                                             XmlElementType ownerType) {
-  const Seek at = SeekMandatory(*this, context, parent, cursor, ownerType);
+  const Seek at = SeekMandatory(*this, context, object, parent, cursor, ownerType, MissingChild);
   if (at == Seek::Found) ElementFromXmlPrim(context, object, cursor);
   return at != Seek::NotMine;
 }
@@ -281,7 +328,7 @@ bool CElementInfoSeqEnumMnd::ElementToXml(const CSerializationContext& context, 
 bool CElementInfoSeqEnumMnd::ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
                                             CXmlElement* parent, CXmlElement** cursor, const wchar_t*,
                                             XmlElementType ownerType) {
-  const Seek at = SeekMandatory(*this, context, parent, cursor, ownerType);
+  const Seek at = SeekMandatory(*this, context, object, parent, cursor, ownerType, MissingChild);
   if (at == Seek::Found) ElementFromXmlEnum(context, object, cursor);
   return at != Seek::NotMine;
 }
@@ -323,12 +370,18 @@ bool CElementInfoSeqUntpdMnd::ElementFromXml(const CSerializationContext& contex
                                              CXmlElement* parent, CXmlElement** cursor, const wchar_t*,
                                              XmlElementType ownerType) {
   const auto element = GetChild(*this, object);
-  if (*cursor == nullptr || element == nullptr) ThrowMissingChild(*this, parent);
+  if (*cursor == nullptr || element == nullptr) {
+    RefuseMissing(context, MissingChild(*this, parent), *this, parent, *cursor);
+    return true;
+  }
   if (AcceptsName(*this, *cursor) && ReadInline(*this, context, element, parent, cursor)) return true;
   if (ownerType != XmlElementType_Element) return false;
-  throw CRkValidationException(
-      FormatString(L"Failed to find the required element from namespace [%ls].", GetNamespace().c_str()),
-      parent->GetXPath());
+  RefuseMissing(context,
+                CRkValidationException(
+                    FormatString(L"Failed to find the required element from namespace [%ls].", GetNamespace().c_str()),
+                    parent->GetXPath()),
+                *this, parent, *cursor);
+  return true;
 }
 
 CElementInfoSeqUntpdOpt::CElementInfoSeqUntpdOpt(const wchar_t* name, const wchar_t* ns, int propertyIndex,

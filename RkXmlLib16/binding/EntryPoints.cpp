@@ -96,7 +96,8 @@ void CXmlObjectBase::FromXmlElement(const CXmlElement* element, const CSerializa
   if (element == nullptr) throw CRkException(L"The document contains no element.");
   const PatternBudget budget(context.GetLimits().GetMaxPatternSteps(),
                              [](unsigned long limit) { CReadLimits::ThrowExceeded(L"pattern steps", limit); });
-  FromXml_Int(const_cast<CXmlElement*>(element), element->GetFirstElement(), context, false);
+  CErrorSession session(context);
+  session.Run([&] { FromXml_Int(const_cast<CXmlElement*>(element), element->GetFirstElement(), context, false); });
 }
 
 void CXmlObjectBase::FromXmlElement(const CElement* element, const CSerializationContext& context) {

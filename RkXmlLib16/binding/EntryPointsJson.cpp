@@ -39,29 +39,35 @@ void LoadBytes(CXmlDocument& document, const CBinaryData& xml) {
 }
 
 CRkException ErrorWithText(const CBinaryData& xml, const CRkException& cause) {
-  const std::string_view text(reinterpret_cast<const char*>(xml.GetData()), xml.GetLength());
-  return {L"Error converting JSON to XML:\n" + CEncoder::Utf8ToUnicode(text), cause};
+  return CRkException::WithLateMessage(
+      [xml] {
+        const std::string_view text(reinterpret_cast<const char*>(xml.GetData()), xml.GetLength());
+        return L"Error converting JSON to XML:\n" + CEncoder::Utf8ToUnicode(text);
+      },
+      cause);
 }
 
-// Fills the object from XML text that `toXml` makes, indented or not. What is read is not indented, so that text beside
-// children stays as it is; what an error shows is, and its lines are those of the indented text.
-template <class ToXml>
-void ReadXmlOfJson(CXmlObjectBase& object, const CSerializationContext& context, ToXml&& toXml) {
-  const CBinaryData xml = toXml(/*indented=*/false);
-  CBinaryData shown;
+// Fills the object from XML text that was made of JSON. What is read is not indented, so that text beside children
+// stays as it is; what an error shows is, which `toShown` makes, and its lines are those of the indented text.
+template <class ToShown>
+void ReadXmlOfJson(CXmlObjectBase& object, const CSerializationContext& context, CErrorSession& session,
+                   CXmlDocument& json, const CBinaryData& xml, ToShown&& toShown) {
   CXmlDocument document(context);
   document.SetInputStays(true);
   bool isLoaded = false;
   try {
-    LoadBytes(document, xml);
-    isLoaded = true;
-    const CXmlElement* const root = document.GetDocumentElement();
-    object.FromXmlElement(root, context);
+    session.Run([&] {
+      Guarded([&] { document.LoadConverted(xml, json); });
+      isLoaded = true;
+      const CXmlElement* const root = document.GetDocumentElement();
+      object.FromXmlElement(root, context);
+    });
   } catch (const CRkException& e) {
-    shown = toXml(/*indented=*/true);
+    const CBinaryData shown = toShown();
     try {
       if (!isLoaded) LoadBytes(document, shown);
-    } catch (const CRkException& indented) {
+    } catch (CRkException& indented) {
+      indented.SetLocation(e.GetLocation());
       throw ErrorWithText(shown, indented);
     }
     throw ErrorWithText(shown, e);
@@ -72,18 +78,23 @@ void ReadXmlOfJson(CXmlObjectBase& object, const CSerializationContext& context,
 // them, on a copy of the settings, so that nobody sees the caller's settings change.
 template <class Convert>
 void ReadJson(CXmlObjectBase& object, const CSerializationContext& context, Convert&& convert) {
-  const auto toXml = [&](bool indented) {
-    return Guarded([&] {
-      CXmlDocument document(context);
-      document.SetIndentsJson(indented);
-      return convert(document);
-    });
+  CErrorSession session(context);
+  CXmlDocument json(context);
+  json.SetInputStays(true);
+  json.SetIndentsJson(false);
+  CBinaryData xml;
+  session.Run([&] { xml = Guarded([&] { return convert(json); }); });
+  const auto toShown = [&] {
+    CSerializationContext quiet(context);
+    quiet.SetErrorHandler(nullptr);
+    CXmlDocument document(quiet);
+    return Guarded([&] { return convert(document); });
   };
   if (context.GetJsonContext()->GetSupportRoundtrip() == JsonRoundTrip_Namespaces)
-    return ReadXmlOfJson(object, context, toXml);
+    return ReadXmlOfJson(object, context, session, json, xml, toShown);
   CSerializationContext ignoringNamespaces(context);
   ignoringNamespaces.SetIgnoreNamespaces(true);
-  ReadXmlOfJson(object, ignoringNamespaces, toXml);
+  ReadXmlOfJson(object, ignoringNamespaces, session, json, xml, toShown);
 }
 
 }  // namespace

@@ -13,6 +13,7 @@ class CParentElementInfo;
 
 namespace RkXmlLib16 {
 
+class CRkException;
 class CXmlAttribute;
 class RkVariant;
 
@@ -111,7 +112,13 @@ class RKXML_EXPORT CXmlGeneratedClass : public CXmlObjectBase {
                                                         const CSerializationContext& context,
                                                         const RkXmlLib16Data::CParentElementInfo& info,
                                                         bool isOptionalChoice);
-  [[gnu::noinline]] void ReadSimpleContent(const CXmlElement* element, const RkXmlLib16Data::CParentElementInfo& info);
+  [[gnu::noinline]] void ReadSimpleContent(const CXmlElement* element, const CSerializationContext& context,
+                                           const RkXmlLib16Data::CParentElementInfo& info);
+  // Whether reading goes on behind the element after the error.
+  [[gnu::noinline]] bool GoesOnAfter(CRkException& error, const CXmlElement* element,
+                                     const CSerializationContext& context) const;
+  [[gnu::noinline]] static void TellLeftOut(const CXmlElement& element, const CSerializationContext& context,
+                                            const RkXmlLib16Data::CParentElementInfo& info);
   void ReadNil(const CXmlAttribute* attribute, INillable* nillable);
   void ProcessAttributesFromXml(const CSerializationContext& context, CXmlElement* element,
                                 const RkXmlLib16Data::CParentElementInfo& classInfo, INillable* nillable);

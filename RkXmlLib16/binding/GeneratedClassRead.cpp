@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -19,6 +20,7 @@
 #include "RkXmlLib16/collections/CollectionBase.h"
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/document/ElementTree.h"
+#include "RkXmlLib16/document/internal/Refusal.h"
 #include "RkXmlLib16/object/Variant.h"
 
 namespace RkXmlLib16 {
@@ -26,7 +28,12 @@ namespace RkXmlLib16 {
 using RkXmlLib16Data::CAttributeInfo;
 using RkXmlLib16Data::CElementInfo;
 using RkXmlLib16Data::CParentElementInfo;
+using RkXmlLib16Data::IsTaken;
 using RkXmlLib16Data::MemberKind;
+using RkXmlLib16Data::PassOverUnexpected;
+using RkXmlLib16Data::RefuseMissing;
+using RkXmlLib16Data::RefuseUnread;
+using RkXmlLib16Data::RequireCount;
 using RkXmlLib16Data::SiblingSearch;
 
 namespace {
@@ -88,14 +95,6 @@ Info** OrEmpty(Info** infos) {
   return infos == nullptr ? empty : infos;
 }
 
-[[noreturn]] void ThrowUnread(const CXmlElement* parent, const CXmlElement* unread) {
-  throw CRkValidationException(
-      FormatString(L"Failed read all the elements held within the element [%ls]. The unexpected element [%ls] remains "
-                   L"un processed",  // sic
-                   parent->GetLocalName().c_str(), unread->GetLocalName().c_str()),
-      parent->GetXPath());
-}
-
 // Whether the last record of a sequence may be offered elements that are left: not when it would fail because its
 // element is absent.
 bool CanBeOfferedRest(const CElementInfo& last, const CSerializationContext& context, const CXmlElement* element) {
@@ -140,8 +139,10 @@ CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* element, CXmlElement* 
   try {
     if (element == nullptr) throw CRkException(L"The document has no root element.");
     const ObjectLevel level(context, *element);
+    CErrorSession::NoteRead(context, element);
     return ReadElement(element, firstChild, context, isOptionalChoice);
   } catch (CRkException& e) {
+    if (GoesOnAfter(e, element, context)) return nullptr;
     ThrowWithPath(e, element);
   }
 }
@@ -159,9 +160,19 @@ CXmlElement* CXmlGeneratedClass::ReadElement(CXmlElement* element, CXmlElement* 
   ProcessAttributesFromXml(context, element, info, nillable);
   if (nillable != nullptr && nillable->IsNil()) return firstChild;
 
-  if (elementType == XmlElementType_Element && context.GetIgnoreUnknownElements())
-    return ReadContentPastUnknown(element, firstChild, context, info, isOptionalChoice);
-  return ReadContent(element, firstChild, context, info, isOptionalChoice);
+  CXmlElement* const unread = elementType == XmlElementType_Element && context.GetIgnoreUnknownElements()
+                                  ? ReadContentPastUnknown(element, firstChild, context, info, isOptionalChoice)
+                                  : ReadContent(element, firstChild, context, info, isOptionalChoice);
+  if (context.GetErrorHandler() != nullptr && elementType == XmlElementType_Element)
+    TellLeftOut(*element, context, info);
+  return unread;
+}
+
+bool CXmlGeneratedClass::GoesOnAfter(CRkException& error, const CXmlElement* element,
+                                     const CSerializationContext& context) const {
+  if (element == nullptr) return false;
+  At(error, *element);
+  return GetClassInfo()->GetElementType() == XmlElementType_Element && CErrorSession::Tell(context, error);
 }
 
 CXmlElement* CXmlGeneratedClass::ReadContentPastUnknown(CXmlElement* element, CXmlElement* firstChild,
@@ -169,6 +180,22 @@ CXmlElement* CXmlGeneratedClass::ReadContentPastUnknown(CXmlElement* element, CX
                                                         const CParentElementInfo& info, bool isOptionalChoice) {
   const SiblingSearch search(element);
   return ReadContent(element, firstChild, context, info, isOptionalChoice);
+}
+
+// Text and child elements that the class has no place for.
+void CXmlGeneratedClass::TellLeftOut(const CXmlElement& element, const CSerializationContext& context,
+                                     const CParentElementInfo& info) {
+  if (context.GetIgnoreUnknownElements()) {
+    for (const CXmlElement* e = element.GetFirstElement(); e != nullptr; e = e->GetNextSiblingElement())
+      if (!CErrorSession::TakeRead(e)) TellDropped(context, RkDropped_Element, *e);
+  }
+  const std::wstring_view text = element.GetText();
+  if (std::all_of(text.begin(), text.end(), CWhitespaceUtils::IsWhiteSpace)) return;
+  const bool keepsText = info.GetSimpleContentProperty() != -1 && info.GetSimpleContentType() != ItemType_none;
+  if (!keepsText)
+    TellDropped(context, RkDropped_Text, element, text.size());
+  else if (element.GetFirstElement() != nullptr)
+    TellDropped(context, RkDropped_Position, element);
 }
 
 CXmlElement* CXmlGeneratedClass::ReadContent(CXmlElement* element, CXmlElement* firstChild,
@@ -190,18 +217,27 @@ CXmlElement* CXmlGeneratedClass::ReadContent(CXmlElement* element, CXmlElement* 
       throw CRkException(L"Unknown Group Type");
   }
   if (info.GetSimpleContentProperty() != -1 && info.GetSimpleContentType() != ItemType_none)
-    ReadSimpleContent(element, info);
+    ReadSimpleContent(element, context, info);
   return unread;
 }
 
-void CXmlGeneratedClass::ReadSimpleContent(const CXmlElement* element, const CParentElementInfo& info) {
+void CXmlGeneratedClass::ReadSimpleContent(const CXmlElement* element, const CSerializationContext& context,
+                                           const CParentElementInfo& info) {
   const CXmlText text = element->GetText();
-  RkXmlLib16Data::ReadingValue value(text.size());
-  if (info.IsSimpleContentText())
-    value.Get().SetString(text.View());
-  else
-    value.Get().FromText(text, info.GetSimpleContentType());
-  AccessProperty(info.GetSimpleContentProperty(), /*get=*/false, value.Get());
+  bool isValue = false;
+  try {
+    RkXmlLib16Data::ReadingValue value(text.size());
+    if (info.IsSimpleContentText())
+      value.Get().SetString(text.View());
+    else
+      value.Get().FromText(text, info.GetSimpleContentType());
+    isValue = true;
+    AccessProperty(info.GetSimpleContentProperty(), /*get=*/false, value.Get());
+  } catch (CRkException& e) {
+    if (!isValue)
+      e.SetRefusedValue({element->GetLocalName(), text, NameOfXsdType(info.GetSimpleContentType()), {}, {}});
+    RefuseCaught(context, e, *element);
+  }
 }
 
 void CXmlGeneratedClass::ReadNil(const CXmlAttribute* attribute, INillable* nillable) {
@@ -225,18 +261,31 @@ void CXmlGeneratedClass::ProcessAttributesFromXml(const CSerializationContext& c
   SeenFlags seen;
   for (CXmlAttribute* attribute : element->GetAttributes()) {
     if (attribute->IsNamespaceAttribute()) continue;
-    if (attribute->IsNilAttribute()) {
-      if (ownElement) ReadNil(attribute, nillable);  // on the element of an inline group it is the owner's
-      continue;
-    }
     std::size_t i = 0;
-    while (infos[i] != nullptr && !infos[i]->AttributeFromXml(context, this, attribute)) ++i;
+    try {
+      if (attribute->IsNilAttribute()) {
+        if (ownElement) ReadNil(attribute, nillable);  // on the element of an inline group it is the owner's
+        continue;
+      }
+      while (infos[i] != nullptr && !infos[i]->AttributeFromXml(context, this, attribute)) ++i;
+      if (infos[i] == nullptr && strictAttributes && !context.GetIgnoreUnknownAttributes())
+        throw CRkValidationException(L"Unexpected Attribute found.", attribute->GetXPath());
+    } catch (CRkException& e) {
+      RefuseCaught(context, e, *attribute);
+      if (infos[i] == nullptr) continue;  // told already
+    }
     if (infos[i] != nullptr)
       seen.Set(i);
-    else if (strictAttributes && !context.GetIgnoreUnknownAttributes())
-      throw CRkValidationException(L"Unexpected Attribute found.", attribute->GetXPath());
+    else if (ownElement)
+      TellDropped(context, RkDropped_Attribute, *attribute);
   }
-  for (std::size_t i = 0; infos[i] != nullptr; ++i) infos[i]->Validate(context, seen[i]);
+  for (std::size_t i = 0; infos[i] != nullptr; ++i) {
+    try {
+      infos[i]->Validate(context, seen[i]);
+    } catch (CRkException& e) {
+      RefuseCaught(context, e, *element);
+    }
+  }
 }
 
 CXmlElement* CXmlGeneratedClass::ProcessElementSeqFromXml(const CSerializationContext& context, CXmlElement* parent,
@@ -250,16 +299,26 @@ CXmlElement* CXmlGeneratedClass::ProcessElementSeqFromXml(const CSerializationCo
                          : info->ElementFromXml(context, this, parent, &current, ownNamespace, elementType);
   };
 
+  const bool ownElement = elementType == XmlElementType_Element;
+  const bool goesOn = ownElement && !ignoreUnknown && context.GetErrorHandler() != nullptr;
+  const CXmlElement* taken = nullptr;
   CElementInfo* last = nullptr;
   for (CElementInfo** info = OrEmpty(GetClassElementInfo()); *info != nullptr; ++info) {
     last = *info;
+    if (goesOn && current != taken) {
+      PassOverUnexpected(context, *this, parent, &current);
+      taken = current;
+    }
     if (!last->IsSkipped(context, current) && !ask(last)) return first;
   }
-  if (elementType != XmlElementType_Element) return current;
+  if (!ownElement) return current;
   while (current != nullptr) {
-    if (!ignoreUnknown) ThrowUnread(parent, current);
+    if (!ignoreUnknown) RefuseUnread(context, *this, parent, current);
     current = current->GetNextSiblingElement();
-    if (current != nullptr && last != nullptr && CanBeOfferedRest(*last, context, current) && !ask(last)) return first;
+    const bool isOffered =
+        current != nullptr && last != nullptr &&
+        (ignoreUnknown ? CanBeOfferedRest(*last, context, current) : last->GetMemberKind() == MemberKind::Collection);
+    if (isOffered && !ask(last)) return first;
   }
   return nullptr;
 }
@@ -281,24 +340,37 @@ CXmlElement* CXmlGeneratedClass::ProcessElementChoiceFromXml(const CSerializatio
     return false;
   };
 
+  const bool goesOn = ownElement && !ignoreUnknown && context.GetErrorHandler() != nullptr;
   bool chosen = isMemberRead();
-  while (!chosen && current != nullptr && ignoreUnknown && ownElement) {
+  while (!chosen && current != nullptr && ownElement && (ignoreUnknown || goesOn)) {
+    if (goesOn) {
+      // Of a choice that nobody answers that is the error, not what stands there instead.
+      const CXmlElement* next = current;
+      while (next != nullptr && !IsTaken(context, *this, next)) next = next->GetNextSiblingElement();
+      if (next == nullptr || next == current) break;
+      RefuseUnread(context, *this, parent, current);
+    }
     current = current->GetNextSiblingElement();
     chosen = isMemberRead();
   }
   if (!chosen && !isOptionalChoice) {
     if (elementType == XmlElementType_InlineGroup) return ignoreUnknown ? first : current;
     if (!ownElement) return current;
-    if (!DoesElementContainOptionalElements() && !context.GetIgnoreMissingChoice())
-      throw CRkValidationException(
-          FormatString(L"No child elements within the element [%ls] were populated. The element represents a choice, "
-                       L"so one and only one element should be populated. The element contained no sutable child "
-                       L"elements",  // sic
-                       parent->GetLocalName().c_str()),
-          parent->GetXPath());
+    if (!DoesElementContainOptionalElements() && !context.GetIgnoreMissingChoice()) {
+      RefuseMissing(context,
+                    CRkValidationException(
+                        FormatString(L"No child elements within the element [%ls] were populated. The element "
+                                     L"represents a choice, so one and only one element should be populated. The "
+                                     L"element contained no sutable child elements",  // sic
+                                     parent->GetLocalName().c_str()),
+                        parent->GetXPath()),
+                    std::wstring(), std::wstring(), parent, current);
+      return nullptr;
+    }
   }
-  if (ownElement && current != nullptr && !ignoreUnknown) ThrowUnread(parent, current);
-  return current;
+  if (!ownElement || ignoreUnknown) return current;
+  for (; current != nullptr; current = current->GetNextSiblingElement()) RefuseUnread(context, *this, parent, current);
+  return nullptr;
 }
 
 CXmlElement* CXmlGeneratedClass::ProcessElementAllFromXml(const CSerializationContext& context, CXmlElement* parent,
@@ -319,19 +391,28 @@ CXmlElement* CXmlGeneratedClass::ProcessElementAllFromXml(const CSerializationCo
   };
 
   bool consumed = pass();
-  while (current != nullptr && (consumed || (ignoreUnknown && ownElement))) {
-    if (!consumed) current = current->GetNextSiblingElement();
+  const bool goesOn = ownElement && context.GetErrorHandler() != nullptr;
+  while (current != nullptr && (consumed || (ownElement && (ignoreUnknown || goesOn)))) {
+    if (!consumed) {
+      if (!ignoreUnknown) RefuseUnread(context, *this, parent, current);
+      current = current->GetNextSiblingElement();
+    }
     consumed = pass();
   }
   for (std::size_t i = 0; infos[i] != nullptr; ++i) {
-    if (infos[i]->GetMemberKind() != MemberKind::Collection) {
-      if (!infos[i]->Validate(context, this, seen[i], /*final=*/ownElement)) return first;
+    const CElementInfo& info = *infos[i];
+    if (info.GetMemberKind() != MemberKind::Collection) {
+      try {
+        if (!info.Validate(context, this, seen[i], /*final=*/ownElement)) return first;
+      } catch (CRkException& e) {
+        RefuseCaught(context, e, current != nullptr ? *current : *parent);
+      }
     } else if (ownElement) {
-      const CSmartPtr<CXmlCollectionBase> collection = RkXmlLib16Data::GetCollection(*infos[i], this);
-      if (collection != nullptr) collection->ValidateCount(context);
+      const CSmartPtr<CXmlCollectionBase> collection = RkXmlLib16Data::GetCollection(info, this);
+      if (collection != nullptr) RequireCount(context, *collection, info, parent, current);
     }
   }
-  if (ownElement && current != nullptr && !ignoreUnknown) ThrowUnread(parent, current);
+  if (ownElement && current != nullptr && !ignoreUnknown) RefuseUnread(context, *this, parent, current);
   return current;
 }
 

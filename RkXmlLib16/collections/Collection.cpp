@@ -7,6 +7,7 @@
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/context/internal/ErrorSession.h"
 
 namespace RkXmlLib16 {
 
@@ -177,6 +178,14 @@ void CXmlCollection::Unlink(CNode* node) {
   m_lastNode = nullptr;
   node->m_next = m_free;
   m_free = node;
+}
+
+CXmlElement* CXmlCollection::ReadGroup(CXmlObjectBase* item, CXmlElement* parent, CXmlElement* current,
+                                       const CSerializationContext& context, bool isOptionalChoice) {
+  CErrorSession::Attempt attempt(context);
+  CXmlElement* const next = item->FromXml_Int(parent, current, context, isOptionalChoice);
+  if (next != current) attempt.Keep();
+  return next;
 }
 
 }  // namespace RkXmlLib16

@@ -110,6 +110,10 @@ class RKXML_EXPORT CXmlCollection : public CXmlCollectionBase {
   CIterator<CXmlObjectBase> end() const noexcept { return {}; }
 
  protected:
+  // Lets an item that is an inline group read from `current` on; returns the first child that it left, `current` when
+  // it is not there.
+  static CXmlElement* ReadGroup(CXmlObjectBase* item, CXmlElement* parent, CXmlElement* current,
+                                const CSerializationContext& context, bool isOptionalChoice);
   // Asks for the memory of items that a walk is about to reach, `kItemSize` bytes of each: long lists do not fit the
   // caches, and the processor can't look through the nodes by itself. It runs `kAhead` nodes ahead of the walk.
   template <std::size_t kItemSize, int kAhead = 2>

@@ -88,7 +88,7 @@ class CXmlObjectCollection : public CXmlCollection {
     while (current != nullptr) {
       const CSmartPtr<CXmlObjectBase> item = m_factory(m_classId, GetElementNameRef().c_str());
       if (item == nullptr) break;
-      CXmlElement* const next = item->FromXml_Int(parent, current, context, isOptionalChoice);
+      CXmlElement* const next = ReadGroup(item, parent, current, context, isOptionalChoice);
       if (next == current) break;
       AppendItem(item);
       current = next;

@@ -4,8 +4,19 @@
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/document/ElementTree.h"
 #include "RkXmlLib16/document/internal/ElementNameMatch.h"
+#include "RkXmlLib16/document/internal/Refusal.h"
 
 namespace RkXmlLib16 {
+
+namespace {
+
+void TellDroppedAttributes(const CSerializationContext& context, const CXmlElement& item) {
+  if (context.GetErrorHandler() == nullptr) return;
+  for (const CXmlAttribute* attribute : item.GetAttributes())
+    if (!attribute->IsNamespaceAttribute()) TellDropped(context, RkDropped_ItemAttribute, *attribute);
+}
+
+}  // namespace
 
 CXmlTypeCollection::CXmlTypeCollection(ItemType type, const wchar_t* name, const wchar_t* namespaceUri, int minOccurs,
                                        int maxOccurs, const wchar_t* pattern, long minLength, long maxLength,
@@ -26,7 +37,15 @@ CXmlElement* CXmlTypeCollection::FromXml_Int(CXmlElement* /*parent*/, CXmlElemen
                                              const CSerializationContext& context, bool /*isOptionalChoice*/) {
   for (; ElementNameMatches(context, current, GetElementNameRef(), GetNamespace());
        current = current->GetNextSiblingElement()) {
-    AddFromString(current->GetText());
+    CErrorSession::NoteRead(context, current);
+    if (!current->GetAttributes().empty()) TellDroppedAttributes(context, *current);
+    try {
+      AddFromString(current->GetText());
+    } catch (CRkException& e) {
+      if (e.GetRefusedValue() == nullptr)
+        e.SetRefusedValue({GetElementName(), current->GetText(), NameOfXsdType(m_itemType), {}, {}});
+      RefuseCaught(context, e, *current);
+    }
   }
   return current;
 }

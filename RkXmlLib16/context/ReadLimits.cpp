@@ -15,7 +15,9 @@ unsigned long CReadLimits::GetExpansionLimit(std::size_t length) const noexcept 
 }
 
 void CReadLimits::ThrowExceeded(const wchar_t* name, unsigned long value, const std::wstring& path) {
-  throw CRkException(FormatString(L"Limit exceeded: %ls %lu.", name, value), path);
+  CRkException failure(FormatString(L"Limit exceeded: %ls %lu.", name, value), path);
+  failure.SetEndsReading();
+  throw failure;
 }
 
 }  // namespace RkXmlLib16

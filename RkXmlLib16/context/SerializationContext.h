@@ -17,6 +17,7 @@ class CAttributeCol;
 class CFastInfosetContext;
 class CJsonContext;
 class CXmlDocument;
+class IErrorHandler;
 
 // The settings of a reading or writing call: leniency of the reader, choices of the writers, prefixes, extra content of
 // the root element. A value type; one context serves one call at a time.
@@ -127,6 +128,11 @@ class RKXML_EXPORT CSerializationContext {
   CReadLimits& GetLimits() noexcept { return m_settings.limits; }
   const CReadLimits& GetLimits() const noexcept { return m_settings.limits; }
 
+  // Reading: who is told of errors and of what is left out, and says whether reading goes on. Borrowed, null for
+  // nobody: the first error is then thrown. Copies of the context have it too.
+  IErrorHandler* GetErrorHandler() const noexcept { return m_settings.errorHandler; }
+  void SetErrorHandler(IErrorHandler* handler) noexcept { m_settings.errorHandler = handler; }
+
  private:
   struct Settings {
     CLazyPart<CFastInfosetContext> fastInfosetContext;
@@ -152,6 +158,7 @@ class RKXML_EXPORT CSerializationContext {
     bool escapeCDATA = false;
     std::wstring indentChars = L"\t";
     CReadLimits limits;
+    IErrorHandler* errorHandler = nullptr;
   };
 
   Settings m_settings;

@@ -13,6 +13,7 @@
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/internal/WideText.h"
 #include "RkXmlLib16/context/SerializationContext.h"
+#include "RkXmlLib16/context/internal/ErrorSession.h"
 #include "RkXmlLib16/document/internal/Arena.h"
 #include "RkXmlLib16/document/internal/Source.h"
 
@@ -102,6 +103,7 @@ struct RKXML_HIDDEN CXmlDocument::Storage {
   std::size_t depth = 0;                     // of the current element
   std::size_t nodeCount = 0;
   std::size_t charCount = 0;
+  std::vector<CRkDropped> noted;
   std::vector<OpenElement> open;  // only with a filter
   // The first so many open elements have something outside them allocated after their start, so that dropping them
   // cannot free it.
@@ -205,11 +207,37 @@ void CXmlDocument::Init() {
   m_input = nullptr;
   m_inputLength = 0;
   m_source = nullptr;
+  m_places.clear();
   m_schemaType = m_context->GetSchemaType();
   m_storage = std::move(fresh);
 }
 
 void CXmlDocument::Cleanup() { Init(); }
+
+void CXmlDocument::NoteDropped(RkDropped kind, std::uint64_t offset, std::uint64_t count) {
+  if (m_context->GetErrorHandler() == nullptr) return;
+  for (CRkDropped& noted : m_storage->noted)
+    if (noted.kind == kind) return void(noted.count += count);
+  m_storage->noted.push_back({kind, {}, count, Locate(offset)});
+}
+
+void CXmlDocument::TellNoted() {
+  if (m_context->GetErrorHandler() == nullptr) return;
+  for (const CRkDropped& noted : std::exchange(m_storage->noted, {})) CErrorSession::TellDropped(*m_context, noted);
+}
+
+// The nodes in the order of the document: an element, its attributes, its children.
+void CXmlDocument::SetPlaces(const std::vector<std::uint64_t>& places) {
+  std::size_t next = 0;
+  for (CXmlElement* element = m_documentElement; element != nullptr && next < places.size();) {
+    element->m_offset = places[next++];
+    for (CXmlAttribute* attribute : element->GetAttributes())
+      if (next < places.size()) attribute->m_offset = places[next++];
+    CXmlElement* following = element->m_firstChild;
+    for (; following == nullptr && element != nullptr; element = element->m_parent) following = element->m_nextSibling;
+    element = following;
+  }
+}
 
 CRkLocation CXmlDocument::Locate(std::uint64_t offset) const {
   std::wstring path = m_currentElement != nullptr ? m_currentElement->GetXPath() : std::wstring();

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "RkXmlLib16/base/Enumerations.h"
+#include "RkXmlLib16/base/ErrorHandler.h"
 #include "RkXmlLib16/base/Export.h"
 #include "RkXmlLib16/base/Location.h"
 #include "RkXmlLib16/document/Text.h"
@@ -263,6 +264,8 @@ class RKXML_EXPORT CXmlDocument {
   void LoadXml(const wchar_t* text);
   // XML text of this library's own making: like LoadXml, but characters above U+FFFF arrive whole (as surrogate pairs).
   void LoadXmlWide(std::wstring_view text);
+  // XML text that `json` has converted just now (see LoadJson): elements and attributes stand where the JSON has them.
+  void LoadConverted(const CBinaryData& xml, CXmlDocument& json);
   // Convert JSON to XML text in UTF-8 without filling the tree. Files and streams may be wrapped and hold UTF-8. Throw
   // also what CJsonTextReader::ConvertJsonToXml does.
   CBinaryData LoadJsonFile(const wchar_t* fileName);
@@ -285,6 +288,10 @@ class RKXML_EXPORT CXmlDocument {
   void SetFirstOffset(std::uint64_t offset) noexcept { m_firstOffset = offset; }
   // The place `offset` bytes into the input, for the readers; with the path of the current element.
   CRkLocation Locate(std::uint64_t offset) const;
+
+  // For the readers: that something is left out, if the context has an error handler. Comments and processing
+  // instructions are counted, and told at the end of the load with the place of the first.
+  void NoteDropped(RkDropped kind, std::uint64_t offset, std::uint64_t count = 1);
 
   // The bytes being read; for the readers, during a load only.
   const unsigned char* GetInput() const noexcept { return m_input; }
@@ -349,6 +356,11 @@ class RKXML_EXPORT CXmlDocument {
 
   void Init();
   CSource& SetSource(std::string_view input);
+  std::string_view Unwrap(std::string_view bytes, CBinaryData& inflated);
+  CBinaryData ConvertJsonBytes(std::string_view bytes, std::shared_ptr<const void> owner, const wchar_t* fileName);
+  CBinaryData ConvertJson(const std::wstring& json);
+  void SetPlaces(const std::vector<std::uint64_t>& places);
+  void TellNoted();
   void ParseBytes(std::string_view bytes, std::shared_ptr<const void> owner, const wchar_t* fileName);
   void ParseXmlText();
 
@@ -361,7 +373,8 @@ class RKXML_EXPORT CXmlDocument {
   CXmlElement* m_currentElement = nullptr;
   const unsigned char* m_input = nullptr;  // borrowed during a load
   std::size_t m_inputLength = 0;
-  std::unique_ptr<CSource> m_source;  // null when the places of the input mean nothing to the caller
+  std::unique_ptr<CSource> m_source;    // null when the places of the input mean nothing to the caller
+  std::vector<std::uint64_t> m_places;  // of the nodes that JSON was converted to, in their order
   bool m_inputStays = false;
   std::uint64_t m_firstOffset = 0;
 };

@@ -41,16 +41,16 @@ std::wstring Print(const XsdValue<kItem>& value) {
 
 // The text between the brackets of the message, and what follows them.
 template <ItemType kItem>
-[[noreturn]] void ThrowInvalid(const wchar_t* name, const XsdValue<kItem>& value) {
+std::wstring InvalidMessage(const wchar_t* name, const XsdValue<kItem>& value) {
   using Value = XsdValue<kItem>;
   if constexpr (std::is_floating_point_v<Value>)
-    throw CRkException(FormatString(L"Invalid Value for %ls [%f]", name, static_cast<double>(value)));
+    return FormatString(L"Invalid Value for %ls [%f]", name, static_cast<double>(value));
   else if constexpr (kItem == ItemType_unsignedInt)
-    throw CRkException(FormatString(L"Invalid Value for %ls [%lu]", name, value));
+    return FormatString(L"Invalid Value for %ls [%lu]", name, value);
   else if constexpr (std::is_integral_v<Value> && kItem != ItemType_long && kItem != ItemType_unsignedLong)
-    throw CRkException(FormatString(L"Invalid Value for %ls [%ld]", name, static_cast<long>(value)));
+    return FormatString(L"Invalid Value for %ls [%ld]", name, static_cast<long>(value));
   else
-    throw CRkException(FormatString(L"Invalid Value for %ls [%ls].", name, Print<kItem>(value).c_str()));
+    return FormatString(L"Invalid Value for %ls [%ls].", name, Print<kItem>(value).c_str());
 }
 
 // The part of a value whose rank is in the order of the values.
@@ -173,6 +173,52 @@ bool MeetsLengths(const std::wstring& text, const CPrimitiveRestrictions& facets
   return (all && half) || MeetsLengths(CharacterCount(text), facets);
 }
 
+// A facet and its value.
+struct Facet {
+  RkFacet kind = RkFacet_None;
+  std::wstring bound;
+};
+
+// The first facet that the value breaks, in the order of the checks.
+template <ItemType kItem>
+Facet BrokenBound(const XsdValue<kItem>& value, const CPrimitiveRestrictions& facets) {
+  const auto breaks = [](const std::wstring& text, auto&& isBroken) {
+    return !text.empty() && isBroken(*Bounds<kItem>::Read(text));
+  };
+  using Value = XsdValue<kItem>;
+  if (breaks(facets.GetMinInclusive(), [&](const Value& bound) { return bound > value; }))
+    return {RkFacet_MinInclusive, facets.GetMinInclusive()};
+  if (breaks(facets.GetMaxInclusive(), [&](const Value& bound) { return value > bound; }))
+    return {RkFacet_MaxInclusive, facets.GetMaxInclusive()};
+  if (breaks(facets.GetMinExclusive(), [&](const Value& bound) { return IsAtMost(value, bound); }))
+    return {RkFacet_MinExclusive, facets.GetMinExclusive()};
+  if (breaks(facets.GetMaxExclusive(), [&](const Value& bound) { return IsAtMost(bound, value); }))
+    return {RkFacet_MaxExclusive, facets.GetMaxExclusive()};
+  bool isTotal = facets.GetTotalDigits() >= 0;
+  if constexpr (kItem == ItemType_decimal) {
+    const int digits =
+        CXmlObjectHelper::GetDecimalIntegerPartLen(value) + CXmlObjectHelper::GetDecimalFractionPartLen(value);
+    isTotal = isTotal && digits > facets.GetTotalDigits();
+  }
+  if (isTotal) return {RkFacet_TotalDigits, std::to_wstring(facets.GetTotalDigits())};
+  return {RkFacet_FractionDigits, std::to_wstring(facets.GetFractionDigits())};
+}
+
+Facet BrokenLength(unsigned long length, const CPrimitiveRestrictions& facets) {
+  const long actual = static_cast<long>(length);
+  if (facets.GetMinLength() > actual) return {RkFacet_MinLength, std::to_wstring(facets.GetMinLength())};
+  if (facets.GetMaxLength() >= 0 && facets.GetMaxLength() < actual)
+    return {RkFacet_MaxLength, std::to_wstring(facets.GetMaxLength())};
+  return {RkFacet_Length, std::to_wstring(facets.GetLength())};
+}
+
+[[noreturn]] void ThrowInvalid(std::wstring message, const wchar_t* name, std::wstring value, ItemType type,
+                               Facet facet) {
+  CRkException failure(std::move(message));
+  failure.SetRefusedValue({name, std::move(value), NameOfXsdType(type), facet.kind, std::move(facet.bound)});
+  throw failure;
+}
+
 template <ItemType kItem>
 void Check(const wchar_t* name, const XsdValue<kItem>& value, const CPrimitiveRestrictions& facets) {
   if (facets.IsEmpty()) return;
@@ -181,7 +227,13 @@ void Check(const wchar_t* name, const XsdValue<kItem>& value, const CPrimitiveRe
     valid = MeetsLengths(value.GetLength(), facets);
   else
     valid = MeetsBounds<kItem>(value, facets) && MeetsDigits<kItem>(value, facets);
-  if (!valid) ThrowInvalid<kItem>(name, value);
+  if (valid) return;
+  Facet broken;
+  if constexpr (std::is_same_v<XsdValue<kItem>, CBinaryData>)
+    broken = BrokenLength(value.GetLength(), facets);
+  else
+    broken = BrokenBound<kItem>(value, facets);
+  ThrowInvalid(InvalidMessage<kItem>(name, value), name, Print<kItem>(value), kItem, std::move(broken));
 }
 
 struct Pattern : CPrimitiveRestrictions::Derived {
@@ -247,8 +299,11 @@ void CXmlObjectHelper::CheckRestrictionForyearMonth(const wchar_t*, const CDateT
 void CXmlObjectHelper::CheckRestrictionForstring(const wchar_t* name, const std::wstring& value,
                                                  const CPrimitiveRestrictions& facets) {
   if (facets.IsEmpty()) return;
-  if (MeetsLengths(value, facets) && (facets.GetPattern().empty() || MatchesPattern(name, value, facets))) return;
-  throw CRkException(FormatString(L"Invalid Value for %ls [%ls].", name, value.c_str()));
+  const bool meetsLengths = MeetsLengths(value, facets);
+  if (meetsLengths && (facets.GetPattern().empty() || MatchesPattern(name, value, facets))) return;
+  ThrowInvalid(
+      FormatString(L"Invalid Value for %ls [%ls].", name, value.c_str()), name, value, ItemType_string,
+      meetsLengths ? Facet{RkFacet_Pattern, facets.GetPattern()} : BrokenLength(CharacterCount(value), facets));
 }
 
 int CXmlObjectHelper::GetDecimalIntegerPartLen(const CDecimal& value) {

@@ -82,7 +82,7 @@ bool CFastInfosetReader::Parse() { return Parse(m_document.GetInput(), m_documen
 
 bool CFastInfosetReader::Parse(const unsigned char* octets, std::size_t length) {
   Cleanup();
-  m_at = octets;
+  m_at = m_begin = octets;
   m_end = octets + length;
   if (!ReadHeader()) return false;
 
@@ -95,13 +95,20 @@ bool CFastInfosetReader::Parse(const unsigned char* octets, std::size_t length) 
   m_xmlPrefix = m_document.InternName(L"xml");
   m_xmlNamespace = m_document.InternName(CXmlWriter::XML_NAMESPACE);
 
-  ReadOptionalData();
-  ReadChildren();
+  try {
+    ReadOptionalData();
+    ReadChildren();
+  } catch (CRkException& e) {
+    if (!e.HasLocation()) e.SetLocation(m_document.Locate(static_cast<std::size_t>(m_at - m_begin)));
+    e.SetEndsReading();
+    throw;
+  }
+  if (m_at != m_end) m_document.NoteDropped(RkDropped_TrailingBytes, GetLastOffset() + 1, GetRemaining());
   return true;
 }
 
 void CFastInfosetReader::Cleanup() {
-  m_at = m_end = nullptr;
+  m_begin = m_at = m_end = nullptr;
   m_vocabulary = m_fiContext.GetVocabulary();
   for (Names* names : {&m_prefixes, &m_namespaceNames, &m_localNames}) names->clear();
   for (QNames* names : {&m_elementNames, &m_attributeNames}) names->clear();
@@ -283,6 +290,7 @@ bool CFastInfosetReader::ElementBit2(unsigned char first) {
 
 // Up to the end of the attributes. False when the element has ended with them.
 bool CFastInfosetReader::ElementStart(unsigned char octet) {
+  const std::size_t offset = GetLastOffset();
   const bool hasAttributes = (octet & FastInfoset::kAttributesBit) != 0;
   if ((octet & 0x3C) == FastInfoset::kElementNamespaces) {
     for (octet = Next(); octet != FastInfoset::kTerminator; octet = Next()) NamespaceAttributeBit7(octet);
@@ -292,6 +300,7 @@ bool CFastInfosetReader::ElementStart(unsigned char octet) {
   const QName name = QualifiedNameOrIndexBit3(octet);
   CountExpansion(name.localName->View().size());
   CXmlElement* const element = m_document.AddElement(name.namespaceUri, name.localName);
+  CXmlDocument::SetOffset(element, offset);
   if (!hasAttributes) return true;
   for (octet = Next(); octet < 0x80; octet = Next()) AtrributeBit2(element, octet);
   RequireDifferentNames(*element);
@@ -302,9 +311,12 @@ bool CFastInfosetReader::ElementStart(unsigned char octet) {
 }
 
 void CFastInfosetReader::AtrributeBit2(CXmlElement* element, unsigned char octet) {
+  const std::size_t offset = GetLastOffset();
   const QName name = QualifiedNameOrIndexBit2(octet);
   CountExpansion(name.localName->View().size());
   NonIdentifyingStringOrIndexBit1(element, name);
+  const CXmlAttributes attributes = element->GetAttributes();
+  CXmlDocument::SetOffset(attributes[attributes.size() - 1], offset);
 }
 
 void CFastInfosetReader::RequireDifferentNames(const CXmlElement& element) {
@@ -339,9 +351,13 @@ void CFastInfosetReader::NamespaceAttributeBit7(unsigned char octet) {
   m_document.AddNamespaceAlias(prefix, namespaceUri);
 }
 
-void CFastInfosetReader::Comment() { SkipNonIdentifyingStringOrIndexBit1(); }
+void CFastInfosetReader::Comment() {
+  m_document.NoteDropped(RkDropped_Comment, GetLastOffset());
+  SkipNonIdentifyingStringOrIndexBit1();
+}
 
 void CFastInfosetReader::ProcessingInstruction() {
+  m_document.NoteDropped(RkDropped_ProcessingInstruction, GetLastOffset());
   SkipIdentifyingStringOrIndex(m_otherNCNames);
   SkipNonIdentifyingStringOrIndexBit1();
 }
@@ -357,6 +373,7 @@ bool CFastInfosetReader::DocumentTypeDeclarationBit7(unsigned char octet) {
 }
 
 void CFastInfosetReader::UnexpandedEntityReferenceBit7(unsigned char octet) {
+  m_document.NoteDropped(RkDropped_Entity, GetLastOffset());
   SkipIdentifyingStringOrIndex(m_otherNCNames);
   ExternalIdentifiers(octet);
 }

@@ -124,6 +124,8 @@ class RKXML_EXPORT CFastInfosetReader {
   std::size_t NonEmptyOctetStringBit7Length(unsigned char octet);
   unsigned long LengthOfSequence();
   std::size_t GetRemaining() const noexcept { return static_cast<std::size_t>(m_end - m_at); }
+  // Of the octet read last.
+  std::size_t GetLastOffset() const noexcept { return static_cast<std::size_t>(m_at - m_begin) - 1; }
   unsigned char Next();
   const unsigned char* Move(std::size_t n);
 
@@ -134,6 +136,7 @@ class RKXML_EXPORT CFastInfosetReader {
 
   const CFastInfosetContext& m_fiContext;
   CXmlDocument& m_document;
+  const unsigned char* m_begin = nullptr;
   const unsigned char* m_at = nullptr;
   const unsigned char* m_end = nullptr;
   std::wstring m_text;

@@ -115,6 +115,7 @@ class Inflater {
     if (code == Z_MEM_ERROR) throw std::bad_alloc();
     return code == Z_STREAM_END ? InflateResult::Inflated : InflateResult::NotCompressed;
   }
+  unsigned long TotalIn() const noexcept { return m_stream.total_in; }
 
  private:
   z_stream m_stream{};
@@ -166,11 +167,13 @@ void CRkZip::Decompress(unsigned char** data, unsigned long* length) {
 }
 
 InflateResult CRkZip::Inflate(const unsigned char* data, unsigned long length, const InflateLimits& limits,
-                              CBinaryData& out) {
+                              CBinaryData& out, unsigned long* used) {
   if (!MayBeCompressed(data, length)) return InflateResult::NotCompressed;
   CBinaryData inflated;
-  const InflateResult result = Inflater().Run(data, length, limits, inflated);
+  Inflater inflater;
+  const InflateResult result = inflater.Run(data, length, limits, inflated);
   if (result == InflateResult::Inflated) out.Swap(inflated);
+  if (result == InflateResult::Inflated && used != nullptr) *used = inflater.TotalIn();
   return result;
 }
 

@@ -35,9 +35,10 @@ class RKXML_EXPORT CRkZip {
   // dropped. Leaves any other buffer unchanged.
   static void Decompress(unsigned char** data, unsigned long* length);
   // Inflates the stream at the start of the `length` bytes at `data` into `out`, whose content it replaces only when
-  // the result is Inflated. Stops soon after a limit is passed.
+  // the result is Inflated, and tells in `used` (may be null) how many bytes the stream takes. Stops soon after a limit
+  // is passed.
   static InflateResult Inflate(const unsigned char* data, unsigned long length, const InflateLimits& limits,
-                               CBinaryData& out);
+                               CBinaryData& out, unsigned long* used = nullptr);
 };
 
 }  // namespace RkXmlLib16

@@ -35,13 +35,14 @@ void CJsonTextReader::SetJsonReaderHandler(IJsonReaderHandler* handler) { m_hand
 const IErrorPathProvider* CJsonTextReader::GetErrorPathProvider() const { return m_handler.get(); }
 
 void CJsonTextReader::Read() {
-  m_at = 0;
+  m_at = m_itemStart = 0;
   m_handler->ReadStartDocument();
   if (!m_rootElementName.empty()) {
     m_handler->ReadStartObject();
     m_handler->ReadName(m_rootElementName);
   }
   SkipWhiteSpace();
+  m_itemStart = m_at;
   if (!AtEnd()) ReadValue(0);
   if (!m_rootElementName.empty()) m_handler->ReadEndObject();
   m_handler->ReadEndDocument();
@@ -109,6 +110,7 @@ void CJsonTextReader::ReadObject(int depth) {
     if (AtEnd()) Fail(L"Unexpected End of File. Expected Object terminator character '}}' at line %d, position %d.");
     for (;;) {
       if (Current() != L'"') FailUnexpected(kUnterminated, kNameExpected);
+      m_itemStart = m_at;
       ReadQuoted();
       m_handler->ReadName(m_buffer);
       SkipWhiteSpace();
@@ -141,6 +143,7 @@ void CJsonTextReader::ReadArray(int depth) {
   if (Current() != L']') {
     for (;;) {
       if (AtEnd()) Fail(kUnterminated);
+      m_itemStart = m_at;
       ReadValue(depth);
       SkipWhiteSpace();
       if (Current() == L']') break;

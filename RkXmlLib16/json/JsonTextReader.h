@@ -2,9 +2,11 @@
 #define RKXMLLIB16_JSON_JSONTEXTREADER_H
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "RkXmlLib16/base/Export.h"
 #include "RkXmlLib16/json/JsonReaderHandler.h"
@@ -13,6 +15,13 @@ namespace RkXmlLib16 {
 
 class CBinaryData;
 class CJsonReaderDefaultHandler;
+
+// Where JSON text has what it was converted to, as numbers of characters (units of the wide text) before it.
+struct CJsonPlaces {
+  std::vector<std::uint64_t> nodes;  // of the elements and their attributes in the order of the XML text
+  std::size_t at = 0;                // where the value ends, or what the conversion failed at stands
+};
+
 class CSerializationContext;
 
 // A parser of JSON text (RFC 8259) that reports what it finds to a handler, at most 100 values deep. It also takes what
@@ -29,8 +38,10 @@ class RKXML_EXPORT CJsonTextReader {
   // become attributes, "#text" members text, arrays repeated elements. Beyond syntax errors throws
   // CRkInvalidStateException with the JSON path for names and values that XML cannot hold.
   static CBinaryData ConvertJsonToXml(const std::wstring& json, const CSerializationContext& context);
-  // The same with the indentation of the XML text as asked for; the call above indents.
-  static CBinaryData ConvertJsonToXml(const std::wstring& json, const CSerializationContext& context, bool indented);
+  // The same with the indentation of the XML text as asked for; the call above indents. Tells the places too, also when
+  // it throws.
+  static CBinaryData ConvertJsonToXml(const std::wstring& json, const CSerializationContext& context, bool indented,
+                                      CJsonPlaces& places);
 
   // `text` is kept: it must outlive the reader.
   explicit CJsonTextReader(const std::wstring& text);
@@ -49,6 +60,9 @@ class RKXML_EXPORT CJsonTextReader {
 
   // Reads the text from its start.
   void Read();
+  // The index of the character that is read next, and of the start of the innermost member or array item.
+  std::size_t GetPosition() const noexcept { return m_at; }
+  std::size_t GetItemStart() const noexcept { return m_itemStart; }
 
  private:
   static constexpr int kMaxDepth = 100;
@@ -77,7 +91,8 @@ class RKXML_EXPORT CJsonTextReader {
   bool m_allowComments = false;
   std::wstring m_rootElementName;
   const std::wstring& m_text;
-  std::size_t m_at = 0;   // the index of the current character
+  std::size_t m_at = 0;  // the index of the current character
+  std::size_t m_itemStart = 0;
   std::wstring m_buffer;  // the name, string or number being read
 };
 

@@ -23,11 +23,12 @@ const CNeverDestroyed<std::wstring> kNoNamespace;
 }  // namespace
 
 CBinaryData CJsonTextReader::ConvertJsonToXml(const std::wstring& json, const CSerializationContext& context) {
-  return ConvertJsonToXml(json, context, /*indented=*/true);
+  CJsonPlaces places;
+  return ConvertJsonToXml(json, context, /*indented=*/true, places);
 }
 
 CBinaryData CJsonTextReader::ConvertJsonToXml(const std::wstring& json, const CSerializationContext& context,
-                                              bool indented) {
+                                              bool indented, CJsonPlaces& places) {
   const CJsonContext& settings = *context.GetJsonContext();
   CTextStream stream(XmlEncoding_UTF8);
   CXmlTextWriter writer(stream);
@@ -40,7 +41,16 @@ CBinaryData CJsonTextReader::ConvertJsonToXml(const std::wstring& json, const CS
   reader.SetJsonReaderHandler(&handler);
   reader.SetAllowComments(settings.GetAllowComments());
   reader.SetRootElementName(settings.GetRootElementName());
-  reader.Read();
+  handler.SetPlaces(reader, places.nodes, context.GetSchemaType() == SchemaType_NoNamespaces);
+  try {
+    reader.Read();
+    places.at = reader.GetPosition();
+  } catch (const CRkException& e) {
+    // A name or value that XML cannot hold is the matter of its member.
+    const bool isMember = e.GetCode() == RkErrorCode_JsonName || e.GetCode() == RkErrorCode_JsonValue;
+    places.at = isMember ? reader.GetItemStart() : reader.GetPosition();
+    throw;
+  }
   writer.Close();
   return stream.GetEncodedStream();
 }
@@ -143,6 +153,7 @@ void CJsonReaderToXmlHandler::ReadEndArray() {
 }
 
 void CJsonReaderToXmlHandler::StartElement(const std::wstring& name) {
+  if (m_nodes != nullptr) m_nodes->push_back(m_reader->GetItemStart());
   try {
     m_writer.WriteStartElement(name, kNoNamespace.Get());
   } catch (const CRkException&) {
@@ -164,6 +175,8 @@ void CJsonReaderToXmlHandler::WriteText(const std::wstring& value) {
 
 void CJsonReaderToXmlHandler::WriteAttribute(const std::wstring& value) {
   if (!IsQName(m_name) || !IsXmlText(value)) FailAttributeValue(value);
+  const bool isDeclaration = m_name.compare(0, 5, L"xmlns") == 0 && (m_name.size() == 5 || m_name[5] == L':');
+  if (m_nodes != nullptr && (!isDeclaration || m_areDeclarationsNodes)) m_nodes->push_back(m_reader->GetItemStart());
   static constexpr std::wstring_view kXmlns = L"xmlns";
   const std::wstring_view name = m_name;
   const bool declares = name.substr(0, name.find(L':')) == kXmlns;

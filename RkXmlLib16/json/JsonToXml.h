@@ -2,6 +2,7 @@
 #define RKXMLLIB16_JSON_JSONTOXML_H
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,7 @@
 
 namespace RkXmlLib16 {
 
+class CJsonTextReader;
 class CReadLimits;
 class CXmlTextWriter;
 
@@ -30,6 +32,14 @@ class RKXML_EXPORT CJsonReaderToXmlHandler : public IJsonReaderHandler {
   // Limits the names that the items of arrays repeat, as a multiple of the `jsonLength` characters of the document: the
   // expansion limit of `limits`, which is kept. Without this call there is no limit.
   void SetLimits(const CReadLimits& limits, std::size_t jsonLength);
+
+  // Appends where each element and attribute stands in the text of `reader`; both are kept. Of attributes that declare
+  // namespaces only when `areDeclarationsNodes`.
+  void SetPlaces(const CJsonTextReader& reader, std::vector<std::uint64_t>& nodes, bool areDeclarationsNodes) {
+    m_reader = &reader;
+    m_nodes = &nodes;
+    m_areDeclarationsNodes = areDeclarationsNodes;
+  }
 
   void ReadStartDocument() override;
   void ReadEndDocument() override;
@@ -63,6 +73,9 @@ class RKXML_EXPORT CJsonReaderToXmlHandler : public IJsonReaderHandler {
   std::vector<bool> m_objects;         // for each open object, whether it is an element of its own
   std::vector<std::wstring> m_arrays;  // the names of open arrays; those beyond m_arrayCount keep their storage
   std::size_t m_arrayCount = 0;
+  const CJsonTextReader* m_reader = nullptr;
+  std::vector<std::uint64_t>* m_nodes = nullptr;
+  bool m_areDeclarationsNodes = false;
   const CReadLimits* m_limits = nullptr;
   std::size_t m_jsonLength = 0;
   std::size_t m_repeatedCharacters = 0;

@@ -10,6 +10,7 @@
 #include "RkXmlLib16/base/internal/NeverDestroyed.h"
 #include "RkXmlLib16/base/internal/TextOrEmpty.h"
 #include "RkXmlLib16/context/SerializationContext.h"
+#include "RkXmlLib16/context/internal/ErrorSession.h"
 #include "RkXmlLib16/document/ElementTree.h"
 #include "RkXmlLib16/types/Whitespace.h"
 #include "RkXmlLib16/wildcards/internal/RootWriter.h"
@@ -313,6 +314,7 @@ void CElement::ToXml_Int(CXmlWriter* writer, bool registerNamespaces, const wcha
 CXmlElement* CElement::FromXml_Int(CXmlElement* /*parent*/, CXmlElement* current, const CSerializationContext& context,
                                    bool /*isOptionalChoice*/) {
   if (current == nullptr || !m_rule.Admits(current->GetNamespaceURI())) return current;
+  CErrorSession::NoteRead(context, current);
   CElement::FromXmlElement(current, context);
   return current->GetNextSiblingElement();
 }

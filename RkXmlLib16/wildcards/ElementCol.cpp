@@ -2,6 +2,7 @@
 
 #include "RkXmlLib16/base/internal/TextOrEmpty.h"
 #include "RkXmlLib16/context/SerializationContext.h"
+#include "RkXmlLib16/context/internal/ErrorSession.h"
 #include "RkXmlLib16/document/ElementTree.h"
 
 namespace RkXmlLib16 {
@@ -24,8 +25,9 @@ void CElementCol::ToXml_Int(CXmlWriter* writer, bool /*registerNamespaces*/, con
 }
 
 CXmlElement* CElementCol::FromXml_Int(CXmlElement* /*parent*/, CXmlElement* current,
-                                      const CSerializationContext& /*context*/, bool /*isOptionalChoice*/) {
+                                      const CSerializationContext& context, bool /*isOptionalChoice*/) {
   for (; current != nullptr && m_rule.Admits(current->GetNamespaceURI()); current = current->GetNextSiblingElement()) {
+    CErrorSession::NoteRead(context, current);
     const CSmartPtr<CElement> element(new CElement(m_rule, *current));
     CXmlCollection::AppendItem(element);
   }
@@ -34,10 +36,11 @@ CXmlElement* CElementCol::FromXml_Int(CXmlElement* /*parent*/, CXmlElement* curr
 
 CXmlElement* CElementCol::FromXmlLockElementName_Int(const wchar_t* elementName, const wchar_t* /*namespaceUri*/,
                                                      CXmlElement* /*parent*/, CXmlElement* current,
-                                                     const CSerializationContext& /*context*/) {
+                                                     const CSerializationContext& context) {
   const std::wstring_view name(TextOrEmpty(elementName));
   for (; current != nullptr && current->GetLocalName() == name && m_rule.Admits(current->GetNamespaceURI());
        current = current->GetNextSiblingElement()) {
+    CErrorSession::NoteRead(context, current);
     const CSmartPtr<CElement> element(new CElement(m_rule, *current));
     CXmlCollection::AppendItem(element);
   }

@@ -16,6 +16,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "RkXmlLib16/base/ErrorHandler.h"
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
 #include "RkXmlLib16/base/HugePages.h"
@@ -168,6 +169,7 @@ struct RKXML_HIDDEN CExpatReader::Parser {
   static bool IsUtf16(const CXmlDocument& document);
   void Feed(bool isFinal);
   std::uint64_t Offset() const { return static_cast<std::uint64_t>(XML_GetCurrentByteIndex(expat)); }
+  void NoteDropped(RkDropped kind) { document.NoteDropped(kind, Offset()); }
   [[noreturn]] void ThrowParseError() const;
   [[noreturn]] void ThrowSeparatorInUri() const;
   bool IsAtTagWithSeparator() const;
@@ -217,6 +219,23 @@ struct RKXML_HIDDEN CExpatReader::Parser {
       throw CRkException(FormatString(L"A document type declaration is not allowed at line %d",
                                       static_cast<int>(XML_GetCurrentLineNumber(self.expat))));
     });
+  }
+  // These are set only where somebody wants to know what is left out.
+  static void FnComment(void* userData, const XML_Char*) {
+    Guarded(userData, [](Parser& self) { self.NoteDropped(RkDropped_Comment); });
+  }
+  static void FnProcessingInstruction(void* userData, const XML_Char*, const XML_Char*) {
+    Guarded(userData, [](Parser& self) { self.NoteDropped(RkDropped_ProcessingInstruction); });
+  }
+  static void FnDoctype(void* userData, const XML_Char*, const XML_Char* systemId, const XML_Char*, int) {
+    if (systemId != nullptr) Guarded(userData, [](Parser& self) { self.NoteDropped(RkDropped_Entity); });
+  }
+  static void FnSkippedEntity(void* userData, const XML_Char*, int) {
+    Guarded(userData, [](Parser& self) { self.NoteDropped(RkDropped_Entity); });
+  }
+  static int FnExternalEntity(XML_Parser parser, const XML_Char*, const XML_Char*, const XML_Char*, const XML_Char*) {
+    Guarded(XML_GetUserData(parser), [](Parser& self) { self.NoteDropped(RkDropped_Entity); });
+    return XML_STATUS_OK;
   }
   static void FnEntityDeclaration(void* userData, const XML_Char*, int, const XML_Char* value, int length,
                                   const XML_Char*, const XML_Char*, const XML_Char*, const XML_Char*) {
@@ -462,6 +481,13 @@ void CExpatReader::CreateParser() {
   XML_SetCharacterDataHandler(expat, Parser::FnText);
   XML_SetEntityDeclHandler(expat, Parser::FnEntityDeclaration);
   XML_SetUnknownEncodingHandler(expat, Parser::FnUnknownEncoding, m_parser.get());
+  if (m_document.GetContext().GetErrorHandler() != nullptr) {
+    XML_SetCommentHandler(expat, Parser::FnComment);
+    XML_SetProcessingInstructionHandler(expat, Parser::FnProcessingInstruction);
+    XML_SetStartDoctypeDeclHandler(expat, Parser::FnDoctype);
+    XML_SetSkippedEntityHandler(expat, Parser::FnSkippedEntity);
+    XML_SetExternalEntityRefHandler(expat, Parser::FnExternalEntity);
+  }
   if (m_document.GetContext().GetRefuseDocumentType())
     XML_SetStartDoctypeDeclHandler(expat, Parser::FnStartDocumentType);
   if (!m_document.GetContext().GetStripCDATA())
@@ -474,6 +500,7 @@ void CExpatReader::Parse(bool isFinal) {
     m_parser->Feed(isFinal);
   } catch (CRkException& e) {
     if (!e.HasLocation()) e.SetLocation(m_document.Locate(m_parser->Offset()));
+    e.SetEndsReading();
     throw;
   }
   if (isFinal) Cleanup();

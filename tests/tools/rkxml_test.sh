@@ -49,7 +49,7 @@ nothing_left() {
 }
 
 ## Calls
-for call in '--help' '-h' 'convert --help' 'show -h'; do
+for call in '--help' '-h' 'convert --help' 'show -h' 'check --help'; do
   # shellcheck disable=SC2086
   run 0 $call
   grep -q '^Usage: rkxml' out || fail "$call shows no usage"
@@ -64,7 +64,7 @@ complete_words() {
   _rkxml
   echo " ${COMPREPLY[*]} "
 }
-for command in convert show; do
+for command in convert show check; do
   run 0 "$command" --help
   for option in $(grep -oE -- '--[a-z]+' out | sort -u); do
     grep -qF -- "${option//-/\\-}" "$source/rkxml.1" || fail "the manual page does not tell $option"
@@ -86,7 +86,7 @@ done
   fail "the shell completes $(complete_words show endings/)"
 [ "$(find endings -name 'a.*' | wc -l)" -gt 40 ] || fail "no endings are told"
 [[ $(complete_words convert --from j) == " json " ]] || fail "the shell does not complete --from j"
-[[ $(complete_words c) == " convert " ]] || fail "the shell does not complete c"
+[[ $(complete_words co) == " convert " ]] || fail "the shell does not complete co"
 run 0 --version
 grep -Eqx 'rkxml [0-9]+\.[0-9]+\.[0-9]+' out || fail "--version says $(cat out)"
 refuses 2 'see rkxml --help'
@@ -301,6 +301,28 @@ run 0 convert "$track" link.xml
 [ -L link.xml ] && [ "$(stat -c %a target.xml)" = 640 ] || fail "mode or link is lost"
 same target.xml pretty.gpx
 nothing_left
+
+## Errors with their places, and what is not kept
+printf '<r>\n <a></b></r>' >wrong.xml
+printf '{"r": {"a": tru}}' >wrong.json
+printf '<r><!--x--><?p q?><a>1</a>text<b/>more<!--y--></r>' >mixed.xml
+run 0 check mixed.xml "$track"
+[ ! -s out ] || fail "check says $(cat out) of good files"
+run 1 check mixed.xml wrong.xml wrong.json missing.xml
+diff out - <<'END' || fail "check says $(cat out)"
+wrong.xml:2:7: /r/a: mismatched tag at line 2
+wrong.json:1:16: $.r.a: Expected 'true' at line 0, position 16.
+cannot open missing.xml: No such file or directory
+END
+refuses 2 'does not go with check' check --octets mixed.xml
+refuses 2 'no input file' check
+run 0 convert mixed.xml mixed.json
+[ "$(cat err)" = 'rkxml: not kept: 2 comments, 1 processing instruction, mixed content in 1 element: --quiet to be silent' ] ||
+  fail "convert says $(cat err)"
+run 0 convert --quiet mixed.xml mixed.json
+[ ! -s err ] || fail "convert --quiet says $(cat err)"
+run 0 convert "$track" kept.xml
+[ ! -s err ] || fail "convert says $(cat err) although everything is kept"
 
 [ "$failures" = 0 ] || { echo "$failures failures"; exit 1; }
 echo "all passed"

@@ -8,6 +8,8 @@
 // The commands. They throw FileError, CRkException and DocumentError.
 void Convert(const Options& options);
 void Show(const Options& options);
+// Whether all documents can be read; tells the errors of those that cannot.
+bool Check(const Options& options);
 
 // The help of a command, or of the tool for Command::None.
 std::string Help(Command command);

@@ -13,10 +13,11 @@ CBinaryData WriteXml(const CXmlObjectBase& object, const Layout& layout, const C
 }
 
 void LoadJson(CXmlDocument& document, Bytes& bytes) {
-  document.SetIndentsJson(false);
-  const CBinaryData xml = document.LoadJsonStream(bytes.data(), bytes.size());
+  CXmlDocument json(document.GetContext());
+  json.SetIndentsJson(false);
+  const CBinaryData xml = json.LoadJsonStream(bytes.data(), bytes.size());
   try {
-    document.LoadXmlStream(xml.GetData(), xml.GetLength());
+    document.LoadConverted(xml, json);
   } catch (const CRkException& e) {
     throw CRkException(L"the JSON text makes no XML document: " + e.GetMessage());
   }

@@ -54,6 +54,7 @@ std::string Help(Command command) {
              "  --limits none|NAME=N,.. what IN may cost, 0 for no limit: depth, nodes,\n"
              "                          characters, inflated-bytes, inflation-ratio,\n"
              "                          expansion-ratio\n"
+             "  --quiet                 do not tell what OUT could not keep\n"
              "  -h, --help              this text\n"
              "\n"
              "A gzip or zlib wrapper around IN is recognised and taken off. An option that\n"
@@ -88,6 +89,23 @@ std::string Help(Command command) {
              "\n"
              "Example:\n"
              "  rkxml show track.gpx.gz\n";
+    case Command::Check:
+      return "Usage: rkxml check [options] FILE...\n"
+             "\n"
+             "Reads the documents and tells what is wrong with them, one line for each error:\n"
+             "file, line, column, path and reason. '-' is standard input.\n"
+             "\n"
+             "  --from FORM             form of all files: " +
+             FormNames(", ") +
+             "\n"
+             "                          (default: by file ending, else xml)\n"
+             "  --mode 0|1|2, --root N  how JSON is read, see rkxml convert --help\n"
+             "  --limits none|NAME=N,.. what a document may cost, 0 for no limit: depth,\n"
+             "                          nodes, characters, inflated-bytes, inflation-ratio,\n"
+             "                          expansion-ratio\n"
+             "  -h, --help              this text\n"
+             "\n"
+             "Exit status: 0 all can be read, 1 not all.\n";
     case Command::None:
       break;
   }
@@ -97,6 +115,7 @@ std::string Help(Command command) {
          "\n"
          "  convert IN OUT          read a document and write it in another form or layout\n"
          "  show IN                 tell what a document holds\n"
+         "  check FILE...           read documents and tell their errors\n"
          "  -h, --help              this text; rkxml COMMAND --help tells about a command\n"
          "  --version               the version\n"
          "\n"

@@ -37,8 +37,8 @@ void LoadDocument(CXmlDocument& document, const Options& options, Bytes& bytes) 
         throw DocumentError(file + ": the gzip data is damaged or cut short");
       }
     }
-    const std::string reason = Reason(e);
-    throw DocumentError(file + ": " + reason + (options.from == FindForm("xml") ? AboutXml(text, reason) : ""));
+    const std::string about = options.from == FindForm("xml") ? AboutXml(text, ForTerminal(e.GetMessage())) : "";
+    throw DocumentError(file + (e.GetLocation().IsKnown() ? ":" : ": ") + Reason(e) + about);
   }
 }
 

@@ -132,6 +132,7 @@ constexpr Option kOptions[] = {
     {"--limits", true, true, kAlways, [](Options& o, std::string_view v) { ApplyLimits(o.limits, v); }},
     {"--octets", false, true, kNoJsonInput, [](Options& o, std::string_view) { o.octets = true; }},
     {"--gzip", false, false, kAlways, [](Options& o, std::string_view) { o.layout.gzip = true; }},
+    {"--quiet", false, false, kAlways, [](Options& o, std::string_view) { o.quiet = true; }},
     {"--help", false, true, kAlways, [](Options& o, std::string_view) { o.help = true; }},
     {"-h", false, true, kAlways, [](Options& o, std::string_view) { o.help = true; }},
     {"--version", false, true, kAlways, [](Options& o, std::string_view) { o.version = true; }},
@@ -172,21 +173,27 @@ const Option& FindOption(std::string_view name) {
 Command ParseCommand(std::string_view word) {
   if (word == "convert") return Command::Convert;
   if (word == "show") return Command::Show;
-  throw UsageError("unknown command " + Quoted(word), Hint(word, {"convert", "show"}));
+  if (word == "check") return Command::Check;
+  throw UsageError("unknown command " + Quoted(word), Hint(word, {"convert", "show", "check"}));
 }
 
 void TakeFiles(Options& options, const std::vector<std::string>& files) {
   const bool convert = options.command == Command::Convert;
   const std::size_t wanted = convert ? 2 : 1;
-  const char* const call = convert ? "the call is: rkxml convert [options] IN OUT" : "the call is: rkxml show IN";
+  const char* const call = convert                             ? "the call is: rkxml convert [options] IN OUT"
+                           : options.command == Command::Check ? "the call is: rkxml check FILE..."
+                                                               : "the call is: rkxml show IN";
   if (files.size() < wanted) {
     throw UsageError(files.empty() ? "no input file given" : "no output file given", call);
   }
-  if (files.size() > wanted) throw UsageError("one file too many: " + Quoted(files[wanted]), call);
+  if (files.size() > wanted && options.command != Command::Check)
+    throw UsageError("one file too many: " + Quoted(files[wanted]), call);
   for (const std::string& file : files) {
     if (file.empty()) throw UsageError("a file name is empty", call);
   }
   options.input = files[0];
+  options.inputs = files;
+  if (options.command == Command::Check) return;
   if (options.from == nullptr) options.from = FormOfFile(options.input);
   if (options.from == nullptr) options.from = FindForm("xml");
   if (!convert) return;
@@ -199,12 +206,15 @@ void TakeFiles(Options& options, const std::vector<std::string>& files) {
 }
 
 void CheckUse(const std::vector<const Option*>& given, const Options& options) {
-  const bool show = options.command == Command::Show;
-  const std::string hint = show ? "see rkxml show --help" : "see rkxml convert --help";
+  const bool convert = options.command == Command::Convert;
+  const std::string command = convert ? "convert" : options.command == Command::Check ? "check" : "show";
+  const std::string hint = "see rkxml " + command + " --help";
   for (const Option* option : given) {
     const std::string name = "option " + std::string(option->name);
-    if (show && !option->forShow) throw UsageError(name + " does not go with show", hint);
-    if (!option->use.holds(options)) throw UsageError(name + " goes with " + option->use.text + " only", hint);
+    const bool isForCommand = option->forShow && (command == "show" || option->name != "--octets");
+    if (!convert && !isForCommand) throw UsageError(name + " does not go with " + command, hint);
+    if (command != "check" && !option->use.holds(options))
+      throw UsageError(name + " goes with " + option->use.text + " only", hint);
   }
 }
 

@@ -3,10 +3,11 @@
 
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "Forms.h"
 
-enum class Command { None, Convert, Show };
+enum class Command { None, Convert, Show, Check };
 
 // What the command line asks for.
 struct Options {
@@ -15,12 +16,14 @@ struct Options {
   bool version = false;
   std::string input;
   std::string output;
-  const Form* from = nullptr;  // never null once parsed
-  const Form* to = nullptr;    // of convert: never null once parsed
+  std::vector<std::string> inputs;  // of check
+  const Form* from = nullptr;       // never null once parsed
+  const Form* to = nullptr;         // of convert: never null once parsed
   Layout layout;
   JsonMapping json;
   RkXmlLib16::CReadLimits limits;
   bool octets = false;  // show the octets of a Fast Infoset
+  bool quiet = false;   // do not tell what a conversion leaves out
 };
 
 // A wrong call: the reason, and on the next line what may help.

@@ -21,11 +21,7 @@ std::string ForTerminal(const std::wstring& text) {
   return ForTerminal(std::string_view(reinterpret_cast<const char*>(utf8.GetData()), utf8.GetLength()));
 }
 
-std::string Reason(const CRkException& e) {
-  std::wstring message = e.GetMessage();
-  for (std::size_t at = 0; (at = message.find(L'\n', at)) != std::wstring::npos; at += 2) message.replace(at, 1, L"; ");
-  return ForTerminal(message);
-}
+std::string Reason(const CRkException& e) { return ForTerminal(e.GetReport()); }
 
 std::string Grouped(unsigned long long number) {
   std::string out = std::to_string(number);

@@ -11,7 +11,7 @@
 std::string ForTerminal(const std::wstring& text);
 std::string ForTerminal(std::string_view text);
 
-// The reason of a failure on one line.
+// The report of a failure.
 std::string Reason(const RkXmlLib16::CRkException& e);
 
 // Digits in groups of three: 1,234,567.

@@ -11,16 +11,19 @@ namespace {
 
 enum ExitCode { kDone = 0, kFailed = 1, kWrongCall = 2 };
 
-void Run(const Options& options) {
+int Run(const Options& options) {
   if (options.help) {
     std::fputs(Help(options.command).c_str(), stdout);
   } else if (options.version) {
     std::puts("rkxml " RKXML_TOOL_VERSION);
   } else if (options.command == Command::Convert) {
     Convert(options);
+  } else if (options.command == Command::Check) {
+    return Check(options) ? kDone : kFailed;
   } else {
     Show(options);
   }
+  return kDone;
 }
 
 // The program's name stands out on a terminal, unless the user wants no colours (see no-color.org).
@@ -39,8 +42,7 @@ int Fail(const std::string& reason) {
 
 int main(int argc, char** argv) {
   try {
-    Run(ParseOptions(argc, argv));
-    return kDone;
+    return Run(ParseOptions(argc, argv));
   } catch (const UsageError& e) {
     Complain(std::string(e.what()) + " (" + e.GetHint() + ")");
     return kWrongCall;

@@ -20,7 +20,7 @@ _rkxml_files() {
 _rkxml() {
   local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} word command=
   for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
-    case $word in convert | show) command=$word && break ;; esac
+    case $word in convert | show | check) command=$word && break ;; esac
   done
   compopt +o default
   case $previous in
@@ -31,9 +31,10 @@ _rkxml() {
     --limits) mapfile -t COMPREPLY < <(compgen -W 'none depth= nodes= characters= inflated-bytes= inflation-ratio= expansion-ratio=' -- "$current") && return ;;
     --encoding) mapfile -t COMPREPLY < <(compgen -W 'utf-8 utf-16 wide' -- "$current") && return ;;
   esac
-  local words='convert show --help -h --version'
+  local words='convert show check --help -h --version'
   case $command in
-    convert) words='--from --to --pretty --compact --indent --eol --encoding --mode --root --declaration --typed --gzip --limits --help -h' ;;
+    convert) words='--from --to --pretty --compact --indent --eol --encoding --mode --root --declaration --typed --gzip --limits --quiet --help -h' ;;
+    check) words='--from --mode --root --limits --help -h' ;;
     show) words='--from --mode --root --limits --octets --help -h' ;;
   esac
   if [ -n "$command" ] && [ "${current:0:1}" != - ]; then

@@ -2,11 +2,15 @@
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/binding/ElementInfoAll.h"
+#include "RkXmlLib16/binding/ElementInfoChoice.h"
+#include "RkXmlLib16/binding/ElementInfoSeq.h"
 #include "RkXmlLib16/binding/GeneratedClass.h"
 #include "RkXmlLib16/binding/internal/ReadingValue.h"
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/document/ElementTree.h"
 #include "RkXmlLib16/document/XmlWriter.h"
+#include "RkXmlLib16/document/internal/Refusal.h"
 #include "RkXmlLib16/object/Variant.h"
 #include "RkXmlLib16/wildcards/Element.h"
 #include "RkXmlLib16/wildcards/ElementCol.h"
@@ -17,7 +21,73 @@ using namespace RkXmlLib16;
 
 namespace {
 
+// Groups within groups that are looked into for a record that could take an element.
+constexpr int kDeepestGroup = 8;
+constexpr std::size_t kLongestName = 30;
+
 bool IsAnyElement(const CElementInfo& info) { return info.GetElementName() == L"AnyElement"; }
+
+std::wstring Quoted(std::wstring_view name) {
+  const bool isLong = name.size() > kLongestName;
+  return L'[' + std::wstring(name.substr(0, isLong ? kLongestName - 3 : name.size())) + (isLong ? L"...]" : L"]");
+}
+
+// Of a member that was expected before `standing`.
+std::wstring WhatStandsThere(const std::wstring& name, const std::wstring& namespaceUri, const CXmlElement* standing) {
+  if (standing == nullptr) return L"the content ends there";
+  if (standing->GetLocalName() == name)
+    return L"the same name in another namespace, " + Quoted(standing->GetNamespaceURI()) + L" instead of " +
+           Quoted(namespaceUri);
+  std::wstring hint = L"found " + Quoted(standing->GetLocalName());
+  for (const CXmlElement* e = standing; e != nullptr; e = e->GetNextSiblingElement())
+    if (e->GetLocalName() == name) return hint + L", the expected one follows later";
+  return hint;
+}
+
+std::wstring WhyUnexpected(const CSerializationContext& context, const CXmlGeneratedClass& object,
+                           const CXmlElement* unread) {
+  CElementInfo** const infos = object.GetClassElementInfo();
+  for (CElementInfo** info = infos; info != nullptr && *info != nullptr; ++info) {
+    if ((*info)->IsThisElement(context, unread)) {
+      const CXmlElement* const parent = unread->GetParentElement();
+      for (const CXmlElement* e = parent != nullptr ? parent->GetFirstElement() : nullptr; e != nullptr && e != unread;
+           e = e->GetNextSiblingElement())
+        if (e->HasNameOf(unread)) return L"repeated, or out of order";
+      return L"out of order";
+    }
+  }
+  for (CElementInfo** info = infos; info != nullptr && *info != nullptr; ++info)
+    if (unread->GetLocalName() == (*info)->GetElementName())
+      return L"the same name in another namespace, " + Quoted(unread->GetNamespaceURI()) + L" instead of " +
+             Quoted((*info)->GetNamespace());
+  return std::wstring();
+}
+
+// Whether only the collection itself knows which elements are its own: those of its groups, or of substitutes.
+bool TakesMoreNames(const CElementInfo& info) {
+  if (info.GetMemberKind() != MemberKind::Collection) return false;
+  return info.IsInlineGroup() || dynamic_cast<const CElementInfoSeqAbsClsCol*>(&info) != nullptr ||
+         dynamic_cast<const CElementInfoChoiceAbsClsCol*>(&info) != nullptr ||
+         dynamic_cast<const CElementInfoAllAbsClsCol*>(&info) != nullptr;
+}
+
+bool IsTakenWithin(const CSerializationContext& context, const CXmlGeneratedClass& object, const CXmlElement* element,
+                   const CElementInfo* behind, int depth) {
+  for (CElementInfo** info = object.GetClassElementInfo(); info != nullptr && *info != nullptr; ++info) {
+    const CElementInfo& record = **info;
+    if (behind != nullptr) {
+      if (behind == &record) behind = nullptr;
+    } else if (IsAnyElement(record) || TakesMoreNames(record) || record.IsThisElement(context, element)) {
+      return true;
+    } else if (record.IsInlineGroup() && record.GetMemberKind() == MemberKind::Single && depth > 0) {
+      CSmartPtr<CXmlObjectBase> child = GetChild(record, &object);
+      if (child == nullptr) child = record.CreateGroup();
+      const auto* const group = dynamic_cast<const CXmlGeneratedClass*>(child.Get());
+      if (group != nullptr && IsTakenWithin(context, *group, element, nullptr, depth - 1)) return true;
+    }
+  }
+  return false;
+}
 
 }  // namespace
 
@@ -37,10 +107,56 @@ bool CheckedColToXml(const CElementInfo& info, const CSerializationContext& cont
   return info.WriteCollection(context, collection, writer);
 }
 
-void ThrowMissingChild(const CElementInfo& info, const CXmlElement* parent) {
-  throw CRkValidationException(
-      FormatString(L"Failed to find the required child element [%ls].", info.GetElementName().c_str()),
+CRkValidationException MissingChild(const CElementInfo& info, const CXmlElement* parent) {
+  return {FormatString(L"Failed to find the required child element [%ls].", info.GetElementName().c_str()),
+          parent->GetXPath()};
+}
+
+CRkValidationException MissingSubstitution(const CElementInfo& info, const CXmlElement* parent) {
+  return {FormatString(L"Failed to find a suitable substitution element for [%ls].", info.GetElementName().c_str()),
+          parent->GetXPath()};
+}
+
+void RefuseMissing(const CSerializationContext& context, CRkException error, const std::wstring& name,
+                   const std::wstring& namespaceUri, const CXmlElement* parent, const CXmlElement* standing) {
+  error.SetHint(WhatStandsThere(name, namespaceUri, standing));
+  Refuse(context, std::move(error), standing != nullptr ? *standing : *parent);
+}
+
+void RequireCount(const CSerializationContext& context, const CXmlCollectionBase& collection, const CElementInfo& info,
+                  const CXmlElement* parent, const CXmlElement* standing) {
+  try {
+    collection.ValidateCount(context);
+  } catch (CRkException& e) {
+    if (e.GetCode() == RkErrorCode_TooFewElements)
+      e.SetHint(WhatStandsThere(info.GetElementName(), info.GetNamespace(), standing));
+    RefuseCaught(context, e, standing != nullptr ? *standing : *parent);
+  }
+}
+
+void RefuseUnread(const CSerializationContext& context, const CXmlGeneratedClass& object, const CXmlElement* parent,
+                  const CXmlElement* unread) {
+  CRkValidationException error(
+      FormatString(L"Failed read all the elements held within the element [%ls]. The unexpected element [%ls] remains "
+                   L"un processed",  // sic
+                   parent->GetLocalName().c_str(), unread->GetLocalName().c_str()),
       parent->GetXPath());
+  error.SetHint(WhyUnexpected(context, object, unread));
+  Refuse(context, std::move(error), *unread);
+}
+
+bool IsTaken(const CSerializationContext& context, const CXmlGeneratedClass& object, const CXmlElement* element,
+             const CElementInfo* behind) {
+  return IsTakenWithin(context, object, element, behind, kDeepestGroup);
+}
+
+void PassOverUnexpected(const CSerializationContext& context, const CXmlGeneratedClass& object, CXmlElement* parent,
+                        CXmlElement** cursor, const CElementInfo* behind) {
+  while (*cursor != nullptr && !(behind != nullptr && behind->IsThisElement(context, *cursor)) &&
+         !IsTaken(context, object, *cursor, behind)) {
+    RefuseUnread(context, object, parent, *cursor);
+    *cursor = (*cursor)->GetNextSiblingElement();
+  }
 }
 
 CSmartPtr<CXmlObjectBase> GetChild(const CElementInfo& info, const CXmlGeneratedClass* object) {
@@ -91,9 +207,11 @@ void ReadOwnElement(CElementInfo& info, const CSerializationContext& context, CX
 }
 
 bool ReadInline(CElementInfo& info, const CSerializationContext& context, CXmlObjectBase* child, CXmlElement* parent,
-                CXmlElement** cursor) {
+                CXmlElement** cursor, bool keeps) {
+  CErrorSession::Attempt attempt(context);
   CXmlElement* next = info.FromXml_Int(child, parent, *cursor, context, /*isOptionalChoice=*/false);
   const bool consumed = next != *cursor;
+  if (consumed || keeps) attempt.Keep();
   *cursor = next;
   return consumed;
 }

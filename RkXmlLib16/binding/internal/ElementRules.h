@@ -1,6 +1,10 @@
 #ifndef RKXMLLIB16_BINDING_INTERNAL_ELEMENTRULES_H
 #define RKXMLLIB16_BINDING_INTERNAL_ELEMENTRULES_H
 
+#include <string>
+#include <utility>
+
+#include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/SmartPtr.h"
 #include "RkXmlLib16/binding/ElementInfo.h"
 #include "RkXmlLib16/collections/CollectionBase.h"
@@ -8,6 +12,8 @@
 // The rules that records of more than one content model share.
 namespace RkXmlLib16Data {
 
+using RkXmlLib16::CRkException;
+using RkXmlLib16::CRkValidationException;
 using RkXmlLib16::CXmlCollectionBase;
 
 // `written`, or CRkInvalidParamException "The Property [%ls] is mandatory, it may not be NULL".
@@ -17,7 +23,34 @@ bool CheckedColToXml(const CElementInfo& info, const CSerializationContext& cont
                      CXmlWriter* writer);
 
 // CRkValidationException with the path of `parent`: "Failed to find the required child element [%ls].".
-[[noreturn]] void ThrowMissingChild(const CElementInfo& info, const CXmlElement* parent);
+CRkValidationException MissingChild(const CElementInfo& info, const CXmlElement* parent);
+// "Failed to find a suitable substitution element for [%ls].".
+CRkValidationException MissingSubstitution(const CElementInfo& info, const CXmlElement* parent);
+
+// Below, `standing` is the child of `parent` that stands where something else was expected, null at the end. Errors are
+// refused: these return only when reading goes on.
+
+// Refuses the absence of an element, with what stands there.
+void RefuseMissing(const CSerializationContext& context, CRkException error, const std::wstring& name,
+                   const std::wstring& namespaceUri, const CXmlElement* parent, const CXmlElement* standing);
+inline void RefuseMissing(const CSerializationContext& context, CRkException error, const CElementInfo& info,
+                          const CXmlElement* parent, const CXmlElement* standing) {
+  RefuseMissing(context, std::move(error), info.GetElementName(), info.GetNamespace(), parent, standing);
+}
+// Checks the count of a collection that was read, and refuses a wrong one.
+void RequireCount(const CSerializationContext& context, const CXmlCollectionBase& collection, const CElementInfo& info,
+                  const CXmlElement* parent, const CXmlElement* standing);
+// Refuses an element that no member reads.
+void RefuseUnread(const CSerializationContext& context, const CXmlGeneratedClass& object, const CXmlElement* parent,
+                  const CXmlElement* unread);
+
+// For reads that go on after errors, which have an error handler.
+// Whether a record of the object's class after `behind` (null: any record) could take the element.
+bool IsTaken(const CSerializationContext& context, const CXmlGeneratedClass& object, const CXmlElement* element,
+             const CElementInfo* behind = nullptr);
+// Passes over elements that no record behind `behind`, nor that record itself, could take.
+void PassOverUnexpected(const CSerializationContext& context, const CXmlGeneratedClass& object, CXmlElement* parent,
+                        CXmlElement** cursor, const CElementInfo* behind = nullptr);
 
 // The member as the object holds it; null when it holds none.
 CSmartPtr<CXmlObjectBase> GetChild(const CElementInfo& info, const CXmlGeneratedClass* object);
@@ -39,8 +72,9 @@ void ReadOwnElement(CElementInfo& info, const CSerializationContext& context, CX
                     CXmlElement** cursor, bool isOptionalChoice = false);
 // Lets the object or collection read from the cursor's place among the children of `parent`; whether it consumed
 // anything. The cursor moves over what was consumed.
+// `keeps`: what went wrong counts even if nothing was consumed.
 bool ReadInline(CElementInfo& info, const CSerializationContext& context, CXmlObjectBase* child, CXmlElement* parent,
-                CXmlElement** cursor);
+                CXmlElement** cursor, bool keeps = false);
 
 // Wildcards. A record called "AnyElement" takes elements of any local name.
 bool AcceptsName(const CElementInfo& info, const CXmlElement* element);

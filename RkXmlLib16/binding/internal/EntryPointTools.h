@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/context/internal/ErrorSession.h"
 #include "RkXmlLib16/document/ElementTree.h"
 #include "RkXmlLib16/io/BinaryStream.h"
 #include "RkXmlLib16/io/TextStream.h"
@@ -33,11 +34,14 @@ auto Guarded(Work&& work) {
 // Fills the object from the document that `load` loads.
 template <class Load>
 void ReadDocument(CXmlObjectBase& object, const CSerializationContext& context, Load&& load) {
-  CXmlDocument document(context);
-  document.SetInputStays(true);
-  Guarded([&] { load(document); });
-  const CXmlElement* const root = document.GetDocumentElement();
-  object.FromXmlElement(root, context);
+  CErrorSession session(context);
+  session.Run([&] {
+    CXmlDocument document(context);
+    document.SetInputStays(true);
+    Guarded([&] { load(document); });
+    const CXmlElement* const root = document.GetDocumentElement();
+    object.FromXmlElement(root, context);
+  });
 }
 
 // Throws CRkException "ZLIB Compression only available for To Stream methods.".
