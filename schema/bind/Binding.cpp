@@ -93,7 +93,8 @@ struct CBinding::State {
   ValueBinding mixedText;
   std::vector<RootBinding> roots;
   std::unordered_map<QName, std::size_t, QNameHash> rootTable;
-  std::vector<Diagnostic> warnings;
+  std::vector<Diagnostic> unchecked;
+  std::vector<Diagnostic> unkept;
 };
 
 class CBinding::Builder {
@@ -115,7 +116,7 @@ class CBinding::Builder {
     AddTypesByName();
     SpreadNillable();
     for (const NotationDeclaration* notation : schemas.GetNotations())
-      Warn(notation->location, L"The notation [" + notation->name.localName + L"] is not checked.");
+      Warn(m_state.unchecked, notation->location, L"The notation [" + notation->name.localName + L"] is not checked.");
     Order();
   }
 
@@ -127,8 +128,8 @@ class CBinding::Builder {
     bool isExtended = false;                     // more elements follow in derived types
   };
 
-  void Warn(const SourceLocation& location, std::wstring message) {
-    m_state.warnings.push_back({Severity::Warning, location, std::move(message)});
+  static void Warn(std::vector<Diagnostic>& warnings, const SourceLocation& location, std::wstring message) {
+    warnings.push_back({Severity::Warning, location, std::move(message)});
   }
 
   // ---- Classes
@@ -237,7 +238,8 @@ class CBinding::Builder {
     } else if (object.isMixed) {
       SetText(object, &m_state.mixedText);
       if (type.HasElements() && !IsAnyType(&type))
-        Warn(type.location, L"The text of mixed content is kept without its position between the elements.");
+        Warn(m_state.unkept, type.location,
+             L"The text of mixed content is kept without its position between the elements.");
     }
   }
 
@@ -310,6 +312,8 @@ class CBinding::Builder {
   // The members of a class from a group that occurs once.
   void AddMembers(ClassBinding& object, const ModelGroup& group, const Content& content, bool isRepeated) {
     object.group = GroupTypeOf(group.compositor);
+    if (group.compositor == Compositor::All && PartsOf(group).size() > 1)
+      Warn(m_state.unkept, group.location, L"The elements of an all group are written in the order of the schema.");
     for (const Particle* part : PartsOf(group)) AddPart(object, *part, content, isRepeated);
     if (group.compositor == Compositor::Choice) object.contentMayBeEmpty = IsEmptiable(group);
   }
@@ -469,7 +473,8 @@ class CBinding::Builder {
     if (!m_noted.insert(&element).second) return;
     if (element.isNillable) ClassOfNillable(element);
     for (const IdentityConstraintDefinition* constraint : element.identityConstraints)
-      Warn(constraint->location, L"The identity constraint [" + constraint->name.localName + L"] is not checked.");
+      Warn(m_state.unchecked, constraint->location,
+           L"The identity constraint [" + constraint->name.localName + L"] is not checked.");
   }
 
   void ClassOfNillable(const ElementDeclaration& element) {
@@ -534,7 +539,8 @@ CBinding::~CBinding() = default;
 const CSchemaSet& CBinding::GetSchemas() const noexcept { return *m_state->schemas; }
 const std::vector<std::unique_ptr<ClassBinding>>& CBinding::GetClasses() const noexcept { return m_state->classes; }
 const std::vector<RootBinding>& CBinding::GetRoots() const noexcept { return m_state->roots; }
-const std::vector<Diagnostic>& CBinding::GetWarnings() const noexcept { return m_state->warnings; }
+const std::vector<Diagnostic>& CBinding::GetUnchecked() const noexcept { return m_state->unchecked; }
+const std::vector<Diagnostic>& CBinding::GetUnkept() const noexcept { return m_state->unkept; }
 
 const ClassBinding* CBinding::FindClass(const TypeDefinition* type) const {
   const auto found = m_state->byType.find(type);

@@ -187,8 +187,10 @@ class CBinding {
   const ClassBinding* FindSubstitute(const TypeDefinition* declared, const ElementDeclaration* element,
                                      const QName& type) const;
 
-  // What the records cannot hold, each with its place: positions of mixed text, identity constraints, notations.
-  const std::vector<Diagnostic>& GetWarnings() const noexcept;
+  // What the records do not check, each with its place: identity constraints, notations.
+  const std::vector<Diagnostic>& GetUnchecked() const noexcept;
+  // What they do not keep: positions of mixed text, the order within an all group.
+  const std::vector<Diagnostic>& GetUnkept() const noexcept;
 
  private:
   class Builder;

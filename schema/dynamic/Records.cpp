@@ -105,7 +105,7 @@ class CCheckedCol final : public Base {
            this->DoesElementNameMatch(context, current, member.name.c_str(), member.namespaceUri.c_str());
          current = current->GetNextSiblingElement()) {
       CheckItem(context, *current);
-      this->AddFromString(current->GetText());
+      AddItem(*current);
     }
     return current;
   }
@@ -119,6 +119,15 @@ class CCheckedCol final : public Base {
              f.GetMaxExclusive().c_str(), f.GetLength(), f.GetTotalDigits(), f.GetFractionDigits(),
              property.value->whitespace, nullptr),
         m_property(property) {}
+
+  void AddItem(const CXmlElement& element) {
+    try {
+      this->AddFromString(element.GetText());
+    } catch (CRkException& e) {
+      At(e, element);
+      throw;
+    }
+  }
 
   void CheckItem(const CSerializationContext& context, const CXmlElement& element) const {
     RefuseChildren(element);
@@ -339,7 +348,9 @@ class CWildcardAttributes final : public CAttributeInfoAny {
                         CXmlAttribute* attribute) override {
     if (!m_wildcard.Allows(attribute->GetNamespaceURI())) return false;
     CheckWildcardAttribute(m_schema, m_wildcard.processContents, *attribute);
-    static_cast<CDynamicObject&>(*object).Ensure(m_property);
+    auto& owner = static_cast<CDynamicObject&>(*object);
+    owner.Ensure(m_property);
+    owner.KeepPrefixes(*attribute->GetElement(), attribute->GetValue());
     return CAttributeInfoAny::AttributeFromXml(context, object, attribute);
   }
 

@@ -66,7 +66,7 @@ complete_words() {
 }
 for command in convert show check; do
   run 0 "$command" --help
-  for option in $(grep -oE -- '--[a-z]+' out | sort -u); do
+  for option in $(grep -oE -- '--[a-z]+(-[a-z]+)*' out | sort -u); do
     grep -qF -- "${option//-/\\-}" "$source/rkxml.1" || fail "the manual page does not tell $option"
     [[ $(complete_words "$command" "$option") == *" $option "* ]] || fail "the shell does not complete $command $option"
   done
@@ -323,6 +323,35 @@ run 0 convert --quiet mixed.xml mixed.json
 [ ! -s err ] || fail "convert --quiet says $(cat err)"
 run 0 convert "$track" kept.xml
 [ ! -s err ] || fail "convert says $(cat err) although everything is kept"
+
+## Documents by a schema
+cat >order.xsd <<'END'
+<xs:schema xmlns:xs="http://www.w3.org/2001/XMLSchema"><xs:element name="order"><xs:complexType><xs:sequence>
+ <xs:element name="item" type="xs:int" maxOccurs="3"/></xs:sequence><xs:attribute name="id" type="xs:date" use="required"/>
+</xs:complexType><xs:unique name="u"><xs:selector xpath="item"/><xs:field xpath="."/></xs:unique></xs:element></xs:schema>
+END
+printf '<order id="2024-02-29"><item>1</item></order>' >good.xml
+printf '<order id="2023-02-29"\n><item>1</item>\n  <item>x</item><other/></order>' >bad.xml
+printf '<order xmlns:i="http://www.w3.org/2001/XMLSchema-instance" i:noNamespaceSchemaLocation="order.xsd"/>' >located.xml
+run 0 check --schema order.xsd good.xml
+grep -q 'order.xsd:3:18: warning: The identity constraint \[u\] is not checked.$' err || fail "check warns $(cat err)"
+run 0 convert --schema order.xsd good.xml good.json --compact --quiet
+grep -q '"item": 1}' good.json || fail "the schema types JSON as $(cat good.json)"
+run 0 convert --schema order.xsd good.json good.finf --quiet
+run 0 check --quiet --schema order.xsd good.json good.finf
+[ ! -s err ] || fail "check --quiet says $(cat err)"
+run 1 check --quiet --schema order.xsd good.xml bad.xml
+[ "$(wc -l <out)" -ge 2 ] && grep -q '^bad.xml:1:8: /order/@id: ' out && grep -q '^bad.xml:3:3: /order/item' out ||
+  fail "check says $(cat out)"
+run 1 convert --quiet --schema order.xsd bad.xml bad.json
+[ ! -e bad.json ] || fail "a document that is not valid was converted"
+run 0 convert --force --quiet --schema order.xsd bad.xml bad.json
+run 1 check --quiet --follow-locations located.xml
+grep -q 'required Attribute \[id\]' out || fail "locations are not followed: $(cat out)"
+printf '<xs:schema xmlns:xs="http://www.w3.org/2001/XMLSchema">\n<xs:element name="r" type="t"/></xs:schema>' >none.xsd
+run 2 check --schema none.xsd good.xml
+grep -q 'none.xsd:2:.*error: ' err || fail "a bad schema gives $(cat err)"
+refuses 2 'goes with' convert --force good.xml out.json
 
 [ "$failures" = 0 ] || { echo "$failures failures"; exit 1; }
 echo "all passed"

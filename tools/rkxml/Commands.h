@@ -5,7 +5,7 @@
 
 #include "Options.h"
 
-// The commands. They throw FileError, CRkException and DocumentError.
+// The commands. They throw FileError, CRkException, DocumentError and, with a schema, SchemaError.
 void Convert(const Options& options);
 void Show(const Options& options);
 // Whether all documents can be read; tells the errors of those that cannot.
@@ -16,6 +16,12 @@ std::string Help(Command command);
 
 // A document that is bad in a way that the tool can say better than the library.
 class DocumentError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// The schema cannot be used; a line for each reason.
+class SchemaError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };

@@ -1,8 +1,10 @@
 #include <cstdio>
+#include <optional>
 
 #include "Gzip.h"
 #include "Load.h"
 #include "Progress.h"
+#include "Schema.h"
 #include "Text.h"
 #include "Tree.h"
 
@@ -26,6 +28,21 @@ std::string LeftOut(const CErrorCollector& collector, const CXmlDocument& docume
   return text;
 }
 
+// The document as an object of the schema: its values are typed, and repeated elements are known.
+CSmartPtr<CXmlObjectBase> ToTyped(const Schema& schema, const Options& options, const CXmlDocument& document,
+                                  CSerializationContext& context) {
+  const bool hasNamespaces = options.from != FindForm("json") || options.json.mode == JsonRoundTrip_Namespaces;
+  context.SetIgnoreNamespaces(!hasNamespaces);
+  const ValidatedDocument result = ReadBySchema(schema, document, context, options.input);
+  context.SetIgnoreNamespaces(false);
+  if (result.errors.empty()) return result.object;
+  std::string lines;
+  for (const std::string& error : result.errors) lines += (lines.empty() ? "" : "\n") + error;
+  if (!options.force) throw DocumentError(lines + "\n(--force converts it without the schema)");
+  std::fprintf(stderr, "%s\n", lines.c_str());
+  return nullptr;
+}
+
 }  // namespace
 
 void Convert(const Options& options) {
@@ -38,7 +55,8 @@ void Convert(const Options& options) {
   CErrorCollector collector;
   if (!options.quiet) context.SetErrorHandler(&collector);
   std::string leftOut;
-  CElement element;
+  std::optional<Schema> schema;  // outlives the object
+  CSmartPtr<CXmlObjectBase> object;
   {
     Bytes bytes = ReadFile(options.input);
     progress.Read(bytes.size());
@@ -49,10 +67,20 @@ void Convert(const Options& options) {
     if (!options.quiet) leftOut = LeftOut(collector, document);
     context.TakeNamespaces(document);
     if (options.to->needsPrefixes) AddPrefixes(document, context);
-    element.FromXmlElement(document.GetDocumentElement(), context);
+    if (options.UsesSchema()) {
+      schema.emplace(options,
+                     options.followLocations ? SchemaLocations(document, options.input) : std::vector<std::wstring>());
+      if (!options.quiet) std::fputs(schema->GetUnchecked().c_str(), stderr);
+      object = ToTyped(*schema, options, document, context);
+      if (object != nullptr) context.GetFIContext()->SetSuggestedValues();
+    }
+    if (object == nullptr) {
+      object = CSmartPtr<CXmlObjectBase>(new CElement);
+      object->FromXmlElement(document.GetDocumentElement(), context);
+    }
   }
   progress.Writing();
-  const CBinaryData output = options.to->write(element, options.layout, context);
+  const CBinaryData output = options.to->write(*object, options.layout, context);
   Bytes zipped;
   if (options.layout.gzip) zipped = Gzip(output.GetData(), output.GetLength());
   const unsigned char* const data = options.layout.gzip ? zipped.data() : output.GetData();

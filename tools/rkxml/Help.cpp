@@ -54,6 +54,10 @@ std::string Help(Command command) {
              "  --limits none|NAME=N,.. what IN may cost, 0 for no limit: depth, nodes,\n"
              "                          characters, inflated-bytes, inflation-ratio,\n"
              "                          expansion-ratio\n"
+             "  --schema S.xsd          check IN by this schema and type its values\n"
+             "  --catalog FILE          lines URL=FILE: where schemas of such locations are\n"
+             "  --follow-locations      take relative files of xsi:schemaLocation too\n"
+             "  --force                 convert what is not valid, without the schema\n"
              "  --quiet                 do not tell what OUT could not keep\n"
              "  -h, --help              this text\n"
              "\n"
@@ -103,9 +107,13 @@ std::string Help(Command command) {
              "  --limits none|NAME=N,.. what a document may cost, 0 for no limit: depth,\n"
              "                          nodes, characters, inflated-bytes, inflation-ratio,\n"
              "                          expansion-ratio\n"
+             "  --schema S.xsd          check against this schema; may be repeated\n"
+             "  --catalog FILE          lines URL=FILE: where schemas of such locations are\n"
+             "  --follow-locations      take relative files of xsi:schemaLocation too\n"
+             "  --quiet                 do not tell what of the schema is not checked\n"
              "  -h, --help              this text\n"
              "\n"
-             "Exit status: 0 all can be read, 1 not all.\n";
+             "Exit status: 0 all are good, 1 not all, 2 the schema cannot be used.\n";
     case Command::None:
       break;
   }

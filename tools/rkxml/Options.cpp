@@ -104,38 +104,47 @@ constexpr Use kPretty = {"pretty XML or JSON output",
 constexpr Use kFastInfoset = {"Fast Infoset output", [](const Options& o) { return o.to == FindForm("finf"); }};
 constexpr Use kJson = {"JSON", [](const Options& o) { return o.from == FindForm("json") || o.to == FindForm("json"); }};
 constexpr Use kJsonInput = {"JSON input", [](const Options& o) { return o.from == FindForm("json"); }};
+constexpr Use kSchema = {"--schema or --follow-locations", [](const Options& o) { return o.UsesSchema(); }};
 constexpr Use kNoJsonInput = {"Fast Infoset input", [](const Options& o) { return o.from != FindForm("json"); }};
+
+enum Commands : unsigned { kConvert = 1, kShow = 2, kCheck = 4, kAll = 7 };
 
 // One option. `apply` gets the value, or an empty text for an option without one.
 struct Option {
   std::string_view name;
   bool takesValue;
-  bool forShow;
+  unsigned commands;
   const Use& use;
   void (*apply)(Options& options, std::string_view value);
 };
 
 constexpr Option kOptions[] = {
-    {"--from", true, true, kAlways, [](Options& o, std::string_view v) { o.from = FormOption("--from", v); }},
-    {"--to", true, false, kAlways, [](Options& o, std::string_view v) { o.to = FormOption("--to", v); }},
-    {"--pretty", false, false, kText, [](Options& o, std::string_view) { o.layout.pretty = true; }},
-    {"--compact", false, false, kText, [](Options& o, std::string_view) { o.layout.pretty = false; }},
-    {"--indent", true, false, kPretty, [](Options& o, std::string_view v) { o.layout.indent = IndentOption(v); }},
-    {"--eol", true, false, kPretty, [](Options& o, std::string_view v) { o.layout.eol = EolOption(v); }},
-    {"--encoding", true, false, kText, [](Options& o, std::string_view v) { o.layout.encoding = EncodingOption(v); }},
-    {"--mode", true, true, kJson, [](Options& o, std::string_view v) { o.json.mode = ModeOption(v); }},
-    {"--root", true, true, kJsonInput,
+    {"--from", true, kAll, kAlways, [](Options& o, std::string_view v) { o.from = FormOption("--from", v); }},
+    {"--to", true, kConvert, kAlways, [](Options& o, std::string_view v) { o.to = FormOption("--to", v); }},
+    {"--pretty", false, kConvert, kText, [](Options& o, std::string_view) { o.layout.pretty = true; }},
+    {"--compact", false, kConvert, kText, [](Options& o, std::string_view) { o.layout.pretty = false; }},
+    {"--indent", true, kConvert, kPretty, [](Options& o, std::string_view v) { o.layout.indent = IndentOption(v); }},
+    {"--eol", true, kConvert, kPretty, [](Options& o, std::string_view v) { o.layout.eol = EolOption(v); }},
+    {"--encoding", true, kConvert, kText,
+     [](Options& o, std::string_view v) { o.layout.encoding = EncodingOption(v); }},
+    {"--mode", true, kAll, kJson, [](Options& o, std::string_view v) { o.json.mode = ModeOption(v); }},
+    {"--root", true, kAll, kJsonInput,
      [](Options& o, std::string_view v) { o.json.rootName = CEncoder::Utf8ToUnicode(v); }},
-    {"--declaration", true, false, kFastInfoset,
+    {"--declaration", true, kConvert, kFastInfoset,
      [](Options& o, std::string_view v) { o.layout.declaration = DeclarationOption(v); }},
-    {"--typed", false, false, kFastInfoset, [](Options& o, std::string_view) { o.layout.typed = true; }},
-    {"--limits", true, true, kAlways, [](Options& o, std::string_view v) { ApplyLimits(o.limits, v); }},
-    {"--octets", false, true, kNoJsonInput, [](Options& o, std::string_view) { o.octets = true; }},
-    {"--gzip", false, false, kAlways, [](Options& o, std::string_view) { o.layout.gzip = true; }},
-    {"--quiet", false, false, kAlways, [](Options& o, std::string_view) { o.quiet = true; }},
-    {"--help", false, true, kAlways, [](Options& o, std::string_view) { o.help = true; }},
-    {"-h", false, true, kAlways, [](Options& o, std::string_view) { o.help = true; }},
-    {"--version", false, true, kAlways, [](Options& o, std::string_view) { o.version = true; }},
+    {"--typed", false, kConvert, kFastInfoset, [](Options& o, std::string_view) { o.layout.typed = true; }},
+    {"--limits", true, kAll, kAlways, [](Options& o, std::string_view v) { ApplyLimits(o.limits, v); }},
+    {"--schema", true, kConvert | kCheck, kAlways, [](Options& o, std::string_view v) { o.schemas.emplace_back(v); }},
+    {"--catalog", true, kConvert | kCheck, kSchema, [](Options& o, std::string_view v) { o.catalog = v; }},
+    {"--follow-locations", false, kConvert | kCheck, kAlways,
+     [](Options& o, std::string_view) { o.followLocations = true; }},
+    {"--force", false, kConvert, kSchema, [](Options& o, std::string_view) { o.force = true; }},
+    {"--octets", false, kShow, kNoJsonInput, [](Options& o, std::string_view) { o.octets = true; }},
+    {"--gzip", false, kConvert, kAlways, [](Options& o, std::string_view) { o.layout.gzip = true; }},
+    {"--quiet", false, kConvert | kCheck, kAlways, [](Options& o, std::string_view) { o.quiet = true; }},
+    {"--help", false, kAll, kAlways, [](Options& o, std::string_view) { o.help = true; }},
+    {"-h", false, kAll, kAlways, [](Options& o, std::string_view) { o.help = true; }},
+    {"--version", false, kAll, kAlways, [](Options& o, std::string_view) { o.version = true; }},
 };
 
 // The number of characters to change, add or drop to make one word the other.
@@ -211,9 +220,10 @@ void CheckUse(const std::vector<const Option*>& given, const Options& options) {
   const std::string hint = "see rkxml " + command + " --help";
   for (const Option* option : given) {
     const std::string name = "option " + std::string(option->name);
-    const bool isForCommand = option->forShow && (command == "show" || option->name != "--octets");
-    if (!convert && !isForCommand) throw UsageError(name + " does not go with " + command, hint);
-    if (command != "check" && !option->use.holds(options))
+    const unsigned bit = convert ? kConvert : options.command == Command::Check ? kCheck : kShow;
+    if ((option->commands & bit) == 0) throw UsageError(name + " does not go with " + command, hint);
+    // The files of a check may be of several forms.
+    if ((bit != kCheck || &option->use == &kSchema) && !option->use.holds(options))
       throw UsageError(name + " goes with " + option->use.text + " only", hint);
   }
 }

@@ -22,8 +22,14 @@ struct Options {
   Layout layout;
   JsonMapping json;
   RkXmlLib16::CReadLimits limits;
-  bool octets = false;  // show the octets of a Fast Infoset
-  bool quiet = false;   // do not tell what a conversion leaves out
+  std::vector<std::string> schemas;
+  std::string catalog;           // of schema locations; empty for none
+  bool followLocations = false;  // take schemas from xsi:schemaLocation too
+  bool force = false;            // convert what is not valid, without the schema
+  bool octets = false;           // show the octets of a Fast Infoset
+  bool quiet = false;            // do not tell what a conversion leaves out, or what a schema says that is not checked
+
+  bool UsesSchema() const { return !schemas.empty() || followLocations; }
 };
 
 // A wrong call: the reason, and on the next line what may help.

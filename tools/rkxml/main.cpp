@@ -46,6 +46,9 @@ int main(int argc, char** argv) {
   } catch (const UsageError& e) {
     Complain(std::string(e.what()) + " (" + e.GetHint() + ")");
     return kWrongCall;
+  } catch (const SchemaError& e) {
+    std::fputs(e.what(), stderr);
+    return kWrongCall;
   } catch (const FileError& e) {
     return Fail(e.what());
   } catch (const DocumentError& e) {

@@ -29,12 +29,13 @@ _rkxml() {
     --eol) mapfile -t COMPREPLY < <(compgen -W 'lf crlf' -- "$current") && return ;;
     --mode) mapfile -t COMPREPLY < <(compgen -W '0 1 2' -- "$current") && return ;;
     --limits) mapfile -t COMPREPLY < <(compgen -W 'none depth= nodes= characters= inflated-bytes= inflation-ratio= expansion-ratio=' -- "$current") && return ;;
+    --schema | --catalog) mapfile -t COMPREPLY < <(compgen -f -- "$current") && return ;;
     --encoding) mapfile -t COMPREPLY < <(compgen -W 'utf-8 utf-16 wide' -- "$current") && return ;;
   esac
   local words='convert show check --help -h --version'
   case $command in
-    convert) words='--from --to --pretty --compact --indent --eol --encoding --mode --root --declaration --typed --gzip --limits --quiet --help -h' ;;
-    check) words='--from --mode --root --limits --help -h' ;;
+    convert) words='--from --to --pretty --compact --indent --eol --encoding --mode --root --declaration --typed --gzip --limits --schema --catalog --follow-locations --force --quiet --help -h' ;;
+    check) words='--from --mode --root --limits --schema --catalog --follow-locations --quiet --help -h' ;;
     show) words='--from --mode --root --limits --octets --help -h' ;;
   esac
   if [ -n "$command" ] && [ "${current:0:1}" != - ]; then

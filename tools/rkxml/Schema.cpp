@@ -1,0 +1,84 @@
+#include "Schema.h"
+
+#include <algorithm>
+
+#include "Text.h"
+#include "Tree.h"
+
+using namespace RkXmlLib16;
+using namespace RkXmlSchema;
+
+namespace {
+
+std::string Lines(const std::vector<Diagnostic>& diagnostics, Severity severity) {
+  std::string lines;
+  for (const Diagnostic& diagnostic : diagnostics)
+    if (diagnostic.severity == severity) lines += ForTerminal(diagnostic.ToString()) + "\n";
+  return lines;
+}
+
+bool IsRelativeFile(const std::wstring& location) {
+  return !location.empty() && location[0] != L'/' && location.find(L':') == std::wstring::npos;
+}
+
+}  // namespace
+
+Schema::Schema(const Options& options, const std::vector<std::wstring>& locations) {
+  SchemaOptions schemaOptions;
+  schemaOptions.catalogFile = CEncoder::Utf8ToUnicode(options.catalog);
+  m_set = std::make_unique<CSchemaSet>(schemaOptions);
+  for (const std::string& file : options.schemas) m_set->AddFile(CEncoder::Utf8ToUnicode(file));
+  for (const std::wstring& file : locations) m_set->AddFile(file);
+  if (!m_set->Resolve()) throw SchemaError(Lines(m_set->GetDiagnostics(), Severity::Error));
+  m_binding = std::make_unique<CBinding>(*m_set);
+  m_dynamic = std::make_unique<CDynamicSchema>(*m_binding);
+}
+
+std::string Schema::GetUnchecked() const {
+  return Lines(m_set->GetDiagnostics(), Severity::Warning) + Lines(m_binding->GetUnchecked(), Severity::Warning);
+}
+
+std::vector<std::wstring> SchemaLocations(const CXmlDocument& document, const std::string& file) {
+  const std::size_t slash = file.rfind('/');
+  const std::wstring folder =
+      slash == std::string::npos ? std::wstring() : CEncoder::Utf8ToUnicode(file.substr(0, slash + 1));
+  std::vector<std::wstring> files;
+  const auto add = [&](const std::wstring& location) {
+    if (!IsRelativeFile(location) || std::count(files.begin(), files.end(), folder + location) != 0) return;
+    files.push_back(folder + location);
+  };
+  for (TreeWalk walk(document); walk; walk.Next()) {
+    std::wstring pairs =
+        CWhitespaceUtils::Collapse(walk->GetAttribute(L"schemaLocation", kInstanceNamespace).ToString());
+    for (bool isLocation = false; !pairs.empty(); isLocation = !isLocation) {
+      const std::size_t blank = std::min(pairs.find(L' '), pairs.size());
+      if (isLocation) add(pairs.substr(0, blank));
+      pairs.erase(0, blank + 1);
+    }
+    add(CWhitespaceUtils::Collapse(walk->GetAttribute(L"noNamespaceSchemaLocation", kInstanceNamespace).ToString()));
+  }
+  return files;
+}
+
+ValidatedDocument ReadBySchema(const Schema& schema, const CXmlDocument& document, CSerializationContext& context,
+                               const std::string& file) {
+  ValidatedDocument result;
+  CErrorCollector collector;
+  const std::string name = file == "-" ? "standard input" : ForTerminal(file);
+  const auto tell = [&](const CRkException& e) {
+    result.errors.push_back(name + (e.GetLocation().IsKnown() ? ":" : ": ") + Reason(e));
+  };
+  context.SetErrorHandler(&collector);
+  try {
+    result.object = schema.Get().NewFor(*document.GetDocumentElement(), context);
+    result.object->FromXmlElement(document.GetDocumentElement(), context);
+  } catch (const CRkException& e) {
+    if (!collector.HasErrors()) tell(e);
+  }
+  context.SetErrorHandler(nullptr);
+  for (const auto& error : collector.GetErrors()) tell(*error);
+  if (collector.GetErrorCount() > collector.GetErrors().size())
+    result.errors.push_back(name + ": " + Grouped(collector.GetErrorCount() - collector.GetErrors().size()) +
+                            " more errors");
+  return result;
+}
