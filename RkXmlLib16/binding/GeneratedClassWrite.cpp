@@ -48,6 +48,13 @@ bool HasSimpleContent(const CParentElementInfo& info) {
   writer.WriteStartElement(name, namespaceUri);
 }
 
+// Puts the element before the path of an error of writing, which ends with the member that was refused.
+[[gnu::noinline]] void AddToPath(CRkException& error, const std::wstring& name) {
+  std::wstring path = error.GetLocation().GetPath();
+  if (path.empty() && error.GetRefusedValue() != nullptr) path = L'/' + error.GetRefusedValue()->name;
+  error.SetLocation(CRkLocation(L'/' + name + path));
+}
+
 }  // namespace
 
 void CXmlGeneratedClass::ToXml_Int(CXmlWriter* writer, bool registerNamespaces, const wchar_t* namespaceUri,
@@ -55,6 +62,7 @@ void CXmlGeneratedClass::ToXml_Int(CXmlWriter* writer, bool registerNamespaces, 
   try {
     WriteElement(writer, registerNamespaces, namespaceUri, context, isOptionalChoice);
   } catch (CRkException& e) {
+    if (GetClassInfo()->GetElementType() == XmlElementType_Element) AddToPath(e, GetElementNameRef());
     ThrowNotWritten(*this, e);
   }
 }

@@ -180,6 +180,13 @@ void CXmlCollection::Unlink(CNode* node) {
   m_free = node;
 }
 
+void CXmlCollection::AddPosition(CRkException& error, int position) const {
+  std::wstring path = error.GetLocation().GetPath();
+  if (GetCount() < 2 || path.empty()) return;
+  path.insert(std::min(path.find(L'/', 1), path.size()), L'[' + std::to_wstring(position) + L']');
+  error.SetLocation(CRkLocation(std::move(path)));
+}
+
 CXmlElement* CXmlCollection::ReadGroup(CXmlObjectBase* item, CXmlElement* parent, CXmlElement* current,
                                        const CSerializationContext& context, bool isOptionalChoice) {
   CErrorSession::Attempt attempt(context);

@@ -11,6 +11,8 @@
 
 namespace RkXmlLib16 {
 
+class CRkException;
+
 // The ordered list of objects behind every typed object collection. It holds one counted reference on each item; null
 // items are allowed. Every insertion tells the listeners that the item is about to be added, that it was added, and
 // that the collection changed; every removal likewise, with the index -1.
@@ -110,6 +112,8 @@ class RKXML_EXPORT CXmlCollection : public CXmlCollectionBase {
   CIterator<CXmlObjectBase> end() const noexcept { return {}; }
 
  protected:
+  // Adds to the path of an error of writing which item it comes from, counted from 1, unless it is the only one.
+  void AddPosition(CRkException& error, int position) const;
   // Lets an item that is an inline group read from `current` on; returns the first child that it left, `current` when
   // it is not there.
   static CXmlElement* ReadGroup(CXmlObjectBase* item, CXmlElement* parent, CXmlElement* current,

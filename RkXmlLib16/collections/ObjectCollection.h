@@ -1,6 +1,7 @@
 #ifndef RKXMLLIB16_COLLECTIONS_OBJECTCOLLECTION_H
 #define RKXMLLIB16_COLLECTIONS_OBJECTCOLLECTION_H
 
+#include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/SmartPtr.h"
 #include "RkXmlLib16/collections/Collection.h"
 #include "RkXmlLib16/document/ElementTree.h"
@@ -53,11 +54,18 @@ class CXmlObjectCollection : public CXmlCollection {
   void ToXml_Int(CXmlWriter* writer, bool registerNamespaces, const wchar_t* namespaceUri,
                  const CSerializationContext& context, bool isOptionalChoice) const override {
     const CXmlWriter::LastingNames names = writer->GetLastingNames();
-    for (CItemWalk<sizeof(T)> walk(*this); walk.Advance();) {
-      const CXmlObjectBase* item = walk.GetItem();
-      if (item == nullptr) continue;
-      writer->SetLastingNames(names);
-      item->ToXml_Int(writer, registerNamespaces, namespaceUri, context, isOptionalChoice);
+    int position = 0;
+    try {
+      for (CItemWalk<sizeof(T)> walk(*this); walk.Advance();) {
+        ++position;
+        const CXmlObjectBase* item = walk.GetItem();
+        if (item == nullptr) continue;
+        writer->SetLastingNames(names);
+        item->ToXml_Int(writer, registerNamespaces, namespaceUri, context, isOptionalChoice);
+      }
+    } catch (CRkException& e) {
+      AddPosition(e, position);
+      throw;
     }
   }
 

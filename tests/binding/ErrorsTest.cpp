@@ -398,6 +398,25 @@ TEST_F(ErrorsTest, ProgramsThatCatchStdExceptionsGetTheReport) {
   EXPECT_EQ(WithStdExceptions([] { return 7; }), 7);
 }
 
+TEST_F(ErrorsTest, ErrorsOfWritingNameTheObjectInTheTree) {
+  Table item(ClassInfo(kSequence, L"item"), {Prim(L"price", 0, ItemType_decimal, false, nullptr, AtLeastZero())});
+  const Table order(ClassInfo(kSequence, L"order"), {new CElementInfoSeqClsCol(L"item", L"", 0, kOwn)}, {},
+                    {[&item](RkVariant& value) {
+                      Classes() = {&item};
+                      value.SetXmlCollection(new CTableCol(L"item", L"", 0, -1, CreateClass, 0));
+                    }});
+  const auto object = CTableClass::Create(order);
+  object->FromXml("<order><item><price>1</price></item><item><price>-3</price></item></order>",
+                  CSerializationContext());
+  try {
+    Write(*object);
+    ADD_FAILURE() << "written";
+  } catch (const CRkException& e) {
+    EXPECT_STREQ(e.what(), "/order/item[2]/price: Invalid Value for price [-3] (minInclusive 0)");
+    EXPECT_EQ(e.GetPath(), L"");
+  }
+}
+
 // The message of each row with something for its conversions.
 TEST(ErrorTableTest, EveryMessageHasTheCodeOfItsRow) {
   struct Row {
