@@ -1,4 +1,4 @@
-// Measures every road of a document, each as a ratio to bare expat on the same XML bytes in the same run.
+// Measures every operation on a document, each as a ratio to bare expat on the same XML bytes in the same run.
 // scripts/bench.sh builds and runs it; --large adds documents of 100 MB.
 
 #include <RkXmlLib16/RkXmlLib16.h>
@@ -13,9 +13,9 @@
 #include <vector>
 
 #include "AllocationCount.h"
-#include "Roads.h"
+#include "Operations.h"
 
-using Bench::Road;
+using Bench::Operation;
 using Bench::Subject;
 using RkXmlLib16::CRkException;
 
@@ -61,18 +61,18 @@ class MedianReporter : public benchmark::BenchmarkReporter {
 // Small documents are repeated until so much XML was worked on.
 constexpr std::size_t kBytesPerRepetition = 4 << 20;
 
-std::string Key(const Subject& subject, const Road& road) { return subject.name + ": " + road.name; }
+std::string Key(const Subject& subject, const Operation& operation) { return subject.name + ": " + operation.name; }
 
-void Register(const Subject& subject, const Road& road) {
-  benchmark::RegisterBenchmark(Key(subject, road).c_str(),
-                               [&road](benchmark::State& state) {
+void Register(const Subject& subject, const Operation& operation) {
+  benchmark::RegisterBenchmark(Key(subject, operation).c_str(),
+                               [&operation](benchmark::State& state) {
                                  for (auto _ : state) {
-                                   road.prepare();
+                                   operation.prepare();
                                    const auto start = Clock::now();
-                                   road.run();
+                                   operation.run();
                                    const std::chrono::duration<double> time = Clock::now() - start;
                                    state.SetIterationTime(time.count());
-                                   road.finish();
+                                   operation.finish();
                                  }
                                })
       ->UseManualTime()
@@ -81,19 +81,19 @@ void Register(const Subject& subject, const Road& road) {
 }
 
 void PrintTable(const Subject& subject, const MedianReporter& times) {
-  std::printf("\n%s\n%-34s %9s %12s %13s %12s\n", subject.name.c_str(), "road", "MB/s", "ratio", "allocations",
+  std::printf("\n%s\n%-34s %9s %12s %13s %12s\n", subject.name.c_str(), "operation", "MB/s", "ratio", "allocations",
               "peak memory");
   std::printf("%-34s %9s %12s %13s %12s\n", "", "", "to expat", "per element", "times input");
-  const double floor = times.Seconds(Key(subject, subject.roads.front()));
-  for (const Road& road : subject.roads) {
-    const double seconds = times.Seconds(Key(subject, road));
+  const double floor = times.Seconds(Key(subject, subject.operations.front()));
+  for (const Operation& operation : subject.operations) {
+    const double seconds = times.Seconds(Key(subject, operation));
     if (seconds == 0) continue;
-    road.prepare();
+    operation.prepare();
     Bench::StartCounting();
-    road.run();
+    operation.run();
     const Bench::HeapUse heap = Bench::StopCounting();
-    road.finish();
-    std::printf("%-34s %9.1f %12.2f %13.2f %12.2f\n", road.name.c_str(),
+    operation.finish();
+    std::printf("%-34s %9.1f %12.2f %13.2f %12.2f\n", operation.name.c_str(),
                 static_cast<double>(subject.bytes) / seconds / 1e6, seconds / floor,
                 static_cast<double>(heap.allocations) / static_cast<double>(subject.elements),
                 static_cast<double>(heap.peakBytes) / static_cast<double>(subject.bytes));
@@ -102,13 +102,14 @@ void PrintTable(const Subject& subject, const MedianReporter& times) {
 
 // Nanoseconds for each byte of XML, by size: growth with the size would show here.
 void PrintGrowth(const std::vector<Subject>& subjects, const MedianReporter& times) {
-  std::printf("\ncost in ns per byte of XML, by size\n%-34s", "road");
+  std::printf("\ncost in ns per byte of XML, by size\n%-34s", "operation");
   for (const Subject& subject : subjects) std::printf(" %12s", subject.name.c_str());
   std::printf("\n");
-  for (std::size_t i = 0; i < subjects.front().roads.size(); ++i) {
-    std::printf("%-34s", subjects.front().roads[i].name.c_str());
+  for (std::size_t i = 0; i < subjects.front().operations.size(); ++i) {
+    std::printf("%-34s", subjects.front().operations[i].name.c_str());
     for (const Subject& subject : subjects)
-      std::printf(" %12.2f", times.Seconds(Key(subject, subject.roads[i])) * 1e9 / static_cast<double>(subject.bytes));
+      std::printf(" %12.2f",
+                  times.Seconds(Key(subject, subject.operations[i])) * 1e9 / static_cast<double>(subject.bytes));
     std::printf("\n");
   }
 }
@@ -137,7 +138,7 @@ int main(int argc, char** argv) {
     const std::vector<Subject> subjects = Bench::MakeSubjects(sizes);
     for (const Subject& subject : subjects) PrintSizes(subject);
     for (const Subject& subject : subjects)
-      for (const Road& road : subject.roads) Register(subject, road);
+      for (const Operation& operation : subject.operations) Register(subject, operation);
 
     MedianReporter times;
     benchmark::RunSpecifiedBenchmarks(&times);

@@ -1,21 +1,21 @@
-// Goes every road of the benchmarks' documents a few times: what a build that records a profile learns from.
+// Runs every operation of the benchmark on its documents a few times: the training run of the profile-guided build.
 // scripts/tune.sh builds and runs it.
 
 #include <RkXmlLib16/RkXmlLib16.h>
 
 #include <cstdio>
 
-#include "Roads.h"
+#include "Operations.h"
 
 int main() {
-  constexpr std::size_t kBytesForEachRoad = 2 << 20;
+  constexpr std::size_t kBytesForEachOperation = 2 << 20;
   try {
     for (const Bench::Subject& subject : Bench::MakeSubjects({{"1 KB", 1000}, {"100 KB", 100000}}))
-      for (const Bench::Road& road : subject.roads)
-        for (std::size_t done = 0; done < kBytesForEachRoad; done += subject.bytes) {
-          road.prepare();
-          road.run();
-          road.finish();
+      for (const Bench::Operation& operation : subject.operations)
+        for (std::size_t done = 0; done < kBytesForEachOperation; done += subject.bytes) {
+          operation.prepare();
+          operation.run();
+          operation.finish();
         }
     return 0;
   } catch (const RkXmlLib16::CRkException& e) {

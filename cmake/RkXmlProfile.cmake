@@ -1,8 +1,8 @@
-# Compiling by a profile, which g++ does by what the same build folder recorded before; scripts/tune.sh does both.
-set(RKXML_PROFILE "" CACHE STRING "Nothing, record (count what the library does) or use (compile by these counts)")
+# Profile-guided optimisation with g++: records a profile in a build folder, then uses it; scripts/tune.sh does both.
+set(RKXML_PROFILE "" CACHE STRING "Empty, record (write a profile) or use (optimise by it)")
 set_property(CACHE RKXML_PROFILE PROPERTY STRINGS "" record use)
 
-# rkxml_profile(OBJECTS LIBRARY...): compiles the objects so, and links the libraries of them so.
+# rkxml_profile(OBJECTS LIBRARY...): sets the options for the objects and for the libraries linked from them.
 function(rkxml_profile objects)
   if(NOT RKXML_PROFILE)
     return()
@@ -16,8 +16,8 @@ function(rkxml_profile objects)
       target_link_options(${library} PUBLIC -fprofile-generate)
     endforeach()
   elseif(RKXML_PROFILE STREQUAL use)
-    # What was never run is compiled as without a profile, not for size. Unrolled and doubled loops, which come with a
-    # profile, make the code larger and the roads slower.
+    # Code without counts is compiled as without a profile, not for size. Unrolled and duplicated loops, which a profile
+    # turns on, make the code larger and slower.
     target_compile_options(${objects} PRIVATE
       -fprofile-use -fprofile-partial-training -Wno-missing-profile -Wno-error=coverage-mismatch
       -fno-tracer -fno-peel-loops -fno-split-loops -fno-unroll-loops -fno-unswitch-loops)

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds the benchmarks and prints their tables: every road of a document as a ratio to bare expat, and the conversions
+# Builds the benchmarks and prints their tables: every operation on a document as a ratio to bare expat, and conversions
 # of values. Measures the library as scripts/tune.sh builds it; --untuned comes first and measures the plain release.
 # --large adds documents of 100 MB; other options go to Google Benchmark.
 set -euo pipefail

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds the release in build/tuned, where g++ knows from a run of documents what the library does most. Needs g++;
+# Builds the release in build/tuned with profile-guided optimisation; the training run is that of bench/. Needs g++;
 # options go to cmake. Then: cmake --install build/tuned
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."

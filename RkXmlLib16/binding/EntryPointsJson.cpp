@@ -117,7 +117,7 @@ CBinaryData CXmlObjectBase::ToJsonStream(bool formatted, XmlEncoding encoding, E
   return Guarded([&] { return Compressed(stream.GetEncodedStream(), compression); });
 }
 
-// JSON never gets a byte order mark from the buffered road, whatever its encoding.
+// JSON never gets a byte order mark when it is buffered, whatever its encoding.
 void CXmlObjectBase::ToJsonFile(const wchar_t* fileName, bool formatted, XmlEncoding encoding, EOLType eol,
                                 const CSerializationContext& context, CompressionType compression) const {
   RequireFileCompression(compression);

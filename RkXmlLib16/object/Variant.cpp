@@ -338,7 +338,7 @@ void RkVariant::FromText(std::wstring_view text, ItemType type) {
   FromText(text, type, keepsSpace ? CWhitespaceUtils::none : CWhitespaceUtils::collapse);
 }
 
-// Functions for each kind and road, so that none makes room for what another needs.
+// One function for each kind and code path, so that none reserves stack for the values of another.
 template <ItemType kItem>
 [[gnu::noinline]] void RkVariant::ReadPlain(std::wstring_view text, CWhitespaceUtils::WhitespaceRule rule) {
   if (!CWhitespaceUtils::IsRule(rule) || !ReadInPlace<XsdValue<kItem>>(kItem, text)) Read<kItem>(text, rule);

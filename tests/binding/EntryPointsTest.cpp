@@ -92,7 +92,7 @@ TEST_F(EntryPoints, FilesCannotBeZlibAndFailuresNameTheFile) {
 TEST_F(EntryPoints, TextsAndFilesReadBack) {
   const CTempFile temp;
   const std::wstring name = temp.Name();
-  const std::function<void(CElement&)> roads[] = {
+  const std::function<void(CElement&)> readers[] = {
       [&](CElement& e) { e.FromXml(BytesOf(m_element.ToXmlStream(false, false)).c_str()); },
       [&](CElement& e) { e.FromJson(m_element.ToJson().c_str()); },
       [&](CElement& e) { e.FromJson(BytesOf(m_element.ToJsonStream()).c_str()); },
@@ -100,9 +100,9 @@ TEST_F(EntryPoints, TextsAndFilesReadBack) {
       [&](CElement& e) { m_element.ToFastInfosetFile(name.c_str()), e.FromXmlFile(name.c_str()); },
       [&](CElement& e) { m_element.ToJsonFile(name.c_str()), e.FromJsonFile(name.c_str()); },
   };
-  for (const auto& road : roads) {
+  for (const auto& read : readers) {
     CElement element;
-    road(element);
+    read(element);
     EXPECT_TEXT(kText, XmlOf(element));
   }
 }

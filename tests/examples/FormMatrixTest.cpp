@@ -21,7 +21,7 @@ using RkXmlTest::BytesOf;
 
 namespace {
 
-// How an object travels: written, and read into a fresh object of its class.
+// One way to write an object and to read it into a new object of its class.
 struct Road {
   const char* name;
   void (*travel)(const CXmlObjectBase& from, CXmlObjectBase& to, const CSerializationContext& context);

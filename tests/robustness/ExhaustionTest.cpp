@@ -68,7 +68,7 @@ namespace {
 
 using Work = std::function<std::wstring()>;
 
-struct Road {
+struct Operation {
   const char* name;
   Work work;  // the result is the same each time
 };
@@ -77,27 +77,27 @@ struct Road {
 // or CRkException, leaves nothing behind, and works as before once there is memory again. What the library keeps for
 // later, like names used a short while ago, is the same whenever the work has been done; only what is made once, like
 // the memory of the matcher that takes over where patterns cannot be compiled, may come late.
-void ExhaustMemory(const Road& road) {
-  const std::wstring expected = road.work();
-  road.work();
+void ExhaustMemory(const Operation& operation) {
+  const std::wstring expected = operation.work();
+  operation.work();
   bool isDone = false;
   const auto fail = [&](long allowed) {
     g_allocationsLeft = allowed;
     try {
-      road.work();
+      operation.work();
       isDone = g_allocationsLeft > 0;
     } catch (const std::bad_alloc&) {
     } catch (const CRkException&) {
     }
     g_allocationsLeft = -1;
-    EXPECT_TEXT(expected, road.work()) << road.name << " after allocation " << allowed << " failed";
+    EXPECT_TEXT(expected, operation.work()) << operation.name << " after allocation " << allowed << " failed";
     return g_blocks;
   };
   long blocks = g_blocks;
   for (long allowed = 0; !isDone && !testing::Test::HasFailure(); ++allowed) {
     if (fail(allowed) != blocks) {
       blocks = g_blocks;
-      EXPECT_EQ(blocks, fail(allowed)) << road.name << " leaks when allocation " << allowed << " fails";
+      EXPECT_EQ(blocks, fail(allowed)) << operation.name << " leaks when allocation " << allowed << " fails";
     }
   }
 }
@@ -134,7 +134,7 @@ constexpr wchar_t kTrack[] =
     L"<time>2024-05-01T06:00:00Z</time></wpt><trk><extensions><x xmlns='urn:x'>1</x></extensions>"
     L"<trkseg><trkpt lat='1' lon='2'/><trkpt lat='2' lon='3'/></trkseg></trk></gpx>";
 
-std::vector<Road> Roads() {
+std::vector<Operation> Operations() {
   static Order::COrderType order;
   order.FromXmlFile(L"" RKXML_EXAMPLE_DATA "/order.xml", Context());
   static const CBinaryData xml =
@@ -215,10 +215,10 @@ std::vector<Road> Roads() {
 
 }  // namespace
 
-TEST(Exhaustion, OfMemoryIsSurvivedOnEveryRoad) {
+TEST(Exhaustion, OfMemoryIsSurvivedByEveryOperation) {
   // What is made once, such as the records of the classes, is made before.
-  for (const Road& road : Roads()) road.work();
-  for (const Road& road : Roads()) ExhaustMemory(road);
+  for (const Operation& operation : Operations()) operation.work();
+  for (const Operation& operation : Operations()) ExhaustMemory(operation);
   AsyncToXmlFile(false);
 }
 

@@ -151,7 +151,7 @@ TEST(Conversions, DatesAreOfTheKindThatIsRead) {
              {{L"--02-29", L"--02-29"}, {L"2024-02-29", kind(L"date", L"gMonthDay")}});
 }
 
-// Most are written by a road of their own; the C++ library tells what "%.16g" and "%.7g" make of them.
+// Most take a fast path; the C++ library tells what "%.16g" and "%.7g" make of them.
 TEST(Conversions, RealsPrintTheDigitsOfTheirPrecision) {
   const auto expected = [](double value, int precision) {
     char buffer[40];

@@ -36,8 +36,8 @@ std::wstring Outcome(const std::wstring& text) {
   return outcome;
 }
 
-// Plain texts are read by a road of their own, which white space around them closes. The first text that the roads
-// differ in.
+// Plain texts take a fast path, texts with white space around them the general one. The first text on which the two
+// differ.
 template <ItemType... kItems>
 std::wstring FirstDifference(const std::wstring& text) {
   const std::wstring spaced = L" " + text + L"\n";

@@ -64,7 +64,7 @@ CSmartPtr<CXmlObjectBase> CreateAbstractChild(AbstractClassFactory factory, CXml
 // Stores the child (may be null); `element` is named when the setter refuses.
 void StoreChild(const CElementInfo& info, CXmlGeneratedClass* object, CXmlObjectBase* child,
                 const CXmlElement& element);
-// Takes the child out again; a property that is null already is left alone, so that no setter is called in vain.
+// Takes the child out again; a property that is null already is left alone, so that its setter is not called.
 void StoreNull(const CElementInfo& info, CXmlGeneratedClass* object, const CXmlElement& element);
 
 // Lets the child read the element under the cursor and moves the cursor to the next sibling.

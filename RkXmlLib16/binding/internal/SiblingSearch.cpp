@@ -15,7 +15,7 @@ thread_local std::uint64_t t_takenCount = 0;
 // Steps before an index is made, and before one that is there is asked.
 constexpr int kStepsWithoutIndex = 64;
 constexpr int kStepsBesideIndex = 4;
-// Elements that attempts may take in vain: this many for each child, and some more.
+// Elements that failed attempts may take: this many for each child, but at least so many in all.
 constexpr std::uint64_t kWastedPerChild = 200;
 constexpr std::uint64_t kWastedAtLeast = 1000000;
 

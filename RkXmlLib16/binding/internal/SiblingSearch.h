@@ -12,9 +12,9 @@
 
 namespace RkXmlLib16Data {
 
-// Looks for the next child that a record accepts, past unknown ones. Inline groups are offered the same children from
-// one place after the other, and each looks as far as the end; lest that be quadratic, a long search makes an index of
-// the children, which lives as long as their element is being read, and one in vain is remembered.
+// Finds the next child that a record accepts and skips unknown ones. Inline groups search the same children from one
+// position after the other, each to the end. To keep that from being quadratic, a long search builds an index of the
+// children, which exists while their element is being read, and failed searches are remembered.
 class SiblingSearch {
  public:
   // Serves the children of `element` on this thread until it is destroyed.

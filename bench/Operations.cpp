@@ -1,4 +1,4 @@
-#include "Roads.h"
+#include "Operations.h"
 
 #include <RkXmlLib16/RkXmlLib16.h>
 
@@ -31,8 +31,8 @@ unsigned char* Bytes(const std::string& text) {
   return const_cast<unsigned char*>(reinterpret_cast<const unsigned char*>(text.data()));
 }
 
-// The C library puts off joining small pieces of memory that were freed until someone asks for a larger one. Done where
-// objects are dropped, it costs no road that comes after.
+// The C library joins small freed blocks only when a larger one is requested. Called where objects are dropped, so that
+// the cost does not fall on the next operation.
 void SettleHeap() {
   void* volatile larger = std::malloc(4096);
   std::free(larger);
@@ -76,45 +76,47 @@ Subject MakeSubject(std::string&& name, std::string&& xml) {
   subject.finfTypedBytes = h.finfTyped.GetLength();
   subject.gzipBytes = h.gzip.GetLength();
   subject.held = held;
-  auto& roads = subject.roads;
-  roads.push_back({"bare expat", [] {}, [&h] { ParseWithBareExpat(h.xml); }});
-  roads.push_back({"XML bytes to tree", newDocument, load, dropDocument});
-  roads.push_back({"XML bytes to objects", fresh, read, drop});
-  roads.push_back({"objects to XML bytes", clear, [&h] {
-                     h.out = h.object->ToXmlStream(true, true, XmlEncoding_UTF8, EOLType_LF, h.context,
-                                                   CompressionType_None);
-                   }});
-  roads.push_back({"objects to JSON bytes", clear, [&h] {
-                     h.out =
-                         h.object->ToJsonStream(true, XmlEncoding_UTF8, EOLType_LF, h.context, CompressionType_None);
-                   }});
-  roads.push_back({"objects to Fast Infoset", clear,
-                   [&h] { h.out = h.object->ToFastInfosetStream(FInfoDecl_None, h.context, CompressionType_None); }});
-  roads.push_back({"objects to Fast Infoset, typed", clear,
-                   [&h] { h.out = h.object->ToFastInfosetStream(FInfoDecl_None, h.typed, CompressionType_None); }});
-  roads.push_back({"objects to XML bytes, gzip", clear, [&h] {
-                     h.out = h.object->ToXmlStream(true, true, XmlEncoding_UTF8, EOLType_LF, h.context,
-                                                   CompressionType_GZip);
-                   }});
-  roads.push_back({"JSON bytes to objects", fresh, [&h] { h.target->FromJsonStream(h.json, h.context); }, drop});
-  roads.push_back({"Fast Infoset to tree", newDocument,
-                   [&h] { h.document->LoadXmlStream(h.finf.GetData(), h.finf.GetLength()); }, dropDocument});
-  roads.push_back({"Fast Infoset to objects", fresh, [&h] { h.target->FromXmlStream(h.finf, h.context); }, drop});
-  roads.push_back(
+  auto& operations = subject.operations;
+  operations.push_back({"bare expat", [] {}, [&h] { ParseWithBareExpat(h.xml); }});
+  operations.push_back({"XML bytes to tree", newDocument, load, dropDocument});
+  operations.push_back({"XML bytes to objects", fresh, read, drop});
+  operations.push_back({"objects to XML bytes", clear, [&h] {
+                          h.out = h.object->ToXmlStream(true, true, XmlEncoding_UTF8, EOLType_LF, h.context,
+                                                        CompressionType_None);
+                        }});
+  operations.push_back(
+      {"objects to JSON bytes", clear,
+       [&h] { h.out = h.object->ToJsonStream(true, XmlEncoding_UTF8, EOLType_LF, h.context, CompressionType_None); }});
+  operations.push_back({"objects to Fast Infoset", clear, [&h] {
+                          h.out = h.object->ToFastInfosetStream(FInfoDecl_None, h.context, CompressionType_None);
+                        }});
+  operations.push_back({"objects to Fast Infoset, typed", clear, [&h] {
+                          h.out = h.object->ToFastInfosetStream(FInfoDecl_None, h.typed, CompressionType_None);
+                        }});
+  operations.push_back({"objects to XML bytes, gzip", clear, [&h] {
+                          h.out = h.object->ToXmlStream(true, true, XmlEncoding_UTF8, EOLType_LF, h.context,
+                                                        CompressionType_GZip);
+                        }});
+  operations.push_back({"JSON bytes to objects", fresh, [&h] { h.target->FromJsonStream(h.json, h.context); }, drop});
+  operations.push_back({"Fast Infoset to tree", newDocument,
+                        [&h] { h.document->LoadXmlStream(h.finf.GetData(), h.finf.GetLength()); }, dropDocument});
+  operations.push_back({"Fast Infoset to objects", fresh, [&h] { h.target->FromXmlStream(h.finf, h.context); }, drop});
+  operations.push_back(
       {"Fast Infoset, typed, to objects", fresh, [&h] { h.target->FromXmlStream(h.finfTyped, h.context); }, drop});
-  roads.push_back({"XML bytes, gzip, to objects", fresh, [&h] { h.target->FromXmlStream(h.gzip, h.context); }, drop});
-  roads.push_back({"destruction of the tree",
-                   [=] {
-                     newDocument();
-                     load();
-                   },
-                   dropDocument});
-  roads.push_back({"destruction of the objects",
-                   [=] {
-                     fresh();
-                     read();
-                   },
-                   drop});
+  operations.push_back(
+      {"XML bytes, gzip, to objects", fresh, [&h] { h.target->FromXmlStream(h.gzip, h.context); }, drop});
+  operations.push_back({"destruction of the tree",
+                        [=] {
+                          newDocument();
+                          load();
+                        },
+                        dropDocument});
+  operations.push_back({"destruction of the objects",
+                        [=] {
+                          fresh();
+                          read();
+                        },
+                        drop});
   return subject;
 }
 

@@ -1,5 +1,5 @@
-#ifndef RKXMLLIB16_BENCH_ROADS_H
-#define RKXMLLIB16_BENCH_ROADS_H
+#ifndef RKXMLLIB16_BENCH_OPERATIONS_H
+#define RKXMLLIB16_BENCH_OPERATIONS_H
 
 #include <cstddef>
 #include <functional>
@@ -9,8 +9,8 @@
 
 namespace Bench {
 
-// One road of one document: `run` is timed, `prepare` and `finish` are not.
-struct Road {
+// One operation on one document: `run` is timed, `prepare` and `finish` are not.
+struct Operation {
   std::string name;
   std::function<void()> prepare = [] {};
   std::function<void()> run;
@@ -22,8 +22,8 @@ struct Subject {
   std::size_t bytes = 0;     // of XML text
   std::size_t elements = 0;  // in it
   std::size_t jsonBytes = 0, finfBytes = 0, finfTypedBytes = 0, gzipBytes = 0;
-  std::vector<Road> roads;
-  std::shared_ptr<void> held;  // what the roads work on
+  std::vector<Operation> operations;
+  std::shared_ptr<void> held;  // what the operations work on
 };
 
 // A track, an order and a list of waypoints, each of about these sizes in bytes; `name` calls the size.
