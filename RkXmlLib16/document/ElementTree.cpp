@@ -6,6 +6,7 @@
 #include <cwchar>
 #include <map>
 #include <new>
+#include <set>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -51,14 +52,7 @@ struct RKXML_HIDDEN CXmlDocument::Storage {
     CArena::Mark texts;
     std::size_t nodeCount;
     std::size_t charCount;
-    std::size_t rebindingCount;
-  };
-
-  // A declaration of a prefix that was bound to another namespace before.
-  struct Rebinding {
-    const CXmlElement* element;
-    const CXmlName* prefix;
-    const CXmlName* namespaceUri;
+    std::size_t declarationCount;
   };
 
   explicit Storage(CXmlDocument& owner)
@@ -71,6 +65,7 @@ struct RKXML_HIDDEN CXmlDocument::Storage {
   void CountNode();
   void CountCharacters(std::size_t charCount);
   [[noreturn]] void ThrowExceeded(const wchar_t* name, unsigned long value) const;
+  void DropDeclarations(std::size_t count);  // those after the first so many
   // The block with room for `more` characters behind its text, moved if need be.
   CXmlTextBlock* Reserve(CXmlTextBlock* block, std::size_t more);
   // The shared block of the text of `block` (shared, or null) and the blanks; null when there can be none.
@@ -85,15 +80,14 @@ struct RKXML_HIDDEN CXmlDocument::Storage {
   std::vector<const CXmlName*> nameTable;  // open addressing, a power of two
   std::size_t nameCount = 0;
   std::map<std::wstring_view, const CXmlName*> aliases;  // prefix to namespace
-  // Scopes matter for few prefixes: those that are bound to a second namespace. What they were bound to first, and
-  // every declaration since, in document order; the last ones are those of the element to come.
-  std::map<std::wstring_view, const CXmlName*> firstAliases;
-  std::vector<Rebinding> rebindings;
-  std::size_t attachedRebindings = 0;
-  std::unordered_map<const CXmlElement*, std::size_t> rebindingIndex;  // made when it is asked for
-  std::size_t indexedRebindings = 0;
   std::unordered_map<const CXmlName*, std::shared_ptr<const std::wstring>> sharedNames;
   std::unordered_map<const CXmlElement*, std::vector<std::size_t>> sections;  // where they begin in the texts
+  std::vector<Declaration> declarations;                                      // in document order
+  std::size_t pendingDeclarations = 0;        // the last so many belong to the element that comes next
+  std::set<std::wstring_view> innerPrefixes;  // those that an inner element binds, and not as they were bound before
+  // The first declaration of an element. Made when it is asked for, of the first so many declarations.
+  std::unordered_map<const CXmlElement*, std::size_t> firstDeclarations;
+  std::size_t indexedDeclarations = 0;
   struct BlanksStep {
     const CXmlTextBlock* before;
     CXmlTextBlock* after;
@@ -144,6 +138,12 @@ void CXmlDocument::Storage::CountCharacters(std::size_t more) {
   const unsigned long limit = document.m_context->GetLimits().GetMaxCharacters();
   charCount += more;
   if (charCount > limit && limit != 0) ThrowExceeded(L"characters", limit);
+}
+
+void CXmlDocument::Storage::DropDeclarations(std::size_t count) {
+  for (std::size_t i = count; i < indexedDeclarations; ++i) firstDeclarations.erase(declarations[i].element);
+  indexedDeclarations = std::min(indexedDeclarations, count);
+  declarations.resize(count);
 }
 
 CXmlTextBlock* CXmlDocument::Storage::Reserve(CXmlTextBlock* block, std::size_t more) {
@@ -289,9 +289,11 @@ CXmlElement* CXmlDocument::AddElement(const CXmlName* namespaceUri, const CXmlNa
   if (m_filter != nullptr)
     storage.open.push_back({parent != nullptr ? parent->m_lastChild : nullptr, storage.nodes.GetMark(),
                             storage.texts.GetMark(), storage.nodeCount - 1, storage.charCount,
-                            storage.attachedRebindings});
+                            storage.declarations.size() - storage.pendingDeclarations});
   auto* const element = new (storage.nodes.Allocate(sizeof(CXmlElement))) CXmlElement(parent, localName, namespaceUri);
   if (m_filter != nullptr) storage.sections.erase(element);  // of one that was dropped
+  for (; storage.pendingDeclarations != 0; --storage.pendingDeclarations)
+    storage.declarations.end()[-static_cast<std::ptrdiff_t>(storage.pendingDeclarations)].element = element;
   if (parent == nullptr)
     m_documentElement = element;
   else
@@ -299,8 +301,6 @@ CXmlElement* CXmlDocument::AddElement(const CXmlName* namespaceUri, const CXmlNa
   if (parent != nullptr) parent->m_lastChild = element;
   m_currentElement = element;
   ++storage.depth;
-  for (; storage.attachedRebindings != storage.rebindings.size(); ++storage.attachedRebindings)
-    storage.rebindings[storage.attachedRebindings].element = element;
   return element;
 }
 
@@ -338,9 +338,7 @@ void CXmlDocument::EndElement() {
     parent->m_lastChild = start.previousSibling;
     (start.previousSibling != nullptr ? start.previousSibling->m_nextSibling : parent->m_firstChild) = nullptr;
   }
-  storage.rebindings.resize(start.rebindingCount);
-  storage.attachedRebindings = start.rebindingCount;
-  storage.indexedRebindings = 0;
+  storage.DropDeclarations(start.declarationCount);
   // What the filter itself added to the tree has to stay.
   if (reclaimable && nodes == storage.nodes.GetMark() && texts == storage.texts.GetMark()) {
     storage.nodes.RewindTo(start.nodes);
@@ -473,12 +471,11 @@ void CXmlDocument::AddNamespaceAlias(const wchar_t* prefix, const wchar_t* names
 
 void CXmlDocument::AddNamespaceAlias(const CXmlName* prefix, const CXmlName* namespaceUri) {
   Storage& storage = *m_storage;
-  const CXmlName*& alias = storage.aliases[prefix->View()];
-  if (alias != nullptr && (alias != namespaceUri || storage.firstAliases.count(prefix->View()) != 0)) {
-    storage.firstAliases.emplace(prefix->View(), alias);
-    storage.rebindings.push_back({nullptr, prefix, namespaceUri});
-  }
-  alias = namespaceUri;
+  const auto [at, isNew] = storage.aliases.try_emplace(prefix->View(), namespaceUri);
+  if (m_documentElement != nullptr && (isNew || at->second != namespaceUri)) storage.innerPrefixes.insert(at->first);
+  at->second = namespaceUri;
+  storage.declarations.push_back({nullptr, prefix, namespaceUri});
+  ++storage.pendingDeclarations;
 }
 
 CXmlText CXmlDocument::LookupAliasFromNamespace(const wchar_t* namespaceUri) const {
@@ -496,6 +493,21 @@ CXmlText CXmlDocument::LookupNamespaceFromAlias(const wchar_t* prefix) const {
 const CXmlName* CXmlDocument::LookupNamespaceRef(std::wstring_view prefix) const noexcept {
   const auto found = m_storage->aliases.find(prefix);
   return found != m_storage->aliases.end() ? found->second : nullptr;
+}
+
+bool CXmlDocument::HasInnerDeclarations() const noexcept { return !m_storage->innerPrefixes.empty(); }
+
+CXmlDocument::Declarations CXmlDocument::GetDeclarations(const CXmlElement* element) const {
+  Storage& storage = *m_storage;
+  const std::size_t complete = storage.declarations.size() - storage.pendingDeclarations;
+  for (; storage.indexedDeclarations < complete; ++storage.indexedDeclarations)
+    storage.firstDeclarations.try_emplace(storage.declarations[storage.indexedDeclarations].element,
+                                          storage.indexedDeclarations);
+  const Declaration* const end = storage.declarations.data() + complete;
+  const auto found = storage.firstDeclarations.find(element);
+  if (found == storage.firstDeclarations.end()) return {end, end};
+  const Declaration* const first = storage.declarations.data() + found->second;
+  return {first, std::find_if(first, end, [element](const Declaration& d) { return d.element != element; })};
 }
 
 std::vector<std::pair<CXmlText, CXmlText>> CXmlDocument::GetNamespaceAliases() const {
@@ -600,24 +612,12 @@ std::wstring CXmlElement::GetXPath() const {
 }
 
 const CXmlName* CXmlElement::LookupNamespaceRef(std::wstring_view prefix) const {
-  CXmlDocument::Storage& storage = *Owner().m_storage;
-  const auto first = storage.firstAliases.find(prefix);
-  if (first == storage.firstAliases.end()) return GetDocument()->LookupNamespaceRef(prefix);
-  if (storage.indexedRebindings != storage.rebindings.size()) {
-    storage.rebindingIndex.clear();
-    for (std::size_t i = 0; i < storage.rebindings.size(); ++i)
-      storage.rebindingIndex.emplace(storage.rebindings[i].element, i);
-    storage.indexedRebindings = storage.rebindings.size();
-  }
-  for (const CXmlElement* element = this; element != nullptr; element = element->m_parent) {
-    const auto found = storage.rebindingIndex.find(element);
-    if (found == storage.rebindingIndex.end()) continue;
-    for (std::size_t i = found->second; i < storage.rebindings.size() && storage.rebindings[i].element == element;
-         ++i) {
-      if (storage.rebindings[i].prefix->View() == prefix) return storage.rebindings[i].namespaceUri;
-    }
-  }
-  return first->second;
+  const CXmlDocument& document = *GetDocument();
+  if (document.m_storage->innerPrefixes.count(prefix) == 0) return document.LookupNamespaceRef(prefix);
+  for (const CXmlElement* element = this; element != nullptr; element = element->m_parent)
+    for (const CXmlDocument::Declaration& declaration : document.GetDeclarations(element))
+      if (declaration.prefix->View() == prefix) return declaration.namespaceUri;
+  return nullptr;
 }
 
 CRkLocation CXmlElement::GetLocation() const {

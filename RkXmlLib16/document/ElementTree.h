@@ -186,7 +186,7 @@ class RKXML_EXPORT CXmlElement {
   // "/order/item[2]".
   std::wstring GetXPath() const;
   // The namespace that the start tags of this element and those around it bind the prefix to, "" standing for the
-  // default namespace; null for a prefix that the document never declares. For QNames in texts and attribute values.
+  // default namespace; null for a prefix that none of them declares. For QNames in texts and attribute values.
   // Not to be called on one document from two threads at the same time.
   const CXmlName* LookupNamespaceRef(std::wstring_view prefix) const;
   // Where the element begins, with its path. Line and column are worked out here, from the input, which the document
@@ -345,6 +345,25 @@ class RKXML_EXPORT CXmlDocument {
   CXmlText LookupAliasFromNamespace(const wchar_t* namespaceUri) const;
   CXmlText LookupNamespaceFromAlias(const wchar_t* prefix) const;
   const CXmlName* LookupNamespaceRef(std::wstring_view prefix) const noexcept;  // null when unknown
+  // The same by scope, which keeps the meaning of names in values. A declaration is one of `element`, or of the
+  // document element while that is still to come.
+  struct Declaration {
+    const CXmlElement* element;
+    const CXmlName* prefix;        // empty for the default namespace
+    const CXmlName* namespaceUri;  // empty when it is undeclared
+  };
+  struct Declarations {
+    const Declaration* first;
+    const Declaration* last;
+
+    const Declaration* begin() const noexcept { return first; }
+    const Declaration* end() const noexcept { return last; }
+  };
+  // Whether some element declares what the document element does not. Until then the look-ups above are right for every
+  // scope.
+  bool HasInnerDeclarations() const noexcept;
+  // Those that the element itself makes; good until the document changes.
+  Declarations GetDeclarations(const CXmlElement* element) const;
   // All of them, prefix and namespace URI, in ascending order of the prefixes.
   std::vector<std::pair<CXmlText, CXmlText>> GetNamespaceAliases() const;
 

@@ -22,10 +22,14 @@ void CSerializationContext::TakeNamespaces(const CXmlDocument& document) {
   const CXmlElement* const root = document.GetDocumentElement();
   if (root == nullptr) return;
   CNamespaceAliasMap& aliases = GetNamespaceAliases();
-  for (const auto& [prefix, uri] : document.GetNamespaceAliases())
-    if (!prefix.empty() && !uri.empty() && !aliases.DoesAliasExist(prefix.c_str()) &&
-        !aliases.DoesNamespaceExist(uri.c_str()))
-      aliases.Add(prefix.c_str(), uri.c_str());
+  const auto add = [&aliases](const CXmlText& prefix, const CXmlText& uri) {
+    if (prefix.empty() || uri.empty()) return;
+    if (aliases.DoesAliasExist(prefix.c_str()) || aliases.DoesNamespaceExist(uri.c_str())) return;
+    aliases.Add(prefix.c_str(), uri.c_str());
+  };
+  for (const auto& declaration : document.GetDeclarations(root))
+    add(declaration.prefix->GetText(), declaration.namespaceUri->GetText());
+  for (const auto& [prefix, uri] : document.GetNamespaceAliases()) add(prefix, uri);
   // An inner element may have declared another default than the root's; the root's counts. An element without namespace
   // could not be told from one in the default namespace.
   const bool rootHasPrefix = aliases.DoesNamespaceExist(root->GetNamespaceURI().c_str());

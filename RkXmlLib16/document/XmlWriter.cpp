@@ -1,5 +1,6 @@
 #include "RkXmlLib16/document/XmlWriter.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <string_view>
 #include <unordered_map>
@@ -161,6 +162,29 @@ struct CXmlWriter::CXmlWriterContext::Scope {
     return false;
   }
 
+  const std::wstring* FindPrefix(const std::wstring& namespaceUri) const {
+    const Declaration* const found = Find(namespaceUri);
+    return found != nullptr ? &found->second : nullptr;
+  }
+
+  // Whether this scope itself declares the prefix for a namespace.
+  bool Declares(const std::wstring& prefix) const {
+    return std::any_of(declared.begin(), declared.end(), [&](const Declaration& d) { return d.second == prefix; });
+  }
+
+  // Takes the prefix from the namespaces that have it, which are returned: from here on it stands for another one.
+  std::vector<std::wstring> HidePrefix(const std::wstring& prefix) {
+    std::vector<std::wstring> hidden;
+    if (FindReplaced(prefix) != nullptr) OwnReplaced().erase(prefix);
+    if (!HasPrefix(prefix)) return hidden;
+    for (const Scope* scope = this; scope != nullptr; scope = scope->outer)
+      for (const Declaration& declaration : scope->declared)
+        if (declaration.second == prefix && Find(declaration.first) == &declaration)
+          hidden.push_back(declaration.first);
+    for (const std::wstring& namespaceUri : hidden) Declare(namespaceUri, std::wstring());
+    return hidden;
+  }
+
   // The namespace of a prefix that stays declared in the document, although its namespace has got another one.
   const std::wstring* FindReplaced(const std::wstring& prefix) const {
     if (replaced == nullptr) return nullptr;
@@ -169,11 +193,7 @@ struct CXmlWriter::CXmlWriterContext::Scope {
   }
 
   void KeepReplaced(const std::wstring& prefix, const std::wstring& namespaceUri) {
-    if (replaced == nullptr)
-      replaced = std::make_shared<PrefixMap>();
-    else if (replaced.use_count() != 1)
-      replaced = std::make_shared<PrefixMap>(*replaced);
-    replaced->emplace(prefix, namespaceUri);
+    OwnReplaced().emplace(prefix, namespaceUri);
   }
 
   // `reserved` is not taken either.
@@ -224,6 +244,14 @@ struct CXmlWriter::CXmlWriterContext::Scope {
   }
 
   using PrefixMap = std::map<std::wstring, std::wstring>;
+
+  PrefixMap& OwnReplaced() {
+    if (replaced == nullptr)
+      replaced = std::make_shared<PrefixMap>();
+    else if (replaced.use_count() != 1)
+      replaced = std::make_shared<PrefixMap>(*replaced);
+    return *replaced;
+  }
 
   int level = 0;
   bool givenAway = false;
@@ -351,20 +379,52 @@ void CXmlWriter::WriteTextElement(const std::wstring& localName, const std::wstr
 }
 
 bool CXmlWriter::DeclareNamespace(const std::wstring& prefix, const std::wstring& namespaceUri) {
-  if (prefix.empty() || prefix == L"xmlns") return false;
+  if (prefix.empty() || prefix == L"xmlns" || prefix == L"xml") return false;
+  std::vector<std::wstring> hidden;
   if (m_context != nullptr) {
     const std::wstring* known = m_context->FindPrefix(namespaceUri);
     if (known != nullptr && *known == prefix) return true;
     const std::wstring* const replaced = m_context->m_scope->FindReplaced(prefix);
-    if (replaced != nullptr) return *replaced == namespaceUri;
-    // The start tag may use a prefix that a later declaration for its namespace took out of the scope.
-    if (m_context->HasPrefix(prefix) || m_context->m_prefix == prefix) return false;
-    if (known != nullptr && !known->empty()) m_context->OwnScope().KeepReplaced(*known, namespaceUri);
+    if (replaced != nullptr && *replaced == namespaceUri) return true;
+    if (IsTakenByStartTag(prefix)) return false;
+    CXmlWriterContext::Scope& scope = m_context->OwnScope();
+    hidden = scope.HidePrefix(prefix);
+    known = scope.FindPrefix(namespaceUri);
+    if (known != nullptr && !known->empty()) scope.KeepReplaced(*known, namespaceUri);
     AddNamespace(L"xmlns", XMLNS_NAMESPACE);
   }
   WriteAttributeString(prefix, XMLNS_NAMESPACE, namespaceUri, ItemType_string);
   AddNamespace(prefix, namespaceUri);
+  if (!m_inventsPrefixes)
+    for (const std::wstring& other : hidden) DeclareNamespace(other);
   return true;
+}
+
+std::wstring CXmlWriter::DeclareNamespace(const std::wstring& namespaceUri) {
+  const std::wstring* const known = FindPrefixInScope(namespaceUri);
+  if (known != nullptr) return *known;
+  const std::wstring prefix = m_context->m_scope->UniquePrefix(m_context->m_prefix);
+  DeclareNamespace(prefix, namespaceUri);
+  return prefix;
+}
+
+// By the name of the element, which may use a prefix that a later declaration for its namespace took out of the scope,
+// or by a declaration that the tag has.
+bool CXmlWriter::IsTakenByStartTag(const std::wstring& prefix) const {
+  const std::wstring& elementUri = m_context->m_namespaceUri.Get();
+  const std::wstring* const own =
+      elementUri.empty() || IsDefaultNamespace(elementUri) ? nullptr : FindPrefixInScope(elementUri);
+  return m_context->m_prefix == prefix || (own != nullptr && *own == prefix) ||
+         (m_context->m_ownScope != nullptr && m_context->m_ownScope->Declares(prefix));
+}
+
+const std::wstring* CXmlWriter::FindPrefixInScope(const std::wstring& namespaceUri) const {
+  const std::wstring* const prefix = m_context->FindPrefix(namespaceUri);
+  return prefix != nullptr && !prefix->empty() ? prefix : nullptr;
+}
+
+bool CXmlWriter::IsDefaultNamespace(const std::wstring& namespaceUri) const {
+  return m_context->IsDefaultNamespace(namespaceUri);
 }
 
 void CXmlWriter::SetContextState(ContextState state) {
@@ -442,7 +502,7 @@ void CXmlWriter::PopContext() {
 
 const std::wstring& CXmlWriter::RequirePrefix(const std::wstring& namespaceUri, bool& invented) {
   const std::wstring* prefix = m_context->FindPrefix(namespaceUri);
-  invented = prefix == nullptr || prefix->empty();
+  invented = prefix == nullptr || prefix->empty() || (!m_avoidedPrefix.empty() && *prefix == m_avoidedPrefix);
   if (invented) prefix = &m_context->InventPrefix(namespaceUri);
   if (m_checks != nullptr) m_checks->Declaration(*prefix, namespaceUri);
   return *prefix;

@@ -115,10 +115,22 @@ class RKXML_EXPORT CXmlWriter {
   virtual void WriteTextElement(const std::wstring& localName, const std::wstring& namespaceUri,
                                 const std::wstring& text, ItemType type);
 
-  // Declares the prefix on the open start tag, for values that use it, unless it is in scope already. False when the
-  // prefix is in scope for another namespace, which is left so, or cannot be declared (an empty one, "xmlns"). Writers
-  // see the declaration as an attribute of XMLNS_NAMESPACE that is named like the prefix.
+  // Declares the prefix on the open start tag, for values that use it, unless it is in scope for the namespace already.
+  // False when it cannot be: it is empty, "xml" or "xmlns", or this very tag uses or declares it for another namespace.
+  // Writers see the declaration as an attribute of XMLNS_NAMESPACE that is named like the prefix.
   bool DeclareNamespace(const std::wstring& prefix, const std::wstring& namespaceUri);
+  // The prefix in scope for the namespace, for names in values; without one an invented prefix is declared as above.
+  std::wstring DeclareNamespace(const std::wstring& namespaceUri);
+  // The name of the next element is written without this prefix, so that the start tag can declare it anew. Empty for
+  // none. JSON text, which invents no prefixes, takes no notice.
+  void AvoidPrefix(const std::wstring& prefix) { m_avoidedPrefix = prefix; }
+  // About the open element; an element must be open. The prefix in scope for the namespace, or null; whether a name
+  // without prefix is in the namespace.
+  bool HasOpenElement() const noexcept { return m_context != nullptr; }
+  const std::wstring* FindPrefixInScope(const std::wstring& namespaceUri) const;
+  bool IsDefaultNamespace(const std::wstring& namespaceUri) const;
+  // Whether the document tells namespaces; JSON text may drop them.
+  bool WritesNamespaces() const noexcept { return m_writesNamespaces; }
   // Sets the state of the open element; without one it does nothing.
   void SetContextState(ContextState state);
   // Room for a value on its way to the writer, invalid at first, and for its text; both are good until the next value.
@@ -173,9 +185,14 @@ class RKXML_EXPORT CXmlWriter {
   std::wstring m_defaultNamespace;
   std::unique_ptr<CXmlWriterContext> m_context;
   NamespaceMap m_namespaces;
+  // What a form is able to do; for the writers to set.
+  bool m_writesNamespaces = true;
+  bool m_inventsPrefixes = true;
+  std::wstring m_avoidedPrefix;
 
  private:
   void CheckElement(const std::wstring& localName, const std::wstring& namespaceUri);
+  bool IsTakenByStartTag(const std::wstring& prefix) const;
 
   LastingNames m_lastingNames;
   RkVariant m_value;

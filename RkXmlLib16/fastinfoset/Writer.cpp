@@ -395,7 +395,8 @@ const CFastInfosetWriter::ScopedNamespace* CFastInfosetWriter::FindKnown(const S
 }
 
 const CFastInfosetWriter::ScopedNamespace& CFastInfosetWriter::ResolveElement(const std::wstring& namespaceUri) {
-  if (const ScopedNamespace* const known = FindKnown(m_elementScope, namespaceUri)) return *known;
+  const ScopedNamespace* const known = FindKnown(m_elementScope, namespaceUri);
+  if (known != nullptr && (m_avoidedPrefix.empty() || known->prefix != m_avoidedPrefix)) return *known;
   std::wstring prefix;
   if (!namespaceUri.empty() && namespaceUri != m_context->GetDefaultNamespace()) {
     prefix = FindPrefix(namespaceUri);

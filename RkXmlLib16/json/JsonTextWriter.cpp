@@ -71,7 +71,7 @@ bool IsStrictLiteral(std::wstring_view text) { return text == L"true" || text ==
 
 }  // namespace
 
-CJsonTextWriter::CJsonTextWriter(CTextStream& stream) : m_stream(stream) {}
+CJsonTextWriter::CJsonTextWriter(CTextStream& stream) : m_stream(stream) { m_inventsPrefixes = false; }
 CJsonTextWriter::~CJsonTextWriter() = default;
 
 void CJsonTextWriter::SetFormat(bool format) noexcept {

@@ -41,7 +41,10 @@ class RKXML_EXPORT CJsonTextWriter : public CXmlWriter {
   void SetEOLType(EOLType type);
   // Namespaces at first.
   JsonRoundTrip GetSupportRoundtrip() const noexcept { return m_roundTrip; }
-  void SetSupportRoundtrip(JsonRoundTrip mode) noexcept { m_roundTrip = mode; }
+  void SetSupportRoundtrip(JsonRoundTrip mode) noexcept {
+    m_roundTrip = mode;
+    m_writesNamespaces = mode == JsonRoundTrip_Namespaces;
+  }
   // RFC 8259 text always; off at first. See CJsonContext::SetStrictOutput.
   bool GetStrictOutput() const noexcept { return m_strict; }
   void SetStrictOutput(bool strict) noexcept;

@@ -50,6 +50,10 @@ bool IsNamed(const CElement& element, wstring_view localName, wstring_view names
   return element.GetElementNameRef() == localName && element.GetNamespace() == namespaceUri;
 }
 
+bool IsType(wstring_view localName, wstring_view namespaceUri) {
+  return localName == L"type" && namespaceUri == CXmlWriter::XSI_NAMESPACE;
+}
+
 [[noreturn]] void ThrowBadIndex(int index, int count) {
   throw CRkInvalidParamException(FormatString(L"Index %d is out of range, use 0 - %d", index, count));
 }
@@ -57,38 +61,55 @@ bool IsNamed(const CElement& element, wstring_view localName, wstring_view names
 }  // namespace
 
 // Takes an element of a document with all below it.
+//
+// Prefixes in values keep the namespaces that they have where the value stands. The elements of a tree share one map of
+// these, which its top declares; an element that binds a prefix differently has a map of its own, and so has every
+// element below it.
 class CElement::TreeReader {
  public:
   void Read(CElement& target, const CXmlElement& source) {
     struct Level {
       CElement* element;
+      const CXmlElement* source;
       const CXmlElement* nextChild;
+      bool hasOwnPrefixes;
     };
     std::vector<Level> open;
-    Take(target, source);
-    if (source.GetFirstElement() != nullptr) open.push_back({&target, source.GetFirstElement()});
+    const auto enter = [&](CElement& element, const CXmlElement& from, bool isBelowOwn) {
+      EnterScope(from);
+      const bool hasOwn = Take(element, from, isBelowOwn) || isBelowOwn;
+      if (from.GetFirstElement() != nullptr)
+        open.push_back({&element, &from, from.GetFirstElement(), hasOwn});
+      else
+        LeaveScope(from);
+    };
+    m_document = source.GetDocument();
+    m_outside = source.GetParentElement();
+    m_isScoped = m_document->HasInnerDeclarations();
+    enter(target, source, false);
     while (!open.empty()) {
       const CXmlElement* const child = open.back().nextChild;
       if (child == nullptr) {
+        LeaveScope(*open.back().source);
         open.pop_back();
         continue;
       }
       open.back().nextChild = child->GetNextSiblingElement();
       Children& children = open.back().element->m_children;
       children.push_back(new CElement);
-      Take(*children.back(), *child);
-      if (child->GetFirstElement() != nullptr) open.push_back({children.back(), child->GetFirstElement()});
+      enter(*children.back(), *child, open.back().hasOwnPrefixes);
     }
-    target.m_prefixes = m_prefixes;
+    if (target.m_prefixes == nullptr) target.m_prefixes = m_prefixes;
   }
 
  private:
-  void Take(CElement& element, const CXmlElement& source) {
-    bool usesPrefix = false;
-    const auto declare = [&](wstring_view prefix) { usesPrefix |= Declare(*source.GetDocument(), prefix); };
+  // Returns whether the element has a map of its own.
+  bool Take(CElement& element, const CXmlElement& source, bool isBelowOwn) {
+    m_used.clear();
+    const auto use = [this](wstring_view prefix) { Use(prefix); };
 
     element.m_elementName.Set(source.GetLocalName());
-    element.m_namespaceUri = source.GetDocument()->ShareName(source.GetNamespaceRef());
+    element.m_namespaceUri = m_document->ShareName(source.GetNamespaceRef());
     std::size_t childCount = 0;
     for (const CXmlElement* c = source.GetFirstElement(); c != nullptr; c = c->GetNextSiblingElement()) ++childCount;
     element.m_children.reserve(childCount);
@@ -97,26 +118,103 @@ class CElement::TreeReader {
       element.m_text = text;
       if (const auto* const sections = source.GetSections())
         element.m_sections = std::make_unique<const std::vector<std::size_t>>(*sections);
-      ForEachPrefix(text, declare);
+      ForEachPrefix(text, use);
     }
     for (const CXmlAttribute* attribute : source.GetAttributes()) {
       element.GetAttributes()->Add(*attribute);
-      ForEachPrefix(attribute->GetValue(), declare);
+      ForEachPrefix(attribute->GetValue(), use);
+      if (IsType(attribute->GetLocalName(), attribute->GetNamespaceURI()) &&
+          attribute->GetValue().View().find(L':') == wstring_view::npos)
+        UseDefault();
     }
-    if (usesPrefix) element.m_prefixes = m_prefixes;
+    if (m_used.empty()) return false;
+    const bool isOwn = isBelowOwn || !JoinPrefixes();
+    element.m_prefixes = isOwn ? OwnPrefixes() : m_prefixes;
+    return isOwn;
   }
 
-  bool Declare(const CXmlDocument& document, wstring_view prefix) {
-    if (m_prefixes != nullptr && m_prefixes->find(prefix) != m_prefixes->end()) return true;
-    const CXmlName* const uri = document.LookupNamespaceRef(prefix);
-    if (uri == nullptr || uri->empty() || prefix == L"xml" || prefix == L"xmlns") return false;
-    if (uri->View() == CXmlWriter::XML_NAMESPACE || uri->View() == CXmlWriter::XMLNS_NAMESPACE) return false;
+  void Use(wstring_view prefix) {
+    if (prefix == L"xml" || prefix == L"xmlns") return;
+    const CXmlName* const uri = Lookup(prefix);
+    if (uri == nullptr || uri->empty() || uri->View() == CXmlWriter::XML_NAMESPACE ||
+        uri->View() == CXmlWriter::XMLNS_NAMESPACE)
+      return;
+    m_used.emplace(prefix, uri);
+  }
+
+  // The namespace of a type without prefix, noted under the empty prefix.
+  void UseDefault() {
+    const CXmlName* const uri = Lookup({});
+    m_used.emplace(wstring_view(), uri != nullptr ? uri : m_document->GetEmptyName());
+  }
+
+  const CXmlName* Lookup(wstring_view prefix) {
+    if (!m_isScoped) return m_document->LookupNamespaceRef(prefix);
+    const auto inside = m_scope.find(prefix);
+    if (inside != m_scope.end() && !inside->second.empty()) return inside->second.back();
+    const auto [known, isNew] = m_scopeOutside.try_emplace(prefix, nullptr);
+    if (isNew) known->second = m_outside != nullptr ? m_outside->LookupNamespaceRef(prefix) : nullptr;
+    return known->second;
+  }
+
+  void EnterScope(const CXmlElement& source) {
+    if (!m_isScoped) return;
+    for (const auto& declaration : m_document->GetDeclarations(&source))
+      m_scope[declaration.prefix->View()].push_back(declaration.namespaceUri);
+  }
+
+  void LeaveScope(const CXmlElement& source) {
+    if (!m_isScoped) return;
+    for (const auto& declaration : m_document->GetDeclarations(&source)) m_scope[declaration.prefix->View()].pop_back();
+  }
+
+  // Adds what is used to the shared map; false, and nothing added, when the shared map has to bind a prefix
+  // differently.
+  bool JoinPrefixes() {
+    if (m_isScoped)
+      for (const auto& [prefix, uri] : m_used)
+        if (SharedBinding(prefix) != uri) return false;
     if (m_prefixes == nullptr) m_prefixes = std::make_shared<Prefixes>();
-    m_prefixes->emplace(prefix, document.ShareName(uri));
+    for (const auto& [prefix, uri] : m_used)
+      if (m_prefixes->find(prefix) == m_prefixes->end()) m_prefixes->emplace(prefix, Share(uri));
     return true;
   }
 
+  // What the document element says, or else what the document says last, as whoever declares the prefixes of a document
+  // beforehand would have it.
+  const CXmlName* SharedBinding(wstring_view prefix) {
+    const auto [known, isNew] = m_shared.try_emplace(prefix, nullptr);
+    if (isNew) known->second = m_document->GetDocumentElement()->LookupNamespaceRef(prefix);
+    if (isNew && known->second == nullptr) known->second = m_document->LookupNamespaceRef(prefix);
+    return known->second != nullptr ? known->second : m_document->GetEmptyName();
+  }
+
+  // Elements that use the same in a row share the map.
+  const std::shared_ptr<const Prefixes>& OwnPrefixes() {
+    const bool isSame = m_own != nullptr && m_own->size() == m_used.size() &&
+                        std::equal(m_used.begin(), m_used.end(), m_own->begin(), [](const auto& a, const auto& b) {
+                          return a.first == b.first && a.second->View() == *b.second;
+                        });
+    if (isSame) return m_own;
+    const auto own = std::make_shared<Prefixes>();
+    for (const auto& [prefix, uri] : m_used) own->emplace(prefix, Share(uri));
+    return m_own = own;
+  }
+
+  SharedText Share(const CXmlName* uri) const {
+    static const SharedText kEmpty = std::make_shared<const std::wstring>();
+    return uri->empty() ? kEmpty : m_document->ShareName(uri);
+  }
+
+  const CXmlDocument* m_document = nullptr;
+  const CXmlElement* m_outside = nullptr;  // the parent of the top
+  bool m_isScoped = false;
+  std::map<wstring_view, std::vector<const CXmlName*>> m_scope;  // what the open elements declare
+  std::map<wstring_view, const CXmlName*> m_scopeOutside;        // what was in scope before
+  std::map<wstring_view, const CXmlName*> m_shared;              // what the shared map may bind
+  std::map<wstring_view, const CXmlName*> m_used;                // by the values of one element
   std::shared_ptr<Prefixes> m_prefixes;
+  std::shared_ptr<const Prefixes> m_own;
 };
 
 // Writes an element with all below it.
@@ -171,11 +269,14 @@ class CElement::TreeWriter {
   void Start(const CElement& element, bool isRoot, const Prefixes* declared) {
     if (element.GetElementNameRef().empty()) throw CRkInvalidStateException(L"The element has no name.");
     if (isRoot) WritePrologue(element);
+    const Prefixes* const own = element.m_prefixes.get() != declared ? element.m_prefixes.get() : nullptr;
+    if (own != nullptr && !isRoot) AvoidOwnPrefix(element, *own);
     m_writer.WriteStartElement(element.GetElementNameRef(),
                                element.m_namespaceUri != nullptr ? *element.m_namespaceUri : kNoNamespace.Get());
     if (isRoot) WriteRootAttributes(m_writer, m_context, element.GetNamespace(), m_isOptionalChoice);
-    if (element.m_prefixes != nullptr && element.m_prefixes.get() != declared) {
-      for (const auto& [prefix, uri] : *element.m_prefixes) m_writer.DeclareNamespace(prefix, *uri);
+    if (own != nullptr) {
+      m_writer.AvoidPrefix(std::wstring());
+      for (const auto& [prefix, uri] : *own) m_writer.DeclareNamespace(prefix, *uri);
     }
     element.AttributesToXml_Int(&m_writer, m_context);
     if (isRoot) WriteRootSchema(m_writer, m_context);
@@ -183,6 +284,14 @@ class CElement::TreeWriter {
     const bool hasText = element.m_children.empty() ? !element.m_text.empty() : !IsBlank(element.m_text);
     const bool isBare = element.m_children.empty() && !HasAttributes(element, isRoot);
     if (hasText || isBare) WriteText(element);
+  }
+
+  // The name of an element must not use a prefix that its start tag declares for another namespace.
+  void AvoidOwnPrefix(const CElement& element, const Prefixes& own) {
+    if (element.m_namespaceUri == nullptr || !m_writer.HasOpenElement()) return;
+    const std::wstring* const prefix = m_writer.FindPrefixInScope(*element.m_namespaceUri);
+    const auto declared = prefix != nullptr ? own.find(*prefix) : own.end();
+    if (declared != own.end() && *declared->second != *element.m_namespaceUri) m_writer.AvoidPrefix(*prefix);
   }
 
   // Declarations count as attributes here.
@@ -199,7 +308,7 @@ class CElement::TreeWriter {
     if (element.m_prefixes == nullptr) return;
     const CNamespaceAliasMap& aliases = m_context.GetNamespaceAliases();
     for (const auto& [prefix, uri] : *element.m_prefixes) {
-      if (!aliases.DoesAliasExist(prefix.c_str()) && !aliases.DoesNamespaceExist(uri->c_str())) {
+      if (!prefix.empty() && !aliases.DoesAliasExist(prefix.c_str()) && !aliases.DoesNamespaceExist(uri->c_str())) {
         m_writer.AddNamespace(prefix, *uri);
       }
     }
@@ -290,20 +399,26 @@ void CElement::AttributesToXml_Int(CXmlWriter* writer, const CSerializationConte
   for (const CXmlCollection::CNode* node = m_attributes->GetFirstNode(); node != nullptr; node = node->GetNext()) {
     const auto* const attribute = dynamic_cast<const CAttribute*>(node->GetItem());
     if (attribute == nullptr) continue;
-    // A type whose prefix means something else here keeps its namespace under another prefix.
-    if (m_prefixes != nullptr && attribute->GetLocalName() == L"type" &&
-        attribute->GetNamespace() == CXmlWriter::XSI_NAMESPACE) {
-      const std::wstring& type = attribute->GetValue();
-      const std::size_t colon = type.find(L':');
-      const auto declared = m_prefixes->find(wstring_view(type).substr(0, colon));
-      if (colon != std::wstring::npos && declared != m_prefixes->end() &&
-          !writer->DeclareNamespace(declared->first, *declared->second)) {
-        writer->WriteAttributeType(*declared->second, type.substr(colon + 1), ItemType_string);
-        continue;
-      }
-    }
+    if (m_prefixes != nullptr && writer->WritesNamespaces() &&
+        IsType(attribute->GetLocalName(), attribute->GetNamespace()) && WriteType(*attribute, *writer))
+      continue;
     attribute->AttributesToXml_Int(writer, context);
   }
+}
+
+// A type whose prefix, or whose lack of one, means something else here keeps its namespace under another prefix.
+bool CElement::WriteType(const CAttribute& attribute, CXmlWriter& writer) const {
+  const std::wstring& type = attribute.GetValue();
+  const std::size_t colon = type.find(L':');
+  const bool hasPrefix = colon != std::wstring::npos;
+  const auto meant = m_prefixes->find(hasPrefix ? wstring_view(type).substr(0, colon) : wstring_view());
+  if (meant == m_prefixes->end() || meant->second->empty()) return false;
+  if (hasPrefix ? writer.DeclareNamespace(meant->first, *meant->second) : writer.IsDefaultNamespace(*meant->second))
+    return false;
+  const std::wstring prefix = writer.DeclareNamespace(*meant->second);
+  writer.WriteAttributeString(attribute.GetLocalName(), CXmlWriter::XSI_NAMESPACE,
+                              prefix + L':' + type.substr(hasPrefix ? colon + 1 : 0), ItemType_string);
+  return true;
 }
 
 void CElement::ToXml_Int(CXmlWriter* writer, bool registerNamespaces, const wchar_t* /*namespaceUri*/,

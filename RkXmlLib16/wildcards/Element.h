@@ -102,6 +102,8 @@ class RKXML_EXPORT CElement : public CXmlObjectBase {
   CElement(const CNamespaceRule& rule, const CXmlElement& source);
 
   static void Destroy(Children& children) noexcept;
+  // Writes xsi:type where it has to be written differently from how it was read; false where it has not.
+  bool WriteType(const CAttribute& attribute, CXmlWriter& writer) const;
 
   SharedText m_namespaceUri;  // null for no namespace; shared by all that a document brought
   std::wstring m_text;
@@ -109,7 +111,8 @@ class RKXML_EXPORT CElement : public CXmlObjectBase {
   CNamespaceRule m_rule;
   CSmartPtr<CAttributeCol> m_attributes;  // null until asked for
   Children m_children;
-  std::shared_ptr<const Prefixes> m_prefixes;  // those that values of the tree use; null when none
+  // What prefixes in values stand for; the empty prefix is that of types without one. Null when none is used.
+  std::shared_ptr<const Prefixes> m_prefixes;
 };
 
 }  // namespace RkXmlLib16

@@ -6,6 +6,7 @@
 #include "RkXmlLib16/context/JsonContext.h"
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/document/ElementTree.h"
+#include "RkXmlLib16/document/XmlWriter.h"
 #include "RkXmlLib16/wildcards/ElementCol.h"
 #include "support/SmallStack.h"
 
@@ -65,6 +66,93 @@ TEST(Element, NamespacesKeepEveryCharacter) {
   }
   EXPECT_THROWS(CRkException, L"Failed to write FastInfoset. A namespace contains a control character.",
                 read.ToFastInfosetStream());
+}
+
+// What each xsi:type and ref of a document means, in document order, by the declarations in scope.
+std::wstring MeaningOfValues(const CXmlDocument& document) {
+  std::wstring meaning;
+  const CXmlElement* e = document.GetDocumentElement();
+  while (e != nullptr) {
+    for (const CXmlAttribute* attribute : e->GetAttributes()) {
+      if (attribute->GetLocalName() != L"type" && attribute->GetLocalName() != L"ref") continue;
+      const std::wstring value = attribute->GetValue();
+      const std::size_t colon = value.find(L':');
+      const std::wstring prefix = colon == std::wstring::npos ? L"" : value.substr(0, colon);
+      const CXmlName* const uri = e->LookupNamespaceRef(prefix);
+      meaning += L" {" + (uri != nullptr ? uri->GetText().ToString() : L"") + L"}";
+      meaning += colon == std::wstring::npos ? value : value.substr(colon + 1);
+    }
+    if (e->GetFirstElement() != nullptr) {
+      e = e->GetFirstElement();
+      continue;
+    }
+    while (e != nullptr && e->GetNextSiblingElement() == nullptr) e = e->GetParentElement();
+    if (e != nullptr) e = e->GetNextSiblingElement();
+  }
+  return meaning;
+}
+
+// A prefix that is bound more than once means in each form what it meant where it stood.
+TEST(Element, NamesInValuesKeepTheirNamespaces) {
+  const Rows<const char*, Wide> kRows = {
+      {"<r ><a xmlns:p='1' i:type='p:T'/><b xmlns:p='2' i:type='p:T'/></r>", L" {1}T {2}T"},
+      {"<r xmlns:p='1' i:type='p:T'><b xmlns:p='2' i:type='p:T'><c xmlns:p='1' i:type='p:T'/></b><c i:type='p:T'/></r>",
+       L" {1}T {2}T {1}T {1}T"},
+      {"<r xmlns='1' i:type='T'><b xmlns='2' i:type='T'><c xmlns='' i:type='T'/></b></r>", L" {1}T {2}T {}T"},
+      {"<p:r xmlns:p='1' ref='p:T'><p:b xmlns:p='2' ref='p:T'/><p:b i:type='p:U'/></p:r>", L" {1}T {2}T {1}U"},
+      {"<r xmlns:p='1' xmlns:q='2'><a ref='p:T' i:type='q:T'><b xmlns:p='2' xmlns:q='1' ref='q:T' i:type='p:T'/></a>"
+       "</r>",
+       L" {1}T {2}T {1}T {2}T"},
+      // The name of an element and of what is in it give way to the prefix that a value needs.
+      {"<q:r xmlns:q='1' xmlns:p='1' i:type='p:T'><q:b xmlns:p='2' i:type='p:T' q:k='v'><q:c "
+       "i:type='p:U'/></q:b></q:r>",
+       L" {1}T {2}T {2}U"},
+  };
+  for (const auto& [read, meaning] : kRows) {
+    SCOPED_TRACE(read);
+    std::string xml = read;
+    xml.insert(xml.find(' '), " xmlns:i='http://www.w3.org/2001/XMLSchema-instance'");
+    CSerializationContext named;
+    named.GetNamespaceAliases().Add(L"p", L"1");
+    named.GetNamespaceAliases().Add(L"n", L"2");
+    named.GetNamespaceAliases().Add(L"xsi", CXmlWriter::XSI_NAMESPACE.c_str());
+    named.GetJsonContext()->SetStrictOutput(true);
+    const CSerializationContext plain;
+    CElement element;
+    for (const CSerializationContext* context : {&plain, const_cast<const CSerializationContext*>(&named)}) {
+      element.FromXml(xml.c_str());
+      for (int trip = 0; trip < 3; ++trip) {
+        const CBinaryData bytes = trip % 2 == 0
+                                      ? element.ToXmlStream(true, true, XmlEncoding_UTF8, EOLType_LF, *context)
+                                      : element.ToFastInfosetStream(FInfoDecl_None, *context);
+        CXmlDocument document;
+        document.LoadXmlStream(bytes.GetData(), bytes.GetLength());
+        EXPECT_TEXT(meaning, MeaningOfValues(document))
+            << trip << Narrow(element.ToXml(false, false, EOLType_LF, *context));
+        element.FromXmlElement(document.GetDocumentElement());
+      }
+    }
+    const std::wstring json = element.ToJson(false, EOLType_LF, named);
+    CXmlDocument document;
+    const CBinaryData converted = document.LoadJson(json.c_str());
+    document.LoadXmlStream(converted.GetData(), converted.GetLength());
+    EXPECT_TEXT(meaning, MeaningOfValues(document)) << Narrow(json);
+  }
+}
+
+// A part that is read alone takes the scope around it along.
+TEST(Element, APartKeepsTheScopeAroundIt) {
+  CXmlDocument document;
+  document.LoadXml(
+      L"<r xmlns='1' xmlns:p='1' xmlns:i='http://www.w3.org/2001/XMLSchema-instance'><s xmlns='2' xmlns:p='2'>"
+      L"<a xmlns='' i:type='p:T'/><b i:type='U'/></s></r>");
+  const CXmlElement* const a = document.GetDocumentElement()->GetFirstElement()->GetFirstElement();
+  CElement element;
+  element.FromXmlElement(a);
+  EXPECT_NE(std::wstring::npos, element.ToXml(false, false).find(L"xmlns:p=\"2\""));
+  element.FromXmlElement(a->GetNextSiblingElement());
+  EXPECT_TEXT(L"<AA:b xmlns:AA=\"2\" xmlns:AB=\"" + CXmlWriter::XSI_NAMESPACE + L"\" AB:type=\"AA:U\"/>",
+              element.ToXml(false, false));
 }
 
 TEST(Element, DeclaresPrefixesAgainWhereItStandsInAnotherTree) {
