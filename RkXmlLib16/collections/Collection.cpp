@@ -7,6 +7,7 @@
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/context/internal/ErrorSession.h"
 
 namespace RkXmlLib16 {
@@ -48,6 +49,14 @@ CXmlCollection::~CXmlCollection() {
 void CXmlCollection::AttributesToXml_Int(CXmlWriter* writer, const CSerializationContext& context) const {
   for (CItemWalk<sizeof(CXmlObjectBase), kAheadOfShortSteps> walk(*this); walk.Advance();)
     if (walk.GetItem() != nullptr) walk.GetItem()->GetBase()->AttributesToXml_Int(writer, context);
+}
+
+bool CXmlCollection::IsToBeWritten(const CXmlObjectBase* item, const CSerializationContext& context) const {
+  if (item != nullptr || !context.GetWellFormedOutput()) return item != nullptr;
+  int index = 0;  // items are written in order, so the first null one is meant
+  for (const CNode* node = m_head; node != nullptr && node->m_item != nullptr; node = node->m_next) ++index;
+  throw CRkValidationException(
+      FormatString(L"The item %d of the collection [%ls] is NULL", index, GetElementNameRef().c_str()), L"");
 }
 
 int CXmlCollection::GetCount() const { return m_count; }

@@ -102,6 +102,10 @@ class RKXML_EXPORT CXmlCollection : public CXmlCollectionBase {
   CNode* GetNodeAtIndex(int index) const;
   CNode* GetNodeForItem(const CXmlObjectBase* item) const;
   void RemoveNode(CNode* node);
+  // Whether an item is written. A null one is not, though it counts, so the document may fall short of the minimum:
+  // throws CRkValidationException "The item %d of the collection [%ls] is NULL" (index and element name) for the first
+  // one under CSerializationContext::SetWellFormedOutput.
+  bool IsToBeWritten(const CXmlObjectBase* item, const CSerializationContext& context) const;
 
   // The ends of the list, null when it is empty; for walks in a loop.
   CNode* GetFirstNode() const noexcept { return m_head; }

@@ -54,12 +54,13 @@ class CXmlObjectCollection : public CXmlCollection {
   void ToXml_Int(CXmlWriter* writer, bool registerNamespaces, const wchar_t* namespaceUri,
                  const CSerializationContext& context, bool isOptionalChoice) const override {
     const CXmlWriter::LastingNames names = writer->GetLastingNames();
+    if (m_elementType != XmlElementType_Element) writer->SetItemsAreGroups();
     int position = 0;
     try {
       for (CItemWalk<sizeof(T)> walk(*this); walk.Advance();) {
         ++position;
         const CXmlObjectBase* item = walk.GetItem();
-        if (item == nullptr) continue;
+        if (!IsToBeWritten(item, context)) continue;
         writer->SetLastingNames(names);
         item->ToXml_Int(writer, registerNamespaces, namespaceUri, context, isOptionalChoice);
       }

@@ -428,7 +428,13 @@ bool CXmlWriter::IsDefaultNamespace(const std::wstring& namespaceUri) const {
 }
 
 void CXmlWriter::SetContextState(ContextState state) {
-  if (m_context != nullptr) m_context->m_state = state;
+  if (m_context == nullptr) return;
+  m_context->m_state = state;
+  m_context->m_itemsAreGroups = false;
+}
+
+void CXmlWriter::SetItemsAreGroups() {
+  if (m_context != nullptr) m_context->m_itemsAreGroups = true;
 }
 
 std::wstring CXmlWriter::GetUniquePrefix(const NamespaceMap& namespaces) {
@@ -467,6 +473,7 @@ CXmlWriter::CXmlWriterContext& CXmlWriter::PushContext(const std::wstring& local
     context->m_depth = m_context->m_depth + 1;
     context->m_prefix.clear();
     context->m_state = ContextState_None;
+    context->m_itemsAreGroups = false;
     context->m_scope = m_context->m_scope;
     context->m_parent = std::move(m_context);
     m_context = std::move(context);

@@ -71,6 +71,7 @@ class RKXML_EXPORT CXmlWriter {
     std::wstring m_prefix;  // as written in the start tag
     std::unique_ptr<CXmlWriterContext> m_parent;
     ContextState m_state = ContextState_None;
+    bool m_itemsAreGroups = false;
 
    private:
     friend class CXmlWriter;
@@ -133,6 +134,8 @@ class RKXML_EXPORT CXmlWriter {
   bool WritesNamespaces() const noexcept { return m_writesNamespaces; }
   // Sets the state of the open element; without one it does nothing.
   void SetContextState(ContextState state);
+  // The items of the collection that begins are groups without an element of their own: what follows is not an item.
+  void SetItemsAreGroups();
   // Room for a value on its way to the writer, invalid at first, and for its text; both are good until the next value.
   RkVariant& BeginValue() noexcept {
     m_value.SetUnused();

@@ -198,6 +198,7 @@ void CJsonTextWriter::WriteStartElement(const std::wstring& localName, const std
   if (keyHasPrefix && !root && FindElementPrefix(namespaceUri) == nullptr) ThrowUnknownNamespace(localName);
   // An item that turns out to have only text cannot stand in an array without markers.
   const bool undecided = item && m_roundTrip == JsonRoundTrip_Plain;
+  const bool opensArray = !root && !item && OpensArray();
   if (!root) {
     if (!item) CloseArray(*m_context, Top(), false);
     if (!undecided) OpenMember();
@@ -218,6 +219,8 @@ void CJsonTextWriter::WriteStartElement(const std::wstring& localName, const std
     DeclareNamespaces();
   } else if (!item) {
     PutKey(start, {}, keyHasPrefix ? *FindElementPrefix(namespaceUri) : kNone.Get(), localName);
+    if (opensArray) OpenArray(context, *context.m_parent);
+    Top().arrayItem = opensArray;
   } else {
     Put(start);
   }
@@ -293,7 +296,8 @@ void CJsonTextWriter::WriteEndElement() {
 
 void CJsonTextWriter::WriteTextElement(const std::wstring& localName, const std::wstring& namespaceUri,
                                        const std::wstring& text, ItemType type) {
-  const bool isMember = m_checks == nullptr && m_context != nullptr && !ContinuesArray(localName, namespaceUri);
+  const bool isMember =
+      m_checks == nullptr && m_context != nullptr && !OpensArray() && !ContinuesArray(localName, namespaceUri);
   const std::wstring* prefix = &kNone.Get();
   if (isMember && m_roundTrip == JsonRoundTrip_Namespaces) prefix = FindElementPrefix(namespaceUri);
   if (!isMember || prefix == nullptr) return CXmlWriter::WriteTextElement(localName, namespaceUri, text, type);
@@ -340,6 +344,12 @@ bool CJsonTextWriter::ContinuesArray(const std::wstring& localName, const std::w
   return frame.arrayOpen && m_context->m_state == ContextState_ArrayOpen &&
          WideText::IsEqual(frame.arrayName.Get(), localName) &&
          (m_roundTrip != JsonRoundTrip_Namespaces || WideText::IsEqual(frame.arrayNamespace.Get(), namespaceUri));
+}
+
+// Whether an element that continues no array begins one of its own, even if it has only text.
+inline bool CJsonTextWriter::OpensArray() const {
+  return m_strict && m_roundTrip != JsonRoundTrip_Plain && !m_context->m_itemsAreGroups &&
+         (m_context->m_state == ContextState_CollectionStart || m_context->m_state == ContextState_ArrayOpen);
 }
 
 void CJsonTextWriter::OpenArray(CXmlWriterContext& item, CXmlWriterContext& owner) {

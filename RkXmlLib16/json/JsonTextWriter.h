@@ -22,7 +22,8 @@ namespace RkXmlLib16 {
 //   <order id="1"><name>x</name></order>   is   {"order": {"@id": "1","name": "x"}}
 //
 // Strings are written with quotation marks, backslashes, tabs and line feeds as they are, and an element with nothing
-// in it is a key without value, unless the output is strict: then the text is RFC 8259 whatever the document holds.
+// in it is a key without value, unless the output is strict: then the text is RFC 8259 whatever the document holds, and
+// with markers the items of every collection are an array, those with only text as {"#text": value}.
 // docs/json.md shows all shapes.
 class RKXML_EXPORT CJsonTextWriter : public CXmlWriter {
  public:
@@ -109,6 +110,7 @@ class RKXML_EXPORT CJsonTextWriter : public CXmlWriter {
   Frame& Top() { return m_frames[m_frameCount - 1]; }
   Frame& Owner() { return m_frames[m_frameCount - 2]; }
   bool ContinuesArray(const std::wstring& localName, const std::wstring& namespaceUri);
+  bool OpensArray() const;
   void OpenArray(CXmlWriterContext& item, CXmlWriterContext& owner);
   void CloseArray(CXmlWriterContext& owner, Frame& frame, bool atEnd);
   void OpenBrackets(CXmlWriterContext& context);

@@ -20,7 +20,7 @@ void CElementCol::ToXml_Int(CXmlWriter* writer, bool /*registerNamespaces*/, con
   ValidateCount(context);
   for (CItemWalk<sizeof(CElement)> walk(*this); walk.Advance();) {
     const CXmlObjectBase* const item = walk.GetItem();
-    if (item != nullptr) item->ToXml_Int(writer, false, namespaceUri, context, isOptionalChoice);
+    if (IsToBeWritten(item, context)) item->ToXml_Int(writer, false, namespaceUri, context, isOptionalChoice);
   }
 }
 

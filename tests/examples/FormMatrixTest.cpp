@@ -1,8 +1,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <set>
 #include <string>
+#include <vector>
 
+#include "Expect.h"
 #include "Gpx.h"
 #include "Order.h"
 #include "RkXmlLib16/RkXmlLib16.h"
@@ -20,6 +23,21 @@ using namespace RkXmlLib16;
 using RkXmlTest::BytesOf;
 
 namespace {
+
+#ifdef NLOHMANN_JSON_VERSION_MAJOR
+// Whether no object of the text has two members of one name.
+bool HasDistinctKeys(const std::string& text) {
+  std::vector<std::set<std::string>> open;
+  bool distinct = true;
+  const nlohmann::json parsed = nlohmann::json::parse(text, [&](int, nlohmann::json::parse_event_t event, auto& value) {
+    if (event == nlohmann::json::parse_event_t::object_start) open.emplace_back();
+    if (event == nlohmann::json::parse_event_t::object_end) open.pop_back();
+    if (event == nlohmann::json::parse_event_t::key) distinct &= open.back().insert(value).second;
+    return true;
+  });
+  return distinct && !parsed.empty();
+}
+#endif
 
 // One way to write an object and to read it into a new object of its class.
 struct Road {
@@ -115,6 +133,44 @@ TEST_P(FormMatrix, SmallObjectsAndHardTextsArriveAsTheyWere) {
 
 INSTANTIATE_TEST_SUITE_P(Roads, FormMatrix, testing::ValuesIn(kRoads),
                          [](const auto& road) { return "Road" + std::to_string(road.index); });
+
+// Collections of values and of objects are arrays, so that parsers that keep one member of a name keep all items.
+TEST(StrictJson, CollectionsRepeatNoMember) {
+  Order::COrderType order;
+  order.FromXmlFile(L"" RKXML_EXAMPLE_DATA L"/order.xml");
+  order.GetLines()->GetLine()->Remove(1);
+  for (const bool severalNotes : {false, true}) {
+    if (severalNotes) order.GetNote()->Add(L"2");
+    CSerializationContext context;
+    context.SetDefaultNamespaceURI(order.GetTargetNamespace());
+    context.GetNamespaceAliases().Add(L"xsi", L"http://www.w3.org/2001/XMLSchema-instance");
+    context.GetNamespaceAliases().Add(L"audit", L"urn:example:audit");
+    context.GetJsonContext()->SetStrictOutput(true);
+    const std::wstring json = order.ToJson(false, EOLType_LF, context);
+    const wchar_t* const further = severalNotes ? L",{\"#text\": \"2\"}" : L"";
+    EXPECT_NE(std::wstring::npos,
+              json.find(std::wstring(L"\"note\": [{\"#text\": \"Bitte vor Mittag liefern\"}") + further + L"]"));
+#ifdef NLOHMANN_JSON_VERSION_MAJOR
+    EXPECT_TRUE(HasDistinctKeys(BytesOf(order.ToJsonStream(true, XmlEncoding_UTF8, EOLType_LF, context))));
+#endif
+    Order::COrderType back;
+    back.FromJson(json.c_str(), context);
+    EXPECT_EQ(BytesOf(order.ToXmlStream()), BytesOf(back.ToXmlStream()));
+  }
+}
+
+TEST(NullItems, AreNamedInWellFormedOutput) {
+  Order::COrderType order;
+  order.FromXmlFile(L"" RKXML_EXAMPLE_DATA L"/order.xml");
+  const int count = order.GetLines()->GetLine()->GetCount();
+  order.GetLines()->GetLine()->AppendItem(nullptr);
+  CSerializationContext context;
+  EXPECT_NO_THROW(order.ToXml(true, true, EOLType_LF, context));
+  context.SetWellFormedOutput(true);
+  EXPECT_NE(std::wstring::npos, RkXmlTest::Thrown([&] {
+                                  order.ToXml(true, true, EOLType_LF, context);
+                                }).find(L"The item " + std::to_wstring(count) + L" of the collection [line] is NULL"));
+}
 
 // Default output is no JSON text for every content; where it is, objects arrive by it too.
 TEST(DefaultJson, BringsCollectionsOfObjects) {

@@ -240,6 +240,41 @@ TEST(JsonTextWriter, ShapesOfTextAndCollections) {
   }
 }
 
+// In strict output with markers no item of a collection is a member of its own.
+TEST(JsonTextWriter, StrictCollectionsAreArraysWhateverTheItems) {
+  const Rows<Wide, Wide, Wide> kRows = {
+      {L"[<v #1>] <e #3>", LR"({"v": [{"#text": 1}],"e": 3})", LR"({"v": 1,"e": 3})"},
+      {L"[<v #1><v 'x'><v><v ''>]", LR"({"v": [{"#text": 1},{"#text": "x"},{},{}]})",
+       LR"({"v": 1,"v": "x","v": {},"v": null})"},
+      {L"[<v ''><v #1>] [<w #2>]", LR"({"v": [{},{"#text": 1}],"w": [{"#text": 2}]})", LR"({"v": null,"v": 1,"w": 2})"},
+      {L"[<i 't'><i <n #1>><j #2>]", LR"({"i": [{"#text": "t"},{"n": 1}],"j": [{"#text": 2}]})",
+       LR"({"i": "t","i": [{"n": 1}],"j": 2})"},
+      {L"[<o [<v #1><v #2>]><o 't'>] <v #3>", LR"({"o": [{"v": [{"#text": 1},{"#text": 2}]},{"#text": "t"}],"v": 3})",
+       LR"({"o": [{"v": 1,"v": 2}],"o": "t","v": 3})"},
+      {L"'t' @a=1 [<v #1>]", LR"({"#text": "t","@a": "1","v": [{"#text": 1}]})", LR"({"": "t","a": "1","v": 1})"},
+  };
+  for (const auto& [content, markers, plain] : kRows) {
+    SCOPED_TRACE(Narrow(content));
+    const std::wstring script = std::wstring(L"<r ") + content + L">";
+    EXPECT_TEXT(std::wstring(L"{\"r\": ") + markers + L"}", Write(kStrict, script.c_str()));
+    EXPECT_TEXT(std::wstring(L"{\"r\": ") + markers + L"}",
+                Write({JsonRoundTrip_Markers, false, true}, script.c_str()));
+    EXPECT_TEXT(std::wstring(L"{\"r\": ") + plain + L"}", Write({JsonRoundTrip_Plain, false, true}, script.c_str()));
+    // The one-step call makes the same.
+    EXPECT_TEXT(LR"({"r": {"v": [{"#text": 1},{}],"w": 2}})", Write(kStrict, [](CJsonTextWriter& w) {
+                  Replay(w, L"<r [");
+                  w.WriteTextElement(L"v", L"", L"1", ItemType_int);
+                  w.WriteTextElement(L"v", L"", L"", ItemType_int);
+                  Replay(w, L"]");
+                  w.WriteTextElement(L"w", L"", L"2", ItemType_int);
+                  Replay(w, L">");
+                }));
+  }
+  EXPECT_TEXT(
+      L"{\n\t\"r\": {\n\t\t\"v\": [\n\t\t\t{\n\t\t\t\t\"#text\": 1\n\t\t\t},\n\t\t\t{}\n\t\t],\n\t\t\"e\": 2\n\t}\n}",
+      Write({JsonRoundTrip_Markers, true, true}, L"<r [<v #1><v>] <e #2>>"));
+}
+
 TEST(JsonTextWriter, IndentsAnArrayAndWhatFollowsIt) {
   EXPECT_TEXT(
       LR"({

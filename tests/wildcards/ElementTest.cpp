@@ -7,7 +7,9 @@
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/document/ElementTree.h"
 #include "RkXmlLib16/document/XmlWriter.h"
+#include "RkXmlLib16/io/TextStream.h"
 #include "RkXmlLib16/wildcards/ElementCol.h"
+#include "RkXmlLib16/xml/XmlTextWriter.h"
 #include "support/SmallStack.h"
 
 using namespace RkXmlTest;
@@ -137,6 +139,25 @@ TEST(Element, NamesInValuesKeepTheirNamespaces) {
     const CBinaryData converted = document.LoadJson(json.c_str());
     document.LoadXmlStream(converted.GetData(), converted.GetLength());
     EXPECT_TEXT(meaning, MeaningOfValues(document)) << Narrow(json);
+  }
+}
+
+// Children of one name in a row are an array in strict JSON, and read back equal.
+TEST(Element, StrictJsonRepeatsNoMember) {
+  CElement element;
+  const wchar_t* const xml = L"<r><a>1</a><a/><a k=\"v\">2</a><b>3</b><c><d>x</d><d>y</d></c><e/><e/></r>";
+  element.FromXml(xml);
+  CSerializationContext strict;
+  strict.GetJsonContext()->SetStrictOutput(true);
+  for (const JsonRoundTrip mode : {JsonRoundTrip_Markers, JsonRoundTrip_Namespaces}) {
+    strict.GetJsonContext()->SetSupportRoundtrip(mode);
+    const std::wstring json = element.ToJson(false, EOLType_LF, strict);
+    EXPECT_TEXT(
+        LR"({"r": {"a": [{"#text": "1"},{},{"@k": "v","#text": "2"}],"b": "3",)"
+        LR"("c": {"d": [{"#text": "x"},{"#text": "y"}]},"e": [{},{}]}})",
+        json);
+    element.FromJson(json.c_str(), strict);
+    EXPECT_TEXT(xml, element.ToXml(false, false));
   }
 }
 
@@ -402,6 +423,27 @@ TEST(ElementCol, RefusesByHandWhatItsConstraintForbids) {
   col.PrependItem(new CElement(L"y"));
   EXPECT_EQ(2, col.GetCount());
   EXPECT_EQ(nullptr, col.Item(1));
+}
+
+TEST(ElementCol, NullItemsAreNotWrittenAndOnRequestRefused) {
+  CElementCol col(L"AnyElement", L"", 0, -1, L"##any", L"");
+  col.Add(new CElement(L"a"));
+  col.Add(nullptr);
+  const auto write = [&](const CSerializationContext& context) {
+    CTextStream stream;
+    CXmlTextWriter writer(stream);
+    writer.SetFormat(false);
+    writer.WriteStartElement(L"t", L"");
+    col.ToXml_Int(&writer, false, L"", context, false);
+    writer.WriteEndElement();
+    return stream.ToString();
+  };
+  CSerializationContext context;
+  EXPECT_TEXT(L"<t><a/></t>", write(context));
+  context.SetWellFormedOutput(true);
+  EXPECT_THROWS(CRkValidationException, L"The item 1 of the collection [AnyElement] is NULL", write(context));
+  col.Remove(1);
+  EXPECT_TEXT(L"<t><a/></t>", write(context));
 }
 
 TEST(AttributeCol, HoldsWhatItsConstraintAdmits) {
