@@ -24,14 +24,12 @@ inline void Require(bool holds, const char* property, const std::wstring& eviden
 // namespaces in `tree`, which JSON needs.
 CSerializationContext MakeContext(const CElement* tree = nullptr);
 
-// JSON becomes indented XML text on its way in, so white space can join the end of text that has elements beside it.
-enum class Mixed { IsKept, EndsAnyhow };
+// The tree in one text: two trees are equal when their texts are. Types are told without their prefixes, which may
+// change.
+std::wstring Describe(const CElement& tree);
 
-// The tree in one text: two trees are equal when their texts are.
-std::wstring Describe(const CElement& tree, Mixed mixed = Mixed::IsKept);
-
-// Whether XML text can hold the tree unchanged: its names are names and its characters XML characters, no text looks
-// like a CDATA section, no name stands twice on an element.
+// Whether XML text can hold the tree unchanged: its names are names and its characters XML characters, no name stands
+// twice on an element.
 bool IsXml(const CElement& tree);
 
 // Whether JSON, which may be nested 100 levels deep, has room for the tree.

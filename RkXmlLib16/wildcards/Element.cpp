@@ -46,6 +46,11 @@ void ForEachPrefix(wstring_view text, Found&& found) {
   }
 }
 
+// Of the value of an xsi:type.
+bool HasNoPrefix(wstring_view type) {
+  return !type.empty() && StartsName(type.front()) && type.find(L':') == wstring_view::npos;
+}
+
 bool IsNamed(const CElement& element, wstring_view localName, wstring_view namespaceUri) {
   return element.GetElementNameRef() == localName && element.GetNamespace() == namespaceUri;
 }
@@ -123,8 +128,7 @@ class CElement::TreeReader {
     for (const CXmlAttribute* attribute : source.GetAttributes()) {
       element.GetAttributes()->Add(*attribute);
       ForEachPrefix(attribute->GetValue(), use);
-      if (IsType(attribute->GetLocalName(), attribute->GetNamespaceURI()) &&
-          attribute->GetValue().View().find(L':') == wstring_view::npos)
+      if (IsType(attribute->GetLocalName(), attribute->GetNamespaceURI()) && HasNoPrefix(attribute->GetValue()))
         UseDefault();
     }
     if (m_used.empty()) return false;
@@ -411,6 +415,7 @@ bool CElement::WriteType(const CAttribute& attribute, CXmlWriter& writer) const 
   const std::wstring& type = attribute.GetValue();
   const std::size_t colon = type.find(L':');
   const bool hasPrefix = colon != std::wstring::npos;
+  if (!hasPrefix && !HasNoPrefix(type)) return false;
   const auto meant = m_prefixes->find(hasPrefix ? wstring_view(type).substr(0, colon) : wstring_view());
   if (meant == m_prefixes->end() || meant->second->empty()) return false;
   if (hasPrefix ? writer.DeclareNamespace(meant->first, *meant->second) : writer.IsDefaultNamespace(*meant->second))
