@@ -206,8 +206,8 @@ class CElement::TreeReader {
   }
 
   SharedText Share(const CXmlName* uri) const {
-    static const SharedText kEmpty = std::make_shared<const std::wstring>();
-    return uri->empty() ? kEmpty : m_document->ShareName(uri);
+    static const CNeverDestroyed<SharedText> kEmpty(std::make_shared<const std::wstring>());
+    return uri->empty() ? kEmpty.Get() : m_document->ShareName(uri);
   }
 
   const CXmlDocument* m_document = nullptr;
