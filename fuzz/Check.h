@@ -20,7 +20,7 @@ inline void Require(bool holds, const char* property, const std::wstring& eviden
   if (!holds) Fail(property, evidence);
 }
 
-// Settings for documents of strangers, small enough for quick runs; JSON is strict. `aliases` names the prefixes of the
+// Settings for untrusted documents, small enough for quick runs; JSON is strict. `aliases` names the prefixes of the
 // namespaces in `tree`, which JSON needs.
 CSerializationContext MakeContext(const CElement* tree = nullptr);
 

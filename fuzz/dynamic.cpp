@@ -1,4 +1,4 @@
-// A document of a stranger, read by three schemas without classes. What one accepts is accepted again as it was
+// An untrusted document, read by three schemas without classes. What one accepts is accepted again as it was
 // written.
 #include "schema/dynamic/DynamicObject.h"
 

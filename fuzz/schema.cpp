@@ -1,4 +1,4 @@
-// A schema of a stranger: read, checked and left again without a crash, in time and memory that its size allows.
+// An untrusted schema: read, checked and left again without a crash, in time and memory that its size allows.
 #include "schema/components/SchemaSet.h"
 #include "schema/components/SimpleValue.h"
 
