@@ -87,7 +87,9 @@ CElementInfoAllClsMnd::CElementInfoAllClsMnd(const wchar_t* name, const wchar_t*
     : CElementInfo(name, ns, propertyIndex, MemberKind::Single, memberType),
       m_required(required),
       m_factory(factory),
-      m_classId(classId) {}
+      m_classId(classId) {
+  if (IsInlineGroup()) SetGroupFactory(factory, classId);
+}
 
 CElementInfoAllClsMnd::~CElementInfoAllClsMnd() = default;
 

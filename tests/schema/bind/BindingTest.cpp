@@ -1,0 +1,154 @@
+// Which records, kinds and facets the components of a schema become.
+#include "schema/bind/Binding.h"
+
+#include <gtest/gtest.h>
+
+#include "RkXmlLib16/RkXmlLib16.h"
+
+namespace RkXmlSchema {
+namespace {
+
+using namespace RkXmlLib16;
+
+struct Bound {
+  explicit Bound(const std::string& parts) {
+    set.AddText(
+        "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema' xmlns:t='urn:t' targetNamespace='urn:t' "
+        "elementFormDefault='qualified'>" +
+            parts + "</xs:schema>",
+        L"test.xsd");
+    if (set.Resolve()) binding = std::make_unique<CBinding>(set);
+  }
+  const ClassBinding& Class(const wchar_t* type) const { return *binding->FindClass(set.FindType({L"urn:t", type})); }
+
+  CSchemaSet set;
+  std::unique_ptr<CBinding> binding;
+};
+
+// "a:SeqPrimMnd b:SeqClsCol(ChoicePrimOpt,...)": names, records, occurrence where it is not 1, and groups in brackets.
+std::string Members(const ClassBinding& object) {
+  std::string text;
+  for (const MemberBinding& member : object.members) {
+    if (!text.empty()) text += ' ';
+    text += std::string(member.name.begin(), member.name.end()) + ':' +
+            GetRecordClass(object, member).substr(sizeof "CElementInfo" - 1);
+    if (member.IsCollection())
+      text += '{' + std::to_string(member.minOccurs) + ',' + std::to_string(member.maxOccurs) +
+              (member.stopsAtMaximum ? "!}" : "}");
+    if (member.kind == MemberBinding::Kind::InlineGroup)
+      text += (member.isRequired ? "(" : "?(") + Members(*member.object) + ')';
+  }
+  return text;
+}
+
+TEST(Binding, MembersAndRecords) {
+  const struct {
+    const char* type;
+    const char* members;
+  } rows[] = {
+      {"<xs:sequence><xs:element name='a' type='xs:int'/><xs:element name='b' type='t:e' minOccurs='0'/><xs:element "
+       "name='c' type='t:o' maxOccurs='9'/><xs:element name='d' type='t:base'/><xs:any maxOccurs='unbounded'/>"
+       "</xs:sequence>",
+       "a:SeqPrimMnd b:SeqEnumOpt c:SeqClsCol{1,9} d:SeqAbsClsMnd AnyElement:SeqUntpdCol{1,-1}"},
+      {"<xs:choice><xs:element name='a' type='xs:int'/><xs:choice><xs:element name='b' type='t:o' maxOccurs='2'/>"
+       "</xs:choice></xs:choice>",
+       "a:ChoicePrimOpt b:ChoiceClsCol{1,2}"},
+      {"<xs:sequence minOccurs='0' maxOccurs='unbounded'><xs:element name='a' type='xs:int'/></xs:sequence>",
+       "a:SeqPrimCol{0,-1}"},
+      {"<xs:sequence><xs:choice maxOccurs='unbounded'><xs:element name='a' type='xs:int' minOccurs='0'/><xs:element "
+       "name='b' type='xs:int'/></xs:choice></xs:sequence>",
+       "a:SeqClsCol{0,-1}?(a:ChoicePrimOpt b:ChoicePrimOpt)"},
+      {"<xs:all minOccurs='0'><xs:element name='a' type='xs:int'/><xs:element name='b' type='xs:int' minOccurs='0'/>"
+       "</xs:all>",
+       "a:SeqClsOpt(a:AllPrimMnd b:AllPrimOpt)"},
+      {"<xs:sequence><xs:element name='a' type='xs:int' minOccurs='2' maxOccurs='2'/><xs:element name='a' "
+       "type='xs:int'/></xs:sequence>",
+       "a:SeqPrimCol{2,2!} a:SeqPrimMnd"},
+      {"<xs:sequence><xs:element name='a' type='xs:int' nillable='true'/><xs:element name='b' type='xs:int' "
+       "nillable='true' minOccurs='0'/><xs:element name='c' type='xs:int' default='1' maxOccurs='3'/></xs:sequence>",
+       "a:SeqPrimMnd b:SeqClsOpt c:SeqClsCol{1,3}"},
+      {"<xs:sequence><xs:element ref='t:head' maxOccurs='4'/></xs:sequence>",
+       "head:SeqClsCol{1,4}(head:ChoiceAbsClsOpt sub:ChoicePrimOpt)"},
+  };
+  const std::string common =
+      "<xs:simpleType name='e'><xs:restriction base='xs:string'><xs:enumeration value='x'/></xs:restriction>"
+      "</xs:simpleType><xs:complexType name='o'/><xs:complexType name='base'/><xs:complexType name='more'>"
+      "<xs:complexContent><xs:extension base='t:base'/></xs:complexContent></xs:complexType><xs:element name='head'/>"
+      "<xs:element name='sub' substitutionGroup='t:head' type='xs:int'/>";
+  for (const auto& row : rows) {
+    const Bound bound(common + "<xs:complexType name='r'>" + row.type + "</xs:complexType>");
+    ASSERT_NE(nullptr, bound.binding) << row.members;
+    EXPECT_EQ(row.members, Members(bound.Class(L"r")));
+  }
+}
+
+// The members of the base come first and keep their properties; a choice that is extended is a group.
+TEST(Binding, DerivedClassesContinueTheirBase) {
+  const Bound bound(
+      "<xs:complexType name='b'><xs:choice><xs:element name='x' type='xs:int'/><xs:element name='y' type='xs:int'/>"
+      "</xs:choice><xs:attribute name='n' type='xs:int'/></xs:complexType><xs:complexType name='d'><xs:complexContent>"
+      "<xs:extension base='t:b'><xs:sequence><xs:element name='z' type='xs:int'/></xs:sequence><xs:attribute name='m' "
+      "type='xs:int'/></xs:extension></xs:complexContent></xs:complexType><xs:complexType name='r'><xs:complexContent>"
+      "<xs:restriction base='t:b'><xs:choice><xs:element name='x' type='xs:int'/></xs:choice></xs:restriction>"
+      "</xs:complexContent></xs:complexType>");
+  ASSERT_NE(nullptr, bound.binding);
+  const ClassBinding& base = bound.Class(L"b");
+  const ClassBinding& derived = bound.Class(L"d");
+  const ClassBinding& restricted = bound.Class(L"r");
+  EXPECT_EQ("x:SeqClsMnd(x:ChoicePrimOpt y:ChoicePrimOpt)", Members(base));
+  EXPECT_EQ("x:SeqClsMnd(x:ChoicePrimOpt y:ChoicePrimOpt) z:SeqPrimMnd", Members(derived));
+  EXPECT_EQ(1u, derived.inheritedMembers);
+  EXPECT_EQ(1u, derived.inheritedAttributes);
+  EXPECT_EQ(base.members[0].property, derived.members[0].property);
+  EXPECT_EQ(base.propertyCount, derived.attributes[1].property);
+  EXPECT_EQ(&base, derived.base);
+  EXPECT_EQ(0u, restricted.inheritedMembers);
+  EXPECT_EQ(2u, base.derived.size());
+}
+
+TEST(Binding, Values) {
+  const Bound bound(
+      "<xs:complexType name='r'><xs:attribute name='digits'><xs:simpleType><xs:restriction "
+      "base='xs:int'><xs:totalDigits "
+      "value='2'/><xs:minInclusive value='-5'/></xs:restriction></xs:simpleType></xs:attribute><xs:attribute "
+      "name='pattern'><xs:simpleType><xs:restriction base='t:two'><xs:pattern value='..'/></xs:restriction>"
+      "</xs:simpleType></xs:attribute><xs:attribute name='list' type='xs:NMTOKENS'/><xs:attribute name='money'>"
+      "<xs:simpleType><xs:restriction base='xs:decimal'><xs:pattern value='\\d'/></xs:restriction></xs:simpleType>"
+      "</xs:attribute><xs:attribute name='byte' type='xs:byte' fixed='1'/></xs:complexType><xs:simpleType name='two'>"
+      "<xs:restriction base='xs:string'><xs:pattern value='a+'/><xs:pattern value='b+'/></xs:restriction>"
+      "</xs:simpleType>");
+  ASSERT_NE(nullptr, bound.binding);
+  const auto& attributes = bound.Class(L"r").attributes;
+  ASSERT_EQ(5u, attributes.size());
+  const ValueBinding& digits = *attributes[0].value;
+  EXPECT_EQ(ItemType_int, digits.itemType);
+  EXPECT_EQ(L"-5", digits.facets.GetMinInclusive());
+  EXPECT_EQ(L"99", digits.facets.GetMaxInclusive());
+  EXPECT_EQ(-1, digits.facets.GetTotalDigits());
+  const ValueBinding& pattern = *attributes[1].value;
+  EXPECT_NO_THROW(CXmlObjectHelper::CheckRestrictionForstring(L"", L"aa", pattern.facets));
+  EXPECT_NO_THROW(CXmlObjectHelper::CheckRestrictionForstring(L"", L"bb", pattern.facets));
+  EXPECT_THROW(CXmlObjectHelper::CheckRestrictionForstring(L"", L"a", pattern.facets), CRkException);
+  EXPECT_THROW(CXmlObjectHelper::CheckRestrictionForstring(L"", L"ab", pattern.facets), CRkException);
+  for (const std::size_t i : {2, 3}) {
+    EXPECT_EQ(ValueBinding::Kind::Text, attributes[i].value->kind);
+    EXPECT_TRUE(attributes[i].value->needsCheck);
+  }
+  EXPECT_TRUE(attributes[4].value->facets.IsEmpty());
+  EXPECT_TRUE(attributes[4].defaultValue.isFixed);
+}
+
+TEST(Binding, TellsWhatIsNotCheckedAndNotKept) {
+  const Bound bound(
+      "<xs:element name='r'><xs:complexType mixed='true'><xs:sequence><xs:element name='a' minOccurs='0'/>"
+      "</xs:sequence></xs:complexType><xs:key name='k'><xs:selector xpath='t:a'/><xs:field xpath='.'/></xs:key>"
+      "</xs:element>");
+  ASSERT_NE(nullptr, bound.binding);
+  ASSERT_EQ(1u, bound.binding->GetUnchecked().size());
+  EXPECT_NE(0u, bound.binding->GetUnchecked()[0].location.line);
+  ASSERT_EQ(1u, bound.binding->GetUnkept().size());
+  EXPECT_NE(0u, bound.binding->GetUnkept()[0].location.column);
+}
+
+}  // namespace
+}  // namespace RkXmlSchema
