@@ -50,8 +50,7 @@ void RequireSameWithCollector(const std::uint8_t* data, std::size_t size, const 
     Require(!error->GetReport().empty() && error->what()[0] != '\0', "an error has a report", L"");
   for (const CRkDropped& dropped : collector.GetDropped()) dropped.GetReport();
   if (accepted == nullptr) return;
-  Require(Describe(*TreeOf(object), Mixed::IsKept) == Describe(*TreeOf(*accepted), Mixed::IsKept),
-          "the same object with a collector", L"");
+  Require(Describe(*TreeOf(object)) == Describe(*TreeOf(*accepted)), "the same object with a collector", L"");
 }
 
 template <class Object>

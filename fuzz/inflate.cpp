@@ -23,7 +23,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   unsigned long rawLength = size;
   CRkZip::Decompress(&raw, &rawLength);
   copy.reset(raw);
-  Require(rawLength == length && std::equal(raw, raw + rawLength, content.GetData()), "both code paths inflate the same");
+  Require(rawLength == length && std::equal(raw, raw + rawLength, content.GetData()),
+          "both code paths inflate the same");
 
   for (const CompressionType type : {CompressionType_GZip, CompressionType_ZLib}) {
     CBinaryData again = content;
