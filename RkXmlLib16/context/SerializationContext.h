@@ -86,9 +86,9 @@ class RKXML_EXPORT CSerializationContext {
   // Reading: deliver CDATA sections as plain text (otherwise the text keeps the "<![CDATA[" and "]]>" marks).
   bool GetStripCDATA() const noexcept { return m_settings.stripCDATA; }
   void SetStripCDATA(bool strip) noexcept { m_settings.stripCDATA = strip; }
-  // Writing XML text: escape values that begin with "<![CDATA[" like all others, as is right for values that strangers
-  // chose. Otherwise such a value is taken for a finished section and written as it stands. CElement knows its sections
-  // and needs no setting.
+  // Writing XML text: escape values that begin with "<![CDATA[" like all others; use it for untrusted values. Otherwise
+  // such a value is taken for a finished section and written unchanged. CElement knows its sections and needs no
+  // setting.
   bool GetEscapeCDATA() const noexcept { return m_settings.escapeCDATA; }
   void SetEscapeCDATA(bool escape) noexcept { m_settings.escapeCDATA = escape; }
   // Writing: the namespace that the root element declares as default and that is written without prefix.
