@@ -32,6 +32,11 @@ struct CXmlCollection::Removal {
   Removal*& head;
 };
 
+CXmlCollection::Walk::Walk(const CXmlCollection& walked) noexcept
+    : next(walked.m_head), collection(walked), outer(walked.m_walk) {
+  walked.m_walk = this;
+}
+
 CXmlCollection::CXmlCollection() = default;
 
 CXmlCollection::CXmlCollection(const wchar_t* name, const wchar_t* namespaceUri, int minOccurs, int maxOccurs)

@@ -147,10 +147,8 @@ class RKXML_EXPORT CXmlCollection : public CXmlCollectionBase {
   // A walk over the items, each held until the next one, while they write themselves: code of the application that runs
   // meanwhile may change the collection. An item that it removes is not reached, one that it adds behind is.
   struct Walk {
-    explicit Walk(const CXmlCollection& walked) noexcept
-        : next(walked.m_head), collection(walked), outer(walked.m_walk) {
-      walked.m_walk = this;
-    }
+    // Not inline: g++ warns of the local address that the collection keeps until the destructor takes it out.
+    [[gnu::noinline]] explicit Walk(const CXmlCollection& walked) noexcept;
     Walk(const Walk&) = delete;
     Walk& operator=(const Walk&) = delete;
     ~Walk() { collection.m_walk = outer; }
