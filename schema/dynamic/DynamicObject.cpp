@@ -315,7 +315,7 @@ void CDynamicObject::AttributesToXml_Int(CXmlWriter* writer, const CSerializatio
 
 CDynamicCollection::CDynamicCollection(const CDynamicSchema& schema, const MemberBinding& member)
     : CXmlObjectCollection(member.name.c_str(), member.namespaceUri.c_str(), member.minOccurs, member.maxOccurs,
-                           /*factory=*/nullptr),
+                           static_cast<Factory>(nullptr), /*classId=*/0, member.object->elementType),
       m_schema(schema),
       m_member(member) {}
 
