@@ -390,10 +390,7 @@ CElementInfo* NewValue(const CDynamicSchema& schema, const MemberBinding& member
                   /*format=*/static_cast<const wchar_t*>(nullptr), v.whitespace, v.facets,
                   DefaultOf(member.defaultValue));
   };
-  const bool mayBeDerived = !v.type->IsBuiltIn() && !v.type->derivedTypes.empty();
-  if (NeedsText(v, member.defaultValue) || member.isNillable || mayBeDerived)
-    return make([&](auto&&... args) -> CElementInfo* { return new CCheckedValue<Record>(schema, member, args...); });
-  return make([](auto&&... args) -> CElementInfo* { return new Record(args...); });
+  return make([&](auto&&... args) -> CElementInfo* { return new CCheckedValue<Record>(schema, member, args...); });
 }
 
 CElementInfo* NewValueRecord(Place place, const CDynamicSchema& schema, const MemberBinding& member) {

@@ -39,8 +39,9 @@ const Construct kConstructs[] = {
      "<xs:element name='b' type='xs:date' minOccurs='0'/><xs:element name='c' type='xs:string' maxOccurs='2'/>"
      "</xs:sequence></xs:complexType></xs:element>",
      {"<a>1</a><c/>", "<a> 1 </a><b>2020-02-29</b><c>x</c><c>y</c>"},
-     {"", "<a>1</a>", "<c/><a>1</a>", "<a>1</a><a>1</a><c/>", "<a>x</a><c/>", "<a>1</a><b>2021-02-29</b><c/>",
-      "<a>1</a><c/><c/><c/>", "<a>3000000000</a><c/>", "<a>1</a>text<c/>", "<a>1</a><c x='1'/>", "x='1'|<a>1</a><c/>"}},
+     {"", "<a>1</a>", "<a>1<x/></a><c/>", "<c/><a>1</a>", "<a>1</a><a>1</a><c/>", "<a>x</a><c/>",
+      "<a>1</a><b>2021-02-29</b><c/>", "<a>1</a><c/><c/><c/>", "<a>3000000000</a><c/>", "<a>1</a>text<c/>",
+      "<a>1</a><c x='1'/>", "x='1'|<a>1</a><c/>"}},
     {"a collection that must stop",
      "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='a' type='xs:int' minOccurs='2' "
      "maxOccurs='2'/><xs:element name='a' type='xs:int'/><xs:element name='b' type='t:g' minOccurs='2' maxOccurs='2'/>"
