@@ -397,7 +397,7 @@ CXmlElement* CXmlGeneratedClass::ProcessElementAllFromXml(const CSerializationCo
       if (!ignoreUnknown) RefuseUnread(context, *this, parent, current);
       current = current->GetNextSiblingElement();
     }
-    consumed = pass();
+    consumed = current != nullptr && pass();
   }
   for (std::size_t i = 0; infos[i] != nullptr; ++i) {
     const CElementInfo& info = *infos[i];

@@ -268,6 +268,17 @@ TEST_F(ContentModelTest, AllGroupIsReadInAnyOrder) {
               Content(table, L"<a>1</a><c/><n>1</n><n>2</n><n>3</n>"));
 }
 
+// Members are not asked once more behind the last unknown element: a wildcard in a group would ask for its element.
+TEST_F(ContentModelTest, AllGroupEndsWithTheLastUnknownElement) {
+  const Table group(ClassInfo(kSequence, L"D", kInline), {new CElementInfoSeqUntpdMnd(L"c", L"", 0, L"##any", L"")}, {},
+                    {[](RkVariant& value) { value.SetXmlObject(new CElement(L"c", L"", L"##any", L"")); }});
+  const Table table(ClassInfo(kAll, L"r"), {MandatoryCls<CElementInfoAllClsMnd>(L"D", 0, 0, kInline)}, {},
+                    {NewChild(group)});
+  const auto unknown = With(kUnknownElements);
+  EXPECT_TEXT(kNotRead + L"Failed to find the mandatory element [D].", Content(table, L"<x/>", unknown));
+  EXPECT_TEXT(L"<r><c/></r>", Content(table, L"<x/><c/><x/>", unknown));
+}
+
 TEST_F(ContentModelTest, AllClassMayBeMissingWhenItIsNotRequired) {
   const Table child(ClassInfo(kSequence, L"c"), {});
   for (const bool required : {false, true})
