@@ -5,6 +5,8 @@
 #include <cstring>
 #include <cwchar>
 #include <map>
+#include <memory>
+#include <mutex>
 #include <new>
 #include <set>
 #include <unordered_map>
@@ -12,6 +14,7 @@
 #include <vector>
 
 #include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/Format.h"
 #include "RkXmlLib16/base/internal/WideText.h"
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/context/internal/ErrorSession.h"
@@ -355,10 +358,10 @@ CXmlAttribute* CXmlDocument::AddAttribute(CXmlElement* element, const CXmlName* 
   Storage& storage = *m_storage;
   if (element != m_currentElement) storage.pinned = storage.open.size();
   storage.CountNode();
-  CXmlAttributeBlock* block = element->m_attributes;
+  CXmlAttributeBlock* block = element->m_attributes.m_block;
   if (block == nullptr) {
     block = new (storage.nodes.Allocate(BytesOfAttributes(1))) CXmlAttributeBlock{0, 1};
-    element->m_attributes = block;
+    element->m_attributes.m_block = block;
   } else if (block->m_count == block->m_capacity) {
     if (storage.nodes.Extend(block, BytesOfAttributes(block->m_capacity),
                              BytesOfAttributes(block->m_capacity + std::size_t{1}))) {
@@ -368,7 +371,7 @@ CXmlAttribute* CXmlDocument::AddAttribute(CXmlElement* element, const CXmlName* 
       auto* const moved =
           new (storage.nodes.Allocate(BytesOfAttributes(capacity))) CXmlAttributeBlock{block->m_count, capacity};
       std::memcpy(static_cast<void*>(moved->Attributes()), block->Attributes(), block->m_count * sizeof(CXmlAttribute));
-      element->m_attributes = block = moved;
+      element->m_attributes.m_block = block = moved;
     }
   }
   auto* const attribute = new (block->Attributes() + block->m_count) CXmlAttribute(element, localName, namespaceUri);
@@ -570,6 +573,14 @@ std::wstring WithPredicate(const CXmlElement& element, const PrefixIndex& prefix
 
 }  // namespace
 
+CXmlAttribute* CXmlAttributes::at(std::size_t index) const {
+  if (index >= size()) {
+    throw CRkInvalidParamException(
+        FormatString(L"Index %d is out of range, use 0 - %d", static_cast<int>(index), static_cast<int>(size())));
+  }
+  return First() + index;
+}
+
 CXmlElement::CXmlElement(const CXmlDocument* document, const CXmlElement* parent)
     : m_localName(document != nullptr ? document->GetEmptyName()
                                       : throw CRkInvalidParamException(L"An element needs a document.")),
@@ -664,6 +675,35 @@ void CXmlElement::AddAttribute(const wchar_t* localName, const wchar_t* value, c
   CXmlDocument& document = Owner();
   document.AddAttribute(this, document.InternName(ViewOf(localName)), document.InternName(ViewOf(namespaceUri)),
                         ViewOf(value));
+}
+
+namespace {
+
+// The elements that `new` made, and nobody deleted yet.
+struct OwnElements {
+  std::mutex mutex;
+  std::unordered_set<void*> elements;
+};
+
+OwnElements& GetOwnElements() {
+  static auto& own = *new OwnElements;  // also for those that are deleted while the program ends
+  return own;
+}
+
+}  // namespace
+
+void* CXmlElement::operator new(std::size_t size) {
+  std::unique_ptr<void, void (*)(void*)> element(::operator new(size), [](void* p) { ::operator delete(p); });
+  OwnElements& own = GetOwnElements();
+  const std::lock_guard<std::mutex> lock(own.mutex);
+  own.elements.insert(element.get());
+  return element.release();
+}
+
+void CXmlElement::operator delete(void* element) noexcept {
+  OwnElements& own = GetOwnElements();
+  const std::lock_guard<std::mutex> lock(own.mutex);
+  if (own.elements.erase(element) != 0) ::operator delete(element);
 }
 
 CXmlElement* CXmlElement::RemoveLastChildElement() {

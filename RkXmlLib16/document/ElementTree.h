@@ -107,44 +107,59 @@ struct CXmlAttributeBlock {
   CXmlAttribute* Attributes() noexcept { return reinterpret_cast<CXmlAttribute*>(this + 1); }
 };
 
-// The attributes of an element in document order; `for (CXmlAttribute* a : element->GetAttributes())`.
+// The attributes of an element in document order, as a vector of pointers would hand them out. Pointers are valid until
+// another attribute is added to the element.
+//
+//   for (CXmlAttribute* attribute : element->GetAttributes()) ...
 class CXmlAttributes {
  public:
+  using value_type = CXmlAttribute*;
+  using size_type = std::size_t;
+
   class iterator {
    public:
     using iterator_category = std::input_iterator_tag;
     using value_type = CXmlAttribute*;
     using difference_type = std::ptrdiff_t;
     using pointer = CXmlAttribute* const*;
-    using reference = CXmlAttribute*;
+    using reference = CXmlAttribute* const&;
 
+    constexpr iterator() noexcept = default;
     constexpr explicit iterator(CXmlAttribute* at) noexcept : m_at(at) {}
-    CXmlAttribute* operator*() const noexcept { return m_at; }
+    // The reference is that of this iterator.
+    reference operator*() const noexcept { return m_at; }
+    pointer operator->() const noexcept { return &m_at; }
     iterator& operator++() noexcept {
       ++m_at;
       return *this;
     }
     iterator operator++(int) noexcept { return iterator(m_at++); }
-    friend bool operator==(iterator a, iterator b) noexcept { return a.m_at == b.m_at; }
-    friend bool operator!=(iterator a, iterator b) noexcept { return a.m_at != b.m_at; }
+    friend bool operator==(const iterator& a, const iterator& b) noexcept { return a.m_at == b.m_at; }
+    friend bool operator!=(const iterator& a, const iterator& b) noexcept { return a.m_at != b.m_at; }
 
    private:
-    CXmlAttribute* m_at;
+    CXmlAttribute* m_at = nullptr;
   };
+  using const_iterator = iterator;
 
   CXmlAttributes() noexcept = default;
-  explicit CXmlAttributes(CXmlAttributeBlock* block) noexcept
-      : m_first(block != nullptr ? block->Attributes() : nullptr), m_count(block != nullptr ? block->m_count : 0) {}
 
-  std::size_t size() const noexcept { return m_count; }
-  bool empty() const noexcept { return m_count == 0; }
-  CXmlAttribute* operator[](std::size_t index) const noexcept { return m_first + index; }
-  iterator begin() const noexcept { return iterator(m_first); }
-  iterator end() const noexcept { return iterator(m_first + m_count); }
+  std::size_t size() const noexcept { return m_block != nullptr ? m_block->m_count : 0; }
+  bool empty() const noexcept { return size() == 0; }
+  CXmlAttribute* operator[](std::size_t index) const noexcept { return First() + index; }
+  // Throws CRkInvalidParamException "Index %d is out of range, use 0 - %d" with the index and the count.
+  RKXML_EXPORT CXmlAttribute* at(std::size_t index) const;
+  // Not of an element without attributes.
+  CXmlAttribute* front() const noexcept { return First(); }
+  CXmlAttribute* back() const noexcept { return First() + (size() - 1); }
+  iterator begin() const noexcept { return iterator(First()); }
+  iterator end() const noexcept { return iterator(First() + size()); }
 
  private:
-  CXmlAttribute* m_first = nullptr;
-  std::size_t m_count = 0;
+  friend class CXmlDocument;
+  CXmlAttribute* First() const noexcept { return m_block != nullptr ? m_block->Attributes() : nullptr; }
+
+  CXmlAttributeBlock* m_block = nullptr;  // null without attributes
 };
 
 // One element of a loaded document: names, attributes, children, and its text. All character data of the element is
@@ -161,7 +176,7 @@ class RKXML_EXPORT CXmlElement {
   CXmlElement* GetNextSiblingElement() const noexcept { return m_nextSibling; }
   CXmlElement* GetParentElement() const noexcept { return m_parent; }
   const CXmlDocument* GetDocument() const noexcept { return m_localName->m_document; }
-  CXmlAttributes GetAttributes() const noexcept { return CXmlAttributes(m_attributes); }
+  const CXmlAttributes& GetAttributes() const noexcept { return m_attributes; }
   CXmlText GetText() const noexcept {
     return m_text != nullptr ? CXmlText(m_text->Chars(), m_text->m_length) : CXmlText();
   }
@@ -203,8 +218,15 @@ class RKXML_EXPORT CXmlElement {
   void AppendText(const wchar_t* text, int length);
   void AppendText(const wchar_t* text);
   void AddAttribute(const wchar_t* localName, const wchar_t* value, const wchar_t* namespaceUri);
-  // Unlinks and returns the last child; null when there is none. Its storage stays with the document.
+  // Unlinks and returns the last child; null when there is none. It is valid until the next load of the document, which
+  // keeps its storage: deleting it is allowed and frees nothing.
   CXmlElement* RemoveLastChildElement();
+
+  // Elements of a document lie in its storage, and `delete` leaves that alone. It frees what `new` made.
+  static void* operator new(std::size_t size);
+  static void* operator new(std::size_t, void* place) noexcept { return place; }
+  static void operator delete(void* element) noexcept;
+  static void operator delete(void*, void*) noexcept {}
 
  private:
   friend class CXmlAttribute;
@@ -220,8 +242,8 @@ class RKXML_EXPORT CXmlElement {
   CXmlElement* m_nextSibling = nullptr;
   CXmlElement* m_firstChild = nullptr;
   CXmlElement* m_lastChild = nullptr;
-  CXmlAttributeBlock* m_attributes = nullptr;  // null without attributes
-  CXmlTextBlock* m_text = nullptr;             // null without text
+  CXmlAttributes m_attributes;
+  CXmlTextBlock* m_text = nullptr;  // null without text
   std::uint64_t m_offset = CRkLocation::kNoOffset;
 };
 
