@@ -17,8 +17,8 @@ std::wstring WithPath(std::wstring message, const std::wstring& path) {
   return message;
 }
 
-std::shared_ptr<const CRkException> CloneOf(const CRkException* exception) {
-  return std::shared_ptr<const CRkException>(exception != nullptr ? exception->Clone() : nullptr);
+std::shared_ptr<CRkException> CloneOf(const CRkException* exception) {
+  return std::shared_ptr<CRkException>(exception != nullptr ? exception->Clone() : nullptr);
 }
 
 const CNeverDestroyed<CRkLocation> kNowhere;
@@ -83,7 +83,7 @@ CRkException& CRkException::operator=(const CRkException& other) {
   auto inner = CloneOf(other.GetInnerException());
   std::wstring message = other.m_message;
   if (m_inner) {
-    if (!m_replaced) m_replaced = std::make_shared<std::vector<std::shared_ptr<const CRkException>>>();
+    if (!m_replaced) m_replaced = std::make_shared<std::vector<std::shared_ptr<CRkException>>>();
     m_replaced->push_back(m_inner);
   }
   m_message = std::move(message);

@@ -50,7 +50,7 @@ class RKXML_EXPORT CRkException {
   // The path of the element being read; empty when not known.
   const std::wstring& GetPath() const noexcept { return m_path; }
   // The cause, owned by this exception; null when there is none.
-  const CRkException* GetInnerException() const noexcept { return m_inner.get(); }
+  CRkException* GetInnerException() const noexcept { return m_inner.get(); }
   // The messages of the whole chain, one a line, outermost first.
   std::wstring GetFullMessage() const;
 
@@ -92,9 +92,9 @@ class RKXML_EXPORT CRkException {
   std::wstring m_message;
   std::wstring m_path;
   std::shared_ptr<LateMessage> m_lateMessage;  // shared by copies; null for a message that is there
-  std::shared_ptr<const CRkException> m_inner;
+  std::shared_ptr<CRkException> m_inner;
   // Inner exceptions that assignments took out of use; never shared with a copy.
-  std::shared_ptr<std::vector<std::shared_ptr<const CRkException>>> m_replaced;
+  std::shared_ptr<std::vector<std::shared_ptr<CRkException>>> m_replaced;
   std::shared_ptr<const Details> m_details;  // shared by copies and wrapping exceptions; null until something is known
   mutable std::shared_ptr<const std::string> m_what;  // made when it is asked for
 };
@@ -103,7 +103,7 @@ class RKXML_EXPORT CRkException {
 class RKXML_EXPORT CRkValidationException : public CRkException {
  public:
   CRkValidationException();
-  explicit CRkValidationException(const CRkException& other);
+  CRkValidationException(const CRkException& other);
   CRkValidationException(const CRkValidationException& other);
   CRkValidationException(std::wstring message, std::wstring path);
   CRkValidationException(std::wstring message, std::wstring path, const CRkException& inner);
@@ -120,7 +120,7 @@ class RKXML_EXPORT CRkValidationException : public CRkException {
 class RKXML_EXPORT CRkInvalidValueException : public CRkValidationException {
  public:
   CRkInvalidValueException();
-  explicit CRkInvalidValueException(const CRkException& other);
+  CRkInvalidValueException(const CRkException& other);
   CRkInvalidValueException(const CRkInvalidValueException& other);
   explicit CRkInvalidValueException(std::wstring message);
   CRkInvalidValueException(std::wstring message, const CRkException& inner);
@@ -133,7 +133,7 @@ class RKXML_EXPORT CRkInvalidValueException : public CRkValidationException {
 class RKXML_EXPORT CRkInvalidNamespaceException : public CRkValidationException {
  public:
   CRkInvalidNamespaceException();
-  explicit CRkInvalidNamespaceException(const CRkException& other);
+  CRkInvalidNamespaceException(const CRkException& other);
   CRkInvalidNamespaceException(const CRkInvalidNamespaceException& other);
   CRkInvalidNamespaceException(std::wstring message, std::wstring path);
   CRkInvalidNamespaceException(std::wstring message, std::wstring path, const CRkException& inner);
@@ -146,7 +146,7 @@ class RKXML_EXPORT CRkInvalidNamespaceException : public CRkValidationException 
 class RKXML_EXPORT CRkInvalidStateException : public CRkException {
  public:
   CRkInvalidStateException();
-  explicit CRkInvalidStateException(const CRkException& other);
+  CRkInvalidStateException(const CRkException& other);
   CRkInvalidStateException(const CRkInvalidStateException& other);
   explicit CRkInvalidStateException(std::wstring message);
   CRkInvalidStateException(std::wstring message, const CRkException& inner);
@@ -159,7 +159,7 @@ class RKXML_EXPORT CRkInvalidStateException : public CRkException {
 class RKXML_EXPORT CRkInvalidParamException : public CRkException {
  public:
   CRkInvalidParamException();
-  explicit CRkInvalidParamException(const CRkException& other);
+  CRkInvalidParamException(const CRkException& other);
   CRkInvalidParamException(const CRkInvalidParamException& other);
   explicit CRkInvalidParamException(std::wstring message);
   CRkInvalidParamException(std::wstring message, const CRkException& inner);
@@ -172,7 +172,7 @@ class RKXML_EXPORT CRkInvalidParamException : public CRkException {
 class RKXML_EXPORT CRkOverFlowException : public CRkException {
  public:
   CRkOverFlowException();
-  explicit CRkOverFlowException(const CRkException& other);
+  CRkOverFlowException(const CRkException& other);
   CRkOverFlowException(const CRkOverFlowException& other);
   explicit CRkOverFlowException(std::wstring message);
   CRkOverFlowException(std::wstring message, const CRkException& inner);

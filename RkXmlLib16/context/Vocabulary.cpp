@@ -181,6 +181,13 @@ bool CFIVocabulary::FindIndex(const CFIStringTable& map, std::wstring_view key, 
   return true;
 }
 
+bool CFIVocabulary::FindIndex(const StringMap& map, const std::wstring& key, unsigned long& index) {
+  const auto found = map.find(key);
+  if (found == map.end()) return false;
+  index = found->second;
+  return true;
+}
+
 void CFIVocabulary::AddPrefixName(std::wstring_view name) { AddValueToMap(name, m_prefixNames); }
 
 void CFIVocabulary::AddNamespaceName(std::wstring_view name) { AddValueToMap(name, m_namespaceNames); }
@@ -195,16 +202,40 @@ void CFIVocabulary::AddValueToMap(std::wstring_view text, CFIStringTable& map) {
 
 void CFIVocabulary::AddValueToVector(std::wstring_view text, CFIStringTable& vector) { vector.Append(text); }
 
-unsigned long CFIVocabulary::AddQName(std::wstring_view prefix, std::wstring_view namespaceName,
-                                      std::wstring_view localName, CFIQNameTable& table) {
-  CQNameParts parts;
+void CFIVocabulary::AddValueToMap(const std::wstring& text, StringMap& map) {
+  if (map.size() < FI_MAX_TABLE_ENTRIES) map.emplace(text, map.size() + 1);
+}
+
+void CFIVocabulary::AddValueToVector(const std::wstring& text, std::vector<std::wstring>& vector) {
+  if (vector.size() < FI_MAX_TABLE_ENTRIES) vector.push_back(text);
+}
+
+bool CFIVocabulary::AddParts(std::wstring_view prefix, std::wstring_view namespaceName, std::wstring_view localName,
+                             CQNameParts& parts) {
   if (!prefix.empty()) parts.m_prefixIndex = m_prefixNames.Add(prefix);
   if (!namespaceName.empty()) parts.m_namespaceNameIndex = m_namespaceNames.Add(namespaceName);
   if (!localName.empty()) parts.m_localNameIndex = m_localNames.Add(localName);
-  const bool isComplete = (prefix.empty() || parts.m_prefixIndex != 0) &&
-                          (namespaceName.empty() || parts.m_namespaceNameIndex != 0) &&
-                          (localName.empty() || parts.m_localNameIndex != 0);
-  return isComplete ? table.Add(parts) : 0;
+  return (prefix.empty() || parts.m_prefixIndex != 0) && (namespaceName.empty() || parts.m_namespaceNameIndex != 0) &&
+         (localName.empty() || parts.m_localNameIndex != 0);
+}
+
+unsigned long CFIVocabulary::AddQName(std::wstring_view prefix, std::wstring_view namespaceName,
+                                      std::wstring_view localName, CFIQNameTable& table) {
+  CQNameParts parts;
+  return AddParts(prefix, namespaceName, localName, parts) ? table.Add(parts) : 0;
+}
+
+unsigned long CFIVocabulary::AddQName(std::wstring_view prefix, std::wstring_view namespaceName,
+                                      std::wstring_view localName, StringMap& map, std::vector<CQNameParts>& vector) {
+  std::wstring key(prefix);
+  (((key += L'\1') += namespaceName) += L'\1') += localName;
+  unsigned long index = 0;
+  if (FindIndex(map, key, index)) return index;
+  CQNameParts parts;
+  if (!AddParts(prefix, namespaceName, localName, parts) || map.size() >= FI_MAX_TABLE_ENTRIES) return 0;
+  AddValueToMap(key, map);
+  vector.push_back(parts);
+  return map.size();
 }
 
 unsigned long CFIVocabulary::AddElement(std::wstring_view prefix, std::wstring_view namespaceName,
@@ -220,6 +251,11 @@ unsigned long CFIVocabulary::AddAttribute(std::wstring_view prefix, std::wstring
 void CFIVocabulary::AddQNameToVector(unsigned long prefixIndex, unsigned long namespaceNameIndex,
                                      unsigned long localNameIndex, CFIQNameTable& vector) {
   vector.Append({prefixIndex, namespaceNameIndex, localNameIndex});
+}
+
+void CFIVocabulary::AddQNameToVector(unsigned long prefixIndex, unsigned long namespaceNameIndex,
+                                     unsigned long localNameIndex, std::vector<CQNameParts>& vector) {
+  if (vector.size() < FI_MAX_TABLE_ENTRIES) vector.push_back({prefixIndex, namespaceNameIndex, localNameIndex});
 }
 
 const std::array<std::wstring_view, 2>& CFIVocabulary::GetRestrictedAlphabets() noexcept {

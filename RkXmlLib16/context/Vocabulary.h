@@ -4,6 +4,8 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -77,19 +79,32 @@ class RKXML_EXPORT CFIStringTable {
 
   class iterator {
    public:
+    using iterator_category = std::input_iterator_tag;
+    using value_type = CFIStringTable::value_type;
+    using difference_type = std::ptrdiff_t;
+    using pointer = const value_type*;
+    using reference = value_type;
+
+    iterator() noexcept = default;
     iterator(const CFIStringTable& table, unsigned long index) noexcept : m_table(&table), m_index(index) {}
     value_type operator*() const noexcept { return {(*m_table)[m_index], m_index}; }
     iterator& operator++() noexcept {
       ++m_index;
       return *this;
     }
+    iterator operator++(int) noexcept {
+      const iterator before = *this;
+      ++m_index;
+      return before;
+    }
     bool operator==(const iterator& other) const noexcept { return m_index == other.m_index; }
     bool operator!=(const iterator& other) const noexcept { return m_index != other.m_index; }
 
    private:
-    const CFIStringTable* m_table;
-    unsigned long m_index;
+    const CFIStringTable* m_table = nullptr;
+    unsigned long m_index = 0;
   };
+  using const_iterator = iterator;
 
   CFIStringTable();
   CFIStringTable(const CFIStringTable& other);
@@ -186,6 +201,9 @@ class RKXML_EXPORT CFIVocabulary {
   bool FindNamespaceNameIndex(std::wstring_view name, unsigned long& index) const;
   bool FindLocalNameIndex(std::wstring_view name, unsigned long& index) const;
   static bool FindIndex(const CFIStringTable& map, std::wstring_view key, unsigned long& index);
+  // The same of any map from text to index.
+  using StringMap = std::map<std::wstring, unsigned long>;
+  static bool FindIndex(const StringMap& map, const std::wstring& key, unsigned long& index);
 
   // Add the string for lookup and for reading; nothing happens when it is present or the table is full.
   void AddPrefixName(std::wstring_view name);
@@ -196,15 +214,23 @@ class RKXML_EXPORT CFIVocabulary {
   // The shared steps: add a string once, or append it as a reader does, which takes a new index for an equal string.
   static void AddValueToMap(std::wstring_view text, CFIStringTable& map);
   static void AddValueToVector(std::wstring_view text, CFIStringTable& vector);
+  static void AddValueToMap(const std::wstring& text, StringMap& map);
+  static void AddValueToVector(const std::wstring& text, std::vector<std::wstring>& vector);
 
   // Adds the parts that are not empty and not present to their tables, then the name to `table`. A name with a part
   // that found its table full gets no index. Returns the index of the name, or 0.
   unsigned long AddQName(std::wstring_view prefix, std::wstring_view namespaceName, std::wstring_view localName,
                          CFIQNameTable& table);
+  // The same with the two forms of a table apart: `map` finds the three texts, joined by U+0001, and `vector` holds
+  // their indices.
+  unsigned long AddQName(std::wstring_view prefix, std::wstring_view namespaceName, std::wstring_view localName,
+                         StringMap& map, std::vector<CQNameParts>& vector);
   unsigned long AddElement(std::wstring_view prefix, std::wstring_view namespaceName, std::wstring_view localName);
   unsigned long AddAttribute(std::wstring_view prefix, std::wstring_view namespaceName, std::wstring_view localName);
   static void AddQNameToVector(unsigned long prefixIndex, unsigned long namespaceNameIndex,
                                unsigned long localNameIndex, CFIQNameTable& vector);
+  static void AddQNameToVector(unsigned long prefixIndex, unsigned long namespaceNameIndex,
+                               unsigned long localNameIndex, std::vector<CQNameParts>& vector);
 
   CFIStringTable& GetPrefixNamesTable() noexcept { return m_prefixNames; }
   CFIStringTable& GetNamespaceNamesTable() noexcept { return m_namespaceNames; }
@@ -225,6 +251,10 @@ class RKXML_EXPORT CFIVocabulary {
   static const std::array<std::wstring_view, 2>& GetRestrictedAlphabets() noexcept;
 
  private:
+  // Adds the parts that are not empty to their tables; false when one of these is full.
+  bool AddParts(std::wstring_view prefix, std::wstring_view namespaceName, std::wstring_view localName,
+                CQNameParts& parts);
+
   CFIStringTable m_prefixNames;
   CFIStringTable m_namespaceNames;
   CFIStringTable m_localNames;

@@ -103,6 +103,7 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
   void QualifiedNameOrIndexBit3(const ScopedNamespace& scoped, std::wstring_view localName);    // C.18
   void EncodedCharacterStringBit3(unsigned char octet, std::wstring_view text, const EncodedCharacterString& encoding);
   void EncodedCharacterStringBit5(unsigned char octet, std::wstring_view text, const EncodedCharacterString& encoding);
+  void AppendRestrictedAlphabetString(unsigned long alphabetIndex, std::wstring_view text);
 
  private:
   // A declaration in force: written on the open element with this number, counted from the root.

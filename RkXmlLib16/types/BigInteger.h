@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "RkXmlLib16/base/Export.h"
 #include "RkXmlLib16/types/DigitVector.h"
@@ -27,13 +28,13 @@ class RKXML_EXPORT CBigInteger {
   CBigInteger(long long value);
   CBigInteger(unsigned long long value);
   // Rounds with ceil(x - 0.5) of the magnitude. Throws CRkInvalidValueException when the value is not finite.
-  explicit CBigInteger(double value);
+  CBigInteger(double value);
   // Parses lenient text: blanks around it, a leading sign; characters to the left of a non-digit are ignored. Text with
   // any other character is parsed as a CDecimal, whose errors apply, and rounded to an integer, one half toward zero.
   CBigInteger(const wchar_t* text);
   explicit CBigInteger(std::wstring_view text);
   // The decimal rounded to an integer, one half toward zero.
-  explicit CBigInteger(const CDecimal& value);
+  CBigInteger(const CDecimal& value);
   // `digits` least significant first.
   CBigInteger(std::int32_t sign, CDigitVector digits);
   // `digits` as text, most significant first, nothing but digits; none are 0.
@@ -121,7 +122,54 @@ class RKXML_EXPORT CBigInteger {
   // Throws CRkInvalidValueException "ERROR: Overflow in operator/." when b is zero.
   static void Divide(const CDigitVector& a, const CDigitVector& b, CDigitVector& q, CDigitVector& r);
 
+  // The same with results in a standard vector; arguments may be one in all of them.
+  using Digits = std::vector<wchar_t>;
+  static void Clean(Digits& v) {
+    Change(v, [](CDigitVector& digits) { Clean(digits); });
+  }
+  static void Build(const wchar_t* text, Digits& v) {
+    Change(v, [&](CDigitVector& digits) { Build(text, digits); });
+  }
+  static void Build(unsigned int value, Digits& v) {
+    Change(v, [&](CDigitVector& digits) { Build(value, digits); });
+  }
+  static void BuildDWORDLONG(unsigned long long value, Digits& v) {
+    Change(v, [&](CDigitVector& digits) { BuildDWORDLONG(value, digits); });
+  }
+  static void BuildDouble(double value, Digits& v) {
+    Change(v, [&](CDigitVector& digits) { BuildDouble(value, digits); });
+  }
+  static void Add(const CDigitVector& a, const CDigitVector& b, Digits& r) {
+    Change(r, [&](CDigitVector& digits) { Add(a, b, digits); });
+  }
+  static void Subtract(const CDigitVector& a, const CDigitVector& b, Digits& r) {
+    Change(r, [&](CDigitVector& digits) { Subtract(a, b, digits); });
+  }
+  static void Multiply(const CDigitVector& a, wchar_t digit, Digits& r) {
+    Change(r, [&](CDigitVector& digits) { Multiply(a, digit, digits); });
+  }
+  static void Multiply(const CDigitVector& a, const CDigitVector& b, Digits& r) {
+    Change(r, [&](CDigitVector& digits) { Multiply(a, b, digits); });
+  }
+  static void ShiftLeft(Digits& v, unsigned n) {
+    Change(v, [&](CDigitVector& digits) { ShiftLeft(digits, n); });
+  }
+  static void Pow10(unsigned n, Digits& v) {
+    Change(v, [&](CDigitVector& digits) { Pow10(n, digits); });
+  }
+  static void Divide(const CDigitVector& a, const CDigitVector& b, Digits& q, Digits& r) {
+    Change(q, [&](CDigitVector& quotient) {
+      Change(r, [&](CDigitVector& remainder) { Divide(a, b, quotient, remainder); });
+    });
+  }
+
  private:
+  template <class Work>
+  static void Change(Digits& v, Work&& work) {
+    CDigitVector digits(v);
+    work(digits);
+    v = digits;
+  }
   void Parse(std::wstring_view text);
 
   std::int32_t m_sign = 1;

@@ -69,7 +69,7 @@ class RKXML_EXPORT CBinaryData {
   // throws, `data` stays the caller's.
   CBinaryData(unsigned char* data, unsigned long length, bool copy);
   // The raw bytes of the wide characters, four a character, without terminator.
-  explicit CBinaryData(const wchar_t* text);
+  CBinaryData(const wchar_t* text);
   CBinaryData& operator=(const CBinaryData& other);
   CBinaryData& operator=(CBinaryData&& other) noexcept;
   virtual ~CBinaryData();

@@ -43,7 +43,7 @@ constexpr short g_monthDayInYear[12] = {0, 31, 59, 90, 120, 151, 181, 212, 243, 
 class RKXML_EXPORT CDateTime {
  public:
   CDateTime();
-  explicit CDateTime(DTType type);
+  CDateTime(DTType type);
   // Parses a dateTime.
   CDateTime(const wchar_t* text);
   CDateTime(short year, unsigned char month, unsigned char day);
@@ -52,7 +52,7 @@ class RKXML_EXPORT CDateTime {
   CDateTime(short year, unsigned char month, unsigned char day, unsigned char hour, unsigned char minute,
             unsigned char second, unsigned short milliSecond, unsigned short microSecond, unsigned short nanoSecond);
   // The UTC dateTime, without zone, of a time_t; cleared when that lies outside the calendar.
-  explicit CDateTime(const long& t);
+  CDateTime(const long& t);
   CDateTime(const CDateTime& other);
   CDateTime& operator=(const CDateTime& other);
   // As the constructor, but throws the year message when the time lies outside the calendar.

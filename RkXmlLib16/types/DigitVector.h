@@ -23,6 +23,7 @@ class RKXML_EXPORT CDigitVector {
   CDigitVector(std::size_t count, wchar_t digit) { resize(count, digit); }
   CDigitVector(std::initializer_list<wchar_t> digits) { assign(digits.begin(), digits.end()); }
   CDigitVector(const std::vector<wchar_t>& digits) { assign(digits.begin(), digits.end()); }
+  operator std::vector<wchar_t>() const { return std::vector<wchar_t>(begin(), end()); }
   CDigitVector(const CDigitVector& other) { *this = other; }
   CDigitVector(CDigitVector&& other) noexcept { Take(other); }
   CDigitVector& operator=(const CDigitVector& other) {
