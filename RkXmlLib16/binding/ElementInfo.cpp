@@ -5,7 +5,9 @@
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/base/internal/Overrider.h"
 #include "RkXmlLib16/base/internal/TextOrEmpty.h"
+#include "RkXmlLib16/binding/ElementInfoSeq.h"
 #include "RkXmlLib16/binding/GeneratedClass.h"
 #include "RkXmlLib16/binding/internal/NilValue.h"
 #include "RkXmlLib16/binding/internal/PropertyAccess.h"
@@ -77,6 +79,12 @@ void CElementInfo::PseudoChildAttributeToXml(const CSerializationContext& contex
   const CXmlObjectBase* child = value.PeekXmlObject();
   if (child == nullptr) child = value.PeekXmlCollection();
   if (child != nullptr) AttributesToXml_Int(child, writer, context);
+}
+
+bool CElementInfo::OverridesAttributes() const noexcept {
+  static const CElementInfoSeqPrimCol plain(L"", L"", 0);
+  static const void* const own = FindOverrider<CElementInfo>(plain, &CElementInfo::PseudoChildAttributeToXml);
+  return FindOverrider(*this, &CElementInfo::PseudoChildAttributeToXml) != own;
 }
 
 std::uint32_t CElementInfo::NewId() noexcept {

@@ -92,8 +92,8 @@ class RKXML_EXPORT CElementInfo {
   // Records of other groups throw CRkException "Not implemented, should never be called".
   virtual bool Validate(const CSerializationContext& context, const CXmlGeneratedClass* object, bool found,
                         bool final) const;
-  // Writes the attributes of an inline group, object or collection, onto the open start tag of its owner; not called
-  // for records that can have none.
+  // Writes the attributes of an inline group, object or collection, onto the open start tag of its owner. Where it is
+  // not overridden, it is not called for records that can have none.
   virtual void PseudoChildAttributeToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
                                          CXmlWriter* writer) const;
 
@@ -116,7 +116,7 @@ class RKXML_EXPORT CElementInfo {
   // Whether ElementToXml does nothing but WriteValue, if the property has a value.
   bool IsPlainValue() const noexcept { return m_hasFacets && IsOfOptionalType(); }
   // Whether PseudoChildAttributeToXml may have something to write.
-  bool MayHaveAttributes() const noexcept { return m_mayHaveAttributes; }
+  bool MayHaveAttributes() const noexcept { return m_mayHaveAttributes || OverridesAttributes(); }
 
   // Whether the element has the record's local name and, unless the context ignores namespaces, its namespace.
   bool IsThisElement(const CSerializationContext& context, const CXmlElement* element) const {
@@ -181,6 +181,8 @@ class RKXML_EXPORT CElementInfo {
     return std::uint64_t{m_id} << 32 | element.GetNamespaceRef()->GetOrdinal();
   }
   bool CompareName(const CSerializationContext& context, const CXmlElement& element) const;
+  // Whether PseudoChildAttributeToXml is not that of this class.
+  bool OverridesAttributes() const noexcept;
   // False for most names but the own, without a look at the whole.
   bool MayHaveName(const CXmlElement& element) const noexcept {
     const RkXmlLib16::CXmlText name = element.GetLocalName();

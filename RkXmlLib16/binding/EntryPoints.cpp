@@ -1,7 +1,9 @@
 // The entry points of CXmlObjectBase for XML text, and those for reading whatever the form of the bytes.
+#include <algorithm>
 #include <atomic>
 #include <string>
 
+#include "RkXmlLib16/base/internal/CodePoints.h"
 #include "RkXmlLib16/binding/internal/EntryPointTools.h"
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/facets/internal/PatternBudget.h"
@@ -37,6 +39,22 @@ void RequireFileCompression(CompressionType compression) {
   if (compression == CompressionType_ZLib) {
     throw CRkException(L"ZLIB Compression only available for To Stream methods.");
   }
+}
+
+std::wstring SplitPairs(std::wstring text) {
+  const auto isUnit = [](wchar_t c) { return static_cast<char32_t>(c) < 0x10000; };
+  if (std::all_of(text.begin(), text.end(), isUnit)) return text;
+  std::wstring units;
+  for (const wchar_t c : text) {
+    if (isUnit(c)) {
+      units += c;
+      continue;
+    }
+    const auto whole = static_cast<char32_t>(c);
+    char16_t pair[2];
+    units.append(pair, Utf16Form::Put(IsScalarValue(whole) ? whole : kReplacementCharacter, pair));
+  }
+  return units;
 }
 
 bool WritesDirectly(CompressionType compression) { return directWrite && compression == CompressionType_None; }
@@ -103,7 +121,7 @@ void CXmlObjectBase::FromXmlElement(const CXmlElement* element, const CSerializa
 void CXmlObjectBase::FromXmlElement(const CElement* element, const CSerializationContext& context) {
   if (element == nullptr) throw CRkException(L"The document contains no element.");
   const std::wstring text = element->ToXml(false, false, EOLType_LF, GetDefaultContext());
-  ReadDocument(*this, context, [&text](CXmlDocument& document) { document.LoadXmlWide(text); });
+  FromXml(Guarded([&text] { return SplitPairs(text); }).c_str(), context);
 }
 
 }  // namespace RkXmlLib16

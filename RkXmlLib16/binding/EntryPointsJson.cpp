@@ -2,11 +2,13 @@
 #include <string>
 #include <string_view>
 
+#include "RkXmlLib16/base/internal/Overrider.h"
 #include "RkXmlLib16/binding/internal/EntryPointTools.h"
 #include "RkXmlLib16/context/JsonContext.h"
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/io/Encoder.h"
 #include "RkXmlLib16/json/JsonTextWriter.h"
+#include "RkXmlLib16/wildcards/Element.h"
 
 namespace RkXmlLib16 {
 
@@ -38,13 +40,19 @@ void LoadBytes(CXmlDocument& document, const CBinaryData& xml) {
   });
 }
 
+std::wstring WideTextOf(const CBinaryData& utf8) {
+  return CEncoder::Utf8ToUnicode(std::string_view(reinterpret_cast<const char*>(utf8.GetData()), utf8.GetLength()));
+}
+
+// Whether the object reads XML text in its own way; others are given the bytes, which saves a conversion.
+bool OverridesFromXml(const CXmlObjectBase& object) {
+  constexpr void (CXmlObjectBase::*kFromXml)(const wchar_t*, const CSerializationContext&) = &CXmlObjectBase::FromXml;
+  static const void* const own = FindOverrider<CXmlObjectBase>(CElement(L""), kFromXml);
+  return FindOverrider(object, kFromXml) != own;
+}
+
 CRkException ErrorWithText(const CBinaryData& xml, const CRkException& cause) {
-  return CRkException::WithLateMessage(
-      [xml] {
-        const std::string_view text(reinterpret_cast<const char*>(xml.GetData()), xml.GetLength());
-        return L"Error converting JSON to XML:\n" + CEncoder::Utf8ToUnicode(text);
-      },
-      cause);
+  return CRkException::WithLateMessage([xml] { return L"Error converting JSON to XML:\n" + WideTextOf(xml); }, cause);
 }
 
 // Fills the object from XML text that was made of JSON. What is read is not indented, so that text beside children
@@ -57,6 +65,10 @@ void ReadXmlOfJson(CXmlObjectBase& object, const CSerializationContext& context,
   bool isLoaded = false;
   try {
     session.Run([&] {
+      if (OverridesFromXml(object)) {
+        isLoaded = true;  // in its own way
+        return object.FromXml(Guarded([&xml] { return SplitPairs(WideTextOf(xml)); }).c_str(), context);
+      }
       Guarded([&] { document.LoadConverted(xml, json); });
       isLoaded = true;
       const CXmlElement* const root = document.GetDocumentElement();

@@ -111,8 +111,8 @@ class RKXML_EXPORT CXmlWriter {
   virtual void WriteAttributeType(const std::wstring& typeNamespaceUri, const std::wstring& typeName,
                                   ItemType type) = 0;
   virtual void WriteAttributeNil() = 0;
-  // An element with nothing but text: WriteStartElement, WriteString and WriteEndElement, which is what it calls unless
-  // a writer does it in one step.
+  // An element with nothing but text: WriteStartElement, WriteString and WriteEndElement, which is what it calls. The
+  // library's own writers do it in one step, classes derived from them do not.
   virtual void WriteTextElement(const std::wstring& localName, const std::wstring& namespaceUri,
                                 const std::wstring& text, ItemType type);
 

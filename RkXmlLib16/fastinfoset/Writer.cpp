@@ -318,11 +318,12 @@ void CFastInfosetWriter::WriteString(const std::wstring& text, ItemType type) {
 void CFastInfosetWriter::WriteTextElement(const std::wstring& localName, const std::wstring& namespaceUri,
                                           const std::wstring& text, ItemType type) {
   if (m_checks != nullptr) return CXmlWriter::WriteTextElement(localName, namespaceUri, text, type);
+  const bool isInside = m_context != nullptr && typeid(*this) == typeid(CFastInfosetWriter);
   const std::uint32_t id = GetLastingId(localName, namespaceUri);
-  const unsigned long known = m_context != nullptr ? FindKnownName(m_knownElements, id) : 0;
+  const unsigned long known = isInside ? FindKnownName(m_knownElements, id) : 0;
   const ScopedNamespace* scoped = nullptr;
   if (known == 0) {
-    if (m_context != nullptr) scoped = FindKnown(m_elementScope, namespaceUri);
+    if (isInside) scoped = FindKnown(m_elementScope, namespaceUri);
     if (scoped == nullptr) return CXmlWriter::WriteTextElement(localName, namespaceUri, text, type);
   }
   WriteElement();
@@ -377,7 +378,10 @@ void CFastInfosetWriter::WriteAttributeType(const std::wstring& typeNamespaceUri
   WriteAttributeString(L"type", XSI_NAMESPACE, value, type);
 }
 
-void CFastInfosetWriter::WriteAttributeNil() { WriteAttributeString(L"nil", XSI_NAMESPACE, L"true", ItemType_boolean); }
+void CFastInfosetWriter::WriteAttributeNil() {
+  static const std::wstring name = L"nil", value = L"true";
+  WriteAttributeString(name, XSI_NAMESPACE, value, ItemType_boolean);
+}
 
 inline bool CFastInfosetWriter::IsStartTagOpen() const { return m_context != nullptr && m_context->m_startTagOpen; }
 
@@ -704,6 +708,12 @@ void CFastInfosetWriter::AppendRestrictedAlphabetString(unsigned long alphabetIn
     throw CRkException(L"Failed to write FastInfoset. Unsupported Feature in AppendRestrictedAlphabetString.");
   }
   if (!AppendPacked(alphabet, text, octets)) ThrowNotInAlphabet();
+}
+
+void CFastInfosetWriter::AppendRestrictedAlphabetString(unsigned long alphabetIndex, std::wstring_view text) {
+  std::vector<unsigned char> octets;
+  AppendRestrictedAlphabetString(alphabetIndex, text, octets);
+  Put(octets.data(), octets.size());
 }
 
 // Octets

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <typeinfo>
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/internal/NeverDestroyed.h"
@@ -296,8 +297,8 @@ void CJsonTextWriter::WriteEndElement() {
 
 void CJsonTextWriter::WriteTextElement(const std::wstring& localName, const std::wstring& namespaceUri,
                                        const std::wstring& text, ItemType type) {
-  const bool isMember =
-      m_checks == nullptr && m_context != nullptr && !OpensArray() && !ContinuesArray(localName, namespaceUri);
+  const bool isOwn = m_checks == nullptr && typeid(*this) == typeid(CJsonTextWriter);
+  const bool isMember = isOwn && m_context != nullptr && !OpensArray() && !ContinuesArray(localName, namespaceUri);
   const std::wstring* prefix = &kNone.Get();
   if (isMember && m_roundTrip == JsonRoundTrip_Namespaces) prefix = FindElementPrefix(namespaceUri);
   if (!isMember || prefix == nullptr) return CXmlWriter::WriteTextElement(localName, namespaceUri, text, type);

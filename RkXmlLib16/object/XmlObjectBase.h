@@ -124,7 +124,8 @@ class RKXML_EXPORT CXmlObjectBase : public IEventSink {
                               const CSerializationContext& context = GetDefaultContext());
   virtual void FromJsonStream(const CBinaryData& data, const CSerializationContext& context = GetDefaultContext());
 
-  // Reading from an element of a loaded document, or from a held wildcard element.
+  // Reading from an element of a loaded document, or from a held wildcard element: its text goes to
+  // FromXml(const wchar_t*), as that of JSON does where an object overrides it.
   virtual void FromXmlElement(const CXmlElement* element, const CSerializationContext& context = GetDefaultContext());
   virtual void FromXmlElement(const CElement* element, const CSerializationContext& context = GetDefaultContext());
 

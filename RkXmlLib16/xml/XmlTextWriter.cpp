@@ -2,6 +2,7 @@
 
 #include <emmintrin.h>
 
+#include <typeinfo>
 #include <utility>
 
 #include "RkXmlLib16/base/Exception.h"
@@ -22,6 +23,7 @@ constexpr std::wstring_view kCDataStart = L"<![CDATA[";
 const CNeverDestroyed<std::wstring> kNoPrefix;
 const CNeverDestroyed<std::wstring> kLess(L"<");
 const CNeverDestroyed<std::wstring> kNil(L"nil");
+const CNeverDestroyed<std::wstring> kTrue(L"true");
 
 // The text up to its first NUL.
 std::wstring_view UpToNul(const std::wstring& text) { return text.c_str(); }
@@ -166,7 +168,8 @@ void CXmlTextWriter::WriteStartElement(const std::wstring& localName, const std:
 
 void CXmlTextWriter::WriteTextElement(const std::wstring& localName, const std::wstring& namespaceUri,
                                       const std::wstring& text, ItemType type) {
-  const std::wstring* const prefix = m_context != nullptr ? FindElementPrefix(namespaceUri) : nullptr;
+  const bool isOwn = typeid(*this) == typeid(CXmlTextWriter);
+  const std::wstring* const prefix = isOwn && m_context != nullptr ? FindElementPrefix(namespaceUri) : nullptr;
   const bool isShort = text.size() <= kShortText && !StartsCData(text);
   if (prefix == nullptr || !isShort || m_checks != nullptr)
     return CXmlWriter::WriteTextElement(localName, namespaceUri, text, type);
@@ -344,7 +347,9 @@ void CXmlTextWriter::WriteAttributeType(const std::wstring& typeNamespaceUri, co
   WriteAttributeString(L"type", XSI_NAMESPACE, value, type);
 }
 
-void CXmlTextWriter::WriteAttributeNil() { WriteAttribute(kNil.Get(), XSI_NAMESPACE, L"true"); }
+void CXmlTextWriter::WriteAttributeNil() {
+  WriteAttributeString(kNil.Get(), XSI_NAMESPACE, kTrue.Get(), ItemType_boolean);
+}
 
 void CXmlTextWriter::PutEscaped(std::wstring_view text, Escaping where) {
   text = text.substr(0, text.find(L'\0'));

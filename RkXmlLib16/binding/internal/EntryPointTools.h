@@ -44,6 +44,9 @@ void ReadDocument(CXmlObjectBase& object, const CSerializationContext& context, 
   });
 }
 
+// The text as FromXml(const wchar_t*) takes it: characters above U+FFFF as surrogate pairs.
+std::wstring SplitPairs(std::wstring text);
+
 // Throws CRkException "ZLIB Compression only available for To Stream methods.".
 void RequireFileCompression(CompressionType compression);
 // Whether a text document goes straight to its file.
