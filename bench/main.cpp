@@ -146,7 +146,7 @@ int main(int argc, char** argv) {
     PrintGrowth(subjects, times);
     return 0;
   } catch (const CRkException& e) {
-    std::fprintf(stderr, "bench: %ls\n", e.GetFullMessage().c_str());
+    std::fprintf(stderr, "bench: %s\n", RkXmlLib16::ToUtf8(e.GetFullMessage()).c_str());
     return 1;
   }
 }

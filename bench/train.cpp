@@ -19,7 +19,7 @@ int main() {
         }
     return 0;
   } catch (const RkXmlLib16::CRkException& e) {
-    std::fprintf(stderr, "train: %ls\n", e.GetFullMessage().c_str());
+    std::fprintf(stderr, "train: %s\n", RkXmlLib16::ToUtf8(e.GetFullMessage()).c_str());
     return 1;
   }
 }

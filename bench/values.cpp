@@ -143,7 +143,7 @@ int main() {
     Row<ItemType_dateTime>("dateTime", times, ScanRow(times, L"%ld-%ld-%ldT%ld:%ld:%ldZ", 6));
     return 0;
   } catch (const CRkException& e) {
-    std::fprintf(stderr, "bench: %ls\n", e.GetFullMessage().c_str());
+    std::fprintf(stderr, "bench: %s\n", ToUtf8(e.GetFullMessage()).c_str());
     return 1;
   }
 }

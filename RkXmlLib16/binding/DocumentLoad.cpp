@@ -38,10 +38,10 @@ struct Bytes {
 
 Bytes Allocate(std::size_t length) { return {std::unique_ptr<unsigned char[]>(new unsigned char[length]), length}; }
 
-Bytes ReadFile(const wchar_t* fileName) {
-  const wchar_t* const name = fileName != nullptr ? fileName : L"";
+Bytes ReadFile(const CFileName& fileName) {
+  const wchar_t* const name = fileName.GetText().c_str();
   CFile file;
-  if (!file.Open(name, "r")) throw CRkException(FormatString(L"Failed to open the file [%ls].", name));
+  if (!file.Open(fileName, "r")) throw CRkException(FormatString(L"Failed to open the file [%ls].", name));
   const auto throwUnread = [&] {
     const int error = errno;
     throw CRkException(FormatString(L"Failed to read the contents of the file [%ls] Error [%d]", name, error));
@@ -120,10 +120,12 @@ CSource& CXmlDocument::SetSource(std::string_view input) {
   return *m_source;
 }
 
-void CXmlDocument::Load(const wchar_t* fileName) {
+void CXmlDocument::Load(const wchar_t* fileName) { Load(CFileName(fileName)); }
+
+void CXmlDocument::Load(const CFileName& fileName) {
   Cleanup();
   const std::shared_ptr<const Bytes> bytes = std::make_shared<const Bytes>(ReadFile(fileName));
-  ParseBytes(bytes->View(), bytes, fileName);
+  ParseBytes(bytes->View(), bytes, fileName.GetText());
 }
 
 void CXmlDocument::LoadXmlStream(unsigned char* bytes, unsigned long length) {
@@ -143,7 +145,8 @@ void CXmlDocument::LoadXml(const char* text) {
 void CXmlDocument::LoadXml(const wchar_t* text) {
   Cleanup();
   if (text == nullptr || *text == L'\0') throw CRkException(L"XML String is empty!");
-  const std::shared_ptr<const Bytes> bytes = std::make_shared<const Bytes>(ToUtf16(text, /*pairs=*/false));
+  const std::shared_ptr<const Bytes> bytes =
+      std::make_shared<const Bytes>(ToUtf16(text, /*pairs=*/m_context->GetJoinSurrogatePairs()));
   SetSource(bytes->View()).SetWide(true);
   m_source->SetOwner(bytes);
   const Input input(*this, bytes->View());
@@ -169,10 +172,12 @@ void CXmlDocument::LoadConverted(const CBinaryData& xml, CXmlDocument& json) {
   SetPlaces(json.m_places);
 }
 
-CBinaryData CXmlDocument::LoadJsonFile(const wchar_t* fileName) {
+CBinaryData CXmlDocument::LoadJsonFile(const wchar_t* fileName) { return LoadJsonFile(CFileName(fileName)); }
+
+CBinaryData CXmlDocument::LoadJsonFile(const CFileName& fileName) {
   Cleanup();
   const std::shared_ptr<const Bytes> bytes = std::make_shared<const Bytes>(ReadFile(fileName));
-  return ConvertJsonBytes(bytes->View(), bytes, fileName);
+  return ConvertJsonBytes(bytes->View(), bytes, fileName.GetText());
 }
 
 CBinaryData CXmlDocument::LoadJsonStream(unsigned char* bytes, unsigned long length) {
@@ -198,14 +203,14 @@ CBinaryData CXmlDocument::LoadJson(const wchar_t* text) {
 }
 
 CBinaryData CXmlDocument::ConvertJsonBytes(std::string_view bytes, std::shared_ptr<const void> owner,
-                                           const wchar_t* fileName) {
+                                           const std::wstring& fileName) {
   auto inflated = std::make_shared<CBinaryData>();
   std::string_view json = Unwrap(bytes, *inflated);
   const bool isInflated = json.data() != bytes.data();
   m_source = std::make_unique<CSource>(json, CSource::Encoding::Utf8, CSource::Count::Characters);
   m_source->SetOwner(isInflated ? std::move(inflated) : std::move(owner));
   m_source->SetInflated(isInflated);
-  m_source->SetFileName(fileName != nullptr ? fileName : L"");
+  m_source->SetFileName(fileName);
   if (json.substr(0, kUtf8Mark.size()) == kUtf8Mark) json.remove_prefix(kUtf8Mark.size());
   return ConvertJson(CEncoder::Utf8ToUnicode(json));
 }
@@ -253,13 +258,13 @@ std::string_view CXmlDocument::Unwrap(std::string_view bytes, CBinaryData& infla
   return bytes;
 }
 
-void CXmlDocument::ParseBytes(std::string_view bytes, std::shared_ptr<const void> owner, const wchar_t* fileName) {
+void CXmlDocument::ParseBytes(std::string_view bytes, std::shared_ptr<const void> owner, const std::wstring& fileName) {
   auto inflated = std::make_shared<CBinaryData>();
   const std::string_view document = Unwrap(bytes, *inflated);
   const bool isInflated = document.data() != bytes.data();
   SetSource(document).SetOwner(isInflated ? std::move(inflated) : std::move(owner));
   m_source->SetInflated(isInflated);
-  m_source->SetFileName(fileName != nullptr ? fileName : L"");
+  m_source->SetFileName(fileName);
   const Input input(*this, document);
   if (CFastInfosetReader(*m_context->GetFIContext(), *this).Parse())
     TellNoted();

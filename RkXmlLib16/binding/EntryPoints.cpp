@@ -78,7 +78,18 @@ CBinaryData CXmlObjectBase::ToXmlStream(bool includeDocumentHeader, bool formatt
   return Guarded([&] { return Compressed(stream.GetEncodedStream(), compression); });
 }
 
+std::string CXmlObjectBase::ToXmlUtf8(bool includeDocumentHeader, bool formatted, EOLType eol,
+                                      const CSerializationContext& context) const {
+  return TextOf(ToXmlStream(includeDocumentHeader, formatted, XmlEncoding_UTF8, eol, context, CompressionType_None));
+}
+
 void CXmlObjectBase::ToXmlFile(const wchar_t* fileName, bool includeDocumentHeader, bool formatted,
+                               XmlEncoding encoding, EOLType eol, const CSerializationContext& context,
+                               CompressionType compression) const {
+  CXmlObjectBase::ToXmlFile(CFileName(fileName), includeDocumentHeader, formatted, encoding, eol, context, compression);
+}
+
+void CXmlObjectBase::ToXmlFile(const CFileName& fileName, bool includeDocumentHeader, bool formatted,
                                XmlEncoding encoding, EOLType eol, const CSerializationContext& context,
                                CompressionType compression) const {
   RequireFileCompression(compression);
@@ -99,7 +110,11 @@ void CXmlObjectBase::FromXml(const char* text, const CSerializationContext& cont
 }
 
 void CXmlObjectBase::FromXmlFile(const wchar_t* fileName, const CSerializationContext& context) {
-  ReadDocument(*this, context, [fileName](CXmlDocument& document) { document.Load(fileName); });
+  CXmlObjectBase::FromXmlFile(CFileName(fileName), context);
+}
+
+void CXmlObjectBase::FromXmlFile(const CFileName& fileName, const CSerializationContext& context) {
+  ReadDocument(*this, context, [&fileName](CXmlDocument& document) { document.Load(fileName); });
 }
 
 void CXmlObjectBase::FromXmlStream(unsigned char* data, unsigned long length, const CSerializationContext& context) {

@@ -21,6 +21,11 @@ CBinaryData CXmlObjectBase::ToFastInfosetStream(FInfoDecl declaration, const CSe
 
 void CXmlObjectBase::ToFastInfosetFile(const wchar_t* fileName, FInfoDecl declaration,
                                        const CSerializationContext& context, CompressionType compression) const {
+  CXmlObjectBase::ToFastInfosetFile(CFileName(fileName), declaration, context, compression);
+}
+
+void CXmlObjectBase::ToFastInfosetFile(const CFileName& fileName, FInfoDecl declaration,
+                                       const CSerializationContext& context, CompressionType compression) const {
   RequireFileCompression(compression);
   WriteFile(fileName, XmlEncoding_None, ToFastInfosetStream(declaration, context, compression));
 }

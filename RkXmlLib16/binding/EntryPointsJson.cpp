@@ -129,8 +129,17 @@ CBinaryData CXmlObjectBase::ToJsonStream(bool formatted, XmlEncoding encoding, E
   return Guarded([&] { return Compressed(stream.GetEncodedStream(), compression); });
 }
 
-// JSON never gets a byte order mark when it is buffered, whatever its encoding.
+std::string CXmlObjectBase::ToJsonUtf8(bool formatted, EOLType eol, const CSerializationContext& context) const {
+  return TextOf(ToJsonStream(formatted, XmlEncoding_UTF8, eol, context, CompressionType_None));
+}
+
 void CXmlObjectBase::ToJsonFile(const wchar_t* fileName, bool formatted, XmlEncoding encoding, EOLType eol,
+                                const CSerializationContext& context, CompressionType compression) const {
+  CXmlObjectBase::ToJsonFile(CFileName(fileName), formatted, encoding, eol, context, compression);
+}
+
+// JSON never gets a byte order mark when it is buffered, whatever its encoding.
+void CXmlObjectBase::ToJsonFile(const CFileName& fileName, bool formatted, XmlEncoding encoding, EOLType eol,
                                 const CSerializationContext& context, CompressionType compression) const {
   RequireFileCompression(compression);
   if (WritesDirectly(compression)) {
@@ -150,7 +159,11 @@ void CXmlObjectBase::FromJson(const char* text, const CSerializationContext& con
 }
 
 void CXmlObjectBase::FromJsonFile(const wchar_t* fileName, const CSerializationContext& context) {
-  ReadJson(*this, context, [fileName](CXmlDocument& document) { return document.LoadJsonFile(fileName); });
+  CXmlObjectBase::FromJsonFile(CFileName(fileName), context);
+}
+
+void CXmlObjectBase::FromJsonFile(const CFileName& fileName, const CSerializationContext& context) {
+  ReadJson(*this, context, [&fileName](CXmlDocument& document) { return document.LoadJsonFile(fileName); });
 }
 
 void CXmlObjectBase::FromJsonStream(unsigned char* data, unsigned long length, const CSerializationContext& context) {

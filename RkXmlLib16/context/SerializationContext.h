@@ -91,6 +91,10 @@ class RKXML_EXPORT CSerializationContext {
   // setting.
   bool GetEscapeCDATA() const noexcept { return m_settings.escapeCDATA; }
   void SetEscapeCDATA(bool escape) noexcept { m_settings.escapeCDATA = escape; }
+  // Reading: one character for each surrogate pair that XML or JSON text arrives with (see docs/xml.md), as Fast Infoset
+  // gives it; FromXml(const wchar_t*) then takes characters above U+FFFF whole. Off at first.
+  bool GetJoinSurrogatePairs() const noexcept { return m_settings.joinSurrogatePairs; }
+  void SetJoinSurrogatePairs(bool join) noexcept { m_settings.joinSurrogatePairs = join; }
   // Writing: the namespace that the root element declares as default and that is written without prefix.
   std::wstring GetDefaultNamespaceURI() const { return m_settings.defaultNamespaceUri; }
   void SetDefaultNamespaceURI(const wchar_t* namespaceUri);
@@ -156,6 +160,7 @@ class RKXML_EXPORT CSerializationContext {
     bool refuseDocumentType = false;
     bool stripCDATA = true;
     bool escapeCDATA = false;
+    bool joinSurrogatePairs = false;
     std::wstring indentChars = L"\t";
     CReadLimits limits;
     IErrorHandler* errorHandler = nullptr;

@@ -16,6 +16,7 @@
 #include "RkXmlLib16/base/Export.h"
 #include "RkXmlLib16/base/Location.h"
 #include "RkXmlLib16/document/Text.h"
+#include "RkXmlLib16/io/FileName.h"
 #include "RkXmlLib16/types/BinaryData.h"
 
 namespace RkXmlLib16 {
@@ -279,9 +280,10 @@ class RKXML_EXPORT CXmlDocument {
 
   // Byte input: unwraps gzip or zlib, then takes Fast Infoset by its header, else XML text.
   void Load(const wchar_t* fileName);
+  void Load(const CFileName& fileName);
   void LoadXmlStream(unsigned char* bytes, unsigned long length);
   // XML text; the narrow form detects its encoding (UTF-8 unless the text says otherwise), the wide form takes the low
-  // 16 bits of each character.
+  // 16 bits of each character, unless the context joins surrogate pairs.
   void LoadXml(const char* text);
   void LoadXml(const wchar_t* text);
   // XML text of this library's own making: like LoadXml, but characters above U+FFFF arrive whole (as surrogate pairs).
@@ -291,6 +293,7 @@ class RKXML_EXPORT CXmlDocument {
   // Convert JSON to XML text in UTF-8 without filling the tree. Files and streams may be wrapped and hold UTF-8. Throw
   // also what CJsonTextReader::ConvertJsonToXml does.
   CBinaryData LoadJsonFile(const wchar_t* fileName);
+  CBinaryData LoadJsonFile(const CFileName& fileName);
   CBinaryData LoadJsonStream(unsigned char* bytes, unsigned long length);
   CBinaryData LoadJson(const char* text);
   CBinaryData LoadJson(const wchar_t* text);
@@ -398,11 +401,11 @@ class RKXML_EXPORT CXmlDocument {
   void Init();
   CSource& SetSource(std::string_view input);
   std::string_view Unwrap(std::string_view bytes, CBinaryData& inflated);
-  CBinaryData ConvertJsonBytes(std::string_view bytes, std::shared_ptr<const void> owner, const wchar_t* fileName);
+  CBinaryData ConvertJsonBytes(std::string_view bytes, std::shared_ptr<const void> owner, const std::wstring& fileName);
   CBinaryData ConvertJson(const std::wstring& json);
   void SetPlaces(const std::vector<std::uint64_t>& places);
   void TellNoted();
-  void ParseBytes(std::string_view bytes, std::shared_ptr<const void> owner, const wchar_t* fileName);
+  void ParseBytes(std::string_view bytes, std::shared_ptr<const void> owner, const std::wstring& fileName);
   void ParseXmlText();
 
   std::unique_ptr<Storage> m_storage;

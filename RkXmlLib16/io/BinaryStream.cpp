@@ -11,9 +11,15 @@ CBinaryStream::CBinaryStream(const wchar_t*, CBinaryData& data) : m_data(data) {
 CBinaryStream::~CBinaryStream() = default;
 
 CFileBinaryStream::CFileBinaryStream(const wchar_t* fileName, XmlEncoding encoding)
-    : CBinaryStream(L"CFileBinaryStream"), m_fileName(fileName == nullptr ? L"" : fileName), m_encoding(encoding) {}
+    : CFileBinaryStream(CFileName(fileName), encoding) {}
 
 CFileBinaryStream::CFileBinaryStream(const wchar_t* fileName, XmlEncoding encoding, CBinaryData& data)
+    : CFileBinaryStream(CFileName(fileName), encoding, data) {}
+
+CFileBinaryStream::CFileBinaryStream(const CFileName& fileName, XmlEncoding encoding)
+    : CBinaryStream(L"CFileBinaryStream"), m_fileName(fileName), m_encoding(encoding) {}
+
+CFileBinaryStream::CFileBinaryStream(const CFileName& fileName, XmlEncoding encoding, CBinaryData& data)
     : CFileBinaryStream(fileName, encoding) {
   m_data = data;
 }

@@ -5,6 +5,7 @@
 
 #include "RkXmlLib16/base/Enumerations.h"
 #include "RkXmlLib16/base/Export.h"
+#include "RkXmlLib16/io/FileName.h"
 #include "RkXmlLib16/types/BinaryData.h"
 
 namespace RkXmlLib16 {
@@ -36,6 +37,8 @@ class RKXML_EXPORT CFileBinaryStream : public CBinaryStream {
  public:
   CFileBinaryStream(const wchar_t* fileName, XmlEncoding encoding);
   CFileBinaryStream(const wchar_t* fileName, XmlEncoding encoding, CBinaryData& data);
+  CFileBinaryStream(const CFileName& fileName, XmlEncoding encoding);
+  CFileBinaryStream(const CFileName& fileName, XmlEncoding encoding, CBinaryData& data);
   ~CFileBinaryStream() override;
 
   // Creates the file and writes the bytes, after the byte order mark FF FE for the encodings UTF16 and Wide. Throws
@@ -43,7 +46,7 @@ class RKXML_EXPORT CFileBinaryStream : public CBinaryStream {
   void ToFile();
 
  private:
-  std::wstring m_fileName;
+  CFileName m_fileName;
   XmlEncoding m_encoding;
 };
 

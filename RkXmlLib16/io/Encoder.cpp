@@ -1,5 +1,6 @@
 #include "RkXmlLib16/io/Encoder.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cwchar>
 
@@ -85,6 +86,26 @@ std::string_view View(const unsigned char* bytes, int length) {
 std::wstring_view View(const wchar_t* text) { return text == nullptr ? std::wstring_view() : text; }
 
 }  // namespace
+
+std::string ToUtf8(std::wstring_view text) {
+  std::string utf8(CEncoder::Utf8Length(text), '\0');
+  CEncoder::WriteUtf8(text, reinterpret_cast<unsigned char*>(utf8.data()));
+  return utf8;
+}
+
+std::wstring FromUtf8(std::string_view utf8) { return CEncoder::Utf8ToUnicode(utf8); }
+
+std::size_t JoinSurrogatePairs(wchar_t* text, std::size_t length) {
+  const auto isHigh = [](wchar_t c) { return IsHighSurrogate(static_cast<char32_t>(c)); };
+  const wchar_t* const end = text + length;
+  wchar_t* out = std::find_if(text, text + length, isHigh);
+  for (const wchar_t* at = out; at != end;) {
+    const auto c = static_cast<char32_t>(*at++);
+    const bool isPair = IsHighSurrogate(c) && at != end && IsLowSurrogate(static_cast<char32_t>(*at));
+    *out++ = static_cast<wchar_t>(isPair ? JoinSurrogates(c, static_cast<char32_t>(*at++)) : c);
+  }
+  return static_cast<std::size_t>(out - text);
+}
 
 CBinaryData CEncoder::UnicodeToUtf8Binary(const wchar_t* text) { return UnicodeToUtf8Binary(View(text)); }
 
@@ -251,11 +272,7 @@ std::string UnicodeToMultiByte(const wchar_t* text) {
   const wchar_t* source = wide.data();
   std::mbstate_t state{};
   const std::size_t length = wide.empty() ? 0 : std::wcsrtombs(nullptr, &source, 0, &state);
-  if (length == static_cast<std::size_t>(-1)) {
-    std::string utf8(CEncoder::Utf8Length(wide), '\0');
-    CEncoder::WriteUtf8(wide, reinterpret_cast<unsigned char*>(utf8.data()));
-    return utf8;
-  }
+  if (length == static_cast<std::size_t>(-1)) return ToUtf8(wide);
   std::string name(length, '\0');
   source = wide.data();
   state = std::mbstate_t{};

@@ -9,6 +9,15 @@
 
 namespace RkXmlLib16 {
 
+// Wide text as UTF-8 and back, for printing and for everything else that takes bytes. As in CEncoder.
+//
+//   std::printf("%s\n", ToUtf8(track->GetName()).c_str());  // in any locale
+//   track->SetName(FromUtf8(argv[1]));
+RKXML_EXPORT std::string ToUtf8(std::wstring_view text);
+RKXML_EXPORT std::wstring FromUtf8(std::string_view utf8);
+// Puts the one character in place of each surrogate pair in the `length` characters and returns how many are left.
+RKXML_EXPORT std::size_t JoinSurrogatePairs(wchar_t* text, std::size_t length);
+
 // Between wide text and the bytes of the Unicode encoding forms. A surrogate pair in wide text is the one character
 // that it stands for. What cannot be converted becomes U+FFFD and the conversion goes on: lone surrogates and values
 // above U+10FFFF in wide text, ill-formed bytes in UTF-8 and UTF-16.

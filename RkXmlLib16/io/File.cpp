@@ -4,7 +4,6 @@
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
-#include "RkXmlLib16/io/Encoder.h"
 
 namespace RkXmlLib16 {
 
@@ -19,9 +18,9 @@ long _filelength(FILE* file) {
 
 CFile::~CFile() { Close(); }
 
-bool CFile::Open(const wchar_t* fileName, const char* mode) {
+bool CFile::Open(const CFileName& fileName, const char* mode) {
   Close();
-  m_file = std::fopen(UnicodeToMultiByte(fileName).c_str(), mode);
+  m_file = std::fopen(fileName.GetBytes().c_str(), mode);
   return IsOpen();
 }
 
@@ -38,14 +37,14 @@ bool CFile::Close() {
   return file == nullptr || std::fclose(file) == 0;
 }
 
-void ThrowWriteFailed(const std::wstring& fileName) {
-  throw CRkException(FormatString(L"Failed to write data to the file [%ls].", fileName.c_str()));
+void ThrowWriteFailed(const CFileName& fileName) {
+  throw CRkException(FormatString(L"Failed to write data to the file [%ls].", fileName.GetText().c_str()));
 }
 
-void OpenForWriting(CFile& file, const std::wstring& fileName, XmlEncoding encoding) {
+void OpenForWriting(CFile& file, const CFileName& fileName, XmlEncoding encoding) {
   static constexpr unsigned char kMark[] = {0xFF, 0xFE};
   const bool marked = encoding == XmlEncoding_UTF16 || encoding == XmlEncoding_Wide;
-  if (file.Open(fileName.c_str(), "w") && (!marked || file.Write(kMark, sizeof kMark))) return;
+  if (file.Open(fileName, "w") && (!marked || file.Write(kMark, sizeof kMark))) return;
   file.Close();
   ThrowWriteFailed(fileName);
 }

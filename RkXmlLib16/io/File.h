@@ -2,10 +2,10 @@
 #define RKXMLLIB16_IO_FILE_H
 
 #include <cstdio>
-#include <string>
 
 #include "RkXmlLib16/base/Enumerations.h"
 #include "RkXmlLib16/base/Export.h"
+#include "RkXmlLib16/io/FileName.h"
 
 namespace RkXmlLib16 {
 
@@ -20,8 +20,8 @@ class CFile {
   CFile& operator=(const CFile&) = delete;
   ~CFile();
 
-  // Opens the file of that name, which goes through UnicodeToMultiByte, with a mode of fopen; closes an earlier one.
-  bool Open(const wchar_t* fileName, const char* mode);
+  // Opens the file with a mode of fopen; closes an earlier one.
+  bool Open(const CFileName& fileName, const char* mode);
   bool IsOpen() const noexcept { return m_file != nullptr; }
   FILE* Get() const noexcept { return m_file; }
   bool Write(const void* bytes, unsigned long length);
@@ -35,11 +35,11 @@ class CFile {
 };
 
 // Throws CRkException "Failed to write data to the file [%ls].".
-[[noreturn]] void ThrowWriteFailed(const std::wstring& fileName);
+[[noreturn]] void ThrowWriteFailed(const CFileName& fileName);
 
 // Creates the file and writes the byte order mark FF FE when the encoding is UTF16 or Wide. On a failure it closes the
 // file and throws as ThrowWriteFailed does.
-void OpenForWriting(CFile& file, const std::wstring& fileName, XmlEncoding encoding);
+void OpenForWriting(CFile& file, const CFileName& fileName, XmlEncoding encoding);
 
 }  // namespace RkXmlLib16
 

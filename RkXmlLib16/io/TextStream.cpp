@@ -93,7 +93,9 @@ CBinaryData CUtf8TextStream::TakeBytes() {
 }
 
 CFileTextStream::CFileTextStream(const wchar_t* fileName, XmlEncoding encoding)
-    : CTextStream(L"CFileTextStream", encoding), m_fileName(fileName == nullptr ? L"" : fileName) {}
+    : CFileTextStream(CFileName(fileName), encoding) {}
+CFileTextStream::CFileTextStream(const CFileName& fileName, XmlEncoding encoding)
+    : CTextStream(L"CFileTextStream", encoding), m_fileName(fileName) {}
 
 CFileTextStream::~CFileTextStream() {
   try {

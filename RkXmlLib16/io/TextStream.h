@@ -83,6 +83,7 @@ class RKXML_EXPORT CUtf8TextStream : public CTextStream {
 class RKXML_EXPORT CFileTextStream : public CTextStream {
  public:
   CFileTextStream(const wchar_t* fileName, XmlEncoding encoding);
+  CFileTextStream(const CFileName& fileName, XmlEncoding encoding);
   ~CFileTextStream() override;
 
   // Creates the file, with the byte order mark FF FE for the encodings UTF16 and Wide. Throws CRkException
@@ -97,7 +98,7 @@ class RKXML_EXPORT CFileTextStream : public CTextStream {
  private:
   void WriteText(bool last);
 
-  std::wstring m_fileName;
+  CFileName m_fileName;
   CBinaryData m_encoded;
   CFile m_file;
 };

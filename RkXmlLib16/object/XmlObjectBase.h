@@ -8,6 +8,7 @@
 #include "RkXmlLib16/base/Export.h"
 #include "RkXmlLib16/base/ReferenceCount.h"
 #include "RkXmlLib16/base/SharedName.h"
+#include "RkXmlLib16/io/FileName.h"
 #include "RkXmlLib16/types/BinaryData.h"
 
 namespace RkXmlLib16 {
@@ -107,6 +108,26 @@ class RKXML_EXPORT CXmlObjectBase : public IEventSink {
   virtual CBinaryData ToJsonStream(bool formatted = true, XmlEncoding encoding = XmlEncoding_UTF8,
                                    EOLType eol = EOLType_LF, const CSerializationContext& context = GetDefaultContext(),
                                    CompressionType compression = CompressionType_None) const;
+
+  // The same with names that the system is given as they are: const char*, std::string, std::filesystem::path.
+  void ToXmlFile(const CFileName& fileName, bool includeDocumentHeader = true, bool formatted = true,
+                 XmlEncoding encoding = XmlEncoding_UTF8, EOLType eol = EOLType_LF,
+                 const CSerializationContext& context = GetDefaultContext(),
+                 CompressionType compression = CompressionType_None) const;
+  void ToFastInfosetFile(const CFileName& fileName, FInfoDecl declaration = FInfoDecl_None,
+                         const CSerializationContext& context = GetDefaultContext(),
+                         CompressionType compression = CompressionType_None) const;
+  void ToJsonFile(const CFileName& fileName, bool formatted = true, XmlEncoding encoding = XmlEncoding_UTF8,
+                  EOLType eol = EOLType_LF, const CSerializationContext& context = GetDefaultContext(),
+                  CompressionType compression = CompressionType_None) const;
+  void FromXmlFile(const CFileName& fileName, const CSerializationContext& context = GetDefaultContext());
+  void FromJsonFile(const CFileName& fileName, const CSerializationContext& context = GetDefaultContext());
+
+  // Writing to UTF-8, as ToXmlStream and ToJsonStream do.
+  std::string ToXmlUtf8(bool includeDocumentHeader = true, bool formatted = true, EOLType eol = EOLType_LF,
+                        const CSerializationContext& context = GetDefaultContext()) const;
+  std::string ToJsonUtf8(bool formatted = true, EOLType eol = EOLType_LF,
+                         const CSerializationContext& context = GetDefaultContext()) const;
 
   // Reading. Files and byte streams may be XML text or Fast Infoset (for the Json forms: JSON text in UTF-8), plain or
   // in a gzip or zlib wrapper; all are told apart by their first bytes. Texts are NUL-terminated. All input is

@@ -140,7 +140,8 @@ constexpr XML_Memory_Handling_Suite kCountingSuite = {CountingMalloc, CountingRe
 }  // namespace
 
 struct RKXML_HIDDEN CExpatReader::Parser {
-  explicit Parser(CXmlDocument& target) : document(target), isUtf16(IsUtf16(target)) {}
+  explicit Parser(CXmlDocument& target)
+      : document(target), isUtf16(IsUtf16(target)), joinsPairs(target.GetContext().GetJoinSurrogatePairs()) {}
   ~Parser() { XML_ParserFree(expat); }
 
   void StartElement(const XML_Char* name, const XML_Char** attributes);
@@ -175,6 +176,10 @@ struct RKXML_HIDDEN CExpatReader::Parser {
   bool IsAtTagWithSeparator() const;
 
   void CountNamespace(std::size_t charCount);
+  // The length of a widened text as the document gets it. expat never tells a pair in two pieces.
+  std::size_t Joined(wchar_t* text, std::size_t length) const {
+    return joinsPairs ? JoinSurrogatePairs(text, length) : length;
+  }
   const CXmlName* Intern(const XML_Char* text, std::size_t length);
   const CXmlName* LocalName(const XML_Char* name);
   // Splits a name at its separator. Returns the local part.
@@ -260,6 +265,7 @@ struct RKXML_HIDDEN CExpatReader::Parser {
 
   CXmlDocument& document;
   const bool isUtf16;  // expat takes a NUL behind a high surrogate, where text then ends
+  const bool joinsPairs;
   XML_Parser expat = nullptr;
   std::exception_ptr failure;
   std::wstring buffer;      // for names on their way into the document
@@ -279,6 +285,7 @@ struct RKXML_HIDDEN CExpatReader::Parser {
 const CXmlName* CExpatReader::Parser::Intern(const XML_Char* text, std::size_t length) {
   buffer.resize(length);
   Widen(text, length, buffer.data());
+  buffer.resize(Joined(buffer.data(), length));
   return document.InternName(buffer);
 }
 
@@ -353,8 +360,9 @@ void CExpatReader::Parser::StartElement(const XML_Char* name, const XML_Char** a
     localName = LocalName(SplitAttributeName(attributes[0], namespaceUri));
     CXmlAttribute* const attribute = document.AddAttribute(element, localName, namespaceUri, std::wstring_view());
     if (const std::size_t length = LengthOf(attributes[1])) {
-      Widen(attributes[1], length, document.ReserveValue(attribute, length));
-      document.CommitValue(attribute, length);
+      wchar_t* const value = document.ReserveValue(attribute, length);
+      Widen(attributes[1], length, value);
+      document.CommitValue(attribute, Joined(value, length));
     }
   }
 }
@@ -365,7 +373,8 @@ void CExpatReader::Parser::Text(const XML_Char* text, std::size_t length) {
   if (length == 0 || element == nullptr) return;
   if (KeepBlanks(text, length)) return;
   FlushBlanks();
-  document.CommitText(element, WidenWithoutCR(text, length, document.ReserveText(element, length)));
+  wchar_t* const out = document.ReserveText(element, length);
+  document.CommitText(element, Joined(out, WidenWithoutCR(text, length, out)));
 }
 
 // White space between elements comes in two pieces or more, which are joined before they reach the document. False for
@@ -391,6 +400,7 @@ void CExpatReader::Parser::AddDefaulted(CXmlElement* element, const XML_Char* na
   if (stored == nullptr) {
     buffer.resize(LengthOf(value));
     Widen(value, buffer.size(), buffer.data());
+    buffer.resize(Joined(buffer.data(), buffer.size()));
     stored = document.StoreValue(buffer);
   }
   document.AddAttribute(element, localName, namespaceUri, stored);

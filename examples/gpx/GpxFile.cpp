@@ -4,25 +4,19 @@ namespace Gpx {
 
 namespace {
 
-bool EndsWith(const std::wstring& text, const std::wstring& end) {
+bool EndsWith(const std::string& text, const std::string& end) {
   return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
 }
 
 }  // namespace
 
-std::wstring Wide(const char* utf8) {
-  std::string bytes(utf8);
-  return CEncoder::Utf8ToUnicode(reinterpret_cast<unsigned char*>(bytes.data()), static_cast<int>(bytes.size()));
-}
-
-CSerializationContext ReadFile(CGpxType& gpx, const char* fileName) {
-  const std::wstring name = Wide(fileName);
+CSerializationContext ReadFile(CGpxType& gpx, const std::string& name) {
   CXmlDocument document;
-  if (EndsWith(name, L".json") || EndsWith(name, L".json.gz")) {
-    const CBinaryData xml = document.LoadJsonFile(name.c_str());
+  if (EndsWith(name, ".json") || EndsWith(name, ".json.gz")) {
+    const CBinaryData xml = document.LoadJsonFile(name);
     document.LoadXmlStream(xml.GetData(), xml.GetLength());
   } else {
-    document.Load(name.c_str());
+    document.Load(name);
   }
   gpx.FromXmlElement(document.GetDocumentElement());
 
@@ -32,18 +26,17 @@ CSerializationContext ReadFile(CGpxType& gpx, const char* fileName) {
   return context;
 }
 
-void WriteFile(const CGpxType& gpx, const char* fileName, const CSerializationContext& context) {
-  const std::wstring name = Wide(fileName);
-  const bool wrapped = EndsWith(name, L".gz");
-  const std::wstring plain = wrapped ? name.substr(0, name.size() - 3) : name;
+void WriteFile(const CGpxType& gpx, const std::string& name, const CSerializationContext& context) {
+  const bool wrapped = EndsWith(name, ".gz");
+  const std::string plain = wrapped ? name.substr(0, name.size() - 3) : name;
   const CompressionType compression = wrapped ? CompressionType_GZip : CompressionType_None;
-  if (EndsWith(plain, L".json")) {
-    gpx.ToJsonFile(name.c_str(), /*formatted=*/true, XmlEncoding_UTF8, EOLType_LF, context, compression);
-  } else if (EndsWith(plain, L".finf")) {
-    gpx.ToFastInfosetFile(name.c_str(), FInfoDecl_None, context, compression);
+  if (EndsWith(plain, ".json")) {
+    gpx.ToJsonFile(name, /*formatted=*/true, XmlEncoding_UTF8, EOLType_LF, context, compression);
+  } else if (EndsWith(plain, ".finf")) {
+    gpx.ToFastInfosetFile(name, FInfoDecl_None, context, compression);
   } else {
-    gpx.ToXmlFile(name.c_str(), /*includeDocumentHeader=*/true, /*formatted=*/true, XmlEncoding_UTF8, EOLType_LF,
-                  context, compression);
+    gpx.ToXmlFile(name, /*includeDocumentHeader=*/true, /*formatted=*/true, XmlEncoding_UTF8, EOLType_LF, context,
+                  compression);
   }
 }
 

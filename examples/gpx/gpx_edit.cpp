@@ -2,7 +2,6 @@
 
 #include <RkXmlLib16/RkXmlLib16.h>
 
-#include <clocale>
 #include <cstdio>
 #include <string>
 
@@ -12,7 +11,6 @@
 using namespace RkXmlLib16;
 
 int main(int argc, char** argv) {
-  std::setlocale(LC_CTYPE, "C.UTF-8");
   if (argc != 6) {
     std::fputs("usage: gpx_edit IN OUT LAT LON NAME\n", stderr);
     return 2;
@@ -22,16 +20,16 @@ int main(int argc, char** argv) {
     const CSerializationContext context = Gpx::ReadFile(gpx, argv[1]);
 
     const CSmartPtr<Gpx::CWptType> point(new Gpx::CWptType(L"wpt"));
-    point->SetLat(CDecimal(Gpx::Wide(argv[3]).c_str()));  // the facets refuse what is not on the globe
-    point->SetLon(CDecimal(Gpx::Wide(argv[4]).c_str()));
-    point->SetName(Gpx::Wide(argv[5]));
+    point->SetLat(CDecimal(FromUtf8(argv[3]).c_str()));  // the facets refuse what is not on the globe
+    point->SetLon(CDecimal(FromUtf8(argv[4]).c_str()));
+    point->SetName(FromUtf8(argv[5]));
     gpx.GetWpt()->Add(point);
 
     Gpx::WriteFile(gpx, argv[2], context);
-    std::printf("added waypoint %d: %ls\n", gpx.GetWpt()->GetCount(), point->GetName().c_str());
+    std::printf("added waypoint %d: %s\n", gpx.GetWpt()->GetCount(), ToUtf8(point->GetName()).c_str());
     return 0;
   } catch (const CRkException& e) {
-    std::fprintf(stderr, "gpx_edit: %ls\n", e.GetFullMessage().c_str());
+    std::fprintf(stderr, "gpx_edit: %s\n", ToUtf8(e.GetFullMessage()).c_str());
     return 1;
   }
 }

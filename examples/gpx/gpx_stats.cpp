@@ -4,7 +4,6 @@
 #include <RkXmlLib16/RkXmlLib16.h>
 
 #include <algorithm>
-#include <clocale>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -74,24 +73,24 @@ Stats Measure(const Gpx::CGpxType& gpx) {
 
 void Print(const Gpx::CGpxType& gpx, const Stats& stats) {
   if (gpx.GetMetadata() != nullptr && gpx.GetMetadata()->HasName())
-    std::printf("name:    %ls\n", gpx.GetMetadata()->GetName().c_str());
+    std::printf("name:    %s\n", ToUtf8(gpx.GetMetadata()->GetName()).c_str());
   std::printf("tracks:  %d, waypoints: %d, routes: %d\n", gpx.GetTrk()->GetCount(), gpx.GetWpt()->GetCount(),
               gpx.GetRte()->GetCount());
   std::printf("points:  %ld\n", stats.points);
   if (stats.points == 0) return;
   std::printf("length:  %.3f km\n", stats.metres / 1000);
   std::printf("climb:   %.1f m\n", stats.climb);
-  std::printf("bounds:  %ls,%ls to %ls,%ls\n", stats.minLat.ToString().c_str(), stats.minLon.ToString().c_str(),
-              stats.maxLat.ToString().c_str(), stats.maxLon.ToString().c_str());
+  std::printf("bounds:  %s,%s to %s,%s\n", ToUtf8(stats.minLat.ToString()).c_str(),
+              ToUtf8(stats.minLon.ToString()).c_str(), ToUtf8(stats.maxLat.ToString()).c_str(),
+              ToUtf8(stats.maxLon.ToString()).c_str());
   if (stats.hasTime)
-    std::printf("time:    %ls to %ls (%ls)\n", stats.first.ToString().c_str(), stats.last.ToString().c_str(),
-                (stats.last - stats.first).ToString().c_str());
+    std::printf("time:    %s to %s (%s)\n", ToUtf8(stats.first.ToString()).c_str(),
+                ToUtf8(stats.last.ToString()).c_str(), ToUtf8((stats.last - stats.first).ToString()).c_str());
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  std::setlocale(LC_CTYPE, "C.UTF-8");  // for names that are printed
   if (argc != 2 && argc != 3) {
     std::fputs("usage: gpx_stats FILE [OUT]\n", stderr);
     return 2;
@@ -103,7 +102,7 @@ int main(int argc, char** argv) {
     if (argc == 3) Gpx::WriteFile(gpx, argv[2], context);
     return 0;
   } catch (const CRkException& e) {
-    std::fprintf(stderr, "gpx_stats: %ls\n", e.GetFullMessage().c_str());
+    std::fprintf(stderr, "gpx_stats: %s\n", ToUtf8(e.GetFullMessage()).c_str());
     return 1;
   }
 }

@@ -3,7 +3,6 @@
 
 #include <RkXmlLib16/RkXmlLib16.h>
 
-#include <clocale>
 #include <cstdio>
 #include <string>
 
@@ -38,23 +37,20 @@ bool TakePoint(CXmlElement* element) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  std::setlocale(LC_CTYPE, "C.UTF-8");
   if (argc != 2) {
     std::fputs("usage: large_file FILE\n", stderr);
     return 2;
   }
   try {
-    std::string name(argv[1]);
     CXmlDocument document(TakePoint);
-    document.Load(
-        CEncoder::Utf8ToUnicode(reinterpret_cast<unsigned char*>(name.data()), static_cast<int>(name.size())).c_str());
+    document.Load(argv[1]);
     std::printf("%ld points\n", highest.points);
     if (highest.known)
-      std::printf("highest: %ls m at %ls,%ls\n", highest.ele.ToString().c_str(), highest.lat.ToString().c_str(),
-                  highest.lon.ToString().c_str());
+      std::printf("highest: %s m at %s,%s\n", ToUtf8(highest.ele.ToString()).c_str(),
+                  ToUtf8(highest.lat.ToString()).c_str(), ToUtf8(highest.lon.ToString()).c_str());
     return 0;
   } catch (const CRkException& e) {
-    std::fprintf(stderr, "large_file: %ls\n", e.GetFullMessage().c_str());
+    std::fprintf(stderr, "large_file: %s\n", ToUtf8(e.GetFullMessage()).c_str());
     return 1;
   }
 }

@@ -2,7 +2,6 @@
 
 #include <RkXmlLib16/RkXmlLib16.h>
 
-#include <clocale>
 #include <cstdio>
 #include <string>
 
@@ -11,11 +10,6 @@
 using namespace RkXmlLib16;
 
 namespace {
-
-std::wstring Wide(const char* text) {
-  std::string bytes(text);
-  return CEncoder::Utf8ToUnicode(reinterpret_cast<unsigned char*>(bytes.data()), static_cast<int>(bytes.size()));
-}
 
 CDecimal WithTax(const CDecimal& net, Order::ERate rate) {
   switch (rate) {
@@ -40,16 +34,15 @@ CDecimal Total(const Order::CLinesType& lines) {
   return total;
 }
 
-const wchar_t* CustomerName(const Order::CCustomerType* customer) {
-  if (const auto* person = dynamic_cast<const Order::CPersonType*>(customer)) return person->GetName().c_str();
-  if (const auto* company = dynamic_cast<const Order::CCompanyType*>(customer)) return company->GetName().c_str();
+std::wstring CustomerName(const Order::CCustomerType* customer) {
+  if (const auto* person = dynamic_cast<const Order::CPersonType*>(customer)) return person->GetName();
+  if (const auto* company = dynamic_cast<const Order::CCompanyType*>(customer)) return company->GetName();
   return L"";
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  std::setlocale(LC_CTYPE, "C.UTF-8");
   if (argc != 3) {
     std::fputs("usage: order_pay IN OUT\n", stderr);
     return 2;
@@ -60,17 +53,19 @@ int main(int argc, char** argv) {
     context.GetNamespaceAliases().Add(L"xsi", L"http://www.w3.org/2001/XMLSchema-instance");
 
     Order::COrderType order;
-    order.FromXmlFile(Wide(argv[1]).c_str(), context);
-    std::printf("order %ls for %ls, %d lines, paid by %ls\n", order.GetId().c_str(), CustomerName(order.GetCustomer()),
-                order.GetLines()->GetLine()->GetCount(), order.GetPayment()->GetSelected().c_str());
+    order.FromXmlFile(argv[1], context);
+    std::printf("order %s for %s, %d lines, paid by %s\n", ToUtf8(order.GetId()).c_str(),
+                ToUtf8(CustomerName(order.GetCustomer())).c_str(), order.GetLines()->GetLine()->GetCount(),
+                ToUtf8(order.GetPayment()->GetSelected()).c_str());
     const CDecimal total = Total(*order.GetLines());
-    std::printf("total %ls %ls\n", total.ToString(2).c_str(), Order::ECurrencyToString(order.GetCurrency()));
+    std::printf("total %s %s\n", ToUtf8(total.ToString(2)).c_str(),
+                ToUtf8(Order::ECurrencyToString(order.GetCurrency())).c_str());
 
     // A choice holds one member: the second is refused until the first has gone.
     try {
       order.GetPayment()->SetCash(total);
     } catch (const CRkInvalidStateException& e) {
-      std::printf("refused: %ls\n", e.GetMessage().c_str());
+      std::printf("refused: %s\n", ToUtf8(e.GetMessage()).c_str());
       if (order.GetPayment()->GetSelected() == L"card") {
         order.GetPayment()->SetCard(nullptr);
       } else {
@@ -81,11 +76,11 @@ int main(int argc, char** argv) {
     if (order.IsDueNil()) order.SetDue(CDateTime(2024, 12, 31));
     if (order.GetNote()->GetCount() < 3) order.GetNote()->Add(L"paid in cash");
 
-    order.ToXmlFile(Wide(argv[2]).c_str(), true, true, XmlEncoding_UTF8, EOLType_LF, context, CompressionType_None);
-    std::printf("now paid by %ls\n", order.GetPayment()->GetSelected().c_str());
+    order.ToXmlFile(argv[2], true, true, XmlEncoding_UTF8, EOLType_LF, context, CompressionType_None);
+    std::printf("now paid by %s\n", ToUtf8(order.GetPayment()->GetSelected()).c_str());
     return 0;
   } catch (const CRkException& e) {
-    std::fprintf(stderr, "order_pay: %ls\n", e.GetFullMessage().c_str());
+    std::fprintf(stderr, "order_pay: %s\n", ToUtf8(e.GetFullMessage()).c_str());
     return 1;
   }
 }

@@ -149,9 +149,9 @@ TEST(FileBinaryStream, WritesTheBytesBehindTheMark) {
 TEST(File, TellsItsLengthAndKeepsItsPosition) {
   const CTempFile scratch;
   CFile file;
-  EXPECT_FALSE(file.Open(scratch.Name().c_str(), "r"));
+  EXPECT_FALSE(file.Open(scratch.Path(), "r"));
   EXPECT_TRUE(file.Close());
-  ASSERT_TRUE(file.Open(scratch.Name().c_str(), "w+"));
+  ASSERT_TRUE(file.Open(scratch.Path(), "w+"));
   ASSERT_TRUE(file.Write("abcdef", 6));
   std::fseek(file.Get(), 2, SEEK_SET);
   EXPECT_EQ(6, _filelength(file.Get()));

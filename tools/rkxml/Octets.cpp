@@ -143,7 +143,7 @@ class OctetList {
         return std::string(octets);
       case 1:
         kind = ", UTF-16";
-        return Utf8(CEncoder::Utf16ToUnicode(octets, /*bigEndian=*/true));
+        return ToUtf8(CEncoder::Utf16ToUnicode(octets, /*bigEndian=*/true));
       case 2:
         kind = ", alphabet " + std::to_string(index);
         return Packed(index, octets);
@@ -153,13 +153,8 @@ class OctetList {
         if (index > FIEncodingAlgorithm_Cdata) return "?";
         std::wstring text;
         CFastInfosetBinaryData::AppendAsString(index, data, octets.size(), text);
-        return Utf8(text);
+        return ToUtf8(text);
     }
-  }
-
-  static std::string Utf8(const std::wstring& text) {
-    const CBinaryData bytes = CEncoder::UnicodeToUtf8Binary(text);
-    return std::string(bytes.GetData(), bytes.GetData() + bytes.GetLength());
   }
 
   static std::string Packed(unsigned long alphabet, std::string_view octets) {

@@ -15,11 +15,7 @@ std::string ForTerminal(std::string_view text) {
   return out;
 }
 
-std::string ForTerminal(const std::wstring& text) {
-  const CBinaryData utf8 = CEncoder::UnicodeToUtf8Binary(text.c_str());
-  if (utf8.GetLength() == 0) return {};
-  return ForTerminal(std::string_view(reinterpret_cast<const char*>(utf8.GetData()), utf8.GetLength()));
-}
+std::string ForTerminal(const std::wstring& text) { return ForTerminal(ToUtf8(text)); }
 
 std::string Reason(const CRkException& e) { return ForTerminal(e.GetReport()); }
 

@@ -57,8 +57,12 @@ inline CBinaryData Compressed(CBinaryData bytes, CompressionType compression) {
   return bytes;
 }
 
+inline std::string TextOf(const CBinaryData& utf8) {
+  return Guarded([&] { return std::string(reinterpret_cast<const char*>(utf8.GetData()), utf8.GetLength()); });
+}
+
 // Writes finished bytes, after the byte order mark that the encoding asks for.
-inline void WriteFile(const wchar_t* fileName, XmlEncoding encoding, CBinaryData bytes) {
+inline void WriteFile(const CFileName& fileName, XmlEncoding encoding, CBinaryData bytes) {
   CFileBinaryStream(fileName, encoding, bytes).ToFile();
 }
 
