@@ -11,6 +11,7 @@
 #include "RkXmlLib16/base/Format.h"
 #include "RkXmlLib16/base/Location.h"
 #include "RkXmlLib16/base/SmartPtr.h"
+#include "RkXmlLib16/binding/CheckMetaData.h"
 #include "RkXmlLib16/collections/Collection.h"
 #include "RkXmlLib16/collections/CollectionBase.h"
 #include "RkXmlLib16/collections/TypeCollection.h"

@@ -86,6 +86,8 @@ class RKXML_EXPORT CAttributeInfoPrimitive : public CAttributeInfo {
   void CheckRestriction(const RkVariant& value) const;
 
  private:
+  friend class RkXmlLib16::CMetaDataCheck;
+
   CPrimitiveRestrictions m_facets;
   ItemType m_itemType;
   std::wstring m_format;
@@ -105,6 +107,8 @@ class RKXML_EXPORT CAttributeInfoEnum : public CAttributeInfo {
   void Validate(const CSerializationContext& context, bool found) const override;
 
  private:
+  friend class RkXmlLib16::CMetaDataCheck;
+
   EnumFromString m_fromString;
   EnumToString m_toString;
 };

@@ -41,6 +41,21 @@ CElementInfo::CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyI
       m_memberType(memberType),
       m_memberKind(kind) {}
 
+CElementInfo::CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, XmlElementType memberType,
+                           ClassFactory factory, int classId)
+    : CElementInfo(name, ns, propertyIndex, MemberKind::Single, memberType) {
+  m_factory = factory;
+  m_classId = classId;
+  m_content = Content::ObjectOfFactory;
+}
+
+CElementInfo::CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, XmlElementType memberType,
+                           AbstractClassFactory factory)
+    : CElementInfo(name, ns, propertyIndex, MemberKind::Single, memberType) {
+  m_abstractFactory = factory;
+  m_content = Content::ObjectOfAbstractFactory;
+}
+
 CElementInfo::CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, bool nillable,
                            EnumToString enumToString, EnumFromString enumFromString, const wchar_t* defaultValue)
     : m_elementName(TextOrEmpty(name)),
@@ -49,7 +64,8 @@ CElementInfo::CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyI
       m_defaultValue(TextOrEmpty(defaultValue)),
       m_nillable(nillable),
       m_enumToString(enumToString),
-      m_enumFromString(enumFromString) {}
+      m_enumFromString(enumFromString),
+      m_content(Content::Enumeration) {}
 
 CElementInfo::CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, bool nillable, ItemType type,
                            const wchar_t* format, CWhitespaceUtils::WhitespaceRule whitespace,
@@ -63,6 +79,7 @@ CElementInfo::CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyI
       m_whitespace(whitespace),
       m_defaultValue(TextOrEmpty(defaultValue)),
       m_nillable(nillable),
+      m_content(Content::Primitive),
       m_hasFacets(true) {}
 
 CElementInfo::~CElementInfo() = default;
@@ -103,7 +120,7 @@ bool CElementInfo::CompareName(const CSerializationContext& context, const CXmlE
 }
 
 CSmartPtr<CXmlObjectBase> CElementInfo::CreateGroup() const {
-  return m_groupFactory != nullptr ? m_groupFactory(m_groupId, m_elementName.Get().c_str()) : nullptr;
+  return IsInlineGroup() && m_factory != nullptr ? m_factory(m_classId, m_elementName.Get().c_str()) : nullptr;
 }
 
 void CElementInfo::CheckRestriction(const RkVariant& value) const {

@@ -14,6 +14,7 @@
 #include "RkXmlLib16/types/Whitespace.h"
 
 namespace RkXmlLib16 {
+class CMetaDataCheck;
 class CSerializationContext;
 class CXmlCollectionBase;
 class CXmlElement;
@@ -71,6 +72,11 @@ class RKXML_EXPORT CElementInfo {
   // of its own, see PseudoChildAttributeToXml.
   CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, MemberKind kind = MemberKind::Single);
   CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, MemberKind kind, XmlElementType memberType);
+  // Members of one class, or of one that the factory chooses by the element.
+  CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, XmlElementType memberType,
+               ClassFactory factory, int classId);
+  CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, XmlElementType memberType,
+               AbstractClassFactory factory);
   // Enumerations. `defaultValue` may be null.
   CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, bool nillable, EnumToString enumToString,
                EnumFromString enumFromString, const wchar_t* defaultValue);
@@ -164,15 +170,16 @@ class RKXML_EXPORT CElementInfo {
 
  protected:
   EnumToString GetEnumToString() const noexcept { return m_enumToString; }
+  ClassFactory GetFactory() const noexcept { return m_factory; }
+  int GetClassId() const noexcept { return m_classId; }
+  AbstractClassFactory GetAbstractFactory() const noexcept { return m_abstractFactory; }
   // For records of a sequence that read nothing but their own element, which may be absent; see IsSkipped.
   void SkipOtherElements() noexcept { m_optionalType = &typeid(*this); }
-  // For inline groups that the record makes itself; see CreateGroup.
-  void SetGroupFactory(ClassFactory factory, int classId) noexcept {
-    m_groupFactory = factory;
-    m_groupId = classId;
-  }
 
  private:
+  friend class RkXmlLib16::CMetaDataCheck;
+  // What the property of the record holds.
+  enum class Content : std::uint8_t { Object, ObjectOfFactory, ObjectOfAbstractFactory, Enumeration, Primitive };
   // Not for classes that are derived from one that skips other elements: they may do otherwise.
   bool IsOfOptionalType() const noexcept { return m_optionalType == &typeid(*this); }
   // What the local name of an element notes when the element was found to have the record's name and namespace: the
@@ -207,13 +214,15 @@ class RKXML_EXPORT CElementInfo {
   bool m_nillable = false;
   EnumToString m_enumToString = nullptr;
   EnumFromString m_enumFromString = nullptr;
+  ClassFactory m_factory = nullptr;
+  int m_classId = 0;
+  AbstractClassFactory m_abstractFactory = nullptr;
+  Content m_content = Content::Object;
   bool m_hasFacets = false;
   bool m_mayHaveAttributes = false;
   const std::type_info* m_optionalType = nullptr;  // the class that called SkipOtherElements
   XmlElementType m_memberType = RkXmlLib16::XmlElementType_Element;
   MemberKind m_memberKind = MemberKind::Single;
-  ClassFactory m_groupFactory = nullptr;
-  int m_groupId = 0;
 };
 
 }  // namespace RkXmlLib16Data

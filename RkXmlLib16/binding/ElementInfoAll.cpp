@@ -84,12 +84,7 @@ CElementInfoAllUntpdCol::~CElementInfoAllUntpdCol() = default;
 CElementInfoAllClsMnd::CElementInfoAllClsMnd(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                              XmlElementType memberType, ClassFactory factory, int classId,
                                              bool required)
-    : CElementInfo(name, ns, propertyIndex, MemberKind::Single, memberType),
-      m_required(required),
-      m_factory(factory),
-      m_classId(classId) {
-  if (IsInlineGroup()) SetGroupFactory(factory, classId);
-}
+    : CElementInfo(name, ns, propertyIndex, memberType, factory, classId), m_required(required) {}
 
 CElementInfoAllClsMnd::~CElementInfoAllClsMnd() = default;
 
@@ -102,7 +97,7 @@ bool CElementInfoAllClsMnd::ElementFromXml(const CSerializationContext& context,
                                            CXmlElement* parent, CXmlElement** cursor, const wchar_t*, XmlElementType) {
   const bool inlineGroup = IsInlineGroup();
   if (!inlineGroup && !IsThisElement(context, *cursor)) return false;
-  const auto child = GetOrCreateChild(*this, object, m_factory, m_classId, inlineGroup ? *parent : **cursor);
+  const auto child = GetOrCreateChild(*this, object, GetFactory(), GetClassId(), inlineGroup ? *parent : **cursor);
   if (child == nullptr) return false;
   if (inlineGroup) return ReadInline(*this, context, child, parent, cursor);
   ReadOwnElement(*this, context, child, cursor);
@@ -117,9 +112,7 @@ bool CElementInfoAllClsMnd::Validate(const CSerializationContext&, const CXmlGen
 
 CElementInfoAllClsOpt::CElementInfoAllClsOpt(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                              XmlElementType memberType, ClassFactory factory, int classId)
-    : CElementInfo(name, ns, propertyIndex, MemberKind::Single, memberType), m_factory(factory), m_classId(classId) {
-  if (IsInlineGroup()) SetGroupFactory(factory, classId);
-}
+    : CElementInfo(name, ns, propertyIndex, memberType, factory, classId) {}
 
 CElementInfoAllClsOpt::~CElementInfoAllClsOpt() = default;
 
@@ -131,7 +124,7 @@ bool CElementInfoAllClsOpt::ElementToXml(const CSerializationContext& context, c
 bool CElementInfoAllClsOpt::ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
                                            CXmlElement* parent, CXmlElement** cursor, const wchar_t*, XmlElementType) {
   if (IsInlineGroup() ? *cursor == nullptr : !IsThisElement(context, *cursor)) return false;
-  return ReadAndStore(*this, context, object, CreateChild(*this, m_factory, m_classId), parent, cursor);
+  return ReadAndStore(*this, context, object, CreateChild(*this, GetFactory(), GetClassId()), parent, cursor);
 }
 
 bool CElementInfoAllClsOpt::Validate(const CSerializationContext&, const CXmlGeneratedClass*, bool, bool) const {
@@ -140,7 +133,7 @@ bool CElementInfoAllClsOpt::Validate(const CSerializationContext&, const CXmlGen
 
 CElementInfoAllAbsClsMnd::CElementInfoAllAbsClsMnd(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                                    XmlElementType memberType, AbstractClassFactory factory, int extra)
-    : CElementInfo(name, ns, propertyIndex, MemberKind::Single, memberType), m_factory(factory), m_extra(extra) {}
+    : CElementInfo(name, ns, propertyIndex, memberType, factory), m_extra(extra) {}
 
 CElementInfoAllAbsClsMnd::~CElementInfoAllAbsClsMnd() = default;
 
@@ -153,7 +146,7 @@ bool CElementInfoAllAbsClsMnd::ElementFromXml(const CSerializationContext& conte
                                               CXmlElement* parent, CXmlElement** cursor, const wchar_t*,
                                               XmlElementType) {
   if (IsInlineGroup() ? *cursor == nullptr : !IsThisElement(context, *cursor)) return false;
-  return ReadAndStore(*this, context, object, CreateAbstractChild(m_factory, *cursor), parent, cursor);
+  return ReadAndStore(*this, context, object, CreateAbstractChild(GetAbstractFactory(), *cursor), parent, cursor);
 }
 
 bool CElementInfoAllAbsClsMnd::Validate(const CSerializationContext&, const CXmlGeneratedClass*, bool found,
@@ -163,7 +156,7 @@ bool CElementInfoAllAbsClsMnd::Validate(const CSerializationContext&, const CXml
 
 CElementInfoAllAbsClsOpt::CElementInfoAllAbsClsOpt(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                                    XmlElementType memberType, AbstractClassFactory factory)
-    : CElementInfo(name, ns, propertyIndex, MemberKind::Single, memberType), m_factory(factory) {}
+    : CElementInfo(name, ns, propertyIndex, memberType, factory) {}
 
 CElementInfoAllAbsClsOpt::~CElementInfoAllAbsClsOpt() = default;
 
@@ -176,7 +169,7 @@ bool CElementInfoAllAbsClsOpt::ElementFromXml(const CSerializationContext& conte
                                               CXmlElement* parent, CXmlElement** cursor, const wchar_t*,
                                               XmlElementType) {
   if (IsInlineGroup() ? *cursor == nullptr : !IsThisElement(context, *cursor)) return false;
-  return ReadAndStore(*this, context, object, CreateAbstractChild(m_factory, *cursor), parent, cursor);
+  return ReadAndStore(*this, context, object, CreateAbstractChild(GetAbstractFactory(), *cursor), parent, cursor);
 }
 
 bool CElementInfoAllAbsClsOpt::Validate(const CSerializationContext&, const CXmlGeneratedClass*, bool, bool) const {

@@ -68,8 +68,6 @@ class RKXML_EXPORT CElementInfoAllClsMnd : public CElementInfo {
 
  private:
   bool m_required;
-  ClassFactory m_factory;
-  int m_classId;
 };
 
 class RKXML_EXPORT CElementInfoAllClsOpt : public CElementInfo {
@@ -83,10 +81,6 @@ class RKXML_EXPORT CElementInfoAllClsOpt : public CElementInfo {
                       CXmlElement** cursor, const wchar_t* ownerNamespace, XmlElementType ownerType) override;
   bool Validate(const CSerializationContext& context, const CXmlGeneratedClass* object, bool found,
                 bool final) const override;
-
- private:
-  ClassFactory m_factory;
-  int m_classId;
 };
 
 class RKXML_EXPORT CElementInfoAllAbsClsMnd : public CElementInfo {
@@ -105,7 +99,6 @@ class RKXML_EXPORT CElementInfoAllAbsClsMnd : public CElementInfo {
   int GetExtra() const noexcept { return m_extra; }
 
  private:
-  AbstractClassFactory m_factory;
   int m_extra;
 };
 
@@ -120,9 +113,6 @@ class RKXML_EXPORT CElementInfoAllAbsClsOpt : public CElementInfo {
                       CXmlElement** cursor, const wchar_t* ownerNamespace, XmlElementType ownerType) override;
   bool Validate(const CSerializationContext& context, const CXmlGeneratedClass* object, bool found,
                 bool final) const override;
-
- private:
-  AbstractClassFactory m_factory;
 };
 
 class RKXML_EXPORT CElementInfoAllPrimMnd : public CElementInfo {

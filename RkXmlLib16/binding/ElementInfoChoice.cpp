@@ -93,9 +93,7 @@ bool CElementInfoChoiceUntpdCol::ElementFromXml(const CSerializationContext& con
 
 CElementInfoChoiceClsOpt::CElementInfoChoiceClsOpt(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                                    XmlElementType memberType, ClassFactory factory, int classId)
-    : CElementInfo(name, ns, propertyIndex, MemberKind::Single, memberType), m_factory(factory), m_classId(classId) {
-  if (IsInlineGroup()) SetGroupFactory(factory, classId);
-}
+    : CElementInfo(name, ns, propertyIndex, memberType, factory, classId) {}
 
 CElementInfoChoiceClsOpt::~CElementInfoChoiceClsOpt() = default;
 
@@ -108,7 +106,7 @@ bool CElementInfoChoiceClsOpt::ElementFromXml(const CSerializationContext& conte
                                               CXmlElement* parent, CXmlElement** cursor, const wchar_t*,
                                               XmlElementType) {
   if (IsInlineGroup() ? *cursor == nullptr : !IsThisElement(context, *cursor)) return false;
-  const auto child = CreateChild(*this, m_factory, m_classId);
+  const auto child = CreateChild(*this, GetFactory(), GetClassId());
   if (child == nullptr) return false;
   CXmlElement* element = *cursor;
   StoreChild(*this, object, child, *element);
@@ -123,7 +121,7 @@ bool CElementInfoChoiceClsOpt::ElementFromXml(const CSerializationContext& conte
 
 CElementInfoChoiceAbsClsOpt::CElementInfoChoiceAbsClsOpt(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                                          XmlElementType memberType, AbstractClassFactory factory)
-    : CElementInfo(name, ns, propertyIndex, MemberKind::Single, memberType), m_factory(factory) {}
+    : CElementInfo(name, ns, propertyIndex, memberType, factory) {}
 
 CElementInfoChoiceAbsClsOpt::~CElementInfoChoiceAbsClsOpt() = default;
 
@@ -135,7 +133,7 @@ bool CElementInfoChoiceAbsClsOpt::ElementToXml(const CSerializationContext& cont
 bool CElementInfoChoiceAbsClsOpt::ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
                                                  CXmlElement*, CXmlElement** cursor, const wchar_t*, XmlElementType) {
   if (!IsThisElement(context, *cursor)) return false;
-  const auto child = CreateAbstractChild(m_factory, *cursor);
+  const auto child = CreateAbstractChild(GetAbstractFactory(), *cursor);
   if (child == nullptr) {
     StoreNull(*this, object, **cursor);
     return false;

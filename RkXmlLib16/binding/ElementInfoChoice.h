@@ -65,10 +65,6 @@ class RKXML_EXPORT CElementInfoChoiceClsOpt : public CElementInfo {
                     CXmlWriter* writer) const override;
   bool ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object, CXmlElement* parent,
                       CXmlElement** cursor, const wchar_t* ownerNamespace, XmlElementType ownerType) override;
-
- private:
-  ClassFactory m_factory;
-  int m_classId;
 };
 
 class RKXML_EXPORT CElementInfoChoiceAbsClsOpt : public CElementInfo {
@@ -80,9 +76,6 @@ class RKXML_EXPORT CElementInfoChoiceAbsClsOpt : public CElementInfo {
                     CXmlWriter* writer) const override;
   bool ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object, CXmlElement* parent,
                       CXmlElement** cursor, const wchar_t* ownerNamespace, XmlElementType ownerType) override;
-
- private:
-  AbstractClassFactory m_factory;
 };
 
 class RKXML_EXPORT CElementInfoChoicePrimOpt : public CElementInfo {

@@ -130,12 +130,7 @@ bool CElementInfoSeqUntpdCol::ElementFromXml(const CSerializationContext& contex
 CElementInfoSeqClsMnd::CElementInfoSeqClsMnd(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                              XmlElementType memberType, ClassFactory factory, int classId,
                                              bool required)
-    : CElementInfo(name, ns, propertyIndex, MemberKind::Single, memberType),
-      m_required(required),
-      m_factory(factory),
-      m_classId(classId) {
-  if (IsInlineGroup()) SetGroupFactory(factory, classId);
-}
+    : CElementInfo(name, ns, propertyIndex, memberType, factory, classId), m_required(required) {}
 
 CElementInfoSeqClsMnd::~CElementInfoSeqClsMnd() = default;
 
@@ -150,7 +145,7 @@ bool CElementInfoSeqClsMnd::ElementFromXml(const CSerializationContext& context,
   if (IsInlineGroup()) return ReadGroup(context, object, parent, cursor, ownerType);
   if (ownerType != XmlElementType_Element && !IsThisElement(context, *cursor)) return false;
   if (SeekMandatory(*this, context, object, parent, cursor, ownerType, MissingChild) == Seek::GoOn) return true;
-  const auto child = GetOrCreateChild(*this, object, m_factory, m_classId, **cursor);
+  const auto child = GetOrCreateChild(*this, object, GetFactory(), GetClassId(), **cursor);
   if (child != nullptr) {
     ReadOwnElement(*this, context, child, cursor);
   } else {
@@ -170,7 +165,7 @@ bool CElementInfoSeqClsMnd::ReadGroup(const CSerializationContext& context, CXml
     return ownElement;
   };
   if (m_required && atEnd) return refuseAbsence();
-  const auto child = GetOrCreateChild(*this, object, m_factory, m_classId, *parent);
+  const auto child = GetOrCreateChild(*this, object, GetFactory(), GetClassId(), *parent);
   if (child == nullptr) {
     RefuseMissing(context, MissingChild(*this, parent), *this, parent, *cursor);
     return true;
@@ -182,11 +177,8 @@ bool CElementInfoSeqClsMnd::ReadGroup(const CSerializationContext& context, CXml
 
 CElementInfoSeqClsOpt::CElementInfoSeqClsOpt(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                              XmlElementType memberType, ClassFactory factory, int classId)
-    : CElementInfo(name, ns, propertyIndex, MemberKind::Single, memberType), m_factory(factory), m_classId(classId) {
-  if (IsInlineGroup())
-    SetGroupFactory(factory, classId);
-  else
-    SkipOtherElements();
+    : CElementInfo(name, ns, propertyIndex, memberType, factory, classId) {
+  if (!IsInlineGroup()) SkipOtherElements();
 }
 
 CElementInfoSeqClsOpt::~CElementInfoSeqClsOpt() = default;
@@ -199,7 +191,7 @@ bool CElementInfoSeqClsOpt::ElementToXml(const CSerializationContext& context, c
 bool CElementInfoSeqClsOpt::ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
                                            CXmlElement* parent, CXmlElement** cursor, const wchar_t*, XmlElementType) {
   if (IsInlineGroup() ? *cursor == nullptr : !IsThisElement(context, *cursor)) return true;
-  const auto child = CreateChild(*this, m_factory, m_classId);
+  const auto child = CreateChild(*this, GetFactory(), GetClassId());
   if (child == nullptr) return true;
   const CXmlElement& element = **cursor;
   if (!IsInlineGroup()) {
@@ -213,7 +205,7 @@ bool CElementInfoSeqClsOpt::ElementFromXml(const CSerializationContext& context,
 
 CElementInfoSeqAbsClsMnd::CElementInfoSeqAbsClsMnd(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                                    XmlElementType memberType, AbstractClassFactory factory)
-    : CElementInfo(name, ns, propertyIndex, MemberKind::Single, memberType), m_factory(factory) {}
+    : CElementInfo(name, ns, propertyIndex, memberType, factory) {}
 
 CElementInfoSeqAbsClsMnd::~CElementInfoSeqAbsClsMnd() = default;
 
@@ -234,7 +226,7 @@ bool CElementInfoSeqAbsClsMnd::ElementFromXml(const CSerializationContext& conte
       return true;
     }
   }
-  const auto child = CreateAbstractChild(m_factory, *cursor);
+  const auto child = CreateAbstractChild(GetAbstractFactory(), *cursor);
   CXmlElement* element = *cursor;
   if (child == nullptr) {
     if (!ownElement) return false;
@@ -250,7 +242,7 @@ bool CElementInfoSeqAbsClsMnd::ElementFromXml(const CSerializationContext& conte
 
 CElementInfoSeqAbsClsOpt::CElementInfoSeqAbsClsOpt(const wchar_t* name, const wchar_t* ns, int propertyIndex,
                                                    XmlElementType memberType, AbstractClassFactory factory)
-    : CElementInfo(name, ns, propertyIndex, MemberKind::Single, memberType), m_factory(factory) {
+    : CElementInfo(name, ns, propertyIndex, memberType, factory) {
   SkipOtherElements();
 }
 
@@ -264,7 +256,7 @@ bool CElementInfoSeqAbsClsOpt::ElementToXml(const CSerializationContext& context
 bool CElementInfoSeqAbsClsOpt::ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
                                               CXmlElement*, CXmlElement** cursor, const wchar_t*, XmlElementType) {
   if (!IsThisElement(context, *cursor)) return true;
-  const auto child = CreateAbstractChild(m_factory, *cursor);
+  const auto child = CreateAbstractChild(GetAbstractFactory(), *cursor);
   if (child == nullptr) return true;
   CXmlElement* element = *cursor;
   FromXml_Int(child, element, element->GetFirstElement(), context, /*isOptionalChoice=*/false);

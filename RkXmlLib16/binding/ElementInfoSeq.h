@@ -79,8 +79,6 @@ class RKXML_EXPORT CElementInfoSeqClsMnd : public CElementInfo {
                  CXmlElement** cursor, XmlElementType ownerType);
 
   bool m_required;
-  ClassFactory m_factory;
-  int m_classId;
 };
 
 class RKXML_EXPORT CElementInfoSeqClsOpt : public CElementInfo {
@@ -92,10 +90,6 @@ class RKXML_EXPORT CElementInfoSeqClsOpt : public CElementInfo {
                     CXmlWriter* writer) const override;
   bool ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object, CXmlElement* parent,
                       CXmlElement** cursor, const wchar_t* ownerNamespace, XmlElementType ownerType) override;
-
- private:
-  ClassFactory m_factory;
-  int m_classId;
 };
 
 class RKXML_EXPORT CElementInfoSeqAbsClsMnd : public CElementInfo {
@@ -107,9 +101,6 @@ class RKXML_EXPORT CElementInfoSeqAbsClsMnd : public CElementInfo {
                     CXmlWriter* writer) const override;
   bool ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object, CXmlElement* parent,
                       CXmlElement** cursor, const wchar_t* ownerNamespace, XmlElementType ownerType) override;
-
- private:
-  AbstractClassFactory m_factory;
 };
 
 class RKXML_EXPORT CElementInfoSeqAbsClsOpt : public CElementInfo {
@@ -121,9 +112,6 @@ class RKXML_EXPORT CElementInfoSeqAbsClsOpt : public CElementInfo {
                     CXmlWriter* writer) const override;
   bool ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object, CXmlElement* parent,
                       CXmlElement** cursor, const wchar_t* ownerNamespace, XmlElementType ownerType) override;
-
- private:
-  AbstractClassFactory m_factory;
 };
 
 class RKXML_EXPORT CElementInfoSeqPrimMnd : public CElementInfo {

@@ -173,6 +173,16 @@ TEST(NullItems, AreNamedInWellFormedOutput) {
 }
 
 // Default output is no JSON text for every content; where it is, objects arrive by it too.
+TEST(Examples, DescribeTheirClassesRight) {
+  Gpx::CGpxType track;
+  track.FromXmlFile(RKXML_EXAMPLE_DATA "/track.gpx");
+  Order::COrderType order;
+  order.FromXmlFile(RKXML_EXAMPLE_DATA "/order.xml");
+  for (CXmlGeneratedClass* object :
+       {static_cast<CXmlGeneratedClass*>(&track), static_cast<CXmlGeneratedClass*>(&order)})
+    for (const CMetaDataFault& fault : CheckMetaData(*object)) ADD_FAILURE() << ToUtf8(fault.GetText());
+}
+
 TEST(DefaultJson, BringsCollectionsOfObjects) {
   CSerializationContext context;
   context.SetDefaultNamespaceURI(L"http://www.topografix.com/GPX/1/1");
