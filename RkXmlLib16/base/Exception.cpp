@@ -67,13 +67,12 @@ CRkException::CRkException(const CRkException& other)
       m_details(other.m_details) {}
 CRkException::~CRkException() {
   // One by one, because a chain may be long.
-  for (auto inner = std::move(m_inner); inner != nullptr && inner.use_count() == 1;)
-    inner = std::move(const_cast<CRkException&>(*inner).m_inner);
+  for (auto inner = std::move(m_inner); inner != nullptr && inner.use_count() == 1;) inner = std::move(inner->m_inner);
 }
 
-std::shared_ptr<const CRkException> CRkException::TakeOver(CRkException& exception) {
+std::shared_ptr<CRkException> CRkException::TakeOver(CRkException& exception) {
   auto chain = std::move(exception.m_inner);
-  const std::shared_ptr<CRkException> clone(exception.Clone());
+  std::shared_ptr<CRkException> clone(exception.Clone());
   clone->m_inner = std::move(chain);
   return clone;
 }

@@ -85,7 +85,7 @@ class RKXML_EXPORT CRkException {
   struct Details;
   struct LateMessage;
 
-  static std::shared_ptr<const CRkException> TakeOver(CRkException& exception);
+  static std::shared_ptr<CRkException> TakeOver(CRkException& exception);
   Details& ChangeDetails();
   const std::wstring& GetLateMessage() const;
 

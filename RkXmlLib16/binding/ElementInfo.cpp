@@ -99,8 +99,8 @@ void CElementInfo::PseudoChildAttributeToXml(const CSerializationContext& contex
 }
 
 bool CElementInfo::OverridesAttributes() const noexcept {
-  static const CElementInfoSeqPrimCol plain(L"", L"", 0);
-  static const void* const own = FindOverrider<CElementInfo>(plain, &CElementInfo::PseudoChildAttributeToXml);
+  static const void* const own =
+      FindOverrider<CElementInfo>(CElementInfoSeqPrimCol(L"", L"", 0), &CElementInfo::PseudoChildAttributeToXml);
   return FindOverrider(*this, &CElementInfo::PseudoChildAttributeToXml) != own;
 }
 

@@ -91,8 +91,8 @@ class RKXML_EXPORT CSerializationContext {
   // setting.
   bool GetEscapeCDATA() const noexcept { return m_settings.escapeCDATA; }
   void SetEscapeCDATA(bool escape) noexcept { m_settings.escapeCDATA = escape; }
-  // Reading: one character for each surrogate pair that XML or JSON text arrives with (see docs/xml.md), as Fast Infoset
-  // gives it; FromXml(const wchar_t*) then takes characters above U+FFFF whole. Off at first.
+  // Reading: one character for each surrogate pair that XML or JSON text arrives with (see docs/xml.md), as Fast
+  // Infoset gives it; FromXml(const wchar_t*) then takes characters above U+FFFF whole. Off at first.
   bool GetJoinSurrogatePairs() const noexcept { return m_settings.joinSurrogatePairs; }
   void SetJoinSurrogatePairs(bool join) noexcept { m_settings.joinSurrogatePairs = join; }
   // Writing: the namespace that the root element declares as default and that is written without prefix.

@@ -10,6 +10,7 @@
 #include <new>
 #include <set>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 

@@ -7,6 +7,7 @@
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
 #include "RkXmlLib16/base/internal/Ascii.h"
+#include "RkXmlLib16/base/internal/NeverDestroyed.h"
 #include "RkXmlLib16/base/internal/WideText.h"
 #include "RkXmlLib16/document/internal/OutputChecks.h"
 #include "RkXmlLib16/fastinfoset/BinaryCodec.h"
@@ -379,8 +380,8 @@ void CFastInfosetWriter::WriteAttributeType(const std::wstring& typeNamespaceUri
 }
 
 void CFastInfosetWriter::WriteAttributeNil() {
-  static const std::wstring name = L"nil", value = L"true";
-  WriteAttributeString(name, XSI_NAMESPACE, value, ItemType_boolean);
+  static const CNeverDestroyed<std::wstring> name(L"nil"), value(L"true");
+  WriteAttributeString(name.Get(), XSI_NAMESPACE, value.Get(), ItemType_boolean);
 }
 
 inline bool CFastInfosetWriter::IsStartTagOpen() const { return m_context != nullptr && m_context->m_startTagOpen; }
