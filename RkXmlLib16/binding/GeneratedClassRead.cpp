@@ -107,7 +107,7 @@ bool AskPastUnknown(CElementInfo* info, const CSerializationContext& context, CX
                     XmlElementType elementType) {
   CXmlElement*& current = *cursor;
   const bool keepsAttempts = SiblingSearch::KeepsAttempts(*info);
-  const CXmlElement* firstInVain = current;
+  const CXmlElement* firstFailed = current;
   std::uint64_t takenBefore = SiblingSearch::GetTakenCount();
   for (int steps = 0;; ++steps) {
     CXmlElement* const asked = current;
@@ -115,18 +115,18 @@ bool AskPastUnknown(CElementInfo* info, const CSerializationContext& context, CX
     // A mandatory member that is not there moves the cursor too, to the end.
     if (current != asked && (accepted || info->GetMemberKind() == MemberKind::Collection)) SiblingSearch::CountTaken();
     const bool goesOn = !accepted && current != nullptr;
-    const bool inVain = goesOn && current == asked;
+    const bool hasFailed = goesOn && current == asked;
     const bool isSame = !keepsAttempts || SiblingSearch::GetTakenCount() == takenBefore;
-    if (!inVain && steps > 0 && isSame) SiblingSearch::SetInVain(*info, firstInVain, asked, steps);
+    if (!hasFailed && steps > 0 && isSame) SiblingSearch::SetFailed(*info, firstFailed, asked, steps);
     if (!goesOn) return accepted;
-    current = inVain ? SiblingSearch::Next(*info, current) : current->GetNextSiblingElement();
+    current = hasFailed ? SiblingSearch::Next(*info, current) : current->GetNextSiblingElement();
     if (current == nullptr) {
-      if (inVain && isSame) SiblingSearch::SetInVain(*info, firstInVain, nullptr, steps);
+      if (hasFailed && isSame) SiblingSearch::SetFailed(*info, firstFailed, nullptr, steps);
       return false;
     }
-    if (inVain && isSame) continue;
+    if (hasFailed && isSame) continue;
     if (keepsAttempts) SiblingSearch::CountWasted(SiblingSearch::GetTakenCount() - takenBefore);
-    firstInVain = current;
+    firstFailed = current;
     takenBefore = SiblingSearch::GetTakenCount();
     steps = -1;
   }

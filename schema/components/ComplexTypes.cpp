@@ -35,7 +35,7 @@ bool SameConstraint(const Wildcard& a, const Wildcard& b) {
 
 }  // namespace
 
-// ---- wildcards (Part 1, section 3.10.6)
+// ---- wildcards (XML Schema: Structures, section 3.10.6)
 // ------------------------------------------------------------------------------
 
 bool IsSubset(const Wildcard& sub, const Wildcard& super) {

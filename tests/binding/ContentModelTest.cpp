@@ -238,7 +238,7 @@ TEST_F(ContentModelTest, RequiredGroupsWithinGroupsAreFoundQuicklyToo) {
 
   // Where each place begins the inner group and none ends it, all are read again from each.
   EXPECT_TEXT(kNoChoice, Content(table, Repeat(1000, L"<a>1</a>"), unknown));
-  EXPECT_TEXT(L"CRkException: Limit exceeded: elements tried in vain 1000000.\nPath: /r",
+  EXPECT_TEXT(L"CRkException: Limit exceeded: elements in failed attempts 1000000.\nPath: /r",
               Content(table, Repeat(1500, L"<a>1</a>"), unknown));
 }
 

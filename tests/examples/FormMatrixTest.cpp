@@ -40,9 +40,9 @@ bool HasDistinctKeys(const std::string& text) {
 #endif
 
 // One way to write an object and to read it into a new object of its class.
-struct Road {
+struct RoundTrip {
   const char* name;
-  void (*travel)(const CXmlObjectBase& from, CXmlObjectBase& to, const CSerializationContext& context);
+  void (*run)(const CXmlObjectBase& from, CXmlObjectBase& to, const CSerializationContext& context);
 };
 
 template <CompressionType kCompression, bool kFormatted>
@@ -71,7 +71,7 @@ void ByFastInfoset(const CXmlObjectBase& from, CXmlObjectBase& to, const CSerial
   to.FromXmlStream(from.ToFastInfosetStream(kDeclaration, context, kCompression), context);
 }
 
-const Road kRoads[] = {
+const RoundTrip kRoundTrips[] = {
     {"XML text", ByXml<CompressionType_None, true>},
     {"compact XML text", ByXml<CompressionType_None, false>},
     {"XML text in gzip", ByXml<CompressionType_GZip, true>},
@@ -84,10 +84,10 @@ const Road kRoads[] = {
     {"typed Fast Infoset in zlib", ByFastInfoset<CompressionType_ZLib, FInfoDecl_Version11StandaloneNo, true>},
 };
 
-class FormMatrix : public testing::TestWithParam<Road> {
+class FormMatrix : public testing::TestWithParam<RoundTrip> {
  protected:
   template <class Root>
-  void Travel(const wchar_t* file, void (*change)(Root&) = nullptr) {
+  void CheckRoundTrip(const wchar_t* file, void (*change)(Root&) = nullptr) {
     Root from;
     from.FromXmlFile((L"" RKXML_EXAMPLE_DATA + std::wstring(file)).c_str());
     if (change != nullptr) change(from);
@@ -98,7 +98,7 @@ class FormMatrix : public testing::TestWithParam<Road> {
     context.GetNamespaceAliases().Add(L"audit", L"urn:example:audit");
     context.GetNamespaceAliases().Add(L"hike", L"https://example.org/xmlns/hike/1");
     Root to;
-    GetParam().travel(from, to, context);
+    GetParam().run(from, to, context);
     // As bytes, because a character above U+FFFF may be one wide character or two.
     const std::string expected = BytesOf(from.ToXmlStream());
     const std::string actual = BytesOf(to.ToXmlStream());
@@ -109,12 +109,12 @@ class FormMatrix : public testing::TestWithParam<Road> {
   }
 };
 
-TEST_P(FormMatrix, ATrackArrivesAsItWas) { Travel<Gpx::CGpxType>(L"/track.gpx"); }
+TEST_P(FormMatrix, ATrackArrivesAsItWas) { CheckRoundTrip<Gpx::CGpxType>(L"/track.gpx"); }
 
-TEST_P(FormMatrix, AnOrderArrivesAsItWas) { Travel<Order::COrderType>(L"/order.xml"); }
+TEST_P(FormMatrix, AnOrderArrivesAsItWas) { CheckRoundTrip<Order::COrderType>(L"/order.xml"); }
 
 TEST_P(FormMatrix, SmallObjectsAndHardTextsArriveAsTheyWere) {
-  Travel<Order::COrderType>(L"/order.xml", [](Order::COrderType& order) {
+  CheckRoundTrip<Order::COrderType>(L"/order.xml", [](Order::COrderType& order) {
     const CSmartPtr<Order::CPersonType> person(new Order::CPersonType(L"customer"));
     person->SetName(L"\"<&>\\ ]]> \U0001F600 \n end");
     person->SetBorn(CDateTime(1999, 2, 28));
@@ -131,8 +131,8 @@ TEST_P(FormMatrix, SmallObjectsAndHardTextsArriveAsTheyWere) {
   });
 }
 
-INSTANTIATE_TEST_SUITE_P(Roads, FormMatrix, testing::ValuesIn(kRoads),
-                         [](const auto& road) { return "Road" + std::to_string(road.index); });
+INSTANTIATE_TEST_SUITE_P(RoundTrips, FormMatrix, testing::ValuesIn(kRoundTrips),
+                         [](const auto& trip) { return "RoundTrip" + std::to_string(trip.index); });
 
 // Collections of values and of objects are arrays, so that parsers that keep one member of a name keep all items.
 TEST(StrictJson, CollectionsRepeatNoMember) {

@@ -40,9 +40,9 @@ CXmlElement* SiblingSearch::Find(const CElementInfo& info, const CSerializationC
 
 CXmlElement* SiblingSearch::Next(const CElementInfo& info, const CXmlElement* from) {
   const SiblingSearch* const search = t_innermost;
-  if (search != nullptr && !search->m_inVain.empty() && search->m_element == from->GetParentElement()) {
-    const auto known = search->m_inVain.find(&info);
-    if (known != search->m_inVain.end() && known->second.IsTrueOf(info)) {
+  if (search != nullptr && !search->m_failed.empty() && search->m_element == from->GetParentElement()) {
+    const auto known = search->m_failed.find(&info);
+    if (known != search->m_failed.end() && known->second.IsTrueOf(info)) {
       const std::map<std::size_t, std::size_t>& ranges = known->second.ranges;
       const std::size_t place = search->m_places.at(from);
       auto range = ranges.upper_bound(place);
@@ -53,14 +53,14 @@ CXmlElement* SiblingSearch::Next(const CElementInfo& info, const CXmlElement* fr
   return from->GetNextSiblingElement();
 }
 
-void SiblingSearch::SetInVain(const CElementInfo& info, const CXmlElement* from, const CXmlElement* end, int steps) {
+void SiblingSearch::SetFailed(const CElementInfo& info, const CXmlElement* from, const CXmlElement* end, int steps) {
   SiblingSearch* const search = t_innermost;
   if (steps < kStepsWithoutIndex || search == nullptr || search->m_element != from->GetParentElement()) return;
   search->MakeIndex();
-  InVain& inVain = search->m_inVain[&info];
-  if (!inVain.IsTrueOf(info)) inVain.ranges.clear();
-  inVain.takenCount = t_takenCount;
-  inVain.ranges[search->m_places.at(from)] = end != nullptr ? search->m_places.at(end) : search->m_children.size();
+  Failed& failed = search->m_failed[&info];
+  if (!failed.IsTrueOf(info)) failed.ranges.clear();
+  failed.takenCount = t_takenCount;
+  failed.ranges[search->m_places.at(from)] = end != nullptr ? search->m_places.at(end) : search->m_children.size();
 }
 
 std::uint64_t SiblingSearch::GetTakenCount() noexcept { return t_takenCount; }
@@ -75,7 +75,7 @@ void SiblingSearch::CountWasted(std::uint64_t takenCount) {
   search->MakeIndex();
   const std::uint64_t limit = std::max(kWastedAtLeast, kWastedPerChild * search->m_children.size());
   if (search->m_wastedCount > limit)
-    RkXmlLib16::CReadLimits::ThrowExceeded(L"elements tried in vain", limit, search->m_element->GetXPath());
+    RkXmlLib16::CReadLimits::ThrowExceeded(L"elements in failed attempts", limit, search->m_element->GetXPath());
 }
 
 void SiblingSearch::MakeIndex() {

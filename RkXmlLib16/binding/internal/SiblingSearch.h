@@ -30,7 +30,7 @@ class SiblingSearch {
   // took none from `from` up to `end` (null for all that follow). Of a record that keeps attempts that is true only
   // until something is taken.
   static CXmlElement* Next(const CElementInfo& info, const CXmlElement* from);
-  static void SetInVain(const CElementInfo& info, const CXmlElement* from, const CXmlElement* end, int steps);
+  static void SetFailed(const CElementInfo& info, const CXmlElement* from, const CXmlElement* end, int steps);
   // Whether what the record took before it failed may decide whether it fails the next time.
   static bool KeepsAttempts(const CElementInfo& info) noexcept {
     return info.IsInlineGroup() && info.GetMemberKind() == MemberKind::Single;
@@ -46,7 +46,7 @@ class SiblingSearch {
   void MakeIndex();
   CXmlElement* FindInIndex(const CElementInfo& info, const CSerializationContext& context, const CXmlElement* from);
 
-  struct InVain {
+  struct Failed {
     std::map<std::size_t, std::size_t> ranges;  // places and their ends
     std::uint64_t takenCount = 0;               // when they were noted
 
@@ -60,7 +60,7 @@ class SiblingSearch {
   std::vector<CXmlElement*> m_children;                                          // empty until needed
   std::unordered_map<const CXmlElement*, std::size_t> m_places;                  // in m_children
   std::unordered_map<const CElementInfo*, std::vector<std::size_t>> m_accepted;  // places, ascending
-  std::unordered_map<const CElementInfo*, InVain> m_inVain;
+  std::unordered_map<const CElementInfo*, Failed> m_failed;
   std::uint64_t m_wastedCount = 0;
 };
 

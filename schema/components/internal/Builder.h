@@ -168,7 +168,7 @@ class CBuilder {
   std::size_t m_attributeUseCount = 0;
 };
 
-// Whether `derived` is validly derived from `base` by other methods than `excluded` (Part 1: Type Derivation OK).
+// Whether `derived` is validly derived from `base` by other methods than `excluded` (XML Schema: Type Derivation OK).
 bool IsDerivationOk(const TypeDefinition& derived, const TypeDefinition& base, DerivationSet excluded);
 // Whether an element of the one declaration may stand for the head (Substitution Group OK), types and blocks
 // considered.

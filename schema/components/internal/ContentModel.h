@@ -12,7 +12,7 @@
 
 namespace RkXmlSchema {
 
-// What Part 1 asks of content models: Unique Particle Attribution, Element Declarations Consistent, Particle Valid
+// What XML Schema asks of content models: Unique Particle Attribution, Element Declarations Consistent, Particle Valid
 // (Restriction), All Group Limited. Groups inside each other are limited in depth before, so recursion over them is
 // safe; what could grow with each level is remembered for each group or paid from a budget.
 class CContentModels {

@@ -35,7 +35,7 @@ class CSchemaReader {
   std::vector<DocumentInstance*> m_pending;
 };
 
-// Checks a document against what XML Schema says of the shape of schema documents (Part 1, appendix A).
+// Checks a document against what XML Schema says of the shape of schema documents (Structures, appendix A).
 void CheckSyntax(const SourceFile& file, CReporter& reporter);
 
 DerivationSet ReadDerivationSet(std::wstring_view text, DerivationSet all);

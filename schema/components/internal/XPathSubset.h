@@ -6,8 +6,8 @@
 
 namespace RkXmlSchema {
 
-// Whether the text is a path as selectors and fields of identity constraints may have it (Part 1, section 3.11.6), with
-// no prefix that `isDeclared` does not know.
+// Whether the text is a path as selectors and fields of identity constraints may have it (XML Schema, section 3.11.6),
+// with no prefix that `isDeclared` does not know.
 bool IsXPathSubset(std::wstring_view text, bool isField, const std::function<bool(std::wstring_view)>& isDeclared);
 
 }  // namespace RkXmlSchema
