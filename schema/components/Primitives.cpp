@@ -453,9 +453,13 @@ bool IsUri(std::wstring_view text) {
                      [&](wchar_t c) { return isLetter(c) || IsDigit(c) || c == L'+' || c == L'-' || c == L'.'; });
 }
 
+// Whether the values are moments in time: those between dateTime and gMonth.
+constexpr bool IsDateOrTime(BuiltInType type) { return type >= BuiltInType::DateTime && type <= BuiltInType::GMonth; }
+
 }  // namespace
 
 bool IsLexical(BuiltInType type, std::wstring_view text) {
+  if (IsDateOrTime(type)) return CDateParser(text).Parse(type).has_value();
   switch (type) {
     case BuiltInType::Boolean:
       return text == L"true" || text == L"false" || text == L"1" || text == L"0";
@@ -466,15 +470,6 @@ bool IsLexical(BuiltInType type, std::wstring_view text) {
       return IsFloatingText(text);
     case BuiltInType::Duration:
       return ParseSpan(text).has_value();
-    case BuiltInType::DateTime:
-    case BuiltInType::Time:
-    case BuiltInType::Date:
-    case BuiltInType::GYearMonth:
-    case BuiltInType::GYear:
-    case BuiltInType::GMonthDay:
-    case BuiltInType::GDay:
-    case BuiltInType::GMonth:
-      return CDateParser(text).Parse(type).has_value();
     case BuiltInType::HexBinary:
       return text.size() % 2 == 0 && std::all_of(text.begin(), text.end(), IsHexDigit);
     case BuiltInType::Base64Binary:
@@ -501,6 +496,10 @@ bool IsLexical(BuiltInType type, std::wstring_view text) {
 }
 
 std::wstring CanonicalKey(BuiltInType primitive, std::wstring_view text) {
+  if (IsDateOrTime(primitive)) {
+    const auto moment = CDateParser(text).Parse(primitive);
+    return moment ? MomentKey(*moment) : std::wstring(text);
+  }
   switch (primitive) {
     case BuiltInType::Boolean:
       return text == L"true" || text == L"1" ? L"true" : L"false";
@@ -512,17 +511,6 @@ std::wstring CanonicalKey(BuiltInType primitive, std::wstring_view text) {
       return FloatingKey<double>(text);
     case BuiltInType::Duration:
       return SpanKey(text);
-    case BuiltInType::DateTime:
-    case BuiltInType::Time:
-    case BuiltInType::Date:
-    case BuiltInType::GYearMonth:
-    case BuiltInType::GYear:
-    case BuiltInType::GMonthDay:
-    case BuiltInType::GDay:
-    case BuiltInType::GMonth: {
-      const auto moment = CDateParser(text).Parse(primitive);
-      return moment ? MomentKey(*moment) : std::wstring(text);
-    }
     case BuiltInType::HexBinary: {
       std::wstring key(text);
       for (wchar_t& c : key) {
@@ -541,6 +529,11 @@ std::wstring CanonicalKey(BuiltInType primitive, std::wstring_view text) {
 }
 
 Order CompareValues(BuiltInType primitive, std::wstring_view a, std::wstring_view b) {
+  if (IsDateOrTime(primitive)) {
+    const auto x = CDateParser(a).Parse(primitive);
+    const auto y = CDateParser(b).Parse(primitive);
+    return x && y ? CompareMoments(*x, *y) : Order::None;
+  }
   switch (primitive) {
     case BuiltInType::Decimal:
       return CompareDecimals(a, b);
@@ -550,18 +543,6 @@ Order CompareValues(BuiltInType primitive, std::wstring_view a, std::wstring_vie
       return CompareFloating<double>(a, b);
     case BuiltInType::Duration:
       return CompareSpans(a, b);
-    case BuiltInType::DateTime:
-    case BuiltInType::Time:
-    case BuiltInType::Date:
-    case BuiltInType::GYearMonth:
-    case BuiltInType::GYear:
-    case BuiltInType::GMonthDay:
-    case BuiltInType::GDay:
-    case BuiltInType::GMonth: {
-      const auto x = CDateParser(a).Parse(primitive);
-      const auto y = CDateParser(b).Parse(primitive);
-      return x && y ? CompareMoments(*x, *y) : Order::None;
-    }
     default:
       return CanonicalKey(primitive, a) == CanonicalKey(primitive, b) ? Order::Equal : Order::None;
   }
