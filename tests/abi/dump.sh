@@ -19,14 +19,15 @@ readable() {
 
 # Instances of templates come and go with the optimiser, except those that the library makes by request. In a mangled name
 # each part has its length before it, and the arguments of a template stand behind an I. Tables and type information,
-# whose names begin otherwise, stay.
+# whose names begin otherwise, stay. Constants of classes (of type u) come and go in the same way.
 nm -D --defined-only "$library" | cut -d ' ' -f 2- |
   awk 'function is_instance(name) {
          sub(/^_ZN[VK]*/, "", name)
          while (match(name, /^[0-9]+/)) name = substr(name, RLENGTH + 1 + substr(name, 1, RLENGTH))
          return name ~ /^I/
        }
-       $2 ~ /^_Z(N[VK]*|T[VIS]N)1(0RkXmlLib16|4RkXmlLib16Data)/ && $1 != "W" && !is_instance($2) ||
+       $2 ~ /^_Z(N[VK]*|T[VIS]N)1(0RkXmlLib16|4RkXmlLib16Data)/ && $1 != "W" &&
+         !($1 == "u" && $2 !~ /^_ZT/) && !is_instance($2) ||
        $2 ~ /^_ZNK?10RkXmlLib16(16CValue|15CDate)CollectionI/ { print $2 }' |
   c++filt | readable | sort -u >"$out/symbols.txt"
 
