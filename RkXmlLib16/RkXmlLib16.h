@@ -31,6 +31,7 @@
 #include "RkXmlLib16/fastinfoset/Reader.h"
 #include "RkXmlLib16/fastinfoset/Writer.h"
 #include "RkXmlLib16/io/BinaryStream.h"
+#include "RkXmlLib16/io/ByteSource.h"
 #include "RkXmlLib16/io/Encoder.h"
 #include "RkXmlLib16/io/StringBuffer.h"
 #include "RkXmlLib16/io/TextStream.h"
