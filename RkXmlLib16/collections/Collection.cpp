@@ -173,7 +173,15 @@ void CXmlCollection::InsertBefore(CNode* next, CXmlObjectBase* item) {
   (node->m_previous != nullptr ? node->m_previous->m_next : m_head) = node;
   (next != nullptr ? next->m_previous : m_tail) = node;
   ++m_count;
-  if (next != nullptr) m_lastNode = nullptr;
+  if (m_lastNode != nullptr && next != nullptr) {
+    // The new node stands in place of the remembered one, before it, or nobody knows where.
+    if (next == m_lastNode)
+      m_lastNode = node;
+    else if (node == m_head)
+      ++m_lastIndex;
+    else
+      m_lastNode = nullptr;
+  }
   FireOnCollectionAddComplete(item);
   FireOnCollectionChange();
 }
@@ -186,10 +194,17 @@ void CXmlCollection::Unlink(CNode* node) {
   for (Removal* removal = m_removal; removal != nullptr; removal = removal->outer) {
     if (removal->node == node) removal->node = nullptr;
   }
+  if (node == m_lastNode) {
+    m_lastNode = node->m_next != nullptr ? node->m_next : node->m_previous;
+    if (node->m_next == nullptr) --m_lastIndex;
+  } else if (node == m_head) {
+    --m_lastIndex;
+  } else if (node != m_tail) {
+    m_lastNode = nullptr;
+  }
   (node->m_previous != nullptr ? node->m_previous->m_next : m_head) = node->m_next;
   (node->m_next != nullptr ? node->m_next->m_previous : m_tail) = node->m_previous;
   --m_count;
-  m_lastNode = nullptr;
   node->m_next = m_free;
   m_free = node;
 }

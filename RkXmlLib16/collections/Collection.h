@@ -17,7 +17,9 @@ class CRkException;
 // items are allowed. Every insertion tells the listeners that the item is about to be added, that it was added, and
 // that the collection changed; every removal likewise, with the index -1.
 //
-// Reading by index in a loop is fast in either direction: the node reached last is remembered.
+// Reading, inserting and removing by index in a loop are fast in either direction: the node reached last is remembered,
+// and what takes its place. From there a call walks to its index. AddAfterItem, AddBeforeItem and GetNodeForItem look
+// through the list.
 class RKXML_EXPORT CXmlCollection : public CXmlCollectionBase {
  public:
   // One place in the list.

@@ -85,23 +85,9 @@ void CValueCollectionBase<T>::Remove(int index) {
   const auto held = HoldForListeners();
   FireOnCollectionRemove(index);
   if (index < 0 || index >= GetCount()) ThrowIndex(index, Count());
-  Erase(static_cast<std::size_t>(index));
+  m_values.erase(static_cast<std::size_t>(index));
   FireOnCollectionRemoveComplete(0);
   FireOnCollectionChange();
-}
-
-template <class T>
-void CValueCollectionBase<T>::Erase(std::size_t index) {
-  const auto place = [this](std::size_t i) { return m_values.begin() + static_cast<std::ptrdiff_t>(i); };
-  if (index > 0) {
-    m_values.erase(place(m_removed + index));
-    return;
-  }
-  m_values[m_removed++] = T();
-  if (m_removed > m_values.size() / 2) {
-    m_values.erase(m_values.begin(), place(m_removed));
-    m_removed = 0;
-  }
 }
 
 template <class T>
@@ -111,7 +97,7 @@ void CValueCollectionBase<T>::Insert(int index, T value, Check&& check) {
   FireOnCollectionAdd(&value);
   if (index < 0 || index > GetCount()) throw CRkInvalidParamException(L"Index out of range");
   check(value);
-  m_values.insert(m_values.begin() + static_cast<std::ptrdiff_t>(m_removed) + index, value);
+  m_values.insert(static_cast<std::size_t>(index), value);
   FireOnCollectionAddComplete(&value);
   FireOnCollectionChange();
 }

@@ -3,8 +3,8 @@
 
 #include <cstddef>
 #include <string>
-#include <vector>
 
+#include "RkXmlLib16/base/FrontGapVector.h"
 #include "RkXmlLib16/collections/TypeCollection.h"
 #include "RkXmlLib16/types/XsdValue.h"
 
@@ -34,30 +34,28 @@ class RKXML_EXPORT CValueCollectionBase : public CXmlTypeCollection {
   int GetCount() const override;
   // Removes the values one by one, the first one first.
   void Clear() override;
-  // Both throw CRkInvalidParamException "Index %d is out of range, use 0 - %d" (the index and the count).
+  // Removing moves the values behind the index, except at the front. Both throw CRkInvalidParamException "Index %d is
+  // out of range, use 0 - %d" (the index and the count).
   void Remove(int index) override;
   T Item(int index) const;
 
   // The values: for (const auto& value : collection). Iterators are those of a vector, which adding and removing
   // invalidate.
   using value_type = T;
-  using const_iterator = typename std::vector<T>::const_iterator;
+  using const_iterator = typename CFrontGapVector<T>::const_iterator;
   using iterator = const_iterator;
-  const_iterator begin() const noexcept { return m_values.begin() + static_cast<std::ptrdiff_t>(m_removed); }
+  const_iterator begin() const noexcept { return m_values.begin(); }
   const_iterator end() const noexcept { return m_values.end(); }
 
  protected:
   // Tells the listeners, then tests the index, lets `check` throw for the value, and inserts it.
   template <class Check>
   void Insert(int index, T value, Check&& check);
-  std::size_t Count() const noexcept { return m_values.size() - m_removed; }
-  typename std::vector<T>::const_reference At(std::size_t index) const { return m_values[m_removed + index]; }
+  std::size_t Count() const noexcept { return m_values.size(); }
+  typename CFrontGapVector<T>::const_reference At(std::size_t index) const { return m_values[index]; }
 
  private:
-  void Erase(std::size_t index);
-
-  std::vector<T> m_values;
-  std::size_t m_removed = 0;  // places at the front that are no longer in use, so that clearing is linear
+  CFrontGapVector<T> m_values;
 };
 
 template <ItemType kItem>
@@ -73,9 +71,9 @@ class RKXML_EXPORT CValueCollection : public CValueCollectionBase<XsdValue<kItem
                    const wchar_t* format);
   ~CValueCollection() override;
 
-  // Inserts the value at 0 to the count. Throws CRkInvalidParamException "Index out of range" and CRkException
-  // "Invalid Value for %ls [...]"; the collection is then unchanged, but the listeners have been told that a value is
-  // about to be added.
+  // Inserts the value at 0 to the count; the values behind the index move, except at the front. Throws
+  // CRkInvalidParamException "Index out of range" and CRkException "Invalid Value for %ls [...]"; the collection is
+  // then unchanged, but the listeners have been told that a value is about to be added.
   void AddAt(int index, Value value);
   void Add(Value value);
   void AddFromString(std::wstring text) override;

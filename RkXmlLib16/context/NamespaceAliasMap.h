@@ -21,13 +21,15 @@ class RKXML_EXPORT CNamespaceAliasMap {
   void Add(const wchar_t* alias, const wchar_t* namespaceUri);
   // The prefix of the namespace. Like a map's subscript: an unknown namespace is added with an empty prefix.
   std::wstring GetAliasFromNamespace(const wchar_t* namespaceUri) const;
-  // The first namespace with the prefix. Throws CRkException "Namespace alias [%ls] not found".
+  // The first namespace with the prefix, for which it looks through the entries, as DoesAliasExist does. Throws
+  // CRkException "Namespace alias [%ls] not found".
   std::wstring GetNamespaceFromAlias(const wchar_t* alias) const;
   bool DoesAliasExist(const wchar_t* alias) const;
   bool DoesNamespaceExist(const wchar_t* namespaceUri) const;
   void RemoveNamespace(const wchar_t* namespaceUri);
   int GetNamespaceCount() const;
-  // The namespace at the position in key order. Throws CRkInvalidParamException for an index out of range.
+  // The namespace at the position in key order, to which it counts; to walk over all use GetEntries. Throws
+  // CRkInvalidParamException for an index out of range.
   std::wstring GetNamespaceAt(int index) const;
 
   // The entries, namespace URI to prefix; for walks that must not insert.

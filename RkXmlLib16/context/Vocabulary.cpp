@@ -1,8 +1,8 @@
 #include "RkXmlLib16/context/Vocabulary.h"
 
 #include <algorithm>
-#include <cstring>
 
+#include "RkXmlLib16/base/internal/KeyedHash.h"
 #include "RkXmlLib16/base/internal/WideText.h"
 
 namespace RkXmlLib16 {
@@ -24,19 +24,15 @@ bool IsAlreadyWhole(unsigned long) { return true; }
 
 }  // namespace
 
-CFIKey CFIIndexHash::KeyOf(std::wstring_view text) const noexcept {
+inline std::uint64_t CFIIndexHash::SlotOf(std::uint64_t octets) noexcept { return CKeyedHash::Of(octets); }
+
+CFIKey CFIIndexHash::KeyOf(std::wstring_view text) noexcept {
   CFIKey key;
   if (WideText::PackEight(text, key.octets)) {
     key.length = static_cast<std::uint32_t>(text.length());
     return key;
   }
-  key.octets = m_seed ^ text.length();
-  for (; text.length() >= 2; text.remove_prefix(2)) {
-    std::uint64_t pair;
-    std::memcpy(&pair, text.data(), sizeof pair);
-    key.octets = Mix(key.octets, pair);
-  }
-  if (!text.empty()) key.octets = Mix(key.octets, static_cast<std::uint32_t>(text.front()));
+  key.octets = CKeyedHash::Of(text);
   key.length = CFIKey::kHashed;
   return key;
 }
@@ -55,7 +51,7 @@ void CFIIndexHash::Insert(const CFIKey& key, unsigned long index) {
 
 void CFIIndexHash::Place(const Slot& slot) {
   const std::size_t mask = m_slots.size() - 1;
-  std::size_t at = Mix(m_seed, slot.octets) & mask;
+  std::size_t at = SlotOf(slot.octets) & mask;
   while (m_slots[at].index != 0) at = (at + 1) & mask;
   m_slots[at] = slot;
 }

@@ -28,19 +28,17 @@ struct CFIKey {
   std::uint32_t length = 0;  // of a text that the octets hold, or kHashed
 };
 
-// Finds the index of an entry by its key; what only a hash stands for stays with its owner. Open addressing.
+// Finds the index of an entry by its key; what only a hash stands for stays with its owner. Open addressing, by a hash
+// with a random key of the process, so that colliding entries cannot be made up beforehand.
 class CFIIndexHash {
  public:
-  // The seed is an address, so that colliding entries cannot be made up beforehand.
-  CFIIndexHash() noexcept : m_seed(reinterpret_cast<std::uintptr_t>(this) * kFactor) {}
-
-  CFIKey KeyOf(std::wstring_view text) const noexcept;
+  static CFIKey KeyOf(std::wstring_view text) noexcept;
   // The index inserted with this key, or 0. `matches(index)` tells whether that is the entry, where a hash does not.
   template <class Matches>
   unsigned long Find(const CFIKey& key, Matches&& matches) const {
     if (m_slots.empty()) return 0;
     const std::size_t mask = m_slots.size() - 1;
-    for (std::size_t at = Mix(m_seed, key.octets) & mask;; at = (at + 1) & mask) {
+    for (std::size_t at = SlotOf(key.octets) & mask;; at = (at + 1) & mask) {
       const Slot& slot = m_slots[at];
       if (slot.index == 0) return 0;
       if (slot.octets == key.octets && slot.length == key.length &&
@@ -56,16 +54,11 @@ class CFIIndexHash {
     std::uint32_t length = 0;
     std::uint32_t index = 0;  // 0 marks a free slot
   };
-  static constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15u;
-  static std::uint64_t Mix(std::uint64_t hash, std::uint64_t next) noexcept {
-    hash = (hash ^ next) * kFactor;
-    return hash ^ hash >> 32;
-  }
+  static std::uint64_t SlotOf(std::uint64_t octets) noexcept;  // before it is cut to their number
   void Place(const Slot& slot);
 
   std::vector<Slot, CHugePageAllocator<Slot>> m_slots;  // a power of two, at most half of it in use
   std::size_t m_count = 0;
-  std::uint64_t m_seed;
 };
 
 // One table of strings: index to text for reading, text to index for writing. Indices count from 1; 0 never names an

@@ -16,6 +16,7 @@
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/base/internal/KeyedHash.h"
 #include "RkXmlLib16/base/internal/WideText.h"
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/context/internal/ErrorSession.h"
@@ -59,12 +60,8 @@ struct RKXML_HIDDEN CXmlDocument::Storage {
     std::size_t declarationCount;
   };
 
-  explicit Storage(CXmlDocument& owner)
-      : document(owner),
-        emptyName(&owner, L"", 0, 0, 0),
-        hashSeed(reinterpret_cast<std::uintptr_t>(this) * 0x9E3779B97F4A7C15u) {}
+  explicit Storage(CXmlDocument& owner) : document(owner), emptyName(&owner, L"", 0, 0, 0) {}
 
-  std::uint32_t Hash(std::wstring_view text) const noexcept;
   void GrowNameTable();
   void CountNode();
   void CountCharacters(std::size_t charCount);
@@ -80,10 +77,14 @@ struct RKXML_HIDDEN CXmlDocument::Storage {
   CArena texts;
   CArena names;
   CXmlName emptyName;
-  const std::uint64_t hashSeed;            // so that colliding names cannot be made up beforehand
   std::vector<const CXmlName*> nameTable;  // open addressing, a power of two
   std::size_t nameCount = 0;
   std::map<std::wstring_view, const CXmlName*> aliases;  // prefix to namespace
+  struct Alias {
+    const CXmlName** entry = nullptr;  // in the map
+    bool isInner = false;
+  };
+  std::unordered_map<const CXmlName*, Alias> aliasesByAddress;  // the same without comparing prefixes
   std::unordered_map<const CXmlName*, std::shared_ptr<const std::wstring>> sharedNames;
   std::unordered_map<const CXmlElement*, std::vector<std::size_t>> sections;  // where they begin in the texts
   std::vector<Declaration> declarations;                                      // in document order
@@ -107,15 +108,6 @@ struct RKXML_HIDDEN CXmlDocument::Storage {
   // cannot free it.
   std::size_t pinned = 0;
 };
-
-std::uint32_t CXmlDocument::Storage::Hash(std::wstring_view text) const noexcept {
-  std::uint64_t hash = hashSeed ^ text.size();
-  for (const wchar_t c : text) {
-    hash = (hash ^ static_cast<std::uint32_t>(c)) * 0xD6E8FEB86659FD93u;
-    hash ^= hash >> 32;
-  }
-  return static_cast<std::uint32_t>(hash);
-}
 
 void CXmlDocument::Storage::GrowNameTable() {
   std::vector<const CXmlName*> grown(std::max<std::size_t>(64, nameTable.size() * 2));
@@ -255,7 +247,7 @@ const CXmlName* CXmlDocument::InternName(std::wstring_view text) {
   if (text.size() > UINT32_MAX / 2) throw CRkException(L"A name is too long.");
   Storage& storage = *m_storage;
   if (storage.nameCount * 2 >= storage.nameTable.size()) storage.GrowNameTable();
-  const std::uint32_t hash = storage.Hash(text);
+  const auto hash = static_cast<std::uint32_t>(CKeyedHash::Of(text));
   std::size_t slot = hash & (storage.nameTable.size() - 1);
   for (; storage.nameTable[slot] != nullptr; slot = (slot + 1) & (storage.nameTable.size() - 1)) {
     const CXmlName* const name = storage.nameTable[slot];
@@ -475,9 +467,14 @@ void CXmlDocument::AddNamespaceAlias(const wchar_t* prefix, const wchar_t* names
 
 void CXmlDocument::AddNamespaceAlias(const CXmlName* prefix, const CXmlName* namespaceUri) {
   Storage& storage = *m_storage;
-  const auto [at, isNew] = storage.aliases.try_emplace(prefix->View(), namespaceUri);
-  if (m_documentElement != nullptr && (isNew || at->second != namespaceUri)) storage.innerPrefixes.insert(at->first);
-  at->second = namespaceUri;
+  Storage::Alias& alias = storage.aliasesByAddress[prefix];
+  const bool isNew = alias.entry == nullptr;
+  if (isNew) alias.entry = &storage.aliases[prefix->View()];
+  if (m_documentElement != nullptr && !alias.isInner && (isNew || *alias.entry != namespaceUri)) {
+    storage.innerPrefixes.insert(prefix->View());
+    alias.isInner = true;
+  }
+  *alias.entry = namespaceUri;
   storage.declarations.push_back({nullptr, prefix, namespaceUri});
   ++storage.pendingDeclarations;
 }

@@ -2,78 +2,67 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <string_view>
+#include <deque>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
 #include <vector>
 
 #include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/internal/KeyedHash.h"
 #include "RkXmlLib16/base/internal/NeverDestroyed.h"
-#include "RkXmlLib16/base/internal/WideText.h"
+#include "RkXmlLib16/document/internal/NamespacePool.h"
 #include "RkXmlLib16/document/internal/OutputChecks.h"
 
 namespace RkXmlLib16 {
+
+// A prefix of a namespace, declared in the scope of this level. One of the same namespace that lies further out is
+// hidden by it.
+struct CNamespaceDeclaration {
+  const CNamespaceName* name = nullptr;
+  std::wstring prefix;
+  int level = 0;
+  CNamespaceDeclaration* hidden = nullptr;
+};
 
 namespace {
 
 const CNeverDestroyed<std::wstring> kXmlNamespace(L"http://www.w3.org/XML/1998/namespace");
 const CNeverDestroyed<std::wstring> kXsiNamespace(L"http://www.w3.org/2001/XMLSchema-instance");
 const CNeverDestroyed<std::wstring> kXmlnsNamespace(L"http://www.w3.org/2000/xmlns/");
+const CNeverDestroyed<std::wstring> kNoPrefix;
 
-using Declaration = CXmlWriter::NamespaceMap::value_type;
+using Declaration = CNamespaceDeclaration;
 
-// Beyond so many scopes inside each other, or declarations in one of them, an index finds what is in effect.
+// With more declarations, in effect or hidden, or more scopes inside each other, prefixes are counted.
+constexpr std::size_t kFewDeclarations = 16;
 constexpr int kFewScopes = 16;
-constexpr std::size_t kFewDeclarations = 8;
-
-// The declarations of a scope and all around it. Scopes leave in the reverse order of their coming.
-class DeclarationIndex {
- public:
-  const Declaration* Find(const std::wstring& namespaceUri) const {
-    const auto found = m_declarations.find(namespaceUri);
-    return found != m_declarations.end() ? found->second.back() : nullptr;
-  }
-
-  bool HasPrefix(const std::wstring& prefix) const {
-    const auto found = m_prefixes.find(prefix);
-    return found != m_prefixes.end() && found->second > 0;
-  }
-
-  // A failure adds nothing.
-  void Add(const Declaration& declaration) {
-    long& count = m_prefixes[declaration.second];
-    const auto [at, isNew] = m_declarations.try_emplace(declaration.first, 1, &declaration);
-    if (!isNew) {
-      at->second.push_back(&declaration);
-      Count(at->second.end()[-2]->second, -1);
-    }
-    ++count;
-  }
-
-  void Remove(const Declaration& declaration) noexcept {
-    const auto found = m_declarations.find(declaration.first);
-    if (found == m_declarations.end() || found->second.back() != &declaration) return;
-    Count(declaration.second, -1);
-    found->second.pop_back();
-    if (found->second.empty())
-      m_declarations.erase(found);
-    else
-      Count(found->second.back()->second, 1);
-  }
-
- private:
-  // The prefix stays known when nothing has it any more, so that it can come back without failing.
-  void Count(const std::wstring& prefix, long more) noexcept {
-    const auto found = m_prefixes.find(prefix);
-    if (found != m_prefixes.end()) found->second += more;
-  }
-
-  std::unordered_map<std::wstring_view, std::vector<const Declaration*>> m_declarations;  // the one in effect last
-  std::unordered_map<std::wstring, long> m_prefixes;  // for how many namespaces a prefix is in effect
-};
 
 }  // namespace
+
+// What all scopes of a document share.
+struct CXmlWriter::CXmlWriterContext::Document {
+  CNamespacePool ownPool;
+  CNamespacePool* pool = &ownPool;
+  std::size_t declarationCount = 0;
+  bool arePrefixesGivenAway = false;  // whoever got one may change it at any time
+  bool arePrefixesCounted = false;
+  // For how many namespaces a prefix is in effect, and which one that is when it is one: the addresses, as bits, of
+  // all.
+  struct PrefixUse {
+    long count = 0;
+    std::uintptr_t names = 0;
+  };
+  std::unordered_map<std::wstring, PrefixUse, CKeyedHash> prefixUses;
+
+  // Once it is there the use of a prefix stays, so that it can come back without failing.
+  void Count(const Declaration& declaration, const std::wstring& prefix, long more) noexcept {
+    const auto found = prefixUses.find(prefix);
+    if (found == prefixUses.end()) return;
+    found->second.count += more;
+    found->second.names ^= reinterpret_cast<std::uintptr_t>(declaration.name);
+  }
+};
 
 // The declarations made in one element, on top of those around it. Only what is declared here is stored, so that a
 // scope costs what it declares however much is in effect around it.
@@ -81,169 +70,127 @@ struct CXmlWriter::CXmlWriterContext::Scope {
   Scope() = default;
   Scope(const Scope&) = delete;
   Scope& operator=(const Scope&) = delete;
-  ~Scope() { LeaveIndex(); }
+  ~Scope() { Close(); }
 
-  void Open(const Scope* around) {
-    outer = around;
-    level = around != nullptr ? around->level + 1 : 0;
-    index = around != nullptr ? around->index : nullptr;
-    firstFree = around != nullptr ? around->firstFree : 0;
-    givenAway = around != nullptr && around->givenAway;
-    if (around != nullptr) defaultNamespace = around->defaultNamespace;
-    if (around != nullptr) replaced = around->replaced;
-    if (level == kFewScopes && index == nullptr) BuildIndex();
+  void Open(Document& shared) {
+    document = &shared;
+    defaultNamespace = &shared.pool->GetEmpty();
+    outer = nullptr;
+    level = 0;
+    firstFree = 0;
   }
 
-  void SetDefault(const std::wstring& namespaceUri) { defaultNamespace.Set(namespaceUri); }
-
-  bool IsDefault(const std::wstring& namespaceUri) const {
-    return WideText::IsEqual(namespaceUri, defaultNamespace.Get());
+  void Open(Scope& around) {
+    around.PassUsedPrefixes();
+    document = around.document;
+    defaultNamespace = around.defaultNamespace;
+    replaced = around.replaced;
+    outer = &around;
+    level = around.level + 1;
+    firstFree = around.firstFree;
   }
 
   // Empties the scope and keeps its storage for another element.
   void Close() noexcept {
-    LeaveIndex();
-    spare.merge(declared);
-    declared.clear();
+    while (count != 0) Remove(declared[--count]);
     replaced.reset();
-    lastFound = nullptr;
     merged.reset();
   }
 
-  const Declaration* Find(const std::wstring& namespaceUri) const {
-    if (lastFound != nullptr && lastFound->first == namespaceUri) return lastFound;
-    if (index != nullptr) {
-      const Declaration* const found = index->Find(namespaceUri);
-      if (found != nullptr) lastFound = found;
-      return found;
-    }
-    for (const Scope* scope = this; scope != nullptr; scope = scope->outer) {
-      const auto found = scope->declared.find(namespaceUri);
-      if (found != scope->declared.end()) return lastFound = &*found;
-    }
-    return nullptr;
+  const CNamespaceName& NameOf(const std::wstring& namespaceUri) const { return document->pool->Find(namespaceUri); }
+
+  Declaration* Find(const CNamespaceName& name) const noexcept {
+    Declaration* found = name.innermost;
+    while (found != nullptr && found->level > level) found = found->hidden;
+    return found;
   }
 
-  void Declare(const std::wstring& namespaceUri, const std::wstring& prefix) {
-    const Declaration* const former = Find(namespaceUri);
-    const std::wstring formerPrefix = former != nullptr ? former->second : std::wstring();
-    const auto own = declared.find(namespaceUri);
-    lastFound = nullptr;
+  Declaration& Declare(const CNamespaceName& name, const std::wstring& prefix) {
+    Declaration* const former = Find(name);
+    const bool frees = former != nullptr && !former->prefix.empty() && former->prefix != prefix;
+    Declaration& changed = former != nullptr && former->level == level ? Change(*former, prefix) : Add(name, prefix);
     merged.reset();
-    if (own != declared.end()) {
-      if (index != nullptr) index->Remove(*own);
-      own->second = prefix;
-      if (index != nullptr) index->Add(*own);
-    } else {
-      const Declaration& added = Store(namespaceUri, prefix);
-      if (index != nullptr) index->Add(added);
-    }
-    if (index == nullptr && declared.size() > kFewDeclarations) BuildIndex();
-    if (!formerPrefix.empty() && formerPrefix != prefix) firstFree = 0;
+    if (frees) firstFree = 0;
+    return changed;
   }
 
   const NamespaceMap& Merged() const {
-    if (outer == nullptr) return declared;
-    if (merged != nullptr && !givenAway) return *merged;
+    if (merged != nullptr && !document->arePrefixesGivenAway) return *merged;
     auto all = std::make_unique<NamespaceMap>();
     for (const Scope* scope = this; scope != nullptr; scope = scope->outer)
-      all->insert(scope->declared.begin(), scope->declared.end());
+      for (std::size_t i = 0; i < scope->count; ++i)
+        all->emplace(scope->declared[i].name->text.Get(), scope->declared[i].prefix);
     merged = std::move(all);
     return *merged;
   }
 
   // Whether a namespace has the prefix, which another one of that namespace may have replaced.
   bool HasPrefix(const std::wstring& prefix) const {
-    if (index != nullptr) return index->HasPrefix(prefix);
+    const bool areMany = document->declarationCount > kFewDeclarations || level > kFewScopes;
+    if (areMany && !document->arePrefixesGivenAway) {
+      if (!document->arePrefixesCounted) CountPrefixes();
+      const auto found = document->prefixUses.find(prefix);
+      return found != document->prefixUses.end() && found->second.count > 0;
+    }
     for (const Scope* scope = this; scope != nullptr; scope = scope->outer) {
-      for (const Declaration& declaration : scope->declared)
-        if (declaration.second == prefix && Find(declaration.first) == &declaration) return true;
+      for (std::size_t i = 0; i < scope->count; ++i)
+        if (scope->declared[i].prefix == prefix && Find(*scope->declared[i].name) == &scope->declared[i]) return true;
     }
     return false;
   }
 
-  const std::wstring* FindPrefix(const std::wstring& namespaceUri) const {
-    const Declaration* const found = Find(namespaceUri);
-    return found != nullptr ? &found->second : nullptr;
-  }
-
   // Whether this scope itself declares the prefix for a namespace.
   bool Declares(const std::wstring& prefix) const {
-    return std::any_of(declared.begin(), declared.end(), [&](const Declaration& d) { return d.second == prefix; });
+    for (std::size_t i = 0; i < count; ++i)
+      if (declared[i].prefix == prefix) return true;
+    return false;
   }
 
   // Takes the prefix from the namespaces that have it, which are returned: from here on it stands for another one.
-  std::vector<std::wstring> HidePrefix(const std::wstring& prefix) {
-    std::vector<std::wstring> hidden;
+  std::vector<const CNamespaceName*> HidePrefix(const std::wstring& prefix) {
+    std::vector<const CNamespaceName*> hidden;
     if (FindReplaced(prefix) != nullptr) OwnReplaced().erase(prefix);
     if (!HasPrefix(prefix)) return hidden;
-    for (const Scope* scope = this; scope != nullptr; scope = scope->outer)
-      for (const Declaration& declaration : scope->declared)
-        if (declaration.second == prefix && Find(declaration.first) == &declaration)
-          hidden.push_back(declaration.first);
-    for (const std::wstring& namespaceUri : hidden) Declare(namespaceUri, std::wstring());
+    const auto use = document->prefixUses.find(prefix);
+    if (document->arePrefixesCounted && !document->arePrefixesGivenAway && use->second.count == 1) {
+      hidden.push_back(reinterpret_cast<const CNamespaceName*>(use->second.names));
+    } else {
+      for (const Scope* scope = this; scope != nullptr; scope = scope->outer)
+        for (std::size_t i = 0; i < scope->count; ++i)
+          if (scope->declared[i].prefix == prefix && Find(*scope->declared[i].name) == &scope->declared[i])
+            hidden.push_back(scope->declared[i].name);
+    }
+    for (const CNamespaceName* const name : hidden) Declare(*name, std::wstring());
     return hidden;
   }
 
-  // The namespace of a prefix that stays declared in the document, although its namespace has got another one.
-  const std::wstring* FindReplaced(const std::wstring& prefix) const {
+  // The namespace of a prefix that is declared in the document but not used for names.
+  const CNamespaceName* FindReplaced(const std::wstring& prefix) const {
     if (replaced == nullptr) return nullptr;
     const auto found = replaced->find(prefix);
-    return found != replaced->end() ? &found->second : nullptr;
+    return found != replaced->end() ? found->second : nullptr;
   }
 
-  void KeepReplaced(const std::wstring& prefix, const std::wstring& namespaceUri) {
-    OwnReplaced().emplace(prefix, namespaceUri);
-  }
+  void KeepReplaced(const std::wstring& prefix, const CNamespaceName& name) { OwnReplaced().emplace(prefix, &name); }
 
   // `reserved` is not taken either.
   std::wstring UniquePrefix(const std::wstring& reserved) {
-    std::wstring prefix = NsIntToString(firstFree);
-    while (HasPrefix(prefix)) prefix = NsIntToString(++firstFree);
-    for (int n = firstFree; prefix == reserved || FindReplaced(prefix) != nullptr || HasPrefix(prefix);)
-      prefix = NsIntToString(++n);
+    std::wstring prefix = PassUsedPrefixes();
+    for (int n = firstFree; prefix == reserved || IsUsed(prefix);) prefix = NsIntToString(++n);
     return prefix;
   }
 
   // The caller may change the prefixes of this scope from now on.
   void GiveAway() noexcept {
-    LeaveIndex();
+    document->arePrefixesGivenAway = true;
     firstFree = 0;
-    givenAway = true;
   }
 
-  const Scope* outer = nullptr;
-  CSharedName defaultNamespace;  // set by SetDefault
-  NamespaceMap declared;
-  int firstFree = 0;  // all invented prefixes before this one are in use
+  Document* document = nullptr;
+  const CNamespaceName* defaultNamespace = nullptr;
 
  private:
-  void BuildIndex() {
-    auto built = std::make_unique<DeclarationIndex>();
-    std::vector<const Scope*> scopes;
-    for (const Scope* scope = this; scope != nullptr; scope = scope->outer) scopes.push_back(scope);
-    for (auto scope = scopes.rbegin(); scope != scopes.rend(); ++scope)
-      for (const Declaration& declaration : (*scope)->declared) built->Add(declaration);
-    ownIndex = std::move(built);
-    index = ownIndex.get();
-  }
-
-  void LeaveIndex() noexcept {
-    if (index != nullptr && ownIndex == nullptr)
-      for (const Declaration& declaration : declared) index->Remove(declaration);
-    index = nullptr;
-    ownIndex.reset();
-  }
-
-  const Declaration& Store(const std::wstring& namespaceUri, const std::wstring& prefix) {
-    if (spare.empty()) return *declared.emplace(namespaceUri, prefix).first;
-    NamespaceMap::node_type entry = spare.extract(spare.begin());
-    entry.key() = namespaceUri;
-    entry.mapped() = prefix;
-    return *declared.insert(std::move(entry)).position;
-  }
-
-  using PrefixMap = std::map<std::wstring, std::wstring>;
+  using PrefixMap = std::map<std::wstring, const CNamespaceName*>;
 
   PrefixMap& OwnReplaced() {
     if (replaced == nullptr)
@@ -253,45 +200,118 @@ struct CXmlWriter::CXmlWriterContext::Scope {
     return *replaced;
   }
 
+  Declaration& Add(const CNamespaceName& name, const std::wstring& prefix) {
+    if (count == declared.size()) declared.emplace_back();
+    Declaration& added = declared[count];
+    added.prefix = prefix;
+    if (document->arePrefixesCounted) document->prefixUses[prefix];
+    added.name = &name;
+    added.level = level;
+    Declaration** at = &name.innermost;
+    while (*at != nullptr && (*at)->level > level) at = &(*at)->hidden;
+    added.hidden = *at;
+    *at = &added;
+    ++count;
+    ++document->declarationCount;
+    if (document->arePrefixesCounted) {
+      document->Count(added, prefix, 1);
+      if (added.hidden != nullptr) document->Count(added, added.hidden->prefix, -1);
+    }
+    return added;
+  }
+
+  Declaration& Change(Declaration& declaration, const std::wstring& prefix) {
+    std::wstring copy = prefix;
+    if (document->arePrefixesCounted) {
+      document->prefixUses[prefix];
+      document->Count(declaration, prefix, 1);
+      document->Count(declaration, declaration.prefix, -1);
+    }
+    declaration.prefix.swap(copy);
+    return declaration;
+  }
+
+  void Remove(const Declaration& declaration) noexcept {
+    Declaration** at = &declaration.name->innermost;
+    while (*at != nullptr && *at != &declaration) at = &(*at)->hidden;
+    if (*at != nullptr) *at = declaration.hidden;
+    --document->declarationCount;
+    if (!document->arePrefixesCounted) return;
+    document->Count(declaration, declaration.prefix, -1);
+    if (declaration.hidden != nullptr) document->Count(declaration, declaration.hidden->prefix, 1);
+  }
+
+  void CountPrefixes() const {
+    for (const Scope* scope = this; scope != nullptr; scope = scope->outer) {
+      for (std::size_t i = 0; i < scope->count; ++i) {
+        const Declaration& declaration = scope->declared[i];
+        document->prefixUses[declaration.prefix];
+        if (Find(*declaration.name) == &declaration) document->Count(declaration, declaration.prefix, 1);
+      }
+    }
+    document->arePrefixesCounted = true;
+  }
+
+  bool IsUsed(const std::wstring& prefix) const { return FindReplaced(prefix) != nullptr || HasPrefix(prefix); }
+
+  // The first invented prefix that is not in use, where those of scopes inside begin too.
+  std::wstring PassUsedPrefixes() {
+    std::wstring prefix = NsIntToString(firstFree);
+    while (IsUsed(prefix)) prefix = NsIntToString(++firstFree);
+    return prefix;
+  }
+
+  const Scope* outer = nullptr;
   int level = 0;
-  bool givenAway = false;
-  std::shared_ptr<PrefixMap> replaced;         // shared with scopes inside
-  NamespaceMap spare;                          // entries to use again
-  DeclarationIndex* index = nullptr;           // null while a search is quick
-  std::unique_ptr<DeclarationIndex> ownIndex;  // the same where it begins
-  mutable const Declaration* lastFound = nullptr;
+  int firstFree = 0;  // all invented prefixes before this one are in use
+  std::deque<Declaration> declared;
+  std::size_t count = 0;                // of the declarations that are in use, first ones first; the others are spare
+  std::shared_ptr<PrefixMap> replaced;  // shared with scopes inside
   mutable std::unique_ptr<NamespaceMap> merged;
 };
 
 CXmlWriter::CXmlWriterContext::CXmlWriterContext(const std::wstring& localName, const std::wstring& namespaceUri,
                                                  const std::wstring& defaultNamespace, const NamespaceMap& namespaces,
                                                  std::unique_ptr<CXmlWriterContext> parent)
-    : m_namespaceUri(namespaceUri),
-      m_localName(localName),
+    : CXmlWriterContext(localName, namespaceUri, defaultNamespace, namespaces, std::move(parent), nullptr) {}
+
+CXmlWriter::CXmlWriterContext::CXmlWriterContext(const std::wstring& localName, const std::wstring& namespaceUri,
+                                                 const std::wstring& defaultNamespace, const NamespaceMap& namespaces,
+                                                 std::unique_ptr<CXmlWriterContext> parent, CNamespacePool* pool)
+    : m_localName(localName),
       m_parent(std::move(parent)),
+      m_document(std::make_unique<Document>()),
       m_ownScope(std::make_unique<Scope>()),
       m_scope(m_ownScope.get()) {
-  m_scope->SetDefault(defaultNamespace);
-  for (const auto& [uri, prefix] : namespaces) m_scope->Declare(uri, prefix);
+  if (pool != nullptr) m_document->pool = pool;
+  m_scope->Open(*m_document);
+  SetName(namespaceUri);
+  m_scope->defaultNamespace = &m_scope->NameOf(defaultNamespace);
+  for (const auto& [uri, prefix] : namespaces) m_scope->Declare(m_scope->NameOf(uri), prefix);
 }
 
 CXmlWriter::CXmlWriterContext::CXmlWriterContext(const std::wstring& localName, const std::wstring& namespaceUri,
                                                  std::unique_ptr<CXmlWriterContext> parent)
-    : m_depth(parent->m_depth + 1),
-      m_namespaceUri(namespaceUri),
-      m_localName(localName),
-      m_parent(std::move(parent)),
-      m_scope(m_parent->m_scope) {}
+    : m_depth(parent->m_depth + 1), m_localName(localName), m_parent(std::move(parent)), m_scope(m_parent->m_scope) {
+  SetName(namespaceUri);
+}
 
 CXmlWriter::CXmlWriterContext::~CXmlWriterContext() {
   m_ownScope.reset();  // before those around it
   while (m_parent != nullptr) m_parent = std::move(m_parent->m_parent);
 }
 
+void CXmlWriter::CXmlWriterContext::SetName(const std::wstring& namespaceUri) {
+  const CNamespaceName* const name = &m_scope->NameOf(namespaceUri);
+  if (name == m_name) return;
+  m_name = name;
+  m_namespaceUri = name->text;
+}
+
 CXmlWriter::CXmlWriterContext::Scope& CXmlWriter::CXmlWriterContext::OwnScope() {
   if (m_ownScope == nullptr) {
     if (m_spareScope == nullptr) m_spareScope = std::make_unique<Scope>();
-    m_spareScope->Open(m_scope);
+    m_spareScope->Open(*m_scope);
     m_ownScope = std::move(m_spareScope);
     m_scope = m_ownScope.get();
   }
@@ -299,30 +319,35 @@ CXmlWriter::CXmlWriterContext::Scope& CXmlWriter::CXmlWriterContext::OwnScope() 
 }
 
 const std::wstring& CXmlWriter::CXmlWriterContext::GetDefaultNamespace() const {
-  return m_scope->defaultNamespace.Get();
+  return m_scope->defaultNamespace->text.Get();
 }
 
 bool CXmlWriter::CXmlWriterContext::IsDefaultNamespace(const std::wstring& namespaceUri) const {
-  return m_scope->IsDefault(namespaceUri);
+  return IsDefaultNamespace(m_scope->NameOf(namespaceUri));
+}
+
+bool CXmlWriter::CXmlWriterContext::IsDefaultNamespace(const CNamespaceName& name) const {
+  return &name == m_scope->defaultNamespace;
 }
 
 const CXmlWriter::NamespaceMap& CXmlWriter::CXmlWriterContext::GetNamespaceMap() const { return m_scope->Merged(); }
 
 void CXmlWriter::CXmlWriterContext::SetDefaultNamespace(const std::wstring& namespaceUri) {
-  OwnScope().SetDefault(namespaceUri);
+  Scope& scope = OwnScope();
+  scope.defaultNamespace = &scope.NameOf(namespaceUri);
 }
 
 void CXmlWriter::CXmlWriterContext::SetNamespaceMapValue(const std::wstring& namespaceUri, const std::wstring& prefix) {
-  OwnScope().Declare(namespaceUri, prefix);
+  Scope& scope = OwnScope();
+  scope.Declare(scope.NameOf(namespaceUri), prefix);
 }
 
 std::wstring& CXmlWriter::CXmlWriterContext::GetNamespaceMapValue(const std::wstring& namespaceUri) {
-  if (m_scope->declared.count(namespaceUri) == 0) {
-    const Declaration* const found = m_scope->Find(namespaceUri);
-    m_scope->Declare(namespaceUri, found != nullptr ? found->second : std::wstring());
-  }
+  const CNamespaceName& name = m_scope->NameOf(namespaceUri);
+  const Declaration* const found = m_scope->Find(name);
+  Declaration& own = m_scope->Declare(name, found != nullptr ? found->prefix : std::wstring());
   m_scope->GiveAway();
-  return m_scope->declared.find(namespaceUri)->second;
+  return own.prefix;
 }
 
 std::wstring& CXmlWriter::CXmlWriterContext::GetNamespaceMapValue(const wchar_t* namespaceUri) {
@@ -330,24 +355,31 @@ std::wstring& CXmlWriter::CXmlWriterContext::GetNamespaceMapValue(const wchar_t*
 }
 
 const std::wstring* CXmlWriter::CXmlWriterContext::FindPrefix(const std::wstring& namespaceUri) const {
-  const Declaration* const found = m_scope->Find(namespaceUri);
-  return found != nullptr ? &found->second : nullptr;
+  return FindPrefix(m_scope->NameOf(namespaceUri));
+}
+
+const std::wstring* CXmlWriter::CXmlWriterContext::FindPrefix(const CNamespaceName& name) const {
+  const Declaration* const found = m_scope->Find(name);
+  return found != nullptr ? &found->prefix : nullptr;
 }
 
 bool CXmlWriter::CXmlWriterContext::HasPrefix(const std::wstring& prefix) const { return m_scope->HasPrefix(prefix); }
 
 const std::wstring& CXmlWriter::CXmlWriterContext::InventPrefix(const std::wstring& namespaceUri) {
+  return InventPrefix(m_scope->NameOf(namespaceUri));
+}
+
+const std::wstring& CXmlWriter::CXmlWriterContext::InventPrefix(const CNamespaceName& name) {
   Scope& scope = OwnScope();
   // The start tag may use a prefix that a later declaration for its namespace took out of the scope.
-  scope.Declare(namespaceUri, scope.UniquePrefix(m_prefix));
-  return scope.Find(namespaceUri)->second;
+  return scope.Declare(name, scope.UniquePrefix(m_prefix)).prefix;
 }
 
 const std::wstring& CXmlWriter::XML_NAMESPACE = kXmlNamespace.Get();
 const std::wstring& CXmlWriter::XSI_NAMESPACE = kXsiNamespace.Get();
 const std::wstring& CXmlWriter::XMLNS_NAMESPACE = kXmlnsNamespace.Get();
 
-CXmlWriter::CXmlWriter() { m_namespaces[XML_NAMESPACE] = L"xml"; }
+CXmlWriter::CXmlWriter() : m_pool(std::make_unique<CNamespacePool>()) { m_namespaces[XML_NAMESPACE] = L"xml"; }
 
 CXmlWriter::~CXmlWriter() = default;
 
@@ -380,23 +412,27 @@ void CXmlWriter::WriteTextElement(const std::wstring& localName, const std::wstr
 
 bool CXmlWriter::DeclareNamespace(const std::wstring& prefix, const std::wstring& namespaceUri) {
   if (prefix.empty() || prefix == L"xmlns" || prefix == L"xml") return false;
-  std::vector<std::wstring> hidden;
+  std::vector<const CNamespaceName*> hidden;
+  const bool isForNames = m_context == nullptr || CanNameElements(prefix);
   if (m_context != nullptr) {
-    const std::wstring* known = m_context->FindPrefix(namespaceUri);
+    const CNamespaceName& name = NameOf(namespaceUri);
+    const std::wstring* known = m_context->FindPrefix(name);
     if (known != nullptr && *known == prefix) return true;
-    const std::wstring* const replaced = m_context->m_scope->FindReplaced(prefix);
-    if (replaced != nullptr && *replaced == namespaceUri) return true;
+    if (m_context->m_scope->FindReplaced(prefix) == &name) return true;
     if (IsTakenByStartTag(prefix)) return false;
     CXmlWriterContext::Scope& scope = m_context->OwnScope();
     hidden = scope.HidePrefix(prefix);
-    known = scope.FindPrefix(namespaceUri);
-    if (known != nullptr && !known->empty()) scope.KeepReplaced(*known, namespaceUri);
+    known = m_context->FindPrefix(name);
+    if (!isForNames)
+      scope.KeepReplaced(prefix, name);
+    else if (known != nullptr && !known->empty())
+      scope.KeepReplaced(*known, name);
     AddNamespace(L"xmlns", XMLNS_NAMESPACE);
   }
   WriteAttributeString(prefix, XMLNS_NAMESPACE, namespaceUri, ItemType_string);
-  AddNamespace(prefix, namespaceUri);
+  if (isForNames) AddNamespace(prefix, namespaceUri);
   if (!m_inventsPrefixes)
-    for (const std::wstring& other : hidden) DeclareNamespace(other);
+    for (const CNamespaceName* const other : hidden) DeclareNamespace(other->text.Get());
   return true;
 }
 
@@ -411,9 +447,9 @@ std::wstring CXmlWriter::DeclareNamespace(const std::wstring& namespaceUri) {
 // By the name of the element, which may use a prefix that a later declaration for its namespace took out of the scope,
 // or by a declaration that the tag has.
 bool CXmlWriter::IsTakenByStartTag(const std::wstring& prefix) const {
-  const std::wstring& elementUri = m_context->m_namespaceUri.Get();
-  const std::wstring* const own =
-      elementUri.empty() || IsDefaultNamespace(elementUri) ? nullptr : FindPrefixInScope(elementUri);
+  const CNamespaceName& name = *m_context->GetName();
+  const bool isUnprefixed = name.ordinal == 0 || m_context->IsDefaultNamespace(name);
+  const std::wstring* const own = isUnprefixed ? nullptr : m_context->FindPrefix(name);
   return m_context->m_prefix == prefix || (own != nullptr && *own == prefix) ||
          (m_context->m_ownScope != nullptr && m_context->m_ownScope->Declares(prefix));
 }
@@ -427,6 +463,21 @@ bool CXmlWriter::IsDefaultNamespace(const std::wstring& namespaceUri) const {
   return m_context->IsDefaultNamespace(namespaceUri);
 }
 
+void CXmlWriter::AddNamespaceWithoutPrefix(const std::wstring& namespaceUri) {
+  if (m_namespaces.find(namespaceUri) == m_namespaces.end()) AddNamespace(GetUniquePrefix(m_namespaces), namespaceUri);
+}
+
+void CXmlWriter::TellNamespace(const std::shared_ptr<const std::wstring>& namespaceUri) {
+  if (namespaceUri != nullptr) m_pool->Tell(namespaceUri);
+}
+
+bool CXmlWriter::AreSameNamespaces(const std::shared_ptr<const std::wstring>& a,
+                                   const std::shared_ptr<const std::wstring>& b) {
+  return a == b || (a != nullptr && b != nullptr && m_pool->AreSame(a, b));
+}
+
+const CNamespaceName& CXmlWriter::NameOf(const std::wstring& namespaceUri) const { return m_pool->Find(namespaceUri); }
+
 void CXmlWriter::SetContextState(ContextState state) {
   if (m_context == nullptr) return;
   m_context->m_state = state;
@@ -438,7 +489,7 @@ void CXmlWriter::SetItemsAreGroups() {
 }
 
 std::wstring CXmlWriter::GetUniquePrefix(const NamespaceMap& namespaces) {
-  std::unordered_set<std::wstring> used;
+  std::unordered_set<std::wstring, CKeyedHash> used;
   for (const auto& entry : namespaces) used.insert(entry.second);
   int n = 0;
   while (used.count(NsIntToString(n)) != 0) ++n;
@@ -455,17 +506,18 @@ CXmlWriter::CXmlWriterContext& CXmlWriter::PushContext(const std::wstring& local
     const std::wstring* defaultNamespace = &m_defaultNamespace;
     for (auto entry = m_namespaces.begin(); defaultNamespace->empty() && entry != m_namespaces.end(); ++entry)
       if (entry->second.empty()) defaultNamespace = &entry->first;
-    m_context = std::make_unique<CXmlWriterContext>(localName, namespaceUri, *defaultNamespace, m_namespaces, nullptr);
+    m_context.reset(
+        new CXmlWriterContext(localName, namespaceUri, *defaultNamespace, m_namespaces, nullptr, m_pool.get()));
   } else if (m_closedContexts == nullptr) {
     CSharedName name(localName);  // before the parent moves, so that a failure loses no element
-    CSharedName uri(namespaceUri);
-    auto context = std::make_unique<CXmlWriterContext>(std::wstring(), std::wstring(), std::move(m_context));
+    NameOf(namespaceUri);
+    auto context = std::make_unique<CXmlWriterContext>(std::wstring(), namespaceUri, std::move(m_context));
     context->m_localName = std::move(name);
-    context->m_namespaceUri = std::move(uri);
     m_context = std::move(context);
   } else {
     m_closedContexts->m_localName.Set(localName);
-    m_closedContexts->m_namespaceUri.Set(namespaceUri);
+    m_closedContexts->m_scope = m_context->m_scope;
+    m_closedContexts->SetName(namespaceUri);
     std::unique_ptr<CXmlWriterContext> context = std::move(m_closedContexts);
     m_closedContexts = std::move(context->m_parent);
     context->m_childCount = 0;
@@ -474,7 +526,6 @@ CXmlWriter::CXmlWriterContext& CXmlWriter::PushContext(const std::wstring& local
     context->m_prefix.clear();
     context->m_state = ContextState_None;
     context->m_itemsAreGroups = false;
-    context->m_scope = m_context->m_scope;
     context->m_parent = std::move(m_context);
     m_context = std::move(context);
   }
@@ -508,11 +559,26 @@ void CXmlWriter::PopContext() {
 }
 
 const std::wstring& CXmlWriter::RequirePrefix(const std::wstring& namespaceUri, bool& invented) {
-  const std::wstring* prefix = m_context->FindPrefix(namespaceUri);
+  return RequirePrefix(NameOf(namespaceUri), invented);
+}
+
+const std::wstring& CXmlWriter::RequirePrefix(const CNamespaceName& name, bool& invented) {
+  const std::wstring* prefix = m_context->FindPrefix(name);
   invented = prefix == nullptr || prefix->empty() || (!m_avoidedPrefix.empty() && *prefix == m_avoidedPrefix);
-  if (invented) prefix = &m_context->InventPrefix(namespaceUri);
-  if (m_checks != nullptr) m_checks->Declaration(*prefix, namespaceUri);
+  if (invented) prefix = &m_context->InventPrefix(name);
+  if (m_checks != nullptr) m_checks->Declaration(*prefix, name.text.Get());
   return *prefix;
+}
+
+const std::wstring* CXmlWriter::FindElementPrefix(const std::wstring& namespaceUri) const {
+  if (namespaceUri.empty()) return &kNoPrefix.Get();
+  const CXmlWriterContext::Scope& scope = *m_context->m_scope;
+  const CNamespaceName& name = scope.NameOf(namespaceUri);
+  if (&name == scope.defaultNamespace) return &kNoPrefix.Get();
+  const Declaration* const found = scope.Find(name);
+  if (found == nullptr || found->prefix.empty()) return nullptr;
+  const bool isAvoided = m_inventsPrefixes && !m_avoidedPrefix.empty() && found->prefix == m_avoidedPrefix;
+  return isAvoided ? nullptr : &found->prefix;
 }
 
 }  // namespace RkXmlLib16

@@ -13,7 +13,9 @@
 
 namespace RkXmlLib16 {
 
+class CNamespacePool;
 class OutputChecks;
+struct CNamespaceName;
 
 // What the metadata records tell a writer about the children of the open element.
 enum ContextState : std::int32_t {
@@ -60,6 +62,11 @@ class RKXML_EXPORT CXmlWriter {
     const std::wstring* FindPrefix(const std::wstring& namespaceUri) const;
     // Whether any namespace in scope has the prefix.
     bool HasPrefix(const std::wstring& prefix) const;
+    // The namespace of the element as its writer has it once, and the same of those by such a name.
+    const CNamespaceName* GetName() const noexcept { return m_name; }
+    bool IsDefaultNamespace(const CNamespaceName& name) const;
+    const std::wstring* FindPrefix(const CNamespaceName& name) const;
+    const std::wstring& InventPrefix(const CNamespaceName& name);
     // Declares the namespace in this element with the first invented prefix that is free in scope, and returns it.
     const std::wstring& InventPrefix(const std::wstring& namespaceUri);
 
@@ -75,12 +82,19 @@ class RKXML_EXPORT CXmlWriter {
 
    private:
     friend class CXmlWriter;
+    struct Document;
     struct Scope;
+    CXmlWriterContext(const std::wstring& localName, const std::wstring& namespaceUri,
+                      const std::wstring& defaultNamespace, const NamespaceMap& namespaces,
+                      std::unique_ptr<CXmlWriterContext> parent, CNamespacePool* pool);
+    void SetName(const std::wstring& namespaceUri);
     Scope& OwnScope();
 
-    std::unique_ptr<Scope> m_ownScope;    // null while the scope is inherited
-    std::unique_ptr<Scope> m_spareScope;  // that of an earlier element, for reuse
-    Scope* m_scope = nullptr;             // the scope in effect: this element's own or that of an ancestor
+    const CNamespaceName* m_name = nullptr;  // the namespace
+    std::unique_ptr<Document> m_document;    // of the root element
+    std::unique_ptr<Scope> m_ownScope;       // null while the scope is inherited
+    std::unique_ptr<Scope> m_spareScope;     // that of an earlier element, for reuse
+    Scope* m_scope = nullptr;                // the scope in effect: this element's own or that of an ancestor
   };
 
   CXmlWriter();
@@ -132,6 +146,15 @@ class RKXML_EXPORT CXmlWriter {
   bool IsDefaultNamespace(const std::wstring& namespaceUri) const;
   // Whether the document tells namespaces; JSON text may drop them.
   bool WritesNamespaces() const noexcept { return m_writesNamespaces; }
+  // Whether names of elements take the prefix when a value brings it: not when it is so long that it would make the
+  // document many times as long. It is declared all the same.
+  static bool CanNameElements(const std::wstring& prefix) noexcept { return prefix.size() <= 64; }
+  // Before the root element: adds the namespace with an invented prefix unless it has one.
+  void AddNamespaceWithoutPrefix(const std::wstring& namespaceUri);
+  // Tells that names in this namespace, which others share, are about to be written, and tells whether two are the
+  // same. The writer keeps them and knows them again by their addresses, so that the length of a namespace counts once.
+  void TellNamespace(const std::shared_ptr<const std::wstring>& namespaceUri);
+  bool AreSameNamespaces(const std::shared_ptr<const std::wstring>& a, const std::shared_ptr<const std::wstring>& b);
   // Sets the state of the open element; without one it does nothing.
   void SetContextState(ContextState state);
   // The items of the collection that begins are groups without an element of their own: what follows is not an item.
@@ -174,6 +197,12 @@ class RKXML_EXPORT CXmlWriter {
   // The prefix of the namespace in the current context. Without one (an empty one does not count) a prefix is invented
   // there, which `invented` tells, so that the caller declares it. An element must be open.
   const std::wstring& RequirePrefix(const std::wstring& namespaceUri, bool& invented);
+  const std::wstring& RequirePrefix(const CNamespaceName& name, bool& invented);
+  // The prefix that stands for the namespace of an element: empty for none and for the default one, null when the scope
+  // has none. An element must be open.
+  const std::wstring* FindElementPrefix(const std::wstring& namespaceUri) const;
+  // The namespace as this writer has it once.
+  const CNamespaceName& NameOf(const std::wstring& namespaceUri) const;
 
   // The number of two texts that were told to be lasting; kNoId for others.
   std::uint32_t GetLastingId(const std::wstring& localName, const std::wstring& namespaceUri) const noexcept {
@@ -186,6 +215,7 @@ class RKXML_EXPORT CXmlWriter {
 
   std::unique_ptr<OutputChecks> m_checks;
   std::wstring m_defaultNamespace;
+  std::unique_ptr<CNamespacePool> m_pool;  // outlives the contexts
   std::unique_ptr<CXmlWriterContext> m_context;
   NamespaceMap m_namespaces;
   // What a form is able to do; for the writers to set.

@@ -348,6 +348,7 @@ void CFastInfosetReader::NamespaceAttributeBit7(unsigned char octet) {
   if ((octet & FastInfoset::kNameNamespaceBit) != 0)
     namespaceUri = IdentifyingStringOrIndex(m_namespaceNames, hasIndex);
   RequireReservedPair(prefix, namespaceUri);
+  CountExpansion(prefix->View().size() + namespaceUri->View().size());
   m_document.AddNamespaceAlias(prefix, namespaceUri);
 }
 

@@ -9,6 +9,7 @@
 #include "RkXmlLib16/base/internal/Ascii.h"
 #include "RkXmlLib16/base/internal/NeverDestroyed.h"
 #include "RkXmlLib16/base/internal/WideText.h"
+#include "RkXmlLib16/document/internal/NamespacePool.h"
 #include "RkXmlLib16/document/internal/OutputChecks.h"
 #include "RkXmlLib16/fastinfoset/BinaryCodec.h"
 #include "RkXmlLib16/fastinfoset/Octets.h"
@@ -268,17 +269,17 @@ void CFastInfosetWriter::WriteStartElement(const std::wstring& localName, const 
   if (isRoot) {
     ChangeScope();
     const std::wstring& defaultNamespace = m_context->GetDefaultNamespace();
-    if (!defaultNamespace.empty() && !namespaceUri.empty()) Declare(L"", defaultNamespace);
+    if (!defaultNamespace.empty() && !namespaceUri.empty()) Declare(L"", NameOf(defaultNamespace));
     for (const auto& [uri, prefix] : m_namespaces) {
       const bool isFree = !prefix.empty() && FindBinding(prefix) == nullptr;
-      if (uri != XML_NAMESPACE && isFree) Declare(prefix, uri);
+      if (uri != XML_NAMESPACE && isFree) Declare(prefix, NameOf(uri));
     }
   }
   const std::uint32_t id = GetLastingId(localName, namespaceUri);
   if (const unsigned long known = FindKnownName(m_knownElements, id)) {
     Integer<FastInfoset::kIndexBit3>(0, known);
   } else {
-    const ScopedNamespace& scoped = ResolveElement(namespaceUri);
+    const ScopedNamespace& scoped = ResolveElement(NameOf(namespaceUri));
     RememberName(m_knownElements, id, ElementName(scoped, localName));
   }
 }
@@ -324,7 +325,7 @@ void CFastInfosetWriter::WriteTextElement(const std::wstring& localName, const s
   const unsigned long known = isInside ? FindKnownName(m_knownElements, id) : 0;
   const ScopedNamespace* scoped = nullptr;
   if (known == 0) {
-    if (isInside) scoped = FindKnown(m_elementScope, namespaceUri);
+    if (isInside) scoped = FindKnown(m_elementScope, NameOf(namespaceUri));
     if (scoped == nullptr) return CXmlWriter::WriteTextElement(localName, namespaceUri, text, type);
   }
   WriteElement();
@@ -356,9 +357,9 @@ void CFastInfosetWriter::WriteAttributeString(const std::wstring& localName, con
   if (const unsigned long known = FindKnownName(m_knownAttributes, id)) {
     Integer<FastInfoset::kIndexBit2>(0, known);
   } else if (namespaceUri == XMLNS_NAMESPACE) {
-    return Declare(localName, value);
+    return Declare(localName, NameOf(value));
   } else {
-    const ScopedNamespace& scoped = ResolveAttribute(namespaceUri);
+    const ScopedNamespace& scoped = ResolveAttribute(NameOf(namespaceUri));
     RememberName(m_knownAttributes, id, AttributeName(scoped, localName));
   }
   m_hasAttributes = true;
@@ -371,10 +372,10 @@ void CFastInfosetWriter::WriteAttributeType(const std::wstring& typeNamespaceUri
   std::wstring value = typeName;
   // An element without namespace is outside the default one.
   const Binding* const unprefixed = FindBinding({});
-  const bool isDefault = typeNamespaceUri == m_context->GetDefaultNamespace() && unprefixed != nullptr &&
-                         unprefixed->uri == typeNamespaceUri;
+  const bool isDefault = m_context->IsDefaultNamespace(typeNamespaceUri) && unprefixed != nullptr &&
+                         unprefixed->name == &NameOf(typeNamespaceUri);
   if (!typeNamespaceUri.empty() && !isDefault) {
-    value = ResolveAttribute(typeNamespaceUri).prefix + L':' + typeName;
+    value = ResolveAttribute(NameOf(typeNamespaceUri)).prefix + L':' + typeName;
   }
   WriteAttributeString(L"type", XSI_NAMESPACE, value, type);
 }
@@ -393,59 +394,64 @@ void CFastInfosetWriter::RequireStartTag() const {
 // Namespaces
 
 const CFastInfosetWriter::ScopedNamespace* CFastInfosetWriter::FindKnown(const ScopeCache& cache,
-                                                                         const std::wstring& namespaceUri) {
-  for (const ScopedNamespace& scoped : cache)
-    if (WideText::IsEqual(scoped.uri, namespaceUri)) return &scoped;
-  return nullptr;
+                                                                         const CNamespaceName& name) const {
+  return name.ordinal < cache.size() && cache[name.ordinal].scope == m_scope ? &cache[name.ordinal] : nullptr;
 }
 
-const CFastInfosetWriter::ScopedNamespace& CFastInfosetWriter::ResolveElement(const std::wstring& namespaceUri) {
-  const ScopedNamespace* const known = FindKnown(m_elementScope, namespaceUri);
+const CFastInfosetWriter::ScopedNamespace& CFastInfosetWriter::ResolveElement(const CNamespaceName& name) {
+  const ScopedNamespace* const known = FindKnown(m_elementScope, name);
   if (known != nullptr && (m_avoidedPrefix.empty() || known->prefix != m_avoidedPrefix)) return *known;
-  std::wstring prefix;
-  if (!namespaceUri.empty() && namespaceUri != m_context->GetDefaultNamespace()) {
-    prefix = FindPrefix(namespaceUri);
-  }
-  return Remember(m_elementScope, namespaceUri, std::move(prefix));
+  const bool isUnprefixed = name.ordinal == 0 || m_context->IsDefaultNamespace(name);
+  return Remember(m_elementScope, name, isUnprefixed ? std::wstring() : FindPrefix(name));
 }
 
-const CFastInfosetWriter::ScopedNamespace& CFastInfosetWriter::ResolveAttribute(const std::wstring& namespaceUri) {
-  if (const ScopedNamespace* const known = FindKnown(m_attributeScope, namespaceUri)) return *known;
-  std::wstring prefix;
-  if (!namespaceUri.empty()) prefix = FindPrefix(namespaceUri);
-  return Remember(m_attributeScope, namespaceUri, std::move(prefix));
+const CFastInfosetWriter::ScopedNamespace& CFastInfosetWriter::ResolveAttribute(const CNamespaceName& name) {
+  if (const ScopedNamespace* const known = FindKnown(m_attributeScope, name)) return *known;
+  return Remember(m_attributeScope, name, name.ordinal == 0 ? std::wstring() : FindPrefix(name));
 }
 
 // A prefix that this element declares for another namespace, or that its names may have used for one, cannot serve.
-std::wstring CFastInfosetWriter::FindPrefix(const std::wstring& namespaceUri) {
+std::wstring CFastInfosetWriter::FindPrefix(const CNamespaceName& name) {
   bool invented = false;
-  const std::wstring& prefix = RequirePrefix(namespaceUri, invented);
+  const std::wstring& prefix = RequirePrefix(name, invented);
   const Binding* const binding = FindBinding(prefix);
   const bool hasName = GetLength() > m_startTag;
-  const bool isTaken =
-      binding != nullptr && (hasName || binding->element == m_openElements) && binding->uri != namespaceUri;
+  const bool isTaken = binding != nullptr && (hasName || binding->element == m_openElements) && binding->name != &name;
   if (!invented && !isTaken) return prefix;
   ChangeScope();
-  return isTaken ? m_context->InventPrefix(namespaceUri) : prefix;
+  return isTaken ? m_context->InventPrefix(name) : prefix;
 }
 
 // Declares the namespace unless it is in force, and keeps what names need of it. Attributes without a namespace need
 // nothing.
-const CFastInfosetWriter::ScopedNamespace& CFastInfosetWriter::Remember(ScopeCache& cache,
-                                                                        const std::wstring& namespaceUri,
-                                                                        std::wstring prefix) {
-  if (namespaceUri != XML_NAMESPACE && (&cache == &m_elementScope || !namespaceUri.empty())) {
+const CFastInfosetWriter::ScopedNamespace& CFastInfosetWriter::Remember(ScopeCache& cache, const CNamespaceName& name,
+                                                                        const std::wstring& prefix) {
+  if (name.text.Get() != XML_NAMESPACE && (&cache == &m_elementScope || name.ordinal != 0)) {
     const Binding* const binding = FindBinding(prefix);
-    const bool isInForce = binding == nullptr ? namespaceUri.empty() : binding->uri == namespaceUri;
-    if (!isInForce) Declare(prefix, namespaceUri);
+    const bool isInForce = binding == nullptr ? name.ordinal == 0 : binding->name == &name;
+    if (!isInForce) Declare(prefix, name);
   }
-  ScopedNamespace scoped;
-  scoped.uri = namespaceUri;
-  scoped.prefix = std::move(prefix);
-  m_vocabulary.FindPrefixNameIndex(scoped.prefix, scoped.prefixIndex);
-  m_vocabulary.FindNamespaceNameIndex(scoped.uri, scoped.namespaceNameIndex);
-  cache.push_back(std::move(scoped));
-  return cache.back();
+  if (cache.size() <= name.ordinal) cache.resize(name.ordinal + 1);
+  ScopedNamespace& scoped = cache[name.ordinal];
+  scoped.name = &name;
+  scoped.prefix = prefix;
+  scoped.prefixIndex = 0;
+  m_vocabulary.FindPrefixNameIndex(prefix, scoped.prefixIndex);
+  scoped.namespaceNameIndex = NamespaceNameIndex(name);
+  scoped.scope = m_scope;
+  return scoped;
+}
+
+// The index of the namespace, which it keeps once it has one, or 0.
+unsigned long& CFastInfosetWriter::NamespaceNameIndex(const CNamespaceName& name) {
+  if (m_namespaceNameIndices.size() <= name.ordinal) m_namespaceNameIndices.resize(name.ordinal + 1);
+  unsigned long& index = m_namespaceNameIndices[name.ordinal];
+  if (index == 0) m_vocabulary.FindNamespaceNameIndex(name.text.Get(), index);
+  return index;
+}
+
+std::size_t CFastInfosetWriter::PrefixHash::operator()(std::wstring_view prefix) const noexcept {
+  return CKeyedHash::Of(prefix);
 }
 
 const CFastInfosetWriter::Binding* CFastInfosetWriter::FindBinding(std::wstring_view prefix) const {
@@ -459,8 +465,10 @@ const CFastInfosetWriter::Binding* CFastInfosetWriter::FindBinding(std::wstring_
 }
 
 // C.12, among the declarations of the pending start tag.
-void CFastInfosetWriter::Declare(const std::wstring& prefix, const std::wstring& namespaceUri) {
-  if (Ascii::MayHaveControl(namespaceUri.data(), namespaceUri.length()))
+void CFastInfosetWriter::Declare(const std::wstring& prefix, const CNamespaceName& name) {
+  const std::wstring& namespaceUri = name.text.Get();
+  unsigned long& index = NamespaceNameIndex(name);
+  if (index == 0 && Ascii::MayHaveControl(namespaceUri.data(), namespaceUri.length()))
     throw CRkException(L"Failed to write FastInfoset. A namespace contains a control character.");
   const std::size_t start = GetLength();
   unsigned char octet = FastInfoset::kNamespaceAttribute;
@@ -468,10 +476,13 @@ void CFastInfosetWriter::Declare(const std::wstring& prefix, const std::wstring&
   if (!namespaceUri.empty()) octet |= FastInfoset::kNameNamespaceBit;
   Put(octet);
   if (!prefix.empty()) IdentifyingStringOrIndexBit1(prefix, m_vocabulary.GetPrefixNamesTable());
-  if (!namespaceUri.empty()) IdentifyingStringOrIndexBit1(namespaceUri, m_vocabulary.GetNamespaceNamesTable());
+  if (!namespaceUri.empty()) {
+    NamePart(namespaceUri, index, m_vocabulary.GetNamespaceNamesTable());
+    if (index == 0) m_vocabulary.FindNamespaceNameIndex(namespaceUri, index);
+  }
   m_declarations.insert(m_declarations.end(), m_room.data() + start, m_end);
   m_end = m_room.data() + start;
-  m_bindings.push_back({prefix, namespaceUri, m_openElements});
+  m_bindings.push_back({prefix, &name, m_openElements});
   if (!m_innermost.empty()) {
     AddToIndex(m_bindings.back());
   } else if (m_bindings.size() > kFewBindings) {
@@ -501,8 +512,6 @@ void CFastInfosetWriter::RemoveLastBinding() {
 void CFastInfosetWriter::ChangeScope() {
   if (m_ownScopes.empty() || m_ownScopes.back() != m_openElements) m_ownScopes.push_back(m_openElements);
   ++m_scope;
-  m_elementScope.clear();
-  m_attributeScope.clear();
 }
 
 void CFastInfosetWriter::LeaveScope() {
@@ -510,8 +519,6 @@ void CFastInfosetWriter::LeaveScope() {
   m_ownScopes.pop_back();
   while (!m_bindings.empty() && m_bindings.back().element == m_openElements) RemoveLastBinding();
   ++m_scope;
-  m_elementScope.clear();
-  m_attributeScope.clear();
 }
 
 // Names
@@ -558,8 +565,10 @@ void CFastInfosetWriter::QualifiedNameOrIndexBit3(const ScopedNamespace& scoped,
 unsigned long CFastInfosetWriter::NewQualifiedName(unsigned char literal, CFIQNameTable& names, RecentName& slot,
                                                    const ScopedNamespace& scoped, std::wstring_view localName) {
   CQNameParts parts{scoped.prefixIndex, scoped.namespaceNameIndex, m_vocabulary.GetLocalNamesTable().Find(localName)};
+  const bool hasPrefix = !scoped.prefix.empty();
+  const bool hasNamespace = scoped.name->ordinal != 0;
   const bool isScopeIndexed =
-      (scoped.prefix.empty() || parts.m_prefixIndex != 0) && (scoped.uri.empty() || parts.m_namespaceNameIndex != 0);
+      (!hasPrefix || parts.m_prefixIndex != 0) && (!hasNamespace || parts.m_namespaceNameIndex != 0);
   if (isScopeIndexed && parts.m_localNameIndex != 0) {
     if (const unsigned long known = names.Find(parts)) {
       const std::wstring_view lasting = m_vocabulary.GetLocalNamesTable()[parts.m_localNameIndex];
@@ -567,13 +576,20 @@ unsigned long CFastInfosetWriter::NewQualifiedName(unsigned char literal, CFIQNa
       return known;
     }
   }
-  if (!scoped.prefix.empty()) literal |= FastInfoset::kNamePrefixBit;
-  if (!scoped.uri.empty()) literal |= FastInfoset::kNameNamespaceBit;
+  if (hasPrefix) literal |= FastInfoset::kNamePrefixBit;
+  if (hasNamespace) literal |= FastInfoset::kNameNamespaceBit;
   Put(literal);
-  if (!scoped.prefix.empty()) NamePart(scoped.prefix, parts.m_prefixIndex, m_vocabulary.GetPrefixNamesTable());
-  if (!scoped.uri.empty()) NamePart(scoped.uri, parts.m_namespaceNameIndex, m_vocabulary.GetNamespaceNamesTable());
+  if (hasPrefix) NamePart(scoped.prefix, parts.m_prefixIndex, m_vocabulary.GetPrefixNamesTable());
+  if (hasNamespace) {
+    NamePart(scoped.name->text.Get(), parts.m_namespaceNameIndex, m_vocabulary.GetNamespaceNamesTable());
+  }
   NamePart(localName, parts.m_localNameIndex, m_vocabulary.GetLocalNamesTable());
-  m_vocabulary.AddQName(scoped.prefix, scoped.uri, localName, names);
+  if (hasPrefix && parts.m_prefixIndex == 0) m_vocabulary.FindPrefixNameIndex(scoped.prefix, parts.m_prefixIndex);
+  if (hasNamespace && parts.m_namespaceNameIndex == 0) parts.m_namespaceNameIndex = NamespaceNameIndex(*scoped.name);
+  if (parts.m_localNameIndex == 0) m_vocabulary.FindLocalNameIndex(localName, parts.m_localNameIndex);
+  const bool isComplete = (!hasPrefix || parts.m_prefixIndex != 0) &&
+                          (!hasNamespace || parts.m_namespaceNameIndex != 0) && parts.m_localNameIndex != 0;
+  if (isComplete) names.Add(parts);
   return 0;
 }
 

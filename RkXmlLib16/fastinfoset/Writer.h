@@ -79,7 +79,8 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
   // A namespace as names in the current scope refer to it. An index is 0 for an absent part, and for one that found its
   // table full, which stands as a literal.
   struct ScopedNamespace {
-    std::wstring uri;
+    const CNamespaceName* name = nullptr;
+    std::size_t scope = 0;  // for which it holds
     std::wstring prefix;
     unsigned long prefixIndex = 0;
     unsigned long namespaceNameIndex = 0;
@@ -109,11 +110,14 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
   // A declaration in force: written on the open element with this number, counted from the root.
   struct Binding {
     std::wstring prefix;
-    std::wstring uri;
+    const CNamespaceName* name;
     std::size_t element;
     Binding* hidden = nullptr;  // another one of the prefix, when there is an index
   };
-  using ScopeCache = std::vector<ScopedNamespace>;
+  struct PrefixHash {
+    std::size_t operator()(std::wstring_view prefix) const noexcept;
+  };
+  using ScopeCache = std::deque<ScopedNamespace>;  // by the number of the namespace
   // A name that was written as an index, to be found again without the tables.
   struct RecentName {
     std::wstring_view localName;  // in its table
@@ -132,15 +136,16 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
 
   bool IsStartTagOpen() const;
   void RequireStartTag() const;
-  static const ScopedNamespace* FindKnown(const ScopeCache& cache, const std::wstring& namespaceUri);
-  const ScopedNamespace& ResolveElement(const std::wstring& namespaceUri);
-  const ScopedNamespace& ResolveAttribute(const std::wstring& namespaceUri);
-  std::wstring FindPrefix(const std::wstring& namespaceUri);
-  const ScopedNamespace& Remember(ScopeCache& cache, const std::wstring& namespaceUri, std::wstring prefix);
+  const ScopedNamespace* FindKnown(const ScopeCache& cache, const CNamespaceName& name) const;
+  const ScopedNamespace& ResolveElement(const CNamespaceName& name);
+  const ScopedNamespace& ResolveAttribute(const CNamespaceName& name);
+  std::wstring FindPrefix(const CNamespaceName& name);
+  const ScopedNamespace& Remember(ScopeCache& cache, const CNamespaceName& name, const std::wstring& prefix);
+  unsigned long& NamespaceNameIndex(const CNamespaceName& name);
   const Binding* FindBinding(std::wstring_view prefix) const;
   void AddToIndex(Binding& binding);
   void RemoveLastBinding();
-  void Declare(const std::wstring& prefix, const std::wstring& namespaceUri);
+  void Declare(const std::wstring& prefix, const CNamespaceName& name);
   void ChangeScope();
   void LeaveScope();
 
@@ -185,11 +190,13 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
   bool m_hasAttributes = false;               // of the pending start tag
   bool m_terminatorOwed = false;
   std::size_t m_openElements = 0;
-  std::deque<Binding> m_bindings;                               // innermost last
-  std::unordered_map<std::wstring_view, Binding*> m_innermost;  // index of the bindings; empty while they are few
+  std::deque<Binding> m_bindings;  // innermost last
+  std::unordered_map<std::wstring_view, Binding*, PrefixHash>
+      m_innermost;                       // index of the bindings; empty while they are few
   std::vector<std::size_t> m_ownScopes;  // the open elements whose scope is not their parent's, by number
-  ScopeCache m_elementScope;             // what was resolved in the present scope
+  ScopeCache m_elementScope;             // what was resolved, and in which scope
   ScopeCache m_attributeScope;
+  std::deque<unsigned long> m_namespaceNameIndices;  // by the number of the namespace; 0 is not known
   RecentNames m_recentElements;
   RecentNames m_recentAttributes;
   std::size_t m_scope = 1;  // a number that no other scope has had

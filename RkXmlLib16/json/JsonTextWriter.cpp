@@ -344,7 +344,7 @@ bool CJsonTextWriter::ContinuesArray(const std::wstring& localName, const std::w
   const Frame& frame = Top();
   return frame.arrayOpen && m_context->m_state == ContextState_ArrayOpen &&
          WideText::IsEqual(frame.arrayName.Get(), localName) &&
-         (m_roundTrip != JsonRoundTrip_Namespaces || WideText::IsEqual(frame.arrayNamespace.Get(), namespaceUri));
+         (m_roundTrip != JsonRoundTrip_Namespaces || frame.arrayNamespace == &NameOf(namespaceUri));
 }
 
 // Whether an element that continues no array begins one of its own, even if it has only text.
@@ -358,7 +358,7 @@ void CJsonTextWriter::OpenArray(CXmlWriterContext& item, CXmlWriterContext& owne
   Frame& frame = Owner();
   frame.arrayOpen = true;
   frame.arrayName = item.m_localName;
-  frame.arrayNamespace = item.m_namespaceUri;
+  frame.arrayNamespace = item.GetName();
   Put(L"[");
   if (m_format) {
     ++item.m_depth;
@@ -451,11 +451,6 @@ void CJsonTextWriter::WriteNamespaceMember(const std::wstring& prefix, const std
   Put(L"\"");
   m_stream.Commit(PutName(m_stream.Reserve(namespaceUri.size() * kLongestEscape), namespaceUri));
   Put(L"\"");
-}
-
-const std::wstring* CJsonTextWriter::FindElementPrefix(const std::wstring& namespaceUri) const {
-  if (namespaceUri.empty() || m_context->IsDefaultNamespace(namespaceUri)) return &kNone.Get();
-  return FindAttributePrefix(namespaceUri);
 }
 
 const std::wstring* CJsonTextWriter::FindAttributePrefix(const std::wstring& namespaceUri) const {

@@ -89,10 +89,10 @@ class RKXML_EXPORT CJsonTextWriter : public CXmlWriter {
  private:
   // What an open element needs besides its context; `m_frames` runs parallel to the chain of contexts.
   struct Frame {
-    bool arrayItem = false;      // stands in an array that was open before it
-    bool arrayOpen = false;      // an array of this element's children is open
-    CSharedName arrayName;       // the name of its items
-    CSharedName arrayNamespace;  // and their namespace
+    bool arrayItem = false;  // stands in an array that was open before it
+    bool arrayOpen = false;  // an array of this element's children is open
+    CSharedName arrayName;   // the name of its items
+    const CNamespaceName* arrayNamespace = nullptr;
   };
 
   // The start of the line and the key of a member with a lasting name and no prefix, to be found again by the number of
@@ -123,8 +123,7 @@ class RKXML_EXPORT CJsonTextWriter : public CXmlWriter {
   void WriteTextMember(const std::wstring& text, ItemType type);
   void WriteNamespaceMember(const std::wstring& prefix, const std::wstring& namespaceUri);
   void DeclareNamespaces();
-  // The prefix that stands for the namespace, empty for none, null when the scope knows none.
-  const std::wstring* FindElementPrefix(const std::wstring& namespaceUri) const;
+  // The prefix that stands for the namespace, null when the scope knows none.
   const std::wstring* FindAttributePrefix(const std::wstring& namespaceUri) const;
   void RequireOpenElement() const;
   bool NeedsQuotes(const std::wstring& text, ItemType type) const;

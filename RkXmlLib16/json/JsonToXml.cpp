@@ -177,12 +177,9 @@ void CJsonReaderToXmlHandler::WriteAttribute(const std::wstring& value) {
   if (!IsQName(m_name) || !IsXmlText(value)) FailAttributeValue(value);
   const bool isDeclaration = m_name.compare(0, 5, L"xmlns") == 0 && (m_name.size() == 5 || m_name[5] == L':');
   if (m_nodes != nullptr && (!isDeclaration || m_areDeclarationsNodes)) m_nodes->push_back(m_reader->GetItemStart());
-  static constexpr std::wstring_view kXmlns = L"xmlns";
-  const std::wstring_view name = m_name;
-  const bool declares = name.substr(0, name.find(L':')) == kXmlns;
   try {
-    if (declares)
-      m_writer.WriteDeclaration(name.substr(std::min(name.size(), kXmlns.size() + 1)), value);
+    if (isDeclaration)
+      m_writer.WriteDeclaration(std::wstring_view(m_name).substr(std::min<std::size_t>(m_name.size(), 6)), value);
     else
       m_writer.WriteAttributeString(m_name, kNoNamespace.Get(), value, ItemType_string);
   } catch (const CRkException&) {

@@ -6,6 +6,7 @@
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/document/ElementTree.h"
 #include "RkXmlLib16/document/XmlWriter.h"
+#include "RkXmlLib16/wildcards/internal/NameTest.h"
 
 namespace RkXmlLib16 {
 
@@ -34,12 +35,15 @@ CAttribute::~CAttribute() = default;
 
 CXmlObjectBase* CAttribute::GetBase() { return this; }
 const wchar_t* CAttribute::GetTargetNamespace() const { return GetNamespace(); }
-const wchar_t* CAttribute::GetNamespace() const { return m_namespaceUri != nullptr ? m_namespaceUri->c_str() : L""; }
+const wchar_t* CAttribute::GetNamespace() const { return GetNamespaceRef().c_str(); }
+const std::wstring& CAttribute::GetNamespaceRef() const noexcept {
+  return m_namespaceUri != nullptr ? *m_namespaceUri : kNoNamespace.Get();
+}
 void CAttribute::SetValue(const wchar_t* value) { m_value = TextOrEmpty(value); }
 
 void CAttribute::AttributesToXml_Int(CXmlWriter* writer, const CSerializationContext& /*context*/) const {
-  writer->WriteAttributeString(GetElementNameRef(), m_namespaceUri != nullptr ? *m_namespaceUri : kNoNamespace.Get(),
-                               m_value, ItemType_string);
+  writer->TellNamespace(m_namespaceUri);
+  writer->WriteAttributeString(GetElementNameRef(), GetNamespaceRef(), m_value, ItemType_string);
 }
 
 void CAttribute::ToXml_Int(CXmlWriter* writer, bool /*registerNamespaces*/, const wchar_t* /*namespaceUri*/,
@@ -78,7 +82,7 @@ const wchar_t* CAttributeCol::GetNamespaceConstraint() const noexcept { return m
 const wchar_t* CAttributeCol::GetConstraintTargetNamespace() const noexcept { return m_rule.GetTargetNamespace(); }
 
 void CAttributeCol::Test(const CAttribute* attribute) const {
-  if (attribute != nullptr) m_rule.TestAttribute(attribute->GetLocalName().c_str(), attribute->GetNamespace());
+  if (attribute != nullptr) m_rule.TestAttribute(attribute->GetLocalName(), attribute->GetNamespaceRef());
 }
 
 void CAttributeCol::Add(const wchar_t* localName, const wchar_t* value, const wchar_t* namespaceUri) {
@@ -121,11 +125,10 @@ void CAttributeCol::AddBeforeItem(const CXmlObjectBase* existing, CAttribute* at
 CAttribute* CAttributeCol::Item(int index) const { return dynamic_cast<CAttribute*>(GetNodeAtIndex(index)->GetItem()); }
 
 CAttribute* CAttributeCol::Find(const wchar_t* localName, const wchar_t* namespaceUri) const {
-  const std::wstring_view name(TextOrEmpty(localName));
-  const std::wstring_view uri(TextOrEmpty(namespaceUri));
+  CNameTest isWanted(localName, namespaceUri);
   for (const CNode* node = GetFirstNode(); node != nullptr; node = node->GetNext()) {
     auto* const attribute = dynamic_cast<CAttribute*>(node->GetItem());
-    if (attribute != nullptr && attribute->GetLocalName() == name && attribute->GetNamespace() == uri) return attribute;
+    if (attribute != nullptr && isWanted(attribute->GetLocalName(), attribute->m_namespaceUri)) return attribute;
   }
   return nullptr;
 }

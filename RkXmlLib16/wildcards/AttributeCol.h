@@ -42,8 +42,10 @@ class RKXML_EXPORT CAttribute : public CXmlObjectBase {
 
  private:
   friend class CAttributeCol;
+  friend class CElement;
 
   explicit CAttribute(const CXmlAttribute& source);
+  const std::wstring& GetNamespaceRef() const noexcept;
 
   std::wstring m_value;
   std::shared_ptr<const std::wstring> m_namespaceUri;  // null for no namespace; shared by all that a document brought

@@ -1,7 +1,7 @@
 #include "RkXmlLib16/wildcards/Element.h"
 
 #include <algorithm>
-#include <cwchar>
+#include <set>
 #include <string_view>
 #include <utility>
 
@@ -13,6 +13,7 @@
 #include "RkXmlLib16/context/internal/ErrorSession.h"
 #include "RkXmlLib16/document/ElementTree.h"
 #include "RkXmlLib16/types/Whitespace.h"
+#include "RkXmlLib16/wildcards/internal/NameTest.h"
 #include "RkXmlLib16/wildcards/internal/RootWriter.h"
 #include "RkXmlLib16/xml/XmlTextWriter.h"
 
@@ -49,10 +50,6 @@ void ForEachPrefix(wstring_view text, Found&& found) {
 // Of the value of an xsi:type.
 bool HasNoPrefix(wstring_view type) {
   return !type.empty() && StartsName(type.front()) && type.find(L':') == wstring_view::npos;
-}
-
-bool IsNamed(const CElement& element, wstring_view localName, wstring_view namespaceUri) {
-  return element.GetElementNameRef() == localName && element.GetNamespace() == namespaceUri;
 }
 
 bool IsType(wstring_view localName, wstring_view namespaceUri) {
@@ -196,8 +193,8 @@ class CElement::TreeReader {
   // Elements that use the same in a row share the map.
   const std::shared_ptr<const Prefixes>& OwnPrefixes() {
     const bool isSame = m_own != nullptr && m_own->size() == m_used.size() &&
-                        std::equal(m_used.begin(), m_used.end(), m_own->begin(), [](const auto& a, const auto& b) {
-                          return a.first == b.first && a.second->View() == *b.second;
+                        std::equal(m_used.begin(), m_used.end(), m_own->begin(), [this](const auto& a, const auto& b) {
+                          return a.first == b.first && Share(a.second) == b.second;
                         });
     if (isSame) return m_own;
     const auto own = std::make_shared<Prefixes>();
@@ -264,9 +261,9 @@ class CElement::TreeWriter {
     if (!continues) m_writer.SetContextState(goesOn ? ContextState_CollectionStart : ContextState_CollectionEnd);
   }
 
-  static bool HaveSameName(const CElement& a, const CElement& b) {
+  bool HaveSameName(const CElement& a, const CElement& b) {
     return a.GetElementNameRef() == b.GetElementNameRef() &&
-           (a.m_namespaceUri == b.m_namespaceUri || std::wcscmp(a.GetNamespace(), b.GetNamespace()) == 0);
+           m_writer.AreSameNamespaces(a.m_namespaceUri, b.m_namespaceUri);
   }
 
   // `declared` are the prefixes that the nearest element around it with prefixes has declared.
@@ -275,12 +272,16 @@ class CElement::TreeWriter {
     if (isRoot) WritePrologue(element);
     const Prefixes* const own = element.m_prefixes.get() != declared ? element.m_prefixes.get() : nullptr;
     if (own != nullptr && !isRoot) AvoidOwnPrefix(element, *own);
+    m_writer.TellNamespace(element.m_namespaceUri);
     m_writer.WriteStartElement(element.GetElementNameRef(),
                                element.m_namespaceUri != nullptr ? *element.m_namespaceUri : kNoNamespace.Get());
     if (isRoot) WriteRootAttributes(m_writer, m_context, element.GetNamespace(), m_isOptionalChoice);
     if (own != nullptr) {
       m_writer.AvoidPrefix(std::wstring());
-      for (const auto& [prefix, uri] : *own) m_writer.DeclareNamespace(prefix, *uri);
+      for (const auto& [prefix, uri] : *own) {
+        m_writer.TellNamespace(uri);
+        m_writer.DeclareNamespace(prefix, *uri);
+      }
     }
     element.AttributesToXml_Int(&m_writer, m_context);
     if (isRoot) WriteRootSchema(m_writer, m_context);
@@ -293,9 +294,11 @@ class CElement::TreeWriter {
   // The name of an element must not use a prefix that its start tag declares for another namespace.
   void AvoidOwnPrefix(const CElement& element, const Prefixes& own) {
     if (element.m_namespaceUri == nullptr || !m_writer.HasOpenElement()) return;
+    m_writer.TellNamespace(element.m_namespaceUri);
     const std::wstring* const prefix = m_writer.FindPrefixInScope(*element.m_namespaceUri);
     const auto declared = prefix != nullptr ? own.find(*prefix) : own.end();
-    if (declared != own.end() && *declared->second != *element.m_namespaceUri) m_writer.AvoidPrefix(*prefix);
+    if (declared != own.end() && !m_writer.AreSameNamespaces(declared->second, element.m_namespaceUri))
+      m_writer.AvoidPrefix(*prefix);
   }
 
   // Declarations count as attributes here.
@@ -310,11 +313,15 @@ class CElement::TreeWriter {
   void WritePrologue(const CElement& element) {
     WriteRootPrologue(m_writer, m_context);
     if (element.m_prefixes == nullptr) return;
-    const CNamespaceAliasMap& aliases = m_context.GetNamespaceAliases();
+    const auto& aliases = m_context.GetNamespaceAliases().GetEntries();
+    std::set<wstring_view> used;
+    for (const auto& [uri, alias] : aliases) used.insert(alias);
     for (const auto& [prefix, uri] : *element.m_prefixes) {
-      if (!prefix.empty() && !aliases.DoesAliasExist(prefix.c_str()) && !aliases.DoesNamespaceExist(uri->c_str())) {
-        m_writer.AddNamespace(prefix, *uri);
-      }
+      const bool isFree = !prefix.empty() && used.count(prefix) == 0 && aliases.find(*uri) == aliases.end();
+      if (isFree && CXmlWriter::CanNameElements(prefix)) m_writer.AddNamespace(prefix, *uri);
+    }
+    for (const auto& [prefix, uri] : *element.m_prefixes) {
+      if (!CXmlWriter::CanNameElements(prefix)) m_writer.AddNamespaceWithoutPrefix(*uri);
     }
   }
 
@@ -385,7 +392,7 @@ CXmlObjectBase* CElement::GetBase() { return this; }
 
 void CElement::FromXmlElement(const CXmlElement* element, const CSerializationContext& /*context*/) {
   if (element == nullptr) throw CRkException(L"The document contains no element.");
-  m_rule.TestElement(element->GetNamespaceURI().c_str());
+  m_rule.TestElement(element->GetNamespaceURI());
   RemoveChildren();
   m_attributes = nullptr;
   m_text.clear();
@@ -404,7 +411,7 @@ void CElement::AttributesToXml_Int(CXmlWriter* writer, const CSerializationConte
     const auto* const attribute = dynamic_cast<const CAttribute*>(node->GetItem());
     if (attribute == nullptr) continue;
     if (m_prefixes != nullptr && writer->WritesNamespaces() &&
-        IsType(attribute->GetLocalName(), attribute->GetNamespace()) && WriteType(*attribute, *writer))
+        IsType(attribute->GetLocalName(), attribute->GetNamespaceRef()) && WriteType(*attribute, *writer))
       continue;
     attribute->AttributesToXml_Int(writer, context);
   }
@@ -441,7 +448,7 @@ CXmlElement* CElement::FromXml_Int(CXmlElement* /*parent*/, CXmlElement* current
 
 void CElement::SetNamespace(const wchar_t* namespaceUri) {
   const wstring_view uri = TextOrEmpty(namespaceUri);
-  m_rule.TestElement(uri.empty() ? L"" : namespaceUri);
+  m_rule.TestElement(uri);
   m_namespaceUri = uri.empty() ? nullptr : std::make_shared<const std::wstring>(uri);
 }
 
@@ -492,27 +499,29 @@ void CElement::InsertChild(int index, CElement* child) {
   if (child == nullptr) throw CRkInvalidParamException(L"The child element may not be NULL");
   if (child == this) throw CRkInvalidParamException(L"An element may not be its own child");
   if (index < 0 || index > GetChildCount()) ThrowBadIndex(index, GetChildCount());
-  m_children.emplace(m_children.begin() + index, child);
+  m_children.insert(static_cast<std::size_t>(index), child);
 }
 
 void CElement::RemoveChild(int index) {
   if (index < 0 || index >= GetChildCount()) ThrowBadIndex(index, GetChildCount());
-  m_children.erase(m_children.begin() + index);
+  m_children.erase(static_cast<std::size_t>(index));
 }
 
 void CElement::RemoveChildren() { Destroy(m_children); }
 
 CElement* CElement::FindChild(const wchar_t* localName, const wchar_t* namespaceUri) const {
+  CNameTest isWanted(localName, namespaceUri);
   for (const CSmartPtr<CElement>& child : m_children) {
-    if (IsNamed(*child, TextOrEmpty(localName), TextOrEmpty(namespaceUri))) return child;
+    if (isWanted(child->GetElementNameRef(), child->m_namespaceUri)) return child;
   }
   return nullptr;
 }
 
 std::vector<CElement*> CElement::FindChildren(const wchar_t* localName, const wchar_t* namespaceUri) const {
   std::vector<CElement*> found;
+  CNameTest isWanted(localName, namespaceUri);
   for (const CSmartPtr<CElement>& child : m_children) {
-    if (IsNamed(*child, TextOrEmpty(localName), TextOrEmpty(namespaceUri))) found.push_back(child);
+    if (isWanted(child->GetElementNameRef(), child->m_namespaceUri)) found.push_back(child);
   }
   return found;
 }

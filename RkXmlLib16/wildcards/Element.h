@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "RkXmlLib16/base/FrontGapVector.h"
 #include "RkXmlLib16/base/SmartPtr.h"
 #include "RkXmlLib16/object/XmlObjectBase.h"
 #include "RkXmlLib16/wildcards/AttributeCol.h"
@@ -72,12 +73,15 @@ class RKXML_EXPORT CElement : public CXmlObjectBase {
   int GetAttributeCount() const;
   // The value of the first attribute with this name; empty when there is none.
   std::wstring GetAttribute(const wchar_t* localName, const wchar_t* namespaceUri = L"") const;
-  // Replaces the value of the attribute, or adds it.
+  // Replaces the value of the attribute, or adds it. Looks through the attributes, as GetAttribute does; to add many
+  // that are known to be new use GetAttributes()->Add.
   void SetAttribute(const wchar_t* localName, const wchar_t* value, const wchar_t* namespaceUri = L"");
 
   // The child elements. A counted reference is held on each; one element may stand in several trees, but never below
   // itself. The indices are 0 to the count less one (when inserting: to the count); other indices and null children
   // throw CRkInvalidParamException "Index %d is out of range, use 0 - %d" and "The child element may not be NULL".
+  // Inserting and removing at either end are quick, elsewhere they move the references behind; FindChild looks through
+  // the children.
   int GetChildCount() const noexcept { return static_cast<int>(m_children.size()); }
   CElement* GetChild(int index) const;
   void AddChild(CElement* child);
@@ -95,7 +99,7 @@ class RKXML_EXPORT CElement : public CXmlObjectBase {
   friend class CElementCol;
   using SharedText = std::shared_ptr<const std::wstring>;
   using Prefixes = std::map<std::wstring, SharedText, std::less<>>;  // prefix to namespace URI
-  using Children = std::vector<CSmartPtr<CElement>>;
+  using Children = CFrontGapVector<CSmartPtr<CElement>>;
   class TreeReader;
   class TreeWriter;
 

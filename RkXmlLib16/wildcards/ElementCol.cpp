@@ -4,6 +4,7 @@
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/context/internal/ErrorSession.h"
 #include "RkXmlLib16/document/ElementTree.h"
+#include "RkXmlLib16/wildcards/internal/NameTest.h"
 
 namespace RkXmlLib16 {
 
@@ -52,7 +53,8 @@ const wchar_t* CElementCol::GetNamespaceConstraint() const noexcept { return m_r
 const wchar_t* CElementCol::GetConstraintTargetNamespace() const noexcept { return m_rule.GetTargetNamespace(); }
 
 void CElementCol::Test(const CElement* element) const {
-  if (element != nullptr) m_rule.TestElement(element->GetNamespace());
+  if (element != nullptr)
+    m_rule.TestElement(element->m_namespaceUri != nullptr ? *element->m_namespaceUri : std::wstring_view());
 }
 
 void CElementCol::Add(CElement* element) { AppendItem(element); }
@@ -85,11 +87,10 @@ void CElementCol::AddBeforeItem(const CXmlObjectBase* existing, CElement* elemen
 CElement* CElementCol::Item(int index) const { return dynamic_cast<CElement*>(GetNodeAtIndex(index)->GetItem()); }
 
 CElement* CElementCol::Find(const wchar_t* localName, const wchar_t* namespaceUri) const {
-  const std::wstring_view name(TextOrEmpty(localName));
-  const std::wstring_view uri(TextOrEmpty(namespaceUri));
+  CNameTest isWanted(localName, namespaceUri);
   for (const CNode* node = GetFirstNode(); node != nullptr; node = node->GetNext()) {
     auto* const element = dynamic_cast<CElement*>(node->GetItem());
-    if (element != nullptr && element->GetElementNameRef() == name && element->GetNamespace() == uri) return element;
+    if (element != nullptr && isWanted(element->GetElementNameRef(), element->m_namespaceUri)) return element;
   }
   return nullptr;
 }

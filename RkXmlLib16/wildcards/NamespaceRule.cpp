@@ -26,15 +26,16 @@ bool CNamespaceRule::Admits(std::wstring_view namespaceUri) const {
   return m_admitsAll || IsNamespaceAdmitted(namespaceUri, m_constraint.Get(), m_targetNamespace.Get());
 }
 
-void CNamespaceRule::TestElement(const wchar_t* namespaceUri) const {
+void CNamespaceRule::TestElement(std::wstring_view namespaceUri) const {
   if (Admits(namespaceUri)) return;
-  throw CRkInvalidNamespaceException(FormatString(L"Invalid Namespace [%ls].", namespaceUri), L"");
+  throw CRkInvalidNamespaceException(FormatString(L"Invalid Namespace [%ls].", std::wstring(namespaceUri).c_str()),
+                                     L"");
 }
 
-void CNamespaceRule::TestAttribute(const wchar_t* localName, const wchar_t* namespaceUri) const {
+void CNamespaceRule::TestAttribute(const std::wstring& localName, std::wstring_view namespaceUri) const {
   if (Admits(namespaceUri)) return;
   throw CRkInvalidNamespaceException(
-      FormatString(L"Invalid Attribute [%ls]. The attributes namespace is Inappropriate.", localName), L"");
+      FormatString(L"Invalid Attribute [%ls]. The attributes namespace is Inappropriate.", localName.c_str()), L"");
 }
 
 const wchar_t* CNamespaceRule::GetConstraint() const noexcept {

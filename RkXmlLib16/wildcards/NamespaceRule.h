@@ -18,9 +18,9 @@ class CNamespaceRule {
 
   bool Admits(std::wstring_view namespaceUri) const;
   // Throws CRkInvalidNamespaceException "Invalid Namespace [%ls].".
-  void TestElement(const wchar_t* namespaceUri) const;
+  void TestElement(std::wstring_view namespaceUri) const;
   // Throws CRkInvalidNamespaceException "Invalid Attribute [%ls]. The attributes namespace is Inappropriate.".
-  void TestAttribute(const wchar_t* localName, const wchar_t* namespaceUri) const;
+  void TestAttribute(const std::wstring& localName, std::wstring_view namespaceUri) const;
 
   const wchar_t* GetConstraint() const noexcept;
   const wchar_t* GetTargetNamespace() const noexcept;

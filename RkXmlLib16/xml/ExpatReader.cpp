@@ -15,6 +15,7 @@
 #include <type_traits>
 #include <unordered_map>
 #include <utility>
+#include <vector>
 
 #include "RkXmlLib16/base/ErrorHandler.h"
 #include "RkXmlLib16/base/Exception.h"
@@ -37,7 +38,7 @@ constexpr std::size_t kShortPiece = 16;  // of text
 constexpr std::size_t kSmallestPiece = std::size_t{1} << 18;
 constexpr std::size_t kLargestPiece = std::size_t{1} << 28;
 constexpr XML_Char kSeparator = u'|';
-// Names up to this length are compared whole, longer ones are trusted to lie where they lay before (see UriCache).
+// Names up to this length are compared whole, longer ones are trusted to lie where they lay before (see LongUri).
 constexpr std::size_t kComparedLength = 256;
 // Entities that refer to other entities nest; expat follows them by recursion.
 constexpr unsigned long kNestingEntities = 200;
@@ -105,13 +106,10 @@ bool Equal(const XML_Char* text, std::wstring_view wide) {
   return EqualEight(text + length - kStep, wide.data() + length - kStep);
 }
 
-// Counts what expat does with the heap on this thread. Between two equal counts nothing that expat owns has moved.
+// Counts what expat gives back to the heap on this thread. Between two equal counts nothing that expat owns has moved.
 thread_local std::uint64_t heapCalls = 0;
 
-void* CountingMalloc(std::size_t size) {
-  ++heapCalls;
-  return AllocateOfHugePages(size);
-}
+void* Malloc(std::size_t size) { return AllocateOfHugePages(size); }
 
 void* CountingRealloc(void* memory, std::size_t size) {
   ++heapCalls;
@@ -135,7 +133,7 @@ bool IsAliasOfAscii(const XML_Char* encoding) {
   });
 }
 
-constexpr XML_Memory_Handling_Suite kCountingSuite = {CountingMalloc, CountingRealloc, CountingFree};
+constexpr XML_Memory_Handling_Suite kCountingSuite = {Malloc, CountingRealloc, CountingFree};
 
 }  // namespace
 
@@ -164,6 +162,7 @@ struct RKXML_HIDDEN CExpatReader::Parser {
     document.EndElement();
   }
   void StartNamespace(const XML_Char* prefix, const XML_Char* uri);
+  void EndNamespace();
   void EntityDeclaration(const XML_Char* value, std::size_t length);
   void AddDefaulted(CXmlElement* element, const XML_Char* name, const XML_Char* value);
 
@@ -218,7 +217,9 @@ struct RKXML_HIDDEN CExpatReader::Parser {
   static void FnStartNamespace(void* userData, const XML_Char* prefix, const XML_Char* uri) {
     Guarded(userData, [&](Parser& self) { self.StartNamespace(prefix, uri); });
   }
-  static void FnEndNamespace(void* userData, const XML_Char*) { ++static_cast<Parser*>(userData)->namespaceEvents; }
+  static void FnEndNamespace(void* userData, const XML_Char*) {
+    Guarded(userData, [](Parser& self) { self.EndNamespace(); });
+  }
   static void FnStartDocumentType(void* userData, const XML_Char*, const XML_Char*, const XML_Char*, int) {
     Guarded(userData, [](Parser& self) {
       throw CRkException(FormatString(L"A document type declaration is not allowed at line %d",
@@ -262,6 +263,13 @@ struct RKXML_HIDDEN CExpatReader::Parser {
     std::uint64_t heapCount = 0;
     std::uint64_t namespaceEvents = 0;
   };
+  // Such a buffer of a long namespace, which is known as long as no declaration of the namespace has ended.
+  struct LongUri {
+    const CXmlName* uri = nullptr;
+    std::uint64_t heapCount = 0;
+    std::uint64_t endedDeclarations = 0;
+  };
+  const LongUri* FindLong(const XML_Char* name) const;
 
   CXmlDocument& document;
   const bool isUtf16;  // expat takes a NUL behind a high surrogate, where text then ends
@@ -272,6 +280,9 @@ struct RKXML_HIDDEN CExpatReader::Parser {
   wchar_t blanks[64] = {};  // of the current element, on their way behind its text
   std::size_t blankCount = 0;
   UriEntry uris[16];
+  std::unordered_map<const XML_Char*, LongUri> longUris;
+  std::vector<const CXmlName*> declaredUris;                             // in scope
+  std::unordered_map<const CXmlName*, std::uint64_t> endedDeclarations;  // of long namespaces
   const CXmlName* localNames[256] = {};
   const CXmlName* lastAttributeUri = nullptr;
   const std::uint64_t* heapCount = &heapCalls;
@@ -304,10 +315,14 @@ const XML_Char* CExpatReader::Parser::SplitElementName(const XML_Char* name, con
   UriEntry& entry = uris[reinterpret_cast<std::uintptr_t>(name) / 64 % std::size(uris)];
   if (entry.name == name && entry.heapCount == *heapCount && entry.namespaceEvents == namespaceEvents) {
     const std::wstring_view uri = entry.uri->View();
-    if (name[uri.size()] == kSeparator && (uri.size() > kComparedLength || Equal(name, uri))) {
+    if (name[uri.size()] == kSeparator && Equal(name, uri)) {
       namespaceUri = entry.uri;
       return name + uri.size() + 1;
     }
+  }
+  if (const LongUri* const known = FindLong(name)) {
+    namespaceUri = known->uri;
+    return name + namespaceUri->View().size() + 1;
   }
   const XML_Char* at = name;
   while (*at != 0 && *at != kSeparator) ++at;
@@ -315,9 +330,21 @@ const XML_Char* CExpatReader::Parser::SplitElementName(const XML_Char* name, con
     namespaceUri = document.GetEmptyName();
     return name;
   }
-  namespaceUri = Intern(name, static_cast<std::size_t>(at - name));
-  entry = {name, namespaceUri, *heapCount, namespaceEvents};
+  const auto length = static_cast<std::size_t>(at - name);
+  namespaceUri = Intern(name, length);
+  if (length > kComparedLength)
+    longUris[name] = {namespaceUri, *heapCount, endedDeclarations[namespaceUri]};
+  else
+    entry = {name, namespaceUri, *heapCount, namespaceEvents};
   return at + 1;
+}
+
+const CExpatReader::Parser::LongUri* CExpatReader::Parser::FindLong(const XML_Char* name) const {
+  if (longUris.empty()) return nullptr;
+  const auto found = longUris.find(name);
+  if (found == longUris.end() || found->second.heapCount != *heapCount) return nullptr;
+  const auto ended = endedDeclarations.find(found->second.uri);
+  return ended->second == found->second.endedDeclarations ? &found->second : nullptr;
 }
 
 const XML_Char* CExpatReader::Parser::SplitAttributeName(const XML_Char* name, const CXmlName*& namespaceUri) {
@@ -411,7 +438,16 @@ void CExpatReader::Parser::StartNamespace(const XML_Char* prefix, const XML_Char
   const std::size_t length = uri != nullptr ? LengthOf(uri) : 0;
   if (std::find(uri, uri + length, kSeparator) != uri + length) ThrowSeparatorInUri();
   const CXmlName* const prefixName = prefix != nullptr ? Intern(prefix, LengthOf(prefix)) : document.GetEmptyName();
-  document.AddNamespaceAlias(prefixName, Intern(uri, length));
+  declaredUris.push_back(Intern(uri, length));
+  document.AddNamespaceAlias(prefixName, declaredUris.back());
+}
+
+// Declarations end in the reverse order.
+void CExpatReader::Parser::EndNamespace() {
+  ++namespaceEvents;
+  const CXmlName* const uri = declaredUris.back();
+  declaredUris.pop_back();
+  if (uri->View().size() > kComparedLength) ++endedDeclarations[uri];
 }
 
 void CExpatReader::Parser::EntityDeclaration(const XML_Char* value, std::size_t length) {

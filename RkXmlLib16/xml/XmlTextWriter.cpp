@@ -147,9 +147,13 @@ void CXmlTextWriter::WriteStartElement(const std::wstring& localName, const std:
     m_context->m_startTagOpen = false;
   }
   CXmlWriterContext& context = PushContext(localName, namespaceUri);
-  bool invented = false;
-  if (!namespaceUri.empty() && !context.IsDefaultNamespace(namespaceUri))
-    context.m_prefix = RequirePrefix(namespaceUri, invented);
+  const std::wstring* const known = FindElementPrefix(namespaceUri);
+  const bool invented = known == nullptr;
+  if (invented)
+    context.m_prefix = context.InventPrefix(namespaceUri);
+  else if (!known->empty())
+    context.m_prefix = *known;
+  if (m_checks != nullptr && !context.m_prefix.empty()) m_checks->Declaration(context.m_prefix, namespaceUri);
 
   wchar_t* to = m_stream.Reserve(1 + m_endOfLine.size() + IndentLength(context.m_depth) + 1 + context.m_prefix.size() +
                                  1 + localName.size());
@@ -197,12 +201,6 @@ void CXmlTextWriter::WriteTextElement(const std::wstring& localName, const std::
   }
   m_stream.Commit(PutEndOfTag(to));
   FlushIfDue();
-}
-
-const std::wstring* CXmlTextWriter::FindElementPrefix(const std::wstring& namespaceUri) const {
-  if (namespaceUri.empty() || m_context->IsDefaultNamespace(namespaceUri)) return &kNoPrefix.Get();
-  const std::wstring* const prefix = m_context->FindPrefix(namespaceUri);
-  return prefix != nullptr && !prefix->empty() ? prefix : nullptr;
 }
 
 void CXmlTextWriter::PutRootDeclarations() {

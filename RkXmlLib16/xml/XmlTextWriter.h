@@ -91,8 +91,6 @@ class RKXML_EXPORT CXmlTextWriter : public CXmlWriter {
   void PutEscaped(std::wstring_view text, Escaping where);
   void PutDeclaration(std::wstring_view prefix, std::wstring_view namespaceUri);
   void PutRootDeclarations();
-  // The prefix of an element in the namespace; null when one must be invented. An element must be open.
-  const std::wstring* FindElementPrefix(const std::wstring& namespaceUri) const;
   std::size_t IndentLength(std::int64_t depth) const;
   // Write to `to` and return the end.
   wchar_t* PutIndent(wchar_t* to, std::int64_t depth) const;

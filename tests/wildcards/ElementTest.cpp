@@ -176,6 +176,15 @@ TEST(Element, APartKeepsTheScopeAroundIt) {
               element.ToXml(false, false));
 }
 
+// A prefix that would make each name long stays declared for the value that uses it.
+TEST(Element, LongPrefixesOfValuesNameNoElements) {
+  const std::wstring prefix(65, L'p');
+  const std::wstring read = L"<" + prefix + L":a xmlns:" + prefix + L"='urn:p' r='" + prefix + L":x'><" + prefix +
+                            L":b/></" + prefix + L":a>";
+  EXPECT_TEXT(L"<AA:a xmlns:AA=\"urn:p\" xmlns:" + prefix + L"=\"urn:p\" r=\"" + prefix + L":x\"><AA:b/></AA:a>",
+              Rewritten(read.c_str()));
+}
+
 TEST(Element, DeclaresPrefixesAgainWhereItStandsInAnotherTree) {
   CElement source;
   source.FromXml(L"<s xmlns:p='urn:p'><x ref='p:b'><y ref='p:c'/></x></s>");
