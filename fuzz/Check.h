@@ -24,8 +24,8 @@ inline void Require(bool holds, const char* property, const std::wstring& eviden
 // namespaces in `tree`, which JSON needs.
 CSerializationContext MakeContext(const CElement* tree = nullptr);
 
-// The tree in one text: two trees are equal when their texts are. Types are told without their prefixes, which may
-// change.
+// The tree in one text: two trees are equal, character by character, when their texts are. Types are told without their
+// prefixes, which may change.
 std::wstring Describe(const CElement& tree);
 
 // Whether XML text can hold the tree unchanged: its names are names and its characters XML characters, no name stands
@@ -38,9 +38,10 @@ bool FitsJson(const CElement& tree);
 // The tree is the same after XML text, JSON text and Fast Infoset.
 void CheckAllForms(const CElement& tree);
 
-// The text with each surrogate pair, which is what XML text brings, as the one character that it stands for, and U+FFFD
-// for a lone one.
+// The text as Fast Infoset brings it, with each surrogate pair as the one character that it stands for and U+FFFD for a
+// lone one; and as XML text brings it, with pairs for such characters.
 std::wstring Joined(const std::wstring& text);
+std::wstring Split(const std::wstring& text);
 
 // The bytes as UTF-8, whatever they are, without NUL.
 std::wstring TextOf(std::string_view bytes);

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Builds a fuzz target with libFuzzer, AddressSanitizer and UndefinedBehaviorSanitizer and runs it.
 #
-#   scripts/fuzz.sh TARGET SECONDS   xml, classes, json, fastinfoset, inflate, values, pattern, writer or schema
+#   scripts/fuzz.sh TARGET SECONDS   xml, classes, json, fastinfoset, tokens, lengths, inflate, values, pattern, writer
+#                                    or schema
 #
 # What it finds on the way stays in build/fuzz/found/TARGET. A crash is put into fuzz/old_crashes/TARGET, where the tests
 # replay it: keep it there, small, with the repair.
@@ -10,7 +11,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 target=${1-} seconds=${2-}
 if [ -z "$seconds" ] || [ ! -f "fuzz/$target.cpp" ] || [ ! -d "fuzz/corpus/$target" ]; then
-  sed -n '2,7s/^# \{0,1\}//p' "$0"
+  sed -n '2,8s/^# \{0,1\}//p' "$0"
   exit 2
 fi
 command -v clang++ >/dev/null || { echo "fuzz: clang++ is missing; on Debian: apt-get install clang" >&2; exit 1; }

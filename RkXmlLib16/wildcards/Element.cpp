@@ -425,6 +425,7 @@ bool CElement::WriteType(const CAttribute& attribute, CXmlWriter& writer) const 
   if (!hasPrefix && !HasNoPrefix(type)) return false;
   const auto meant = m_prefixes->find(hasPrefix ? wstring_view(type).substr(0, colon) : wstring_view());
   if (meant == m_prefixes->end() || meant->second->empty()) return false;
+  writer.TellNamespace(meant->second);
   if (hasPrefix ? writer.DeclareNamespace(meant->first, *meant->second) : writer.IsDefaultNamespace(*meant->second))
     return false;
   const std::wstring prefix = writer.DeclareNamespace(*meant->second);
