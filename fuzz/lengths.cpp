@@ -38,15 +38,15 @@ constexpr std::size_t kWorkAnyway = 1 << 20;
 // The document that the bytes stand for: two namespaces that differ at their ends, declared around all or again below.
 std::string Build(const std::uint8_t* data, std::size_t size) {
   const auto take = [&]() -> unsigned { return size == 0 ? 0 : (--size, *data++); };
-  const std::string text(take() * 128 + 1, 'u');
-  const std::string prefix(take() % 2 == 0 ? 1 : take() * 64 + 1, 'p');
+  const std::string text(take() * 32 + 1, 'u');
+  const std::string prefix(take() % 2 == 0 ? 1 : take() * 16 + 1, 'p');
   const std::string uris[] = {text + "1", text + "2"};
   const bool hasDefault = take() % 2 == 0;
   std::string out = "<r xmlns:" + prefix + "='" + uris[0] + "' xmlns:q='" + uris[1] + "'";
   if (hasDefault) out += " xmlns='" + uris[take() % 2] + "'";
   out += take() % 2 == 0 ? ">" : " v='" + prefix + ":x q:y'>";
   int depth = 0;
-  while (size > 0 && out.size() < 400000) {
+  while (size > 0 && out.size() < 60000) {
     switch (take() % 8) {
       case 0:
         out += "<a>";
