@@ -3,7 +3,7 @@
 #
 #   ```cpp        the body of a function, or a whole program when it holds "int main(": without an #include of its own
 #                 it stands behind the pieces of its page
-#   ```cpp file   a piece of a file; the functions of its page see it, and those of getting-started.md are seen by all
+#   ```cpp file   a piece of a file; the functions of its page see it, and those of generated-code.md are seen by all
 #
 # All but the programs make one source, blocks.cpp. What a block says about itself is checked:
 #
@@ -14,11 +14,12 @@
 # the next fence, that fence holds what the block prints.
 function(rkxml_doc_blocks dir programs_variable)
   file(GLOB pages CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/*.md)
-  set(first ${PROJECT_SOURCE_DIR}/docs/getting-started.md)
+  set(first ${PROJECT_SOURCE_DIR}/docs/generated-code.md)
   list(REMOVE_ITEM pages ${first})
   set(source "#include \"Blocks.h\"\n")
   set(calls "")
   set(programs "")
+  set(first_pieces "")
   foreach(page ${first} ${PROJECT_SOURCE_DIR}/README.md ${pages})
     set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${page})
     get_filename_component(name ${page} NAME_WE)
@@ -69,7 +70,7 @@ function(rkxml_doc_blocks dir programs_variable)
         list(APPEND programs ${program})
         set(before_it "")
         if(NOT block MATCHES "#include")
-          set(before_it "${pieces}")
+          set(before_it "#include <RkXmlLib16/RkXmlLib16.h>\n#include <cstdio>\n${first_pieces}${pieces}\nusing namespace RkXmlLib16;\n")
         endif()
         rkxml_write_if_different(${dir}/${program}.cpp "${before_it}${directive}${block}\n")
         if(has_expected)
@@ -99,6 +100,9 @@ function(rkxml_doc_blocks dir programs_variable)
       string(LENGTH "${feeds}" lines)
       math(EXPR line "${line} + ${lines} + 2")
     endwhile()
+    if(page STREQUAL first)
+      set(first_pieces "${pieces}")
+    endif()
     if(NOT "${pieces}${functions}" STREQUAL "")
       # Includes stand before the page's namespace.
       string(REGEX MATCHALL "(^|\n)#include [^\n]*" includes "${pieces}")
@@ -106,7 +110,7 @@ function(rkxml_doc_blocks dir programs_variable)
       string(REGEX REPLACE "(^|\n)#include [^\n]*" "\\1" pieces "${pieces}")
       set(seen "")
       if(NOT page STREQUAL first)
-        set(seen "using namespace docs_getting_started;\n")
+        set(seen "using namespace docs_generated_code;\n")
       endif()
       string(APPEND source "${includes}\nnamespace docs_${name} {\n${seen}${pieces}${functions}}\n")
     endif()
