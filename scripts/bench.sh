@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Builds the benchmarks and prints their tables: every operation on a document as a ratio to bare expat, and conversions
 # of values. Measures the library as scripts/tune.sh builds it; --untuned comes first and measures the plain release.
-# --large adds documents of 100 MB; other options go to Google Benchmark.
+# --large adds documents of 100 MB, --plot draws docs/performance.svg from those of 10 MB; other options go to Google
+# Benchmark.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 scripts/setup.sh libbenchmark-dev
@@ -25,6 +26,12 @@ else
   scripts/tune.sh -DRKXML_BUILD_BENCH=ON -DRKXML_BUILD_EXAMPLES=ON
 fi
 
+if [ "${1-}" = --plot ]; then
+  shift
+  "$build/bench/rkxml_bench" --benchmark_filter='10 MB:' "$@" | tee "$build/bench.txt"
+  scripts/plot_bench.sh <"$build/bench.txt" >docs/performance.svg
+  exit
+fi
 "$build/bench/rkxml_bench" "$@"
 echo
 "$build/bench/rkxml_bench_values"
