@@ -114,8 +114,9 @@ RKXML_ERROR(511, InvalidNamespace, "a wildcard does not admit the namespace", L"
             L"Invalid Attribute [%ls]. The attributes namespace is Inappropriate.")
 
 // 600: writing
-RKXML_ERROR(601, CannotWriteFile, "a file cannot be written", L"Failed to write data to the file [%ls].",
-            L"Failed to write data to the file")
+RKXML_ERROR(601, CannotWriteFile, "a file or another target cannot be written",
+            L"Failed to write data to the file [%ls].", L"Failed to write data to the file",
+            L"Failed to write data to the target of the document")
 RKXML_ERROR(602, NullMandatory, "a mandatory property has no value",
             L"The Property [%ls] is mandatory, it may not be NULL",
             L"The Property [%ls] is mandatory, it may node be NULL")
@@ -125,7 +126,8 @@ RKXML_ERROR(604, WriterOrder, "calls to a writer in an order that makes no docum
             L"Attributes must be added before elements", L"Text must be written inside an Element.",
             L"There is no open Element to end.", L"An Element has not been closed.", L"No Element is open.",
             L"Headed directives must appear before an Element has been added.", L"The element has no name.",
-            L"Unknown Namespace: %ls")
+            L"Unknown Namespace: %ls", L"The document has ended.", L"The document has its root element already.",
+            L"The document cannot end without a root element.", L"The document was given up after a failure.")
 RKXML_ERROR(605, FastInfosetUnwritable, "a Fast Infoset cannot hold it", L"Failed to write FastInfoset. %ls",
             L"Invalid Fast Infoset declaration [%d]")
 RKXML_ERROR(606, UnknownEncoding, "the encoding, line end or format of the output is unknown",

@@ -20,11 +20,7 @@ void WriteXmlText(const CXmlObjectBase& object, CTextStream& stream, bool includ
                   EOLType eol, const CSerializationContext& context) {
   CXmlTextWriter writer(stream);
   writer.Open();
-  writer.SetFormat(formatted);
-  writer.SetIndentChars(context.GetIndentChars().c_str());
-  writer.SetEOLType(eol);
-  writer.SetWellFormedOutput(context.GetWellFormedOutput());
-  writer.SetEscapesSections(context.GetEscapeCDATA());
+  ApplySettings(writer, formatted, eol, context);
   if (includeDocumentHeader) writer.WriteStartDocument();
   object.ToXml_Int(&writer, true, object.GetTargetNamespace(), context, false);
   writer.Close();
@@ -34,6 +30,14 @@ void WriteXmlText(const CXmlObjectBase& object, CTextStream& stream, bool includ
 
 void AsyncToXmlFile(bool enable) { directWrite = enable; }
 void AsyncFromXmlFile(bool /*enable*/) {}
+
+void ApplySettings(CXmlTextWriter& writer, bool formatted, EOLType eol, const CSerializationContext& context) {
+  writer.SetFormat(formatted);
+  writer.SetIndentChars(context.GetIndentChars().c_str());
+  writer.SetEOLType(eol);
+  writer.SetWellFormedOutput(context.GetWellFormedOutput());
+  writer.SetEscapesSections(context.GetEscapeCDATA());
+}
 
 void RequireFileCompression(CompressionType compression) {
   if (compression == CompressionType_ZLib) {

@@ -16,15 +16,9 @@ namespace {
 
 void WriteJsonText(const CXmlObjectBase& object, CTextStream& stream, bool formatted, EOLType eol,
                    const CSerializationContext& context) {
-  const CJsonContext& settings = *context.GetJsonContext();
   CJsonTextWriter writer(stream);
   writer.Open();
-  writer.SetFormat(formatted);
-  writer.SetIndentChars(context.GetIndentChars().c_str());
-  writer.SetEOLType(eol);
-  writer.SetSupportRoundtrip(settings.GetSupportRoundtrip());
-  writer.SetStrictOutput(settings.GetStrictOutput() || context.GetWellFormedOutput());
-  writer.SetWellFormedOutput(context.GetWellFormedOutput());
+  ApplySettings(writer, formatted, eol, context);
   writer.WriteStartDocument();
   object.ToXml_Int(&writer, true, object.GetTargetNamespace(), context, false);
   writer.WriteEndDocument();
@@ -110,6 +104,16 @@ void ReadJson(CXmlObjectBase& object, const CSerializationContext& context, Conv
 }
 
 }  // namespace
+
+void ApplySettings(CJsonTextWriter& writer, bool formatted, EOLType eol, const CSerializationContext& context) {
+  const CJsonContext& settings = *context.GetJsonContext();
+  writer.SetFormat(formatted);
+  writer.SetIndentChars(context.GetIndentChars().c_str());
+  writer.SetEOLType(eol);
+  writer.SetSupportRoundtrip(settings.GetSupportRoundtrip());
+  writer.SetStrictOutput(settings.GetStrictOutput() || context.GetWellFormedOutput());
+  writer.SetWellFormedOutput(context.GetWellFormedOutput());
+}
 
 std::wstring CXmlObjectBase::ToJson(bool formatted, EOLType eol, const CSerializationContext& context) const {
   CTextStream stream;

@@ -11,6 +11,7 @@
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/io/internal/ByteSink.h"
 
 namespace RkXmlLib16 {
 
@@ -22,6 +23,7 @@ constexpr int kGZipWindowBits = 15 + 16;
 constexpr int kZLibWindowBits = 15;
 constexpr int kDetectWindowBits = 15 + 32;
 constexpr unsigned long kInflateChunk = 65536;
+constexpr std::size_t kDeflateChunk = 65536;
 
 void CheckInit(int code) {
   if (code == Z_MEM_ERROR) throw std::bad_alloc();
@@ -78,6 +80,19 @@ class Deflater {
   }
 
   unsigned long TotalOut() const { return m_stream.total_out; }
+
+  // Compresses the next bytes, or ends the stream, and hands what comes out to `sink`.
+  void Run(const unsigned char* data, std::size_t length, bool ends, ByteSink& sink) {
+    Pieces<const unsigned char> in(data, length);
+    unsigned char out[kDeflateChunk];
+    do {
+      in.Refill(m_stream.next_in, m_stream.avail_in);
+      m_stream.next_out = out;
+      m_stream.avail_out = sizeof out;
+      deflate(&m_stream, ends ? Z_FINISH : Z_NO_FLUSH);
+      if (m_stream.avail_out < sizeof out) sink.Write(out, sizeof out - m_stream.avail_out);
+    } while (m_stream.avail_out == 0 || m_stream.avail_in > 0 || !in.AllGivenOut());
+  }
 
  private:
   // Input is left and there is room for what becomes of it.
@@ -139,9 +154,29 @@ std::pair<std::unique_ptr<unsigned char[]>, unsigned long> Deflate(const unsigne
   return {std::move(result), deflater.TotalOut()};
 }
 
+class DeflatingSink : public ByteSink {
+ public:
+  DeflatingSink(std::unique_ptr<ByteSink> sink, CompressionType type) : m_sink(std::move(sink)), m_deflater(type) {}
+
+  void Write(const unsigned char* bytes, std::size_t count) override { m_deflater.Run(bytes, count, false, *m_sink); }
+  void Finish() override {
+    m_deflater.Run(nullptr, 0, true, *m_sink);
+    m_sink->Finish();
+  }
+
+ private:
+  std::unique_ptr<ByteSink> m_sink;
+  Deflater m_deflater;
+};
+
 bool IsCompression(CompressionType type) { return type == CompressionType_GZip || type == CompressionType_ZLib; }
 
 }  // namespace
+
+std::unique_ptr<ByteSink> Compressing(std::unique_ptr<ByteSink> sink, CompressionType compression) {
+  if (!IsCompression(compression)) return sink;
+  return std::make_unique<DeflatingSink>(std::move(sink), compression);
+}
 
 void CRkZip::Compress(unsigned char** data, unsigned long* length, CompressionType type) {
   if (!IsCompression(type)) return;

@@ -17,6 +17,13 @@
 // What the entry points of the three document forms share.
 namespace RkXmlLib16 {
 
+class CJsonTextWriter;
+class CXmlTextWriter;
+
+// What the context and the arguments of a call tell a writer.
+void ApplySettings(CXmlTextWriter& writer, bool formatted, EOLType eol, const CSerializationContext& context);
+void ApplySettings(CJsonTextWriter& writer, bool formatted, EOLType eol, const CSerializationContext& context);
+
 // Runs a part of an entry point that calls no code of the application; a failure of the standard library in it (a
 // length that overflows, say) leaves as a CRkException. Exhausted memory stays std::bad_alloc.
 template <class Work>
