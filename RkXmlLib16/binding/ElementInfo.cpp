@@ -1,6 +1,5 @@
 #include "RkXmlLib16/binding/ElementInfo.h"
 
-#include <atomic>
 #include <string_view>
 
 #include "RkXmlLib16/base/Exception.h"
@@ -98,10 +97,28 @@ void CElementInfo::PseudoChildAttributeToXml(const CSerializationContext& contex
   if (child != nullptr) AttributesToXml_Int(child, writer, context);
 }
 
-bool CElementInfo::OverridesAttributes() const noexcept {
-  static const void* const own =
-      FindOverrider<CElementInfo>(CElementInfoSeqPrimCol(L"", L"", 0), &CElementInfo::PseudoChildAttributeToXml);
-  return FindOverrider(*this, &CElementInfo::PseudoChildAttributeToXml) != own;
+std::uint8_t CElementInfo::FindFacts() const {
+  struct Functions {
+    explicit Functions(const CElementInfo& record)
+        : read(FindOverrider(record, &CElementInfo::ElementFromXml)),
+          write(FindOverrider(record, &CElementInfo::ElementToXml)),
+          writeAttributes(FindOverrider(record, &CElementInfo::PseudoChildAttributeToXml)) {}
+    const void *read, *write, *writeAttributes;
+  };
+  static const Functions value(CElementInfoSeqPrimOpt(L"", L"", 0, false, ItemType_string, nullptr,
+                                                      CWhitespaceUtils::none, CPrimitiveRestrictions(), nullptr));
+  static const Functions enumeration(CElementInfoSeqEnumOpt(L"", L"", 0, false, nullptr, nullptr, nullptr));
+  static const Functions object(CElementInfoSeqClsOpt(L"", L"", 0, XmlElementType_Element, nullptr, 0));
+  static const Functions abstractObject(CElementInfoSeqAbsClsOpt(L"", L"", 0, XmlElementType_Element, nullptr));
+
+  const Functions own(*this);
+  const bool isSkipper = own.read == value.read || own.read == enumeration.read || own.read == abstractObject.read ||
+                         (own.read == object.read && !IsInlineGroup());
+  const bool mayHaveAttributes = m_mayHaveAttributes || own.writeAttributes != value.writeAttributes;
+  const int facts = kKnown | (isSkipper ? kSkipper : 0) | (own.write == value.write ? kPlainValue : 0) |
+                    (mayHaveAttributes ? kWithAttributes : 0);
+  m_facts.store(static_cast<std::uint8_t>(facts), std::memory_order_relaxed);
+  return static_cast<std::uint8_t>(facts);
 }
 
 std::uint32_t CElementInfo::NewId() noexcept {

@@ -1,9 +1,9 @@
 #ifndef RKXMLLIB16_BINDING_ELEMENTINFO_H
 #define RKXMLLIB16_BINDING_ELEMENTINFO_H
 
+#include <atomic>
 #include <cstdint>
 #include <string>
-#include <typeinfo>
 
 #include "RkXmlLib16/base/Enumerations.h"
 #include "RkXmlLib16/base/Export.h"
@@ -117,12 +117,12 @@ class RKXML_EXPORT CElementInfo {
   CSmartPtr<CXmlObjectBase> CreateGroup() const;
   // Whether ElementFromXml would accept that the element is absent and do nothing else, for the element that is next.
   bool IsSkipped(const CSerializationContext& context, const CXmlElement* next) const {
-    return IsOfOptionalType() && !IsThisElement(context, next);
+    return Is(kSkipper) && !IsThisElement(context, next);
   }
   // Whether ElementToXml does nothing but WriteValue, if the property has a value.
-  bool IsPlainValue() const noexcept { return m_hasFacets && IsOfOptionalType(); }
+  bool IsPlainValue() const { return Is(kPlainValue); }
   // Whether PseudoChildAttributeToXml may have something to write.
-  bool MayHaveAttributes() const noexcept { return m_mayHaveAttributes || OverridesAttributes(); }
+  bool MayHaveAttributes() const { return Is(kWithAttributes); }
 
   // Whether the element has the record's local name and, unless the context ignores namespaces, its namespace.
   bool IsThisElement(const CSerializationContext& context, const CXmlElement* element) const {
@@ -173,23 +173,25 @@ class RKXML_EXPORT CElementInfo {
   ClassFactory GetFactory() const noexcept { return m_factory; }
   int GetClassId() const noexcept { return m_classId; }
   AbstractClassFactory GetAbstractFactory() const noexcept { return m_abstractFactory; }
-  // For records of a sequence that read nothing but their own element, which may be absent; see IsSkipped.
-  void SkipOtherElements() noexcept { m_optionalType = &typeid(*this); }
 
  private:
   friend class RkXmlLib16::CMetaDataCheck;
   // What the property of the record holds.
   enum class Content : std::uint8_t { Object, ObjectOfFactory, ObjectOfAbstractFactory, Enumeration, Primitive };
-  // Not for classes that are derived from one that skips other elements: they may do otherwise.
-  bool IsOfOptionalType() const noexcept { return m_optionalType == &typeid(*this); }
+  // What the record's class does, which may override that of a class of the library. Found out when a record is first
+  // asked, and kept.
+  enum Facts : std::uint8_t { kUnknown = 0, kKnown = 1, kSkipper = 2, kPlainValue = 4, kWithAttributes = 8 };
+  bool Is(Facts fact) const {
+    const std::uint8_t facts = m_facts.load(std::memory_order_relaxed);
+    return ((facts != kUnknown ? facts : FindFacts()) & fact) != 0;
+  }
+  [[gnu::noinline, gnu::cold]] std::uint8_t FindFacts() const;
   // What the local name of an element notes when the element was found to have the record's name and namespace: the
   // record and the element's namespace.
   std::uint64_t MatchOf(const CXmlElement& element) const noexcept {
     return std::uint64_t{m_id} << 32 | element.GetNamespaceRef()->GetOrdinal();
   }
   bool CompareName(const CSerializationContext& context, const CXmlElement& element) const;
-  // Whether PseudoChildAttributeToXml is not that of this class.
-  bool OverridesAttributes() const noexcept;
   // False for most names but the own, without a look at the whole.
   bool MayHaveName(const CXmlElement& element) const noexcept {
     const RkXmlLib16::CXmlText name = element.GetLocalName();
@@ -220,7 +222,7 @@ class RKXML_EXPORT CElementInfo {
   Content m_content = Content::Object;
   bool m_hasFacets = false;
   bool m_mayHaveAttributes = false;
-  const std::type_info* m_optionalType = nullptr;  // the class that called SkipOtherElements
+  mutable std::atomic<std::uint8_t> m_facts{kUnknown};
   XmlElementType m_memberType = RkXmlLib16::XmlElementType_Element;
   MemberKind m_memberKind = MemberKind::Single;
 };

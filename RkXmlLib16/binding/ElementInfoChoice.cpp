@@ -1,6 +1,5 @@
 #include "RkXmlLib16/binding/ElementInfoChoice.h"
 
-#include "RkXmlLib16/base/internal/TextOrEmpty.h"
 #include "RkXmlLib16/binding/internal/ElementRules.h"
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/context/internal/ErrorSession.h"
@@ -12,203 +11,100 @@ using namespace RkXmlLib16;
 
 namespace {
 
-// Whether a collection that has read up to `next` is the chosen member. What it read in an inline owner is taken out
-// again when the count is not acceptable.
-bool IsChosen(CXmlCollectionBase& collection, int countBefore, const CElementInfo& info,
-              const CSerializationContext& context, const CXmlElement* parent, CXmlElement* next, CXmlElement** cursor,
-              XmlElementType ownerType) {
-  if (next == *cursor) return false;
-  if (ownerType != XmlElementType_Element && !collection.IsValidCount(context)) {
-    if (countBefore == 0) collection.Clear();
-    for (int i = collection.GetCount(); i > countBefore; --i) collection.Remove(i - 1);
+template <class Value>
+bool ReadChosen(Value& info, const MemberRead& read) {
+  return ReadValue(info, read);
+}
+
+bool ReadChosen(CElementInfoCls& info, const MemberRead& read) {
+  const bool isInline = info.IsInlineGroup();
+  if (!MayRead(info, read, isInline)) return false;
+  CXmlElement* const element = read.At();
+  const auto child = info.Create(element);
+  if (child == nullptr) return false;
+  StoreChild(info, read, child, *element);
+  if (!isInline) {
+    ReadOwnElement(info, read, child, /*isOptionalChoice=*/true);
+    return true;
+  }
+  if (ReadInline(info, read, child)) return true;
+  StoreNull(info, read, *element);
+  return false;
+}
+
+bool ReadChosen(CElementInfoAbsCls& info, const MemberRead& read) {
+  if (!info.IsThisElement(read.context, read.At())) return false;
+  const auto child = info.Create(read.At());
+  if (child == nullptr) {
+    StoreNull(info, read, *read.At());
     return false;
   }
-  *cursor = next;
-  if (ownerType == XmlElementType_Element) RequireCount(context, collection, info, parent, next);
+  StoreChild(info, read, child, *read.At());
+  ReadOwnElement(info, read, child);
   return true;
 }
 
-}  // namespace
-
-CElementInfoChoiceCol::CElementInfoChoiceCol(const wchar_t* name, const wchar_t* ns, int propertyIndex,
-                                             XmlElementType memberType)
-    : CElementInfo(name, ns, propertyIndex, MemberKind::Collection, memberType) {}
-
-CElementInfoChoiceCol::~CElementInfoChoiceCol() = default;
-
-bool CElementInfoChoiceCol::ElementToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
-                                         CXmlWriter* writer) const {
-  return ElementToXmlCol(context, object, writer);
+bool ReadChosen(CElementInfoUntpd& info, const MemberRead& read) {
+  CXmlElement* const current = read.At();
+  if (current == nullptr) return false;
+  if (ReadNewWildcard(info, read)) return true;
+  StoreNull(info, read, *current);
+  return false;
 }
 
-bool CElementInfoChoiceCol::ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
-                                           CXmlElement* parent, CXmlElement** cursor, const wchar_t*,
-                                           XmlElementType ownerType) {
-  const auto collection = GetCollection(*this, object);
+// A collection, which reads with `readFrom`. What it read in an inline owner is taken out again when the count is not
+// acceptable.
+template <class ReadFrom>
+bool ReadChosenCollection(const CElementInfo& info, const MemberRead& read, ReadFrom&& readFrom) {
+  const auto collection = GetCollection(info, read.object);
   if (collection == nullptr) return false;
   const int countBefore = collection->GetCount();
-  CErrorSession::Attempt attempt(context);
-  CXmlElement* next = FromXml_Int(collection, parent, *cursor, context, /*isOptionalChoice=*/false);
-  const bool isChosen = IsChosen(*collection, countBefore, *this, context, parent, next, cursor, ownerType);
+  CXmlElement* const next = readFrom(collection);
+  if (next == read.At()) return false;
+  if (!read.HasOwnElement() && !collection->IsValidCount(read.context)) {
+    if (countBefore == 0) collection->Clear();
+    for (int i = collection->GetCount(); i > countBefore; --i) collection->Remove(i - 1);
+    return false;
+  }
+  *read.cursor = next;
+  if (read.HasOwnElement()) RequireCount(read.context, *collection, info, read.parent, next);
+  return true;
+}
+
+bool ReadChosen(CElementInfoCol& info, const MemberRead& read) {
+  CErrorSession::Attempt attempt(read.context);
+  const bool isChosen = ReadChosenCollection(info, read, [&](CXmlCollectionBase* collection) {
+    return info.FromXml_Int(collection, read.parent, read.At(), read.context, /*isOptionalChoice=*/false);
+  });
   if (isChosen) attempt.Keep();
   return isChosen;
 }
 
-CElementInfoChoiceClsCol::CElementInfoChoiceClsCol(const wchar_t* name, const wchar_t* ns, int propertyIndex,
-                                                   XmlElementType memberType)
-    : CElementInfoChoiceCol(name, ns, propertyIndex, memberType) {}
+}  // namespace
 
-CElementInfoChoiceClsCol::~CElementInfoChoiceClsCol() = default;
+template <class Kind>
+bool CElementInfoChoice<Kind>::ElementToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
+                                            CXmlWriter* writer) const {
+  return Kind::Write(context, object, writer);
+}
 
-CElementInfoChoiceAbsClsCol::CElementInfoChoiceAbsClsCol(const wchar_t* name, const wchar_t* ns, int propertyIndex,
-                                                         XmlElementType memberType)
-    : CElementInfoChoiceCol(name, ns, propertyIndex, memberType) {}
-
-CElementInfoChoiceAbsClsCol::~CElementInfoChoiceAbsClsCol() = default;
-
-CElementInfoChoicePrimCol::CElementInfoChoicePrimCol(const wchar_t* name, const wchar_t* ns, int propertyIndex)
-    : CElementInfoChoiceCol(name, ns, propertyIndex) {}
-
-CElementInfoChoicePrimCol::~CElementInfoChoicePrimCol() = default;
-
-CElementInfoChoiceEnumCol::CElementInfoChoiceEnumCol(const wchar_t* name, const wchar_t* ns, int propertyIndex)
-    : CElementInfoChoiceCol(name, ns, propertyIndex) {}
-
-CElementInfoChoiceEnumCol::~CElementInfoChoiceEnumCol() = default;
-
-CElementInfoChoiceUntpdCol::CElementInfoChoiceUntpdCol(const wchar_t* name, const wchar_t* ns, int propertyIndex)
-    : CElementInfoChoiceCol(name, ns, propertyIndex) {}
-
-CElementInfoChoiceUntpdCol::~CElementInfoChoiceUntpdCol() = default;
+template <class Kind>
+bool CElementInfoChoice<Kind>::ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
+                                              CXmlElement* parent, CXmlElement** cursor, const wchar_t* ownerNamespace,
+                                              XmlElementType ownerType) {
+  return ReadChosen(static_cast<Kind&>(*this), {context, object, parent, cursor, ownerNamespace, ownerType});
+}
 
 bool CElementInfoChoiceUntpdCol::ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
-                                                CXmlElement* parent, CXmlElement** cursor, const wchar_t*,
-                                                XmlElementType ownerType) {
-  const auto collection = GetCollection(*this, object);
-  if (collection == nullptr) return false;
-  const int countBefore = collection->GetCount();
-  CXmlElement* next = ReadWildcards(*this, context, collection, parent, *cursor);
-  return IsChosen(*collection, countBefore, *this, context, parent, next, cursor, ownerType);
-}
-
-CElementInfoChoiceClsOpt::CElementInfoChoiceClsOpt(const wchar_t* name, const wchar_t* ns, int propertyIndex,
-                                                   XmlElementType memberType, ClassFactory factory, int classId)
-    : CElementInfo(name, ns, propertyIndex, memberType, factory, classId) {}
-
-CElementInfoChoiceClsOpt::~CElementInfoChoiceClsOpt() = default;
-
-bool CElementInfoChoiceClsOpt::ElementToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
-                                            CXmlWriter* writer) const {
-  return ElementToXmlCls(context, object, writer, /*isOptionalChoice=*/false);
-}
-
-bool CElementInfoChoiceClsOpt::ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
-                                              CXmlElement* parent, CXmlElement** cursor, const wchar_t*,
-                                              XmlElementType) {
-  if (IsInlineGroup() ? *cursor == nullptr : !IsThisElement(context, *cursor)) return false;
-  const auto child = CreateChild(*this, GetFactory(), GetClassId());
-  if (child == nullptr) return false;
-  CXmlElement* element = *cursor;
-  StoreChild(*this, object, child, *element);
-  if (!IsInlineGroup()) {
-    ReadOwnElement(*this, context, child, cursor, /*isOptionalChoice=*/true);
-    return true;
-  }
-  if (ReadInline(*this, context, child, parent, cursor)) return true;
-  StoreNull(*this, object, *element);
-  return false;
-}
-
-CElementInfoChoiceAbsClsOpt::CElementInfoChoiceAbsClsOpt(const wchar_t* name, const wchar_t* ns, int propertyIndex,
-                                                         XmlElementType memberType, AbstractClassFactory factory)
-    : CElementInfo(name, ns, propertyIndex, memberType, factory) {}
-
-CElementInfoChoiceAbsClsOpt::~CElementInfoChoiceAbsClsOpt() = default;
-
-bool CElementInfoChoiceAbsClsOpt::ElementToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
-                                               CXmlWriter* writer) const {
-  return ElementToXmlCls(context, object, writer, /*isOptionalChoice=*/false);
-}
-
-bool CElementInfoChoiceAbsClsOpt::ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
-                                                 CXmlElement*, CXmlElement** cursor, const wchar_t*, XmlElementType) {
-  if (!IsThisElement(context, *cursor)) return false;
-  const auto child = CreateAbstractChild(GetAbstractFactory(), *cursor);
-  if (child == nullptr) {
-    StoreNull(*this, object, **cursor);
-    return false;
-  }
-  StoreChild(*this, object, child, **cursor);
-  ReadOwnElement(*this, context, child, cursor);
-  return true;
-}
-
-CElementInfoChoicePrimOpt::CElementInfoChoicePrimOpt(const wchar_t* name, const wchar_t* ns, int propertyIndex,
-                                                     bool nillable, ItemType type, const wchar_t* format,
-                                                     CWhitespaceUtils::WhitespaceRule whitespace,
-                                                     const CPrimitiveRestrictions& facets, const wchar_t* defaultValue)
-    : CElementInfo(name, ns, propertyIndex, nillable, type, format, whitespace, facets, defaultValue) {}
-
-CElementInfoChoicePrimOpt::~CElementInfoChoicePrimOpt() = default;
-
-bool CElementInfoChoicePrimOpt::ElementToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
-                                             CXmlWriter* writer) const {
-  return ElementToXmlPrim(context, object, writer);
-}
-
-bool CElementInfoChoicePrimOpt::ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
-                                               CXmlElement*, CXmlElement** cursor, const wchar_t*, XmlElementType) {
-  if (!IsThisElement(context, *cursor)) return false;
-  ElementFromXmlPrim(context, object, cursor);
-  return true;
-}
-
-CElementInfoChoiceEnumOpt::CElementInfoChoiceEnumOpt(const wchar_t* name, const wchar_t* ns, int propertyIndex,
-                                                     bool nillable, EnumToString enumToString,
-                                                     EnumFromString enumFromString, const wchar_t* defaultValue)
-    : CElementInfo(name, ns, propertyIndex, nillable, enumToString, enumFromString, defaultValue) {}
-
-CElementInfoChoiceEnumOpt::~CElementInfoChoiceEnumOpt() = default;
-
-bool CElementInfoChoiceEnumOpt::ElementToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
-                                             CXmlWriter* writer) const {
-  return ElementToXmlEnum(context, object, writer, GetEnumToString());
-}
-
-bool CElementInfoChoiceEnumOpt::ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
-                                               CXmlElement*, CXmlElement** cursor, const wchar_t*, XmlElementType) {
-  if (!IsThisElement(context, *cursor)) return false;
-  ElementFromXmlEnum(context, object, cursor);
-  return true;
-}
-
-CElementInfoChoiceUntpdOpt::CElementInfoChoiceUntpdOpt(const wchar_t* name, const wchar_t* ns, int propertyIndex,
-                                                       const wchar_t* namespaceConstraint,
-                                                       const wchar_t* targetNamespace)
-    : CElementInfo(name, ns, propertyIndex, MemberKind::Wildcard, XmlElementType_Element),
-      m_namespaceConstraint(TextOrEmpty(namespaceConstraint)),
-      m_targetNamespace(TextOrEmpty(targetNamespace)) {}
-
-CElementInfoChoiceUntpdOpt::~CElementInfoChoiceUntpdOpt() = default;
-
-bool CElementInfoChoiceUntpdOpt::ElementToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
-                                              CXmlWriter* writer) const {
-  return ElementToXmlCls(context, object, writer, /*isOptionalChoice=*/false);
-}
-
-bool CElementInfoChoiceUntpdOpt::ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
                                                 CXmlElement* parent, CXmlElement** cursor,
-                                                const wchar_t* ownerNamespace, XmlElementType) {
-  CXmlElement* current = *cursor;
-  if (current == nullptr) return false;
-  const auto element =
-      ReadNewWildcard(*this, context, parent, cursor, ownerNamespace, m_namespaceConstraint, m_targetNamespace);
-  if (element == nullptr) {
-    StoreNull(*this, object, *current);
-    return false;
-  }
-  StoreChild(*this, object, element, *current);
-  return true;
+                                                const wchar_t* ownerNamespace, XmlElementType ownerType) {
+  const MemberRead read{context, object, parent, cursor, ownerNamespace, ownerType};
+  return ReadChosenCollection(*this, read,
+                              [&](CXmlCollectionBase* collection) { return ReadWildcards(*this, read, collection); });
 }
+
+CElementInfoChoiceUntpdCol::~CElementInfoChoiceUntpdCol() = default;
+RKXML_CHOICE_RECORDS(RKXML_DEFINE_RECORD, RKXML_DEFINE_RECORD)
+RKXML_CHOICE_RECORDS(RKXML_DEFINE_RECORD_BASE, RKXML_NO_RECORD_BASE)
 
 }  // namespace RkXmlLib16Data

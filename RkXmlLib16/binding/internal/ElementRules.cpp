@@ -171,48 +171,37 @@ CSmartPtr<CXmlCollectionBase> GetCollection(const CElementInfo& info, const CXml
   return value.Get().TakeXmlCollection();
 }
 
-CSmartPtr<CXmlObjectBase> CreateChild(const CElementInfo& info, ClassFactory factory, int classId) {
-  return factory == nullptr ? nullptr : factory(classId, info.GetElementName().c_str());
-}
-
-CSmartPtr<CXmlObjectBase> CreateAbstractChild(AbstractClassFactory factory, CXmlElement* element) {
-  return factory == nullptr ? nullptr : factory(element);
-}
-
-CSmartPtr<CXmlObjectBase> GetOrCreateChild(const CElementInfo& info, CXmlGeneratedClass* object, ClassFactory factory,
-                                           int classId, const CXmlElement& element) {
-  CSmartPtr<CXmlObjectBase> child = GetChild(info, object);
+CSmartPtr<CXmlObjectBase> GetOrCreateChild(const CElementInfoCls& info, const MemberRead& read,
+                                           const CXmlElement& element) {
+  CSmartPtr<CXmlObjectBase> child = GetChild(info, read.object);
   if (child != nullptr) return child;
-  child = CreateChild(info, factory, classId);
-  if (child != nullptr) StoreChild(info, object, child, element);
+  child = info.Create(nullptr);
+  if (child != nullptr) StoreChild(info, read, child, element);
   return child;
 }
 
-void StoreChild(const CElementInfo& info, CXmlGeneratedClass* object, CXmlObjectBase* child,
-                const CXmlElement& element) {
+void StoreChild(const CElementInfo& info, const MemberRead& read, CXmlObjectBase* child, const CXmlElement& element) {
   ReadingValue value(/*charCount=*/0);
   value.Get().SetXmlObject(child);
-  info.InvokePropertySet(object, value.Get(), element);
+  info.InvokePropertySet(read.object, value.Get(), element);
 }
 
-void StoreNull(const CElementInfo& info, CXmlGeneratedClass* object, const CXmlElement& element) {
-  if (GetChild(info, object) != nullptr) StoreChild(info, object, nullptr, element);
+void StoreNull(const CElementInfo& info, const MemberRead& read, const CXmlElement& element) {
+  if (GetChild(info, read.object) != nullptr) StoreChild(info, read, nullptr, element);
 }
 
-void ReadOwnElement(CElementInfo& info, const CSerializationContext& context, CXmlObjectBase* child,
-                    CXmlElement** cursor, bool isOptionalChoice) {
-  CXmlElement* element = *cursor;
-  info.FromXml_Int(child, element, element->GetFirstElement(), context, isOptionalChoice);
-  *cursor = element->GetNextSiblingElement();
+void ReadOwnElement(CElementInfo& info, const MemberRead& read, CXmlObjectBase* child, bool isOptionalChoice) {
+  CXmlElement* const element = read.At();
+  info.FromXml_Int(child, element, element->GetFirstElement(), read.context, isOptionalChoice);
+  *read.cursor = element->GetNextSiblingElement();
 }
 
-bool ReadInline(CElementInfo& info, const CSerializationContext& context, CXmlObjectBase* child, CXmlElement* parent,
-                CXmlElement** cursor, bool keeps) {
-  CErrorSession::Attempt attempt(context);
-  CXmlElement* next = info.FromXml_Int(child, parent, *cursor, context, /*isOptionalChoice=*/false);
-  const bool consumed = next != *cursor;
+bool ReadInline(CElementInfo& info, const MemberRead& read, CXmlObjectBase* child, bool keeps) {
+  CErrorSession::Attempt attempt(read.context);
+  CXmlElement* next = info.FromXml_Int(child, read.parent, read.At(), read.context, /*isOptionalChoice=*/false);
+  const bool consumed = next != read.At();
   if (consumed || keeps) attempt.Keep();
-  *cursor = next;
+  *read.cursor = next;
   return consumed;
 }
 
@@ -220,26 +209,28 @@ bool AcceptsName(const CElementInfo& info, const CXmlElement* element) {
   return IsAnyElement(info) || element->GetLocalName() == info.GetElementName();
 }
 
-CXmlElement* ReadWildcards(CElementInfo& info, const CSerializationContext& context, CXmlCollectionBase* collection,
-                           CXmlElement* parent, CXmlElement* current) {
-  if (IsAnyElement(info)) return info.FromXml_Int(collection, parent, current, context, /*isOptionalChoice=*/false);
+CXmlElement* ReadWildcards(CElementInfo& info, const MemberRead& read, CXmlCollectionBase* collection) {
+  if (IsAnyElement(info))
+    return info.FromXml_Int(collection, read.parent, read.At(), read.context, /*isOptionalChoice=*/false);
   auto* elements = dynamic_cast<CElementCol*>(collection);
   if (elements == nullptr)
     throw CRkException(L"Serialization Data Error : The collection should be a CElementCol, it was not!");
   return elements->FromXmlLockElementName_Int(info.GetElementName().c_str(),
-                                              current == nullptr ? L"" : current->GetNamespaceURI().c_str(), parent,
-                                              current, context);
+                                              read.At() == nullptr ? L"" : read.At()->GetNamespaceURI().c_str(),
+                                              read.parent, read.At(), read.context);
 }
 
-CSmartPtr<CXmlObjectBase> ReadNewWildcard(CElementInfo& info, const CSerializationContext& context, CXmlElement* parent,
-                                          CXmlElement** cursor, const wchar_t* ownerNamespace,
-                                          const std::wstring& constraint, const std::wstring& targetNamespace) {
-  if (*cursor == nullptr || !AcceptsName(info, *cursor)) return nullptr;
-  const std::wstring ns =
-      CElementInfo::GetAnyDefaultNamespace(constraint.c_str(), ownerNamespace, targetNamespace.c_str());
+bool ReadNewWildcard(CElementInfoUntpd& info, const MemberRead& read) {
+  const CXmlElement* const current = read.At();
+  if (current == nullptr || !AcceptsName(info, current)) return false;
+  const wchar_t* const constraint = info.GetNamespaceConstraint().c_str();
+  const wchar_t* const targetNamespace = info.GetTargetNamespace().c_str();
+  const std::wstring ns = CElementInfo::GetAnyDefaultNamespace(constraint, read.ownerNamespace, targetNamespace);
   CSmartPtr<CXmlObjectBase> element(
-      new CElement(info.GetElementName().c_str(), ns.c_str(), constraint.c_str(), targetNamespace.c_str()));
-  return ReadInline(info, context, element, parent, cursor) ? element : nullptr;
+      new CElement(info.GetElementName().c_str(), ns.c_str(), constraint, targetNamespace));
+  if (!ReadInline(info, read, element)) return false;
+  StoreChild(info, read, element, *current);
+  return true;
 }
 
 }  // namespace RkXmlLib16Data

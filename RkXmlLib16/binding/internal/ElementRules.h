@@ -6,7 +6,7 @@
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/SmartPtr.h"
-#include "RkXmlLib16/binding/ElementInfo.h"
+#include "RkXmlLib16/binding/ElementInfoKinds.h"
 #include "RkXmlLib16/collections/CollectionBase.h"
 
 // The rules that records of more than one content model share.
@@ -16,11 +16,36 @@ using RkXmlLib16::CRkException;
 using RkXmlLib16::CRkValidationException;
 using RkXmlLib16::CXmlCollectionBase;
 
+// What ElementFromXml is called with.
+struct MemberRead {
+  const CSerializationContext& context;
+  CXmlGeneratedClass* object;
+  CXmlElement* parent;
+  CXmlElement** cursor;
+  const wchar_t* ownerNamespace;
+  XmlElementType ownerType;
+
+  CXmlElement* At() const { return *cursor; }
+  void MoveOn() const { *cursor = At()->GetNextSiblingElement(); }
+  bool HasOwnElement() const { return ownerType == RkXmlLib16::XmlElementType_Element; }
+};
+
 // `written`, or CRkInvalidParamException "The Property [%ls] is mandatory, it may not be NULL".
 bool RequireWritten(const CElementInfo& info, bool written);
 // Checks the bounds of the collection, unless the context ignores them, and writes it.
 bool CheckedColToXml(const CElementInfo& info, const CSerializationContext& context, const CXmlGeneratedClass* object,
                      CXmlWriter* writer);
+// The ElementToXml of a sequence and of an all group.
+template <Cardinality kCardinality, class Kind>
+bool WriteMember(const Kind& info, const CSerializationContext& context, const CXmlGeneratedClass* object,
+                 CXmlWriter* writer) {
+  if constexpr (kCardinality == Cardinality::Col)
+    return CheckedColToXml(info, context, object, writer);
+  else if constexpr (kCardinality == Cardinality::Mnd)
+    return RequireWritten(info, info.Write(context, object, writer));
+  else
+    return info.Write(context, object, writer);
+}
 
 // CRkValidationException with the path of `parent`: "Failed to find the required child element [%ls].".
 CRkValidationException MissingChild(const CElementInfo& info, const CXmlElement* parent);
@@ -36,6 +61,9 @@ void RefuseMissing(const CSerializationContext& context, CRkException error, con
 inline void RefuseMissing(const CSerializationContext& context, CRkException error, const CElementInfo& info,
                           const CXmlElement* parent, const CXmlElement* standing) {
   RefuseMissing(context, std::move(error), info.GetElementName(), info.GetNamespace(), parent, standing);
+}
+inline void RefuseMissing(const MemberRead& read, CRkException error, const CElementInfo& info) {
+  RefuseMissing(read.context, std::move(error), info, read.parent, read.At());
 }
 // Checks the count of a collection that was read, and refuses a wrong one.
 void RequireCount(const CSerializationContext& context, const CXmlCollectionBase& collection, const CElementInfo& info,
@@ -55,37 +83,55 @@ void PassOverUnexpected(const CSerializationContext& context, const CXmlGenerate
 // The member as the object holds it; null when it holds none.
 CSmartPtr<CXmlObjectBase> GetChild(const CElementInfo& info, const CXmlGeneratedClass* object);
 CSmartPtr<CXmlCollectionBase> GetCollection(const CElementInfo& info, const CXmlGeneratedClass* object);
-// The child that the owner created, or one that the factory makes and the property then holds; null when neither does.
+// The child that the owner created, or one that the record makes and the property then holds; null when neither does.
 // `element` is named when the setter refuses.
-CSmartPtr<CXmlObjectBase> GetOrCreateChild(const CElementInfo& info, CXmlGeneratedClass* object, ClassFactory factory,
-                                           int classId, const CXmlElement& element);
-CSmartPtr<CXmlObjectBase> CreateChild(const CElementInfo& info, ClassFactory factory, int classId);
-CSmartPtr<CXmlObjectBase> CreateAbstractChild(AbstractClassFactory factory, CXmlElement* element);
+CSmartPtr<CXmlObjectBase> GetOrCreateChild(const CElementInfoCls& info, const MemberRead& read,
+                                           const CXmlElement& element);
 // Stores the child (may be null); `element` is named when the setter refuses.
-void StoreChild(const CElementInfo& info, CXmlGeneratedClass* object, CXmlObjectBase* child,
-                const CXmlElement& element);
+void StoreChild(const CElementInfo& info, const MemberRead& read, CXmlObjectBase* child, const CXmlElement& element);
 // Takes the child out again; a property that is null already is left alone, so that its setter is not called.
-void StoreNull(const CElementInfo& info, CXmlGeneratedClass* object, const CXmlElement& element);
+void StoreNull(const CElementInfo& info, const MemberRead& read, const CXmlElement& element);
 
 // Lets the child read the element under the cursor and moves the cursor to the next sibling.
-void ReadOwnElement(CElementInfo& info, const CSerializationContext& context, CXmlObjectBase* child,
-                    CXmlElement** cursor, bool isOptionalChoice = false);
-// Lets the object or collection read from the cursor's place among the children of `parent`; whether it consumed
+void ReadOwnElement(CElementInfo& info, const MemberRead& read, CXmlObjectBase* child, bool isOptionalChoice = false);
+// Lets the object or collection read from the cursor's place among the children of the parent; whether it consumed
 // anything. The cursor moves over what was consumed.
 // `keeps`: what went wrong counts even if nothing was consumed.
-bool ReadInline(CElementInfo& info, const CSerializationContext& context, CXmlObjectBase* child, CXmlElement* parent,
-                CXmlElement** cursor, bool keeps = false);
+bool ReadInline(CElementInfo& info, const MemberRead& read, CXmlObjectBase* child, bool keeps = false);
 
 // Wildcards. A record called "AnyElement" takes elements of any local name.
 bool AcceptsName(const CElementInfo& info, const CXmlElement* element);
 // Lets a wildcard collection read from the cursor's place; the first element that it left.
-CXmlElement* ReadWildcards(CElementInfo& info, const CSerializationContext& context, CXmlCollectionBase* collection,
-                           CXmlElement* parent, CXmlElement* current);
-// A new wildcard element that has read the element under the cursor, with the cursor behind it; null when the record
-// does not take the element.
-CSmartPtr<CXmlObjectBase> ReadNewWildcard(CElementInfo& info, const CSerializationContext& context, CXmlElement* parent,
-                                          CXmlElement** cursor, const wchar_t* ownerNamespace,
-                                          const std::wstring& constraint, const std::wstring& targetNamespace);
+CXmlElement* ReadWildcards(CElementInfo& info, const MemberRead& read, CXmlCollectionBase* collection);
+// Lets a new wildcard element read the element under the cursor, moves on and stores it; whether the record takes it.
+bool ReadNewWildcard(CElementInfoUntpd& info, const MemberRead& read);
+
+// Whether a member may stand at the cursor: an element of its own, or, `isInline`, anything that a group could begin
+// with.
+inline bool MayRead(const CElementInfo& info, const MemberRead& read, bool isInline) {
+  return isInline ? read.At() != nullptr : info.IsThisElement(read.context, read.At());
+}
+// Read the element under the cursor if it is the member's own, and move on; whether they consumed anything.
+template <class Value>
+bool ReadValue(Value& info, const MemberRead& read) {
+  if (!info.IsThisElement(read.context, read.At())) return false;
+  info.Read(read.context, read.object, read.cursor);
+  return true;
+}
+// The object is a new one, stored when it consumed something.
+template <class Kind>
+bool ReadNewObject(Kind& info, const MemberRead& read, bool isInline) {
+  if (!MayRead(info, read, isInline)) return false;
+  const CXmlElement& element = *read.At();
+  const CSmartPtr<CXmlObjectBase> child = info.Create(read.At());
+  if (child == nullptr) return false;
+  if (!isInline)
+    ReadOwnElement(info, read, child);
+  else if (!ReadInline(info, read, child))
+    return false;
+  StoreChild(info, read, child, element);
+  return true;
+}
 
 }  // namespace RkXmlLib16Data
 
