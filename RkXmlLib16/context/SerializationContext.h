@@ -76,7 +76,8 @@ class RKXML_EXPORT CSerializationContext {
   // Writing: refuse what a reader would not give back as it was, in every form, with CRkException "Refused to write
   // ...": names, namespaces and prefixes that XML does not have, characters that it cannot hold, carriage returns in
   // text, a second attribute of one name, markup that is not well-formed. JSON is strict then, and a tab in an
-  // attribute is written as "&#9;", also by the conversion of JSON while it is read. Off at first.
+  // attribute is written as "&#9;", also by the conversion of JSON while it is read. Comments, processing instructions
+  // and in-line schemas are no part of what readers give back: JSON and Fast Infoset leave them out. Off at first.
   bool GetWellFormedOutput() const noexcept { return m_settings.wellFormedOutput; }
   void SetWellFormedOutput(bool refuse) noexcept { m_settings.wellFormedOutput = refuse; }
   // Reading: refuse documents with a document type declaration, of any form, before anything in it is looked at. Off at

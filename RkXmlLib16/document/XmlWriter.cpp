@@ -54,6 +54,9 @@ struct CXmlWriter::CXmlWriterContext::Document {
     std::uintptr_t names = 0;
   };
   std::unordered_map<std::wstring, PrefixUse, CKeyedHash> prefixUses;
+  // The namespaces, or null, of prefixes that are declared in the innermost element but not used for names.
+  using ReplacedPrefixes = std::unordered_map<std::wstring, const CNamespaceName*, CKeyedHash>;
+  ReplacedPrefixes replaced;
 
   // Once it is there the use of a prefix stays, so that it can come back without failing.
   void Count(const Declaration& declaration, const std::wstring& prefix, long more) noexcept {
@@ -84,7 +87,6 @@ struct CXmlWriter::CXmlWriterContext::Scope {
     around.PassUsedPrefixes();
     document = around.document;
     defaultNamespace = around.defaultNamespace;
-    replaced = around.replaced;
     outer = &around;
     level = around.level + 1;
     firstFree = around.firstFree;
@@ -93,7 +95,8 @@ struct CXmlWriter::CXmlWriterContext::Scope {
   // Empties the scope and keeps its storage for another element.
   void Close() noexcept {
     while (count != 0) Remove(declared[--count]);
-    replaced.reset();
+    for (; !formerlyReplaced.empty(); formerlyReplaced.pop_back())
+      formerlyReplaced.back().first->second = formerlyReplaced.back().second;
     merged.reset();
   }
 
@@ -139,39 +142,29 @@ struct CXmlWriter::CXmlWriterContext::Scope {
     return false;
   }
 
-  // Whether this scope itself declares the prefix for a namespace.
+  // Whether this scope, which is the innermost one, declares the prefix for a namespace.
   bool Declares(const std::wstring& prefix) const {
-    for (std::size_t i = 0; i < count; ++i)
-      if (declared[i].prefix == prefix) return true;
-    return false;
+    const std::vector<const CNamespaceName*> names = NamesWith(prefix);
+    return std::any_of(names.begin(), names.end(), [&](const auto* name) { return Find(*name)->level == level; });
   }
 
   // Takes the prefix from the namespaces that have it, which are returned: from here on it stands for another one.
   std::vector<const CNamespaceName*> HidePrefix(const std::wstring& prefix) {
-    std::vector<const CNamespaceName*> hidden;
-    if (FindReplaced(prefix) != nullptr) OwnReplaced().erase(prefix);
-    if (!HasPrefix(prefix)) return hidden;
-    const auto use = document->prefixUses.find(prefix);
-    if (document->arePrefixesCounted && !document->arePrefixesGivenAway && use->second.count == 1) {
-      hidden.push_back(reinterpret_cast<const CNamespaceName*>(use->second.names));
-    } else {
-      for (const Scope* scope = this; scope != nullptr; scope = scope->outer)
-        for (std::size_t i = 0; i < scope->count; ++i)
-          if (scope->declared[i].prefix == prefix && Find(*scope->declared[i].name) == &scope->declared[i])
-            hidden.push_back(scope->declared[i].name);
-    }
+    if (FindReplaced(prefix) != nullptr) SetReplaced(prefix, nullptr);
+    std::vector<const CNamespaceName*> hidden = NamesWith(prefix);
     for (const CNamespaceName* const name : hidden) Declare(*name, std::wstring());
     return hidden;
   }
 
   // The namespace of a prefix that is declared in the document but not used for names.
   const CNamespaceName* FindReplaced(const std::wstring& prefix) const {
-    if (replaced == nullptr) return nullptr;
-    const auto found = replaced->find(prefix);
-    return found != replaced->end() ? found->second : nullptr;
+    const auto found = document->replaced.find(prefix);
+    return found != document->replaced.end() ? found->second : nullptr;
   }
 
-  void KeepReplaced(const std::wstring& prefix, const CNamespaceName& name) { OwnReplaced().emplace(prefix, &name); }
+  void KeepReplaced(const std::wstring& prefix, const CNamespaceName& name) {
+    if (FindReplaced(prefix) == nullptr) SetReplaced(prefix, &name);
+  }
 
   // `reserved` is not taken either.
   std::wstring UniquePrefix(const std::wstring& reserved) {
@@ -190,14 +183,27 @@ struct CXmlWriter::CXmlWriterContext::Scope {
   const CNamespaceName* defaultNamespace = nullptr;
 
  private:
-  using PrefixMap = std::map<std::wstring, const CNamespaceName*>;
+  void SetReplaced(const std::wstring& prefix, const CNamespaceName* name) {
+    auto& entry = *document->replaced.try_emplace(prefix, nullptr).first;
+    formerlyReplaced.emplace_back(&entry, entry.second);
+    entry.second = name;
+  }
 
-  PrefixMap& OwnReplaced() {
-    if (replaced == nullptr)
-      replaced = std::make_shared<PrefixMap>();
-    else if (replaced.use_count() != 1)
-      replaced = std::make_shared<PrefixMap>(*replaced);
-    return *replaced;
+  // The namespaces for which the prefix is in effect.
+  std::vector<const CNamespaceName*> NamesWith(const std::wstring& prefix) const {
+    std::vector<const CNamespaceName*> names;
+    if (!HasPrefix(prefix)) return names;
+    if (document->arePrefixesCounted && !document->arePrefixesGivenAway) {
+      const Document::PrefixUse& use = document->prefixUses.find(prefix)->second;
+      if (use.count == 1) return {reinterpret_cast<const CNamespaceName*>(use.names)};
+    }
+    for (const Scope* scope = this; scope != nullptr; scope = scope->outer) {
+      for (std::size_t i = 0; i < scope->count; ++i) {
+        const Declaration& declaration = scope->declared[i];
+        if (declaration.prefix == prefix && Find(*declaration.name) == &declaration) names.push_back(declaration.name);
+      }
+    }
+    return names;
   }
 
   Declaration& Add(const CNamespaceName& name, const std::wstring& prefix) {
@@ -265,8 +271,8 @@ struct CXmlWriter::CXmlWriterContext::Scope {
   int level = 0;
   int firstFree = 0;  // all invented prefixes before this one are in use
   std::deque<Declaration> declared;
-  std::size_t count = 0;                // of the declarations that are in use, first ones first; the others are spare
-  std::shared_ptr<PrefixMap> replaced;  // shared with scopes inside
+  std::size_t count = 0;  // of the declarations that are in use, first ones first; the others are spare
+  std::vector<std::pair<Document::ReplacedPrefixes::value_type*, const CNamespaceName*>> formerlyReplaced;
   mutable std::unique_ptr<NamespaceMap> merged;
 };
 
@@ -547,6 +553,7 @@ void CXmlWriter::CheckElement(const std::wstring& localName, const std::wstring&
 void CXmlWriter::SetChecks(std::unique_ptr<OutputChecks> checks) { m_checks = std::move(checks); }
 
 void CXmlWriter::PopContext() {
+  if (m_checks != nullptr) m_checks->EndElement();
   std::unique_ptr<CXmlWriterContext> context = std::move(m_context);
   m_context = std::move(context->m_parent);
   if (context->m_ownScope != nullptr) {

@@ -56,6 +56,7 @@ class RKXML_EXPORT CXmlWriter {
     void SetDefaultNamespace(const std::wstring& namespaceUri);
     void SetNamespaceMapValue(const std::wstring& namespaceUri, const std::wstring& prefix);
     // The prefix of the namespace in scope. Like a map's subscript: an absent namespace is added with an empty prefix.
+    // Since the caller may change the prefix at any time, each search for one then looks at all declarations in scope.
     std::wstring& GetNamespaceMapValue(const std::wstring& namespaceUri);
     std::wstring& GetNamespaceMapValue(const wchar_t* namespaceUri);
     // The prefix of the namespace in scope, or null; inserts nothing.

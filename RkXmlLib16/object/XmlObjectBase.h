@@ -52,7 +52,8 @@ class RKXML_EXPORT IEventSink {
 //
 // Reference counting: the count starts at 0; who keeps a pointer calls AddRef and later Release, and the object deletes
 // itself when Release brings the count back to 0. An object on the stack keeps the count 0 and works with every entry
-// point.
+// point. Counts may change in several threads at once, but not in a signal handler: changing one takes several steps
+// while the process has one thread.
 //
 // Every entry point throws CRkException or a subclass of it (and std::bad_alloc), nothing else. A From* entry point
 // fills the object in place: members that the document does not mention keep their values, and after an exception the

@@ -203,6 +203,30 @@ TEST(Growth, ManyNamespaces) {
   }
 }
 
+// Values that need another prefix of a namespace, so that names take it too, each inside the others.
+TEST(Growth, ReplacedPrefixes) {
+  const auto make = [](int n, bool isOnePrefix) {
+    std::string root = "<r", elements, values;
+    for (int i = 10000; i < 10000 + n; ++i) {
+      const std::string number = std::to_string(i);
+      const std::string other = isOnePrefix ? "q" : "q" + number;
+      root += " xmlns:p" + number + "='urn:" + number + "'";
+      values += "p" + number + ":x ";
+      elements += "<e xmlns:" + other + "='urn:" + number + "' v='" + other + ":x'>";
+    }
+    return root + " v='" + values + "'>" + elements + Times(n, "</e>") + "</r>";
+  };
+  for (const bool isOnePrefix : {false, true}) {
+    for (const auto& form : kForms) {
+      SCOPED_TRACE(form.name);
+      if (form.write == kForms[1].write) continue;  // JSON needs the prefixes of the settings
+      ExpectLinear(isOnePrefix ? "one" : "many", [&](int n) -> std::function<void()> {
+        return [element = Read(make(n, isOnePrefix)), &form] { form.write(*element); };
+      });
+    }
+  }
+}
+
 TEST(Growth, FrontOfCollections) {
   ExpectLinear("values", [](int n) -> std::function<void()> {
     return [n] {

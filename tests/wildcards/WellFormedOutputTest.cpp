@@ -102,6 +102,22 @@ TEST(WellFormedOutput, RefusesRawTextThatIsNoSection) {
   }
 }
 
+TEST(WellFormedOutput, RefusesAnAttributeThatRepeatsAfterAChildInJson) {
+  CTextStream stream;
+  CJsonTextWriter writer(stream);
+  writer.Open();
+  writer.SetStrictOutput(true);
+  writer.SetWellFormedOutput(true);
+  writer.WriteStartDocument();
+  writer.WriteStartElement(L"r", L"");
+  const auto attribute = [&] { writer.WriteAttributeString(L"a", L"", L"1", ItemType_string); };
+  attribute();
+  writer.WriteStartElement(L"c", L"");
+  attribute();
+  writer.WriteEndElement();
+  EXPECT_TEXT(L"CRkException: Refused to write the second attribute [a].", Thrown(attribute));
+}
+
 TEST(WellFormedOutput, WritesTheRestAsItComesBack) {
   CSerializationContext context;
   context.SetWellFormedOutput(true);

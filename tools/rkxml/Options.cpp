@@ -69,6 +69,7 @@ void ApplyLimits(CReadLimits& limits, std::string_view value) {
       {"inflated-bytes", &CReadLimits::SetMaxInflatedBytes},
       {"inflation-ratio", &CReadLimits::SetMaxInflationRatio},
       {"expansion-ratio", &CReadLimits::SetMaxExpansionRatio},
+      {"pattern-steps", &CReadLimits::SetMaxPatternSteps},
   };
   if (value == "none") {
     for (const auto& limit : kLimits) (limits.*limit.set)(0);

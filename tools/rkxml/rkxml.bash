@@ -28,7 +28,7 @@ _rkxml() {
     --indent) mapfile -t COMPREPLY < <(compgen -W 'tab 2 4' -- "$current") && return ;;
     --eol) mapfile -t COMPREPLY < <(compgen -W 'lf crlf' -- "$current") && return ;;
     --mode) mapfile -t COMPREPLY < <(compgen -W '0 1 2' -- "$current") && return ;;
-    --limits) mapfile -t COMPREPLY < <(compgen -W 'none depth= nodes= characters= inflated-bytes= inflation-ratio= expansion-ratio=' -- "$current") && return ;;
+    --limits) mapfile -t COMPREPLY < <(compgen -W 'none depth= nodes= characters= inflated-bytes= inflation-ratio= expansion-ratio= pattern-steps=' -- "$current") && return ;;
     --schema | --catalog) mapfile -t COMPREPLY < <(compgen -f -- "$current") && return ;;
     --encoding) mapfile -t COMPREPLY < <(compgen -W 'utf-8 utf-16 wide' -- "$current") && return ;;
   esac

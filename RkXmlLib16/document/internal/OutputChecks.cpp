@@ -56,7 +56,8 @@ void OutputChecks::Element(std::wstring_view localName, std::wstring_view namesp
   Namespace(namespaceUri);
   if (namespaceUri.empty() && isInDefault && m_form != Form::FastInfoset)
     Refuse(L"element without a namespace below a default namespace", localName);
-  m_attributes.clear();
+  if (++m_depth == m_attributes.size()) m_attributes.emplace_back();
+  m_attributes[m_depth].clear();
 }
 
 void OutputChecks::Attribute(std::wstring_view localName, std::wstring_view namespaceUri, std::wstring_view value) {
@@ -67,7 +68,7 @@ void OutputChecks::Attribute(std::wstring_view localName, std::wstring_view name
   Characters(value, m_form == Form::FastInfoset);
   std::wstring key(namespaceUri);
   key += L'|';
-  if (!m_attributes.insert(key += localName).second) Refuse(L"second attribute", localName);
+  if (!m_attributes[m_depth].insert(key += localName).second) Refuse(L"second attribute", localName);
 }
 
 void OutputChecks::Declaration(std::wstring_view prefix, std::wstring_view namespaceUri) const {

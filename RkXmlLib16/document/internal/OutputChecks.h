@@ -1,9 +1,11 @@
 #ifndef RKXMLLIB16_DOCUMENT_INTERNAL_OUTPUTCHECKS_H
 #define RKXMLLIB16_DOCUMENT_INTERNAL_OUTPUTCHECKS_H
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <unordered_set>
+#include <vector>
 
 namespace RkXmlLib16 {
 
@@ -13,10 +15,11 @@ class OutputChecks {
  public:
   enum class Form { Xml, Json, FastInfoset };
 
-  explicit OutputChecks(Form form) noexcept : m_form(form) {}
+  explicit OutputChecks(Form form) : m_form(form), m_attributes(1) {}
 
-  // `isInDefault` tells whether an element without a prefix here is in a default namespace.
+  // An element begins. `isInDefault` tells whether one without a prefix here is in a default namespace.
   void Element(std::wstring_view localName, std::wstring_view namespaceUri, bool isInDefault);
+  void EndElement() noexcept { m_depth -= m_depth > 0; }
   void Attribute(std::wstring_view localName, std::wstring_view namespaceUri, std::wstring_view value);
   void Declaration(std::wstring_view prefix, std::wstring_view namespaceUri) const;
   void TypeName(std::wstring_view name) const;
@@ -31,7 +34,8 @@ class OutputChecks {
   void Namespace(std::wstring_view namespaceUri) const;
 
   const Form m_form;
-  std::unordered_set<std::wstring> m_attributes;  // of the element written last
+  std::vector<std::unordered_set<std::wstring>> m_attributes;  // of the open elements; JSON takes some after a child
+  std::size_t m_depth = 0;                                     // of the innermost one
 };
 
 }  // namespace RkXmlLib16
