@@ -21,7 +21,7 @@ RKXML_ERROR(103, EmptyInput, "there is no document", L"XML String is empty!", L"
 // 200: the form of the document
 RKXML_ERROR(202, NamespaceWithBar, "a namespace URI contains '|'",
             L"A namespace URI contains the character '|' at line %d")
-RKXML_ERROR(203, DocumentTypeRefused, "the document has a DTD, and the context refuses those",
+RKXML_ERROR(203, DocumentTypeRefused, "the context refuses a DTD",
             L"A document type declaration is not allowed at line %d",
             L"A document type declaration is not allowed in Fast Infoset")
 RKXML_ERROR(210, JsonTooDeep, "JSON values are more than 100 deep",
@@ -31,10 +31,9 @@ RKXML_ERROR(212, JsonEscape, "an escape in a JSON string is none",
             L"Invalid Escape Character '%c' at line %d, position %d.")
 RKXML_ERROR(213, JsonSyntax, "JSON text is not well-formed", L"Expected %ls, found '%c' at line %d, position %d.",
             L"Expected %ls at line %d, position %d.")
-RKXML_ERROR(214, JsonName, "JSON has a name or an array without a name that XML cannot hold",
-            L"JSON item has an empty Name.", L"JSON Array has no Name.",
-            L"Failed to convert name '%ls' to Element name in XML.")
-RKXML_ERROR(215, JsonValue, "JSON has a value that XML cannot hold",
+RKXML_ERROR(214, JsonName, "a JSON name that XML cannot hold, or none for an array", L"JSON item has an empty Name.",
+            L"JSON Array has no Name.", L"Failed to convert name '%ls' to Element name in XML.")
+RKXML_ERROR(215, JsonValue, "a JSON value that XML cannot hold",
             L"Failed to convert value '%ls' to Attribute string value in XML.",
             L"Failed to convert value '%ls' to Element string value in XML.")
 RKXML_ERROR(220, FastInfosetEnds, "a Fast Infoset ends too early",
@@ -44,9 +43,9 @@ RKXML_ERROR(222, FastInfosetValue, "octets of an encoding algorithm are no value
             L"Invalid value for %ls byte encoding.", L"Unknown byte encoding.", L"Invalid encoding index [%d]")
 
 // 300: limits
-RKXML_ERROR(301, LimitExceeded, "the document asks for more than a limit of the context allows",
-            L"Limit exceeded: %ls %d.", L"A name is too long.", L"A value is too long.",
-            L"The text of an element is too long.", L"The document has too many names.")
+RKXML_ERROR(301, LimitExceeded, "the document exceeds a limit of the context", L"Limit exceeded: %ls %d.",
+            L"A name is too long.", L"A value is too long.", L"The text of an element is too long.",
+            L"The document has too many names.")
 
 // 400: values. The facets have numbers of their own, 431 and up.
 RKXML_ERROR(
@@ -87,7 +86,7 @@ RKXML_ERROR(441, FacetFractionDigits, "a value breaks the facet fractionDigits",
 RKXML_ERROR(501, MissingElement, "a mandatory element is missing", L"Failed to find the required child element [%ls].",
             L"Failed to find the mandatory element [%ls].",
             L"Failed to find the required element from namespace [%ls].")
-RKXML_ERROR(502, MissingSubstitution, "no element that can stand for an abstract one, or one of an unknown type",
+RKXML_ERROR(502, MissingSubstitution, "no known element stands for an abstract one",
             L"Failed to find a suitable substitution element for [%ls].")
 RKXML_ERROR(503, UnexpectedElement, "an element that the class does not know, or not in this place",
             L"Failed read all the elements held within the element [%ls]. The unexpected element [%ls] remains un "
@@ -132,7 +131,7 @@ RKXML_ERROR(605, FastInfosetUnwritable, "a Fast Infoset cannot hold it", L"Faile
             L"Invalid Fast Infoset declaration [%d]")
 RKXML_ERROR(606, UnknownEncoding, "the encoding, line end or format of the output is unknown",
             L"Unknown Encoding, select UTF-8 (contact our support team)", L"Invalid EOL type.", L"Unknown Format: %ls")
-RKXML_ERROR(607, RefusedOutput, "the document would not be read back the same, and the context refuses that",
+RKXML_ERROR(607, RefusedOutput, "the document would not be read back the same",
             L"Refused to write the character U+%ls.", L"Refused to write the %ls [%ls].")
 
 // 700: calls by the program
@@ -141,14 +140,14 @@ RKXML_ERROR(701, IndexOutOfRange, "an index out of range", L"Index out of range"
 RKXML_ERROR(702, ChoiceAlreadySet, "another member of the choice is set",
             L"The Property [%ls] is already set. Only one element within this class bay be set at a time",
             L"The Property %ls is already set. Only one element within this class bay be set at a time")
-RKXML_ERROR(703, WrongElementName, "an object with another element name than the property asks for",
+RKXML_ERROR(703, WrongElementName, "an object with another element name than its property",
             L"This property requires an element with the name %ls the element being set has the element name %ls")
 RKXML_ERROR(
-    704, OpposedSettings, "settings of the context that exclude each other, or a wrong one",
+    704, OpposedSettings, "a wrong setting, or two that exclude each other",
     L"The parser can only ignore additional elements, or ignore the fact that some required ones are missing, you "
     L"can not ignore both\n%ls",
     L"IndentChars can only contain Whitespace characters, i.e. \\t or spaces")
-RKXML_ERROR(705, WrongDateType, "a part or conversion that the type of a date does not have", L"Failed to Get%ls",
+RKXML_ERROR(705, WrongDateType, "a part or conversion that a date does not have", L"Failed to Get%ls",
             L"Failed to Set%ls", L"Failed to copy CDateTime. %ls",
             L"Dates added to this collection must be of type %ls", L"Error: Date Not Set",
             L"GetTime, Date Status must be dateTime or date", L"TimeZone is not been used", L"The source CDateTime %ls",
