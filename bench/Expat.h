@@ -6,7 +6,8 @@
 
 namespace Bench {
 
-// The floor: the 16-bit parser with namespace processing and callbacks that only count. Returns the number of elements.
+// The baseline: the 16-bit parser with namespace processing and callbacks that only count. Returns the number of
+// elements.
 std::size_t ParseWithBareExpat(const std::string& xml);
 
 }  // namespace Bench

@@ -84,7 +84,7 @@ void PrintTable(const Subject& subject, const MedianReporter& times) {
   std::printf("\n%s\n%-34s %9s %12s %13s %12s\n", subject.name.c_str(), "operation", "MB/s", "ratio", "allocations",
               "peak memory");
   std::printf("%-34s %9s %12s %13s %12s\n", "", "", "to expat", "per element", "times input");
-  const double floor = times.Seconds(Key(subject, subject.operations.front()));
+  const double baseline = times.Seconds(Key(subject, subject.operations.front()));
   for (const Operation& operation : subject.operations) {
     const double seconds = times.Seconds(Key(subject, operation));
     if (seconds == 0) continue;
@@ -94,7 +94,7 @@ void PrintTable(const Subject& subject, const MedianReporter& times) {
     const Bench::HeapUse heap = Bench::StopCounting();
     operation.finish();
     std::printf("%-34s %9.1f %12.2f %13.2f %12.2f\n", operation.name.c_str(),
-                static_cast<double>(subject.bytes) / seconds / 1e6, seconds / floor,
+                static_cast<double>(subject.bytes) / seconds / 1e6, seconds / baseline,
                 static_cast<double>(heap.allocations) / static_cast<double>(subject.elements),
                 static_cast<double>(heap.peakBytes) / static_cast<double>(subject.bytes));
   }

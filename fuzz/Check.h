@@ -32,7 +32,7 @@ std::wstring Describe(const CElement& tree);
 // twice on an element.
 bool IsXml(const CElement& tree);
 
-// Whether JSON, which may be nested 100 levels deep, has room for the tree.
+// Whether JSON, which may be nested 100 levels deep, has space for the tree.
 bool FitsJson(const CElement& tree);
 
 // The tree is the same after XML text, JSON text and Fast Infoset.

@@ -52,7 +52,8 @@ Bytes ReadFile(const CFileName& fileName) {
     const int error = errno;
     throw CRkException(FormatString(L"Failed to get the size of the file [%ls] Error [%d]", name, error));
   }
-  // A first byte shows that there is something to read before room is made for all of it: a directory has a length too.
+  // A first byte shows that there is something to read before space is made for all of it: a directory has a length
+  // too.
   errno = 0;
   unsigned char first = 0;
   if (length == 0 || file.Read(&first, 1) != 1) throwUnread();

@@ -80,7 +80,7 @@ class ObjectLevel {
   static inline thread_local unsigned long s_depth = 0;
 };
 
-// Apart, so that the objects inside each other do not all have the room for it on the stack.
+// Apart, so that the objects inside each other do not all have the space for it on the stack.
 [[noreturn, gnu::noinline]] void ThrowWithPath(CRkException& e, const CXmlElement* element) {
   if (typeid(e) == typeid(CRkException) && !e.GetPath().empty()) throw;
   if (!e.GetPath().empty()) throw CRkException(e);

@@ -37,7 +37,7 @@ bool HasSimpleContent(const CParentElementInfo& info) {
   return value.IsNil();
 }
 
-// These two stand apart, so that the objects inside each other do not all have the room for them on the stack.
+// These two stand apart, so that the objects inside each other do not all have the space for them on the stack.
 [[noreturn, gnu::noinline]] void ThrowNotWritten(const CXmlGeneratedClass& object, CRkException& e) {
   throw CRkValidationException(
       FormatString(L"Failed to convert the element [%ls] to XML", object.GetElementNameRef().c_str()), std::wstring(),

@@ -9,7 +9,7 @@
 namespace RkXmlLib16 {
 
 // How much a document may ask for while it is read, whatever its form: XML text, JSON or Fast Infoset, plain or
-// compressed. The defaults are far from what an honest document needs; 0 means no limit. A document over a limit throws
+// compressed. The defaults are far above what a real document needs; 0 means no limit. A document over a limit throws
 // CRkException "Limit exceeded: ...", which names the limit and its value.
 //
 //   CSerializationContext ctx;

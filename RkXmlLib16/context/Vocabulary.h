@@ -111,7 +111,7 @@ class RKXML_EXPORT CFIStringTable {
   // Adds the text under the next index even when it is present already, unless the table is full.
   void Append(std::wstring_view text);
   // Find and Add in steps that make the key of the text once. AddNew is for a text that Find did not find and that the
-  // table has room for.
+  // table has space for.
   CFIKey KeyOf(std::wstring_view text) const noexcept;
   unsigned long Find(std::wstring_view text, const CFIKey& key) const;
   void AddNew(std::wstring_view text, const CFIKey& key);

@@ -67,7 +67,7 @@ struct RKXML_HIDDEN CXmlDocument::Storage {
   void CountCharacters(std::size_t charCount);
   [[noreturn]] void ThrowExceeded(const wchar_t* name, unsigned long value) const;
   void DropDeclarations(std::size_t count);  // those after the first so many
-  // The block with room for `more` characters behind its text, moved if need be.
+  // The block with space for `more` characters behind its text, moved if need be.
   CXmlTextBlock* Reserve(CXmlTextBlock* block, std::size_t more);
   // The shared block of the text of `block` (shared, or null) and the blanks; null when there can be none.
   CXmlTextBlock* ShareBlanks(const CXmlTextBlock* block, std::wstring_view blanks);

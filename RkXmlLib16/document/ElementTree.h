@@ -356,7 +356,7 @@ class RKXML_EXPORT CXmlDocument {
   void AppendBlanks(std::wstring_view blanks);
   // Notes that a CDATA section begins where the text of the current element ends; its mark is appended next.
   void MarkSection();
-  // Room for `charCount` characters to be decoded into: at the end of the element's text, or as an attribute's value.
+  // Space for `charCount` characters to be decoded into: at the end of the element's text, or as an attribute's value.
   // Commit tells how many were used (at most charCount; carriage returns count as any character), directly after.
   wchar_t* ReserveText(CXmlElement* element, std::size_t charCount);
   void CommitText(CXmlElement* element, std::size_t charCount);

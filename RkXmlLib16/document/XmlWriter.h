@@ -160,7 +160,7 @@ class RKXML_EXPORT CXmlWriter {
   void SetContextState(ContextState state);
   // The items of the collection that begins are groups without an element of their own: what follows is not an item.
   void SetItemsAreGroups();
-  // Room for a value on its way to the writer, invalid at first, and for its text; both are good until the next value.
+  // Space for a value on its way to the writer, invalid at first, and for its text; both are good until the next value.
   RkVariant& BeginValue() noexcept {
     m_value.SetUnused();
     return m_value;

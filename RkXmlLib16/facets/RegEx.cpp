@@ -38,7 +38,7 @@ constexpr std::uint32_t kQuickSteps = 10000;
 constexpr std::uint32_t kFewestSteps = 100;
 constexpr std::size_t kBytesPerStep = 64;
 // The matcher that never goes back takes work for a character that grows with the square of the alternatives that it
-// follows at once, for which these make room: some hundred, and some five hundred.
+// follows at once, for which these make space: some hundred, and some five hundred.
 constexpr std::size_t kSmallWorkspace = 600;
 constexpr std::size_t kLargeWorkspace = 3000;
 constexpr unsigned long kStepsPerByte = 256;  // of the latter
@@ -167,7 +167,7 @@ class Match {
     pcre2_set_match_limit(m_memory.context.get(), steps);
     const int result = pcre2_match(m_code, m_subject.bytes, m_subject.size, 0, PCRE2_NO_UTF_CHECK, m_memory.data.get(),
                                    m_memory.context.get());
-    if (result >= 0) return Found();  // 0: there was no room for the groups inside it
+    if (result >= 0) return Found();  // 0: there was no space for the groups inside it
     if (result == PCRE2_ERROR_NOMEMORY) throw std::bad_alloc();
     const bool isLimit =
         result == PCRE2_ERROR_MATCHLIMIT || result == PCRE2_ERROR_DEPTHLIMIT || result == PCRE2_ERROR_HEAPLIMIT;

@@ -43,7 +43,7 @@ constexpr FIStringEncoding kStringEncodings[4] = {FIStringEncoding_UTF8, FIStrin
                                                   FIStringEncoding_RestrictedAlphabet,
                                                   FIStringEncoding_EncodingAlgorithm};
 
-// Up to this many octets of UTF-8, room for as many characters is cheaper than counting them.
+// Up to this many octets of UTF-8, space for as many characters is cheaper than counting them.
 constexpr std::size_t kUncountedLength = 64;
 // Up to so many attributes of an element are compared with each other.
 constexpr std::size_t kFewAttributes = 8;

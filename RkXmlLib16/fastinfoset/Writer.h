@@ -170,7 +170,7 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
   void WriteTerminator();
   void FlushTerminator();
 
-  // Room for `count` octets behind those that are written; the caller moves m_end over what it fills.
+  // Space for `count` octets behind those that are written; the caller moves m_end over what it fills.
   unsigned char* Reserve(std::size_t count);
   void Grow(std::size_t count);
   void Put(unsigned char octet);
@@ -183,7 +183,7 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
   CFIVocabulary m_vocabulary;
   std::vector<unsigned char> m_room;          // of octets not yet in the stream; holds all of a pending start tag
   unsigned char* m_end = nullptr;             // of the octets in it
-  unsigned char* m_limit = nullptr;           // of the room
+  unsigned char* m_limit = nullptr;           // of the space
   std::vector<unsigned char> m_declarations;  // namespace attributes of the pending start tag
   std::vector<unsigned char> m_typedOctets;   // of the value being written, where it is not written as characters
   std::size_t m_startTag = 0;                 // where the pending start tag begins in m_room

@@ -26,12 +26,12 @@ std::uint64_t CByteSource::GetLength() const { return kUnknownLength; }
 
 CFileSource::~CFileSource() = default;
 
-std::size_t CFileSource::Read(unsigned char* buffer, std::size_t room) {
+std::size_t CFileSource::Read(unsigned char* buffer, std::size_t capacity) {
   const wchar_t* const name = m_fileName.GetText().c_str();
   if (!m_file.IsOpen() && !m_file.Open(m_fileName, "r"))
     throw CRkException(FormatString(L"Failed to open the file [%ls].", name));
   errno = 0;
-  const std::size_t length = m_file.Read(buffer, room);
+  const std::size_t length = m_file.Read(buffer, capacity);
   const int error = errno;
   if (length == 0 && (!m_hasRead || std::ferror(m_file.Get()) != 0))
     throw CRkException(FormatString(L"Failed to read the contents of the file [%ls] Error [%d]", name, error));
@@ -49,8 +49,8 @@ CMemorySource::CMemorySource(const CBinaryData& data) : CMemorySource(data.GetDa
 
 CMemorySource::~CMemorySource() = default;
 
-std::size_t CMemorySource::Read(unsigned char* buffer, std::size_t room) {
-  const std::size_t length = std::min(room, m_left);
+std::size_t CMemorySource::Read(unsigned char* buffer, std::size_t capacity) {
+  const std::size_t length = std::min(capacity, m_left);
   if (length != 0) std::memcpy(buffer, m_next, length);
   m_next += length;
   m_left -= length;
@@ -59,9 +59,9 @@ std::size_t CMemorySource::Read(unsigned char* buffer, std::size_t room) {
 
 CStreamSource::~CStreamSource() = default;
 
-std::size_t CStreamSource::Read(unsigned char* buffer, std::size_t room) {
+std::size_t CStreamSource::Read(unsigned char* buffer, std::size_t capacity) {
   try {
-    m_stream.read(reinterpret_cast<char*>(buffer), static_cast<std::streamsize>(room));
+    m_stream.read(reinterpret_cast<char*>(buffer), static_cast<std::streamsize>(capacity));
   } catch (const std::ios_base::failure&) {  // at its end, too, if the stream was told so
   }
   if (m_stream.bad()) throw CRkException(L"Failed to read the stream.");
@@ -70,12 +70,12 @@ std::size_t CStreamSource::Read(unsigned char* buffer, std::size_t room) {
 
 CCallbackSource::~CCallbackSource() = default;
 
-std::size_t CCallbackSource::Read(unsigned char* buffer, std::size_t room) {
-  const std::size_t length = m_function(buffer, room);
-  if (length > room) {
+std::size_t CCallbackSource::Read(unsigned char* buffer, std::size_t capacity) {
+  const std::size_t length = m_function(buffer, capacity);
+  if (length > capacity) {
     throw CRkInvalidParamException(
         FormatString(L"The source returned %lu bytes, more than the %lu that it was asked for.",
-                     static_cast<unsigned long>(length), static_cast<unsigned long>(room)));
+                     static_cast<unsigned long>(length), static_cast<unsigned long>(capacity)));
   }
   return length;
 }

@@ -25,9 +25,9 @@ class RKXML_EXPORT CByteSource {
   CByteSource& operator=(const CByteSource&) = delete;
   virtual ~CByteSource();
 
-  // Puts at least 1 and at most `room` bytes to `buffer` and returns how many; 0 when there are no more. `room` is
-  // never 0. Throws CRkException when the bytes cannot be read.
-  virtual std::size_t Read(unsigned char* buffer, std::size_t room) = 0;
+  // Puts at least 1 and at most `capacity` bytes to `buffer` and returns how many; 0 when there are no more. `capacity`
+  // is never 0. Throws CRkException when the bytes cannot be read.
+  virtual std::size_t Read(unsigned char* buffer, std::size_t capacity) = 0;
   // The file name that locations and messages show; empty where there is none.
   virtual const std::wstring& GetName() const;
   // How many bytes there are in all; kUnknownLength where only the end will tell.
@@ -44,7 +44,7 @@ class RKXML_EXPORT CFileSource : public CByteSource {
   explicit CFileSource(const wchar_t* fileName) : m_fileName(fileName) {}
   ~CFileSource() override;
 
-  std::size_t Read(unsigned char* buffer, std::size_t room) override;
+  std::size_t Read(unsigned char* buffer, std::size_t capacity) override;
   const std::wstring& GetName() const override { return m_fileName.GetText(); }
   // Opens the file, and does not throw when that fails.
   std::uint64_t GetLength() const override;
@@ -63,7 +63,7 @@ class RKXML_EXPORT CMemorySource : public CByteSource {
   explicit CMemorySource(const CBinaryData& data);
   ~CMemorySource() override;
 
-  std::size_t Read(unsigned char* buffer, std::size_t room) override;
+  std::size_t Read(unsigned char* buffer, std::size_t capacity) override;
   std::uint64_t GetLength() const override { return m_length; }
 
  private:
@@ -79,22 +79,22 @@ class RKXML_EXPORT CStreamSource : public CByteSource {
   explicit CStreamSource(std::istream& stream) : m_stream(stream) {}
   ~CStreamSource() override;
 
-  std::size_t Read(unsigned char* buffer, std::size_t room) override;
+  std::size_t Read(unsigned char* buffer, std::size_t capacity) override;
 
  private:
   std::istream& m_stream;
 };
 
 // A function that is called as Read is and may throw anything, which ends the reading call. Reading throws
-// CRkInvalidParamException when it returns more than it was given room for.
+// CRkInvalidParamException when it returns more than it was given space for.
 class RKXML_EXPORT CCallbackSource : public CByteSource {
  public:
-  using Function = std::function<std::size_t(unsigned char* buffer, std::size_t room)>;
+  using Function = std::function<std::size_t(unsigned char* buffer, std::size_t capacity)>;
 
   explicit CCallbackSource(Function function) : m_function(std::move(function)) {}
   ~CCallbackSource() override;
 
-  std::size_t Read(unsigned char* buffer, std::size_t room) override;
+  std::size_t Read(unsigned char* buffer, std::size_t capacity) override;
 
  private:
   Function m_function;

@@ -212,7 +212,7 @@ void CUtf8Appender::Append(std::wstring_view piece) {
   AppendPiece(piece);
 }
 
-// Room for the longest encoding spares the first of two looks at the text.
+// Space for the longest encoding spares the first of two looks at the text.
 void CUtf8Appender::AppendPiece(std::wstring_view piece) {
   constexpr std::size_t kFewCharacters = 16384;
   if (piece.size() > kFewCharacters) return CEncoder::AppendUtf8(piece, m_out);

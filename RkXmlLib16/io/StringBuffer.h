@@ -36,7 +36,7 @@ class RKXML_EXPORT CStringBuffer {
     if (m_used == m_capacity) AddNewBlock(m_blockSize);
     m_current[m_used++] = character;
   }
-  // Room for `count` characters behind the text, to be written there. Commit takes the text to end at `end` within
+  // Space for `count` characters behind the text, to be written there. Commit takes the text to end at `end` within
   // it, directly after. Throws std::bad_alloc for more than memory can hold.
   wchar_t* Reserve(unsigned long count) {
     if (count > m_capacity - m_used || m_current == nullptr) AddNewBlock(count > m_blockSize ? count : m_blockSize);

@@ -13,7 +13,7 @@ using UTF32 = char32_t;
 enum ConversionResult {
   conversionOK,     // all of the source was converted
   sourceExhausted,  // the source ends inside a character
-  targetExhausted,  // the target has no room for the next character
+  targetExhausted,  // the target has no space for the next character
   sourceIllegal     // the source is ill-formed; only with strictConversion
 };
 

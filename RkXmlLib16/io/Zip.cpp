@@ -95,7 +95,7 @@ class Deflater {
   }
 
  private:
-  // Input is left and there is room for what becomes of it.
+  // Input is left and there is space for what becomes of it.
   bool Unfinished(const Pieces<const unsigned char>& in, const Pieces<unsigned char>& out) const {
     return (m_stream.avail_in > 0 || !in.AllGivenOut()) && (m_stream.avail_out > 0 || !out.AllGivenOut());
   }

@@ -547,7 +547,7 @@ void CJsonTextWriter::PutEscaped(std::wstring_view text) {
   }
 }
 
-// The text up to its first NUL; there is room for the longest escapes.
+// The text up to its first NUL; there is space for the longest escapes.
 wchar_t* CJsonTextWriter::PutEscapedShort(wchar_t* to, std::wstring_view text) const {
   const __m128i quote = _mm_set1_epi16(m_strict ? L'"' : 0);
   const __m128i backslash = _mm_set1_epi16(m_strict ? L'\\' : 0);

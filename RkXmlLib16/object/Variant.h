@@ -240,15 +240,15 @@ class RKXML_EXPORT RkVariant {
   bool HoldsNothing() const noexcept { return m_owned.IsEmpty() && m_text.empty() && m_type < kXmlObject; }
   void LetGo() noexcept;
   void Begin(std::uint32_t type) noexcept {
-    // What an unused variant still has is room for the next value.
+    // What an unused variant still has is space for the next value.
     if (IsValid() && !HoldsNothing()) Clear();
     m_nil = false;
     m_type = type;
   }
   void RequireType(std::uint32_t type) const;
   bool MayHold(const void* value) const noexcept;
-  // The value of this kind that the variant has, as room for the next one of the type; null when there is none, or when
-  // the variant has a value of another type to let go.
+  // The value of this kind that the variant has, as space for the next one of the type; null when there is none, or
+  // when the variant has a value of another type to let go.
   template <class T>
   T* Room(std::uint32_t type) noexcept;
   // What the type says that the other one holds.

@@ -30,7 +30,7 @@ class RKXML_EXPORT CDataHolder {
   void Append(const unsigned char* data, unsigned long length);
   // Appends `count` bytes for the caller to fill and returns the first. The holder must not be shared.
   unsigned char* Extend(unsigned long count);
-  // Makes room for `capacity` bytes in all. The holder must not be shared.
+  // Makes space for `capacity` bytes in all. The holder must not be shared.
   void Reserve(unsigned long capacity);
 
   unsigned char* GetData() const noexcept { return m_data; }
@@ -97,7 +97,7 @@ class RKXML_EXPORT CBinaryData {
   void Append(const wchar_t* text);
   void Append(const std::wstring& text);
   void Append(const CBinaryData& other);
-  // Makes room for `capacity` bytes in all, so that appends up to it do not move the bytes.
+  // Makes space for `capacity` bytes in all, so that appends up to it do not move the bytes.
   void Reserve(unsigned long capacity);
   // Appends `count` bytes for the caller to fill and returns the first of them.
   unsigned char* Extend(unsigned long count);

@@ -66,7 +66,7 @@ Value ParseInteger(wstring_view text, const wchar_t* type) {
   return static_cast<Value>(negative ? 0 - magnitude : magnitude);
 }
 
-// The narrow types speak through the i4 parser.
+// The narrow types are parsed as i4, whose messages they report.
 template <class Value>
 Value ParseNarrow(wstring_view text, const wchar_t* type) {
   const long value = ParseInteger<long>(text, L"i4");

@@ -67,7 +67,8 @@ class RKXML_EXPORT CAttributeCol : public CXmlCollection {
   // Writes every attribute onto the open start tag.
   void ToXml_Int(CXmlWriter* writer, bool registerNamespaces, const wchar_t* namespaceUri,
                  const CSerializationContext& context, bool isOptionalChoice) const override;
-  // Adds the attributes of `element` that the constraint admits, xsi:type and its kin excepted; returns `firstChild`.
+  // Adds the attributes of `element` that the constraint admits, xsi:type and its siblings excepted; returns
+  // `firstChild`.
   CXmlElement* FromXml_Int(CXmlElement* element, CXmlElement* firstChild, const CSerializationContext& context,
                            bool isOptionalChoice) override;
   using CXmlObjectBase::FromXml_Int;

@@ -351,7 +351,7 @@ void CXmlTextWriter::WriteAttributeNil() {
 
 void CXmlTextWriter::PutEscaped(std::wstring_view text, Escaping where) {
   text = text.substr(0, text.find(L'\0'));
-  // Short pieces take the room they could need; of long ones the clean runs go out whole.
+  // Short pieces take the space they could need; of long ones the clean runs go out whole.
   while (text.size() > kShortText) {
     std::size_t clean = 0;
     while (clean + 8 <= text.size() && !kMayBeSpecial(WideText::LoadEight(text.data() + clean))) clean += 8;
@@ -364,7 +364,7 @@ void CXmlTextWriter::PutEscaped(std::wstring_view text, Escaping where) {
   m_stream.Commit(PutEscapedShort(m_stream.Reserve(text.size() * kLongestEscape), text, where));
 }
 
-// The text up to its first NUL; there is room for the longest escapes.
+// The text up to its first NUL; there is space for the longest escapes.
 wchar_t* CXmlTextWriter::PutEscapedShort(wchar_t* to, std::wstring_view text, Escaping where) const {
   static constexpr std::uint64_t kSpecial[] = {kSpecialInText, kSpecialInAttribute, kSpecialInNamespace,
                                                kSpecialInNamespace};

@@ -42,7 +42,7 @@ void ExpectRows(FromString fromString, ToString toString, const Rows<Wide, std::
 
 }  // namespace
 
-TEST(Conversions, NarrowIntegersSpeakThroughTheI4Parser) {
+TEST(Conversions, NarrowIntegersReportTheMessagesOfTheI4Parser) {
   using C = CConversions;
   ExpectRows(C::i1FromString, C::i1ToString,
              {{L"127", L"127"}, {L"-128", L"-128"}, {L"128", L"over i1"}, {L"12x", L"no i4"}, {L"", L"no i4"}});

@@ -70,7 +70,7 @@ inline wchar_t* Copy(wchar_t* to, std::wstring_view text) {
   return to + length;
 }
 
-// The text up to its first NUL; there is room for all of it.
+// The text up to its first NUL; there is space for all of it.
 inline wchar_t* CopyUpToNul(wchar_t* to, const std::wstring& text) {
   const std::size_t length = text.size();
   const wchar_t* const from = text.c_str();
@@ -95,7 +95,7 @@ inline wchar_t* CopyUpToNul(wchar_t* to, const std::wstring& text) {
   return to + (hasNul ? std::wcslen(from) : length);
 }
 
-// The text up to its first NUL, escaped where it must be; there is room for all of it. `mayBeSpecial` tells of eight
+// The text up to its first NUL, escaped where it must be; there is space for all of it. `mayBeSpecial` tells of eight
 // characters, as LoadEight gives them, whether `put` must see each. NUL is special.
 template <class MayBeSpecial, class PutOne>
 inline wchar_t* CopyEscaped(wchar_t* to, std::wstring_view text, MayBeSpecial mayBeSpecial, PutOne put) {

@@ -28,7 +28,7 @@ class CArena {
   }
 
   // Makes the memory at `memory`, `oldSize` bytes, `newSize` bytes long where it lies; false when something else
-  // follows it or there is no room.
+  // follows it or there is no space.
   bool Extend(const void* memory, std::size_t oldSize, std::size_t newSize) noexcept {
     if (static_cast<const unsigned char*>(memory) + RoundUp(oldSize) != m_cursor) return false;
     const std::size_t more = RoundUp(newSize) - RoundUp(oldSize);
