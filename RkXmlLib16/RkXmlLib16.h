@@ -12,6 +12,7 @@
 #include "RkXmlLib16/base/Location.h"
 #include "RkXmlLib16/base/SmartPtr.h"
 #include "RkXmlLib16/binding/CheckMetaData.h"
+#include "RkXmlLib16/binding/DocumentStream.h"
 #include "RkXmlLib16/binding/DocumentWriter.h"
 #include "RkXmlLib16/collections/Collection.h"
 #include "RkXmlLib16/collections/CollectionBase.h"

@@ -30,7 +30,12 @@ class RKXML_EXPORT CReadLimits {
   void SetMaxCharacters(unsigned long characters) noexcept { m_maxCharacters = characters; }
   // Bytes that a gzip or zlib wrapper inflates to.
   unsigned long GetMaxInflatedBytes() const noexcept { return m_maxInflatedBytes; }
-  void SetMaxInflatedBytes(unsigned long bytes) noexcept { m_maxInflatedBytes = bytes; }
+  void SetMaxInflatedBytes(unsigned long bytes) noexcept {
+    m_maxInflatedBytes = bytes;
+    m_limitsStreams = true;
+  }
+  // The same where they are not held all at once, as in CDocumentStream: no limit until one is set.
+  unsigned long GetMaxStreamedBytes() const noexcept { return m_limitsStreams ? m_maxInflatedBytes : 0; }
   // Inflated bytes as a multiple of the compressed ones, looked at once GetInflationRatioFrom bytes are out.
   unsigned long GetMaxInflationRatio() const noexcept { return m_maxInflationRatio; }
   void SetMaxInflationRatio(unsigned long ratio) noexcept { m_maxInflationRatio = ratio; }
@@ -59,6 +64,7 @@ class RKXML_EXPORT CReadLimits {
   unsigned long m_maxNodes = 1UL << 31;
   unsigned long m_maxCharacters = 1UL << 31;
   unsigned long m_maxInflatedBytes = 1UL << 32;
+  bool m_limitsStreams = false;
   unsigned long m_maxInflationRatio = 200;
   unsigned long m_inflationRatioFrom = 64UL << 20;
   unsigned long m_maxExpansionRatio = 200;

@@ -21,6 +21,7 @@
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/context/internal/ErrorSession.h"
 #include "RkXmlLib16/document/internal/Arena.h"
+#include "RkXmlLib16/document/internal/Pieces.h"
 #include "RkXmlLib16/document/internal/Source.h"
 
 namespace RkXmlLib16 {
@@ -65,6 +66,7 @@ struct RKXML_HIDDEN CXmlDocument::Storage {
   void GrowNameTable();
   void CountNode();
   void CountCharacters(std::size_t charCount);
+  void CountLasting(std::size_t charCount);  // the same for what no filter drops
   [[noreturn]] void ThrowExceeded(const wchar_t* name, unsigned long value) const;
   void DropDeclarations(std::size_t count);  // those after the first so many
   // The block with space for `more` characters behind its text, moved if need be.
@@ -102,8 +104,9 @@ struct RKXML_HIDDEN CXmlDocument::Storage {
   std::size_t depth = 0;                     // of the current element
   std::size_t nodeCount = 0;
   std::size_t charCount = 0;
+  std::size_t lastingCharCount = 0;
   std::vector<CRkDropped> noted;
-  std::vector<OpenElement> open;  // only with a filter
+  std::vector<OpenElement> open;  // only with a filter or in pieces
   // The first so many open elements have something outside them allocated after their start, so that dropping them
   // cannot free it.
   std::size_t pinned = 0;
@@ -133,7 +136,12 @@ void CXmlDocument::Storage::CountNode() {
 void CXmlDocument::Storage::CountCharacters(std::size_t more) {
   const unsigned long limit = document.m_context->GetLimits().GetMaxCharacters();
   charCount += more;
-  if (charCount > limit && limit != 0) ThrowExceeded(L"characters", limit);
+  if (charCount + lastingCharCount > limit && limit != 0) ThrowExceeded(L"characters", limit);
+}
+
+void CXmlDocument::Storage::CountLasting(std::size_t more) {
+  lastingCharCount += more;
+  CountCharacters(0);
 }
 
 void CXmlDocument::Storage::DropDeclarations(std::size_t count) {
@@ -203,6 +211,8 @@ void CXmlDocument::Init() {
   m_input = nullptr;
   m_inputLength = 0;
   m_source = nullptr;
+  m_pieces = nullptr;
+  m_isPaused = false;
   m_places.clear();
   m_schemaType = m_context->GetSchemaType();
   m_storage = std::move(fresh);
@@ -222,6 +232,65 @@ void CXmlDocument::TellNoted() {
   for (const CRkDropped& noted : std::exchange(m_storage->noted, {})) CErrorSession::TellDropped(*m_context, noted);
 }
 
+CPieces& CXmlDocument::StartPieces(std::unique_ptr<CSource> source) {
+  Cleanup();
+  m_source = std::move(source);
+  m_pieces = std::make_unique<CPieces>();
+  return *m_pieces;
+}
+
+void CXmlDocument::SetPieceInput(const unsigned char* bytes, std::size_t length, std::size_t lengthSoFar) {
+  m_input = length != 0 ? bytes : nullptr;
+  m_inputLength = lengthSoFar;
+}
+
+void CXmlDocument::CompleteStart(CXmlElement* element) {
+  if (m_pieces == nullptr) return;
+  if (std::deque<std::uint64_t>* const places = m_pieces->GetPlaces()) {
+    const auto take = [places](std::uint64_t& offset) {
+      offset = places->empty() ? CRkLocation::kNoOffset : places->front();
+      if (!places->empty()) places->pop_front();
+    };
+    take(element->m_offset);
+    for (CXmlAttribute* attribute : element->GetAttributes()) take(attribute->m_offset);
+  }
+  m_pieces->CompleteStart(element, element->m_offset);
+  m_isPaused = m_pieces->HasEvents();
+}
+
+void CXmlDocument::ReleaseEvent() {
+  const CPieces::Event& event = m_pieces->GetEvent();
+  const bool isEnd = event.kind == CPieces::Kind::Subtree || event.kind == CPieces::Kind::End;
+  CXmlElement* const element = event.element;
+  m_pieces->PopEvent();
+  m_isPaused = m_pieces->HasEvents();
+  if (isEnd) DropPiece(element);
+}
+
+// The element is the innermost level, and what was allocated last.
+void CXmlDocument::DropPiece(CXmlElement* element) {
+  Storage& storage = *m_storage;
+  const Storage::OpenElement start = storage.open.back();
+  storage.open.pop_back();
+  m_pieces->PopLevel();
+  CXmlElement* const parent = element->m_parent;
+  if (parent == nullptr) return;  // the document element stays
+  parent->m_firstChild = parent->m_lastChild = nullptr;
+  storage.sections.clear();
+  storage.DropDeclarations(start.declarationCount);
+  storage.nodes.RewindTo(start.nodes);
+  storage.texts.RewindTo(start.texts);
+  storage.nodeCount = start.nodeCount;
+  storage.charCount = start.charCount;
+}
+
+void CXmlDocument::CountTable(std::size_t charCount) {
+  if (m_pieces != nullptr) m_storage->CountLasting(charCount);
+}
+
+// Whether text of the current element goes to the tree.
+bool CXmlDocument::KeepsText() const noexcept { return m_pieces == nullptr || m_pieces->IsInSubtree(); }
+
 // The nodes in the order of the document: an element, its attributes, its children.
 void CXmlDocument::SetPlaces(const std::vector<std::uint64_t>& places) {
   std::size_t next = 0;
@@ -237,6 +306,7 @@ void CXmlDocument::SetPlaces(const std::vector<std::uint64_t>& places) {
 
 CRkLocation CXmlDocument::Locate(std::uint64_t offset) const {
   std::wstring path = m_currentElement != nullptr ? m_currentElement->GetXPath() : std::wstring();
+  if (m_pieces != nullptr && m_pieces->GetPlaces() != nullptr) return CRkLocation(std::move(path));
   return m_source != nullptr ? m_source->Locate(offset, std::move(path)) : CRkLocation(std::move(path));
 }
 
@@ -254,7 +324,7 @@ const CXmlName* CXmlDocument::InternName(std::wstring_view text) {
     if (name->m_hash == hash && name->View() == text) return name;
   }
   if (storage.nameCount >= UINT32_MAX - 1) throw CRkException(L"The document has too many names.");
-  storage.CountCharacters(text.size());
+  storage.CountLasting(text.size());
   auto* const memory =
       static_cast<unsigned char*>(storage.names.Allocate(sizeof(CXmlName) + (text.size() + 1) * sizeof(wchar_t)));
   auto* const chars = reinterpret_cast<wchar_t*>(memory + sizeof(CXmlName));
@@ -282,7 +352,7 @@ CXmlElement* CXmlDocument::AddElement(const CXmlName* namespaceUri, const CXmlNa
   const unsigned long deepest = m_context->GetLimits().GetMaxElementDepth();
   if (storage.depth >= deepest && deepest != 0) storage.ThrowExceeded(L"element depth", deepest);
   storage.CountNode();
-  if (m_filter != nullptr)
+  if (m_filter != nullptr || !KeepsText())
     storage.open.push_back({parent != nullptr ? parent->m_lastChild : nullptr, storage.nodes.GetMark(),
                             storage.texts.GetMark(), storage.nodeCount - 1, storage.charCount,
                             storage.declarations.size() - storage.pendingDeclarations});
@@ -297,6 +367,7 @@ CXmlElement* CXmlDocument::AddElement(const CXmlName* namespaceUri, const CXmlNa
   if (parent != nullptr) parent->m_lastChild = element;
   m_currentElement = element;
   ++storage.depth;
+  if (m_pieces != nullptr) m_pieces->Start(element);
   return element;
 }
 
@@ -317,6 +388,11 @@ void CXmlDocument::EndElement() {
   Storage& storage = *m_storage;
   m_currentElement = parent;
   --storage.depth;
+  if (m_pieces != nullptr) {
+    if (m_pieces->End(element)) DropPiece(element);
+    m_isPaused = m_pieces->HasEvents();
+    return;
+  }
   if (m_filter == nullptr) return;
 
   const Storage::OpenElement start = storage.open.back();
@@ -386,7 +462,7 @@ CXmlAttribute* CXmlDocument::AddAttribute(CXmlElement* element, const CXmlName* 
 CXmlTextBlock* CXmlDocument::StoreValue(std::wstring_view value) {
   if (value.empty()) return nullptr;
   if (value.size() > UINT32_MAX / 2) throw CRkException(L"A value is too long.");
-  m_storage->CountCharacters(value.size());
+  m_storage->CountLasting(value.size());
   const auto length = static_cast<std::uint32_t>(value.size());
   auto* const block = new (m_storage->names.Allocate(BytesOfText(length))) CXmlTextBlock{length, length};
   std::wmemcpy(block->Chars(), value.data(), length);
@@ -412,21 +488,37 @@ void CXmlDocument::CommitValue(CXmlAttribute* attribute, std::size_t charCount) 
 }
 
 wchar_t* CXmlDocument::ReserveText(CXmlElement* element, std::size_t charCount) {
+  if (!KeepsText()) return ReserveOpenText(charCount);
   if (element != m_currentElement) m_storage->pinned = m_storage->open.size();
   element->m_text = m_storage->Reserve(element->m_text, charCount);
   return element->m_text->Chars() + element->m_text->m_length;
 }
 
 void CXmlDocument::CommitText(CXmlElement* element, std::size_t charCount) {
+  if (!KeepsText()) return CommitOpenText(charCount);
   CXmlTextBlock& block = *element->m_text;
   block.m_length += static_cast<std::uint32_t>(charCount);
   block.Chars()[block.m_length] = L'\0';
   m_storage->CountCharacters(charCount);
 }
 
+wchar_t* CXmlDocument::ReserveOpenText(std::size_t charCount) {
+  std::wstring& text = m_pieces->GetText();
+  m_openTextLength = text.size();
+  text.resize(m_openTextLength + charCount);
+  return text.data() + m_openTextLength;
+}
+
+void CXmlDocument::CommitOpenText(std::size_t charCount) {
+  m_pieces->GetText().resize(m_openTextLength + charCount);
+  m_pieces->TextGrew();
+  m_isPaused = m_pieces->HasEvents();
+}
+
 void CXmlDocument::AppendBlanks(std::wstring_view blanks) {
   CXmlElement* const element = m_currentElement;
   if (element == nullptr || blanks.empty()) return;
+  if (!KeepsText()) return AppendText(element, blanks);
   CXmlTextBlock* const text = element->m_text;
   CXmlTextBlock* const shared =
       text == nullptr || text->m_capacity == 0 ? m_storage->ShareBlanks(text, blanks) : nullptr;
@@ -450,7 +542,7 @@ void CXmlDocument::AppendText(CXmlElement* element, std::wstring_view text) {
 
 void CXmlDocument::MarkSection() {
   const CXmlElement* const element = m_currentElement;
-  if (element != nullptr) m_storage->sections[element].push_back(element->GetText().size());
+  if (element != nullptr && KeepsText()) m_storage->sections[element].push_back(element->GetText().size());
 }
 
 void CXmlDocument::AppendTextExcludingCR(CXmlElement* element, const wchar_t* text, unsigned long length) {
@@ -549,11 +641,23 @@ class PrefixIndex {
   std::unordered_map<const CXmlName*, std::wstring_view> m_prefixes;
 };
 
-// The name with its position among the siblings that have the same qualified name.
-std::wstring WithPredicate(const CXmlElement& element, const PrefixIndex& prefixes) {
+std::size_t LevelOf(const CXmlElement& element) {
+  std::size_t level = 0;
+  for (const CXmlElement* parent = element.GetParentElement(); parent != nullptr; parent = parent->GetParentElement())
+    ++level;
+  return level;
+}
+
+// The name with its position among the siblings that have the same qualified name; in pieces, where those that came
+// before are gone, and those to come not known, among those of its name so far. The element is that many levels below
+// the document element.
+std::wstring WithPredicate(const CXmlElement& element, const PrefixIndex& prefixes, const CPieces* pieces,
+                           std::size_t level) {
   const CXmlName* const uri = element.GetNamespaceRef();
   std::wstring name = prefixes.GetQName(uri, element.GetLocalName());
   if (element.GetParentElement() == nullptr) return name;
+  if (const std::uint64_t known = pieces != nullptr ? pieces->GetPosition(&element, level) : 0)
+    return name + L'[' + std::to_wstring(known) + L']';
   const bool unprefixed = prefixes.Find(uri).empty();
   std::size_t position = 0;
   std::size_t count = 0;
@@ -607,14 +711,17 @@ std::wstring CXmlElement::GetQName() const {
 }
 
 std::wstring CXmlElement::GetNameWithPredicate() const {
-  return WithPredicate(*this, PrefixIndex(Owner().m_storage->aliases));
+  const CXmlDocument& document = Owner();
+  return WithPredicate(*this, PrefixIndex(document.m_storage->aliases), document.m_pieces.get(), LevelOf(*this));
 }
 
 std::wstring CXmlElement::GetXPath() const {
-  const PrefixIndex prefixes(Owner().m_storage->aliases);
+  const CXmlDocument& document = Owner();
+  const PrefixIndex prefixes(document.m_storage->aliases);
   std::vector<std::wstring> names;
+  std::size_t level = LevelOf(*this);
   for (const CXmlElement* element = this; element != nullptr; element = element->m_parent)
-    names.push_back(WithPredicate(*element, prefixes));
+    names.push_back(WithPredicate(*element, prefixes, document.m_pieces.get(), level--));
   std::wstring path;
   for (auto name = names.rbegin(); name != names.rend(); ++name) (path += L'/') += *name;
   return path;

@@ -21,6 +21,7 @@
 
 namespace RkXmlLib16 {
 
+class CPieces;
 class CRkException;
 class CSerializationContext;
 class CSource;
@@ -392,6 +393,22 @@ class RKXML_EXPORT CXmlDocument {
   // All of them, prefix and namespace URI, in ascending order of the prefixes.
   std::vector<std::pair<CXmlText, CXmlText>> GetNamespaceAliases() const;
 
+  // Reading in pieces, see CDocumentStream, which alone calls this.
+  CPieces& StartPieces(std::unique_ptr<CSource> source);
+  CPieces* GetPieces() const noexcept { return m_pieces.get(); }
+  CSource* GetSource() const noexcept { return m_source.get(); }
+  // What GetInput and GetInputLength give: some bytes, which are borrowed, and the number of all bytes so far.
+  void SetPieceInput(const unsigned char* bytes, std::size_t length, std::size_t lengthSoFar);
+  // Takes the first event away, and what it told the end of out of the tree.
+  void ReleaseEvent();
+  void FinishPieces() { TellNoted(); }
+  // For the readers: whether they are to stop until all events are taken.
+  bool IsPaused() const noexcept { return m_isPaused; }
+  // For the readers: the attributes of the element are there.
+  void CompleteStart(CXmlElement* element);
+  // For the readers: characters of their own tables, which grow with a document of any size.
+  void CountTable(std::size_t charCount);
+
  private:
   friend class CXmlAttribute;
   friend class CXmlElement;
@@ -407,6 +424,10 @@ class RKXML_EXPORT CXmlDocument {
   void TellNoted();
   void ParseBytes(std::string_view bytes, std::shared_ptr<const void> owner, const std::wstring& fileName);
   void ParseXmlText();
+  bool KeepsText() const noexcept;
+  wchar_t* ReserveOpenText(std::size_t charCount);
+  void CommitOpenText(std::size_t charCount);
+  void DropPiece(CXmlElement* element);
 
   std::unique_ptr<Storage> m_storage;
   const CSerializationContext* m_context;  // kept
@@ -420,7 +441,10 @@ class RKXML_EXPORT CXmlDocument {
   std::unique_ptr<CSource> m_source;    // null when the places of the input mean nothing to the caller
   std::vector<std::uint64_t> m_places;  // of the nodes that JSON was converted to, in their order
   bool m_inputStays = false;
+  bool m_isPaused = false;
   std::uint64_t m_firstOffset = 0;
+  std::unique_ptr<CPieces> m_pieces;  // null unless it is read in pieces
+  std::size_t m_openTextLength = 0;   // before the characters reserved for an element that is not kept
 };
 
 // Gives the exception the location of an element or attribute, unless it has one; `throw At(e, *element)`.

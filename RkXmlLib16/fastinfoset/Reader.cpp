@@ -81,11 +81,19 @@ CFastInfosetReader::~CFastInfosetReader() = default;
 bool CFastInfosetReader::Parse() { return Parse(m_document.GetInput(), m_document.GetInputLength()); }
 
 bool CFastInfosetReader::Parse(const unsigned char* octets, std::size_t length) {
+  if (!Start(octets, length, nullptr)) return false;
+  ReadOn();
+  if (m_at != m_end) m_document.NoteDropped(RkDropped_TrailingBytes, GetLastOffset() + 1, GetRemaining());
+  return true;
+}
+
+bool CFastInfosetReader::Start(const unsigned char* octets, std::size_t length, More more) {
   Cleanup();
   m_at = m_begin = octets;
   m_end = octets + length;
   if (!ReadHeader()) return false;
 
+  m_more = std::move(more);
   m_expansionLimit = m_document.GetContext().GetLimits().GetExpansionLimit(length);
   for (const auto& [text, index] : m_vocabulary.GetPrefixNamesTable())
     m_prefixes.push_back(m_document.InternName(text));
@@ -94,21 +102,30 @@ bool CFastInfosetReader::Parse(const unsigned char* octets, std::size_t length) 
   }
   m_xmlPrefix = m_document.InternName(L"xml");
   m_xmlNamespace = m_document.InternName(CXmlWriter::XML_NAMESPACE);
+  return true;
+}
 
+bool CFastInfosetReader::ReadOn() {
   try {
-    ReadOptionalData();
-    ReadChildren();
+    if (m_state == State::Start) {
+      ReadOptionalData();
+      m_state = State::Children;
+    }
+    return ReadChildren();
   } catch (CRkException& e) {
-    if (!e.HasLocation()) e.SetLocation(m_document.Locate(static_cast<std::size_t>(m_at - m_begin)));
+    if (!e.HasLocation()) e.SetLocation(m_document.Locate(GetOffset()));
     e.SetEndsReading();
     throw;
   }
-  if (m_at != m_end) m_document.NoteDropped(RkDropped_TrailingBytes, GetLastOffset() + 1, GetRemaining());
-  return true;
 }
 
 void CFastInfosetReader::Cleanup() {
   m_begin = m_at = m_end = nullptr;
+  m_before = 0;
+  m_more = nullptr;
+  m_state = State::Start;
+  m_depth = 0;
+  m_isParentEnding = false;
   m_vocabulary = m_fiContext.GetVocabulary();
   for (Names* names : {&m_prefixes, &m_namespaceNames, &m_localNames}) names->clear();
   for (QNames* names : {&m_elementNames, &m_attributeNames}) names->clear();
@@ -237,44 +254,57 @@ void CFastInfosetReader::Version() { SkipNonIdentifyingStringOrIndexBit1(); }
 
 // Structure
 
-void CFastInfosetReader::ReadChildren() {
+bool CFastInfosetReader::ReadChildren() {
   for (;;) {
+    if (m_depth != 0) ElementBit2();
+    if (m_document.IsPaused()) return true;
+    if (m_state == State::End) break;
     const unsigned char octet = Next();
     if (octet < 0x80) {
       if (m_document.GetDocumentElement() != nullptr) ThrowInvalidItem();
-      if (ElementBit2(octet)) return;
+      m_depth = ElementStart(octet) ? 1 : 0;
     } else if (octet == FastInfoset::kProcessingInstruction) {
       ProcessingInstruction();
     } else if (octet == FastInfoset::kComment) {
       Comment();
     } else if ((octet & 0xFC) == FastInfoset::kDocumentType) {
-      if (DocumentTypeDeclarationBit7(octet)) break;
+      if (DocumentTypeDeclarationBit7(octet)) m_state = State::End;
     } else if (octet == FastInfoset::kTerminator || octet == FastInfoset::kDoubleTerminator) {
-      break;
+      m_state = State::End;
     } else {
       ThrowInvalidItem();
     }
   }
   if (m_document.GetDocumentElement() == nullptr) ThrowInvalidItem();
+  return false;
 }
 
-// The element that begins with the octet and all that it holds. True when its last octet ends the document too.
-bool CFastInfosetReader::ElementBit2(unsigned char first) {
-  std::size_t depth = ElementStart(first) ? 1 : 0;
-  while (depth > 0) {
+// What the open elements hold, up to the end of the document element or to a pause.
+void CFastInfosetReader::ElementBit2() {
+  if (m_isParentEnding) {
+    m_isParentEnding = false;
+    m_document.EndElement();
+    --m_depth;
+  }
+  while (m_depth > 0 && !m_document.IsPaused()) {
     const unsigned char octet = Next();
     if (octet < 0x80) {
-      if (ElementStart(octet)) ++depth;
+      if (ElementStart(octet)) ++m_depth;
     } else if (octet < 0xC0) {
       NonIdentifyingStringOrIndexBit3(m_document.GetCurrentElement(), octet);
     } else if (octet == FastInfoset::kTerminator) {
       m_document.EndElement();
-      --depth;
+      --m_depth;
     } else if (octet == FastInfoset::kDoubleTerminator) {
       m_document.EndElement();
-      if (--depth == 0) return true;
-      m_document.EndElement();
-      --depth;
+      if (--m_depth == 0) {
+        m_state = State::End;
+      } else if (m_document.IsPaused()) {
+        m_isParentEnding = true;
+      } else {
+        m_document.EndElement();
+        --m_depth;
+      }
     } else if (octet == FastInfoset::kProcessingInstruction) {
       ProcessingInstruction();
     } else if (octet == FastInfoset::kComment) {
@@ -285,7 +315,6 @@ bool CFastInfosetReader::ElementBit2(unsigned char first) {
       ThrowInvalidItem();
     }
   }
-  return false;
 }
 
 // Up to the end of the attributes. False when the element has ended with them.
@@ -301,9 +330,13 @@ bool CFastInfosetReader::ElementStart(unsigned char octet) {
   CountExpansion(name.localName->View().size());
   CXmlElement* const element = m_document.AddElement(name.namespaceUri, name.localName);
   CXmlDocument::SetOffset(element, offset);
-  if (!hasAttributes) return true;
+  if (!hasAttributes) {
+    m_document.CompleteStart(element);
+    return true;
+  }
   for (octet = Next(); octet < 0x80; octet = Next()) AtrributeBit2(element, octet);
   RequireDifferentNames(*element);
+  m_document.CompleteStart(element);
   if (octet == FastInfoset::kTerminator) return true;
   if (octet != FastInfoset::kDoubleTerminator) ThrowInvalidItem();
   m_document.EndElement();
@@ -489,11 +522,11 @@ void CFastInfosetReader::NonIdentifyingStringOrIndexBit1(CXmlElement* element, c
     wchar_t* const out = m_document.ReserveValue(attribute, room);
     const auto charCount = static_cast<std::size_t>(CEncoder::WriteUnicode(utf8, out) - out);
     m_document.CommitValue(attribute, charCount);
-    if (add) CFIVocabulary::AddValueToVector({out, charCount}, values);
+    if (add) AddValue({out, charCount}, values);
   } else {
     Decode(string);
     m_document.AddAttribute(element, name.localName, name.namespaceUri, m_text);
-    if (add) CFIVocabulary::AddValueToVector(m_text, values);
+    if (add) AddValue(m_text, values);
   }
 }
 
@@ -513,13 +546,18 @@ void CFastInfosetReader::NonIdentifyingStringOrIndexBit3(CXmlElement* element, u
     const std::size_t room = string.length <= kUncountedLength ? string.length : CEncoder::UnicodeLength(utf8);
     wchar_t* const out = m_document.ReserveText(element, room);
     const auto charCount = static_cast<std::size_t>(CEncoder::WriteUnicode(utf8, out) - out);
+    if (add) AddValue({out, charCount}, chunks);
     m_document.CommitText(element, charCount);
-    if (add) CFIVocabulary::AddValueToVector({out, charCount}, chunks);
   } else {
     Decode(string);
     m_document.AppendText(element, m_text);
-    if (add) CFIVocabulary::AddValueToVector(m_text, chunks);
+    if (add) AddValue(m_text, chunks);
   }
+}
+
+void CFastInfosetReader::AddValue(std::wstring_view value, CFIStringTable& table) {
+  m_document.CountTable(value.size());
+  CFIVocabulary::AddValueToVector(value, table);
 }
 
 void CFastInfosetReader::SkipNonIdentifyingStringOrIndexBit1() {
@@ -634,6 +672,8 @@ void CFastInfosetReader::NonEmptyOctetEncryptedString(unsigned long algorithm, c
 
 void CFastInfosetReader::CountExpansion(std::size_t charCount) {
   m_expanded += charCount;
+  if (m_expanded > m_expansionLimit && m_more != nullptr)
+    m_expansionLimit = m_document.GetContext().GetLimits().GetExpansionLimit(GetOffset());
   if (m_expanded > m_expansionLimit) {
     CReadLimits::ThrowExceeded(L"characters of indexed strings", m_expansionLimit);
   }
@@ -695,8 +735,20 @@ unsigned long CFastInfosetReader::LengthOfSequence() {
 
 unsigned char CFastInfosetReader::Next() { return *Move(1); }
 
+void CFastInfosetReader::GetMore(std::size_t n) {
+  while (n > GetRemaining()) {
+    const std::size_t had = GetRemaining();
+    const auto used = static_cast<std::size_t>(m_at - m_begin);
+    const std::string_view input = m_more != nullptr ? m_more(used) : std::string_view();
+    if (input.size() <= had) throw CRkException(L"Failed to parse FastInfoset. Unexpected End of File.");
+    m_before += used;
+    m_at = m_begin = reinterpret_cast<const unsigned char*>(input.data());
+    m_end = m_at + input.size();
+  }
+}
+
 const unsigned char* CFastInfosetReader::Move(std::size_t n) {
-  if (n > GetRemaining()) throw CRkException(L"Failed to parse FastInfoset. Unexpected End of File.");
+  if (n > GetRemaining()) GetMore(n);
   const unsigned char* const at = m_at;
   m_at += n;
   return at;

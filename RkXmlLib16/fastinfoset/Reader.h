@@ -2,7 +2,9 @@
 #define RKXMLLIB16_FASTINFOSET_READER_H
 
 #include <cstddef>
+#include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "RkXmlLib16/base/Export.h"
@@ -44,6 +46,17 @@ class RKXML_EXPORT CFastInfosetReader {
   // and the header, or with the header; nothing has been read then. Octets after the end of the document are ignored.
   bool Parse();
   bool Parse(const unsigned char* octets, std::size_t length);
+
+  // The same for a document that is read in pieces. `more` is told how many octets of the input it gave last are used
+  // up; it gives the input behind them, with further octets unless there are none.
+  using More = std::function<std::string_view(std::size_t used)>;
+  bool Start(const unsigned char* octets, std::size_t length, More more);
+  // Reads on, after Start: to a pause of the document (true) or to the end of the Fast Infoset (false).
+  bool ReadOn();
+  // Of the octet that is read next.
+  std::size_t GetOffset() const noexcept { return m_before + static_cast<std::size_t>(m_at - m_begin); }
+  std::size_t GetRemaining() const noexcept { return static_cast<std::size_t>(m_end - m_at); }
+
   // Drops the vocabulary and the input, as at the start of every Parse.
   void Cleanup();
 
@@ -77,8 +90,8 @@ class RKXML_EXPORT CFastInfosetReader {
   void Standalone();
   void Version();
 
-  void ReadChildren();
-  bool ElementBit2(unsigned char octet);
+  bool ReadChildren();
+  void ElementBit2();
   bool ElementStart(unsigned char octet);
   void AtrributeBit2(CXmlElement* element, unsigned char octet);  // sic
   void NamespaceAttributeBit7(unsigned char octet);
@@ -99,6 +112,7 @@ class RKXML_EXPORT CFastInfosetReader {
   void SkipIdentifyingStringOrIndex(Count& count);
   void NonIdentifyingStringOrIndexBit1(CXmlElement* element, const QName& name);
   void NonIdentifyingStringOrIndexBit3(CXmlElement* element, unsigned char octet);
+  void AddValue(std::wstring_view value, CFIStringTable& table);
   void SkipNonIdentifyingStringOrIndexBit1();
   EncodedString EncodedCharacterStringBit3(unsigned char octet);
   EncodedString EncodedCharacterStringBit5(unsigned char octet);
@@ -123,9 +137,10 @@ class RKXML_EXPORT CFastInfosetReader {
   std::size_t NonEmptyOctetStringBit5Length(unsigned char octet);
   std::size_t NonEmptyOctetStringBit7Length(unsigned char octet);
   unsigned long LengthOfSequence();
-  std::size_t GetRemaining() const noexcept { return static_cast<std::size_t>(m_end - m_at); }
   // Of the octet read last.
-  std::size_t GetLastOffset() const noexcept { return static_cast<std::size_t>(m_at - m_begin) - 1; }
+  std::size_t GetLastOffset() const noexcept { return GetOffset() - 1; }
+  // So that n octets are left.
+  void GetMore(std::size_t n);
   unsigned char Next();
   const unsigned char* Move(std::size_t n);
 
@@ -139,6 +154,12 @@ class RKXML_EXPORT CFastInfosetReader {
   const unsigned char* m_begin = nullptr;
   const unsigned char* m_at = nullptr;
   const unsigned char* m_end = nullptr;
+  std::size_t m_before = 0;  // octets before m_begin
+  More m_more;               // null when that is all
+  enum class State { Start, Children, End };
+  State m_state = State::Start;
+  std::size_t m_depth = 0;        // open elements
+  bool m_isParentEnding = false;  // behind a pause, by the same octet
   std::wstring m_text;
   const unsigned char* m_bits = nullptr;  // the octets that GetBits has not begun
   const unsigned char* m_bitsEnd = nullptr;

@@ -4,14 +4,17 @@
 #include <zlib.h>
 
 #include <algorithm>
+#include <cstring>
 #include <limits>
 #include <memory>
 #include <new>
+#include <optional>
 #include <utility>
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
 #include "RkXmlLib16/io/internal/ByteSink.h"
+#include "RkXmlLib16/io/internal/InflatingSource.h"
 
 namespace RkXmlLib16 {
 
@@ -122,27 +125,44 @@ class Inflater {
       m_stream.avail_out = kInflateChunk;
       code = inflate(&m_stream, Z_NO_FLUSH);
       result.Truncate(m_stream.total_out);
-      if (limits.maxBytes != 0 && m_stream.total_out > limits.maxBytes) return InflateResult::TooManyBytes;
-      if (limits.maxRatio != 0 && m_stream.total_out > limits.ratioFrom &&
-          m_stream.total_out / limits.maxRatio > m_stream.total_in)
-        return InflateResult::RatioTooHigh;
+      if (const InflateResult over = Check(limits); over != InflateResult::Inflated) return over;
     }
-    if (code == Z_MEM_ERROR) throw std::bad_alloc();
-    return code == Z_STREAM_END ? InflateResult::Inflated : InflateResult::NotCompressed;
+    return ResultOf(code);
+  }
+
+  // One step: from the `length` bytes at `data`, of which `used` are taken, to the room at `out`, of which `made` are
+  // filled. No result while there is more to come.
+  std::optional<InflateResult> Step(const unsigned char* data, std::size_t length, unsigned char* out, std::size_t room,
+                                    const InflateLimits& limits, std::size_t& used, std::size_t& made) {
+    constexpr std::size_t kMost = std::numeric_limits<uInt>::max();
+    m_stream.next_in = data;
+    m_stream.avail_in = static_cast<uInt>(std::min(length, kMost));
+    m_stream.next_out = out;
+    m_stream.avail_out = static_cast<uInt>(std::min(room, kMost));
+    const int code = inflate(&m_stream, Z_NO_FLUSH);
+    used = static_cast<std::size_t>(m_stream.next_in - data);
+    made = static_cast<std::size_t>(m_stream.next_out - out);
+    if (const InflateResult over = Check(limits); over != InflateResult::Inflated) return over;
+    // Without input there can be no progress, which is no fault.
+    if (code == Z_OK || (code == Z_BUF_ERROR && length == 0)) return std::nullopt;
+    return ResultOf(code);
   }
   unsigned long TotalIn() const noexcept { return m_stream.total_in; }
 
  private:
+  InflateResult Check(const InflateLimits& limits) const {
+    if (limits.maxBytes != 0 && m_stream.total_out > limits.maxBytes) return InflateResult::TooManyBytes;
+    const bool isOver = limits.maxRatio != 0 && m_stream.total_out > limits.ratioFrom &&
+                        m_stream.total_out / limits.maxRatio > m_stream.total_in;
+    return isOver ? InflateResult::RatioTooHigh : InflateResult::Inflated;
+  }
+  static InflateResult ResultOf(int code) {
+    if (code == Z_MEM_ERROR) throw std::bad_alloc();
+    return code == Z_STREAM_END ? InflateResult::Inflated : InflateResult::NotCompressed;
+  }
+
   z_stream m_stream{};
 };
-
-// Whether the bytes can be the beginning of a gzip or zlib header.
-bool MayBeCompressed(const unsigned char* data, unsigned long length) {
-  if (length < 2) return false;
-  const bool gzip = data[0] == 0x1F && data[1] == 0x8B;
-  const bool zlib = (data[0] & 0x0F) == Z_DEFLATED && data[0] >> 4 <= 7 && (data[0] << 8 | data[1]) % 31 == 0;
-  return gzip || zlib;
-}
 
 // The compressed bytes in an array as long as the input, and their number.
 std::pair<std::unique_ptr<unsigned char[]>, unsigned long> Deflate(const unsigned char* data, unsigned long length,
@@ -168,6 +188,14 @@ class DeflatingSink : public ByteSink {
   std::unique_ptr<ByteSink> m_sink;
   Deflater m_deflater;
 };
+
+// Whether the bytes can be the beginning of a gzip or zlib header.
+bool MayBeCompressed(const unsigned char* data, unsigned long length) {
+  if (length < 2) return false;
+  const bool gzip = data[0] == 0x1F && data[1] == 0x8B;
+  const bool zlib = (data[0] & 0x0F) == Z_DEFLATED && data[0] >> 4 <= 7 && (data[0] << 8 | data[1]) % 31 == 0;
+  return gzip || zlib;
+}
 
 bool IsCompression(CompressionType type) { return type == CompressionType_GZip || type == CompressionType_ZLib; }
 
@@ -210,6 +238,77 @@ InflateResult CRkZip::Inflate(const unsigned char* data, unsigned long length, c
   if (result == InflateResult::Inflated) out.Swap(inflated);
   if (result == InflateResult::Inflated && used != nullptr) *used = inflater.TotalIn();
   return result;
+}
+
+// ---- in pieces ----
+
+struct CInflatingSource::Stream {
+  Inflater inflater;
+};
+
+CInflatingSource::CInflatingSource(CByteSource& source, const InflateLimits& limits)
+    : m_source(source), m_limits(limits), m_buffer(new unsigned char[kInflateChunk]) {}
+
+CInflatingSource::~CInflatingSource() = default;
+
+std::size_t CInflatingSource::Read(unsigned char* buffer, std::size_t room) {
+  if (!m_isBegun) Begin();
+  return m_stream != nullptr ? ReadInflated(buffer, room) : ReadPlain(buffer, room);
+}
+
+void CInflatingSource::Begin() {
+  m_isBegun = true;
+  while (m_length < 2 && Fill()) {
+  }
+  if (MayBeCompressed(m_buffer.get(), m_length)) m_stream = std::make_unique<Stream>();
+}
+
+// Appends to the bytes of the source that are still to be taken.
+bool CInflatingSource::Fill() {
+  if (m_isAtEnd) return false;
+  const std::size_t count = m_source.Read(m_buffer.get() + m_length, kInflateChunk - m_length);
+  m_isAtEnd = count == 0;
+  m_length += count;
+  m_bytesRead += count;
+  if (m_start.size() < kStart) m_start.append(reinterpret_cast<char*>(m_buffer.get()) + m_length - count, count);
+  return count != 0;
+}
+
+std::size_t CInflatingSource::ReadPlain(unsigned char* buffer, std::size_t room) {
+  if (m_next != m_length) {
+    const std::size_t count = std::min(room, m_length - m_next);
+    std::memcpy(buffer, m_buffer.get() + m_next, count);
+    m_next += count;
+    return count;
+  }
+  if (m_isAtEnd) return 0;
+  const std::size_t count = m_source.Read(buffer, room);
+  m_isAtEnd = count == 0;
+  m_bytesRead += count;
+  return count;
+}
+
+std::size_t CInflatingSource::ReadInflated(unsigned char* buffer, std::size_t room) {
+  while (!m_result) {
+    if (m_next == m_length) {
+      m_next = m_length = 0;
+      Fill();
+    }
+    std::size_t used = 0;
+    std::size_t made = 0;
+    const bool isAtEnd = m_next == m_length;
+    m_result = m_stream->inflater.Step(m_buffer.get() + m_next, m_length - m_next, buffer, room, m_limits, used, made);
+    m_next += used;
+    if (isAtEnd && made == 0 && !m_result) m_result = InflateResult::NotCompressed;
+    if (made != 0 && m_result.value_or(InflateResult::Inflated) == InflateResult::Inflated) return made;
+  }
+  return 0;
+}
+
+std::uint64_t CInflatingSource::CountTrailingBytes() {
+  std::uint64_t count = m_length - m_next;
+  for (m_next = m_length = 0; Fill(); m_length = 0) count += m_length;
+  return count;
 }
 
 }  // namespace RkXmlLib16

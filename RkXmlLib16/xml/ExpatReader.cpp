@@ -143,6 +143,7 @@ struct RKXML_HIDDEN CExpatReader::Parser {
   ~Parser() { XML_ParserFree(expat); }
 
   void StartElement(const XML_Char* name, const XML_Char** attributes);
+  void AddAttributes(CXmlElement* element, const XML_Char** attributes);
   void Text(const XML_Char* text, std::size_t length);
   bool KeepBlanks(const XML_Char* text, std::size_t length);
   void FlushBlanks() {
@@ -168,6 +169,9 @@ struct RKXML_HIDDEN CExpatReader::Parser {
 
   static bool IsUtf16(const CXmlDocument& document);
   void Feed(bool isFinal);
+  bool FeedPiece(const char* bytes, std::size_t length, bool isFinal);
+  bool Resume() { return IsPausedAfter(XML_ResumeParser(expat)); }
+  bool IsPausedAfter(XML_Status status);
   std::uint64_t Offset() const { return static_cast<std::uint64_t>(XML_GetCurrentByteIndex(expat)); }
   void NoteDropped(RkDropped kind) { document.NoteDropped(kind, Offset()); }
   [[noreturn]] void ThrowParseError() const;
@@ -193,6 +197,10 @@ struct RKXML_HIDDEN CExpatReader::Parser {
     if (self.failure != nullptr) return;
     try {
       work(self);
+      if (self.document.IsPaused() && !self.isStopped) {
+        self.isStopped = true;
+        XML_StopParser(self.expat, XML_TRUE);
+      }
     } catch (...) {
       self.failure = std::current_exception();
       XML_StopParser(self.expat, XML_FALSE);
@@ -276,6 +284,7 @@ struct RKXML_HIDDEN CExpatReader::Parser {
   const bool joinsPairs;
   XML_Parser expat = nullptr;
   std::exception_ptr failure;
+  bool isStopped = false;   // for a pause
   std::wstring buffer;      // for names on their way into the document
   wchar_t blanks[64] = {};  // of the current element, on their way behind its text
   std::size_t blankCount = 0;
@@ -374,17 +383,23 @@ void CExpatReader::Parser::CountNamespace(std::size_t charCount) {
 void CExpatReader::Parser::StartElement(const XML_Char* name, const XML_Char** attributes) {
   FlushBlanks();
   const CXmlName* namespaceUri = nullptr;
-  const CXmlName* localName = LocalName(SplitElementName(name, namespaceUri));
+  const CXmlName* const localName = LocalName(SplitElementName(name, namespaceUri));
   CXmlElement* const element = document.AddElement(namespaceUri, localName);
   CXmlDocument::SetOffset(element, Offset());
+  AddAttributes(element, attributes);
+  document.CompleteStart(element);
+}
+
+void CExpatReader::Parser::AddAttributes(CXmlElement* element, const XML_Char** attributes) {
   if (*attributes == nullptr) return;
+  const CXmlName* namespaceUri = nullptr;
   const XML_Char** const firstDefault = attributes + XML_GetSpecifiedAttributeCount(expat);
   for (; *attributes != nullptr; attributes += 2) {
     if (attributes >= firstDefault) {
       AddDefaulted(element, attributes[0], attributes[1]);
       continue;
     }
-    localName = LocalName(SplitAttributeName(attributes[0], namespaceUri));
+    const CXmlName* const localName = LocalName(SplitAttributeName(attributes[0], namespaceUri));
     CXmlAttribute* const attribute = document.AddAttribute(element, localName, namespaceUri, std::wstring_view());
     if (const std::size_t length = LengthOf(attributes[1])) {
       wchar_t* const value = document.ReserveValue(attribute, length);
@@ -501,6 +516,17 @@ void CExpatReader::Parser::Feed(bool isFinal) {
   }
 }
 
+bool CExpatReader::Parser::FeedPiece(const char* bytes, std::size_t length, bool isFinal) {
+  return IsPausedAfter(XML_Parse(expat, bytes, static_cast<int>(length), isFinal));
+}
+
+bool CExpatReader::Parser::IsPausedAfter(XML_Status status) {
+  if (failure != nullptr) std::rethrow_exception(failure);
+  if (status == XML_STATUS_ERROR) ThrowParseError();
+  isStopped = false;
+  return status == XML_STATUS_SUSPENDED;
+}
+
 void CExpatReader::Parser::ThrowParseError() const {
   const XML_Error code = XML_GetErrorCode(expat);
   if (code == XML_ERROR_NO_MEMORY) throw std::bad_alloc();
@@ -540,16 +566,34 @@ void CExpatReader::CreateParser() {
     XML_SetCdataSectionHandler(expat, Parser::FnStartCDATA, Parser::FnEndCDATA);
 }
 
-void CExpatReader::Parse(bool isFinal) {
-  if (m_parser == nullptr) CreateParser();
+template <class Work>
+auto CExpatReader::WithLocation(Work&& work) {
   try {
-    m_parser->Feed(isFinal);
+    return work();
   } catch (CRkException& e) {
     if (!e.HasLocation()) e.SetLocation(m_document.Locate(m_parser->Offset()));
     e.SetEndsReading();
     throw;
   }
+}
+
+void CExpatReader::Parse(bool isFinal) {
+  if (m_parser == nullptr) CreateParser();
+  WithLocation([&] { m_parser->Feed(isFinal); });
   if (isFinal) Cleanup();
+}
+
+bool CExpatReader::ParsePiece(const unsigned char* bytes, std::size_t length, bool isFinal) {
+  return WithLocation([&] { return m_parser->FeedPiece(reinterpret_cast<const char*>(bytes), length, isFinal); });
+}
+
+bool CExpatReader::Resume() {
+  return WithLocation([&] { return m_parser->Resume(); });
+}
+
+std::uint64_t CExpatReader::GetOffset() const {
+  const XML_Index index = XML_GetCurrentByteIndex(m_parser->expat);
+  return index < 0 ? 0 : static_cast<std::uint64_t>(index);
 }
 
 void CExpatReader::Cleanup() { m_parser.reset(); }

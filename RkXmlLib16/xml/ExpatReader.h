@@ -1,6 +1,8 @@
 #ifndef RKXMLLIB16_XML_EXPATREADER_H
 #define RKXMLLIB16_XML_EXPATREADER_H
 
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 
 #include "RkXmlLib16/base/Export.h"
@@ -29,10 +31,19 @@ class RKXML_EXPORT CExpatReader {
   // wrong, or that a namespace URI contains '|', and "Limit exceeded: ..." by the limits of the document's context;
   // what was read before stays in the document.
   void Parse(bool isFinal);
+  // The same in pieces, for a document that is read so: parses the next `length` bytes (INT_MAX at most) after
+  // CreateParser. True when the document has paused; Resume then goes on with what is left of them.
+  bool ParsePiece(const unsigned char* bytes, std::size_t length, bool isFinal);
+  bool Resume();
+  // Of what was parsed last, in bytes; what comes before is not needed any more.
+  std::uint64_t GetOffset() const;
   void Cleanup();
 
  private:
   struct Parser;
+
+  template <class Work>
+  auto WithLocation(Work&& work);
 
   CXmlDocument& m_document;
   std::unique_ptr<Parser> m_parser;

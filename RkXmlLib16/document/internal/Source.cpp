@@ -12,6 +12,8 @@ namespace {
 
 // Bytes of input between two marks.
 constexpr std::size_t kStretch = std::size_t{1} << 20;
+// Bytes that Skip looks at together.
+constexpr std::size_t kSkip = 4096;
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 constexpr std::size_t kUtf16MarkSize = 2;
 
@@ -51,21 +53,22 @@ void CSource::KeepCopy() {
 
 char32_t CSource::Next(std::size_t& byte) const {
   const auto* const bytes = reinterpret_cast<const unsigned char*>(m_input.data());
+  const std::size_t end = GetEnd();
   switch (m_encoding) {
     case Encoding::Utf8: {
-      const unsigned char* at = bytes + byte;
+      const unsigned char* at = bytes + (byte - m_first);
       const char32_t c = NextOrReplacement<Utf8Form>(at, bytes + m_input.size());
-      byte = static_cast<std::size_t>(at - bytes);
+      byte = m_first + static_cast<std::size_t>(at - bytes);
       return c;
     }
     case Encoding::Utf16LE:
     case Encoding::Utf16BE: {
       const std::size_t low = m_encoding == Encoding::Utf16LE ? 0 : 1;
       const auto unitAt = [&](std::size_t at) -> char32_t {
-        return at + 1 < m_input.size() ? char32_t{bytes[at + low]} | char32_t{bytes[at + 1 - low]} << 8 : 0;
+        return at + 1 < end ? char32_t{At(at + low)} | char32_t{At(at + 1 - low)} << 8 : 0;
       };
       char32_t c = unitAt(byte);
-      byte = std::min(byte + 2, m_input.size());
+      byte = std::min(byte + 2, end);
       if (IsHighSurrogate(c) && IsLowSurrogate(unitAt(byte))) {
         c = JoinSurrogates(c, unitAt(byte));
         byte += 2;
@@ -74,12 +77,12 @@ char32_t CSource::Next(std::size_t& byte) const {
     }
     case Encoding::Wide: {
       wchar_t c = 0;
-      std::memcpy(&c, bytes + byte, std::min(sizeof c, m_input.size() - byte));
-      byte = std::min(byte + sizeof c, m_input.size());
+      std::memcpy(&c, bytes + (byte - m_first), std::min(sizeof c, end - byte));
+      byte = std::min(byte + sizeof c, end);
       return static_cast<char32_t>(c);
     }
     default:
-      return bytes[byte++];
+      return At(byte++);
   }
 }
 
@@ -89,6 +92,7 @@ std::uint64_t CSource::KeyOf(std::size_t bytes) const {
 }
 
 CSource::Mark CSource::Start() const {
+  if (m_first != 0) return m_base;
   Mark start;
   if (m_encoding == Encoding::Utf8 && m_input.substr(0, kUtf8Mark.size()) == kUtf8Mark) start.byte = kUtf8Mark.size();
   if (m_encoding == Encoding::Utf16LE || m_encoding == Encoding::Utf16BE) {
@@ -99,15 +103,40 @@ CSource::Mark CSource::Start() const {
   return start;
 }
 
+// Goes over the simple part of the way in large steps: whole lines, or a run of ASCII where characters are counted.
+void CSource::Skip(Mark& mark, std::uint64_t key) const {
+  if (m_encoding != Encoding::Utf8 && m_encoding != Encoding::SingleByte) return;
+  const auto isFirst = [this](char c) { return m_encoding != Encoding::Utf8 || (c & 0xC0) != 0x80; };
+  while (mark.key < key && mark.byte < GetEnd()) {
+    std::size_t length = std::min<std::uint64_t>({key - mark.key, GetEnd() - mark.byte, kSkip});
+    while (length != 0 && mark.byte + length < GetEnd() && !isFirst(static_cast<char>(At(mark.byte + length))))
+      --length;
+    if (length == 0) return;
+    const std::string_view run = m_input.substr(mark.byte - m_first, length);
+    const auto isOther = [this](char c) { return c == '\r' || (m_count == Count::Characters && (c & 0x80) != 0); };
+    if (std::any_of(run.begin(), run.end(), isOther)) return;
+    const std::size_t lastFeed = run.rfind('\n');
+    const std::string_view line = run.substr(lastFeed + 1);
+    if (lastFeed != std::string_view::npos) {
+      mark.line += static_cast<std::uint64_t>(std::count(run.begin(), run.end(), '\n'));
+      mark.column = 1;
+    }
+    mark.column += static_cast<std::uint64_t>(std::count_if(line.begin(), line.end(), isFirst));
+    mark.byte += length;
+    mark.key += length;
+  }
+}
+
 void CSource::Advance(Mark& mark, std::uint64_t key) {
-  std::size_t markAt = m_marks.empty() ? kStretch : m_marks.back().byte + kStretch;
-  while (mark.key < key && mark.byte < m_input.size()) {
+  if (m_isInPieces) Skip(mark, key);
+  std::size_t markAt = m_isInPieces ? SIZE_MAX : m_marks.empty() ? kStretch : m_marks.back().byte + kStretch;
+  while (mark.key < key && mark.byte < GetEnd()) {
     const std::size_t before = mark.byte;
     const char32_t c = Next(mark.byte);
     mark.key += KeyOf(mark.byte - before);
     if (c == U'\n' || c == U'\r') {
       std::size_t behind = mark.byte;
-      if (c == U'\r' && behind < m_input.size() && Next(behind) == U'\n') {
+      if (c == U'\r' && behind < GetEnd() && Next(behind) == U'\n') {
         ++mark.column;  // the line ends behind the line feed
         continue;
       }
@@ -123,19 +152,53 @@ void CSource::Advance(Mark& mark, std::uint64_t key) {
   }
 }
 
+void CSource::SetBufferLength(std::size_t length) {
+  m_isInPieces = true;
+  m_buffer.resize(length);
+  // In front of m_input lies what was let go of.
+  const std::size_t gone = std::min(length, m_gone);
+  m_input = std::string_view(m_buffer).substr(gone);
+}
+
+void CSource::DropBefore(std::uint64_t offset, const std::vector<std::uint64_t>& pinned, std::size_t known) {
+  Mark mark = Start();
+  if (m_encoding != Encoding::Octets) {
+    m_marks.resize(std::min({m_marks.size(), pinned.size(), known}));
+    for (std::size_t i = m_marks.size(); i < pinned.size() && pinned[i] <= offset; ++i) {
+      Advance(mark, pinned[i]);
+      m_marks.push_back(mark);
+    }
+    Advance(mark, offset);
+  } else {
+    mark.key = mark.byte = std::min<std::uint64_t>(offset, GetEnd());
+  }
+  // The last byte may be a carriage return whose line feed is still to come.
+  if (mark.byte >= GetEnd() && m_encoding != Encoding::Octets) return;
+  m_base = m_last = mark;
+  m_gone += mark.byte - m_first;
+  m_first = mark.byte;
+  if (m_gone > m_buffer.size() / 2) {
+    m_buffer.erase(0, m_gone);
+    m_gone = 0;
+  }
+  m_input = std::string_view(m_buffer).substr(m_gone);
+}
+
 CRkLocation CSource::Locate(std::uint64_t offset, std::wstring path) {
   CRkLocation location(std::move(path));
   location.SetFileName(m_fileName);
   if (offset == CRkLocation::kNoOffset) return location;
   std::uint64_t given = offset;
-  if (m_encoding != Encoding::Octets && !m_input.empty()) {
+  if (m_encoding != Encoding::Octets && (m_isInPieces || !m_input.empty())) {
     const auto behind = std::upper_bound(m_marks.begin(), m_marks.end(), offset,
                                          [](std::uint64_t key, const Mark& mark) { return key < mark.key; });
     Mark mark = behind != m_marks.begin() ? *(behind - 1) : Start();
+    if (m_first != 0 && mark.key < m_base.key && offset >= m_base.key) mark = m_base;
     if (m_last.byte != 0 && m_last.key <= offset && m_last.key > mark.key) mark = m_last;
-    Advance(mark, offset);
-    m_last = mark;
+    if (mark.byte < m_first && mark.key != offset) return location;  // it was let go of
+    if (mark.key != offset) Advance(mark, offset);
     location.SetLineAndColumn(mark.line, mark.column);
+    if (mark.byte >= m_first) m_last = mark;
     if (m_count == Count::Characters) given = mark.byte;
   }
   const bool isUtf16 = m_encoding == Encoding::Utf16LE || m_encoding == Encoding::Utf16BE;
@@ -146,9 +209,9 @@ CRkLocation CSource::Locate(std::uint64_t offset, std::wstring path) {
 
 std::uint64_t CSource::FindAttribute(std::uint64_t tag, std::wstring_view localName, std::size_t index,
                                      bool hasPrefixes) const {
-  if (tag >= m_input.size()) return tag;
+  if (tag < m_first || tag >= GetEnd()) return tag;
   auto at = static_cast<std::size_t>(tag);
-  const auto isAtEnd = [&] { return at >= m_input.size(); };
+  const auto isAtEnd = [&] { return at >= GetEnd(); };
   const auto peek = [&] {
     std::size_t behind = at;
     return isAtEnd() ? U'>' : Next(behind);

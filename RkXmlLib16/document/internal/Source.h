@@ -43,6 +43,34 @@ class RKXML_EXPORT CSource {
   void KeepCopy();
   void Forget() { m_input = {}; }
 
+  // An input that comes in pieces, of which only a part is held. It grows by what `read` puts into the memory given to
+  // it, (bytes, room) -> count; the result is that count. What it held before may move.
+  template <class Read>
+  std::size_t Grow(std::size_t room, Read&& read) {
+    const std::size_t length = m_buffer.size();
+    try {
+      m_buffer.resize(length + room);
+      const std::size_t count = read(reinterpret_cast<unsigned char*>(m_buffer.data() + length), room);
+      SetBufferLength(length + count);
+      return count;
+    } catch (...) {
+      SetBufferLength(length);
+      throw;
+    }
+  }
+  std::string_view GetInput() const { return m_input; }
+  // The bytes that came before those held.
+  std::size_t GetFirstByte() const { return m_first; }
+  std::size_t GetEnd() const { return m_first + m_input.size(); }
+  void SetEncoding(Encoding encoding, Count count = Count::Bytes) {
+    m_encoding = encoding;
+    m_count = count;
+  }
+  // Lets go of what lies before the place, up to which the document was read. Lines and columns stay known of that
+  // place, of what follows, and of the places in `pinned`, ascending offsets, of which those up to `known` are the
+  // first that the last call had.
+  void DropBefore(std::uint64_t offset, const std::vector<std::uint64_t>& pinned, std::size_t known);
+
   CRkLocation Locate(std::uint64_t offset, std::wstring path);
   // The offset of the attribute in the start tag at `tag`, the `index`th of those with this local name; `tag` itself
   // when there is none.
@@ -63,6 +91,9 @@ class RKXML_EXPORT CSource {
   std::uint64_t KeyOf(std::size_t bytes) const;
   Mark Start() const;
   void Advance(Mark& mark, std::uint64_t key);
+  void Skip(Mark& mark, std::uint64_t key) const;
+  unsigned char At(std::size_t byte) const { return static_cast<unsigned char>(m_input[byte - m_first]); }
+  void SetBufferLength(std::size_t length);
 
   std::string_view m_input;
   std::shared_ptr<const void> m_owner;
@@ -72,8 +103,14 @@ class RKXML_EXPORT CSource {
   bool m_isWide = false;
   std::uint64_t m_firstOffset = 0;
   std::wstring m_fileName;
-  std::vector<Mark> m_marks;  // ascending, one after each stretch of input
+  std::vector<Mark> m_marks;  // ascending, one after each stretch of input; of pieces the pinned places
   Mark m_last;
+  // Of an input in pieces: the bytes held, with some in front that were let go of.
+  std::string m_buffer;
+  std::size_t m_gone = 0;   // bytes of m_buffer before m_input
+  std::size_t m_first = 0;  // bytes of the document before m_input
+  Mark m_base;              // at the first byte of m_input
+  bool m_isInPieces = false;
 };
 
 }  // namespace RkXmlLib16

@@ -1,0 +1,318 @@
+#include "RkXmlLib16/binding/DocumentStream.h"
+
+#include <algorithm>
+#include <exception>
+#include <memory>
+#include <new>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/binding/internal/EntryPointTools.h"
+#include "RkXmlLib16/context/JsonContext.h"
+#include "RkXmlLib16/context/ReadLimits.h"
+#include "RkXmlLib16/document/internal/Pieces.h"
+#include "RkXmlLib16/document/internal/Source.h"
+#include "RkXmlLib16/fastinfoset/Reader.h"
+#include "RkXmlLib16/io/internal/InflatingSource.h"
+#include "RkXmlLib16/xml/ExpatReader.h"
+
+namespace RkXmlLib16 {
+
+namespace {
+
+constexpr std::size_t kPiece = std::size_t{1} << 16;
+constexpr std::size_t kLargestPiece = std::size_t{1} << 30;  // for expat
+// The beginning of a document, which tells its form, and the longest one that is looked at.
+constexpr std::size_t kBeginning = 128;
+constexpr std::size_t kLongestBeginning = std::size_t{1} << 16;
+// expat scans a token that is cut off again from its start. One longer than this waits for a quarter more.
+constexpr std::size_t kShortToken = 4096;
+
+constexpr std::string_view kBlanks = " \t\r\n";
+constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+constexpr std::string_view kDeclaration = "<?xml";
+
+std::size_t FindText(std::string_view beginning) {
+  const std::size_t mark = beginning.substr(0, kUtf8Mark.size()) == kUtf8Mark ? kUtf8Mark.size() : 0;
+  return beginning.find_first_not_of(kBlanks, mark);
+}
+
+// Whether form and encoding can be told, if more were to come.
+bool IsEnough(std::string_view beginning) {
+  if (beginning.size() < kBeginning) return false;
+  if (beginning.size() >= kLongestBeginning) return true;
+  if (beginning.substr(0, kDeclaration.size()) == kDeclaration) return beginning.find("?>") != std::string_view::npos;
+  return FindText(beginning) != std::string_view::npos;
+}
+
+const unsigned char* BytesOf(std::string_view view) { return reinterpret_cast<const unsigned char*>(view.data()); }
+
+// The input of a stream: the source without its wrapper, as far as it is held.
+class Input {
+ public:
+  Input(CByteSource& source, const CReadLimits& limits)
+      : m_limits(limits),
+        m_inflating(source,
+                    {limits.GetMaxStreamedBytes(), limits.GetMaxInflationRatio(), limits.GetInflationRatioFrom()}),
+        m_held(std::make_unique<CSource>(std::string_view(), CSource::Encoding::Octets)),
+        m_source(m_held.get()) {}
+
+  CSource& GetSource() noexcept { return *m_source; }
+  std::unique_ptr<CSource> TakeSource() noexcept { return std::move(m_held); }
+  std::string_view GetView() const { return m_source->GetInput(); }
+  std::size_t GetEnd() const { return m_source->GetEnd(); }
+  bool IsAtEnd() const noexcept { return m_isAtEnd; }
+  bool IsInflated() const noexcept { return m_inflating.IsInflated(); }
+  bool IsDamaged() const noexcept { return m_inflating.GetResult() == InflateResult::NotCompressed; }
+  const std::string& GetStart() const noexcept { return m_inflating.GetStart(); }
+  std::uint64_t GetBytesRead() const noexcept { return m_inflating.GetBytesRead(); }
+  std::uint64_t CountTrailingBytes() { return m_inflating.CountTrailingBytes(); }
+  // Whether an exception on its way is one of the source's own.
+  bool HasSourceFailed() const noexcept { return m_hasSourceFailed; }
+
+  // False at the end.
+  bool Grow() {
+    if (m_isAtEnd) return false;
+    m_hasSourceFailed = true;
+    m_isAtEnd =
+        m_source->Grow(kPiece, [this](unsigned char* to, std::size_t room) { return m_inflating.Read(to, room); }) == 0;
+    m_hasSourceFailed = false;
+    if (!m_isAtEnd) return true;
+    if (m_inflating.GetResult() == InflateResult::TooManyBytes)
+      CReadLimits::ThrowExceeded(L"inflated bytes", m_limits.GetMaxStreamedBytes());
+    if (m_inflating.GetResult() == InflateResult::RatioTooHigh)
+      CReadLimits::ThrowExceeded(L"inflation ratio", m_limits.GetMaxInflationRatio());
+    return false;
+  }
+
+ private:
+  const CReadLimits& m_limits;
+  CInflatingSource m_inflating;
+  std::unique_ptr<CSource> m_held;  // until the document has it
+  CSource* m_source;
+  bool m_isAtEnd = false;
+  bool m_hasSourceFailed = false;
+};
+
+}  // namespace
+
+struct CDocumentStream::State {
+  State(CByteSource& from, const CSerializationContext& settings, DocumentForm asked)
+      : source(from), context(&settings), form(asked), input(from, settings.GetLimits()) {}
+
+  void Begin();
+  void BeginDocument();
+  void Advance();
+  void AdvanceXml();
+  bool IsAllFed() const { return input.IsAtEnd() && fed == input.GetEnd(); }
+  void Finish();
+  [[noreturn]] void ThrowDamaged() const;
+  void Drop(std::uint64_t offset) {
+    input.GetSource().DropBefore(pieces->GetFirstNeeded(offset), pieces->GetOffsets(), pieces->TakeUnchangedOffsets());
+  }
+
+  CByteSource& source;
+  const CSerializationContext* context;
+  std::unique_ptr<CSerializationContext> ownContext;  // without namespaces
+  DocumentForm form;
+  Input input;
+  std::vector<std::wstring> paths;
+  bool reportsOpen = false;
+
+  std::unique_ptr<CXmlDocument> document;
+  CPieces* pieces = nullptr;
+  std::unique_ptr<CExpatReader> xml;
+  std::unique_ptr<CFastInfosetReader> fastInfoset;
+  std::size_t fed = 0;  // bytes that expat has
+  bool isSuspended = false;
+  bool hasEvent = false;  // the first one is that of the last Next
+  bool isComplete = false;
+  bool hasFailed = false;
+};
+
+void CDocumentStream::State::Begin() {
+  while (!IsEnough(input.GetView()) && input.Grow()) {
+  }
+  const std::string_view beginning = input.GetView();
+  if (form == DocumentForm_Any) {
+    const std::size_t text = FindText(beginning);
+    const bool isJson = text != std::string_view::npos && (beginning[text] == '{' || beginning[text] == '[');
+    form = isJson ? DocumentForm_Json : DocumentForm_Xml;
+  }
+  const bool isJson = form == DocumentForm_Json;
+  if (input.IsAtEnd() && input.IsDamaged()) ThrowDamaged();
+  if (beginning.empty() && !input.IsInflated())
+    throw CRkException(isJson ? L"JSON Stream is empty!" : L"XML Stream is empty!");
+  if (isJson && context->GetJsonContext()->GetSupportRoundtrip() != JsonRoundTrip_Namespaces) {
+    ownContext = std::make_unique<CSerializationContext>(*context);
+    ownContext->SetIgnoreNamespaces(true);
+    context = ownContext.get();
+  }
+  BeginDocument();
+  if (isJson) throw CRkException(L"JSON cannot be read in pieces yet.");
+  auto reader = std::make_unique<CFastInfosetReader>(*context->GetFIContext(), *document);
+  const auto more = [this](std::size_t used) {
+    CSource& held = input.GetSource();
+    held.DropBefore(held.GetFirstByte() + used, {}, 0);  // octets need no lines
+    input.Grow();
+    if (input.IsAtEnd() && input.IsDamaged()) ThrowDamaged();
+    document->SetPieceInput(nullptr, 0, input.GetEnd());
+    return input.GetView();
+  };
+  if (reader->Start(BytesOf(beginning), beginning.size(), more)) {
+    fastInfoset = std::move(reader);
+    return;
+  }
+  xml = std::make_unique<CExpatReader>(*document);
+  xml->CreateParser();
+}
+
+void CDocumentStream::State::BeginDocument() {
+  const std::string_view beginning = input.GetView();
+  document = std::make_unique<CXmlDocument>(*context);
+  CSource& held = input.GetSource();
+  held.SetFileName(source.GetName());
+  held.SetInflated(input.IsInflated());
+  if (form == DocumentForm_Json)
+    held.SetEncoding(CSource::Encoding::Utf8, CSource::Count::Characters);
+  else
+    held.SetEncoding(CSource::EncodingOf(beginning));
+  pieces = &document->StartPieces(input.TakeSource());
+  for (const std::wstring& path : paths) pieces->GetPaths().Add(path, *context);
+  pieces->SetReportsOpen(reportsOpen);
+  document->SetPieceInput(BytesOf(beginning), beginning.size(), beginning.size());
+}
+
+// As all of it is read where it was taken for what it is not.
+void CDocumentStream::State::ThrowDamaged() const {
+  CSerializationContext quiet(*context);
+  quiet.SetErrorHandler(nullptr);
+  CXmlDocument plain(quiet);
+  std::string bytes = input.GetStart();
+  auto* const data = reinterpret_cast<unsigned char*>(bytes.data());
+  try {
+    if (form == DocumentForm_Json)
+      plain.LoadJsonStream(data, bytes.size());
+    else
+      plain.LoadXmlStream(data, bytes.size());
+  } catch (CRkException& e) {
+    CRkLocation location = e.GetLocation();
+    location.SetFileName(source.GetName());
+    e.SetLocation(std::move(location));
+    throw;
+  }
+  throw CRkException(L"The compressed bytes are damaged.");
+}
+
+void CDocumentStream::State::Advance() {
+  if (document == nullptr) Begin();
+  if (fastInfoset != nullptr)
+    isComplete = !fastInfoset->ReadOn();
+  else
+    AdvanceXml();
+  if (isComplete) Finish();
+}
+
+void CDocumentStream::State::AdvanceXml() {
+  if (isSuspended) {
+    isSuspended = xml->Resume();
+  } else {
+    const std::size_t cutOff = fed - std::min<std::uint64_t>(fed, xml->GetOffset());
+    const std::size_t wanted = cutOff > kShortToken ? cutOff / 4 : 1;
+    while (input.GetEnd() - fed < wanted) {
+      Drop(std::min<std::uint64_t>(fed, xml->GetOffset()));
+      if (!input.Grow()) break;
+    }
+    if (input.IsAtEnd() && input.IsDamaged()) ThrowDamaged();
+    const std::string_view piece = input.GetView().substr(fed - input.GetSource().GetFirstByte(), kLargestPiece);
+    fed += piece.size();
+    document->SetPieceInput(nullptr, 0, fed);
+    isSuspended = xml->ParsePiece(BytesOf(piece), piece.size(), IsAllFed());
+  }
+  isComplete = !isSuspended && IsAllFed();
+}
+
+void CDocumentStream::State::Finish() {
+  if (fastInfoset != nullptr) {
+    const std::size_t end = fastInfoset->GetOffset();
+    std::size_t count = fastInfoset->GetRemaining();
+    while (input.Grow()) {
+      count = input.GetEnd() - end;
+      input.GetSource().DropBefore(input.GetEnd(), {}, 0);
+    }
+    if (input.IsDamaged()) ThrowDamaged();
+    if (count != 0) document->NoteDropped(RkDropped_TrailingBytes, end, count);
+  }
+  if (const std::uint64_t count = input.IsInflated() ? input.CountTrailingBytes() : 0)
+    document->NoteDropped(RkDropped_TrailingBytes, CRkLocation::kNoOffset, count);
+  document->FinishPieces();
+}
+
+CDocumentStream::CDocumentStream(CByteSource& source, const CSerializationContext& context, DocumentForm form)
+    : m_state(std::make_unique<State>(source, context, form)) {}
+
+CDocumentStream::~CDocumentStream() = default;
+
+std::size_t CDocumentStream::AddPath(const wchar_t* path) {
+  const std::wstring text = path != nullptr ? path : L"";
+  CPiecePaths().Add(text, *m_state->context);
+  m_state->paths.push_back(text);
+  return m_state->paths.size() - 1;
+}
+
+void CDocumentStream::SetReportsOpen(bool reports) { m_state->reportsOpen = reports; }
+
+CDocumentStream::Event CDocumentStream::Next() {
+  State& state = *m_state;
+  if (state.hasFailed) return Event::Done;
+  CErrorSession session(*state.context);
+  state.hasFailed = true;
+  try {
+    session.Run([&state] {
+      if (std::exchange(state.hasEvent, false)) state.document->ReleaseEvent();
+      while (!state.hasEvent) {
+        if (state.pieces != nullptr && state.pieces->HasEvents()) {
+          state.hasEvent = state.pieces->IsReported(state.pieces->GetEvent());
+          if (!state.hasEvent) state.document->ReleaseEvent();
+        } else if (state.isComplete) {
+          break;
+        } else {
+          state.Advance();
+        }
+      }
+    });
+  } catch (const std::bad_alloc&) {
+    throw;
+  } catch (const std::exception& e) {
+    if (state.input.HasSourceFailed()) throw;
+    const std::string reason = e.what();
+    throw CRkException(std::wstring(reason.begin(), reason.end()));
+  }
+  state.hasFailed = false;
+  static_assert(static_cast<int>(CPieces::Kind::End) == static_cast<int>(Event::End));
+  return state.hasEvent ? static_cast<Event>(state.pieces->GetEvent().kind) : Event::Done;
+}
+
+const CXmlElement* CDocumentStream::GetElement() const noexcept {
+  return m_state->hasEvent ? m_state->pieces->GetEvent().element : nullptr;
+}
+
+std::wstring_view CDocumentStream::GetText() const noexcept {
+  return m_state->hasEvent ? std::wstring_view(m_state->pieces->GetEvent().text) : std::wstring_view();
+}
+
+std::size_t CDocumentStream::GetPathNumber() const noexcept {
+  return m_state->hasEvent ? m_state->pieces->GetEvent().path : 0;
+}
+
+const CSerializationContext& CDocumentStream::GetContext() const noexcept { return *m_state->context; }
+
+bool CDocumentStream::IsJson() const noexcept { return m_state->form == DocumentForm_Json; }
+
+bool CDocumentStream::IsFastInfoset() const noexcept { return m_state->fastInfoset != nullptr; }
+
+std::uint64_t CDocumentStream::GetBytesRead() const noexcept { return m_state->input.GetBytesRead(); }
+
+}  // namespace RkXmlLib16
