@@ -112,12 +112,11 @@ std::wstring EventsOf(CByteSource&& source, const std::vector<const wchar_t*>& p
 
 TEST(DocumentStreamTest, ReportsWhatStandsAroundTheElements) {
   const std::string xml = "<a k='1'>one<b/>two<c><d>three</d></c><e><d x='4'>f<g/>our</d></e>five</a>";
-  const std::string octets = ToFastInfoset(xml);
   for (std::size_t slice = 1; slice < 90; ++slice) {
     EXPECT_EQ(EventsOf(CSlicedSource(xml, slice), {}),
               L"<a@k=1()one<b()/b>two<c()<d()three/d>/c><e()<d@x=4()f<g()/g>our/d>/e>five/a>");
     EXPECT_EQ(EventsOf(CSlicedSource(xml, slice), {L"/a/e/*", L"/a/*/d", L"/a/c"}),
-              L"<a@k=1()one<b()/b>two#2c()<d(three)>/c><e()#0d@x=4(four)<g()>/e>five/a>");
+              L"<a@k=1()one<b()/b>two#2c()<d(three)><e()#0d@x=4(four)<g()>/e>five/a>");
   }
 }
 
