@@ -12,6 +12,8 @@
 #include "RkXmlLib16/binding/ElementInfoChoice.h"
 #include "RkXmlLib16/binding/ElementInfoSeq.h"
 #include "RkXmlLib16/binding/GeneratedClass.h"
+#include "RkXmlLib16/binding/Model.h"
+#include "RkXmlLib16/binding/ModelObject.h"
 #include "RkXmlLib16/binding/ParentElementInfo.h"
 #include "RkXmlLib16/collections/Collection.h"
 #include "RkXmlLib16/collections/ObjectCollection.h"

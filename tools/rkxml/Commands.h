@@ -10,6 +10,8 @@ void Convert(const Options& options);
 void Show(const Options& options);
 // Whether all documents can be read; tells the errors of those that cannot.
 bool Check(const Options& options);
+// Writes C++ classes for schemas, or tells their names.
+void Generate(const Options& options);
 
 // The help of a command, or of the tool for Command::None.
 std::string Help(Command command);

@@ -114,16 +114,36 @@ std::string Help(Command command) {
              "  -h, --help              this text\n"
              "\n"
              "Exit status: 0 all are good, 1 not all, 2 the schema cannot be used.\n";
+    case Command::Generate:
+      return "Usage: rkxml generate [options] SCHEMA.xsd...\n"
+             "\n"
+             "Writes C++ classes for the documents of the schemas: a header and one or more\n"
+             "sources for each schema document, those that are included and imported too. It\n"
+             "prints the names of the files. Schemas that belong together go into one call.\n"
+             "\n"
+             "  --out FOLDER            where the files go (default: here); made if missing\n"
+             "  --namespace URI=NAME    C++ namespace for a target namespace; may be repeated\n"
+             "                          (default: from the last word of the URI)\n"
+             "  --catalog FILE          lines URL=FILE: where schemas of such locations are\n"
+             "  --list                  only print the names of the files\n"
+             "  --depfile FILE          write what was read as a rule for make and ninja\n"
+             "  -h, --help              this text\n"
+             "\n"
+             "Exit status: 0 done, 1 a file cannot be written, 2 a schema cannot be used.\n"
+             "\n"
+             "Example:\n"
+             "  rkxml generate --out generated --namespace urn:example:order=shop order.xsd\n";
     case Command::None:
       break;
   }
   return "Usage: rkxml COMMAND [options] FILES\n"
          "\n"
-         "Converts and inspects XML documents.\n"
+         "Converts and inspects XML documents, and makes classes from their schemas.\n"
          "\n"
          "  convert IN OUT          read a document and write it in another form or layout\n"
          "  show IN                 tell what a document holds\n"
          "  check FILE...           read documents and tell their errors\n"
+         "  generate SCHEMA...      write C++ classes for the documents of schemas\n"
          "  -h, --help              this text; rkxml COMMAND --help tells about a command\n"
          "  --version               the version\n"
          "\n"

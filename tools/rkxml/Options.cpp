@@ -92,6 +92,24 @@ void ApplyLimits(CReadLimits& limits, std::string_view value) {
   }
 }
 
+// URI=cpp::name
+std::pair<std::string, std::string> NamespaceOption(std::string_view value) {
+  const std::size_t equals = value.rfind('=');
+  const std::string_view name = equals == std::string_view::npos ? std::string_view() : value.substr(equals + 1);
+  bool isName = !name.empty();
+  for (std::size_t i = 0; i < name.size(); ++i) {
+    const char c = name[i];
+    const bool isLetter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
+    const bool isFirst = i == 0 || name[i - 1] == ':';
+    if (c == ':')
+      isName &= i > 0 && i + 1 < name.size() && (name[i + 1] == ':') != (name[i - 1] == ':');
+    else
+      isName &= isLetter || (!isFirst && c >= '0' && c <= '9');
+  }
+  if (!isName) ThrowBadValue("--namespace", value, "URI=NAME with a C++ namespace");
+  return {std::string(value.substr(0, equals)), std::string(name)};
+}
+
 // What an option goes with; asked when the whole call is known.
 struct Use {
   const char* text;
@@ -108,7 +126,7 @@ constexpr Use kJsonInput = {"JSON input", [](const Options& o) { return o.from =
 constexpr Use kSchema = {"--schema or --follow-locations", [](const Options& o) { return o.UsesSchema(); }};
 constexpr Use kNoJsonInput = {"Fast Infoset input", [](const Options& o) { return o.from != FindForm("json"); }};
 
-enum Commands : unsigned { kConvert = 1, kShow = 2, kCheck = 4, kAll = 7 };
+enum Commands : unsigned { kConvert = 1, kShow = 2, kCheck = 4, kGenerate = 8, kReads = 7, kAll = 15 };
 
 // One option. `apply` gets the value, or an empty text for an option without one.
 struct Option {
@@ -120,7 +138,7 @@ struct Option {
 };
 
 constexpr Option kOptions[] = {
-    {"--from", true, kAll, kAlways, [](Options& o, std::string_view v) { o.from = FormOption("--from", v); }},
+    {"--from", true, kReads, kAlways, [](Options& o, std::string_view v) { o.from = FormOption("--from", v); }},
     {"--to", true, kConvert, kAlways, [](Options& o, std::string_view v) { o.to = FormOption("--to", v); }},
     {"--pretty", false, kConvert, kText, [](Options& o, std::string_view) { o.layout.pretty = true; }},
     {"--compact", false, kConvert, kText, [](Options& o, std::string_view) { o.layout.pretty = false; }},
@@ -128,16 +146,21 @@ constexpr Option kOptions[] = {
     {"--eol", true, kConvert, kPretty, [](Options& o, std::string_view v) { o.layout.eol = EolOption(v); }},
     {"--encoding", true, kConvert, kText,
      [](Options& o, std::string_view v) { o.layout.encoding = EncodingOption(v); }},
-    {"--mode", true, kAll, kJson, [](Options& o, std::string_view v) { o.json.mode = ModeOption(v); }},
-    {"--root", true, kAll, kJsonInput, [](Options& o, std::string_view v) { o.json.rootName = FromUtf8(v); }},
+    {"--mode", true, kReads, kJson, [](Options& o, std::string_view v) { o.json.mode = ModeOption(v); }},
+    {"--root", true, kReads, kJsonInput, [](Options& o, std::string_view v) { o.json.rootName = FromUtf8(v); }},
     {"--declaration", true, kConvert, kFastInfoset,
      [](Options& o, std::string_view v) { o.layout.declaration = DeclarationOption(v); }},
     {"--typed", false, kConvert, kFastInfoset, [](Options& o, std::string_view) { o.layout.typed = true; }},
-    {"--limits", true, kAll, kAlways, [](Options& o, std::string_view v) { ApplyLimits(o.limits, v); }},
+    {"--limits", true, kReads, kAlways, [](Options& o, std::string_view v) { ApplyLimits(o.limits, v); }},
     {"--schema", true, kConvert | kCheck, kAlways, [](Options& o, std::string_view v) { o.schemas.emplace_back(v); }},
-    {"--catalog", true, kConvert | kCheck, kSchema, [](Options& o, std::string_view v) { o.catalog = v; }},
+    {"--catalog", true, kConvert | kCheck | kGenerate, kSchema, [](Options& o, std::string_view v) { o.catalog = v; }},
     {"--follow-locations", false, kConvert | kCheck, kAlways,
      [](Options& o, std::string_view) { o.followLocations = true; }},
+    {"--out", true, kGenerate, kAlways, [](Options& o, std::string_view v) { o.folder = v; }},
+    {"--namespace", true, kGenerate, kAlways,
+     [](Options& o, std::string_view v) { o.namespaces.push_back(NamespaceOption(v)); }},
+    {"--list", false, kGenerate, kAlways, [](Options& o, std::string_view) { o.list = true; }},
+    {"--depfile", true, kGenerate, kAlways, [](Options& o, std::string_view v) { o.depfile = v; }},
     {"--force", false, kConvert, kSchema, [](Options& o, std::string_view) { o.force = true; }},
     {"--octets", false, kShow, kNoJsonInput, [](Options& o, std::string_view) { o.octets = true; }},
     {"--gzip", false, kConvert, kAlways, [](Options& o, std::string_view) { o.layout.gzip = true; }},
@@ -183,26 +206,29 @@ Command ParseCommand(std::string_view word) {
   if (word == "convert") return Command::Convert;
   if (word == "show") return Command::Show;
   if (word == "check") return Command::Check;
-  throw UsageError("unknown command " + Quoted(word), Hint(word, {"convert", "show", "check"}));
+  if (word == "generate") return Command::Generate;
+  throw UsageError("unknown command " + Quoted(word), Hint(word, {"convert", "show", "check", "generate"}));
 }
 
 void TakeFiles(Options& options, const std::vector<std::string>& files) {
   const bool convert = options.command == Command::Convert;
   const std::size_t wanted = convert ? 2 : 1;
-  const char* const call = convert                             ? "the call is: rkxml convert [options] IN OUT"
-                           : options.command == Command::Check ? "the call is: rkxml check FILE..."
-                                                               : "the call is: rkxml show IN";
+  const bool takesMany = options.command == Command::Check || options.command == Command::Generate;
+  const char* const call = convert                                ? "the call is: rkxml convert [options] IN OUT"
+                           : options.command == Command::Check    ? "the call is: rkxml check FILE..."
+                           : options.command == Command::Generate ? "the call is: rkxml generate SCHEMA..."
+                                                                  : "the call is: rkxml show IN";
   if (files.size() < wanted) {
     throw UsageError(files.empty() ? "no input file given" : "no output file given", call);
   }
-  if (files.size() > wanted && options.command != Command::Check)
-    throw UsageError("one file too many: " + Quoted(files[wanted]), call);
+  if (files.size() > wanted && !takesMany) throw UsageError("one file too many: " + Quoted(files[wanted]), call);
   for (const std::string& file : files) {
     if (file.empty()) throw UsageError("a file name is empty", call);
   }
   options.input = files[0];
   options.inputs = files;
-  if (options.command == Command::Check) return;
+  if (options.command == Command::Generate) options.schemas = files;
+  if (takesMany) return;
   if (options.from == nullptr) options.from = FormOfFile(options.input);
   if (options.from == nullptr) options.from = FindForm("xml");
   if (!convert) return;
@@ -215,15 +241,18 @@ void TakeFiles(Options& options, const std::vector<std::string>& files) {
 }
 
 void CheckUse(const std::vector<const Option*>& given, const Options& options) {
-  const bool convert = options.command == Command::Convert;
-  const std::string command = convert ? "convert" : options.command == Command::Check ? "check" : "show";
+  static constexpr struct {
+    const char* name;
+    unsigned bit;
+  } kNames[] = {{"", 0}, {"convert", kConvert}, {"show", kShow}, {"check", kCheck}, {"generate", kGenerate}};
+  const auto& [name0, bit] = kNames[static_cast<int>(options.command)];
+  const std::string command = name0;
   const std::string hint = "see rkxml " + command + " --help";
   for (const Option* option : given) {
     const std::string name = "option " + std::string(option->name);
-    const unsigned bit = convert ? kConvert : options.command == Command::Check ? kCheck : kShow;
     if ((option->commands & bit) == 0) throw UsageError(name + " does not go with " + command, hint);
     // The files of a check may be of several forms.
-    if ((bit != kCheck || &option->use == &kSchema) && !option->use.holds(options))
+    if (((bit & (kCheck | kGenerate)) == 0 || &option->use == &kSchema) && !option->use.holds(options))
       throw UsageError(name + " goes with " + option->use.text + " only", hint);
   }
 }

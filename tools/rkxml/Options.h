@@ -3,11 +3,12 @@
 
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Forms.h"
 
-enum class Command { None, Convert, Show, Check };
+enum class Command { None, Convert, Show, Check, Generate };
 
 // What the command line asks for.
 struct Options {
@@ -23,11 +24,15 @@ struct Options {
   JsonMapping json;
   RkXmlLib16::CReadLimits limits;
   std::vector<std::string> schemas;
-  std::string catalog;           // of schema locations; empty for none
-  bool followLocations = false;  // take schemas from xsi:schemaLocation too
-  bool force = false;            // convert what is not valid, without the schema
-  bool octets = false;           // show the octets of a Fast Infoset
-  bool quiet = false;            // do not tell what a conversion leaves out, or what a schema says that is not checked
+  std::string catalog;                                          // of schema locations; empty for none
+  bool followLocations = false;                                 // take schemas from xsi:schemaLocation too
+  bool force = false;                                           // convert what is not valid, without the schema
+  std::string folder = ".";                                     // of generate: where the sources go
+  std::vector<std::pair<std::string, std::string>> namespaces;  // of generate: target namespace, C++ namespace
+  std::string depfile;  // of generate: what it read, as a make rule; empty for none
+  bool list = false;    // of generate: only tell the names of the sources
+  bool octets = false;  // show the octets of a Fast Infoset
+  bool quiet = false;   // do not tell what a conversion leaves out, or what a schema says that is not checked
 
   bool UsesSchema() const { return !schemas.empty() || followLocations; }
 };

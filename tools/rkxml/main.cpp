@@ -20,6 +20,8 @@ int Run(const Options& options) {
     Convert(options);
   } else if (options.command == Command::Check) {
     return Check(options) ? kDone : kFailed;
+  } else if (options.command == Command::Generate) {
+    Generate(options);
   } else {
     Show(options);
   }

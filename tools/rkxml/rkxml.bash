@@ -20,7 +20,7 @@ _rkxml_files() {
 _rkxml() {
   local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} word command=
   for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
-    case $word in convert | show | check) command=$word && break ;; esac
+    case $word in convert | show | check | generate) command=$word && break ;; esac
   done
   compopt +o default
   case $previous in
@@ -29,13 +29,15 @@ _rkxml() {
     --eol) mapfile -t COMPREPLY < <(compgen -W 'lf crlf' -- "$current") && return ;;
     --mode) mapfile -t COMPREPLY < <(compgen -W '0 1 2' -- "$current") && return ;;
     --limits) mapfile -t COMPREPLY < <(compgen -W 'none depth= nodes= characters= inflated-bytes= inflation-ratio= expansion-ratio= pattern-steps=' -- "$current") && return ;;
-    --schema | --catalog) mapfile -t COMPREPLY < <(compgen -f -- "$current") && return ;;
+    --schema | --catalog | --depfile) mapfile -t COMPREPLY < <(compgen -f -- "$current") && return ;;
+    --out) mapfile -t COMPREPLY < <(compgen -d -- "$current") && return ;;
     --encoding) mapfile -t COMPREPLY < <(compgen -W 'utf-8 utf-16 wide' -- "$current") && return ;;
   esac
-  local words='convert show check --help -h --version'
+  local words='convert show check generate --help -h --version'
   case $command in
     convert) words='--from --to --pretty --compact --indent --eol --encoding --mode --root --declaration --typed --gzip --limits --schema --catalog --follow-locations --force --quiet --help -h' ;;
     check) words='--from --mode --root --limits --schema --catalog --follow-locations --quiet --help -h' ;;
+    generate) words='--out --namespace --catalog --list --depfile --help -h' ;;
     show) words='--from --mode --root --limits --octets --help -h' ;;
   esac
   if [ -n "$command" ] && [ "${current:0:1}" != - ]; then

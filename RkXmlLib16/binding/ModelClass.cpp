@@ -1,0 +1,376 @@
+#include "RkXmlLib16/binding/internal/ModelClass.h"
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <mutex>
+
+#include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/document/ElementTree.h"
+#include "RkXmlLib16/wildcards/NamespaceRule.h"
+
+namespace RkXmlLib16Data {
+
+using namespace RkXmlLib16;
+
+namespace {
+
+template <class Info>
+Info** NewArray(const std::vector<Info*>& infos) {
+  auto** const array = new Info*[infos.size() + 1];
+  *std::copy(infos.begin(), infos.end(), array) = nullptr;
+  return array;
+}
+
+// The members that class records make, in blocks that stay where they are, so that looking one up takes no lock.
+struct FactoryTable {
+  static constexpr int kBlockSize = 4096;
+  static constexpr int kBlocks = 4096;
+  using Block = std::array<std::atomic<const MemberModel*>, kBlockSize>;
+
+  std::atomic<const MemberModel*>& At(int id) {
+    return (*blocks[static_cast<std::size_t>(id / kBlockSize)].load())[static_cast<std::size_t>(id % kBlockSize)];
+  }
+
+  std::array<std::atomic<Block*>, kBlocks> blocks{};
+  std::mutex mutex;
+  std::vector<int> free;
+  int count = 0;
+};
+
+FactoryTable& Table() {
+  static auto& table = *new FactoryTable;  // objects may be made until the process ends
+  return table;
+}
+
+}  // namespace
+
+int ModelFactories::Add(const MemberModel& member) {
+  FactoryTable& table = Table();
+  const std::lock_guard lock(table.mutex);
+  int id = table.count;
+  if (!table.free.empty()) {
+    id = table.free.back();
+    table.free.pop_back();
+  } else {
+    if (id == FactoryTable::kBlocks * FactoryTable::kBlockSize)
+      throw CRkException(L"Limit exceeded: too many classes of schemas.");
+    auto& block = table.blocks[static_cast<std::size_t>(id / FactoryTable::kBlockSize)];
+    if (block.load() == nullptr) block = new FactoryTable::Block;
+    ++table.count;
+  }
+  table.At(id) = &member;
+  return id;
+}
+
+void ModelFactories::Remove(int id) noexcept {
+  FactoryTable& table = Table();
+  const std::lock_guard lock(table.mutex);
+  table.At(id) = nullptr;
+  table.free.push_back(id);
+}
+
+CSmartPtr<CXmlObjectBase> ModelFactories::Create(int id, const wchar_t*) {
+  const MemberModel& member = *Table().At(id).load();
+  return RkXmlLib16Data::NewModelObject(*member.object, member.object->IsInline() ? nullptr : &member);
+}
+
+CPrimitiveRestrictions FacetsOf(const ValueModel& v) {
+  return CPrimitiveRestrictions(v.pattern, v.minLength, v.maxLength, v.minInclusive, v.maxInclusive, v.minExclusive,
+                                v.maxExclusive, v.length, v.totalDigits, v.fractionDigits);
+}
+
+// ---- Classes
+
+ClassModel::~ClassModel() { delete m_made.load(); }
+
+const CModelClass& ClassModel::Make() const {
+  auto made = std::make_unique<const CModelClass>(*this);
+  const CModelClass* none = nullptr;
+  return m_made.compare_exchange_strong(none, made.get()) ? *made.release() : *none;
+}
+
+CModelClass::CModelClass(const ClassModel& model)
+    : m_model(model), m_properties(static_cast<std::size_t>(model.propertyCount)) {
+  const auto note = [&](int property, const wchar_t* name, const ValueModel* values, const DefaultModel* value) {
+    ModelProperty& info = m_properties[static_cast<std::size_t>(property)];
+    info.name = name;
+    info.values = values;
+    if (values == nullptr) return;
+    info.facets = FacetsOf(*values);
+    info.fixed = value != nullptr && value->isFixed ? value : nullptr;
+    info.mustCheck = values->needsCheck || values->holdsQNames || !values->enumeration.empty() ||
+                     !info.facets.IsEmpty() || info.fixed != nullptr;
+  };
+  for (const AttributeModel& attribute : model.attributes)
+    note(attribute.property, attribute.name, attribute.values, &attribute.value);
+  for (const MemberModel& member : model.members) {
+    note(member.property, member.name, member.values, &member.value);
+    ModelProperty& info = m_properties[static_cast<std::size_t>(member.property)];
+    info.member = &member;
+    info.startsNil = member.values != nullptr && member.isNillable && !member.IsCollection();
+    info.mustCheck = info.mustCheck || model.group == XmlElementGroupType_Choice;
+  }
+  if (model.textProperty >= 0) {
+    note(model.textProperty, L"#text", model.text, nullptr);
+    m_properties[static_cast<std::size_t>(model.textProperty)].mustCheck = true;
+  }
+
+  std::vector<CElementInfo*> elements;
+  for (const MemberModel& member : model.members) elements.push_back(NewModelRecord(model, member, m_factoryIds));
+  std::vector<CAttributeInfo*> attributes;
+  for (const AttributeModel& attribute : model.attributes) attributes.push_back(NewModelRecord(attribute));
+  if (model.attributeWildcard != nullptr) attributes.push_back(NewWildcardRecord(model));
+  m_elements = NewArray(elements);
+  m_attributes = NewArray(attributes);
+  m_info = new CParentElementInfo(model.group, model.elementType, model.name, model.namespaceUri,
+                                  model.strictAttributes, model.contentMayBeEmpty, model.textProperty,
+                                  model.text != nullptr ? model.text->itemType : ItemType_none, nullptr,
+                                  /*simpleContentAsText=*/true);
+}
+
+CModelClass::~CModelClass() {
+  CXmlGeneratedClass::CleanMetaData(m_info, m_elements, m_attributes);
+  for (const int id : m_factoryIds) ModelFactories::Remove(id);
+}
+
+int CModelClass::FindText(const ValueModel& values, std::wstring_view text) noexcept {
+  for (std::size_t i = 0; i < values.enumeration.size(); ++i)
+    if (values.enumeration[i] == text) return static_cast<int>(i);
+  return -1;
+}
+
+CSmartPtr<CModelObject> NewModelObject(const ClassModel& model, const ElementModel* declaration) {
+  if (model.create == nullptr) return nullptr;
+  CSmartPtr<CModelObject> object(model.create(model));
+  if (declaration != nullptr) object->SetDeclaration(*declaration);
+  return object;
+}
+
+// ---- Values
+
+const Reading*& Reading::Current() noexcept {
+  static thread_local const Reading* current = nullptr;
+  return current;
+}
+
+bool IsNilTrue(const CXmlElement& element) {
+  const CXmlText value = element.GetAttribute(L"nil", kInstanceNamespace);
+  return value == L"true" || value == L"1";
+}
+
+bool IsBlank(std::wstring_view text) {
+  return std::all_of(text.begin(), text.end(), [](wchar_t c) { return CWhitespaceUtils::IsWhiteSpace(c); });
+}
+
+NamespaceResolver ResolverOf(const CXmlElement& element) {
+  return [&element](std::wstring_view prefix) -> std::optional<std::wstring> {
+    const CXmlName* const uri = element.LookupNamespaceRef(prefix);
+    if (uri != nullptr) return std::wstring(uri->View());
+    if (prefix.empty()) return std::wstring();
+    if (prefix == L"xml") return std::wstring(kXmlNamespace);
+    return std::nullopt;
+  };
+}
+
+NamespaceResolver ResolverOf(Span<PrefixModel> prefixes) {
+  return [prefixes](std::wstring_view prefix) -> std::optional<std::wstring> {
+    for (const PrefixModel& known : prefixes)
+      if (known.prefix == prefix) return std::wstring(known.namespaceUri);
+    if (prefix.empty()) return std::wstring();
+    if (prefix == L"xml") return std::wstring(kXmlNamespace);
+    return std::nullopt;
+  };
+}
+
+void CheckModelText(const wchar_t* name, const ValueModel& values, const DefaultModel* fixed, std::wstring_view text,
+                    const NamespaceResolver& resolver) {
+  if (values.needsCheck && values.type != nullptr)
+    if (const auto error = values.type->Check(text, resolver))
+      throw CRkInvalidValueException(FormatString(L"Invalid Value for %ls: %ls", name, error->c_str()));
+  if (fixed == nullptr || text == fixed->text) return;
+  if (values.type == nullptr || !values.type->AreEqual(text, fixed->text, resolver, ResolverOf(fixed->prefixes)))
+    throw CRkInvalidValueException(FormatString(L"Invalid Value for %ls [%ls]: the fixed value is [%ls].", name,
+                                                std::wstring(text).c_str(), fixed->text));
+}
+
+// ---- Schemas
+
+namespace {
+
+NamedType FindType(const SchemaModel& schema, std::wstring_view uri, std::wstring_view name) {
+  NamedType found;
+  for (const ClassModel* object : schema.classes)
+    if (object->name == name && object->namespaceUri == uri) found.object = object;
+  for (const CSimpleType* simple : schema.simpleTypes)
+    if (simple->GetName() == name && simple->GetNamespace() == uri) found.simple = simple;
+  if (found.object != nullptr && found.object->simple != nullptr) found.simple = found.object->simple;
+  found.isNamed = true;
+  return found;
+}
+
+const ElementModel* FindElement(const SchemaModel& schema, std::wstring_view uri, std::wstring_view name,
+                                bool anyNamespace = false) {
+  for (const ElementModel* element : schema.elements)
+    if (element->name == name && (anyNamespace || element->namespaceUri == uri)) return element;
+  return nullptr;
+}
+
+bool IsAnyType(const ClassModel* object) { return object != nullptr && object->isAnyType; }
+
+// The class for xsi:type on an element of the declaration; null when it does not fit.
+const ClassModel* FindSubstitute(const ElementModel& declaration, const ClassModel* object) {
+  unsigned methods = 0;
+  for (const ClassModel* at = object; at != declaration.object; at = at->base) {
+    if (at == nullptr) return nullptr;
+    methods |= at->derivation;
+    if (at->base == nullptr && IsAnyType(declaration.object)) break;
+  }
+  if (object == nullptr || object->isAbstract) return nullptr;
+  const unsigned blocked = declaration.block | (declaration.object != nullptr ? declaration.object->block : 0);
+  return (methods & blocked) == 0 ? object : nullptr;
+}
+
+}  // namespace
+
+bool WildcardModel::Allows(std::wstring_view namespaceUri) const noexcept {
+  if (allowed == Allowed::Any) return true;
+  const bool isListed =
+      std::any_of(namespaces.begin(), namespaces.end(), [&](const wchar_t* listed) { return listed == namespaceUri; });
+  if (allowed == Allowed::Listed) return isListed;
+  return !isListed && (allowsAbsent || !namespaceUri.empty());
+}
+
+NamedType FindNamedType(const SchemaModel* schema, const CXmlElement& element) {
+  const std::wstring name = CWhitespaceUtils::Collapse(element.GetAttribute(L"type", kInstanceNamespace).ToString());
+  NamedType unknown;
+  unknown.isNamed = !name.empty();
+  if (!unknown.isNamed || schema == nullptr) return unknown;
+  const std::size_t colon = name.find(L':');
+  const CXmlName* const uri =
+      element.LookupNamespaceRef(colon == std::wstring::npos ? std::wstring() : name.substr(0, colon));
+  if (colon != std::wstring::npos)
+    return uri == nullptr ? unknown : FindType(*schema, uri->View(), std::wstring_view(name).substr(colon + 1));
+  // Without a prefix it is the default namespace; a document may have several, so the element's own is tried too.
+  for (const std::wstring& ns : {uri != nullptr ? std::wstring(uri->View()) : std::wstring(),
+                                 element.GetNamespaceURI().ToString(), std::wstring()}) {
+    const NamedType found = FindType(*schema, ns, name);
+    if (found.object != nullptr || found.simple != nullptr) return found;
+  }
+  return unknown;
+}
+
+CSmartPtr<CModelObject> NewElement(const SchemaModel* schema, const ElementModel& declaration,
+                                   const CXmlElement& element) {
+  const NamedType type = FindNamedType(schema, element);
+  const bool isDeclared = !type.isNamed || (declaration.simple != nullptr ? type.simple == declaration.simple
+                                                                          : type.object == declaration.object);
+  const ClassModel* const object = isDeclared ? declaration.object : FindSubstitute(declaration, type.object);
+  if (object == nullptr || object->isAbstract) return nullptr;
+  return NewModelObject(*object, &declaration);
+}
+
+namespace {
+
+// Reads the element for the sake of its errors; false when the schema does not know it.
+bool CheckKnownElement(const SchemaModel& schema, CXmlElement& element, const CSerializationContext& context) {
+  const NamedType type = FindNamedType(&schema, element);
+  if (FindElement(schema, element.GetNamespaceURI(), element.GetLocalName()) == nullptr && type.object == nullptr &&
+      type.simple == nullptr)
+    return false;
+  const CSmartPtr<CModelObject> object = NewObjectFor(schema, element, context);
+  object->FromXml_Int(&element, element.GetFirstElement(), context, /*isOptionalChoice=*/false);
+  return true;
+}
+
+}  // namespace
+
+void CheckWildcardElement(const SchemaModel* schema, WildcardModel::Process process, CXmlElement& element,
+                          const CSerializationContext& context) {
+  if (process == WildcardModel::Process::Skip || schema == nullptr) return;
+  if (CheckKnownElement(*schema, element, context)) return;
+  if (process == WildcardModel::Process::Strict)
+    throw At(CRkValidationException(FormatString(L"The element [%ls] is not declared.", element.GetLocalName().c_str()),
+                                    element.GetXPath()),
+             element);
+  // Elements that the schema knows are checked at any depth below those that it does not.
+  CXmlElement* at = element.GetFirstElement();
+  while (at != nullptr) {
+    if (!CheckKnownElement(*schema, *at, context) && at->GetFirstElement() != nullptr) {
+      at = at->GetFirstElement();
+      continue;
+    }
+    while (at != &element && at->GetNextSiblingElement() == nullptr) at = at->GetParentElement();
+    at = at == &element ? nullptr : at->GetNextSiblingElement();
+  }
+}
+
+void CheckWildcardAttribute(const SchemaModel* schema, WildcardModel::Process process, const CXmlAttribute& attribute) {
+  if (process == WildcardModel::Process::Skip || schema == nullptr) return;
+  const auto refuse = [&](const std::wstring& message) {
+    throw At(CRkValidationException(message, attribute.GetXPath()), attribute);
+  };
+  const AttributeModel* declaration = nullptr;
+  for (const AttributeModel& known : schema->attributes)
+    if (attribute.GetLocalName() == known.name && attribute.GetNamespaceURI() == known.namespaceUri)
+      declaration = &known;
+  if (declaration == nullptr) {
+    if (process == WildcardModel::Process::Strict)
+      refuse(FormatString(L"The attribute [%ls] is not declared.", attribute.GetLocalName().c_str()));
+    return;
+  }
+  const CSimpleType* const type = declaration->values->type;
+  if (type == nullptr) return;
+  const NamespaceResolver resolver = ResolverOf(*attribute.GetElement());
+  if (const auto error = type->Check(attribute.GetValue(), resolver)) refuse(*error);
+  if (declaration->value.isFixed &&
+      !type->AreEqual(attribute.GetValue(), declaration->value.text, resolver, ResolverOf(declaration->value.prefixes)))
+    refuse(FormatString(L"The fixed value is [%ls].", declaration->value.text));
+}
+
+}  // namespace RkXmlLib16Data
+
+namespace RkXmlLib16 {
+
+using namespace RkXmlLib16Data;
+
+CSmartPtr<CModelObject> NewObjectFor(const SchemaModel& schema, CXmlElement& root,
+                                     const CSerializationContext& context) {
+  const auto refuse = [&](const wchar_t* format) {
+    const std::wstring uri = root.GetNamespaceURI().ToString();
+    const std::wstring name = (uri.empty() ? L"" : L'{' + uri + L'}') + root.GetLocalName().ToString();
+    throw At(CRkValidationException(FormatString(format, name.c_str()), root.GetXPath()), root);
+  };
+  const ElementModel* declared = FindElement(schema, root.GetNamespaceURI(), root.GetLocalName());
+  if (declared == nullptr && context.GetIgnoreNamespaces())
+    declared = FindElement(schema, {}, root.GetLocalName(), /*anyNamespace=*/true);
+  if (declared != nullptr) {
+    if (declared->isAbstract) refuse(L"The element [%ls] is abstract.");
+    CSmartPtr<CModelObject> object = NewElement(&schema, *declared, root);
+    if (object == nullptr) refuse(L"The type of the element [%ls] does not fit, or is abstract.");
+    return object;
+  }
+  const ClassModel* const object = FindNamedType(&schema, root).object;
+  if (object == nullptr || object->isAbstract) refuse(L"The element [%ls] is not declared.");
+  CSmartPtr<CModelObject> made = RkXmlLib16Data::NewModelObject(*object, nullptr);
+  return made;
+}
+
+CSmartPtr<CModelObject> ReadDocument(const SchemaModel& schema, const CXmlDocument& document,
+                                     const CSerializationContext& context) {
+  CXmlElement* const root = document.GetDocumentElement();
+  if (root == nullptr) throw CRkException(L"The document has no root element.");
+  CSmartPtr<CModelObject> object = NewObjectFor(schema, *root, context);
+  object->FromXmlElement(root, context);
+  return object;
+}
+
+CSmartPtr<CModelObject> ReadFile(const SchemaModel& schema, const CFileName& fileName,
+                                 const CSerializationContext& context) {
+  CXmlDocument document(context);
+  document.Load(fileName);
+  return ReadDocument(schema, document, context);
+}
+
+}  // namespace RkXmlLib16

@@ -1,0 +1,302 @@
+// The base of the classes that `rkxml generate` prints. docs/generated-names.md shows what such a class looks like.
+#ifndef RKXMLLIB16_BINDING_MODELOBJECT_H
+#define RKXMLLIB16_BINDING_MODELOBJECT_H
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <type_traits>
+
+#include "RkXmlLib16/binding/GeneratedClass.h"
+#include "RkXmlLib16/binding/Model.h"
+#include "RkXmlLib16/collections/ObjectCollection.h"
+#include "RkXmlLib16/collections/ValueCollections.h"
+#include "RkXmlLib16/context/SerializationContext.h"
+#include "RkXmlLib16/object/Variant.h"
+#include "RkXmlLib16/wildcards/AttributeCol.h"
+#include "RkXmlLib16/wildcards/Element.h"
+#include "RkXmlLib16/wildcards/ElementCol.h"
+
+namespace RkXmlLib16 {
+
+using RkXmlLib16Data::ClassModel;
+using RkXmlLib16Data::ElementModel;
+using RkXmlLib16Data::MemberModel;
+using RkXmlLib16Data::SchemaModel;
+
+class CXmlDocument;
+
+// A value that is seldom there and then stands apart. Without one it reads as T().
+template <class T>
+class CRareValue {
+ public:
+  const T& Get() const noexcept {
+    static const T none{};
+    return m_value != nullptr ? *m_value : none;
+  }
+  T& Make() {
+    if (m_value == nullptr) m_value = std::make_unique<T>();
+    return *m_value;
+  }
+  void Reset() noexcept { m_value.reset(); }
+
+ private:
+  std::unique_ptr<T> m_value;
+};
+
+// Which properties of an object are set: a bit for each.
+class CPropertySet {
+ public:
+  explicit CPropertySet(int count) {
+    if (count > kInPlace) m_more = std::make_unique<std::uint64_t[]>(static_cast<std::size_t>((count - 1) / kInPlace));
+  }
+  bool Has(int property) const noexcept { return (Word(property) >> (property % kInPlace) & 1) != 0; }
+  void Add(int property) noexcept { Word(property) |= std::uint64_t{1} << (property % kInPlace); }
+  void Remove(int property) noexcept { Word(property) &= ~(std::uint64_t{1} << (property % kInPlace)); }
+
+ private:
+  static constexpr int kInPlace = 64;
+  const std::uint64_t& Word(int property) const noexcept {
+    return property < kInPlace ? m_first : m_more[static_cast<std::size_t>(property / kInPlace - 1)];
+  }
+  std::uint64_t& Word(int property) noexcept {
+    return property < kInPlace ? m_first : m_more[static_cast<std::size_t>(property / kInPlace - 1)];
+  }
+
+  std::uint64_t m_first = 0;
+  std::unique_ptr<std::uint64_t[]> m_more;
+};
+
+// An object of a class that a schema describes. The class derived from it has the members, and for each of them a
+// getter, a setter and a line in AccessProperty; reading, writing, checks and records come from the tables.
+//
+// A setter throws CRkException for a value that breaks a facet, CRkInvalidValueException for one that breaks what the
+// facets do not know, CRkInvalidStateException while another member of a choice is set, and then leaves the object as
+// it was. Reading begins with an object as its constructor makes it. A mandatory member that was never set is an error
+// of writing.
+class RKXML_EXPORT CModelObject : public CXmlGeneratedClass {
+ public:
+  using CXmlObjectBase::AttributesToXml_Int;
+  using CXmlObjectBase::FromXml_Int;
+  using CXmlObjectBase::GetBase;
+
+  ~CModelObject() override;
+
+  const ClassModel& GetModel() const noexcept;
+  // The declaration of the element that the object stands for; null for an inline group, or when only the type is
+  // known.
+  const ElementModel* GetDeclaration() const noexcept { return m_declaration; }
+  // The object takes the name, and xsi:type is written where its class is not the declared one. Borrowed.
+  void SetDeclaration(const ElementModel& declaration);
+  // Of a choice: the element name of the member that is set; null when none is.
+  const wchar_t* GetSelected() const;
+
+  CXmlObjectBase* GetBase() override { return this; }
+  const wchar_t* GetTargetNamespace() const override;
+  const wchar_t* GetNamespace() const override;
+  RkXmlLib16Data::CParentElementInfo* GetClassInfo() const override;
+  RkXmlLib16Data::CElementInfo** GetClassElementInfo() const override;
+  RkXmlLib16Data::CAttributeInfo** GetClassAttributeInfo() const override;
+  void AccessProperty(int property, bool get, RkVariant& value) override;
+  void BeginFromXml_Int(CXmlElement* element, CXmlElement* firstChild, const CSerializationContext& context,
+                        bool isOptionalChoice) override;
+  CXmlElement* FromXml_Int(CXmlElement* element, CXmlElement* firstChild, const CSerializationContext& context,
+                           bool isOptionalChoice) override;
+  // xsi:type is written exactly where the type is not the declared one.
+  void AttributesToXml_Int(CXmlWriter* writer, const CSerializationContext& context) const override;
+  void OnEvent(CXmlObjectBase* source, MsgType type, void* data) override;
+
+  // For the records: makes the collection of the property, or the wildcard element, if it is not there yet.
+  void Ensure(int property);
+  // Keeps the prefixes of the names in the text as the element has them, so that they are declared again.
+  void KeepPrefixes(const CXmlElement& element, std::wstring_view text);
+
+ protected:
+  CModelObject(const ClassModel& model, const wchar_t* elementName);
+
+  // Gives attributes their defaults. Constructors of classes that have some call it.
+  void Begin();
+
+  bool IsSet(int property) const noexcept { return m_set.Has(property); }
+  bool GetNilFlag() const noexcept { return m_isNil; }
+  void SetNilFlag(bool nil) noexcept { m_isNil = nil; }
+
+  // For setters.
+  template <class T>
+  void StoreValue(int property, T& member, const T& value) {
+    if (MustCheck(property)) Check(property, value);
+    member = value;
+    Mark(property);
+  }
+  template <class T>
+  void StoreValue(int property, CRareValue<T>& member, const T& value) {
+    if (MustCheck(property)) Check(property, value);
+    member.Make() = value;
+    Mark(property);
+  }
+  template <class T>
+  void DropValue(int property, T& member) {
+    member = T();
+    Unmark(property);
+  }
+  template <class T>
+  void DropValue(int property, CRareValue<T>& member) {
+    member.Reset();
+    Unmark(property);
+  }
+  // Counted; null clears.
+  template <class T, class Value>
+  void StoreObject(int property, CSmartPtr<T>& member, Value* value) {
+    const CSmartPtr<T> held(value);
+    Adopt(property, held);
+    member = held;
+  }
+  template <class T>
+  T* RequireObject(int property, CSmartPtr<T>& member) {
+    if (member == nullptr) StoreObject(property, member, new T());
+    return member;
+  }
+  // The collection, made at first use.
+  template <class T>
+  T* RequireCollection(int property, CSmartPtr<T>& member) const {
+    if (member == nullptr) const_cast<CModelObject*>(this)->Ensure(property);
+    return member;
+  }
+
+  // For AccessProperty.
+  template <class T>
+  void Access(bool get, RkVariant& value, int property, T& member) {
+    if constexpr (std::is_enum_v<T>) {
+      int number = static_cast<int>(member);
+      AccessValue(get, value, property, number);
+      member = static_cast<T>(number);
+    } else {
+      AccessValue(get, value, property, member);
+    }
+  }
+  template <class T>
+  void Access(bool get, RkVariant& value, int property, CRareValue<T>& member) {
+    if (get) return AccessValue(true, value, property, const_cast<T&>(member.Get()));  // which is only read
+    T read{};
+    AccessValue(false, value, property, read);
+    if (IsSet(property))
+      member.Make() = std::move(read);
+    else
+      member.Reset();
+  }
+  template <class T>
+  void Access(bool get, RkVariant& value, int property, CSmartPtr<T>& member) {
+    if constexpr (std::is_base_of_v<CXmlCollectionBase, T>) {
+      if (get) {
+        if (member == nullptr && NeedsCollection(property)) member = static_cast<T*>(MakeCollection(property));
+        return value.SetXmlCollection(member);
+      }
+      member = static_cast<T*>(value.PeekXmlCollection());
+      Mark(property);
+    } else {
+      if (get) return member != nullptr ? value.SetXmlObject(member) : value.SetInvalid();
+      const CSmartPtr<T> object(static_cast<T*>(value.PeekXmlObject()));
+      Adopt(property, object);
+      member = object;
+    }
+  }
+
+ private:
+  using Prefixes = std::map<std::wstring, std::wstring>;
+
+  template <class T>
+  void AccessValue(bool get, RkVariant& value, int property, T& member);
+  bool MustCheck(int property) const noexcept;
+  template <class T>
+  void Check(int property, const T& value);
+  // Throws when the value may not be set.
+  void CheckSet(int property, RkVariant& value);
+  void CheckText(int property, RkVariant& value);
+  // Throws when another member of the choice is set.
+  void Select(int property);
+  bool IsFilled(int property) const;
+  // Whether its count is to be checked even when nothing was added.
+  bool NeedsCollection(int property) const noexcept;
+  CXmlCollectionBase* MakeCollection(int property);
+  void Adopt(int property, CXmlObjectBase* object);
+  void Mark(int property) noexcept {
+    m_set.Add(property);
+    m_isFresh = false;
+  }
+  void Unmark(int property) noexcept { m_set.Remove(property); }
+  void Reset();
+
+  const RkXmlLib16Data::CModelClass& m_class;
+  const ElementModel* m_declaration = nullptr;
+  CPropertySet m_set;
+  bool m_isNil = false;
+  bool m_isFresh = true;
+  std::unique_ptr<Prefixes> m_prefixes;
+  const CXmlElement* m_element = nullptr;  // while it is read
+};
+
+// The repeated objects of a property: elements, or inline groups.
+class RKXML_EXPORT CModelCollectionBase : public CXmlObjectCollection<CModelObject> {
+ public:
+  using CXmlObjectBase::FromXml_Int;
+
+  explicit CModelCollectionBase(const MemberModel& member);
+  ~CModelCollectionBase() override;
+
+  // Counted.
+  void Add(CModelObject* item);
+  CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* current, const CSerializationContext& context,
+                           bool isOptionalChoice) override;
+
+ protected:
+  CModelObject* AddNewItem();
+
+ private:
+  const MemberModel& m_member;
+};
+
+// The same with the class of the items: for (CLineType& line : *order.GetLine()).
+template <class T>
+class CModelCollection final : public CModelCollectionBase {
+ public:
+  using CModelCollectionBase::CModelCollectionBase;
+
+  // Borrowed. Throws CRkInvalidParamException for an index out of range.
+  T* Item(int index) const { return static_cast<T*>(GetNodeAtIndex(index)->GetItem()); }
+  CIterator<T> begin() const noexcept { return CIterator<T>(GetFirstNode()); }
+  CIterator<T> end() const noexcept { return {}; }
+  // Counted.
+  void Add(T* item) { CModelCollectionBase::Add(item); }
+  // Makes an item, adds it and returns it, borrowed; null where the class is abstract.
+  T* AddNew() { return static_cast<T*>(AddNewItem()); }
+};
+
+// For the tables.
+template <class T>
+CModelObject* NewModelObject(const ClassModel&) {
+  return new T();
+}
+template <class T>
+CXmlCollectionBase* NewModelCollection(const MemberModel& member) {
+  return new CModelCollection<T>(member);
+}
+
+// The object for a document of the schema: of the class of its root element, or of the one that xsi:type names there.
+// NewObjectFor leaves it unread; the others read it. They throw CRkValidationException when the schema does not declare
+// the element, or it is abstract, or the type does not fit, and what reading throws.
+RKXML_EXPORT CSmartPtr<CModelObject> NewObjectFor(const SchemaModel& schema, CXmlElement& root,
+                                                  const CSerializationContext& context);
+RKXML_EXPORT CSmartPtr<CModelObject> ReadDocument(const SchemaModel& schema, const CXmlDocument& document,
+                                                  const CSerializationContext& context = GetDefaultContext());
+// XML text or Fast Infoset, told apart by their first bytes, plain or compressed.
+RKXML_EXPORT CSmartPtr<CModelObject> ReadFile(const SchemaModel& schema, const CFileName& fileName,
+                                              const CSerializationContext& context = GetDefaultContext());
+
+// The number of a text in an enumeration; throws CRkInvalidValueException for another text.
+RKXML_EXPORT int FindEnumeration(RkXmlLib16Data::Span<const wchar_t*> texts, std::wstring_view text);
+
+}  // namespace RkXmlLib16
+
+#endif

@@ -1,0 +1,501 @@
+// The records and collections of classes that tables describe: those of the library, and where a schema says more than
+// they hold, classes derived from them that look at the element first.
+#include <type_traits>
+#include <utility>
+
+#include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/binding/ElementInfoAll.h"
+#include "RkXmlLib16/binding/ElementInfoChoice.h"
+#include "RkXmlLib16/binding/ElementInfoSeq.h"
+#include "RkXmlLib16/binding/internal/ModelClass.h"
+#include "RkXmlLib16/document/ElementTree.h"
+
+namespace RkXmlLib16Data {
+
+using namespace RkXmlLib16;
+
+namespace {
+
+using Kind = MemberModel::Kind;
+using Cardinality = MemberModel::Cardinality;
+
+void RefuseNilContent(const CXmlElement& element) {
+  if (!element.GetText().empty() || element.GetFirstElement() != nullptr)
+    throw At(CRkValidationException(
+                 FormatString(L"The element [%ls] is nil and must be empty.", element.GetLocalName().c_str()),
+                 element.GetXPath()),
+             element);
+}
+
+[[noreturn]] void ThrowUnexpectedChild(const CXmlElement& element, const CXmlElement& child) {
+  throw At(CRkValidationException(
+               FormatString(L"Failed read all the elements held within the element [%ls]. The unexpected element "
+                            L"[%ls] remains un processed",  // sic
+                            element.GetLocalName().c_str(), child.GetLocalName().c_str()),
+               element.GetXPath()),
+           child);
+}
+
+void RefuseChildren(const CXmlElement& element) {
+  if (const CXmlElement* const child = element.GetFirstElement()) ThrowUnexpectedChild(element, *child);
+}
+
+// ---- Values
+
+// A value that is checked by its text.
+template <class Base>
+class CModelValue final : public Base {
+ public:
+  CModelValue(const ClassModel& owner, const MemberModel& member)
+      : Base(member.name, member.namespaceUri, member.property, member.isNillable, member.values->itemType,
+             /*format=*/nullptr, member.values->whitespace, FacetsOf(*member.values), member.value.text),
+        m_owner(owner),
+        m_member(member),
+        m_needsText(member.values->needsCheck || member.values->holdsQNames || member.value.isFixed) {
+    if constexpr (std::is_same_v<Base, CElementInfoSeqPrimOpt>) Base::SkipOtherElements();
+  }
+
+  bool ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                      CXmlElement** cursor, const wchar_t* ownerNamespace, XmlElementType ownerType) override {
+    const CXmlElement* const element = *cursor;
+    if (!Base::IsThisElement(context, element))
+      return Base::ElementFromXml(context, object, parent, cursor, ownerNamespace, ownerType);
+    RefuseChildren(*element);
+    if (!m_needsText && element->GetAttributes().empty())
+      return Base::ElementFromXml(context, object, parent, cursor, ownerNamespace, ownerType);
+    if (m_member.isNillable && IsNilTrue(*element)) RefuseNilContent(*element);
+    std::wstring_view text = element->GetText();
+    if (text.empty() && m_member.HasDefault()) text = m_member.value.text;
+    const ReadingScope scope(*element, text);
+    if (IsOfDerivedType(*element, text)) {
+      RkVariant value;
+      value.FromText(text, m_member.values->itemType, m_member.values->whitespace);
+      Base::InvokePropertySet(object, value, *element);
+      *cursor = element->GetNextSiblingElement();
+      return true;
+    }
+    return Base::ElementFromXml(context, object, parent, cursor, ownerNamespace, ownerType);
+  }
+
+ private:
+  // Whether the element has an xsi:type of a derived simple type, which its text then has to fit too, and nothing else.
+  bool IsOfDerivedType(const CXmlElement& element, std::wstring_view text) const {
+    const CXmlAttributes attributes = element.GetAttributes();
+    if (attributes.size() != 1 || !attributes[0]->IsNamespaceAttribute()) return false;
+    const CSimpleType* const simple = FindNamedType(m_owner.schema, element).simple;
+    const bool isBlocked = (m_member.block & Derivation_Restriction) != 0;
+    if (simple == nullptr || m_member.simple == nullptr || !simple->IsDerivedFrom(m_member.simple) ||
+        (isBlocked && simple != m_member.simple))
+      return false;
+    if (const auto error = simple->Check(text, ResolverOf(element)))
+      throw At(CRkValidationException(*error, element.GetXPath()), element);
+    return true;
+  }
+
+  const ClassModel& m_owner;
+  const MemberModel& m_member;
+  bool m_needsText;
+};
+
+// A value collection that stops at its maximum, where it must, and checks texts and attributes of its items.
+template <class Base>
+class CModelValues final : public Base {
+ public:
+  explicit CModelValues(const ModelProperty& property) : CModelValues(property, property.facets) {}
+
+  CXmlElement* FromXml_Int(CXmlElement*, CXmlElement* current, const CSerializationContext& context, bool) override {
+    const MemberModel& member = *m_property.member;
+    const auto isFull = [&] { return member.stopsAtMaximum && this->GetCount() >= member.maxOccurs; };
+    for (; current != nullptr && !isFull() &&
+           this->DoesElementNameMatch(context, current, member.name, member.namespaceUri);
+         current = current->GetNextSiblingElement()) {
+      CheckItem(context, *current);
+      AddItem(*current);
+    }
+    return current;
+  }
+  using CXmlObjectBase::FromXml_Int;
+
+ private:
+  CModelValues(const ModelProperty& property, const CPrimitiveRestrictions& f)
+      : Base(property.member->name, property.member->namespaceUri, property.member->minOccurs,
+             property.member->maxOccurs, f.GetPattern().c_str(), f.GetMinLength(), f.GetMaxLength(),
+             f.GetMinInclusive().c_str(), f.GetMaxInclusive().c_str(), f.GetMinExclusive().c_str(),
+             f.GetMaxExclusive().c_str(), f.GetLength(), f.GetTotalDigits(), f.GetFractionDigits(),
+             property.values->whitespace, nullptr),
+        m_property(property) {}
+
+  void AddItem(const CXmlElement& element) {
+    try {
+      this->AddFromString(element.GetText());
+    } catch (CRkException& e) {
+      At(e, element);
+      throw;
+    }
+  }
+
+  void CheckItem(const CSerializationContext& context, const CXmlElement& element) const {
+    RefuseChildren(element);
+    for (const CXmlAttribute* attribute : element.GetAttributes()) {
+      if (attribute->IsNilAttribute() && IsNilTrue(element))
+        throw At(CRkValidationException(L"Invalid use of 'nil' attribute in non-nillable element.", element.GetXPath()),
+                 element);
+      if (!attribute->IsNilAttribute() && !attribute->IsNamespaceAttribute() && !context.GetIgnoreUnknownAttributes())
+        throw At(CRkValidationException(L"Unexpected Attribute found.", attribute->GetXPath()), *attribute);
+    }
+    const ValueModel& values = *m_property.values;
+    try {
+      if (values.needsCheck)
+        CheckModelText(m_property.name, values, /*fixed=*/nullptr, element.GetText(), ResolverOf(element));
+      if (values.enumeration.empty()) return;
+      std::wstring scratch;
+      const std::wstring_view text = CWhitespaceUtils::ApplyRule(values.whitespace, element.GetText(), scratch);
+      if (CModelClass::FindText(values, text) < 0)
+        throw CRkInvalidValueException(
+            FormatString(L"Invalid Value for %ls [%ls].", m_property.name, std::wstring(text).c_str()));
+    } catch (const CRkException& e) {
+      throw At(CRkValidationException(L"Failed to set the property value.", element.GetXPath(), e), element);
+    }
+  }
+
+  const ModelProperty& m_property;
+};
+
+CXmlCollectionBase* NewValues(const ModelProperty& property) {
+  switch (property.values->itemType) {
+    case ItemType_hexBinary:
+      return new CModelValues<ChexBinaryCol>(property);
+    case ItemType_base64Binary:
+      return new CModelValues<Cbase64BinaryCol>(property);
+    case ItemType_byte:
+      return new CModelValues<Ci1Col>(property);
+    case ItemType_short:
+      return new CModelValues<Ci2Col>(property);
+    case ItemType_int:
+      return new CModelValues<Ci4Col>(property);
+    case ItemType_long:
+      return new CModelValues<Ci8Col>(property);
+    case ItemType_unsignedByte:
+      return new CModelValues<Cui1Col>(property);
+    case ItemType_unsignedShort:
+      return new CModelValues<Cui2Col>(property);
+    case ItemType_unsignedInt:
+      return new CModelValues<Cui4Col>(property);
+    case ItemType_unsignedLong:
+      return new CModelValues<Cui8Col>(property);
+    case ItemType_float:
+      return new CModelValues<Cr4Col>(property);
+    case ItemType_double:
+      return new CModelValues<Cr8Col>(property);
+    case ItemType_duration:
+      return new CModelValues<CdurationCol>(property);
+    case ItemType_gYearMonth:
+      return new CModelValues<CyearMonthCol>(property);
+    case ItemType_gMonthDay:
+      return new CModelValues<CmonthDayCol>(property);
+    case ItemType_gYear:
+      return new CModelValues<CyearCol>(property);
+    case ItemType_gMonth:
+      return new CModelValues<CmonthCol>(property);
+    case ItemType_gDay:
+      return new CModelValues<CdayCol>(property);
+    case ItemType_date:
+      return new CModelValues<CdateCol>(property);
+    case ItemType_dateTime:
+      return new CModelValues<CdatetimeCol>(property);
+    case ItemType_time:
+      return new CModelValues<CtimeCol>(property);
+    case ItemType_boolean:
+      return new CModelValues<CbooleanCol>(property);
+    case ItemType_decimal:
+      return new CModelValues<CdecimalCol>(property);
+    case ItemType_integer:
+      return new CModelValues<CintegerCol>(property);
+    default:
+      return new CModelValues<CstringCol>(property);
+  }
+}
+
+// ---- Objects
+
+// Of which element a record is about to make the object.
+thread_local const MemberModel* t_place = nullptr;
+
+CSmartPtr<CXmlObjectBase> CreateAbstract(CXmlElement* element) {
+  return NewElement(t_place->object->schema, *t_place, *element);
+}
+
+template <class Base>
+class CModelAbstract final : public Base {
+ public:
+  template <class... Args>
+  explicit CModelAbstract(const MemberModel& member, Args&&... args)
+      : Base(member.name, member.namespaceUri, member.property, XmlElementType_Element, CreateAbstract,
+             std::forward<Args>(args)...),
+        m_member(member) {
+    if constexpr (std::is_same_v<Base, CElementInfoSeqAbsClsOpt>) Base::SkipOtherElements();
+  }
+
+  bool ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                      CXmlElement** cursor, const wchar_t* ownerNamespace, XmlElementType ownerType) override {
+    t_place = &m_member;
+    return Base::ElementFromXml(context, object, parent, cursor, ownerNamespace, ownerType);
+  }
+
+ private:
+  const MemberModel& m_member;
+};
+
+// ---- Collections
+
+// A collection that is made when there is something to read into it.
+template <class Base>
+class CModelCollectionRecord final : public Base {
+ public:
+  template <class... Args>
+  explicit CModelCollectionRecord(const MemberModel& member, bool isChoice, Args&&... args)
+      : Base(member.name, member.namespaceUri, member.property, std::forward<Args>(args)...),
+        m_member(member),
+        m_isChoice(isChoice) {}
+
+  bool ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                      CXmlElement** cursor, const wchar_t* ownerNamespace, XmlElementType ownerType) override {
+    const CXmlElement* const first = *cursor;
+    const bool hasNothing = m_member.kind == Kind::InlineGroup || m_member.kind == Kind::Wildcard
+                                ? first == nullptr
+                                : !Base::IsThisElement(context, first);
+    if (hasNothing && (m_member.minOccurs == 0 || m_isChoice)) return !m_isChoice;
+    auto& owner = static_cast<CModelObject&>(*object);
+    owner.Ensure(m_member.property);
+    const bool accepted = Base::ElementFromXml(context, object, parent, cursor, ownerNamespace, ownerType);
+    if (m_member.values != nullptr && m_member.values->holdsQNames)
+      for (const CXmlElement* e = first; e != *cursor; e = e->GetNextSiblingElement())
+        owner.KeepPrefixes(*e, e->GetText());
+    return accepted;
+  }
+
+ private:
+  const MemberModel& m_member;
+  bool m_isChoice;
+};
+
+// ---- Wildcards
+
+template <class Base>
+class CModelWildcard final : public Base {
+ public:
+  CModelWildcard(const ClassModel& owner, const MemberModel& member, bool isChoice)
+      : Base(member.name, member.namespaceUri, member.property, L"##any", member.namespaceUri),
+        m_owner(owner),
+        m_member(member),
+        m_isChoice(isChoice) {}
+
+  bool ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                      CXmlElement** cursor, const wchar_t* ownerNamespace, XmlElementType ownerType) override {
+    CXmlElement* const element = *cursor;
+    if (element != nullptr && !m_member.wildcard->Allows(element->GetNamespaceURI())) {
+      const bool isOptional = m_member.cardinality == Cardinality::Optional;
+      if (m_isChoice || (!isOptional && ownerType != XmlElementType_Element)) return false;
+      if (isOptional) return true;
+      throw CRkValidationException(
+          FormatString(L"Failed to find the required element from namespace [%ls].", m_member.wildcard->written),
+          parent->GetXPath());
+    }
+    if (element != nullptr) {
+      if (m_member.cardinality == Cardinality::Mandatory) static_cast<CModelObject&>(*object).Ensure(m_member.property);
+      CheckWildcardElement(m_owner.schema, m_member.wildcard->process, *element, context);
+    }
+    return Base::ElementFromXml(context, object, parent, cursor, ownerNamespace, ownerType);
+  }
+
+ private:
+  const ClassModel& m_owner;
+  const MemberModel& m_member;
+  bool m_isChoice;
+};
+
+class CModelWildcards final : public CElementCol {
+ public:
+  CModelWildcards(const ClassModel& owner, const MemberModel& member)
+      : CElementCol(member.name, member.namespaceUri, member.minOccurs, member.maxOccurs),
+        m_owner(owner),
+        m_member(member) {}
+
+  CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* current, const CSerializationContext& context,
+                           bool) override {
+    const auto isFull = [&] { return m_member.stopsAtMaximum && GetCount() >= m_member.maxOccurs; };
+    while (current != nullptr && !isFull() && m_member.wildcard->Allows(current->GetNamespaceURI())) {
+      CheckWildcardElement(m_owner.schema, m_member.wildcard->process, *current, context);
+      const CSmartPtr<CElement> element(new CElement(L"AnyElement"));
+      current = element->FromXml_Int(parent, current, context, /*isOptionalChoice=*/false);
+      Add(element);
+    }
+    return current;
+  }
+  using CXmlObjectBase::FromXml_Int;
+
+ private:
+  const ClassModel& m_owner;
+  const MemberModel& m_member;
+};
+
+class CModelWildcardAttributes final : public CAttributeInfoAny {
+ public:
+  explicit CModelWildcardAttributes(const ClassModel& owner)
+      : CAttributeInfoAny(L"AnyAttribute", L"", owner.attributeWildcardProperty, /*optional=*/true, L"##any", L"",
+                          nullptr),
+        m_owner(owner) {}
+
+  bool AttributeFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
+                        CXmlAttribute* attribute) override {
+    const WildcardModel& wildcard = *m_owner.attributeWildcard;
+    if (!wildcard.Allows(attribute->GetNamespaceURI())) return false;
+    CheckWildcardAttribute(m_owner.schema, wildcard.process, *attribute);
+    auto& owner = static_cast<CModelObject&>(*object);
+    owner.Ensure(m_owner.attributeWildcardProperty);
+    owner.KeepPrefixes(*attribute->GetElement(), attribute->GetValue());
+    return CAttributeInfoAny::AttributeFromXml(context, object, attribute);
+  }
+
+ private:
+  const ClassModel& m_owner;
+};
+
+class CModelAttribute final : public CAttributeInfoPrimitive {
+ public:
+  using CAttributeInfoPrimitive::CAttributeInfoPrimitive;
+
+  bool AttributeFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
+                        CXmlAttribute* attribute) override {
+    const ReadingScope scope(*attribute->GetElement(), attribute->GetValue());
+    return CAttributeInfoPrimitive::AttributeFromXml(context, object, attribute);
+  }
+};
+
+// ---- One record for each place in a class
+
+enum class Place { SeqMnd, SeqOpt, Choice, AllMnd, AllOpt };
+
+Place PlaceOf(const ClassModel& owner, const MemberModel& member) {
+  const bool isMandatory = member.cardinality == Cardinality::Mandatory;
+  if (owner.group == XmlElementGroupType_Choice) return Place::Choice;
+  if (owner.group == XmlElementGroupType_All) return isMandatory ? Place::AllMnd : Place::AllOpt;
+  return isMandatory ? Place::SeqMnd : Place::SeqOpt;
+}
+
+CElementInfo* NewValueRecord(Place place, const ClassModel& owner, const MemberModel& member) {
+  switch (place) {
+    case Place::SeqMnd:
+      return new CModelValue<CElementInfoSeqPrimMnd>(owner, member);
+    case Place::SeqOpt:
+      return new CModelValue<CElementInfoSeqPrimOpt>(owner, member);
+    case Place::Choice:
+      return new CModelValue<CElementInfoChoicePrimOpt>(owner, member);
+    case Place::AllMnd:
+      return new CModelValue<CElementInfoAllPrimMnd>(owner, member);
+    default:
+      return new CModelValue<CElementInfoAllPrimOpt>(owner, member);
+  }
+}
+
+CElementInfo* NewObjectRecord(Place place, const MemberModel& member, int id) {
+  const wchar_t* const name = member.name;
+  const wchar_t* const ns = member.namespaceUri;
+  const int property = member.property;
+  const XmlElementType type = member.object->elementType;
+  switch (place) {
+    case Place::SeqMnd:
+      return new CElementInfoSeqClsMnd(name, ns, property, type, ModelFactories::Create, id, member.isRequired);
+    case Place::SeqOpt:
+      return new CElementInfoSeqClsOpt(name, ns, property, type, ModelFactories::Create, id);
+    case Place::Choice:
+      return new CElementInfoChoiceClsOpt(name, ns, property, type, ModelFactories::Create, id);
+    case Place::AllMnd:
+      return new CElementInfoAllClsMnd(name, ns, property, type, ModelFactories::Create, id, member.isRequired);
+    default:
+      return new CElementInfoAllClsOpt(name, ns, property, type, ModelFactories::Create, id);
+  }
+}
+
+CElementInfo* NewAbstractRecord(Place place, const MemberModel& member) {
+  switch (place) {
+    case Place::SeqMnd:
+      return new CModelAbstract<CElementInfoSeqAbsClsMnd>(member);
+    case Place::SeqOpt:
+      return new CModelAbstract<CElementInfoSeqAbsClsOpt>(member);
+    case Place::Choice:
+      return new CModelAbstract<CElementInfoChoiceAbsClsOpt>(member);
+    case Place::AllMnd:
+      return new CModelAbstract<CElementInfoAllAbsClsMnd>(member, 0);
+    default:
+      return new CModelAbstract<CElementInfoAllAbsClsOpt>(member);
+  }
+}
+
+CElementInfo* NewWildcard(Place place, const ClassModel& owner, const MemberModel& member) {
+  switch (place) {
+    case Place::SeqMnd:
+      return new CModelWildcard<CElementInfoSeqUntpdMnd>(owner, member, false);
+    case Place::Choice:
+      return new CModelWildcard<CElementInfoChoiceUntpdOpt>(owner, member, true);
+    default:
+      return new CModelWildcard<CElementInfoSeqUntpdOpt>(owner, member, false);
+  }
+}
+
+// An all group has no collections.
+CElementInfo* NewCollectionRecord(bool isChoice, const MemberModel& member) {
+  const XmlElementType type = member.object != nullptr ? member.object->elementType : XmlElementType_Element;
+  switch (member.kind) {
+    case Kind::Value:
+      if (isChoice) return new CModelCollectionRecord<CElementInfoChoicePrimCol>(member, true);
+      return new CModelCollectionRecord<CElementInfoSeqPrimCol>(member, false);
+    case Kind::Wildcard:
+      if (isChoice) return new CModelCollectionRecord<CElementInfoChoiceUntpdCol>(member, true);
+      return new CModelCollectionRecord<CElementInfoSeqUntpdCol>(member, false);
+    default:
+      if (isChoice) return new CModelCollectionRecord<CElementInfoChoiceClsCol>(member, true, type);
+      return new CModelCollectionRecord<CElementInfoSeqClsCol>(member, false, type);
+  }
+}
+
+}  // namespace
+
+CElementInfo* NewModelRecord(const ClassModel& owner, const MemberModel& member, std::vector<int>& factoryIds) {
+  if (member.IsCollection()) return NewCollectionRecord(owner.group == XmlElementGroupType_Choice, member);
+  const Place place = PlaceOf(owner, member);
+  switch (member.kind) {
+    case Kind::Value:
+      return NewValueRecord(place, owner, member);
+    case Kind::AbstractObject:
+      return NewAbstractRecord(place, member);
+    case Kind::Wildcard:
+      return NewWildcard(place, owner, member);
+    default:
+      factoryIds.push_back(ModelFactories::Add(member));
+      return NewObjectRecord(place, member, factoryIds.back());
+  }
+}
+
+CAttributeInfo* NewModelRecord(const AttributeModel& attribute) {
+  const ValueModel& v = *attribute.values;
+  const auto make = [&](auto* type) -> CAttributeInfo* {
+    using Record = std::remove_pointer_t<decltype(type)>;
+    return new Record(attribute.name, attribute.namespaceUri, attribute.property, attribute.isOptional, v.itemType,
+                      nullptr, v.whitespace, FacetsOf(v), attribute.value.text);
+  };
+  if (v.needsCheck || v.holdsQNames || attribute.value.isFixed) return make(static_cast<CModelAttribute*>(nullptr));
+  return make(static_cast<CAttributeInfoPrimitive*>(nullptr));
+}
+
+CAttributeInfo* NewWildcardRecord(const ClassModel& owner) { return new CModelWildcardAttributes(owner); }
+
+CXmlCollectionBase* NewCollection(const ClassModel& owner, const ModelProperty& property) {
+  const MemberModel& member = *property.member;
+  if (member.kind == Kind::Wildcard) return new CModelWildcards(owner, member);
+  if (member.values != nullptr) return NewValues(property);
+  return member.newCollection(member);
+}
+
+}  // namespace RkXmlLib16Data

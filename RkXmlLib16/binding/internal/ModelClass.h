@@ -1,0 +1,133 @@
+#ifndef RKXMLLIB16_BINDING_INTERNAL_MODELCLASS_H
+#define RKXMLLIB16_BINDING_INTERNAL_MODELCLASS_H
+
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "RkXmlLib16/binding/AttributeInfo.h"
+#include "RkXmlLib16/binding/ElementInfo.h"
+#include "RkXmlLib16/binding/Model.h"
+#include "RkXmlLib16/binding/ModelObject.h"
+#include "RkXmlLib16/binding/ParentElementInfo.h"
+#include "RkXmlLib16/binding/SimpleType.h"
+
+namespace RkXmlLib16Data {
+
+using RkXmlLib16::CModelObject;
+using RkXmlLib16::CXmlAttribute;
+using RkXmlLib16::CXmlCollectionBase;
+
+inline constexpr const wchar_t* kInstanceNamespace = L"http://www.w3.org/2001/XMLSchema-instance";
+inline constexpr const wchar_t* kXmlNamespace = L"http://www.w3.org/XML/1998/namespace";
+
+CPrimitiveRestrictions FacetsOf(const ValueModel& value);
+
+// What an object must know about one property.
+struct ModelProperty {
+  const wchar_t* name = L"";            // for messages
+  const ValueModel* values = nullptr;   // of a value or text
+  const MemberModel* member = nullptr;  // of an element, group or wildcard
+  const DefaultModel* fixed = nullptr;  // the fixed value, if there is one
+  CPrimitiveRestrictions facets;
+  bool mustCheck = false;  // whether some value of the C++ type may not be set
+  bool startsNil = false;
+};
+
+// The records and properties of one class.
+class CModelClass {
+ public:
+  explicit CModelClass(const ClassModel& model);
+  CModelClass(const CModelClass&) = delete;
+  CModelClass& operator=(const CModelClass&) = delete;
+  ~CModelClass();
+
+  const ClassModel& GetModel() const noexcept { return m_model; }
+  CParentElementInfo* GetInfo() const noexcept { return m_info; }
+  CElementInfo** GetElements() const noexcept { return m_elements; }
+  CAttributeInfo** GetAttributes() const noexcept { return m_attributes; }
+  const ModelProperty& GetProperty(int property) const noexcept {
+    return m_properties[static_cast<std::size_t>(property)];
+  }
+  // The number of the text in the enumeration of the property; -1 when it is none of them.
+  static int FindText(const ValueModel& values, std::wstring_view text) noexcept;
+
+ private:
+  const ClassModel& m_model;
+  CParentElementInfo* m_info = nullptr;
+  CElementInfo** m_elements = nullptr;
+  CAttributeInfo** m_attributes = nullptr;
+  std::vector<ModelProperty> m_properties;
+  std::vector<int> m_factoryIds;
+};
+
+// The text that a property is being set from, while a record that reads is at work on this thread.
+struct Reading {
+  const CXmlElement* element = nullptr;
+  std::wstring_view text;
+
+  static const Reading*& Current() noexcept;
+};
+
+class ReadingScope {
+ public:
+  ReadingScope(const CXmlElement& element, std::wstring_view text) : m_reading{&element, text} {
+    Reading::Current() = &m_reading;
+  }
+  ReadingScope(const ReadingScope&) = delete;
+  ReadingScope& operator=(const ReadingScope&) = delete;
+  ~ReadingScope() { Reading::Current() = nullptr; }
+
+ private:
+  Reading m_reading;
+};
+
+// Prefixes as the document of the element declares them, and as the schema did at a default value.
+NamespaceResolver ResolverOf(const CXmlElement& element);
+NamespaceResolver ResolverOf(Span<PrefixModel> prefixes);
+
+bool IsNilTrue(const CXmlElement& element);
+bool IsBlank(std::wstring_view text);
+
+// Throws CRkInvalidValueException when the text is no value of the type, or not the fixed one.
+void CheckModelText(const wchar_t* name, const ValueModel& values, const DefaultModel* fixed, std::wstring_view text,
+                    const NamespaceResolver& resolver);
+
+// The type that xsi:type names. `isNamed` tells the absence of the attribute from an unknown name.
+struct NamedType {
+  bool isNamed = false;
+  const ClassModel* object = nullptr;
+  const CSimpleType* simple = nullptr;
+};
+NamedType FindNamedType(const SchemaModel* schema, const CXmlElement& element);
+
+// A new object of the class; for the element, if there is one.
+CSmartPtr<CModelObject> NewModelObject(const ClassModel& model, const ElementModel* declaration);
+// The object for an element of the declaration, as xsi:type says; null when the type does not fit.
+CSmartPtr<CModelObject> NewElement(const SchemaModel* schema, const ElementModel& declaration,
+                                   const CXmlElement& element);
+
+// What processContents asks for. Throws CRkValidationException.
+void CheckWildcardElement(const SchemaModel* schema, WildcardModel::Process process, CXmlElement& element,
+                          const CSerializationContext& context);
+void CheckWildcardAttribute(const SchemaModel* schema, WildcardModel::Process process, const CXmlAttribute& attribute);
+
+// The records of one class.
+CElementInfo* NewModelRecord(const ClassModel& owner, const MemberModel& member, std::vector<int>& factoryIds);
+CAttributeInfo* NewModelRecord(const AttributeModel& attribute);
+CAttributeInfo* NewWildcardRecord(const ClassModel& owner);
+// A new collection for the property of a repeated member.
+CXmlCollectionBase* NewCollection(const ClassModel& owner, const ModelProperty& property);
+
+// Class records make their objects by number: the numbers of all classes of the process.
+class ModelFactories {
+ public:
+  static int Add(const MemberModel& member);
+  static void Remove(int id) noexcept;
+  static CSmartPtr<CXmlObjectBase> Create(int id, const wchar_t* elementName);
+};
+
+}  // namespace RkXmlLib16Data
+
+#endif

@@ -1,0 +1,839 @@
+#include "schema/emit/Emitter.h"
+
+#include <algorithm>
+#include <set>
+
+#include "RkXmlLib16/io/Encoder.h"
+#include "schema/emit/internal/Plan.h"
+
+namespace RkXmlSchema {
+
+using namespace RkXmlLib16;
+
+namespace {
+
+constexpr std::size_t kWidth = 120;
+constexpr std::size_t kLinesOfSource = 3000;
+
+// Lines of a source.
+class CText {
+ public:
+  void Line(const std::string& line = {}) {
+    if (line.empty() && (m_text.empty() || (m_text.size() > 1 && m_text.substr(m_text.size() - 2) == "\n\n"))) return;
+    m_text += line + '\n';
+    ++m_lines;
+  }
+  void Lines(const std::vector<std::string>& lines) {
+    for (const std::string& line : lines) Line(line);
+  }
+  // A call or list: on one line where it fits, else a line broken behind commas and before dots, `indent` deeper.
+  void Broken(const std::string& line, std::size_t indent) {
+    if (line.size() <= kWidth) return Line(line);
+    std::size_t start = 0;
+    std::size_t lastBreak = 0;
+    bool isText = false;
+    std::string pad;
+    for (std::size_t i = 0; i < line.size(); ++i) {
+      const char c = line[i];
+      if (c == '\\' && isText) {
+        ++i;
+        continue;
+      }
+      if (c == '"') isText = !isText;
+      if (isText) continue;
+      const bool isBreak = c == ',' && i + 1 < line.size() && line[i + 1] == ' ';
+      if (isBreak || (i + 1 < line.size() && c == ')' && line[i + 1] == '.')) {
+        if (pad.size() + i + 1 - start > kWidth && lastBreak > start) {
+          Line(pad + line.substr(start, lastBreak - start));
+          start = lastBreak;
+          while (start < line.size() && line[start] == ' ') ++start;
+          pad = std::string(indent, ' ');
+        }
+        lastBreak = i + 1;
+      }
+    }
+    if (pad.size() + line.size() - start > kWidth && lastBreak > start) {
+      Line(pad + line.substr(start, lastBreak - start));
+      start = lastBreak;
+      while (start < line.size() && line[start] == ' ') ++start;
+      pad = std::string(indent, ' ');
+    }
+    Line(pad + line.substr(start));
+  }
+  std::size_t GetLines() const noexcept { return m_lines; }
+  std::string Take() { return std::move(m_text); }
+  const std::string& Get() const noexcept { return m_text; }
+
+ private:
+  std::string m_text;
+  std::size_t m_lines = 0;
+};
+
+std::string Number(int value) { return std::to_string(value); }
+
+std::string Upper(const std::string& text) {
+  std::string result;
+  for (const char c : text)
+    result += c >= 'a' && c <= 'z'                               ? static_cast<char>(c - 'a' + 'A')
+              : (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ? c
+                                                                 : '_';
+  return result;
+}
+
+bool IsPlain(const std::string& type) { return type != "std::wstring" && type[0] != 'C'; }
+
+class CEmitter {
+ public:
+  CEmitter(const CBinding& binding, const EmitOptions& options) : m_options(options), m_plan(binding, options) {}
+
+  std::vector<EmittedFile> Emit() {
+    std::vector<EmittedFile> files;
+    for (const auto& document : m_plan.GetDocuments()) {
+      files.push_back({document->stem + ".h", Header(*document)});
+      for (EmittedFile& source : Sources(*document)) files.push_back(std::move(source));
+    }
+    return files;
+  }
+
+ private:
+  const PlannedDocument& First() const { return *m_plan.GetDocuments().front(); }
+  bool IsFirst(const PlannedDocument& document) const { return &document == &First(); }
+
+  std::string Title(const PlannedDocument& document) const {
+    const std::wstring& file = *document.schema->file;
+    const std::size_t slash = file.rfind(L'/');
+    return "// Made by " + m_options.generator + " from " +
+           ToUtf8(slash == std::wstring::npos ? file : file.substr(slash + 1)) + "; changes are lost.";
+  }
+
+  // The name of a class as code in the document's namespace writes it.
+  static std::string Name(const PlannedClass& object, const PlannedDocument& from) {
+    return object.document->nameSpace == from.nameSpace ? object.name
+                                                        : "::" + object.document->nameSpace + "::" + object.name;
+  }
+
+  std::string Schema(const PlannedDocument& from) const {
+    return First().nameSpace == from.nameSpace ? "kSchema" : "::" + First().nameSpace + "::kSchema";
+  }
+
+  // ---- Headers
+
+  std::string Header(const PlannedDocument& document) {
+    CText out;
+    const std::string guard = "RKXML_GENERATED_" + Upper(document.nameSpace) + "_" + Upper(document.stem) + "_H";
+    out.Line(Title(document));
+    if (!document.schema->targetNamespace.empty())
+      out.Lines(ToComment(L"Target namespace: " + document.schema->targetNamespace, 0));
+    out.Line("#ifndef " + guard);
+    out.Line("#define " + guard);
+    out.Line();
+    out.Line("#include <RkXmlLib16/Generated.h>");
+    out.Line();
+    out.Line("#include <string>");
+    out.Line();
+    // Bases and enumerations must be known in front, all else behind.
+    std::set<const PlannedDocument*> above;
+    std::set<const PlannedDocument*> below;
+    std::set<const PlannedClass*> foreign;
+    for (const PlannedClass* object : document.classes) {
+      if (object->base != nullptr) above.insert(object->base->document);
+      for (const auto& storage : object->own) {
+        if (storage->enumeration != nullptr) above.insert(storage->enumeration->document);
+        if (storage->object == nullptr || storage->object->document == &document) continue;
+        below.insert(storage->object->document);
+        foreign.insert(storage->object);
+      }
+    }
+    for (const RootBinding* root : document.roots) {
+      const PlannedClass* const object = m_plan.Find(root->object);
+      if (object->document == &document) continue;
+      below.insert(object->document);
+      foreign.insert(object);
+    }
+    above.erase(&document);
+    for (const auto& other : m_plan.GetDocuments())
+      if (above.count(other.get()) != 0) out.Line("#include \"" + other->stem + ".h\"");
+    out.Line();
+    out.Line("static_assert(RKXML_GENERATED_VERSION == 1, \"generate these classes again\");");
+    out.Line();
+    // Classes of other documents that are only pointed to.
+    std::map<std::string, std::vector<std::string>> forward;
+    for (const PlannedClass* object : foreign)
+      if (object->document->nameSpace != document.nameSpace)
+        forward[object->document->nameSpace].push_back(object->name);
+    for (auto& [nameSpace, names] : forward) {
+      std::sort(names.begin(), names.end());
+      out.Line("namespace " + nameSpace + " {");
+      for (const std::string& name : names) out.Line("class " + name + ";");
+      out.Line("}  // namespace " + nameSpace);
+      out.Line();
+    }
+    out.Line("namespace " + document.nameSpace + " {");
+    out.Line();
+    out.Line("using namespace RkXmlLib16;");
+    out.Line();
+    std::vector<std::string> own;
+    for (const PlannedClass* object : document.classes) own.push_back(object->name);
+    for (const PlannedClass* object : foreign)
+      if (object->document->nameSpace == document.nameSpace) own.push_back(object->name);
+    std::sort(own.begin(), own.end());
+    for (const std::string& name : own) out.Line("class " + name + ";");
+    out.Line();
+    for (const PlannedEnum* enumeration : document.enums) EnumHeader(*enumeration, out);
+    for (const PlannedClass* object : document.classes) ClassHeader(*object, out);
+    Functions(document, out);
+    out.Line("}  // namespace " + document.nameSpace);
+    out.Line();
+    for (const auto& other : m_plan.GetDocuments())
+      if (below.count(other.get()) != 0 && above.count(other.get()) == 0)
+        out.Line("#include \"" + other->stem + ".h\"");
+    out.Line();
+    out.Line("#endif");
+    return out.Take();
+  }
+
+  void Functions(const PlannedDocument& document, CText& out) {
+    for (const RootBinding* root : document.roots) {
+      const std::string& name = m_plan.NameOf(root->element);
+      const PlannedClass& object = *m_plan.Find(root->object);
+      out.Line("extern const ElementModel k" + name + "Element;");
+      if (root->element->isAbstract || root->object->isAbstract) continue;
+      out.Line("// A new object for an element " + ToUtf8(root->element->name.localName) + ".");
+      out.Lines(ToComment(root->element->documentation, 0));
+      out.Line("CSmartPtr<" + Name(object, document) + "> New" + name + "();");
+      out.Line();
+    }
+    if (!IsFirst(document)) return;
+    out.Line("// What documents of these schemas may hold.");
+    out.Line("extern const SchemaModel kSchema;");
+    out.Line();
+    out.Line("// Read any document of these schemas and return the object of its root element. Throw CRkException.");
+    out.Line("inline CSmartPtr<CModelObject> ReadDocument(const CXmlDocument& document,");
+    out.Line(
+        "                                            const CSerializationContext& context = GetDefaultContext()) {");
+    out.Line("  return RkXmlLib16::ReadDocument(kSchema, document, context);");
+    out.Line("}");
+    out.Line("inline CSmartPtr<CModelObject> ReadFile(const CFileName& fileName,");
+    out.Line("                                        const CSerializationContext& context = GetDefaultContext()) {");
+    out.Line("  return RkXmlLib16::ReadFile(kSchema, fileName, context);");
+    out.Line("}");
+    out.Line();
+  }
+
+  void EnumHeader(const PlannedEnum& enumeration, CText& out) {
+    const auto& values = enumeration.value->type->facets.enumeration;
+    out.Lines(ToComment(enumeration.value->type->documentation, 0));
+    out.Line("enum class " + enumeration.name + " : int {");
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      const std::string line = "  " + enumeration.enumerators[i] + ",";
+      std::vector<std::string> note = ToComment(values[i].documentation, 2);
+      if (note.size() == 1 && line.size() + note[0].size() <= kWidth) {
+        out.Line(line + note[0]);
+      } else {
+        out.Lines(note);
+        out.Line(line);
+      }
+    }
+    out.Line("};");
+    out.Line("extern const wchar_t* const k" + enumeration.name + "Texts[" + std::to_string(values.size()) + "];");
+    out.Line("inline const wchar_t* ToText(" + enumeration.name + " value) {");
+    out.Line("  return k" + enumeration.name + "Texts[static_cast<int>(value)];");
+    out.Line("}");
+    out.Line("inline " + enumeration.name + " " + enumeration.name + "FromText(std::wstring_view text) {");
+    out.Line("  return static_cast<" + enumeration.name + ">(FindEnumeration(k" + enumeration.name + "Texts, text));");
+    out.Line("}");
+    out.Line();
+  }
+
+  void ClassHeader(const PlannedClass& object, CText& out) {
+    const ClassBinding& binding = *object.binding;
+    const PlannedDocument& document = *object.document;
+    const std::string base = object.base != nullptr ? Name(*object.base, document) : "CModelObject";
+    const bool addsNil = binding.isNillable && (object.base == nullptr || !object.base->binding->isNillable);
+    out.Lines(ToComment(ClassNote(object), 0));
+    out.Line("class " + object.name + " : public " + base + (addsNil ? ", public INillable" : "") + " {");
+    out.Line(" public:");
+    out.Line("  static const ClassModel kModel;");
+    out.Line();
+    if (!binding.isAbstract) out.Line("  explicit " + object.name + "(const wchar_t* elementName = nullptr);");
+    out.Line("  ~" + object.name + "() override;");
+    out.Line();
+    if (addsNil) {
+      out.Line("  bool IsNil() const override { return GetNilFlag(); }");
+      out.Line("  void SetNil(bool nil) override { SetNilFlag(nil); }");
+      out.Line();
+    }
+    for (const auto& storage : object.own) {
+      Accessors(object, *storage, out);
+      out.Line();
+    }
+    if (!object.own.empty()) out.Line("  void AccessProperty(int property, bool get, RkVariant& value) override;");
+    if (object.isBase || binding.isAbstract) {
+      out.Line();
+      out.Line(" protected:");
+      out.Line("  " + object.name + "(const ClassModel& model, const wchar_t* elementName);");
+    }
+    if (!object.own.empty()) {
+      out.Line();
+      out.Line(" private:");
+      for (const auto& storage : object.own) out.Line("  " + FieldOf(*storage, document));
+    }
+    out.Line("};");
+    out.Line();
+  }
+
+  static std::wstring ClassNote(const PlannedClass& object) {
+    const ClassBinding& binding = *object.binding;
+    std::wstring note;
+    if (binding.kind == ClassBinding::Kind::Group) {
+      note = L"A group of elements.";
+    } else if (binding.kind == ClassBinding::Kind::SubstitutionGroup) {
+      note = L"The elements that may stand for " + binding.element->name.localName + L".";
+    } else {
+      note = binding.typeName.empty()
+                 ? std::wstring(L"The type of an element.")
+                 : L"Type " + binding.typeName.localName + (binding.isAbstract ? L", abstract." : L".");
+      const std::wstring& documentation = binding.type->documentation;
+      if (!documentation.empty()) note += L' ' + documentation;
+    }
+    return note;
+  }
+
+  static std::string ObjectType(const Storage& storage, const PlannedDocument& document) {
+    switch (storage.kind) {
+      case Storage::Kind::Values:
+        return storage.type;
+      case Storage::Kind::Object:
+        return Name(*storage.object, document);
+      case Storage::Kind::Objects:
+        return "CModelCollection<" + Name(*storage.object, document) + ">";
+      case Storage::Kind::Wildcard:
+        return "CElement";
+      case Storage::Kind::Wildcards:
+        return "CElementCol";
+      case Storage::Kind::Attributes:
+        return "CAttributeCol";
+      default:
+        return storage.type;
+    }
+  }
+
+  static std::string FieldOf(const Storage& storage, const PlannedDocument& document) {
+    const std::string type = ObjectType(storage, document);
+    if (storage.kind == Storage::Kind::Value)
+      return storage.isRare ? "CRareValue<" + type + "> " + storage.field + ";" : type + " " + storage.field + "{};";
+    const bool isMade = storage.kind != Storage::Kind::Object && storage.kind != Storage::Kind::Wildcard;
+    return std::string(isMade ? "mutable " : "") + "CSmartPtr<" + type + "> " + storage.field + ";";
+  }
+
+  void Accessors(const PlannedClass& object, const Storage& storage, CText& out) {
+    const std::string number = Number(storage.number);
+    const std::string& name = storage.name;
+    const std::string type = ObjectType(storage, *object.document);
+    std::wstring note = FromUtf8(storage.note);
+    if (storage.note == "Element" || storage.note == "Attribute") note += L' ' + storage.xmlName;
+    note += L'.';
+    if (!storage.documentation.empty()) note += L' ' + storage.documentation;
+    out.Lines(ToComment(note, 2));
+    if (storage.kind == Storage::Kind::Value) {
+      const std::string argument = IsPlain(type) || storage.enumeration != nullptr ? type : "const " + type + "&";
+      if (storage.isNillable) {
+        out.Line("  bool Is" + name + "Nil() const noexcept { return !IsSet(" + number + "); }");
+        out.Line("  void Set" + name + "Nil() { DropValue(" + number + ", " + storage.field + "); }");
+      } else {
+        out.Line("  bool Has" + name + "() const noexcept { return IsSet(" + number + "); }");
+        out.Line("  void Clear" + name + "() { DropValue(" + number + ", " + storage.field + "); }");
+      }
+      out.Line("  " + argument + " Get" + name + "() const noexcept { return " + storage.field +
+               (storage.isRare ? ".Get()" : "") + "; }");
+      out.Line("  void Set" + name + "(" + argument + " value) { StoreValue(" + number + ", " + storage.field +
+               ", value); }");
+    } else if (storage.kind == Storage::Kind::Object || storage.kind == Storage::Kind::Wildcard) {
+      out.Line("  " + type + "* Get" + name + "() const noexcept { return " + storage.field + "; }");
+      out.Line("  void Set" + name + "(" + type + "* value);");
+      if (storage.kind == Storage::Kind::Object && !storage.object->binding->isAbstract)
+        out.Line("  " + type + "* GetOrAdd" + name + "();");
+    } else {
+      out.Line("  " + type + "* Get" + name + "() const { return RequireCollection(" + number + ", " + storage.field +
+               "); }");
+    }
+  }
+
+  // ---- Sources
+
+  std::vector<EmittedFile> Sources(const PlannedDocument& document) {
+    std::vector<EmittedFile> files;
+    CText body;
+    std::vector<const PlannedClass*> classes;
+    const auto flush = [&](bool isLast) {
+      const std::string number = files.empty() ? "" : "_" + std::to_string(files.size() + 1);
+      files.push_back({document.stem + number + ".cpp", Source(document, classes, files.empty(), body.Take())});
+      body = CText();
+      classes.clear();
+      (void)isLast;
+    };
+    for (const PlannedClass* object : document.classes) {
+      CText one;
+      ClassSource(*object, one);
+      if (!classes.empty() && body.GetLines() + one.GetLines() > kLinesOfSource) flush(false);
+      classes.push_back(object);
+      std::string text = one.Take();
+      std::size_t at = 0;
+      while (at < text.size()) {
+        const std::size_t end = text.find('\n', at);
+        body.Line(text.substr(at, end - at));
+        at = end + 1;
+      }
+      body.Line();
+    }
+    flush(true);
+    return files;
+  }
+
+  std::string Source(const PlannedDocument& document, const std::vector<const PlannedClass*>& classes, bool isFirst,
+                     const std::string& body) {
+    CText out;
+    out.Line(Title(document));
+    out.Line("#include \"" + document.stem + ".h\"");
+    std::set<const PlannedDocument*> others;
+    std::set<const ValueBinding*> values;
+    std::vector<const ValueBinding*> ordered;
+    const auto use = [&](const ValueBinding* value) {
+      if (value != nullptr && values.insert(value).second) ordered.push_back(value);
+    };
+    for (const PlannedClass* object : classes) {
+      for (const MemberBinding& member : object->binding->members) {
+        if (member.object != nullptr) others.insert(m_plan.Find(member.object)->document);
+        use(member.value);
+      }
+      for (const AttributeBinding& attribute : object->binding->attributes) use(attribute.value);
+      use(object->binding->text);
+    }
+    const bool hasSchema = isFirst && IsFirst(document);
+    if (hasSchema) {
+      for (const auto& other : m_plan.GetDocuments()) others.insert(other.get());
+      for (const AttributeBindingOf& attribute : GlobalAttributes()) use(attribute.value);
+    }
+    others.insert(&First());
+    others.erase(&document);
+    out.Line();
+    for (const auto& other : m_plan.GetDocuments())
+      if (others.count(other.get()) != 0) out.Line("#include \"" + other->stem + ".h\"");
+    out.Line();
+    out.Line("namespace " + document.nameSpace + " {");
+    out.Line();
+    out.Line("using namespace RkXmlLib16Data;");
+    out.Line();
+    m_valueNames.clear();
+    CScope names;
+    if (isFirst) {
+      for (const PlannedEnum* enumeration : document.enums) EnumSource(*enumeration, out);
+    }
+    if (!ordered.empty()) {
+      out.Line("namespace {");
+      out.Line();
+      for (const ValueBinding* value : ordered) Value(*value, document, names, out);
+      out.Line();
+      out.Line("}  // namespace");
+      out.Line();
+    }
+    std::string text = Named(body);
+    std::size_t at = 0;
+    while (at < text.size()) {
+      const std::size_t end = text.find('\n', at);
+      out.Line(text.substr(at, end - at));
+      at = end + 1;
+    }
+    out.Line();
+    if (isFirst) Elements(document, out);
+    if (hasSchema) SchemaSource(document, out);
+    out.Line("}  // namespace " + document.nameSpace);
+    return out.Take();
+  }
+
+  struct AttributeBindingOf {
+    const ValueBinding* value = nullptr;
+  };
+  std::vector<AttributeBindingOf> GlobalAttributes() const { return {}; }
+
+  void EnumSource(const PlannedEnum& enumeration, CText& out) {
+    const auto& values = enumeration.value->type->facets.enumeration;
+    std::string line = "const wchar_t* const k" + enumeration.name + "Texts[" + std::to_string(values.size()) + "] = {";
+    for (std::size_t i = 0; i < values.size(); ++i) line += (i > 0 ? ", " : "") + ToLiteral(values[i].text);
+    out.Broken(line + "};", 4);
+    out.Line();
+  }
+
+  // The model of a value; `@n@` in a body stands for its name, since the body is printed first.
+  std::string Mark(const ValueBinding* value) {
+    const auto [at, isNew] = m_marks.try_emplace(value, m_marks.size());
+    if (isNew) m_marked.push_back(value);
+    return "@" + std::to_string(at->second) + "@";
+  }
+
+  std::string Named(const std::string& body) const {
+    std::string result;
+    std::size_t at = 0;
+    for (;;) {
+      const std::size_t start = body.find('@', at);
+      if (start == std::string::npos) return result + body.substr(at);
+      const std::size_t end = body.find('@', start + 1);
+      const std::string digits = end == std::string::npos ? "" : body.substr(start + 1, end - start - 1);
+      const bool isMark = !digits.empty() && digits.find_first_not_of("0123456789") == std::string::npos &&
+                          std::stoul(digits) < m_marked.size() && m_valueNames.count(m_marked[std::stoul(digits)]) != 0;
+      result += body.substr(at, start - at);
+      if (isMark) {
+        result += m_valueNames.at(m_marked[std::stoul(digits)]);
+        at = end + 1;
+      } else {
+        result += '@';
+        at = start + 1;
+      }
+    }
+  }
+
+  void Value(const ValueBinding& value, const PlannedDocument& document, CScope& names, CText& out) {
+    static constexpr const char* kItems[] = {
+        "none",         "hexBinary",     "base64Binary", "byte",         "short", "int",   "long",
+        "unsignedByte", "unsignedShort", "unsignedInt",  "unsignedLong", "float", "double"};
+    static constexpr const char* kRules[] = {"none", "preserve", "replace", "collapse"};
+    (void)kItems;
+    const QName& typeName = value.type != nullptr ? value.type->name : QName();
+    const std::string name = names.Add(
+        "k" + (typeName.localName.empty() ? std::string("Anonymous") : ToPascal(typeName.localName)) + "Values");
+    m_valueNames[&value] = name;
+    std::string line = "constexpr ValueModel " + name + " = ValueModel(" + ItemName(value.itemType) +
+                       ", CWhitespaceUtils::" + RuleName(value.whitespace) + ")";
+    (void)kRules;
+    const CPrimitiveRestrictions& f = value.facets;
+    const auto text = [&](const char* facet, const std::wstring& given) {
+      if (!given.empty()) line += std::string(".") + facet + "(" + ToLiteral(given) + ")";
+    };
+    const auto count = [&](const char* facet, long given) {
+      if (given >= 0) line += std::string(".") + facet + "(" + std::to_string(given) + ")";
+    };
+    text("Pattern", f.GetPattern());
+    count("Length", f.GetLength());
+    count("MinLength", f.GetMinLength());
+    count("MaxLength", f.GetMaxLength());
+    text("MinInclusive", f.GetMinInclusive());
+    text("MaxInclusive", f.GetMaxInclusive());
+    text("MinExclusive", f.GetMinExclusive());
+    text("MaxExclusive", f.GetMaxExclusive());
+    count("TotalDigits", f.GetTotalDigits());
+    count("FractionDigits", f.GetFractionDigits());
+    if (const PlannedEnum* enumeration = m_plan.FindEnum(&value)) {
+      const bool isOwn = enumeration->document->nameSpace == document.nameSpace;
+      line += ".Enumeration(" + (isOwn ? "" : "::" + enumeration->document->nameSpace + "::") + "k" +
+              enumeration->name + "Texts)";
+    }
+    if (value.needsCheck) line += ".Checked()";
+    if (value.holdsQNames) line += ".QNames()";
+    out.Broken(line + ";", 4);
+  }
+
+  static std::string ItemName(ItemType type) {
+    static const std::map<ItemType, const char*> names = {{ItemType_hexBinary, "hexBinary"},
+                                                          {ItemType_base64Binary, "base64Binary"},
+                                                          {ItemType_byte, "byte"},
+                                                          {ItemType_short, "short"},
+                                                          {ItemType_int, "int"},
+                                                          {ItemType_long, "long"},
+                                                          {ItemType_unsignedByte, "unsignedByte"},
+                                                          {ItemType_unsignedShort, "unsignedShort"},
+                                                          {ItemType_unsignedInt, "unsignedInt"},
+                                                          {ItemType_unsignedLong, "unsignedLong"},
+                                                          {ItemType_float, "float"},
+                                                          {ItemType_double, "double"},
+                                                          {ItemType_duration, "duration"},
+                                                          {ItemType_gYearMonth, "gYearMonth"},
+                                                          {ItemType_gMonthDay, "gMonthDay"},
+                                                          {ItemType_gYear, "gYear"},
+                                                          {ItemType_gMonth, "gMonth"},
+                                                          {ItemType_gDay, "gDay"},
+                                                          {ItemType_date, "date"},
+                                                          {ItemType_dateTime, "dateTime"},
+                                                          {ItemType_time, "time"},
+                                                          {ItemType_string, "string"},
+                                                          {ItemType_boolean, "boolean"},
+                                                          {ItemType_decimal, "decimal"},
+                                                          {ItemType_integer, "integer"}};
+    return std::string("ItemType_") + names.at(type);
+  }
+
+  static std::string RuleName(CWhitespaceUtils::WhitespaceRule rule) {
+    return rule == CWhitespaceUtils::preserve ? "preserve" : rule == CWhitespaceUtils::replace ? "replace" : "collapse";
+  }
+
+  // The namespace of names in tables: kNs for the target namespace.
+  static std::string Uri(const std::wstring& uri) { return ToLiteral(uri); }
+
+  void ClassSource(const PlannedClass& object, CText& out) {
+    const ClassBinding& binding = *object.binding;
+    const PlannedDocument& document = *object.document;
+    const std::string base = object.base != nullptr ? Name(*object.base, document) : "CModelObject";
+    out.Line("// ---- " + object.name);
+    out.Line();
+    Tables(object, out);
+    const bool begins = std::any_of(binding.attributes.begin(), binding.attributes.end(),
+                                    [](const AttributeBinding& a) { return a.defaultValue.exists; });
+    const std::string body = begins ? " { Begin(); }" : " {}";
+    if (!binding.isAbstract)
+      out.Line(object.name + "::" + object.name + "(const wchar_t* elementName) : " + base + "(kModel, elementName)" +
+               body);
+    if (object.isBase || binding.isAbstract) {
+      out.Line(object.name + "::" + object.name + "(const ClassModel& model, const wchar_t* elementName)");
+      out.Line("    : " + base + "(model, elementName) {}");
+    }
+    out.Line(object.name + "::~" + object.name + "() = default;");
+    out.Line();
+    for (const auto& storage : object.own) {
+      if (storage->kind != Storage::Kind::Object && storage->kind != Storage::Kind::Wildcard) continue;
+      const std::string type = ObjectType(*storage, document);
+      out.Broken("void " + object.name + "::Set" + storage->name + "(" + type + "* value) { StoreObject(" +
+                     Number(storage->number) + ", " + storage->field + ", value); }",
+                 4);
+      if (storage->kind == Storage::Kind::Object && !storage->object->binding->isAbstract)
+        out.Broken(type + "* " + object.name + "::GetOrAdd" + storage->name + "() { return RequireObject(" +
+                       Number(storage->number) + ", " + storage->field + "); }",
+                   4);
+    }
+    out.Line();
+    if (object.own.empty()) return;
+    out.Line("void " + object.name + "::AccessProperty(int property, bool get, RkVariant& value) {");
+    out.Line("  switch (property) {");
+    for (const auto& storage : object.own) {
+      const std::string number = Number(storage->number);
+      out.Line("    case " + number + ": return Access(get, value, " + number + ", " + storage->field + ");");
+    }
+    out.Line("    default: return " + base + "::AccessProperty(property, get, value);");
+    out.Line("  }");
+    out.Line("}");
+    out.Line();
+  }
+
+  void Tables(const PlannedClass& object, CText& out) {
+    const ClassBinding& binding = *object.binding;
+    const PlannedDocument& document = *object.document;
+    const std::string members = "k" + object.tables + "Members";
+    const std::string attributes = "k" + object.tables + "Attributes";
+    const bool hasTables =
+        !binding.members.empty() || !binding.attributes.empty() || binding.attributeWildcard != nullptr;
+    if (hasTables) {
+      out.Line("namespace {");
+      out.Line();
+    }
+    std::size_t wildcards = 0;
+    for (const MemberBinding& member : binding.members)
+      if (member.wildcard != nullptr)
+        WildcardTable(*member.wildcard, "k" + object.tables + "Any" + std::to_string(++wildcards), out);
+    if (binding.attributeWildcard != nullptr)
+      WildcardTable(*binding.attributeWildcard, "k" + object.tables + "AnyAttribute", out);
+    if (!binding.members.empty()) {
+      out.Line("constexpr MemberModel " + members + "[] = {");
+      wildcards = 0;
+      for (std::size_t i = 0; i < binding.members.size(); ++i) {
+        const MemberBinding& member = binding.members[i];
+        if (member.wildcard != nullptr) ++wildcards;
+        out.Broken("    " + Member(object, member, *object.members[i], wildcards) + ",", 8);
+      }
+      out.Line("};");
+      out.Line();
+    }
+    if (!binding.attributes.empty()) {
+      out.Line("constexpr AttributeModel " + attributes + "[] = {");
+      for (std::size_t i = 0; i < binding.attributes.size(); ++i) {
+        const AttributeBinding& attribute = binding.attributes[i];
+        std::string line = "AttributeModel(" + Number(object.attributes[i]->number) + ", " + ToLiteral(attribute.name) +
+                           ", " + Uri(attribute.namespaceUri) + ", " + Mark(attribute.value) + ")";
+        if (!attribute.isOptional) line += ".Required()";
+        line += Default(attribute.defaultValue);
+        out.Broken("    " + line + ",", 8);
+      }
+      out.Line("};");
+      out.Line();
+    }
+    if (hasTables) {
+      out.Line("}  // namespace");
+      out.Line();
+    }
+    static constexpr const char* kGroups[] = {"Sequence", "Choice", "All"};
+    out.Line("const ClassModel " + object.name + "::kModel([] {");
+    const bool isNew = !binding.isAbstract;
+    // A group and an anonymous type have no name, but a namespace.
+    const std::wstring ns = binding.typeName.empty() ? document.schema->targetNamespace : binding.typeName.namespaceUri;
+    out.Broken("  ClassData data(" + ToLiteral(binding.typeName.localName) + ", " +
+                   Uri(binding.typeName.empty() ? std::wstring() : ns) + ", XmlElementGroupType_" +
+                   kGroups[binding.group] + ", " +
+                   (isNew ? "NewModelObject<" + object.name + ">" : std::string("nullptr")) + ");",
+               6);
+    const auto set = [&](const std::string& name, const std::string& value) {
+      out.Line("  data." + name + " = " + value + ";");
+    };
+    set("schema", "&" + Schema(document));
+    if (object.base != nullptr) set("base", "&" + Name(*object.base, document) + "::kModel");
+    if (binding.type != nullptr && binding.type->derivation == kRestriction)
+      set("derivation", "Derivation_Restriction");
+    if (binding.type != nullptr && binding.type->AsComplex() != nullptr) {
+      const unsigned block = binding.type->AsComplex()->prohibitedSubstitutions & (kExtension | kRestriction);
+      if (block != 0) set("block", std::to_string(block));
+    }
+    if (object.element != nullptr) {
+      const PlannedDocument& home = m_plan.DocumentOf(*object.element);
+      set("element", "&" + (home.nameSpace == document.nameSpace ? "" : "::" + home.nameSpace + "::") + "k" +
+                         m_plan.NameOf(object.element) + "Element");
+    }
+    if (binding.IsInline()) set("elementType", "XmlElementType_InlineGroup");
+    if (!binding.members.empty()) set("members", members);
+    if (!binding.attributes.empty()) set("attributes", attributes);
+    if (binding.attributeWildcard != nullptr) {
+      set("attributeWildcard", "&k" + object.tables + "AnyAttribute");
+      set("attributeWildcardProperty", Number(object.anyAttribute->number));
+    }
+    if (object.text != nullptr) {
+      set("text", "&" + Mark(binding.text));
+      set("textProperty", Number(object.text->number));
+    }
+    if (object.count > 0) set("propertyCount", Number(object.count));
+    if (!binding.strictAttributes) set("strictAttributes", "false");
+    if (binding.contentMayBeEmpty) set("contentMayBeEmpty", "true");
+    if (binding.isAbstract) set("isAbstract", "true");
+    if (binding.isMixed) set("isMixed", "true");
+    if (binding.type != nullptr && !binding.type->IsSimple() && binding.type->base == binding.type)
+      set("isAnyType", "true");
+    out.Line("  return data;");
+    out.Line("}());");
+    out.Line();
+  }
+
+  void WildcardTable(const Wildcard& wildcard, const std::string& name, CText& out) {
+    static constexpr const char* kAllowed[] = {"Any", "Not", "Listed"};
+    static constexpr const char* kProcess[] = {"Strict", "Lax", "Skip"};
+    std::string list = "{}";
+    if (!wildcard.namespaces.empty()) {
+      std::string line = "constexpr const wchar_t* " + name + "Namespaces[] = {";
+      for (std::size_t i = 0; i < wildcard.namespaces.size(); ++i)
+        line += (i > 0 ? ", " : "") + ToLiteral(wildcard.namespaces[i]);
+      out.Broken(line + "};", 4);
+      list = name + "Namespaces";
+    }
+    out.Broken("constexpr WildcardModel " + name +
+                   " = {WildcardModel::Allowed::" + kAllowed[static_cast<int>(wildcard.constraint)] +
+                   ", WildcardModel::Process::" + kProcess[static_cast<int>(wildcard.processContents)] + ", " + list +
+                   ", " + (wildcard.allowsAbsent ? "true" : "false") + ", " + ToLiteral(wildcard.written) + ", " +
+                   ToLiteral(wildcard.targetNamespace) + "};",
+               4);
+    out.Line();
+  }
+
+  std::string Member(const PlannedClass& object, const MemberBinding& member, const Storage& storage,
+                     std::size_t wildcard) {
+    const PlannedDocument& document = *object.document;
+    const std::string names = Number(storage.number) + ", " + ToLiteral(member.name) + ", " + Uri(member.namespaceUri);
+    std::string line;
+    switch (member.kind) {
+      case MemberBinding::Kind::Value:
+      case MemberBinding::Kind::Enumeration:
+        line = "ValueMember(" + names + ", " + Mark(member.value) + ")";
+        break;
+      case MemberBinding::Kind::Wildcard:
+        line =
+            "WildcardMember(" + Number(storage.number) + ", k" + object.tables + "Any" + std::to_string(wildcard) + ")";
+        break;
+      default: {
+        const char* const function = member.kind == MemberBinding::Kind::Object           ? "ObjectMember("
+                                     : member.kind == MemberBinding::Kind::AbstractObject ? "AbstractMember("
+                                                                                          : "GroupMember(";
+        line = function + names + ", " + Name(*m_plan.Find(member.object), document) + "::kModel)";
+        break;
+      }
+    }
+    if (member.IsCollection()) {
+      line += ".Repeated(" + Number(member.minOccurs) + ", " + Number(member.maxOccurs) +
+              (member.stopsAtMaximum ? ", true)" : ")");
+      if (storage.kind == Storage::Kind::Objects)
+        line += ".Make(NewModelCollection<" + Name(*storage.object, document) + ">)";
+    } else if (member.cardinality == MemberBinding::Cardinality::Optional) {
+      line += ".Optional()";
+    }
+    if (!member.isRequired) line += ".NotRequired()";
+    if (member.isNillable) line += ".Nillable()";
+    if (member.element != nullptr &&
+        !m_plan.Find(member.object != nullptr ? member.object : object.binding)->binding->IsInline()) {
+      const unsigned block = member.element->disallowedSubstitutions & (kExtension | kRestriction);
+      if (block != 0) line += ".Block(" + std::to_string(block) + ")";
+    }
+    return line + Default(member.defaultValue);
+  }
+
+  static std::string Default(const DefaultBinding& value) {
+    if (!value.exists) return {};
+    return (value.isFixed ? ".Fixed(" : ".Default(") + ToLiteral(value.text) + ")";
+  }
+
+  void Elements(const PlannedDocument& document, CText& out) {
+    for (const RootBinding* root : document.roots) {
+      const ElementDeclaration& element = *root->element;
+      const std::string& name = m_plan.NameOf(&element);
+      const PlannedClass& object = *m_plan.Find(root->object);
+      const std::string value =
+          element.value ? "{" + ToLiteral(element.value.normalized) + ", " +
+                              (element.value.kind == ValueConstraintKind::Fixed ? "true" : "false") + ", {}}"
+                        : "{}";
+      out.Broken("const ElementModel k" + name + "Element = {" + ToLiteral(element.name.localName) + ", " +
+                     Uri(element.name.namespaceUri) + ", &" + Name(object, document) + "::kModel, nullptr, " + value +
+                     ", " + std::to_string(element.disallowedSubstitutions & (kExtension | kRestriction)) + ", " +
+                     (element.isNillable ? "true" : "false") + ", " + (element.isAbstract ? "true" : "false") + "};",
+                 4);
+      if (element.isAbstract || root->object->isAbstract) continue;
+      out.Line("CSmartPtr<" + Name(object, document) + "> New" + name + "() {");
+      out.Line("  CSmartPtr<" + Name(object, document) + "> object(new " + Name(object, document) + "());");
+      out.Line("  object->SetDeclaration(k" + name + "Element);");
+      out.Line("  return object;");
+      out.Line("}");
+      out.Line();
+    }
+  }
+
+  void SchemaSource(const PlannedDocument& document, CText& out) {
+    out.Line("namespace {");
+    out.Line();
+    std::vector<std::string> classes;
+    std::vector<std::string> elements;
+    for (const auto& other : m_plan.GetDocuments()) {
+      const std::string scope = other->nameSpace == document.nameSpace ? "" : "::" + other->nameSpace + "::";
+      for (const PlannedClass* object : other->classes)
+        if (!object->binding->typeName.empty()) classes.push_back("&" + scope + object->name + "::kModel");
+      for (const RootBinding* root : other->roots)
+        elements.push_back("&" + scope + "k" + m_plan.NameOf(root->element) + "Element");
+    }
+    const auto table = [&](const std::string& head, const std::vector<std::string>& entries) {
+      if (entries.empty()) return;
+      out.Line(head + "[] = {");
+      for (const std::string& entry : entries) out.Line("    " + entry + ",");
+      out.Line("};");
+      out.Line();
+    };
+    table("const ClassModel* const kClasses", classes);
+    table("const ElementModel* const kElements", elements);
+    out.Line("}  // namespace");
+    out.Line();
+    out.Line(std::string("const SchemaModel kSchema = {") + (classes.empty() ? "{}" : "kClasses") + ", " +
+             (elements.empty() ? "{}" : "kElements") + ", {}, {}};");
+    out.Line();
+  }
+
+  const EmitOptions& m_options;
+  CPlan m_plan;
+  std::unordered_map<const ValueBinding*, std::size_t> m_marks;
+  std::vector<const ValueBinding*> m_marked;
+  std::unordered_map<const ValueBinding*, std::string> m_valueNames;
+};
+
+}  // namespace
+
+std::vector<EmittedFile> EmitClasses(const CBinding& binding, const EmitOptions& options) {
+  return CEmitter(binding, options).Emit();
+}
+
+}  // namespace RkXmlSchema

@@ -1,0 +1,429 @@
+#include "schema/emit/internal/Plan.h"
+
+#include <algorithm>
+#include <set>
+
+#include "RkXmlLib16/io/Encoder.h"
+
+namespace RkXmlSchema {
+
+using namespace RkXmlLib16;
+
+namespace {
+
+std::string TypeOf(ItemType type) {
+  switch (type) {
+    case ItemType_hexBinary:
+    case ItemType_base64Binary:
+      return "CBinaryData";
+    case ItemType_byte:
+      return "char";
+    case ItemType_short:
+      return "short";
+    case ItemType_int:
+      return "long";
+    case ItemType_long:
+      return "long long";
+    case ItemType_unsignedByte:
+    case ItemType_gMonth:
+    case ItemType_gDay:
+      return "unsigned char";
+    case ItemType_unsignedShort:
+    case ItemType_gYear:
+      return "unsigned short";
+    case ItemType_unsignedInt:
+      return "unsigned long";
+    case ItemType_unsignedLong:
+      return "unsigned long long";
+    case ItemType_float:
+      return "float";
+    case ItemType_double:
+      return "double";
+    case ItemType_duration:
+      return "CDateTimeSpan";
+    case ItemType_gYearMonth:
+    case ItemType_gMonthDay:
+    case ItemType_date:
+    case ItemType_dateTime:
+    case ItemType_time:
+      return "CDateTime";
+    case ItemType_boolean:
+      return "bool";
+    case ItemType_decimal:
+      return "CDecimal";
+    case ItemType_integer:
+      return "CBigInteger";
+    default:
+      return "std::wstring";
+  }
+}
+
+std::string CollectionOf(ItemType type) {
+  switch (type) {
+    case ItemType_hexBinary:
+      return "ChexBinaryCol";
+    case ItemType_base64Binary:
+      return "Cbase64BinaryCol";
+    case ItemType_byte:
+      return "Ci1Col";
+    case ItemType_short:
+      return "Ci2Col";
+    case ItemType_int:
+      return "Ci4Col";
+    case ItemType_long:
+      return "Ci8Col";
+    case ItemType_unsignedByte:
+      return "Cui1Col";
+    case ItemType_unsignedShort:
+      return "Cui2Col";
+    case ItemType_unsignedInt:
+      return "Cui4Col";
+    case ItemType_unsignedLong:
+      return "Cui8Col";
+    case ItemType_float:
+      return "Cr4Col";
+    case ItemType_double:
+      return "Cr8Col";
+    case ItemType_duration:
+      return "CdurationCol";
+    case ItemType_gYearMonth:
+      return "CyearMonthCol";
+    case ItemType_gMonthDay:
+      return "CmonthDayCol";
+    case ItemType_gYear:
+      return "CyearCol";
+    case ItemType_gMonth:
+      return "CmonthCol";
+    case ItemType_gDay:
+      return "CdayCol";
+    case ItemType_date:
+      return "CdateCol";
+    case ItemType_dateTime:
+      return "CdatetimeCol";
+    case ItemType_time:
+      return "CtimeCol";
+    case ItemType_boolean:
+      return "CbooleanCol";
+    case ItemType_decimal:
+      return "CdecimalCol";
+    case ItemType_integer:
+      return "CintegerCol";
+    default:
+      return "CstringCol";
+  }
+}
+
+// Large enough to stand apart where most objects do not have it.
+bool IsLarge(const std::string& type) {
+  return type == "std::wstring" || type == "CBigInteger" || type == "CBinaryData" || type == "CDateTimeSpan";
+}
+
+std::string StemOf(const std::wstring& file) {
+  const std::size_t slash = file.rfind(L'/');
+  std::wstring name = slash == std::wstring::npos ? file : file.substr(slash + 1);
+  const std::size_t dot = name.rfind(L'.');
+  if (dot != std::wstring::npos && dot > 0) name.erase(dot);
+  std::string stem;
+  for (const char c : ToUtf8(name)) stem += c == ' ' || c == '"' || c == '\\' ? '_' : c;
+  return stem.empty() ? "schema" : stem;
+}
+
+const ClassBinding& OwnerOf(const ClassBinding& object) {
+  const ClassBinding* at = &object;
+  while (at->owner != nullptr) at = at->owner;
+  return *at;
+}
+
+std::string Field(const std::string& name) {
+  std::string field = name;
+  if (field[0] >= 'A' && field[0] <= 'Z') field[0] = static_cast<char>(field[0] - 'A' + 'a');
+  return "m_" + field;
+}
+
+}  // namespace
+
+CPlan::CPlan(const CBinding& binding, const EmitOptions& options) : m_binding(binding) {
+  AddDocuments(options);
+  NameClasses();
+  for (const auto& object : m_classes) PlaceClass(*object);
+  for (const RootBinding& root : binding.GetRoots()) {
+    PlannedDocument& document = DocumentOf(*root.element);
+    document.roots.push_back(&root);
+    PlannedClass* const object = m_byBinding.at(root.object);
+    if (object->element == nullptr && !root.element->isAbstract) object->element = root.element;
+    const std::string wanted = ToPascal(root.element->name.localName);
+    std::string name = wanted;
+    for (int number = 2; document.scope->Has("New" + name) || document.scope->Has("k" + name + "Element"); ++number)
+      name = wanted + std::to_string(number);
+    document.scope->Add("New" + name);
+    document.scope->Add("k" + name + "Element");
+    m_elements.emplace(root.element, name);
+  }
+}
+
+const PlannedClass* CPlan::Find(const ClassBinding* object) const {
+  const auto found = m_byBinding.find(object);
+  return found == m_byBinding.end() ? nullptr : found->second;
+}
+
+const PlannedEnum* CPlan::FindEnum(const ValueBinding* value) const {
+  const auto found = m_enumOf.find(value);
+  return found == m_enumOf.end() ? nullptr : found->second;
+}
+
+void CPlan::AddDocuments(const EmitOptions& options) {
+  CScope stems;
+  CScope namespaces;
+  std::map<std::wstring, std::string> names = options.namespaces;
+  for (const SchemaDocument& schema : m_binding.GetSchemas().GetDocuments()) {
+    auto document = std::make_unique<PlannedDocument>();
+    document->schema = &schema;
+    document->stem = stems.Add(StemOf(*schema.file));
+    const auto known = names.find(schema.targetNamespace);
+    if (known == names.end())
+      names[schema.targetNamespace] = namespaces.Add(
+          schema.targetNamespace.empty() ? ToPascal(FromUtf8(document->stem)) : ToNamespace(schema.targetNamespace));
+    document->nameSpace = names[schema.targetNamespace];
+    document->scope = &m_scopes.try_emplace(document->nameSpace, LibraryNames()).first->second;
+    m_documents.push_back(std::move(document));
+  }
+}
+
+PlannedDocument& CPlan::DocumentOf(const SourceLocation& location, const std::wstring& ns) const {
+  PlannedDocument* sameFile = nullptr;
+  for (const auto& document : m_documents) {
+    if (location.file == nullptr || *document->schema->file != *location.file) continue;
+    if (document->schema->targetNamespace == ns) return *document;
+    if (sameFile == nullptr) sameFile = document.get();
+  }
+  return sameFile != nullptr ? *sameFile : *m_documents.front();
+}
+
+PlannedDocument& CPlan::DocumentOf(const ElementDeclaration& element) const {
+  return DocumentOf(element.location, element.name.namespaceUri);
+}
+
+PlannedDocument& CPlan::DocumentOf(const ClassBinding& object) const {
+  const ClassBinding& owner = OwnerOf(object);
+  if (owner.type == nullptr) return DocumentOf(*owner.element);
+  return DocumentOf(owner.type->location, owner.type->name.namespaceUri);
+}
+
+void CPlan::NameClass(const ClassBinding& object, const std::string& name) {
+  PlannedClass& planned = *m_byBinding.at(&object);
+  planned.name = planned.document->scope->Add("C" + name);
+  planned.tables = planned.name.substr(1);
+}
+
+void CPlan::NameClasses() {
+  for (const auto& object : m_binding.GetClasses()) {
+    if (object->onlyByTypeName) continue;
+    auto planned = std::make_unique<PlannedClass>();
+    planned->binding = object.get();
+    planned->document = &DocumentOf(*object);
+    m_byBinding[object.get()] = planned.get();
+    m_classes.push_back(std::move(planned));
+  }
+  for (const auto& planned : m_classes) {
+    if (planned->binding->base == nullptr) continue;
+    planned->base = m_byBinding.at(planned->binding->base);
+    planned->base->isBase = true;
+  }
+  // Names of types first, so that they stay as they are; then those of global elements and groups of their members.
+  for (const auto& planned : m_classes)
+    if (!planned->binding->typeName.empty())
+      NameClass(*planned->binding, ToPascal(planned->binding->typeName.localName));
+  for (const auto& planned : m_classes) {
+    const ClassBinding& object = *planned->binding;
+    const ElementDeclaration* const owner = object.type != nullptr ? object.type->ownerElement : nullptr;
+    if (planned->name.empty() && owner != nullptr && owner->isGlobal)
+      NameClass(object, ToPascal(owner->name.localName));
+    if (object.kind == ClassBinding::Kind::SubstitutionGroup)
+      NameClass(object, ToPascal(object.element->name.localName) + "Choice");
+  }
+  for (bool isChanged = true; isChanged;) {
+    isChanged = false;
+    for (const auto& planned : m_classes) {
+      if (planned->name.empty()) continue;
+      for (const MemberBinding& member : planned->binding->members) {
+        if (member.object == nullptr || !m_byBinding.at(member.object)->name.empty()) continue;
+        const bool isGroup = member.object->owner != nullptr;
+        if (isGroup && member.object->owner != planned->binding &&
+            (planned->binding->owner == nullptr || member.object->owner != planned->binding->owner))
+          continue;
+        const PlannedClass& owner = *m_byBinding.at(&OwnerOf(*planned->binding));
+        std::string part = ToPascal(member.name);
+        if (isGroup) {
+          const ModelGroup* const group = member.object->particle->group;
+          static constexpr const char* kParts[] = {"Sequence", "Choice", "All"};
+          part =
+              group->definition != nullptr ? ToPascal(group->definition->name.localName) : kParts[member.object->group];
+        }
+        NameClass(*member.object, owner.name.substr(1) + part);
+        isChanged = true;
+      }
+    }
+  }
+  for (const auto& planned : m_classes)
+    if (planned->name.empty())
+      NameClass(*planned->binding, planned->binding->type != nullptr && planned->binding->type->ownerElement != nullptr
+                                       ? ToPascal(planned->binding->type->ownerElement->name.localName)
+                                       : "Anonymous");
+  // Bases first within a document; all else in the order of the binding.
+  std::set<const PlannedClass*> done;
+  const auto add = [&](PlannedClass* planned, const auto& self) -> void {
+    if (planned == nullptr || !done.insert(planned).second) return;
+    self(planned->base, self);
+    planned->document->classes.push_back(planned);
+  };
+  for (const auto& planned : m_classes) add(planned.get(), add);
+}
+
+void CPlan::PlanEnum(const ValueBinding& value, const std::string& fallback, PlannedDocument& document) {
+  if (value.kind != ValueBinding::Kind::Enumeration || m_enumOf.count(&value) != 0) return;
+  auto planned = std::make_unique<PlannedEnum>();
+  planned->value = &value;
+  const TypeDefinition& type = *value.type;
+  planned->document = type.location.file != nullptr ? &DocumentOf(type.location, type.name.namespaceUri) : &document;
+  planned->name = planned->document->scope->Add("E" + (type.IsAnonymous() ? fallback : ToPascal(type.name.localName)));
+  planned->document->scope->Add(planned->name + "FromText");
+  planned->document->scope->Add("k" + planned->name + "Texts");
+  CScope names;
+  for (const EnumerationValue& allowed : type.AsSimple()->facets.enumeration)
+    planned->enumerators.push_back(names.Add(ToEnumerator(allowed.text)));
+  planned->document->enums.push_back(planned.get());
+  m_enumOf[&value] = planned.get();
+  m_enums.push_back(std::move(planned));
+}
+
+// A storage of a base class that can hold the same serves; else the class gets one of its own.
+const Storage* CPlan::Place(PlannedClass& object, CScope& names, Storage storage) {
+  for (const PlannedClass* base = object.base; base != nullptr; base = base->base) {
+    for (const auto& known : base->own) {
+      const bool isSame = known->kind == storage.kind && known->xmlName == storage.xmlName &&
+                          known->xmlNamespace == storage.xmlNamespace && known->type == storage.type &&
+                          known->isNillable == storage.isNillable;
+      if (!isSame || known->note.substr(0, 4) != storage.note.substr(0, 4)) continue;
+      const PlannedClass* at = storage.object;
+      while (at != nullptr && at != known->object) at = at->base;
+      if (known->object == at &&
+          std::find(object.members.begin(), object.members.end(), known.get()) == object.members.end())
+        return known.get();
+    }
+  }
+  storage.number = object.count++;
+  std::string name = storage.name;
+  if (LibraryProperties().count(name) != 0) name += '_';
+  storage.name = names.Add(name);
+  storage.field = Field(storage.name);
+  object.own.push_back(std::make_unique<Storage>(std::move(storage)));
+  return object.own.back().get();
+}
+
+void CPlan::PlaceClass(PlannedClass& object) {
+  if (m_properties.count(&object) != 0) return;
+  if (object.base != nullptr) {
+    PlaceClass(*object.base);
+    object.count = object.base->count;
+    m_properties.emplace(&object, m_properties.at(object.base));
+  } else {
+    m_properties.emplace(&object, CScope());
+  }
+  CScope& names = m_properties.at(&object);
+  const ClassBinding& binding = *object.binding;
+  const std::string prefix = m_byBinding.at(&OwnerOf(binding))->name.substr(1);
+
+  const auto value = [&](Storage& storage, const ValueBinding& held, const std::wstring& name) {
+    PlanEnum(held, prefix + ToPascal(name), *object.document);
+    storage.enumeration = FindEnum(&held);
+    storage.type = storage.enumeration != nullptr
+                       ? (storage.enumeration->document->nameSpace == object.document->nameSpace
+                              ? storage.enumeration->name
+                              : "::" + storage.enumeration->document->nameSpace + "::" + storage.enumeration->name)
+                       : TypeOf(held.itemType);
+  };
+
+  std::size_t rare = 0;
+  for (const MemberBinding& member : binding.members)
+    if (member.value != nullptr && member.cardinality == MemberBinding::Cardinality::Optional &&
+        member.kind == MemberBinding::Kind::Value && IsLarge(TypeOf(member.value->itemType)))
+      ++rare;
+
+  for (const MemberBinding& member : binding.members) {
+    Storage storage;
+    storage.xmlName = member.name;
+    storage.xmlNamespace = member.namespaceUri;
+    storage.name = ToPascal(member.name);
+    storage.note = "Element";
+    if (member.element != nullptr) storage.documentation = member.element->documentation;
+    switch (member.kind) {
+      case MemberBinding::Kind::Value:
+      case MemberBinding::Kind::Enumeration:
+        value(storage, *member.value, member.name);
+        if (member.IsCollection()) {
+          storage.kind = Storage::Kind::Values;
+          storage.type = CollectionOf(member.value->itemType);
+        } else {
+          storage.isNillable = member.isNillable;
+          storage.isRare = rare > 3 && member.cardinality == MemberBinding::Cardinality::Optional &&
+                           member.kind == MemberBinding::Kind::Value && IsLarge(storage.type);
+        }
+        break;
+      case MemberBinding::Kind::Wildcard:
+        storage.kind = member.IsCollection() ? Storage::Kind::Wildcards : Storage::Kind::Wildcard;
+        storage.note = "Any element";
+        break;
+      default:
+        storage.kind = member.IsCollection() ? Storage::Kind::Objects : Storage::Kind::Object;
+        storage.object = m_byBinding.at(member.object);
+        if (member.object->owner != nullptr) {
+          const ModelGroup* const group = member.object->particle->group;
+          static constexpr const char* kParts[] = {"Sequence", "Choice", "All"};
+          storage.name =
+              group->definition != nullptr ? ToPascal(group->definition->name.localName) : kParts[member.object->group];
+          storage.note = "Group";
+          storage.xmlName = FromUtf8(storage.object->name);
+        }
+        break;
+    }
+    const std::size_t number = object.members.size();
+    const bool isInherited = number < binding.inheritedMembers && object.base != nullptr;
+    const Storage* const placed = isInherited ? object.base->members[number] : Place(object, names, std::move(storage));
+    object.members.push_back(placed);
+  }
+  for (const AttributeBinding& attribute : binding.attributes) {
+    const std::size_t number = object.attributes.size();
+    if (number < binding.inheritedAttributes && object.base != nullptr) {
+      object.attributes.push_back(object.base->attributes[number]);
+      continue;
+    }
+    Storage storage;
+    storage.xmlName = attribute.name;
+    storage.xmlNamespace = attribute.namespaceUri;
+    storage.name = ToPascal(attribute.name);
+    storage.note = "Attribute";
+    storage.documentation = !attribute.use->documentation.empty() ? attribute.use->documentation
+                                                                  : attribute.use->declaration->documentation;
+    value(storage, *attribute.value, attribute.name);
+    if (names.Has(storage.name)) storage.name += "Attribute";
+    object.attributes.push_back(Place(object, names, std::move(storage)));
+  }
+  if (binding.attributeWildcard != nullptr) {
+    const PlannedClass* base = object.base;
+    while (base != nullptr && base->anyAttribute == nullptr) base = base->base;
+    Storage storage;
+    storage.kind = Storage::Kind::Attributes;
+    storage.name = "AnyAttribute";
+    storage.note = "Any attribute";
+    object.anyAttribute = base != nullptr ? base->anyAttribute : Place(object, names, std::move(storage));
+  }
+  if (binding.textProperty >= 0) {
+    Storage storage;
+    storage.name = binding.isMixed ? "Text" : "Value";
+    storage.note = "Text";
+    value(storage, *binding.text, FromUtf8("Value"));
+    object.text = Place(object, names, std::move(storage));
+  }
+}
+
+}  // namespace RkXmlSchema

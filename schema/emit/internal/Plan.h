@@ -1,0 +1,110 @@
+#ifndef RKXMLLIB16_SCHEMA_EMIT_INTERNAL_PLAN_H
+#define RKXMLLIB16_SCHEMA_EMIT_INTERNAL_PLAN_H
+
+#include <map>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "schema/bind/Binding.h"
+#include "schema/emit/Emitter.h"
+#include "schema/emit/internal/Names.h"
+
+namespace RkXmlSchema {
+
+struct PlannedClass;
+struct PlannedDocument;
+
+// An enumeration: C++ names in the order of the values.
+struct PlannedEnum {
+  const ValueBinding* value = nullptr;
+  std::string name;  // EFixType
+  std::vector<std::string> enumerators;
+  PlannedDocument* document = nullptr;
+};
+
+// The place of a property in an object, and its name: Get<name>.
+struct Storage {
+  enum class Kind { Value, Values, Object, Objects, Wildcard, Wildcards, Attributes };
+
+  Kind kind = Kind::Value;
+  int number = 0;
+  std::string name;
+  std::string field;
+  std::string type;                      // of a Value, in C++
+  bool isRare = false;                   // a value that stands apart
+  bool isNillable = false;               // a value that is nil until it is set
+  const PlannedClass* object = nullptr;  // of Object and Objects
+  const PlannedEnum* enumeration = nullptr;
+  std::wstring xmlName;
+  std::wstring xmlNamespace;
+  std::string note;  // what the comment says after the kind of thing and its name
+  std::wstring documentation;
+};
+
+// A member, attribute, wildcard or text of a class, which a storage of its own or of a base class holds.
+struct PlannedClass {
+  const ClassBinding* binding = nullptr;
+  PlannedDocument* document = nullptr;
+  PlannedClass* base = nullptr;
+  bool isBase = false;  // of others
+  std::string name;     // COrderType
+  std::string tables;   // OrderType: what the names of its tables begin with
+  int count = 0;        // of properties, those of the base included
+  std::vector<std::unique_ptr<Storage>> own;
+  std::vector<const Storage*> attributes;  // by the attributes of the binding
+  std::vector<const Storage*> members;     // by the members of the binding
+  const Storage* text = nullptr;
+  const Storage* anyAttribute = nullptr;
+  const ElementDeclaration* element = nullptr;  // the first global element of the type
+};
+
+struct PlannedDocument {
+  const SchemaDocument* schema = nullptr;
+  std::string stem;                    // order
+  std::string nameSpace;               // my::order
+  CScope* scope = nullptr;             // of the namespace
+  std::vector<PlannedClass*> classes;  // bases first
+  std::vector<PlannedEnum*> enums;
+  std::vector<const RootBinding*> roots;
+};
+
+// The names and places of everything that is printed.
+class CPlan {
+ public:
+  CPlan(const CBinding& binding, const EmitOptions& options);
+
+  const CBinding& GetBinding() const noexcept { return m_binding; }
+  const std::vector<std::unique_ptr<PlannedDocument>>& GetDocuments() const noexcept { return m_documents; }
+  const PlannedClass* Find(const ClassBinding* object) const;
+  const PlannedEnum* FindEnum(const ValueBinding* value) const;
+  // "Order" for NewOrder, by the global element.
+  const std::string& NameOf(const ElementDeclaration* element) const { return m_elements.at(element); }
+  PlannedDocument& DocumentOf(const ElementDeclaration& element) const;
+
+ private:
+  void AddDocuments(const EmitOptions& options);
+  PlannedDocument& DocumentOf(const SourceLocation& location, const std::wstring& ns) const;
+  PlannedDocument& DocumentOf(const ClassBinding& object) const;
+  void NameClasses();
+  void NameClass(const ClassBinding& object, const std::string& name);
+  void NameParts(const PlannedClass& object);
+  void PlaceClass(PlannedClass& object);
+  void PlanEnum(const ValueBinding& value, const std::string& fallback, PlannedDocument& document);
+  const Storage* Place(PlannedClass& object, CScope& names, Storage storage);
+
+  const CBinding& m_binding;
+  std::vector<std::unique_ptr<PlannedDocument>> m_documents;
+  std::map<std::string, CScope> m_scopes;
+  std::vector<std::unique_ptr<PlannedClass>> m_classes;
+  std::unordered_map<const ClassBinding*, PlannedClass*> m_byBinding;
+  std::vector<std::unique_ptr<PlannedEnum>> m_enums;
+  std::unordered_map<const ValueBinding*, PlannedEnum*> m_enumOf;
+  std::unordered_map<const ElementDeclaration*, std::string> m_elements;
+  std::unordered_map<const PlannedClass*, CScope> m_properties;
+};
+
+}  // namespace RkXmlSchema
+
+#endif

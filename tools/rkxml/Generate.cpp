@@ -1,0 +1,80 @@
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+#include "Commands.h"
+#include "Files.h"
+#include "Text.h"
+#include "schema/bind/Binding.h"
+#include "schema/emit/Emitter.h"
+
+using namespace RkXmlLib16;
+using namespace RkXmlSchema;
+
+namespace {
+
+std::string Lines(const std::vector<Diagnostic>& diagnostics, Severity severity) {
+  std::string lines;
+  for (const Diagnostic& diagnostic : diagnostics)
+    if (diagnostic.severity == severity) lines += ForTerminal(diagnostic.ToString()) + "\n";
+  return lines;
+}
+
+// The folder and those around it.
+void MakeFolder(const std::string& folder) {
+  for (std::size_t at = 0; at != std::string::npos;) {
+    at = folder.find('/', at + 1);
+    const std::string part = folder.substr(0, at);
+    if (::mkdir(part.c_str(), 0777) != 0 && errno != EEXIST)
+      throw FileError("cannot make the folder " + ForTerminal(part) + ": " + std::strerror(errno));
+  }
+}
+
+void Write(const std::string& name, const std::string& text) {
+  WriteFile(name, reinterpret_cast<const unsigned char*>(text.data()), text.size());
+}
+
+// A name as make takes it.
+std::string ForMake(const std::string& name) {
+  std::string escaped;
+  for (const char c : name) {
+    if (c == ' ' || c == '#') escaped += '\\';
+    if (c == '$') escaped += '$';
+    escaped += c;
+  }
+  return escaped;
+}
+
+}  // namespace
+
+void Generate(const Options& options) {
+  SchemaOptions schemaOptions;
+  schemaOptions.catalogFile = CEncoder::Utf8ToUnicode(options.catalog);
+  CSchemaSet schemas(schemaOptions);
+  for (const std::string& file : options.schemas) schemas.AddFile(CEncoder::Utf8ToUnicode(file));
+  if (!schemas.Resolve()) throw SchemaError(Lines(schemas.GetDiagnostics(), Severity::Error));
+  const CBinding binding(schemas);
+
+  EmitOptions emit;
+  emit.generator = "rkxml " RKXML_TOOL_VERSION;
+  for (const auto& [uri, name] : options.namespaces) emit.namespaces[CEncoder::Utf8ToUnicode(uri)] = name;
+  const std::vector<EmittedFile> files = EmitClasses(binding, emit);
+
+  const std::string folder = options.folder.empty() ? "." : options.folder;
+  const auto pathOf = [&](const EmittedFile& file) { return folder == "." ? file.name : folder + "/" + file.name; };
+  if (!options.list && folder != ".") MakeFolder(folder);
+  for (const EmittedFile& file : files) {
+    if (!options.list) Write(pathOf(file), file.text);
+    std::printf("%s\n", pathOf(file).c_str());
+  }
+  if (!options.depfile.empty()) {
+    std::string rule;
+    for (const EmittedFile& file : files) rule += (rule.empty() ? "" : " ") + ForMake(pathOf(file));
+    rule += ":";
+    for (const SchemaDocument& document : schemas.GetDocuments()) rule += " \\\n  " + ForMake(ToUtf8(*document.file));
+    Write(options.depfile, rule + "\n");
+  }
+  if (std::fflush(stdout) != 0) throw FileError("cannot write the standard stream");
+}
