@@ -18,7 +18,7 @@ using namespace RkXmlLib16;
 namespace {
 
 using Kind = MemberModel::Kind;
-using Cardinality = MemberModel::Cardinality;
+using Occurrence = MemberModel::Cardinality;
 
 void RefuseNilContent(const CXmlElement& element) {
   if (!element.GetText().empty() || element.GetFirstElement() != nullptr)
@@ -52,9 +52,7 @@ class CModelValue final : public Base {
              /*format=*/nullptr, member.values->whitespace, FacetsOf(*member.values), member.value.text),
         m_owner(owner),
         m_member(member),
-        m_needsText(member.values->needsCheck || member.values->holdsQNames || member.value.isFixed) {
-    if constexpr (std::is_same_v<Base, CElementInfoSeqPrimOpt>) Base::SkipOtherElements();
-  }
+        m_needsText(member.values->needsCheck || member.values->holdsQNames || member.value.isFixed) {}
 
   bool ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object, CXmlElement* parent,
                       CXmlElement** cursor, const wchar_t* ownerNamespace, XmlElementType ownerType) override {
@@ -233,9 +231,7 @@ class CModelAbstract final : public Base {
   explicit CModelAbstract(const MemberModel& member, Args&&... args)
       : Base(member.name, member.namespaceUri, member.property, XmlElementType_Element, CreateAbstract,
              std::forward<Args>(args)...),
-        m_member(member) {
-    if constexpr (std::is_same_v<Base, CElementInfoSeqAbsClsOpt>) Base::SkipOtherElements();
-  }
+        m_member(member) {}
 
   bool ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object, CXmlElement* parent,
                       CXmlElement** cursor, const wchar_t* ownerNamespace, XmlElementType ownerType) override {
@@ -295,7 +291,7 @@ class CModelWildcard final : public Base {
                       CXmlElement** cursor, const wchar_t* ownerNamespace, XmlElementType ownerType) override {
     CXmlElement* const element = *cursor;
     if (element != nullptr && !m_member.wildcard->Allows(element->GetNamespaceURI())) {
-      const bool isOptional = m_member.cardinality == Cardinality::Optional;
+      const bool isOptional = m_member.cardinality == Occurrence::Optional;
       if (m_isChoice || (!isOptional && ownerType != XmlElementType_Element)) return false;
       if (isOptional) return true;
       throw CRkValidationException(
@@ -303,7 +299,7 @@ class CModelWildcard final : public Base {
           parent->GetXPath());
     }
     if (element != nullptr) {
-      if (m_member.cardinality == Cardinality::Mandatory) static_cast<CModelObject&>(*object).Ensure(m_member.property);
+      if (m_member.cardinality == Occurrence::Mandatory) static_cast<CModelObject&>(*object).Ensure(m_member.property);
       CheckWildcardElement(m_owner.schema, m_member.wildcard->process, *element, context);
     }
     return Base::ElementFromXml(context, object, parent, cursor, ownerNamespace, ownerType);
@@ -378,7 +374,7 @@ class CModelAttribute final : public CAttributeInfoPrimitive {
 enum class Place { SeqMnd, SeqOpt, Choice, AllMnd, AllOpt };
 
 Place PlaceOf(const ClassModel& owner, const MemberModel& member) {
-  const bool isMandatory = member.cardinality == Cardinality::Mandatory;
+  const bool isMandatory = member.cardinality == Occurrence::Mandatory;
   if (owner.group == XmlElementGroupType_Choice) return Place::Choice;
   if (owner.group == XmlElementGroupType_All) return isMandatory ? Place::AllMnd : Place::AllOpt;
   return isMandatory ? Place::SeqMnd : Place::SeqOpt;

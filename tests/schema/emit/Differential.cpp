@@ -1,0 +1,203 @@
+#include "Differential.h"
+
+#include <fstream>
+#include <functional>
+#include <iterator>
+
+#include "RkXmlLib16/RkXmlLib16.h"
+
+namespace RkXmlSchema {
+
+using namespace RkXmlLib16;
+
+namespace {
+
+using Reader = std::function<CSmartPtr<CXmlGeneratedClass>(CXmlDocument&, const CSerializationContext&)>;
+
+std::string Chain(const CRkException& e) {
+  std::string text = std::to_string(e.GetCode()) + " " + e.what();
+  for (const CRkException* inner = &e; inner != nullptr; inner = inner->GetInnerException())
+    text += "\n  " + ToUtf8(inner->GetMessage()) + " at " + ToUtf8(inner->GetPath());
+  return text + "\n";
+}
+
+void Load(CXmlDocument& document, const std::string& bytes) {
+  std::string copy = bytes;
+  document.LoadXmlStream(reinterpret_cast<unsigned char*>(copy.data()), copy.size());
+}
+
+void AddPrefixes(const CXmlDocument& document, CSerializationContext& context) {
+  for (const auto& [prefix, uri] : document.GetNamespaceAliases())
+    if (!prefix.empty() && !context.GetNamespaceAliases().DoesNamespaceExist(uri.c_str()))
+      context.GetNamespaceAliases().Add(prefix.c_str(), uri.c_str());
+}
+
+template <class Write>
+void Attempt(std::string& outcome, Write&& write) {
+  try {
+    write();
+  } catch (const CRkException& e) {
+    outcome += Chain(e);
+  }
+}
+
+// Everything that can be seen of a document: what was read of it in each form, or why it was not.
+std::string Outcome(const std::string& bytes, const Reader& read) {
+  std::string outcome;
+  CSerializationContext context;
+  CXmlDocument document(context);
+  CErrorCollector collector;
+  context.SetErrorHandler(&collector);
+  Attempt(outcome, [&] {
+    Load(document, bytes);
+    read(document, context);
+  });
+  for (const auto& error : collector.GetErrors()) outcome += "collected " + Chain(*error);
+  context.SetErrorHandler(nullptr);
+  if (document.GetDocumentElement() == nullptr) return outcome;
+  CSmartPtr<CXmlGeneratedClass> object;
+  Attempt(outcome, [&] { object = read(document, context); });
+  if (object == nullptr) return outcome;
+  AddPrefixes(document, context);
+  context.GetJsonContext()->SetSupportRoundtrip(JsonRoundTrip_Namespaces);
+  Attempt(outcome, [&] { outcome += object->ToXmlUtf8(false, true, EOLType_LF, context); });
+  Attempt(outcome, [&] {
+    const std::wstring json = object->ToJson(true, EOLType_LF, context);
+    outcome += ToUtf8(json);
+    object->FromJson(json.c_str(), context);
+    outcome += object->ToXmlUtf8(false, true, EOLType_LF, context);
+  });
+  Attempt(outcome, [&] {
+    const CBinaryData infoset = object->ToFastInfosetStream(FInfoDecl_None, context);
+    outcome.append(reinterpret_cast<const char*>(infoset.GetData()), infoset.GetLength());
+    object->FromXmlStream(infoset, context);
+    outcome += object->ToXmlUtf8(false, true, EOLType_LF, context);
+  });
+  return outcome;
+}
+
+void Flatten(CElement& element, std::vector<CElement*>& all) {
+  all.push_back(&element);
+  for (int i = 0; i < element.GetChildCount(); ++i) Flatten(*element.GetChild(i), all);
+}
+
+// One change of a child of an element. False where there is nothing to do.
+using Rule = bool (*)(CElement& parent, CElement& child, int at);
+
+constexpr Rule kRules[] = {
+    [](CElement& parent, CElement&, int at) {
+      parent.RemoveChild(at);
+      return true;
+    },
+    [](CElement& parent, CElement& child, int at) {
+      parent.InsertChild(at, &child);
+      return true;
+    },
+    [](CElement& parent, CElement& child, int at) {
+      parent.RemoveChild(at);
+      parent.InsertChild(at, CSmartPtr<CElement>(new CElement(L"renamed", child.GetNamespace())));
+      return true;
+    },
+    [](CElement& parent, CElement& child, int at) {
+      if (at + 1 >= parent.GetChildCount()) return false;
+      const CSmartPtr<CElement> kept(&child);
+      parent.RemoveChild(at);
+      parent.InsertChild(at + 1, kept);
+      return true;
+    },
+    [](CElement& parent, CElement&, int) {
+      parent.SetText(L"text");
+      return true;
+    },
+    [](CElement&, CElement& child, int) {
+      child.SetText(L"no \x2603 value");
+      return true;
+    },
+    [](CElement&, CElement& child, int) {
+      child.SetText(L"");
+      return true;
+    },
+    [](CElement&, CElement& child, int) {
+      child.SetText(L" -7 ");
+      return true;
+    },
+    [](CElement&, CElement& child, int) {
+      child.SetAttribute(L"unknown", L"x");
+      return true;
+    },
+    [](CElement&, CElement& child, int) {
+      child.SetAttribute(L"nil", L"true", kInstanceNamespace);
+      return true;
+    },
+    [](CElement&, CElement& child, int) {
+      child.SetAttribute(L"type", L"noSuchType", kInstanceNamespace);
+      return true;
+    },
+    [](CElement&, CElement& child, int) {
+      child.InsertChild(0, CSmartPtr<CElement>(new CElement(L"inner", L"")));
+      return true;
+    },
+};
+
+}  // namespace
+
+std::string Slurp(const std::filesystem::path& file) {
+  std::ifstream stream(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+CDifferential::CDifferential(const std::vector<std::filesystem::path>& schemas, const SchemaModel& classes)
+    : m_classes(classes) {
+  for (const auto& file : schemas) m_set.AddFile(file.wstring());
+  m_set.Resolve();
+  m_binding = std::make_unique<CBinding>(m_set);
+  m_dynamic = std::make_unique<CDynamicSchema>(*m_binding);
+}
+
+std::wstring CDifferential::Compare(const std::string& document) const {
+  const std::string without = Outcome(document, [&](CXmlDocument& read, const CSerializationContext& context) {
+    return CSmartPtr<CXmlGeneratedClass>(m_dynamic->Read(read, context));
+  });
+  const std::string with = Outcome(document, [&](CXmlDocument& read, const CSerializationContext& context) {
+    return CSmartPtr<CXmlGeneratedClass>(ReadDocument(m_classes, read, context));
+  });
+  if (without == with) return {};
+  std::size_t at = 0;
+  while (at < without.size() && at < with.size() && without[at] == with[at]) ++at;
+  at = at > 300 ? at - 300 : 0;
+  return FromUtf8("without classes: ..." + without.substr(at, 700) + "\nwith classes: ..." + with.substr(at, 700));
+}
+
+std::wstring CDifferential::CompareVariants(const std::string& document, int& count) const {
+  std::wstring difference = Compare(document);
+  count = 1;
+  CSerializationContext context;
+  CXmlDocument source(context);
+  Load(source, document);
+  AddPrefixes(source, context);
+  for (const Rule rule : kRules) {
+    for (std::size_t place = 0, places = 1; place < places && difference.empty(); ++place) {
+      CElement root;
+      root.FromXmlElement(source.GetDocumentElement(), context);
+      std::vector<CElement*> all;
+      Flatten(root, all);
+      places = all.size();
+      for (int at = 0; at < all[place]->GetChildCount() && difference.empty(); ++at) {
+        CElement copy;
+        copy.FromXmlElement(source.GetDocumentElement(), context);
+        std::vector<CElement*> copies;
+        Flatten(copy, copies);
+        CElement& parent = *copies[place];
+        const CSmartPtr<CElement> child(parent.GetChild(at));
+        if (!rule(parent, *child, at)) continue;
+        const std::string changed = copy.ToXmlUtf8(true, true, EOLType_LF, context);
+        ++count;
+        difference = Compare(changed);
+        if (!difference.empty()) difference += FromUtf8("\nin " + changed.substr(0, 4000));
+      }
+    }
+  }
+  return difference;
+}
+
+}  // namespace RkXmlSchema

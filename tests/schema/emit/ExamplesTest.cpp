@@ -1,0 +1,98 @@
+// The classes that rkxml makes of the examples' schemas while this program is built.
+#include <gtest/gtest.h>
+
+#include "Differential.h"
+#include "gpx.h"
+#include "order.h"
+
+namespace RkXmlSchema {
+namespace {
+
+using namespace RkXmlLib16;
+namespace fs = std::filesystem;
+
+const fs::path kExamples = RKXML_EXAMPLES;
+
+template <class Action>
+std::string FailureOf(Action&& action) {
+  try {
+    action();
+  } catch (const CRkException& e) {
+    return e.what();
+  }
+  return "";
+}
+
+// Beginning and end of a long document.
+std::string Shortened(std::string text, const std::string& last) {
+  const std::size_t end = text.rfind(last);
+  std::size_t keep = 0;
+  for (int i = 0; i < 6; ++i) keep = text.find(last, keep + 1);
+  return text.substr(0, keep) + text.substr(end);
+}
+
+TEST(GeneratedTest, MakesTheSameOfDocumentsAsObjectsWithoutClasses) {
+  int count = 0;
+  const CDifferential orders({kExamples / "order/order.xsd"}, order::kSchema);
+  EXPECT_EQ(orders.CompareVariants(Slurp(kExamples / "data/order.xml"), count), L"");
+  EXPECT_GT(count, 300);
+  const CDifferential tracks({kExamples / "gpx/gpx.xsd"}, GPX_1_1::kSchema);
+  const std::string track = Slurp(kExamples / "data/track.gpx");
+  EXPECT_EQ(tracks.Compare(track), L"");
+  EXPECT_EQ(tracks.CompareVariants(Shortened(track, "<trkpt"), count), L"");
+  EXPECT_GT(count, 300);
+}
+
+TEST(GeneratedTest, GivesTypedAccess) {
+  const auto read = order::ReadFile(CFileName((kExamples / "data/order.xml").string()));
+  auto& order = dynamic_cast<order::COrderType&>(*read);
+  EXPECT_EQ(order.GetId(), L"RK-1600");
+  EXPECT_EQ(order.GetCurrency(), order::ECurrencyType::CHF);
+  EXPECT_TRUE(order.IsDueNil());
+  EXPECT_EQ(dynamic_cast<order::CCompanyType&>(*order.GetCustomer()).GetVat(), L"CHE-123456789");
+  CDecimal sum;
+  for (const order::CLinesTypeChoice& line : *order.GetLines()->GetChoice())
+    if (line.GetGoods() != nullptr) sum = sum + line.GetGoods()->GetPrice();
+  EXPECT_EQ(sum.ToString(), L"68.45");
+  EXPECT_STREQ(order.GetPayment()->GetSelected(), L"card");
+  EXPECT_EQ(order.GetNote()->Item(0), L"Bitte vor Mittag liefern");
+  EXPECT_STREQ(ToText(order::ERateType::reduced), L"reduced");
+  EXPECT_EQ(order::ERateTypeFromText(L"none"), order::ERateType::none);
+}
+
+TEST(GeneratedTest, GuardsItsMembers) {
+  const auto order = order::NewOrder();
+  EXPECT_EQ(FailureOf([&] { order->SetId(L"7"); }).substr(0, 24), "Invalid Value for id [7]");
+  EXPECT_FALSE(order->HasId());
+  EXPECT_EQ(order->GetCurrency(), order::ECurrencyType::EUR);
+  order->SetId(L"RK-1");
+  EXPECT_EQ(FailureOf([&] { order->ToXml(); }), "/order: The Property [customer] is mandatory, it may not be NULL");
+
+  order::CPaymentType* const payment = order->GetOrAddPayment();
+  payment->SetCash(CDecimal(L"5.00"));
+  EXPECT_NE(FailureOf([&] { payment->GetOrAddCard(); }).find("The Property [cash] is already set."), std::string::npos);
+  EXPECT_EQ(payment->GetCard(), nullptr);
+  payment->ClearCash();
+  payment->GetOrAddCard()->SetNumber(L"123456789012");
+  EXPECT_STREQ(payment->GetSelected(), L"card");
+  EXPECT_FALSE(payment->GetCard()->HasExpires());
+
+  const CSmartPtr<order::CPersonType> person(new order::CPersonType);
+  order->SetCustomer(person);
+  person->SetName(L"Ada");
+  EXPECT_EQ(person->GetElementName(), L"customer");
+  EXPECT_EQ(order->GetLines(), nullptr);
+  order->GetOrAddLines()->GetChoice()->AddNew()->GetOrAddService()->SetName(L"work");
+  EXPECT_EQ(order->GetLines()->GetChoice()->GetCount(), 1);
+}
+
+TEST(GeneratedTest, BeginsAnewWhenItIsReadAgain) {
+  const auto track = GPX_1_1::NewGpx();
+  for (int i = 0; i < 2; ++i) {
+    track->FromXmlFile(CFileName((kExamples / "data/track.gpx").string()));
+    EXPECT_EQ(track->GetTrk()->GetCount(), 1);
+  }
+}
+
+}  // namespace
+}  // namespace RkXmlSchema
