@@ -11,6 +11,7 @@
 
 #include "RkXmlLib16/base/ErrorCode.h"
 #include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/XsdTypes.h"
 
 namespace RkXmlLib16 {
 
@@ -182,12 +183,11 @@ const wchar_t* NameOfFacet(RkFacet facet) noexcept {
 }
 
 const wchar_t* NameOfXsdType(ItemType type) noexcept {
-  static constexpr const wchar_t* kNames[] = {
-      L"",        L"hexBinary",    L"base64Binary",  L"byte",        L"short",        L"int",
-      L"long",    L"unsignedByte", L"unsignedShort", L"unsignedInt", L"unsignedLong", L"float",
-      L"double",  L"duration",     L"gYearMonth",    L"gMonthDay",   L"gYear",        L"gMonth",
-      L"gDay",    L"date",         L"dateTime",      L"time",        L"string",       L"string",
-      L"boolean", L"decimal",      L"integer"};
+#define RKXML_NAME(Kind, Name, Property, Value) L## #Kind,
+#define RKXML_CHARACTER(Kind, Name, Property, Value) L"string",
+  static constexpr const wchar_t* kNames[] = {L"", RKXML_XSD_TYPES(RKXML_NAME, RKXML_NAME, RKXML_CHARACTER)};
+#undef RKXML_NAME
+#undef RKXML_CHARACTER
   const auto index = static_cast<std::size_t>(type);
   return index < std::size(kNames) ? kNames[index] : L"";
 }

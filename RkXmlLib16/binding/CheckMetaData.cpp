@@ -35,12 +35,12 @@ using namespace RkXmlLib16Data;
 
 namespace {
 
+#define RKXML_NAME(Kind, Name, Property, Value) L## #Kind,
+#define RKXML_CHARACTER(Kind, Name, Property, Value) L"character",
 constexpr const wchar_t* kTypeNames[] = {
-    L"nothing", L"hexBinary",    L"base64Binary",  L"byte",        L"short",        L"int",
-    L"long",    L"unsignedByte", L"unsignedShort", L"unsignedInt", L"unsignedLong", L"float",
-    L"double",  L"duration",     L"gYearMonth",    L"gMonthDay",   L"gYear",        L"gMonth",
-    L"gDay",    L"date",         L"dateTime",      L"time",        L"character",    L"string",
-    L"boolean", L"decimal",      L"integer",       L"an object",   L"a collection"};
+    L"nothing", RKXML_XSD_TYPES(RKXML_NAME, RKXML_NAME, RKXML_CHARACTER) L"an object", L"a collection"};
+#undef RKXML_NAME
+#undef RKXML_CHARACTER
 
 std::wstring NameOf(ItemType type) {
   const auto index = static_cast<std::size_t>(type);

@@ -16,43 +16,28 @@ namespace {
 // The facet check of each kind.
 template <ItemType kItem>
 constexpr auto kCheck = nullptr;
-// clang-format off
-template <> constexpr auto kCheck<ItemType_hexBinary> = &CXmlObjectHelper::CheckRestrictionForhexBinary;
-template <> constexpr auto kCheck<ItemType_base64Binary> = &CXmlObjectHelper::CheckRestrictionForbase64Binary;
-template <> constexpr auto kCheck<ItemType_byte> = &CXmlObjectHelper::CheckRestrictionFori1;
-template <> constexpr auto kCheck<ItemType_short> = &CXmlObjectHelper::CheckRestrictionFori2;
-template <> constexpr auto kCheck<ItemType_int> = &CXmlObjectHelper::CheckRestrictionFori4;
-template <> constexpr auto kCheck<ItemType_long> = &CXmlObjectHelper::CheckRestrictionFori8;
-template <> constexpr auto kCheck<ItemType_unsignedByte> = &CXmlObjectHelper::CheckRestrictionForui1;
-template <> constexpr auto kCheck<ItemType_unsignedShort> = &CXmlObjectHelper::CheckRestrictionForui2;
-template <> constexpr auto kCheck<ItemType_unsignedInt> = &CXmlObjectHelper::CheckRestrictionForui4;
-template <> constexpr auto kCheck<ItemType_unsignedLong> = &CXmlObjectHelper::CheckRestrictionForui8;
-template <> constexpr auto kCheck<ItemType_float> = &CXmlObjectHelper::CheckRestrictionForr4;
-template <> constexpr auto kCheck<ItemType_double> = &CXmlObjectHelper::CheckRestrictionForr8;
-template <> constexpr auto kCheck<ItemType_duration> = &CXmlObjectHelper::CheckRestrictionForduration;
-template <> constexpr auto kCheck<ItemType_gYear> = &CXmlObjectHelper::CheckRestrictionForyear;
-template <> constexpr auto kCheck<ItemType_gMonth> = &CXmlObjectHelper::CheckRestrictionFormonth;
-template <> constexpr auto kCheck<ItemType_gDay> = &CXmlObjectHelper::CheckRestrictionForday;
-template <> constexpr auto kCheck<ItemType_string> = &CXmlObjectHelper::CheckRestrictionForstring;
-template <> constexpr auto kCheck<ItemType_boolean> = &CXmlObjectHelper::CheckRestrictionForboolean;
-template <> constexpr auto kCheck<ItemType_decimal> = &CXmlObjectHelper::CheckRestrictionFordecimal;
-template <> constexpr auto kCheck<ItemType_integer> = &CXmlObjectHelper::CheckRestrictionForinteger;
-template <> constexpr auto kCheck<ItemType_date> = &CXmlObjectHelper::CheckRestrictionFordate;
-template <> constexpr auto kCheck<ItemType_time> = &CXmlObjectHelper::CheckRestrictionFortime;
-template <> constexpr auto kCheck<ItemType_dateTime> = &CXmlObjectHelper::CheckRestrictionFordatetime;
-template <> constexpr auto kCheck<ItemType_gYearMonth> = &CXmlObjectHelper::CheckRestrictionForyearMonth;
-template <> constexpr auto kCheck<ItemType_gMonthDay> = &CXmlObjectHelper::CheckRestrictionFormonthDay;
+#define RKXML_CHECK(Kind, Name, Property, Value) \
+  template <>                                    \
+  constexpr auto kCheck<ItemType_##Kind> = &CXmlObjectHelper::CheckRestrictionFor##Name;
+#define RKXML_NO_CHECK(Kind, Name, Property, Value)
+RKXML_XSD_TYPES(RKXML_CHECK, RKXML_CHECK, RKXML_NO_CHECK)
+#undef RKXML_CHECK
+#undef RKXML_NO_CHECK
 
 // The kind of date that a collection holds.
-struct DateKind { DTType type; const wchar_t* name; };
+struct DateKind {
+  DTType type;
+  const wchar_t* name;
+};
 template <ItemType kItem>
 constexpr DateKind kDateKind{};
-template <> constexpr DateKind kDateKind<ItemType_date>{dt_date, L"dt_date"};
-template <> constexpr DateKind kDateKind<ItemType_time>{dt_time, L"dt_time"};
-template <> constexpr DateKind kDateKind<ItemType_dateTime>{dt_dateTime, L"dt_dateTime"};
-template <> constexpr DateKind kDateKind<ItemType_gYearMonth>{dt_gYearMonth, L"dt_gYearMonth"};
-template <> constexpr DateKind kDateKind<ItemType_gMonthDay>{dt_gMonthDay, L"dt_gMonthDay"};
-// clang-format on
+#define RKXML_DATE(Kind, Name, Property, Value) \
+  template <>                                   \
+  constexpr DateKind kDateKind<ItemType_##Kind>{dt_##Kind, L"dt_" #Kind};
+#define RKXML_NO_DATE(Kind, Name, Property, Value)
+RKXML_XSD_TYPES(RKXML_NO_DATE, RKXML_DATE, RKXML_NO_DATE)
+#undef RKXML_DATE
+#undef RKXML_NO_DATE
 
 [[noreturn]] void ThrowIndex(int index, std::size_t count) {
   throw CRkInvalidParamException(FormatString(L"Index %d is out of range, use 0 - %d", index, static_cast<int>(count)));
@@ -226,56 +211,13 @@ template class CValueCollectionBase<bool>;
 template class CValueCollectionBase<CDecimal>;
 template class CValueCollectionBase<CBigInteger>;
 template class CValueCollectionBase<CDateTime>;
-template class CValueCollection<ItemType_hexBinary>;
-template class CValueCollection<ItemType_base64Binary>;
-template class CValueCollection<ItemType_byte>;
-template class CValueCollection<ItemType_short>;
-template class CValueCollection<ItemType_int>;
-template class CValueCollection<ItemType_long>;
-template class CValueCollection<ItemType_unsignedByte>;
-template class CValueCollection<ItemType_unsignedShort>;
-template class CValueCollection<ItemType_unsignedInt>;
-template class CValueCollection<ItemType_unsignedLong>;
-template class CValueCollection<ItemType_float>;
-template class CValueCollection<ItemType_double>;
-template class CValueCollection<ItemType_duration>;
-template class CValueCollection<ItemType_gYear>;
-template class CValueCollection<ItemType_gMonth>;
-template class CValueCollection<ItemType_gDay>;
-template class CValueCollection<ItemType_string>;
-template class CValueCollection<ItemType_boolean>;
-template class CValueCollection<ItemType_decimal>;
-template class CValueCollection<ItemType_integer>;
-template class CDateCollection<ItemType_date>;
-template class CDateCollection<ItemType_time>;
-template class CDateCollection<ItemType_dateTime>;
-template class CDateCollection<ItemType_gYearMonth>;
-template class CDateCollection<ItemType_gMonthDay>;
-
-ChexBinaryCol::~ChexBinaryCol() = default;
-Cbase64BinaryCol::~Cbase64BinaryCol() = default;
-Ci1Col::~Ci1Col() = default;
-Ci2Col::~Ci2Col() = default;
-Ci4Col::~Ci4Col() = default;
-Ci8Col::~Ci8Col() = default;
-Cui1Col::~Cui1Col() = default;
-Cui2Col::~Cui2Col() = default;
-Cui4Col::~Cui4Col() = default;
-Cui8Col::~Cui8Col() = default;
-Cr4Col::~Cr4Col() = default;
-Cr8Col::~Cr8Col() = default;
-CdurationCol::~CdurationCol() = default;
-CyearCol::~CyearCol() = default;
-CmonthCol::~CmonthCol() = default;
-CdayCol::~CdayCol() = default;
-CstringCol::~CstringCol() = default;
-CbooleanCol::~CbooleanCol() = default;
-CdecimalCol::~CdecimalCol() = default;
-CintegerCol::~CintegerCol() = default;
-CdateCol::~CdateCol() = default;
-CtimeCol::~CtimeCol() = default;
-CdatetimeCol::~CdatetimeCol() = default;
-CyearMonthCol::~CyearMonthCol() = default;
-CmonthDayCol::~CmonthDayCol() = default;
+#define RKXML_COLLECTION(Kind, Name, Property, Value) \
+  template class CValueCollection<ItemType_##Kind>;   \
+  C##Name##Col::~C##Name##Col() = default;
+#define RKXML_DATE_COLLECTION(Kind, Name, Property, Value) \
+  template class CDateCollection<ItemType_##Kind>;         \
+  C##Name##Col::~C##Name##Col() = default;
+#define RKXML_NO_COLLECTION(Kind, Name, Property, Value)
+RKXML_XSD_TYPES(RKXML_COLLECTION, RKXML_DATE_COLLECTION, RKXML_NO_COLLECTION)
 
 }  // namespace RkXmlLib16

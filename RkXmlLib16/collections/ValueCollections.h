@@ -119,7 +119,7 @@ class RKXML_EXPORT CDateCollection : public CdatetimeBaseCol {
   std::wstring ValueToString(const CDateTime& value) const override;
 };
 
-// Instantiated once, in the library.
+// Instantiated once, in the library. The named collections, of the types in base/XsdTypes.h: CdateCol, Ci4Col...
 extern template class CValueCollectionBase<CBinaryData>;
 extern template class CValueCollectionBase<char>;
 extern template class CValueCollectionBase<short>;
@@ -137,182 +137,21 @@ extern template class CValueCollectionBase<bool>;
 extern template class CValueCollectionBase<CDecimal>;
 extern template class CValueCollectionBase<CBigInteger>;
 extern template class CValueCollectionBase<CDateTime>;
-extern template class CValueCollection<ItemType_hexBinary>;
-extern template class CValueCollection<ItemType_base64Binary>;
-extern template class CValueCollection<ItemType_byte>;
-extern template class CValueCollection<ItemType_short>;
-extern template class CValueCollection<ItemType_int>;
-extern template class CValueCollection<ItemType_long>;
-extern template class CValueCollection<ItemType_unsignedByte>;
-extern template class CValueCollection<ItemType_unsignedShort>;
-extern template class CValueCollection<ItemType_unsignedInt>;
-extern template class CValueCollection<ItemType_unsignedLong>;
-extern template class CValueCollection<ItemType_float>;
-extern template class CValueCollection<ItemType_double>;
-extern template class CValueCollection<ItemType_duration>;
-extern template class CValueCollection<ItemType_gYear>;
-extern template class CValueCollection<ItemType_gMonth>;
-extern template class CValueCollection<ItemType_gDay>;
-extern template class CValueCollection<ItemType_string>;
-extern template class CValueCollection<ItemType_boolean>;
-extern template class CValueCollection<ItemType_decimal>;
-extern template class CValueCollection<ItemType_integer>;
-extern template class CDateCollection<ItemType_date>;
-extern template class CDateCollection<ItemType_time>;
-extern template class CDateCollection<ItemType_dateTime>;
-extern template class CDateCollection<ItemType_gYearMonth>;
-extern template class CDateCollection<ItemType_gMonthDay>;
-
-// Values of xs:hexBinary.
-class RKXML_EXPORT ChexBinaryCol : public CValueCollection<ItemType_hexBinary> {
- public:
-  using CValueCollection::CValueCollection;
-  ~ChexBinaryCol() override;
-};
-// Values of xs:base64Binary.
-class RKXML_EXPORT Cbase64BinaryCol : public CValueCollection<ItemType_base64Binary> {
- public:
-  using CValueCollection::CValueCollection;
-  ~Cbase64BinaryCol() override;
-};
-// Values of xs:byte.
-class RKXML_EXPORT Ci1Col : public CValueCollection<ItemType_byte> {
- public:
-  using CValueCollection::CValueCollection;
-  ~Ci1Col() override;
-};
-// Values of xs:short.
-class RKXML_EXPORT Ci2Col : public CValueCollection<ItemType_short> {
- public:
-  using CValueCollection::CValueCollection;
-  ~Ci2Col() override;
-};
-// Values of xs:int. They have 64 bits.
-class RKXML_EXPORT Ci4Col : public CValueCollection<ItemType_int> {
- public:
-  using CValueCollection::CValueCollection;
-  ~Ci4Col() override;
-};
-// Values of xs:long.
-class RKXML_EXPORT Ci8Col : public CValueCollection<ItemType_long> {
- public:
-  using CValueCollection::CValueCollection;
-  ~Ci8Col() override;
-};
-// Values of xs:unsignedByte.
-class RKXML_EXPORT Cui1Col : public CValueCollection<ItemType_unsignedByte> {
- public:
-  using CValueCollection::CValueCollection;
-  ~Cui1Col() override;
-};
-// Values of xs:unsignedShort.
-class RKXML_EXPORT Cui2Col : public CValueCollection<ItemType_unsignedShort> {
- public:
-  using CValueCollection::CValueCollection;
-  ~Cui2Col() override;
-};
-// Values of xs:unsignedInt. They have 64 bits.
-class RKXML_EXPORT Cui4Col : public CValueCollection<ItemType_unsignedInt> {
- public:
-  using CValueCollection::CValueCollection;
-  ~Cui4Col() override;
-};
-// Values of xs:unsignedLong.
-class RKXML_EXPORT Cui8Col : public CValueCollection<ItemType_unsignedLong> {
- public:
-  using CValueCollection::CValueCollection;
-  ~Cui8Col() override;
-};
-// Values of xs:float.
-class RKXML_EXPORT Cr4Col : public CValueCollection<ItemType_float> {
- public:
-  using CValueCollection::CValueCollection;
-  ~Cr4Col() override;
-};
-// Values of xs:double.
-class RKXML_EXPORT Cr8Col : public CValueCollection<ItemType_double> {
- public:
-  using CValueCollection::CValueCollection;
-  ~Cr8Col() override;
-};
-// Values of xs:duration.
-class RKXML_EXPORT CdurationCol : public CValueCollection<ItemType_duration> {
- public:
-  using CValueCollection::CValueCollection;
-  ~CdurationCol() override;
-};
-// Values of xs:gYear.
-class RKXML_EXPORT CyearCol : public CValueCollection<ItemType_gYear> {
- public:
-  using CValueCollection::CValueCollection;
-  ~CyearCol() override;
-};
-// Values of xs:gMonth.
-class RKXML_EXPORT CmonthCol : public CValueCollection<ItemType_gMonth> {
- public:
-  using CValueCollection::CValueCollection;
-  ~CmonthCol() override;
-};
-// Values of xs:gDay.
-class RKXML_EXPORT CdayCol : public CValueCollection<ItemType_gDay> {
- public:
-  using CValueCollection::CValueCollection;
-  ~CdayCol() override;
-};
-// Values of xs:string.
-class RKXML_EXPORT CstringCol : public CValueCollection<ItemType_string> {
- public:
-  using CValueCollection::CValueCollection;
-  ~CstringCol() override;
-};
-// Values of xs:boolean.
-class RKXML_EXPORT CbooleanCol : public CValueCollection<ItemType_boolean> {
- public:
-  using CValueCollection::CValueCollection;
-  ~CbooleanCol() override;
-};
-// Values of xs:decimal.
-class RKXML_EXPORT CdecimalCol : public CValueCollection<ItemType_decimal> {
- public:
-  using CValueCollection::CValueCollection;
-  ~CdecimalCol() override;
-};
-// Values of xs:integer.
-class RKXML_EXPORT CintegerCol : public CValueCollection<ItemType_integer> {
- public:
-  using CValueCollection::CValueCollection;
-  ~CintegerCol() override;
-};
-// Values of xs:date.
-class RKXML_EXPORT CdateCol : public CDateCollection<ItemType_date> {
- public:
-  using CDateCollection::CDateCollection;
-  ~CdateCol() override;
-};
-// Values of xs:time.
-class RKXML_EXPORT CtimeCol : public CDateCollection<ItemType_time> {
- public:
-  using CDateCollection::CDateCollection;
-  ~CtimeCol() override;
-};
-// Values of xs:dateTime.
-class RKXML_EXPORT CdatetimeCol : public CDateCollection<ItemType_dateTime> {
- public:
-  using CDateCollection::CDateCollection;
-  ~CdatetimeCol() override;
-};
-// Values of xs:gYearMonth.
-class RKXML_EXPORT CyearMonthCol : public CDateCollection<ItemType_gYearMonth> {
- public:
-  using CDateCollection::CDateCollection;
-  ~CyearMonthCol() override;
-};
-// Values of xs:gMonthDay.
-class RKXML_EXPORT CmonthDayCol : public CDateCollection<ItemType_gMonthDay> {
- public:
-  using CDateCollection::CDateCollection;
-  ~CmonthDayCol() override;
-};
+#define RKXML_COLLECTION_OF(Template, Kind, Name)                      \
+  extern template class Template<ItemType_##Kind>;                     \
+  class RKXML_EXPORT C##Name##Col : public Template<ItemType_##Kind> { \
+   public:                                                             \
+    using Template::Template;                                          \
+    ~C##Name##Col() override;                                          \
+  };
+#define RKXML_COLLECTION(Kind, Name, Property, Value) RKXML_COLLECTION_OF(CValueCollection, Kind, Name)
+#define RKXML_DATE_COLLECTION(Kind, Name, Property, Value) RKXML_COLLECTION_OF(CDateCollection, Kind, Name)
+#define RKXML_NO_COLLECTION(Kind, Name, Property, Value)
+RKXML_XSD_TYPES(RKXML_COLLECTION, RKXML_DATE_COLLECTION, RKXML_NO_COLLECTION)
+#undef RKXML_COLLECTION
+#undef RKXML_DATE_COLLECTION
+#undef RKXML_NO_COLLECTION
+#undef RKXML_COLLECTION_OF
 
 }  // namespace RkXmlLib16
 

@@ -260,50 +260,36 @@ bool MatchesPattern(const wchar_t* name, const std::wstring& value, const CPrimi
   }
 }
 
-}  // namespace
-
-#define RKXML_CHECK(name, Item, Argument)                                                      \
-  void CXmlObjectHelper::CheckRestrictionFor##name(const wchar_t* elementName, Argument value, \
-                                                   const CPrimitiveRestrictions& facets) {     \
-    Check<Item>(elementName, value, facets);                                                   \
-  }
-RKXML_CHECK(i1, ItemType_byte, char)
-RKXML_CHECK(i2, ItemType_short, short)
-RKXML_CHECK(i4, ItemType_int, long)
-RKXML_CHECK(i8, ItemType_long, long long)
-RKXML_CHECK(ui1, ItemType_unsignedByte, unsigned char)
-RKXML_CHECK(ui2, ItemType_unsignedShort, unsigned short)
-RKXML_CHECK(ui4, ItemType_unsignedInt, unsigned long)
-RKXML_CHECK(ui8, ItemType_unsignedLong, unsigned long long)
-RKXML_CHECK(r4, ItemType_float, float)
-RKXML_CHECK(r8, ItemType_double, double)
-RKXML_CHECK(year, ItemType_gYear, unsigned short)
-RKXML_CHECK(month, ItemType_gMonth, unsigned char)
-RKXML_CHECK(day, ItemType_gDay, unsigned char)
-RKXML_CHECK(decimal, ItemType_decimal, const CDecimal&)
-RKXML_CHECK(integer, ItemType_integer, const CBigInteger&)
-RKXML_CHECK(hexBinary, ItemType_hexBinary, const CBinaryData&)
-RKXML_CHECK(base64Binary, ItemType_base64Binary, const CBinaryData&)
-RKXML_CHECK(duration, ItemType_duration, const CDateTimeSpan&)
-RKXML_CHECK(date, ItemType_date, const CDateTime&)
-RKXML_CHECK(datetime, ItemType_dateTime, const CDateTime&)
-RKXML_CHECK(time, ItemType_time, const CDateTime&)
-RKXML_CHECK(monthDay, ItemType_gMonthDay, const CDateTime&)
-RKXML_CHECK(monthYear, ItemType_gYearMonth, const CDateTime&)
-#undef RKXML_CHECK
-
-// These two always pass.
-void CXmlObjectHelper::CheckRestrictionForboolean(const wchar_t*, bool, const CPrimitiveRestrictions&) {}
-void CXmlObjectHelper::CheckRestrictionForyearMonth(const wchar_t*, const CDateTime&, const CPrimitiveRestrictions&) {}
-
-void CXmlObjectHelper::CheckRestrictionForstring(const wchar_t* name, const std::wstring& value,
-                                                 const CPrimitiveRestrictions& facets) {
+template <>
+void Check<ItemType_string>(const wchar_t* name, const std::wstring& value, const CPrimitiveRestrictions& facets) {
   if (facets.IsEmpty()) return;
   const bool meetsLengths = MeetsLengths(value, facets);
   if (meetsLengths && (facets.GetPattern().empty() || MatchesPattern(name, value, facets))) return;
   ThrowInvalid(
       FormatString(L"Invalid Value for %ls [%ls].", name, value.c_str()), name, value, ItemType_string,
       meetsLengths ? Facet{RkFacet_Pattern, facets.GetPattern()} : BrokenLength(CharacterCount(value), facets));
+}
+
+template <>
+void Check<ItemType_boolean>(const wchar_t*, const bool&, const CPrimitiveRestrictions&) {}
+
+}  // namespace
+
+#define RKXML_CHECK(Kind, Name, Property, Value)                                                         \
+  void CXmlObjectHelper::CheckRestrictionFor##Name(const wchar_t* elementName, XsdArgument<Value> value, \
+                                                   const CPrimitiveRestrictions& facets) {               \
+    if constexpr (ItemType_##Kind != ItemType_gYearMonth) /* sic */                                      \
+      Check<ItemType_##Kind>(elementName, value, facets);                                                \
+  }
+#define RKXML_NO_CHECK(Kind, Name, Property, Value)
+RKXML_XSD_TYPES(RKXML_CHECK, RKXML_CHECK, RKXML_NO_CHECK)
+#undef RKXML_CHECK
+#undef RKXML_NO_CHECK
+
+// What CheckRestrictionForyearMonth does not check.
+void CXmlObjectHelper::CheckRestrictionFormonthYear(const wchar_t* elementName, const CDateTime& value,
+                                                    const CPrimitiveRestrictions& facets) {
+  Check<ItemType_gYearMonth>(elementName, value, facets);
 }
 
 int CXmlObjectHelper::GetDecimalIntegerPartLen(const CDecimal& value) {

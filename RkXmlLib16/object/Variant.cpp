@@ -1,5 +1,7 @@
 #include "RkXmlLib16/object/Variant.h"
 
+#include <cstring>
+#include <iterator>
 #include <utility>
 
 #include "RkXmlLib16/base/Exception.h"
@@ -14,10 +16,9 @@ namespace RkXmlLib16 {
 namespace {
 
 // By type code.
-constexpr const wchar_t* kTypeNames[] = {
-    nullptr, L"hexBinary", L"base64Binary", L"i1",   L"i2",       L"i4",        L"i8",       L"ui1",     L"ui2",
-    L"ui4",  L"ui8",       L"r4",           L"r8",   L"duration", L"yearMonth", L"monthDay", L"year",    L"month",
-    L"day",  L"date",      L"datetime",     L"time", L"char",     L"string",    L"boolean",  L"decimal", L"integer"};
+#define RKXML_NAME(Kind, Name, Property, Value) L## #Name,
+constexpr const wchar_t* kTypeNames[] = {nullptr, RKXML_XSD_TYPES(RKXML_NAME, RKXML_NAME, RKXML_NAME)};
+#undef RKXML_NAME
 
 [[noreturn]] void ThrowInvalidType(std::uint32_t type) { throw CRkException(FormatString(L"Invalid Type %u", type)); }
 
@@ -33,35 +34,10 @@ const CNeverDestroyed<T> kEmpty;
 template <class Call>
 [[gnu::always_inline]] inline void Dispatch(std::uint32_t type, Call&& call) {
   switch (type) {
-#define RKXML_KIND(Item) \
-  case Item:             \
-    return call(std::integral_constant<ItemType, Item>())
-    RKXML_KIND(ItemType_hexBinary);
-    RKXML_KIND(ItemType_base64Binary);
-    RKXML_KIND(ItemType_byte);
-    RKXML_KIND(ItemType_short);
-    RKXML_KIND(ItemType_int);
-    RKXML_KIND(ItemType_long);
-    RKXML_KIND(ItemType_unsignedByte);
-    RKXML_KIND(ItemType_unsignedShort);
-    RKXML_KIND(ItemType_unsignedInt);
-    RKXML_KIND(ItemType_unsignedLong);
-    RKXML_KIND(ItemType_float);
-    RKXML_KIND(ItemType_double);
-    RKXML_KIND(ItemType_duration);
-    RKXML_KIND(ItemType_gYearMonth);
-    RKXML_KIND(ItemType_gMonthDay);
-    RKXML_KIND(ItemType_gYear);
-    RKXML_KIND(ItemType_gMonth);
-    RKXML_KIND(ItemType_gDay);
-    RKXML_KIND(ItemType_date);
-    RKXML_KIND(ItemType_dateTime);
-    RKXML_KIND(ItemType_time);
-    RKXML_KIND(ItemType_char);
-    RKXML_KIND(ItemType_string);
-    RKXML_KIND(ItemType_boolean);
-    RKXML_KIND(ItemType_decimal);
-    RKXML_KIND(ItemType_integer);
+#define RKXML_KIND(Kind, Name, Property, Value) \
+  case ItemType_##Kind:                         \
+    return call(std::integral_constant<ItemType, ItemType_##Kind>());
+    RKXML_XSD_TYPES(RKXML_KIND, RKXML_KIND, RKXML_KIND)
 #undef RKXML_KIND
     default:
       ThrowNoText(type);
@@ -186,51 +162,46 @@ const T& RkVariant::Owned(std::uint32_t type) const {
   return kEmpty<T>.Get();
 }
 
-#define RKXML_SCALAR(Name, Type, slot, Item)       \
-  void RkVariant::Set##Name(Type value) noexcept { \
-    Begin(Item);                                   \
-    m_slot.slot = value;                           \
-  }                                                \
-  Type RkVariant::Get##Name() const {              \
-    RequireType(Item);                             \
-    return m_slot.slot;                            \
+// Numbers lie in the slot, a string in the text, any other value in m_owned.
+template <ItemType kItem, class Value>
+void RkVariant::SetValue(Value&& value) {
+  using Type = XsdValue<kItem>;
+  if constexpr (std::is_arithmetic_v<Type>) {
+    Begin(kItem);
+    std::memcpy(&m_slot.scalar, &value, sizeof value);
+  } else if constexpr (kItem == ItemType_string) {
+    SetString(std::wstring_view(value));
+  } else {
+    SetOwned<Type>(kItem, std::forward<Value>(value));
   }
-RKXML_SCALAR(I1, char, i1, ItemType_byte)
-RKXML_SCALAR(I2, short, i2, ItemType_short)
-RKXML_SCALAR(I4, long, i4, ItemType_int)
-RKXML_SCALAR(I8, long long, i8, ItemType_long)
-RKXML_SCALAR(UI1, unsigned char, ui1, ItemType_unsignedByte)
-RKXML_SCALAR(UI2, unsigned short, ui2, ItemType_unsignedShort)
-RKXML_SCALAR(UI4, unsigned long, ui4, ItemType_unsignedInt)
-RKXML_SCALAR(UI8, unsigned long long, ui8, ItemType_unsignedLong)
-RKXML_SCALAR(R4, float, r4, ItemType_float)
-RKXML_SCALAR(R8, double, r8, ItemType_double)
-RKXML_SCALAR(Year, unsigned short, ui2, ItemType_gYear)
-RKXML_SCALAR(Month, unsigned char, ui1, ItemType_gMonth)
-RKXML_SCALAR(Day, unsigned char, ui1, ItemType_gDay)
-RKXML_SCALAR(Char, wchar_t, character, ItemType_char)
-RKXML_SCALAR(Boolean, bool, boolean, ItemType_boolean)
-#undef RKXML_SCALAR
+}
 
-#define RKXML_OWNED(Name, Type, Item)                                           \
-  void RkVariant::Set##Name(const Type& value) { SetOwned<Type>(Item, value); } \
-  const Type& RkVariant::Get##Name() const { return Owned<Type>(Item); }
-RKXML_OWNED(HexBinary, CBinaryData, ItemType_hexBinary)
-RKXML_OWNED(Base64Binary, CBinaryData, ItemType_base64Binary)
-RKXML_OWNED(Duration, CDateTimeSpan, ItemType_duration)
-RKXML_OWNED(YearMonth, CDateTime, ItemType_gYearMonth)
-RKXML_OWNED(MonthDay, CDateTime, ItemType_gMonthDay)
-RKXML_OWNED(Date, CDateTime, ItemType_date)
-RKXML_OWNED(DateTime, CDateTime, ItemType_dateTime)
-RKXML_OWNED(Time, CDateTime, ItemType_time)
-RKXML_OWNED(Decimal, CDecimal, ItemType_decimal)
-RKXML_OWNED(Integer, CBigInteger, ItemType_integer)
-#undef RKXML_OWNED
+template <ItemType kItem>
+XsdArgument<XsdValue<kItem>> RkVariant::GetValue() const {
+  using Type = XsdValue<kItem>;
+  if constexpr (std::is_arithmetic_v<Type>) {
+    RequireType(kItem);
+    Type value;
+    std::memcpy(&value, &m_slot.scalar, sizeof value);
+    return value;
+  } else if constexpr (kItem == ItemType_string) {
+    RequireType(kItem);
+    return m_text;
+  } else {
+    return Owned<Type>(kItem);
+  }
+}
+
+#define RKXML_ACCESSORS(Kind, Name, Property, Value)                                              \
+  void RkVariant::Set##Property(XsdArgument<Value> value) noexcept(std::is_arithmetic_v<Value>) { \
+    SetValue<ItemType_##Kind>(value);                                                             \
+  }                                                                                               \
+  XsdArgument<Value> RkVariant::Get##Property() const { return GetValue<ItemType_##Kind>(); }
+RKXML_XSD_TYPES(RKXML_ACCESSORS, RKXML_ACCESSORS, RKXML_ACCESSORS)
+#undef RKXML_ACCESSORS
 
 void RkVariant::SetDecimal(CDecimal&& value) { SetOwned<CDecimal>(ItemType_decimal, std::move(value)); }
 void RkVariant::SetInteger(CBigInteger&& value) { SetOwned<CBigInteger>(ItemType_integer, std::move(value)); }
-
-void RkVariant::SetString(const std::wstring& value) { SetString(std::wstring_view(value)); }
 
 void RkVariant::SetString(std::wstring&& value) {
   std::wstring taken(std::move(value));  // the value may lie in this variant or in the object it holds
@@ -253,11 +224,6 @@ void RkVariant::SetString(std::wstring_view value) {
 
 void RkVariant::SetString(const wchar_t* value) {
   SetString(value == nullptr ? std::wstring_view() : std::wstring_view(value));
-}
-
-const std::wstring& RkVariant::GetString() const {
-  RequireType(ItemType_string);
-  return m_text;
 }
 
 void RkVariant::SetReference(std::uint32_t type, CXmlObjectBase* object, CXmlCollectionBase* collection) {
@@ -285,36 +251,7 @@ std::wstring RkVariant::ToString(const wchar_t* format) const {
 void RkVariant::AppendTo(std::wstring& out, const wchar_t* format) const {
   Dispatch(m_type, [&](auto item) {
     constexpr ItemType kItem = decltype(item)::value;
-    using Value = XsdValue<kItem>;
-    const auto append = [&](const Value& value) { CConversions::AppendTo<kItem>(out, value, format); };
-    if constexpr (kItem == ItemType_byte)
-      append(m_slot.i1);
-    else if constexpr (kItem == ItemType_short)
-      append(m_slot.i2);
-    else if constexpr (kItem == ItemType_int)
-      append(m_slot.i4);
-    else if constexpr (kItem == ItemType_long)
-      append(m_slot.i8);
-    else if constexpr (kItem == ItemType_unsignedByte || kItem == ItemType_gMonth || kItem == ItemType_gDay)
-      append(m_slot.ui1);
-    else if constexpr (kItem == ItemType_unsignedShort || kItem == ItemType_gYear)
-      append(m_slot.ui2);
-    else if constexpr (kItem == ItemType_unsignedInt)
-      append(m_slot.ui4);
-    else if constexpr (kItem == ItemType_unsignedLong)
-      append(m_slot.ui8);
-    else if constexpr (kItem == ItemType_float)
-      append(m_slot.r4);
-    else if constexpr (kItem == ItemType_double)
-      append(m_slot.r8);
-    else if constexpr (kItem == ItemType_char)
-      append(m_slot.character);
-    else if constexpr (kItem == ItemType_boolean)
-      append(m_slot.boolean);
-    else if constexpr (kItem == ItemType_string)
-      append(m_text);
-    else
-      append(Owned<Value>(kItem));
+    CConversions::AppendTo<kItem>(out, GetValue<kItem>(), format);
   });
 }
 
@@ -349,41 +286,10 @@ template <ItemType kItem>
   if constexpr (kItem == ItemType_string) {
     if (rule == CWhitespaceUtils::none || rule == CWhitespaceUtils::preserve) return SetString(text);
     std::wstring scratch;
-    return SetString(CWhitespaceUtils::ApplyRule(rule, text, scratch));
+    SetString(CWhitespaceUtils::ApplyRule(rule, text, scratch));
+  } else {
+    SetValue<kItem>(CConversions::FromText<kItem>(text, rule));
   }
-  auto value = CConversions::FromText<kItem>(text, rule);
-  if constexpr (kItem == ItemType_byte)
-    SetI1(value);
-  else if constexpr (kItem == ItemType_short)
-    SetI2(value);
-  else if constexpr (kItem == ItemType_int)
-    SetI4(value);
-  else if constexpr (kItem == ItemType_long)
-    SetI8(value);
-  else if constexpr (kItem == ItemType_unsignedByte)
-    SetUI1(value);
-  else if constexpr (kItem == ItemType_unsignedShort)
-    SetUI2(value);
-  else if constexpr (kItem == ItemType_unsignedInt)
-    SetUI4(value);
-  else if constexpr (kItem == ItemType_unsignedLong)
-    SetUI8(value);
-  else if constexpr (kItem == ItemType_float)
-    SetR4(value);
-  else if constexpr (kItem == ItemType_double)
-    SetR8(value);
-  else if constexpr (kItem == ItemType_gYear)
-    SetYear(value);
-  else if constexpr (kItem == ItemType_gMonth)
-    SetMonth(value);
-  else if constexpr (kItem == ItemType_gDay)
-    SetDay(value);
-  else if constexpr (kItem == ItemType_char)
-    SetChar(value);
-  else if constexpr (kItem == ItemType_boolean)
-    SetBoolean(value);
-  else if constexpr (kItem != ItemType_string)
-    SetOwned<XsdValue<kItem>>(kItem, std::move(value));
 }
 
 void RkVariant::FromText(std::wstring_view text, ItemType type, CWhitespaceUtils::WhitespaceRule rule) {

@@ -17,6 +17,7 @@
 #include "RkXmlLib16/types/DateTimeSpan.h"
 #include "RkXmlLib16/types/Decimal.h"
 #include "RkXmlLib16/types/Whitespace.h"
+#include "RkXmlLib16/types/XsdValue.h"
 
 namespace RkXmlLib16 {
 
@@ -176,18 +177,7 @@ class RKXML_EXPORT RkVariant {
     CXmlCollectionBase* collection;
   };
   union Slot {
-    char i1;
-    short i2;
-    long i4;
-    long long i8;
-    unsigned char ui1;
-    unsigned short ui2;
-    unsigned long ui4;
-    unsigned long long ui8;
-    float r4;
-    double r8;
-    wchar_t character;
-    bool boolean;
+    std::uint64_t scalar;  // the octets of a number
     Reference reference;
   };
 
@@ -260,6 +250,10 @@ class RKXML_EXPORT RkVariant {
   void ReadPlain(std::wstring_view text, CWhitespaceUtils::WhitespaceRule rule);
   template <ItemType kItem>
   void Read(std::wstring_view text, CWhitespaceUtils::WhitespaceRule rule);
+  template <ItemType kItem, class Value>
+  void SetValue(Value&& value);
+  template <ItemType kItem>
+  XsdArgument<XsdValue<kItem>> GetValue() const;
   template <class T, class Value>
   void SetOwned(std::uint32_t type, Value&& value);
   template <class T>

@@ -466,37 +466,14 @@ wstring Print(const XsdValue<kItem>& value, const wchar_t* format = nullptr) {
 }  // namespace
 
 // The named conversions, and with them the instances of the templates.
-#define RKXML_CONVERSION(name, Item, Value, Argument)                                                         \
-  template RKXML_EXPORT Value CConversions::FromText<Item>(wstring_view, Rule);                               \
-  template RKXML_EXPORT void CConversions::AppendTo<Item>(wstring&, const Value&, const wchar_t*);            \
-  Value CConversions::name##FromString(const wstring& text, Rule rule) { return FromText<Item>(text, rule); } \
-  wstring CConversions::name##ToString(Argument value) { return Print<Item>(value); }
-RKXML_CONVERSION(hexBinary, ItemType_hexBinary, CBinaryData, const CBinaryData&)
-RKXML_CONVERSION(base64Binary, ItemType_base64Binary, CBinaryData, const CBinaryData&)
-RKXML_CONVERSION(i1, ItemType_byte, char, char)
-RKXML_CONVERSION(i2, ItemType_short, short, short)
-RKXML_CONVERSION(i4, ItemType_int, long, long)
-RKXML_CONVERSION(i8, ItemType_long, long long, long long)
-RKXML_CONVERSION(ui1, ItemType_unsignedByte, unsigned char, unsigned char)
-RKXML_CONVERSION(ui2, ItemType_unsignedShort, unsigned short, unsigned short)
-RKXML_CONVERSION(ui4, ItemType_unsignedInt, unsigned long, unsigned long)
-RKXML_CONVERSION(ui8, ItemType_unsignedLong, unsigned long long, unsigned long long)
-RKXML_CONVERSION(r4, ItemType_float, float, float)
-RKXML_CONVERSION(r8, ItemType_double, double, double)
-RKXML_CONVERSION(duration, ItemType_duration, CDateTimeSpan, const CDateTimeSpan&)
-RKXML_CONVERSION(yearMonth, ItemType_gYearMonth, CDateTime, const CDateTime&)
-RKXML_CONVERSION(monthDay, ItemType_gMonthDay, CDateTime, const CDateTime&)
-RKXML_CONVERSION(year, ItemType_gYear, unsigned short, unsigned short)
-RKXML_CONVERSION(month, ItemType_gMonth, unsigned char, unsigned char)
-RKXML_CONVERSION(day, ItemType_gDay, unsigned char, unsigned char)
-RKXML_CONVERSION(date, ItemType_date, CDateTime, const CDateTime&)
-RKXML_CONVERSION(datetime, ItemType_dateTime, CDateTime, const CDateTime&)
-RKXML_CONVERSION(time, ItemType_time, CDateTime, const CDateTime&)
-RKXML_CONVERSION(char, ItemType_char, wchar_t, wchar_t)
-RKXML_CONVERSION(string, ItemType_string, wstring, const wstring&)
-RKXML_CONVERSION(boolean, ItemType_boolean, bool, bool)
-RKXML_CONVERSION(decimal, ItemType_decimal, CDecimal, const CDecimal&)
-RKXML_CONVERSION(integer, ItemType_integer, CBigInteger, const CBigInteger&)
+#define RKXML_CONVERSION(Kind, Name, Property, Value)                                                         \
+  template RKXML_EXPORT Value CConversions::FromText<ItemType_##Kind>(wstring_view, Rule);                    \
+  template RKXML_EXPORT void CConversions::AppendTo<ItemType_##Kind>(wstring&, const Value&, const wchar_t*); \
+  Value CConversions::Name##FromString(const wstring& text, Rule rule) {                                      \
+    return FromText<ItemType_##Kind>(text, rule);                                                             \
+  }                                                                                                           \
+  wstring CConversions::Name##ToString(XsdArgument<Value> value) { return Print<ItemType_##Kind>(value); }
+RKXML_XSD_TYPES(RKXML_CONVERSION, RKXML_CONVERSION, RKXML_CONVERSION)
 #undef RKXML_CONVERSION
 
 wstring CConversions::r4ToString(float value, const wstring& format) {

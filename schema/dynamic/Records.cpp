@@ -162,54 +162,13 @@ CSmartPtr<CXmlCollectionBase> NewValues(const Property& property) {
 
 CSmartPtr<CXmlCollectionBase> NewValueCollection(const Property& property) {
   switch (property.value->itemType) {
-    case ItemType_hexBinary:
-      return NewValues<ChexBinaryCol>(property);
-    case ItemType_base64Binary:
-      return NewValues<Cbase64BinaryCol>(property);
-    case ItemType_byte:
-      return NewValues<Ci1Col>(property);
-    case ItemType_short:
-      return NewValues<Ci2Col>(property);
-    case ItemType_int:
-      return NewValues<Ci4Col>(property);
-    case ItemType_long:
-      return NewValues<Ci8Col>(property);
-    case ItemType_unsignedByte:
-      return NewValues<Cui1Col>(property);
-    case ItemType_unsignedShort:
-      return NewValues<Cui2Col>(property);
-    case ItemType_unsignedInt:
-      return NewValues<Cui4Col>(property);
-    case ItemType_unsignedLong:
-      return NewValues<Cui8Col>(property);
-    case ItemType_float:
-      return NewValues<Cr4Col>(property);
-    case ItemType_double:
-      return NewValues<Cr8Col>(property);
-    case ItemType_duration:
-      return NewValues<CdurationCol>(property);
-    case ItemType_gYearMonth:
-      return NewValues<CyearMonthCol>(property);
-    case ItemType_gMonthDay:
-      return NewValues<CmonthDayCol>(property);
-    case ItemType_gYear:
-      return NewValues<CyearCol>(property);
-    case ItemType_gMonth:
-      return NewValues<CmonthCol>(property);
-    case ItemType_gDay:
-      return NewValues<CdayCol>(property);
-    case ItemType_date:
-      return NewValues<CdateCol>(property);
-    case ItemType_dateTime:
-      return NewValues<CdatetimeCol>(property);
-    case ItemType_time:
-      return NewValues<CtimeCol>(property);
-    case ItemType_boolean:
-      return NewValues<CbooleanCol>(property);
-    case ItemType_decimal:
-      return NewValues<CdecimalCol>(property);
-    case ItemType_integer:
-      return NewValues<CintegerCol>(property);
+#define RKXML_NEW(Kind, Name, Property, Value) \
+  case ItemType_##Kind:                        \
+    return NewValues<C##Name##Col>(property);
+#define RKXML_NOTHING(Kind, Name, Property, Value)
+    RKXML_XSD_TYPES(RKXML_NEW, RKXML_NEW, RKXML_NOTHING)
+#undef RKXML_NEW
+#undef RKXML_NOTHING
     default:
       return NewValues<CstringCol>(property);
   }
