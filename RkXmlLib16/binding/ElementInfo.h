@@ -55,7 +55,8 @@ enum class MemberKind : std::int32_t {
 
 // Describes one child element of a generated class: its name, the property that holds it and how to read and write it.
 // Records are static: generated code creates them once with new, hands them out in an array and frees them with
-// CXmlGeneratedClass::CleanMetaData. They never change, so threads share them freely.
+// CXmlGeneratedClass::CleanMetaData. What they describe never changes, and what they find out about their class is kept
+// by an atomic, so threads share them freely.
 //
 // The classes are named CElementInfo<Group><Kind><Cardinality>:
 //   Group        Seq, Choice, All: the content model that the member belongs to

@@ -1,3 +1,26 @@
+// The read walk: how an object reads itself from an element.
+//
+// FromXml_Int lets the class prepare its members, offers each attribute to the attribute records, and then walks the
+// element records with a cursor over the children of the element. A record that accepts the child under the cursor reads
+// it and moves the cursor on. What is left in the end is an error, and so is a mandatory member that found nothing. The
+// content models differ in how they ask:
+//   sequence  each record once, in order
+//   choice    the records in turn, until one accepts
+//   all       the records that have not accepted yet, pass after pass, until a pass consumes nothing
+// An object of an inline group has no element of its own. It reads from its owner's cursor, gives back what it does not
+// take, and leaves it to the owner to judge what is missing.
+//
+// What is added to that:
+//   Session         The outermost object makes the session of the read (ReadSession): the number of objects inside each
+//                   other, which is limited since each takes stack, and storage that is used again.
+//   Skipping        A record that would accept the absence of its element is not called at all when another element is
+//                   next (CElementInfo::IsSkipped): most members of most objects are absent.
+//   Unknown ones    Where the context ignores unknown elements, a record is asked about one child after the other until
+//                   it accepts (AskPastUnknown). What it refused is remembered, as inline groups ask for the same
+//                   children again and again, and what failed attempts read is limited (SiblingSearch).
+//   Error handlers  With a handler, an error in a value or an unexpected element is told and reading goes on behind it
+//                   (Refuse..., PassOverUnexpected). An attempt to read a group may be taken back, with what it told.
+//   Paths           The first object that an error passes gives it the path of its element; the others leave it alone.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -15,6 +38,7 @@
 #include "RkXmlLib16/binding/ParentElementInfo.h"
 #include "RkXmlLib16/binding/internal/ElementRules.h"
 #include "RkXmlLib16/binding/internal/NilValue.h"
+#include "RkXmlLib16/binding/internal/ReadSession.h"
 #include "RkXmlLib16/binding/internal/ReadingValue.h"
 #include "RkXmlLib16/binding/internal/SiblingSearch.h"
 #include "RkXmlLib16/collections/CollectionBase.h"
@@ -30,7 +54,9 @@ using RkXmlLib16Data::CElementInfo;
 using RkXmlLib16Data::CParentElementInfo;
 using RkXmlLib16Data::IsTaken;
 using RkXmlLib16Data::MemberKind;
+using RkXmlLib16Data::MemberRead;
 using RkXmlLib16Data::PassOverUnexpected;
+using RkXmlLib16Data::ReadSession;
 using RkXmlLib16Data::RefuseMissing;
 using RkXmlLib16Data::RefuseUnread;
 using RkXmlLib16Data::RequireCount;
@@ -58,27 +84,35 @@ class SeenFlags {
   std::vector<bool> m_rest;
 };
 
-// One more object being read inside the others on this thread. Each takes stack, so their number has a limit: that of
+// One more object being read inside the others of the session. Each takes stack, so their number has a limit: that of
 // the context, or what the stack of the thread holds.
 class ObjectLevel {
  public:
-  ObjectLevel(const CSerializationContext& context, const CXmlElement& element) {
+  ObjectLevel(ReadSession& session, const CSerializationContext& context, const CXmlElement& element)
+      : m_session(session) {
     const unsigned long limit = context.GetLimits().GetMaxObjectDepth();
-    if (s_depth >= limit && limit != 0) ThrowTooDeep(limit, element);
-    if (CStackEnd::IsNear()) ThrowTooDeep(s_depth, element);
-    ++s_depth;
+    if (session.depth >= limit && limit != 0) ThrowTooDeep(limit, element);
+    if (CStackEnd::IsNear()) ThrowTooDeep(session.depth, element);
+    ++session.depth;
   }
   ObjectLevel(const ObjectLevel&) = delete;
   ObjectLevel& operator=(const ObjectLevel&) = delete;
-  ~ObjectLevel() { --s_depth; }
+  ~ObjectLevel() { --m_session.depth; }
 
  private:
   [[noreturn, gnu::noinline]] static void ThrowTooDeep(unsigned long limit, const CXmlElement& element) {
     CReadLimits::ThrowExceeded(L"object depth", limit, element.GetXPath());
   }
 
-  static inline thread_local unsigned long s_depth = 0;
+  ReadSession& m_session;
 };
+
+// Apart, so that only the outermost object has the session on the stack.
+[[gnu::noinline]] CXmlElement* ReadOutermost(CXmlGeneratedClass& object, CXmlElement* element, CXmlElement* firstChild,
+                                             const CSerializationContext& context, bool isOptionalChoice) {
+  ReadSession session;
+  return object.CXmlGeneratedClass::FromXml_Int(element, firstChild, context, isOptionalChoice);
+}
 
 // Apart, so that the objects inside each other do not all have the space for it on the stack.
 [[noreturn, gnu::noinline]] void ThrowWithPath(CRkException& e, const CXmlElement* element) {
@@ -101,34 +135,60 @@ bool CanBeOfferedRest(const CElementInfo& last, const CSerializationContext& con
   return last.GetMemberKind() != MemberKind::Single || last.IsThisElement(context, element);
 }
 
-// ElementFromXml for the element under the cursor and, until it accepts something, for those that follow.
-bool AskPastUnknown(CElementInfo* info, const CSerializationContext& context, CXmlGeneratedClass* object,
-                    CXmlElement* parent, CXmlElement** cursor, const wchar_t* ownNamespace,
-                    XmlElementType elementType) {
-  CXmlElement*& current = *cursor;
-  const bool keepsAttempts = SiblingSearch::KeepsAttempts(*info);
-  const CXmlElement* firstFailed = current;
-  std::uint64_t takenBefore = SiblingSearch::GetTakenCount();
-  for (int steps = 0;; ++steps) {
-    CXmlElement* const asked = current;
-    const bool accepted = info->ElementFromXml(context, object, parent, cursor, ownNamespace, elementType);
-    // A mandatory member that is not there moves the cursor too, to the end.
-    if (current != asked && (accepted || info->GetMemberKind() == MemberKind::Collection)) SiblingSearch::CountTaken();
-    const bool goesOn = !accepted && current != nullptr;
-    const bool hasFailed = goesOn && current == asked;
-    const bool isSame = !keepsAttempts || SiblingSearch::GetTakenCount() == takenBefore;
-    if (!hasFailed && steps > 0 && isSame) SiblingSearch::SetFailed(*info, firstFailed, asked, steps);
-    if (!goesOn) return accepted;
-    current = hasFailed ? SiblingSearch::Next(*info, current) : current->GetNextSiblingElement();
-    if (current == nullptr) {
-      if (hasFailed && isSame) SiblingSearch::SetFailed(*info, firstFailed, nullptr, steps);
+// What asking a record about the element under the cursor came to.
+enum class Asked {
+  Accepted,  // the record is satisfied
+  AtEnd,     // it is not, and no element is left
+  MovedOn,   // it is not, but it took elements or passed over them
+  Refused,   // it took nothing
+  TookBack   // the same, but elements were taken meanwhile: an attempt failed, whose work is lost
+};
+
+// Elements that a record refused one after the other.
+struct Refusals {
+  const CXmlElement* first;
+  std::uint64_t takenBefore;  // of the session
+  int count = 0;
+};
+
+Asked Ask(CElementInfo& info, const MemberRead& read, ReadSession& session, const Refusals& refusals) {
+  const CXmlElement* const asked = read.At();
+  const bool isAccepted =
+      info.ElementFromXml(read.context, read.object, read.parent, read.cursor, read.ownerNamespace, read.ownerType);
+  const bool hasMoved = read.At() != asked;
+  // A mandatory member that is not there moves the cursor too, to the end.
+  if (hasMoved && (isAccepted || info.GetMemberKind() == MemberKind::Collection)) ++session.takenCount;
+  if (isAccepted) return Asked::Accepted;
+  if (read.At() == nullptr) return Asked::AtEnd;
+  if (hasMoved) return Asked::MovedOn;
+  const bool isLost = SiblingSearch::KeepsAttempts(info) && session.takenCount != refusals.takenBefore;
+  return isLost ? Asked::TookBack : Asked::Refused;
+}
+
+// ElementFromXml for the element under the cursor and, until the record accepts something, for those that follow.
+// Elements that it refused are remembered as long as it would refuse them again: a record that keeps attempts, until
+// anything is taken.
+bool AskPastUnknown(CElementInfo& info, const MemberRead& read) {
+  ReadSession& session = *ReadSession::Current();
+  const bool keepsAttempts = SiblingSearch::KeepsAttempts(info);
+  Refusals refusals{read.At(), session.takenCount};
+  for (;;) {
+    const CXmlElement* const asked = read.At();
+    const Asked outcome = Ask(info, read, session, refusals);
+    const bool isRefusal = outcome == Asked::Refused || outcome == Asked::TookBack;
+    if (outcome == Asked::Refused) ++refusals.count;
+    if (!isRefusal && refusals.count > 0 && (!keepsAttempts || session.takenCount == refusals.takenBefore))
+      SiblingSearch::SetFailed(info, refusals.first, asked, refusals.count);
+    if (outcome == Asked::Accepted || outcome == Asked::AtEnd) return outcome == Asked::Accepted;
+
+    *read.cursor = isRefusal ? SiblingSearch::Next(info, asked) : read.At()->GetNextSiblingElement();
+    if (read.At() == nullptr) {
+      if (outcome == Asked::Refused) SiblingSearch::SetFailed(info, refusals.first, nullptr, refusals.count);
       return false;
     }
-    if (hasFailed && isSame) continue;
-    if (keepsAttempts) SiblingSearch::CountWasted(SiblingSearch::GetTakenCount() - takenBefore);
-    firstFailed = current;
-    takenBefore = SiblingSearch::GetTakenCount();
-    steps = -1;
+    if (outcome == Asked::Refused) continue;
+    if (keepsAttempts) SiblingSearch::CountWasted(session.takenCount - refusals.takenBefore);
+    refusals = {read.At(), session.takenCount};
   }
 }
 
@@ -136,9 +196,11 @@ bool AskPastUnknown(CElementInfo* info, const CSerializationContext& context, CX
 
 CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* element, CXmlElement* firstChild,
                                              const CSerializationContext& context, bool isOptionalChoice) {
+  ReadSession* const session = ReadSession::Current();
+  if (session == nullptr) return ReadOutermost(*this, element, firstChild, context, isOptionalChoice);
   try {
     if (element == nullptr) throw CRkException(L"The document has no root element.");
-    const ObjectLevel level(context, *element);
+    const ObjectLevel level(*session, context, *element);
     CErrorSession::NoteRead(context, element);
     return ReadElement(element, firstChild, context, isOptionalChoice);
   } catch (CRkException& e) {
@@ -291,12 +353,12 @@ void CXmlGeneratedClass::ProcessAttributesFromXml(const CSerializationContext& c
 CXmlElement* CXmlGeneratedClass::ProcessElementSeqFromXml(const CSerializationContext& context, CXmlElement* parent,
                                                           CXmlElement* first, XmlElementType elementType) {
   const bool ignoreUnknown = context.GetIgnoreUnknownElements();
-  const wchar_t* const ownNamespace = GetNamespace();
   CXmlElement* current = first;
+  const MemberRead read{context, this, parent, &current, GetNamespace(), elementType};
   // False when the sequence cannot go on.
   const auto ask = [&](CElementInfo* info) {
-    return ignoreUnknown ? AskPastUnknown(info, context, this, parent, &current, ownNamespace, elementType)
-                         : info->ElementFromXml(context, this, parent, &current, ownNamespace, elementType);
+    return ignoreUnknown ? AskPastUnknown(*info, read)
+                         : info->ElementFromXml(context, this, parent, &current, read.ownerNamespace, elementType);
   };
 
   const bool ownElement = elementType == XmlElementType_Element;
@@ -334,7 +396,7 @@ CXmlElement* CXmlGeneratedClass::ProcessElementChoiceFromXml(const CSerializatio
   const auto isMemberRead = [&] {
     for (CElementInfo** info = infos; *info != nullptr; ++info) {
       if (!(*info)->ElementFromXml(context, this, parent, &current, ownNamespace, elementType)) continue;
-      if (ignoreUnknown) SiblingSearch::CountTaken();
+      if (ignoreUnknown) ++ReadSession::Current()->takenCount;
       return true;
     }
     return false;
@@ -386,7 +448,7 @@ CXmlElement* CXmlGeneratedClass::ProcessElementAllFromXml(const CSerializationCo
     const CXmlElement* const before = current;
     for (std::size_t i = 0; infos[i] != nullptr; ++i)
       if (!seen[i] && infos[i]->ElementFromXml(context, this, parent, &current, ownNamespace, elementType)) seen.Set(i);
-    if (ignoreUnknown && current != before) SiblingSearch::CountTaken();
+    if (ignoreUnknown && current != before) ++ReadSession::Current()->takenCount;
     return current != before;
   };
 

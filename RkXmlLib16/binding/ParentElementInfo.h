@@ -13,8 +13,8 @@ namespace RkXmlLib16Data {
 
 class CElementInfo;
 
-// Describes a generated class as a whole: its content model, its type name and its simple content. Static and
-// immutable.
+// Describes a generated class as a whole: its content model, its type name and its simple content. Static; what it
+// describes never changes, and what it remembers of the class is atomic, so threads share it freely.
 class RKXML_EXPORT CParentElementInfo {
  public:
   // `name` and `ns` are those of the class's type, as xsi:type names it. `strictAttributes`: an attribute that no

@@ -78,6 +78,36 @@ class CMarkingRecord : public CElementInfoSeqPrimMnd {
   }
 };
 
+// A record that does as its base does. As nobody can know that, it is always called, where the library may skip a
+// record of its own or write the value itself.
+template <class Record>
+class CForwardingRecord : public Record {
+ public:
+  using Record::Record;
+  bool ElementToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
+                    CXmlWriter* writer) const override {
+    return Record::ElementToXml(context, object, writer);
+  }
+  bool ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object, CXmlElement* parent,
+                      CXmlElement** cursor, const wchar_t* ownerNamespace, XmlElementType ownerType) override {
+    return Record::ElementFromXml(context, object, parent, cursor, ownerNamespace, ownerType);
+  }
+};
+
+template <class Record>
+using Same = Record;
+
+// Optional members of every kind that may be skipped, and a mandatory one.
+template <template <class> class Form>
+Table OptionalMembers() {
+  return Table(
+      ClassInfo(kSequence, L"r"),
+      {Prim<Form<CElementInfoSeqPrimOpt>>(L"p", 0), Enum<Form<CElementInfoSeqEnumOpt>>(L"e", 1),
+       Cls<Form<CElementInfoSeqClsOpt>>(L"c", 2), Cls<Form<CElementInfoSeqClsOpt>>(L"g", 3, 1, kInline),
+       new Form<CElementInfoSeqAbsClsOpt>(L"a", L"", 4, kOwn, [](CXmlElement*) { return CreateClass(0, L"a"); }),
+       Prim<Form<CElementInfoSeqPrimMnd>>(L"m", 5)});
+}
+
 // An object that looks at the text it reads.
 class CLookingClass : public CTableClass {
  public:
@@ -115,6 +145,30 @@ TEST_F(OverridingTest, RecordsWriteAttributesOfTheirOwn) {
   const Table table(ClassInfo(kSequence, L"r"), {Prim(L"a", 0), Prim<CMarkingRecord>(L"b", 1), Prim(L"c", 2)});
   const auto object = Read(table, L"<r><a>1</a><b>2</b><c>3</c></r>");
   for (int i = 0; i < 2; ++i) EXPECT_TEXT(L"<r mark=\"b\"><a>1</a><b>2</b><c>3</c></r>", Write(*object));
+}
+
+TEST_F(OverridingTest, RecordsThatAreSkippedOrWrittenAtOnceDoAsOthers) {
+  const Table child(ClassInfo(kSequence, L"c"), {Prim<CElementInfoSeqPrimOpt>(L"v", 0)});
+  const Table group(ClassInfo(kSequence, L"", kInline), {Prim(L"h", 0)});
+  Classes() = {&child, &group};
+  const Table known = OptionalMembers<Same>();
+  const Table called = OptionalMembers<CForwardingRecord>();
+  const wchar_t* const members[] = {L"<p>1</p>", L"<e>red</e>", L"<c><v>2</v></c>", L"<h>3</h>",
+                                    L"<a/>",     L"<m>4</m>",   L"<p>x</p>",        L"<other/>"};
+  for (const auto& context : {CSerializationContext(), With(kUnknownElements), With(kMissingElements)}) {
+    for (unsigned mask = 0; mask < 256; ++mask) {
+      std::wstring xml, reversed;
+      for (unsigned i = 0; i < 8; ++i) {
+        if ((mask >> i & 1) == 0) continue;
+        xml += members[i];
+        reversed = members[i] + reversed;
+      }
+      for (const std::wstring& content : {xml, reversed}) {
+        const std::wstring document = L"<r>" + content + L"</r>";
+        EXPECT_TEXT(Outcome(called, document, context), Outcome(known, document, context)) << mask;
+      }
+    }
+  }
 }
 
 TEST_F(OverridingTest, ObjectsReadTheTextsThatAreMadeForThem) {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "RkXmlLib16/binding/ElementInfo.h"
+#include "RkXmlLib16/binding/internal/ReadSession.h"
 
 namespace RkXmlLib16Data {
 
@@ -17,7 +18,7 @@ namespace RkXmlLib16Data {
 // children, which exists while their element is being read, and failed searches are remembered.
 class SiblingSearch {
  public:
-  // Serves the children of `element` on this thread until it is destroyed.
+  // Serves the children of `element` in the session of this thread, which there must be, until it is destroyed.
   explicit SiblingSearch(const CXmlElement* element) noexcept;
   SiblingSearch(const SiblingSearch&) = delete;
   SiblingSearch& operator=(const SiblingSearch&) = delete;
@@ -26,18 +27,15 @@ class SiblingSearch {
   // The first element from `from` (may be null) on that the record accepts; null when there is none.
   static CXmlElement* Find(const CElementInfo& info, const CSerializationContext& context, CXmlElement* from);
 
-  // For records that are asked about one element after the other: the one to ask about after `from`, and that a record
-  // took none from `from` up to `end` (null for all that follow). Of a record that keeps attempts that is true only
-  // until something is taken.
+  // For records that are asked about one element after the other, within a session: the one to ask about after `from`,
+  // and that a record took none of the `count` elements from `from` up to `end` (null for all that follow). Of a record
+  // that keeps attempts that is true only until something is taken.
   static CXmlElement* Next(const CElementInfo& info, const CXmlElement* from);
-  static void SetFailed(const CElementInfo& info, const CXmlElement* from, const CXmlElement* end, int steps);
+  static void SetFailed(const CElementInfo& info, const CXmlElement* from, const CXmlElement* end, int count);
   // Whether what the record took before it failed may decide whether it fails the next time.
   static bool KeepsAttempts(const CElementInfo& info) noexcept {
     return info.IsInlineGroup() && info.GetMemberKind() == MemberKind::Single;
   }
-  // Elements that were taken on this thread by anyone, also by attempts that failed later.
-  static std::uint64_t GetTakenCount() noexcept;
-  static void CountTaken() noexcept;
   // An attempt failed after so many were taken. Throws CRkException "Limit exceeded: ..." when too many are read again
   // and again.
   static void CountWasted(std::uint64_t takenCount);
@@ -51,11 +49,12 @@ class SiblingSearch {
     std::uint64_t takenCount = 0;               // when they were noted
 
     bool IsTrueOf(const CElementInfo& info) const noexcept {
-      return !KeepsAttempts(info) || takenCount == GetTakenCount();
+      return !KeepsAttempts(info) || takenCount == ReadSession::Current()->takenCount;
     }
   };
 
   const CXmlElement* m_element;
+  ReadSession& m_session;
   SiblingSearch* m_outer;
   std::vector<CXmlElement*> m_children;                                          // empty until needed
   std::unordered_map<const CXmlElement*, std::size_t> m_places;                  // in m_children
