@@ -26,9 +26,9 @@ class CheckedFile {
   template <class Use>
   bool Load(std::FILE* out, Use&& use) {
     try {
-      Bytes bytes = ReadFile(m_options.input);
+      const InputFile file(m_options.input);
       CXmlDocument document(m_context);
-      LoadDocument(document, m_options, bytes);
+      LoadDocument(document, m_options, file);
       return use(document, m_context);
     } catch (const FileError& e) {
       if (out != nullptr) std::fprintf(out, "%s\n", e.what());

@@ -8,6 +8,7 @@
 // The commands. They throw FileError, CRkException, DocumentError and, with a schema, SchemaError.
 void Convert(const Options& options);
 void Show(const Options& options);
+void Split(const Options& options);
 // Whether all documents can be read; tells the errors of those that cannot.
 bool Check(const Options& options);
 // Writes C++ classes for schemas, or tells their names.

@@ -1,12 +1,15 @@
 #include <cstdio>
+#include <memory>
 #include <optional>
 
 #include "Gzip.h"
+#include "Input.h"
 #include "Load.h"
 #include "Progress.h"
+#include "Scan.h"
 #include "Schema.h"
+#include "TagWriter.h"
 #include "Text.h"
-#include "Tree.h"
 
 using namespace RkXmlLib16;
 
@@ -17,13 +20,17 @@ bool IsMixed(const TreeWalk& element) {
   return element->GetFirstElement() != nullptr && text.View().find_first_not_of(L" \t\n") != std::wstring_view::npos;
 }
 
-// What a tree cannot keep of the document, in words; empty when it keeps everything.
-std::string LeftOut(const CErrorCollector& collector, const CXmlDocument& document) {
+unsigned long long CountMixed(const CXmlDocument& document) {
+  unsigned long long mixed = 0;
+  for (TreeWalk walk(document); walk; walk.Next()) mixed += IsMixed(walk) ? 1 : 0;
+  return mixed;
+}
+
+// What is not kept of the document, in words; empty when everything is.
+std::string LeftOut(const CErrorCollector& collector, unsigned long long mixed) {
   std::string text;
   const auto add = [&text](const std::string& what) { text += (text.empty() ? "" : ", ") + what; };
   for (const CRkDropped& dropped : collector.GetDropped()) add(ForTerminal(dropped.GetName()));
-  unsigned long long mixed = 0;
-  for (TreeWalk walk(document); walk; walk.Next()) mixed += IsMixed(walk) ? 1 : 0;
   if (mixed != 0) add("mixed content in " + Grouped(mixed) + (mixed == 1 ? " element" : " elements"));
   return text;
 }
@@ -43,28 +50,47 @@ CSmartPtr<CXmlObjectBase> ToTyped(const Schema& schema, const Options& options, 
   return nullptr;
 }
 
-}  // namespace
+std::unique_ptr<CDocumentWriter> OpenOutput(OutputFile& output, const Options& options,
+                                            const CSerializationContext& context, Progress& progress) {
+  const auto take = [&output, &progress](const unsigned char* bytes, std::size_t count) {
+    output.Write(bytes, count);
+    progress.TellWritten(output.GetLength());
+    return true;
+  };
+  return options.to->open(take, options.layout, context);
+}
 
-void Convert(const Options& options) {
-  Progress progress;
-  CSerializationContext context;
-  context.GetLimits() = options.limits;
-  context.SetIndentChars(options.layout.indent.c_str());
-  options.json.ApplyTo(context);
+void WriteObject(const CXmlObjectBase& object, const Options& options, const CSerializationContext& context,
+                 Progress& progress) {
+  OutputFile output(options.output);
+  if (options.layout.encoding == XmlEncoding_UTF8) {
+    const std::unique_ptr<CDocumentWriter> writer = OpenOutput(output, options, context, progress);
+    writer->WriteObject(object);
+    writer->End();
+  } else {
+    const CBinaryData text = options.to->write(object, options.layout, context);
+    Bytes zipped;
+    if (options.layout.gzip) zipped = Gzip(text.GetData(), text.GetLength());
+    output.Write(options.layout.gzip ? zipped.data() : text.GetData(),
+                 options.layout.gzip ? zipped.size() : text.GetLength());
+  }
+  output.Complete();
+}
 
+// By way of a tree of the whole document; returns what that cannot keep.
+std::string ConvertWhole(const Options& options, const InputFile& input, CSerializationContext& context,
+                         Progress& progress) {
   CErrorCollector collector;
   if (!options.quiet) context.SetErrorHandler(&collector);
   std::string leftOut;
   std::optional<Schema> schema;  // outlives the object
   CSmartPtr<CXmlObjectBase> object;
   {
-    Bytes bytes = ReadFile(options.input);
-    progress.Read(bytes.size());
-    CXmlDocument document(progress.Counter(), context);
-    LoadDocument(document, options, bytes);
-    bytes = Bytes();
+    progress.Begin("reading", 0);
+    CXmlDocument document(context);
+    LoadDocument(document, options, input);
     context.SetErrorHandler(nullptr);
-    if (!options.quiet) leftOut = LeftOut(collector, document);
+    if (!options.quiet) leftOut = LeftOut(collector, CountMixed(document));
     context.TakeNamespaces(document);
     if (options.to->needsPrefixes) AddPrefixes(document, context);
     if (options.UsesSchema()) {
@@ -79,13 +105,64 @@ void Convert(const Options& options) {
       object->FromXmlElement(document.GetDocumentElement(), context);
     }
   }
-  progress.Writing();
-  const CBinaryData output = options.to->write(*object, options.layout, context);
-  Bytes zipped;
-  if (options.layout.gzip) zipped = Gzip(output.GetData(), output.GetLength());
-  const unsigned char* const data = options.layout.gzip ? zipped.data() : output.GetData();
-  const std::size_t length = options.layout.gzip ? zipped.size() : output.GetLength();
-  progress.Written(length);
-  WriteFile(options.output, data, length);
+  progress.Begin("writing", 0);
+  WriteObject(*object, options, context, progress);
+  return leftOut;
+}
+
+// Tag by tag, in constant memory, after a look at the whole document; false, and nothing done, when the result would
+// not be that of the whole document.
+bool ConvertInPieces(const Options& options, const InputFile& input, CSerializationContext context, Progress& progress,
+                     std::string& leftOut) {
+  // JSON has arrays, whose ends must be known before they begin, and types come from objects.
+  if (options.to == FindForm("json") || options.UsesSchema() || options.layout.encoding != XmlEncoding_UTF8)
+    return false;
+  CErrorCollector collector;
+  if (!options.quiet) context.SetErrorHandler(&collector);
+  Scan scan;
+  try {
+    scan = ScanDocument(input, options, context, progress);
+  } catch (const DocumentError&) {
+    // What JSON holds may come in an order that only a tree can take.
+    if (options.from == FindForm("json")) return false;
+    throw;
+  }
+  if (!scan.isPlain) return false;
+  context.SetErrorHandler(nullptr);
+  context.SetEscapeCDATA(true);  // sections have been read as the text that they are
+  progress.Begin("converting", input.GetLength());
+  OutputFile output(options.output);
+  const std::unique_ptr<CDocumentWriter> writer = OpenOutput(output, options, context, progress);
+  InputStream stream(input, options, context, progress);
+  TagWriter tags;
+  while (stream.Next()) {
+    if (stream.GetEvent() == InputStream::Event::Start)
+      tags.Start(*writer, *stream->GetElement());
+    else if (stream.GetEvent() == InputStream::Event::Text)
+      tags.Text(stream->GetText());
+    else
+      tags.End(*writer);
+  }
+  writer->End();
+  output.Complete();
+  if (!options.quiet) leftOut = LeftOut(collector, scan.mixed);
+  return true;
+}
+
+}  // namespace
+
+void Convert(const Options& options) {
+  std::string leftOut;
+  {
+    Progress progress;
+    progress.Begin("reading", 0);
+    const InputFile input(options.input);
+    CSerializationContext context;
+    context.GetLimits() = options.limits;
+    context.SetIndentChars(options.layout.indent.c_str());
+    options.json.ApplyTo(context);
+    if (!ConvertInPieces(options, input, context, progress, leftOut))
+      leftOut = ConvertWhole(options, input, context, progress);
+  }
   if (!leftOut.empty()) std::fprintf(stderr, "rkxml: not kept: %s: --quiet to be silent\n", leftOut.c_str());
 }

@@ -4,11 +4,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 #include "Text.h"
 
@@ -60,12 +62,30 @@ extern "C" void RemoveTemporaryFile(int signal) {
   ::raise(signal);
 }
 
+mode_t ModeOfNewFiles() {
+  const mode_t mask = ::umask(0);
+  ::umask(mask);
+  return 0666 & ~mask;
+}
+
+// Reads what is there, again after interruptions.
+template <class Read>
+std::size_t ReadSome(const std::string& name, Read&& read) {
+  for (;;) {
+    const ssize_t count = read();
+    if (count >= 0) return static_cast<std::size_t>(count);
+    if (errno != EINTR) Throw("cannot read", name, errno);
+  }
+}
+
+}  // namespace
+
 // A new file beside `target` that is removed unless it takes the target's place.
-class TemporaryFile {
+class OutputFile::Temporary {
  public:
-  explicit TemporaryFile(const std::string& target) : m_target(target) {
-    const std::string pattern = target + ".XXXXXX";
-    if (pattern.size() >= sizeof g_temporaryName) Throw("cannot write", target, ENAMETOOLONG);
+  explicit Temporary(std::string target) : m_target(std::move(target)) {
+    const std::string pattern = m_target + ".XXXXXX";
+    if (pattern.size() >= sizeof g_temporaryName) Throw("cannot write", m_target, ENAMETOOLONG);
     // Signals wait until the name is complete.
     sigset_t signals;
     sigset_t before;
@@ -81,11 +101,11 @@ class TemporaryFile {
       }
     }
     ::sigprocmask(SIG_SETMASK, &before, nullptr);
-    if (m_fd < 0) Throw("cannot write", target, error);
+    if (m_fd < 0) Throw("cannot write", m_target, error);
   }
-  TemporaryFile(const TemporaryFile&) = delete;
-  TemporaryFile& operator=(const TemporaryFile&) = delete;
-  ~TemporaryFile() {
+  Temporary(const Temporary&) = delete;
+  Temporary& operator=(const Temporary&) = delete;
+  ~Temporary() {
     if (m_fd >= 0) ::close(m_fd);
     if (!m_done) ::unlink(g_temporaryName);
     for (const int signal : kSignals) {
@@ -107,62 +127,90 @@ class TemporaryFile {
   }
 
  private:
-  const std::string& m_target;
+  const std::string m_target;
   int m_fd = -1;
   bool m_done = false;
 };
 
-mode_t ModeOfNewFiles() {
-  const mode_t mask = ::umask(0);
-  ::umask(mask);
-  return 0666 & ~mask;
-}
+Bytes ReadFile(const std::string& name) { return InputFile(name).ReadAll(); }
 
-}  // namespace
-
-Bytes ReadFile(const std::string& name) {
-  const Descriptor file(name == "-" ? STDIN_FILENO : ::open(name.c_str(), O_RDONLY | O_CLOEXEC));
-  if (file.Get() < 0) Throw("cannot open", name, errno);
-
+InputFile::InputFile(const std::string& name)
+    : m_name(name), m_file(name == "-" ? STDIN_FILENO : ::open(name.c_str(), O_RDONLY | O_CLOEXEC)) {
+  if (m_file < 0) Throw("cannot open", name, errno);
   struct stat status {};
-  Bytes bytes;
-  if (::fstat(file.Get(), &status) == 0 && S_ISREG(status.st_mode) && status.st_size > 0) {
-    bytes.reserve(static_cast<std::size_t>(status.st_size) + 1);
-  }
-  for (std::size_t length = 0;;) {
-    if (bytes.capacity() - length < 1) bytes.reserve(bytes.capacity() + bytes.capacity() / 2 + 65536);
-    bytes.resize(bytes.capacity());
-    const ssize_t count = ::read(file.Get(), bytes.data() + length, bytes.size() - length);
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) Throw("cannot read", name, errno);
-    length += static_cast<std::size_t>(count);
-    if (count == 0) {
-      bytes.resize(length);
-      return bytes;
-    }
+  const off_t start = ::lseek(m_file, 0, SEEK_CUR);
+  if (start >= 0 && ::fstat(m_file, &status) == 0 && S_ISREG(status.st_mode)) {
+    m_start = static_cast<std::uint64_t>(start);
+    m_length = static_cast<std::uint64_t>(std::max<off_t>(status.st_size - start, 0));
+  } else {
+    CopyAside();
   }
 }
 
-void WriteFile(const std::string& name, const unsigned char* data, std::size_t length) {
-  if (name == "-") return WriteAll(STDOUT_FILENO, name, data, length);
+InputFile::~InputFile() {
+  if (m_file > STDERR_FILENO) ::close(m_file);
+}
 
+void InputFile::CopyAside() {
+  const char* const folder = std::getenv("TMPDIR");
+  std::string copy = std::string(folder != nullptr && *folder != '\0' ? folder : "/tmp") + "/rkxml.XXXXXX";
+  const Descriptor from(m_file);
+  m_file = ::mkstemp(copy.data());
+  if (m_file < 0) Throw("cannot write", copy, errno);
+  ::unlink(copy.c_str());
+  Bytes piece(1 << 18);
+  while (const std::size_t count = ReadSome(m_name, [&] { return ::read(from.Get(), piece.data(), piece.size()); })) {
+    WriteAll(m_file, copy, piece.data(), count);
+    m_length += count;
+  }
+}
+
+std::size_t InputFile::ReadAt(std::uint64_t offset, unsigned char* to, std::size_t room) const {
+  return ReadSome(m_name, [&] { return ::pread(m_file, to, room, static_cast<off_t>(m_start + offset)); });
+}
+
+Bytes InputFile::ReadAll() const {
+  Bytes bytes(m_length);
+  std::size_t length = 0;
+  while (const std::size_t count = ReadAt(length, bytes.data() + length, bytes.size() - length)) length += count;
+  bytes.resize(length);
+  return bytes;
+}
+
+OutputFile::OutputFile(const std::string& name) : m_name(name) {
+  if (name == "-") {
+    m_file = STDOUT_FILENO;
+    return;
+  }
   struct stat status {};
   const bool exists = ::stat(name.c_str(), &status) == 0;
   if (exists && !S_ISREG(status.st_mode)) {  // a device or a pipe has no place to take
-    Descriptor file(::open(name.c_str(), O_WRONLY | O_CLOEXEC));
-    if (file.Get() < 0) Throw("cannot write", name, errno);
-    WriteAll(file.Get(), name, data, length);
-    if (file.Close() != 0) Throw("cannot write", name, errno);
+    m_file = ::open(name.c_str(), O_WRONLY | O_CLOEXEC);
+    if (m_file < 0) Throw("cannot write", name, errno);
     return;
   }
   if (exists && ::access(name.c_str(), W_OK) != 0) Throw("cannot write", name, errno);
-
   std::string target = name;
   if (char* const resolved = exists ? ::realpath(name.c_str(), nullptr) : nullptr) {  // write through a link
     target = resolved;
     std::free(resolved);
   }
-  TemporaryFile file(target);
-  WriteAll(file.Get(), name, data, length);
-  file.TakePlace(exists ? status.st_mode & 07777 : ModeOfNewFiles());
+  m_mode = exists ? status.st_mode & 07777 : ModeOfNewFiles();
+  m_temporary = std::make_unique<Temporary>(std::move(target));
+  m_file = m_temporary->Get();
+}
+
+OutputFile::~OutputFile() {
+  if (m_temporary == nullptr && m_file > STDERR_FILENO) ::close(m_file);
+}
+
+void OutputFile::Write(const unsigned char* data, std::size_t length) {
+  WriteAll(m_file, m_name, data, length);
+  m_length += length;
+}
+
+void OutputFile::Complete() {
+  if (m_temporary != nullptr) return m_temporary->TakePlace(m_mode);
+  const int file = std::exchange(m_file, -1);
+  if (file > STDERR_FILENO && ::close(file) != 0) Throw("cannot write", m_name, errno);
 }

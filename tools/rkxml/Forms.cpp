@@ -1,12 +1,23 @@
 #include "Forms.h"
 
 #include <algorithm>
+#include <utility>
 
 using namespace RkXmlLib16;
 
 namespace {
 
+CompressionType CompressionOf(const Layout& layout) {
+  return layout.gzip ? CompressionType_GZip : CompressionType_None;
+}
+
 void LoadXml(CXmlDocument& document, Bytes& bytes) { document.LoadXmlStream(bytes.data(), bytes.size()); }
+
+std::unique_ptr<CDocumentWriter> OpenXml(CByteTarget target, const Layout& layout,
+                                         const CSerializationContext& context) {
+  return std::make_unique<CXmlDocumentWriter>(std::move(target), CompressionOf(layout), context,
+                                              /*includeDocumentHeader=*/true, layout.pretty, layout.eol);
+}
 
 CBinaryData WriteXml(const CXmlObjectBase& object, const Layout& layout, const CSerializationContext& context) {
   return object.ToXmlStream(/*includeDocumentHeader=*/true, layout.pretty, layout.encoding, layout.eol, context);
@@ -23,19 +34,27 @@ void LoadJson(CXmlDocument& document, Bytes& bytes) {
   }
 }
 
+std::unique_ptr<CDocumentWriter> OpenJson(CByteTarget target, const Layout& layout,
+                                          const CSerializationContext& context) {
+  return std::make_unique<CJsonDocumentWriter>(std::move(target), CompressionOf(layout), context, layout.pretty,
+                                               layout.eol);
+}
+
 CBinaryData WriteJson(const CXmlObjectBase& object, const Layout& layout, const CSerializationContext& context) {
   return object.ToJsonStream(layout.pretty, layout.encoding, layout.eol, context);
 }
 
 // The texts of an element that was read have no types, so beside the suggested encodings all of them are tried under
 // the numeric alphabet, which halves numbers.
-CBinaryData WriteFastInfoset(const CXmlObjectBase& object, const Layout& layout, const CSerializationContext& context) {
+std::unique_ptr<CDocumentWriter> OpenFastInfoset(CByteTarget target, const Layout& layout,
+                                                 const CSerializationContext& context) {
   CFastInfosetContext& settings = *context.GetFIContext();
   if (layout.typed) {
     settings.SetSuggestedValues();
     settings.SetEncoding(ItemType_string, {FIStringEncoding_RestrictedAlphabet, FIRestrictedAlphabet_Numeric});
   }
-  return object.ToFastInfosetStream(layout.declaration, context);
+  return std::make_unique<CFastInfosetDocumentWriter>(std::move(target), CompressionOf(layout), context,
+                                                      layout.declaration);
 }
 
 bool EndsWith(std::string_view text, std::string_view ending) {
@@ -64,10 +83,11 @@ const std::vector<Form>& Forms() {
         ".xlf",     ".xliff", ".tmx",    ".xmi",  ".graphml", ".gexf",    ".xspf", ".xaml",     ".csproj",
         ".vcxproj", ".resx",  ".nuspec", ".ui",   ".qrc",     ".jnlp"},
        LoadXml,
+       OpenXml,
        WriteXml,
        /*needsPrefixes=*/false},
-      {"json", "JSON text", {".json"}, LoadJson, WriteJson, /*needsPrefixes=*/true},
-      {"finf", "Fast Infoset", {".finf"}, LoadXml, WriteFastInfoset, /*needsPrefixes=*/false},
+      {"json", "JSON text", {".json"}, LoadJson, OpenJson, WriteJson, /*needsPrefixes=*/true},
+      {"finf", "Fast Infoset", {".finf"}, LoadXml, OpenFastInfoset, /*write=*/nullptr, /*needsPrefixes=*/false},
   };
   return forms;
 }

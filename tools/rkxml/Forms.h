@@ -3,6 +3,7 @@
 
 #include <RkXmlLib16/RkXmlLib16.h>
 
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,7 +16,7 @@ struct Layout {
   std::wstring indent = L"\t";
   RkXmlLib16::EOLType eol = RkXmlLib16::EOLType_LF;
   RkXmlLib16::XmlEncoding encoding = RkXmlLib16::XmlEncoding_UTF8;
-  bool gzip = false;                                               // in a gzip wrapper, see Gzip.h
+  bool gzip = false;                                               // in a gzip wrapper
   RkXmlLib16::FInfoDecl declaration = RkXmlLib16::FInfoDecl_None;  // of Fast Infoset
   bool typed = false;                                              // likewise: values in their machine form
 };
@@ -34,6 +35,10 @@ struct Form {
   const char* title;                          // as people call it
   std::vector<std::string_view> fileEndings;  // in lower case
   void (*load)(RkXmlLib16::CXmlDocument& document, Bytes& bytes);
+  // For text in UTF-8, and for bytes that are no text.
+  std::unique_ptr<RkXmlLib16::CDocumentWriter> (*open)(RkXmlLib16::CByteTarget target, const Layout& layout,
+                                                       const RkXmlLib16::CSerializationContext& context);
+  // For text in other encodings; null where there is none.
   RkXmlLib16::CBinaryData (*write)(const RkXmlLib16::CXmlObjectBase& object, const Layout& layout,
                                    const RkXmlLib16::CSerializationContext& context);
   bool needsPrefixes;  // it writes only namespaces whose prefixes the settings tell

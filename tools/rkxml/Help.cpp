@@ -93,6 +93,33 @@ std::string Help(Command command) {
              "\n"
              "Example:\n"
              "  rkxml show track.gpx.gz\n";
+    case Command::Split:
+      return "Usage: rkxml split [options] --path PATH --count N IN [OUT]\n"
+             "\n"
+             "Writes the document IN as several documents, each with N of the elements that\n"
+             "PATH names (the last one with the rest), inside of the elements that are around\n"
+             "them in IN. What stands between them goes along. The documents are called like\n"
+             "OUT, else like IN, with a number: track-0001.gpx, track-0002.gpx, ... Each\n"
+             "appears complete or not at all. Memory does not grow with IN. '-' is standard\n"
+             "input.\n"
+             "\n"
+             "  --path PATH             names from the root on: /gpx/trk/trkseg/trkpt; with\n"
+             "                          the prefixes of the document, * for any name\n"
+             "  --count N               so many of them\n"
+             "  --from FORM, --to FORM  form of IN and of the parts: " +
+             FormNames(", ") +
+             "\n"
+             "                          (default: by file ending, see rkxml convert --help)\n"
+             "  --pretty, --compact, --indent N|tab, --eol lf|crlf, --declaration 0..9,\n"
+             "  --typed, --gzip, --mode 0|1|2, --root NAME\n"
+             "                          as with rkxml convert\n"
+             "  --limits none|NAME=N,.. what IN may cost, 0 for no limit: depth, nodes,\n"
+             "                          characters, inflated-bytes, inflation-ratio,\n"
+             "                          expansion-ratio, pattern-steps\n"
+             "  -h, --help              this text\n"
+             "\n"
+             "Example:\n"
+             "  rkxml split --path /gpx/trk/trkseg/trkpt --count 100000 track.gpx.gz\n";
     case Command::Check:
       return "Usage: rkxml check [options] FILE...\n"
              "\n"
@@ -143,6 +170,7 @@ std::string Help(Command command) {
          "  convert IN OUT          read a document and write it in another form or layout\n"
          "  show IN                 tell what a document holds\n"
          "  check FILE...           read documents and tell their errors\n"
+         "  split IN [OUT]          write a document as several smaller ones\n"
          "  generate SCHEMA...      write C++ classes for the documents of schemas\n"
          "  -h, --help              this text; rkxml COMMAND --help tells about a command\n"
          "  --version               the version\n"

@@ -2,15 +2,12 @@
 #define RKXML_TOOL_LOAD_H
 
 #include "Commands.h"
+#include "Files.h"
 
-// Fills `document` from the bytes of options.input. Failures name the file.
-void LoadDocument(RkXmlLib16::CXmlDocument& document, const Options& options, Bytes& bytes);
+// Fills `document` from the file of options.input. Failures name the file.
+void LoadDocument(RkXmlLib16::CXmlDocument& document, const Options& options, const InputFile& file);
 
-// The wrapper around the bytes, told by its magic number.
-enum class Wrapper { None, Gzip, Zlib };
-Wrapper WrapperOf(const Bytes& bytes);
-
-// Takes the wrapper off, within the limits that reading has.
-RkXmlLib16::InflateResult Unwrap(const Bytes& bytes, const Options& options, RkXmlLib16::CBinaryData& content);
+// Throws DocumentError for what the library says about the file of options.input, with what may help.
+[[noreturn]] void ThrowUnreadable(const RkXmlLib16::CRkException& e, const Options& options, const InputFile& file);
 
 #endif

@@ -110,6 +110,14 @@ std::pair<std::string, std::string> NamespaceOption(std::string_view value) {
   return {std::string(value.substr(0, equals)), std::string(name)};
 }
 
+unsigned long long CountOption(std::string_view value) {
+  unsigned long long count = 0;
+  const auto parsed = std::from_chars(value.data(), value.data() + value.size(), count);
+  if (parsed.ec != std::errc() || parsed.ptr != value.data() + value.size() || count == 0)
+    ThrowBadValue("--count", value, "a number from 1 on");
+  return count;
+}
+
 // What an option goes with; asked when the whole call is known.
 struct Use {
   const char* text;
@@ -126,7 +134,8 @@ constexpr Use kJsonInput = {"JSON input", [](const Options& o) { return o.from =
 constexpr Use kSchema = {"--schema or --follow-locations", [](const Options& o) { return o.UsesSchema(); }};
 constexpr Use kNoJsonInput = {"Fast Infoset input", [](const Options& o) { return o.from != FindForm("json"); }};
 
-enum Commands : unsigned { kConvert = 1, kShow = 2, kCheck = 4, kGenerate = 8, kReads = 7, kAll = 15 };
+enum Commands : unsigned { kConvert = 1, kShow = 2, kCheck = 4, kGenerate = 8, kSplit = 16, kReads = 23, kAll = 31 };
+constexpr unsigned kWriting = kConvert | kSplit;
 
 // One option. `apply` gets the value, or an empty text for an option without one.
 struct Option {
@@ -139,18 +148,18 @@ struct Option {
 
 constexpr Option kOptions[] = {
     {"--from", true, kReads, kAlways, [](Options& o, std::string_view v) { o.from = FormOption("--from", v); }},
-    {"--to", true, kConvert, kAlways, [](Options& o, std::string_view v) { o.to = FormOption("--to", v); }},
-    {"--pretty", false, kConvert, kText, [](Options& o, std::string_view) { o.layout.pretty = true; }},
-    {"--compact", false, kConvert, kText, [](Options& o, std::string_view) { o.layout.pretty = false; }},
-    {"--indent", true, kConvert, kPretty, [](Options& o, std::string_view v) { o.layout.indent = IndentOption(v); }},
-    {"--eol", true, kConvert, kPretty, [](Options& o, std::string_view v) { o.layout.eol = EolOption(v); }},
+    {"--to", true, kWriting, kAlways, [](Options& o, std::string_view v) { o.to = FormOption("--to", v); }},
+    {"--pretty", false, kWriting, kText, [](Options& o, std::string_view) { o.layout.pretty = true; }},
+    {"--compact", false, kWriting, kText, [](Options& o, std::string_view) { o.layout.pretty = false; }},
+    {"--indent", true, kWriting, kPretty, [](Options& o, std::string_view v) { o.layout.indent = IndentOption(v); }},
+    {"--eol", true, kWriting, kPretty, [](Options& o, std::string_view v) { o.layout.eol = EolOption(v); }},
     {"--encoding", true, kConvert, kText,
      [](Options& o, std::string_view v) { o.layout.encoding = EncodingOption(v); }},
     {"--mode", true, kReads, kJson, [](Options& o, std::string_view v) { o.json.mode = ModeOption(v); }},
     {"--root", true, kReads, kJsonInput, [](Options& o, std::string_view v) { o.json.rootName = FromUtf8(v); }},
-    {"--declaration", true, kConvert, kFastInfoset,
+    {"--declaration", true, kWriting, kFastInfoset,
      [](Options& o, std::string_view v) { o.layout.declaration = DeclarationOption(v); }},
-    {"--typed", false, kConvert, kFastInfoset, [](Options& o, std::string_view) { o.layout.typed = true; }},
+    {"--typed", false, kWriting, kFastInfoset, [](Options& o, std::string_view) { o.layout.typed = true; }},
     {"--limits", true, kReads, kAlways, [](Options& o, std::string_view v) { ApplyLimits(o.limits, v); }},
     {"--schema", true, kConvert | kCheck, kAlways, [](Options& o, std::string_view v) { o.schemas.emplace_back(v); }},
     {"--catalog", true, kConvert | kCheck | kGenerate, kSchema, [](Options& o, std::string_view v) { o.catalog = v; }},
@@ -162,8 +171,10 @@ constexpr Option kOptions[] = {
     {"--list", false, kGenerate, kAlways, [](Options& o, std::string_view) { o.list = true; }},
     {"--depfile", true, kGenerate, kAlways, [](Options& o, std::string_view v) { o.depfile = v; }},
     {"--force", false, kConvert, kSchema, [](Options& o, std::string_view) { o.force = true; }},
+    {"--path", true, kSplit, kAlways, [](Options& o, std::string_view v) { o.path = v; }},
+    {"--count", true, kSplit, kAlways, [](Options& o, std::string_view v) { o.count = CountOption(v); }},
     {"--octets", false, kShow, kNoJsonInput, [](Options& o, std::string_view) { o.octets = true; }},
-    {"--gzip", false, kConvert, kAlways, [](Options& o, std::string_view) { o.layout.gzip = true; }},
+    {"--gzip", false, kWriting, kAlways, [](Options& o, std::string_view) { o.layout.gzip = true; }},
     {"--quiet", false, kConvert | kCheck, kAlways, [](Options& o, std::string_view) { o.quiet = true; }},
     {"--help", false, kAll, kAlways, [](Options& o, std::string_view) { o.help = true; }},
     {"-h", false, kAll, kAlways, [](Options& o, std::string_view) { o.help = true; }},
@@ -207,33 +218,53 @@ Command ParseCommand(std::string_view word) {
   if (word == "show") return Command::Show;
   if (word == "check") return Command::Check;
   if (word == "generate") return Command::Generate;
-  throw UsageError("unknown command " + Quoted(word), Hint(word, {"convert", "show", "check", "generate"}));
+  if (word == "split") return Command::Split;
+  throw UsageError("unknown command " + Quoted(word), Hint(word, {"convert", "show", "check", "generate", "split"}));
+}
+
+// What the calls of a command look like.
+struct Call {
+  const char* name;
+  unsigned bit;
+  const char* usage;
+  std::size_t fewestFiles;
+  std::size_t mostFiles;
+};
+
+const Call& CallOf(Command command) {
+  static constexpr Call kCalls[] = {
+      {"convert", kConvert, "rkxml convert [options] IN OUT", 2, 2},
+      {"show", kShow, "rkxml show IN", 1, 1},
+      {"check", kCheck, "rkxml check FILE...", 1, std::size_t(-1)},
+      {"generate", kGenerate, "rkxml generate SCHEMA...", 1, std::size_t(-1)},
+      {"split", kSplit, "rkxml split --path PATH --count N IN [OUT]", 1, 2},
+  };
+  return kCalls[static_cast<int>(command) - static_cast<int>(Command::Convert)];
 }
 
 void TakeFiles(Options& options, const std::vector<std::string>& files) {
-  const bool convert = options.command == Command::Convert;
-  const std::size_t wanted = convert ? 2 : 1;
-  const bool takesMany = options.command == Command::Check || options.command == Command::Generate;
-  const char* const call = convert                                ? "the call is: rkxml convert [options] IN OUT"
-                           : options.command == Command::Check    ? "the call is: rkxml check FILE..."
-                           : options.command == Command::Generate ? "the call is: rkxml generate SCHEMA..."
-                                                                  : "the call is: rkxml show IN";
-  if (files.size() < wanted) {
-    throw UsageError(files.empty() ? "no input file given" : "no output file given", call);
-  }
-  if (files.size() > wanted && !takesMany) throw UsageError("one file too many: " + Quoted(files[wanted]), call);
+  const Call& call = CallOf(options.command);
+  const std::string hint = std::string("the call is: ") + call.usage;
+  if (files.size() < call.fewestFiles)
+    throw UsageError(files.empty() ? "no input file given" : "no output file given", hint);
+  if (files.size() > call.mostFiles) throw UsageError("one file too many: " + Quoted(files[call.mostFiles]), hint);
   for (const std::string& file : files) {
-    if (file.empty()) throw UsageError("a file name is empty", call);
+    if (file.empty()) throw UsageError("a file name is empty", hint);
   }
   options.input = files[0];
   options.inputs = files;
   if (options.command == Command::Generate) options.schemas = files;
-  if (takesMany) return;
+  if (call.mostFiles > 2) return;
   if (options.from == nullptr) options.from = FormOfFile(options.input);
   if (options.from == nullptr) options.from = FindForm("xml");
-  if (!convert) return;
-  options.output = files[1];
+  if ((call.bit & kWriting) == 0) return;
+  options.output = files.back();
+  const bool isSplit = options.command == Command::Split;
+  if (isSplit && options.output == "-") throw UsageError("the parts need a name", hint);
+  if (isSplit && (options.path.empty() || options.count == 0))
+    throw UsageError(std::string("option ") + (options.path.empty() ? "--path" : "--count") + " is missing", hint);
   if (options.to == nullptr) options.to = FormOfFile(options.output);
+  if (options.to == nullptr && files.size() == 1) options.to = options.from;
   if (options.to == nullptr) {
     throw UsageError("the ending of " + Quoted(options.output) + " tells no form", "give it by --to " + FormNames("|"));
   }
@@ -241,18 +272,13 @@ void TakeFiles(Options& options, const std::vector<std::string>& files) {
 }
 
 void CheckUse(const std::vector<const Option*>& given, const Options& options) {
-  static constexpr struct {
-    const char* name;
-    unsigned bit;
-  } kNames[] = {{"", 0}, {"convert", kConvert}, {"show", kShow}, {"check", kCheck}, {"generate", kGenerate}};
-  const auto& [name0, bit] = kNames[static_cast<int>(options.command)];
-  const std::string command = name0;
-  const std::string hint = "see rkxml " + command + " --help";
+  const Call& call = CallOf(options.command);
+  const std::string hint = std::string("see rkxml ") + call.name + " --help";
   for (const Option* option : given) {
     const std::string name = "option " + std::string(option->name);
-    if ((option->commands & bit) == 0) throw UsageError(name + " does not go with " + command, hint);
+    if ((option->commands & call.bit) == 0) throw UsageError(name + " does not go with " + call.name, hint);
     // The files of a check may be of several forms.
-    if (((bit & (kCheck | kGenerate)) == 0 || &option->use == &kSchema) && !option->use.holds(options))
+    if (((call.bit & (kCheck | kGenerate)) == 0 || &option->use == &kSchema) && !option->use.holds(options))
       throw UsageError(name + " goes with " + option->use.text + " only", hint);
   }
 }

@@ -8,7 +8,7 @@
 
 #include "Forms.h"
 
-enum class Command { None, Convert, Show, Check, Generate };
+enum class Command { None, Convert, Show, Check, Generate, Split };
 
 // What the command line asks for.
 struct Options {
@@ -19,7 +19,7 @@ struct Options {
   std::string output;
   std::vector<std::string> inputs;  // of check
   const Form* from = nullptr;       // never null once parsed
-  const Form* to = nullptr;         // of convert: never null once parsed
+  const Form* to = nullptr;         // of convert and split: never null once parsed
   Layout layout;
   JsonMapping json;
   RkXmlLib16::CReadLimits limits;
@@ -29,10 +29,12 @@ struct Options {
   bool force = false;                                           // convert what is not valid, without the schema
   std::string folder = ".";                                     // of generate: where the sources go
   std::vector<std::pair<std::string, std::string>> namespaces;  // of generate: target namespace, C++ namespace
-  std::string depfile;  // of generate: what it read, as a make rule; empty for none
-  bool list = false;    // of generate: only tell the names of the sources
-  bool octets = false;  // show the octets of a Fast Infoset
-  bool quiet = false;   // do not tell what a conversion leaves out, or what a schema says that is not checked
+  std::string depfile;           // of generate: what it read, as a make rule; empty for none
+  bool list = false;             // of generate: only tell the names of the sources
+  std::string path;              // of split: the elements to count
+  unsigned long long count = 0;  // of split: so many of them in a document
+  bool octets = false;           // show the octets of a Fast Infoset
+  bool quiet = false;            // do not tell what a conversion leaves out, or what a schema says that is not checked
 
   bool UsesSchema() const { return !schemas.empty() || followLocations; }
 };

@@ -1,11 +1,9 @@
 #ifndef RKXML_TOOL_PROGRESS_H
 #define RKXML_TOOL_PROGRESS_H
 
-#include <RkXmlLib16/RkXmlLib16.h>
+#include <cstdint>
 
-#include <cstddef>
-
-// One line on a terminal's standard error that tells how far a long conversion is: bytes read, elements, bytes
+// One line on a terminal's standard error that tells how far a long call is: what it does, a bar, the bytes read and
 // written. Silent during the first second and where standard error is no terminal. One at a time.
 class Progress {
  public:
@@ -15,12 +13,11 @@ class Progress {
   // Wipes the line.
   ~Progress();
 
-  // Counts the elements of a document while it loads; drops none. Null where nothing is shown.
-  RkXmlLib16::CXmlDocument::ElementFilter Counter() const;
-
-  void Read(std::size_t byteCount);
-  void Writing();
-  void Written(std::size_t byteCount);
+  // A part of the work begins: `doing` (kept) so many bytes, 0 where nobody knows.
+  void Begin(const char* doing, std::uint64_t total);
+  // So many bytes are done, of this part.
+  void Tell(std::uint64_t done);
+  void TellWritten(std::uint64_t byteCount);
 };
 
 #endif

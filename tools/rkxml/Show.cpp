@@ -1,63 +1,29 @@
 #include <algorithm>
 #include <cstdio>
+#include <optional>
 #include <unordered_set>
 
+#include "Commands.h"
 #include "Encoding.h"
-#include "Load.h"
+#include "Gzip.h"
 #include "Octets.h"
 #include "Progress.h"
+#include "Scan.h"
 #include "Text.h"
-#include "Tree.h"
 
 using namespace RkXmlLib16;
 
 namespace {
 
-struct Summary {
-  unsigned long long elements = 0;
-  unsigned long long attributes = 0;
-  unsigned long long depth = 0;
-  unsigned long long characters = 0;                      // as the limit counts them: a name once
-  std::vector<std::pair<CXmlText, CXmlText>> namespaces;  // prefix and namespace URI
-};
-
-Summary Summarise(const CXmlDocument& document) {
-  Summary summary;
-  summary.namespaces = document.GetNamespaceAliases();
-  std::unordered_set<std::wstring_view> known{L"", L"http://www.w3.org/XML/1998/namespace"};
-  for (const auto& [prefix, uri] : summary.namespaces) known.insert(uri.View());
-  std::unordered_set<std::wstring_view> names;
-  const auto count = [&](CXmlText uri, CXmlText localName, CXmlText text) {
-    for (const CXmlText& name : {uri, localName})
-      summary.characters += names.insert(name.View()).second ? name.size() : 0;
-    summary.characters += text.size();
-  };
-  for (const auto& [prefix, uri] : summary.namespaces) count(uri, prefix, CXmlText());
-  // Namespaces whose prefix was bound anew further on come last.
-  const auto add = [&](CXmlText uri) {
-    if (known.insert(uri.View()).second) summary.namespaces.emplace_back(CXmlText(L"(rebound)", 9), uri);
-  };
-  for (TreeWalk walk(document); walk; walk.Next()) {
-    ++summary.elements;
-    summary.depth = std::max(summary.depth, walk.GetDepth());
-    add(walk->GetNamespaceURI());
-    count(walk->GetNamespaceURI(), walk->GetLocalName(), walk->GetText());
-    for (const CXmlAttribute* attribute : walk->GetAttributes()) {
-      ++summary.attributes;
-      add(attribute->GetNamespaceURI());
-      count(attribute->GetNamespaceURI(), attribute->GetLocalName(), attribute->GetValue());
-    }
-  }
-  return summary;
-}
-
-std::string_view TextOf(const unsigned char* bytes, std::size_t length) {
-  return {reinterpret_cast<const char*>(bytes), length};
-}
-
 void Line(const char* name, const std::string& value) { std::printf("%-12s%s\n", name, value.c_str()); }
 
-void ShowNamespaces(const std::vector<std::pair<CXmlText, CXmlText>>& namespaces) {
+// Namespaces whose prefix was bound anew further on come last.
+void ShowNamespaces(const Scan& scan) {
+  auto namespaces = scan.declared;
+  std::unordered_set<std::wstring> known{std::wstring(CXmlWriter::XML_NAMESPACE)};
+  for (const auto& [prefix, uri] : namespaces) known.insert(uri);
+  for (const auto& [uri, isOfAttribute] : scan.namespaces)
+    if (known.insert(uri).second) namespaces.emplace_back(L"(rebound)", uri);
   if (namespaces.empty()) Line("namespaces", "none");
   const char* title = "namespaces";
   for (const auto& [prefix, uri] : namespaces) {
@@ -70,53 +36,60 @@ void ShowNamespaces(const std::vector<std::pair<CXmlText, CXmlText>>& namespaces
 
 // The document need not be one that can be read.
 void ListOctets(const Options& options) {
-  const Bytes bytes = ReadFile(options.input);
+  const InputFile file(options.input);
+  Bytes bytes = file.ReadAll();
   CBinaryData content;
-  const bool wrapped = WrapperOf(bytes) != Wrapper::None && Unwrap(bytes, options, content) == InflateResult::Inflated;
-  const std::string_view text =
-      wrapped ? TextOf(content.GetData(), content.GetLength()) : TextOf(bytes.data(), bytes.size());
+  const CReadLimits& limits = options.limits;
+  const InflateLimits inflateLimits = {limits.GetMaxInflatedBytes(), limits.GetMaxInflationRatio(),
+                                       limits.GetInflationRatioFrom()};
+  const bool wrapped = CRkZip::Inflate(bytes.data(), bytes.size(), inflateLimits, content) == InflateResult::Inflated;
+  const unsigned char* const octets = wrapped ? content.GetData() : bytes.data();
+  const std::string_view text(reinterpret_cast<const char*>(octets), wrapped ? content.GetLength() : bytes.size());
   if (!IsFastInfoset(text)) throw DocumentError(ForTerminal(options.input) + " is no Fast Infoset");
   ShowOctets(text);
   if (std::fflush(stdout) != 0) throw FileError("cannot write the standard stream");
+}
+
+Scan ScanInput(const InputFile& file, const Options& options, Progress& progress) {
+  CSerializationContext context;
+  context.GetLimits() = options.limits;
+  options.json.ApplyTo(context);
+  try {
+    return ScanDocument(file, options, context, progress);
+  } catch (const DocumentError&) {
+    if (options.from != FindForm("json")) throw;
+    return ScanWhole(file, options, context);
+  }
 }
 
 }  // namespace
 
 void Show(const Options& options) {
   if (options.octets) return ListOctets(options);
-  CSerializationContext context;
-  context.GetLimits() = options.limits;
-  options.json.ApplyTo(context);
-  CXmlDocument document(context);
-  Bytes bytes = ReadFile(options.input);
-  {
-    Progress progress;
-    progress.Read(bytes.size());
-    LoadDocument(document, options, bytes);
-  }
-  CBinaryData content;
-  const bool wrapped = WrapperOf(bytes) != Wrapper::None && Unwrap(bytes, options, content) == InflateResult::Inflated;
-  const std::string_view text =
-      wrapped ? TextOf(content.GetData(), content.GetLength()) : TextOf(bytes.data(), bytes.size());
-  const Summary summary = Summarise(document);
-  const bool isFastInfoset = IsFastInfoset(text);
+  std::optional<Progress> progress(std::in_place);
+  progress->Begin("reading", 0);
+  const InputFile file(options.input);
+  const Scan scan = ScanInput(file, options, *progress);
+  const Content content = LookInto(file, /*toEnd=*/true);
+  progress.reset();
 
-  Line("form", isFastInfoset ? "Fast Infoset" : options.from->title);
-  if (wrapped) {
-    Line("wrapper", WrapperOf(bytes) == Wrapper::Gzip ? "gzip" : "zlib");
-    const std::string ratio = std::to_string((text.size() + bytes.size() / 2) / bytes.size());
-    Line("bytes", Grouped(bytes.size()) + " (" + Grouped(text.size()) + " unwrapped, " + ratio + " times)");
+  Line("form", scan.isFastInfoset ? "Fast Infoset" : options.from->title);
+  const std::uint64_t length = file.GetLength();
+  if (content.wrapper != Wrapper::None) {
+    Line("wrapper", content.wrapper == Wrapper::Gzip ? "gzip" : "zlib");
+    const std::string ratio = std::to_string((content.length + length / 2) / length);
+    Line("bytes", Grouped(length) + " (" + Grouped(content.length) + " unwrapped, " + ratio + " times)");
   } else {
     Line("wrapper", "none");
-    Line("bytes", Grouped(bytes.size()));
+    Line("bytes", Grouped(length));
   }
-  Line("encoding", isFastInfoset ? "binary" : EncodingOf(text));
-  Line("root", ForTerminal(document.GetDocumentElement()->GetLocalName()));
-  ShowNamespaces(summary.namespaces);
-  Line("elements", Grouped(summary.elements));
-  Line("attributes", Grouped(summary.attributes));
-  Line("nodes", Grouped(summary.elements + summary.attributes));
-  Line("characters", Grouped(summary.characters));
-  Line("depth", Grouped(summary.depth));
+  Line("encoding", scan.isFastInfoset ? "binary" : EncodingOf(content.start));
+  Line("root", ForTerminal(scan.root));
+  ShowNamespaces(scan);
+  Line("elements", Grouped(scan.elements));
+  Line("attributes", Grouped(scan.attributes));
+  Line("nodes", Grouped(scan.elements + scan.attributes));
+  Line("characters", Grouped(scan.characters));
+  Line("depth", Grouped(scan.depth));
   if (std::fflush(stdout) != 0) throw FileError("cannot write the standard stream");
 }

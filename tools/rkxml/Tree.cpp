@@ -18,22 +18,33 @@ void TreeWalk::Next() {
   if (m_element != nullptr) m_element = m_element->GetNextSiblingElement();
 }
 
-void AddPrefixes(const CXmlDocument& document, CSerializationContext& context) {
+void AddPrefixes(const std::vector<UsedNamespace>& namespaces, CSerializationContext& context) {
   CNamespaceAliasMap& aliases = context.GetNamespaceAliases();
+  const std::wstring defaultNamespace = context.GetDefaultNamespaceURI();
   std::set<std::wstring> taken;
   for (const auto& [uri, prefix] : aliases.GetEntries()) taken.insert(prefix);
   int number = 0;
-  const auto require = [&](const CXmlText& uri) {
-    if (uri.empty() || uri == L"http://www.w3.org/XML/1998/namespace" || aliases.DoesNamespaceExist(uri.c_str()))
-      return;
+  for (const auto& [uri, isOfAttribute] : namespaces) {
+    const bool needsNone = uri == CXmlWriter::XML_NAMESPACE || (!isOfAttribute && uri == defaultNamespace);
+    if (needsNone || aliases.DoesNamespaceExist(uri.c_str())) continue;
     std::wstring prefix;
     do prefix = L"ns" + std::to_wstring(++number);
     while (!taken.insert(prefix).second);
     aliases.Add(prefix.c_str(), uri.c_str());
-  };
-  const std::wstring defaultNamespace = context.GetDefaultNamespaceURI();
-  for (TreeWalk walk(document); walk; walk.Next()) {
-    if (walk->GetNamespaceURI() != defaultNamespace) require(walk->GetNamespaceURI());
-    for (const CXmlAttribute* attribute : walk->GetAttributes()) require(attribute->GetNamespaceURI());
   }
+}
+
+void AddPrefixes(const CXmlDocument& document, CSerializationContext& context) {
+  std::vector<UsedNamespace> namespaces;
+  std::set<const CXmlName*> known[2];
+  const auto add = [&](const CXmlName* uri, bool isOfAttribute) {
+    if (!uri->empty() && known[isOfAttribute ? 1 : 0].insert(uri).second)
+      namespaces.push_back({uri->GetText().ToString(), isOfAttribute});
+  };
+  for (TreeWalk walk(document); walk; walk.Next()) {
+    add(walk->GetNamespaceRef(), /*isOfAttribute=*/false);
+    for (const CXmlAttribute* attribute : walk->GetAttributes())
+      add(attribute->GetNamespaceRef(), /*isOfAttribute=*/true);
+  }
+  AddPrefixes(namespaces, context);
 }

@@ -3,6 +3,9 @@
 
 #include <RkXmlLib16/RkXmlLib16.h>
 
+#include <string>
+#include <vector>
+
 // Goes through a document in document order without recursion.
 //
 //   for (TreeWalk walk(document); walk; walk.Next()) walk->GetLocalName();
@@ -10,6 +13,7 @@ class TreeWalk {
  public:
   explicit TreeWalk(const RkXmlLib16::CXmlDocument& document) : m_element(document.GetDocumentElement()) {}
   explicit operator bool() const { return m_element != nullptr; }
+  const RkXmlLib16::CXmlElement* Get() const { return m_element; }
   const RkXmlLib16::CXmlElement* operator->() const { return m_element; }
   // 1 for the document element.
   unsigned long long GetDepth() const { return m_depth; }
@@ -20,7 +24,14 @@ class TreeWalk {
   unsigned long long m_depth = 1;
 };
 
-// Gives every namespace of an element or attribute that `context` cannot write yet a prefix: ns1, ns2, ...
+// A namespace of some element or attribute.
+struct UsedNamespace {
+  std::wstring uri;
+  bool isOfAttribute;
+};
+
+// Gives every namespace that `context` cannot write yet a prefix: ns1, ns2, ...
+void AddPrefixes(const std::vector<UsedNamespace>& namespaces, RkXmlLib16::CSerializationContext& context);
 void AddPrefixes(const RkXmlLib16::CXmlDocument& document, RkXmlLib16::CSerializationContext& context);
 
 #endif

@@ -22,6 +22,8 @@ int Run(const Options& options) {
     return Check(options) ? kDone : kFailed;
   } else if (options.command == Command::Generate) {
     Generate(options);
+  } else if (options.command == Command::Split) {
+    Split(options);
   } else {
     Show(options);
   }

@@ -20,7 +20,7 @@ _rkxml_files() {
 _rkxml() {
   local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} word command=
   for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
-    case $word in convert | show | check | generate) command=$word && break ;; esac
+    case $word in convert | show | check | generate | split) command=$word && break ;; esac
   done
   compopt +o default
   case $previous in
@@ -33,11 +33,12 @@ _rkxml() {
     --out) mapfile -t COMPREPLY < <(compgen -d -- "$current") && return ;;
     --encoding) mapfile -t COMPREPLY < <(compgen -W 'utf-8 utf-16 wide' -- "$current") && return ;;
   esac
-  local words='convert show check generate --help -h --version'
+  local words='convert show check generate split --help -h --version'
   case $command in
     convert) words='--from --to --pretty --compact --indent --eol --encoding --mode --root --declaration --typed --gzip --limits --schema --catalog --follow-locations --force --quiet --help -h' ;;
     check) words='--from --mode --root --limits --schema --catalog --follow-locations --quiet --help -h' ;;
     generate) words='--out --namespace --catalog --list --depfile --help -h' ;;
+    split) words='--path --count --from --to --pretty --compact --indent --eol --declaration --typed --gzip --mode --root --limits --help -h' ;;
     show) words='--from --mode --root --limits --octets --help -h' ;;
   esac
   if [ -n "$command" ] && [ "${current:0:1}" != - ]; then

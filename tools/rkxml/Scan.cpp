@@ -1,0 +1,172 @@
+#include "Scan.h"
+
+#include <algorithm>
+#include <map>
+
+#include "Input.h"
+#include "Load.h"
+
+using namespace RkXmlLib16;
+
+namespace {
+
+bool IsBlank(std::wstring_view text) { return text.find_first_not_of(L" \t\r\n") == std::wstring_view::npos; }
+
+// Marks of names, by their ordinals.
+class NameSet {
+ public:
+  // Whether it was not in it.
+  bool Add(const CXmlName* name) {
+    if (name->GetOrdinal() >= m_known.size()) m_known.resize(name->GetOrdinal() + std::size_t{64});
+    const bool isNew = !m_known[name->GetOrdinal()];
+    m_known[name->GetOrdinal()] = true;
+    return isNew;
+  }
+
+ private:
+  std::vector<bool> m_known;
+};
+
+class Scanner {
+ public:
+  Scanner(const Options& options, CSerializationContext& context) : m_options(options), m_context(context) {}
+
+  Scan Run(const InputFile& file, Progress& progress) {
+    progress.Begin("reading", file.GetLength());
+    InputStream stream(file, m_options, m_context, progress);
+    try {
+      while (stream.Next()) Take(stream);
+    } catch (const CRkException& e) {
+      ThrowUnreadable(e, m_options, file);
+    }
+    m_scan.isFastInfoset = stream->IsFastInfoset();
+    return std::move(m_scan);
+  }
+
+  Scan RunWhole(const InputFile& file) {
+    CXmlDocument document(m_context);
+    LoadDocument(document, m_options, file);
+    const CXmlElement* open = nullptr;
+    for (TreeWalk walk(document); walk; walk.Next()) {
+      for (; walk->GetParentElement() != open; open = open->GetParentElement()) End(*open);
+      open = walk.Get();
+      Start(*open);
+      if (!open->GetText().empty()) Text(open->GetText());
+    }
+    for (; open != nullptr; open = open->GetParentElement()) End(*open);
+    return std::move(m_scan);
+  }
+
+ private:
+  struct Level {
+    bool hasChild = false;
+    bool hasText = false;
+  };
+
+  void Take(InputStream& stream) {
+    if (stream.GetEvent() == InputStream::Event::Start)
+      Start(*stream->GetElement());
+    else if (stream.GetEvent() == InputStream::Event::Text)
+      Text(stream->GetText());
+    else
+      End(*stream->GetElement());
+  }
+
+  void Start(const CXmlElement& element) {
+    const CXmlDocument& document = *element.GetDocument();
+    ++m_scan.elements;
+    if (!m_levels.empty()) m_levels.back().hasChild = true;
+    m_levels.emplace_back();
+    m_scan.depth = std::max<unsigned long long>(m_scan.depth, m_levels.size());
+    for (const auto& declaration : document.GetDeclarations(&element)) Declare(declaration);
+    Name(element.GetLocalNameRef(), element.GetNamespaceRef(), /*isOfAttribute=*/false);
+    m_hasNoNamespace |= element.GetNamespaceRef()->empty();
+    for (const CXmlAttribute* attribute : element.GetAttributes()) {
+      ++m_scan.attributes;
+      Name(attribute->GetLocalNameRef(), attribute->GetNamespaceRef(), /*isOfAttribute=*/true);
+      const CXmlText value = attribute->GetValue();
+      m_scan.characters += value.size();
+      m_hasPlainType |= attribute->GetLocalName() == L"type" &&
+                        attribute->GetNamespaceURI() == CXmlWriter::XSI_NAMESPACE &&
+                        value.View().find(L':') == std::wstring_view::npos;
+    }
+    CheckLimits();
+  }
+
+  void Text(std::wstring_view text) {
+    Level& level = m_levels.back();
+    m_scan.characters += text.size();
+    const bool isBlank = IsBlank(text);
+    if (level.hasChild && (level.hasText || !isBlank)) m_scan.isPlain = false;
+    level.hasText |= !isBlank;
+    CheckLimits();
+  }
+
+  void End(const CXmlElement& element) {
+    m_scan.mixed += m_levels.back().hasChild && m_levels.back().hasText ? 1 : 0;
+    m_levels.pop_back();
+    if (m_levels.empty()) Finish(element);
+  }
+
+  void Finish(const CXmlElement& root) {
+    const CXmlDocument& document = *root.GetDocument();
+    m_scan.root = root.GetLocalName();
+    for (const auto& [prefix, uri] : document.GetNamespaceAliases())
+      m_scan.declared.emplace_back(prefix.ToString(), uri.ToString());
+    m_context.TakeNamespaces(document);
+    const bool hasDefault = !m_context.GetDefaultNamespaceURI().empty();
+    if (hasDefault && m_hasNoNamespace) m_context.SetDefaultNamespaceURI(L"");
+    // A type without prefix is in the default namespace.
+    if (hasDefault && m_hasNoNamespace && m_hasPlainType) m_scan.isPlain = false;
+  }
+
+  void Declare(const CXmlDocument::Declaration& declaration) {
+    const CXmlName* const prefix = declaration.prefix;
+    const CXmlName* const uri = declaration.namespaceUri;
+    for (const CXmlName* name : {prefix, uri}) Count(name);
+    if (m_uriOf.try_emplace(prefix, uri).first->second != uri) m_scan.isPlain = false;
+    if (!prefix->empty() && m_prefixOf.try_emplace(uri, prefix).first->second != prefix) m_scan.isPlain = false;
+  }
+
+  void Name(const CXmlName* localName, const CXmlName* uri, bool isOfAttribute) {
+    Count(uri);
+    Count(localName);
+    NameSet& used = isOfAttribute ? m_ofAttributes : m_ofElements;
+    if (!uri->empty() && used.Add(uri)) m_scan.namespaces.push_back({uri->GetText().ToString(), isOfAttribute});
+  }
+
+  void Count(const CXmlName* name) { m_scan.characters += m_names.Add(name) ? name->View().size() : 0; }
+
+  // The library counts what it holds; a limit that the call gives is for the document.
+  void CheckLimits() const {
+    static const CReadLimits kDefaults;
+    const unsigned long nodes = m_options.limits.GetMaxNodes();
+    if (nodes != 0 && nodes != kDefaults.GetMaxNodes() && m_scan.elements + m_scan.attributes > nodes)
+      CReadLimits::ThrowExceeded(L"elements and attributes", nodes);
+    const unsigned long characters = m_options.limits.GetMaxCharacters();
+    if (characters != 0 && characters != kDefaults.GetMaxCharacters() && m_scan.characters > characters)
+      CReadLimits::ThrowExceeded(L"characters", characters);
+  }
+
+  const Options& m_options;
+  CSerializationContext& m_context;
+  Scan m_scan;
+  std::vector<Level> m_levels;
+  NameSet m_names;
+  NameSet m_ofElements;    // namespaces
+  NameSet m_ofAttributes;  // likewise
+  std::map<const CXmlName*, const CXmlName*> m_uriOf;
+  std::map<const CXmlName*, const CXmlName*> m_prefixOf;
+  bool m_hasNoNamespace = false;  // some element
+  bool m_hasPlainType = false;    // some xsi:type without prefix
+};
+
+}  // namespace
+
+Scan ScanDocument(const InputFile& file, const Options& options, CSerializationContext& context, Progress& progress) {
+  return Scanner(options, context).Run(file, progress);
+}
+
+Scan ScanWhole(const InputFile& file, const Options& options, CSerializationContext& context) {
+  return Scanner(options, context).RunWhole(file);
+}
