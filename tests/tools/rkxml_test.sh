@@ -216,6 +216,44 @@ printf '<?xml version="1.0" encoding="ISO-8859-1"?><a b="\351"/>' >latin.xml
 run 0 show latin.xml
 grep -q 'ISO-8859-1' out && grep -q 'attributes  1' out && grep -q 'namespaces  none' out || fail "show latin.xml"
 
+## split: the parts hold everything, and what is around the elements in each
+points=$(grep -c '<trkpt' "$track")
+mkdir parts
+run 0 split --path /gpx/trk/trkseg/trkpt --count 70 "$track" parts/t.gpx.gz
+[ "$(find parts -type f | wc -l)" = $(((points + 69) / 70)) ] || fail "split makes $(ls parts)"
+sum=0
+for part in parts/*; do
+  gzip -dc "$part" >part.gpx
+  ! command -v xmllint >/dev/null || xmllint --noout part.gpx || fail "$part is no document"
+  count=$(grep -c '<trkpt' part.gpx)
+  [ "$count" = 70 ] || [ "$part" = "parts/t-000$(((points + 69) / 70)).gpx.gz" ] || fail "$part has $count elements"
+  grep -q 'creator="Wanderfreunde' part.gpx || fail "$part lacks what is around"
+  sum=$((sum + count))
+done
+[ $sum = "$points" ] || fail "the parts have $sum elements of $points"
+gzip -dc parts/*.gz | grep -oE '<(wpt|ele|name|hike:[a-z]+)[ >][^/]*' | sort >left
+grep -oE '<(wpt|ele|name|hike:[a-z]+)[ >][^/]*' pretty.gpx | sort >right
+same left right
+printf '<a><p:b xmlns:p="urn:p" k="p:v">x</p:b>t<c/><p:b xmlns:p="urn:q"/></a>' >rows.xml
+run 0 split --path /a/b --count 1 --compact rows.xml r.xml
+[ "$(tail -n 1 r-0001.xml)" = '<a xmlns:p="urn:q"><AA:b xmlns:AA="urn:p" k="AA:1">x</AA:b>t<c/></a>' ] ||
+  fail "split writes $(cat r-0001.xml)"
+run 0 split --path /gpx/trk --count 1 --to json --compact "$track" parts/one
+[[ $(cat parts/one-0001) == *'"trk": [{"name": "Tag 1"'* ]] || fail "the elements of a part are no array"
+refuses 1 'has no element /a/x' split --path /a/x --count 1 rows.xml none.xml
+[ ! -e none-0001.xml ] || fail "split without elements makes a file"
+while IFS=: read -r text call; do
+  # shellcheck disable=SC2086
+  refuses 2 "$text" $call
+done <<'END'
+--path is missing:split --count 1 a.xml
+--count is missing:split --path /a a.xml
+a number from 1 on:split --path /a --count 0 a.xml
+parts need a name:split --path /a --count 1 -
+a path is like:split --path a --count 1 rows.xml
+a path is like:split --path /q:a --count 1 rows.xml
+END
+
 ## Fast Infoset
 run 0 convert --compact "$track" plain.gpx
 for options in "" --typed "--declaration 9 --gzip"; do
