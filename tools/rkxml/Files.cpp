@@ -214,3 +214,9 @@ void OutputFile::Complete() {
   const int file = std::exchange(m_file, -1);
   if (file > STDERR_FILENO && ::close(file) != 0) Throw("cannot write", m_name, errno);
 }
+
+void WriteFile(const std::string& name, const unsigned char* data, std::size_t length) {
+  OutputFile file(name);
+  file.Write(data, length);
+  file.Complete();
+}

@@ -68,4 +68,7 @@ class OutputFile {
   std::uint64_t m_length = 0;
 };
 
+// Writes a whole file. Throws FileError.
+void WriteFile(const std::string& name, const unsigned char* data, std::size_t length);
+
 #endif
