@@ -1,8 +1,12 @@
 #!/usr/bin/env bash
 # Builds a fuzz target with libFuzzer, AddressSanitizer and UndefinedBehaviorSanitizer and runs it.
 #
+<<<<<<< HEAD
 #   scripts/fuzz.sh TARGET SECONDS   xml, classes, json, fastinfoset, tokens, lengths, inflate, values, pattern, writer,
 #                                    schema or dynamic
+=======
+#   scripts/fuzz.sh TARGET SECONDS   xml, scanner, classes, json, fastinfoset, inflate, values, pattern, writer or schema
+>>>>>>> 31f0326 (xml: scan plain documents straight into the tree)
 #
 # What it finds on the way stays in build/fuzz/found/TARGET. A crash is put into fuzz/old_crashes/TARGET, where the tests
 # replay it: keep it there, small, with the repair.
@@ -23,5 +27,7 @@ cmake --preset fuzz -DRKXML_BUILD_TESTS=OFF >/dev/null
 cmake --build --preset fuzz --target "fuzz_$target" | grep -E 'warning:|error:|FAILED' || true
 found=build/fuzz/found/$target
 mkdir -p "$found" "fuzz/old_crashes/$target"
+dictionary=()
+[ ! -f "fuzz/$target.dict" ] || dictionary=(-dict="fuzz/$target.dict")
 exec nice -n 10 "build/fuzz/fuzz/fuzz_$target" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -max_len=4096 \
-  -print_final_stats=1 -artifact_prefix="fuzz/old_crashes/$target/" "$found" "fuzz/corpus/$target" "fuzz/old_crashes/$target"
+  -print_final_stats=1 "${dictionary[@]}" -artifact_prefix="fuzz/old_crashes/$target/" "$found" "fuzz/corpus/$target" "fuzz/old_crashes/$target"

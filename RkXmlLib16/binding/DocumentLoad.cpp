@@ -22,6 +22,7 @@
 #include "RkXmlLib16/json/JsonTextReader.h"
 #include "RkXmlLib16/types/Whitespace.h"
 #include "RkXmlLib16/xml/ExpatReader.h"
+#include "RkXmlLib16/xml/internal/PlainScanner.h"
 
 namespace RkXmlLib16 {
 
@@ -274,9 +275,12 @@ void CXmlDocument::ParseBytes(std::string_view bytes, std::shared_ptr<const void
 }
 
 void CXmlDocument::ParseXmlText() {
-  CExpatReader reader(*this);
-  reader.CreateParser();
-  reader.Parse(/*isFinal=*/true);
+  m_wasScanned = ScanPlainXml(*this);
+  if (!m_wasScanned) {
+    CExpatReader reader(*this);
+    reader.CreateParser();
+    reader.Parse(/*isFinal=*/true);
+  }
   TellNoted();
 }
 

@@ -96,6 +96,11 @@ class RKXML_EXPORT CSerializationContext {
   // Infoset gives it; FromXml(const wchar_t*) then takes characters above U+FFFF whole. Off at first.
   bool GetJoinSurrogatePairs() const noexcept { return m_settings.joinSurrogatePairs; }
   void SetJoinSurrogatePairs(bool join) noexcept { m_settings.joinSurrogatePairs = join; }
+  // Reading XML text: documents in UTF-8 without a document type declaration are read by a scanner of their own,
+  // several times as fast as by the general parser, which reads all others and tells all errors. What is read is the
+  // same; this is for those who want to see that. On at first.
+  bool GetScanPlainXml() const noexcept { return m_settings.scanPlainXml; }
+  void SetScanPlainXml(bool scan) noexcept { m_settings.scanPlainXml = scan; }
   // Writing: the namespace that the root element declares as default and that is written without prefix.
   std::wstring GetDefaultNamespaceURI() const { return m_settings.defaultNamespaceUri; }
   void SetDefaultNamespaceURI(const wchar_t* namespaceUri);
@@ -162,6 +167,7 @@ class RKXML_EXPORT CSerializationContext {
     bool stripCDATA = true;
     bool escapeCDATA = false;
     bool joinSurrogatePairs = false;
+    bool scanPlainXml = true;
     std::wstring indentChars = L"\t";
     CReadLimits limits;
     IErrorHandler* errorHandler = nullptr;

@@ -205,20 +205,25 @@ CXmlDocument::CXmlDocument(ElementFilter filter, const CSerializationContext& co
 CXmlDocument::~CXmlDocument() = default;
 
 void CXmlDocument::Init() {
-  auto fresh = std::make_unique<Storage>(*this);
-  m_documentElement = nullptr;
-  m_currentElement = nullptr;
+  DropTree();
   m_input = nullptr;
   m_inputLength = 0;
   m_source = nullptr;
   m_pieces = nullptr;
   m_isPaused = false;
   m_places.clear();
+  m_wasScanned = false;
   m_schemaType = m_context->GetSchemaType();
-  m_storage = std::move(fresh);
 }
 
 void CXmlDocument::Cleanup() { Init(); }
+
+void CXmlDocument::DropTree() {
+  auto fresh = std::make_unique<Storage>(*this);
+  m_documentElement = nullptr;
+  m_currentElement = nullptr;
+  m_storage = std::move(fresh);
+}
 
 void CXmlDocument::NoteDropped(RkDropped kind, std::uint64_t offset, std::uint64_t count) {
   if (m_context->GetErrorHandler() == nullptr) return;

@@ -307,6 +307,8 @@ class RKXML_EXPORT CXmlDocument {
   const CSerializationContext& GetContext() const noexcept { return *m_context; }
   SchemaType GetSchemaType() const noexcept { return m_schemaType; }
   bool HasElementFilter() const noexcept { return m_filter != nullptr; }
+  // Whether the last load was left to no general parser (see CSerializationContext::SetScanPlainXml).
+  bool WasScanned() const noexcept { return m_wasScanned; }
   // Before a load of borrowed bytes or text: whether they stay valid until the document is emptied. Otherwise, and at
   // first, the document keeps a copy of them, for the lines and columns of its elements; not if it has a filter.
   void SetInputStays(bool stays) noexcept { m_inputStays = stays; }
@@ -322,6 +324,9 @@ class RKXML_EXPORT CXmlDocument {
   // The bytes being read; for the readers, during a load only.
   const unsigned char* GetInput() const noexcept { return m_input; }
   std::size_t GetInputLength() const noexcept { return m_inputLength; }
+
+  // For a reader that gives up: the document without elements, names and notes, its input as before.
+  void DropTree();
 
   // Building, by the readers: the new element becomes the current one until EndElement. Throw CRkException for a second
   // document element, for a child or an end without an open element, and by the limits of the context.
@@ -442,6 +447,7 @@ class RKXML_EXPORT CXmlDocument {
   std::vector<std::uint64_t> m_places;  // of the nodes that JSON was converted to, in their order
   bool m_inputStays = false;
   bool m_isPaused = false;
+  bool m_wasScanned = false;
   std::uint64_t m_firstOffset = 0;
   std::unique_ptr<CPieces> m_pieces;  // null unless it is read in pieces
   std::size_t m_openTextLength = 0;   // before the characters reserved for an element that is not kept

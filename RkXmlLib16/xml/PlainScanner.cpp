@@ -1,0 +1,771 @@
+#include "RkXmlLib16/xml/internal/PlainScanner.h"
+
+#include <emmintrin.h>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <cwchar>
+#include <initializer_list>
+#include <map>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "RkXmlLib16/base/ErrorHandler.h"
+#include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/internal/CodePoints.h"
+#include "RkXmlLib16/context/SerializationContext.h"
+#include "RkXmlLib16/document/ElementTree.h"
+#include "RkXmlLib16/document/XmlWriter.h"
+#include "RkXmlLib16/document/internal/Names.h"
+
+namespace RkXmlLib16 {
+
+namespace {
+
+using Byte = unsigned char;
+
+// expat is given a document up to this size in one piece, and has no limits of its own before it.
+constexpr std::size_t kLongestDocument = std::size_t{1} << 28;
+// Characters of attribute namespaces, each time they occur; far below the limit of CExpatReader.
+constexpr std::size_t kMostNamespaceChars = std::size_t{1} << 30;
+// Texts of white space up to this length are shared.
+constexpr std::size_t kLongestBlanks = 64;
+// Characters that are decoded before they are handed on.
+constexpr std::size_t kScratchSize = 1024;
+// Attributes of an element that are compared each with each.
+constexpr std::size_t kFewAttributes = 16;
+constexpr std::size_t kStep = sizeof(__m128i);
+constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+
+// ---- sixteen bytes at once ----
+
+__m128i Load(const Byte* at) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(at)); }
+
+__m128i IsByte(__m128i bytes, char c) { return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(c)); }
+
+// Control characters and what is not ASCII.
+__m128i IsBelowBlank(__m128i bytes) { return _mm_cmplt_epi8(bytes, _mm_set1_epi8(' ')); }
+
+unsigned MaskOf(__m128i flags) { return static_cast<unsigned>(_mm_movemask_epi8(flags)); }
+
+std::size_t FirstOf(unsigned mask) { return static_cast<std::size_t>(__builtin_ctz(mask)); }
+
+// The kinds of bytes that a search stops at; each tells it of one byte and of sixteen. All stop at a NUL.
+
+// What can follow a name in a tag, and nothing that can be part of one.
+struct EndsName {
+  static bool Is(Byte c) { return c <= ' ' || c == '>' || c == '/' || c == '='; }
+  static unsigned Of(__m128i bytes) {
+    const __m128i blank = _mm_cmpeq_epi8(_mm_min_epu8(bytes, _mm_set1_epi8(' ')), bytes);
+    return MaskOf(
+        _mm_or_si128(_mm_or_si128(blank, IsByte(bytes, '>')), _mm_or_si128(IsByte(bytes, '/'), IsByte(bytes, '='))));
+  }
+};
+
+// Other bytes of a text are characters that stand for themselves.
+struct EndsText {
+  static bool Is(Byte c) {
+    return c == '<' || c == '&' || c == ']' || c >= 0x80 || (c < ' ' && c != '\n' && c != '\t');
+  }
+  static unsigned Of(__m128i bytes) {
+    const __m128i lines = _mm_or_si128(IsByte(bytes, '\n'), IsByte(bytes, '\t'));
+    const __m128i marks = _mm_or_si128(_mm_or_si128(IsByte(bytes, '<'), IsByte(bytes, '&')), IsByte(bytes, ']'));
+    return MaskOf(_mm_or_si128(_mm_andnot_si128(lines, IsBelowBlank(bytes)), marks));
+  }
+};
+
+// The same for an attribute value.
+template <char Quote>
+struct EndsValue {
+  static bool Is(Byte c) { return c == Quote || c == '<' || c == '&' || c >= 0x80 || c < ' '; }
+  static unsigned Of(__m128i bytes) {
+    return MaskOf(_mm_or_si128(_mm_or_si128(IsByte(bytes, Quote), IsByte(bytes, '<')),
+                               _mm_or_si128(IsByte(bytes, '&'), IsBelowBlank(bytes))));
+  }
+};
+
+// White space as the reader hands it on.
+struct EndsBlanks {
+  static bool Is(Byte c) { return c != ' ' && c != '\n' && c != '\t'; }
+  static unsigned Of(__m128i bytes) {
+    return MaskOf(_mm_or_si128(_mm_or_si128(IsByte(bytes, ' '), IsByte(bytes, '\n')), IsByte(bytes, '\t'))) ^ 0xFFFF;
+  }
+};
+
+// The first byte of the kind, or `end`.
+template <class Kind>
+const Byte* Find(const Byte* at, const Byte* end) {
+  for (; static_cast<std::size_t>(end - at) >= kStep; at += kStep)
+    if (const unsigned mask = Kind::Of(Load(at))) return at + FirstOf(mask);
+  while (at != end && !Kind::Is(*at)) ++at;
+  return at;
+}
+
+const Byte* FindByte(const Byte* at, const Byte* end, Byte wanted) {
+  const void* const found = std::memchr(at, wanted, static_cast<std::size_t>(end - at));
+  return found != nullptr ? static_cast<const Byte*>(found) : end;
+}
+
+// The first place where all of `wanted` stands, or null.
+const Byte* FindAll(const Byte* at, const Byte* end, std::string_view wanted) {
+  const std::string_view rest(reinterpret_cast<const char*>(at), static_cast<std::size_t>(end - at));
+  const std::size_t found = rest.find(wanted);
+  return found != std::string_view::npos ? at + found : nullptr;
+}
+
+// Widens ASCII.
+void Widen(const Byte* at, std::size_t length, wchar_t* out) {
+  std::size_t i = 0;
+  for (const __m128i zero = _mm_setzero_si128(); i + kStep <= length; i += kStep) {
+    const __m128i bytes = Load(at + i);
+    const __m128i low = _mm_unpacklo_epi8(bytes, zero);
+    const __m128i high = _mm_unpackhi_epi8(bytes, zero);
+    auto* const to = reinterpret_cast<__m128i*>(out + i);
+    _mm_storeu_si128(to, _mm_unpacklo_epi16(low, zero));
+    _mm_storeu_si128(to + 1, _mm_unpackhi_epi16(low, zero));
+    _mm_storeu_si128(to + 2, _mm_unpacklo_epi16(high, zero));
+    _mm_storeu_si128(to + 3, _mm_unpackhi_epi16(high, zero));
+  }
+  for (; i < length; ++i) out[i] = at[i];
+}
+
+bool IsBlank(Byte c) { return c == ' ' || c == '\n' || c == '\t' || c == '\r'; }
+
+bool IsXmlCharacter(char32_t c) { return c >= ' ' ? c < 0xFFFE || c > 0xFFFF : c == '\n' || c == '\t' || c == '\r'; }
+
+std::string_view View(const Byte* at, std::size_t length) { return {reinterpret_cast<const char*>(at), length}; }
+
+// ---- names ----
+
+// A name as the bytes of a tag spell it.
+struct RawName {
+  const Byte* at;
+  std::size_t length;
+
+  std::string_view View() const { return RkXmlLib16::View(at, length); }
+};
+
+// The first sixteen bytes of a name, zeros behind its end.
+struct Head {
+  std::uint64_t low;
+  std::uint64_t high;
+
+  friend bool operator==(const Head& a, const Head& b) { return a.low == b.low && a.high == b.high; }
+};
+
+Head HeadOf(const RawName& name, const Byte* end) {
+  static constexpr Byte kMask[2 * kStep] = {255, 255, 255, 255, 255, 255, 255, 255,
+                                            255, 255, 255, 255, 255, 255, 255, 255};
+  Head head = {0, 0};
+  if (static_cast<std::size_t>(end - name.at) >= kStep) {
+    const __m128i mask = Load(kMask + kStep - std::min(name.length, kStep));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(&head), _mm_and_si128(Load(name.at), mask));
+  } else {
+    std::memcpy(&head, name.at, name.length);
+  }
+  return head;
+}
+
+bool IsDeclaration(const RawName& name) {
+  return name.length >= 5 && std::memcmp(name.at, "xmlns", 5) == 0 && (name.length == 5 || name.at[5] == ':');
+}
+
+// What a prefix stands for at the current place; null for nothing. The default namespace has the empty prefix.
+struct Prefix {
+  const CXmlName* uri = nullptr;
+  std::size_t tag = 0;  // the number of the last start tag that declared it
+};
+
+// A name that was met, and is one.
+struct KnownName {
+  Head head;
+  RawName raw{nullptr, SIZE_MAX};
+  const CXmlName* localName;
+  Prefix* prefix;
+  bool hasPrefix;
+};
+
+struct RawAttribute {
+  RawName name;
+  const Byte* value;
+  std::size_t valueLength;
+  bool isPlain;  // each byte of the value is a character that stands for itself
+  bool isDeclaration;
+};
+
+struct OpenElement {
+  RawName name;
+  std::size_t bindings;  // how many there were before its own
+};
+
+struct Binding {
+  Prefix* prefix;
+  const CXmlName* before;
+};
+
+constexpr std::pair<std::string_view, char32_t> kEntities[] = {
+    {"lt", U'<'}, {"gt", U'>'}, {"amp", U'&'}, {"quot", U'"'}, {"apos", U'\''}};
+
+// Where characters are decoded from.
+enum class Place { Text, Section, Value };
+
+// ---- the scanner ----
+
+// Every member that returns bool returns false to give up.
+class Scanner {
+ public:
+  explicit Scanner(CXmlDocument& document)
+      : m_document(document),
+        m_joinsPairs(document.GetContext().GetJoinSurrogatePairs()),
+        m_keepsSections(!document.GetContext().GetStripCDATA()),
+        m_begin(document.GetInput()),
+        m_end(m_begin + document.GetInputLength()),
+        m_at(m_begin),
+        m_emptyName(document.GetEmptyName()),
+        m_defaultPrefix(&FindPrefix({})),
+        m_names(document.GetInputLength() < kSmallDocument ? 64 : 256) {
+    m_open.reserve(32);
+  }
+
+  bool ScanDocument() {
+    if (StandsHere(kUtf8Mark)) m_at += kUtf8Mark.size();
+    if (StandsHere("<?xml") && IsBlank(Peek(m_at + 5)) && !ScanDeclaration()) return false;
+    if (!ScanOutside() || !ScanStartTag()) return false;
+    while (!m_open.empty())
+      if (!ScanContent()) return false;
+    return ScanOutside() && m_at == m_end;
+  }
+
+ private:
+  static constexpr std::size_t kSmallDocument = 8192;
+
+  // NUL, which is no character of XML text, behind the end.
+  Byte Peek(const Byte* at) const { return at < m_end ? *at : Byte{0}; }
+  const Byte* SkipBlanks(const Byte* at) const {
+    while (at < m_end && IsBlank(*at)) ++at;
+    return at;
+  }
+  bool StandsHere(std::string_view text) const {
+    return static_cast<std::size_t>(m_end - m_at) >= text.size() && std::memcmp(m_at, text.data(), text.size()) == 0;
+  }
+  RawName NameAt(const Byte* at) const { return {at, static_cast<std::size_t>(Find<EndsName>(at, m_end) - at)}; }
+  std::uint64_t OffsetOf(const Byte* at) const { return static_cast<std::uint64_t>(at - m_begin); }
+
+  bool ScanDeclaration();
+  bool TakeDeclared(std::string_view name, std::initializer_list<std::string_view> values, bool& isThere);
+  bool ScanOutside();
+  bool ScanContent();
+  bool ScanText();
+  bool ScanStartTag();
+  bool ScanAttributes(const Byte*& at);
+  bool ScanEndTag();
+  bool ScanComment();
+  bool ScanInstruction();
+  bool ScanSection();
+
+  bool AddElement(const RawName& name, const Byte* tag);
+  bool AddAttribute(CXmlElement* element, const RawAttribute& attribute);
+  bool HasSameNames(const CXmlAttributes& attributes);
+  bool Declare(const RawAttribute& attribute);
+  void EndElement(std::size_t bindings);
+  Prefix& FindPrefix(std::string_view prefix);
+  const KnownName* FindName(const RawName& name);
+  bool LearnName(KnownName& known, const RawName& name);
+
+  bool AddText(const Byte* at, const Byte* end, Place place);
+  void AppendPlain(const Byte* at, std::size_t length);
+  void FlushScratch(bool isWhole);
+  template <Place place, class Full>
+  bool Decode(const Byte* at, const Byte* end, Full&& full);
+  bool DecodeValue(const RawAttribute& attribute);
+  bool DecodeName(std::string_view name);
+  bool TakeReference(const Byte*& at, const Byte* end, char32_t& c) const;
+  void Put(char32_t c);
+
+  CXmlDocument& m_document;
+  const bool m_joinsPairs;
+  const bool m_keepsSections;
+  const Byte* const m_begin;
+  const Byte* const m_end;
+  const Byte* m_at;
+  std::map<std::string_view, Prefix> m_prefixes;
+  const CXmlName* const m_emptyName;
+  Prefix* const m_defaultPrefix;
+  std::vector<KnownName> m_names;  // the last one for each place, a power of two
+  std::vector<OpenElement> m_open;
+  std::vector<Binding> m_bindings;
+  std::vector<RawAttribute> m_attributes;  // of the current tag
+  std::vector<std::pair<const CXmlName*, const CXmlName*>> m_attributeNames;
+  std::wstring m_scratch;
+  std::size_t m_tag = 0;
+  std::size_t m_namespaceChars = 0;
+};
+
+// ---- outside of the document element ----
+
+// Name, equals sign and one of the values, in quotation marks, behind white space; or nothing of it.
+bool Scanner::TakeDeclared(std::string_view name, std::initializer_list<std::string_view> values, bool& isThere) {
+  const Byte* at = SkipBlanks(m_at);
+  isThere = at != m_at && View(at, std::min(name.size(), static_cast<std::size_t>(m_end - at))) == name;
+  if (!isThere) return true;
+  at = SkipBlanks(at + name.size());
+  if (Peek(at) != '=') return false;
+  at = SkipBlanks(at + 1);
+  const Byte quote = Peek(at);
+  if (quote != '"' && quote != '\'') return false;
+  const Byte* const value = at + 1;
+  const Byte* const end = FindByte(value, m_end, quote);
+  if (end == m_end) return false;
+  m_at = end + 1;
+  const auto isSame = [](char a, char b) { return (a >= 'A' && a <= 'Z' ? a - 'A' + 'a' : a) == b; };
+  const std::string_view text = View(value, static_cast<std::size_t>(end - value));
+  return std::any_of(values.begin(), values.end(), [&](std::string_view wanted) {
+    return name == "encoding" ? std::equal(text.begin(), text.end(), wanted.begin(), wanted.end(), isSame)
+                              : text == wanted;
+  });
+}
+
+bool Scanner::ScanDeclaration() {
+  m_at += 5;
+  bool isThere = false;
+  if (!TakeDeclared("version", {"1.0"}, isThere) || !isThere || !TakeDeclared("encoding", {"utf-8"}, isThere) ||
+      !TakeDeclared("standalone", {"yes", "no"}, isThere))
+    return false;
+  m_at = SkipBlanks(m_at);
+  if (!StandsHere("?>")) return false;
+  m_at += 2;
+  return true;
+}
+
+bool Scanner::ScanOutside() {
+  for (;;) {
+    m_at = SkipBlanks(m_at);
+    if (StandsHere("<!--")) {
+      if (!ScanComment()) return false;
+    } else if (StandsHere("<?")) {
+      if (!ScanInstruction()) return false;
+    } else {
+      return true;
+    }
+  }
+}
+
+// ---- content ----
+
+bool Scanner::ScanContent() {
+  if (Peek(m_at) != '<' && !ScanText()) return false;
+  switch (Peek(m_at + 1)) {
+    case '/':
+      return ScanEndTag();
+    case '!':
+      return StandsHere("<!--") ? ScanComment() : ScanSection();
+    case '?':
+      return ScanInstruction();
+    default:
+      return ScanStartTag();
+  }
+}
+
+bool Scanner::ScanText() {
+  const Byte* const start = m_at;
+  if (start == m_end) return false;
+  if (!EndsBlanks::Is(*start)) {
+    const Byte* const end = Find<EndsBlanks>(start, m_end);
+    const auto length = static_cast<std::size_t>(end - start);
+    if (Peek(end) == '<' && length <= kLongestBlanks) {
+      std::array<wchar_t, kLongestBlanks> blanks;
+      Widen(start, length, blanks.data());
+      m_document.AppendBlanks({blanks.data(), length});
+      m_at = end;
+      return true;
+    }
+  }
+  const Byte* end = Find<EndsText>(start, m_end);
+  if (Peek(end) == '<') {
+    AppendPlain(start, static_cast<std::size_t>(end - start));
+  } else {
+    end = FindByte(end, m_end, '<');
+    if (end == m_end || !AddText(start, end, Place::Text)) return false;
+  }
+  m_at = end;
+  return true;
+}
+
+bool Scanner::ScanComment() {
+  const Byte* const text = m_at + 4;
+  const Byte* const end = FindAll(text, m_end, "--");
+  if (end == nullptr || Peek(end + 2) != '>') return false;
+  if (!Decode<Place::Section>(text, end, [this] { m_scratch.clear(); })) return false;
+  m_scratch.clear();
+  m_document.NoteDropped(RkDropped_Comment, OffsetOf(m_at));
+  m_at = end + 3;
+  return true;
+}
+
+bool Scanner::ScanInstruction() {
+  const Byte* const target = m_at + 2;
+  const Byte* at = target;
+  while (at < m_end && !IsBlank(*at) && *at != '?') ++at;
+  const std::string_view name = View(target, static_cast<std::size_t>(at - target));
+  constexpr std::string_view kReserved = "xml";
+  const auto isSame = [](char a, char b) { return (a | 0x20) == b; };
+  if (std::equal(name.begin(), name.end(), kReserved.begin(), kReserved.end(), isSame)) return false;
+  if (!DecodeName(name) || !IsNCName(m_scratch)) return false;
+  m_scratch.clear();
+  const Byte* const end = FindAll(at, m_end, "?>");
+  if (end == nullptr || (end != at && !IsBlank(*at))) return false;
+  if (!Decode<Place::Section>(at, end, [this] { m_scratch.clear(); })) return false;
+  m_scratch.clear();
+  m_document.NoteDropped(RkDropped_ProcessingInstruction, OffsetOf(m_at));
+  m_at = end + 2;
+  return true;
+}
+
+bool Scanner::ScanSection() {
+  constexpr std::string_view kStart = "<![CDATA[";
+  constexpr std::string_view kEnd = "]]>";
+  if (!StandsHere(kStart)) return false;
+  const Byte* const text = m_at + kStart.size();
+  const Byte* const end = FindAll(text, m_end, kEnd);
+  if (end == nullptr) return false;
+  CXmlElement* const element = m_document.GetCurrentElement();
+  if (m_keepsSections) {
+    m_document.MarkSection();
+    m_document.AppendText(element, L"<![CDATA[");
+  }
+  if (!AddText(text, end, Place::Section)) return false;
+  if (m_keepsSections) m_document.AppendText(element, L"]]>");
+  m_at = end + kEnd.size();
+  return true;
+}
+
+// ---- tags ----
+
+bool Scanner::ScanStartTag() {
+  const Byte* const tag = m_at;
+  if (Peek(tag) != '<') return false;
+  const RawName name = NameAt(tag + 1);
+  const Byte* at = name.at + name.length;
+  m_attributes.clear();
+  if (Peek(at) != '>' && !ScanAttributes(at)) return false;
+  const bool isEmpty = *at == '/';
+  if (isEmpty && Peek(++at) != '>') return false;
+  m_at = at + 1;
+  const std::size_t bindings = m_bindings.size();
+  if (!AddElement(name, tag)) return false;
+  if (isEmpty)
+    EndElement(bindings);
+  else
+    m_open.push_back({name, bindings});
+  return true;
+}
+
+// From behind the name of the element to the end of the tag, or the slash before it.
+bool Scanner::ScanAttributes(const Byte*& at) {
+  for (;;) {
+    const Byte* const before = at;
+    at = SkipBlanks(at);
+    const Byte c = Peek(at);
+    if (c == '>' || c == '/') return true;
+    if (at == before) return false;
+    RawAttribute attribute;
+    attribute.name = NameAt(at);
+    at += attribute.name.length;
+    if (Peek(at) != '=') at = SkipBlanks(at);
+    if (Peek(at) != '=') return false;
+    ++at;
+    if (IsBlank(Peek(at))) at = SkipBlanks(at);
+    const Byte quote = Peek(at);
+    if (quote != '"' && quote != '\'') return false;
+    attribute.value = ++at;
+    at = quote == '"' ? Find<EndsValue<'"'>>(at, m_end) : Find<EndsValue<'\''>>(at, m_end);
+    attribute.isPlain = Peek(at) == quote;
+    if (!attribute.isPlain) at = FindByte(at, m_end, quote);
+    if (at == m_end) return false;
+    attribute.valueLength = static_cast<std::size_t>(at - attribute.value);
+    ++at;
+    attribute.isDeclaration = IsDeclaration(attribute.name);
+    m_attributes.push_back(attribute);
+  }
+}
+
+// Declarations count for the whole tag, wherever they stand in it.
+bool Scanner::AddElement(const RawName& name, const Byte* tag) {
+  ++m_tag;
+  for (const RawAttribute& attribute : m_attributes)
+    if (attribute.isDeclaration && !Declare(attribute)) return false;
+  const KnownName* const known = FindName(name);
+  if (known == nullptr || known->prefix->uri == nullptr) return false;
+  CXmlElement* const element = m_document.AddElement(known->prefix->uri, known->localName);
+  CXmlDocument::SetOffset(element, OffsetOf(tag));
+  for (const RawAttribute& attribute : m_attributes)
+    if (!attribute.isDeclaration && !AddAttribute(element, attribute)) return false;
+  return m_attributes.size() < 2 || !HasSameNames(element->GetAttributes());
+}
+
+bool Scanner::HasSameNames(const CXmlAttributes& attributes) {
+  m_attributeNames.clear();
+  for (const CXmlAttribute* attribute : attributes)
+    m_attributeNames.emplace_back(attribute->GetLocalNameRef(), attribute->GetNamespaceRef());
+  const auto begin = m_attributeNames.begin();
+  const auto end = m_attributeNames.end();
+  if (m_attributeNames.size() > kFewAttributes) {
+    std::sort(begin, end);
+    return std::adjacent_find(begin, end) != end;
+  }
+  for (auto name = begin; name != end; ++name)
+    if (std::find(begin, name, *name) != name) return true;
+  return false;
+}
+
+bool Scanner::AddAttribute(CXmlElement* element, const RawAttribute& raw) {
+  const KnownName* const known = FindName(raw.name);
+  if (known == nullptr || known->prefix->uri == nullptr) return false;
+  const CXmlName* const namespaceUri = known->hasPrefix ? known->prefix->uri : m_emptyName;
+  m_namespaceChars += namespaceUri->View().size();
+  if (m_namespaceChars > kMostNamespaceChars) return false;
+  CXmlAttribute* const attribute =
+      m_document.AddAttribute(element, known->localName, namespaceUri, std::wstring_view());
+  if (raw.valueLength == 0) return true;
+  if (raw.isPlain) {
+    Widen(raw.value, raw.valueLength, m_document.ReserveValue(attribute, raw.valueLength));
+    m_document.CommitValue(attribute, raw.valueLength);
+    return true;
+  }
+  if (!DecodeValue(raw)) return false;
+  if (!m_scratch.empty()) {
+    std::wmemcpy(m_document.ReserveValue(attribute, m_scratch.size()), m_scratch.data(), m_scratch.size());
+    m_document.CommitValue(attribute, m_scratch.size());
+    m_scratch.clear();
+  }
+  return true;
+}
+
+bool Scanner::Declare(const RawAttribute& attribute) {
+  std::string_view raw = attribute.name.View().substr(5);
+  const bool isDefault = raw.empty();
+  if (!isDefault) raw.remove_prefix(1);
+  if (raw == "xml" || raw == "xmlns") return false;
+  if (!isDefault && (!DecodeName(raw) || !IsNCName(m_scratch))) return false;
+  const CXmlName* const prefixName = m_document.InternName(m_scratch);
+  m_scratch.clear();
+  if (!DecodeValue(attribute)) return false;
+  if ((m_scratch.empty() && !isDefault) || m_scratch.find(L'|') != std::wstring::npos ||
+      m_scratch == CXmlWriter::XML_NAMESPACE || m_scratch == CXmlWriter::XMLNS_NAMESPACE)
+    return false;
+  Prefix& prefix = FindPrefix(raw);
+  if (prefix.tag == m_tag) return false;
+  prefix.tag = m_tag;
+  m_bindings.push_back({&prefix, prefix.uri});
+  prefix.uri = m_document.InternName(m_scratch);
+  m_scratch.clear();
+  m_document.AddNamespaceAlias(prefixName, prefix.uri);
+  return true;
+}
+
+bool Scanner::ScanEndTag() {
+  const OpenElement open = m_open.back();
+  const RawName name = {m_at + 2, open.name.length};
+  if (static_cast<std::size_t>(m_end - m_at) < open.name.length + 3) return false;
+  if (!(HeadOf(name, m_end) == HeadOf(open.name, m_end))) return false;
+  if (name.length > kStep && std::memcmp(name.at, open.name.at, name.length) != 0) return false;
+  const Byte* at = name.at + name.length;
+  if (*at != '>') at = SkipBlanks(at);
+  if (Peek(at) != '>') return false;
+  m_at = at + 1;
+  m_open.pop_back();
+  EndElement(open.bindings);
+  return true;
+}
+
+void Scanner::EndElement(std::size_t bindings) {
+  for (; m_bindings.size() > bindings; m_bindings.pop_back()) m_bindings.back().prefix->uri = m_bindings.back().before;
+  m_document.EndElement();
+}
+
+// ---- names ----
+
+Prefix& Scanner::FindPrefix(std::string_view prefix) {
+  const auto [at, isNew] = m_prefixes.try_emplace(prefix);
+  if (isNew && prefix.empty()) at->second.uri = m_emptyName;
+  if (isNew && prefix == "xml") at->second.uri = m_document.InternName(CXmlWriter::XML_NAMESPACE);
+  return at->second;
+}
+
+// Null for what is no name.
+const KnownName* Scanner::FindName(const RawName& name) {
+  const Head head = HeadOf(name, m_end);
+  const std::uint64_t hash = (head.low ^ head.high * 0x9E3779B97F4A7C15u) * 0xD6E8FEB86659FD93u;
+  KnownName& known = m_names[hash >> 40 & (m_names.size() - 1)];
+  if (known.head == head && known.raw.length == name.length &&
+      (name.length <= kStep || std::memcmp(known.raw.at, name.at, name.length) == 0))
+    return &known;
+  known.head = head;
+  return LearnName(known, name) ? &known : nullptr;
+}
+
+bool Scanner::LearnName(KnownName& known, const RawName& name) {
+  const std::string_view raw = name.View();
+  const std::size_t colon = raw.find(':');
+  known.raw = name;
+  known.hasPrefix = colon != std::string_view::npos;
+  known.prefix = m_defaultPrefix;
+  if (known.hasPrefix) {
+    const std::string_view prefix = raw.substr(0, colon);
+    if (!DecodeName(prefix) || !IsNCName(m_scratch)) return false;
+    m_scratch.clear();
+    known.prefix = &FindPrefix(prefix);
+  }
+  if (!DecodeName(known.hasPrefix ? raw.substr(colon + 1) : raw) || !IsNCName(m_scratch)) return false;
+  known.localName = m_document.InternName(m_scratch);
+  m_scratch.clear();
+  return true;
+}
+
+// ---- characters ----
+
+void Scanner::Put(char32_t c) {
+  if (c > 0xFFFF && !m_joinsPairs) {
+    m_scratch += static_cast<wchar_t>(HighSurrogateOf(c));
+    c = LowSurrogateOf(c);
+  }
+  m_scratch += static_cast<wchar_t>(c);
+}
+
+// A reference to a character or to one of the five predefined entities.
+bool Scanner::TakeReference(const Byte*& at, const Byte* end, char32_t& c) const {
+  constexpr std::size_t kLongest = 16;
+  const std::size_t rest = std::min(static_cast<std::size_t>(end - at), kLongest);
+  const std::string_view text = View(at, rest);
+  const std::size_t length = text.find(';');
+  if (length == std::string_view::npos) return false;
+  const std::string_view name = text.substr(1, length - 1);
+  at += length + 1;
+  for (const auto& [entity, character] : kEntities) {
+    if (name != entity) continue;
+    c = character;
+    return true;
+  }
+  if (name.size() < 2 || name[0] != '#') return false;
+  const bool isHexadecimal = name[1] == 'x';
+  const std::string_view digits = name.substr(isHexadecimal ? 2 : 1);
+  if (digits.empty()) return false;
+  c = 0;
+  for (const char digit : digits) {
+    const char letter = static_cast<char>(digit | 0x20);
+    if (digit >= '0' && digit <= '9')
+      c = c * (isHexadecimal ? 16 : 10) + static_cast<char32_t>(digit - '0');
+    else if (isHexadecimal && letter >= 'a' && letter <= 'f')
+      c = c * 16 + static_cast<char32_t>(letter - 'a' + 10);
+    else
+      return false;
+    if (c > 0x10FFFF) return false;
+  }
+  return IsScalarValue(c) && IsXmlCharacter(c);
+}
+
+// Decodes into m_scratch; calls `full` when that holds enough. Line ends become line feeds, in values blanks.
+template <Place place, class Full>
+bool Scanner::Decode(const Byte* at, const Byte* end, Full&& full) {
+  while (at != end) {
+    if (m_scratch.size() >= kScratchSize) full();
+    using Kind = std::conditional_t<place == Place::Value, EndsValue<'"'>, EndsText>;
+    const Byte* const run = Find<Kind>(at, at + std::min(static_cast<std::size_t>(end - at), kScratchSize));
+    if (run != at) {
+      const std::size_t before = m_scratch.size();
+      m_scratch.resize(before + static_cast<std::size_t>(run - at));
+      Widen(at, static_cast<std::size_t>(run - at), m_scratch.data() + before);
+      at = run;
+      continue;
+    }
+    const Byte c = *at;
+    if (c >= ' ' && c < 0x80) {
+      if (place != Place::Section && c == '&') {
+        char32_t referred = 0;
+        if (!TakeReference(at, end, referred)) return false;
+        if (place == Place::Value || referred != '\r') Put(referred);
+        continue;
+      }
+      if (place == Place::Value && c == '<') return false;
+      if (place == Place::Text && c == ']' && end - at > 2 && at[1] == ']' && at[2] == '>') return false;
+      m_scratch += static_cast<wchar_t>(c);
+      ++at;
+    } else if (c >= 0x80) {
+      char32_t decoded = 0;
+      if (Utf8Form::Next(at, end, decoded) != Decoded::Good || !IsXmlCharacter(decoded)) return false;
+      Put(decoded);
+    } else {
+      if (!IsBlank(c)) return false;
+      if (c == '\r' && end - at > 1 && at[1] == '\n') ++at;
+      m_scratch += place == Place::Value ? L' ' : c == '\t' ? L'\t' : L'\n';
+      ++at;
+    }
+  }
+  return true;
+}
+
+bool Scanner::DecodeValue(const RawAttribute& attribute) {
+  return Decode<Place::Value>(attribute.value, attribute.value + attribute.valueLength, [] {});
+}
+
+bool Scanner::DecodeName(std::string_view name) {
+  const auto* const at = reinterpret_cast<const Byte*>(name.data());
+  return Decode<Place::Section>(at, at + name.size(), [] {});
+}
+
+void Scanner::AppendPlain(const Byte* at, std::size_t length) {
+  CXmlElement* const element = m_document.GetCurrentElement();
+  Widen(at, length, m_document.ReserveText(element, length));
+  m_document.CommitText(element, length);
+}
+
+void Scanner::FlushScratch(bool isWhole) {
+  if (m_scratch.empty()) return;
+  CXmlElement* const element = m_document.GetCurrentElement();
+  if (isWhole && m_scratch.size() <= kLongestBlanks && m_scratch.find_first_not_of(L" \n\t") == std::wstring::npos) {
+    m_document.AppendBlanks(m_scratch);
+  } else {
+    std::wmemcpy(m_document.ReserveText(element, m_scratch.size()), m_scratch.data(), m_scratch.size());
+    m_document.CommitText(element, m_scratch.size());
+  }
+  m_scratch.clear();
+}
+
+bool Scanner::AddText(const Byte* at, const Byte* end, Place place) {
+  bool isWhole = true;
+  const auto full = [&] {
+    isWhole = false;
+    FlushScratch(isWhole);
+  };
+  if (!(place == Place::Text ? Decode<Place::Text>(at, end, full) : Decode<Place::Section>(at, end, full)))
+    return false;
+  FlushScratch(isWhole);
+  return true;
+}
+
+// What the scanner leaves to the reader from the start.
+bool IsLeft(const CXmlDocument& document) {
+  return !document.GetContext().GetScanPlainXml() || document.HasElementFilter() ||
+         document.GetSchemaType() == SchemaType_NoNamespaces || document.GetInputLength() > kLongestDocument;
+}
+
+}  // namespace
+
+bool ScanPlainXml(CXmlDocument& document) {
+  if (IsLeft(document)) return false;
+  try {
+    if (Scanner(document).ScanDocument()) return true;
+  } catch (const CRkException&) {
+    // A limit: the reader meets it too, and tells of it.
+  }
+  document.DropTree();
+  return false;
+}
+
+}  // namespace RkXmlLib16

@@ -1,0 +1,207 @@
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Expect.h"
+#include "RkXmlLib16/context/SerializationContext.h"
+#include "RkXmlLib16/document/ElementTree.h"
+#include "RkXmlLib16/io/Encoder.h"
+#include "support/LoadText.h"
+#include "support/Tree.h"
+
+using namespace RkXmlTest;
+
+namespace {
+
+std::wstring Describe(CSerializationContext context, bool scans, std::string_view bytes, bool& wasScanned) {
+  CErrorCollector told;
+  context.SetErrorHandler(&told);
+  context.SetScanPlainXml(scans);
+  CXmlDocument document(context);
+  std::wstring text = DescribeLoad(document, told, [&](CXmlDocument& loaded) { Load(loaded, bytes); });
+  wasScanned = document.WasScanned();
+  return text;
+}
+
+// Loads the bytes with and without the scanner, which has to make no difference. Returns whether they were scanned.
+bool IsScanned(std::string_view bytes, const CSerializationContext& context = CSerializationContext()) {
+  bool wasScanned = false;
+  bool never = true;
+  const std::wstring scanned = Describe(context, true, bytes, wasScanned);
+  EXPECT_EQ(Describe(context, false, bytes, never), scanned) << bytes.substr(0, 1000);
+  EXPECT_FALSE(never);
+  return wasScanned;
+}
+
+CSerializationContext OtherSettings() {
+  CSerializationContext context;
+  context.SetStripCDATA(false);
+  context.SetJoinSurrogatePairs(true);
+  return context;
+}
+
+TEST(PlainScanner, ScansThePlainCase) {
+  const std::string many = [] {
+    std::string tag = "<a";
+    for (int i = 0; i < 100; ++i) tag += " x" + std::to_string(i) + "='" + std::to_string(i) + "'";
+    return tag + "/>";
+  }();
+  std::string names = "<a>";
+  for (int i = 0; i < 3000; ++i) names += "<n" + std::to_string(i) + "/>";
+  names += "<n7/></a>";
+  const std::string_view rows[] = {
+      "<a/>",
+      "\xEF\xBB\xBF<a></a >\r\n",
+      "<?xml version = '1.0'  encoding=\"utf-8\" standalone='no' ?>\n<!---><?x ?>--><?x y?z?><a\r\n/><!-- - --> <?z ?>",
+      "<a x = '1\t2\r\n3\r4&#9;5&#13;6&#x20;7&lt;&amp;\"' y=\"'&#x1F600;\xF0\x9F\x98\x80\" z=''/>",
+      "<a>\r\n  <b> 1\r2\r\n3&#13;&#10;4 </b>\r \t\n\r\n&#32;<b>&#32;</b><b>\n</b></a>",
+      "<a>]] >]&gt;]]&gt;<b/>]<![CDATA[]]><![CDATA[ ]]]>]]&#62;\x7F\xC2\x85\xE2\x80\xA8\xF3\xA0\x80\x81</a>",
+      "<a>a text of more than sixteen characters, one of them \xC3\xA9, and more than sixteen behind it</a>",
+      "<\xC3\xA9t\xC3\xA9 \xCE\xB1.-\xC2\xB7='1'><_:x xmlns:_='u'/></\xC3\xA9t\xC3\xA9>",
+      "<p:a p:x='1' x='2' xmlns:p='u' xmlns='u' xmlns:q='v' q:x='3'><b xmlns='' p:x='4'><p:c "
+      "xmlns:p='w'/></b><p:d/></p:a>",
+      "<a xml:lang='de' xml:space='preserve'><xml:b/></a>",
+      "<a xmlns='a&#10;b\nc &amp;d'/>",
+      "<xmlns><xmlnsx xmlnsy='1' xml='2'/></xmlns>",
+      many,
+      names,
+  };
+  for (const std::string_view row : rows) {
+    EXPECT_TRUE(IsScanned(row)) << row.substr(0, 1000);
+    EXPECT_TRUE(IsScanned(row, OtherSettings())) << row.substr(0, 1000);
+  }
+}
+
+TEST(PlainScanner, LeavesAllElse) {
+  std::string twice = "<a";
+  for (int i = 0; i < 100; ++i) twice += " x" + std::to_string(i % 99) + "='1'";
+  twice += "/>";
+  const std::string_view rows[] = {
+      "",
+      " ",
+      "<",
+      "<a",
+      "<a>",
+      "<a/",
+      "<a>x",
+      "<a><b></a>",
+      "<a></ a>",
+      "<a/><b/>",
+      "<a/>x",
+      "x<a/>",
+      "< a/>",
+      "<a / >",
+      "<a x/>",
+      "<a x=1/>",
+      "<a x='1/>",
+      "<a x='1'y='2'/>",
+      "<a x='<'/>",
+      "<a x='1' x='2'/>",
+      "<1/>",
+      "<a:/>",
+      "<:a/>",
+      "<a b:='1'/>",
+      "<a:b:c xmlns:a='u'/>",
+      "<\xC3\x97/>",
+      "<\xF0\x90\x80\x80/>",
+      "<p:a/>",
+      "<a p:x='1'/>",
+      "<a xmlns:p='u' xmlns:q='u' p:x='1' q:x='2'/>",
+      "<a xmlns='u' xmlns='v'/>",
+      "<a xmlns:p='u' xmlns:p='u'/>",
+      "<a xmlns:p=''/>",
+      "<a xmlns:='u'/>",
+      "<a xmlns:p:q='u'/>",
+      "<a xmlns:xml='u'/>",
+      "<a xmlns:xmlns='u'/>",
+      "<a xmlns:xml='http://www.w3.org/XML/1998/namespace'/>",
+      "<a xmlns:p='http://www.w3.org/2000/xmlns/'/>",
+      "<a xmlns='http://www.w3.org/XML/1998/namespace'/>",
+      "<a xmlns='u|v'/>",
+      "<xmlns:a/>",
+      "<a>]]></a>",
+      "<a>&x;</a>",
+      "<a>&lt</a>",
+      "<a>&#;</a>",
+      "<a>&#x;</a>",
+      "<a>&#X41;</a>",
+      "<a>&#0;</a>",
+      "<a>&#xD800;</a>",
+      "<a>&#xFFFF;</a>",
+      "<a>&#x110000;</a>",
+      "<a>&#4294967361;</a>",
+      "<a>\x01</a>",
+      "<a x='\x02'/>",
+      "<a>\xED\xA0\x80</a>",
+      "<a>\xEF\xBF\xBF</a>",
+      "<a>\xC3</a>",
+      "<a>\xC0\x80</a>",
+      "<a>\xF4\x90\x80\x80</a>",
+      "<a><!-- -- --></a>",
+      "<a><!--\x01--></a>",
+      "<a><?xml?></a>",
+      "<a><?XmL ?></a>",
+      "<a><? x?></a>",
+      "<a><?x:y?></a>",
+      "<a><?x?y?></a>",
+      "<a><![CDATA[]]</a>",
+      "<a><![cdata[]]></a>",
+      "<![CDATA[]]><a/>",
+      " <?xml version='1.0'?><a/>",
+      "<?xml version='1.1'?><a/>",
+      "<?xml version='1.0' encoding='ISO-8859-1'?><a/>",
+      "<?xml encoding='UTF-8'?><a/>",
+      "<?xml version='1.0' standalone='maybe'?><a/>",
+      "<?xml version='1.0'encoding='UTF-8'?><a/>",
+      "<?xml version='1.0'><a/>",
+      "<!DOCTYPE a><a/>",
+      "<!DOCTYPE a [<!ENTITY e 'x'>]><a>&e;</a>",
+      twice,
+  };
+  for (const std::string_view row : rows) {
+    EXPECT_FALSE(IsScanned(row)) << row;
+    EXPECT_FALSE(IsScanned(row, OtherSettings())) << row;
+  }
+  // The end of the input anywhere.
+  constexpr std::string_view kWhole =
+      "<?xml version='1.0' encoding='UTF-8'?><!--c--><?p i?><a:b x='&amp;' "
+      "xmlns:a='u'>\xC3\xA9<![CDATA[x]]>&#x20;</a:b>";
+  for (std::size_t length = 0; length < kWhole.size(); ++length) EXPECT_FALSE(IsScanned(kWhole.substr(0, length)));
+  EXPECT_TRUE(IsScanned(kWhole));
+
+  constexpr std::string_view kPlain = "<a xmlns='u'><b x='1'>2</b><!--c--></a>";
+  CSerializationContext settings[4];
+  settings[0].SetSchemaType(SchemaType_NoNamespaces);
+  settings[1].GetLimits().SetMaxNodes(2);
+  settings[2].GetLimits().SetMaxCharacters(4);
+  settings[3].GetLimits().SetMaxElementDepth(1);
+  for (const CSerializationContext& context : settings) EXPECT_FALSE(IsScanned(kPlain, context));
+}
+
+// Every document that lies about.
+TEST(PlainScanner, ReadsAsTheParserReads) {
+  namespace fs = std::filesystem;
+  constexpr std::uintmax_t kLongest = 60000;
+  const fs::path root = fs::path(RKXML_TEST_DATA) / "../..";
+  std::size_t count = 0;
+  std::size_t scannedCount = 0;
+  for (const char* folder :
+       {"fuzz/corpus", "fuzz/old_crashes", "tests/data", "examples", "../shared/schemas", "../shared/interop"}) {
+    if (!fs::is_directory(root / folder)) continue;
+    for (const fs::directory_entry& file : fs::recursive_directory_iterator(root / folder)) {
+      if (!file.is_regular_file() || file.file_size() == 0 || file.file_size() > kLongest) continue;
+      std::ifstream in(file.path(), std::ios::binary);
+      const std::string bytes{std::istreambuf_iterator<char>(in), {}};
+      SCOPED_TRACE(file.path());
+      ++count;
+      scannedCount += IsScanned(bytes);
+    }
+  }
+  EXPECT_GT(count, 50u);
+  EXPECT_GT(scannedCount, 10u);
+}
+
+}  // namespace
