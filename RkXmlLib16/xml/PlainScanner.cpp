@@ -36,8 +36,9 @@ constexpr std::size_t kLongestDocument = std::size_t{1} << 28;
 constexpr std::size_t kMostNamespaceChars = std::size_t{1} << 30;
 // Texts of white space up to this length are shared.
 constexpr std::size_t kLongestBlanks = 64;
-// Characters that are decoded before they are handed on.
-constexpr std::size_t kScratchSize = 1024;
+// Bytes that are decoded before their characters are handed on, and those of a reference.
+constexpr std::size_t kPieceSize = 512;
+constexpr std::size_t kLongestItem = 16;
 // Attributes of an element that are compared each with each.
 constexpr std::size_t kFewAttributes = 16;
 constexpr std::size_t kStep = sizeof(__m128i);
@@ -119,20 +120,43 @@ const Byte* FindAll(const Byte* at, const Byte* end, std::string_view wanted) {
   return found != std::string_view::npos ? at + found : nullptr;
 }
 
-// Widens ASCII.
-void Widen(const Byte* at, std::size_t length, wchar_t* out) {
-  std::size_t i = 0;
-  for (const __m128i zero = _mm_setzero_si128(); i + kStep <= length; i += kStep) {
-    const __m128i bytes = Load(at + i);
-    const __m128i low = _mm_unpacklo_epi8(bytes, zero);
-    const __m128i high = _mm_unpackhi_epi8(bytes, zero);
-    auto* const to = reinterpret_cast<__m128i*>(out + i);
-    _mm_storeu_si128(to, _mm_unpacklo_epi16(low, zero));
-    _mm_storeu_si128(to + 1, _mm_unpackhi_epi16(low, zero));
-    _mm_storeu_si128(to + 2, _mm_unpacklo_epi16(high, zero));
-    _mm_storeu_si128(to + 3, _mm_unpackhi_epi16(high, zero));
-  }
-  for (; i < length; ++i) out[i] = at[i];
+// Widens ASCII into its place; returns the place behind it.
+template <std::size_t step>
+void WidenStep(const Byte* at, wchar_t* out);
+
+template <>
+void WidenStep<4>(const Byte* at, wchar_t* out) {
+  std::int32_t four = 0;
+  std::memcpy(&four, at, sizeof four);
+  const __m128i zero = _mm_setzero_si128();
+  const __m128i units = _mm_unpacklo_epi8(_mm_cvtsi32_si128(four), zero);
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_unpacklo_epi16(units, zero));
+}
+
+template <>
+void WidenStep<8>(const Byte* at, wchar_t* out) {
+  const __m128i zero = _mm_setzero_si128();
+  const __m128i units = _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(at)), zero);
+  auto* const to = reinterpret_cast<__m128i*>(out);
+  _mm_storeu_si128(to, _mm_unpacklo_epi16(units, zero));
+  _mm_storeu_si128(to + 1, _mm_unpackhi_epi16(units, zero));
+}
+
+// As many steps as it takes; the last one may go over characters again.
+template <std::size_t step>
+void WidenBySteps(const Byte* at, std::size_t length, wchar_t* out) {
+  for (std::size_t i = 0; i + step < length; i += step) WidenStep<step>(at + i, out + i);
+  WidenStep<step>(at + length - step, out + length - step);
+}
+
+wchar_t* Widen(const Byte* at, std::size_t length, wchar_t* out) {
+  if (length >= 8)
+    WidenBySteps<8>(at, length, out);
+  else if (length >= 4)
+    WidenBySteps<4>(at, length, out);
+  else
+    for (std::size_t i = 0; i < length; ++i) out[i] = at[i];
+  return out + length;
 }
 
 bool IsBlank(Byte c) { return c == ' ' || c == '\n' || c == '\t' || c == '\r'; }
@@ -143,33 +167,52 @@ std::string_view View(const Byte* at, std::size_t length) { return {reinterpret_
 
 // ---- names ----
 
-// A name as the bytes of a tag spell it.
-struct RawName {
-  const Byte* at;
-  std::size_t length;
-
-  std::string_view View() const { return RkXmlLib16::View(at, length); }
-};
-
 // The first sixteen bytes of a name, zeros behind its end.
 struct Head {
-  std::uint64_t low;
-  std::uint64_t high;
+  std::uint64_t low = 0;
+  std::uint64_t high = 0;
 
   friend bool operator==(const Head& a, const Head& b) { return a.low == b.low && a.high == b.high; }
 };
 
-Head HeadOf(const RawName& name, const Byte* end) {
+// A name as the bytes of a tag spell it.
+struct RawName {
+  const Byte* at = nullptr;
+  std::size_t length = SIZE_MAX;
+  Head head;
+
+  std::string_view View() const { return RkXmlLib16::View(at, length); }
+  friend bool operator==(const RawName& a, const RawName& b) {
+    return a.head == b.head && a.length == b.length &&
+           (a.length <= kStep || std::memcmp(a.at + kStep, b.at + kStep, a.length - kStep) == 0);
+  }
+};
+
+Head Head16(__m128i bytes, std::size_t length) {
   static constexpr Byte kMask[2 * kStep] = {255, 255, 255, 255, 255, 255, 255, 255,
                                             255, 255, 255, 255, 255, 255, 255, 255};
-  Head head = {0, 0};
-  if (static_cast<std::size_t>(end - name.at) >= kStep) {
-    const __m128i mask = Load(kMask + kStep - std::min(name.length, kStep));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(&head), _mm_and_si128(Load(name.at), mask));
-  } else {
-    std::memcpy(&head, name.at, name.length);
-  }
+  Head head;
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(&head), _mm_and_si128(bytes, Load(kMask + kStep - length)));
   return head;
+}
+
+// The name of so many bytes.
+RawName NameOf(const Byte* at, std::size_t length, const Byte* end) {
+  RawName name{at, length, {}};
+  if (static_cast<std::size_t>(end - at) >= kStep)
+    name.head = Head16(Load(at), std::min(length, kStep));
+  else
+    std::memcpy(&name.head, at, length);
+  return name;
+}
+
+// The name that ends where nothing of a name stands.
+RawName NameAt(const Byte* at, const Byte* end) {
+  if (static_cast<std::size_t>(end - at) >= kStep) {
+    const __m128i bytes = Load(at);
+    if (const unsigned mask = EndsName::Of(bytes)) return {at, FirstOf(mask), Head16(bytes, FirstOf(mask))};
+  }
+  return NameOf(at, static_cast<std::size_t>(Find<EndsName>(at, end) - at), end);
 }
 
 bool IsDeclaration(const RawName& name) {
@@ -184,11 +227,10 @@ struct Prefix {
 
 // A name that was met, and is one.
 struct KnownName {
-  Head head;
-  RawName raw{nullptr, SIZE_MAX};
-  const CXmlName* localName;
-  Prefix* prefix;
-  bool hasPrefix;
+  RawName raw;
+  const CXmlName* localName = nullptr;
+  Prefix* prefix = nullptr;
+  bool hasPrefix = false;
 };
 
 struct RawAttribute {
@@ -254,7 +296,6 @@ class Scanner {
   bool StandsHere(std::string_view text) const {
     return static_cast<std::size_t>(m_end - m_at) >= text.size() && std::memcmp(m_at, text.data(), text.size()) == 0;
   }
-  RawName NameAt(const Byte* at) const { return {at, static_cast<std::size_t>(Find<EndsName>(at, m_end) - at)}; }
   std::uint64_t OffsetOf(const Byte* at) const { return static_cast<std::uint64_t>(at - m_begin); }
 
   bool ScanDeclaration();
@@ -278,15 +319,19 @@ class Scanner {
   const KnownName* FindName(const RawName& name);
   bool LearnName(KnownName& known, const RawName& name);
 
-  bool AddText(const Byte* at, const Byte* end, Place place);
+  template <Place place>
+  bool AddText(const Byte* at, const Byte* end);
   void AppendPlain(const Byte* at, std::size_t length);
-  void FlushScratch(bool isWhole);
-  template <Place place, class Full>
-  bool Decode(const Byte* at, const Byte* end, Full&& full);
-  bool DecodeValue(const RawAttribute& attribute);
-  bool DecodeName(std::string_view name);
-  bool TakeReference(const Byte*& at, const Byte* end, char32_t& c) const;
-  void Put(char32_t c);
+  template <Place place, class Use>
+  bool Decode(const Byte* at, const Byte* end, Use&& use);
+  template <Place place>
+  bool DecodePiece(const Byte*& at, const Byte* stop, const Byte* end, wchar_t*& out) const;
+  template <class Use>
+  bool DecodeValue(const RawAttribute& attribute, Use&& use) {
+    return Decode<Place::Value>(attribute.value, attribute.value + attribute.valueLength, use);
+  }
+  bool TakeName(std::string_view name);
+  wchar_t* Put(char32_t c, wchar_t* out) const;
 
   CXmlDocument& m_document;
   const bool m_joinsPairs;
@@ -302,7 +347,8 @@ class Scanner {
   std::vector<Binding> m_bindings;
   std::vector<RawAttribute> m_attributes;  // of the current tag
   std::vector<std::pair<const CXmlName*, const CXmlName*>> m_attributeNames;
-  std::wstring m_scratch;
+  std::wstring m_text;  // the last name or namespace that was decoded
+  std::array<wchar_t, kPieceSize + kLongestItem> m_piece;
   std::size_t m_tag = 0;
   std::size_t m_namespaceChars = 0;
 };
@@ -391,7 +437,7 @@ bool Scanner::ScanText() {
     AppendPlain(start, static_cast<std::size_t>(end - start));
   } else {
     end = FindByte(end, m_end, '<');
-    if (end == m_end || !AddText(start, end, Place::Text)) return false;
+    if (end == m_end || !AddText<Place::Text>(start, end)) return false;
   }
   m_at = end;
   return true;
@@ -401,8 +447,7 @@ bool Scanner::ScanComment() {
   const Byte* const text = m_at + 4;
   const Byte* const end = FindAll(text, m_end, "--");
   if (end == nullptr || Peek(end + 2) != '>') return false;
-  if (!Decode<Place::Section>(text, end, [this] { m_scratch.clear(); })) return false;
-  m_scratch.clear();
+  if (!Decode<Place::Section>(text, end, [](std::wstring_view) {})) return false;
   m_document.NoteDropped(RkDropped_Comment, OffsetOf(m_at));
   m_at = end + 3;
   return true;
@@ -416,12 +461,10 @@ bool Scanner::ScanInstruction() {
   constexpr std::string_view kReserved = "xml";
   const auto isSame = [](char a, char b) { return (a | 0x20) == b; };
   if (std::equal(name.begin(), name.end(), kReserved.begin(), kReserved.end(), isSame)) return false;
-  if (!DecodeName(name) || !IsNCName(m_scratch)) return false;
-  m_scratch.clear();
+  if (!TakeName(name)) return false;
   const Byte* const end = FindAll(at, m_end, "?>");
   if (end == nullptr || (end != at && !IsBlank(*at))) return false;
-  if (!Decode<Place::Section>(at, end, [this] { m_scratch.clear(); })) return false;
-  m_scratch.clear();
+  if (!Decode<Place::Section>(at, end, [](std::wstring_view) {})) return false;
   m_document.NoteDropped(RkDropped_ProcessingInstruction, OffsetOf(m_at));
   m_at = end + 2;
   return true;
@@ -439,7 +482,7 @@ bool Scanner::ScanSection() {
     m_document.MarkSection();
     m_document.AppendText(element, L"<![CDATA[");
   }
-  if (!AddText(text, end, Place::Section)) return false;
+  if (!AddText<Place::Section>(text, end)) return false;
   if (m_keepsSections) m_document.AppendText(element, L"]]>");
   m_at = end + kEnd.size();
   return true;
@@ -450,7 +493,7 @@ bool Scanner::ScanSection() {
 bool Scanner::ScanStartTag() {
   const Byte* const tag = m_at;
   if (Peek(tag) != '<') return false;
-  const RawName name = NameAt(tag + 1);
+  const RawName name = NameAt(tag + 1, m_end);
   const Byte* at = name.at + name.length;
   m_attributes.clear();
   if (Peek(at) != '>' && !ScanAttributes(at)) return false;
@@ -475,7 +518,7 @@ bool Scanner::ScanAttributes(const Byte*& at) {
     if (c == '>' || c == '/') return true;
     if (at == before) return false;
     RawAttribute attribute;
-    attribute.name = NameAt(at);
+    attribute.name = NameAt(at, m_end);
     at += attribute.name.length;
     if (Peek(at) != '=') at = SkipBlanks(at);
     if (Peek(at) != '=') return false;
@@ -538,13 +581,10 @@ bool Scanner::AddAttribute(CXmlElement* element, const RawAttribute& raw) {
     m_document.CommitValue(attribute, raw.valueLength);
     return true;
   }
-  if (!DecodeValue(raw)) return false;
-  if (!m_scratch.empty()) {
-    std::wmemcpy(m_document.ReserveValue(attribute, m_scratch.size()), m_scratch.data(), m_scratch.size());
-    m_document.CommitValue(attribute, m_scratch.size());
-    m_scratch.clear();
-  }
-  return true;
+  return DecodeValue(raw, [&](std::wstring_view piece) {
+    std::wmemcpy(m_document.ReserveValue(attribute, piece.size()), piece.data(), piece.size());
+    m_document.CommitValue(attribute, piece.size());
+  });
 }
 
 bool Scanner::Declare(const RawAttribute& attribute) {
@@ -552,29 +592,27 @@ bool Scanner::Declare(const RawAttribute& attribute) {
   const bool isDefault = raw.empty();
   if (!isDefault) raw.remove_prefix(1);
   if (raw == "xml" || raw == "xmlns") return false;
-  if (!isDefault && (!DecodeName(raw) || !IsNCName(m_scratch))) return false;
-  const CXmlName* const prefixName = m_document.InternName(m_scratch);
-  m_scratch.clear();
-  if (!DecodeValue(attribute)) return false;
-  if ((m_scratch.empty() && !isDefault) || m_scratch.find(L'|') != std::wstring::npos ||
-      m_scratch == CXmlWriter::XML_NAMESPACE || m_scratch == CXmlWriter::XMLNS_NAMESPACE)
+  if (!isDefault && !TakeName(raw)) return false;
+  const CXmlName* const prefixName = isDefault ? m_emptyName : m_document.InternName(m_text);
+  m_text.clear();
+  if (!DecodeValue(attribute, [this](std::wstring_view piece) { m_text += piece; })) return false;
+  if ((m_text.empty() && !isDefault) || m_text.find(L'|') != std::wstring::npos ||
+      m_text == CXmlWriter::XML_NAMESPACE || m_text == CXmlWriter::XMLNS_NAMESPACE)
     return false;
   Prefix& prefix = FindPrefix(raw);
   if (prefix.tag == m_tag) return false;
   prefix.tag = m_tag;
   m_bindings.push_back({&prefix, prefix.uri});
-  prefix.uri = m_document.InternName(m_scratch);
-  m_scratch.clear();
+  prefix.uri = m_document.InternName(m_text);
   m_document.AddNamespaceAlias(prefixName, prefix.uri);
   return true;
 }
 
 bool Scanner::ScanEndTag() {
   const OpenElement open = m_open.back();
-  const RawName name = {m_at + 2, open.name.length};
   if (static_cast<std::size_t>(m_end - m_at) < open.name.length + 3) return false;
-  if (!(HeadOf(name, m_end) == HeadOf(open.name, m_end))) return false;
-  if (name.length > kStep && std::memcmp(name.at, open.name.at, name.length) != 0) return false;
+  const RawName name = NameOf(m_at + 2, open.name.length, m_end);
+  if (!(name == open.name)) return false;
   const Byte* at = name.at + name.length;
   if (*at != '>') at = SkipBlanks(at);
   if (Peek(at) != '>') return false;
@@ -600,14 +638,10 @@ Prefix& Scanner::FindPrefix(std::string_view prefix) {
 
 // Null for what is no name.
 const KnownName* Scanner::FindName(const RawName& name) {
-  const Head head = HeadOf(name, m_end);
+  const Head& head = name.head;
   const std::uint64_t hash = (head.low ^ head.high * 0x9E3779B97F4A7C15u) * 0xD6E8FEB86659FD93u;
   KnownName& known = m_names[hash >> 40 & (m_names.size() - 1)];
-  if (known.head == head && known.raw.length == name.length &&
-      (name.length <= kStep || std::memcmp(known.raw.at, name.at, name.length) == 0))
-    return &known;
-  known.head = head;
-  return LearnName(known, name) ? &known : nullptr;
+  return known.raw == name || LearnName(known, name) ? &known : nullptr;
 }
 
 bool Scanner::LearnName(KnownName& known, const RawName& name) {
@@ -618,31 +652,28 @@ bool Scanner::LearnName(KnownName& known, const RawName& name) {
   known.prefix = m_defaultPrefix;
   if (known.hasPrefix) {
     const std::string_view prefix = raw.substr(0, colon);
-    if (!DecodeName(prefix) || !IsNCName(m_scratch)) return false;
-    m_scratch.clear();
+    if (!TakeName(prefix)) return false;
     known.prefix = &FindPrefix(prefix);
   }
-  if (!DecodeName(known.hasPrefix ? raw.substr(colon + 1) : raw) || !IsNCName(m_scratch)) return false;
-  known.localName = m_document.InternName(m_scratch);
-  m_scratch.clear();
+  if (!TakeName(known.hasPrefix ? raw.substr(colon + 1) : raw)) return false;
+  known.localName = m_document.InternName(m_text);
   return true;
 }
 
 // ---- characters ----
 
-void Scanner::Put(char32_t c) {
+wchar_t* Scanner::Put(char32_t c, wchar_t* out) const {
   if (c > 0xFFFF && !m_joinsPairs) {
-    m_scratch += static_cast<wchar_t>(HighSurrogateOf(c));
+    *out++ = static_cast<wchar_t>(HighSurrogateOf(c));
     c = LowSurrogateOf(c);
   }
-  m_scratch += static_cast<wchar_t>(c);
+  *out++ = static_cast<wchar_t>(c);
+  return out;
 }
 
-// A reference to a character or to one of the five predefined entities.
-bool Scanner::TakeReference(const Byte*& at, const Byte* end, char32_t& c) const {
-  constexpr std::size_t kLongest = 16;
-  const std::size_t rest = std::min(static_cast<std::size_t>(end - at), kLongest);
-  const std::string_view text = View(at, rest);
+// A reference to a character or to one of the predefined entities.
+bool TakeReference(const Byte*& at, const Byte* end, char32_t& c) {
+  const std::string_view text = View(at, std::min(static_cast<std::size_t>(end - at), kLongestItem));
   const std::size_t length = text.find(';');
   if (length == std::string_view::npos) return false;
   const std::string_view name = text.substr(1, length - 1);
@@ -670,53 +701,71 @@ bool Scanner::TakeReference(const Byte*& at, const Byte* end, char32_t& c) const
   return IsScalarValue(c) && IsXmlCharacter(c);
 }
 
-// Decodes into m_scratch; calls `full` when that holds enough. Line ends become line feeds, in values blanks.
-template <Place place, class Full>
-bool Scanner::Decode(const Byte* at, const Byte* end, Full&& full) {
-  while (at != end) {
-    if (m_scratch.size() >= kScratchSize) full();
-    using Kind = std::conditional_t<place == Place::Value, EndsValue<'"'>, EndsText>;
-    const Byte* const run = Find<Kind>(at, at + std::min(static_cast<std::size_t>(end - at), kScratchSize));
-    if (run != at) {
-      const std::size_t before = m_scratch.size();
-      m_scratch.resize(before + static_cast<std::size_t>(run - at));
-      Widen(at, static_cast<std::size_t>(run - at), m_scratch.data() + before);
-      at = run;
-      continue;
-    }
+// A character above ASCII.
+bool TakeCharacter(const Byte*& at, const Byte* end, char32_t& c) {
+  const auto isTrail = [](Byte b) { return (b & 0xC0) == 0x80; };
+  if (*at >= 0xC2 && *at < 0xE0 && end - at >= 2 && isTrail(at[1])) {
+    c = (*at & 0x1Fu) << 6 | (at[1] & 0x3Fu);
+    at += 2;
+    return true;
+  }
+  if (*at > 0xE0 && *at < 0xED && end - at >= 3 && isTrail(at[1]) && isTrail(at[2])) {
+    c = (*at & 0x0Fu) << 12 | (at[1] & 0x3Fu) << 6 | (at[2] & 0x3Fu);
+    at += 3;
+    return true;
+  }
+  return Utf8Form::Next(at, end, c) == Decoded::Good && IsXmlCharacter(c);
+}
+
+// Up to `stop`, or as far behind it as the last character goes. Line ends become line feeds, in values blanks.
+template <Place place>
+bool Scanner::DecodePiece(const Byte*& at, const Byte* stop, const Byte* end, wchar_t*& out) const {
+  using Kind = std::conditional_t<place == Place::Value, EndsValue<'"'>, EndsText>;
+  char32_t character = 0;
+  while (at < stop) {
     const Byte c = *at;
-    if (c >= ' ' && c < 0x80) {
-      if (place != Place::Section && c == '&') {
-        char32_t referred = 0;
-        if (!TakeReference(at, end, referred)) return false;
-        if (place == Place::Value || referred != '\r') Put(referred);
-        continue;
-      }
-      if (place == Place::Value && c == '<') return false;
-      if (place == Place::Text && c == ']' && end - at > 2 && at[1] == ']' && at[2] == '>') return false;
-      m_scratch += static_cast<wchar_t>(c);
-      ++at;
-    } else if (c >= 0x80) {
-      char32_t decoded = 0;
-      if (Utf8Form::Next(at, end, decoded) != Decoded::Good || !IsXmlCharacter(decoded)) return false;
-      Put(decoded);
-    } else {
+    if (c >= 0x80) {
+      if (!TakeCharacter(at, end, character)) return false;
+      out = Put(character, out);
+    } else if (!Kind::Is(c)) {
+      const Byte* const run = Find<Kind>(at, stop);
+      out = Widen(at, static_cast<std::size_t>(run - at), out);
+      at = run;
+    } else if (c < ' ') {
       if (!IsBlank(c)) return false;
       if (c == '\r' && end - at > 1 && at[1] == '\n') ++at;
-      m_scratch += place == Place::Value ? L' ' : c == '\t' ? L'\t' : L'\n';
+      *out++ = place == Place::Value ? L' ' : c == '\t' ? L'\t' : L'\n';
+      ++at;
+    } else if (place != Place::Section && c == '&') {
+      if (!TakeReference(at, end, character)) return false;
+      if (place == Place::Value || character != '\r') out = Put(character, out);
+    } else {
+      if (place == Place::Value && c == '<') return false;
+      if (place == Place::Text && c == ']' && end - at > 2 && at[1] == ']' && at[2] == '>') return false;
+      *out++ = static_cast<wchar_t>(c);
       ++at;
     }
   }
   return true;
 }
 
-bool Scanner::DecodeValue(const RawAttribute& attribute) {
-  return Decode<Place::Value>(attribute.value, attribute.value + attribute.valueLength, [] {});
+// Calls `use` with the characters, one piece after the other. There are never more of them than bytes.
+template <Place place, class Use>
+bool Scanner::Decode(const Byte* at, const Byte* end, Use&& use) {
+  while (at != end) {
+    wchar_t* out = m_piece.data();
+    if (!DecodePiece<place>(at, at + std::min(static_cast<std::size_t>(end - at), kPieceSize), end, out)) return false;
+    use(std::wstring_view(m_piece.data(), static_cast<std::size_t>(out - m_piece.data())));
+  }
+  return true;
 }
 
-bool Scanner::DecodeName(std::string_view name) {
+// Decodes into m_text.
+bool Scanner::TakeName(std::string_view name) {
   const auto* const at = reinterpret_cast<const Byte*>(name.data());
-  return Decode<Place::Section>(at, at + name.size(), [] {});
+  m_text.clear();
+  return Decode<Place::Section>(at, at + name.size(), [this](std::wstring_view piece) { m_text += piece; }) &&
+         IsNCName(m_text);
 }
 
 void Scanner::AppendPlain(const Byte* at, std::size_t length) {
@@ -725,28 +774,15 @@ void Scanner::AppendPlain(const Byte* at, std::size_t length) {
   m_document.CommitText(element, length);
 }
 
-void Scanner::FlushScratch(bool isWhole) {
-  if (m_scratch.empty()) return;
+template <Place place>
+bool Scanner::AddText(const Byte* at, const Byte* end) {
   CXmlElement* const element = m_document.GetCurrentElement();
-  if (isWhole && m_scratch.size() <= kLongestBlanks && m_scratch.find_first_not_of(L" \n\t") == std::wstring::npos) {
-    m_document.AppendBlanks(m_scratch);
-  } else {
-    std::wmemcpy(m_document.ReserveText(element, m_scratch.size()), m_scratch.data(), m_scratch.size());
-    m_document.CommitText(element, m_scratch.size());
-  }
-  m_scratch.clear();
-}
-
-bool Scanner::AddText(const Byte* at, const Byte* end, Place place) {
-  bool isWhole = true;
-  const auto full = [&] {
-    isWhole = false;
-    FlushScratch(isWhole);
-  };
-  if (!(place == Place::Text ? Decode<Place::Text>(at, end, full) : Decode<Place::Section>(at, end, full)))
-    return false;
-  FlushScratch(isWhole);
-  return true;
+  return Decode<place>(at, end, [&](std::wstring_view piece) {
+    if (piece.size() <= kLongestBlanks && piece.find_first_not_of(L" \n\t") == std::wstring_view::npos)
+      return m_document.AppendBlanks(piece);
+    std::wmemcpy(m_document.ReserveText(element, piece.size()), piece.data(), piece.size());
+    m_document.CommitText(element, piece.size());
+  });
 }
 
 // What the scanner leaves to the reader from the start.
