@@ -1,7 +1,9 @@
 #ifndef RKXMLLIB16_TESTS_SUPPORT_LOADTEXT_H
 #define RKXMLLIB16_TESTS_SUPPORT_LOADTEXT_H
 
+#include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "RkXmlLib16/base/ErrorHandler.h"
 #include "RkXmlLib16/base/Exception.h"
@@ -12,12 +14,24 @@ namespace RkXmlTest {
 
 using namespace RkXmlLib16;
 
+// Numbers are told by a character of that code, which is quicker than digits.
+inline void AddNumber(std::wstring& text, std::uint64_t number) { text += static_cast<wchar_t>(number); }
+
 inline void AddLocation(std::wstring& text, const CRkLocation& location) {
-  text += L" " + location.ToString() + L"@" + std::to_wstring(location.GetOffset()) + L"/" + location.GetPath();
+  AddNumber(text, location.GetLine());
+  AddNumber(text, location.GetColumn());
+  AddNumber(text, location.GetOffset());
+  text += location.GetPath();
+}
+
+inline void AddText(std::wstring& text, std::wstring_view more) {
+  AddNumber(text, more.size());
+  text += more;
 }
 
 inline void AddName(std::wstring& text, const CXmlName* name) {
-  text += L" " + std::to_wstring(name->GetOrdinal()) + L"[" + name->GetText() + L"]";
+  AddNumber(text, name->GetOrdinal());
+  AddText(text, name->View());
 }
 
 inline void AddElement(std::wstring& text, const CXmlDocument& document, const CXmlElement& element) {
@@ -31,12 +45,14 @@ inline void AddElement(std::wstring& text, const CXmlDocument& document, const C
   for (const CXmlAttribute* attribute : element.GetAttributes()) {
     AddName(text += L"\n @", attribute->GetNamespaceRef());
     AddName(text, attribute->GetLocalNameRef());
-    text += L"=[" + attribute->GetValue() + L"]";
-    AddLocation(text, attribute->GetLocation());
+    AddText(text, attribute->GetValue());
   }
-  text += L"\n [" + element.GetText() + L"]";
+  // The path takes a look at all siblings: one is enough.
+  if (!element.GetAttributes().empty() && element.GetFirstElement() == nullptr)
+    AddLocation(text, element.GetAttributes().back()->GetLocation());
+  AddText(text += L"\n ", element.GetText());
   if (element.GetSections() != nullptr)
-    for (const std::size_t at : *element.GetSections()) text += L"," + std::to_wstring(at);
+    for (const std::size_t at : *element.GetSections()) AddNumber(text, at);
 }
 
 // All that can be told of a loaded tree: names with their ordinals, declarations, attributes, texts, sections, places.
