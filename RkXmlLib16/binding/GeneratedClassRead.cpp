@@ -1,9 +1,9 @@
 // The read walk: how an object reads itself from an element.
 //
 // FromXml_Int lets the class prepare its members, offers each attribute to the attribute records, and then walks the
-// element records with a cursor over the children of the element. A record that accepts the child under the cursor reads
-// it and moves the cursor on. What is left in the end is an error, and so is a mandatory member that found nothing. The
-// content models differ in how they ask:
+// element records with a cursor over the children of the element. A record that accepts the child under the cursor
+// reads it and moves the cursor on. What is left in the end is an error, and so is a mandatory member that found
+// nothing. The content models differ in how they ask:
 //   sequence  each record once, in order
 //   choice    the records in turn, until one accepts
 //   all       the records that have not accepted yet, pass after pass, until a pass consumes nothing
