@@ -24,6 +24,8 @@ CErrorSession::~CErrorSession() {
   if (m_handler != nullptr) t_session = m_outer;
 }
 
+bool CErrorSession::IsActive() noexcept { return t_session != nullptr; }
+
 bool CErrorSession::TellHandler(const CRkException& error) {
   CErrorSession* const session = t_session;
   if (session == nullptr || session->m_isStopped || error.EndsReading()) return false;

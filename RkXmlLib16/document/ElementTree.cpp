@@ -22,6 +22,7 @@
 #include "RkXmlLib16/context/internal/ErrorSession.h"
 #include "RkXmlLib16/document/internal/Arena.h"
 #include "RkXmlLib16/document/internal/Pieces.h"
+#include "RkXmlLib16/document/internal/SiblingIndex.h"
 #include "RkXmlLib16/document/internal/Source.h"
 
 namespace RkXmlLib16 {
@@ -110,6 +111,8 @@ struct RKXML_HIDDEN CXmlDocument::Storage {
   // The first so many open elements have something outside them allocated after their start, so that dropping them
   // cannot free it.
   std::size_t pinned = 0;
+  std::unique_ptr<CSiblingIndex> siblings;  // while it may hold, see CSiblingIndex::Of
+  std::size_t indexedAliases = 0;           // declarations that it knows
 };
 
 void CXmlDocument::Storage::GrowNameTable() {
@@ -411,6 +414,7 @@ void CXmlDocument::EndElement() {
   const CArena::Mark nodes = storage.nodes.GetMark();
   const CArena::Mark texts = storage.texts.GetMark();
   if (!m_filter(element)) return;
+  storage.siblings.reset();
   if (parent->m_lastChild == element) {
     parent->m_lastChild = start.previousSibling;
     (start.previousSibling != nullptr ? start.previousSibling->m_nextSibling : parent->m_firstChild) = nullptr;
@@ -621,31 +625,6 @@ std::vector<std::pair<CXmlText, CXmlText>> CXmlDocument::GetNamespaceAliases() c
 
 namespace {
 
-// The prefixes that a document has for its namespaces, each the first one in their order.
-class PrefixIndex {
- public:
-  explicit PrefixIndex(const std::map<std::wstring_view, const CXmlName*>& aliases) {
-    for (const auto& [prefix, uri] : aliases)
-      if (!uri->empty()) m_prefixes.try_emplace(uri, prefix);
-  }
-
-  // Empty where there is none.
-  std::wstring_view Find(const CXmlName* namespaceUri) const {
-    const auto found = m_prefixes.find(namespaceUri);
-    return found != m_prefixes.end() ? found->second : std::wstring_view();
-  }
-
-  // The local name behind the prefix of the namespace.
-  std::wstring GetQName(const CXmlName* namespaceUri, const CXmlText& localName) const {
-    std::wstring name(Find(namespaceUri));
-    if (!name.empty()) name += L':';
-    return name += localName.View();
-  }
-
- private:
-  std::unordered_map<const CXmlName*, std::wstring_view> m_prefixes;
-};
-
 std::size_t LevelOf(const CXmlElement& element) {
   std::size_t level = 0;
   for (const CXmlElement* parent = element.GetParentElement(); parent != nullptr; parent = parent->GetParentElement())
@@ -656,26 +635,40 @@ std::size_t LevelOf(const CXmlElement& element) {
 // The name with its position among the siblings that have the same qualified name; in pieces, where those that came
 // before are gone, and those to come not known, among those of its name so far. The element is that many levels below
 // the document element.
-std::wstring WithPredicate(const CXmlElement& element, const PrefixIndex& prefixes, const CPieces* pieces,
+std::wstring WithPredicate(const CXmlElement& element, const CPrefixIndex& prefixes, const CPieces* pieces,
                            std::size_t level) {
   const CXmlName* const uri = element.GetNamespaceRef();
   std::wstring name = prefixes.GetQName(uri, element.GetLocalName());
   if (element.GetParentElement() == nullptr) return name;
   if (const std::uint64_t known = pieces != nullptr ? pieces->GetPosition(&element, level) : 0)
     return name + L'[' + std::to_wstring(known) + L']';
-  const bool unprefixed = prefixes.Find(uri).empty();
   std::size_t position = 0;
   std::size_t count = 0;
   for (const CXmlElement* sibling = element.GetParentElement()->GetFirstElement(); sibling != nullptr;
        sibling = sibling->GetNextSiblingElement()) {
     if (sibling->GetLocalNameRef() != element.GetLocalNameRef()) continue;
-    const CXmlName* const other = sibling->GetNamespaceRef();
-    if (other != uri && !(unprefixed && prefixes.Find(other).empty())) continue;
+    if (prefixes.Distinguish(sibling->GetNamespaceRef()) != prefixes.Distinguish(uri)) continue;
     ++count;
     if (sibling == &element) position = count;
   }
   if (count > 1) name += L'[' + std::to_wstring(position) + L']';
   return name;
+}
+
+std::wstring WithPredicate(const CXmlElement& element, CSiblingIndex& index) {
+  std::wstring name = index.GetPrefixes().GetQName(element.GetNamespaceRef(), element.GetLocalName());
+  const CSiblingIndex::Place place = index.Find(element);
+  if (place.all > 1) name += L'[' + std::to_wstring(place.before + 1) + L']';
+  return name;
+}
+
+template <class Name>
+std::wstring PathOf(const CXmlElement* element, Name&& nameOf) {
+  std::vector<std::wstring> names;
+  for (; element != nullptr; element = element->GetParentElement()) names.push_back(nameOf(*element));
+  std::wstring path;
+  for (auto name = names.rbegin(); name != names.rend(); ++name) (path += L'/') += *name;
+  return path;
 }
 
 }  // namespace
@@ -712,24 +705,35 @@ CXmlText CXmlElement::GetAttribute(const wchar_t* localName, const wchar_t* name
 }
 
 std::wstring CXmlElement::GetQName() const {
-  return PrefixIndex(Owner().m_storage->aliases).GetQName(m_namespaceUri, GetLocalName());
+  return CPrefixIndex(Owner().m_storage->aliases).GetQName(m_namespaceUri, GetLocalName());
 }
 
 std::wstring CXmlElement::GetNameWithPredicate() const {
   const CXmlDocument& document = Owner();
-  return WithPredicate(*this, PrefixIndex(document.m_storage->aliases), document.m_pieces.get(), LevelOf(*this));
+  return WithPredicate(*this, CPrefixIndex(document.m_storage->aliases), document.m_pieces.get(), LevelOf(*this));
 }
 
 std::wstring CXmlElement::GetXPath() const {
+  if (CSiblingIndex* const index = CSiblingIndex::Of(*this))
+    return PathOf(this, [index](const CXmlElement& element) { return WithPredicate(element, *index); });
   const CXmlDocument& document = Owner();
-  const PrefixIndex prefixes(document.m_storage->aliases);
-  std::vector<std::wstring> names;
+  const CPrefixIndex prefixes(document.m_storage->aliases);
   std::size_t level = LevelOf(*this);
-  for (const CXmlElement* element = this; element != nullptr; element = element->m_parent)
-    names.push_back(WithPredicate(*element, prefixes, document.m_pieces.get(), level--));
-  std::wstring path;
-  for (auto name = names.rbegin(); name != names.rend(); ++name) (path += L'/') += *name;
-  return path;
+  return PathOf(this, [&](const CXmlElement& element) {
+    return WithPredicate(element, prefixes, document.m_pieces.get(), level--);
+  });
+}
+
+// Of a document in pieces little is held at a time.
+CSiblingIndex* CSiblingIndex::Of(const CXmlElement& element) {
+  const CXmlDocument& document = *element.GetDocument();
+  if (!CErrorSession::IsActive() || document.m_pieces != nullptr) return nullptr;
+  CXmlDocument::Storage& storage = *document.m_storage;
+  if (storage.siblings == nullptr || storage.indexedAliases != storage.declarations.size()) {
+    storage.siblings = std::make_unique<CSiblingIndex>(storage.aliases);
+    storage.indexedAliases = storage.declarations.size();
+  }
+  return storage.siblings.get();
 }
 
 const CXmlName* CXmlElement::LookupNamespaceRef(std::wstring_view prefix) const {
@@ -819,6 +823,7 @@ void CXmlElement::operator delete(void* element) noexcept {
 CXmlElement* CXmlElement::RemoveLastChildElement() {
   CXmlElement* const last = m_lastChild;
   if (last == nullptr) return nullptr;
+  Owner().m_storage->siblings.reset();
   CXmlElement* previous = nullptr;
   for (CXmlElement* child = m_firstChild; child != last; child = child->m_nextSibling) previous = child;
   (previous != nullptr ? previous->m_nextSibling : m_firstChild) = nullptr;
@@ -829,8 +834,11 @@ CXmlElement* CXmlElement::RemoveLastChildElement() {
 // ---- attribute ----
 
 std::wstring CXmlAttribute::GetXPath() const {
+  CSiblingIndex* const index = CSiblingIndex::Of(*m_element);
   return m_element->GetXPath() + L"/@" +
-         PrefixIndex(m_element->Owner().m_storage->aliases).GetQName(m_namespaceUri, GetLocalName());
+         (index != nullptr
+              ? index->GetPrefixes().GetQName(m_namespaceUri, GetLocalName())
+              : CPrefixIndex(m_element->Owner().m_storage->aliases).GetQName(m_namespaceUri, GetLocalName()));
 }
 
 CRkLocation CXmlAttribute::GetLocation() const {
@@ -839,13 +847,9 @@ CRkLocation CXmlAttribute::GetLocation() const {
   if (source == nullptr) return CRkLocation(GetXPath());
   std::uint64_t offset = m_offset;
   if (offset == CRkLocation::kNoOffset) {
-    std::size_t before = 0;
-    for (const CXmlAttribute* other : m_element->GetAttributes()) {
-      if (other == this) break;
-      before += other->m_localName == m_localName;
-    }
-    offset = source->FindAttribute(m_element->m_offset, m_localName->View(), before,
-                                   document.GetSchemaType() != SchemaType_NoNamespaces);
+    offset =
+        source->FindAttribute(m_element->m_offset, static_cast<std::size_t>(this - m_element->GetAttributes().front()),
+                              m_localName->View(), document.GetSchemaType() != SchemaType_NoNamespaces);
   }
   return source->Locate(offset, GetXPath());
 }

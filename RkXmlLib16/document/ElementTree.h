@@ -415,6 +415,7 @@ class RKXML_EXPORT CXmlDocument {
   void CountTable(std::size_t charCount);
 
  private:
+  friend class CSiblingIndex;
   friend class CXmlAttribute;
   friend class CXmlElement;
   struct Input;

@@ -1,3 +1,6 @@
+#include <set>
+#include <string>
+
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/document/ElementTree.h"
 
@@ -22,10 +25,11 @@ void CSerializationContext::TakeNamespaces(const CXmlDocument& document) {
   const CXmlElement* const root = document.GetDocumentElement();
   if (root == nullptr) return;
   CNamespaceAliasMap& aliases = GetNamespaceAliases();
-  const auto add = [&aliases](const CXmlText& prefix, const CXmlText& uri) {
-    if (prefix.empty() || uri.empty()) return;
-    if (aliases.DoesAliasExist(prefix.c_str()) || aliases.DoesNamespaceExist(uri.c_str())) return;
-    aliases.Add(prefix.c_str(), uri.c_str());
+  std::set<std::wstring> used;
+  for (const auto& [uri, alias] : aliases.GetEntries()) used.insert(alias);
+  const auto add = [&](const CXmlText& prefix, const CXmlText& uri) {
+    if (prefix.empty() || uri.empty() || aliases.DoesNamespaceExist(uri.c_str())) return;
+    if (used.insert(prefix.ToString()).second) aliases.Add(prefix.c_str(), uri.c_str());
   };
   for (const auto& declaration : document.GetDeclarations(root))
     add(declaration.prefix->GetText(), declaration.namespaceUri->GetText());

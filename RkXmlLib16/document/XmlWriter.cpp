@@ -578,10 +578,12 @@ const std::wstring& CXmlWriter::RequirePrefix(const CNamespaceName& name, bool& 
 }
 
 const std::wstring* CXmlWriter::FindElementPrefix(const std::wstring& namespaceUri) const {
-  if (namespaceUri.empty()) return &kNoPrefix.Get();
+  return FindElementPrefix(NameOf(namespaceUri));
+}
+
+const std::wstring* CXmlWriter::FindElementPrefix(const CNamespaceName& name) const {
   const CXmlWriterContext::Scope& scope = *m_context->m_scope;
-  const CNamespaceName& name = scope.NameOf(namespaceUri);
-  if (&name == scope.defaultNamespace) return &kNoPrefix.Get();
+  if (name.ordinal == 0 || &name == scope.defaultNamespace) return &kNoPrefix.Get();
   const Declaration* const found = scope.Find(name);
   if (found == nullptr || found->prefix.empty()) return nullptr;
   const bool isAvoided = m_inventsPrefixes && !m_avoidedPrefix.empty() && found->prefix == m_avoidedPrefix;

@@ -202,6 +202,7 @@ class RKXML_EXPORT CXmlWriter {
   // The prefix that stands for the namespace of an element: empty for none and for the default one, null when the scope
   // has none. An element must be open.
   const std::wstring* FindElementPrefix(const std::wstring& namespaceUri) const;
+  const std::wstring* FindElementPrefix(const CNamespaceName& name) const;
   // The namespace as this writer has it once.
   const CNamespaceName& NameOf(const std::wstring& namespaceUri) const;
 

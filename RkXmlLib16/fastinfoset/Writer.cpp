@@ -279,7 +279,7 @@ void CFastInfosetWriter::WriteStartElement(const std::wstring& localName, const 
   if (const unsigned long known = FindKnownName(m_knownElements, id)) {
     Integer<FastInfoset::kIndexBit3>(0, known);
   } else {
-    const ScopedNamespace& scoped = ResolveElement(NameOf(namespaceUri));
+    const ScopedNamespace& scoped = ResolveElement(*m_context->GetName());
     RememberName(m_knownElements, id, ElementName(scoped, localName));
   }
 }

@@ -196,7 +196,8 @@ void CJsonTextWriter::WriteStartElement(const std::wstring& localName, const std
   const bool root = m_context == nullptr;
   const bool item = !root && ContinuesArray(localName, namespaceUri);
   const bool keyHasPrefix = !item && m_roundTrip == JsonRoundTrip_Namespaces;
-  if (keyHasPrefix && !root && FindElementPrefix(namespaceUri) == nullptr) ThrowUnknownNamespace(localName);
+  const std::wstring* const prefix = keyHasPrefix && !root ? FindElementPrefix(namespaceUri) : &kNone.Get();
+  if (prefix == nullptr) ThrowUnknownNamespace(localName);
   // An item that turns out to have only text cannot stand in an array without markers.
   const bool undecided = item && m_roundTrip == JsonRoundTrip_Plain;
   const bool opensArray = !root && !item && OpensArray();
@@ -219,7 +220,7 @@ void CJsonTextWriter::WriteStartElement(const std::wstring& localName, const std
   if (root && keyHasPrefix) {
     DeclareNamespaces();
   } else if (!item) {
-    PutKey(start, {}, keyHasPrefix ? *FindElementPrefix(namespaceUri) : kNone.Get(), localName);
+    PutKey(start, {}, *prefix, localName);
     if (opensArray) OpenArray(context, *context.m_parent);
     Top().arrayItem = opensArray;
   } else {

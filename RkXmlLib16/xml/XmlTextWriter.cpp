@@ -147,7 +147,7 @@ void CXmlTextWriter::WriteStartElement(const std::wstring& localName, const std:
     m_context->m_startTagOpen = false;
   }
   CXmlWriterContext& context = PushContext(localName, namespaceUri);
-  const std::wstring* const known = FindElementPrefix(namespaceUri);
+  const std::wstring* const known = FindElementPrefix(*context.GetName());
   const bool invented = known == nullptr;
   if (invented)
     context.m_prefix = context.InventPrefix(namespaceUri);

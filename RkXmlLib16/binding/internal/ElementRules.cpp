@@ -11,6 +11,7 @@
 #include "RkXmlLib16/document/ElementTree.h"
 #include "RkXmlLib16/document/XmlWriter.h"
 #include "RkXmlLib16/document/internal/Refusal.h"
+#include "RkXmlLib16/document/internal/SiblingIndex.h"
 #include "RkXmlLib16/object/Variant.h"
 #include "RkXmlLib16/wildcards/Element.h"
 #include "RkXmlLib16/wildcards/ElementCol.h"
@@ -32,6 +33,13 @@ std::wstring Quoted(std::wstring_view name) {
   return L'[' + std::wstring(name.substr(0, isLong ? kLongestName - 3 : name.size())) + (isLong ? L"...]" : L"]");
 }
 
+bool HasNameFromHere(const CXmlElement& element, const std::wstring& name) {
+  if (CSiblingIndex* const index = CSiblingIndex::Of(element)) return index->HasNameFromHere(element, name);
+  const CXmlElement* e = &element;
+  while (e != nullptr && e->GetLocalName() != name) e = e->GetNextSiblingElement();
+  return e != nullptr;
+}
+
 // Of a member that was expected before `standing`.
 std::wstring WhatStandsThere(const std::wstring& name, const std::wstring& namespaceUri, const CXmlElement* standing) {
   if (standing == nullptr) return L"the content ends there";
@@ -39,9 +47,16 @@ std::wstring WhatStandsThere(const std::wstring& name, const std::wstring& names
     return L"the same name in another namespace, " + Quoted(standing->GetNamespaceURI()) + L" instead of " +
            Quoted(namespaceUri);
   std::wstring hint = L"found " + Quoted(standing->GetLocalName());
-  for (const CXmlElement* e = standing; e != nullptr; e = e->GetNextSiblingElement())
-    if (e->GetLocalName() == name) return hint + L", the expected one follows later";
-  return hint;
+  return HasNameFromHere(*standing, name) ? hint + L", the expected one follows later" : hint;
+}
+
+bool HasLikeBefore(const CXmlElement& element) {
+  if (CSiblingIndex* const index = CSiblingIndex::Of(element)) return index->Find(element).before > 0;
+  const CXmlElement* const parent = element.GetParentElement();
+  for (const CXmlElement* e = parent != nullptr ? parent->GetFirstElement() : nullptr; e != nullptr && e != &element;
+       e = e->GetNextSiblingElement())
+    if (e->HasNameOf(&element)) return true;
+  return false;
 }
 
 std::wstring WhyUnexpected(const CSerializationContext& context, const CXmlGeneratedClass& object,
@@ -49,11 +64,7 @@ std::wstring WhyUnexpected(const CSerializationContext& context, const CXmlGener
   CElementInfo** const infos = object.GetClassElementInfo();
   for (CElementInfo** info = infos; info != nullptr && *info != nullptr; ++info) {
     if ((*info)->IsThisElement(context, unread)) {
-      const CXmlElement* const parent = unread->GetParentElement();
-      for (const CXmlElement* e = parent != nullptr ? parent->GetFirstElement() : nullptr; e != nullptr && e != unread;
-           e = e->GetNextSiblingElement())
-        if (e->HasNameOf(unread)) return L"repeated, or out of order";
-      return L"out of order";
+      return HasLikeBefore(*unread) ? L"repeated, or out of order" : L"out of order";
     }
   }
   for (CElementInfo** info = infos; info != nullptr && *info != nullptr; ++info)

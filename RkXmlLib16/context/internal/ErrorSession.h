@@ -38,6 +38,8 @@ class RKXML_EXPORT CErrorSession {
     }
   }
 
+  // Whether a call with a handler reads on this thread.
+  static bool IsActive() noexcept;
   // Whether reading goes on after the error; false without a handler.
   static bool Tell(const CSerializationContext& context, const CRkException& error) {
     return context.GetErrorHandler() != nullptr && TellHandler(error);

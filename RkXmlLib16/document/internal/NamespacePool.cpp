@@ -10,7 +10,6 @@ const CNamespaceName& CNamespacePool::FindOther(const std::wstring& uri) {
     name = &AddNew(uri);
     m_byText.emplace(name->text.Get(), name);
   }
-  if (uri.size() <= kShort) m_last = name;
   return *name;
 }
 

@@ -1,8 +1,10 @@
 #ifndef RKXMLLIB16_DOCUMENT_INTERNAL_NAMESPACEPOOL_H
 #define RKXMLLIB16_DOCUMENT_INTERNAL_NAMESPACEPOOL_H
 
+#include <algorithm>
 #include <cstddef>
 #include <deque>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -32,13 +34,16 @@ class CNamespacePool {
  public:
   using SharedText = std::shared_ptr<const std::wstring>;
 
-  CNamespacePool() : m_last(&AddNew({})) {}
+  CNamespacePool() { std::fill(std::begin(m_recent), std::end(m_recent), &AddNew({})); }
   CNamespacePool(const CNamespacePool&) = delete;
   CNamespacePool& operator=(const CNamespacePool&) = delete;
 
   const CNamespaceName& Find(const std::wstring& uri) {
     if (uri.size() > kShort) return &uri == m_told ? *m_toldName : FindOther(uri);
-    return WideText::IsEqual(uri, m_last->text.Get()) ? *m_last : FindOther(uri);
+    if (uri.empty()) return GetEmpty();
+    const CNamespaceName*& recent = m_recent[(uri.size() ^ static_cast<std::size_t>(uri.back())) % std::size(m_recent)];
+    if (!WideText::IsEqual(uri, recent->text.Get())) recent = &FindOther(uri);
+    return *recent;
   }
   // The next call of Find may be for this text; it stays as it is while the pool is there.
   void Tell(const SharedText& uri) {
@@ -63,7 +68,7 @@ class CNamespacePool {
   std::deque<CNamespaceName> m_names;
   std::unordered_map<std::wstring_view, const CNamespaceName*, CKeyedHash> m_byText;  // without the empty one
   std::unordered_map<const std::wstring*, std::pair<SharedText, const CNamespaceName*>> m_byAddress;
-  const CNamespaceName* m_last;  // of the short ones
+  const CNamespaceName* m_recent[8];  // short ones, by length and end
   const std::wstring* m_told = nullptr;
   const CNamespaceName* m_toldName = nullptr;
 };

@@ -207,38 +207,45 @@ CRkLocation CSource::Locate(std::uint64_t offset, std::wstring path) {
   return location;
 }
 
-std::uint64_t CSource::FindAttribute(std::uint64_t tag, std::wstring_view localName, std::size_t index,
-                                     bool hasPrefixes) const {
+std::uint64_t CSource::FindAttribute(std::uint64_t tag, std::size_t index, std::wstring_view localName,
+                                     bool hasPrefixes) {
   if (tag < m_first || tag >= GetEnd()) return tag;
-  auto at = static_cast<std::size_t>(tag);
+  if (m_tag.offset != tag || m_tag.index > index) {
+    m_tag = {tag, 0, static_cast<std::size_t>(tag)};
+    // The content of an entity has no tag where the reference stands.
+    if (Next(m_tag.byte) != U'<') return m_tag.offset = CRkLocation::kNoOffset, tag;
+    while (m_tag.byte < GetEnd() && !IsBlank(Peek(m_tag.byte)) && Peek(m_tag.byte) != U'>') Next(m_tag.byte);
+  }
+  std::size_t at = m_tag.byte;
   const auto isAtEnd = [&] { return at >= GetEnd(); };
-  const auto peek = [&] {
-    std::size_t behind = at;
-    return isAtEnd() ? U'>' : Next(behind);
-  };
-  // The content of an entity has no tag where the reference stands.
-  if (Next(at) != U'<') return tag;
-  while (!isAtEnd() && !IsBlank(peek()) && peek() != U'>') Next(at);
   std::wstring name;
   for (;;) {
-    while (IsBlank(peek())) Next(at);
-    const std::uint64_t start = at;
-    for (name.clear(); !IsBlank(peek()) && peek() != U'=' && peek() != U'>';) name += static_cast<wchar_t>(Next(at));
-    while (IsBlank(peek())) Next(at);
-    if (peek() != U'=') return tag;
+    while (IsBlank(Peek(at))) Next(at);
+    const std::size_t start = at;
+    for (name.clear(); !IsBlank(Peek(at)) && Peek(at) != U'=' && Peek(at) != U'>';)
+      name += static_cast<wchar_t>(Next(at));
+    while (IsBlank(Peek(at))) Next(at);
+    if (Peek(at) != U'=') return tag;
     Next(at);
-    while (IsBlank(peek())) Next(at);
+    while (IsBlank(Peek(at))) Next(at);
     if (isAtEnd()) return tag;
     const char32_t quote = Next(at);
-    while (!isAtEnd() && peek() != quote) Next(at);
+    while (!isAtEnd() && Peek(at) != quote) Next(at);
     if (isAtEnd()) return tag;
     Next(at);
 
     const std::size_t colon = hasPrefixes ? name.find(L':') : std::wstring::npos;
     if (hasPrefixes && (name == L"xmlns" || name.compare(0, colon + 1, L"xmlns:") == 0)) continue;
-    const std::wstring_view local = std::wstring_view(name).substr(colon == std::wstring::npos ? 0 : colon + 1);
-    if (local == localName && index-- == 0) return start;
+    if (m_tag.index == index) {
+      const std::wstring_view local = std::wstring_view(name).substr(colon == std::wstring::npos ? 0 : colon + 1);
+      m_tag.byte = start;
+      return local == localName ? start : tag;
+    }
+    ++m_tag.index;
+    m_tag.byte = at;
   }
 }
+
+char32_t CSource::Peek(std::size_t byte) const { return byte < GetEnd() ? Next(byte) : U'>'; }
 
 }  // namespace RkXmlLib16

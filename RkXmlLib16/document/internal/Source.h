@@ -72,10 +72,9 @@ class RKXML_EXPORT CSource {
   void DropBefore(std::uint64_t offset, const std::vector<std::uint64_t>& pinned, std::size_t known);
 
   CRkLocation Locate(std::uint64_t offset, std::wstring path);
-  // The offset of the attribute in the start tag at `tag`, the `index`th of those with this local name; `tag` itself
-  // when there is none.
-  std::uint64_t FindAttribute(std::uint64_t tag, std::wstring_view localName, std::size_t index,
-                              bool hasPrefixes) const;
+  // The offset of the `index`th attribute in the start tag at `tag`, declarations aside; `tag` itself when there is
+  // none or it has another local name. Asking for one after the other takes one walk over the tag.
+  std::uint64_t FindAttribute(std::uint64_t tag, std::size_t index, std::wstring_view localName, bool hasPrefixes);
 
  private:
   // Stands before a character.
@@ -88,6 +87,7 @@ class RKXML_EXPORT CSource {
 
   // The character at `byte`, which moves behind it.
   char32_t Next(std::size_t& byte) const;
+  char32_t Peek(std::size_t byte) const;  // '>' at the end
   std::uint64_t KeyOf(std::size_t bytes) const;
   Mark Start() const;
   void Advance(Mark& mark, std::uint64_t key);
@@ -111,6 +111,12 @@ class RKXML_EXPORT CSource {
   std::size_t m_first = 0;  // bytes of the document before m_input
   Mark m_base;              // at the first byte of m_input
   bool m_isInPieces = false;
+  struct Tag {
+    std::uint64_t offset = CRkLocation::kNoOffset;
+    std::size_t index = 0;  // of the attribute that follows
+    std::size_t byte = 0;
+  };
+  Tag m_tag;  // the one that was looked through last
 };
 
 }  // namespace RkXmlLib16
