@@ -189,6 +189,16 @@ void CheckAllForms(const CElement& tree) {
               [&](CElement& again) { again.FromJsonStream(json, context); });
 }
 
+void CheckCollected(const CErrorCollector& collector, bool isRead, bool isAccepted) {
+  Require(isRead || collector.HasErrors(), "what throws is told");
+  Require(collector.HasErrors() != isAccepted, "errors are told of what is refused, and of nothing else",
+          collector.GetReport());
+  for (const auto& error : collector.GetErrors())
+    Require(!error->GetReport().empty() && error->what()[0] != '\0', "an error has a report");
+  for (const CRkDropped& dropped : collector.GetDropped())
+    Require(!dropped.GetReport().empty(), "something dropped has a report");
+}
+
 std::wstring TextOf(std::string_view bytes) {
   std::string text(bytes);
   text.erase(std::remove(text.begin(), text.end(), '\0'), text.end());

@@ -38,14 +38,6 @@ bool FitsJson(const CElement& tree);
 // The tree is the same after XML text, JSON text and Fast Infoset.
 void CheckAllForms(const CElement& tree);
 
-// The text as Fast Infoset brings it, with each surrogate pair as the one character that it stands for and U+FFFD for a
-// lone one; and as XML text brings it, with pairs for such characters.
-std::wstring Joined(const std::wstring& text);
-std::wstring Split(const std::wstring& text);
-
-// The bytes as UTF-8, whatever they are, without NUL.
-std::wstring TextOf(std::string_view bytes);
-
 // Calls `work` and swallows what documents may cause.
 template <class Work>
 bool Succeeds(Work&& work) {
@@ -56,6 +48,33 @@ bool Succeeds(Work&& work) {
     return false;
   }
 }
+
+// What was read with an error handler fits what was read without one: errors are told of what is refused, and of
+// nothing else, and reports can be made of all that was told.
+void CheckCollected(const CErrorCollector& collector, bool isRead, bool isAccepted);
+
+// Reads into the tree without and with an error handler, by `read(tree, context)`; both accept the document and read
+// the same, or neither. Whether it was accepted.
+template <class Read>
+bool ReadBothWays(CElement& tree, CSerializationContext& context, Read&& read) {
+  const bool isAccepted = Succeeds([&] { read(tree, context); });
+  CErrorCollector collector(5);
+  context.SetErrorHandler(&collector);
+  CElement again;
+  const bool isRead = Succeeds([&] { read(again, context); });
+  context.SetErrorHandler(nullptr);
+  CheckCollected(collector, isRead, isAccepted);
+  if (isAccepted) Require(Describe(again) == Describe(tree), "the same with an error handler", Describe(tree));
+  return isAccepted;
+}
+
+// The text as Fast Infoset brings it, with each surrogate pair as the one character that it stands for and U+FFFD for a
+// lone one; and as XML text brings it, with pairs for such characters.
+std::wstring Joined(const std::wstring& text);
+std::wstring Split(const std::wstring& text);
+
+// The bytes as UTF-8, whatever they are, without NUL.
+std::wstring TextOf(std::string_view bytes);
 
 }  // namespace Fuzz
 

@@ -43,12 +43,7 @@ void RequireSameWithCollector(const std::uint8_t* data, std::size_t size, const 
   context.SetErrorHandler(&collector);
   Object object;
   const bool isRead = Succeeds([&] { object.FromXmlStream(const_cast<std::uint8_t*>(data), size, context); });
-  Require(isRead || collector.HasErrors(), "what throws is told", L"");
-  Require(collector.HasErrors() == (accepted == nullptr), "errors are told of what is refused, and of nothing else",
-          collector.GetReport());
-  for (const auto& error : collector.GetErrors())
-    Require(!error->GetReport().empty() && error->what()[0] != '\0', "an error has a report", L"");
-  for (const CRkDropped& dropped : collector.GetDropped()) dropped.GetReport();
+  CheckCollected(collector, isRead, accepted != nullptr);
   if (accepted == nullptr) return;
   Require(Describe(*TreeOf(object)) == Describe(*TreeOf(*accepted)), "the same object with a collector", L"");
 }

@@ -5,7 +5,7 @@ using namespace Fuzz;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size == 0) return 0;
-  const CSerializationContext context = MakeContext();
+  CSerializationContext context = MakeContext();
   // The first byte chooses the settings.
   CJsonContext& json = *context.GetJsonContext();
   json.SetSupportRoundtrip(data[0] % 4 == 1   ? JsonRoundTrip_Plain
@@ -14,7 +14,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   json.GetAllowComments((data[0] & 4) != 0);
   if ((data[0] & 8) != 0) json.SetRootElementName(L"root");
   CElement tree;
-  if (Succeeds([&] { tree.FromJsonStream(const_cast<std::uint8_t*>(data + 1), size - 1, context); }))
+  if (ReadBothWays(tree, context, [&](CElement& into, const CSerializationContext& settings) {
+        into.FromJsonStream(const_cast<std::uint8_t*>(data + 1), size - 1, settings);
+      }))
     CheckAllForms(tree);
   return 0;
 }

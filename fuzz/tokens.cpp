@@ -184,9 +184,10 @@ class Tokens {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   std::string document = Tokens(data, size).Build();
   CElement tree;
-  const CSerializationContext context = MakeContext();
-  if (Succeeds(
-          [&] { tree.FromXmlStream(reinterpret_cast<unsigned char*>(document.data()), document.size(), context); }))
+  CSerializationContext context = MakeContext();
+  if (ReadBothWays(tree, context, [&](CElement& into, const CSerializationContext& settings) {
+        into.FromXmlStream(reinterpret_cast<unsigned char*>(document.data()), document.size(), settings);
+      }))
     CheckAllForms(tree);
   return 0;
 }

@@ -5,7 +5,10 @@ using namespace Fuzz;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   CElement tree;
-  const CSerializationContext context = MakeContext();
-  if (Succeeds([&] { tree.FromXmlStream(const_cast<std::uint8_t*>(data), size, context); })) CheckAllForms(tree);
+  CSerializationContext context = MakeContext();
+  if (ReadBothWays(tree, context, [&](CElement& into, const CSerializationContext& settings) {
+        into.FromXmlStream(const_cast<std::uint8_t*>(data), size, settings);
+      }))
+    CheckAllForms(tree);
   return 0;
 }

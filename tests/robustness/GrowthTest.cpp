@@ -269,6 +269,37 @@ TEST_F(GrowthTest, PathsOfErrors) {
   ExpectLinear("paths", tell, 400);
 }
 
+// Each with its path, place and hint.
+TEST_F(GrowthTest, ManyErrorsInOneElement) {
+  const Table table(ClassInfo(kSequence, L"r"), {Prim(L"v", 0)});
+  const Rows<const char*, std::string (*)(int)> documents = {
+      {"elements", [](int n) { return "<r><v>1</v>" + Times(n, "<u/>") + "</r>"; }},
+      {"elements of many names",
+       [](int n) {
+         std::string elements;
+         for (int i = 0; i < n; ++i) elements += "<u" + std::to_string(10000 + i) + "/>";
+         return "<r><v>1</v>" + elements + Times(n, "<v/>") + "</r>";
+       }},
+      {"attributes",
+       [](int n) {
+         std::string attributes;
+         for (int i = 0; i < n; ++i) attributes += " u" + std::to_string(10000 + i) + "=''";
+         return "<r" + attributes + "><v>1</v></r>";
+       }},
+  };
+  for (const auto& [name, make] : documents) {
+    ExpectLinear(name, [&, make = make](int n) -> std::function<void()> {
+      return [&table, xml = make(n), n] {
+        CErrorCollector collector;
+        CSerializationContext context;
+        context.SetErrorHandler(&collector);
+        CTableClass::Create(table)->FromXml(xml.c_str(), context);
+        EXPECT_LE(static_cast<std::size_t>(n), collector.GetErrorCount());
+      };
+    });
+  }
+}
+
 TEST_F(GrowthTest, FailuresInsideEachOther) {
   const Table table(ClassInfo(kSequence, L"e"), {Cls(L"e", 0), Prim(L"v", 1)});
   Classes() = {&table};
