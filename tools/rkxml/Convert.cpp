@@ -1,3 +1,5 @@
+#include "Convert.h"
+
 #include <cstdio>
 #include <memory>
 #include <optional>
@@ -77,12 +79,20 @@ void WriteObject(const CXmlObjectBase& object, const Options& options, const CSe
   output.Complete();
 }
 
-// By way of a tree of the whole document; returns what that cannot keep.
-std::string ConvertWhole(const Options& options, const InputFile& input, CSerializationContext& context,
-                         Progress& progress) {
+CSerializationContext ContextOf(const Options& options) {
+  CSerializationContext context;
+  context.GetLimits() = options.limits;
+  context.SetIndentChars(options.layout.indent.c_str());
+  options.json.ApplyTo(context);
+  return context;
+}
+
+}  // namespace
+
+void ConvertWhole(const Options& options, const InputFile& input, Progress& progress, std::string& leftOut) {
+  CSerializationContext context = ContextOf(options);
   CErrorCollector collector;
   if (!options.quiet) context.SetErrorHandler(&collector);
-  std::string leftOut;
   std::optional<Schema> schema;  // outlives the object
   CSmartPtr<CXmlObjectBase> object;
   {
@@ -107,16 +117,13 @@ std::string ConvertWhole(const Options& options, const InputFile& input, CSerial
   }
   progress.Begin("writing", 0);
   WriteObject(*object, options, context, progress);
-  return leftOut;
 }
 
-// Tag by tag, in constant memory, after a look at the whole document; false, and nothing done, when the result would
-// not be that of the whole document.
-bool ConvertInPieces(const Options& options, const InputFile& input, CSerializationContext context, Progress& progress,
-                     std::string& leftOut) {
+bool ConvertInPieces(const Options& options, const InputFile& input, Progress& progress, std::string& leftOut) {
   // JSON has arrays, whose ends must be known before they begin, and types come from objects.
   if (options.to == FindForm("json") || options.UsesSchema() || options.layout.encoding != XmlEncoding_UTF8)
     return false;
+  CSerializationContext context = ContextOf(options);
   CErrorCollector collector;
   if (!options.quiet) context.SetErrorHandler(&collector);
   Scan scan;
@@ -149,20 +156,13 @@ bool ConvertInPieces(const Options& options, const InputFile& input, CSerializat
   return true;
 }
 
-}  // namespace
-
 void Convert(const Options& options) {
   std::string leftOut;
   {
     Progress progress;
     progress.Begin("reading", 0);
     const InputFile input(options.input);
-    CSerializationContext context;
-    context.GetLimits() = options.limits;
-    context.SetIndentChars(options.layout.indent.c_str());
-    options.json.ApplyTo(context);
-    if (!ConvertInPieces(options, input, context, progress, leftOut))
-      leftOut = ConvertWhole(options, input, context, progress);
+    if (!ConvertInPieces(options, input, progress, leftOut)) ConvertWhole(options, input, progress, leftOut);
   }
   if (!leftOut.empty()) std::fprintf(stderr, "rkxml: not kept: %s: --quiet to be silent\n", leftOut.c_str());
 }

@@ -114,10 +114,11 @@ class Scanner {
     for (const auto& [prefix, uri] : document.GetNamespaceAliases())
       m_scan.declared.emplace_back(prefix.ToString(), uri.ToString());
     m_context.TakeNamespaces(document);
-    const bool hasDefault = !m_context.GetDefaultNamespaceURI().empty();
-    if (hasDefault && m_hasNoNamespace) m_context.SetDefaultNamespaceURI(L"");
-    // A type without prefix is in the default namespace.
-    if (hasDefault && m_hasNoNamespace && m_hasPlainType) m_scan.isPlain = false;
+    if (m_hasNoNamespace) m_context.SetDefaultNamespaceURI(L"");
+    // A type without prefix is in the default namespace where it stands, which the root element may not declare.
+    const auto declared = m_uriOf.find(document.GetEmptyName());
+    if (m_hasPlainType && declared != m_uriOf.end() && declared->second->View() != m_context.GetDefaultNamespaceURI())
+      m_scan.isPlain = false;
   }
 
   void Declare(const CXmlDocument::Declaration& declaration) {
