@@ -14,6 +14,7 @@
 #include "RkXmlLib16/binding/CheckMetaData.h"
 #include "RkXmlLib16/binding/DocumentStream.h"
 #include "RkXmlLib16/binding/DocumentWriter.h"
+#include "RkXmlLib16/binding/ObjectStream.h"
 #include "RkXmlLib16/collections/Collection.h"
 #include "RkXmlLib16/collections/CollectionBase.h"
 #include "RkXmlLib16/collections/TypeCollection.h"

@@ -1,6 +1,7 @@
 #include "RkXmlLib16/binding/DocumentStream.h"
 
 #include <algorithm>
+#include <deque>
 #include <exception>
 #include <memory>
 #include <new>
@@ -15,7 +16,9 @@
 #include "RkXmlLib16/document/internal/Pieces.h"
 #include "RkXmlLib16/document/internal/Source.h"
 #include "RkXmlLib16/fastinfoset/Reader.h"
+#include "RkXmlLib16/io/Encoder.h"
 #include "RkXmlLib16/io/internal/InflatingSource.h"
+#include "RkXmlLib16/json/internal/JsonPieces.h"
 #include "RkXmlLib16/xml/ExpatReader.h"
 
 namespace RkXmlLib16 {
@@ -45,6 +48,17 @@ bool IsEnough(std::string_view beginning) {
   if (beginning.size() >= kLongestBeginning) return true;
   if (beginning.substr(0, kDeclaration.size()) == kDeclaration) return beginning.find("?>") != std::string_view::npos;
   return FindText(beginning) != std::string_view::npos;
+}
+
+// Without a character at the end of which more bytes may follow.
+std::size_t LengthOfWholeCharacters(std::string_view utf8) {
+  constexpr std::size_t kLongest = 4;
+  for (std::size_t last = 1; last < kLongest && last <= utf8.size(); ++last) {
+    const auto byte = static_cast<unsigned char>(utf8[utf8.size() - last]);
+    if ((byte & 0xC0) == 0x80) continue;
+    return byte < 0x80 ? utf8.size() : utf8.size() - last;
+  }
+  return utf8.size();
 }
 
 const unsigned char* BytesOf(std::string_view view) { return reinterpret_cast<const unsigned char*>(view.data()); }
@@ -104,8 +118,12 @@ struct CDocumentStream::State {
 
   void Begin();
   void BeginDocument();
+  void BeginJson();
   void Advance();
   void AdvanceXml();
+  void AdvanceJson();
+  bool GetMoreText(std::wstring& text);
+  void ConvertJson();
   bool IsAllFed() const { return input.IsAtEnd() && fed == input.GetEnd(); }
   void Finish();
   [[noreturn]] void ThrowDamaged() const;
@@ -126,6 +144,10 @@ struct CDocumentStream::State {
   std::unique_ptr<CExpatReader> xml;
   std::unique_ptr<CFastInfosetReader> fastInfoset;
   std::size_t fed = 0;  // bytes that expat has
+  std::unique_ptr<CJsonPieces> json;
+  std::exception_ptr jsonFailure;    // behind the XML text that was made before
+  std::deque<std::uint64_t> places;  // of that XML text in the JSON
+  std::size_t decoded = 0;           // bytes of which the JSON reader has the characters
   bool isSuspended = false;
   bool hasEvent = false;  // the first one is that of the last Next
   bool isComplete = false;
@@ -138,7 +160,8 @@ void CDocumentStream::State::Begin() {
   const std::string_view beginning = input.GetView();
   if (form == DocumentForm_Any) {
     const std::size_t text = FindText(beginning);
-    const bool isJson = text != std::string_view::npos && (beginning[text] == '{' || beginning[text] == '[');
+    const std::string_view starts = context->GetJsonContext()->GetAllowComments() ? "{[/" : "{[";
+    const bool isJson = text != std::string_view::npos && starts.find(beginning[text]) != std::string_view::npos;
     form = isJson ? DocumentForm_Json : DocumentForm_Xml;
   }
   const bool isJson = form == DocumentForm_Json;
@@ -151,7 +174,7 @@ void CDocumentStream::State::Begin() {
     context = ownContext.get();
   }
   BeginDocument();
-  if (isJson) throw CRkException(L"JSON cannot be read in pieces yet.");
+  if (isJson) return BeginJson();
   auto reader = std::make_unique<CFastInfosetReader>(*context->GetFIContext(), *document);
   const auto more = [this](std::size_t used) {
     CSource& held = input.GetSource();
@@ -210,6 +233,8 @@ void CDocumentStream::State::Advance() {
   if (document == nullptr) Begin();
   if (fastInfoset != nullptr)
     isComplete = !fastInfoset->ReadOn();
+  else if (json != nullptr)
+    AdvanceJson();
   else
     AdvanceXml();
   if (isComplete) Finish();
@@ -234,7 +259,69 @@ void CDocumentStream::State::AdvanceXml() {
   isComplete = !isSuspended && IsAllFed();
 }
 
+void CDocumentStream::State::BeginJson() {
+  json = std::make_unique<CJsonPieces>(*context, [this](std::wstring& text) { return GetMoreText(text); });
+  pieces->SetPlaces(&places);
+  if (input.GetView().substr(0, kUtf8Mark.size()) == kUtf8Mark) decoded = kUtf8Mark.size();
+  document->SetPieceInput(nullptr, 0, 0);
+  xml = std::make_unique<CExpatReader>(*document);
+  xml->CreateParser();
+}
+
+bool CDocumentStream::State::GetMoreText(std::wstring& text) {
+  for (;;) {
+    const std::string_view bytes = input.GetView().substr(decoded - input.GetSource().GetFirstByte());
+    const std::size_t whole = input.IsAtEnd() ? bytes.size() : LengthOfWholeCharacters(bytes);
+    if (whole != 0) {
+      text += CEncoder::Utf8ToUnicode(bytes.substr(0, whole));
+      decoded += whole;
+      return true;
+    }
+    if (input.IsAtEnd()) return false;
+    const std::vector<std::uint64_t>& nodes = json->GetNodes();
+    const std::uint64_t itemStart = json->GetReader().GetItemStart();
+    Drop(!places.empty() ? places.front() : !nodes.empty() ? nodes.front() : itemStart);
+    if (!input.Grow() && input.IsDamaged()) ThrowDamaged();
+  }
+}
+
+void CDocumentStream::State::ConvertJson() {
+  try {
+    json->Convert();
+  } catch (CRkException& e) {
+    if (!e.HasLocation()) e.SetLocation(input.GetSource().Locate(json->GetErrorPosition(e), e.GetPath()));
+    e.SetEndsReading();
+    jsonFailure = std::current_exception();
+  }
+  places.insert(places.end(), json->GetNodes().begin(), json->GetNodes().end());
+  json->GetNodes().clear();
+}
+
+void CDocumentStream::State::AdvanceJson() {
+  if (isSuspended) {
+    isSuspended = xml->Resume();
+  } else {
+    if (jsonFailure != nullptr) std::rethrow_exception(jsonFailure);
+    ConvertJson();
+    const CBinaryData text = json->TakeXml();
+    fed += text.GetLength();
+    if (json->IsAtEnd() && fed == 0) throw CRkException(L"XML String is empty!");
+    document->SetPieceInput(nullptr, 0, fed);
+    isSuspended = xml->ParsePiece(text.GetData(), text.GetLength(), json->IsAtEnd());
+  }
+  isComplete = !isSuspended && json->IsAtEnd();
+}
+
 void CDocumentStream::State::Finish() {
+  if (json != nullptr) {
+    pieces->SetPlaces(nullptr);
+    CJsonTextReader& reader = json->GetReader();
+    if (reader.SkipToRest()) {
+      const std::size_t start = reader.GetPosition();
+      document->NoteDropped(RkDropped_TrailingText, start, 0);
+      document->NoteDropped(RkDropped_TrailingText, start, reader.SkipRest());
+    }
+  }
   if (fastInfoset != nullptr) {
     const std::size_t end = fastInfoset->GetOffset();
     std::size_t count = fastInfoset->GetRemaining();
@@ -294,6 +381,8 @@ CDocumentStream::Event CDocumentStream::Next() {
   static_assert(static_cast<int>(CPieces::Kind::End) == static_cast<int>(Event::End));
   return state.hasEvent ? static_cast<Event>(state.pieces->GetEvent().kind) : Event::Done;
 }
+
+void CDocumentStream::Stop() noexcept { m_state->hasFailed = true; }
 
 const CXmlElement* CDocumentStream::GetElement() const noexcept {
   return m_state->hasEvent ? m_state->pieces->GetEvent().element : nullptr;

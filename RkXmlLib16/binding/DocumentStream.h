@@ -15,7 +15,7 @@ namespace RkXmlLib16 {
 
 // Which readers a stream tries. Each takes gzip and zlib wrappers off.
 enum DocumentForm : int {
-  DocumentForm_Any,  // JSON by its first character '{' or '[', otherwise as DocumentForm_Xml
+  DocumentForm_Any,  // JSON by its first character '{' or '[' (or '/' with comments), otherwise as DocumentForm_Xml
   DocumentForm_Xml,  // Fast Infoset (ITU-T X.891) by its header, otherwise XML text
   DocumentForm_Json
 };
@@ -69,6 +69,9 @@ class RKXML_EXPORT CDocumentStream {
 
   // Reads on. Throws CRkException as the loads of CXmlDocument do; a stream that has thrown gives Done.
   Event Next();
+
+  // Gives up: Next then gives Done.
+  void Stop() noexcept;
 
   // Of Start, Subtree and End; null otherwise. It is valid until the next call of Next. Its parents, the open elements,
   // have their attributes and nothing else.

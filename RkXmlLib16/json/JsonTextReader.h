@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -45,6 +46,9 @@ class RKXML_EXPORT CJsonTextReader {
 
   // `text` is kept: it must outlive the reader.
   explicit CJsonTextReader(const std::wstring& text);
+  // A text in pieces: `more` appends the next one; false when there is none.
+  using More = std::function<bool(std::wstring& text)>;
+  explicit CJsonTextReader(More more);
   CJsonTextReader(const CJsonTextReader&) = delete;
   CJsonTextReader& operator=(const CJsonTextReader&) = delete;
   ~CJsonTextReader();
@@ -60,20 +64,38 @@ class RKXML_EXPORT CJsonTextReader {
 
   // Reads the text from its start.
   void Read();
+  // The same in steps: after Start, ReadOn reads a value, a start or an end; false when all is read.
+  void Start();
+  bool ReadOn();
+  // After that: goes to the first character behind the value that is no white space, and to the end of the text.
+  // Return whether there is such a character, and how many of them.
+  bool SkipToRest();
+  std::size_t SkipRest();
   // The index of the character that is read next, and of the start of the innermost member or array item.
-  std::size_t GetPosition() const noexcept { return m_at; }
+  std::size_t GetPosition() const noexcept { return m_before + m_at; }
   std::size_t GetItemStart() const noexcept { return m_itemStart; }
 
  private:
-  static constexpr int kMaxDepth = 100;
+  static constexpr std::size_t kMaxDepth = 100;
+  static constexpr std::size_t kNothingHeld = SIZE_MAX;
+  enum class Expected { Value, MoreOrEnd, Nothing };
 
-  bool AtEnd() const noexcept { return m_at == m_text.size(); }
+  bool AtEnd() { return m_at == m_text.size() && !GetMore(); }
   // The current character; NUL at the end of the text, where no caller takes it for one.
-  wchar_t Current() const noexcept { return AtEnd() ? L'\0' : m_text[m_at]; }
+  wchar_t Current() { return AtEnd() ? L'\0' : m_text[m_at]; }
+  // Lets go of what was read and not held, and gets more behind what is left; false at the end of the text.
+  bool GetMore();
+  // Whether so many characters are left.
+  bool Has(std::size_t count);
   void SkipWhiteSpace();
-  void ReadValue(int depth);
-  void ReadObject(int depth);
-  void ReadArray(int depth);
+  void SkipBehind(std::wstring_view end);
+  void End();
+  void ReadValue();
+  void StartObject();
+  void ReadMemberName();
+  void StartArray();
+  void StartItem();
+  void ReadMoreOrEnd();
   // Leaves the text between the quotation marks in m_buffer.
   void ReadQuoted();
   void ReadEscape();
@@ -85,13 +107,21 @@ class RKXML_EXPORT CJsonTextReader {
   // Throws with the line and position, and with the current character where the message shows it.
   [[noreturn]] void Fail(const wchar_t* message) const;
   // One message for the end of the text, one for any other character.
-  [[noreturn]] void FailUnexpected(const wchar_t* endMessage, const wchar_t* message) const;
+  [[noreturn]] void FailUnexpected(const wchar_t* endMessage, const wchar_t* message);
 
   std::unique_ptr<CJsonReaderDefaultHandler> m_handler;
   bool m_allowComments = false;
   std::wstring m_rootElementName;
-  const std::wstring& m_text;
-  std::size_t m_at = 0;  // the index of the current character
+  std::wstring_view m_text;  // what is there of it
+  std::size_t m_at = 0;      // the index of the current character in m_text
+  std::vector<bool> m_open;  // the objects (true) and arrays around it
+  Expected m_expected = Expected::Nothing;
+  More m_more;  // null when m_text is all
+  std::wstring m_window;
+  std::size_t m_held = kNothingHeld;  // the index of the first character that is to stay
+  std::size_t m_before = 0;           // characters before m_text
+  std::size_t m_linesBefore = 0;      // line feeds in them
+  std::size_t m_columnBefore = 0;     // characters behind the last of these
   std::size_t m_itemStart = 0;
   std::wstring m_buffer;  // the name, string or number being read
 };

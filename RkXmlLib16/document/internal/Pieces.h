@@ -60,7 +60,7 @@ class RKXML_EXPORT CPieces {
   CPiecePaths& GetPaths() noexcept { return m_paths; }
   void SetReportsOpen(bool reports) noexcept { m_reportsOpen = reports; }
   // XML text made of JSON: the places of its elements and attributes come from here, in their order.
-  void SetPlaces(std::deque<std::uint64_t>& places) noexcept { m_places = &places; }
+  void SetPlaces(std::deque<std::uint64_t>* places) noexcept { m_places = places; }
   std::deque<std::uint64_t>* GetPlaces() const noexcept { return m_places; }
 
   // An element begins; its attributes are there when the start is complete.
