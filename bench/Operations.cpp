@@ -19,7 +19,7 @@ namespace {
 template <class Root>
 struct Held {
   std::string xml;
-  CBinaryData json, finf, finfTyped, gzip;
+  CBinaryData xmlBytes, json, finf, finfTyped, gzip;
   CSerializationContext context, typed;
   CSmartPtr<Root> object;  // filled
   CSmartPtr<Root> target;
@@ -38,11 +38,32 @@ void SettleHeap() {
   std::free(larger);
 }
 
+void AddPaths(CObjectStream& stream, const Gpx::CGpxType&) {
+  stream.AddPath<Gpx::CWptType>(L"/gpx/trk/trkseg/trkpt");
+  stream.AddPath<Gpx::CWptType>(L"/gpx/wpt");
+}
+
+void AddPaths(CObjectStream& stream, const Order::COrderType&) {
+  stream.AddPath<Order::CGoodsType>(L"/order/lines/goods");
+  stream.AddPath<Order::CServiceType>(L"/order/lines/service");
+}
+
+// All objects of what makes the document long, one after the other.
+template <class Root>
+void ReadStream(const CBinaryData& document, const Held<Root>& held) {
+  CMemorySource source(document);
+  CObjectStream stream(source, held.context);
+  AddPaths(stream, *held.object);
+  while (stream.Next()) {
+  }
+}
+
 template <class Root>
 Subject MakeSubject(std::string&& name, std::string&& xml) {
   auto held = std::make_shared<Held<Root>>();
   Held<Root>& h = *held;
   h.xml = std::move(xml);
+  h.xmlBytes.Append(Bytes(h.xml), h.xml.size());
   h.object = new Root;
   h.context.SetDefaultNamespaceURI(h.object->GetTargetNamespace());
   h.context.GetNamespaceAliases().Add(L"xsi", L"http://www.w3.org/2001/XMLSchema-instance");
@@ -80,6 +101,7 @@ Subject MakeSubject(std::string&& name, std::string&& xml) {
   operations.push_back({"bare expat", [] {}, [&h] { ParseWithBareExpat(h.xml); }});
   operations.push_back({"XML bytes to tree", newDocument, load, dropDocument});
   operations.push_back({"XML bytes to objects", fresh, read, drop});
+  operations.push_back({"XML bytes to a stream of objects", [] {}, [&h] { ReadStream(h.xmlBytes, h); }});
   operations.push_back({"objects to XML bytes", clear, [&h] {
                           h.out = h.object->ToXmlStream(true, true, XmlEncoding_UTF8, EOLType_LF, h.context,
                                                         CompressionType_None);
@@ -98,13 +120,16 @@ Subject MakeSubject(std::string&& name, std::string&& xml) {
                                                         CompressionType_GZip);
                         }});
   operations.push_back({"JSON bytes to objects", fresh, [&h] { h.target->FromJsonStream(h.json, h.context); }, drop});
+  operations.push_back({"JSON bytes to a stream of objects", [] {}, [&h] { ReadStream(h.json, h); }});
   operations.push_back({"Fast Infoset to tree", newDocument,
                         [&h] { h.document->LoadXmlStream(h.finf.GetData(), h.finf.GetLength()); }, dropDocument});
   operations.push_back({"Fast Infoset to objects", fresh, [&h] { h.target->FromXmlStream(h.finf, h.context); }, drop});
+  operations.push_back({"Fast Infoset to a stream of objects", [] {}, [&h] { ReadStream(h.finf, h); }});
   operations.push_back(
       {"Fast Infoset, typed, to objects", fresh, [&h] { h.target->FromXmlStream(h.finfTyped, h.context); }, drop});
   operations.push_back(
       {"XML bytes, gzip, to objects", fresh, [&h] { h.target->FromXmlStream(h.gzip, h.context); }, drop});
+  operations.push_back({"XML bytes, gzip, to a stream of objects", [] {}, [&h] { ReadStream(h.gzip, h); }});
   operations.push_back({"destruction of the tree",
                         [=] {
                           newDocument();

@@ -1,12 +1,8 @@
 #!/usr/bin/env bash
 # Builds a fuzz target with libFuzzer, AddressSanitizer and UndefinedBehaviorSanitizer and runs it.
 #
-<<<<<<< HEAD
-#   scripts/fuzz.sh TARGET SECONDS   xml, classes, json, fastinfoset, tokens, lengths, inflate, values, pattern, writer,
-#                                    schema or dynamic
-=======
-#   scripts/fuzz.sh TARGET SECONDS   xml, scanner, classes, json, fastinfoset, inflate, values, pattern, writer or schema
->>>>>>> 31f0326 (xml: scan plain documents straight into the tree)
+#   scripts/fuzz.sh TARGET SECONDS   xml, scanner, classes, json, fastinfoset, tokens, lengths, inflate, pieces, values,
+#                                    pattern, writer, schema or dynamic
 #
 # What it finds on the way stays in build/fuzz/found/TARGET. A crash is put into fuzz/old_crashes/TARGET, where the tests
 # replay it: keep it there, small, with the repair.

@@ -58,7 +58,7 @@ bool CObjectStream::Next() {
 
 // False for an object with errors that the handler was told of.
 bool CObjectStream::ReadObject() {
-  m_object = m_factories[m_stream->GetPathNumber()]();
+  m_object = m_factories[m_stream->GetPathNumber()](*m_stream->GetElement());
   if (m_handler != nullptr) m_handler->Clear();
   try {
     m_object->FromXmlElement(m_stream->GetElement(), m_stream->GetContext());

@@ -30,7 +30,8 @@ namespace RkXmlLib16 {
 // next one is read. A document that is not well-formed, and a limit, end the reading.
 class RKXML_EXPORT CObjectStream {
  public:
-  using Factory = std::function<CXmlObjectBase*()>;  // of a fresh object, without references
+  // Makes a fresh object, without references, that is then filled from the element.
+  using Factory = std::function<CXmlObjectBase*(const CXmlElement& element)>;
 
   // `source` and `context` are kept. Nothing is read before the first Next.
   explicit CObjectStream(CByteSource& source,
@@ -41,10 +42,15 @@ class RKXML_EXPORT CObjectStream {
   ~CObjectStream();
 
   // Before the first Next; as CDocumentStream::AddPath. The elements are read as objects of this class, whatever their
-  // xsi:type.
+  // xsi:type. Its constructor is given the name of the element, if it takes one.
   template <class Object>
   std::size_t AddPath(const wchar_t* path) {
-    return AddPath(path, [] { return new Object; });
+    return AddPath(path, [](const CXmlElement& element) {
+      if constexpr (std::is_constructible_v<Object, const wchar_t*>)
+        return new Object(element.GetLocalName().c_str());
+      else
+        return static_cast<void>(element), new Object;
+    });
   }
   std::size_t AddPath(const wchar_t* path, Factory factory);
 

@@ -134,6 +134,22 @@ constexpr wchar_t kTrack[] =
     L"<time>2024-05-01T06:00:00Z</time></wpt><trk><extensions><x xmlns='urn:x'>1</x></extensions>"
     L"<trkseg><trkpt lat='1' lon='2'/><trkpt lat='2' lon='3'/></trkseg></trk></gpx>";
 
+// Of a track, and what stands around them.
+std::wstring PointsOf(const CBinaryData& document) {
+  std::wstring points;
+  CMemorySource source(document);
+  CObjectStream objects(source, Context());
+  objects.AddPath<Gpx::CWptType>(L"/gpx/trk/trkseg/trkpt");
+  while (objects.Next()) points += XmlOf(objects.Get<Gpx::CWptType>());
+  CMemorySource again(document);
+  CDocumentStream events(again, Context());
+  events.AddPath(L"/gpx/*/extensions");
+  events.SetReportsOpen(true);
+  while (events.Next() != CDocumentStream::Event::Done)
+    if (events.GetElement() != nullptr) points += events.GetElement()->GetXPath();
+  return points;
+}
+
 std::vector<Operation> Operations() {
   static Order::COrderType order;
   order.FromXmlFile(L"" RKXML_EXAMPLE_DATA "/order.xml", Context());
@@ -141,6 +157,12 @@ std::vector<Operation> Operations() {
       order.ToXmlStream(true, true, XmlEncoding_UTF8, EOLType_LF, Context(), CompressionType_GZip);
   static const CBinaryData json = order.ToJsonStream(true, XmlEncoding_UTF8, EOLType_LF, Context());
   static const CBinaryData fastInfoset = order.ToFastInfosetStream(FInfoDecl_None, Context());
+  static Gpx::CGpxType gpx;
+  gpx.FromXml(kTrack, Context());
+  static const CBinaryData trackXml =
+      gpx.ToXmlStream(true, true, XmlEncoding_UTF8, EOLType_LF, Context(), CompressionType_GZip);
+  static const CBinaryData trackJson = gpx.ToJsonStream(true, XmlEncoding_UTF8, EOLType_LF, Context());
+  static const CBinaryData trackFastInfoset = gpx.ToFastInfosetStream(FInfoDecl_None, Context());
   using Read = void (CXmlObjectBase::*)(const CBinaryData&, const CSerializationContext&);
   static const Read fromBytes = &CXmlObjectBase::FromXmlStream;
   static const Read fromJson = &CXmlObjectBase::FromJsonStream;
@@ -149,6 +171,9 @@ std::vector<Operation> Operations() {
       {"Fast Infoset into objects", [] { return XmlOf<Order::COrderType>(fromBytes, fastInfoset); }},
       {"JSON into objects", [] { return XmlOf<Order::COrderType>(fromJson, json); }},
       {"XML text into elements", [] { return XmlOf<CElement>(fromBytes, xml); }},
+      {"XML text into a stream of objects", [] { return PointsOf(trackXml); }},
+      {"Fast Infoset into a stream of objects", [] { return PointsOf(trackFastInfoset); }},
+      {"JSON into a stream of objects", [] { return PointsOf(trackJson); }},
       {"wide text into objects",
        [] {
          Gpx::CGpxType track;

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/binding/DocumentStream.h"
 #include "RkXmlLib16/context/JsonContext.h"
 #include "RkXmlLib16/document/ElementTree.h"
