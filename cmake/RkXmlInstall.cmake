@@ -11,9 +11,10 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/RkXmlLib16 DESTINATION ${CMAKE_INSTALL_I
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/RkXmlLib16)
 install(EXPORT RkXmlLib16Targets NAMESPACE RkXmlLib16:: DESTINATION ${package_dir} COMPONENT dev)
 configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/RkXmlLib16Config.cmake.in
-  ${PROJECT_BINARY_DIR}/RkXmlLib16Config.cmake INSTALL_DESTINATION ${package_dir})
+  ${PROJECT_BINARY_DIR}/RkXmlLib16Config.cmake INSTALL_DESTINATION ${package_dir} PATH_VARS CMAKE_INSTALL_BINDIR)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/RkXmlLib16ConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/RkXmlLib16Config.cmake ${PROJECT_BINARY_DIR}/RkXmlLib16ConfigVersion.cmake
+  ${CMAKE_CURRENT_LIST_DIR}/RkXmlSchema.cmake
   DESTINATION ${package_dir} COMPONENT dev)
 
 # The prefix of the .pc file follows the file itself, so that an installed tree can be moved.

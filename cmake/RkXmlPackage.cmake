@@ -23,6 +23,7 @@ set(CPACK_DEBIAN_DEV_PACKAGE_NAME librkxmllib16-dev)
 set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS
   "librkxmllib16-16 (= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})")
+set(CPACK_DEBIAN_DEV_PACKAGE_RECOMMENDS rkxml)
 set(CPACK_DEBIAN_DEV_DESCRIPTION
   "XML data binding run-time (development files)\nHeaders, the CMake package RkXmlLib16, RkXmlLib16.pc, the documentation and\nexamples with their schemas.")
 
@@ -33,7 +34,7 @@ set(CPACK_DEBIAN_TOOL_PACKAGE_DEPENDS
   "librkxmllib16-16 (>= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})")
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/RkXmlLib16)
 set(CPACK_DEBIAN_TOOL_DESCRIPTION
-  "convert and inspect XML, JSON and Fast Infoset documents\nConverts documents between the three forms, plain or compressed, pretty or\ncompact, and shows what a document holds.")
+  "convert and inspect XML, JSON and Fast Infoset documents\nConverts documents between the three forms, plain or compressed, pretty or\ncompact, shows what a document holds, checks documents by their schema and\nmakes C++ classes of schemas.")
 
 # What every package has to tell about itself.
 function(rkxml_compress input output)

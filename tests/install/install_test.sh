@@ -13,15 +13,34 @@ fail() {
   exit 1
 }
 
-# consume PREFIX: builds and runs the consumer with CMake and with pkg-config.
+# shelf_says WANTED PROGRAM...: what the program with classes of shelf.xsd says.
+shelf_says() {
+  local said
+  said=$("${@:2}")
+  [[ $said == *"$1"* ]] || fail "${*:2} says: $said"
+}
+
+# consume PREFIX: builds and runs the consumer with CMake and with pkg-config, with classes of its schema.
 consume() {
   local prefix=$1 flags=()
   [ -z "$sanitize" ] || flags=("-fsanitize=$sanitize")
   echo "== a consumer with CMake"
-  "$cmake" -S "$source/consumer" -B "$work/cmake" -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_CXX_COMPILER="$compiler" \
+  cp -r "$source/consumer" "$work"
+  "$cmake" -S "$work/consumer" -B "$work/cmake" -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_CXX_COMPILER="$compiler" \
     -DCMAKE_CXX_FLAGS="${flags[*]}" >/dev/null
   "$cmake" --build "$work/cmake" >/dev/null
   "$work/cmake/consumer"
+  shelf_says '/shelf/price: Invalid Value for price [250]' "$work/cmake/shelf"
+  # The classes follow a document that is only included, and one that comes in later.
+  cd "$work/consumer/parts"
+  sed 's/100/1000/' 'price list.xsd' >later.xsd
+  echo '<schema xmlns="http://www.w3.org/2001/XMLSchema"><include schemaLocation="later.xsd"/></schema>' >'price list.xsd'
+  "$cmake" --build "$work/cmake" >/dev/null
+  shelf_says 'price": 250}' "$work/cmake/shelf"
+  sed -i 's/1000/10/' later.xsd
+  "$cmake" --build "$work/cmake" >/dev/null
+  shelf_says '/shelf/price: Invalid Value for price [250]' "$work/cmake/shelf"
+  cd "$work"
 
   echo "== a consumer with pkg-config"
   if ! command -v pkg-config >/dev/null; then
@@ -34,6 +53,11 @@ consume() {
   "$compiler" -std=c++17 "${flags[@]}" "$source/consumer/consumer.cpp" -o "$work/by_pkg_config" \
     $(pkg-config --cflags --libs RkXmlLib16)
   LD_LIBRARY_PATH=$prefix/$libdir "$work/by_pkg_config"
+  "$prefix/bin/rkxml" generate --out "$work/shelf" --namespace urn:example:shelf=my::shelf "$source/consumer/shelf.xsd"
+  # shellcheck disable=SC2046
+  "$compiler" -std=c++17 "${flags[@]}" -I "$work/shelf" "$source/consumer/shelf.cpp" "$work"/shelf/*.cpp \
+    -o "$work/shelf_by_pkg_config" $(pkg-config --cflags --libs RkXmlLib16)
+  LD_LIBRARY_PATH=$prefix/$libdir shelf_says 'Invalid Value' "$work/shelf_by_pkg_config"
 }
 
 # check_readme PREFIX: the program of the README compiles as a user would compile it and prints what stands below it.
