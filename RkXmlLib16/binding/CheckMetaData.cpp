@@ -20,6 +20,7 @@
 #include "RkXmlLib16/binding/ElementInfoChoice.h"
 #include "RkXmlLib16/binding/ElementInfoSeq.h"
 #include "RkXmlLib16/binding/GeneratedClass.h"
+#include "RkXmlLib16/binding/ModelObject.h"
 #include "RkXmlLib16/binding/ParentElementInfo.h"
 #include "RkXmlLib16/collections/Collection.h"
 #include "RkXmlLib16/document/ElementTree.h"
@@ -274,6 +275,10 @@ void CMetaDataCheck::CheckObject(const Place& place) {
 
 // Some classes create a collection when reading begins and its element is there; a choice would be emptied then.
 bool CMetaDataCheck::PrepareForReading(const Place& place) {
+  if (auto* const object = dynamic_cast<CModelObject*>(&place.object)) {
+    object->Ensure(place.property);
+    return true;
+  }
   if (place.object.GetClassInfo()->GetGroupType() == XmlElementGroupType_Choice) return false;
   CXmlDocument document;
   CXmlElement* const root = document.AddDocElement(L"", L"root");

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "RkXmlLib16/binding/ElementInfo.h"
+#include "RkXmlLib16/object/XmlObjectBase.h"
 
 // What the records are made of. A record is named after its group, its kind of member and how often the member occurs,
 // and derived from what its name says: CElementInfoSeqPrimOpt from CElementInfoSeq<CElementInfoPrim, Cardinality::Opt>.
