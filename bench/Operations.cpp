@@ -7,8 +7,8 @@
 
 #include "Documents.h"
 #include "Expat.h"
-#include "Gpx.h"
-#include "Order.h"
+#include "gpx.h"
+#include "order.h"
 
 using namespace RkXmlLib16;
 

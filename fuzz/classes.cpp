@@ -1,7 +1,7 @@
 // Bytes as any document into generated classes: what an object writes in one form it reads back, to the same tree.
 #include "Check.h"
-#include "Gpx.h"
-#include "Order.h"
+#include "gpx.h"
+#include "order.h"
 
 using namespace Fuzz;
 

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "Gpx.h"
+#include "gpx.h"
 
 namespace Gpx {
 

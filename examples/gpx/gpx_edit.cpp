@@ -5,8 +5,8 @@
 #include <cstdio>
 #include <string>
 
-#include "Gpx.h"
 #include "GpxFile.h"
+#include "gpx.h"
 
 using namespace RkXmlLib16;
 
@@ -19,11 +19,10 @@ int main(int argc, char** argv) {
     Gpx::CGpxType gpx;
     const CSerializationContext context = Gpx::ReadFile(gpx, argv[1]);
 
-    const CSmartPtr<Gpx::CWptType> point(new Gpx::CWptType(L"wpt"));
+    Gpx::CWptType* const point = gpx.GetWpt()->AddNew();
     point->SetLat(CDecimal(FromUtf8(argv[3]).c_str()));  // the facets refuse what is not on the globe
     point->SetLon(CDecimal(FromUtf8(argv[4]).c_str()));
     point->SetName(FromUtf8(argv[5]));
-    gpx.GetWpt()->Add(point);
 
     Gpx::WriteFile(gpx, argv[2], context);
     std::printf("added waypoint %d: %s\n", gpx.GetWpt()->GetCount(), ToUtf8(point->GetName()).c_str());

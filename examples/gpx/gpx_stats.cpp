@@ -8,8 +8,8 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "Gpx.h"
 #include "GpxFile.h"
+#include "gpx.h"
 
 using namespace RkXmlLib16;
 

@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <string>
 
-#include "Gpx.h"
+#include "gpx.h"
 
 using namespace RkXmlLib16;
 

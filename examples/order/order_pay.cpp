@@ -5,17 +5,17 @@
 #include <cstdio>
 #include <string>
 
-#include "Order.h"
+#include "order.h"
 
 using namespace RkXmlLib16;
 
 namespace {
 
-CDecimal WithTax(const CDecimal& net, Order::ERate rate) {
+CDecimal WithTax(const CDecimal& net, Order::ERateType rate) {
   switch (rate) {
-    case Order::ERate_standard:
+    case Order::ERateType::standard:
       return net * CDecimal(L"1.20");
-    case Order::ERate_reduced:
+    case Order::ERateType::reduced:
       return net * CDecimal(L"1.10");
     default:
       return net;
@@ -24,7 +24,7 @@ CDecimal WithTax(const CDecimal& net, Order::ERate rate) {
 
 CDecimal Total(const Order::CLinesType& lines) {
   CDecimal total;
-  for (const Order::CLine& line : *lines.GetLine()) {
+  for (const Order::CLinesTypeChoice& line : *lines.GetChoice()) {
     if (const Order::CGoodsType* goods = line.GetGoods())
       total += WithTax(goods->GetPrice() * CDecimal(goods->GetQuantity()), goods->GetVat());
     if (const Order::CServiceType* service = line.GetService())
@@ -55,22 +55,18 @@ int main(int argc, char** argv) {
     Order::COrderType order;
     order.FromXmlFile(argv[1], context);
     std::printf("order %s for %s, %d lines, paid by %s\n", ToUtf8(order.GetId()).c_str(),
-                ToUtf8(CustomerName(order.GetCustomer())).c_str(), order.GetLines()->GetLine()->GetCount(),
+                ToUtf8(CustomerName(order.GetCustomer())).c_str(), order.GetLines()->GetChoice()->GetCount(),
                 ToUtf8(order.GetPayment()->GetSelected()).c_str());
     const CDecimal total = Total(*order.GetLines());
-    std::printf("total %s %s\n", ToUtf8(total.ToString(2)).c_str(),
-                ToUtf8(Order::ECurrencyToString(order.GetCurrency())).c_str());
+    std::printf("total %s %s\n", ToUtf8(total.ToString(2)).c_str(), ToUtf8(Order::ToText(order.GetCurrency())).c_str());
 
     // A choice holds one member: the second is refused until the first has gone.
     try {
       order.GetPayment()->SetCash(total);
     } catch (const CRkInvalidStateException& e) {
       std::printf("refused: %s\n", ToUtf8(e.GetMessage()).c_str());
-      if (order.GetPayment()->GetSelected() == L"card") {
-        order.GetPayment()->SetCard(nullptr);
-      } else {
-        order.GetPayment()->SetTransfer(nullptr);
-      }
+      order.GetPayment()->SetCard(nullptr);
+      order.GetPayment()->SetTransfer(nullptr);
       order.GetPayment()->SetCash(total);
     }
     if (order.IsDueNil()) order.SetDue(CDateTime(2024, 12, 31));

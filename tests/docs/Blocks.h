@@ -15,8 +15,8 @@
 #include <type_traits>
 #include <typeinfo>
 
-#include "Gpx.h"
-#include "Order.h"
+#include "gpx.h"
+#include "order.h"
 
 using namespace RkXmlLib16;
 

@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "Expect.h"
-#include "Gpx.h"
-#include "Order.h"
 #include "RkXmlLib16/RkXmlLib16.h"
+#include "gpx.h"
+#include "order.h"
 #include "support/Bytes.h"
 
 #if __has_include(<nlohmann/json.hpp>)
@@ -119,10 +119,11 @@ TEST_P(FormMatrix, SmallObjectsAndHardTextsArriveAsTheyWere) {
     person->SetName(L"\"<&>\\ ]]> \U0001F600 \n end");
     person->SetBorn(CDateTime(1999, 2, 28));
     order.SetCustomer(person);
-    order.GetLines()->GetLine()->Clear();
-    order.GetLines()->GetLine()->AddNew()->SetService(
-        CSmartPtr<Order::CServiceType>(new Order::CServiceType(L"service")));
-    order.GetLines()->GetLine()->Item(0)->GetService()->SetName(L"<![CDATA[]]><a>");
+    order.GetLines()->GetChoice()->Clear();
+    Order::CServiceType* const service = order.GetLines()->GetChoice()->AddNew()->GetOrAddService();
+    service->SetName(L"<![CDATA[]]><a>");
+    service->SetTime(CDateTimeSpan(2, 30, 0));
+    service->SetPrice(CDecimal(L"0.05"));
     order.GetPayment()->SetCard(nullptr);
     order.GetPayment()->SetCash(CDecimal(L"0.05"));
     order.SetDueNil();
@@ -138,7 +139,7 @@ INSTANTIATE_TEST_SUITE_P(RoundTrips, FormMatrix, testing::ValuesIn(kRoundTrips),
 TEST(StrictJson, CollectionsRepeatNoMember) {
   Order::COrderType order;
   order.FromXmlFile(L"" RKXML_EXAMPLE_DATA L"/order.xml");
-  order.GetLines()->GetLine()->Remove(1);
+  order.GetLines()->GetChoice()->Remove(1);
   for (const bool severalNotes : {false, true}) {
     if (severalNotes) order.GetNote()->Add(L"2");
     CSerializationContext context;
@@ -160,16 +161,16 @@ TEST(StrictJson, CollectionsRepeatNoMember) {
 }
 
 TEST(NullItems, AreNamedInWellFormedOutput) {
-  Order::COrderType order;
-  order.FromXmlFile(L"" RKXML_EXAMPLE_DATA L"/order.xml");
-  const int count = order.GetLines()->GetLine()->GetCount();
-  order.GetLines()->GetLine()->AppendItem(nullptr);
+  Gpx::CGpxType track;
+  track.FromXmlFile(L"" RKXML_EXAMPLE_DATA L"/track.gpx");
+  const int count = track.GetWpt()->GetCount();
+  track.GetWpt()->AppendItem(nullptr);
   CSerializationContext context;
-  EXPECT_NO_THROW(order.ToXml(true, true, EOLType_LF, context));
+  EXPECT_NO_THROW(track.ToXml(true, true, EOLType_LF, context));
   context.SetWellFormedOutput(true);
   EXPECT_NE(std::wstring::npos, RkXmlTest::Thrown([&] {
-                                  order.ToXml(true, true, EOLType_LF, context);
-                                }).find(L"The item " + std::to_wstring(count) + L" of the collection [line] is NULL"));
+                                  track.ToXml(true, true, EOLType_LF, context);
+                                }).find(L"The item " + std::to_wstring(count) + L" of the collection [wpt] is NULL"));
 }
 
 // Default output is no JSON text for every content; where it is, objects arrive by it too.

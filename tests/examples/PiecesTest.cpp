@@ -6,9 +6,9 @@
 #include <sstream>
 #include <string>
 
-#include "Gpx.h"
-#include "Order.h"
 #include "RkXmlLib16/RkXmlLib16.h"
+#include "gpx.h"
+#include "order.h"
 #include "support/Bytes.h"
 #include "support/TempFile.h"
 
@@ -62,7 +62,7 @@ void WritePieces(CDocumentWriter& writer, const Order::COrderType& order) {
   WriteIfAny(writer, order.GetCustomer());
   WriteIfAny(writer, order.GetDelivery());
   writer.WriteStartElement(*order.GetLines());
-  WriteItems(writer, *order.GetLines()->GetLine());
+  WriteItems(writer, *order.GetLines()->GetChoice());
   writer.WriteEndElement();
   WriteIfAny(writer, order.GetPayment());
   ASSERT_TRUE(order.IsDueNil());
@@ -195,7 +195,7 @@ class PiecesTest : public testing::TestWithParam<Pieces> {
 
 TEST_P(PiecesTest, ATrackIsTheSameAsWhole) {
   CheckPieces<Gpx::CGpxType>(L"/track.gpx", [](Gpx::CGpxType& gpx) {
-    Gpx::CWptTypeCol* const points = gpx.GetTrk()->Item(0)->GetTrkseg()->Item(0)->GetTrkpt();
+    auto* const points = gpx.GetTrk()->Item(0)->GetTrkseg()->Item(0)->GetTrkpt();
     for (int i = 0; i < 800; ++i) {
       Gpx::CWptType* const point = points->AddNew();
       point->SetLat(CDecimal(i % 90));
@@ -208,9 +208,10 @@ TEST_P(PiecesTest, ATrackIsTheSameAsWhole) {
 TEST_P(PiecesTest, AnOrderIsTheSameAsWhole) {
   CheckPieces<Order::COrderType>(L"/order.xml", [](Order::COrderType& order) {
     for (int i = 0; i < 1200; ++i) {
-      const CSmartPtr<Order::CServiceType> service(new Order::CServiceType(L"service"));
+      Order::CServiceType* const service = order.GetLines()->GetChoice()->AddNew()->GetOrAddService();
       service->SetName(L"Service " + std::to_wstring(i * 104729));
-      order.GetLines()->GetLine()->AddNew()->SetService(service);
+      service->SetTime(CDateTimeSpan(0, static_cast<unsigned long long>(i), 0));
+      service->SetPrice(CDecimal(i));
     }
     order.GetNote()->Clear();
   });

@@ -61,7 +61,7 @@ END
 expect "order_pay changes the payment" "$work/told" <<'END'
 order RK-1600 for Müller & Söhne, 3 lines, paid by card
 total 287.17 CHF
-refused: The Property card is already set. Only one element within this class bay be set at a time
+refused: The Property [card] is already set. Only one element within this class bay be set at a time
 now paid by cash
 order RK-1600 for Müller & Söhne, 3 lines, paid by cash
 total 287.17 CHF

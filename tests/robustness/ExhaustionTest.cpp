@@ -7,10 +7,10 @@
 #include <new>
 
 #include "Expect.h"
-#include "Gpx.h"
-#include "Order.h"
 #include "RkXmlLib16/RkXmlLib16.h"
 #include "RkXmlLib16/base/Format.h"
+#include "gpx.h"
+#include "order.h"
 
 using namespace RkXmlTest;
 

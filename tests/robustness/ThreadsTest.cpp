@@ -4,9 +4,9 @@
 #include <vector>
 
 #include "Expect.h"
-#include "Gpx.h"
-#include "Order.h"
 #include "RkXmlLib16/RkXmlLib16.h"
+#include "gpx.h"
+#include "order.h"
 
 using namespace RkXmlTest;
 
