@@ -25,10 +25,20 @@ int CXmlGeneratedClass::GetClassElementInfoCount() const {
 }
 
 const INillable* CXmlGeneratedClass::AsNillable(const CParentElementInfo& info) const {
-  if (info.IsKnownNotNillable(typeid(*this))) return nullptr;
-  const auto* const nillable = dynamic_cast<const INillable*>(this);
-  if (nillable == nullptr) info.SetNotNillable(typeid(*this));
-  return nillable;
+  const bool isNillable = info.Is(CParentElementInfo::kNillable, typeid(*this), [this] { return FindFacts(); });
+  return isNillable ? dynamic_cast<const INillable*>(this) : nullptr;
+}
+
+bool CXmlGeneratedClass::HasInlineAttributes(const CParentElementInfo& info) const {
+  return info.Is(CParentElementInfo::kWithInlineAttributes, typeid(*this), [this] { return FindFacts(); });
+}
+
+std::uintptr_t CXmlGeneratedClass::FindFacts() const {
+  std::uintptr_t facts =
+      dynamic_cast<const INillable*>(this) != nullptr ? CParentElementInfo::kNillable : CParentElementInfo::kNoFacts;
+  for (CElementInfo** info = GetClassElementInfo(); info != nullptr && *info != nullptr; ++info)
+    if ((*info)->MayHaveAttributes()) facts |= CParentElementInfo::kWithInlineAttributes;
+  return facts;
 }
 
 void CXmlGeneratedClass::ReadProperty(int propertyIndex, RkVariant& value) const {

@@ -1,6 +1,8 @@
 #ifndef RKXMLLIB16_BINDING_GENERATEDCLASS_H
 #define RKXMLLIB16_BINDING_GENERATEDCLASS_H
 
+#include <cstdint>
+
 #include "RkXmlLib16/base/Enumerations.h"
 #include "RkXmlLib16/base/Export.h"
 #include "RkXmlLib16/object/XmlObjectBase.h"
@@ -103,6 +105,10 @@ class RKXML_EXPORT CXmlGeneratedClass : public CXmlObjectBase {
 
   // This object as INillable, or null.
   const INillable* AsNillable(const RkXmlLib16Data::CParentElementInfo& info) const;
+  // Whether some element record may write attributes of this object's element.
+  bool HasInlineAttributes(const RkXmlLib16Data::CParentElementInfo& info) const;
+  // Both, as CParentElementInfo keeps them.
+  [[gnu::noinline]] std::uintptr_t FindFacts() const;
 
   CXmlElement* ReadElement(CXmlElement* element, CXmlElement* firstChild, const CSerializationContext& context,
                            bool isOptionalChoice);

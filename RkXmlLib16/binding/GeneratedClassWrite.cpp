@@ -173,16 +173,9 @@ void CXmlGeneratedClass::ProcessAttributesToXml(const CSerializationContext& con
   if (attributeInfos != nullptr)
     for (CAttributeInfo** info = attributeInfos; *info != nullptr; ++info)
       (*info)->AttributeToXml(context, this, writer);
-  if (elementInfos == nullptr) return;
-  const CParentElementInfo& parent = *GetClassInfo();
-  if (parent.AreKnownWithoutAttributes(elementInfos)) return;
-  bool mayHaveAttributes = false;
-  for (CElementInfo** info = elementInfos; *info != nullptr; ++info) {
-    if (!(*info)->MayHaveAttributes()) continue;
-    mayHaveAttributes = true;
-    (*info)->PseudoChildAttributeToXml(context, this, writer);
-  }
-  if (!mayHaveAttributes) parent.SetWithoutAttributes(elementInfos);
+  if (elementInfos == nullptr || !HasInlineAttributes(*GetClassInfo())) return;
+  for (CElementInfo** info = elementInfos; *info != nullptr; ++info)
+    if ((*info)->MayHaveAttributes()) (*info)->PseudoChildAttributeToXml(context, this, writer);
 }
 
 }  // namespace RkXmlLib16

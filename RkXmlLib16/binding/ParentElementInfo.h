@@ -2,6 +2,7 @@
 #define RKXMLLIB16_BINDING_PARENTELEMENTINFO_H
 
 #include <atomic>
+#include <cstdint>
 #include <string>
 #include <typeinfo>
 
@@ -10,8 +11,6 @@
 #include "RkXmlLib16/base/SharedName.h"
 
 namespace RkXmlLib16Data {
-
-class CElementInfo;
 
 // Describes a generated class as a whole: its content model, its type name and its simple content. Static; what it
 // describes never changes, and what it remembers of the class is atomic, so threads share it freely.
@@ -41,19 +40,19 @@ class RKXML_EXPORT CParentElementInfo {
   const std::wstring& GetSimpleContentFormat() const noexcept { return m_simpleContentFormat; }
   bool IsSimpleContentText() const noexcept { return m_simpleContentAsText; }
 
-  // Remembers one class that cannot be nil, so that its objects need not be asked again.
-  bool IsKnownNotNillable(const std::type_info& type) const noexcept {
-    return m_notNillable.load(std::memory_order_relaxed) == &type;
-  }
-  void SetNotNillable(const std::type_info& type) const noexcept {
-    m_notNillable.store(&type, std::memory_order_relaxed);
-  }
-  // Remembers one array of element records none of which may have attributes, for the same reason.
-  bool AreKnownWithoutAttributes(CElementInfo* const* records) const noexcept {
-    return m_withoutAttributes.load(std::memory_order_relaxed) == records;
-  }
-  void SetWithoutAttributes(CElementInfo* const* records) const noexcept {
-    m_withoutAttributes.store(records, std::memory_order_relaxed);
+  // What the objects of a class need to know about it. `find` finds it out; it is kept for the class that asked last,
+  // of those that have this record.
+  enum Facts : std::uintptr_t { kNoFacts = 0, kNillable = 1, kWithInlineAttributes = 2, kAllFacts = 3 };
+  template <class Find>
+  bool Is(Facts fact, const std::type_info& type, Find&& find) const {
+    static_assert(alignof(std::type_info) > kAllFacts);
+    const auto own = reinterpret_cast<std::uintptr_t>(&type);
+    std::uintptr_t known = m_facts.load(std::memory_order_relaxed);
+    if ((known & ~std::uintptr_t{kAllFacts}) != own) {
+      known = own | find();
+      m_facts.store(known, std::memory_order_relaxed);
+    }
+    return (known & fact) != 0;
   }
 
  private:
@@ -67,8 +66,7 @@ class RKXML_EXPORT CParentElementInfo {
   RkXmlLib16::ItemType m_simpleContentType;
   std::wstring m_simpleContentFormat;
   bool m_simpleContentAsText;
-  mutable std::atomic<const std::type_info*> m_notNillable{nullptr};
-  mutable std::atomic<CElementInfo* const*> m_withoutAttributes{nullptr};
+  mutable std::atomic<std::uintptr_t> m_facts{kNoFacts};  // and the address of the type that they are true of
 };
 
 }  // namespace RkXmlLib16Data
