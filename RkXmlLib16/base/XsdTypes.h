@@ -3,9 +3,9 @@
 
 // The list of XSD primitive types, in the order of ItemType, from which the lists of conversions, facet checks,
 // collections and variant accessors are made. A row gives the type's
-//   Kind      as in ItemType_##Kind, which is its name in XSD, except for char
-//   Name      as in CConversions::##Name##ToString, C##Name##Col and RkVariant::GetType
-//   Property  as in RkVariant::Get##Property
+//   Kind      "int" of ItemType_int, which is its name in XSD, except of char
+//   Name      "i4" of CConversions::i4ToString, of Ci4Col and of RkVariant::GetType
+//   Property  "I4" of RkVariant::GetI4
 //   Value     the C++ type of its values
 // Of these, dates and times (CDateTime) are given to DATE, and characters, which have neither facets nor a collection,
 // to CHARACTER.

@@ -5,13 +5,13 @@
 
 #include <cstdlib>
 #include <functional>
-#include <iterator>
 #include <map>
 #include <memory>
 #include <set>
 #include <typeindex>
 #include <utility>
 
+#include "RkXmlLib16/base/ErrorCode.h"
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
 #include "RkXmlLib16/binding/AttributeInfo.h"
@@ -36,16 +36,19 @@ using namespace RkXmlLib16Data;
 
 namespace {
 
-#define RKXML_NAME(Kind, Name, Property, Value) L## #Kind,
-#define RKXML_CHARACTER(Kind, Name, Property, Value) L"character",
-constexpr const wchar_t* kTypeNames[] = {
-    L"nothing", RKXML_XSD_TYPES(RKXML_NAME, RKXML_NAME, RKXML_CHARACTER) L"an object", L"a collection"};
-#undef RKXML_NAME
-#undef RKXML_CHARACTER
-
 std::wstring NameOf(ItemType type) {
-  const auto index = static_cast<std::size_t>(type);
-  return index < std::size(kTypeNames) ? kTypeNames[index] : L"unknown";
+  switch (static_cast<std::uint32_t>(type)) {
+    case ItemType_none:
+      return L"nothing";
+    case ItemType_char:
+      return L"character";
+    case RkVariant::kXmlObject:
+      return L"an object";
+    case RkVariant::kXmlCollection:
+      return L"a collection";
+    default:
+      return *NameOfXsdType(type) != L'\0' ? NameOfXsdType(type) : L"unknown";
+  }
 }
 
 std::wstring ClassNameOf(const CXmlObjectBase& object) {
