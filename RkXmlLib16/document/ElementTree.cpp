@@ -1,3 +1,26 @@
+// The tree of a document and its storage.
+//
+// The plain algorithm: a reader adds elements, attributes and texts to the current element and ends it. Elements are
+// linked by parent, first and last child and next sibling. The document owns all of it until it is emptied.
+//
+// What is added to that:
+//   Storage       Nodes, texts and names lie in three arenas (CArena), which are freed as wholes; nothing in them has a
+//                 destructor. An attribute block or text that must grow is extended if it lies last in its arena, else
+//                 it moves to one of twice the size.
+//   Names         InternName holds each text once, in a table with open addressing. Invariant: within a document equal
+//                 names have equal addresses, and names are never dropped. The hash is keyed, so that no input can
+//                 choose names that collide.
+//   Blanks        Short white space is held once for all elements that have it (ShareBlanks). A block of capacity 0 is
+//                 shared and never written to.
+//   Filters       An element that the filter drops gives its storage back: the arenas return to where they were when it
+//                 began (Storage::OpenElement). Invariant: that is done only if nothing that stays was allocated since;
+//                 `pinned` counts the open elements for which something was.
+//   Declarations  `aliases` has the latest meaning of each prefix, which is right for the whole document as long as
+//                 only the document element declares. innerPrefixes tells for which prefixes that is not so; for those
+//                 the declarations are searched from the element outwards.
+//   Limits        Nodes, characters and depth are counted as they are added.
+//   Deletion      Elements are deleted by some callers. Those in the arena are left alone; a table, behind a mutex,
+//                 knows those that `new` made.
 #include "RkXmlLib16/document/ElementTree.h"
 
 #include <algorithm>

@@ -1,3 +1,29 @@
+// The writer base: open elements and their namespace scopes.
+//
+// The plain algorithm: each open element has a context, which owns that of its parent, and a map from namespaces to
+// prefixes, which begins as a copy of its parent's. A start tag looks up the prefix of its namespace, or declares an
+// invented one ("AA", "AB", ...) and adds it to the map. The end of the element drops context and map.
+//
+// Copied maps would cost each element all that is declared around it, and comparing namespaces their length. So:
+//   Names     The writer has each namespace once (CNamespacePool) and compares addresses. CNamespaceName::innermost
+//             leads to the declaration of the namespace that is in effect and on to those that it hides. Invariant:
+//             that chain holds the declarations of all open elements, innermost first. A look-up takes one step at any
+//             depth.
+//   Scopes    A Scope holds what its own element declares, and nothing else. Elements without declarations, which are
+//             most, have none and share that of an ancestor (m_scope). Closing a scope takes its declarations out of
+//             their chains.
+//   Maps      GetNamespaceMap still gives the whole map. It is made when it is asked for, and dropped by a declaration.
+//   Prefixes  Whether a prefix is in use is found out by a look at all declarations while they are few
+//             (kFewDeclarations, kFewScopes). Then the uses are counted. Invariant: the count of a prefix is the number
+//             of namespaces for which it is in effect. A caller that got a prefix by reference may change it at any
+//             time; from then on (arePrefixesGivenAway) the counts and maps that were kept are not used any more.
+//   Invented  All invented prefixes before Scope::firstFree are in use, so that a search begins there. A declaration
+//             that frees a prefix sets it back.
+//   Values    DeclareNamespace declares prefixes that values bring along. Such a prefix may take that of another
+//             namespace, or be none for names; `replaced` keeps what is declared in the document but not used for
+//             names.
+//   Reuse     Closed contexts wait in a chain, with their storage: an element mostly allocates nothing once another one
+//             has been as deep as it.
 #include "RkXmlLib16/document/XmlWriter.h"
 
 #include <algorithm>

@@ -1,3 +1,27 @@
+// Writing Fast Infoset (ITU-T X.891).
+//
+// The plain algorithm: an element is written as its declarations, its name, its attributes and a terminator, then its
+// content and another terminator. What is written in full the first time enters a table of the vocabulary, which
+// readers build in the same way, and is written as its index in the table from then on: names, their parts, and short
+// texts.
+//
+// What is added to that:
+//   Pending tags  The first octet of an element tells whether it has declarations and attributes, which come later, and
+//                 the declarations stand before the name. So the start tag waits in m_room, from m_startTag on, and
+//                 WriteElement completes it. Invariant: nothing is given to the stream while a start tag waits.
+//   Terminators   take four bits. One is owed until it is known whether it shares its octet with another.
+//   Scopes        Names carry their prefix, so that its declaration has to be in force. m_bindings holds those that
+//                 are. m_scope is a number for the present set of them; it changes whenever one comes or goes.
+//   Known names   The index of a name is looked for in this order, each step dearer than the one before:
+//                   m_knownElements, m_knownAttributes    the number of a record's name; for one scope
+//                   m_elementScope, m_attributeScope      the namespace: prefix and indices; for one scope
+//                   m_recentElements, m_recentAttributes  local name, prefix and namespace index
+//                   the tables of the vocabulary          the same, all that were ever written
+//                 All but the last may forget. Invariant: an index in the vocabulary never changes its meaning.
+//   Integers      come in several forms (IntegerLayout). PutInteger writes the two shortest, PutLongInteger any.
+//   Typed values  are encoded into m_typedOctets first; where that would change the value, UTF-8 is written instead.
+//   Texts         WriteTextElement writes an element with nothing but text without a context. Its plain form is that of
+//                 CXmlWriter; it serves derived classes, checked output and names that need a declaration.
 #include "RkXmlLib16/fastinfoset/Writer.h"
 
 #include <algorithm>

@@ -1,3 +1,29 @@
+// Writing JSON text.
+//
+// The plain algorithm: an element is a member of its parent's object, an attribute too. The key of an element is
+// written when it starts. What its value is shows later: the first member of its own makes it an object, text alone a
+// string or a number, and without either it is "{}" or nothing. So the value begins with what comes next, and text is
+// held until it is known whether members follow, which make the text a member itself. The header has the table of these
+// states.
+//
+// What is added to that:
+//   Arrays   The records tell when the items of a collection follow. The first item that turns out to be an object
+//            opens an array between its key and its brace (OpenBrackets), elements of the same name continue it, and
+//            any other member or the end closes it (CloseArray). Frame::arrayOpen tells that the bracket is open, the
+//            state of the context, which records change, whether items may follow. Strict output opens the array at
+//            once, with the key.
+//   Texts    Without markers an item with nothing but text cannot stand in an array of objects. So nothing is written
+//            of an item, not even the comma, until it shows what it is (m_itemPending).
+//   Levels   m_depth of a context is its level of indentation, from 1 for the root. An open array adds one to its owner
+//            and to its items.
+//   Lines    LineStart gives the line end and the indentation of a level from one text, which grows to the deepest
+//            level.
+//   Heads    The line start and key of a record's name are kept by the number of the name, and copied in steps of four
+//            characters. Invariant: a head is that of its level and marker and of the present settings; a change of the
+//            settings forgets them all.
+//   Members  WriteMember writes key and short value to space that was reserved once. WriteTextElement uses it for
+//            elements with nothing but text; its plain form is that of CXmlWriter, for derived classes and items of
+//            arrays.
 #include "RkXmlLib16/json/JsonTextWriter.h"
 
 #include <emmintrin.h>

@@ -162,7 +162,18 @@ class RKXML_EXPORT CJsonTextWriter : public CXmlWriter {
   bool m_format = true;
   bool m_strict = false;
   CTextStream& m_stream;
-  // About the open element:
+  // The state of the open element. Its end returns to its parent, which is in state Object then.
+  //
+  //             pending: value item text  written so far     a member comes        text comes     the end comes
+  //   Item               yes   yes  no    nothing            ", {", the member     held           "," and "{}"
+  //   ItemText           yes   yes  yes   nothing            ", {", text, member   joined         a member of its own
+  //   Key                yes   no   no    key or place       "{", the member       held           "{}" or nothing
+  //   Text               yes   no   yes   key or place       "{", text, member     joined         the text, or null
+  //   Object             no    no   no    "{" and members    ",", the member       a text member  "}"
+  //
+  // "{}" stands for items of arrays and in strict output. Text of an array's item whose place is written (Key) is not
+  // held, but becomes a text member at once. Before its "{" the first item of a collection opens the array with "[".
+  // An empty text is held in Key alone, as null; in Object it writes a null without a key unless strict.  // sic
   bool m_valuePending = false;  // its key or place is written, its value not begun
   bool m_itemPending = false;   // not even the separator before it, because it may not become an array item
   bool m_textPending = false;   // its text is held: members that follow make it a member itself

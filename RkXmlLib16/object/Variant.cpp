@@ -1,3 +1,21 @@
+// A value of any XSD type, or an object or collection.
+//
+// The plain algorithm: the type code says where the value is (the table in the header). A setter clears what is there,
+// sets type and value and resets the nil flag. A getter checks the type and gives the value, or an empty one if the
+// variant is nil. Reading converts the text of the type and sets the result. The rows of RKXML_XSD_TYPES make the
+// accessors, and Dispatch calls a function for the type at hand.
+//
+// What is added to that:
+//   Storage     One variant takes the values of many members, one after the other, and must not allocate for each.
+//               SetUnused makes it invalid and keeps the storage; Room finds it for the next value of the kind.
+//               Invariant: what an invalid variant still has is never given out. Long texts, octets and objects are let
+//               go at once.
+//   In place    ReadPlain tries to read decimals and date-times of the usual shape into the value that is there
+//               (ReadInPlace). Where the shape is another, or memory could run out half-way, Read, the plain one, does
+//               it.
+//   Own values  A setter may be given a value that lies in this variant, or in the object that it alone keeps alive.
+//               Such a value is copied before the old one goes (MayHold).
+//   References  The object is released after the variant is empty, as its destruction may come back to the variant.
 #include "RkXmlLib16/object/Variant.h"
 
 #include <cstring>

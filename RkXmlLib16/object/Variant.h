@@ -172,6 +172,27 @@ class RKXML_EXPORT RkVariant {
   void FromText(std::wstring_view text, ItemType type);
 
  private:
+  // Where the value is, by the type:
+  //
+  //   0                              nowhere: invalid, or nil without a type
+  //   numbers, boolean, character,   m_slot.scalar
+  //   gYear, gMonth, gDay
+  //   string                         m_text
+  //   decimal                        m_owned, with a place of its own
+  //   octets, dates, times,          m_owned, in the other place
+  //   duration, integer
+  //   kXmlObject, kXmlCollection     m_slot.reference, counted
+  //
+  // What becomes of the variant:
+  //
+  //                type       nil    value and storage
+  //   Set...       its own    false  the new value, in storage that is there if it fits
+  //   FromText     the given  false  the same; unchanged if the text cannot be read
+  //   SetNil       stays      true   cleared
+  //   Clear        stays      stays  cleared; storage is freed, except that of short texts
+  //   SetInvalid   0          false  cleared
+  //   SetUnused    0          false  kept as storage for the next value, except octets, objects and long texts
+  //   Take...      stays      stays  the reference is handed out
   struct Reference {  // counted through the object, handed out as the collection
     CXmlObjectBase* object;
     CXmlCollectionBase* collection;

@@ -1,3 +1,22 @@
+// Reading XML text with expat.
+//
+// The plain algorithm: expat tells what it meets in UTF-16, and each call back adds that to the document: an element
+// with its attributes, text, the end of the element, a namespace declaration. With namespaces a name arrives as
+// "uri|local", is taken apart and interned in the document.
+//
+// What is added to that:
+//   Names       Most names were there before. Local names are kept by a hash (LocalName) and compared whole. The
+//               namespace of an element is told by the address of the name (SplitElementName): expat builds the names
+//               of all elements under one declaration in one buffer. Invariant: that holds as long as no declaration
+//               began or ended and expat gave nothing back to the heap, which the counting allocator tells. Up to
+//               kComparedLength the text is compared besides; longer ones are not, so that a document does not pay for
+//               the length of its namespaces with each element (LongUri).
+//   Blanks      White space between elements comes in pieces. They are joined, and the document has them once.
+//   Exceptions  must not pass through expat. Guarded keeps the first one and stops the parser; Feed throws it on.
+//   Pieces      Feed gives expat the input in pieces that grow; see there.
+//   Limits      What a short document could make long or deep is counted: entities within entities, attributes that a
+//               DTD supplies, and the namespaces of attributes, which expat spells out for each.
+//   Errors      The place of an error is the byte at which expat is.
 #include "RkXmlLib16/xml/ExpatReader.h"
 
 #include <emmintrin.h>

@@ -1,3 +1,23 @@
+// Writing XML text.
+//
+// The plain algorithm: WriteStartElement closes the start tag before it, indents, asks the writer base for the prefix
+// of the namespace and writes "<name" with the declarations that are missing. The tag stays open for attributes until
+// text, a child or the end of the element comes. The end writes "/>" if the tag is still open, else "</name>", indented
+// if the element has children.
+//
+// What is added to that:
+//   Space     A tag is written to space in the stream that was reserved for the longest it can become (kLongestEscape
+//             for each character), and what it took is committed: one check for a tag, not one for each character.
+//             Invariant: between Reserve and Commit nothing else writes to the stream.
+//   Escaping  PutEscapedShort looks at eight characters at once. kMayBeSpecial says yes for each of those that are
+//             escaped, and for a few others, which are looked at one by one. In long texts PutEscaped passes on whole
+//             runs of eight that have none.
+//   Texts     WriteTextElement writes an element with a short text at once, without a context. Its plain form is that
+//             of CXmlWriter, which calls the three operations; it serves derived classes, which override those, output
+//             that is checked, namespaces without a prefix in scope, and long texts. Both write the same.
+//   Sections  Text that begins with "<![CDATA[" is taken for a finished section, unless m_escapesSections is set.
+//   Flushing  Every operation ends by passing the text on once it exceeds kFlushLength.
+//   Checks    m_checks, if there, refuses what a reader would not give back; it changes nothing in what is written.
 #include "RkXmlLib16/xml/XmlTextWriter.h"
 
 #include <emmintrin.h>

@@ -5,9 +5,8 @@
 // the end and give them back, and with many groups and many unknown children that is quadratic. So:
 //
 //   Index     Once a search has gone kStepsWithoutIndex steps, the children are numbered, and for each record that is
-//             searched for the numbers of those it accepts are listed, in one pass. Further searches for it take
-//             a binary search. Invariant: names and the order of the children do not change while their element is
-//             read.
+//             searched for the numbers of those it accepts are listed, in one pass. Further searches for it take a
+//             binary search. Invariant: names and the order of the children do not change while their element is read.
 //   Memo      A record that refused all elements from one place to another is remembered with these places, and asked
 //             about none of them again. For a group whose members keep what they took in earlier attempts the answer
 //             may change with what has been taken, so that its memo is good only until anything is taken; the session
