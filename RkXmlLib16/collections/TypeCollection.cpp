@@ -1,5 +1,8 @@
 #include "RkXmlLib16/collections/TypeCollection.h"
 
+#include <utility>
+
+#include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/internal/TextOrEmpty.h"
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/document/ElementTree.h"
@@ -32,6 +35,12 @@ CXmlTypeCollection::CXmlTypeCollection(ItemType type, const wchar_t* name, const
       m_whitespaceRule(whitespaceRule) {}
 
 CXmlTypeCollection::~CXmlTypeCollection() = default;
+
+void CXmlTypeCollection::SetPath(CRkException& error, std::size_t index) const {
+  std::wstring path = L'/' + GetElementNameRef();
+  if (GetCount() > 1) path += L'[' + std::to_wstring(index + 1) + L']';
+  error.SetLocation(CRkLocation(std::move(path)));
+}
 
 CXmlElement* CXmlTypeCollection::FromXml_Int(CXmlElement* /*parent*/, CXmlElement* current,
                                              const CSerializationContext& context, bool /*isOptionalChoice*/) {

@@ -1,6 +1,7 @@
 #ifndef RKXMLLIB16_COLLECTIONS_TYPECOLLECTION_H
 #define RKXMLLIB16_COLLECTIONS_TYPECOLLECTION_H
 
+#include <cstddef>
 #include <string>
 
 #include "RkXmlLib16/base/Enumerations.h"
@@ -9,6 +10,8 @@
 #include "RkXmlLib16/types/Whitespace.h"
 
 namespace RkXmlLib16 {
+
+class CRkException;
 
 // The base of the value collections: what their items have in common, and the reading of items from consecutive
 // elements.
@@ -36,6 +39,10 @@ class RKXML_EXPORT CXmlTypeCollection : public CXmlCollectionBase {
   const CPrimitiveRestrictions& GetRestrictions() const noexcept { return m_restrictions; }
   const std::wstring& GetFormat() const noexcept { return m_format; }
   CWhitespaceUtils::WhitespaceRule GetWhitespaceRule() const noexcept { return m_whitespaceRule; }
+
+ protected:
+  // Begins the path of an error of writing, at the item in this place.
+  void SetPath(CRkException& error, std::size_t index) const;
 
  private:
   CPrimitiveRestrictions m_restrictions;

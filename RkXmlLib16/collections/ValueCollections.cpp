@@ -124,16 +124,22 @@ void CValueCollection<kItem>::ToXml_Int(CXmlWriter* writer, bool, const wchar_t*
   this->ValidateCount(context);
   const std::wstring namespaceUri = this->GetNamespace();
   std::wstring text;
-  for (std::size_t i = 0; i < this->Count(); ++i) {
-    writer->WriteStartElement(this->GetElementNameRef(), namespaceUri);
-    if constexpr (kItem == ItemType_string) {
-      writer->WriteString(this->At(i), kItem);
-    } else {
-      text.clear();
-      CConversions::AppendTo<kItem>(text, this->At(i), this->GetFormat().c_str());
-      writer->WriteString(text, kItem);
+  std::size_t i = 0;
+  try {
+    for (; i < this->Count(); ++i) {
+      writer->WriteStartElement(this->GetElementNameRef(), namespaceUri);
+      if constexpr (kItem == ItemType_string) {
+        writer->WriteString(this->At(i), kItem);
+      } else {
+        text.clear();
+        CConversions::AppendTo<kItem>(text, this->At(i), this->GetFormat().c_str());
+        writer->WriteString(text, kItem);
+      }
+      writer->WriteEndElement();
     }
-    writer->WriteEndElement();
+  } catch (CRkException& e) {
+    this->SetPath(e, i);
+    throw;
   }
 }
 
@@ -147,10 +153,16 @@ void CdatetimeBaseCol::ToXml_Int(CXmlWriter* writer, bool, const wchar_t*, const
                                  bool) const {
   ValidateCount(context);
   const std::wstring namespaceUri = GetNamespace();
-  for (std::size_t i = 0; i < Count(); ++i) {
-    writer->WriteStartElement(GetElementNameRef(), namespaceUri);
-    writer->WriteString(ValueToString(At(i)), ItemType_dateTime);
-    writer->WriteEndElement();
+  std::size_t i = 0;
+  try {
+    for (; i < Count(); ++i) {
+      writer->WriteStartElement(GetElementNameRef(), namespaceUri);
+      writer->WriteString(ValueToString(At(i)), ItemType_dateTime);
+      writer->WriteEndElement();
+    }
+  } catch (CRkException& e) {
+    SetPath(e, i);
+    throw;
   }
 }
 

@@ -335,7 +335,7 @@ bool CFastInfosetReader::ElementStart(unsigned char octet) {
     return true;
   }
   for (octet = Next(); octet < 0x80; octet = Next()) AtrributeBit2(element, octet);
-  RequireDifferentNames(*element);
+  if (element->GetAttributes().size() > 1) RequireDifferentNames(*element);
   m_document.CompleteStart(element);
   if (octet == FastInfoset::kTerminator) return true;
   if (octet != FastInfoset::kDoubleTerminator) ThrowInvalidItem();
@@ -347,21 +347,17 @@ void CFastInfosetReader::AtrributeBit2(CXmlElement* element, unsigned char octet
   const std::size_t offset = GetLastOffset();
   const QName name = QualifiedNameOrIndexBit2(octet);
   CountExpansion(name.localName->View().size());
-  NonIdentifyingStringOrIndexBit1(element, name);
-  const CXmlAttributes attributes = element->GetAttributes();
-  CXmlDocument::SetOffset(attributes[attributes.size() - 1], offset);
+  CXmlDocument::SetOffset(NonIdentifyingStringOrIndexBit1(element, name), offset);
 }
 
 void CFastInfosetReader::RequireDifferentNames(const CXmlElement& element) {
   const CXmlAttributes attributes = element.GetAttributes();
   if (attributes.size() <= kFewAttributes) {
-    for (std::size_t i = 1; i < attributes.size(); ++i) {
-      for (std::size_t j = 0; j < i; ++j) {
-        if (attributes[i]->GetLocalNameRef() == attributes[j]->GetLocalNameRef() &&
-            attributes[i]->GetNamespaceRef() == attributes[j]->GetNamespaceRef())
+    const CXmlAttribute* const end = attributes.front() + attributes.size();
+    for (const CXmlAttribute* one = attributes.front(); one != end; ++one)
+      for (const CXmlAttribute* other = one + 1; other != end; ++other)
+        if (one->GetLocalNameRef() == other->GetLocalNameRef() && one->GetNamespaceRef() == other->GetNamespaceRef())
           ThrowInvalidItem();
-      }
-    }
     return;
   }
   std::vector<std::pair<std::uint32_t, std::uint32_t>> names;
@@ -499,7 +495,7 @@ void CFastInfosetReader::SkipIdentifyingStringOrIndex(Count& count) {
 
 // Values
 
-void CFastInfosetReader::NonIdentifyingStringOrIndexBit1(CXmlElement* element, const QName& name) {
+CXmlAttribute* CFastInfosetReader::NonIdentifyingStringOrIndexBit1(CXmlElement* element, const QName& name) {
   CFIStringTable& values = m_vocabulary.GetAttributeValuesTable();
   const unsigned char octet = Next();
   if ((octet & FastInfoset::kValueIndexBit) != 0) {
@@ -510,8 +506,7 @@ void CFastInfosetReader::NonIdentifyingStringOrIndexBit1(CXmlElement* element, c
       value = values[index];
       CountExpansion(value.length());
     }
-    m_document.AddAttribute(element, name.localName, name.namespaceUri, value);
-    return;
+    return m_document.AddAttribute(element, name.localName, name.namespaceUri, value);
   }
   const EncodedString string = EncodedCharacterStringBit3(octet);
   const bool add = (octet & FastInfoset::kValueAddBit) != 0;
@@ -523,11 +518,12 @@ void CFastInfosetReader::NonIdentifyingStringOrIndexBit1(CXmlElement* element, c
     const auto charCount = static_cast<std::size_t>(CEncoder::WriteUnicode(utf8, out) - out);
     m_document.CommitValue(attribute, charCount);
     if (add) AddValue({out, charCount}, values);
-  } else {
-    Decode(string);
-    m_document.AddAttribute(element, name.localName, name.namespaceUri, m_text);
-    if (add) AddValue(m_text, values);
+    return attribute;
   }
+  Decode(string);
+  CXmlAttribute* const attribute = m_document.AddAttribute(element, name.localName, name.namespaceUri, m_text);
+  if (add) AddValue(m_text, values);
+  return attribute;
 }
 
 void CFastInfosetReader::NonIdentifyingStringOrIndexBit3(CXmlElement* element, unsigned char octet) {
@@ -670,10 +666,8 @@ void CFastInfosetReader::NonEmptyOctetEncryptedString(unsigned long algorithm, c
   CFastInfosetBinaryData::AppendAsString(algorithm, octets, length, m_text);
 }
 
-void CFastInfosetReader::CountExpansion(std::size_t charCount) {
-  m_expanded += charCount;
-  if (m_expanded > m_expansionLimit && m_more != nullptr)
-    m_expansionLimit = m_document.GetContext().GetLimits().GetExpansionLimit(GetOffset());
+void CFastInfosetReader::RequireExpansion() {
+  if (m_more != nullptr) m_expansionLimit = m_document.GetContext().GetLimits().GetExpansionLimit(GetOffset());
   if (m_expanded > m_expansionLimit) {
     CReadLimits::ThrowExceeded(L"characters of indexed strings", m_expansionLimit);
   }

@@ -110,7 +110,7 @@ class RKXML_EXPORT CFastInfosetReader {
   bool IsLegal(const Names& names) const;
   void RequireReservedPair(const CXmlName* prefix, const CXmlName* namespaceUri) const;
   void SkipIdentifyingStringOrIndex(Count& count);
-  void NonIdentifyingStringOrIndexBit1(CXmlElement* element, const QName& name);
+  CXmlAttribute* NonIdentifyingStringOrIndexBit1(CXmlElement* element, const QName& name);
   void NonIdentifyingStringOrIndexBit3(CXmlElement* element, unsigned char octet);
   void AddValue(std::wstring_view value, CFIStringTable& table);
   void SkipNonIdentifyingStringOrIndexBit1();
@@ -147,7 +147,12 @@ class RKXML_EXPORT CFastInfosetReader {
   template <class SkipItem>
   bool SkipList(bool isPresent, SkipItem&& skipItem);
   bool IsKnown(unsigned long index, std::size_t size) const noexcept { return index <= size && !m_isVocabularyLost; }
-  void CountExpansion(std::size_t charCount);
+  void CountExpansion(std::size_t charCount) {
+    m_expanded += charCount;
+    if (m_expanded > m_expansionLimit) RequireExpansion();
+  }
+  // Throws over the limit, which grows with what was read of a document in pieces.
+  void RequireExpansion();
 
   const CFastInfosetContext& m_fiContext;
   CXmlDocument& m_document;

@@ -12,6 +12,7 @@
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/context/internal/ErrorSession.h"
 #include "RkXmlLib16/document/ElementTree.h"
+#include "RkXmlLib16/document/internal/Refusal.h"
 #include "RkXmlLib16/types/Whitespace.h"
 #include "RkXmlLib16/wildcards/internal/NameTest.h"
 #include "RkXmlLib16/wildcards/internal/RootWriter.h"
@@ -69,6 +70,8 @@ bool IsType(wstring_view localName, wstring_view namespaceUri) {
 // element below it.
 class CElement::TreeReader {
  public:
+  explicit TreeReader(const CSerializationContext& context) : m_context(context) {}
+
   void Read(CElement& target, const CXmlElement& source) {
     struct Level {
       CElement* element;
@@ -118,6 +121,7 @@ class CElement::TreeReader {
     const wstring_view text = source.GetText();
     if (childCount == 0 || !IsBlank(text)) {
       element.m_text = text;
+      if (childCount != 0) TellDropped(m_context, RkDropped_Position, source);
       if (const auto* const sections = source.GetSections())
         element.m_sections = std::make_unique<const std::vector<std::size_t>>(*sections);
       ForEachPrefix(text, use);
@@ -207,6 +211,7 @@ class CElement::TreeReader {
     return uri->empty() ? kEmpty.Get() : m_document->ShareName(uri);
   }
 
+  const CSerializationContext& m_context;
   const CXmlDocument* m_document = nullptr;
   const CXmlElement* m_outside = nullptr;  // the parent of the top
   bool m_isScoped = false;
@@ -359,8 +364,9 @@ CElement::CElement(const wchar_t* name, const wchar_t* namespaceUri, const wchar
   if (*TextOrEmpty(namespaceUri) != L'\0') m_namespaceUri = std::make_shared<const std::wstring>(namespaceUri);
 }
 
-CElement::CElement(const CNamespaceRule& rule, const CXmlElement& source) : m_rule(rule) {
-  TreeReader().Read(*this, source);
+CElement::CElement(const CNamespaceRule& rule, const CXmlElement& source, const CSerializationContext& context)
+    : m_rule(rule) {
+  TreeReader(context).Read(*this, source);
 }
 
 CElement::~CElement() { Destroy(m_children); }
@@ -390,7 +396,7 @@ void CElement::Destroy(Children& children) noexcept {
 
 CXmlObjectBase* CElement::GetBase() { return this; }
 
-void CElement::FromXmlElement(const CXmlElement* element, const CSerializationContext& /*context*/) {
+void CElement::FromXmlElement(const CXmlElement* element, const CSerializationContext& context) {
   if (element == nullptr) throw CRkException(L"The document contains no element.");
   m_rule.TestElement(element->GetNamespaceURI());
   RemoveChildren();
@@ -398,7 +404,7 @@ void CElement::FromXmlElement(const CXmlElement* element, const CSerializationCo
   m_text.clear();
   m_sections = nullptr;
   m_prefixes = nullptr;
-  TreeReader().Read(*this, *element);
+  TreeReader(context).Read(*this, *element);
 }
 
 const wchar_t* CElement::GetNamespace() const { return m_namespaceUri != nullptr ? m_namespaceUri->c_str() : L""; }

@@ -103,7 +103,7 @@ class RKXML_EXPORT CElement : public CXmlObjectBase {
   class TreeReader;
   class TreeWriter;
 
-  CElement(const CNamespaceRule& rule, const CXmlElement& source);
+  CElement(const CNamespaceRule& rule, const CXmlElement& source, const CSerializationContext& context);
 
   static void Destroy(Children& children) noexcept;
   // Writes xsi:type where it has to be written differently from how it was read; false where it has not.

@@ -29,7 +29,7 @@ CXmlElement* CElementCol::FromXml_Int(CXmlElement* /*parent*/, CXmlElement* curr
                                       const CSerializationContext& context, bool /*isOptionalChoice*/) {
   for (; current != nullptr && m_rule.Admits(current->GetNamespaceURI()); current = current->GetNextSiblingElement()) {
     CErrorSession::NoteRead(context, current);
-    const CSmartPtr<CElement> element(new CElement(m_rule, *current));
+    const CSmartPtr<CElement> element(new CElement(m_rule, *current, context));
     CXmlCollection::AppendItem(element);
   }
   return current;
@@ -42,7 +42,7 @@ CXmlElement* CElementCol::FromXmlLockElementName_Int(const wchar_t* elementName,
   for (; current != nullptr && current->GetLocalName() == name && m_rule.Admits(current->GetNamespaceURI());
        current = current->GetNextSiblingElement()) {
     CErrorSession::NoteRead(context, current);
-    const CSmartPtr<CElement> element(new CElement(m_rule, *current));
+    const CSmartPtr<CElement> element(new CElement(m_rule, *current, context));
     CXmlCollection::AppendItem(element);
   }
   return current;

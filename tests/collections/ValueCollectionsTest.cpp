@@ -10,6 +10,8 @@
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/document/ElementTree.h"
 #include "RkXmlLib16/document/XmlWriter.h"
+#include "RkXmlLib16/io/TextStream.h"
+#include "RkXmlLib16/xml/XmlTextWriter.h"
 
 using namespace RkXmlTest;
 
@@ -128,6 +130,22 @@ void ExpectRange(const std::vector<const wchar_t*>& texts) {
   EXPECT_EQ(col->GetCount(), index);
   EXPECT_EQ(1, std::distance(col->begin(), std::find(col->begin(), col->end(), col->Item(1))));
   static_assert(std::is_same_v<typename Col::value_type, std::decay_t<decltype(col->Item(0))>>);
+}
+
+TEST(ValueCollections, ErrorsOfWritingTellTheItem) {
+  CTextStream stream;
+  CXmlTextWriter writer(stream);
+  writer.SetWellFormedOutput(true);
+  writer.WriteStartElement(L"r", L"");
+  const auto texts = New<CstringCol>();
+  texts->Add(L"a");
+  texts->Add(L"\x01");
+  try {
+    texts->ToXml_Int(&writer, false, L"", CSerializationContext(), false);
+    ADD_FAILURE() << "written";
+  } catch (const CRkException& e) {
+    EXPECT_TEXT(L"/v[2]", e.GetLocation().GetPath());
+  }
 }
 
 TEST(ValueCollections, AreStandardRangesOfTheirValues) {

@@ -176,6 +176,17 @@ TEST(Element, APartKeepsTheScopeAroundIt) {
               element.ToXml(false, false));
 }
 
+TEST(Element, TellsOfLostPositionsOfText) {
+  CErrorCollector collector;
+  CSerializationContext context;
+  context.SetErrorHandler(&collector);
+  CElement element;
+  element.FromXml("<r><a>text</a><b>x<c/>y</b></r>", context);
+  ASSERT_EQ(1u, collector.GetDropped().size());
+  EXPECT_EQ(RkDropped_Position, collector.GetDropped()[0].kind);
+  EXPECT_TEXT(L"/r/b", collector.GetDropped()[0].location.GetPath());
+}
+
 // A prefix that would make each name long stays declared for the value that uses it.
 TEST(Element, LongPrefixesOfValuesNameNoElements) {
   const std::wstring prefix(65, L'p');
