@@ -264,3 +264,38 @@ TEST(Variant, AValueThatCannotBeReadLeavesTheOneBefore) {
     EXPECT_TEXT(next, value.ToString());
   }
 }
+
+TEST(Variant, ReadsIntoKeptStorageAsIntoAFreshOne) {
+  const auto read = [](RkVariant& value, const std::wstring& text, ItemType type) {
+    try {
+      value.FromString(text, type);
+      return value.ToString();
+    } catch (const CRkException& e) {
+      return L"refused: " + e.GetMessage();
+    }
+  };
+  const std::wstring characters = L"-+019.:TZ ";
+  std::vector<std::pair<ItemType, std::wstring>> texts;
+  for (std::size_t n = 0; n < 10000; ++n) {
+    std::wstring text;
+    for (std::size_t rest = n; rest != 0; rest /= 10) text += characters[rest % 10];
+    texts.emplace_back(ItemType_decimal, text);
+  }
+  const std::wstring date = L"2024-02-29T23:59:59.125+01:30";
+  for (std::size_t length = 0; length <= date.size(); ++length) {
+    for (std::size_t at = 0; at < length; ++at) {
+      for (const wchar_t c : characters) {
+        std::wstring text = date.substr(0, length);
+        text[at] = c;
+        texts.emplace_back(ItemType_dateTime, text);
+      }
+    }
+  }
+  RkVariant kept;
+  for (const auto& [type, text] : texts) {
+    kept.FromString(type == ItemType_decimal ? L"46.630016" : L"2000-01-01T00:00:00Z", type);
+    kept.SetUnused();
+    RkVariant fresh;
+    ASSERT_EQ(Narrow(read(fresh, text, type)), Narrow(read(kept, text, type))) << Narrow(text);
+  }
+}
