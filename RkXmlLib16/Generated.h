@@ -15,7 +15,7 @@
 #include "RkXmlLib16/binding/Model.h"
 #include "RkXmlLib16/binding/ModelObject.h"
 #include "RkXmlLib16/binding/ParentElementInfo.h"
-#include "RkXmlLib16/binding/SimpleType.h"
+#include "RkXmlLib16/binding/SimpleTypeModel.h"
 #include "RkXmlLib16/collections/Collection.h"
 #include "RkXmlLib16/collections/ObjectCollection.h"
 #include "RkXmlLib16/collections/ValueCollections.h"

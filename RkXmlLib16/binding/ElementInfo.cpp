@@ -112,8 +112,8 @@ std::uint8_t CElementInfo::FindFacts() const {
   static const Functions abstractObject(CElementInfoSeqAbsClsOpt(L"", L"", 0, XmlElementType_Element, nullptr));
 
   const Functions own(*this);
-  const bool isSkipper = own.read == value.read || own.read == enumeration.read || own.read == abstractObject.read ||
-                         (own.read == object.read && !IsInlineGroup());
+  const bool isSkipper = m_readsOnlyItsElement || own.read == value.read || own.read == enumeration.read ||
+                         own.read == abstractObject.read || (own.read == object.read && !IsInlineGroup());
   const bool mayHaveAttributes = m_mayHaveAttributes || own.writeAttributes != value.writeAttributes;
   const int facts = kKnown | (isSkipper ? kSkipper : 0) | (own.write == value.write ? kPlainValue : 0) |
                     (mayHaveAttributes ? kWithAttributes : 0);

@@ -170,6 +170,8 @@ class RKXML_EXPORT CElementInfo {
                                              const wchar_t* targetNs);
 
  protected:
+  // For records that override ElementFromXml, and still do nothing but accept where their element is absent.
+  void SetReadsOnlyItsElement() noexcept { m_readsOnlyItsElement = true; }
   EnumToString GetEnumToString() const noexcept { return m_enumToString; }
   ClassFactory GetFactory() const noexcept { return m_factory; }
   int GetClassId() const noexcept { return m_classId; }
@@ -223,6 +225,7 @@ class RKXML_EXPORT CElementInfo {
   Content m_content = Content::Object;
   bool m_hasFacets = false;
   bool m_mayHaveAttributes = false;
+  bool m_readsOnlyItsElement = false;
   mutable std::atomic<std::uint8_t> m_facts{kUnknown};
   XmlElementType m_memberType = RkXmlLib16::XmlElementType_Element;
   MemberKind m_memberKind = MemberKind::Single;

@@ -208,6 +208,11 @@ struct MemberModel : ElementModel {
     copy.block = methods;
     return copy;
   }
+  constexpr MemberModel Simple(const CSimpleType* type) const noexcept {
+    MemberModel copy = *this;
+    copy.simple = type;
+    return copy;
+  }
   constexpr MemberModel Make(NewCollection function) const noexcept {
     MemberModel copy = *this;
     copy.newCollection = function;
@@ -230,6 +235,7 @@ constexpr MemberModel ValueMember(int property, const wchar_t* name, const wchar
                                   const ValueModel& values) noexcept {
   MemberModel member(MemberModel::Kind::Value, property, name, uri);
   member.values = &values;
+  member.simple = values.type;
   return member;
 }
 constexpr MemberModel ObjectMember(int property, const wchar_t* name, const wchar_t* uri,

@@ -7,6 +7,7 @@
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/binding/SimpleTypeModel.h"
 #include "RkXmlLib16/document/ElementTree.h"
 #include "RkXmlLib16/wildcards/NamespaceRule.h"
 
@@ -205,6 +206,9 @@ NamedType FindType(const SchemaModel& schema, std::wstring_view uri, std::wstrin
     if (object->name == name && object->namespaceUri == uri) found.object = object;
   for (const CSimpleType* simple : schema.simpleTypes)
     if (simple->GetName() == name && simple->GetNamespace() == uri) found.simple = simple;
+  if (uri == kBuiltInTypes.types[0].GetNamespace())
+    for (const CSimpleTypeModel& simple : kBuiltInTypes.types)
+      if (simple.GetName() == name) found.simple = &simple;
   if (found.object != nullptr && found.object->simple != nullptr) found.simple = found.object->simple;
   found.isNamed = true;
   return found;

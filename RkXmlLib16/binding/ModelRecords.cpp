@@ -52,7 +52,9 @@ class CModelValue final : public Base {
              /*format=*/nullptr, member.values->whitespace, FacetsOf(*member.values), member.value.text),
         m_owner(owner),
         m_member(member),
-        m_needsText(member.values->needsCheck || member.values->holdsQNames || member.value.isFixed) {}
+        m_needsText(member.values->needsCheck || member.values->holdsQNames || member.value.isFixed) {
+    if constexpr (std::is_same_v<Base, CElementInfoSeqPrimOpt>) Base::SetReadsOnlyItsElement();
+  }
 
   bool ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object, CXmlElement* parent,
                       CXmlElement** cursor, const wchar_t* ownerNamespace, XmlElementType ownerType) override {
@@ -231,7 +233,9 @@ class CModelAbstract final : public Base {
   explicit CModelAbstract(const MemberModel& member, Args&&... args)
       : Base(member.name, member.namespaceUri, member.property, XmlElementType_Element, CreateAbstract,
              std::forward<Args>(args)...),
-        m_member(member) {}
+        m_member(member) {
+    if constexpr (std::is_same_v<Base, CElementInfoSeqAbsClsOpt>) Base::SetReadsOnlyItsElement();
+  }
 
   bool ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object, CXmlElement* parent,
                       CXmlElement** cursor, const wchar_t* ownerNamespace, XmlElementType ownerType) override {
@@ -253,7 +257,10 @@ class CModelCollectionRecord final : public Base {
   explicit CModelCollectionRecord(const MemberModel& member, bool isChoice, Args&&... args)
       : Base(member.name, member.namespaceUri, member.property, std::forward<Args>(args)...),
         m_member(member),
-        m_isChoice(isChoice) {}
+        m_isChoice(isChoice) {
+    const bool hasName = member.kind != Kind::InlineGroup && member.kind != Kind::Wildcard;
+    if (hasName && member.minOccurs == 0 && !isChoice) Base::SetReadsOnlyItsElement();
+  }
 
   bool ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object, CXmlElement* parent,
                       CXmlElement** cursor, const wchar_t* ownerNamespace, XmlElementType ownerType) override {

@@ -1,18 +1,16 @@
 #ifndef RKXMLLIB16_BINDING_SIMPLETYPE_H
 #define RKXMLLIB16_BINDING_SIMPLETYPE_H
 
-#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "RkXmlLib16/base/Export.h"
+#include "RkXmlLib16/facets/XsdValueCheck.h"
 
 namespace RkXmlLib16Data {
 
-// The namespace URI of a prefix (empty for the default namespace, which may be absent and then gives ""); nullopt for a
-// prefix that is not declared.
-using NamespaceResolver = std::function<std::optional<std::wstring>(std::wstring_view prefix)>;
+using RkXmlLib16::Xsd::NamespaceResolver;
 
 // A simple type of a schema, as far as values must be checked that their C++ types and facets let pass: items of lists,
 // members of unions, enumerated numbers, patterns of numbers.

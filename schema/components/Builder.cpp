@@ -1,10 +1,9 @@
 #include <algorithm>
 
 #include "schema/components/internal/Builder.h"
-#include "schema/components/internal/Primitives.h"
 #include "schema/components/internal/Reader.h"
 #include "schema/components/internal/XPathSubset.h"
-#include "schema/components/internal/XmlNames.h"
+#include "schema/components/internal/Xsd.h"
 
 namespace RkXmlSchema {
 

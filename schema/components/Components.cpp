@@ -17,57 +17,6 @@ std::wstring Diagnostic::ToString() const {
   return (place.empty() ? place : place + L": ") + (severity == Severity::Error ? L"error: " : L"warning: ") + message;
 }
 
-const wchar_t* GetBuiltInName(BuiltInType type) noexcept {
-  static const wchar_t* const kNames[kBuiltInTypeCount] = {
-      L"anySimpleType",
-      L"string",
-      L"boolean",
-      L"decimal",
-      L"float",
-      L"double",
-      L"duration",
-      L"dateTime",
-      L"time",
-      L"date",
-      L"gYearMonth",
-      L"gYear",
-      L"gMonthDay",
-      L"gDay",
-      L"gMonth",
-      L"hexBinary",
-      L"base64Binary",
-      L"anyURI",
-      L"QName",
-      L"NOTATION",
-      L"normalizedString",
-      L"token",
-      L"language",
-      L"NMTOKEN",
-      L"NMTOKENS",
-      L"Name",
-      L"NCName",
-      L"ID",
-      L"IDREF",
-      L"IDREFS",
-      L"ENTITY",
-      L"ENTITIES",
-      L"integer",
-      L"nonPositiveInteger",
-      L"negativeInteger",
-      L"long",
-      L"int",
-      L"short",
-      L"byte",
-      L"nonNegativeInteger",
-      L"unsignedLong",
-      L"unsignedInt",
-      L"unsignedShort",
-      L"unsignedByte",
-      L"positiveInteger",
-  };
-  return kNames[static_cast<std::size_t>(type)];
-}
-
 const SimpleTypeDefinition* TypeDefinition::AsSimple() const noexcept {
   return IsSimple() ? static_cast<const SimpleTypeDefinition*>(this) : nullptr;
 }

@@ -87,7 +87,7 @@ struct TypeDefinition : Component {
   ~TypeDefinition() = default;
 };
 
-enum class Variety { Absent, Atomic, List, Union };  // Absent: xs:anySimpleType
+using RkXmlLib16::Xsd::Variety;
 
 struct SimpleTypeDefinition : TypeDefinition {
   SimpleTypeDefinition() : TypeDefinition(Kind::Simple) {}

@@ -12,67 +12,20 @@
 #include <unordered_set>
 #include <vector>
 
+#include "RkXmlLib16/facets/XsdValueCheck.h"
+#include "RkXmlLib16/types/XsdLexical.h"
 #include "schema/components/Diagnostic.h"
 
 namespace RkXmlSchema {
 
-// xs:anySimpleType, the 19 primitive types, the 25 derived types.
-enum class BuiltInType {
-  AnySimpleType,
-  String,
-  Boolean,
-  Decimal,
-  Float,
-  Double,
-  Duration,
-  DateTime,
-  Time,
-  Date,
-  GYearMonth,
-  GYear,
-  GMonthDay,
-  GDay,
-  GMonth,
-  HexBinary,
-  Base64Binary,
-  AnyURI,
-  QName,
-  Notation,
-  NormalizedString,
-  Token,
-  Language,
-  NMToken,
-  NMTokens,
-  Name,
-  NCName,
-  ID,
-  IDRef,
-  IDRefs,
-  Entity,
-  Entities,
-  Integer,
-  NonPositiveInteger,
-  NegativeInteger,
-  Long,
-  Int,
-  Short,
-  Byte,
-  NonNegativeInteger,
-  UnsignedLong,
-  UnsignedInt,
-  UnsignedShort,
-  UnsignedByte,
-  PositiveInteger,
-};
-inline constexpr std::size_t kBuiltInTypeCount = 45;
-
-// The local name of the type: L"nonNegativeInteger".
-const wchar_t* GetBuiltInName(BuiltInType type) noexcept;
+using RkXmlLib16::Xsd::BuiltInType;
+using RkXmlLib16::Xsd::GetBuiltInName;
+using RkXmlLib16::Xsd::kBuiltInTypeCount;
 
 // From prefix (empty for the default namespace) to namespace URI.
 using NamespaceBindings = std::map<std::wstring, std::wstring, std::less<>>;
 
-enum class WhiteSpace { Preserve, Replace, Collapse };
+using RkXmlLib16::Xsd::WhiteSpace;
 
 // One pattern facet: the text of the schema and a translation of the same meaning, which the facet checks of the
 // library take as it is (CPrimitiveRestrictions, CRegEx). The translation needs no further escapes and may be joined

@@ -7,7 +7,7 @@
 #include <cwchar>
 #include <vector>
 
-#include "schema/components/internal/XmlNames.h"
+#include "schema/components/internal/Xsd.h"
 
 namespace RkXmlSchema {
 

@@ -3,7 +3,7 @@
 #include <fstream>
 
 #include "schema/components/internal/Reader.h"
-#include "schema/components/internal/XmlNames.h"
+#include "schema/components/internal/Xsd.h"
 
 namespace RkXmlSchema {
 

@@ -5,68 +5,14 @@
 #include "schema/components/Pattern.h"
 #include "schema/components/SimpleValue.h"
 #include "schema/components/internal/Builder.h"
-#include "schema/components/internal/Primitives.h"
-#include "schema/components/internal/XmlNames.h"
+#include "schema/components/internal/Xsd.h"
 
 namespace RkXmlSchema {
 
 namespace {
 
-struct BuiltInRow {
-  BuiltInType type;
-  BuiltInType base;
-  WhiteSpace whiteSpace;
-  const wchar_t* least;  // minInclusive and maxInclusive; null for none
-  const wchar_t* most;
-};
-
 constexpr auto kCollapse = WhiteSpace::Collapse;
 using B = BuiltInType;
-constexpr BuiltInRow kBuiltIns[] = {
-    {B::String, B::AnySimpleType, WhiteSpace::Preserve, nullptr, nullptr},
-    {B::Boolean, B::AnySimpleType, kCollapse, nullptr, nullptr},
-    {B::Decimal, B::AnySimpleType, kCollapse, nullptr, nullptr},
-    {B::Float, B::AnySimpleType, kCollapse, nullptr, nullptr},
-    {B::Double, B::AnySimpleType, kCollapse, nullptr, nullptr},
-    {B::Duration, B::AnySimpleType, kCollapse, nullptr, nullptr},
-    {B::DateTime, B::AnySimpleType, kCollapse, nullptr, nullptr},
-    {B::Time, B::AnySimpleType, kCollapse, nullptr, nullptr},
-    {B::Date, B::AnySimpleType, kCollapse, nullptr, nullptr},
-    {B::GYearMonth, B::AnySimpleType, kCollapse, nullptr, nullptr},
-    {B::GYear, B::AnySimpleType, kCollapse, nullptr, nullptr},
-    {B::GMonthDay, B::AnySimpleType, kCollapse, nullptr, nullptr},
-    {B::GDay, B::AnySimpleType, kCollapse, nullptr, nullptr},
-    {B::GMonth, B::AnySimpleType, kCollapse, nullptr, nullptr},
-    {B::HexBinary, B::AnySimpleType, kCollapse, nullptr, nullptr},
-    {B::Base64Binary, B::AnySimpleType, kCollapse, nullptr, nullptr},
-    {B::AnyURI, B::AnySimpleType, kCollapse, nullptr, nullptr},
-    {B::QName, B::AnySimpleType, kCollapse, nullptr, nullptr},
-    {B::Notation, B::AnySimpleType, kCollapse, nullptr, nullptr},
-    {B::NormalizedString, B::String, WhiteSpace::Replace, nullptr, nullptr},
-    {B::Token, B::NormalizedString, kCollapse, nullptr, nullptr},
-    {B::Language, B::Token, kCollapse, nullptr, nullptr},
-    {B::NMToken, B::Token, kCollapse, nullptr, nullptr},
-    {B::Name, B::Token, kCollapse, nullptr, nullptr},
-    {B::NCName, B::Name, kCollapse, nullptr, nullptr},
-    {B::ID, B::NCName, kCollapse, nullptr, nullptr},
-    {B::IDRef, B::NCName, kCollapse, nullptr, nullptr},
-    {B::Entity, B::NCName, kCollapse, nullptr, nullptr},
-    {B::Integer, B::Decimal, kCollapse, nullptr, nullptr},
-    {B::NonPositiveInteger, B::Integer, kCollapse, nullptr, L"0"},
-    {B::NegativeInteger, B::NonPositiveInteger, kCollapse, nullptr, L"-1"},
-    {B::Long, B::Integer, kCollapse, L"-9223372036854775808", L"9223372036854775807"},
-    {B::Int, B::Long, kCollapse, L"-2147483648", L"2147483647"},
-    {B::Short, B::Int, kCollapse, L"-32768", L"32767"},
-    {B::Byte, B::Short, kCollapse, L"-128", L"127"},
-    {B::NonNegativeInteger, B::Integer, kCollapse, L"0", nullptr},
-    {B::UnsignedLong, B::NonNegativeInteger, kCollapse, L"0", L"18446744073709551615"},
-    {B::UnsignedInt, B::UnsignedLong, kCollapse, L"0", L"4294967295"},
-    {B::UnsignedShort, B::UnsignedInt, kCollapse, L"0", L"65535"},
-    {B::UnsignedByte, B::UnsignedShort, kCollapse, L"0", L"255"},
-    {B::PositiveInteger, B::NonNegativeInteger, kCollapse, L"1", nullptr},
-};
-constexpr std::pair<BuiltInType, BuiltInType> kBuiltInLists[] = {
-    {B::NMTokens, B::NMToken}, {B::IDRefs, B::IDRef}, {B::Entities, B::Entity}};
 
 enum FacetKind : unsigned {
   kLengths = 1,
@@ -154,7 +100,7 @@ void AddBuiltInTypes(CSchemaSet::State& state) {
   state.typeTable[any.name] = &any;
 
   add(B::AnySimpleType).base = &any;
-  for (const BuiltInRow& row : kBuiltIns) {
+  for (const BuiltInRow& row : kBuiltInRows) {
     SimpleTypeDefinition& type = add(row.type);
     const SimpleTypeDefinition* const base = at(row.base);
     type.base = base;
@@ -169,7 +115,7 @@ void AddBuiltInTypes(CSchemaSet::State& state) {
     if (row.type == B::Integer) type.facets.fractionDigits = type.ownFacets.fractionDigits = CountFacet{{}, 0, true};
     type.holdsQNames = row.type == B::QName || row.type == B::Notation;
   }
-  for (const auto& [list, item] : kBuiltInLists) {
+  for (const auto& [list, item] : kBuiltInListRows) {
     SimpleTypeDefinition& type = add(list);
     type.base = at(B::AnySimpleType);
     type.derivation = kList;

@@ -7,13 +7,12 @@
 #include <string>
 #include <string_view>
 
+#include "RkXmlLib16/facets/XsdValueCheck.h"
 #include "schema/components/Components.h"
 
 namespace RkXmlSchema {
 
-// The namespace URI of a prefix (empty for the default namespace, which may be absent and then gives ""); nullopt for a
-// prefix that is not declared.
-using NamespaceResolver = std::function<std::optional<std::wstring>(std::wstring_view prefix)>;
+using RkXmlLib16::Xsd::NamespaceResolver;
 
 NamespaceResolver ResolverOf(const NamespaceBindings* bindings);
 

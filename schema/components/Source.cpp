@@ -1,7 +1,7 @@
 #include <algorithm>
 
 #include "schema/components/internal/Source.h"
-#include "schema/components/internal/XmlNames.h"
+#include "schema/components/internal/Xsd.h"
 
 namespace RkXmlSchema {
 

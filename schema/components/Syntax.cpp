@@ -3,9 +3,8 @@
 #include <array>
 #include <set>
 
-#include "schema/components/internal/Primitives.h"
 #include "schema/components/internal/Reader.h"
-#include "schema/components/internal/XmlNames.h"
+#include "schema/components/internal/Xsd.h"
 
 namespace RkXmlSchema {
 

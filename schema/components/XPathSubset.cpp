@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "schema/components/internal/XmlNames.h"
+#include "schema/components/internal/Xsd.h"
 
 namespace RkXmlSchema {
 

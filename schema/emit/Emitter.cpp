@@ -116,6 +116,29 @@ class CEmitter {
     return First().nameSpace == from.nameSpace ? "kSchema" : "::" + First().nameSpace + "::kSchema";
   }
 
+  // A pointer to a simple type; "" for one that is not printed.
+  std::string Type(const TypeDefinition* definition, const PlannedDocument& from) {
+    const SimpleTypeDefinition* const type = definition != nullptr ? definition->AsSimple() : nullptr;
+    if (type == nullptr) return {};
+    if (type->IsBuiltIn()) return "BuiltIn(" + BuiltInName(type->builtIn) + ")";
+    if (!m_plan.HasType(type)) return {};
+    m_usedTypes.insert(type);
+    const PlannedDocument& home = m_plan.DocumentOf(*type);
+    return "&" + (home.nameSpace == from.nameSpace ? "" : "::" + home.nameSpace + "::") + m_plan.NameOf(type);
+  }
+
+  static std::string BuiltInName(BuiltInType type) {
+    std::string name = ToPascal(GetBuiltInName(type));
+    if (name == "NOTATION") name = "Notation";
+    if (name == "NMTOKEN") name = "NMToken";
+    if (name == "NMTOKENS") name = "NMTokens";
+    if (name == "IDREF") name = "IDRef";
+    if (name == "IDREFS") name = "IDRefs";
+    if (name == "ENTITY") name = "Entity";
+    if (name == "ENTITIES") name = "Entities";
+    return "Xsd::BuiltInType::" + name;
+  }
+
   // ---- Headers
 
   std::string Header(const PlannedDocument& document) {
@@ -199,7 +222,7 @@ class CEmitter {
       out.Line("extern const ElementModel k" + name + "Element;");
       if (root->element->isAbstract || root->object->isAbstract) continue;
       out.Line("// A new object for an element " + ToUtf8(root->element->name.localName) + ".");
-      out.Lines(ToComment(root->element->documentation, 0));
+      out.Lines(ToComment(root->element->documentation, 0, 3));
       out.Line("CSmartPtr<" + Name(object, document) + "> New" + name + "();");
       out.Line();
     }
@@ -334,7 +357,7 @@ class CEmitter {
     if (storage.note == "Element" || storage.note == "Attribute") note += L' ' + storage.xmlName;
     note += L'.';
     if (!storage.documentation.empty()) note += L' ' + storage.documentation;
-    out.Lines(ToComment(note, 2));
+    out.Lines(ToComment(note, 2, 3));
     if (storage.kind == Storage::Kind::Value) {
       const std::string argument = IsPlain(type) || storage.enumeration != nullptr ? type : "const " + type + "&";
       if (storage.isNillable) {
@@ -392,10 +415,7 @@ class CEmitter {
 
   std::string Source(const PlannedDocument& document, const std::vector<const PlannedClass*>& classes, bool isFirst,
                      const std::string& body) {
-    CText out;
-    out.Line(Title(document));
-    out.Line("#include \"" + document.stem + ".h\"");
-    std::set<const PlannedDocument*> others;
+    std::set<const PlannedDocument*> others = {&First()};
     std::set<const ValueBinding*> values;
     std::vector<const ValueBinding*> ordered;
     const auto use = [&](const ValueBinding* value) {
@@ -408,53 +428,163 @@ class CEmitter {
       }
       for (const AttributeBinding& attribute : object->binding->attributes) use(attribute.value);
       use(object->binding->text);
+      if (object->element != nullptr) others.insert(&m_plan.DocumentOf(*object->element));
     }
     const bool hasSchema = isFirst && IsFirst(document);
-    if (hasSchema) {
+    if (hasSchema)
       for (const auto& other : m_plan.GetDocuments()) others.insert(other.get());
-      for (const AttributeBindingOf& attribute : GlobalAttributes()) use(attribute.value);
-    }
-    others.insert(&First());
     others.erase(&document);
+
+    m_valueNames.clear();
+    CScope names;
+    CText models;
+    for (const ValueBinding* value : ordered) Value(*value, document, names, models);
+    CText tail;
+    if (isFirst) Elements(document, tail);
+    if (hasSchema) SchemaSource(document, tail);
+    CText types;
+    if (isFirst)
+      for (const SimpleTypeDefinition* type : document.types) SimpleType(*type, document, types);
+
+    CText out;
+    out.Line(Title(document));
+    out.Line("#include \"" + document.stem + ".h\"");
     out.Line();
     for (const auto& other : m_plan.GetDocuments())
       if (others.count(other.get()) != 0) out.Line("#include \"" + other->stem + ".h\"");
     out.Line();
+    TypeDeclarations(out);
     out.Line("namespace " + document.nameSpace + " {");
     out.Line();
     out.Line("using namespace RkXmlLib16Data;");
     out.Line();
-    m_valueNames.clear();
-    CScope names;
-    if (isFirst) {
+    if (isFirst)
       for (const PlannedEnum* enumeration : document.enums) EnumSource(*enumeration, out);
-    }
+    Copy(types.Get(), out);
     if (!ordered.empty()) {
       out.Line("namespace {");
       out.Line();
-      for (const ValueBinding* value : ordered) Value(*value, document, names, out);
+      Copy(models.Get(), out);
       out.Line();
       out.Line("}  // namespace");
       out.Line();
     }
-    std::string text = Named(body);
-    std::size_t at = 0;
-    while (at < text.size()) {
+    Copy(Named(body), out);
+    out.Line();
+    Copy(tail.Get(), out);
+    out.Line("}  // namespace " + document.nameSpace);
+    m_usedTypes.clear();
+    return out.Take();
+  }
+
+  static void Copy(const std::string& text, CText& out) {
+    for (std::size_t at = 0; at < text.size();) {
       const std::size_t end = text.find('\n', at);
       out.Line(text.substr(at, end - at));
       at = end + 1;
     }
-    out.Line();
-    if (isFirst) Elements(document, out);
-    if (hasSchema) SchemaSource(document, out);
-    out.Line("}  // namespace " + document.nameSpace);
-    return out.Take();
   }
 
-  struct AttributeBindingOf {
-    const ValueBinding* value = nullptr;
-  };
-  std::vector<AttributeBindingOf> GlobalAttributes() const { return {}; }
+  // The simple types that the source speaks of, wherever they are defined.
+  void TypeDeclarations(CText& out) {
+    std::map<std::string, std::set<std::string>> types;
+    for (const SimpleTypeDefinition* type : m_usedTypes)
+      types[m_plan.DocumentOf(*type).nameSpace].insert(m_plan.NameOf(type));
+    for (const auto& [nameSpace, names] : types) {
+      out.Line("namespace " + nameSpace + " {");
+      for (const std::string& name : names) out.Line("extern const RkXmlLib16Data::CSimpleTypeModel " + name + ";");
+      out.Line("}  // namespace " + nameSpace);
+      out.Line();
+    }
+  }
+
+  void SimpleType(const SimpleTypeDefinition& type, const PlannedDocument& document, CText& out) {
+    static constexpr const char* kVarieties[] = {"Absent", "Atomic", "List", "Union"};
+    static constexpr const char* kSpaces[] = {"Preserve", "Replace", "Collapse"};
+    const std::string name = Type(&type, document).substr(1);
+    const Facets& f = type.facets;
+    const auto reference = [&](const SimpleTypeDefinition* other) {
+      const std::string text = Type(other, document);
+      return text.empty() ? std::string("nullptr") : text;
+    };
+    std::vector<std::string> members;
+    for (const SimpleTypeDefinition* member : type.memberTypes) members.push_back(reference(member));
+    std::vector<std::string> patterns;
+    for (const PatternStep& step : f.patterns) {
+      std::wstring joined;
+      for (const Pattern& pattern : step.alternatives)
+        joined += (joined.empty() ? L"" : L"|") +
+                  (step.alternatives.size() > 1 ? L"(?:" + pattern.translated + L")" : pattern.translated);
+      if (!joined.empty()) patterns.push_back(ToLiteral(joined));
+    }
+    std::vector<std::string> values;
+    std::vector<std::string> constants;
+    for (const EnumerationValue& value : f.enumeration) {
+      std::string prefixes = "{}";
+      if (value.namespaces != nullptr && !value.namespaces->empty()) {
+        prefixes = Prefixes(*value.namespaces, name + std::to_string(constants.size() + 1) + "Prefixes", out);
+        constants.push_back(prefixes);
+      }
+      values.push_back("{" + ToLiteral(value.text) + ", " + prefixes + "}");
+    }
+    // Tables that the constructor takes stand in front of the type, in its namespace.
+    const std::string tables = name.rfind("::") == std::string::npos ? name : name.substr(name.rfind("::") + 2);
+    const auto table = [&](const char* element, const char* suffix, const std::vector<std::string>& items) {
+      if (items.empty()) return std::string();
+      std::string line = std::string("static constexpr ") + element + " " + tables + suffix + "[] = {";
+      for (std::size_t i = 0; i < items.size(); ++i) line += (i > 0 ? ", " : "") + items[i];
+      out.Broken(line + "};", 4);
+      return tables + suffix;
+    };
+    const std::string memberTable = table("const CSimpleTypeModel*", "Members", members);
+    const std::string patternTable = table("const wchar_t*", "Patterns", patterns);
+    const std::string valueTable = table("EnumerationModel", "Values", values);
+    out.Line("const CSimpleTypeModel " + tables + "([] {");
+    out.Broken("  SimpleTypeData data(" + ToLiteral(type.name.localName) + ", " +
+                   Uri(type.IsAnonymous() ? std::wstring() : type.name.namespaceUri) + ", " +
+                   reference(type.base != nullptr ? type.base->AsSimple() : nullptr) + ", Xsd::Variety::" +
+                   kVarieties[static_cast<int>(type.variety)] + ", " + BuiltInName(type.builtIn) + ");",
+               6);
+    const auto set = [&](const char* facet, const std::string& value) {
+      out.Broken(std::string("  data.") + facet + " = " + value + ";", 6);
+    };
+    const auto count = [&](const char* facet, const std::optional<CountFacet>& value) {
+      if (value) set(facet, std::to_string(std::min<std::uint64_t>(value->value, 0x7FFFFFFFFFFFFFFF)));
+    };
+    const auto bound = [&](const char* facet, const std::optional<BoundFacet>& value) {
+      if (value) set(facet, ToLiteral(value->text));
+    };
+    if (f.GetWhiteSpace() != WhiteSpace::Preserve)
+      set("whiteSpace", std::string("Xsd::WhiteSpace::") + kSpaces[static_cast<int>(f.GetWhiteSpace())]);
+    if (type.variety == Variety::List && type.itemType != nullptr) set("itemType", reference(type.itemType));
+    if (type.variety == Variety::Union && !memberTable.empty()) set("memberTypes", memberTable);
+    count("length", f.length);
+    count("minLength", f.minLength);
+    count("maxLength", f.maxLength);
+    count("totalDigits", f.totalDigits);
+    count("fractionDigits", f.fractionDigits);
+    bound("minInclusive", f.minInclusive);
+    bound("maxInclusive", f.maxInclusive);
+    bound("minExclusive", f.minExclusive);
+    bound("maxExclusive", f.maxExclusive);
+    if (!patternTable.empty()) set("patterns", patternTable);
+    if (!valueTable.empty()) set("enumeration", valueTable);
+    if (type.holdsQNames) set("holdsQNames", "true");
+    out.Line("  return data;");
+    out.Line("}());");
+    out.Line();
+  }
+
+  static std::string Prefixes(const NamespaceBindings& bindings, const std::string& name, CText& out) {
+    std::string line = "static constexpr PrefixModel " + name + "[] = {";
+    bool isFirst = true;
+    for (const auto& [prefix, uri] : bindings) {
+      line += (isFirst ? "{" : ", {") + ToLiteral(prefix) + ", " + ToLiteral(uri) + "}";
+      isFirst = false;
+    }
+    out.Broken(line + "};", 4);
+    return name;
+  }
 
   void EnumSource(const PlannedEnum& enumeration, CText& out) {
     const auto& values = enumeration.value->type->facets.enumeration;
@@ -493,18 +623,12 @@ class CEmitter {
   }
 
   void Value(const ValueBinding& value, const PlannedDocument& document, CScope& names, CText& out) {
-    static constexpr const char* kItems[] = {
-        "none",         "hexBinary",     "base64Binary", "byte",         "short", "int",   "long",
-        "unsignedByte", "unsignedShort", "unsignedInt",  "unsignedLong", "float", "double"};
-    static constexpr const char* kRules[] = {"none", "preserve", "replace", "collapse"};
-    (void)kItems;
     const QName& typeName = value.type != nullptr ? value.type->name : QName();
     const std::string name = names.Add(
         "k" + (typeName.localName.empty() ? std::string("Anonymous") : ToPascal(typeName.localName)) + "Values");
     m_valueNames[&value] = name;
     std::string line = "constexpr ValueModel " + name + " = ValueModel(" + ItemName(value.itemType) +
                        ", CWhitespaceUtils::" + RuleName(value.whitespace) + ")";
-    (void)kRules;
     const CPrimitiveRestrictions& f = value.facets;
     const auto text = [&](const char* facet, const std::wstring& given) {
       if (!given.empty()) line += std::string(".") + facet + "(" + ToLiteral(given) + ")";
@@ -527,6 +651,8 @@ class CEmitter {
       line += ".Enumeration(" + (isOwn ? "" : "::" + enumeration->document->nameSpace + "::") + "k" +
               enumeration->name + "Texts)";
     }
+    const std::string type = Type(value.type, document);
+    if (!type.empty()) line += ".Type(" + type + ")";
     if (value.needsCheck) line += ".Checked()";
     if (value.holdsQNames) line += ".QNames()";
     out.Broken(line + ";", 4);
@@ -572,8 +698,6 @@ class CEmitter {
     const ClassBinding& binding = *object.binding;
     const PlannedDocument& document = *object.document;
     const std::string base = object.base != nullptr ? Name(*object.base, document) : "CModelObject";
-    out.Line("// ---- " + object.name);
-    out.Line();
     Tables(object, out);
     const bool begins = std::any_of(binding.attributes.begin(), binding.attributes.end(),
                                     [](const AttributeBinding& a) { return a.defaultValue.exists; });
@@ -678,6 +802,7 @@ class CEmitter {
       const unsigned block = binding.type->AsComplex()->prohibitedSubstitutions & (kExtension | kRestriction);
       if (block != 0) set("block", std::to_string(block));
     }
+    if (binding.kind == ClassBinding::Kind::SimpleType) set("simple", Type(binding.type, document));
     if (object.element != nullptr) {
       const PlannedDocument& home = m_plan.DocumentOf(*object.element);
       set("element", "&" + (home.nameSpace == document.nameSpace ? "" : "::" + home.nameSpace + "::") + "k" +
@@ -758,6 +883,8 @@ class CEmitter {
     }
     if (!member.isRequired) line += ".NotRequired()";
     if (member.isNillable) line += ".Nillable()";
+    if (member.object != nullptr && member.object->kind == ClassBinding::Kind::SimpleType)
+      line += ".Simple(" + Type(member.object->type, document) + ")";
     if (member.element != nullptr &&
         !m_plan.Find(member.object != nullptr ? member.object : object.binding)->binding->IsInline()) {
       const unsigned block = member.element->disallowedSubstitutions & (kExtension | kRestriction);
@@ -800,6 +927,27 @@ class CEmitter {
     out.Line();
     std::vector<std::string> classes;
     std::vector<std::string> elements;
+    std::vector<std::string> types;
+    std::vector<std::string> attributes;
+    for (const TypeDefinition* type : m_plan.GetBinding().GetSchemas().GetTypes())
+      if (type->IsSimple()) types.push_back(Type(type, document));
+    std::size_t number = 0;
+    for (const AttributeDeclaration* attribute : m_plan.GetBinding().GetSchemas().GetAttributes()) {
+      const std::string model = "kAttribute" + std::to_string(++number) + "Values";
+      out.Broken("constexpr ValueModel " + model + " = ValueModel(ItemType_string, CWhitespaceUtils::preserve).Type(" +
+                     Type(attribute->type, document) + ");",
+                 4);
+      std::string line = "AttributeModel(0, " + ToLiteral(attribute->name.localName) + ", " +
+                         Uri(attribute->name.namespaceUri) + ", " + model + ")";
+      if (attribute->value.kind == ValueConstraintKind::Fixed) {
+        std::string prefixes;
+        if (attribute->value.namespaces != nullptr)
+          prefixes =
+              ", " + Prefixes(*attribute->value.namespaces, "kAttribute" + std::to_string(number) + "Prefixes", out);
+        line += ".Fixed(" + ToLiteral(attribute->value.normalized) + prefixes + ")";
+      }
+      attributes.push_back(line);
+    }
     for (const auto& other : m_plan.GetDocuments()) {
       const std::string scope = other->nameSpace == document.nameSpace ? "" : "::" + other->nameSpace + "::";
       for (const PlannedClass* object : other->classes)
@@ -816,10 +964,13 @@ class CEmitter {
     };
     table("const ClassModel* const kClasses", classes);
     table("const ElementModel* const kElements", elements);
+    table("constexpr AttributeModel kGlobalAttributes", attributes);
+    table("const CSimpleType* const kSimpleTypes", types);
     out.Line("}  // namespace");
     out.Line();
     out.Line(std::string("const SchemaModel kSchema = {") + (classes.empty() ? "{}" : "kClasses") + ", " +
-             (elements.empty() ? "{}" : "kElements") + ", {}, {}};");
+             (elements.empty() ? "{}" : "kElements") + ", " + (attributes.empty() ? "{}" : "kGlobalAttributes") + ", " +
+             (types.empty() ? "{}" : "kSimpleTypes") + "};");
     out.Line();
   }
 
@@ -828,6 +979,7 @@ class CEmitter {
   std::unordered_map<const ValueBinding*, std::size_t> m_marks;
   std::vector<const ValueBinding*> m_marked;
   std::unordered_map<const ValueBinding*, std::string> m_valueNames;
+  std::set<const SimpleTypeDefinition*> m_usedTypes;  // of the source at work
 };
 
 }  // namespace

@@ -137,9 +137,8 @@ std::string ToLiteral(std::wstring_view text) {
   return result + '"';
 }
 
-std::vector<std::string> ToComment(std::wstring_view text, std::size_t indent) {
+std::vector<std::string> ToComment(std::wstring_view text, std::size_t indent, std::size_t most) {
   constexpr std::size_t kWidth = 116;
-  constexpr std::size_t kMostLines = 8;
   std::vector<std::string> lines;
   std::wstring line;
   const auto flush = [&] {
@@ -149,7 +148,7 @@ std::vector<std::string> ToComment(std::wstring_view text, std::size_t indent) {
     line.clear();
   };
   std::size_t at = 0;
-  while (at < text.size() && lines.size() < kMostLines) {
+  while (at < text.size() && lines.size() < most) {
     std::size_t end = at;
     while (end < text.size() && text[end] > 0x20) ++end;
     const std::wstring_view word = text.substr(at, std::min<std::size_t>(end - at, 200));
@@ -163,7 +162,7 @@ std::vector<std::string> ToComment(std::wstring_view text, std::size_t indent) {
     }
     at = end + 1;
   }
-  if (lines.size() < kMostLines) {
+  if (lines.size() < most) {
     flush();
   } else {
     lines.back() += " ...";

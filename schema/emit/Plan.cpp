@@ -125,6 +125,15 @@ std::string StemOf(const std::wstring& file) {
   if (dot != std::wstring::npos && dot > 0) name.erase(dot);
   std::string stem;
   for (const char c : ToUtf8(name)) stem += c == ' ' || c == '"' || c == '\\' ? '_' : c;
+  static const std::set<std::string> taken = {
+      "aio",      "alloca",  "assert",   "complex", "cpio",      "ctype",   "dirent",  "dlfcn",  "errno",     "fcntl",
+      "fenv",     "float",   "fmtmsg",   "fnmatch", "ftw",       "glob",    "grp",     "iconv",  "inttypes",  "iso646",
+      "langinfo", "libgen",  "limits",   "link",    "locale",    "malloc",  "math",    "memory", "monetary",  "ndbm",
+      "netdb",    "poll",    "pthread",  "pwd",     "regex",     "resolv",  "sched",   "search", "semaphore", "setjmp",
+      "signal",   "spawn",   "stdalign", "stdarg",  "stdatomic", "stdbool", "stddef",  "stdint", "stdio",     "stdlib",
+      "string",   "strings", "syslog",   "tar",     "termios",   "tgmath",  "threads", "time",   "trace",     "uchar",
+      "ulimit",   "unistd",  "utime",    "utmpx",   "values",    "wait",    "wchar",   "wctype", "wordexp",   "zlib"};
+  if (taken.count(stem) != 0) stem += "_schema";
   return stem.empty() ? "schema" : stem;
 }
 
@@ -146,6 +155,7 @@ CPlan::CPlan(const CBinding& binding, const EmitOptions& options) : m_binding(bi
   AddDocuments(options);
   NameClasses();
   for (const auto& object : m_classes) PlaceClass(*object);
+  NameTypes();
   for (const RootBinding& root : binding.GetRoots()) {
     PlannedDocument& document = DocumentOf(*root.element);
     document.roots.push_back(&root);
@@ -423,6 +433,47 @@ void CPlan::PlaceClass(PlannedClass& object) {
     storage.note = "Text";
     value(storage, *binding.text, FromUtf8("Value"));
     object.text = Place(object, names, std::move(storage));
+  }
+}
+
+// ---- Simple types
+
+PlannedDocument& CPlan::DocumentOf(const SimpleTypeDefinition& type) const {
+  return DocumentOf(type.location, type.name.namespaceUri);
+}
+
+// The type, behind those that it is made of.
+void CPlan::NameType(const SimpleTypeDefinition* type, const std::wstring& fallback) {
+  if (type == nullptr || type->IsBuiltIn() || m_types.count(type) != 0) return;
+  const std::wstring name = type->IsAnonymous() ? fallback : type->name.localName;
+  NameType(type->base != nullptr ? type->base->AsSimple() : nullptr, name);
+  NameType(type->itemType, name + L"Item");
+  for (const SimpleTypeDefinition* member : type->memberTypes) NameType(member, name + L"Member");
+  PlannedDocument& document = DocumentOf(*type);
+  const std::string pascal = ToPascal(name);
+  const bool isSaid = pascal.size() > 4 && pascal.compare(pascal.size() - 4, 4, "Type") == 0;
+  m_types.emplace(type, document.scope->Add("k" + pascal + (isSaid ? "" : "Type")));
+  document.types.push_back(type);
+}
+
+// Those that documents may name, and those whose values the facets do not check wholly.
+void CPlan::NameTypes() {
+  for (const TypeDefinition* type : m_binding.GetSchemas().GetTypes())
+    if (type->IsSimple()) NameType(type->AsSimple(), {});
+  for (const AttributeDeclaration* attribute : m_binding.GetSchemas().GetAttributes())
+    NameType(attribute->type, attribute->name.localName);
+  for (const auto& planned : m_classes) {
+    const ClassBinding& object = *planned->binding;
+    const std::wstring owner = FromUtf8(planned->tables);
+    const auto name = [&](const ValueBinding* value, const DefaultBinding* fixed, const std::wstring& member) {
+      if (value != nullptr && (value->needsCheck || (fixed != nullptr && fixed->isFixed)))
+        NameType(value->type->AsSimple(), owner + FromUtf8(ToPascal(member)));
+    };
+    for (const MemberBinding& member : object.members) name(member.value, &member.defaultValue, member.name);
+    for (const AttributeBinding& attribute : object.attributes)
+      name(attribute.value, &attribute.defaultValue, attribute.name);
+    if (object.text != nullptr && !object.isMixed) NameType(object.text->type->AsSimple(), owner);
+    if (object.kind == ClassBinding::Kind::SimpleType) NameType(object.type->AsSimple(), owner);
   }
 }
 

@@ -21,8 +21,8 @@ std::string ToNamespace(std::wstring_view uri);
 
 // A wide string literal.
 std::string ToLiteral(std::wstring_view text);
-// Lines of a comment with the text, each at most `width` characters long with `indent` blanks in front.
-std::vector<std::string> ToComment(std::wstring_view text, std::size_t indent);
+// Lines of a comment with the text, `indent` blanks in front; what is longer than `most` lines is left out.
+std::vector<std::string> ToComment(std::wstring_view text, std::size_t indent, std::size_t most = 8);
 
 // Names in one scope. A name that is taken gets the next number that is free: Item, Item2, Item3.
 class CScope {

@@ -68,6 +68,7 @@ struct PlannedDocument {
   std::vector<PlannedClass*> classes;  // bases first
   std::vector<PlannedEnum*> enums;
   std::vector<const RootBinding*> roots;
+  std::vector<const SimpleTypeDefinition*> types;  // bases first
 };
 
 // The names and places of everything that is printed.
@@ -79,6 +80,10 @@ class CPlan {
   const std::vector<std::unique_ptr<PlannedDocument>>& GetDocuments() const noexcept { return m_documents; }
   const PlannedClass* Find(const ClassBinding* object) const;
   const PlannedEnum* FindEnum(const ValueBinding* value) const;
+  // The name and document of a simple type that is not built in; kMoneyType.
+  const std::string& NameOf(const SimpleTypeDefinition* type) const { return m_types.at(type); }
+  bool HasType(const SimpleTypeDefinition* type) const { return m_types.count(type) != 0; }
+  PlannedDocument& DocumentOf(const SimpleTypeDefinition& type) const;
   // "Order" for NewOrder, by the global element.
   const std::string& NameOf(const ElementDeclaration* element) const { return m_elements.at(element); }
   PlannedDocument& DocumentOf(const ElementDeclaration& element) const;
@@ -88,6 +93,8 @@ class CPlan {
   PlannedDocument& DocumentOf(const SourceLocation& location, const std::wstring& ns) const;
   PlannedDocument& DocumentOf(const ClassBinding& object) const;
   void NameClasses();
+  void NameTypes();
+  void NameType(const SimpleTypeDefinition* type, const std::wstring& fallback);
   void NameClass(const ClassBinding& object, const std::string& name);
   void NameParts(const PlannedClass& object);
   void PlaceClass(PlannedClass& object);
@@ -102,6 +109,7 @@ class CPlan {
   std::vector<std::unique_ptr<PlannedEnum>> m_enums;
   std::unordered_map<const ValueBinding*, PlannedEnum*> m_enumOf;
   std::unordered_map<const ElementDeclaration*, std::string> m_elements;
+  std::unordered_map<const SimpleTypeDefinition*, std::string> m_types;
   std::unordered_map<const PlannedClass*, CScope> m_properties;
 };
 

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "Differential.h"
+#include "constructs.h"
 #include "gpx.h"
 #include "order.h"
 
@@ -41,6 +42,34 @@ TEST(GeneratedTest, MakesTheSameOfDocumentsAsObjectsWithoutClasses) {
   EXPECT_EQ(tracks.Compare(track), L"");
   EXPECT_EQ(tracks.CompareVariants(Shortened(track, "<trkpt"), count), L"");
   EXPECT_GT(count, 300);
+}
+
+TEST(GeneratedTest, SaysTheSameOfEveryConstruct) {
+  int count = 0;
+  const CDifferential both({fs::path(RKXML_FOLDER) / "constructs.xsd"}, constructs::kSchema);
+  EXPECT_EQ(both.CompareVariants(Slurp(fs::path(RKXML_FOLDER) / "constructs.xml"), count), L"");
+  EXPECT_GT(count, 300);
+  const std::string head =
+      "<x:price xmlns:x='urn:test:constructs' xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' ";
+  for (const char* rest :
+       {">2</x:price>", ">-2</x:price>", "xsi:type='x:cheap'>9</x:price>", "xsi:type='x:cheap'>11</x:price>",
+        "xsi:type='x:word'>one</x:price>", "/>", "xsi:nil='true'/>"})
+    EXPECT_EQ(both.Compare(head + rest), L"") << rest;
+}
+
+TEST(GeneratedTest, ResolvesNames) {
+  const auto root = constructs::NewRoot();
+  root->SetNamespace_(CBinaryData());  // not GetNamespace of every object
+  root->SetListAttribute(L"1");
+  root->SetList(L"1 2 3");
+  root->GetOrAddTextWith_value()->SetValue(CDecimal(L"1.5"));
+  EXPECT_EQ(constructs::EWordFromText(L"2.0"), constructs::EWord::v2_0);
+  EXPECT_EQ(constructs::EWordFromText(L"int"), constructs::EWord::int_);
+  EXPECT_EQ(constructs::EWordFromText(L"EOF"), constructs::EWord::EOF_);
+  EXPECT_NE(constructs::EWordFromText(L"+"), constructs::EWordFromText(L"-"));
+  constructs::CBase* const narrow = root->GetOrAddNarrow();
+  narrow->SetX(L"kept by the base");
+  EXPECT_TRUE(narrow->HasX());
 }
 
 TEST(GeneratedTest, GivesTypedAccess) {

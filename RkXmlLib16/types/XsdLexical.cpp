@@ -1,4 +1,4 @@
-#include "schema/components/internal/Primitives.h"
+#include "RkXmlLib16/types/XsdLexical.h"
 
 #include <algorithm>
 #include <array>
@@ -6,10 +6,9 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <optional>
 
-#include "schema/components/internal/XmlNames.h"
-
-namespace RkXmlSchema {
+namespace RkXmlLib16::Xsd {
 
 namespace {
 
@@ -565,4 +564,6 @@ std::size_t LengthOf(BuiltInType primitive, std::wstring_view text) {
   return text.size() - static_cast<std::size_t>(std::count_if(text.begin(), text.end(), isLow));
 }
 
-}  // namespace RkXmlSchema
+const wchar_t* GetBuiltInName(BuiltInType type) noexcept { return kBuiltInNames[static_cast<std::size_t>(type)]; }
+
+}  // namespace RkXmlLib16::Xsd

@@ -1,8 +1,8 @@
 #include <algorithm>
 
-#include "schema/components/internal/XmlNames.h"
+#include "RkXmlLib16/types/XsdLexical.h"
 
-namespace RkXmlSchema {
+namespace RkXmlLib16::Xsd {
 
 namespace {
 
@@ -72,4 +72,4 @@ bool IsLanguage(std::wstring_view text) {
   return length != 0;
 }
 
-}  // namespace RkXmlSchema
+}  // namespace RkXmlLib16::Xsd
