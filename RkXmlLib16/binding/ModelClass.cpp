@@ -224,7 +224,13 @@ const ElementModel* FindElement(const SchemaModel& schema, std::wstring_view uri
 bool IsAnyType(const ClassModel* object) { return object != nullptr && object->isAnyType; }
 
 // The class for xsi:type on an element of the declaration; null when it does not fit.
-const ClassModel* FindSubstitute(const ElementModel& declaration, const ClassModel* object) {
+const ClassModel* FindSubstitute(const ElementModel& declaration, const NamedType& type) {
+  const ClassModel* const object = type.object;
+  if (declaration.simple != nullptr) {
+    const bool isBlocked = (declaration.block & Derivation_Restriction) != 0;
+    if (type.simple == nullptr || isBlocked || !type.simple->IsDerivedFrom(declaration.simple)) return nullptr;
+    return object != nullptr ? object : declaration.object;  // which checks the text by the other type too
+  }
   unsigned methods = 0;
   for (const ClassModel* at = object; at != declaration.object; at = at->base) {
     if (at == nullptr) return nullptr;
@@ -270,7 +276,7 @@ CSmartPtr<CModelObject> NewElement(const SchemaModel* schema, const ElementModel
   const NamedType type = FindNamedType(schema, element);
   const bool isDeclared = !type.isNamed || (declaration.simple != nullptr ? type.simple == declaration.simple
                                                                           : type.object == declaration.object);
-  const ClassModel* const object = isDeclared ? declaration.object : FindSubstitute(declaration, type.object);
+  const ClassModel* const object = isDeclared ? declaration.object : FindSubstitute(declaration, type);
   if (object == nullptr || object->isAbstract) return nullptr;
   return NewModelObject(*object, &declaration);
 }

@@ -908,7 +908,8 @@ class CEmitter {
                               (element.value.kind == ValueConstraintKind::Fixed ? "true" : "false") + ", {}}"
                         : "{}";
       out.Broken("const ElementModel k" + name + "Element = {" + ToLiteral(element.name.localName) + ", " +
-                     Uri(element.name.namespaceUri) + ", &" + Name(object, document) + "::kModel, nullptr, " + value +
+                     Uri(element.name.namespaceUri) + ", &" + Name(object, document) + "::kModel, " +
+                     (element.type->IsSimple() ? Type(element.type, document) : std::string("nullptr")) + ", " + value +
                      ", " + std::to_string(element.disallowedSubstitutions & (kExtension | kRestriction)) + ", " +
                      (element.isNillable ? "true" : "false") + ", " + (element.isAbstract ? "true" : "false") + "};",
                  4);

@@ -226,8 +226,18 @@ void CPlan::NameClass(const ClassBinding& object, const std::string& name) {
 }
 
 void CPlan::NameClasses() {
+  // A class that only xsi:type may name is printed where an element has a type that it is derived from.
+  const auto isNeeded = [&](const ClassBinding& object) {
+    if (!object.onlyByTypeName) return true;
+    if (object.type->IsBuiltIn()) return false;
+    for (const TypeDefinition* at = object.type->base; at != nullptr && at->IsSimple(); at = at->base) {
+      const ClassBinding* const base = m_binding.FindClass(at);
+      if (base != nullptr && !base->onlyByTypeName) return true;
+    }
+    return false;
+  };
   for (const auto& object : m_binding.GetClasses()) {
-    if (object->onlyByTypeName) continue;
+    if (!isNeeded(*object)) continue;
     auto planned = std::make_unique<PlannedClass>();
     planned->binding = object.get();
     planned->document = &DocumentOf(*object);
