@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the library, the tool and the GPX example, then takes a GPX track through them: first as any XML document, then
-# as objects of generated classes.
+# Builds the library, the tool and the GPX example, then takes a GPX track through them: from the schema to classes, as any
+# XML document, and as objects of the classes.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -38,7 +38,7 @@ echo "Building the library, the tool and an example in $build (a minute or two t
   { tail -n 60 "$log"; echo "demo: the build failed" >&2; exit 1; }
 
 export PATH=$build/tools/rkxml:$build/examples/gpx:$PATH
-cp examples/data/track.gpx "$work"
+cp examples/data/track.gpx examples/gpx/gpx.xsd "$work"
 cd "$work"
 
 # run COMMAND: shows it and runs it; a pipe comes as one argument for the shell.
@@ -48,7 +48,11 @@ run() {
 }
 say() { printf '\n%s\n' "$*"; }
 
-say 'A GPX track: a default namespace, extensions in a second one, names in many scripts.'
+say 'It begins with a schema: rkxml makes C++ classes of it.'
+run rkxml generate --namespace http://www.topografix.com/GPX/1/1=Gpx gpx.xsd
+run "grep -A 16 '^class CTrksegType :' gpx.h"
+
+say 'A document of the schema, a GPX track: a default namespace, extensions in a second one, names in many scripts.'
 run rkxml show track.gpx
 
 say 'The tool takes it as any XML document. Compact and compressed ...'
@@ -61,8 +65,8 @@ run rkxml convert --indent 2 track.gpx.gz back.gpx
 run 'xmllint --noblanks --c14n track.gpx >source.c14n && xmllint --noblanks --c14n back.gpx >back.c14n'
 run 'cmp source.c14n back.c14n && sha256sum source.c14n back.c14n' || { echo "demo: the two differ" >&2; exit 1; }
 
-say 'The library does more: with generated classes (examples/gpx/Gpx.h, from gpx.xsd) the document is objects with'
-echo 'typed members. A program asks them for points, lengths and times, and writes them back, here as JSON.'
+say 'The library does more: with the classes of the schema the document is objects with typed members.'
+echo 'A program asks them for points, lengths and times, and writes them back, here as JSON.'
 run gpx_stats track.gpx track.json
 run 'head -n 11 track.json'
 
@@ -78,7 +82,7 @@ run 'wc -c track.gpx track.json track.finf | head -n 3'
 say 'Read next:'
 cat <<END
   README.md                       a first program; how to build, install and link
-  docs/getting-started.md         from a schema type to a class, and from the class to documents
+  docs/getting-started.md         from a schema to a program in five commands
   examples/gpx/gpx_stats.cpp      the program that measured the track
   build/demo/tools/rkxml/rkxml convert --help
 END

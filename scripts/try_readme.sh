@@ -76,6 +76,9 @@ in_root() {
     DEBIAN_FRONTEND=noninteractive bash -euo pipefail -c "cd /root/project && $1" </dev/null
 }
 
+# first_block LANGUAGE PAGE
+first_block() { awk -v fence="^\`\`\`$1" '/^```/ { inside = $0 ~ fence && !n++; next } inside' "$2"; }
+
 start_bare() {
   unmount
   rm -rf --one-file-system "$root"
@@ -83,8 +86,10 @@ start_bare() {
   mount -t proc proc "$root/proc"
   mkdir -p "$root/root/project"
   git archive HEAD | tar -x -C "$root/root/project"
-  # The program of the README, which its commands compile.
-  awk '/^```/ { inside = /cpp/ && !n++; next } inside' README.md >"$root/root/project/program.cpp"
+  # The programs and the schema of the pages, which their commands compile.
+  first_block cpp README.md >"$root/root/project/program.cpp"
+  first_block cpp docs/getting-started.md >"$root/root/project/books.cpp"
+  first_block xml docs/getting-started.md >"$root/root/project/shelf.xsd"
   in_root "apt-get update"
 }
 

@@ -1,7 +1,7 @@
 #ifndef RKXMLLIB16_TESTS_DOCS_BLOCKS_H
 #define RKXMLLIB16_TESTS_DOCS_BLOCKS_H
 
-// What stands before the blocks of the pages: the library, the classes of the examples, and the words by which the
+// What stands before the blocks of the pages: the library, the classes of schemas, and the words by which the
 // generated source checks what a block says about itself.
 
 #include <RkXmlLib16/Generated.h>
@@ -16,7 +16,7 @@
 #include <typeinfo>
 
 #include "gpx.h"
-#include "order.h"
+#include "shelf.h"
 
 using namespace RkXmlLib16;
 

@@ -66,10 +66,11 @@ check_readme() {
   local readme=$source/../../README.md flags=()
   [ -z "$sanitize" ] || flags=("-fsanitize=$sanitize")
   awk '/^```/ { inside = /cpp/ && !n++; next } inside' "$readme" >"$work/readme.cpp"
+  (cd "$(dirname "$readme")" && eval "$1/bin/$(grep -o -m 1 'rkxml generate .*gpx.xsd$' "$readme") --out '$work'")
   awk '/^```/ { fences++ } fences == 2 && sub(/^    /, "") { print; seen = 1; next } seen { exit }' "$readme" \
     >"$work/readme.wanted"
   # shellcheck disable=SC2046
-  "$compiler" -std=c++17 "${flags[@]}" "$work/readme.cpp" -o "$work/readme" $(pkg-config --cflags --libs RkXmlLib16)
+  "$compiler" -std=c++17 "${flags[@]}" -I "$work" "$work"/{readme,gpx}.cpp -o "$work/readme" $(pkg-config --cflags --libs RkXmlLib16)
   ln -s "$(dirname "$readme")/examples" "$work/examples"
   (cd "$work" && LD_LIBRARY_PATH=$1/$libdir ./readme >readme.out)
   diff "$work/readme.wanted" "$work/readme.out" || fail "the README promises something else"
