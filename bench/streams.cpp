@@ -14,7 +14,7 @@
 #include <memory>
 #include <string>
 
-#include "Gpx.h"
+#include "gpx.h"
 
 using namespace RkXmlLib16;
 

@@ -231,6 +231,7 @@ CXmlDocument::CXmlDocument(ElementFilter filter, const CSerializationContext& co
 CXmlDocument::~CXmlDocument() = default;
 
 void CXmlDocument::Init() {
+  if (m_storage != nullptr) m_storage->noted.clear();
   DropTree();
   m_input = nullptr;
   m_inputLength = 0;
@@ -248,6 +249,10 @@ void CXmlDocument::DropTree() {
   auto fresh = std::make_unique<Storage>(*this);
   m_documentElement = nullptr;
   m_currentElement = nullptr;
+  // What was noted of a wrapper around the document stays.
+  if (m_storage != nullptr)
+    for (CRkDropped& noted : m_storage->noted)
+      if (noted.kind == RkDropped_TrailingBytes) fresh->noted.push_back(std::move(noted));
   m_storage = std::move(fresh);
 }
 

@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "Expect.h"
-#include "Gpx.h"
-#include "Order.h"
 #include "RkXmlLib16/RkXmlLib16.h"
+#include "gpx.h"
+#include "order.h"
 #include "support/Bytes.h"
 #include "support/Pieces.h"
 
