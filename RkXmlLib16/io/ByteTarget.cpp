@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <ios>
+#include <new>
 #include <ostream>
 #include <string>
 #include <utility>
@@ -66,6 +67,7 @@ bool WriteAll(int file, const unsigned char* bytes, std::size_t count) {
 // What the name leads to, past links; the name itself when there is nothing yet.
 std::string Resolve(const std::string& name) {
   char* const resolved = ::realpath(name.c_str(), nullptr);
+  if (resolved == nullptr && errno == ENOMEM) throw std::bad_alloc();
   if (resolved == nullptr) return name;
   const std::unique_ptr<char, void (*)(void*)> owner(resolved, std::free);
   return resolved;

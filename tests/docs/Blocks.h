@@ -11,6 +11,7 @@
 #include <clocale>
 #include <cstdio>
 #include <exception>
+#include <sstream>
 #include <string>
 #include <type_traits>
 #include <typeinfo>

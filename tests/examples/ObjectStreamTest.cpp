@@ -33,7 +33,12 @@ const CSerializationContext& Context() {
   return context;
 }
 
-std::wstring TextOf(const CXmlObjectBase& object) { return object.ToXml(false, false, EOLType_LF, Context()); }
+// Only objects that a parent made know that their type is that of the schema, so nothing is said about it.
+std::wstring TextOf(const CXmlObjectBase& object) {
+  CSerializationContext context(Context());
+  context.SetWriteTypeAttribute(false);
+  return object.ToXml(false, false, EOLType_LF, context);
+}
 
 // The document in each form.
 template <class Root>

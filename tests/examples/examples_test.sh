@@ -56,6 +56,16 @@ expect "large_file walks the points one by one" "$work/told" <<'END'
 highest: 1985.2 m at 46.5029,7.74733
 END
 
+"$large_file" "$data/track.gpx" "$work/thin.gpx" >/dev/null && "$large_file" "$work/thin.gpx" >"$work/told" 2>&1
+expect "large_file writes every tenth point" "$work/told" <<'END'
+13 points
+highest: 1978.2 m at 46.503854,7.746329
+END
+expect "large_file writes the types of the schema" <(grep -m 2 '<trk' "$work/thin.gpx") <<'END'
+	<trk>
+		<trkseg>
+END
+
 "$order_pay" "$data/order.xml" "$work/order.xml" >"$work/told" 2>&1
 "$order_pay" "$work/order.xml" "$work/order2.xml" >>"$work/told" 2>&1
 expect "order_pay changes the payment" "$work/told" <<'END'

@@ -201,6 +201,28 @@ std::vector<Operation> Operations() {
          again.FromXmlFile(L"" RKXML_EXAMPLE_DATA "/order.xml", Context());
          return XmlOf(again);
        }},
+      {"documents in pieces out",
+       [] {
+         std::size_t length = 0;
+         const auto take = [&length](const unsigned char*, std::size_t count) { return (length += count) != 0; };
+         const auto write = [](CDocumentWriter& writer) {
+           writer.WriteStartElement(order);
+           writer.BeginCollection();
+           writer.WriteObject(*order.GetLines());
+           writer.WriteTextElement(L"note", order.GetNamespace(), std::wstring(70000, L'x'));
+           writer.WriteEndElement();
+           writer.End();
+         };
+         CXmlDocumentWriter xmlWriter(take, CompressionType_GZip, Context());
+         CJsonDocumentWriter jsonWriter(take, CompressionType_None, Context());
+         CFastInfosetDocumentWriter finfWriter(take, CompressionType_ZLib, Context());
+         for (CDocumentWriter* const writer :
+              std::initializer_list<CDocumentWriter*>{&xmlWriter, &jsonWriter, &finfWriter})
+           write(*writer);
+         CXmlDocumentWriter fileWriter("/dev/null", CompressionType_None, Context());
+         write(fileWriter);
+         return std::to_wstring(length);
+       }},
       {"what is wrong with a document",
        [] {
          return Thrown([] {
