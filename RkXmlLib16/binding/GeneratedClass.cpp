@@ -29,10 +29,6 @@ const INillable* CXmlGeneratedClass::AsNillable(const CParentElementInfo& info) 
   return isNillable ? dynamic_cast<const INillable*>(this) : nullptr;
 }
 
-bool CXmlGeneratedClass::HasInlineAttributes(const CParentElementInfo& info) const {
-  return info.Is(CParentElementInfo::kWithInlineAttributes, typeid(*this), [this] { return FindFacts(); });
-}
-
 std::uintptr_t CXmlGeneratedClass::FindFacts() const {
   std::uintptr_t facts =
       dynamic_cast<const INillable*>(this) != nullptr ? CParentElementInfo::kNillable : CParentElementInfo::kNoFacts;

@@ -1,5 +1,6 @@
 #include <cwchar>
 #include <string>
+#include <typeinfo>
 #include <utility>
 
 #include "RkXmlLib16/base/Exception.h"
@@ -166,6 +167,10 @@ void CXmlGeneratedClass::AttributesToXml_Int(CXmlWriter* writer, const CSerializ
   } catch (const CRkException& e) {
     throw CRkException(L"Failed to convert attributes to XML", e);
   }
+}
+
+inline bool CXmlGeneratedClass::HasInlineAttributes(const CParentElementInfo& info) const {
+  return info.Is(CParentElementInfo::kWithInlineAttributes, typeid(*this), [this] { return FindFacts(); });
 }
 
 void CXmlGeneratedClass::ProcessAttributesToXml(const CSerializationContext& context, CElementInfo** elementInfos,
