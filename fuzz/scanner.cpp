@@ -1,5 +1,5 @@
-// Bytes as XML text into a tree, with and without the scanner for plain documents: the same names, declarations, texts
-// and places, the same error, the same notes of what is left out.
+// Bytes, up to a NUL, as XML text into a tree, with and without the scanner for plain documents: the same names,
+// declarations, texts and places, the same error, the same notes of what is left out.
 #include "Check.h"
 #include "tests/support/LoadText.h"
 
@@ -7,14 +7,14 @@ using namespace Fuzz;
 
 namespace {
 
-std::wstring Load(CSerializationContext context, bool scans, const std::uint8_t* data, std::size_t size) {
+std::wstring Load(CSerializationContext context, bool scans, const std::string& text) {
   CErrorCollector told;
   context.SetErrorHandler(&told);
   context.SetScanPlainXml(scans);
   CXmlDocument document(context);
   document.SetInputStays(true);
   return RkXmlTest::DescribeLoad(document, told, [&](CXmlDocument& loaded) {
-    loaded.LoadXmlStream(const_cast<std::uint8_t*>(data), size);
+    loaded.LoadXml(text.c_str());
     Require(scans || !loaded.WasScanned(), "the parser parses");
   });
 }
@@ -31,8 +31,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     context.GetLimits().SetMaxNodes(12);
     context.GetLimits().SetMaxCharacters(200);
   }
-  const std::wstring scanned = Load(context, true, data, size);
-  const std::wstring parsed = Load(context, false, data, size);
+  const std::string text(reinterpret_cast<const char*>(data), size);
+  const std::wstring scanned = Load(context, true, text);
+  const std::wstring parsed = Load(context, false, text);
   Require(scanned == parsed, "scanned as it is parsed", L"--- scanned" + scanned + L"\n--- parsed" + parsed);
   return 0;
 }

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Builds a fuzz target with libFuzzer, AddressSanitizer and UndefinedBehaviorSanitizer and runs it.
 #
-#   scripts/fuzz.sh TARGET SECONDS   xml, scanner, classes, json, fastinfoset, tokens, lengths, inflate, pieces, values,
-#                                    pattern, writer, schema or dynamic
+#   scripts/fuzz.sh TARGET SECONDS   xml, scanner, classes, json, plainjson, fastinfoset, tokens, lengths, inflate,
+#                                    pieces, values, pattern, writer, schema or dynamic
 #
 # What it finds on the way stays in build/fuzz/found/TARGET. A crash is put into fuzz/old_crashes/TARGET, where the tests
 # replay it: keep it there, small, with the repair.

@@ -20,6 +20,7 @@
 #include "RkXmlLib16/io/File.h"
 #include "RkXmlLib16/io/Zip.h"
 #include "RkXmlLib16/json/JsonTextReader.h"
+#include "RkXmlLib16/json/internal/PlainJson.h"
 #include "RkXmlLib16/types/Whitespace.h"
 #include "RkXmlLib16/xml/ExpatReader.h"
 #include "RkXmlLib16/xml/internal/PlainScanner.h"
@@ -192,7 +193,7 @@ CBinaryData CXmlDocument::LoadJson(const char* text) {
   Cleanup();
   if (text == nullptr || *text == '\0') throw CRkException(L"JSON String is empty!");
   m_source = std::make_unique<CSource>(text, CSource::Encoding::Utf8, CSource::Count::Characters);
-  return ConvertJson(CEncoder::Utf8ToUnicode(std::string_view(text)));
+  return ConvertJson(std::string_view(text));
 }
 
 CBinaryData CXmlDocument::LoadJson(const wchar_t* text) {
@@ -214,7 +215,20 @@ CBinaryData CXmlDocument::ConvertJsonBytes(std::string_view bytes, std::shared_p
   m_source->SetInflated(isInflated);
   m_source->SetFileName(fileName);
   if (json.substr(0, kUtf8Mark.size()) == kUtf8Mark) json.remove_prefix(kUtf8Mark.size());
-  return ConvertJson(CEncoder::Utf8ToUnicode(json));
+  return ConvertJson(json);
+}
+
+CBinaryData CXmlDocument::ConvertJson(std::string_view json) {
+  CBinaryData xml;
+  CJsonPlaces places;
+  const bool isPlain =
+      !m_indentsJson && m_context->GetScanPlainXml() && ConvertPlainJson(json, *m_context, xml, places);
+  if (!isPlain) return ConvertJson(CEncoder::Utf8ToUnicode(json));
+  m_source->SetFirstOffset(m_firstOffset);
+  TellNoted();
+  m_places = std::move(places.nodes);
+  if (!m_source->HasOwner() && !m_inputStays) m_source->KeepCopy();
+  return xml;
 }
 
 CBinaryData CXmlDocument::ConvertJson(const std::wstring& json) {

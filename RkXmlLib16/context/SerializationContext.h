@@ -96,9 +96,9 @@ class RKXML_EXPORT CSerializationContext {
   // Infoset gives it; FromXml(const wchar_t*) then takes characters above U+FFFF whole. Off at first.
   bool GetJoinSurrogatePairs() const noexcept { return m_settings.joinSurrogatePairs; }
   void SetJoinSurrogatePairs(bool join) noexcept { m_settings.joinSurrogatePairs = join; }
-  // Reading XML text: documents in UTF-8 without a document type declaration are read by a scanner of their own,
-  // several times as fast as by the general parser, which reads all others and tells all errors. What is read is the
-  // same; this is for those who want to see that. On at first.
+  // Reading XML text and JSON: plain documents in UTF-8, those with a document type declaration excepted, take code
+  // paths of their own, several times as fast as the general ones, which read all others and tell all errors. What is
+  // read is the same; this is for those who want to see that. On at first.
   bool GetScanPlainXml() const noexcept { return m_settings.scanPlainXml; }
   void SetScanPlainXml(bool scan) noexcept { m_settings.scanPlainXml = scan; }
   // Writing: the namespace that the root element declares as default and that is written without prefix.

@@ -425,6 +425,7 @@ class RKXML_EXPORT CXmlDocument {
   CSource& SetSource(std::string_view input);
   std::string_view Unwrap(std::string_view bytes, CBinaryData& inflated);
   CBinaryData ConvertJsonBytes(std::string_view bytes, std::shared_ptr<const void> owner, const std::wstring& fileName);
+  CBinaryData ConvertJson(std::string_view json);
   CBinaryData ConvertJson(const std::wstring& json);
   void SetPlaces(const std::vector<std::uint64_t>& places);
   void TellNoted();

@@ -18,6 +18,7 @@
 
 #include "RkXmlLib16/base/ErrorHandler.h"
 #include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/internal/ByteScan.h"
 #include "RkXmlLib16/base/internal/CodePoints.h"
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/document/ElementTree.h"
@@ -28,7 +29,7 @@ namespace RkXmlLib16 {
 
 namespace {
 
-using Byte = unsigned char;
+using namespace ByteScan;
 
 // expat is given a document up to this size in one piece, and has no limits of its own before it.
 constexpr std::size_t kLongestDocument = std::size_t{1} << 28;
@@ -41,23 +42,9 @@ constexpr std::size_t kPieceSize = 512;
 constexpr std::size_t kLongestItem = 16;
 // Attributes of an element that are compared each with each.
 constexpr std::size_t kFewAttributes = 16;
-constexpr std::size_t kStep = sizeof(__m128i);
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 
-// ---- sixteen bytes at once ----
-
-__m128i Load(const Byte* at) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(at)); }
-
-__m128i IsByte(__m128i bytes, char c) { return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(c)); }
-
-// Control characters and what is not ASCII.
-__m128i IsBelowBlank(__m128i bytes) { return _mm_cmplt_epi8(bytes, _mm_set1_epi8(' ')); }
-
-unsigned MaskOf(__m128i flags) { return static_cast<unsigned>(_mm_movemask_epi8(flags)); }
-
-std::size_t FirstOf(unsigned mask) { return static_cast<std::size_t>(__builtin_ctz(mask)); }
-
-// The kinds of bytes that a search stops at; each tells it of one byte and of sixteen. All stop at a NUL.
+// ---- where searches stop ----
 
 // What can follow a name in a tag, and nothing that can be part of one.
 struct EndsName {
@@ -98,15 +85,6 @@ struct EndsBlanks {
     return MaskOf(_mm_or_si128(_mm_or_si128(IsByte(bytes, ' '), IsByte(bytes, '\n')), IsByte(bytes, '\t'))) ^ 0xFFFF;
   }
 };
-
-// The first byte of the kind, or `end`.
-template <class Kind>
-const Byte* Find(const Byte* at, const Byte* end) {
-  for (; static_cast<std::size_t>(end - at) >= kStep; at += kStep)
-    if (const unsigned mask = Kind::Of(Load(at))) return at + FirstOf(mask);
-  while (at != end && !Kind::Is(*at)) ++at;
-  return at;
-}
 
 const Byte* FindByte(const Byte* at, const Byte* end, Byte wanted) {
   const void* const found = std::memchr(at, wanted, static_cast<std::size_t>(end - at));
@@ -158,10 +136,6 @@ wchar_t* Widen(const Byte* at, std::size_t length, wchar_t* out) {
     for (std::size_t i = 0; i < length; ++i) out[i] = at[i];
   return out + length;
 }
-
-bool IsBlank(Byte c) { return c == ' ' || c == '\n' || c == '\t' || c == '\r'; }
-
-bool IsXmlCharacter(char32_t c) { return c >= ' ' ? c < 0xFFFE || c > 0xFFFF : c == '\n' || c == '\t' || c == '\r'; }
 
 std::string_view View(const Byte* at, std::size_t length) { return {reinterpret_cast<const char*>(at), length}; }
 
@@ -699,22 +673,6 @@ bool TakeReference(const Byte*& at, const Byte* end, char32_t& c) {
     if (c > 0x10FFFF) return false;
   }
   return IsScalarValue(c) && IsXmlCharacter(c);
-}
-
-// A character above ASCII.
-bool TakeCharacter(const Byte*& at, const Byte* end, char32_t& c) {
-  const auto isTrail = [](Byte b) { return (b & 0xC0) == 0x80; };
-  if (*at >= 0xC2 && *at < 0xE0 && end - at >= 2 && isTrail(at[1])) {
-    c = (*at & 0x1Fu) << 6 | (at[1] & 0x3Fu);
-    at += 2;
-    return true;
-  }
-  if (*at > 0xE0 && *at < 0xED && end - at >= 3 && isTrail(at[1]) && isTrail(at[2])) {
-    c = (*at & 0x0Fu) << 12 | (at[1] & 0x3Fu) << 6 | (at[2] & 0x3Fu);
-    at += 3;
-    return true;
-  }
-  return Utf8Form::Next(at, end, c) == Decoded::Good && IsXmlCharacter(c);
 }
 
 // Up to `stop`, or as far behind it as the last character goes. Line ends become line feeds, in values blanks.
