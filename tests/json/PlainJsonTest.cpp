@@ -72,7 +72,7 @@ TEST(PlainJson, ConvertsThePlainCase) {
   for (const std::string_view row : rows) {
     EXPECT_TRUE(IsPlain(row)) << row;
     EXPECT_TRUE(IsPlain(row, others[0])) << row;
-    EXPECT_EQ(row != nested, IsPlain(row, others[1])) << row;
+    EXPECT_TRUE(IsPlain(row, others[1])) << row;
   }
   const Settings plain(JsonRoundTrip_Plain, L"root", false, SchemaType_Xsd);
   EXPECT_TRUE(IsPlain("{\"a\":[{\"b\":1},{\"b\":2}]}", plain));
