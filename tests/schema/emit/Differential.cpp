@@ -168,21 +168,24 @@ std::wstring CDifferential::Compare(const std::string& document) const {
   return FromUtf8("without classes: ..." + without.substr(at, 700) + "\nwith classes: ..." + with.substr(at, 700));
 }
 
-std::wstring CDifferential::CompareVariants(const std::string& document, int& count) const {
+std::wstring CDifferential::CompareVariants(const std::string& document, int& count, std::size_t most) const {
   std::wstring difference = Compare(document);
   count = 1;
   CSerializationContext context;
   CXmlDocument source(context);
   Load(source, document);
+  if (source.GetDocumentElement() == nullptr) return difference;
   AddPrefixes(source, context);
+  CElement whole;
+  whole.FromXmlElement(source.GetDocumentElement(), context);
+  std::vector<CElement*> elements;
+  Flatten(whole, elements);
+  const std::size_t step = elements.size() * std::size(kRules) / most + 1;
+  std::size_t next = 0;
   for (const Rule rule : kRules) {
-    for (std::size_t place = 0, places = 1; place < places && difference.empty(); ++place) {
-      CElement root;
-      root.FromXmlElement(source.GetDocumentElement(), context);
-      std::vector<CElement*> all;
-      Flatten(root, all);
-      places = all.size();
-      for (int at = 0; at < all[place]->GetChildCount() && difference.empty(); ++at) {
+    for (std::size_t place = 0; place < elements.size(); ++place) {
+      for (int at = 0; at < elements[place]->GetChildCount() && difference.empty(); ++at) {
+        if (next++ % step != 0) continue;
         CElement copy;
         copy.FromXmlElement(source.GetDocumentElement(), context);
         std::vector<CElement*> copies;

@@ -1,6 +1,7 @@
 #ifndef RKXMLLIB16_TESTS_SCHEMA_EMIT_DIFFERENTIAL_H
 #define RKXMLLIB16_TESTS_SCHEMA_EMIT_DIFFERENTIAL_H
 
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -18,8 +19,9 @@ class CDifferential {
   // What the two make differently of the document, "" for nothing: its errors, else the bytes in every form, and those
   // of an object that is read again from each form.
   std::wstring Compare(const std::string& document) const;
-  // The same for the document and everything that one change by rule makes of it; `count` gets the number of documents.
-  std::wstring CompareVariants(const std::string& document, int& count) const;
+  // The same for the document and everything that one change by rule makes of it, or about `most` of these, spread over
+  // the document. `count` gets the number of documents.
+  std::wstring CompareVariants(const std::string& document, int& count, std::size_t most = SIZE_MAX) const;
 
  private:
   CSchemaSet m_set;
