@@ -24,6 +24,12 @@ struct Result {
   std::string error;
 };
 
+// In pieces it is not known yet whether an element is the only one of its name.
+std::string WithoutFirst(std::string error) {
+  for (std::size_t at; (at = error.find("[1]")) != std::string::npos;) error.erase(at, 3);
+  return error;
+}
+
 template <class Work>
 Result Run(const RkXmlTest::CTempFile& out, Work&& work) {
   Result result;
@@ -72,7 +78,7 @@ bool CheckSame(const std::string& file, std::vector<const char*> call) {
                                            << whole.bytes.substr(0, 2000) << "\nin pieces:\n"
                                            << pieces.bytes.substr(0, 2000);
   EXPECT_EQ(pieces.leftOut, whole.leftOut) << file;
-  EXPECT_EQ(pieces.error, whole.error) << file;
+  EXPECT_EQ(WithoutFirst(pieces.error), WithoutFirst(whole.error)) << file;
   return true;
 }
 
