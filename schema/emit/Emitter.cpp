@@ -538,7 +538,7 @@ class CEmitter {
     };
     const std::string memberTable = table("const CSimpleTypeModel*", "Members", members);
     const std::string patternTable = table("const wchar_t*", "Patterns", patterns);
-    const std::string valueTable = table("EnumerationModel", "Values", values);
+    const std::string valueTable = table("EnumerationModel", "Enumeration", values);
     out.Line("const CSimpleTypeModel " + tables + "([] {");
     out.Broken("  SimpleTypeData data(" + ToLiteral(type.name.localName) + ", " +
                    Uri(type.IsAnonymous() ? std::wstring() : type.name.namespaceUri) + ", " +
@@ -899,6 +899,20 @@ class CEmitter {
   }
 
   void Elements(const PlannedDocument& document, CText& out) {
+    const auto isMade = [](const RootBinding* root) { return !root->element->isAbstract && !root->object->isAbstract; };
+    if (std::any_of(document.roots.begin(), document.roots.end(), isMade)) {
+      out.Line("namespace {");
+      out.Line();
+      out.Line("template <class T>");
+      out.Line("CSmartPtr<T> NewFor(const ElementModel& element) {");
+      out.Line("  CSmartPtr<T> object(new T());");
+      out.Line("  object->SetDeclaration(element);");
+      out.Line("  return object;");
+      out.Line("}");
+      out.Line();
+      out.Line("}  // namespace");
+      out.Line();
+    }
     for (const RootBinding* root : document.roots) {
       const ElementDeclaration& element = *root->element;
       const std::string& name = m_plan.NameOf(&element);
@@ -914,11 +928,8 @@ class CEmitter {
                      (element.isNillable ? "true" : "false") + ", " + (element.isAbstract ? "true" : "false") + "};",
                  4);
       if (element.isAbstract || root->object->isAbstract) continue;
-      out.Line("CSmartPtr<" + Name(object, document) + "> New" + name + "() {");
-      out.Line("  CSmartPtr<" + Name(object, document) + "> object(new " + Name(object, document) + "());");
-      out.Line("  object->SetDeclaration(k" + name + "Element);");
-      out.Line("  return object;");
-      out.Line("}");
+      const std::string type = Name(object, document);
+      out.Broken("CSmartPtr<" + type + "> New" + name + "() { return NewFor<" + type + ">(k" + name + "Element); }", 4);
       out.Line();
     }
   }

@@ -251,6 +251,7 @@ const std::unordered_set<std::string>& LibraryNames() {
                                                         "CdecimalCol",
                                                         "CintegerCol",
                                                         "EOLType",
+                                                        "NewFor",
                                                         "kNs",
                                                         "kSchema",
                                                         "ReadDocument",
