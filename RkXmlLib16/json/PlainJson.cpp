@@ -35,11 +35,40 @@ struct EndsRun {
   }
 };
 
+// In a name, which has no escapes.
+struct EndsName {
+  static bool Is(Byte c) { return c == '"' || c == '\\' || c >= 0x80 || c < ' '; }
+  static unsigned Of(__m128i bytes) {
+    return MaskOf(_mm_or_si128(_mm_or_si128(IsByte(bytes, '"'), IsByte(bytes, '\\')), IsBelowBlank(bytes)));
+  }
+};
+
+struct EndsBlanks {
+  static bool Is(Byte c) { return !IsBlank(c); }
+  static unsigned Of(__m128i bytes) {
+    const __m128i lines = _mm_or_si128(IsByte(bytes, '\n'), IsByte(bytes, '\r'));
+    return MaskOf(_mm_or_si128(lines, _mm_or_si128(IsByte(bytes, ' '), IsByte(bytes, '\t')))) ^ 0xFFFF;
+  }
+};
+
 bool IsNameStart(Byte c) { return static_cast<Byte>((c | 0x20) - 'a') < 26 || c == '_'; }
 
 bool IsNameByte(Byte c) { return IsNameStart(c) || static_cast<Byte>(c - '0') < 10 || c == '-' || c == '.'; }
 
 bool IsDigit(Byte c) { return static_cast<Byte>(c - '0') < 10; }
+
+// Whether these are letters, digits and the like, up to sixteen of which the first is a letter.
+bool IsPlainName(const Byte* at, std::size_t length) {
+  const auto isBetween = [](__m128i bytes, char first, char last) {
+    return _mm_and_si128(_mm_cmpgt_epi8(bytes, _mm_set1_epi8(static_cast<char>(first - 1))),
+                         _mm_cmplt_epi8(bytes, _mm_set1_epi8(static_cast<char>(last + 1))));
+  };
+  const __m128i bytes = Load(at);
+  const __m128i letter = isBetween(_mm_or_si128(bytes, _mm_set1_epi8(' ')), 'a', 'z');
+  const __m128i others = _mm_or_si128(_mm_or_si128(IsByte(bytes, '_'), IsByte(bytes, '-')), IsByte(bytes, '.'));
+  const unsigned mask = MaskOf(_mm_or_si128(_mm_or_si128(letter, others), isBetween(bytes, '0', '9')));
+  return IsNameStart(*at) && length <= kStep && (~mask & ((1u << length) - 1)) == 0;
+}
 
 // A QName of ASCII, or any after decoding.
 bool IsElementName(std::string_view name) {
@@ -83,7 +112,7 @@ class Converter {
 
   Byte Peek() const { return m_at < m_end ? *m_at : Byte{0}; }
   void SkipBlanks() {
-    while (m_at < m_end && IsBlank(*m_at)) ++m_at;
+    if (m_at < m_end && IsBlank(*m_at)) m_at = Find<EndsBlanks>(m_at + 1, m_end);
   }
   // In characters.
   std::uint64_t PositionOf(const Byte* at) const { return static_cast<std::uint64_t>(at - m_begin) - m_trailingBytes; }
@@ -93,6 +122,7 @@ class Converter {
   bool ReadMember(int depth);
   bool ReadArray(int depth);
   bool ReadName();
+  bool IsName(std::string_view name) const;
   bool ReadString(Place place);
   bool ReadEscape(Place place);
   bool ReadCodeUnit(char32_t& unit);
@@ -260,7 +290,7 @@ bool Converter::ReadScalar(bool isEmpty, Read&& read) {
   const Target target = std::exchange(m_target, Target::Content);
   if (target == Target::Attribute) {
     const bool isDeclaration = m_name.substr(0, 5) == "xmlns" && (m_name.size() == 5 || m_name[5] == ':');
-    if (!m_isTagOpen || !IsElementName(m_name)) return false;
+    if (!m_isTagOpen || !IsName(m_name)) return false;
     if (!isDeclaration || m_areDeclarationsNodes) m_places.nodes.push_back(m_itemStart);
     Put(" ");
     Put(m_name);
@@ -321,31 +351,31 @@ bool Converter::ReadNumber() {
 // The name of a member, from its quotation mark on. Attributes are checked with their value.
 bool Converter::ReadName() {
   const Byte* const start = m_at + 1;
-  m_at = start;
-  while (Peek() != '"') {
-    const Byte c = Peek();
-    if (c < ' ' || c == '\\') return false;
+  for (m_at = Find<EndsName>(start, m_end); Peek() != '"'; m_at = Find<EndsName>(m_at, m_end)) {
+    if (Peek() < 0x80) return false;
     char32_t character = 0;
-    if (c < 0x80) {
-      ++m_at;
-    } else {
-      const Byte* const before = m_at;
-      if (!TakeCharacter(m_at, m_end, character)) return false;
-      m_trailingBytes += static_cast<std::size_t>(m_at - before) - 1;
-    }
+    const Byte* const before = m_at;
+    if (!TakeCharacter(m_at, m_end, character)) return false;
+    m_trailingBytes += static_cast<std::size_t>(m_at - before) - 1;
   }
   m_name = {reinterpret_cast<const char*>(start), static_cast<std::size_t>(m_at - start)};
   ++m_at;
   m_target = Target::Element;
-  if (!m_hasMarkers || m_name.empty()) return IsElementName(m_name);
+  if (!m_hasMarkers || m_name.empty()) return IsName(m_name);
   if (m_name[0] == '@') {
     m_name.remove_prefix(1);
     m_target = Target::Attribute;
     return !m_name.empty();
   }
-  if (m_name != "#text") return IsElementName(m_name);
+  if (m_name != "#text") return IsName(m_name);
   m_target = Target::Text;
   return true;
+}
+
+bool Converter::IsName(std::string_view name) const {
+  const auto* const at = reinterpret_cast<const Byte*>(name.data());
+  const bool hasSpace = at >= m_begin && at < m_end && static_cast<std::size_t>(m_end - at) >= kStep;
+  return (hasSpace && IsPlainName(at, name.size())) || IsElementName(name);
 }
 
 // From behind the quotation mark.
