@@ -1,11 +1,11 @@
-// streams write FORM MEGABYTES: writes a GPX track of about that much XML text to standard output, as xml, json, finf
-// or
-//                               their .gz.
+// streams write FORM MEGABYTES: writes a GPX track of about that much XML text to standard output. FORM is xml, json,
+//                               finf, or one of these with .gz.
 // streams read:                 reads such a track from standard input point by point, and tells how many there were,
 //                               the peak of memory in KiB and the seconds.
 #include <RkXmlLib16/RkXmlLib16.h>
 #include <sys/resource.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -26,14 +26,18 @@ std::unique_ptr<CDocumentWriter> MakeWriter(std::string form) {
   const bool isWrapped = form.size() > 3 && form.compare(form.size() - 3, 3, ".gz") == 0;
   const CompressionType compression = isWrapped ? CompressionType_GZip : CompressionType_None;
   if (isWrapped) form.resize(form.size() - 3);
-  if (form == "json") return std::make_unique<CJsonDocumentWriter>(CByteTarget(std::cout), compression);
-  if (form == "finf") return std::make_unique<CFastInfosetDocumentWriter>(CByteTarget(std::cout), compression);
-  return std::make_unique<CXmlDocumentWriter>(CByteTarget(std::cout), compression);
+  CSerializationContext context;
+  context.SetDefaultNamespaceURI(Gpx::CGpxType().GetTargetNamespace());
+  context.SetWriteTypeAttribute(false);
+  if (form == "json") return std::make_unique<CJsonDocumentWriter>(CByteTarget(std::cout), compression, context);
+  if (form == "finf") return std::make_unique<CFastInfosetDocumentWriter>(CByteTarget(std::cout), compression, context);
+  return std::make_unique<CXmlDocumentWriter>(CByteTarget(std::cout), compression, context);
 }
 
 void Write(const char* form, long megabytes) {
   const std::unique_ptr<CDocumentWriter> writer = MakeWriter(form);
   Gpx::CGpxType gpx;
+  gpx.SetVersion(L"1.1");
   gpx.SetCreator(L"streams");
   const CSmartPtr<Gpx::CWptType> point(new Gpx::CWptType(L"trkpt"));
   const std::wstring uri = gpx.GetTargetNamespace();
