@@ -140,7 +140,9 @@ void CFastInfosetReader::Cleanup() {
 bool CFastInfosetReader::ReadHeader() {
   if (CheckHeader()) return true;
   for (const std::string_view declaration : FastInfoset::kDeclarations) {
-    if (CheckDeclaration(std::wstring(declaration.begin(), declaration.end()).c_str())) return CheckHeader();
+    const bool isThere =
+        GetRemaining() >= declaration.size() && std::memcmp(m_at, declaration.data(), declaration.size()) == 0;
+    if (isThere && CheckDeclaration(std::wstring(declaration.begin(), declaration.end()).c_str())) return CheckHeader();
   }
   return false;
 }
