@@ -60,10 +60,17 @@ function(rkxml_add_schema target)
   endforeach()
   set_property(TARGET ${target} APPEND PROPERTY RKXML_SCHEMA_FILES ${files})
 
+  # rkxml does not touch what stays the same, and ninja then compiles only what changed; make would run it each time.
+  set(touch "")
+  if(CMAKE_GENERATOR MATCHES "Make")
+    list(GET files 0 file)
+    set(touch COMMAND ${CMAKE_COMMAND} -E touch ${file})
+  endif()
   get_filename_component(names ${first} NAME)
   add_custom_command(
     OUTPUT ${files}
     COMMAND RkXmlLib16::rkxml ${arguments} ${schemas}
+    ${touch}
     DEPENDS RkXmlLib16::rkxml ${inputs}
     DEPFILE ${depfile}
     COMMENT "Making the classes of ${names}"

@@ -390,6 +390,11 @@ printf '<xs:schema xmlns:xs="http://www.w3.org/2001/XMLSchema">\n<xs:element nam
 run 2 check --schema none.xsd good.xml
 grep -q 'none.xsd:2:.*error: ' err || fail "a bad schema gives $(cat err)"
 refuses 2 'goes with' convert --force good.xml out.json
+run 0 generate order.xsd
+touch -d 2001-01-01 order.h order.cpp
+printf '// changed\n' >>order.cpp
+run 0 generate order.xsd
+[ order.xsd -nt order.h ] && [ order.cpp -nt order.xsd ] || fail "generate does not write what changed alone"
 
 [ "$failures" = 0 ] || { echo "$failures failures"; exit 1; }
 echo "all passed"

@@ -1,5 +1,7 @@
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -32,8 +34,16 @@ void MakeFolder(const std::string& folder) {
   }
 }
 
+bool Holds(const std::string& name, const std::string& text) {
+  if (::access(name.c_str(), R_OK) != 0) return false;
+  const Bytes bytes = ReadFile(name);
+  return std::equal(bytes.begin(), bytes.end(), text.begin(), text.end(),
+                    [](unsigned char a, char b) { return a == static_cast<unsigned char>(b); });
+}
+
+// A file that holds the text already keeps its time, so that only what changed is compiled again.
 void Write(const std::string& name, const std::string& text) {
-  WriteFile(name, reinterpret_cast<const unsigned char*>(text.data()), text.size());
+  if (!Holds(name, text)) WriteFile(name, reinterpret_cast<const unsigned char*>(text.data()), text.size());
 }
 
 // A name as make takes it.
