@@ -384,54 +384,75 @@ class CEmitter {
 
   // ---- Sources
 
-  std::vector<EmittedFile> Sources(const PlannedDocument& document) {
-    std::vector<EmittedFile> files;
-    CText body;
+  // What stands in one source: runs of the enumerations, simple types, classes and elements of a document.
+  struct Part {
+    std::vector<const PlannedEnum*> enums;
+    std::vector<const SimpleTypeDefinition*> types;
     std::vector<const PlannedClass*> classes;
-    const auto flush = [&](bool isLast) {
-      const std::string number = files.empty() ? "" : "_" + std::to_string(files.size() + 1);
-      files.push_back({document.stem + number + ".cpp", Source(document, classes, files.empty(), body.Take())});
-      body = CText();
-      classes.clear();
-      (void)isLast;
+    std::vector<const RootBinding*> roots;
+    bool hasSchema = false;
+    CText body;  // of the classes
+    std::size_t lines = 0;
+  };
+
+  std::vector<EmittedFile> Sources(const PlannedDocument& document) {
+    std::vector<Part> parts(1);
+    // The part for so many lines more.
+    const auto at = [&](std::size_t lines) -> Part& {
+      if (parts.back().lines > 0 && parts.back().lines + lines > kLinesOfSource) parts.emplace_back();
+      parts.back().lines += lines;
+      return parts.back();
     };
+    const auto count = [](const auto& print) {
+      CText text;
+      print(text);
+      return text.GetLines();
+    };
+    for (const PlannedEnum* enumeration : document.enums)
+      at(count([&](CText& out) { EnumSource(*enumeration, out); })).enums.push_back(enumeration);
+    for (const SimpleTypeDefinition* type : document.types)
+      at(count([&](CText& out) { SimpleType(*type, document, out); })).types.push_back(type);
     for (const PlannedClass* object : document.classes) {
-      CText one;
-      ClassSource(*object, one);
-      if (!classes.empty() && body.GetLines() + one.GetLines() > kLinesOfSource) flush(false);
-      classes.push_back(object);
-      std::string text = one.Take();
-      std::size_t at = 0;
-      while (at < text.size()) {
-        const std::size_t end = text.find('\n', at);
-        body.Line(text.substr(at, end - at));
-        at = end + 1;
-      }
-      body.Line();
+      CText text;
+      ClassSource(*object, text);
+      Part& part = at(text.GetLines() + 1);
+      part.classes.push_back(object);
+      Copy(text.Get(), part.body);
+      part.body.Line();
     }
-    flush(true);
+    for (const RootBinding* root : document.roots)
+      at(count([&](CText& out) { Element(*root, document, out); })).roots.push_back(root);
+    if (IsFirst(document)) at(count([&](CText& out) { SchemaSource(document, out); })).hasSchema = true;
+
+    std::vector<EmittedFile> files;
+    for (const Part& part : parts) {
+      const std::string number = files.empty() ? "" : "_" + std::to_string(files.size() + 1);
+      files.push_back({document.stem + number + ".cpp", Source(document, part)});
+    }
     return files;
   }
 
-  std::string Source(const PlannedDocument& document, const std::vector<const PlannedClass*>& classes, bool isFirst,
-                     const std::string& body) {
-    std::set<const PlannedDocument*> others = {&First()};
+  std::string Source(const PlannedDocument& document, const Part& part) {
+    std::set<const PlannedDocument*> others;
     std::set<const ValueBinding*> values;
     std::vector<const ValueBinding*> ordered;
     const auto use = [&](const ValueBinding* value) {
       if (value != nullptr && values.insert(value).second) ordered.push_back(value);
     };
-    for (const PlannedClass* object : classes) {
+    m_usedTypes.clear();
+    for (const PlannedClass* object : part.classes) {
       for (const MemberBinding& member : object->binding->members) {
         if (member.object != nullptr) others.insert(m_plan.Find(member.object)->document);
+        if (member.object != nullptr && member.object->kind == ClassBinding::Kind::SimpleType)
+          Type(member.object->type, document);
         use(member.value);
       }
       for (const AttributeBinding& attribute : object->binding->attributes) use(attribute.value);
       use(object->binding->text);
+      if (object->binding->kind == ClassBinding::Kind::SimpleType) Type(object->binding->type, document);
       if (object->element != nullptr) others.insert(&m_plan.DocumentOf(*object->element));
     }
-    const bool hasSchema = isFirst && IsFirst(document);
-    if (hasSchema)
+    if (part.hasSchema)
       for (const auto& other : m_plan.GetDocuments()) others.insert(other.get());
     others.erase(&document);
 
@@ -439,12 +460,11 @@ class CEmitter {
     CScope names;
     CText models;
     for (const ValueBinding* value : ordered) Value(*value, document, names, models);
-    CText tail;
-    if (isFirst) Elements(document, tail);
-    if (hasSchema) SchemaSource(document, tail);
     CText types;
-    if (isFirst)
-      for (const SimpleTypeDefinition* type : document.types) SimpleType(*type, document, types);
+    for (const SimpleTypeDefinition* type : part.types) SimpleType(*type, document, types);
+    CText tail;
+    if (!part.roots.empty()) Elements(part.roots, document, tail);
+    if (part.hasSchema) SchemaSource(document, tail);
 
     CText out;
     out.Line(Title(document));
@@ -453,13 +473,12 @@ class CEmitter {
     for (const auto& other : m_plan.GetDocuments())
       if (others.count(other.get()) != 0) out.Line("#include \"" + other->stem + ".h\"");
     out.Line();
-    TypeDeclarations(out);
+    Declarations(!part.classes.empty() && !IsFirst(document), out);
     out.Line("namespace " + document.nameSpace + " {");
     out.Line();
     out.Line("using namespace RkXmlLib16Data;");
     out.Line();
-    if (isFirst)
-      for (const PlannedEnum* enumeration : document.enums) EnumSource(*enumeration, out);
+    for (const PlannedEnum* enumeration : part.enums) EnumSource(*enumeration, out);
     Copy(types.Get(), out);
     if (!ordered.empty()) {
       out.Line("namespace {");
@@ -469,11 +488,10 @@ class CEmitter {
       out.Line("}  // namespace");
       out.Line();
     }
-    Copy(Named(body), out);
+    Copy(Named(part.body.Get()), out);
     out.Line();
     Copy(tail.Get(), out);
     out.Line("}  // namespace " + document.nameSpace);
-    m_usedTypes.clear();
     return out.Take();
   }
 
@@ -485,14 +503,15 @@ class CEmitter {
     }
   }
 
-  // The simple types that the source speaks of, wherever they are defined.
-  void TypeDeclarations(CText& out) {
-    std::map<std::string, std::set<std::string>> types;
+  // The simple types that the source speaks of, wherever they are defined, and the schema where no header tells it.
+  void Declarations(bool hasSchema, CText& out) {
+    std::map<std::string, std::set<std::string>> declarations;
+    if (hasSchema) declarations[First().nameSpace].insert("SchemaModel kSchema");
     for (const SimpleTypeDefinition* type : m_usedTypes)
-      types[m_plan.DocumentOf(*type).nameSpace].insert(m_plan.NameOf(type));
-    for (const auto& [nameSpace, names] : types) {
+      declarations[m_plan.DocumentOf(*type).nameSpace].insert("CSimpleTypeModel " + m_plan.NameOf(type));
+    for (const auto& [nameSpace, texts] : declarations) {
       out.Line("namespace " + nameSpace + " {");
-      for (const std::string& name : names) out.Line("extern const RkXmlLib16Data::CSimpleTypeModel " + name + ";");
+      for (const std::string& text : texts) out.Line("extern const RkXmlLib16Data::" + text + ";");
       out.Line("}  // namespace " + nameSpace);
       out.Line();
     }
@@ -898,9 +917,9 @@ class CEmitter {
     return (value.isFixed ? ".Fixed(" : ".Default(") + ToLiteral(value.text) + ")";
   }
 
-  void Elements(const PlannedDocument& document, CText& out) {
+  void Elements(const std::vector<const RootBinding*>& roots, const PlannedDocument& document, CText& out) {
     const auto isMade = [](const RootBinding* root) { return !root->element->isAbstract && !root->object->isAbstract; };
-    if (std::any_of(document.roots.begin(), document.roots.end(), isMade)) {
+    if (std::any_of(roots.begin(), roots.end(), isMade)) {
       out.Line("namespace {");
       out.Line();
       out.Line("template <class T>");
@@ -913,25 +932,27 @@ class CEmitter {
       out.Line("}  // namespace");
       out.Line();
     }
-    for (const RootBinding* root : document.roots) {
-      const ElementDeclaration& element = *root->element;
-      const std::string& name = m_plan.NameOf(&element);
-      const PlannedClass& object = *m_plan.Find(root->object);
-      const std::string value =
-          element.value ? "{" + ToLiteral(element.value.normalized) + ", " +
-                              (element.value.kind == ValueConstraintKind::Fixed ? "true" : "false") + ", {}}"
-                        : "{}";
-      out.Broken("const ElementModel k" + name + "Element = {" + ToLiteral(element.name.localName) + ", " +
-                     Uri(element.name.namespaceUri) + ", &" + Name(object, document) + "::kModel, " +
-                     (element.type->IsSimple() ? Type(element.type, document) : std::string("nullptr")) + ", " + value +
-                     ", " + std::to_string(element.disallowedSubstitutions & (kExtension | kRestriction)) + ", " +
-                     (element.isNillable ? "true" : "false") + ", " + (element.isAbstract ? "true" : "false") + "};",
-                 4);
-      if (element.isAbstract || root->object->isAbstract) continue;
-      const std::string type = Name(object, document);
-      out.Broken("CSmartPtr<" + type + "> New" + name + "() { return NewFor<" + type + ">(k" + name + "Element); }", 4);
-      out.Line();
-    }
+    for (const RootBinding* root : roots) Element(*root, document, out);
+  }
+
+  void Element(const RootBinding& root, const PlannedDocument& document, CText& out) {
+    const ElementDeclaration& element = *root.element;
+    const std::string& name = m_plan.NameOf(&element);
+    const PlannedClass& object = *m_plan.Find(root.object);
+    const std::string value = element.value
+                                  ? "{" + ToLiteral(element.value.normalized) + ", " +
+                                        (element.value.kind == ValueConstraintKind::Fixed ? "true" : "false") + ", {}}"
+                                  : "{}";
+    out.Broken("const ElementModel k" + name + "Element = {" + ToLiteral(element.name.localName) + ", " +
+                   Uri(element.name.namespaceUri) + ", &" + Name(object, document) + "::kModel, " +
+                   (element.type->IsSimple() ? Type(element.type, document) : std::string("nullptr")) + ", " + value +
+                   ", " + std::to_string(element.disallowedSubstitutions & (kExtension | kRestriction)) + ", " +
+                   (element.isNillable ? "true" : "false") + ", " + (element.isAbstract ? "true" : "false") + "};",
+               4);
+    if (element.isAbstract || root.object->isAbstract) return;
+    const std::string type = Name(object, document);
+    out.Broken("CSmartPtr<" + type + "> New" + name + "() { return NewFor<" + type + ">(k" + name + "Element); }", 4);
+    out.Line();
   }
 
   void SchemaSource(const PlannedDocument& document, CText& out) {
