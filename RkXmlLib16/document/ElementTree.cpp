@@ -88,6 +88,7 @@ struct RKXML_HIDDEN CXmlDocument::Storage {
   explicit Storage(CXmlDocument& owner) : document(owner), emptyName(&owner, L"", 0, 0, 0) {}
 
   void GrowNameTable();
+  void Open(CXmlElement* previousSibling);  // before an element is made
   void CountNode();
   void CountCharacters(std::size_t charCount);
   void CountLasting(std::size_t charCount);  // the same for what no filter drops
@@ -147,6 +148,11 @@ void CXmlDocument::Storage::GrowNameTable() {
     grown[slot] = name;
   }
   nameTable.swap(grown);
+}
+
+[[gnu::noinline]] void CXmlDocument::Storage::Open(CXmlElement* previousSibling) {
+  open.push_back({previousSibling, nodes.GetMark(), texts.GetMark(), nodeCount - 1, charCount,
+                  declarations.size() - pendingDeclarations});
 }
 
 void CXmlDocument::Storage::ThrowExceeded(const wchar_t* name, unsigned long value) const {
@@ -388,10 +394,7 @@ CXmlElement* CXmlDocument::AddElement(const CXmlName* namespaceUri, const CXmlNa
   const unsigned long deepest = m_context->GetLimits().GetMaxElementDepth();
   if (storage.depth >= deepest && deepest != 0) storage.ThrowExceeded(L"element depth", deepest);
   storage.CountNode();
-  if (m_filter != nullptr || !KeepsText())
-    storage.open.push_back({parent != nullptr ? parent->m_lastChild : nullptr, storage.nodes.GetMark(),
-                            storage.texts.GetMark(), storage.nodeCount - 1, storage.charCount,
-                            storage.declarations.size() - storage.pendingDeclarations});
+  if (m_filter != nullptr || !KeepsText()) storage.Open(parent != nullptr ? parent->m_lastChild : nullptr);
   auto* const element = new (storage.nodes.Allocate(sizeof(CXmlElement))) CXmlElement(parent, localName, namespaceUri);
   if (m_filter != nullptr) storage.sections.erase(element);  // of one that was dropped
   for (; storage.pendingDeclarations != 0; --storage.pendingDeclarations)

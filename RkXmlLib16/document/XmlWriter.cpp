@@ -508,7 +508,10 @@ bool CXmlWriter::AreSameNamespaces(const std::shared_ptr<const std::wstring>& a,
   return a == b || (a != nullptr && b != nullptr && m_pool->AreSame(a, b));
 }
 
-const CNamespaceName& CXmlWriter::NameOf(const std::wstring& namespaceUri) const { return m_pool->Find(namespaceUri); }
+const CNamespaceName& CXmlWriter::NameOf(const std::wstring& namespaceUri) const {
+  const bool isLasting = &namespaceUri == m_lastingNames.namespaceUri;
+  return isLasting ? m_pool->FindNumbered(namespaceUri, m_lastingNames.id) : m_pool->Find(namespaceUri);
+}
 
 void CXmlWriter::SetContextState(ContextState state) {
   if (m_context == nullptr) return;
@@ -549,7 +552,7 @@ CXmlWriter::CXmlWriterContext& CXmlWriter::PushContext(const std::wstring& local
   } else {
     m_closedContexts->m_localName.Set(localName);
     m_closedContexts->m_scope = m_context->m_scope;
-    m_closedContexts->SetName(namespaceUri);
+    if (&NameOf(namespaceUri) != m_closedContexts->m_name) m_closedContexts->SetName(namespaceUri);
     std::unique_ptr<CXmlWriterContext> context = std::move(m_closedContexts);
     m_closedContexts = std::move(context->m_parent);
     context->m_childCount = 0;

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/internal/Ascii.h"
 #include "RkXmlLib16/base/internal/CodePoints.h"
 #include "RkXmlLib16/context/ReadLimits.h"
 #include "RkXmlLib16/context/SerializationContext.h"
@@ -322,6 +323,7 @@ void CFastInfosetReader::ElementBit2() {
 // Up to the end of the attributes. False when the element has ended with them.
 bool CFastInfosetReader::ElementStart(unsigned char octet) {
   const std::size_t offset = GetLastOffset();
+  const bool isInPieces = m_document.GetPieces() != nullptr;
   const bool hasAttributes = (octet & FastInfoset::kAttributesBit) != 0;
   if ((octet & 0x3C) == FastInfoset::kElementNamespaces) {
     for (octet = Next(); octet != FastInfoset::kTerminator; octet = Next()) NamespaceAttributeBit7(octet);
@@ -333,12 +335,12 @@ bool CFastInfosetReader::ElementStart(unsigned char octet) {
   CXmlElement* const element = m_document.AddElement(name.namespaceUri, name.localName);
   CXmlDocument::SetOffset(element, offset);
   if (!hasAttributes) {
-    m_document.CompleteStart(element);
+    if (isInPieces) m_document.CompleteStart(element);
     return true;
   }
   for (octet = Next(); octet < 0x80; octet = Next()) AtrributeBit2(element, octet);
   if (element->GetAttributes().size() > 1) RequireDifferentNames(*element);
-  m_document.CompleteStart(element);
+  if (isInPieces) m_document.CompleteStart(element);
   if (octet == FastInfoset::kTerminator) return true;
   if (octet != FastInfoset::kDoubleTerminator) ThrowInvalidItem();
   m_document.EndElement();
@@ -539,7 +541,7 @@ void CFastInfosetReader::NonIdentifyingStringOrIndexBit3(CXmlElement* element, u
   }
   const EncodedString string = EncodedCharacterStringBit5(octet);
   const bool add = (octet & FastInfoset::kChunkAddBit) != 0;
-  if (string.encoding == FIStringEncoding_UTF8 && !Contains(string, '\r') && !Contains(string, '\0')) {
+  if (string.encoding == FIStringEncoding_UTF8 && !Ascii::HasEither(string.octets, string.length, '\r', '\0')) {
     const std::string_view utf8 = BytesOf(string.octets, string.length);
     const std::size_t room = string.length <= kUncountedLength ? string.length : CEncoder::UnicodeLength(utf8);
     wchar_t* const out = m_document.ReserveText(element, room);
@@ -612,7 +614,8 @@ void CFastInfosetReader::Decode(const EncodedString& string) {
 }
 
 bool CFastInfosetReader::Contains(const EncodedString& string, char octet) {
-  return std::memchr(string.octets, octet, string.length) != nullptr;
+  const auto value = static_cast<unsigned char>(octet);
+  return Ascii::HasEither(string.octets, string.length, value, value);
 }
 
 void CFastInfosetReader::NonEmptyOctetUTF8String(const unsigned char* octets, std::size_t length) {

@@ -119,6 +119,31 @@ inline void PutDigitsBackwards(const unsigned char* digits, wchar_t* end) {
   _mm_storeu_si128(reinterpret_cast<__m128i*>(end - 4), _mm_unpackhi_epi16(pairs, zero));
 }
 
+// Whether one of the bytes is `a` or `b`.
+inline bool HasEither(const unsigned char* bytes, std::size_t length, unsigned char a, unsigned char b) {
+  const auto isThere = [a, b](__m128i block) {
+    const __m128i isA = _mm_cmpeq_epi8(block, _mm_set1_epi8(static_cast<char>(a)));
+    return _mm_movemask_epi8(_mm_or_si128(isA, _mm_cmpeq_epi8(block, _mm_set1_epi8(static_cast<char>(b))))) != 0;
+  };
+  std::size_t i = 0;
+  for (; i + 16 <= length; i += 16)
+    if (isThere(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + i)))) return true;
+  if (length - i >= 8) {  // the first eight and the last
+    const auto load = [](const unsigned char* at) { return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(at)); };
+    return isThere(_mm_unpacklo_epi64(load(bytes + i), load(bytes + length - 8)));
+  }
+  if (length - i >= 4) {
+    int first = 0;
+    int last = 0;
+    std::memcpy(&first, bytes + i, sizeof first);
+    std::memcpy(&last, bytes + length - 4, sizeof last);
+    return isThere(_mm_set_epi32(first, last, first, last));
+  }
+  for (; i < length; ++i)
+    if (bytes[i] == a || bytes[i] == b) return true;
+  return false;
+}
+
 // Copies the run at the start of `text` to `out`, one byte a character, and returns its length.
 inline std::size_t NarrowRun(const wchar_t* text, std::size_t length, unsigned char* out) {
   std::size_t i = 0;
@@ -132,6 +157,17 @@ inline std::size_t NarrowRun(const wchar_t* text, std::size_t length, unsigned c
   if (i < length && length - i < 4 && length >= 4 && NarrowFour(text + length - 4, out + length - 4)) return length;
   for (; i < length && IsAscii(text[i]); ++i) out[i] = static_cast<unsigned char>(text[i]);
   return i;
+}
+
+// Copies four bytes to `out`, one character a byte, if they are all ASCII.
+inline bool WidenFour(const unsigned char* bytes, wchar_t* out) {
+  std::uint32_t four = 0;
+  std::memcpy(&four, bytes, sizeof four);
+  if ((four & 0x80808080) != 0) return false;
+  const __m128i zero = _mm_setzero_si128();
+  const __m128i units = _mm_unpacklo_epi8(_mm_cvtsi32_si128(static_cast<int>(four)), zero);
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_unpacklo_epi16(units, zero));
+  return true;
 }
 
 // Copies the run at the start of `bytes` to `out`, one character a byte, and returns its length.
@@ -149,6 +185,8 @@ inline std::size_t WidenRun(const unsigned char* bytes, std::size_t length, wcha
     _mm_storeu_si128(to + 2, _mm_unpacklo_epi16(high, zero));
     _mm_storeu_si128(to + 3, _mm_unpackhi_epi16(high, zero));
   }
+  while (i + 4 <= length && WidenFour(bytes + i, out + i)) i += 4;
+  if (i < length && length - i < 4 && length >= 4 && WidenFour(bytes + length - 4, out + length - 4)) return length;
   for (; i < length && IsAscii(bytes[i]); ++i) out[i] = static_cast<wchar_t>(bytes[i]);
   return i;
 }

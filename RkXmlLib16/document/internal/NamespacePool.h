@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <deque>
 #include <iterator>
 #include <memory>
@@ -34,16 +35,25 @@ class CNamespacePool {
  public:
   using SharedText = std::shared_ptr<const std::wstring>;
 
-  CNamespacePool() { std::fill(std::begin(m_recent), std::end(m_recent), &AddNew({})); }
+  CNamespacePool() : m_last(&AddNew({})) { std::fill(std::begin(m_recent), std::end(m_recent), m_last); }
   CNamespacePool(const CNamespacePool&) = delete;
   CNamespacePool& operator=(const CNamespacePool&) = delete;
 
   const CNamespaceName& Find(const std::wstring& uri) {
+    if (&uri == &m_last->text.Get()) return *m_last;
     if (uri.size() > kShort) return &uri == m_told ? *m_toldName : FindOther(uri);
     if (uri.empty()) return GetEmpty();
     const CNamespaceName*& recent = m_recent[(uri.size() ^ static_cast<std::size_t>(uri.back())) % std::size(m_recent)];
     if (!WideText::IsEqual(uri, recent->text.Get())) recent = &FindOther(uri);
+    m_last = recent;
     return *recent;
+  }
+  // The same for the namespace of a record, which has a number that no other one has.
+  const CNamespaceName& FindNumbered(const std::wstring& uri, std::uint32_t number) {
+    if (&uri == &m_last->text.Get()) return *m_last;
+    Numbered& known = m_numbered[number % std::size(m_numbered)];
+    if (known.number != number || number == kNoNumber) known = {number, &Find(uri)};
+    return *known.name;
   }
   // The next call of Find may be for this text; it stays as it is while the pool is there.
   void Tell(const SharedText& uri) {
@@ -60,6 +70,7 @@ class CNamespacePool {
 
  private:
   static constexpr std::size_t kShort = 64;  // characters that are quickly compared
+  static constexpr std::uint32_t kNoNumber = UINT32_MAX;
 
   const CNamespaceName& AddNew(std::wstring_view uri) { return m_names.emplace_back(uri, m_names.size()); }
   const CNamespaceName& FindOther(const std::wstring& uri);
@@ -69,6 +80,12 @@ class CNamespacePool {
   std::unordered_map<std::wstring_view, const CNamespaceName*, CKeyedHash> m_byText;  // without the empty one
   std::unordered_map<const std::wstring*, std::pair<SharedText, const CNamespaceName*>> m_byAddress;
   const CNamespaceName* m_recent[8];  // short ones, by length and end
+  const CNamespaceName* m_last;       // short; names mostly have its text, in the same place
+  struct Numbered {
+    std::uint32_t number = kNoNumber;
+    const CNamespaceName* name = nullptr;
+  };
+  Numbered m_numbered[32];
   const std::wstring* m_told = nullptr;
   const CNamespaceName* m_toldName = nullptr;
 };
