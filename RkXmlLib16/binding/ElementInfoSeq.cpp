@@ -2,6 +2,7 @@
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/binding/GeneratedClass.h"
 #include "RkXmlLib16/binding/internal/ElementRules.h"
 #include "RkXmlLib16/binding/internal/SiblingSearch.h"
 #include "RkXmlLib16/context/SerializationContext.h"
@@ -46,6 +47,15 @@ bool ReadMandatory(Value& info, const MemberRead& read) {
   return at != Seek::NotMine;
 }
 
+// Passes over the members of a group whose absence was told, as some of them are missing.
+void PassOverRestOf(const CXmlObjectBase& group, const CElementInfo& info, const MemberRead& read) {
+  const auto* const members = dynamic_cast<const CXmlGeneratedClass*>(&group);
+  if (members == nullptr || read.context.GetIgnoreUnknownElements()) return;
+  while (read.At() != nullptr && IsTaken(read.context, *members, read.At()) &&
+         !IsTaken(read.context, *read.object, read.At(), &info))
+    read.MoveOn();
+}
+
 bool ReadMandatoryGroup(CElementInfoClsMnd& info, const MemberRead& read) {
   const bool atEnd = read.At() == nullptr;
   // True when reading goes on without the group.
@@ -62,7 +72,10 @@ bool ReadMandatoryGroup(CElementInfoClsMnd& info, const MemberRead& read) {
   const bool mayBeAbsent =
       !info.IsRequired() && (atEnd || !read.HasOwnElement() || !read.context.GetIgnoreUnknownElements());
   if (ReadInline(info, read, child, /*keeps=*/mayBeAbsent)) return true;
-  return info.IsRequired() ? refuseAbsence() : mayBeAbsent;
+  if (!info.IsRequired()) return mayBeAbsent;
+  if (!refuseAbsence()) return false;
+  PassOverRestOf(*child, info, read);
+  return true;
 }
 
 bool ReadMandatory(CElementInfoClsMnd& info, const MemberRead& read) {
@@ -127,18 +140,17 @@ void ReadOptional(CElementInfoCls& info, const MemberRead& read) { ReadNewObject
 void ReadOptional(CElementInfoAbsCls& info, const MemberRead& read) { ReadNewObject(info, read, /*isInline=*/false); }
 void ReadOptional(CElementInfoUntpd& info, const MemberRead& read) { ReadNewWildcard(info, read); }
 
-// Lets the collection of the member read with `readFrom`, again behind elements that nobody takes where reading goes on
-// after those. Whether its count is accepted.
+// Lets the collection of the member read with `readFrom`, again behind elements that no later member takes where
+// reading goes on after those. Whether its count is accepted.
 template <class ReadFrom>
 bool ReadCollection(const CElementInfo& info, const MemberRead& read, ReadFrom&& readFrom) {
   const auto collection = GetCollection(info, read.object);
   if (collection == nullptr) return true;
   *read.cursor = readFrom(collection);
   if (read.context.GetErrorHandler() != nullptr && read.HasOwnElement() && !read.context.GetIgnoreUnknownElements()) {
-    for (;;) {
-      const CXmlElement* const before = read.At();
-      PassOverUnexpected(read.context, *read.object, read.parent, read.cursor);
-      if (read.At() == before) break;
+    while (read.At() != nullptr && !IsTaken(read.context, *read.object, read.At(), &info)) {
+      RefuseUnread(read.context, *read.object, read.parent, read.At());
+      read.MoveOn();
       *read.cursor = readFrom(collection);
     }
   }

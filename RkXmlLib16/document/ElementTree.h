@@ -76,7 +76,8 @@ class RKXML_EXPORT CXmlAttribute {
     return m_value != nullptr ? CXmlText(m_value->Chars(), m_value->m_length) : CXmlText();
   }
   CXmlText GetNamespaceURI() const noexcept { return m_namespaceUri->GetText(); }
-  // The owning element's path, "/@" and the name with the prefix of its namespace, if it has one.
+  // The owning element's path, "/@" and the name with the prefix of its namespace, if it has one; see
+  // CXmlElement::GetXPath.
   std::wstring GetXPath() const;
   // Namespace machinery: xsi:type, xsi:schemaLocation, xsi:noNamespaceSchemaLocation, xmlns.
   bool IsNamespaceAttribute() const noexcept;
@@ -200,7 +201,8 @@ class RKXML_EXPORT CXmlElement {
   std::wstring GetQName() const;
   // The same with the 1-based position among the siblings of that name, "item[2]", unless it is the only one.
   std::wstring GetNameWithPredicate() const;
-  // "/order/item[2]".
+  // "/order/item[2]". Not to be called on one document from two threads at the same time while one of them reads it
+  // with an error handler.
   std::wstring GetXPath() const;
   // The namespace that the start tags of this element and those around it bind the prefix to, "" standing for the
   // default namespace; null for a prefix that none of them declares. For QNames in texts and attribute values.

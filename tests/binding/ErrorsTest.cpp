@@ -313,6 +313,37 @@ TEST_F(ErrorsTest, ErrorsOfAttemptsThatAreTakenBackAreNotTold) {
   EXPECT_EQ(codes("<r><a>x</a><c>3</c></r>"), Codes{RkErrorCode_NotANumber});
 }
 
+// What is there of a group that is told missing is not told again; items of a collection of groups are found behind
+// elements that nobody takes.
+TEST_F(ErrorsTest, GroupsAreToldOnceAndInTheOrderOfTheDocument) {
+  const Table group(ClassInfo(kSequence, L"group", kInline), {Prim(L"a", 0), Prim(L"b", 1)});
+  Classes() = {&group};
+  const Table one(ClassInfo(kSequence, L"r"), {MandatoryCls(L"group", 0, 0, kInline), Prim(L"c", 1)}, {},
+                  {NewChild(group)});
+  const Table many(
+      ClassInfo(kSequence, L"r"), {new CElementInfoSeqClsCol(L"group", L"", 0, kInline), Prim(L"c", 1)}, {},
+      {[](RkVariant& value) { value.SetXmlCollection(new CTableCol(L"group", L"", 1, -1, CreateClass, 0, kInline)); }});
+  const struct {
+    const Table& table;
+    const char* xml;
+    std::wstring told;
+  } rows[] = {
+      {one, "<r><a>1</a><c>3</c></r>", L"/r/a 501 "},
+      {one, "<r><z/><b>1</b><c>x</c></r>", L"/r/z 503 /r/b 501 /r/c 403 "},
+      {many, "<r><z/><a>1</a><b>2</b><c>3</c></r>", L"/r/z 503 "},
+      {many, "<r><a>1</a><b>2</b><z/><a>x</a><b>2</b><y/><a>1</a><b>2</b><c>y</c></r>",
+       L"/r/z 503 /r/a[2] 403 /r/y 503 /r/c 403 "},
+      {many, "<r><a>1</a><b>2</b><a>1</a><c>3</c></r>", L"/r/a[2] 503 "},
+      {many, "<r><c>3</c></r>", L"/r/c 506 "},
+  };
+  for (const auto& row : rows) {
+    std::wstring told;
+    for (const auto& error : ErrorsOf(row.table, row.xml, Form::Xml))
+      told += error->GetLocation().GetPath() + L' ' + std::to_wstring(error->GetCode()) + L' ';
+    EXPECT_EQ(told, row.told) << row.xml;
+  }
+}
+
 TEST_F(ErrorsTest, WhatIsLeftOutIsTold) {
   const Rec rec;
   const struct {
