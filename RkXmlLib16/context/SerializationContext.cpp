@@ -8,6 +8,7 @@
 #include "RkXmlLib16/base/internal/TextOrEmpty.h"
 #include "RkXmlLib16/context/FastInfosetContext.h"
 #include "RkXmlLib16/context/JsonContext.h"
+#include "RkXmlLib16/context/internal/ErrorSession.h"
 
 namespace RkXmlLib16 {
 
@@ -60,6 +61,8 @@ void CSerializationContext::SetIndentChars(const wchar_t* text) {
   }
   m_settings.indentChars = std::move(indent);
 }
+
+bool CSerializationContext::TellError(const CRkException& error) const { return CErrorSession::Tell(*this, error); }
 
 bool CSerializationContext::HasAdditionalRootAttributes() const {
   return m_settings.additionalRootAttributes.Peek() != nullptr;

@@ -17,6 +17,7 @@ class CAttributeCol;
 class CFastInfosetContext;
 class CJsonContext;
 class CXmlDocument;
+class CRkException;
 class IErrorHandler;
 
 // The settings of a reading or writing call: leniency of the reader, choices of the writers, prefixes, extra content of
@@ -139,9 +140,14 @@ class RKXML_EXPORT CSerializationContext {
   const CReadLimits& GetLimits() const noexcept { return m_settings.limits; }
 
   // Reading: who is told of errors and of what is left out, and says whether reading goes on. Borrowed, null for
-  // nobody: the first error is then thrown. Copies of the context have it too.
+  // nobody: the first error is then thrown. Copies of the context have it too. One thread at a time may read a document
+  // with a handler.
   IErrorHandler* GetErrorHandler() const noexcept { return m_settings.errorHandler; }
   void SetErrorHandler(IErrorHandler* handler) noexcept { m_settings.errorHandler = handler; }
+  // For code that reads, such as a collection of its own: tells the handler of an error, unless it belongs to an
+  // attempt at a group that is taken back. Whether reading goes on; when not (or without a handler) the caller throws
+  // the error.
+  bool TellError(const CRkException& error) const;
 
  private:
   struct Settings {

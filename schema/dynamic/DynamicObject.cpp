@@ -257,15 +257,16 @@ CXmlElement* CDynamicObject::FromXml_Int(CXmlElement* element, CXmlElement* firs
   return CXmlGeneratedClass::FromXml_Int(element, firstChild, context, isOptionalChoice);
 }
 
-void CDynamicObject::BeginFromXml_Int(CXmlElement* element, CXmlElement* firstChild, const CSerializationContext&,
-                                      bool) {
+void CDynamicObject::BeginFromXml_Int(CXmlElement* element, CXmlElement* firstChild,
+                                      const CSerializationContext& context, bool) {
   if (!m_isFresh) Begin();
   m_isFresh = false;
   const ClassBinding& binding = m_class.GetBinding();
   if (binding.IsInline()) return;
-  const auto refuse = [&](const std::wstring& message) {
-    throw At(CRkValidationException(message, element->GetXPath()), *element);
+  const auto errorOf = [&](const std::wstring& message) {
+    return CRkValidationException(message, element->GetXPath());
   };
+  const auto refuse = [&](const std::wstring& message) { Refuse(context, errorOf(message), *element); };
   if (binding.isAbstract) refuse(FormatString(L"The type [%ls] is abstract.", binding.typeName.localName.c_str()));
   const CXmlText text = element->GetText();
   if (binding.textProperty < 0 && !text.empty() && !IsBlank(text))
@@ -283,11 +284,12 @@ void CDynamicObject::BeginFromXml_Int(CXmlElement* element, CXmlElement* firstCh
     if (simple == nullptr || !simple->IsDerivedFrom(binding.type))
       refuse(FormatString(L"The type [%ls] does not fit the element [%ls].",
                           element->GetAttribute(L"type", kInstanceNamespace).c_str(), element->GetLocalName().c_str()));
-    if (const auto error = CheckValue(*simple, text, ResolverOf(*element))) refuse(*error);
+    else if (const auto error = CheckValue(*simple, text, ResolverOf(*element)))
+      throw At(errorOf(*error), *element);
   }
   if (!IsNilTrue(*element)) return;
   if (m_declaration == nullptr || !m_declaration->isNillable)
-    refuse(L"Invalid use of 'nil' attribute in non-nillable element.");
+    throw At(errorOf(L"Invalid use of 'nil' attribute in non-nillable element."), *element);
   if (firstChild != nullptr || !text.empty())
     refuse(FormatString(L"The element [%ls] is nil and must be empty.", element->GetLocalName().c_str()));
   if (m_declaration->value.kind == ValueConstraintKind::Fixed)
@@ -335,7 +337,7 @@ CXmlElement* CDynamicCollection::FromXml_Int(CXmlElement* parent, CXmlElement* c
   while (current != nullptr && !isFull()) {
     if (isInline) {
       const CSmartPtr<CDynamicObject> item = m_schema.New(*m_member.object);
-      CXmlElement* const next = item->FromXml_Int(parent, current, context, isOptionalChoice);
+      CXmlElement* const next = ReadGroup(item, parent, current, context, isOptionalChoice);
       if (next == current) break;
       AppendItem(item);
       current = next;

@@ -56,22 +56,32 @@ class CCheckedValue final : public Base {
     const CXmlElement* const element = *cursor;
     if (!Base::IsThisElement(context, element))
       return Base::ElementFromXml(context, object, parent, cursor, ownerNamespace, ownerType);
-    RefuseChildren(*element);
-    if (m_member.isNillable && IsNilTrue(*element)) RefuseNilContent(*element);
     std::wstring_view text = element->GetText();
     if (text.empty() && m_member.defaultValue.exists) text = m_member.defaultValue.text;
     const ReadingScope scope(*element, text);
-    if (IsOfDerivedType(*element, text)) {
-      RkVariant value;
-      value.FromText(text, m_member.value->itemType, m_member.value->whitespace);
-      Base::InvokePropertySet(object, value, *element);
-      *cursor = element->GetNextSiblingElement();
-      return true;
+    bool isDone = true;
+    try {
+      isDone = ReadDerived(object, *element, text);
+    } catch (CRkException& e) {
+      if (!context.TellError(At(e, *element))) throw;
     }
-    return Base::ElementFromXml(context, object, parent, cursor, ownerNamespace, ownerType);
+    if (!isDone) return Base::ElementFromXml(context, object, parent, cursor, ownerNamespace, ownerType);
+    *cursor = element->GetNextSiblingElement();
+    return true;
   }
 
  private:
+  // Checks what stands in the element besides its text; reads that if it is of a derived type.
+  bool ReadDerived(CXmlGeneratedClass* object, const CXmlElement& element, std::wstring_view text) {
+    RefuseChildren(element);
+    if (m_member.isNillable && IsNilTrue(element)) RefuseNilContent(element);
+    if (!IsOfDerivedType(element, text)) return false;
+    RkVariant value;
+    value.FromText(text, m_member.value->itemType, m_member.value->whitespace);
+    Base::InvokePropertySet(object, value, element);
+    return true;
+  }
+
   // Whether the element has an xsi:type of a derived simple type, which its text then has to fit too, and nothing else.
   bool IsOfDerivedType(const CXmlElement& element, std::wstring_view text) const {
     const CXmlAttributes attributes = element.GetAttributes();
@@ -104,8 +114,12 @@ class CCheckedCol final : public Base {
     for (; current != nullptr && !isFull() &&
            this->DoesElementNameMatch(context, current, member.name.c_str(), member.namespaceUri.c_str());
          current = current->GetNextSiblingElement()) {
-      CheckItem(context, *current);
-      AddItem(*current);
+      try {
+        CheckItem(context, *current);
+        this->AddFromString(current->GetText());
+      } catch (CRkException& e) {
+        if (!context.TellError(At(e, *current))) throw;
+      }
     }
     return current;
   }
@@ -120,15 +134,6 @@ class CCheckedCol final : public Base {
              property.value->whitespace, nullptr),
         m_property(property) {}
 
-  void AddItem(const CXmlElement& element) {
-    try {
-      this->AddFromString(element.GetText());
-    } catch (CRkException& e) {
-      At(e, element);
-      throw;
-    }
-  }
-
   void CheckItem(const CSerializationContext& context, const CXmlElement& element) const {
     RefuseChildren(element);
     for (const CXmlAttribute* attribute : element.GetAttributes()) {
@@ -136,7 +141,7 @@ class CCheckedCol final : public Base {
         throw At(CRkValidationException(L"Invalid use of 'nil' attribute in non-nillable element.", element.GetXPath()),
                  element);
       if (!attribute->IsNilAttribute() && !attribute->IsNamespaceAttribute() && !context.GetIgnoreUnknownAttributes())
-        throw At(CRkValidationException(L"Unexpected Attribute found.", attribute->GetXPath()), *attribute);
+        Refuse(context, CRkValidationException(L"Unexpected Attribute found.", attribute->GetXPath()), *attribute);
     }
     try {
       if (m_property.value->needsCheck) CheckText(m_property, element.GetText(), ResolverOf(element));
@@ -236,6 +241,15 @@ class CLateCollection final : public Base {
 
 // ---- Wildcards
 
+void CheckWildcard(const CDynamicSchema& schema, const MemberBinding& member, CXmlElement& element,
+                   const CSerializationContext& context) {
+  try {
+    CheckWildcardElement(schema, member.wildcard->processContents, element, context);
+  } catch (CRkException& e) {
+    if (!context.TellError(At(e, element))) throw;
+  }
+}
+
 template <class Base>
 class CWildcardRecord final : public Base {
  public:
@@ -252,14 +266,17 @@ class CWildcardRecord final : public Base {
       const bool isOptional = m_member.cardinality == MemberBinding::Cardinality::Optional;
       if (m_isChoice || (!isOptional && ownerType != XmlElementType_Element)) return false;
       if (isOptional) return true;
-      throw CRkValidationException(FormatString(L"Failed to find the required element from namespace [%ls].",
-                                                m_member.wildcard->written.c_str()),
-                                   parent->GetXPath());
+      Refuse(context,
+             CRkValidationException(FormatString(L"Failed to find the required element from namespace [%ls].",
+                                                 m_member.wildcard->written.c_str()),
+                                    parent->GetXPath()),
+             *parent);
+      return true;
     }
     if (element != nullptr) {
       if (m_member.cardinality == MemberBinding::Cardinality::Mandatory)
         static_cast<CDynamicObject&>(*object).Ensure(m_member.property);
-      CheckWildcardElement(m_schema, m_member.wildcard->processContents, *element, context);
+      CheckWildcard(m_schema, m_member, *element, context);
     }
     return Base::ElementFromXml(context, object, parent, cursor, ownerNamespace, ownerType);
   }
@@ -281,7 +298,7 @@ class CWildcardCol final : public CElementCol {
                            bool) override {
     const auto isFull = [&] { return m_member.stopsAtMaximum && GetCount() >= m_member.maxOccurs; };
     while (current != nullptr && !isFull() && m_member.wildcard->Allows(current->GetNamespaceURI())) {
-      CheckWildcardElement(m_schema, m_member.wildcard->processContents, *current, context);
+      CheckWildcard(m_schema, m_member, *current, context);
       const CSmartPtr<CElement> element(new CElement(L"AnyElement"));
       current = element->FromXml_Int(parent, current, context, /*isOptionalChoice=*/false);
       Add(element);

@@ -92,6 +92,12 @@ class ReadingScope {
   Reading m_reading;
 };
 
+// Tells the handler of the context of an error at an element or attribute; throws it unless reading goes on.
+template <class Error, class Node>
+void Refuse(const RkXmlLib16::CSerializationContext& context, Error error, const Node& node) {
+  if (!context.TellError(At(error, node))) throw error;
+}
+
 const CDynamicClass& ClassOf(const CDynamicSchema& schema, const ClassBinding& binding);
 
 // Prefixes as the document of the element declares them.

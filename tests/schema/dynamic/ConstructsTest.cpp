@@ -176,5 +176,29 @@ TEST(DynamicConstructs, ValidDocumentsComeBackAndOthersAreRefused) {
   }
 }
 
+// Reading goes on within the element that an error is found in.
+TEST(DynamicConstructs, AHandlerIsToldOfAllErrorsOfADocument) {
+  const CSchemaUnderTest schema(
+      Schema("<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='q' type='xs:QName'/><xs:element "
+             "name='v' type='xs:int' maxOccurs='9'/><xs:element name='d' nillable='true' type='xs:date'/><xs:element "
+             "name='w'><xs:complexType><xs:sequence><xs:any namespace='##other' processContents='strict' "
+             "maxOccurs='2'/><xs:element name='e' type='xs:int'/></xs:sequence></xs:complexType></xs:element>"
+             "</xs:sequence><xs:attribute name='x' type='xs:int'/></xs:complexType></xs:element>"));
+  ASSERT_TRUE(schema.IsUsable()) << Narrow(schema.GetErrors());
+  std::string xml = Document(
+      "x='y'|text<q><z/></q><v>1</v><v n='1'>2</v><v>b</v><v><z/></v><v>5</v>"
+      "<d xsi:nil='true'>no</d><w xsi:type='xs:string'><o:p/><e>f</e></w>");
+  CErrorCollector collector;
+  CSerializationContext context;
+  CXmlDocument document(context);
+  document.LoadXmlStream(reinterpret_cast<unsigned char*>(xml.data()), xml.size());
+  context.SetErrorHandler(&collector);
+  const auto object = schema.Get().Read(document, context);
+  std::wstring places;
+  for (const auto& error : collector.GetErrors()) places += error->GetLocation().GetPath() + L' ';
+  EXPECT_EQ("/r /r/@x /r/q/z /r/v[2]/@n /r/v[3] /r/v[4]/z /r/d /r/w /r/w/o:p /r/w/e ", Narrow(places));
+  EXPECT_EQ(object->GetCollection(L"v")->GetCount(), 3);
+}
+
 }  // namespace
 }  // namespace RkXmlSchema
