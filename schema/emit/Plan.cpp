@@ -226,9 +226,17 @@ void CPlan::NameClass(const ClassBinding& object, const std::string& name) {
 }
 
 void CPlan::NameClasses() {
-  // A class that only xsi:type may name is printed where an element has a type that it is derived from.
+  const auto& roots = m_binding.GetRoots();
+  const bool takesAllTypes = std::any_of(roots.begin(), roots.end(), [&](const RootBinding& root) {
+    const CSchemaSet& schemas = m_binding.GetSchemas();
+    return root.element->type == schemas.GetAnyType() ||
+           root.element->type == schemas.GetBuiltIn(BuiltInType::AnySimpleType);
+  });
+  // A class that only xsi:type may name is printed where an element has a type that it is derived from; those of
+  // built-in types only where a global element takes them all.
   const auto isNeeded = [&](const ClassBinding& object) {
     if (!object.onlyByTypeName) return true;
+    if (takesAllTypes && object.type->IsSimple()) return true;
     if (object.type->IsBuiltIn()) return false;
     for (const TypeDefinition* at = object.type->base; at != nullptr && at->IsSimple(); at = at->base) {
       const ClassBinding* const base = m_binding.FindClass(at);
@@ -244,6 +252,9 @@ void CPlan::NameClasses() {
     m_byBinding[object.get()] = planned.get();
     m_classes.push_back(std::move(planned));
   }
+  std::stable_partition(m_classes.begin(), m_classes.end(), [](const auto& planned) {
+    return !planned->binding->onlyByTypeName || !planned->binding->type->IsBuiltIn();  // which take no name from others
+  });
   for (const auto& planned : m_classes) {
     if (planned->binding->base == nullptr) continue;
     planned->base = m_byBinding.at(planned->binding->base);
