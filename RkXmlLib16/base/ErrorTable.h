@@ -1,5 +1,5 @@
 // Every kind of failure: its number, its name, what it means, and the messages that tell it. The numbers never change;
-// new kinds get new ones. docs/errors.md tells the ranges.
+// new kinds get new ones. docs/errors.md is made from this table by scripts/make_error_table.sh.
 //
 // A message is told by its text: each conversion of the format stands for any text, or for a number. The first row that
 // matches counts, so the most general format stands last.
