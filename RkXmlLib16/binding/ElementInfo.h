@@ -122,6 +122,9 @@ class RKXML_EXPORT CElementInfo {
   }
   // Whether ElementToXml does nothing but WriteValue, if the property has a value.
   bool IsPlainValue() const { return Is(kPlainValue); }
+  // For objects that know which of their properties are set: whether an unset one leaves nothing to write.
+  bool IsWrittenOnlyIfSet() const noexcept { return m_writtenOnlyIfSet; }
+  void SetWrittenOnlyIfSet() noexcept { m_writtenOnlyIfSet = true; }
   // Whether PseudoChildAttributeToXml may have something to write.
   bool MayHaveAttributes() const { return Is(kWithAttributes); }
 
@@ -226,6 +229,7 @@ class RKXML_EXPORT CElementInfo {
   bool m_hasFacets = false;
   bool m_mayHaveAttributes = false;
   bool m_readsOnlyItsElement = false;
+  bool m_writtenOnlyIfSet = false;
   mutable std::atomic<std::uint8_t> m_facts{kUnknown};
   XmlElementType m_memberType = RkXmlLib16::XmlElementType_Element;
   MemberKind m_memberKind = MemberKind::Single;

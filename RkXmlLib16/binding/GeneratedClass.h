@@ -16,6 +16,7 @@ class CParentElementInfo;
 namespace RkXmlLib16 {
 
 class CRkException;
+class CModelObject;
 class CXmlAttribute;
 class RkVariant;
 
@@ -103,6 +104,10 @@ class RKXML_EXPORT CXmlGeneratedClass : public CXmlObjectBase {
   void ProcessElementAllToXml(const CSerializationContext& context, RkXmlLib16Data::CElementInfo** infos,
                               CXmlWriter* writer) const;
 
+  // Whether the record has nothing to write, as far as that can be told without asking for the property.
+  static bool IsLeftOut(const CModelObject* model, const RkXmlLib16Data::CElementInfo& record) noexcept;
+  // This object as CModelObject, or null.
+  const CModelObject* AsModel() const;
   // This object as INillable, or null.
   const INillable* AsNillable(const RkXmlLib16Data::CParentElementInfo& info) const;
   // Whether some element record may write attributes of this object's element.

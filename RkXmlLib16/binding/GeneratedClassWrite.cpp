@@ -9,6 +9,7 @@
 #include "RkXmlLib16/binding/AttributeInfo.h"
 #include "RkXmlLib16/binding/ElementInfo.h"
 #include "RkXmlLib16/binding/GeneratedClass.h"
+#include "RkXmlLib16/binding/ModelObject.h"
 #include "RkXmlLib16/binding/ParentElementInfo.h"
 #include "RkXmlLib16/binding/internal/PropertyAccess.h"
 #include "RkXmlLib16/binding/internal/ValueText.h"
@@ -124,12 +125,22 @@ void CXmlGeneratedClass::WriteSimpleContent(CXmlWriter* writer, const CParentEle
   }
 }
 
+inline const CModelObject* CXmlGeneratedClass::AsModel() const {
+  return GetClassInfo()->IsOfModel() ? static_cast<const CModelObject*>(this) : nullptr;
+}
+
+inline bool CXmlGeneratedClass::IsLeftOut(const CModelObject* model, const CElementInfo& record) noexcept {
+  return model != nullptr && record.IsWrittenOnlyIfSet() && !model->IsSet(record.GetPropertyIndex());
+}
+
 void CXmlGeneratedClass::ProcessElementSeqToXml(const CSerializationContext& context, CElementInfo** infos,
                                                 CXmlWriter* writer) const {
   if (infos == nullptr) return;
   auto& object = const_cast<CXmlGeneratedClass&>(*this);  // a getter changes nothing
+  const CModelObject* const model = AsModel();
   for (CElementInfo** info = infos; *info != nullptr; ++info) {
     const CElementInfo& record = **info;
+    if (IsLeftOut(model, record)) continue;
     if (!record.IsPlainValue()) {
       record.ElementToXml(context, this, writer);
       continue;
@@ -148,8 +159,9 @@ void CXmlGeneratedClass::ProcessElementAllToXml(const CSerializationContext& con
 
 void CXmlGeneratedClass::ProcessElementChoiceToXml(const CSerializationContext& context, CElementInfo** infos,
                                                    CXmlWriter* writer, bool isOptionalChoice) const {
+  const CModelObject* const model = AsModel();
   for (CElementInfo** info = infos; info != nullptr && *info != nullptr; ++info)
-    if ((*info)->ElementToXml(context, this, writer)) return;
+    if (!IsLeftOut(model, **info) && (*info)->ElementToXml(context, this, writer)) return;
   if (!DoesElementContainOptionalElements() && !isOptionalChoice && !context.GetIgnoreMissingChoice())
     throw CRkValidationException(
         L"This element is a choice, and as such must have at one (and only one) valid item, "  // sic

@@ -72,9 +72,9 @@ void ModelFactories::Remove(int id) noexcept {
   table.free.push_back(id);
 }
 
-CSmartPtr<CXmlObjectBase> ModelFactories::Create(int id, const wchar_t*) {
+CSmartPtr<CXmlObjectBase> ModelFactories::Create(int id, const wchar_t* elementName) {
   const MemberModel& member = *Table().At(id).load();
-  return RkXmlLib16Data::NewModelObject(*member.object, member.object->IsInline() ? nullptr : &member);
+  return RkXmlLib16Data::NewModelObject(*member.object, member.object->IsInline() ? nullptr : &member, elementName);
 }
 
 CPrimitiveRestrictions FacetsOf(const ValueModel& v) {
@@ -83,6 +83,18 @@ CPrimitiveRestrictions FacetsOf(const ValueModel& v) {
 }
 
 // ---- Classes
+
+namespace {
+
+// Not what is an error when it is missing, or nil at first.
+bool IsWrittenOnlyIfSet(const ClassModel& owner, const MemberModel& member) {
+  if (member.IsCollection()) return member.minOccurs == 0;
+  const bool mayBeMissing =
+      member.cardinality == MemberModel::Cardinality::Optional || owner.group == XmlElementGroupType_Choice;
+  return mayBeMissing && !member.isNillable;
+}
+
+}  // namespace
 
 ClassModel::~ClassModel() { delete m_made.load(); }
 
@@ -93,7 +105,9 @@ const CModelClass& ClassModel::Make() const {
 }
 
 CModelClass::CModelClass(const ClassModel& model)
-    : m_model(model), m_properties(static_cast<std::size_t>(model.propertyCount)) {
+    : m_model(model),
+      m_elementName(model.element != nullptr ? model.element->name : model.name),
+      m_properties(static_cast<std::size_t>(model.propertyCount)) {
   const auto note = [&](int property, const wchar_t* name, const ValueModel* values, const DefaultModel* value) {
     ModelProperty& info = m_properties[static_cast<std::size_t>(property)];
     info.name = name;
@@ -119,7 +133,12 @@ CModelClass::CModelClass(const ClassModel& model)
   }
 
   std::vector<CElementInfo*> elements;
-  for (const MemberModel& member : model.members) elements.push_back(NewModelRecord(model, member, m_factoryIds));
+  for (const MemberModel& member : model.members) {
+    CElementInfo* const record = NewModelRecord(model, member, m_factoryIds);
+    elements.push_back(record);
+    if (IsWrittenOnlyIfSet(model, member)) record->SetWrittenOnlyIfSet();
+    m_hasInlineAttributes = m_hasInlineAttributes || record->MayHaveAttributes();
+  }
   std::vector<CAttributeInfo*> attributes;
   for (const AttributeModel& attribute : model.attributes) attributes.push_back(NewModelRecord(attribute));
   if (model.attributeWildcard != nullptr) attributes.push_back(NewWildcardRecord(model));
@@ -129,6 +148,7 @@ CModelClass::CModelClass(const ClassModel& model)
                                   model.strictAttributes, model.contentMayBeEmpty, model.textProperty,
                                   model.text != nullptr ? model.text->itemType : ItemType_none, nullptr,
                                   /*simpleContentAsText=*/true);
+  m_info->SetOfModel();
 }
 
 CModelClass::~CModelClass() {
@@ -137,15 +157,21 @@ CModelClass::~CModelClass() {
 }
 
 int CModelClass::FindText(const ValueModel& values, std::wstring_view text) noexcept {
+  const auto isText = [text](const wchar_t* listed) {
+    for (const wchar_t c : text)
+      if (*listed == L'\0' || *listed++ != c) return false;
+    return *listed == L'\0';
+  };
   for (std::size_t i = 0; i < values.enumeration.size(); ++i)
-    if (values.enumeration[i] == text) return static_cast<int>(i);
+    if (isText(values.enumeration[i])) return static_cast<int>(i);
   return -1;
 }
 
-CSmartPtr<CModelObject> NewModelObject(const ClassModel& model, const ElementModel* declaration) {
+CSmartPtr<CModelObject> NewModelObject(const ClassModel& model, const ElementModel* declaration,
+                                       const wchar_t* heldName) {
   if (model.create == nullptr) return nullptr;
   CSmartPtr<CModelObject> object(model.create(model));
-  if (declaration != nullptr) object->SetDeclaration(*declaration);
+  if (declaration != nullptr) object->SetDeclaration(*declaration, heldName != nullptr ? heldName : declaration->name);
   return object;
 }
 
@@ -253,7 +279,9 @@ bool WildcardModel::Allows(std::wstring_view namespaceUri) const noexcept {
 }
 
 NamedType FindNamedType(const SchemaModel* schema, const CXmlElement& element) {
-  const std::wstring name = CWhitespaceUtils::Collapse(element.GetAttribute(L"type", kInstanceNamespace).ToString());
+  const CXmlText written = element.GetAttribute(L"type", kInstanceNamespace);
+  if (written.empty()) return {};
+  const std::wstring name = CWhitespaceUtils::Collapse(written.ToString());
   NamedType unknown;
   unknown.isNamed = !name.empty();
   if (!unknown.isNamed || schema == nullptr) return unknown;

@@ -159,7 +159,10 @@ CModelObject::CModelObject(const ClassModel& model, const wchar_t* elementName)
     : m_class(model.Require()), m_declaration(model.element), m_set(model.propertyCount) {
   if (elementName != nullptr && m_declaration != nullptr && m_declaration->name != std::wstring_view(elementName))
     m_declaration = nullptr;
-  SetElementName(elementName != nullptr ? elementName : m_declaration != nullptr ? m_declaration->name : model.name);
+  if (elementName != nullptr)
+    SetElementName(elementName);
+  else
+    m_elementName = m_class.GetElementName();
 }
 
 CModelObject::~CModelObject() = default;
@@ -173,10 +176,10 @@ const wchar_t* CModelObject::GetTargetNamespace() const {
   return m_declaration != nullptr ? m_declaration->namespaceUri : GetNamespace();
 }
 
-void CModelObject::SetDeclaration(const ElementModel& declaration) {
+void CModelObject::SetDeclaration(const ElementModel& declaration, const wchar_t* heldName) {
   if (m_declaration == &declaration) return;
   m_declaration = &declaration;
-  SetElementName(declaration.name);
+  SetElementName(heldName);
 }
 
 const wchar_t* CModelObject::GetSelected() const {
@@ -205,7 +208,7 @@ void CModelObject::AccessValue(bool get, RkVariant& value, int property, T& memb
     member = T();
     return Unmark(property);
   }
-  CheckSet(property, value);
+  if (info.mustCheck) CheckSet(property, value);
   Take(member, value, info);
   Mark(property);
 }
@@ -223,13 +226,14 @@ void CModelObject::CheckSet(int property, RkVariant& value) {
   m_isFresh = false;
   const ModelProperty& info = m_class.GetProperty(property);
   if (property == GetModel().textProperty) return CheckText(property, value);
-  if (!info.mustCheck) return;
   const ValueModel& values = *info.values;
-  const Reading* const reading = Reading::Current();
-  if (values.holdsQNames && reading != nullptr) KeepPrefixes(*reading->element, reading->text);
-  if (values.needsCheck || info.fixed != nullptr)
-    CheckModelText(info.name, values, info.fixed, reading != nullptr ? std::wstring(reading->text) : value.ToString(),
-                   reading != nullptr ? ResolverOf(*reading->element) : nullptr);
+  if (values.holdsQNames || values.needsCheck || info.fixed != nullptr) {
+    const Reading* const reading = Reading::Current();
+    if (values.holdsQNames && reading != nullptr) KeepPrefixes(*reading->element, reading->text);
+    if (values.needsCheck || info.fixed != nullptr)
+      CheckModelText(info.name, values, info.fixed, reading != nullptr ? std::wstring(reading->text) : value.ToString(),
+                     reading != nullptr ? ResolverOf(*reading->element) : nullptr);
+  }
   if (!values.enumeration.empty() && CModelClass::FindText(values, value.GetString()) < 0)
     ThrowInvalid(info.name, value.GetString());
   if (!info.facets.IsEmpty()) CXmlObjectHelper::CheckRestriction(info.name, value, values.itemType, info.facets);
@@ -304,7 +308,7 @@ CXmlCollectionBase* CModelObject::MakeCollection(int property) {
 
 void CModelObject::Ensure(int property) {
   RkVariant value;
-  ReadProperty(property, value);
+  if (IsSet(property)) ReadProperty(property, value);
   if (value.PeekXmlCollection() != nullptr || value.PeekXmlObject() != nullptr) return;
   const bool wasFresh = m_isFresh;
   const ModelProperty& info = m_class.GetProperty(property);
@@ -401,7 +405,10 @@ void CModelObject::BeginFromXml_Int(CXmlElement* element, CXmlElement* firstChil
   if (model.isMixed && hasFixed && (firstChild != nullptr || (!text.empty() && text != m_declaration->value.text)))
     refuse(FormatString(L"The fixed value of the element [%ls] is [%ls].", element->GetLocalName().c_str(),
                         m_declaration->value.text));
-  if (element->GetAttributes().empty()) return;
+  const CXmlAttributes attributes = element->GetAttributes();
+  if (std::all_of(attributes.begin(), attributes.end(),
+                  [](const CXmlAttribute* attribute) { return attribute->GetNamespaceURI().empty(); }))
+    return;
 
   const NamedType named = FindNamedType(model.schema, *element);
   const bool isOwn = model.simple != nullptr ? named.simple == model.simple : named.object == &model;
@@ -429,10 +436,15 @@ void CModelObject::AttributesToXml_Int(CXmlWriter* writer, const CSerializationC
                                                                               : m_declaration->object != &model);
     if (!model.IsInline() && isOther && model.name[0] != L'\0' && context.GetWriteTypeAttribute())
       writer->WriteAttributeType(model.namespaceUri, model.name, ItemType_string);
-    for (CAttributeInfo** info = GetClassAttributeInfo(); *info != nullptr; ++info)
-      (*info)->AttributeToXml(context, this, writer);
-    for (CElementInfo** info = GetClassElementInfo(); *info != nullptr; ++info)
-      if ((*info)->MayHaveAttributes()) (*info)->PseudoChildAttributeToXml(context, this, writer);
+    CAttributeInfo** info = m_class.GetAttributes();
+    for (const AttributeModel& attribute : model.attributes) {
+      if (!attribute.isOptional || IsSet(attribute.property)) (*info)->AttributeToXml(context, this, writer);
+      ++info;
+    }
+    if (*info != nullptr) (*info)->AttributeToXml(context, this, writer);  // those of the wildcard
+    if (!m_class.HasInlineAttributes()) return;
+    for (CElementInfo** record = m_class.GetElements(); *record != nullptr; ++record)
+      if ((*record)->MayHaveAttributes()) (*record)->PseudoChildAttributeToXml(context, this, writer);
   } catch (const CRkException& e) {
     throw CRkException(L"Failed to convert attributes to XML", e);
   }
@@ -478,7 +490,7 @@ void CModelCollectionBase::Add(CModelObject* item) {
 
 CModelObject* CModelCollectionBase::AddNewItem() {
   const CSmartPtr<CModelObject> item =
-      NewModelObject(*m_member.object, m_member.object->IsInline() ? nullptr : &m_member);
+      NewModelObject(*m_member.object, m_member.object->IsInline() ? nullptr : &m_member, GetElementNameRef().c_str());
   if (item != nullptr) AppendItem(item);
   return item;
 }
@@ -503,7 +515,7 @@ CXmlElement* CModelCollectionBase::FromXml_Int(CXmlElement* parent, CXmlElement*
     last = current;
     const CSmartPtr<CModelObject> item = m_member.kind == MemberModel::Kind::AbstractObject
                                              ? NewElement(m_member.object->schema, m_member, *current)
-                                             : NewModelObject(*m_member.object, &m_member);
+                                             : NewModelObject(*m_member.object, &m_member, GetElementNameRef().c_str());
     if (item == nullptr) break;
     item->FromXml_Int(current, current->GetFirstElement(), context, /*isOptionalChoice=*/false);
     AppendItem(item);

@@ -89,7 +89,9 @@ class RKXML_EXPORT CModelObject : public CXmlGeneratedClass {
   // known.
   const ElementModel* GetDeclaration() const noexcept { return m_declaration; }
   // The object takes the name, and xsi:type is written where its class is not the declared one. Borrowed.
-  void SetDeclaration(const ElementModel& declaration);
+  void SetDeclaration(const ElementModel& declaration) { SetDeclaration(declaration, declaration.name); }
+  // The same. The name is that of the declaration, as a record or collection holds it, which is quicker.
+  void SetDeclaration(const ElementModel& declaration, const wchar_t* heldName);
   // Of a choice: the element name of the member that is set; null when none is.
   const wchar_t* GetSelected() const;
 
@@ -204,6 +206,7 @@ class RKXML_EXPORT CModelObject : public CXmlGeneratedClass {
   }
 
  private:
+  friend class CXmlGeneratedClass;
   using Prefixes = std::map<std::wstring, std::wstring>;
 
   template <class T>

@@ -62,9 +62,12 @@ class CModelValue final : public Base {
     if (!Base::IsThisElement(context, element))
       return Base::ElementFromXml(context, object, parent, cursor, ownerNamespace, ownerType);
     RefuseChildren(*element);
-    if (!m_needsText && element->GetAttributes().empty())
-      return Base::ElementFromXml(context, object, parent, cursor, ownerNamespace, ownerType);
-    if (m_member.isNillable && IsNilTrue(*element)) RefuseNilContent(*element);
+    const bool hasAttributes = !element->GetAttributes().empty();
+    if (!m_needsText && !hasAttributes) {
+      Base::Read(context, object, cursor);
+      return true;
+    }
+    if (hasAttributes && m_member.isNillable && IsNilTrue(*element)) RefuseNilContent(*element);
     std::wstring_view text = element->GetText();
     if (text.empty() && m_member.HasDefault()) text = m_member.value.text;
     const ReadingScope scope(*element, text);
@@ -75,7 +78,8 @@ class CModelValue final : public Base {
       *cursor = element->GetNextSiblingElement();
       return true;
     }
-    return Base::ElementFromXml(context, object, parent, cursor, ownerNamespace, ownerType);
+    Base::Read(context, object, cursor);
+    return true;
   }
 
  private:

@@ -55,6 +55,10 @@ class RKXML_EXPORT CParentElementInfo {
     return (known & fact) != 0;
   }
 
+  // Whether the objects are CModelObjects, which know what properties are set.
+  bool IsOfModel() const noexcept { return m_isOfModel; }
+  void SetOfModel() noexcept { m_isOfModel = true; }
+
  private:
   RkXmlLib16::XmlElementGroupType m_groupType;
   RkXmlLib16::XmlElementType m_elementType;
@@ -66,6 +70,7 @@ class RKXML_EXPORT CParentElementInfo {
   RkXmlLib16::ItemType m_simpleContentType;
   std::wstring m_simpleContentFormat;
   bool m_simpleContentAsText;
+  bool m_isOfModel = false;
   mutable std::atomic<std::uintptr_t> m_facts{kNoFacts};  // and the address of the type that they are true of
 };
 

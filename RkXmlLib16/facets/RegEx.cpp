@@ -217,14 +217,14 @@ struct CRegEx::Engine {
   explicit Engine(std::string_view pattern) : plain(pattern) {}
 
   CPlainPattern plain;
-  Code code;  // null where the plain form is all
+  Code code;  // null where the plain form decides on every value
   bool hasOtherSyntax = false;
   mutable std::atomic<bool> isHard{false};  // met the limit of a quick attempt once
 };
 
 CRegEx::CRegEx(std::string utf8Pattern, const std::wstring& value) {
   auto engine = std::make_unique<Engine>(utf8Pattern);
-  if (engine->plain.IsEmpty()) {
+  if (engine->plain.IsEmpty() || !engine->plain.IsWhole()) {
     engine->hasOtherSyntax = HasOtherSyntax(utf8Pattern);
     engine->code = Compile(Rewrite(std::move(utf8Pattern)), value);
   }
@@ -234,7 +234,7 @@ CRegEx::CRegEx(std::string utf8Pattern, const std::wstring& value) {
 CRegEx::~CRegEx() = default;
 
 bool CRegEx::Matches(const std::wstring& value) const {
-  if (m_engine->code == nullptr) return m_engine->plain.Matches(value);
+  if (m_engine->plain.Decides(value)) return m_engine->plain.Matches(value);
   constexpr std::size_t kMostBytes = 4;  // of a character
   unsigned char shortSubject[kShortValue];
   std::string longSubject;

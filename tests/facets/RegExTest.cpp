@@ -61,11 +61,12 @@ TEST(RegEx, PlainExpressionsMeanWhatTheEngineSays) {
       return "refused";
     }
   };
-  const std::string parts[] = {"a",   "b",     "1",   "-",       "\\d",  "[ab]",  "[a-b1]", "[",     "]",    "[^a]",
-                               "{2}", "{1,3}", "{0}", "{2,1}",   "{,2}", "{1,}",  "?",      "*",     "+",    "^",
-                               "$",   ".",     " ",   "[\\d-a]", "[-a]", "[b-a]", "[::]",   "[=1=]", "[a:=]"};
-  const std::wstring characters[] = {L"a",    L"b",     L"1",   L"-", L"\n", std::wstring(1, L'\0'),
-                                     L"\xE9", L"\x161", L"aab", L"11"};
+  const std::string parts[] = {"a",    "b",     "1",    "-",     "\\d",   "[ab]",    "[a-b1]",    "[",
+                               "]",    "[^a]",  "{2}",  "{1,3}", "{0}",   "{2,1}",   "{,2}",      "{1,}",
+                               "?",    "*",     "+",    "^",     "$",     ".",       " ",         "[\\d-a]",
+                               "[-a]", "[b-a]", "[::]", "[=1=]", "[a:=]", "\\p{Nd}", "[\\p{Nd}a]"};
+  const std::wstring characters[] = {L"a",    L"b",     L"1",   L"-",  L"\n",   std::wstring(1, L'\0'),
+                                     L"\xE9", L"\x161", L"aab", L"11", L"\x663"};
   std::mt19937 random(16);
   int matched = 0;
   for (int i = 0; i < 40000; ++i) {

@@ -6,6 +6,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "RkXmlLib16/base/SharedName.h"
 #include "RkXmlLib16/binding/AttributeInfo.h"
 #include "RkXmlLib16/binding/ElementInfo.h"
 #include "RkXmlLib16/binding/Model.h"
@@ -16,6 +17,7 @@
 namespace RkXmlLib16Data {
 
 using RkXmlLib16::CModelObject;
+using RkXmlLib16::CSharedName;
 using RkXmlLib16::CXmlAttribute;
 using RkXmlLib16::CXmlCollectionBase;
 
@@ -47,6 +49,10 @@ class CModelClass {
   CParentElementInfo* GetInfo() const noexcept { return m_info; }
   CElementInfo** GetElements() const noexcept { return m_elements; }
   CAttributeInfo** GetAttributes() const noexcept { return m_attributes; }
+  // Of an object that the application makes without one.
+  const CSharedName& GetElementName() const noexcept { return m_elementName; }
+  // Whether some record may write attributes of the object's element.
+  bool HasInlineAttributes() const noexcept { return m_hasInlineAttributes; }
   const ModelProperty& GetProperty(int property) const noexcept {
     return m_properties[static_cast<std::size_t>(property)];
   }
@@ -58,6 +64,8 @@ class CModelClass {
   CParentElementInfo* m_info = nullptr;
   CElementInfo** m_elements = nullptr;
   CAttributeInfo** m_attributes = nullptr;
+  CSharedName m_elementName;
+  bool m_hasInlineAttributes = false;
   std::vector<ModelProperty> m_properties;
   std::vector<int> m_factoryIds;
 };
@@ -102,8 +110,9 @@ struct NamedType {
 };
 NamedType FindNamedType(const SchemaModel* schema, const CXmlElement& element);
 
-// A new object of the class; for the element, if there is one.
-CSmartPtr<CModelObject> NewModelObject(const ClassModel& model, const ElementModel* declaration);
+// A new object of the class; for the element, if there is one, whose name someone may hold already.
+CSmartPtr<CModelObject> NewModelObject(const ClassModel& model, const ElementModel* declaration,
+                                       const wchar_t* heldName = nullptr);
 // The object for an element of the declaration, as xsi:type says; null when the type does not fit.
 CSmartPtr<CModelObject> NewElement(const SchemaModel* schema, const ElementModel& declaration,
                                    const CXmlElement& element);

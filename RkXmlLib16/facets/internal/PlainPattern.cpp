@@ -10,6 +10,7 @@ namespace {
 
 constexpr std::size_t kMostCount = 1000;  // well below what the engine refuses
 constexpr std::size_t kMostItems = 100;
+constexpr std::uint32_t kAsciiEnd = 128;
 // Characters that mean themselves, inside brackets and outside.
 constexpr std::string_view kLiterals = " _/:,;@#%&=<>~!'\"";
 
@@ -40,13 +41,6 @@ void AddRange(Set& set, char first, char last) {
   for (auto c = static_cast<std::size_t>(first); c <= static_cast<std::size_t>(last); ++c) set.set(c);
 }
 
-template <class Set>
-bool TakeDigits(std::string_view& rest, Set& set) {
-  if (!Take(rest, "\\d")) return false;
-  AddRange(set, '0', '9');
-  return true;
-}
-
 }  // namespace
 
 CPlainPattern::CPlainPattern(std::string_view expression) {
@@ -71,6 +65,14 @@ bool CPlainPattern::ParseSet(std::string_view& rest, Set& set) {
   if (!IsLiteral(c) && c != '-') return false;
   set.set(static_cast<std::size_t>(c));
   rest.remove_prefix(1);
+  return true;
+}
+
+bool CPlainPattern::TakeDigits(std::string_view& rest, Set& set) {
+  const bool hasOthers = Take(rest, "\\p{Nd}");
+  if (!hasOthers && !Take(rest, "\\d")) return false;
+  AddRange(set, '0', '9');
+  m_isWhole = m_isWhole && !hasOthers;
   return true;
 }
 
@@ -112,6 +114,11 @@ bool CPlainPattern::ParseCount(std::string_view& rest, Item& item) {
     item.most = SIZE_MAX;
   }
   return rest.empty() || std::string_view("?*+{").find(rest.front()) == std::string_view::npos;
+}
+
+bool CPlainPattern::Decides(std::wstring_view value) const noexcept {
+  if (IsEmpty() || m_isWhole) return !IsEmpty();
+  return std::all_of(value.begin(), value.end(), [](wchar_t c) { return static_cast<std::uint32_t>(c) < kAsciiEnd; });
 }
 
 bool CPlainPattern::Matches(std::wstring_view value) const noexcept {

@@ -10,14 +10,18 @@
 namespace RkXmlLib16 {
 
 // A regular expression of the most common form, such as "[A-Z]{2}-\d{1,8}": sets of ASCII characters, each with a
-// count, of which only the last may vary. Whether a value matches is decided character by character, without an engine.
+// count, of which only the last may vary. Whether a value matches is decided character by character, without an engine;
+// with "\p{Nd}", which has digits beyond ASCII, only for values of ASCII characters.
 class CPlainPattern {
  public:
   // Empty when the expression has any other form.
   explicit CPlainPattern(std::string_view expression);
 
   bool IsEmpty() const noexcept { return m_items.empty(); }
-  // Whether the whole value matches.
+  // Whether it decides on every value.
+  bool IsWhole() const noexcept { return m_isWhole; }
+  bool Decides(std::wstring_view value) const noexcept;
+  // Whether the whole value matches, which it decides on.
   bool Matches(std::wstring_view value) const noexcept;
 
  private:
@@ -30,11 +34,13 @@ class CPlainPattern {
 
   bool Parse(std::string_view rest);
   // Each takes what it reads from the front of the rest; false for what it does not know.
-  static bool ParseSet(std::string_view& rest, Set& set);
-  static bool ParseBrackets(std::string_view& rest, Set& set);
+  bool ParseSet(std::string_view& rest, Set& set);
+  bool ParseBrackets(std::string_view& rest, Set& set);
+  bool TakeDigits(std::string_view& rest, Set& set);
   static bool ParseCount(std::string_view& rest, Item& item);
 
   std::vector<Item> m_items;
+  bool m_isWhole = true;
 };
 
 }  // namespace RkXmlLib16
