@@ -20,7 +20,7 @@ enum RkErrorCode : int {
 // "MissingElement"; "None" for what is no code.
 RKXML_EXPORT const char* NameOfErrorCode(RkErrorCode code) noexcept;
 
-// The constraining facets of XML Schema Part 2, in the order of their codes.
+// The constraining facets of XML Schema: Datatypes, in the order of their codes.
 enum RkFacet : int {
   RkFacet_None,
   RkFacet_Length,
@@ -39,14 +39,14 @@ enum RkFacet : int {
 // "minInclusive"; empty for RkFacet_None.
 RKXML_EXPORT const wchar_t* NameOfFacet(RkFacet facet) noexcept;
 
-// "unsignedByte": the name in XML Schema Part 2; "string" for characters, empty for ItemType_none.
+// "unsignedByte": the name in XML Schema: Datatypes; "string" for characters, empty for ItemType_none.
 RKXML_EXPORT const wchar_t* NameOfXsdType(ItemType type) noexcept;
 
 // A value that was refused: it is no value of its type, or it breaks a facet.
 struct CRkRefusedValue {
   std::wstring name;             // of the element or attribute
   std::wstring value;            // as it was read, or its lexical form
-  std::wstring typeName;         // of XML Schema Part 2 without a prefix, "decimal"; empty when not known
+  std::wstring typeName;         // of XML Schema: Datatypes without a prefix, "decimal"; empty when not known
   RkFacet facet = RkFacet_None;  // the first one that the value breaks; none when it cannot be converted
   std::wstring bound;            // the facet's value as declared, "0" or "[A-Z]+"; empty for an enumeration
 };

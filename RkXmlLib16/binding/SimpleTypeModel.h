@@ -48,7 +48,7 @@ struct SimpleTypeData {
   bool holdsQNames = false;
 };
 
-// A simple type with the checks of XML Schema Part 2, ready to be printed by the class generator.
+// A simple type with the checks of XML Schema: Datatypes, ready to be printed by the class generator.
 class RKXML_EXPORT CSimpleTypeModel final : public CSimpleType {
  public:
   constexpr CSimpleTypeModel(const SimpleTypeData& data) noexcept : m_data(data) {}

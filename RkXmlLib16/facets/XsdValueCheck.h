@@ -12,8 +12,8 @@
 
 #include "RkXmlLib16/types/XsdLexical.h"
 
-// Values of simple types exactly as XML Schema Part 2 defines them: lexical space, value space, facets. The type is any
-// class with the members variety, builtIn, primitive, itemType, memberTypes, facets, holdsQNames and name.
+// Values of simple types exactly as XML Schema: Datatypes defines them: lexical space, value space, facets. The type is
+// any class with the members variety, builtIn, primitive, itemType, memberTypes, facets, holdsQNames and name.
 namespace RkXmlLib16::Xsd {
 
 enum class Variety { Absent, Atomic, List, Union };  // Absent: xs:anySimpleType

@@ -139,8 +139,8 @@ class RKXML_EXPORT CDateTime {
   std::wstring ToString(const wchar_t* format) const;
   void AppendTo(std::wstring& out) const;
 
-  // The order relation of XML Schema Part 2: a value with a zone and one without are ordered when they are more than 14
-  // hours apart. A time of day that is moved to UTC stays on its day: 00:30:00+01:00 equals 23:30:00Z.
+  // The order relation of XML Schema: Datatypes: a value with a zone and one without are ordered when they are more
+  // than 14 hours apart. A time of day that is moved to UTC stays on its day: 00:30:00+01:00 equals 23:30:00Z.
   CompareResult CompareTo(const CDateTime& other) const;
   bool operator==(const CDateTime& other) const { return CompareTo(other) == CompareResult_Equal; }
   bool operator!=(const CDateTime& other) const { return CompareTo(other) != CompareResult_Equal; }
@@ -152,8 +152,8 @@ class RKXML_EXPORT CDateTime {
     return result == CompareResult_Equal || result == CompareResult_Greater;
   }
 
-  // Adds a duration as XML Schema Part 2, Appendix E says. A year outside the calendar throws the year message with the
-  // year that was reached and leaves the value unchanged.
+  // Adds a duration as XML Schema: Datatypes, Appendix E says. A year outside the calendar throws the year message with
+  // the year that was reached and leaves the value unchanged.
   void AddDateTimeSpan(const CDateTimeSpan& span);
   CDateTime operator+(const CDateTimeSpan& span) const;
   CDateTime& operator+=(const CDateTimeSpan& span);

@@ -47,7 +47,7 @@ class CDateTimeFields {
     return fields;
   }
 
-  // Appendix E of XML Schema Part 2. The carries are exact, whatever the size of the counts.
+  // Appendix E of XML Schema: Datatypes. The carries are exact, whatever the size of the counts.
   void Add(const CDateTimeSpan& span) {
     FillIn();
     const Wide sign = span.IsNegative() ? -1 : 1;

@@ -78,7 +78,7 @@ class RKXML_EXPORT CDateTimeSpan {
   std::wstring ToString() const;
   void AppendTo(std::wstring& out) const;
 
-  // The partial order of XML Schema Part 2: by the instants reached from 1696-09-01, 1697-02-01, 1903-03-01 and
+  // The partial order of XML Schema: Datatypes: by the instants reached from 1696-09-01, 1697-02-01, 1903-03-01 and
   // 1903-07-01. Never throws: from where a duration leads out of the years -9999 to 9999, or the two lead to years of
   // different sign, the result is indeterminate, even of a duration and itself.
   CompareResult CompareTo(const CDateTimeSpan& other) const;

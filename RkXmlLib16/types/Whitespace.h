@@ -9,7 +9,7 @@
 
 namespace RkXmlLib16 {
 
-// The whiteSpace facet of XML Schema Part 2.
+// The whiteSpace facet of XML Schema: Datatypes.
 //
 //   CWhitespaceUtils::Collapse(L"  a \t b ");  // "a b"
 class RKXML_EXPORT CWhitespaceUtils {

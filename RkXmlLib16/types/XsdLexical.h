@@ -8,7 +8,7 @@
 
 #include "RkXmlLib16/base/Export.h"
 
-// The built-in types of XML Schema Part 2: Datatypes (second edition) as they stand in documents: their names, lexical
+// The built-in types of XML Schema: Datatypes (second edition) as they stand in documents: their names, lexical
 // and value spaces. White space has been normalized.
 namespace RkXmlLib16::Xsd {
 

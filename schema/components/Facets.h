@@ -1,4 +1,4 @@
-// The built-in types and the facets of XML Schema Part 2: Datatypes (second edition).
+// The built-in types and the facets of XML Schema: Datatypes (second edition).
 #ifndef RKXMLLIB16_SCHEMA_COMPONENTS_FACETS_H
 #define RKXMLLIB16_SCHEMA_COMPONENTS_FACETS_H
 

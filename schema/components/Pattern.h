@@ -1,4 +1,4 @@
-// Regular expressions of XML Schema Part 2, appendix F.
+// Regular expressions of XML Schema: Datatypes, appendix F.
 #ifndef RKXMLLIB16_SCHEMA_COMPONENTS_PATTERN_H
 #define RKXMLLIB16_SCHEMA_COMPONENTS_PATTERN_H
 

@@ -1,4 +1,4 @@
-// Values of simple types exactly as XML Schema Part 2 defines them: lexical space, value space, facets.
+// Values of simple types exactly as XML Schema: Datatypes defines them: lexical space, value space, facets.
 #ifndef RKXMLLIB16_SCHEMA_COMPONENTS_SIMPLEVALUE_H
 #define RKXMLLIB16_SCHEMA_COMPONENTS_SIMPLEVALUE_H
 
