@@ -52,24 +52,24 @@ bool ReadAny(CElementInfoCol& info, const MemberRead& read) {
 }  // namespace
 
 template <class Kind, Cardinality kCardinality>
-bool CElementInfoAllMember<Kind, kCardinality>::ElementToXml(const CSerializationContext& context,
-                                                             const CXmlGeneratedClass* object,
-                                                             CXmlWriter* writer) const {
+bool CElementInfoAll<Kind, kCardinality>::ElementToXml(const CSerializationContext& context,
+                                                       const CXmlGeneratedClass* object, CXmlWriter* writer) const {
   return WriteMember<kCardinality, Kind>(*this, context, object, writer);
 }
 
 template <class Kind, Cardinality kCardinality>
-bool CElementInfoAllMember<Kind, kCardinality>::ElementFromXml(const CSerializationContext& context,
-                                                               CXmlGeneratedClass* object, CXmlElement* parent,
-                                                               CXmlElement** cursor, const wchar_t* ownerNamespace,
-                                                               XmlElementType ownerType) {
+bool CElementInfoAll<Kind, kCardinality>::ElementFromXml(const CSerializationContext& context,
+                                                         CXmlGeneratedClass* object, CXmlElement* parent,
+                                                         CXmlElement** cursor, const wchar_t* ownerNamespace,
+                                                         XmlElementType ownerType) {
   using Reader = std::conditional_t<std::is_base_of_v<CElementInfoAbsCls, Kind>, CElementInfoAbsCls, Kind>;
   return ReadAny(static_cast<Reader&>(*this), {context, object, parent, cursor, ownerNamespace, ownerType});
 }
 
 template <class Kind, Cardinality kCardinality>
-bool CElementInfoAll<Kind, kCardinality>::Validate(const CSerializationContext&, const CXmlGeneratedClass*, bool found,
-                                                   bool final) const {
+bool CElementInfoAll<Kind, kCardinality>::Validate(const CSerializationContext& context,
+                                                   const CXmlGeneratedClass* object, bool found, bool final) const {
+  if constexpr (kCardinality == Cardinality::Col) return Kind::Validate(context, object, found, final);
   if constexpr (kCardinality == Cardinality::Opt) return true;
   if constexpr (std::is_same_v<Kind, CElementInfoClsMnd>)
     if (!this->IsRequired() && !this->IsInlineGroup()) return true;

@@ -9,20 +9,14 @@ namespace RkXmlLib16Data {
 // a collection never does, though it moves the cursor. What is missing is reported afterwards by Validate, unless it is
 // a class member with an element of its own that is not `required`.
 template <class Kind, Cardinality kCardinality>
-class RKXML_EXPORT CElementInfoAllMember : public Kind {
+class RKXML_EXPORT CElementInfoAll : public Kind {
  public:
   using Kind::Kind;
   bool ElementToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
                     CXmlWriter* writer) const override;
   bool ElementFromXml(const CSerializationContext& context, CXmlGeneratedClass* object, CXmlElement* parent,
                       CXmlElement** cursor, const wchar_t* ownerNamespace, XmlElementType ownerType) override;
-};
-
-// All but collections, whose counts are checked instead.
-template <class Kind, Cardinality kCardinality>
-class RKXML_EXPORT CElementInfoAll : public CElementInfoAllMember<Kind, kCardinality> {
- public:
-  using CElementInfoAllMember<Kind, kCardinality>::CElementInfoAllMember;
+  // Of collections the counts are checked instead.
   bool Validate(const CSerializationContext& context, const CXmlGeneratedClass* object, bool found,
                 bool final) const override;
 };
@@ -42,7 +36,7 @@ class RKXML_EXPORT CElementInfoAbsClsExtra : public CElementInfoAbsCls {
 // CElementInfoAllEnumCol is abstract: an all group has no repeated enumerations.
 // clang-format off
 #define RKXML_ALL_RECORDS(RECORD, COLLECTION)                                                       \
-  RECORD(CElementInfoAllCol,           CElementInfoAllMember<CElementInfoCol,   Cardinality::Col>)  \
+  RECORD(CElementInfoAllCol,           CElementInfoAll<CElementInfoCol,         Cardinality::Col>)  \
   COLLECTION(CElementInfoAllClsCol,    CElementInfoAllCol)                                          \
   COLLECTION(CElementInfoAllAbsClsCol, CElementInfoAllCol)                                          \
   COLLECTION(CElementInfoAllPrimCol,   CElementInfoAllCol)                                          \
