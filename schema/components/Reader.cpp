@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <charconv>
 #include <filesystem>
 #include <fstream>
 
@@ -36,29 +37,29 @@ bool IsUrl(std::wstring_view location) {
   return colon != std::wstring_view::npos && location.substr(colon, 3) == L"://";
 }
 
-std::wstring Canonical(const fs::path& path) {
+// Names are UTF-8 for the system. The conversions of fs::path itself throw where the locale does not know a character.
+fs::path PathOf(std::wstring_view name) { return fs::path(RkXmlLib16::ToUtf8(name)); }
+std::wstring NameOf(const fs::path& path) { return RkXmlLib16::FromUtf8(path.native()); }
+
+fs::path Canonical(const fs::path& path) {
   std::error_code error;
-  const fs::path canonical = fs::weakly_canonical(path, error);
-  return (error ? path.lexically_normal() : canonical).wstring();
+  fs::path canonical = fs::weakly_canonical(path, error);
+  return error ? path.lexically_normal() : canonical;
 }
 
-// Without "file://" and percent escapes.
-std::wstring FileOfUrl(std::wstring_view location) {
+// Without "file://" and percent escapes, which are bytes of UTF-8.
+fs::path FileOfUrl(std::wstring_view location) {
   if (location.substr(0, 7) == L"file://") location.remove_prefix(7);
-  std::wstring file;
-  for (std::size_t i = 0; i < location.size(); ++i) {
-    const auto digit = [&](std::size_t at) {
-      const wchar_t c = at < location.size() ? location[at] : L'\0';
-      return c >= L'0' && c <= L'9'   ? c - L'0'
-             : c >= L'a' && c <= L'f' ? c - L'a' + 10
-             : c >= L'A' && c <= L'F' ? c - L'A' + 10
-                                      : -1;
-    };
-    if (location[i] == L'%' && digit(i + 1) >= 0 && digit(i + 1) < 8 && digit(i + 2) >= 0) {
-      file += static_cast<wchar_t>(digit(i + 1) * 16 + digit(i + 2));
+  const std::string text = RkXmlLib16::ToUtf8(location);
+  std::string file;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    unsigned char byte = 0;
+    if (text[i] == '%' && text.size() - i > 2 &&
+        std::from_chars(&text[i + 1], &text[i + 3], byte, 16).ptr == &text[i + 3] && byte != 0) {
+      file += static_cast<char>(byte);
       i += 2;
     } else {
-      file += location[i];
+      file += text[i];
     }
   }
   return file;
@@ -85,25 +86,25 @@ void CSchemaReader::ReadCatalog() {
   m_state.isCatalogRead = true;
   const std::wstring& name = m_state.options.catalogFile;
   if (name.empty()) return;
-  std::ifstream stream{fs::path(name)};
+  std::ifstream stream{PathOf(name)};
   if (!stream) {
     m_state.reporter.Error({}, L"The catalog " + Bracketed(name) + L" cannot be opened.");
     return;
   }
-  const fs::path folder = fs::path(name).parent_path();
+  const fs::path folder = PathOf(name).parent_path();
   std::string line;
   while (std::getline(stream, line)) {
     const std::wstring text = Collapsed(RkXmlLib16::CEncoder::Utf8ToUnicode(line));
     const std::size_t equals = text.rfind(L'=');
     if (text.empty() || text[0] == L'#' || equals == std::wstring::npos) continue;
     m_state.catalog[Collapsed(std::wstring_view(text).substr(0, equals))] =
-        (folder / fs::path(Collapsed(std::wstring_view(text).substr(equals + 1)))).wstring();
+        NameOf(folder / PathOf(Collapsed(std::wstring_view(text).substr(equals + 1))));
   }
 }
 
 void CSchemaReader::ReadFile(const std::wstring& file) {
   ReadCatalog();
-  SourceFile* const source = Open(file, {}, file);
+  SourceFile* const source = Open(PathOf(file), {}, file);
   if (source == nullptr) return;
   AddInstance(*source, TokenOf(source->root, L"targetNamespace"), {});
   Follow();
@@ -111,18 +112,19 @@ void CSchemaReader::ReadFile(const std::wstring& file) {
 
 void CSchemaReader::ReadText(std::string_view bytes, const std::wstring& file) {
   ReadCatalog();
-  SourceFile* const source = OpenText(bytes, Canonical(fs::path(file)), {});
+  SourceFile* const source = OpenText(bytes, NameOf(Canonical(PathOf(file))), {});
   if (source == nullptr) return;
   AddInstance(*source, TokenOf(source->root, L"targetNamespace"), {});
   Follow();
 }
 
-SourceFile* CSchemaReader::Open(const std::wstring& path, SourceLocation from, const std::wstring& written) {
-  const std::wstring canonical = Canonical(fs::path(path));
-  const auto found = m_state.files.find(canonical);
+SourceFile* CSchemaReader::Open(const std::filesystem::path& path, SourceLocation from, const std::wstring& written) {
+  const fs::path canonical = Canonical(path);
+  const std::wstring name = NameOf(canonical);
+  const auto found = m_state.files.find(name);
   if (found != m_state.files.end()) return found->second->root != nullptr ? found->second.get() : nullptr;
   std::error_code error;
-  if (!fs::is_regular_file(fs::path(canonical), error)) {
+  if (!fs::is_regular_file(canonical, error)) {
     // A location is a hint, but what the caller names has to be there.
     const std::wstring message = L"The schema document " + Bracketed(written) + L" cannot be opened.";
     if (from.file == nullptr) {
@@ -132,7 +134,7 @@ SourceFile* CSchemaReader::Open(const std::wstring& path, SourceLocation from, c
     }
     return nullptr;
   }
-  return Read(canonical, from, [&](CXmlDocument& document) { document.Load(canonical.c_str()); });
+  return Read(name, from, [&](CXmlDocument& document) { document.Load(canonical); });
 }
 
 SourceFile* CSchemaReader::OpenText(std::string_view bytes, const std::wstring& path, SourceLocation from) {
@@ -223,15 +225,14 @@ SourceFile* CSchemaReader::Locate(const DocumentInstance& from, const CXmlElemen
   const std::wstring location = TokenOf(node, L"schemaLocation");
   const SourceLocation here = LocationOf(from, node);
   const auto mapped = m_state.catalog.find(location.empty() ? namespaceUri : location);
-  if (mapped != m_state.catalog.end()) return Open(mapped->second, here, mapped->second);
+  if (mapped != m_state.catalog.end()) return Open(PathOf(mapped->second), here, mapped->second);
   if (!location.empty()) {
     if (!IsUrl(location) || location.compare(0, 7, L"file://") == 0) {
-      const std::wstring file = FileOfUrl(location);
-      const fs::path path = fs::path(from.source->path).parent_path() / fs::path(file);
+      const fs::path path = PathOf(from.source->path).parent_path() / FileOfUrl(location);
       std::error_code error;
       const bool isThere = fs::is_regular_file(path, error);
       if (isThere || (namespaceUri != kXmlNamespace && namespaceUri != kInstanceNamespace))
-        return Open(path.wstring(), here, location);
+        return Open(path, here, location);
     }
   }
   if (namespaceUri == kXmlNamespace) return OpenText(kXmlSchema, L"xml.xsd", {});

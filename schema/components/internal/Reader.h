@@ -1,6 +1,7 @@
 #ifndef RKXMLLIB16_SCHEMA_COMPONENTS_INTERNAL_READER_H
 #define RKXMLLIB16_SCHEMA_COMPONENTS_INTERNAL_READER_H
 
+#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -19,7 +20,7 @@ class CSchemaReader {
  private:
   enum class Reference { Include, Import, Redefine };
 
-  SourceFile* Open(const std::wstring& path, SourceLocation from, const std::wstring& written);
+  SourceFile* Open(const std::filesystem::path& path, SourceLocation from, const std::wstring& written);
   SourceFile* OpenText(std::string_view bytes, const std::wstring& path, SourceLocation from);
   template <class Load>
   SourceFile* Read(const std::wstring& path, SourceLocation from, Load&& load);

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "RkXmlLib16/io/Encoder.h"
 #include "Schemas.h"
 #include "schema/components/SimpleValue.h"
 
@@ -205,7 +206,7 @@ class SchemaFiles : public ::testing::Test {
   void Write(const char* name, const std::string& text) { std::ofstream(m_folder / name) << text; }
   std::unique_ptr<CSchemaSet> Load(const char* name) {
     auto set = std::make_unique<CSchemaSet>();
-    set->AddFile((m_folder / name).wstring());
+    set->AddFile(RkXmlLib16::FromUtf8((m_folder / name).native()));
     set->Resolve();
     return set;
   }
@@ -236,6 +237,21 @@ TEST_F(SchemaFiles, AreIncludedImportedAndTakeTheNamespaceOfWhoIncludesThem) {
   EXPECT_NE(set->FindType({L"urn:o", L"Part"}), nullptr);
   EXPECT_EQ(set->FindType({L"", L"Part"}), nullptr);
   EXPECT_EQ(set->FindElement({L"urn:t", L"other"})->type, set->FindType({L"urn:o", L"Type"}));
+}
+
+// Whatever the locale is.
+TEST_F(SchemaFiles, HaveNamesOfAnyCharacters) {
+  const std::string include = "<xs:include schemaLocation='";
+  Write("\u00FC\U0001F600.xsd", Schema(include + "&#x1F600;.xsd'/>" + include + "gr%C3%B6%20%23.xsd'/>" + include +
+                                       "a%00.xsd'/>" + include + "&#xFFFD;%FF.xsd'/>"));
+  Write("\U0001F600.xsd", Plain("<xs:element name='a'/>"));
+  Write("gr\u00F6 #.xsd", Plain("<xs:element name='b'/>"));
+  const auto set = Load("\u00FC\U0001F600.xsd");
+  EXPECT_FALSE(set->HasErrors()) << Narrow(Lines(*set));
+  EXPECT_EQ(set->GetDiagnostics().size(), 2u);
+  EXPECT_EQ(set->GetDocuments()[0].file->substr(set->GetDocuments()[0].file->rfind(L'/')), L"/\u00FC\U0001F600.xsd");
+  EXPECT_NE(set->FindElement({L"urn:t", L"a"}), nullptr);
+  EXPECT_NE(set->FindElement({L"urn:t", L"b"}), nullptr);
 }
 
 TEST_F(SchemaFiles, AreRedefined) {
