@@ -112,20 +112,33 @@ void CAttributeInfoPrimitive::AttributeToXml(const CSerializationContext& contex
   writer->WriteAttributeString(GetAttributeName(), GetNamespace(), text, type);
 }
 
+void CAttributeInfoPrimitive::WriteText(const CSerializationContext& context, const std::wstring& text,
+                                        CXmlWriter* writer) const {
+  if (IsSuppressedDefault(context, text)) return;
+  writer->SetLastingNames({&GetAttributeName(), &GetNamespace(), GetId()});
+  writer->WriteAttributeString(GetAttributeName(), GetNamespace(), text, m_itemType);
+}
+
 bool CAttributeInfoPrimitive::AttributeFromXml(const CSerializationContext&, CXmlGeneratedClass* object,
                                                CXmlAttribute* attribute) {
   if (!WideText::IsEqual(attribute->GetLocalName(), GetAttributeName()) ||
       !WideText::IsEqual(attribute->GetNamespaceURI(), GetNamespace()))
     return false;
   const CXmlText text = attribute->GetValue();
-  ReadingValue value(text.size());
+  bool isValue = false;
   try {
-    value.Get().FromText(text, m_itemType, m_whitespace);
+    if (m_isModelValue) {
+      SetModelText(*object, GetPropertyIndex(), text, *attribute, isValue);
+    } else {
+      ReadingValue value(text.size());
+      value.Get().FromText(text, m_itemType, m_whitespace);
+      isValue = true;
+      InvokePropertySet(object, value.Get(), *attribute);
+    }
   } catch (CRkException& e) {
-    e.SetRefusedValue({GetAttributeName(), text, NameOfXsdType(m_itemType), {}, {}});
+    if (!isValue) e.SetRefusedValue({GetAttributeName(), text, NameOfXsdType(m_itemType), {}, {}});
     throw;
   }
-  InvokePropertySet(object, value.Get(), *attribute);
   return true;
 }
 

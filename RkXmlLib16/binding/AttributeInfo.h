@@ -84,10 +84,15 @@ class RKXML_EXPORT CAttributeInfoPrimitive : public CAttributeInfo {
 
   // Throws CRkException when the value breaks a facet.
   void CheckRestriction(const RkVariant& value) const;
+  // Writes the attribute with a text that was checked.
+  void WriteText(const CSerializationContext& context, const std::wstring& text, CXmlWriter* writer) const;
+  // For values of CModelObject, which reads and writes their text itself.
+  void SetModelValue() noexcept { m_isModelValue = true; }
 
  private:
   friend class RkXmlLib16::CMetaDataCheck;
 
+  bool m_isModelValue = false;
   CPrimitiveRestrictions m_facets;
   ItemType m_itemType;
   std::wstring m_format;

@@ -209,6 +209,14 @@ bool CElementInfo::WriteValue(const CSerializationContext& context, const RkVari
   return true;
 }
 
+bool CElementInfo::WriteModelValue(const CSerializationContext& context, const CModelObject& object,
+                                   CXmlWriter* writer) const {
+  const std::wstring* const text = object.PeekText(m_propertyIndex, writer->GetValueBuffer());
+  if (text == nullptr) return false;
+  WriteText(context, writer, *text, m_itemType);
+  return true;
+}
+
 bool CElementInfo::ElementToXmlEnum(const CSerializationContext& context, const CXmlGeneratedClass* object,
                                     CXmlWriter* writer, EnumToString toString) const {
   RkVariant& value = writer->BeginValue();
@@ -271,10 +279,14 @@ void CElementInfo::ElementFromXmlPrim(const CSerializationContext& context, CXml
     if (text.empty()) text = m_defaultValue;
     bool isValue = false;
     try {
-      ReadingValue value(text.size());
-      value.Get().FromText(text, m_itemType, m_whitespace);
-      isValue = true;
-      InvokePropertySet(object, value.Get(), element);
+      if (m_isModelValue) {
+        SetModelText(*object, m_propertyIndex, text, element, isValue);
+      } else {
+        ReadingValue value(text.size());
+        value.Get().FromText(text, m_itemType, m_whitespace);
+        isValue = true;
+        InvokePropertySet(object, value.Get(), element);
+      }
     } catch (CRkException& e) {
       if (!isValue) e.SetRefusedValue({m_elementName.Get(), std::wstring(text), NameOfXsdType(m_itemType), {}, {}});
       RefuseCaught(context, e, element);

@@ -15,6 +15,7 @@
 
 namespace RkXmlLib16 {
 class CMetaDataCheck;
+class CModelObject;
 class CSerializationContext;
 class CXmlCollectionBase;
 class CXmlElement;
@@ -125,6 +126,12 @@ class RKXML_EXPORT CElementInfo {
   // For objects that know which of their properties are set: whether an unset one leaves nothing to write.
   bool IsWrittenOnlyIfSet() const noexcept { return m_writtenOnlyIfSet; }
   void SetWrittenOnlyIfSet() noexcept { m_writtenOnlyIfSet = true; }
+  // For values of CModelObject, which reads and writes their text itself.
+  bool IsModelValue() const noexcept { return m_isModelValue; }
+  void SetModelValue() noexcept { m_isModelValue = true; }
+  // Writes the value; false when that is left to ElementToXml.
+  bool WriteModelValue(const CSerializationContext& context, const RkXmlLib16::CModelObject& object,
+                       CXmlWriter* writer) const;
   // Whether PseudoChildAttributeToXml may have something to write.
   bool MayHaveAttributes() const { return Is(kWithAttributes); }
 
@@ -230,6 +237,7 @@ class RKXML_EXPORT CElementInfo {
   bool m_mayHaveAttributes = false;
   bool m_readsOnlyItsElement = false;
   bool m_writtenOnlyIfSet = false;
+  bool m_isModelValue = false;
   mutable std::atomic<std::uint8_t> m_facts{kUnknown};
   XmlElementType m_memberType = RkXmlLib16::XmlElementType_Element;
   MemberKind m_memberKind = MemberKind::Single;

@@ -133,6 +133,11 @@ inline bool CXmlGeneratedClass::IsLeftOut(const CModelObject* model, const CElem
   return model != nullptr && record.IsWrittenOnlyIfSet() && !model->IsSet(record.GetPropertyIndex());
 }
 
+inline bool CXmlGeneratedClass::IsWritten(const CModelObject* model, const CElementInfo& record,
+                                          const CSerializationContext& context, CXmlWriter* writer) {
+  return model != nullptr && record.IsModelValue() && record.WriteModelValue(context, *model, writer);
+}
+
 void CXmlGeneratedClass::ProcessElementSeqToXml(const CSerializationContext& context, CElementInfo** infos,
                                                 CXmlWriter* writer) const {
   if (infos == nullptr) return;
@@ -140,7 +145,7 @@ void CXmlGeneratedClass::ProcessElementSeqToXml(const CSerializationContext& con
   const CModelObject* const model = AsModel();
   for (CElementInfo** info = infos; *info != nullptr; ++info) {
     const CElementInfo& record = **info;
-    if (IsLeftOut(model, record)) continue;
+    if (IsLeftOut(model, record) || IsWritten(model, record, context, writer)) continue;
     if (!record.IsPlainValue()) {
       record.ElementToXml(context, this, writer);
       continue;
@@ -160,8 +165,10 @@ void CXmlGeneratedClass::ProcessElementAllToXml(const CSerializationContext& con
 void CXmlGeneratedClass::ProcessElementChoiceToXml(const CSerializationContext& context, CElementInfo** infos,
                                                    CXmlWriter* writer, bool isOptionalChoice) const {
   const CModelObject* const model = AsModel();
-  for (CElementInfo** info = infos; info != nullptr && *info != nullptr; ++info)
-    if (!IsLeftOut(model, **info) && (*info)->ElementToXml(context, this, writer)) return;
+  for (CElementInfo** info = infos; info != nullptr && *info != nullptr; ++info) {
+    if (IsLeftOut(model, **info)) continue;
+    if (IsWritten(model, **info, context, writer) || (*info)->ElementToXml(context, this, writer)) return;
+  }
   if (!DoesElementContainOptionalElements() && !isOptionalChoice && !context.GetIgnoreMissingChoice())
     throw CRkValidationException(
         L"This element is a choice, and as such must have at one (and only one) valid item, "  // sic

@@ -23,6 +23,7 @@ using RkXmlLib16::ItemType;
 
 struct ClassModel;
 struct SchemaModel;
+class CAttributeInfoPrimitive;
 class CModelClass;
 class CSimpleType;
 

@@ -115,8 +115,10 @@ CModelClass::CModelClass(const ClassModel& model)
     if (values == nullptr) return;
     info.facets = FacetsOf(*values);
     info.fixed = value != nullptr && value->isFixed ? value : nullptr;
-    info.mustCheck = values->needsCheck || values->holdsQNames || !values->enumeration.empty() ||
-                     !info.facets.IsEmpty() || info.fixed != nullptr;
+    info.texts.assign(values->enumeration.begin(), values->enumeration.end());
+    info.isPlain = !values->needsCheck && !values->holdsQNames && info.fixed == nullptr;
+    info.mayRefuse = !info.facets.IsEmpty();
+    info.mustCheck = !info.isPlain || !info.texts.empty() || info.mayRefuse;
   };
   for (const AttributeModel& attribute : model.attributes)
     note(attribute.property, attribute.name, attribute.values, &attribute.value);
@@ -125,11 +127,15 @@ CModelClass::CModelClass(const ClassModel& model)
     ModelProperty& info = m_properties[static_cast<std::size_t>(member.property)];
     info.member = &member;
     info.startsNil = member.values != nullptr && member.isNillable && !member.IsCollection();
-    info.mustCheck = info.mustCheck || model.group == XmlElementGroupType_Choice;
+    const bool isChoice = model.group == XmlElementGroupType_Choice;
+    info.mustCheck = info.mustCheck || isChoice;
+    info.mayRefuse = info.mayRefuse || isChoice;
   }
   if (model.textProperty >= 0) {
     note(model.textProperty, L"#text", model.text, nullptr);
-    m_properties[static_cast<std::size_t>(model.textProperty)].mustCheck = true;
+    ModelProperty& info = m_properties[static_cast<std::size_t>(model.textProperty)];
+    info.mustCheck = true;
+    info.isPlain = false;
   }
 
   std::vector<CElementInfo*> elements;
@@ -154,17 +160,6 @@ CModelClass::CModelClass(const ClassModel& model)
 CModelClass::~CModelClass() {
   CXmlGeneratedClass::CleanMetaData(m_info, m_elements, m_attributes);
   for (const int id : m_factoryIds) ModelFactories::Remove(id);
-}
-
-int CModelClass::FindText(const ValueModel& values, std::wstring_view text) noexcept {
-  const auto isText = [text](const wchar_t* listed) {
-    for (const wchar_t c : text)
-      if (*listed == L'\0' || *listed++ != c) return false;
-    return *listed == L'\0';
-  };
-  for (std::size_t i = 0; i < values.enumeration.size(); ++i)
-    if (isText(values.enumeration[i])) return static_cast<int>(i);
-  return -1;
 }
 
 CSmartPtr<CModelObject> NewModelObject(const ClassModel& model, const ElementModel* declaration,
@@ -209,6 +204,10 @@ NamespaceResolver ResolverOf(Span<PrefixModel> prefixes) {
     if (prefix == L"xml") return std::wstring(kXmlNamespace);
     return std::nullopt;
   };
+}
+
+void ThrowInvalidValue(const wchar_t* name, std::wstring_view text) {
+  throw CRkInvalidValueException(FormatString(L"Invalid Value for %ls [%ls].", name, std::wstring(text).c_str()));
 }
 
 void CheckModelText(const wchar_t* name, const ValueModel& values, const DefaultModel* fixed, std::wstring_view text,

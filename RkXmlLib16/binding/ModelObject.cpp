@@ -5,6 +5,7 @@
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
 #include "RkXmlLib16/binding/internal/ModelClass.h"
+#include "RkXmlLib16/binding/internal/ReadingValue.h"
 #include "RkXmlLib16/document/ElementTree.h"
 #include "RkXmlLib16/document/XmlWriter.h"
 #include "RkXmlLib16/facets/FacetChecks.h"
@@ -17,134 +18,10 @@ namespace {
 
 bool IsValue(const RkVariant& value) { return value.IsValid() && !value.IsNil(); }
 
-// The value of a property between a variant and the C++ type of its member.
-template <class T>
-struct Transfer;
-
-#define RKXML_TRANSFER(type, name)                                                           \
-  template <>                                                                                \
-  struct Transfer<type> {                                                                    \
-    static void Give(RkVariant& to, const type& value, ItemType) { to.Set##name(value); }    \
-    static void Take(type& to, const RkVariant& value, ItemType) { to = value.Get##name(); } \
-  };
-RKXML_TRANSFER(std::wstring, String)
-RKXML_TRANSFER(char, I1)
-RKXML_TRANSFER(short, I2)
-RKXML_TRANSFER(long, I4)
-RKXML_TRANSFER(long long, I8)
-RKXML_TRANSFER(unsigned long, UI4)
-RKXML_TRANSFER(unsigned long long, UI8)
-RKXML_TRANSFER(float, R4)
-RKXML_TRANSFER(double, R8)
-RKXML_TRANSFER(bool, Boolean)
-RKXML_TRANSFER(CDecimal, Decimal)
-RKXML_TRANSFER(CBigInteger, Integer)
-RKXML_TRANSFER(CDateTimeSpan, Duration)
-#undef RKXML_TRANSFER
-
-// Others serve several XSD types.
-
-template <>
-struct Transfer<unsigned char> {
-  static void Give(RkVariant& to, unsigned char value, ItemType type) {
-    if (type == ItemType_gMonth)
-      to.SetMonth(value);
-    else if (type == ItemType_gDay)
-      to.SetDay(value);
-    else
-      to.SetUI1(value);
-  }
-  static void Take(unsigned char& to, const RkVariant& value, ItemType type) {
-    to = type == ItemType_gMonth ? value.GetMonth() : type == ItemType_gDay ? value.GetDay() : value.GetUI1();
-  }
-};
-
-template <>
-struct Transfer<unsigned short> {
-  static void Give(RkVariant& to, unsigned short value, ItemType type) {
-    if (type == ItemType_gYear)
-      to.SetYear(value);
-    else
-      to.SetUI2(value);
-  }
-  static void Take(unsigned short& to, const RkVariant& value, ItemType type) {
-    to = type == ItemType_gYear ? value.GetYear() : value.GetUI2();
-  }
-};
-
-template <>
-struct Transfer<CBinaryData> {
-  static void Give(RkVariant& to, const CBinaryData& value, ItemType type) {
-    if (type == ItemType_hexBinary)
-      to.SetHexBinary(value);
-    else
-      to.SetBase64Binary(value);
-  }
-  static void Take(CBinaryData& to, const RkVariant& value, ItemType type) {
-    to = type == ItemType_hexBinary ? value.GetHexBinary() : value.GetBase64Binary();
-  }
-};
-
-template <>
-struct Transfer<CDateTime> {
-  static void Give(RkVariant& to, const CDateTime& value, ItemType type) {
-    switch (type) {
-      case ItemType_date:
-        return to.SetDate(value);
-      case ItemType_time:
-        return to.SetTime(value);
-      case ItemType_gYearMonth:
-        return to.SetYearMonth(value);
-      case ItemType_gMonthDay:
-        return to.SetMonthDay(value);
-      default:
-        return to.SetDateTime(value);
-    }
-  }
-  static void Take(CDateTime& to, const RkVariant& value, ItemType type) {
-    switch (type) {
-      case ItemType_date:
-        to = value.GetDate();
-        break;
-      case ItemType_time:
-        to = value.GetTime();
-        break;
-      case ItemType_gYearMonth:
-        to = value.GetYearMonth();
-        break;
-      case ItemType_gMonthDay:
-        to = value.GetMonthDay();
-        break;
-      default:
-        to = value.GetDateTime();
-        break;
-    }
-  }
-};
-
-[[noreturn]] void ThrowInvalid(const wchar_t* name, std::wstring_view text) {
-  throw CRkInvalidValueException(FormatString(L"Invalid Value for %ls [%ls].", name, std::wstring(text).c_str()));
-}
-
-// An enumeration is an int in the object and a text for the records.
-template <class T>
-void Give(RkVariant& to, const T& value, const ModelProperty& property) {
-  if constexpr (std::is_same_v<T, int>) {
-    const auto& texts = property.values->enumeration;
-    const bool isKnown = value >= 0 && static_cast<std::size_t>(value) < texts.size();
-    to.SetString(isKnown ? texts[static_cast<std::size_t>(value)] : L"");
-  } else {
-    Transfer<T>::Give(to, value, property.values->itemType);
-  }
-}
-
-template <class T>
-void Take(T& to, const RkVariant& value, const ModelProperty& property) {
-  if constexpr (std::is_same_v<T, int>) {
-    to = CModelClass::FindText(*property.values, value.GetString());
-  } else {
-    Transfer<T>::Take(to, value, property.values->itemType);
-  }
+void CheckFacets(const wchar_t* name, const ModelProperty& property, const RkVariant& value) {
+  if (!property.texts.empty() && property.FindText(value.GetString()) < 0) ThrowInvalidValue(name, value.GetString());
+  if (!property.facets.IsEmpty())
+    CXmlObjectHelper::CheckRestriction(name, value, property.values->itemType, property.facets);
 }
 
 }  // namespace
@@ -190,36 +67,104 @@ const wchar_t* CModelObject::GetSelected() const {
 
 // ---- Properties
 
-void CModelObject::AccessProperty(int, bool get, RkVariant& value) {
-  if (get) value.SetInvalid();
+CMember CModelObject::FindMember(int) { return {}; }
+
+void CModelObject::AccessProperty(int property, bool get, RkVariant& value) {
+  const CMember member = FindMember(property);
+  if (member.IsNone()) {
+    if (get) value.SetInvalid();
+  } else if (get) {
+    GetProperty(property, member, value);
+  } else {
+    SetProperty(property, member, value);
+  }
 }
 
-template <class T>
-void CModelObject::AccessValue(bool get, RkVariant& value, int property, T& member) {
-  const ModelProperty& info = m_class.GetProperty(property);
-  if (get) {
-    if (IsSet(property)) return Give(value, member, info);
-    if (info.startsNil) return value.SetNil();
-    return value.SetInvalid();
+void CModelObject::GetProperty(int property, CMember member, RkVariant& value) {
+  const MemberType& type = member.Type();
+  if (type.kind == MemberType::Kind::Value) {
+    const ModelProperty& info = m_class.GetProperty(property);
+    if (IsSet(property)) return type.give(member.At(), info, value);
+    return info.startsNil ? value.SetNil() : value.SetInvalid();
   }
+  CXmlObjectBase* const object = type.getObject(member.At());
+  if (type.kind == MemberType::Kind::Object) return object != nullptr ? value.SetXmlObject(object) : value.SetInvalid();
+  if (object == nullptr && NeedsCollection(property)) type.setObject(member.At(), MakeCollection(property));
+  value.SetXmlCollection(static_cast<CXmlCollectionBase*>(type.getObject(member.At())));
+}
+
+void CModelObject::SetProperty(int property, CMember member, RkVariant& value) {
+  const MemberType& type = member.Type();
+  if (type.kind == MemberType::Kind::Collection) {
+    type.setObject(member.At(), value.PeekXmlCollection());
+    return Mark(property);
+  }
+  if (type.kind == MemberType::Kind::Object) {
+    const CSmartPtr<CXmlObjectBase> object(value.PeekXmlObject());
+    Adopt(property, object);
+    return type.setObject(member.At(), object);
+  }
+  const ModelProperty& info = m_class.GetProperty(property);
   if (!IsValue(value)) {
     if (info.member != nullptr && value.IsNil() && GetModel().group == XmlElementGroupType_Choice) Select(property);
     m_isFresh = false;
-    member = T();
+    type.reset(member.At());
     return Unmark(property);
   }
   if (info.mustCheck) CheckSet(property, value);
-  Take(member, value, info);
+  type.take(member.At(), info, value);
   Mark(property);
+}
+
+void CModelObject::SetFromText(int property, std::wstring_view text, bool& isValue) {
+  if (TrySetFromText(property, text)) return;
+  const ValueModel& values = *m_class.GetProperty(property).values;
+  ReadingValue value(text.size());
+  value.Get().FromText(text, values.itemType, values.whitespace);
+  isValue = true;
+  AccessProperty(property, /*get=*/false, value.Get());
+}
+
+// Reads into the member itself. What fails is left to the variant, which tells why.
+bool CModelObject::TrySetFromText(int property, std::wstring_view text) {
+  const ModelProperty& info = m_class.GetProperty(property);
+  const bool wasSet = IsSet(property);
+  if (!info.isPlain || (wasSet && info.mayRefuse)) return false;
+  const CMember member = FindMember(property);
+  if (!member.Is(MemberType::Kind::Value)) return false;
+  try {
+    if (!member.Type().read(member.At(), info, text)) return false;
+    if (info.mayRefuse) {
+      member.Type().check(member.At(), info, info.name);
+      if (info.member != nullptr && GetModel().group == XmlElementGroupType_Choice) Select(property);
+    }
+  } catch (const CRkException&) {
+    if (!wasSet) member.Type().reset(member.At());
+    return false;
+  }
+  Mark(property);
+  return true;
+}
+
+const std::wstring* CModelObject::PeekText(int property, std::wstring& buffer) const {
+  if (!IsSet(property)) return nullptr;
+  const CMember member = const_cast<CModelObject*>(this)->FindMember(property);  // which changes nothing
+  if (!member.Is(MemberType::Kind::Value)) return nullptr;
+  return &member.Type().print(member.At(), m_class.GetProperty(property), buffer);
 }
 
 bool CModelObject::MustCheck(int property) const noexcept { return m_class.GetProperty(property).mustCheck; }
 
-template <class T>
-void CModelObject::Check(int property, const T& value) {
-  RkVariant variant;
-  Give(variant, value, m_class.GetProperty(property));
-  CheckSet(property, variant);
+void CModelObject::CheckValue(int property, CMember value) {
+  const ModelProperty& info = m_class.GetProperty(property);
+  if (!info.isPlain) {
+    RkVariant variant;
+    value.Type().give(value.At(), info, variant);
+    return CheckSet(property, variant);
+  }
+  m_isFresh = false;
+  value.Type().check(value.At(), info, info.name);
+  if (info.member != nullptr && GetModel().group == XmlElementGroupType_Choice) Select(property);
 }
 
 void CModelObject::CheckSet(int property, RkVariant& value) {
@@ -227,16 +172,14 @@ void CModelObject::CheckSet(int property, RkVariant& value) {
   const ModelProperty& info = m_class.GetProperty(property);
   if (property == GetModel().textProperty) return CheckText(property, value);
   const ValueModel& values = *info.values;
-  if (values.holdsQNames || values.needsCheck || info.fixed != nullptr) {
+  if (!info.isPlain) {
     const Reading* const reading = Reading::Current();
     if (values.holdsQNames && reading != nullptr) KeepPrefixes(*reading->element, reading->text);
     if (values.needsCheck || info.fixed != nullptr)
       CheckModelText(info.name, values, info.fixed, reading != nullptr ? std::wstring(reading->text) : value.ToString(),
                      reading != nullptr ? ResolverOf(*reading->element) : nullptr);
   }
-  if (!values.enumeration.empty() && CModelClass::FindText(values, value.GetString()) < 0)
-    ThrowInvalid(info.name, value.GetString());
-  if (!info.facets.IsEmpty()) CXmlObjectHelper::CheckRestriction(info.name, value, values.itemType, info.facets);
+  CheckFacets(info.name, info, value);
   if (info.member != nullptr && GetModel().group == XmlElementGroupType_Choice) Select(property);
 }
 
@@ -251,17 +194,18 @@ void CModelObject::CheckText(int property, RkVariant& value) {
     if (value.GetString().empty() && given.text != nullptr) value.SetString(given.text);
     return;
   }
-  std::wstring text = value.ToString();
-  if (text.empty() && given.text != nullptr) text = given.text;
-  if (value.GetItemType() == ItemType_string) value.FromText(text, values.itemType, values.whitespace);
+  const bool isText = value.GetItemType() == ItemType_string;
+  const bool needsCopy =
+      values.needsCheck || values.holdsQNames || given.isFixed || (isText && value.GetString().empty());
+  std::wstring text;
+  if (needsCopy) text = value.ToString();
+  if (needsCopy && text.empty() && given.text != nullptr) text = given.text;
+  if (isText) value.FromText(needsCopy ? text : value.GetString(), values.itemType, values.whitespace);
   if (values.holdsQNames && m_element != nullptr) KeepPrefixes(*m_element, text);
-  const std::wstring& name = GetElementNameRef();
   if (values.needsCheck || given.isFixed)
     CheckModelText(info.name, values, given.isFixed ? &given : nullptr, text,
                    m_element != nullptr ? ResolverOf(*m_element) : nullptr);
-  if (!values.enumeration.empty() && CModelClass::FindText(values, value.GetString()) < 0)
-    ThrowInvalid(name.c_str(), value.GetString());
-  if (!info.facets.IsEmpty()) CXmlObjectHelper::CheckRestriction(name.c_str(), value, values.itemType, info.facets);
+  CheckFacets(GetElementNameRef().c_str(), info, value);
 }
 
 bool CModelObject::IsFilled(int property) const {
@@ -353,9 +297,8 @@ void CModelObject::KeepPrefixes(const CXmlElement& element, std::wstring_view te
 void CModelObject::Begin() {
   for (const AttributeModel& attribute : GetModel().attributes) {
     if (attribute.value.text == nullptr || IsSet(attribute.property)) continue;
-    RkVariant value;
-    value.FromText(attribute.value.text, attribute.values->itemType, attribute.values->whitespace);
-    AccessProperty(attribute.property, /*get=*/false, value);
+    bool isValue = false;
+    SetFromText(attribute.property, attribute.value.text, isValue);
   }
   m_isFresh = true;
 }
@@ -427,6 +370,16 @@ void CModelObject::BeginFromXml_Int(CXmlElement* element, CXmlElement* firstChil
     refuse(FormatString(L"The element [%ls] has a fixed value and cannot be nil.", element->GetLocalName().c_str()));
 }
 
+void CModelObject::WriteAttribute(const AttributeModel& attribute, const CAttributeInfoPrimitive& record,
+                                  const CSerializationContext& context, CXmlWriter* writer) const {
+  if (const std::wstring* const text = PeekText(attribute.property, writer->GetValueBuffer()))
+    return record.WriteText(context, *text, writer);
+  if (IsSet(attribute.property)) return record.AttributeToXml(context, this, writer);
+  if (!attribute.isOptional)
+    throw CRkInvalidParamException(
+        FormatString(L"The Property [%ls] is mandatory, it may not be NULL", attribute.name));
+}
+
 void CModelObject::AttributesToXml_Int(CXmlWriter* writer, const CSerializationContext& context) const {
   try {
     const ClassModel& model = GetModel();
@@ -437,10 +390,8 @@ void CModelObject::AttributesToXml_Int(CXmlWriter* writer, const CSerializationC
     if (!model.IsInline() && isOther && model.name[0] != L'\0' && context.GetWriteTypeAttribute())
       writer->WriteAttributeType(model.namespaceUri, model.name, ItemType_string);
     CAttributeInfo** info = m_class.GetAttributes();
-    for (const AttributeModel& attribute : model.attributes) {
-      if (!attribute.isOptional || IsSet(attribute.property)) (*info)->AttributeToXml(context, this, writer);
-      ++info;
-    }
+    for (const AttributeModel& attribute : model.attributes)
+      WriteAttribute(attribute, static_cast<const CAttributeInfoPrimitive&>(**info++), context, writer);
     if (*info != nullptr) (*info)->AttributeToXml(context, this, writer);  // those of the wildcard
     if (!m_class.HasInlineAttributes()) return;
     for (CElementInfo** record = m_class.GetElements(); *record != nullptr; ++record)
@@ -449,29 +400,6 @@ void CModelObject::AttributesToXml_Int(CXmlWriter* writer, const CSerializationC
     throw CRkException(L"Failed to convert attributes to XML", e);
   }
 }
-
-#define RKXML_ACCESS(type)                                                            \
-  template RKXML_EXPORT void CModelObject::AccessValue(bool, RkVariant&, int, type&); \
-  template RKXML_EXPORT void CModelObject::Check(int, const type&);
-RKXML_ACCESS(std::wstring)
-RKXML_ACCESS(char)
-RKXML_ACCESS(short)
-RKXML_ACCESS(int)
-RKXML_ACCESS(long)
-RKXML_ACCESS(long long)
-RKXML_ACCESS(unsigned char)
-RKXML_ACCESS(unsigned short)
-RKXML_ACCESS(unsigned long)
-RKXML_ACCESS(unsigned long long)
-RKXML_ACCESS(float)
-RKXML_ACCESS(double)
-RKXML_ACCESS(bool)
-RKXML_ACCESS(CDecimal)
-RKXML_ACCESS(CBigInteger)
-RKXML_ACCESS(CBinaryData)
-RKXML_ACCESS(CDateTime)
-RKXML_ACCESS(CDateTimeSpan)
-#undef RKXML_ACCESS
 
 // ---- Collections
 

@@ -7,10 +7,10 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <type_traits>
 
 #include "RkXmlLib16/binding/GeneratedClass.h"
 #include "RkXmlLib16/binding/Model.h"
+#include "RkXmlLib16/binding/ModelMember.h"
 #include "RkXmlLib16/collections/ObjectCollection.h"
 #include "RkXmlLib16/collections/ValueCollections.h"
 #include "RkXmlLib16/context/SerializationContext.h"
@@ -27,24 +27,6 @@ using RkXmlLib16Data::MemberModel;
 using RkXmlLib16Data::SchemaModel;
 
 class CXmlDocument;
-
-// A value that is seldom there and then stands apart. Without one it reads as T().
-template <class T>
-class CRareValue {
- public:
-  const T& Get() const noexcept {
-    static const T none{};
-    return m_value != nullptr ? *m_value : none;
-  }
-  T& Make() {
-    if (m_value == nullptr) m_value = std::make_unique<T>();
-    return *m_value;
-  }
-  void Reset() noexcept { m_value.reset(); }
-
- private:
-  std::unique_ptr<T> m_value;
-};
 
 // Which properties of an object are set: a bit for each.
 class CPropertySet {
@@ -70,7 +52,7 @@ class CPropertySet {
 };
 
 // An object of a class that a schema describes. The class derived from it has the members, and for each of them a
-// getter, a setter and a line in AccessProperty; reading, writing, checks and records come from the tables.
+// getter, a setter and a line in FindMember; reading, writing, checks and records come from the tables.
 //
 // A setter throws CRkException for a value that breaks a facet, CRkInvalidValueException for one that breaks what the
 // facets do not know, CRkInvalidStateException while another member of a choice is set, and then leaves the object as
@@ -112,6 +94,12 @@ class RKXML_EXPORT CModelObject : public CXmlGeneratedClass {
 
   // For the records: makes the collection of the property, or the wildcard element, if it is not there yet.
   void Ensure(int property);
+  // Sets the property of a value from its lexical form; `isValue` tells what the setter throws from an error of the
+  // text.
+  void SetFromText(int property, std::wstring_view text, bool& isValue);
+  // The lexical form of the property of a value, the object's own or in the buffer; null when it is not set, or only
+  // AccessProperty can tell. Such a value was checked when it was set.
+  const std::wstring* PeekText(int property, std::wstring& buffer) const;
   // Keeps the prefixes of the names in the text as the element has them, so that they are declared again.
   void KeepPrefixes(const CXmlElement& element, std::wstring_view text);
 
@@ -125,16 +113,19 @@ class RKXML_EXPORT CModelObject : public CXmlGeneratedClass {
   bool GetNilFlag() const noexcept { return m_isNil; }
   void SetNilFlag(bool nil) noexcept { m_isNil = nil; }
 
+  // Where the object has the property. A class without members of its own overrides AccessProperty instead.
+  virtual CMember FindMember(int property);
+
   // For setters.
   template <class T>
   void StoreValue(int property, T& member, const T& value) {
-    if (MustCheck(property)) Check(property, value);
+    if (MustCheck(property)) CheckValue(property, const_cast<T&>(value));  // which is only read
     member = value;
     Mark(property);
   }
   template <class T>
   void StoreValue(int property, CRareValue<T>& member, const T& value) {
-    if (MustCheck(property)) Check(property, value);
+    if (MustCheck(property)) CheckValue(property, const_cast<T&>(value));  // which is only read
     member.Make() = value;
     Mark(property);
   }
@@ -167,56 +158,21 @@ class RKXML_EXPORT CModelObject : public CXmlGeneratedClass {
     return member;
   }
 
-  // For AccessProperty.
-  template <class T>
-  void Access(bool get, RkVariant& value, int property, T& member) {
-    if constexpr (std::is_enum_v<T>) {
-      int number = static_cast<int>(member);
-      AccessValue(get, value, property, number);
-      member = static_cast<T>(number);
-    } else {
-      AccessValue(get, value, property, member);
-    }
-  }
-  template <class T>
-  void Access(bool get, RkVariant& value, int property, CRareValue<T>& member) {
-    if (get) return AccessValue(true, value, property, const_cast<T&>(member.Get()));  // which is only read
-    T read{};
-    AccessValue(false, value, property, read);
-    if (IsSet(property))
-      member.Make() = std::move(read);
-    else
-      member.Reset();
-  }
-  template <class T>
-  void Access(bool get, RkVariant& value, int property, CSmartPtr<T>& member) {
-    if constexpr (std::is_base_of_v<CXmlCollectionBase, T>) {
-      if (get) {
-        if (member == nullptr && NeedsCollection(property)) member = static_cast<T*>(MakeCollection(property));
-        return value.SetXmlCollection(member);
-      }
-      member = static_cast<T*>(value.PeekXmlCollection());
-      Mark(property);
-    } else {
-      if (get) return member != nullptr ? value.SetXmlObject(member) : value.SetInvalid();
-      const CSmartPtr<T> object(static_cast<T*>(value.PeekXmlObject()));
-      Adopt(property, object);
-      member = object;
-    }
-  }
-
  private:
   friend class CXmlGeneratedClass;
   using Prefixes = std::map<std::wstring, std::wstring>;
 
-  template <class T>
-  void AccessValue(bool get, RkVariant& value, int property, T& member);
+  void GetProperty(int property, CMember member, RkVariant& value);
+  void SetProperty(int property, CMember member, RkVariant& value);
+  bool TrySetFromText(int property, std::wstring_view text);
   bool MustCheck(int property) const noexcept;
-  template <class T>
-  void Check(int property, const T& value);
-  // Throws when the value may not be set.
+  // Throw when the value may not be set.
+  void CheckValue(int property, CMember value);
   void CheckSet(int property, RkVariant& value);
   void CheckText(int property, RkVariant& value);
+  void WriteAttribute(const RkXmlLib16Data::AttributeModel& attribute,
+                      const RkXmlLib16Data::CAttributeInfoPrimitive& record, const CSerializationContext& context,
+                      CXmlWriter* writer) const;
   // Throws when another member of the choice is set.
   void Select(int property);
   bool IsFilled(int property) const;

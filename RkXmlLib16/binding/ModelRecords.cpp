@@ -53,6 +53,7 @@ class CModelValue final : public Base {
         m_owner(owner),
         m_member(member),
         m_needsText(member.values->needsCheck || member.values->holdsQNames || member.value.isFixed) {
+    Base::SetModelValue();
     if constexpr (std::is_same_v<Base, CElementInfoSeqPrimOpt>) Base::SetReadsOnlyItsElement();
   }
 
@@ -155,9 +156,7 @@ class CModelValues final : public Base {
       if (values.enumeration.empty()) return;
       std::wstring scratch;
       const std::wstring_view text = CWhitespaceUtils::ApplyRule(values.whitespace, element.GetText(), scratch);
-      if (CModelClass::FindText(values, text) < 0)
-        throw CRkInvalidValueException(
-            FormatString(L"Invalid Value for %ls [%ls].", m_property.name, std::wstring(text).c_str()));
+      if (m_property.FindText(text) < 0) ThrowInvalidValue(m_property.name, text);
     } catch (const CRkException& e) {
       throw At(CRkValidationException(L"Failed to set the property value.", element.GetXPath(), e), element);
     }
@@ -489,8 +488,10 @@ CAttributeInfo* NewModelRecord(const AttributeModel& attribute) {
   const ValueModel& v = *attribute.values;
   const auto make = [&](auto* type) -> CAttributeInfo* {
     using Record = std::remove_pointer_t<decltype(type)>;
-    return new Record(attribute.name, attribute.namespaceUri, attribute.property, attribute.isOptional, v.itemType,
-                      nullptr, v.whitespace, FacetsOf(v), attribute.value.text);
+    auto* const record = new Record(attribute.name, attribute.namespaceUri, attribute.property, attribute.isOptional,
+                                    v.itemType, nullptr, v.whitespace, FacetsOf(v), attribute.value.text);
+    record->SetModelValue();
+    return record;
   };
   if (v.needsCheck || v.holdsQNames || attribute.value.isFixed) return make(static_cast<CModelAttribute*>(nullptr));
   return make(static_cast<CAttributeInfoPrimitive*>(nullptr));

@@ -290,12 +290,13 @@ class CEmitter {
       Accessors(object, *storage, out);
       out.Line();
     }
-    if (!object.own.empty()) out.Line("  void AccessProperty(int property, bool get, RkVariant& value) override;");
-    if (object.isBase || binding.isAbstract) {
+    const bool isConstructedByOthers = object.isBase || binding.isAbstract;
+    if (isConstructedByOthers || !object.own.empty()) {
       out.Line();
       out.Line(" protected:");
-      out.Line("  " + object.name + "(const ClassModel& model, const wchar_t* elementName);");
     }
+    if (isConstructedByOthers) out.Line("  " + object.name + "(const ClassModel& model, const wchar_t* elementName);");
+    if (!object.own.empty()) out.Line("  CMember FindMember(int property) override;");
     if (!object.own.empty()) {
       out.Line();
       out.Line(" private:");
@@ -743,13 +744,13 @@ class CEmitter {
     }
     out.Line();
     if (object.own.empty()) return;
-    out.Line("void " + object.name + "::AccessProperty(int property, bool get, RkVariant& value) {");
+    out.Line("CMember " + object.name + "::FindMember(int property) {");
     out.Line("  switch (property) {");
     for (const auto& storage : object.own) {
       const std::string number = Number(storage->number);
-      out.Line("    case " + number + ": return Access(get, value, " + number + ", " + storage->field + ");");
+      out.Line("    case " + number + ": return " + storage->field + ";");
     }
-    out.Line("    default: return " + base + "::AccessProperty(property, get, value);");
+    out.Line("    default: return " + base + "::FindMember(property);");
     out.Line("  }");
     out.Line("}");
     out.Line();

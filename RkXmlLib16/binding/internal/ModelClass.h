@@ -33,8 +33,18 @@ struct ModelProperty {
   const MemberModel* member = nullptr;  // of an element, group or wildcard
   const DefaultModel* fixed = nullptr;  // the fixed value, if there is one
   CPrimitiveRestrictions facets;
-  bool mustCheck = false;  // whether some value of the C++ type may not be set
+  std::vector<std::wstring> texts;  // of an enumeration
+  bool mustCheck = false;           // whether some value of the C++ type may not be set
+  bool isPlain = false;             // whether nothing but facets, enumeration and choice is to be checked
+  bool mayRefuse = false;           // whether a value that could be read may be refused
   bool startsNil = false;
+
+  // The number of the text in the enumeration; -1 when it is none of them.
+  int FindText(std::wstring_view text) const noexcept {
+    for (std::size_t i = 0; i < texts.size(); ++i)
+      if (texts[i] == text) return static_cast<int>(i);
+    return -1;
+  }
 };
 
 // The records and properties of one class.
@@ -56,8 +66,6 @@ class CModelClass {
   const ModelProperty& GetProperty(int property) const noexcept {
     return m_properties[static_cast<std::size_t>(property)];
   }
-  // The number of the text in the enumeration of the property; -1 when it is none of them.
-  static int FindText(const ValueModel& values, std::wstring_view text) noexcept;
 
  private:
   const ClassModel& m_model;
@@ -98,6 +106,8 @@ NamespaceResolver ResolverOf(Span<PrefixModel> prefixes);
 bool IsNilTrue(const CXmlElement& element);
 bool IsBlank(std::wstring_view text);
 
+// "Invalid Value for %ls [%ls].".
+[[noreturn]] void ThrowInvalidValue(const wchar_t* name, std::wstring_view text);
 // Throws CRkInvalidValueException when the text is no value of the type, or not the fixed one.
 void CheckModelText(const wchar_t* name, const ValueModel& values, const DefaultModel* fixed, std::wstring_view text,
                     const NamespaceResolver& resolver);

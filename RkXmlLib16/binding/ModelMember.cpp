@@ -1,0 +1,164 @@
+#include "RkXmlLib16/binding/ModelMember.h"
+
+#include <cstring>
+
+#include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/binding/internal/ModelClass.h"
+#include "RkXmlLib16/facets/FacetChecks.h"
+#include "RkXmlLib16/object/Variant.h"
+#include "RkXmlLib16/types/Conversions.h"
+
+namespace RkXmlLib16 {
+
+using RkXmlLib16Data::CModelClass;
+using RkXmlLib16Data::ModelProperty;
+using RkXmlLib16Data::ThrowInvalidValue;
+
+namespace {
+
+// What is done with the values of each XSD type.
+template <ItemType kItem>
+struct Item;
+#define RKXML_ITEM(Kind, Name, Property, Value)                                                              \
+  template <>                                                                                                \
+  struct Item<ItemType_##Kind> {                                                                             \
+    static void Give(RkVariant& to, XsdArgument<Value> value) { to.Set##Property(value); }                   \
+    static XsdArgument<Value> Take(const RkVariant& from) { return from.Get##Property(); }                   \
+    static void Check(const wchar_t* name, XsdArgument<Value> value, const CPrimitiveRestrictions& facets) { \
+      CXmlObjectHelper::CheckRestrictionFor##Name(name, value, facets);                                      \
+    }                                                                                                        \
+  };
+#define RKXML_NO_ITEM(Kind, Name, Property, Value)
+RKXML_XSD_TYPES(RKXML_ITEM, RKXML_ITEM, RKXML_NO_ITEM)
+#undef RKXML_ITEM
+
+// Calls `call` with the type as a compile-time constant. It is one of those whose values are held as T.
+template <class T, class Call>
+void Visit(ItemType type, Call&& call) {
+  switch (type) {
+#define RKXML_VISIT(Kind, Name, Property, Value)                                                              \
+  case ItemType_##Kind:                                                                                       \
+    if constexpr (std::is_same_v<Value, T>) return call(std::integral_constant<ItemType, ItemType_##Kind>()); \
+    break;
+    RKXML_XSD_TYPES(RKXML_VISIT, RKXML_VISIT, RKXML_NO_ITEM)
+#undef RKXML_VISIT
+#undef RKXML_NO_ITEM
+    default:
+      break;
+  }
+  throw CRkException(FormatString(L"Invalid Type %d", static_cast<int>(type)));
+}
+
+// How the value of a member is reached.
+template <class T>
+struct InPlace {
+  static const T& Get(const void* at) { return *static_cast<const T*>(at); }
+  static T& Make(void* at) { return *static_cast<T*>(at); }
+  static void Reset(void* at) { Make(at) = T(); }
+};
+template <class T>
+struct Rare {
+  static const T& Get(const void* at) { return static_cast<const CRareValue<T>*>(at)->Get(); }
+  static T& Make(void* at) { return static_cast<CRareValue<T>*>(at)->Make(); }
+  static void Reset(void* at) { static_cast<CRareValue<T>*>(at)->Reset(); }
+};
+
+template <class T, class Place>
+struct ValueMember {
+  static void Give(const void* at, const ModelProperty& property, RkVariant& to) {
+    Visit<T>(property.values->itemType, [&](auto item) { Item<item>::Give(to, Place::Get(at)); });
+  }
+  static void Take(void* at, const ModelProperty& property, const RkVariant& from) {
+    Visit<T>(property.values->itemType, [&](auto item) { Place::Make(at) = Item<item>::Take(from); });
+  }
+  static bool Read(void* at, const ModelProperty& property, std::wstring_view text) {
+    const CWhitespaceUtils::WhitespaceRule rule = property.values->whitespace;
+    Visit<T>(property.values->itemType, [&](auto item) {
+      T& value = Place::Make(at);
+      if constexpr (item == ItemType_string) {
+        std::wstring scratch;
+        value.assign(CWhitespaceUtils::ApplyRule(rule, text, scratch));
+      } else if constexpr (item == ItemType_decimal || item == ItemType_dateTime) {
+        if (!value.ParsePlain(text)) value = CConversions::FromText<item>(text, rule);
+      } else {
+        value = CConversions::FromText<item>(text, rule);
+      }
+    });
+    return true;
+  }
+  static const std::wstring& Print(const void* at, const ModelProperty& property, std::wstring& buffer) {
+    if constexpr (std::is_same_v<T, std::wstring>) {
+      return Place::Get(at);
+    } else {
+      buffer.clear();
+      Visit<T>(property.values->itemType, [&](auto item) { CConversions::AppendTo<item>(buffer, Place::Get(at)); });
+      return buffer;
+    }
+  }
+  static void Check(const void* at, const ModelProperty& property, const wchar_t* name) {
+    if (property.facets.IsEmpty()) return;
+    Visit<T>(property.values->itemType, [&](auto item) { Item<item>::Check(name, Place::Get(at), property.facets); });
+  }
+};
+
+// An enumeration is a number in the object and a text for the records.
+template <class Place>
+struct ValueMember<int, Place> {
+  static int Get(const void* at) {
+    int number = 0;  // of an enum class, whose members these octets are
+    std::memcpy(&number, at, sizeof number);
+    return number;
+  }
+  static void Put(void* at, int number) { std::memcpy(at, &number, sizeof number); }
+  static const std::wstring& Text(const void* at, const ModelProperty& property) {
+    static const std::wstring none;
+    const auto number = static_cast<std::size_t>(Get(at));
+    return number < property.texts.size() ? property.texts[number] : none;
+  }
+
+  static void Give(const void* at, const ModelProperty& property, RkVariant& to) { to.SetString(Text(at, property)); }
+  static void Take(void* at, const ModelProperty& property, const RkVariant& from) {
+    Put(at, property.FindText(from.GetString()));
+  }
+  static void Reset(void* at) { Put(at, 0); }
+  static bool Read(void* at, const ModelProperty& property, std::wstring_view text) {
+    std::wstring scratch;
+    const int number = property.FindText(CWhitespaceUtils::ApplyRule(property.values->whitespace, text, scratch));
+    if (number >= 0) Put(at, number);
+    return number >= 0;
+  }
+  static const std::wstring& Print(const void* at, const ModelProperty& property, std::wstring&) {
+    return Text(at, property);
+  }
+  static void Check(const void* at, const ModelProperty& property, const wchar_t* name) {
+    const std::wstring& text = Text(at, property);
+    if (property.FindText(text) < 0) ThrowInvalidValue(name, text);
+    if (!property.facets.IsEmpty()) CXmlObjectHelper::CheckRestrictionForstring(name, text, property.facets);
+  }
+};
+
+template <class Value, class Place>
+constexpr MemberType MakeType() {
+  MemberType type;
+  type.give = Value::Give;
+  type.take = Value::Take;
+  type.read = Value::Read;
+  type.print = Value::Print;
+  type.check = Value::Check;
+  if constexpr (std::is_same_v<Value, ValueMember<int, Place>>)
+    type.reset = Value::Reset;
+  else
+    type.reset = Place::Reset;
+  return type;
+}
+
+}  // namespace
+
+#define RKXML_MEMBER_TYPE(T)                                                                       \
+  const MemberType MemberTypeOf<T>::kInPlace = MakeType<ValueMember<T, InPlace<T>>, InPlace<T>>(); \
+  const MemberType MemberTypeOf<T>::kRare = MakeType<ValueMember<T, Rare<T>>, Rare<T>>();
+RKXML_MEMBER_TYPES(RKXML_MEMBER_TYPE)
+#undef RKXML_MEMBER_TYPE
+
+}  // namespace RkXmlLib16
