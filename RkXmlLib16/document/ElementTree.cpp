@@ -695,10 +695,12 @@ std::wstring WithPredicate(const CXmlElement& element, CSiblingIndex& index) {
 
 template <class Name>
 std::wstring PathOf(const CXmlElement* element, Name&& nameOf) {
-  std::vector<std::wstring> names;
-  for (; element != nullptr; element = element->GetParentElement()) names.push_back(nameOf(*element));
-  std::wstring path;
-  for (auto name = names.rbegin(); name != names.rend(); ++name) (path += L'/') += *name;
+  std::wstring path;  // made backwards, as a document may be nothing but depth
+  for (; element != nullptr; element = element->GetParentElement()) {
+    const std::wstring name = nameOf(*element);
+    path.append(name.rbegin(), name.rend()) += L'/';
+  }
+  std::reverse(path.begin(), path.end());
   return path;
 }
 
