@@ -10,7 +10,7 @@ table() {
   # A row may go on over several lines.
   awk '/^RKXML_ERROR\(/ { row = "" } /^RKXML_ERROR\(/ || row != "" { row = row $0; if ($0 ~ /\)$/) { print row; row = "" } }' \
     RkXmlLib16/base/ErrorTable.h |
-    sed -E 's/^RKXML_ERROR\( *([0-9]+), ([A-Za-z]+), +"([^"]*)".*/\1 \2 \3/; s/a value breaks the facet .*//' | sort -n |
+    sed -E 's/^RKXML_ERROR\( *([0-9]+), ([A-Za-z]+), +"([^"]*)".*/\1 \2 \3/; s/a value breaks the facet .*//; s/^([0-9]+ [A-Za-z]+) (an?|the) /\1 /' | sort -n |
     while read -r code name meaning; do printf '%s %-21s  %s\n' "$code" "$name" "$meaning"; done | sed 's/ *$//'
   echo '```'
 }
