@@ -1,3 +1,18 @@
+// Reading the members of a sequence.
+//
+// The plain algorithm: a record is asked once, with the child under the cursor. If that is its element, it reads it and
+// moves the cursor on. If not, an optional member leaves the child to the next record, and a mandatory one is missing,
+// which is an error. A collection reads elements as long as they are its own, then its count is checked. The answer is
+// whether reading goes on; false leaves it to the owner of an inline group to judge what is missing.
+//
+// What is added to that:
+//   Unknown elements  Where the context ignores them, a mandatory value or object is searched for behind them
+//                     (SeekMandatory, SiblingSearch). Optional members and collections pass over nothing.
+//   Missing elements  Where the context ignores those, mandatory values and objects keep what they have (Seek::GoOn).
+//   Inline groups     have no element. A mandatory one reads from the cursor into the child that the owner holds; one
+//                     that is not required may find nothing (ReadMandatoryGroup).
+//   Error handlers    With a handler, Refuse... tells the error and returns, and reading goes on: a mandatory member
+//                     passes over elements that no later member takes, and a collection reads on behind such.
 #include "RkXmlLib16/binding/ElementInfoSeq.h"
 
 #include "RkXmlLib16/base/Exception.h"

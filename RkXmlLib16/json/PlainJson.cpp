@@ -1,3 +1,15 @@
+// Converting JSON text of the plain case to XML text, bytes to bytes.
+//
+// The plain algorithm: a recursive descent over the values, at most kMaxDepth deep. A name decides what its value
+// becomes (Target): an element, an attribute or text. Start tags stay open (m_isTagOpen) until content comes, as
+// attributes may follow. Strings are escaped for the place where they go (Place). For each element and attribute the
+// position of its member or item is noted in characters; m_trailingBytes is what these differ from bytes by.
+//
+// Every step that meets anything but the plain case returns false, up to ConvertPlainJson, which leaves the text to
+// CJsonTextReader. Invariant: what is accepted gives exactly the bytes and places that CJsonTextReader gives.
+//
+// What is added to that: ends of strings, names and white space are searched for sixteen bytes at a time, and names of
+// up to sixteen ASCII characters are checked at once (IsPlainName).
 #include "RkXmlLib16/json/internal/PlainJson.h"
 
 #include <algorithm>

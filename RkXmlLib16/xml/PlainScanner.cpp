@@ -1,3 +1,19 @@
+// Scanning XML text of the plain case straight into the tree.
+//
+// The plain algorithm: the scanner goes over the bytes once. A start tag is taken apart into raw names and values; the
+// declarations among them bind prefixes, then element and attributes are added to the document. Text is widened into
+// its element. m_open has the open elements, m_bindings what their declarations replaced.
+//
+// Every step that meets anything but the plain case returns false, up to ScanPlainXml, which drops the tree and leaves
+// the document to CExpatReader. So nothing here makes an error, and what is accepted must be exactly what expat
+// accepts: a doubt is a false. Invariant: up to there the tree, its locations and notes are those of CExpatReader.
+//
+// What is added to that:
+//   Blocks   Ends of names, texts and values are searched for sixteen bytes at a time (Find), ASCII is widened eight at
+//            a time.
+//   Names    m_names has the last name of each hash, which tells local name and prefix. Names are compared by their
+//            first sixteen bytes (Head), those that are longer also by the rest.
+//   Decoding What is not ASCII, a reference or a line end goes through Decode, in pieces of kPieceSize bytes.
 #include "RkXmlLib16/xml/internal/PlainScanner.h"
 
 #include <emmintrin.h>
@@ -98,7 +114,7 @@ const Byte* FindAll(const Byte* at, const Byte* end, std::string_view wanted) {
   return found != std::string_view::npos ? at + found : nullptr;
 }
 
-// Widens ASCII into its place; returns the place behind it.
+// Widens so many characters of ASCII.
 template <std::size_t step>
 void WidenStep(const Byte* at, wchar_t* out);
 
@@ -127,6 +143,7 @@ void WidenBySteps(const Byte* at, std::size_t length, wchar_t* out) {
   WidenStep<step>(at + length - step, out + length - step);
 }
 
+// Widens ASCII; returns the place behind it.
 wchar_t* Widen(const Byte* at, std::size_t length, wchar_t* out) {
   if (length >= 8)
     WidenBySteps<8>(at, length, out);
