@@ -38,7 +38,7 @@ bool FitsJson(const CElement& tree);
 // The tree is the same after XML text, JSON text and Fast Infoset.
 void CheckAllForms(const CElement& tree);
 
-// Calls `work` and swallows what documents may cause.
+// Calls `work` and catches the exceptions that documents may cause.
 template <class Work>
 bool Succeeds(Work&& work) {
   try {

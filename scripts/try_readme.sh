@@ -61,7 +61,7 @@ deb $mirror/debian bookworm main
 deb $mirror/debian bookworm-updates main
 deb $mirror/debian-security bookworm-security main
 END
-# The machine's own way to the network.
+# The proxy settings of this machine.
 apt-config dump | grep -E '^Acquire::[a-z]+::[Pp]roxy' >"$bare/etc/apt/apt.conf.d/90proxy" || true
 cat >"$bare/etc/apt/apt.conf.d/91quiet" <<'END'
 APT::Get::Assume-Yes "true";

@@ -10,7 +10,7 @@
 
 #include "RkXmlLib16/base/Exception.h"
 
-// The words of the tests.
+// What all tests use.
 namespace RkXmlTest {
 
 using namespace RkXmlLib16;

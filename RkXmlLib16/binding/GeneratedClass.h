@@ -58,8 +58,8 @@ class RKXML_EXPORT CXmlGeneratedClass : public CXmlObjectBase {
   CXmlElement* FromXml_Int(CXmlElement* element, CXmlElement* firstChild, const CSerializationContext& context,
                            bool isOptionalChoice) override;
 
-  // Reads (`get`) or sets the numbered property. A value travels as its own kind, an enumeration as i4, a nil value as
-  // nil, an unset one as invalid, a child as object, a repeated member as collection. A getter leaves the property
+  // Reads (`get`) or sets the numbered property. A value is passed as its own kind, an enumeration as i4, a nil value
+  // as nil, an unset one as invalid, a child as object, a repeated member as collection. A getter leaves the property
   // unchanged.
   virtual void AccessProperty(int propertyIndex, bool get, RkVariant& value) = 0;
   // The records, owned by the class's statics; never null, except that the arrays may be null when they are empty.

@@ -51,7 +51,7 @@ class RKXML_EXPORT CTextStream {
 
  protected:
   // Appends the encoded text to `out`. When more text may follow (`last` is false), a high surrogate that ends the text
-  // is not encoded but returned, so that it can meet its partner; 0 otherwise.
+  // is not encoded but returned, so that it can be joined with the other half; 0 otherwise.
   wchar_t EncodeTo(CBinaryData& out, bool last) const;
 
   CStringBuffer m_text{kBlockSize};

@@ -156,7 +156,7 @@ TEST_F(EntryPoints, JsonErrorsShowTheXmlText) {
       Thrown([&] { strict.FromJson(L"{\"a\":{\"b\":{\"p:c\":null}}}"); }));
 }
 
-// Text beside children is that of the JSON alone, however often it travels.
+// Text beside children is that of the JSON alone, however often it is converted.
 TEST_F(EntryPoints, JsonAddsNoWhiteSpaceToText) {
   for (const wchar_t* text : {L"x", L"\n\tx\n", L" \u20AC < \t"}) {
     CElement element(L"a");

@@ -287,7 +287,7 @@ TEST_F(GeneratedClassTest, AccessorFailuresAreToldOrPassed) {
   EXPECT_THROW(object.FromXml(L"<r><c/></r>"), int);
 }
 
-// Records and readers take short cuts; none may show.
+// The fast paths of records and readers give what the plain ones give.
 TEST_F(GeneratedClassTest, RecordsThatDeriveFromOthersAreAskedThemselves) {
   class CEager : public CElementInfoSeqPrimOpt {
    public:

@@ -1,4 +1,4 @@
-// Documents that ask for more than their length is worth.
+// Documents that cost far more than their length suggests.
 #include <string>
 
 #include "Expect.h"

@@ -181,7 +181,7 @@ TEST(PlainScanner, LeavesAllElse) {
   for (const CSerializationContext& context : settings) EXPECT_FALSE(IsScanned(kPlain, context));
 }
 
-// Every document that lies about.
+// Every small document in the project, and of the sets beside it where they are.
 TEST(PlainScanner, ReadsAsTheParserReads) {
   namespace fs = std::filesystem;
   constexpr std::uintmax_t kLongest = 60000;

@@ -1,4 +1,4 @@
-// Schemas that ask for more than their size: they end soon, with a line or without.
+// Schemas that cost far more than their size suggests: reading ends soon, with a diagnostic or without.
 #include <gtest/gtest.h>
 
 #include "Schemas.h"
