@@ -14,6 +14,7 @@ namespace {
 
 constexpr std::size_t kWidth = 120;
 constexpr std::size_t kLinesOfSource = 3000;
+constexpr char kMark = '\1';  // no text has it
 
 // Lines of a source.
 class CText {
@@ -71,15 +72,6 @@ class CText {
 
 std::string Number(int value) { return std::to_string(value); }
 
-std::string Upper(const std::string& text) {
-  std::string result;
-  for (const char c : text)
-    result += c >= 'a' && c <= 'z'                               ? static_cast<char>(c - 'a' + 'A')
-              : (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ? c
-                                                                 : '_';
-  return result;
-}
-
 bool IsPlain(const std::string& type) { return type != "std::wstring" && type[0] != 'C'; }
 
 class CEmitter {
@@ -88,6 +80,7 @@ class CEmitter {
 
   std::vector<EmittedFile> Emit() {
     std::vector<EmittedFile> files;
+    for (const auto& document : m_plan.GetDocuments()) m_stems.Add(document->stem);
     for (const auto& document : m_plan.GetDocuments()) {
       files.push_back({document->stem + ".h", Header(*document)});
       for (EmittedFile& source : Sources(*document)) files.push_back(std::move(source));
@@ -102,8 +95,8 @@ class CEmitter {
   std::string Title(const PlannedDocument& document) const {
     const std::wstring& file = *document.schema->file;
     const std::size_t slash = file.rfind(L'/');
-    return "// Made by " + m_options.generator + " from " +
-           ToUtf8(slash == std::wstring::npos ? file : file.substr(slash + 1)) + "; changes are lost.";
+    const std::wstring name = slash == std::wstring::npos ? file : file.substr(slash + 1);
+    return ToComment(L"Made by " + FromUtf8(m_options.generator) + L" from " + name + L"; changes are lost.", 0)[0];
   }
 
   // The name of a class as code in the document's namespace writes it.
@@ -143,76 +136,121 @@ class CEmitter {
 
   std::string Header(const PlannedDocument& document) {
     CText out;
-    const std::string guard = "RKXML_GENERATED_" + Upper(document.nameSpace) + "_" + Upper(document.stem) + "_H";
     out.Line(Title(document));
     if (!document.schema->targetNamespace.empty())
       out.Lines(ToComment(L"Target namespace: " + document.schema->targetNamespace, 0));
-    out.Line("#ifndef " + guard);
-    out.Line("#define " + guard);
+    out.Line("#ifndef " + document.guard);
+    out.Line("#define " + document.guard);
     out.Line();
+    if (document.home == &document) {
+      Declarations(document, out);
+    } else {
+      out.Line("// Bases of the one document are derived from those of the other.");
+      out.Line("#include \"" + document.home->stem + ".h\"");
+    }
+    out.Line();
+    out.Line("#endif");
+    return out.Take();
+  }
+
+  // What a header says of others.
+  struct Others {
+    std::set<const PlannedDocument*> above;              // with bases, which must be known in front
+    std::set<const PlannedDocument*> below;              // with what is only named
+    std::map<std::string, std::set<std::string>> names;  // what is declared, by namespace
+  };
+
+  Others OthersOf(const PlannedDocument& document) const {
+    Others others;
+    const auto declare = [&](const PlannedDocument& home, const std::string& declaration) {
+      others.names[home.nameSpace].insert(declaration);
+      if (home.home != &document) others.below.insert(home.home);
+    };
+    for (const PlannedClass* object : document.declarations) {
+      declare(*object->document, "class " + object->name);
+      if (object->base != nullptr) others.above.insert(object->base->document->home);
+      for (const auto& storage : object->own) {
+        const PlannedEnum* const enumeration = storage->kind == Storage::Kind::Value ? storage->enumeration : nullptr;
+        if (enumeration != nullptr && enumeration->document->home != &document)
+          declare(*enumeration->document, "enum class " + enumeration->name + " : int");
+        if (storage->object != nullptr) declare(*storage->object->document, "class " + storage->object->name);
+      }
+    }
+    for (const PlannedDocument* part : document.parts)
+      for (const RootBinding* root : part->roots) {
+        const PlannedClass& object = *m_plan.Find(root->object);
+        declare(*object.document, "class " + object.name);
+      }
+    others.above.erase(&document);
+    for (const PlannedDocument* known : others.above) others.below.erase(known);
+    return others;
+  }
+
+  void Include(const std::set<const PlannedDocument*>& documents, CText& out) const {
+    for (const auto& document : m_plan.GetDocuments())
+      if (documents.count(document.get()) != 0) out.Line("#include \"" + document->stem + ".h\"");
+    out.Line();
+  }
+
+  // The namespace that is open in a header.
+  class CNamespace {
+   public:
+    explicit CNamespace(CText& out) : m_out(out) {}
+    void Enter(const std::string& name) {
+      if (name == m_name) return;
+      Leave();
+      m_name = name;
+      m_out.Line("namespace " + name + " {");
+      m_out.Line();
+      m_out.Line("using namespace RkXmlLib16;");
+      m_out.Line();
+    }
+    void Leave() {
+      if (!m_name.empty()) m_out.Line("}  // namespace " + m_name);
+      m_out.Line();
+      m_name.clear();
+    }
+
+   private:
+    CText& m_out;
+    std::string m_name;
+  };
+
+  void Declarations(const PlannedDocument& document, CText& out) {
+    Others others = OthersOf(document);
     out.Line("#include <RkXmlLib16/Generated.h>");
     out.Line();
     out.Line("#include <string>");
     out.Line();
-    // Bases and enumerations must be known in front, all else behind.
-    std::set<const PlannedDocument*> above;
-    std::set<const PlannedDocument*> below;
-    std::set<const PlannedClass*> foreign;
-    for (const PlannedClass* object : document.classes) {
-      if (object->base != nullptr) above.insert(object->base->document);
-      for (const auto& storage : object->own) {
-        if (storage->enumeration != nullptr) above.insert(storage->enumeration->document);
-        if (storage->object == nullptr || storage->object->document == &document) continue;
-        below.insert(storage->object->document);
-        foreign.insert(storage->object);
-      }
-    }
-    for (const RootBinding* root : document.roots) {
-      const PlannedClass* const object = m_plan.Find(root->object);
-      if (object->document == &document) continue;
-      below.insert(object->document);
-      foreign.insert(object);
-    }
-    above.erase(&document);
-    for (const auto& other : m_plan.GetDocuments())
-      if (above.count(other.get()) != 0) out.Line("#include \"" + other->stem + ".h\"");
-    out.Line();
+    Include(others.above, out);
     out.Line("static_assert(RKXML_GENERATED_VERSION == 1, \"generate these classes again\");");
     out.Line();
-    // Classes of other documents that are only pointed to.
-    std::map<std::string, std::vector<std::string>> forward;
-    for (const PlannedClass* object : foreign)
-      if (object->document->nameSpace != document.nameSpace)
-        forward[object->document->nameSpace].push_back(object->name);
-    for (auto& [nameSpace, names] : forward) {
-      std::sort(names.begin(), names.end());
+    for (const auto& [nameSpace, names] : others.names) {
+      const auto isOwn = [&, &ns = nameSpace](const PlannedDocument* part) { return part->nameSpace == ns; };
+      if (std::any_of(document.parts.begin(), document.parts.end(), isOwn)) continue;
       out.Line("namespace " + nameSpace + " {");
-      for (const std::string& name : names) out.Line("class " + name + ";");
+      for (const std::string& name : names) out.Line(name + ";");
       out.Line("}  // namespace " + nameSpace);
       out.Line();
     }
-    out.Line("namespace " + document.nameSpace + " {");
-    out.Line();
-    out.Line("using namespace RkXmlLib16;");
-    out.Line();
-    std::vector<std::string> own;
-    for (const PlannedClass* object : document.classes) own.push_back(object->name);
-    for (const PlannedClass* object : foreign)
-      if (object->document->nameSpace == document.nameSpace) own.push_back(object->name);
-    std::sort(own.begin(), own.end());
-    for (const std::string& name : own) out.Line("class " + name + ";");
-    out.Line();
-    for (const PlannedEnum* enumeration : document.enums) EnumHeader(*enumeration, out);
-    for (const PlannedClass* object : document.classes) ClassHeader(*object, out);
-    Functions(document, out);
-    out.Line("}  // namespace " + document.nameSpace);
-    out.Line();
-    for (const auto& other : m_plan.GetDocuments())
-      if (below.count(other.get()) != 0 && above.count(other.get()) == 0)
-        out.Line("#include \"" + other->stem + ".h\"");
-    out.Line();
-    out.Line("#endif");
-    return out.Take();
+    CNamespace open(out);
+    for (const PlannedDocument* part : document.parts) {
+      open.Enter(part->nameSpace);
+      for (const std::string& name : others.names[part->nameSpace]) out.Line(name + ";");
+      others.names.erase(part->nameSpace);
+      out.Line();
+      for (const PlannedEnum* enumeration : part->enums) EnumHeader(*enumeration, out);
+    }
+    for (const PlannedClass* object : document.declarations) {
+      open.Enter(object->document->nameSpace);
+      ClassHeader(*object, out);
+    }
+    for (const PlannedDocument* part : document.parts) {
+      open.Enter(part->nameSpace);
+      Functions(*part, out);
+    }
+    open.Leave();
+    Include(others.below, out);
   }
 
   void Functions(const PlannedDocument& document, CText& out) {
@@ -280,15 +318,14 @@ class CEmitter {
     out.Line();
     if (!binding.isAbstract) out.Line("  explicit " + object.name + "(const wchar_t* elementName = nullptr);");
     out.Line("  ~" + object.name + "() override;");
-    out.Line();
     if (addsNil) {
+      out.Line();
       out.Line("  bool IsNil() const override { return GetNilFlag(); }");
       out.Line("  void SetNil(bool nil) override { SetNilFlag(nil); }");
-      out.Line();
     }
     for (const auto& storage : object.own) {
-      Accessors(object, *storage, out);
       out.Line();
+      Accessors(object, *storage, out);
     }
     const bool isConstructedByOthers = object.isBase || binding.isAbstract;
     if (isConstructedByOthers || !object.own.empty()) {
@@ -427,8 +464,9 @@ class CEmitter {
 
     std::vector<EmittedFile> files;
     for (const Part& part : parts) {
-      const std::string number = files.empty() ? "" : "_" + std::to_string(files.size() + 1);
-      files.push_back({document.stem + number + ".cpp", Source(document, part)});
+      const std::string stem =
+          files.empty() ? document.stem : m_stems.Add(document.stem + "_" + std::to_string(files.size() + 1));
+      files.push_back({stem + ".cpp", Source(document, part)});
     }
     return files;
   }
@@ -471,10 +509,8 @@ class CEmitter {
     out.Line(Title(document));
     out.Line("#include \"" + document.stem + ".h\"");
     out.Line();
-    for (const auto& other : m_plan.GetDocuments())
-      if (others.count(other.get()) != 0) out.Line("#include \"" + other->stem + ".h\"");
-    out.Line();
-    Declarations(!part.classes.empty() && !IsFirst(document), out);
+    Include(others, out);
+    ForeignTypes(!part.classes.empty() && !IsFirst(document), out);
     out.Line("namespace " + document.nameSpace + " {");
     out.Line();
     out.Line("using namespace RkXmlLib16Data;");
@@ -505,7 +541,7 @@ class CEmitter {
   }
 
   // The simple types that the source speaks of, wherever they are defined, and the schema where no header tells it.
-  void Declarations(bool hasSchema, CText& out) {
+  void ForeignTypes(bool hasSchema, CText& out) {
     std::map<std::string, std::set<std::string>> declarations;
     if (hasSchema) declarations[First().nameSpace].insert("SchemaModel kSchema");
     for (const SimpleTypeDefinition* type : m_usedTypes)
@@ -521,7 +557,8 @@ class CEmitter {
   void SimpleType(const SimpleTypeDefinition& type, const PlannedDocument& document, CText& out) {
     static constexpr const char* kVarieties[] = {"Absent", "Atomic", "List", "Union"};
     static constexpr const char* kSpaces[] = {"Preserve", "Replace", "Collapse"};
-    const std::string name = Type(&type, document).substr(1);
+    const std::string& name = m_plan.NameOf(&type);
+    m_usedTypes.insert(&type);  // whose declaration makes it visible to other sources
     const Facets& f = type.facets;
     const auto reference = [&](const SimpleTypeDefinition* other) {
       const std::string text = Type(other, document);
@@ -538,30 +575,26 @@ class CEmitter {
       if (!joined.empty()) patterns.push_back(ToLiteral(joined));
     }
     std::vector<std::string> values;
-    std::vector<std::string> constants;
     for (const EnumerationValue& value : f.enumeration) {
       std::string prefixes = "{}";
-      if (value.namespaces != nullptr && !value.namespaces->empty()) {
-        prefixes = Prefixes(*value.namespaces, name + std::to_string(constants.size() + 1) + "Prefixes", out);
-        constants.push_back(prefixes);
-      }
+      if (value.namespaces != nullptr && !value.namespaces->empty())
+        prefixes = Prefixes(*value.namespaces, name + std::to_string(values.size() + 1) + "Prefixes", out);
       values.push_back("{" + ToLiteral(value.text) + ", " + prefixes + "}");
     }
     // Tables that the constructor takes stand in front of the type, in its namespace.
-    const std::string tables = name.rfind("::") == std::string::npos ? name : name.substr(name.rfind("::") + 2);
     const auto table = [&](const char* element, const char* suffix, const std::vector<std::string>& items) {
       if (items.empty()) return std::string();
-      std::string line = std::string("static constexpr ") + element + " " + tables + suffix + "[] = {";
+      std::string line = std::string("static constexpr ") + element + " " + name + suffix + "[] = {";
       for (std::size_t i = 0; i < items.size(); ++i) line += (i > 0 ? ", " : "") + items[i];
       out.Broken(line + "};", 4);
-      return tables + suffix;
+      return name + suffix;
     };
-    const std::string memberTable = table("const CSimpleTypeModel*", "Members", members);
+    const std::string memberTable = table("const CSimpleTypeModel*", "Union", members);
     const std::string patternTable = table("const wchar_t*", "Patterns", patterns);
     const std::string valueTable = table("EnumerationModel", "Enumeration", values);
-    out.Line("const CSimpleTypeModel " + tables + "([] {");
+    out.Line("const CSimpleTypeModel " + name + "([] {");
     out.Broken("  SimpleTypeData data(" + ToLiteral(type.name.localName) + ", " +
-                   Uri(type.IsAnonymous() ? std::wstring() : type.name.namespaceUri) + ", " +
+                   ToLiteral(type.IsAnonymous() ? std::wstring() : type.name.namespaceUri) + ", " +
                    reference(type.base != nullptr ? type.base->AsSimple() : nullptr) + ", Xsd::Variety::" +
                    kVarieties[static_cast<int>(type.variety)] + ", " + BuiltInName(type.builtIn) + ");",
                6);
@@ -614,32 +647,24 @@ class CEmitter {
     out.Line();
   }
 
-  // The model of a value; `@n@` in a body stands for its name, since the body is printed first.
+  // The model of a value; a number between two kMark stands for its name in a body,
+  // since the body is printed first.
   std::string Mark(const ValueBinding* value) {
     const auto [at, isNew] = m_marks.try_emplace(value, m_marks.size());
     if (isNew) m_marked.push_back(value);
-    return "@" + std::to_string(at->second) + "@";
+    return kMark + std::to_string(at->second) + kMark;
   }
 
   std::string Named(const std::string& body) const {
     std::string result;
     std::size_t at = 0;
-    for (;;) {
-      const std::size_t start = body.find('@', at);
-      if (start == std::string::npos) return result + body.substr(at);
-      const std::size_t end = body.find('@', start + 1);
-      const std::string digits = end == std::string::npos ? "" : body.substr(start + 1, end - start - 1);
-      const bool isMark = !digits.empty() && digits.find_first_not_of("0123456789") == std::string::npos &&
-                          std::stoul(digits) < m_marked.size() && m_valueNames.count(m_marked[std::stoul(digits)]) != 0;
+    for (std::size_t start; (start = body.find(kMark, at)) != std::string::npos;) {
+      const std::size_t end = body.find(kMark, start + 1);
       result += body.substr(at, start - at);
-      if (isMark) {
-        result += m_valueNames.at(m_marked[std::stoul(digits)]);
-        at = end + 1;
-      } else {
-        result += '@';
-        at = start + 1;
-      }
+      result += m_valueNames.at(m_marked[std::stoul(body.substr(start + 1, end - start - 1))]);
+      at = end + 1;
     }
+    return result + body.substr(at);
   }
 
   void Value(const ValueBinding& value, const PlannedDocument& document, CScope& names, CText& out) {
@@ -647,7 +672,7 @@ class CEmitter {
     const std::string name = names.Add(
         "k" + (typeName.localName.empty() ? std::string("Anonymous") : ToPascal(typeName.localName)) + "Values");
     m_valueNames[&value] = name;
-    std::string line = "constexpr ValueModel " + name + " = ValueModel(" + ItemName(value.itemType) +
+    std::string line = "constexpr ValueModel " + name + " = ValueModel(" + CppTypeOf(value.itemType).item +
                        ", CWhitespaceUtils::" + RuleName(value.whitespace) + ")";
     const CPrimitiveRestrictions& f = value.facets;
     const auto text = [&](const char* facet, const std::wstring& given) {
@@ -678,47 +703,16 @@ class CEmitter {
     out.Broken(line + ";", 4);
   }
 
-  static std::string ItemName(ItemType type) {
-    static const std::map<ItemType, const char*> names = {{ItemType_hexBinary, "hexBinary"},
-                                                          {ItemType_base64Binary, "base64Binary"},
-                                                          {ItemType_byte, "byte"},
-                                                          {ItemType_short, "short"},
-                                                          {ItemType_int, "int"},
-                                                          {ItemType_long, "long"},
-                                                          {ItemType_unsignedByte, "unsignedByte"},
-                                                          {ItemType_unsignedShort, "unsignedShort"},
-                                                          {ItemType_unsignedInt, "unsignedInt"},
-                                                          {ItemType_unsignedLong, "unsignedLong"},
-                                                          {ItemType_float, "float"},
-                                                          {ItemType_double, "double"},
-                                                          {ItemType_duration, "duration"},
-                                                          {ItemType_gYearMonth, "gYearMonth"},
-                                                          {ItemType_gMonthDay, "gMonthDay"},
-                                                          {ItemType_gYear, "gYear"},
-                                                          {ItemType_gMonth, "gMonth"},
-                                                          {ItemType_gDay, "gDay"},
-                                                          {ItemType_date, "date"},
-                                                          {ItemType_dateTime, "dateTime"},
-                                                          {ItemType_time, "time"},
-                                                          {ItemType_string, "string"},
-                                                          {ItemType_boolean, "boolean"},
-                                                          {ItemType_decimal, "decimal"},
-                                                          {ItemType_integer, "integer"}};
-    return std::string("ItemType_") + names.at(type);
-  }
-
   static std::string RuleName(CWhitespaceUtils::WhitespaceRule rule) {
     return rule == CWhitespaceUtils::preserve ? "preserve" : rule == CWhitespaceUtils::replace ? "replace" : "collapse";
   }
-
-  // The namespace of names in tables: kNs for the target namespace.
-  static std::string Uri(const std::wstring& uri) { return ToLiteral(uri); }
 
   void ClassSource(const PlannedClass& object, CText& out) {
     const ClassBinding& binding = *object.binding;
     const PlannedDocument& document = *object.document;
     const std::string base = object.base != nullptr ? Name(*object.base, document) : "CModelObject";
     Tables(object, out);
+    Model(object, out);
     const bool begins = std::any_of(binding.attributes.begin(), binding.attributes.end(),
                                     [](const AttributeBinding& a) { return a.defaultValue.exists; });
     const std::string body = begins ? " { Begin(); }" : " {}";
@@ -758,57 +752,63 @@ class CEmitter {
 
   void Tables(const PlannedClass& object, CText& out) {
     const ClassBinding& binding = *object.binding;
-    const PlannedDocument& document = *object.document;
-    const std::string members = "k" + object.tables + "Members";
-    const std::string attributes = "k" + object.tables + "Attributes";
-    const bool hasTables =
-        !binding.members.empty() || !binding.attributes.empty() || binding.attributeWildcard != nullptr;
-    if (hasTables) {
-      out.Line("namespace {");
-      out.Line();
-    }
+    if (binding.members.empty() && binding.attributes.empty() && binding.attributeWildcard == nullptr) return;
+    out.Line("namespace {");
+    out.Line();
+    MemberTable(object, out);
+    AttributeTable(object, out);
+    out.Line("}  // namespace");
+    out.Line();
+  }
+
+  static void Table(const std::string& head, const std::vector<std::string>& rows, CText& out) {
+    if (rows.empty()) return;
+    out.Line(head + "[] = {");
+    for (const std::string& row : rows) out.Broken("    " + row + ",", 8);
+    out.Line("};");
+    out.Line();
+  }
+
+  void MemberTable(const PlannedClass& object, CText& out) {
     std::size_t wildcards = 0;
-    for (const MemberBinding& member : binding.members)
-      if (member.wildcard != nullptr)
-        WildcardTable(*member.wildcard, "k" + object.tables + "Any" + std::to_string(++wildcards), out);
-    if (binding.attributeWildcard != nullptr)
-      WildcardTable(*binding.attributeWildcard, "k" + object.tables + "AnyAttribute", out);
-    if (!binding.members.empty()) {
-      out.Line("constexpr MemberModel " + members + "[] = {");
-      wildcards = 0;
-      for (std::size_t i = 0; i < binding.members.size(); ++i) {
-        const MemberBinding& member = binding.members[i];
-        if (member.wildcard != nullptr) ++wildcards;
-        out.Broken("    " + Member(object, member, *object.members[i], wildcards) + ",", 8);
+    std::vector<std::string> rows;
+    for (const MemberBinding& member : object.binding->members) {
+      const std::string any = "k" + object.tables + "Any" + std::to_string(wildcards + 1);
+      if (member.wildcard != nullptr) {
+        WildcardTable(*member.wildcard, any, out);
+        ++wildcards;
       }
-      out.Line("};");
-      out.Line();
+      const std::string number = std::to_string(rows.size() + 1);
+      rows.push_back(Member(object, member, *object.members[rows.size()], any) +
+                     Default(member.defaultValue, "k" + object.tables + "Member" + number + "Prefixes", out));
     }
-    if (!binding.attributes.empty()) {
-      out.Line("constexpr AttributeModel " + attributes + "[] = {");
-      for (std::size_t i = 0; i < binding.attributes.size(); ++i) {
-        const AttributeBinding& attribute = binding.attributes[i];
-        std::string line = "AttributeModel(" + Number(object.attributes[i]->number) + ", " + ToLiteral(attribute.name) +
-                           ", " + Uri(attribute.namespaceUri) + ", " + Mark(attribute.value) + ")";
-        if (!attribute.isOptional) line += ".Required()";
-        line += Default(attribute.defaultValue);
-        out.Broken("    " + line + ",", 8);
-      }
-      out.Line("};");
-      out.Line();
+    Table("constexpr MemberModel k" + object.tables + "Members", rows, out);
+  }
+
+  void AttributeTable(const PlannedClass& object, CText& out) {
+    if (object.binding->attributeWildcard != nullptr)
+      WildcardTable(*object.binding->attributeWildcard, "k" + object.tables + "AnyAttribute", out);
+    std::vector<std::string> rows;
+    for (const AttributeBinding& attribute : object.binding->attributes) {
+      const std::string number = std::to_string(rows.size() + 1);
+      std::string row = "AttributeModel(" + Number(object.attributes[rows.size()]->number) + ", " +
+                        ToLiteral(attribute.name) + ", " + ToLiteral(attribute.namespaceUri) + ", " +
+                        Mark(attribute.value) + ")";
+      if (!attribute.isOptional) row += ".Required()";
+      rows.push_back(row +
+                     Default(attribute.defaultValue, "k" + object.tables + "Attribute" + number + "Prefixes", out));
     }
-    if (hasTables) {
-      out.Line("}  // namespace");
-      out.Line();
-    }
+    Table("constexpr AttributeModel k" + object.tables + "Attributes", rows, out);
+  }
+
+  void Model(const PlannedClass& object, CText& out) {
+    const ClassBinding& binding = *object.binding;
+    const PlannedDocument& document = *object.document;
     static constexpr const char* kGroups[] = {"Sequence", "Choice", "All"};
     out.Line("const ClassModel " + object.name + "::kModel([] {");
     const bool isNew = !binding.isAbstract;
-    // A group and an anonymous type have no name, but a namespace.
-    const std::wstring ns = binding.typeName.empty() ? document.schema->targetNamespace : binding.typeName.namespaceUri;
     out.Broken("  ClassData data(" + ToLiteral(binding.typeName.localName) + ", " +
-                   Uri(binding.typeName.empty() ? std::wstring() : ns) + ", XmlElementGroupType_" +
-                   kGroups[binding.group] + ", " +
+                   ToLiteral(binding.typeName.namespaceUri) + ", XmlElementGroupType_" + kGroups[binding.group] + ", " +
                    (isNew ? "NewModelObject<" + object.name + ">" : std::string("nullptr")) + ");",
                6);
     const auto set = [&](const std::string& name, const std::string& value) {
@@ -829,8 +829,8 @@ class CEmitter {
                          m_plan.NameOf(object.element) + "Element");
     }
     if (binding.IsInline()) set("elementType", "XmlElementType_InlineGroup");
-    if (!binding.members.empty()) set("members", members);
-    if (!binding.attributes.empty()) set("attributes", attributes);
+    if (!binding.members.empty()) set("members", "k" + object.tables + "Members");
+    if (!binding.attributes.empty()) set("attributes", "k" + object.tables + "Attributes");
     if (binding.attributeWildcard != nullptr) {
       set("attributeWildcard", "&k" + object.tables + "AnyAttribute");
       set("attributeWildcardProperty", Number(object.anyAttribute->number));
@@ -871,10 +871,12 @@ class CEmitter {
     out.Line();
   }
 
+  // A row of the table, without a default or fixed value. `any` is the name of its wildcard.
   std::string Member(const PlannedClass& object, const MemberBinding& member, const Storage& storage,
-                     std::size_t wildcard) {
+                     const std::string& any) {
     const PlannedDocument& document = *object.document;
-    const std::string names = Number(storage.number) + ", " + ToLiteral(member.name) + ", " + Uri(member.namespaceUri);
+    const std::string names =
+        Number(storage.number) + ", " + ToLiteral(member.name) + ", " + ToLiteral(member.namespaceUri);
     std::string line;
     switch (member.kind) {
       case MemberBinding::Kind::Value:
@@ -882,8 +884,7 @@ class CEmitter {
         line = "ValueMember(" + names + ", " + Mark(member.value) + ")";
         break;
       case MemberBinding::Kind::Wildcard:
-        line =
-            "WildcardMember(" + Number(storage.number) + ", k" + object.tables + "Any" + std::to_string(wildcard) + ")";
+        line = "WildcardMember(" + Number(storage.number) + ", " + any + ")";
         break;
       default: {
         const char* const function = member.kind == MemberBinding::Kind::Object           ? "ObjectMember("
@@ -905,17 +906,23 @@ class CEmitter {
     if (member.isNillable) line += ".Nillable()";
     if (member.object != nullptr && member.object->kind == ClassBinding::Kind::SimpleType)
       line += ".Simple(" + Type(member.object->type, document) + ")";
-    if (member.element != nullptr &&
-        !m_plan.Find(member.object != nullptr ? member.object : object.binding)->binding->IsInline()) {
+    if (member.element != nullptr && member.kind != MemberBinding::Kind::InlineGroup) {
       const unsigned block = member.element->disallowedSubstitutions & (kExtension | kRestriction);
       if (block != 0) line += ".Block(" + std::to_string(block) + ")";
     }
-    return line + Default(member.defaultValue);
+    return line;
   }
 
-  static std::string Default(const DefaultBinding& value) {
+  static bool HasPrefixes(const ValueConstraint& constraint) {
+    return constraint.kind == ValueConstraintKind::Fixed && constraint.namespaces != nullptr &&
+           !constraint.namespaces->empty();
+  }
+
+  // The part of a row for the value. The prefixes of names stand in a table of the given name in front.
+  static std::string Default(const DefaultBinding& value, const std::string& prefixes, CText& out) {
     if (!value.exists) return {};
-    return (value.isFixed ? ".Fixed(" : ".Default(") + ToLiteral(value.text) + ")";
+    return (value.isFixed ? ".Fixed(" : ".Default(") + ToLiteral(value.text) +
+           (HasPrefixes(*value.constraint) ? ", " + Prefixes(*value.constraint->namespaces, prefixes, out) : "") + ")";
   }
 
   void Elements(const std::vector<const RootBinding*>& roots, const PlannedDocument& document, CText& out) {
@@ -940,12 +947,16 @@ class CEmitter {
     const ElementDeclaration& element = *root.element;
     const std::string& name = m_plan.NameOf(&element);
     const PlannedClass& object = *m_plan.Find(root.object);
-    const std::string value = element.value
-                                  ? "{" + ToLiteral(element.value.normalized) + ", " +
-                                        (element.value.kind == ValueConstraintKind::Fixed ? "true" : "false") + ", {}}"
-                                  : "{}";
+    std::string value = "{}";
+    if (element.value) {
+      const bool isFixed = element.value.kind == ValueConstraintKind::Fixed;
+      value = "{" + ToLiteral(element.value.normalized) + (isFixed ? ", true, " : ", false, ") +
+              (HasPrefixes(element.value) ? Prefixes(*element.value.namespaces, "k" + name + "ElementPrefixes", out)
+                                          : "{}") +
+              "}";
+    }
     out.Broken("const ElementModel k" + name + "Element = {" + ToLiteral(element.name.localName) + ", " +
-                   Uri(element.name.namespaceUri) + ", &" + Name(object, document) + "::kModel, " +
+                   ToLiteral(element.name.namespaceUri) + ", &" + Name(object, document) + "::kModel, " +
                    (element.type->IsSimple() ? Type(element.type, document) : std::string("nullptr")) + ", " + value +
                    ", " + std::to_string(element.disallowedSubstitutions & (kExtension | kRestriction)) + ", " +
                    (element.isNillable ? "true" : "false") + ", " + (element.isAbstract ? "true" : "false") + "};",
@@ -967,19 +978,15 @@ class CEmitter {
       if (type->IsSimple()) types.push_back(Type(type, document));
     std::size_t number = 0;
     for (const AttributeDeclaration* attribute : m_plan.GetBinding().GetSchemas().GetAttributes()) {
-      const std::string model = "kAttribute" + std::to_string(++number) + "Values";
+      const std::string model = "kAttribute" + std::to_string(++number) + "Model";
       out.Broken("constexpr ValueModel " + model + " = ValueModel(ItemType_string, CWhitespaceUtils::preserve).Type(" +
                      Type(attribute->type, document) + ");",
                  4);
       std::string line = "AttributeModel(0, " + ToLiteral(attribute->name.localName) + ", " +
-                         Uri(attribute->name.namespaceUri) + ", " + model + ")";
-      if (attribute->value.kind == ValueConstraintKind::Fixed) {
-        std::string prefixes;
-        if (attribute->value.namespaces != nullptr)
-          prefixes =
-              ", " + Prefixes(*attribute->value.namespaces, "kAttribute" + std::to_string(number) + "Prefixes", out);
-        line += ".Fixed(" + ToLiteral(attribute->value.normalized) + prefixes + ")";
-      }
+                         ToLiteral(attribute->name.namespaceUri) + ", " + model + ")";
+      if (attribute->value.kind == ValueConstraintKind::Fixed)
+        line += Default({true, true, attribute->value.normalized, &attribute->value},
+                        "kAttribute" + std::to_string(number) + "Prefixes", out);
       attributes.push_back(line);
     }
     for (const auto& other : m_plan.GetDocuments()) {
@@ -989,21 +996,14 @@ class CEmitter {
       for (const RootBinding* root : other->roots)
         elements.push_back("&" + scope + "k" + m_plan.NameOf(root->element) + "Element");
     }
-    const auto table = [&](const std::string& head, const std::vector<std::string>& entries) {
-      if (entries.empty()) return;
-      out.Line(head + "[] = {");
-      for (const std::string& entry : entries) out.Line("    " + entry + ",");
-      out.Line("};");
-      out.Line();
-    };
-    table("const ClassModel* const kClasses", classes);
-    table("const ElementModel* const kElements", elements);
-    table("constexpr AttributeModel kGlobalAttributes", attributes);
-    table("const CSimpleType* const kSimpleTypes", types);
+    Table("const ClassModel* const kClasses", classes, out);
+    Table("const ElementModel* const kElements", elements, out);
+    Table("constexpr AttributeModel kAttributeModels", attributes, out);
+    Table("const CSimpleType* const kSimpleTypes", types, out);
     out.Line("}  // namespace");
     out.Line();
     out.Line(std::string("const SchemaModel kSchema = {") + (classes.empty() ? "{}" : "kClasses") + ", " +
-             (elements.empty() ? "{}" : "kElements") + ", " + (attributes.empty() ? "{}" : "kGlobalAttributes") + ", " +
+             (elements.empty() ? "{}" : "kElements") + ", " + (attributes.empty() ? "{}" : "kAttributeModels") + ", " +
              (types.empty() ? "{}" : "kSimpleTypes") + "};");
     out.Line();
   }
@@ -1014,6 +1014,7 @@ class CEmitter {
   std::vector<const ValueBinding*> m_marked;
   std::unordered_map<const ValueBinding*, std::string> m_valueNames;
   std::set<const SimpleTypeDefinition*> m_usedTypes;  // of the source at work
+  CScope m_stems;                                     // of all files
 };
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include <map>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "schema/bind/Binding.h"
@@ -15,6 +16,10 @@ struct EmitOptions {
   std::map<std::wstring, std::string> namespaces;
   std::string generator = "rkxml";  // who made the sources, for their first line
 };
+
+// Whether generated code can stand in a namespace called so ("my::order"): each part is an identifier, and no keyword,
+// macro, function of the C library or name of this library.
+bool IsNamespaceName(std::string_view name);
 
 // One header or source, in UTF-8.
 struct EmittedFile {

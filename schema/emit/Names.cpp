@@ -1,8 +1,10 @@
 #include "schema/emit/internal/Names.h"
 
 #include <algorithm>
+#include <cctype>
 
 #include "RkXmlLib16/io/Encoder.h"
+#include "schema/emit/Emitter.h"
 
 namespace RkXmlSchema {
 
@@ -20,32 +22,32 @@ std::string ToHex(wchar_t c, int digits) {
   return text;
 }
 
-const std::unordered_set<std::string>& Keywords() {
-  static const std::unordered_set<std::string> words = {
-      "alignas", "alignof", "and", "and_eq", "asm", "auto", "bitand", "bitor", "bool", "break", "case", "catch", "char",
-      "char8_t", "char16_t", "char32_t", "class", "compl", "concept", "const", "consteval", "constexpr", "constinit",
-      "const_cast", "continue", "co_await", "co_return", "co_yield", "decltype", "default", "delete", "do", "double",
-      "dynamic_cast", "else", "enum", "explicit", "export", "extern", "false", "float", "for", "friend", "goto", "if",
-      "inline", "int", "long", "mutable", "namespace", "new", "noexcept", "not", "not_eq", "nullptr", "operator", "or",
-      "or_eq", "private", "protected", "public", "register", "reinterpret_cast", "requires", "return", "short",
-      "signed", "sizeof", "static", "static_assert", "static_cast", "struct", "switch", "template", "this",
-      "thread_local", "throw", "true", "try", "typedef", "typeid", "typename", "union", "unsigned", "using", "virtual",
-      "void", "volatile", "wchar_t", "while", "xor", "xor_eq",
-      // macros of the C library and of compilers
-      "assert", "BUFSIZ", "CHAR_BIT", "CHAR_MAX", "CHAR_MIN", "DOMAIN", "EDOM", "EILSEQ", "EOF", "ERANGE", "errno",
-      "EXIT_FAILURE", "EXIT_SUCCESS", "FILENAME_MAX", "HUGE_VAL", "I", "INFINITY", "INT_MAX", "INT_MIN", "linux",
-      "LONG_MAX", "LONG_MIN", "major", "makedev", "minor", "NAN", "NDEBUG", "NULL", "offsetof", "OVERFLOW", "PLOSS",
-      "RAND_MAX", "SEEK_CUR", "SEEK_END", "SEEK_SET", "setjmp", "SHRT_MAX", "SHRT_MIN", "SIGABRT", "SIGFPE", "SIGILL",
-      "SIGINT", "signal", "SIGSEGV", "SIGTERM", "SING", "stderr", "stdin", "stdout", "TLOSS", "TMP_MAX", "UCHAR_MAX",
-      "UINT_MAX", "ULONG_MAX", "UNDERFLOW", "unix", "USHRT_MAX", "va_arg", "va_end", "va_start", "WCHAR_MAX",
-      "WCHAR_MIN", "WEOF"};
-  return words;
+bool IsHighSurrogate(wchar_t c) { return c >= 0xD800 && c < 0xDC00; }
+bool IsLowSurrogate(wchar_t c) { return c >= 0xDC00 && c < 0xE000; }
+
+// "u" and the number of the character, four digits at least.
+std::string ToCode(wchar_t c) { return "u" + ToHex(c, c > 0xFFFF ? 6 : 4); }
+
+// Wide text may hold characters beyond U+FFFF as pairs of surrogates, literals of this length do not.
+std::wstring JoinPairs(std::wstring_view text) {
+  std::wstring joined(text);
+  joined.resize(RkXmlLib16::JoinSurrogatePairs(joined.data(), joined.size()));
+  return joined;
 }
+
+// Marks of the writing direction, of which compilers warn.
+bool IsDirection(wchar_t c) { return (c >= 0x202A && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069); }
 
 std::string Escape(std::string name) {
   if (name.empty()) return "empty";
   if (IsDigit(static_cast<wchar_t>(name[0]))) name.insert(0, "v");
-  return Keywords().count(name) != 0 ? name + '_' : name;
+  return Keywords().count(name) != 0 || IsMacro(name) ? name + '_' : name;
+}
+
+std::string EscapeNamespace(const std::string& name) {
+  if (name.empty()) return "Schema";
+  const std::string escaped = Escape(name);
+  return GlobalNames().count(escaped) != 0 ? escaped + '_' : escaped;
 }
 
 // Names with "__", or with "_" and a capital in front, belong to the compiler.
@@ -61,7 +63,7 @@ std::string DropReserved(const std::string& name) {
 std::string ToIdentifier(std::wstring_view name) {
   std::string result;
   bool isBreak = false;
-  for (const wchar_t c : name) {
+  for (const wchar_t c : JoinPairs(name)) {
     if (IsLetter(c) || IsDigit(c) || c == L'_') {
       // Digits that were apart stay apart: 1.0 is 1_0.
       if (isBreak && !result.empty() && IsDigit(c) && IsDigit(static_cast<wchar_t>(result.back()))) result += '_';
@@ -70,7 +72,7 @@ std::string ToIdentifier(std::wstring_view name) {
     } else if (c < 0x80) {
       isBreak = true;
     } else {
-      result += "u" + ToHex(c, c > 0xFFFF ? 6 : 4);
+      result += ToCode(c);
     }
   }
   return DropReserved(result);
@@ -78,14 +80,15 @@ std::string ToIdentifier(std::wstring_view name) {
 
 std::string ToPascal(std::wstring_view name) {
   std::string result = ToIdentifier(name);
-  if (!result.empty()) result[0] = ToUpper(result[0]);
+  if (result.empty()) return "Unnamed";
+  result[0] = ToUpper(result[0]);
   return result;
 }
 
 std::string ToEnumerator(std::wstring_view text) {
   std::string result = ToIdentifier(text);
-  if (result.empty() && !text.empty())
-    for (const wchar_t c : text) result += "u" + ToHex(c, c > 0xFFFF ? 6 : 4);
+  if (result.empty())
+    for (const wchar_t c : text) result += ToCode(c);
   return Escape(result);
 }
 
@@ -106,12 +109,31 @@ std::string ToNamespace(std::wstring_view uri) {
   for (std::size_t i = first; i < words.size(); ++i) joined += (joined.empty() ? L"" : L"_") + words[i];
   std::string result = ToIdentifier(joined);
   while (!result.empty() && result.back() == '_') result.pop_back();
-  return result.empty() ? "Schema" : Escape(result);
+  return EscapeNamespace(result);
+}
+
+std::string ToNamespaceOfFile(std::wstring_view stem) { return EscapeNamespace(ToPascal(stem)); }
+
+bool IsNamespaceName(std::string_view name) {
+  while (true) {
+    const std::size_t end = std::min(name.find("::"), name.size());
+    const std::string part(name.substr(0, end));
+    const bool isIdentifier =
+        !part.empty() && !IsDigit(static_cast<wchar_t>(part[0])) && std::all_of(part.begin(), part.end(), [](char c) {
+          return IsLetter(static_cast<wchar_t>(c)) || IsDigit(static_cast<wchar_t>(c)) || c == '_';
+        });
+    if (!isIdentifier || EscapeNamespace(part) != part || DropReserved(part) != part) return false;
+    if (end == name.size()) return true;
+    name.remove_prefix(end + 2);
+  }
 }
 
 std::string ToLiteral(std::wstring_view text) {
   std::string result = "L\"";
+  bool isAfterHex = false;  // which takes all digits that follow it
   for (const wchar_t c : text) {
+    if (isAfterHex && c < 0x80 && std::isxdigit(static_cast<unsigned char>(c)) != 0) result += "\" L\"";
+    isAfterHex = IsHighSurrogate(c) || IsLowSurrogate(c);
     if (c == L'"' || c == L'\\') {
       result += '\\';
       result += static_cast<char>(c);
@@ -128,6 +150,8 @@ std::string ToLiteral(std::wstring_view text) {
       }
     } else if (c < 0x7F) {
       result += static_cast<char>(c);
+    } else if (isAfterHex) {
+      result += "\\x" + ToHex(c, 4);
     } else if (c <= 0xFFFF) {
       result += "\\u" + ToHex(c, 4);
     } else {
@@ -137,13 +161,14 @@ std::string ToLiteral(std::wstring_view text) {
   return result + '"';
 }
 
-std::vector<std::string> ToComment(std::wstring_view text, std::size_t indent, std::size_t most) {
+std::vector<std::string> ToComment(std::wstring_view given, std::size_t indent, std::size_t most) {
+  const std::wstring text = JoinPairs(given);
   constexpr std::size_t kWidth = 116;
   std::vector<std::string> lines;
   std::wstring line;
   const auto flush = [&] {
     if (line.empty()) return;
-    while (!line.empty() && (line.back() == L'\\' || line.back() == L'/')) line.pop_back();
+    while (!line.empty() && line.back() == L'\\') line.pop_back();
     lines.push_back(std::string(indent, ' ') + "// " + RkXmlLib16::ToUtf8(line));
     line.clear();
   };
@@ -151,13 +176,13 @@ std::vector<std::string> ToComment(std::wstring_view text, std::size_t indent, s
   while (at < text.size() && lines.size() < most) {
     std::size_t end = at;
     while (end < text.size() && text[end] > 0x20) ++end;
-    const std::wstring_view word = text.substr(at, std::min<std::size_t>(end - at, 200));
+    const std::wstring_view word = std::wstring_view(text).substr(at, std::min<std::size_t>(end - at, 200));
     if (!word.empty()) {
       if (!line.empty() && line.size() + 1 + word.size() + indent > kWidth) flush();
       if (!line.empty()) line += L' ';
       for (const wchar_t c : word) {
         if (c == L'?' && !line.empty() && line.back() == L'?') line += L' ';
-        if (c < 0x7F || c >= 0xA0) line += c;
+        if ((c < 0x7F || c >= 0xA0) && !IsDirection(c)) line += c;
       }
     }
     at = end + 1;
@@ -170,114 +195,15 @@ std::vector<std::string> ToComment(std::wstring_view text, std::size_t indent, s
   return lines;
 }
 
-std::string CScope::Add(const std::string& name) {
+std::string CScope::Add(const std::string& name, std::initializer_list<NameForm> forms) {
+  const auto isFree = [&](const std::string& wanted) {
+    return std::none_of(forms.begin(), forms.end(),
+                        [&](const NameForm& form) { return m_taken.count(form.before + wanted + form.behind) != 0; });
+  };
   std::string free = name;
-  for (int number = 2; !m_taken.insert(free).second; ++number) free = name + std::to_string(number);
+  for (int& number = m_numbers[name]; !isFree(free);) free = name + std::to_string(number = std::max(number, 1) + 1);
+  for (const NameForm& form : forms) m_taken.insert(form.before + free + form.behind);
   return free;
-}
-
-const std::unordered_set<std::string>& LibraryNames() {
-  static const std::unordered_set<std::string> names = {"CAttributeCol",
-                                                        "CAttributeInfo",
-                                                        "CBigInteger",
-                                                        "CBinaryData",
-                                                        "CClassfactoryBase",
-                                                        "CDateTime",
-                                                        "CDateTimeSpan",
-                                                        "CDecimal",
-                                                        "CElement",
-                                                        "CElementCol",
-                                                        "CElementInfo",
-                                                        "CEncoder",
-                                                        "CFile",
-                                                        "CFileName",
-                                                        "CJsonContext",
-                                                        "CModelClass",
-                                                        "CModelCollection",
-                                                        "CModelCollectionBase",
-                                                        "CModelObject",
-                                                        "CParentElementInfo",
-                                                        "CPrimitiveRestrictions",
-                                                        "CPropertySet",
-                                                        "CRareValue",
-                                                        "CReadLimits",
-                                                        "CRegEx",
-                                                        "CRkException",
-                                                        "CSerializationContext",
-                                                        "CSharedName",
-                                                        "CSimpleType",
-                                                        "CSmartPtr",
-                                                        "CStringBuffer",
-                                                        "CTextStream",
-                                                        "CValueCollection",
-                                                        "CVocabulary",
-                                                        "CWhitespaceUtils",
-                                                        "CXmlAttribute",
-                                                        "CXmlCollection",
-                                                        "CXmlCollectionBase",
-                                                        "CXmlDocument",
-                                                        "CXmlElement",
-                                                        "CXmlGeneratedClass",
-                                                        "CXmlName",
-                                                        "CXmlObjectBase",
-                                                        "CXmlObjectCollection",
-                                                        "CXmlObjectHelper",
-                                                        "CXmlText",
-                                                        "CXmlTypeCollection",
-                                                        "CXmlWriter",
-                                                        "ChexBinaryCol",
-                                                        "Cbase64BinaryCol",
-                                                        "Ci1Col",
-                                                        "Ci2Col",
-                                                        "Ci4Col",
-                                                        "Ci8Col",
-                                                        "Cui1Col",
-                                                        "Cui2Col",
-                                                        "Cui4Col",
-                                                        "Cui8Col",
-                                                        "Cr4Col",
-                                                        "Cr8Col",
-                                                        "CdurationCol",
-                                                        "CyearMonthCol",
-                                                        "CmonthDayCol",
-                                                        "CyearCol",
-                                                        "CmonthCol",
-                                                        "CdayCol",
-                                                        "CdateCol",
-                                                        "CtimeCol",
-                                                        "CdatetimeCol",
-                                                        "CstringCol",
-                                                        "CbooleanCol",
-                                                        "CdecimalCol",
-                                                        "CintegerCol",
-                                                        "EOLType",
-                                                        "NewFor",
-                                                        "kNs",
-                                                        "kSchema",
-                                                        "ReadDocument",
-                                                        "ReadFile",
-                                                        "ToText"};
-  return names;
-}
-
-const std::unordered_set<std::string>& LibraryProperties() {
-  static const std::unordered_set<std::string> names = {"",
-                                                        "Base",
-                                                        "ClassAttributeInfo",
-                                                        "ClassElementInfo",
-                                                        "ClassElementInfoCount",
-                                                        "ClassInfo",
-                                                        "Declaration",
-                                                        "ElementName",
-                                                        "ElementNameRef",
-                                                        "Model",
-                                                        "Namespace",
-                                                        "Nil",
-                                                        "NilFlag",
-                                                        "RefCount",
-                                                        "Selected",
-                                                        "TargetNamespace"};
-  return names;
 }
 
 }  // namespace RkXmlSchema

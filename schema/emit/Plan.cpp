@@ -1,121 +1,33 @@
 #include "schema/emit/internal/Plan.h"
 
 #include <algorithm>
+#include <cstring>
 #include <set>
 
+#include "RkXmlLib16/base/XsdTypes.h"
 #include "RkXmlLib16/io/Encoder.h"
 
 namespace RkXmlSchema {
 
 using namespace RkXmlLib16;
 
+const CppType& CppTypeOf(ItemType type) {
+#define RKXML_ROW(Kind, Name, Property, Value) {"ItemType_" #Kind, "C" #Name "Col", #Value},
+  static constexpr CppType kTypes[] = {{}, RKXML_XSD_TYPES(RKXML_ROW, RKXML_ROW, RKXML_ROW)};
+#undef RKXML_ROW
+  return kTypes[type];
+}
+
 namespace {
-
-std::string TypeOf(ItemType type) {
-  switch (type) {
-    case ItemType_hexBinary:
-    case ItemType_base64Binary:
-      return "CBinaryData";
-    case ItemType_byte:
-      return "char";
-    case ItemType_short:
-      return "short";
-    case ItemType_int:
-      return "long";
-    case ItemType_long:
-      return "long long";
-    case ItemType_unsignedByte:
-    case ItemType_gMonth:
-    case ItemType_gDay:
-      return "unsigned char";
-    case ItemType_unsignedShort:
-    case ItemType_gYear:
-      return "unsigned short";
-    case ItemType_unsignedInt:
-      return "unsigned long";
-    case ItemType_unsignedLong:
-      return "unsigned long long";
-    case ItemType_float:
-      return "float";
-    case ItemType_double:
-      return "double";
-    case ItemType_duration:
-      return "CDateTimeSpan";
-    case ItemType_gYearMonth:
-    case ItemType_gMonthDay:
-    case ItemType_date:
-    case ItemType_dateTime:
-    case ItemType_time:
-      return "CDateTime";
-    case ItemType_boolean:
-      return "bool";
-    case ItemType_decimal:
-      return "CDecimal";
-    case ItemType_integer:
-      return "CBigInteger";
-    default:
-      return "std::wstring";
-  }
-}
-
-std::string CollectionOf(ItemType type) {
-  switch (type) {
-    case ItemType_hexBinary:
-      return "ChexBinaryCol";
-    case ItemType_base64Binary:
-      return "Cbase64BinaryCol";
-    case ItemType_byte:
-      return "Ci1Col";
-    case ItemType_short:
-      return "Ci2Col";
-    case ItemType_int:
-      return "Ci4Col";
-    case ItemType_long:
-      return "Ci8Col";
-    case ItemType_unsignedByte:
-      return "Cui1Col";
-    case ItemType_unsignedShort:
-      return "Cui2Col";
-    case ItemType_unsignedInt:
-      return "Cui4Col";
-    case ItemType_unsignedLong:
-      return "Cui8Col";
-    case ItemType_float:
-      return "Cr4Col";
-    case ItemType_double:
-      return "Cr8Col";
-    case ItemType_duration:
-      return "CdurationCol";
-    case ItemType_gYearMonth:
-      return "CyearMonthCol";
-    case ItemType_gMonthDay:
-      return "CmonthDayCol";
-    case ItemType_gYear:
-      return "CyearCol";
-    case ItemType_gMonth:
-      return "CmonthCol";
-    case ItemType_gDay:
-      return "CdayCol";
-    case ItemType_date:
-      return "CdateCol";
-    case ItemType_dateTime:
-      return "CdatetimeCol";
-    case ItemType_time:
-      return "CtimeCol";
-    case ItemType_boolean:
-      return "CbooleanCol";
-    case ItemType_decimal:
-      return "CdecimalCol";
-    case ItemType_integer:
-      return "CintegerCol";
-    default:
-      return "CstringCol";
-  }
-}
 
 // Large enough to stand apart where most objects do not have it.
 bool IsLarge(const std::string& type) {
   return type == "std::wstring" || type == "CBigInteger" || type == "CBinaryData" || type == "CDateTimeSpan";
+}
+
+// Not what include directives, rules of make or shells take for something else.
+bool IsPlainInNames(char c) {
+  return static_cast<unsigned char>(c) > 0x20 && std::strchr("\"\\<>:;|&$'`*?", c) == nullptr;
 }
 
 std::string StemOf(const std::wstring& file) {
@@ -124,7 +36,7 @@ std::string StemOf(const std::wstring& file) {
   const std::size_t dot = name.rfind(L'.');
   if (dot != std::wstring::npos && dot > 0) name.erase(dot);
   std::string stem;
-  for (const char c : ToUtf8(name)) stem += c == ' ' || c == '"' || c == '\\' ? '_' : c;
+  for (const char c : ToUtf8(name)) stem += IsPlainInNames(c) ? c : '_';
   static const std::set<std::string> taken = {
       "aio",      "alloca",  "assert",   "complex", "cpio",      "ctype",   "dirent",  "dlfcn",  "errno",     "fcntl",
       "fenv",     "float",   "fmtmsg",   "fnmatch", "ftw",       "glob",    "grp",     "iconv",  "inttypes",  "iso646",
@@ -135,6 +47,22 @@ std::string StemOf(const std::wstring& file) {
       "ulimit",   "unistd",  "utime",    "utmpx",   "values",    "wait",    "wchar",   "wctype", "wordexp",   "zlib"};
   if (taken.count(stem) != 0) stem += "_schema";
   return stem.empty() ? "schema" : stem;
+}
+
+std::string Upper(const std::string& text) {
+  std::string result;
+  for (const char c : text)
+    result += c >= 'a' && c <= 'z'                               ? static_cast<char>(c - 'a' + 'A')
+              : (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ? c
+                                                                 : '_';
+  return result;
+}
+
+// In every namespace.
+NameSet TakenNames() {
+  NameSet names = LibraryNames();
+  names.insert(Macros().begin(), Macros().end());
+  return names;
 }
 
 const ClassBinding& OwnerOf(const ClassBinding& object) {
@@ -154,6 +82,8 @@ std::string Field(const std::string& name) {
 CPlan::CPlan(const CBinding& binding, const EmitOptions& options) : m_binding(binding) {
   AddDocuments(options);
   NameClasses();
+  FindHomes();
+  OrderClasses();
   for (const auto& object : m_classes) PlaceClass(*object);
   NameTypes();
   for (const RootBinding& root : binding.GetRoots()) {
@@ -161,12 +91,8 @@ CPlan::CPlan(const CBinding& binding, const EmitOptions& options) : m_binding(bi
     document.roots.push_back(&root);
     PlannedClass* const object = m_byBinding.at(root.object);
     if (object->element == nullptr && !root.element->isAbstract) object->element = root.element;
-    const std::string wanted = ToPascal(root.element->name.localName);
-    std::string name = wanted;
-    for (int number = 2; document.scope->Has("New" + name) || document.scope->Has("k" + name + "Element"); ++number)
-      name = wanted + std::to_string(number);
-    document.scope->Add("New" + name);
-    document.scope->Add("k" + name + "Element");
+    const std::string name =
+        document.scope->Add(ToPascal(root.element->name.localName), {{"New", ""}, {"k", "Element"}});
     m_elements.emplace(root.element, name);
   }
 }
@@ -183,6 +109,7 @@ const PlannedEnum* CPlan::FindEnum(const ValueBinding* value) const {
 
 void CPlan::AddDocuments(const EmitOptions& options) {
   CScope stems;
+  CScope guards;
   CScope namespaces;
   std::map<std::wstring, std::string> names = options.namespaces;
   for (const SchemaDocument& schema : m_binding.GetSchemas().GetDocuments()) {
@@ -191,10 +118,12 @@ void CPlan::AddDocuments(const EmitOptions& options) {
     document->stem = stems.Add(StemOf(*schema.file));
     const auto known = names.find(schema.targetNamespace);
     if (known == names.end())
-      names[schema.targetNamespace] = namespaces.Add(
-          schema.targetNamespace.empty() ? ToPascal(FromUtf8(document->stem)) : ToNamespace(schema.targetNamespace));
+      names[schema.targetNamespace] =
+          namespaces.Add(schema.targetNamespace.empty() ? ToNamespaceOfFile(FromUtf8(document->stem))
+                                                        : ToNamespace(schema.targetNamespace));
     document->nameSpace = names[schema.targetNamespace];
-    document->scope = &m_scopes.try_emplace(document->nameSpace, LibraryNames()).first->second;
+    document->guard = guards.Add("RKXML_GENERATED_" + Upper(document->nameSpace) + "_" + Upper(document->stem) + "_H");
+    document->scope = &m_scopes.try_emplace(document->nameSpace, TakenNames()).first->second;
     m_documents.push_back(std::move(document));
   }
 }
@@ -300,12 +229,42 @@ void CPlan::NameClasses() {
       NameClass(*planned->binding, planned->binding->type != nullptr && planned->binding->type->ownerElement != nullptr
                                        ? ToPascal(planned->binding->type->ownerElement->name.localName)
                                        : "Anonymous");
-  // Bases first within a document; all else in the order of the binding.
+}
+
+void CPlan::FindHomes() {
+  std::map<const PlannedDocument*, std::set<const PlannedDocument*>> above;  // documents of bases, and of theirs
+  for (const auto& planned : m_classes)
+    if (planned->base != nullptr) above[planned->document].insert(planned->base->document);
+  for (auto& [document, all] : above) {
+    std::vector<const PlannedDocument*> open(all.begin(), all.end());
+    while (!open.empty()) {
+      const auto known = above.find(open.back());
+      open.pop_back();
+      if (known == above.end()) continue;
+      for (const PlannedDocument* next : known->second)
+        if (all.insert(next).second) open.push_back(next);
+    }
+  }
+  for (const auto& document : m_documents) {
+    const auto known = above.find(document.get());
+    for (std::size_t i = 0; known != above.end() && m_documents[i] != document; ++i) {
+      PlannedDocument& other = *m_documents[i];
+      if (known->second.count(&other) == 0 || above[&other].count(document.get()) == 0) continue;
+      document->home = &other;
+      break;
+    }
+    document->home->parts.push_back(document.get());
+  }
+}
+
+// Bases first; all else in the order of the binding.
+void CPlan::OrderClasses() {
   std::set<const PlannedClass*> done;
   const auto add = [&](PlannedClass* planned, const auto& self) -> void {
     if (planned == nullptr || !done.insert(planned).second) return;
     self(planned->base, self);
     planned->document->classes.push_back(planned);
+    planned->document->home->declarations.push_back(planned);
   };
   for (const auto& planned : m_classes) add(planned.get(), add);
 }
@@ -316,9 +275,8 @@ void CPlan::PlanEnum(const ValueBinding& value, const std::string& fallback, Pla
   planned->value = &value;
   const TypeDefinition& type = *value.type;
   planned->document = type.location.file != nullptr ? &DocumentOf(type.location, type.name.namespaceUri) : &document;
-  planned->name = planned->document->scope->Add("E" + (type.IsAnonymous() ? fallback : ToPascal(type.name.localName)));
-  planned->document->scope->Add(planned->name + "FromText");
-  planned->document->scope->Add("k" + planned->name + "Texts");
+  planned->name = planned->document->scope->Add("E" + (type.IsAnonymous() ? fallback : ToPascal(type.name.localName)),
+                                                {{"", ""}, {"", "FromText"}, {"k", "Texts"}});
   CScope names;
   for (const EnumerationValue& allowed : type.AsSimple()->facets.enumeration)
     planned->enumerators.push_back(names.Add(ToEnumerator(allowed.text)));
@@ -334,7 +292,7 @@ const Storage* CPlan::Place(PlannedClass& object, CScope& names, Storage storage
       const bool isSame = known->kind == storage.kind && known->xmlName == storage.xmlName &&
                           known->xmlNamespace == storage.xmlNamespace && known->type == storage.type &&
                           known->isNillable == storage.isNillable;
-      if (!isSame || known->note.substr(0, 4) != storage.note.substr(0, 4)) continue;
+      if (!isSame || known->note != storage.note) continue;
       const PlannedClass* at = storage.object;
       while (at != nullptr && at != known->object) at = at->base;
       if (known->object == at &&
@@ -345,7 +303,10 @@ const Storage* CPlan::Place(PlannedClass& object, CScope& names, Storage storage
   storage.number = object.count++;
   std::string name = storage.name;
   if (LibraryProperties().count(name) != 0) name += '_';
-  storage.name = names.Add(name);
+  if (storage.kind == Storage::Kind::Object)
+    storage.name = names.Add(name, {{"", ""}, {"OrAdd", ""}});
+  else
+    storage.name = names.Add(name);
   storage.field = Field(storage.name);
   object.own.push_back(std::make_unique<Storage>(std::move(storage)));
   return object.own.back().get();
@@ -371,13 +332,13 @@ void CPlan::PlaceClass(PlannedClass& object) {
                        ? (storage.enumeration->document->nameSpace == object.document->nameSpace
                               ? storage.enumeration->name
                               : "::" + storage.enumeration->document->nameSpace + "::" + storage.enumeration->name)
-                       : TypeOf(held.itemType);
+                       : CppTypeOf(held.itemType).value;
   };
 
   std::size_t rare = 0;
   for (const MemberBinding& member : binding.members)
     if (member.value != nullptr && member.cardinality == MemberBinding::Cardinality::Optional &&
-        member.kind == MemberBinding::Kind::Value && IsLarge(TypeOf(member.value->itemType)))
+        member.kind == MemberBinding::Kind::Value && IsLarge(CppTypeOf(member.value->itemType).value))
       ++rare;
 
   for (const MemberBinding& member : binding.members) {
@@ -393,7 +354,7 @@ void CPlan::PlaceClass(PlannedClass& object) {
         value(storage, *member.value, member.name);
         if (member.IsCollection()) {
           storage.kind = Storage::Kind::Values;
-          storage.type = CollectionOf(member.value->itemType);
+          storage.type = CppTypeOf(member.value->itemType).collection;
         } else {
           storage.isNillable = member.isNillable;
           storage.isRare = rare > 3 && member.cardinality == MemberBinding::Cardinality::Optional &&

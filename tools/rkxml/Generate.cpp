@@ -8,6 +8,7 @@
 
 #include "Commands.h"
 #include "Files.h"
+#include "Schema.h"
 #include "Text.h"
 #include "schema/bind/Binding.h"
 #include "schema/emit/Emitter.h"
@@ -16,13 +17,6 @@ using namespace RkXmlLib16;
 using namespace RkXmlSchema;
 
 namespace {
-
-std::string Lines(const std::vector<Diagnostic>& diagnostics, Severity severity) {
-  std::string lines;
-  for (const Diagnostic& diagnostic : diagnostics)
-    if (diagnostic.severity == severity) lines += ForTerminal(diagnostic.ToString()) + "\n";
-  return lines;
-}
 
 // The folder and those around it.
 void MakeFolder(const std::string& folder) {
@@ -60,16 +54,21 @@ std::string ForMake(const std::string& name) {
 }  // namespace
 
 void Generate(const Options& options) {
-  SchemaOptions schemaOptions;
-  schemaOptions.catalogFile = CEncoder::Utf8ToUnicode(options.catalog);
-  CSchemaSet schemas(schemaOptions);
-  for (const std::string& file : options.schemas) schemas.AddFile(CEncoder::Utf8ToUnicode(file));
-  if (!schemas.Resolve()) throw SchemaError(Lines(schemas.GetDiagnostics(), Severity::Error));
+  const std::unique_ptr<CSchemaSet> set = ReadSchemas(options, {});
+  const CSchemaSet& schemas = *set;
+  std::fputs(Lines(schemas.GetDiagnostics(), Severity::Warning).c_str(), stderr);
   const CBinding binding(schemas);
 
   EmitOptions emit;
   emit.generator = "rkxml " RKXML_TOOL_VERSION;
-  for (const auto& [uri, name] : options.namespaces) emit.namespaces[CEncoder::Utf8ToUnicode(uri)] = name;
+  for (const auto& [uri, name] : options.namespaces) {
+    const std::wstring wanted = FromUtf8(uri);
+    const auto& documents = schemas.GetDocuments();
+    if (std::none_of(documents.begin(), documents.end(),
+                     [&](const SchemaDocument& document) { return document.targetNamespace == wanted; }))
+      throw UsageError("no schema has the target namespace '" + ForTerminal(uri) + "'", "--namespace is not used");
+    emit.namespaces[wanted] = name;
+  }
   const std::vector<EmittedFile> files = EmitClasses(binding, emit);
 
   const std::string folder = options.folder.empty() ? "." : options.folder;

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "Text.h"
+#include "schema/emit/Emitter.h"
 
 using namespace RkXmlLib16;
 
@@ -96,17 +97,7 @@ void ApplyLimits(CReadLimits& limits, std::string_view value) {
 std::pair<std::string, std::string> NamespaceOption(std::string_view value) {
   const std::size_t equals = value.rfind('=');
   const std::string_view name = equals == std::string_view::npos ? std::string_view() : value.substr(equals + 1);
-  bool isName = !name.empty();
-  for (std::size_t i = 0; i < name.size(); ++i) {
-    const char c = name[i];
-    const bool isLetter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
-    const bool isFirst = i == 0 || name[i - 1] == ':';
-    if (c == ':')
-      isName &= i > 0 && i + 1 < name.size() && (name[i + 1] == ':') != (name[i - 1] == ':');
-    else
-      isName &= isLetter || (!isFirst && c >= '0' && c <= '9');
-  }
-  if (!isName) ThrowBadValue("--namespace", value, "URI=NAME with a C++ namespace");
+  if (!RkXmlSchema::IsNamespaceName(name)) ThrowBadValue("--namespace", value, "URI=NAME with a free C++ namespace");
   return {std::string(value.substr(0, equals)), std::string(name)};
 }
 

@@ -10,6 +10,12 @@ using namespace RkXmlSchema;
 
 namespace {
 
+bool IsRelativeFile(const std::wstring& location) {
+  return !location.empty() && location[0] != L'/' && location.find(L':') == std::wstring::npos;
+}
+
+}  // namespace
+
 std::string Lines(const std::vector<Diagnostic>& diagnostics, Severity severity) {
   std::string lines;
   for (const Diagnostic& diagnostic : diagnostics)
@@ -17,19 +23,18 @@ std::string Lines(const std::vector<Diagnostic>& diagnostics, Severity severity)
   return lines;
 }
 
-bool IsRelativeFile(const std::wstring& location) {
-  return !location.empty() && location[0] != L'/' && location.find(L':') == std::wstring::npos;
+std::unique_ptr<CSchemaSet> ReadSchemas(const Options& options, const std::vector<std::wstring>& locations) {
+  SchemaOptions schemaOptions;
+  schemaOptions.catalogFile = FromUtf8(options.catalog);
+  auto schemas = std::make_unique<CSchemaSet>(schemaOptions);
+  for (const std::string& file : options.schemas) schemas->AddFile(FromUtf8(file));
+  for (const std::wstring& file : locations) schemas->AddFile(file);
+  if (!schemas->Resolve()) throw SchemaError(Lines(schemas->GetDiagnostics(), Severity::Error));
+  return schemas;
 }
 
-}  // namespace
-
 Schema::Schema(const Options& options, const std::vector<std::wstring>& locations) {
-  SchemaOptions schemaOptions;
-  schemaOptions.catalogFile = CEncoder::Utf8ToUnicode(options.catalog);
-  m_set = std::make_unique<CSchemaSet>(schemaOptions);
-  for (const std::string& file : options.schemas) m_set->AddFile(CEncoder::Utf8ToUnicode(file));
-  for (const std::wstring& file : locations) m_set->AddFile(file);
-  if (!m_set->Resolve()) throw SchemaError(Lines(m_set->GetDiagnostics(), Severity::Error));
+  m_set = ReadSchemas(options, locations);
   m_binding = std::make_unique<CBinding>(*m_set);
   m_dynamic = std::make_unique<CDynamicSchema>(*m_binding);
 }

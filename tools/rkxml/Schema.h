@@ -8,10 +8,16 @@
 #include "Commands.h"
 #include "schema/dynamic/DynamicObject.h"
 
+// Reads the schemas of the options and `locations` beside them. Throws SchemaError.
+std::unique_ptr<RkXmlSchema::CSchemaSet> ReadSchemas(const Options& options,
+                                                     const std::vector<std::wstring>& locations);
+// A line each.
+std::string Lines(const std::vector<RkXmlSchema::Diagnostic>& diagnostics, RkXmlSchema::Severity severity);
+
 // The schemas of a call, ready to read documents.
 class Schema {
  public:
-  // Reads the schemas of the options and `locations` beside them. Throws SchemaError.
+  // As ReadSchemas.
   Schema(const Options& options, const std::vector<std::wstring>& locations);
 
   const RkXmlSchema::CDynamicSchema& Get() const { return *m_dynamic; }

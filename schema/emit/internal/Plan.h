@@ -16,6 +16,14 @@ namespace RkXmlSchema {
 struct PlannedClass;
 struct PlannedDocument;
 
+// What generated code calls values of a type.
+struct CppType {
+  const char* item;        // ItemType_int
+  const char* collection;  // Ci4Col
+  const char* value;       // long
+};
+const CppType& CppTypeOf(RkXmlLib16::ItemType type);
+
 // An enumeration: C++ names in the order of the values.
 struct PlannedEnum {
   const ValueBinding* value = nullptr;
@@ -39,11 +47,11 @@ struct Storage {
   const PlannedEnum* enumeration = nullptr;
   std::wstring xmlName;
   std::wstring xmlNamespace;
-  std::string note;  // what the comment says after the kind of thing and its name
+  std::string note;  // what it is: "Element", "Attribute", "Group", ...
   std::wstring documentation;
 };
 
-// A member, attribute, wildcard or text of a class, which a storage of its own or of a base class holds.
+// A class. Its members, attributes and text are held by storages of its own or of a base class.
 struct PlannedClass {
   const ClassBinding* binding = nullptr;
   PlannedDocument* document = nullptr;
@@ -63,12 +71,19 @@ struct PlannedClass {
 struct PlannedDocument {
   const SchemaDocument* schema = nullptr;
   std::string stem;                    // order
+  std::string guard;                   // of the header
   std::string nameSpace;               // my::order
   CScope* scope = nullptr;             // of the namespace
   std::vector<PlannedClass*> classes;  // bases first
   std::vector<PlannedEnum*> enums;
   std::vector<const RootBinding*> roots;
   std::vector<const SimpleTypeDefinition*> types;  // bases first
+
+  // Whose header declares the classes: the document itself, unless bases go in a circle between documents. Then it is
+  // the first of them.
+  PlannedDocument* home = this;
+  std::vector<const PlannedDocument*> parts;      // whose home this is
+  std::vector<const PlannedClass*> declarations;  // of all these, bases first
 };
 
 // The names and places of everything that is printed.
@@ -93,6 +108,8 @@ class CPlan {
   PlannedDocument& DocumentOf(const SourceLocation& location, const std::wstring& ns) const;
   PlannedDocument& DocumentOf(const ClassBinding& object) const;
   void NameClasses();
+  void FindHomes();
+  void OrderClasses();
   void NameTypes();
   void NameType(const SimpleTypeDefinition* type, const std::wstring& fallback);
   void NameClass(const ClassBinding& object, const std::string& name);

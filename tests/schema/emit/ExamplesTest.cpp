@@ -55,6 +55,19 @@ TEST(GeneratedTest, SaysTheSameOfEveryConstruct) {
        {">2</x:price>", ">-2</x:price>", "xsi:type='x:cheap'>9</x:price>", "xsi:type='x:cheap'>11</x:price>",
         "xsi:type='x:word'>one</x:price>", "/>", "xsi:nil='true'/>"})
     EXPECT_EQ(both.Compare(head + rest), L"") << rest;
+  // Names with prefixes of the document's own, defaults, blocked types.
+  const std::string whole = Slurp(fs::path(RKXML_FOLDER) / "constructs.xml");
+  for (const char* parts : {"<t:blocked xsi:type='t:cheap'>1</t:blocked>", "<t:free xsi:type='t:cheap'>1</t:free>",
+                            "<t:fixedName xmlns:y='urn:test:constructs'>y:name</t:fixedName>",
+                            "<t:fixedName>q:name</t:fixedName>", "<t:mark/>", "<t:mark>kStringValues</t:mark>"}) {
+    std::string document = whole;
+    EXPECT_EQ(both.Compare(document.insert(document.rfind("</"), parts)), L"") << parts;
+  }
+  for (const char* document : {"<y:title xmlns:y='urn:test:constructs'>y:name</y:title>",
+                               "<y:title xmlns:y='urn:test:constructs'>name</y:title>",
+                               "<y:upper xmlns:y='urn:test:constructs' u='1' level='\U0001F600a' size='L'/>",
+                               "<y:upper xmlns:y='urn:test:constructs' level='\U0001F600' size='XL'/>"})
+    EXPECT_EQ(both.Compare(document), L"") << document;
 }
 
 TEST(GeneratedTest, ResolvesNames) {
@@ -67,6 +80,9 @@ TEST(GeneratedTest, ResolvesNames) {
   EXPECT_EQ(constructs::EWordFromText(L"int"), constructs::EWord::int_);
   EXPECT_EQ(constructs::EWordFromText(L"EOF"), constructs::EWord::EOF_);
   EXPECT_NE(constructs::EWordFromText(L"+"), constructs::EWordFromText(L"-"));
+  const auto upper = constructs::NewUpper();
+  upper->SetLevel(constructs::ELevel::u01f600a);
+  EXPECT_EQ(upper->ToXmlUtf8(false), "<upper level=\"\U0001F600a\" xmlns=\"urn:test:constructs\"/>");
   constructs::CBase* const narrow = root->GetOrAddNarrow();
   narrow->SetX(L"kept by the base");
   EXPECT_TRUE(narrow->HasX());
