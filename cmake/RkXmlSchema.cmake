@@ -26,8 +26,8 @@ function(rkxml_add_schema target)
   endforeach()
   set(folder ${CMAKE_CURRENT_BINARY_DIR}/${target}.schemas)
   list(GET schemas 0 first)
-  get_filename_component(stem ${first} NAME_WE)
-  set(depfile ${folder}/${stem}.d)
+  get_filename_component(names ${first} NAME)
+  set(depfile ${folder}/${names}.d)
   set(arguments generate --out ${folder} --depfile ${depfile})
   foreach(name IN LISTS arg_NAMESPACE)
     list(APPEND arguments --namespace ${name})
@@ -66,7 +66,6 @@ function(rkxml_add_schema target)
     list(GET files 0 file)
     set(touch COMMAND ${CMAKE_COMMAND} -E touch ${file})
   endif()
-  get_filename_component(names ${first} NAME)
   add_custom_command(
     OUTPUT ${files}
     COMMAND RkXmlLib16::rkxml ${arguments} ${schemas}

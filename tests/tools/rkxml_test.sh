@@ -396,5 +396,15 @@ printf '// changed\n' >>order.cpp
 run 0 generate order.xsd
 [ order.xsd -nt order.h ] && [ order.cpp -nt order.xsd ] || fail "generate does not write what changed alone"
 
+mkdir 'nä 😀'
+sed '1s|<xs:element|<xs:include schemaLocation="gone.xsd"/>&|' order.xsd >'nä 😀/mü.xsd'
+LC_ALL=C run 0 generate --out made/ 'nä 😀/mü.xsd'
+[ "$(cat out)" = $'made/mü.h\nmade/mü.cpp' ] && [ -s made/mü.cpp ] || fail "generate makes $(cat out)"
+grep -q 'warning: The schema document \[gone.xsd\] cannot be opened.' err || fail "generate warns $(cat err)"
+refuses 2 "no schema has the target namespace 'urn:x'" generate --namespace urn:x=x order.xsd
+for name in class std time a::1b a:b a:: errno a__b; do
+  refuses 2 'a free C++ namespace' generate --namespace "=$name" order.xsd
+done
+
 [ "$failures" = 0 ] || { echo "$failures failures"; exit 1; }
 echo "all passed"

@@ -71,7 +71,8 @@ void Generate(const Options& options) {
   }
   const std::vector<EmittedFile> files = EmitClasses(binding, emit);
 
-  const std::string folder = options.folder.empty() ? "." : options.folder;
+  std::string folder = options.folder.empty() ? "." : options.folder;
+  while (folder.size() > 1 && folder.back() == '/') folder.pop_back();
   const auto pathOf = [&](const EmittedFile& file) { return folder == "." ? file.name : folder + "/" + file.name; };
   if (!options.list && folder != ".") MakeFolder(folder);
   for (const EmittedFile& file : files) {
