@@ -7,6 +7,8 @@
 //   Storage       Nodes, texts and names lie in three arenas (CArena), which are freed as wholes; nothing in them has a
 //                 destructor. An attribute block or text that must grow is extended if it lies last in its arena, else
 //                 it moves to one of twice the size.
+//   Builder       The usual case of adding nodes stands inline in CTreeBuilder, for the readers; the operations here do
+//                 the same for every case.
 //   Names         InternName holds each text once, in a table with open addressing. Invariant: within a document equal
 //                 names have equal addresses, and names are never dropped. The hash is keyed, so that no input can
 //                 choose names that collide.
@@ -24,15 +26,11 @@
 #include "RkXmlLib16/document/ElementTree.h"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 #include <cwchar>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <new>
-#include <set>
-#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 #include <vector>
@@ -43,10 +41,10 @@
 #include "RkXmlLib16/base/internal/WideText.h"
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/context/internal/ErrorSession.h"
-#include "RkXmlLib16/document/internal/Arena.h"
 #include "RkXmlLib16/document/internal/Pieces.h"
 #include "RkXmlLib16/document/internal/SiblingIndex.h"
 #include "RkXmlLib16/document/internal/Source.h"
+#include "RkXmlLib16/document/internal/Storage.h"
 
 namespace RkXmlLib16 {
 
@@ -63,81 +61,7 @@ std::wstring_view ViewOf(const wchar_t* text) {
 constexpr std::size_t kLongestSharedBlanks = 128;
 constexpr std::size_t kMostSharedBlanks = std::size_t{1} << 16;
 
-constexpr std::size_t BytesOfText(std::size_t capacity) {
-  return sizeof(CXmlTextBlock) + (capacity + 1) * sizeof(wchar_t);
-}
-
-constexpr std::size_t BytesOfAttributes(std::size_t capacity) {
-  return sizeof(CXmlAttributeBlock) + capacity * sizeof(CXmlAttribute);
-}
-
 }  // namespace
-
-// All nodes, texts and names of one document.
-struct RKXML_HIDDEN CXmlDocument::Storage {
-  // An element that is being built under a filter: what to go back to when the filter drops it.
-  struct OpenElement {
-    CXmlElement* previousSibling;
-    CArena::Mark nodes;
-    CArena::Mark texts;
-    std::size_t nodeCount;
-    std::size_t charCount;
-    std::size_t declarationCount;
-  };
-
-  explicit Storage(CXmlDocument& owner) : document(owner), emptyName(&owner, L"", 0, 0, 0) {}
-
-  void GrowNameTable();
-  void Open(CXmlElement* previousSibling);  // before an element is made
-  void CountNode();
-  void CountCharacters(std::size_t charCount);
-  void CountLasting(std::size_t charCount);  // the same for what no filter drops
-  [[noreturn]] void ThrowExceeded(const wchar_t* name, unsigned long value) const;
-  void DropDeclarations(std::size_t count);  // those after the first so many
-  // The block with space for `more` characters behind its text, moved if need be.
-  CXmlTextBlock* Reserve(CXmlTextBlock* block, std::size_t more);
-  // The shared block of the text of `block` (shared, or null) and the blanks; null when there can be none.
-  CXmlTextBlock* ShareBlanks(const CXmlTextBlock* block, std::wstring_view blanks);
-
-  const CXmlDocument& document;
-  CArena nodes;
-  CArena texts;
-  CArena names;
-  CXmlName emptyName;
-  std::vector<const CXmlName*> nameTable;  // open addressing, a power of two
-  std::size_t nameCount = 0;
-  std::map<std::wstring_view, const CXmlName*> aliases;  // prefix to namespace
-  struct Alias {
-    const CXmlName** entry = nullptr;  // in the map
-    bool isInner = false;
-  };
-  std::unordered_map<const CXmlName*, Alias> aliasesByAddress;  // the same without comparing prefixes
-  std::unordered_map<const CXmlName*, std::shared_ptr<const std::wstring>> sharedNames;
-  std::unordered_map<const CXmlElement*, std::vector<std::size_t>> sections;  // where they begin in the texts
-  std::vector<Declaration> declarations;                                      // in document order
-  std::size_t pendingDeclarations = 0;        // the last so many belong to the element that comes next
-  std::set<std::wstring_view> innerPrefixes;  // those that an inner element binds, and not as they were bound before
-  // The first declaration of an element. Made when it is asked for, of the first so many declarations.
-  std::unordered_map<const CXmlElement*, std::size_t> firstDeclarations;
-  std::size_t indexedDeclarations = 0;
-  struct BlanksStep {
-    const CXmlTextBlock* before;
-    CXmlTextBlock* after;
-  };
-  std::array<BlanksStep, 64> blanksSteps{};  // what was made of which block last, by both
-  std::size_t sharedBlankCount = 0;          // characters
-  std::size_t depth = 0;                     // of the current element
-  std::size_t nodeCount = 0;
-  std::size_t charCount = 0;
-  std::size_t lastingCharCount = 0;
-  std::vector<CRkDropped> noted;
-  std::vector<OpenElement> open;  // only with a filter or in pieces
-  // The first so many open elements have something outside them allocated after their start, so that dropping them
-  // cannot free it.
-  std::size_t pinned = 0;
-  std::unique_ptr<CSiblingIndex> siblings;  // while it may hold, see CSiblingIndex::Of
-  std::size_t indexedAliases = 0;           // declarations that it knows
-};
 
 void CXmlDocument::Storage::GrowNameTable() {
   std::vector<const CXmlName*> grown(std::max<std::size_t>(64, nameTable.size() * 2));
@@ -199,6 +123,16 @@ CXmlTextBlock* CXmlDocument::Storage::Reserve(CXmlTextBlock* block, std::size_t 
   if (block != nullptr) std::wmemcpy(moved->Chars(), block->Chars(), length);
   moved->Chars()[length] = L'\0';
   return moved;
+}
+
+CXmlTextBlock* CXmlDocument::Storage::Keep(std::wstring_view text) {
+  if (text.empty()) return nullptr;
+  if (text.size() > UINT32_MAX / 2) throw CRkException(L"A value is too long.");
+  auto* const block =
+      new (names.Allocate(BytesOfText(text.size()))) CXmlTextBlock{static_cast<std::uint32_t>(text.size()), 0};
+  std::wmemcpy(block->Chars(), text.data(), text.size());
+  block->Chars()[text.size()] = L'\0';
+  return block;
 }
 
 CXmlTextBlock* CXmlDocument::Storage::ShareBlanks(const CXmlTextBlock* block, std::wstring_view blanks) {
@@ -500,14 +434,8 @@ CXmlAttribute* CXmlDocument::AddAttribute(CXmlElement* element, const CXmlName* 
 }
 
 CXmlTextBlock* CXmlDocument::StoreValue(std::wstring_view value) {
-  if (value.empty()) return nullptr;
-  if (value.size() > UINT32_MAX / 2) throw CRkException(L"A value is too long.");
   m_storage->CountLasting(value.size());
-  const auto length = static_cast<std::uint32_t>(value.size());
-  auto* const block = new (m_storage->names.Allocate(BytesOfText(length))) CXmlTextBlock{length, length};
-  std::wmemcpy(block->Chars(), value.data(), length);
-  block->Chars()[length] = L'\0';
-  return block;
+  return m_storage->Keep(value);
 }
 
 void CXmlDocument::AddElementAttribute(CXmlElement* element, const std::wstring& localName, const std::wstring& value,
@@ -887,14 +815,14 @@ CRkLocation CXmlAttribute::GetLocation() const {
   return source->Locate(offset, GetXPath());
 }
 
-bool CXmlAttribute::IsNamespaceAttribute() const noexcept {
+bool CXmlAttribute::HasNamespaceName() const noexcept {
   const CXmlText uri = GetNamespaceURI();
   if (uri != kXsiNamespace && uri != kXmlnsNamespace) return false;
   const CXmlText name = GetLocalName();
   return name == L"xmlns" || name == L"type" || name == L"schemaLocation" || name == L"noNamespaceSchemaLocation";
 }
 
-bool CXmlAttribute::IsNilAttribute() const noexcept {
+bool CXmlAttribute::HasNilName() const noexcept {
   const CXmlText uri = GetNamespaceURI();
   return (uri == kXsiNamespace || uri == kXmlnsNamespace) && GetLocalName() == L"nil";
 }

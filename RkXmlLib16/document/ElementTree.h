@@ -25,6 +25,7 @@ class CPieces;
 class CRkException;
 class CSerializationContext;
 class CSource;
+class CTreeBuilder;
 class CXmlDocument;
 class CXmlElement;
 
@@ -80,9 +81,9 @@ class RKXML_EXPORT CXmlAttribute {
   // CXmlElement::GetXPath.
   std::wstring GetXPath() const;
   // Namespace machinery: xsi:type, xsi:schemaLocation, xsi:noNamespaceSchemaLocation, xmlns.
-  bool IsNamespaceAttribute() const noexcept;
+  bool IsNamespaceAttribute() const noexcept { return !m_namespaceUri->empty() && HasNamespaceName(); }
   // xsi:nil.
-  bool IsNilAttribute() const noexcept;
+  bool IsNilAttribute() const noexcept { return !m_namespaceUri->empty() && HasNilName(); }
   // Where the attribute stands; that of the element when a DTD or an entity supplied it. See CXmlElement::GetLocation.
   CRkLocation GetLocation() const;
   const CXmlElement* GetElement() const noexcept { return m_element; }
@@ -91,7 +92,10 @@ class RKXML_EXPORT CXmlAttribute {
   const CXmlName* GetNamespaceRef() const noexcept { return m_namespaceUri; }
 
  private:
+  friend class CTreeBuilder;
   friend class CXmlDocument;
+  bool HasNamespaceName() const noexcept;
+  bool HasNilName() const noexcept;
   CXmlAttribute(const CXmlElement* element, const CXmlName* localName, const CXmlName* namespaceUri) noexcept
       : m_element(element), m_localName(localName), m_namespaceUri(namespaceUri) {}
 
@@ -159,6 +163,7 @@ class CXmlAttributes {
   iterator end() const noexcept { return iterator(First() + size()); }
 
  private:
+  friend class CTreeBuilder;
   friend class CXmlDocument;
   CXmlAttribute* First() const noexcept { return m_block != nullptr ? m_block->Attributes() : nullptr; }
 
@@ -233,6 +238,7 @@ class RKXML_EXPORT CXmlElement {
   static void operator delete(void*, void*) noexcept {}
 
  private:
+  friend class CTreeBuilder;
   friend class CXmlAttribute;
   friend class CXmlDocument;
   CXmlElement(CXmlElement* parent, const CXmlName* localName, const CXmlName* namespaceUri) noexcept
@@ -418,6 +424,7 @@ class RKXML_EXPORT CXmlDocument {
 
  private:
   friend class CSiblingIndex;
+  friend class CTreeBuilder;
   friend class CXmlAttribute;
   friend class CXmlElement;
   struct Input;
@@ -433,6 +440,7 @@ class RKXML_EXPORT CXmlDocument {
   void TellNoted();
   void ParseBytes(std::string_view bytes, std::shared_ptr<const void> owner, const std::wstring& fileName);
   void ParseXmlText();
+  bool ScanWideText(std::wstring_view text);
   bool KeepsText() const noexcept;
   wchar_t* ReserveOpenText(std::size_t charCount);
   void CommitOpenText(std::size_t charCount);

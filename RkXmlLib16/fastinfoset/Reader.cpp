@@ -14,6 +14,7 @@
 #include "RkXmlLib16/document/ElementTree.h"
 #include "RkXmlLib16/document/XmlWriter.h"
 #include "RkXmlLib16/document/internal/Names.h"
+#include "RkXmlLib16/document/internal/TreeBuilder.h"
 #include "RkXmlLib16/fastinfoset/BinaryCodec.h"
 #include "RkXmlLib16/fastinfoset/Octets.h"
 #include "RkXmlLib16/io/Encoder.h"
@@ -67,12 +68,148 @@ bool IsWellFormed(const unsigned char* octets, std::size_t length) {
   return true;
 }
 
+bool HasSameName(const CXmlAttribute& a, const CXmlAttribute& b) {
+  return a.GetLocalNameRef() == b.GetLocalNameRef() && a.GetNamespaceRef() == b.GetNamespaceRef();
+}
+
 template <class Table, class Entry>
 void AppendEntry(Table& table, Entry entry) {
   if (table.size() < FI_MAX_TABLE_ENTRIES) table.push_back(entry);
 }
 
 }  // namespace
+
+// What nearly every octet goes through, inline.
+
+inline const unsigned char* CFastInfosetReader::Move(std::size_t n) {
+  if (n > GetRemaining()) GetMore(n);
+  const unsigned char* const at = m_at;
+  m_at += n;
+  return at;
+}
+
+inline unsigned char CFastInfosetReader::Next() { return *Move(1); }
+
+inline unsigned long CFastInfosetReader::Integer(const IntegerLayout& layout, unsigned char octet,
+                                                 const wchar_t* error) {
+  const unsigned char bits = octet & layout.field;
+  return bits + 1ul < layout.forms[1].lowest ? bits + 1ul  // the first form has no pattern
+                                             : LongInteger(layout, octet, error);
+}
+
+inline unsigned long CFastInfosetReader::Integer1To2pw20Bit2(unsigned char octet) {
+  return Integer(FastInfoset::kIndexBit2, octet, kInvalidIndexBit2);
+}
+
+inline unsigned long CFastInfosetReader::Integer1To2pw20Bit3(unsigned char octet) {
+  return Integer(FastInfoset::kIndexBit3, octet, kInvalidIndexBit3);
+}
+
+inline unsigned long CFastInfosetReader::Integer1To2pw20Bit4(unsigned char octet) {
+  return Integer(FastInfoset::kIndexBit4, octet, kInvalidIndexBit4);
+}
+
+inline unsigned long CFastInfosetReader::Integer0To2pw20Bit2(unsigned char octet) {
+  if ((octet & FastInfoset::kIndexBit2.field) == FastInfoset::kIndexBit2.field) return 0;
+  return Integer(FastInfoset::kIndexBit2, octet, kInvalidValueIndex);
+}
+
+inline const CFastInfosetReader::QName& CFastInfosetReader::QualifiedNameOrIndexBit2(unsigned char octet) {
+  if ((octet & 0x7C) == FastInfoset::kAttributeLiteralName) return ReadQName(octet, m_attributeNames);
+  const unsigned long index = Integer1To2pw20Bit2(octet);
+  const bool isKnown = IsKnown(index, m_attributeNames.size()) && m_attributeNames[index - 1].localName != nullptr;
+  if (!isKnown) throw CRkException(kInvalidIndexBit2);
+  return m_attributeNames[index - 1];
+}
+
+inline const CFastInfosetReader::QName& CFastInfosetReader::QualifiedNameOrIndexBit3(unsigned char octet) {
+  if ((octet & 0x3C) == FastInfoset::kElementLiteralName) return ReadQName(octet, m_elementNames);
+  const unsigned long index = Integer1To2pw20Bit3(octet);
+  const bool isKnown = IsKnown(index, m_elementNames.size()) && m_elementNames[index - 1].localName != nullptr;
+  if (!isKnown) throw CRkException(kInvalidIndexBit3);
+  return m_elementNames[index - 1];
+}
+
+inline CXmlTextBlock* CFastInfosetReader::ReadPlainValue(unsigned char octet) {
+  constexpr std::size_t kFirstLong = FastInfoset::kLengthBit5.forms[1].lowest;
+  const bool isLong = (octet & 0x08) != 0;
+  const bool isLongest = isLong && (octet & 0x07) != 0;
+  if ((octet & 0x30) != 0 || isLongest || !m_tree->IsPlain() || m_at == m_end) return nullptr;
+  const std::size_t length = isLong ? *m_at + kFirstLong : (octet & 0x07) + std::size_t{1};
+  const unsigned char* const octets = m_at + (isLong ? 1 : 0);
+  CXmlTextBlock* const value = m_tree->MakeText<>(octets, length, m_end);
+  if (value != nullptr) m_at = octets + length;
+  return value;
+}
+
+inline CXmlTextBlock* CFastInfosetReader::ReadPlainText(unsigned char octet) {
+  constexpr std::size_t kFirstLong = FastInfoset::kLengthBit7.forms[1].lowest;
+  const bool isLong = (octet & 0x02) != 0;
+  const bool isLongest = (octet & 0x03) == 0x03;
+  if ((octet & 0x0C) != 0 || isLongest || !m_tree->IsPlain() || m_at == m_end) return nullptr;
+  const std::size_t length = isLong ? *m_at + kFirstLong : (octet & 0x01) + std::size_t{1};
+  const unsigned char* const octets = m_at + (isLong ? 1 : 0);
+  CXmlTextBlock* const text = m_tree->MakeText<'\r'>(octets, length, m_end);
+  if (text != nullptr) m_at = octets + length;
+  return text;
+}
+
+inline void CFastInfosetReader::AddShared(CXmlTextBlock* block, Values& table) {
+  if (table.size() >= FI_MAX_TABLE_ENTRIES) return;
+  CTreeBuilder::Share(*block);
+  table.push_back({block, /*mayHaveReturns=*/false});
+}
+
+inline CXmlAttribute* CFastInfosetReader::NonIdentifyingStringOrIndexBit1(CXmlElement* element, const QName& name) {
+  const unsigned char octet = Next();
+  if ((octet & FastInfoset::kValueIndexBit) == 0) {
+    CXmlTextBlock* const value = ReadPlainValue(octet);
+    if (value == nullptr) return DecodeAttribute(element, name, octet);
+    CXmlAttribute* const attribute = m_tree->AddAttribute(element, name.localName, name.namespaceUri, value);
+    if ((octet & FastInfoset::kValueAddBit) != 0) AddShared(value, m_attributeValues);
+    m_tree->Count(*value);
+    return attribute;
+  }
+  const unsigned long index = Integer0To2pw20Bit2(octet);
+  CXmlTextBlock* value = nullptr;
+  if (index != 0) {
+    if (!IsKnown(index, m_attributeValues.size()) || index == m_skippedValue) throw CRkException(kInvalidValueIndex);
+    value = m_attributeValues[index - 1].block;
+  }
+  if (value != nullptr) CountExpansion(value->m_length);
+  CXmlAttribute* const attribute = m_tree->AddAttribute(element, name.localName, name.namespaceUri, value);
+  if (value != nullptr) m_tree->Count(*value);
+  return attribute;
+}
+
+inline void CFastInfosetReader::AppendIndexed(CXmlElement* element, const Value& text) {
+  if (text.block == nullptr) return;
+  CountExpansion(text.block->m_length);
+  if (text.mayHaveReturns || !m_tree->IsPlain() || CTreeBuilder::HasText(*element))
+    return m_document.AppendText(element, {text.block->Chars(), text.block->m_length});
+  CTreeBuilder::SetText(*element, text.block);
+  m_tree->Count(*text.block);
+}
+
+inline void CFastInfosetReader::NonIdentifyingStringOrIndexBit3(CXmlElement* element, unsigned char octet) {
+  if ((octet & FastInfoset::kChunkIndexBit) != 0) {
+    const unsigned long index = Integer1To2pw20Bit4(octet);
+    if (!IsKnown(index, m_chunks.size()) || index == m_skippedChunk) throw CRkException(kInvalidIndexBit4);
+    return AppendIndexed(element, m_chunks[index - 1]);
+  }
+  CXmlTextBlock* const text = CTreeBuilder::HasText(*element) ? nullptr : ReadPlainText(octet);
+  if (text == nullptr) return DecodeText(element, octet);
+  CTreeBuilder::SetText(*element, text);
+  if ((octet & FastInfoset::kChunkAddBit) != 0) AddShared(text, m_chunks);
+  m_tree->Count(*text);
+}
+
+inline void CFastInfosetReader::AtrributeBit2(CXmlElement* element, unsigned char octet) {
+  const std::size_t offset = GetLastOffset();
+  const QName& name = QualifiedNameOrIndexBit2(octet);
+  CountExpansion(name.localName->View().size());
+  CXmlDocument::SetOffset(NonIdentifyingStringOrIndexBit1(element, name), offset);
+}
 
 CFastInfosetReader::CFastInfosetReader(const CFastInfosetContext& context, CXmlDocument& document)
     : m_fiContext(context), m_document(document) {}
@@ -92,15 +229,18 @@ bool CFastInfosetReader::Start(const unsigned char* octets, std::size_t length, 
   Cleanup();
   m_at = m_begin = octets;
   m_end = octets + length;
+  m_origin = reinterpret_cast<std::uintptr_t>(octets);
   if (!ReadHeader()) return false;
 
   m_more = std::move(more);
   m_expansionLimit = m_document.GetContext().GetLimits().GetExpansionLimit(length);
-  for (const auto& [text, index] : m_vocabulary.GetPrefixNamesTable())
-    m_prefixes.push_back(m_document.InternName(text));
-  for (const auto& [text, index] : m_vocabulary.GetNamespaceNamesTable()) {
+  m_tree = std::make_unique<CTreeBuilder>(m_document);
+  const CFIVocabulary& vocabulary = m_fiContext.GetVocabulary();
+  for (const auto& [text, index] : vocabulary.GetPrefixNamesTable()) m_prefixes.push_back(m_document.InternName(text));
+  for (const auto& [text, index] : vocabulary.GetNamespaceNamesTable())
     m_namespaceNames.push_back(m_document.InternName(text));
-  }
+  for (const auto& [text, index] : vocabulary.GetAttributeValuesTable()) AddValue(text, m_attributeValues);
+  for (const auto& [text, index] : vocabulary.GetCharacterChunksTable()) AddValue(text, m_chunks);
   m_xmlPrefix = m_document.InternName(L"xml");
   m_xmlNamespace = m_document.InternName(CXmlWriter::XML_NAMESPACE);
   return true;
@@ -122,12 +262,13 @@ bool CFastInfosetReader::ReadOn() {
 
 void CFastInfosetReader::Cleanup() {
   m_begin = m_at = m_end = nullptr;
-  m_before = 0;
+  m_origin = 0;
   m_more = nullptr;
   m_state = State::Start;
   m_depth = 0;
   m_isParentEnding = false;
-  m_vocabulary = m_fiContext.GetVocabulary();
+  m_tree = nullptr;
+  for (Values* values : {&m_attributeValues, &m_chunks}) values->clear();
   for (Names* names : {&m_prefixes, &m_namespaceNames, &m_localNames}) names->clear();
   for (QNames* names : {&m_elementNames, &m_attributeNames}) names->clear();
   m_otherNCNames = m_otherUris = m_otherStrings = 0;
@@ -218,14 +359,8 @@ void CFastInfosetReader::InitialVocabulary() {
   if (SkipList((second & 0x80) != 0, skipString)) m_localNames.push_back(nullptr);
   if (SkipList((second & 0x40) != 0, skipString)) ++m_otherNCNames;
   if (SkipList((second & 0x20) != 0, skipString)) ++m_otherUris;
-  if (SkipList((second & 0x10) != 0, skipValue)) {
-    CFIVocabulary::AddValueToVector({}, m_vocabulary.GetAttributeValuesTable());
-    m_skippedValue = m_vocabulary.GetAttributeValuesTable().size();
-  }
-  if (SkipList((second & 0x08) != 0, skipValue)) {
-    CFIVocabulary::AddValueToVector({}, m_vocabulary.GetCharacterChunksTable());
-    m_skippedChunk = m_vocabulary.GetCharacterChunksTable().size();
-  }
+  if (SkipList((second & 0x10) != 0, skipValue)) m_skippedValue = AddSkipped(m_attributeValues);
+  if (SkipList((second & 0x08) != 0, skipValue)) m_skippedChunk = AddSkipped(m_chunks);
   if (SkipList((second & 0x04) != 0, skipValue)) ++m_otherStrings;
   if (SkipList((second & 0x02) != 0, skipName)) m_elementNames.push_back({nullptr, nullptr});
   if (SkipList((second & 0x01) != 0, skipName)) m_attributeNames.push_back({nullptr, nullptr});
@@ -296,16 +431,16 @@ void CFastInfosetReader::ElementBit2() {
     } else if (octet < 0xC0) {
       NonIdentifyingStringOrIndexBit3(m_document.GetCurrentElement(), octet);
     } else if (octet == FastInfoset::kTerminator) {
-      m_document.EndElement();
+      m_tree->EndElement();
       --m_depth;
     } else if (octet == FastInfoset::kDoubleTerminator) {
-      m_document.EndElement();
+      m_tree->EndElement();
       if (--m_depth == 0) {
         m_state = State::End;
       } else if (m_document.IsPaused()) {
         m_isParentEnding = true;
       } else {
-        m_document.EndElement();
+        m_tree->EndElement();
         --m_depth;
       }
     } else if (octet == FastInfoset::kProcessingInstruction) {
@@ -323,35 +458,28 @@ void CFastInfosetReader::ElementBit2() {
 // Up to the end of the attributes. False when the element has ended with them.
 bool CFastInfosetReader::ElementStart(unsigned char octet) {
   const std::size_t offset = GetLastOffset();
-  const bool isInPieces = m_document.GetPieces() != nullptr;
   const bool hasAttributes = (octet & FastInfoset::kAttributesBit) != 0;
   if ((octet & 0x3C) == FastInfoset::kElementNamespaces) {
     for (octet = Next(); octet != FastInfoset::kTerminator; octet = Next()) NamespaceAttributeBit7(octet);
     octet = Next();
     if (octet >= 0x40) ThrowInvalidItem();
   }
-  const QName name = QualifiedNameOrIndexBit3(octet);
+  const QName& name = QualifiedNameOrIndexBit3(octet);
   CountExpansion(name.localName->View().size());
-  CXmlElement* const element = m_document.AddElement(name.namespaceUri, name.localName);
-  CXmlDocument::SetOffset(element, offset);
+  CXmlElement* const element = m_tree->AddElement(name.namespaceUri, name.localName, offset);
   if (!hasAttributes) {
-    if (isInPieces) m_document.CompleteStart(element);
+    if (!m_tree->IsPlain()) m_document.CompleteStart(element);
     return true;
   }
   for (octet = Next(); octet < 0x80; octet = Next()) AtrributeBit2(element, octet);
-  if (element->GetAttributes().size() > 1) RequireDifferentNames(*element);
-  if (isInPieces) m_document.CompleteStart(element);
+  const CXmlAttributes attributes = element->GetAttributes();
+  if (attributes.size() > 2 || (attributes.size() == 2 && HasSameName(*attributes[0], *attributes[1])))
+    RequireDifferentNames(*element);
+  if (!m_tree->IsPlain()) m_document.CompleteStart(element);
   if (octet == FastInfoset::kTerminator) return true;
   if (octet != FastInfoset::kDoubleTerminator) ThrowInvalidItem();
-  m_document.EndElement();
+  m_tree->EndElement();
   return false;
-}
-
-void CFastInfosetReader::AtrributeBit2(CXmlElement* element, unsigned char octet) {
-  const std::size_t offset = GetLastOffset();
-  const QName name = QualifiedNameOrIndexBit2(octet);
-  CountExpansion(name.localName->View().size());
-  CXmlDocument::SetOffset(NonIdentifyingStringOrIndexBit1(element, name), offset);
 }
 
 void CFastInfosetReader::RequireDifferentNames(const CXmlElement& element) {
@@ -360,8 +488,7 @@ void CFastInfosetReader::RequireDifferentNames(const CXmlElement& element) {
     const CXmlAttribute* const end = attributes.front() + attributes.size();
     for (const CXmlAttribute* one = attributes.front(); one != end; ++one)
       for (const CXmlAttribute* other = one + 1; other != end; ++other)
-        if (one->GetLocalNameRef() == other->GetLocalNameRef() && one->GetNamespaceRef() == other->GetNamespaceRef())
-          ThrowInvalidItem();
+        if (HasSameName(*one, *other)) ThrowInvalidItem();
     return;
   }
   std::vector<std::pair<std::uint32_t, std::uint32_t>> names;
@@ -420,23 +547,7 @@ void CFastInfosetReader::ExternalIdentifiers(unsigned char octet) {
 
 // Names
 
-CFastInfosetReader::QName CFastInfosetReader::QualifiedNameOrIndexBit2(unsigned char octet) {
-  if ((octet & 0x7C) == FastInfoset::kAttributeLiteralName) return ReadQName(octet, m_attributeNames);
-  const unsigned long index = Integer1To2pw20Bit2(octet);
-  const bool isKnown = IsKnown(index, m_attributeNames.size()) && m_attributeNames[index - 1].localName != nullptr;
-  if (!isKnown) throw CRkException(kInvalidIndexBit2);
-  return m_attributeNames[index - 1];
-}
-
-CFastInfosetReader::QName CFastInfosetReader::QualifiedNameOrIndexBit3(unsigned char octet) {
-  if ((octet & 0x3C) == FastInfoset::kElementLiteralName) return ReadQName(octet, m_elementNames);
-  const unsigned long index = Integer1To2pw20Bit3(octet);
-  const bool isKnown = IsKnown(index, m_elementNames.size()) && m_elementNames[index - 1].localName != nullptr;
-  if (!isKnown) throw CRkException(kInvalidIndexBit3);
-  return m_elementNames[index - 1];
-}
-
-CFastInfosetReader::QName CFastInfosetReader::ReadQName(unsigned char octet, QNames& names) {
+const CFastInfosetReader::QName& CFastInfosetReader::ReadQName(unsigned char octet, QNames& names) {
   const bool hasPrefix = (octet & FastInfoset::kNamePrefixBit) != 0;
   const bool hasNamespace = (octet & FastInfoset::kNameNamespaceBit) != 0;
   if (hasPrefix && !hasNamespace) {
@@ -444,7 +555,8 @@ CFastInfosetReader::QName CFastInfosetReader::ReadQName(unsigned char octet, QNa
   }
   bool hasIndex = true;
   const CXmlName* prefix = m_document.GetEmptyName();
-  QName name{prefix, nullptr};
+  QName& name = m_literalName;
+  name = {prefix, nullptr};
   if (hasPrefix) prefix = IdentifyingStringOrIndex(m_prefixes, hasIndex);
   if (hasNamespace) name.namespaceUri = IdentifyingStringOrIndex(m_namespaceNames, hasIndex);
   name.localName = IdentifyingStringOrIndex(m_localNames, hasIndex);
@@ -499,65 +611,52 @@ void CFastInfosetReader::SkipIdentifyingStringOrIndex(Count& count) {
 
 // Values
 
-CXmlAttribute* CFastInfosetReader::NonIdentifyingStringOrIndexBit1(CXmlElement* element, const QName& name) {
-  CFIStringTable& values = m_vocabulary.GetAttributeValuesTable();
-  const unsigned char octet = Next();
-  if ((octet & FastInfoset::kValueIndexBit) != 0) {
-    const unsigned long index = Integer0To2pw20Bit2(octet);
-    std::wstring_view value;
-    if (index != 0) {
-      if (!IsKnown(index, values.size()) || index == m_skippedValue) throw CRkException(kInvalidValueIndex);
-      value = values[index];
-      CountExpansion(value.length());
-    }
-    return m_document.AddAttribute(element, name.localName, name.namespaceUri, value);
-  }
+// Any literal.
+CXmlAttribute* CFastInfosetReader::DecodeAttribute(CXmlElement* element, const QName& name, unsigned char octet) {
   const EncodedString string = EncodedCharacterStringBit3(octet);
   const bool add = (octet & FastInfoset::kValueAddBit) != 0;
   if (string.encoding == FIStringEncoding_UTF8 && !Contains(string, '\0')) {
     const std::string_view utf8 = BytesOf(string.octets, string.length);
-    const std::size_t room = string.length <= kUncountedLength ? string.length : CEncoder::UnicodeLength(utf8);
+    const std::size_t most = string.length <= kUncountedLength ? string.length : CEncoder::UnicodeLength(utf8);
     CXmlAttribute* const attribute = m_document.AddAttribute(element, name.localName, name.namespaceUri, {});
-    wchar_t* const out = m_document.ReserveValue(attribute, room);
+    wchar_t* const out = m_document.ReserveValue(attribute, most);
     const auto charCount = static_cast<std::size_t>(CEncoder::WriteUnicode(utf8, out) - out);
     m_document.CommitValue(attribute, charCount);
-    if (add) AddValue({out, charCount}, values);
+    if (add) AddValue({out, charCount}, m_attributeValues);
     return attribute;
   }
   Decode(string);
   CXmlAttribute* const attribute = m_document.AddAttribute(element, name.localName, name.namespaceUri, m_text);
-  if (add) AddValue(m_text, values);
+  if (add) AddValue(m_text, m_attributeValues);
   return attribute;
 }
 
-void CFastInfosetReader::NonIdentifyingStringOrIndexBit3(CXmlElement* element, unsigned char octet) {
-  CFIStringTable& chunks = m_vocabulary.GetCharacterChunksTable();
-  if ((octet & FastInfoset::kChunkIndexBit) != 0) {
-    const unsigned long index = Integer1To2pw20Bit4(octet);
-    if (!IsKnown(index, chunks.size()) || index == m_skippedChunk) throw CRkException(kInvalidIndexBit4);
-    CountExpansion(chunks[index].length());
-    m_document.AppendText(element, chunks[index]);
-    return;
-  }
+// Any literal.
+void CFastInfosetReader::DecodeText(CXmlElement* element, unsigned char octet) {
   const EncodedString string = EncodedCharacterStringBit5(octet);
   const bool add = (octet & FastInfoset::kChunkAddBit) != 0;
   if (string.encoding == FIStringEncoding_UTF8 && !Ascii::HasEither(string.octets, string.length, '\r', '\0')) {
     const std::string_view utf8 = BytesOf(string.octets, string.length);
-    const std::size_t room = string.length <= kUncountedLength ? string.length : CEncoder::UnicodeLength(utf8);
-    wchar_t* const out = m_document.ReserveText(element, room);
+    const std::size_t most = string.length <= kUncountedLength ? string.length : CEncoder::UnicodeLength(utf8);
+    wchar_t* const out = m_document.ReserveText(element, most);
     const auto charCount = static_cast<std::size_t>(CEncoder::WriteUnicode(utf8, out) - out);
-    if (add) AddValue({out, charCount}, chunks);
+    if (add) AddValue({out, charCount}, m_chunks);
     m_document.CommitText(element, charCount);
   } else {
     Decode(string);
     m_document.AppendText(element, m_text);
-    if (add) AddValue(m_text, chunks);
+    if (add) AddValue(m_text, m_chunks);
   }
 }
 
-void CFastInfosetReader::AddValue(std::wstring_view value, CFIStringTable& table) {
+void CFastInfosetReader::AddValue(std::wstring_view value, Values& table) {
   m_document.CountTable(value.size());
-  CFIVocabulary::AddValueToVector(value, table);
+  if (table.size() < FI_MAX_TABLE_ENTRIES) table.push_back({m_tree->Keep(value), /*mayHaveReturns=*/true});
+}
+
+unsigned long CFastInfosetReader::AddSkipped(Values& table) {
+  AppendEntry(table, Value{nullptr, false});
+  return table.size();
 }
 
 void CFastInfosetReader::SkipNonIdentifyingStringOrIndexBit1() {
@@ -680,10 +779,9 @@ void CFastInfosetReader::RequireExpansion() {
 
 // Octets
 
-unsigned long CFastInfosetReader::Integer(const IntegerLayout& layout, unsigned char octet, const wchar_t* error) {
+unsigned long CFastInfosetReader::LongInteger(const IntegerLayout& layout, unsigned char octet, const wchar_t* error) {
   const unsigned char bits = octet & layout.field;
-  if (bits + 1ul < layout.forms[1].lowest) return bits + 1ul;  // the first form has no pattern
-  for (int i = 0; i < layout.formCount; ++i) {
+  for (int i = 1; i < layout.formCount; ++i) {
     const IntegerForm& form = layout.forms[i];
     const unsigned mask = (1u << form.valueBits) - 1;
     if ((bits & ~mask) != form.pattern) continue;
@@ -692,23 +790,6 @@ unsigned long CFastInfosetReader::Integer(const IntegerLayout& layout, unsigned 
     return value + form.lowest;
   }
   throw CRkException(error);
-}
-
-unsigned long CFastInfosetReader::Integer1To2pw20Bit2(unsigned char octet) {
-  return Integer(FastInfoset::kIndexBit2, octet, kInvalidIndexBit2);
-}
-
-unsigned long CFastInfosetReader::Integer1To2pw20Bit3(unsigned char octet) {
-  return Integer(FastInfoset::kIndexBit3, octet, kInvalidIndexBit3);
-}
-
-unsigned long CFastInfosetReader::Integer1To2pw20Bit4(unsigned char octet) {
-  return Integer(FastInfoset::kIndexBit4, octet, kInvalidIndexBit4);
-}
-
-unsigned long CFastInfosetReader::Integer0To2pw20Bit2(unsigned char octet) {
-  if ((octet & FastInfoset::kIndexBit2.field) == FastInfoset::kIndexBit2.field) return 0;
-  return Integer(FastInfoset::kIndexBit2, octet, kInvalidValueIndex);
 }
 
 // A literal has bit 1 clear; where no index is allowed a set one is an error.
@@ -732,25 +813,17 @@ unsigned long CFastInfosetReader::LengthOfSequence() {
   return ((first & 0x0Ful) << 16 | static_cast<unsigned long>(rest[0]) << 8 | rest[1]) + 129;
 }
 
-unsigned char CFastInfosetReader::Next() { return *Move(1); }
-
 void CFastInfosetReader::GetMore(std::size_t n) {
   while (n > GetRemaining()) {
     const std::size_t had = GetRemaining();
     const auto used = static_cast<std::size_t>(m_at - m_begin);
     const std::string_view input = m_more != nullptr ? m_more(used) : std::string_view();
     if (input.size() <= had) throw CRkException(L"Failed to parse FastInfoset. Unexpected End of File.");
-    m_before += used;
+    const std::size_t offset = GetOffset();
     m_at = m_begin = reinterpret_cast<const unsigned char*>(input.data());
+    m_origin = reinterpret_cast<std::uintptr_t>(m_begin) - offset;
     m_end = m_at + input.size();
   }
-}
-
-const unsigned char* CFastInfosetReader::Move(std::size_t n) {
-  if (n > GetRemaining()) GetMore(n);
-  const unsigned char* const at = m_at;
-  m_at += n;
-  return at;
 }
 
 }  // namespace RkXmlLib16

@@ -2,7 +2,9 @@
 #define RKXMLLIB16_FASTINFOSET_READER_H
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,10 +15,12 @@
 
 namespace RkXmlLib16 {
 
+class CTreeBuilder;
 class CXmlAttribute;
 class CXmlDocument;
 class CXmlElement;
 class CXmlName;
+struct CXmlTextBlock;
 namespace FastInfoset {
 struct IntegerLayout;
 }
@@ -54,7 +58,7 @@ class RKXML_EXPORT CFastInfosetReader {
   // Reads on, after Start: to a pause of the document (true) or to the end of the Fast Infoset (false).
   bool ReadOn();
   // Of the octet that is read next.
-  std::size_t GetOffset() const noexcept { return m_before + static_cast<std::size_t>(m_at - m_begin); }
+  std::size_t GetOffset() const noexcept { return reinterpret_cast<std::uintptr_t>(m_at) - m_origin; }
   std::size_t GetRemaining() const noexcept { return static_cast<std::size_t>(m_end - m_at); }
 
   // Drops the vocabulary and the input, as at the start of every Parse.
@@ -67,6 +71,12 @@ class RKXML_EXPORT CFastInfosetReader {
     const CXmlName* localName;
   };
   using QNames = std::vector<QName>;
+  // A text or attribute value of a table, as the tree holds it; null while empty.
+  struct Value {
+    CXmlTextBlock* block;
+    bool mayHaveReturns;  // which texts of elements lose
+  };
+  using Values = std::vector<Value>;
   // A string that lies in the input still encoded.
   struct EncodedString {
     FIStringEncoding encoding;
@@ -93,7 +103,7 @@ class RKXML_EXPORT CFastInfosetReader {
   bool ReadChildren();
   void ElementBit2();
   bool ElementStart(unsigned char octet);
-  void AtrributeBit2(CXmlElement* element, unsigned char octet);  // sic
+  inline void AtrributeBit2(CXmlElement* element, unsigned char octet);  // sic
   void NamespaceAttributeBit7(unsigned char octet);
   static void RequireDifferentNames(const CXmlElement& element);
   void Comment();
@@ -102,17 +112,26 @@ class RKXML_EXPORT CFastInfosetReader {
   void UnexpandedEntityReferenceBit7(unsigned char octet);
   void ExternalIdentifiers(unsigned char octet);
 
-  QName QualifiedNameOrIndexBit2(unsigned char octet);
-  QName QualifiedNameOrIndexBit3(unsigned char octet);
-  QName ReadQName(unsigned char octet, QNames& names);
+  inline const QName& QualifiedNameOrIndexBit2(unsigned char octet);
+  inline const QName& QualifiedNameOrIndexBit3(unsigned char octet);
+  const QName& ReadQName(unsigned char octet, QNames& names);
   const CXmlName* IdentifyingStringOrIndex(Names& names, bool& hasIndex);
   bool HasNamespaces() const;
   bool IsLegal(const Names& names) const;
   void RequireReservedPair(const CXmlName* prefix, const CXmlName* namespaceUri) const;
   void SkipIdentifyingStringOrIndex(Count& count);
-  CXmlAttribute* NonIdentifyingStringOrIndexBit1(CXmlElement* element, const QName& name);
-  void NonIdentifyingStringOrIndexBit3(CXmlElement* element, unsigned char octet);
-  void AddValue(std::wstring_view value, CFIStringTable& table);
+  inline CXmlAttribute* NonIdentifyingStringOrIndexBit1(CXmlElement* element, const QName& name);
+  inline void NonIdentifyingStringOrIndexBit3(CXmlElement* element, unsigned char octet);
+  CXmlAttribute* DecodeAttribute(CXmlElement* element, const QName& name, unsigned char octet);
+  void DecodeText(CXmlElement* element, unsigned char octet);
+  inline void AppendIndexed(CXmlElement* element, const Value& text);
+  // A literal of plain characters, null for others, which are still to be read.
+  inline CXmlTextBlock* ReadPlainValue(unsigned char octet);
+  inline CXmlTextBlock* ReadPlainText(unsigned char octet);
+  void AddValue(std::wstring_view value, Values& table);
+  static inline void AddShared(CXmlTextBlock* block, Values& table);
+  // Adds the entry of a list that was read past; its index.
+  static unsigned long AddSkipped(Values& table);
   void SkipNonIdentifyingStringOrIndexBit1();
   EncodedString EncodedCharacterStringBit3(unsigned char octet);
   EncodedString EncodedCharacterStringBit5(unsigned char octet);
@@ -128,11 +147,12 @@ class RKXML_EXPORT CFastInfosetReader {
   void InitBits(const unsigned char* octets, std::size_t length);
   unsigned GetBits(int count);
 
-  unsigned long Integer(const FastInfoset::IntegerLayout& layout, unsigned char octet, const wchar_t* error);
-  unsigned long Integer1To2pw20Bit2(unsigned char octet);
-  unsigned long Integer1To2pw20Bit3(unsigned char octet);
-  unsigned long Integer1To2pw20Bit4(unsigned char octet);
-  unsigned long Integer0To2pw20Bit2(unsigned char octet);
+  inline unsigned long Integer(const FastInfoset::IntegerLayout& layout, unsigned char octet, const wchar_t* error);
+  unsigned long LongInteger(const FastInfoset::IntegerLayout& layout, unsigned char octet, const wchar_t* error);
+  inline unsigned long Integer1To2pw20Bit2(unsigned char octet);
+  inline unsigned long Integer1To2pw20Bit3(unsigned char octet);
+  inline unsigned long Integer1To2pw20Bit4(unsigned char octet);
+  inline unsigned long Integer0To2pw20Bit2(unsigned char octet);
   std::size_t NonEmptyOctetStringBit2Length(unsigned char octet);
   std::size_t NonEmptyOctetStringBit5Length(unsigned char octet);
   std::size_t NonEmptyOctetStringBit7Length(unsigned char octet);
@@ -141,8 +161,8 @@ class RKXML_EXPORT CFastInfosetReader {
   std::size_t GetLastOffset() const noexcept { return GetOffset() - 1; }
   // So that n octets are left.
   void GetMore(std::size_t n);
-  unsigned char Next();
-  const unsigned char* Move(std::size_t n);
+  inline unsigned char Next();
+  inline const unsigned char* Move(std::size_t n);
 
   template <class SkipItem>
   bool SkipList(bool isPresent, SkipItem&& skipItem);
@@ -159,8 +179,8 @@ class RKXML_EXPORT CFastInfosetReader {
   const unsigned char* m_begin = nullptr;
   const unsigned char* m_at = nullptr;
   const unsigned char* m_end = nullptr;
-  std::size_t m_before = 0;  // octets before m_begin
-  More m_more;               // null when that is all
+  std::uintptr_t m_origin = 0;  // where the input would begin if it were there as a whole
+  More m_more;                  // null when that is all
   enum class State { Start, Children, End };
   State m_state = State::Start;
   std::size_t m_depth = 0;        // open elements
@@ -171,7 +191,9 @@ class RKXML_EXPORT CFastInfosetReader {
   unsigned m_bitBuffer = 0;
   int m_bitCount = 0;  // bits of the buffer that are left
 
-  CFIVocabulary m_vocabulary;  // attribute values and chunks; names are held as the document interns them
+  std::unique_ptr<CTreeBuilder> m_tree;
+  Values m_attributeValues;
+  Values m_chunks;
   const CXmlName* m_xmlPrefix = nullptr;
   const CXmlName* m_xmlNamespace = nullptr;
   Names m_prefixes;  // a null entry, here and below, is one of a list that was read past
@@ -179,10 +201,11 @@ class RKXML_EXPORT CFastInfosetReader {
   Names m_localNames;
   QNames m_elementNames;
   QNames m_attributeNames;
+  QName m_literalName{};  // read last
   Count m_otherNCNames = 0;
   Count m_otherUris = 0;
   Count m_otherStrings = 0;
-  unsigned long m_skippedValue = 0;  // the entry of m_vocabulary that was read past, if any
+  unsigned long m_skippedValue = 0;  // the entry that was read past, if any
   unsigned long m_skippedChunk = 0;
   bool m_isVocabularyLost = false;  // a list was not read past correctly: no index can be trusted
   unsigned long m_expanded = 0;     // characters that indexes stood for

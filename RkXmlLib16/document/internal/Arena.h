@@ -27,6 +27,14 @@ class CArena {
     return memory;
   }
 
+  // The same in two steps: `most` bytes that may be written, and then how many of them are taken.
+  unsigned char* Prepare(std::size_t most) {
+    most = RoundUp(most);
+    if (most > static_cast<std::size_t>(m_limit - m_cursor)) AddChunk(most);
+    return m_cursor;
+  }
+  void Take(std::size_t size) noexcept { m_cursor += RoundUp(size); }
+
   // Makes the memory at `memory`, `oldSize` bytes, `newSize` bytes long where it lies; false when something else
   // follows it or there is no space.
   bool Extend(const void* memory, std::size_t oldSize, std::size_t newSize) noexcept {

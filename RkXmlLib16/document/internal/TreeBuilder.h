@@ -1,0 +1,155 @@
+#ifndef RKXMLLIB16_DOCUMENT_INTERNAL_TREEBUILDER_H
+#define RKXMLLIB16_DOCUMENT_INTERNAL_TREEBUILDER_H
+
+#include <emmintrin.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <string_view>
+
+#include "RkXmlLib16/context/SerializationContext.h"
+#include "RkXmlLib16/document/ElementTree.h"
+#include "RkXmlLib16/document/internal/Storage.h"
+
+namespace RkXmlLib16 {
+
+// The operations by which readers build the tree of a document, inline for the usual case: no filter, not in pieces, no
+// limit reached. CXmlDocument does the rest, with the same results. Valid until the document is emptied; its context
+// does not change meanwhile.
+class CTreeBuilder {
+ public:
+  explicit CTreeBuilder(CXmlDocument& document)
+      : m_document(document),
+        m_storage(*document.m_storage),
+        m_isPlain(document.m_filter == nullptr && document.m_pieces == nullptr) {
+    if (!m_isPlain) return;
+    const CReadLimits& limits = document.m_context->GetLimits();
+    m_deepest = OrNone(limits.GetMaxElementDepth());
+    m_mostNodes = OrNone(limits.GetMaxNodes());
+    m_mostCharacters = OrNone(limits.GetMaxCharacters());
+  }
+  CTreeBuilder(const CTreeBuilder&) = delete;
+  CTreeBuilder& operator=(const CTreeBuilder&) = delete;
+
+  // Whether the usual case is possible: texts can be made beforehand and shared.
+  bool IsPlain() const noexcept { return m_isPlain; }
+
+  CXmlElement* AddElement(const CXmlName* namespaceUri, const CXmlName* localName, std::uint64_t offset) {
+    CXmlElement* const parent = m_document.m_currentElement;
+    const bool isUsual = m_isPlain && parent != nullptr && m_storage.pendingDeclarations == 0 &&
+                         m_storage.depth < m_deepest && m_storage.nodeCount < m_mostNodes;
+    CXmlElement* element = nullptr;
+    if (isUsual) {
+      ++m_storage.nodeCount;
+      ++m_storage.depth;
+      element = ::new (m_storage.nodes.Allocate(sizeof(CXmlElement))) CXmlElement(parent, localName, namespaceUri);
+      (parent->m_lastChild != nullptr ? parent->m_lastChild->m_nextSibling : parent->m_firstChild) = element;
+      parent->m_lastChild = element;
+      m_document.m_currentElement = element;
+    } else {
+      element = m_document.AddElement(namespaceUri, localName);
+    }
+    element->m_offset = offset;
+    return element;
+  }
+
+  void EndElement() {
+    CXmlElement* const element = m_document.m_currentElement;
+    if (!m_isPlain || element == nullptr) return m_document.EndElement();
+    m_document.m_currentElement = element->m_parent;
+    --m_storage.depth;
+  }
+
+  // Without a value when that is null.
+  CXmlAttribute* AddAttribute(CXmlElement* element, const CXmlName* localName, const CXmlName* namespaceUri,
+                              CXmlTextBlock* value) {
+    CXmlAttributeBlock* const block = element->m_attributes.m_block;
+    if (!m_isPlain || m_storage.nodeCount >= m_mostNodes)
+      return m_document.AddAttribute(element, localName, namespaceUri, value);
+    if (block == nullptr) {
+      element->m_attributes.m_block = new (m_storage.nodes.Allocate(BytesOfAttributes(1))) CXmlAttributeBlock{0, 1};
+    } else if (block->m_count == block->m_capacity &&
+               m_storage.nodes.Extend(block, BytesOfAttributes(block->m_capacity),
+                                      BytesOfAttributes(block->m_capacity + std::size_t{1}))) {
+      ++block->m_capacity;
+    } else {
+      return m_document.AddAttribute(element, localName, namespaceUri, value);
+    }
+    ++m_storage.nodeCount;
+    CXmlAttributeBlock& attributes = *element->m_attributes.m_block;
+    auto* const attribute =
+        new (attributes.Attributes() + attributes.m_count) CXmlAttribute(element, localName, namespaceUri);
+    attribute->m_value = value;
+    ++attributes.m_count;
+    return attribute;
+  }
+
+  // A block of characters that stand for themselves, each a byte of ASCII: no NUL, and none of `Refused`. Null, and
+  // nothing made, where the bytes hold others, or where that cannot be told by reading whole steps of sixteen before
+  // `end`. The block is to be handed to AddAttribute or SetText, and then counted. Only if IsPlain.
+  template <unsigned char... Refused>
+  CXmlTextBlock* MakeText(const unsigned char* bytes, std::size_t length, const unsigned char* end) {
+    const std::size_t steps = (length + kStep - 1) / kStep * kStep;
+    if (steps > static_cast<std::size_t>(end - bytes) || length > kLongest) return nullptr;
+    unsigned char* const memory = m_storage.texts.Prepare(BytesOfText(steps));
+    auto* const chars = reinterpret_cast<wchar_t*>(memory + sizeof(CXmlTextBlock));
+    std::size_t i = 0;
+    for (; i + kStep < length; i += kStep)
+      if (WidenStep<Refused...>(bytes + i, chars + i) != 0) return nullptr;
+    if ((WidenStep<Refused...>(bytes + i, chars + i) & (0xFFFFu >> (i + kStep - length))) != 0) return nullptr;
+    chars[length] = L'\0';
+    m_storage.texts.Take(BytesOfText(length));
+    return new (memory) CXmlTextBlock{static_cast<std::uint32_t>(length), static_cast<std::uint32_t>(length)};
+  }
+
+  // The element's whole text, which it has none of yet.
+  static bool HasText(const CXmlElement& element) noexcept { return element.m_text != nullptr; }
+  static void SetText(CXmlElement& element, CXmlTextBlock* text) noexcept { element.m_text = text; }
+  // For others to have too: nobody writes to the block again.
+  static void Share(CXmlTextBlock& block) noexcept { block.m_capacity = 0; }
+  // Of a text or value that the tree has now.
+  void Count(const CXmlTextBlock& block) {
+    m_storage.charCount += block.m_length;
+    if (m_storage.charCount + m_storage.lastingCharCount > m_mostCharacters) m_storage.CountCharacters(0);
+  }
+
+  // A block of its own, which many may have, and which stays until the document is emptied. It is not counted.
+  CXmlTextBlock* Keep(std::wstring_view text) { return m_storage.Keep(text); }
+
+ private:
+  static constexpr std::size_t kStep = sizeof(__m128i);
+  static constexpr std::size_t kLongest = std::size_t{1} << 30;
+
+  static std::size_t OrNone(unsigned long limit) noexcept {
+    return limit != 0 ? limit : std::numeric_limits<std::size_t>::max();
+  }
+
+  // Widens sixteen bytes into their places; which of them do not stand for themselves.
+  template <unsigned char... Refused>
+  static unsigned WidenStep(const unsigned char* bytes, wchar_t* out) {
+    const __m128i zero = _mm_setzero_si128();
+    const __m128i step = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+    __m128i odd = _mm_cmplt_epi8(step, _mm_set1_epi8(1));
+    ((odd = _mm_or_si128(odd, _mm_cmpeq_epi8(step, _mm_set1_epi8(static_cast<char>(Refused))))), ...);
+    const __m128i low = _mm_unpacklo_epi8(step, zero);
+    const __m128i high = _mm_unpackhi_epi8(step, zero);
+    auto* const to = reinterpret_cast<__m128i*>(out);
+    _mm_storeu_si128(to, _mm_unpacklo_epi16(low, zero));
+    _mm_storeu_si128(to + 1, _mm_unpackhi_epi16(low, zero));
+    _mm_storeu_si128(to + 2, _mm_unpacklo_epi16(high, zero));
+    _mm_storeu_si128(to + 3, _mm_unpackhi_epi16(high, zero));
+    return static_cast<unsigned>(_mm_movemask_epi8(odd));
+  }
+
+  CXmlDocument& m_document;
+  CXmlDocument::Storage& m_storage;
+  const bool m_isPlain;
+  std::size_t m_deepest = 0;
+  std::size_t m_mostNodes = 0;
+  std::size_t m_mostCharacters = 0;
+};
+
+}  // namespace RkXmlLib16
+
+#endif
