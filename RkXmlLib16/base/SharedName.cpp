@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #include "RkXmlLib16/base/internal/ThreadObject.h"
 #include "RkXmlLib16/base/internal/WideText.h"
@@ -16,9 +17,7 @@ class CSharedName::Recent {
   static CSharedName* Find(std::wstring_view name) {
     Recent* const recent = name.size() <= kLongest ? CThreadObject<Recent>::Get() : nullptr;
     if (recent == nullptr) return nullptr;
-    std::uint32_t hash = 0;
-    for (const wchar_t c : name) hash = hash * 31 + static_cast<std::uint32_t>(c);
-    return &recent->m_names[(hash * 0x9E3779B1u >> 16) % kCount];
+    return &recent->m_names[HashOf(name) % kCount];
   }
   // The same by the place of the name's text; only names in their own places are kept there.
   static CSharedName* FindPlace(const wchar_t* text) {
@@ -27,6 +26,23 @@ class CSharedName::Recent {
   }
 
  private:
+  // By the length and some characters, so that long names take no longer.
+  static std::uint64_t HashOf(std::wstring_view name) {
+    std::uint64_t hash = name.size();
+    if (name.size() >= 2) {
+      hash ^= PairAt(name.data()) ^ PairAt(name.data() + name.size() / 2 - 1) << 12;
+      hash ^= PairAt(name.data() + name.size() - 2) << 24;
+    } else if (!name.empty()) {
+      hash ^= static_cast<std::uint64_t>(name.front());
+    }
+    return hash * 0x9E3779B97F4A7C15u >> 48;
+  }
+  static std::uint64_t PairAt(const wchar_t* text) {
+    std::uint64_t pair = 0;
+    std::memcpy(&pair, text, sizeof pair);
+    return pair;
+  }
+
   static constexpr std::size_t kCount = 256;
   static constexpr std::size_t kPlaces = 64;
   static constexpr std::size_t kLongest = 256;  // characters

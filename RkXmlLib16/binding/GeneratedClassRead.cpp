@@ -14,7 +14,8 @@
 //   Session         The outermost object makes the session of the read (ReadSession): the number of objects inside each
 //                   other, which is limited since each takes stack, and storage that is used again.
 //   Skipping        A record that would accept the absence of its element is not called at all when another element is
-//                   next (CElementInfo::IsSkipped): most members of most objects are absent.
+//                   next (CElementInfo::IsSkipped): most members of most objects are absent. Where runs of
+//                   such records end is remembered (SkippedRuns).
 //   Unknown ones    Where the context ignores unknown elements, a record is asked about one child after the other until
 //                   it accepts (AskPastUnknown). What it refused is remembered, as inline groups ask for the same
 //                   children again and again, and what failed attempts read is limited (SiblingSearch).
@@ -110,7 +111,7 @@ class ObjectLevel {
 // Apart, so that only the outermost object has the session on the stack.
 [[gnu::noinline]] CXmlElement* ReadOutermost(CXmlGeneratedClass& object, CXmlElement* element, CXmlElement* firstChild,
                                              const CSerializationContext& context, bool isOptionalChoice) {
-  ReadSession session;
+  ReadSession session(element != nullptr ? element->GetDocument() : nullptr, context);
   return object.CXmlGeneratedClass::FromXml_Int(element, firstChild, context, isOptionalChoice);
 }
 
@@ -364,15 +365,23 @@ CXmlElement* CXmlGeneratedClass::ProcessElementSeqFromXml(const CSerializationCo
   const bool ownElement = elementType == XmlElementType_Element;
   const bool goesOn = ownElement && !ignoreUnknown && context.GetErrorHandler() != nullptr;
   const CXmlElement* taken = nullptr;
-  CElementInfo* last = nullptr;
-  for (CElementInfo** info = OrEmpty(GetClassElementInfo()); *info != nullptr; ++info) {
-    last = *info;
+  CElementInfo** const infos = OrEmpty(GetClassElementInfo());
+  CElementInfo** info = infos;
+  RkXmlLib16Data::SkippedRuns& runs = ReadSession::Current()->skippedRuns;
+  const bool passesRuns = !goesOn && runs.HoldFor(*parent, context);
+  for (; *info != nullptr; ++info) {
     if (goesOn && current != taken) {
       PassOverUnexpected(context, *this, parent, &current);
       taken = current;
     }
-    if (!last->IsSkipped(context, current) && !ask(last)) return first;
+    if ((*info)->IsSkipped(context, current)) {
+      if (!passesRuns) continue;
+      info = runs.Pass(info, current);
+      if (*info == nullptr) break;
+    }
+    if (!ask(*info)) return first;
   }
+  CElementInfo* const last = info != infos ? info[-1] : nullptr;
   if (!ownElement) return current;
   while (current != nullptr) {
     if (!ignoreUnknown) RefuseUnread(context, *this, parent, current);

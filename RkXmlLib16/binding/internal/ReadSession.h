@@ -1,18 +1,62 @@
 #ifndef RKXMLLIB16_BINDING_INTERNAL_READSESSION_H
 #define RKXMLLIB16_BINDING_INTERNAL_READSESSION_H
 
+#include <array>
 #include <cstdint>
 
+#include "RkXmlLib16/binding/ElementInfo.h"
+#include "RkXmlLib16/document/ElementTree.h"
 #include "RkXmlLib16/object/Variant.h"
 
 namespace RkXmlLib16Data {
 
 class SiblingSearch;
 
+// Where runs of records end that are skipped (CElementInfo::IsSkipped) when an element of some name is next: objects
+// of one class mostly have the same members. Holds for one document and one context.
+class SkippedRuns {
+ public:
+  SkippedRuns(const RkXmlLib16::CXmlDocument* document, const RkXmlLib16::CSerializationContext& context) noexcept
+      : m_document(document), m_context(context) {}
+
+  bool HoldFor(const CXmlElement& element, const CSerializationContext& context) const noexcept {
+    return element.GetDocument() == m_document && &context == &m_context;
+  }
+  // The first record from `from` on that is not skipped, or the null behind the last one.
+  CElementInfo** Pass(CElementInfo** from, const CXmlElement* next) {
+    const RkXmlLib16::CXmlName* const localName = next != nullptr ? next->GetLocalNameRef() : nullptr;
+    const RkXmlLib16::CXmlName* const namespaceUri = next != nullptr ? next->GetNamespaceRef() : nullptr;
+    const auto place =
+        reinterpret_cast<std::uintptr_t>(from) / sizeof *from + reinterpret_cast<std::uintptr_t>(localName) / 16;
+    Run& run = m_runs[place % m_runs.size()];
+    if (run.from != from || run.localName != localName || run.namespaceUri != namespaceUri) {
+      run = {from, localName, namespaceUri, from};
+      while (*run.to != nullptr && (*run.to)->IsSkipped(m_context, next)) ++run.to;
+    }
+    return run.to;
+  }
+
+ private:
+  struct Run {
+    CElementInfo** from;
+    const RkXmlLib16::CXmlName* localName;
+    const RkXmlLib16::CXmlName* namespaceUri;
+    CElementInfo** to;
+  };
+
+  const RkXmlLib16::CXmlDocument* m_document;
+  const RkXmlLib16::CSerializationContext& m_context;
+  std::array<Run, 64> m_runs{};
+};
+
 // What one read keeps. The outermost object that is read makes it, all objects inside share it, also those that a
 // setter reads meanwhile, and it goes with the outermost object. One thread has at most one.
 struct ReadSession {
-  ReadSession() noexcept { t_current = this; }
+  // `document` is the one that the outermost object is read from.
+  ReadSession(const RkXmlLib16::CXmlDocument* document, const RkXmlLib16::CSerializationContext& context) noexcept
+      : skippedRuns(document, context) {
+    t_current = this;
+  }
   ReadSession(const ReadSession&) = delete;
   ReadSession& operator=(const ReadSession&) = delete;
   ~ReadSession() { t_current = nullptr; }
@@ -30,6 +74,7 @@ struct ReadSession {
   // The storage of the values that are read, see ReadingValue.
   RkXmlLib16::RkVariant value;
   bool isValueTaken = false;
+  SkippedRuns skippedRuns;
 
  private:
   static inline thread_local ReadSession* t_current = nullptr;
