@@ -1,5 +1,5 @@
-// Bytes, up to a NUL, as XML text into a tree, with and without the scanner for plain documents: the same names,
-// declarations, texts and places, the same error, the same notes of what is left out.
+// Bytes, up to a NUL, as XML text into a tree, narrow and wide, with and without the scanner for plain documents: the
+// same names, declarations, texts and places, the same error, the same notes of what is left out.
 #include "Check.h"
 #include "tests/support/LoadText.h"
 
@@ -7,7 +7,8 @@ using namespace Fuzz;
 
 namespace {
 
-std::wstring Load(CSerializationContext context, bool scans, const std::string& text) {
+template <class Text>
+std::wstring Load(CSerializationContext context, bool scans, const Text& text) {
   CErrorCollector told;
   context.SetErrorHandler(&told);
   context.SetScanPlainXml(scans);
@@ -31,9 +32,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     context.GetLimits().SetMaxNodes(12);
     context.GetLimits().SetMaxCharacters(200);
   }
-  const std::string text(reinterpret_cast<const char*>(data), size);
-  const std::wstring scanned = Load(context, true, text);
-  const std::wstring parsed = Load(context, false, text);
-  Require(scanned == parsed, "scanned as it is parsed", L"--- scanned" + scanned + L"\n--- parsed" + parsed);
+  const auto require = [&context](const auto& text) {
+    const std::wstring scanned = Load(context, true, text);
+    const std::wstring parsed = Load(context, false, text);
+    Require(scanned == parsed, "scanned as it is parsed", L"--- scanned" + scanned + L"\n--- parsed" + parsed);
+  };
+  require(std::string(reinterpret_cast<const char*>(data), size));
+  require(std::wstring(data, data + size));
   return 0;
 }

@@ -12,6 +12,7 @@
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/base/internal/Ascii.h"
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/document/ElementTree.h"
 #include "RkXmlLib16/document/internal/Source.h"
@@ -152,8 +153,18 @@ void CXmlDocument::LoadXml(const wchar_t* text) {
       std::make_shared<const Bytes>(ToUtf16(text, /*pairs=*/m_context->GetJoinSurrogatePairs()));
   SetSource(bytes->View()).SetWide(true);
   m_source->SetOwner(bytes);
+  if (ScanWideText(text)) return TellNoted();
   const Input input(*this, bytes->View());
   ParseXmlText();
+}
+
+bool CXmlDocument::ScanWideText(std::wstring_view text) {
+  if (!m_context->GetScanPlainXml()) return false;
+  const Bytes narrow = Allocate(text.size());
+  if (Ascii::NarrowRun(text.data(), text.size(), narrow.data.get()) != text.size()) return false;
+  const Input input(*this, narrow.View());
+  m_wasScanned = ScanPlainXml(*this, ScannedAs::Utf16);
+  return m_wasScanned;
 }
 
 void CXmlDocument::LoadXmlWide(std::wstring_view text) {

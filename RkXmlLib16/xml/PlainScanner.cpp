@@ -40,6 +40,7 @@
 #include "RkXmlLib16/document/ElementTree.h"
 #include "RkXmlLib16/document/XmlWriter.h"
 #include "RkXmlLib16/document/internal/Names.h"
+#include "RkXmlLib16/document/internal/TreeBuilder.h"
 
 namespace RkXmlLib16 {
 
@@ -253,8 +254,10 @@ enum class Place { Text, Section, Value };
 // Every member that returns bool returns false to give up.
 class Scanner {
  public:
-  explicit Scanner(CXmlDocument& document)
+  Scanner(CXmlDocument& document, ScannedAs standsFor)
       : m_document(document),
+        m_tree(document),
+        m_isUtf16(standsFor == ScannedAs::Utf16),
         m_joinsPairs(document.GetContext().GetJoinSurrogatePairs()),
         m_keepsSections(!document.GetContext().GetStripCDATA()),
         m_begin(document.GetInput()),
@@ -287,7 +290,10 @@ class Scanner {
   bool StandsHere(std::string_view text) const {
     return static_cast<std::size_t>(m_end - m_at) >= text.size() && std::memcmp(m_at, text.data(), text.size()) == 0;
   }
-  std::uint64_t OffsetOf(const Byte* at) const { return static_cast<std::uint64_t>(at - m_begin); }
+  std::uint64_t OffsetOf(const Byte* at) const {
+    const auto offset = static_cast<std::uint64_t>(at - m_begin);
+    return m_isUtf16 ? 2 + 2 * offset : offset;
+  }
 
   bool ScanDeclaration();
   bool TakeDeclared(std::string_view name, std::initializer_list<std::string_view> values, bool& isThere);
@@ -325,6 +331,8 @@ class Scanner {
   wchar_t* Put(char32_t c, wchar_t* out) const;
 
   CXmlDocument& m_document;
+  CTreeBuilder m_tree;
+  const bool m_isUtf16;
   const bool m_joinsPairs;
   const bool m_keepsSections;
   const Byte* const m_begin;
@@ -371,9 +379,9 @@ bool Scanner::TakeDeclared(std::string_view name, std::initializer_list<std::str
 bool Scanner::ScanDeclaration() {
   m_at += 5;
   bool isThere = false;
-  if (!TakeDeclared("version", {"1.0"}, isThere) || !isThere || !TakeDeclared("encoding", {"utf-8"}, isThere) ||
-      !TakeDeclared("standalone", {"yes", "no"}, isThere))
-    return false;
+  if (!TakeDeclared("version", {"1.0"}, isThere) || !isThere) return false;
+  if (!TakeDeclared("encoding", {"utf-8"}, isThere) || (isThere && m_isUtf16)) return false;
+  if (!TakeDeclared("standalone", {"yes", "no"}, isThere)) return false;
   m_at = SkipBlanks(m_at);
   if (!StandsHere("?>")) return false;
   m_at += 2;
@@ -536,8 +544,7 @@ bool Scanner::AddElement(const RawName& name, const Byte* tag) {
     if (attribute.isDeclaration && !Declare(attribute)) return false;
   const KnownName* const known = FindName(name);
   if (known == nullptr || known->prefix->uri == nullptr) return false;
-  CXmlElement* const element = m_document.AddElement(known->prefix->uri, known->localName);
-  CXmlDocument::SetOffset(element, OffsetOf(tag));
+  CXmlElement* const element = m_tree.AddElement(known->prefix->uri, known->localName, OffsetOf(tag));
   for (const RawAttribute& attribute : m_attributes)
     if (!attribute.isDeclaration && !AddAttribute(element, attribute)) return false;
   return m_attributes.size() < 2 || !HasSameNames(element->GetAttributes());
@@ -564,8 +571,14 @@ bool Scanner::AddAttribute(CXmlElement* element, const RawAttribute& raw) {
   const CXmlName* const namespaceUri = known->hasPrefix ? known->prefix->uri : m_emptyName;
   m_namespaceChars += namespaceUri->View().size();
   if (m_namespaceChars > kMostNamespaceChars) return false;
-  CXmlAttribute* const attribute =
-      m_document.AddAttribute(element, known->localName, namespaceUri, std::wstring_view());
+  if (raw.isPlain && raw.valueLength != 0) {
+    if (CXmlTextBlock* const value = m_tree.MakeText<>(raw.value, raw.valueLength, m_end)) {
+      m_tree.AddAttribute(element, known->localName, namespaceUri, value);
+      m_tree.Count(*value);
+      return true;
+    }
+  }
+  CXmlAttribute* const attribute = m_tree.AddAttribute(element, known->localName, namespaceUri, nullptr);
   if (raw.valueLength == 0) return true;
   if (raw.isPlain) {
     Widen(raw.value, raw.valueLength, m_document.ReserveValue(attribute, raw.valueLength));
@@ -615,7 +628,7 @@ bool Scanner::ScanEndTag() {
 
 void Scanner::EndElement(std::size_t bindings) {
   for (; m_bindings.size() > bindings; m_bindings.pop_back()) m_bindings.back().prefix->uri = m_bindings.back().before;
-  m_document.EndElement();
+  m_tree.EndElement();
 }
 
 // ---- names ----
@@ -745,6 +758,11 @@ bool Scanner::TakeName(std::string_view name) {
 
 void Scanner::AppendPlain(const Byte* at, std::size_t length) {
   CXmlElement* const element = m_document.GetCurrentElement();
+  CXmlTextBlock* const text = CTreeBuilder::HasText(*element) ? nullptr : m_tree.MakeText<>(at, length, m_end);
+  if (text != nullptr) {
+    CTreeBuilder::SetText(*element, text);
+    return m_tree.Count(*text);
+  }
   Widen(at, length, m_document.ReserveText(element, length));
   m_document.CommitText(element, length);
 }
@@ -761,17 +779,18 @@ bool Scanner::AddText(const Byte* at, const Byte* end) {
 }
 
 // What the scanner leaves to the reader from the start.
-bool IsLeft(const CXmlDocument& document) {
+bool IsLeft(const CXmlDocument& document, ScannedAs standsFor) {
+  const std::size_t longest = standsFor == ScannedAs::Utf16 ? kLongestDocument / 2 - 2 : kLongestDocument;
   return !document.GetContext().GetScanPlainXml() || document.HasElementFilter() ||
-         document.GetSchemaType() == SchemaType_NoNamespaces || document.GetInputLength() > kLongestDocument;
+         document.GetSchemaType() == SchemaType_NoNamespaces || document.GetInputLength() > longest;
 }
 
 }  // namespace
 
-bool ScanPlainXml(CXmlDocument& document) {
-  if (IsLeft(document)) return false;
+bool ScanPlainXml(CXmlDocument& document, ScannedAs standsFor) {
+  if (IsLeft(document, standsFor)) return false;
   try {
-    if (Scanner(document).ScanDocument()) return true;
+    if (Scanner(document, standsFor).ScanDocument()) return true;
   } catch (const CRkException&) {
     // A limit: the reader meets it too, and tells of it.
   }

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -16,23 +17,39 @@ using namespace RkXmlTest;
 
 namespace {
 
-std::wstring Describe(CSerializationContext context, bool scans, std::string_view bytes, bool& wasScanned) {
+template <class LoadInput>
+std::wstring Describe(CSerializationContext context, bool scans, LoadInput&& load, bool& wasScanned) {
   CErrorCollector told;
   context.SetErrorHandler(&told);
   context.SetScanPlainXml(scans);
   CXmlDocument document(context);
-  std::wstring text = DescribeLoad(document, told, [&](CXmlDocument& loaded) { Load(loaded, bytes); });
+  std::wstring text = DescribeLoad(document, told, load);
   wasScanned = document.WasScanned();
   return text;
 }
 
-// Loads the bytes with and without the scanner, which has to make no difference. Returns whether they were scanned.
-bool IsScanned(std::string_view bytes, const CSerializationContext& context = CSerializationContext()) {
+template <class LoadInput>
+bool IsScanned(LoadInput&& load, std::string_view bytes, const CSerializationContext& context) {
   bool wasScanned = false;
   bool never = true;
-  const std::wstring scanned = Describe(context, true, bytes, wasScanned);
-  EXPECT_EQ(Describe(context, false, bytes, never), scanned) << bytes.substr(0, 1000);
+  const std::wstring scanned = Describe(context, true, load, wasScanned);
+  EXPECT_EQ(Describe(context, false, load, never), scanned) << bytes.substr(0, 1000);
   EXPECT_FALSE(never);
+  return wasScanned;
+}
+
+// Loads the bytes with and without the scanner, which has to make no difference, and so as wide text. Returns whether
+// they were scanned. Wide text is scanned like bytes if it is ASCII and declares no encoding.
+bool IsScanned(std::string_view bytes, const CSerializationContext& context = CSerializationContext()) {
+  const bool wasScanned = IsScanned([bytes](CXmlDocument& loaded) { Load(loaded, bytes); }, bytes, context);
+  const bool isAscii = bytes.find('\0') == std::string_view::npos &&
+                       std::all_of(bytes.begin(), bytes.end(), [](char c) { return static_cast<signed char>(c) >= 0; });
+  if (!isAscii) return wasScanned;
+  const std::wstring wide(bytes.begin(), bytes.end());
+  const bool wasWideScanned =
+      IsScanned([&wide](CXmlDocument& loaded) { loaded.LoadXml(wide.c_str()); }, bytes, context);
+  const bool declaresEncoding = bytes.find("encoding") != std::string_view::npos;
+  EXPECT_EQ(wasWideScanned, wasScanned && !declaresEncoding) << bytes.substr(0, 1000);
   return wasScanned;
 }
 
