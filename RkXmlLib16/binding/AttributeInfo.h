@@ -14,7 +14,7 @@ namespace RkXmlLib16Data {
 
 using RkXmlLib16::CXmlAttribute;
 
-// Describes one attribute of a generated class. Static and never changed, so that threads share it freely.
+// Describes one attribute of a generated class. Static; threads share it freely, as they do element records.
 class RKXML_EXPORT CAttributeInfo {
  public:
   // `defaultValue` is in lexical form; null or empty for none.
