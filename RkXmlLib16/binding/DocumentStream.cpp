@@ -34,6 +34,8 @@ constexpr std::size_t kLongestBeginning = std::size_t{1} << 16;
 constexpr std::size_t kShortToken = 4096;
 
 constexpr std::string_view kBlanks = " \t\r\n";
+constexpr std::string_view kEndsOfTokens = "> \t\r\n";
+constexpr std::size_t kLongestCharacter = 4;  // in bytes
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 constexpr std::string_view kDeclaration = "<?xml";
 
@@ -121,6 +123,7 @@ struct CDocumentStream::State {
   void BeginJson();
   void Advance();
   void AdvanceXml();
+  std::size_t GetMoreXml();
   void AdvanceJson();
   bool GetMoreText(std::wstring& text);
   void ConvertJson();
@@ -240,18 +243,35 @@ void CDocumentStream::State::Advance() {
   if (isComplete) Finish();
 }
 
+// The number of bytes to feed next. Behind the document element expat takes a token that is cut off for a complete one,
+// so what is fed ends where none goes on.
+std::size_t CDocumentStream::State::GetMoreXml() {
+  const std::size_t cutOff = fed - std::min<std::uint64_t>(fed, xml->GetOffset());
+  // It tells the encoding by the first bytes that it gets.
+  const std::size_t wanted = cutOff > kShortToken ? cutOff / 4 : fed == 0 ? kLongestCharacter : 1;
+  std::size_t whole = 0;
+  for (std::size_t searched = 0;;) {
+    const std::string_view unfed = input.GetView().substr(fed - input.GetSource().GetFirstByte());
+    const std::size_t last = unfed.substr(searched).find_last_of(kEndsOfTokens);
+    if (last != std::string_view::npos) whole = searched + last + 1;
+    searched = unfed.size();
+    if (input.IsAtEnd() || (whole < wanted && searched >= std::max(wanted, kPiece))) whole = searched;
+    if (input.IsAtEnd() || whole >= wanted) break;
+    // What is dropped ends with a character, and at the start with a mark; what is not fed stays.
+    if (fed > kLongestCharacter) Drop(std::min<std::uint64_t>(fed - kLongestCharacter, xml->GetOffset()));
+    input.Grow();
+  }
+  if (input.IsAtEnd() && input.IsDamaged()) ThrowDamaged();
+  return whole;
+}
+
 void CDocumentStream::State::AdvanceXml() {
   if (isSuspended) {
     isSuspended = xml->Resume();
   } else {
-    const std::size_t cutOff = fed - std::min<std::uint64_t>(fed, xml->GetOffset());
-    const std::size_t wanted = cutOff > kShortToken ? cutOff / 4 : 1;
-    while (input.GetEnd() - fed < wanted) {
-      Drop(std::min<std::uint64_t>(fed, xml->GetOffset()));
-      if (!input.Grow()) break;
-    }
-    if (input.IsAtEnd() && input.IsDamaged()) ThrowDamaged();
-    const std::string_view piece = input.GetView().substr(fed - input.GetSource().GetFirstByte(), kLargestPiece);
+    const std::size_t length = GetMoreXml();
+    const std::string_view piece =
+        input.GetView().substr(fed - input.GetSource().GetFirstByte(), std::min(length, kLargestPiece));
     fed += piece.size();
     document->SetPieceInput(nullptr, 0, fed);
     isSuspended = xml->ParsePiece(BytesOf(piece), piece.size(), IsAllFed());
