@@ -3,19 +3,24 @@
 #include <utility>
 
 #include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/internal/NeverDestroyed.h"
 #include "RkXmlLib16/binding/GeneratedClass.h"
 #include "RkXmlLib16/binding/ParentElementInfo.h"
 #include "RkXmlLib16/binding/internal/EntryPointTools.h"
 #include "RkXmlLib16/context/SerializationContext.h"
+#include "RkXmlLib16/document/ElementTree.h"
 #include "RkXmlLib16/fastinfoset/Writer.h"
 #include "RkXmlLib16/io/internal/SinkStreams.h"
 #include "RkXmlLib16/json/JsonTextWriter.h"
 #include "RkXmlLib16/wildcards/internal/RootWriter.h"
+#include "RkXmlLib16/wildcards/internal/TypeValue.h"
 #include "RkXmlLib16/xml/XmlTextWriter.h"
 
 namespace RkXmlLib16 {
 
 namespace {
+
+const CNeverDestroyed<std::wstring> kNoNamespace;
 
 bool IsGroup(const CXmlObjectBase& object) {
   const auto* const generated = dynamic_cast<const CXmlGeneratedClass*>(&object);
@@ -93,6 +98,20 @@ class CDocumentWriter::Form {
     });
   }
 
+  void WriteTag(CXmlWriter& writer, const CXmlElement& element, bool isRoot) {
+    const CXmlDocument& document = *element.GetDocument();
+    const bool mayDeclare = isRoot || document.HasInnerDeclarations();
+    const std::shared_ptr<const std::wstring> namespaceUri = document.ShareName(element.GetNamespaceRef());
+    writer.TellNamespace(namespaceUri);
+    if (mayDeclare && !isRoot) AvoidDeclaredPrefix(writer, element);
+    m_name = element.GetLocalNameRef()->View();
+    writer.WriteStartElement(m_name, UriOf(namespaceUri));
+    writer.AvoidPrefix(std::wstring());
+    if (isRoot) WriteRootAttributes(writer, m_context, UriOf(namespaceUri).c_str(), false);
+    if (mayDeclare) DeclarePrefixes(writer, element);
+    for (const CXmlAttribute* attribute : element.GetAttributes()) WriteAttribute(writer, element, *attribute);
+  }
+
   // Comes before what stands inside the open element.
   void BeginContent(CXmlWriter& writer) {
     m_isStartTagOpen = false;
@@ -136,11 +155,48 @@ class CDocumentWriter::Form {
  private:
   enum class State { GoingOn, Ended, Failed };
 
+  static const std::wstring& UriOf(const std::shared_ptr<const std::wstring>& shared) {
+    return shared != nullptr ? *shared : kNoNamespace.Get();
+  }
+
+  // The name of an element must not use a prefix that its start tag declares for another namespace.
+  void AvoidDeclaredPrefix(CXmlWriter& writer, const CXmlElement& element) {
+    const CXmlDocument& document = *element.GetDocument();
+    const auto declarations = document.GetDeclarations(&element);
+    if (declarations.begin() == declarations.end() || element.GetNamespaceRef()->empty()) return;
+    const std::wstring* const prefix = writer.FindPrefixInScope(UriOf(document.ShareName(element.GetNamespaceRef())));
+    if (prefix == nullptr) return;
+    for (const auto& [owner, declared, uri] : declarations)
+      if (declared->View() == *prefix && uri != element.GetNamespaceRef()) return writer.AvoidPrefix(*prefix);
+  }
+
+  static void DeclarePrefixes(CXmlWriter& writer, const CXmlElement& element) {
+    for (const auto& [owner, prefix, uri] : element.GetDocument()->GetDeclarations(&element))
+      if (!prefix->empty() && !uri->empty())
+        writer.DeclareNamespace(std::wstring(prefix->View()), std::wstring(uri->View()));
+  }
+
+  void WriteAttribute(CXmlWriter& writer, const CXmlElement& element, const CXmlAttribute& attribute) {
+    const CXmlDocument& document = *element.GetDocument();
+    const std::shared_ptr<const std::wstring> namespaceUri = document.ShareName(attribute.GetNamespaceRef());
+    m_value = attribute.GetValue().View();
+    if (writer.WritesNamespaces() && CTypeValue::IsType(attribute.GetLocalName(), UriOf(namespaceUri))) {
+      const CTypeValue type(m_value);
+      const CXmlName* const meant = type.IsName() ? element.LookupNamespaceRef(type.GetPrefix()) : nullptr;
+      if (meant != nullptr && !meant->empty() && type.WriteIfChanged(writer, document.ShareName(meant))) return;
+    }
+    m_name = attribute.GetLocalNameRef()->View();
+    writer.TellNamespace(namespaceUri);
+    writer.WriteAttributeString(m_name, UriOf(namespaceUri), m_value, ItemType_string);
+  }
+
   State m_state = State::GoingOn;
   bool m_hasRoot = false;
   bool m_isStartTagOpen = false;
   bool m_isSchemaDue = false;
   bool m_isCollectionNew = false;  // nothing was written into it
+  std::wstring m_name;             // kept for their storage
+  std::wstring m_value;
 };
 
 CDocumentWriter::CDocumentWriter(std::unique_ptr<Form> form) : m_form(std::move(form)) {}
@@ -163,6 +219,10 @@ void CDocumentWriter::WriteStartElement(const CXmlObjectBase& object, const std:
     if (isRoot) WriteRootAttributes(writer, m_form->GetContext(), namespaceUri.c_str(), false);
     object.AttributesToXml_Int(&writer, m_form->GetContext());
   });
+}
+
+void CDocumentWriter::WriteStartElement(const CXmlElement& element) {
+  m_form->Start([&](CXmlWriter& writer, bool isRoot) { m_form->WriteTag(writer, element, isRoot); });
 }
 
 void CDocumentWriter::WriteEndElement() {

@@ -11,6 +11,8 @@
 
 namespace RkXmlLib16 {
 
+class CXmlElement;
+
 // Writes a document of any size in pieces: the start tags and attributes of its outer elements, then any number of
 // objects one by one, then the ends. Memory does not grow with the document. The bytes are those of the To* entry
 // points for the whole tree, as long as collections are told.
@@ -45,6 +47,10 @@ class RKXML_EXPORT CDocumentWriter {
   // The start tag of an object with its attributes, but nothing of its content.
   void WriteStartElement(const CXmlObjectBase& object);
   void WriteStartElement(const CXmlObjectBase& object, const std::wstring& namespaceUri);
+  // The start tag of an element that was read, as CDocumentStream::Event::Start tells it, with its attributes and the
+  // prefixes that it declares, so that values keep their meaning. An xsi:type without prefix gets one where the default
+  // namespace is another one here.
+  void WriteStartElement(const CXmlElement& element);
   void WriteEndElement();
 
   // On the open start tag. `type` tells the kind of value that the text came from; JSON writes numbers and booleans

@@ -31,8 +31,10 @@ void CSerializationContext::TakeNamespaces(const CXmlDocument& document) {
     if (prefix.empty() || uri.empty() || aliases.DoesNamespaceExist(uri.c_str())) return;
     if (used.insert(prefix.ToString()).second) aliases.Add(prefix.c_str(), uri.c_str());
   };
-  for (const auto& declaration : document.GetDeclarations(root))
-    add(declaration.prefix->GetText(), declaration.namespaceUri->GetText());
+  const auto declarations = document.GetDeclarations(root);
+  for (const auto& declaration : declarations) add(declaration.prefix->GetText(), declaration.namespaceUri->GetText());
+  // What the root means by a second prefix of a namespace stands, whatever an inner element means by it.
+  for (const auto& declaration : declarations) used.insert(declaration.prefix->GetText().ToString());
   for (const auto& [prefix, uri] : document.GetNamespaceAliases()) add(prefix, uri);
   // An inner element may have declared another default than the root's; the root's counts. An element without namespace
   // could not be told from one in the default namespace.

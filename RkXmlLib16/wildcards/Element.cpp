@@ -16,6 +16,7 @@
 #include "RkXmlLib16/types/Whitespace.h"
 #include "RkXmlLib16/wildcards/internal/NameTest.h"
 #include "RkXmlLib16/wildcards/internal/RootWriter.h"
+#include "RkXmlLib16/wildcards/internal/TypeValue.h"
 #include "RkXmlLib16/xml/XmlTextWriter.h"
 
 namespace RkXmlLib16 {
@@ -28,10 +29,7 @@ const CNeverDestroyed<std::wstring> kNoNamespace;
 
 bool IsBlank(wstring_view text) { return std::all_of(text.begin(), text.end(), CWhitespaceUtils::IsWhiteSpace); }
 
-// Characters of a name without colons, seen generously: what is no name is not declared as a prefix anyway.
-bool StartsName(wchar_t c) {
-  return (c >= L'a' && c <= L'z') || (c >= L'A' && c <= L'Z') || c == L'_' || static_cast<unsigned long>(c) >= 0xC0;
-}
+// As StartsName: what is no name is not declared as a prefix anyway.
 bool ContinuesName(wchar_t c) {
   return StartsName(c) || (c >= L'0' && c <= L'9') || c == L'-' || c == L'.' || c == 0xB7;
 }
@@ -46,15 +44,6 @@ void ForEachPrefix(wstring_view text, Found&& found) {
     while (begin < colon && !StartsName(text[begin])) ++begin;
     if (begin < colon) found(text.substr(begin, colon - begin));
   }
-}
-
-// Of the value of an xsi:type.
-bool HasNoPrefix(wstring_view type) {
-  return !type.empty() && StartsName(type.front()) && type.find(L':') == wstring_view::npos;
-}
-
-bool IsType(wstring_view localName, wstring_view namespaceUri) {
-  return localName == L"type" && namespaceUri == CXmlWriter::XSI_NAMESPACE;
 }
 
 [[noreturn]] void ThrowBadIndex(int index, int count) {
@@ -129,8 +118,10 @@ class CElement::TreeReader {
     for (const CXmlAttribute* attribute : source.GetAttributes()) {
       element.GetAttributes()->Add(*attribute);
       ForEachPrefix(attribute->GetValue(), use);
-      if (IsType(attribute->GetLocalName(), attribute->GetNamespaceURI()) && HasNoPrefix(attribute->GetValue()))
-        UseDefault();
+      if (CTypeValue::IsType(attribute->GetLocalName(), attribute->GetNamespaceURI())) {
+        const CTypeValue type(attribute->GetValue());
+        if (type.IsName() && !type.HasPrefix()) UseDefault();
+      }
     }
     if (m_used.empty()) return false;
     const bool isOwn = isBelowOwn || !JoinPrefixes();
@@ -417,7 +408,7 @@ void CElement::AttributesToXml_Int(CXmlWriter* writer, const CSerializationConte
     const auto* const attribute = dynamic_cast<const CAttribute*>(node->GetItem());
     if (attribute == nullptr) continue;
     if (m_prefixes != nullptr && writer->WritesNamespaces() &&
-        IsType(attribute->GetLocalName(), attribute->GetNamespaceRef()) && WriteType(*attribute, *writer))
+        CTypeValue::IsType(attribute->GetLocalName(), attribute->GetNamespaceRef()) && WriteType(*attribute, *writer))
       continue;
     attribute->AttributesToXml_Int(writer, context);
   }
@@ -425,19 +416,10 @@ void CElement::AttributesToXml_Int(CXmlWriter* writer, const CSerializationConte
 
 // A type whose prefix, or whose lack of one, means something else here keeps its namespace under another prefix.
 bool CElement::WriteType(const CAttribute& attribute, CXmlWriter& writer) const {
-  const std::wstring& type = attribute.GetValue();
-  const std::size_t colon = type.find(L':');
-  const bool hasPrefix = colon != std::wstring::npos;
-  if (!hasPrefix && !HasNoPrefix(type)) return false;
-  const auto meant = m_prefixes->find(hasPrefix ? wstring_view(type).substr(0, colon) : wstring_view());
-  if (meant == m_prefixes->end() || meant->second->empty()) return false;
-  writer.TellNamespace(meant->second);
-  if (hasPrefix ? writer.DeclareNamespace(meant->first, *meant->second) : writer.IsDefaultNamespace(*meant->second))
-    return false;
-  const std::wstring prefix = writer.DeclareNamespace(*meant->second);
-  writer.WriteAttributeString(attribute.GetLocalName(), CXmlWriter::XSI_NAMESPACE,
-                              prefix + L':' + type.substr(hasPrefix ? colon + 1 : 0), ItemType_string);
-  return true;
+  const CTypeValue type(attribute.GetValue());
+  if (!type.IsName()) return false;
+  const auto meant = m_prefixes->find(type.GetPrefix());
+  return meant != m_prefixes->end() && !meant->second->empty() && type.WriteIfChanged(writer, meant->second);
 }
 
 void CElement::ToXml_Int(CXmlWriter* writer, bool registerNamespaces, const wchar_t* /*namespaceUri*/,

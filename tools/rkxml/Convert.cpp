@@ -120,28 +120,29 @@ void ConvertWhole(const Options& options, const InputFile& input, Progress& prog
 }
 
 bool ConvertInPieces(const Options& options, const InputFile& input, Progress& progress, std::string& leftOut) {
-  // JSON has arrays, whose ends must be known before they begin, and types come from objects.
-  if (options.to == FindForm("json") || options.UsesSchema() || options.layout.encoding != XmlEncoding_UTF8)
-    return false;
+  if (options.UsesSchema() || options.layout.encoding != XmlEncoding_UTF8) return false;
+  const bool isToJson = options.to == FindForm("json");
   CSerializationContext context = ContextOf(options);
   CErrorCollector collector;
   if (!options.quiet) context.SetErrorHandler(&collector);
+  Notes notes(isToJson ? Question::IsRow : Question::IsMixed);
   Scan scan;
   try {
-    scan = ScanDocument(input, options, context, progress);
+    scan = ScanDocument(input, options, context, progress, notes);
   } catch (const DocumentError&) {
     // What JSON holds may come in an order that only a tree can take.
     if (options.from == FindForm("json")) return false;
     throw;
   }
-  if (!scan.isPlain) return false;
+  if (isToJson && !scan.isPlain) return false;
+  if (options.to->needsPrefixes) AddPrefixes(scan.namespaces, context);
   context.SetErrorHandler(nullptr);
   context.SetEscapeCDATA(true);  // sections have been read as the text that they are
   progress.Begin("converting", input.GetLength());
   OutputFile output(options.output);
   const std::unique_ptr<CDocumentWriter> writer = OpenOutput(output, options, context, progress);
   InputStream stream(input, options, context, progress);
-  TagWriter tags;
+  TagWriter tags(notes);
   while (stream.Next()) {
     if (stream.GetEvent() == InputStream::Event::Start)
       tags.Start(*writer, *stream->GetElement());
@@ -152,7 +153,7 @@ bool ConvertInPieces(const Options& options, const InputFile& input, Progress& p
   }
   writer->End();
   output.Complete();
-  if (!options.quiet) leftOut = LeftOut(collector, scan.mixed);
+  if (!options.quiet) leftOut = LeftOut(collector, isToJson ? scan.mixed : 0);
   return true;
 }
 

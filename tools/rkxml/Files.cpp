@@ -78,6 +78,18 @@ std::size_t ReadSome(const std::string& name, Read&& read) {
   }
 }
 
+// A file in the folder of TMPDIR that nobody else sees.
+int OpenTemporary() {
+  const char* const folder = std::getenv("TMPDIR");
+  std::string name = std::string(folder != nullptr && *folder != '\0' ? folder : "/tmp") + "/rkxml.XXXXXX";
+  const int file = ::mkstemp(name.data());
+  if (file < 0) Throw("cannot write", name, errno);
+  ::unlink(name.c_str());
+  return file;
+}
+
+constexpr char kTemporary[] = "a temporary file";
+
 }  // namespace
 
 // A new file beside `target` that is removed unless it takes the target's place.
@@ -152,15 +164,12 @@ InputFile::~InputFile() {
 }
 
 void InputFile::CopyAside() {
-  const char* const folder = std::getenv("TMPDIR");
-  std::string copy = std::string(folder != nullptr && *folder != '\0' ? folder : "/tmp") + "/rkxml.XXXXXX";
   const Descriptor from(m_file);
-  m_file = ::mkstemp(copy.data());
-  if (m_file < 0) Throw("cannot write", copy, errno);
-  ::unlink(copy.c_str());
+  m_file = -1;
+  m_file = OpenTemporary();
   Bytes piece(1 << 18);
   while (const std::size_t count = ReadSome(m_name, [&] { return ::read(from.Get(), piece.data(), piece.size()); })) {
-    WriteAll(m_file, copy, piece.data(), count);
+    WriteAll(m_file, kTemporary, piece.data(), count);
     m_length += count;
   }
 }
@@ -175,6 +184,21 @@ Bytes InputFile::ReadAll() const {
   while (const std::size_t count = ReadAt(length, bytes.data() + length, bytes.size() - length)) length += count;
   bytes.resize(length);
   return bytes;
+}
+
+TemporaryFile::~TemporaryFile() {
+  if (m_file >= 0) ::close(m_file);
+}
+
+void TemporaryFile::WriteAt(std::uint64_t offset, const unsigned char* data, std::size_t length) {
+  if (m_file < 0) m_file = OpenTemporary();
+  if (::lseek(m_file, static_cast<off_t>(offset), SEEK_SET) < 0) Throw("cannot write", kTemporary, errno);
+  WriteAll(m_file, kTemporary, data, length);
+}
+
+void TemporaryFile::ReadAt(std::uint64_t offset, unsigned char* to, std::size_t length) const {
+  for (std::size_t count = 1; length > 0 && count > 0; to += count, offset += count, length -= count)
+    count = ReadSome(kTemporary, [&] { return ::pread(m_file, to, length, static_cast<off_t>(offset)); });
 }
 
 OutputFile::OutputFile(const std::string& name) : m_name(name) {

@@ -43,6 +43,22 @@ class InputFile {
   std::uint64_t m_length = 0;
 };
 
+// A temporary file without a name, which is made when something is first written. Throws FileError.
+class TemporaryFile {
+ public:
+  TemporaryFile() = default;
+  TemporaryFile(const TemporaryFile&) = delete;
+  TemporaryFile& operator=(const TemporaryFile&) = delete;
+  ~TemporaryFile();
+
+  void WriteAt(std::uint64_t offset, const unsigned char* data, std::size_t length);
+  // All of it was written before.
+  void ReadAt(std::uint64_t offset, unsigned char* to, std::size_t length) const;
+
+ private:
+  int m_file = -1;
+};
+
 // A file that is written from its start to its end; "-" is standard output. It appears complete or not at all: the
 // bytes go to a temporary file beside it, which takes its place when all is done, and which an interruption removes.
 // One at a time.

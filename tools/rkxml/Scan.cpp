@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <map>
+#include <utility>
 
 #include "Input.h"
 #include "Load.h"
@@ -29,7 +30,8 @@ class NameSet {
 
 class Scanner {
  public:
-  Scanner(const Options& options, CSerializationContext& context) : m_options(options), m_context(context) {}
+  Scanner(const Options& options, CSerializationContext& context, Notes& notes)
+      : m_options(options), m_context(context), m_notes(notes) {}
 
   Scan Run(const InputFile& file, Progress& progress) {
     progress.Begin("reading", file.GetLength());
@@ -61,6 +63,11 @@ class Scanner {
   struct Level {
     bool hasChild = false;
     bool hasText = false;
+    bool hasBlanks = false;  // since the last child
+    Row row;
+    std::uint64_t question = 0;
+    bool isOpen = false;  // the question waits for its answer
+    bool wasAsked = false;
   };
 
   void Take(InputStream& stream) {
@@ -75,7 +82,7 @@ class Scanner {
   void Start(const CXmlElement& element) {
     const CXmlDocument& document = *element.GetDocument();
     ++m_scan.elements;
-    if (!m_levels.empty()) m_levels.back().hasChild = true;
+    if (!m_levels.empty()) BeginChild(m_levels.back(), element);
     m_levels.emplace_back();
     m_scan.depth = std::max<unsigned long long>(m_scan.depth, m_levels.size());
     for (const auto& declaration : document.GetDeclarations(&element)) Declare(declaration);
@@ -86,11 +93,33 @@ class Scanner {
       Name(attribute->GetLocalNameRef(), attribute->GetNamespaceRef(), /*isOfAttribute=*/true);
       const CXmlText value = attribute->GetValue();
       m_scan.characters += value.size();
-      m_hasPlainType |= attribute->GetLocalName() == L"type" &&
-                        attribute->GetNamespaceURI() == CXmlWriter::XSI_NAMESPACE &&
-                        value.View().find(L':') == std::wstring_view::npos;
+      if (attribute->GetLocalName() == L"type" && attribute->GetNamespaceURI() == CXmlWriter::XSI_NAMESPACE &&
+          value.View().find(L':') == std::wstring_view::npos)
+        PlainType(element);
     }
     CheckLimits();
+  }
+
+  void BeginChild(Level& parent, const CXmlElement& child) {
+    parent.hasChild = true;
+    if (m_notes.GetKind() == Question::IsRow) {
+      if (parent.row.GoesOn(child))
+        Answer(parent);
+      else
+        Ask(parent);
+    } else if (m_notes.GetKind() == Question::IsMixed && parent.hasBlanks && !parent.hasText && !parent.wasAsked) {
+      Ask(parent);
+    }
+    parent.hasBlanks = false;
+  }
+
+  void Ask(Level& level) {
+    level.question = m_notes.Ask();
+    level.wasAsked = level.isOpen = true;
+  }
+
+  void Answer(Level& level) {
+    if (std::exchange(level.isOpen, false)) m_notes.Answer(level.question);
   }
 
   void Text(std::wstring_view text) {
@@ -99,6 +128,8 @@ class Scanner {
     const bool isBlank = IsBlank(text);
     if (level.hasChild && (level.hasText || !isBlank)) m_scan.isPlain = false;
     level.hasText |= !isBlank;
+    level.hasBlanks = true;
+    if (!isBlank && m_notes.GetKind() == Question::IsMixed) Answer(level);
     CheckLimits();
   }
 
@@ -106,6 +137,13 @@ class Scanner {
     m_scan.mixed += m_levels.back().hasChild && m_levels.back().hasText ? 1 : 0;
     m_levels.pop_back();
     if (m_levels.empty()) Finish(element);
+  }
+
+  // The namespace of a type without prefix is the default one where it stands.
+  void PlainType(const CXmlElement& element) {
+    const CXmlName* const uri = element.LookupNamespaceRef({});
+    m_hasPlainType = true;
+    m_hasNoNamespace |= uri == nullptr || uri->empty();
   }
 
   void Finish(const CXmlElement& root) {
@@ -151,6 +189,7 @@ class Scanner {
 
   const Options& m_options;
   CSerializationContext& m_context;
+  Notes& m_notes;
   Scan m_scan;
   std::vector<Level> m_levels;
   NameSet m_names;
@@ -158,16 +197,18 @@ class Scanner {
   NameSet m_ofAttributes;  // likewise
   std::map<const CXmlName*, const CXmlName*> m_uriOf;
   std::map<const CXmlName*, const CXmlName*> m_prefixOf;
-  bool m_hasNoNamespace = false;  // some element
+  bool m_hasNoNamespace = false;  // some element or type
   bool m_hasPlainType = false;    // some xsi:type without prefix
 };
 
 }  // namespace
 
-Scan ScanDocument(const InputFile& file, const Options& options, CSerializationContext& context, Progress& progress) {
-  return Scanner(options, context).Run(file, progress);
+Scan ScanDocument(const InputFile& file, const Options& options, CSerializationContext& context, Progress& progress,
+                  Notes& notes) {
+  return Scanner(options, context, notes).Run(file, progress);
 }
 
 Scan ScanWhole(const InputFile& file, const Options& options, CSerializationContext& context) {
-  return Scanner(options, context).RunWhole(file);
+  Notes notes(Question::None);
+  return Scanner(options, context, notes).RunWhole(file);
 }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "Files.h"
+#include "Notes.h"
 #include "Options.h"
 #include "Progress.h"
 #include "Tree.h"
@@ -23,15 +24,15 @@ struct Scan {
   bool isFastInfoset = false;
   std::vector<std::pair<std::wstring, std::wstring>> declared;  // prefix and namespace, in the order of the prefixes
   std::vector<UsedNamespace> namespaces;                        // in the order of the document
-  // Whether what is written tag by tag, with all prefixes declared by the root element, is what the whole document
-  // would be written as: no prefix has two meanings, no namespace two prefixes, and no text stands behind a child
-  // element.
+  // Whether a form that has text of an element in one place, and each prefix at the root, can be written tag by tag: no
+  // prefix has two meanings, no namespace two prefixes, and no text stands behind a child element.
   bool isPlain = true;
 };
 
-// Reads the document, with the limits of the options, and gives `context` its prefixes and default namespace.
+// Reads the document, with the limits of the options, and gives `context` its prefixes and default namespace. Answers
+// the questions of `notes`.
 Scan ScanDocument(const InputFile& file, const Options& options, RkXmlLib16::CSerializationContext& context,
-                  Progress& progress);
+                  Progress& progress, Notes& notes);
 // The same by way of a tree of the whole document, which takes JSON in any order.
 Scan ScanWhole(const InputFile& file, const Options& options, RkXmlLib16::CSerializationContext& context);
 

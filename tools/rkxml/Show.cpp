@@ -54,8 +54,9 @@ Scan ScanInput(const InputFile& file, const Options& options, Progress& progress
   CSerializationContext context;
   context.GetLimits() = options.limits;
   options.json.ApplyTo(context);
+  Notes notes(Question::None);
   try {
-    return ScanDocument(file, options, context, progress);
+    return ScanDocument(file, options, context, progress, notes);
   } catch (const DocumentError&) {
     if (options.from != FindForm("json")) throw;
     return ScanWhole(file, options, context);

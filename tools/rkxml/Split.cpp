@@ -95,7 +95,8 @@ class Splitter {
   const Options& m_options;
   const CSerializationContext& m_context;
   Progress& m_progress;
-  TagWriter m_tags;
+  Notes m_notes{Question::None};
+  TagWriter m_tags{m_notes};
   std::unique_ptr<Part> m_part;
   unsigned long long m_parts = 0;
   unsigned long long m_inPart = 0;  // elements of the path
@@ -111,7 +112,8 @@ void Split(const Options& options) {
   context.GetLimits() = options.limits;
   context.SetIndentChars(options.layout.indent.c_str());
   options.json.ApplyTo(context);
-  const Scan scan = ScanDocument(input, options, context, progress);
+  Notes notes(Question::None);
+  const Scan scan = ScanDocument(input, options, context, progress, notes);
   if (options.to->needsPrefixes) AddPrefixes(scan.namespaces, context);
   context.SetEscapeCDATA(true);  // sections have been read as the text that they are
 

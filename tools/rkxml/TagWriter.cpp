@@ -1,6 +1,7 @@
 #include "TagWriter.h"
 
 #include <algorithm>
+#include <utility>
 
 using namespace RkXmlLib16;
 
@@ -13,16 +14,12 @@ bool IsBlank(const std::wstring& text) { return text.find_first_not_of(L" \t\r\n
 void TagWriter::Start(CDocumentWriter& writer, const CXmlElement& element) {
   BeginChild(writer);
   EndCollection(writer);
-  writer.WriteStartElement(NameOf(element.GetLocalNameRef()), NameOf(element.GetNamespaceRef()));
-  const CXmlDocument& document = *element.GetDocument();
-  if (document.HasInnerDeclarations())  // those of the root element are declared there
-    for (const auto& [owner, prefix, uri] : document.GetDeclarations(&element))
-      if (!prefix->empty()) writer.DeclareNamespace(NameOf(prefix), NameOf(uri));
-  for (const CXmlAttribute* attribute : element.GetAttributes()) {
-    m_value = attribute->GetValue().View();
-    writer.WriteAttribute(NameOf(attribute->GetLocalNameRef()), m_value, NameOf(attribute->GetNamespaceRef()));
-  }
+  if (!m_levels.empty() && m_notes.GetKind() == Question::IsRow) TellRow(writer, element);
+  writer.WriteStartElement(element);
+  const auto declarations = element.GetDocument()->GetDeclarations(&element);
+  const bool declares = m_levels.empty() && declarations.begin() != declarations.end();
   m_levels.emplace_back();
+  m_levels.back().hasAttributes = declares || !element.GetAttributes().empty();
 }
 
 void TagWriter::Object(CDocumentWriter& writer, const CXmlObjectBase& object) {
@@ -36,7 +33,13 @@ void TagWriter::Object(CDocumentWriter& writer, const CXmlObjectBase& object) {
 
 void TagWriter::End(CDocumentWriter& writer) {
   EndCollection(writer);
-  if (m_levels.back().hasChild ? !IsBlank(m_text) : !m_text.empty()) writer.WriteText(m_text);
+  const Level& level = m_levels.back();
+  // As CElement does: an element with nothing in it, not even declarations, shows its empty text, which JSON has a word
+  // for.
+  if (!level.hasChild && (!m_text.empty() || !level.hasAttributes))
+    writer.WriteText(m_text);
+  else if (level.hasChild)
+    WriteText(writer);
   m_text.clear();
   writer.WriteEndElement();
   m_levels.pop_back();
@@ -54,23 +57,37 @@ void TagWriter::Enter(CDocumentWriter& writer, const CXmlElement* element) {
 
 void TagWriter::BeginChild(CDocumentWriter& writer) {
   if (m_levels.empty()) return;
-  m_levels.back().hasChild = true;
-  if (!IsBlank(m_text)) {
+  Level& level = m_levels.back();
+  level.hasChild = true;
+  const bool isDoubtful = !m_text.empty() && !level.isMixed && IsBlank(m_text);
+  if (m_notes.GetKind() == Question::IsMixed && isDoubtful && !std::exchange(level.wasAsked, true))
+    level.isMixed = m_notes.Next();
+  WriteText(writer);
+}
+
+// Text beside child elements.
+void TagWriter::WriteText(CDocumentWriter& writer) {
+  Level& level = m_levels.back();
+  const bool isBlank = IsBlank(m_text);
+  if (!isBlank || (level.isMixed && !m_text.empty())) {
     EndCollection(writer);
     writer.WriteText(m_text);
   }
+  level.isMixed |= !isBlank && m_notes.GetKind() == Question::IsMixed;
   m_text.clear();
+}
+
+// As an object tells its collections.
+void TagWriter::TellRow(CDocumentWriter& writer, const CXmlElement& child) {
+  if (m_levels.back().row.GoesOn(child)) return;
+  if (m_notes.Next())
+    writer.BeginCollection();
+  else
+    writer.EndCollection();
 }
 
 void TagWriter::EndCollection(CDocumentWriter& writer) {
   if (m_levels.empty() || !m_levels.back().isInCollection) return;
   writer.EndCollection();
   m_levels.back().isInCollection = false;
-}
-
-const std::wstring& TagWriter::NameOf(const CXmlName* name) {
-  if (name->GetOrdinal() >= m_names.size()) m_names.resize(name->GetOrdinal() + std::size_t{1});
-  std::wstring& text = m_names[name->GetOrdinal()];
-  if (text.empty()) text = name->View();
-  return text;
 }

@@ -3,14 +3,19 @@
 
 #include <RkXmlLib16/RkXmlLib16.h>
 
-#include <deque>
 #include <string>
 #include <string_view>
 #include <vector>
 
-// Writes a document tag by tag, as it was read. Blank text beside child elements, which is indentation, is left out.
+#include "Notes.h"
+#include "Tree.h"
+
+// Writes a document tag by tag, as it was read. Blank text beside child elements is indentation and left out, unless
+// the notes tell of other text beside them.
 class TagWriter {
  public:
+  explicit TagWriter(Notes& notes) : m_notes(notes) {}  // kept; with answers to the questions of the reading before
+
   void Start(RkXmlLib16::CDocumentWriter& writer, const RkXmlLib16::CXmlElement& element);
   void Text(std::wstring_view text) { m_text += text; }
   // A whole element; those that follow each other as such are a collection.
@@ -25,17 +30,21 @@ class TagWriter {
  private:
   struct Level {
     bool hasChild = false;
+    bool hasAttributes = false;
     bool isInCollection = false;
+    bool isMixed = false;  // as far as is known
+    bool wasAsked = false;
+    Row row;
   };
 
   void BeginChild(RkXmlLib16::CDocumentWriter& writer);
+  void TellRow(RkXmlLib16::CDocumentWriter& writer, const RkXmlLib16::CXmlElement& child);
+  void WriteText(RkXmlLib16::CDocumentWriter& writer);
   void EndCollection(RkXmlLib16::CDocumentWriter& writer);
-  const std::wstring& NameOf(const RkXmlLib16::CXmlName* name);
 
+  Notes& m_notes;
   std::vector<Level> m_levels;
   std::wstring m_text;
-  std::wstring m_value;
-  std::deque<std::wstring> m_names;  // by their ordinals
 };
 
 #endif

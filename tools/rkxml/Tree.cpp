@@ -18,6 +18,13 @@ void TreeWalk::Next() {
   if (m_element != nullptr) m_element = m_element->GetNextSiblingElement();
 }
 
+bool Row::GoesOn(const CXmlElement& next) {
+  const bool isSame = next.GetLocalNameRef() == m_localName && next.GetNamespaceRef() == m_namespace;
+  m_localName = next.GetLocalNameRef();
+  m_namespace = next.GetNamespaceRef();
+  return isSame;
+}
+
 void AddPrefixes(const std::vector<UsedNamespace>& namespaces, CSerializationContext& context) {
   CNamespaceAliasMap& aliases = context.GetNamespaceAliases();
   const std::wstring defaultNamespace = context.GetDefaultNamespaceURI();

@@ -24,6 +24,17 @@ class TreeWalk {
   unsigned long long m_depth = 1;
 };
 
+// Elements of one name that follow each other.
+class Row {
+ public:
+  // Whether the next sibling goes on with the row; otherwise it begins another one.
+  bool GoesOn(const RkXmlLib16::CXmlElement& next);
+
+ private:
+  const RkXmlLib16::CXmlName* m_localName = nullptr;
+  const RkXmlLib16::CXmlName* m_namespace = nullptr;
+};
+
 // A namespace of some element or attribute.
 struct UsedNamespace {
   std::wstring uri;
