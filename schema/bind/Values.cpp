@@ -1,7 +1,10 @@
 // Which property kind and which facets a simple type becomes.
 #include <algorithm>
+#include <iterator>
 #include <limits>
+#include <string_view>
 
+#include "RkXmlLib16/base/XsdTypes.h"
 #include "RkXmlLib16/types/BigInteger.h"
 #include "schema/bind/internal/Values.h"
 #include "schema/components/Pattern.h"
@@ -15,62 +18,15 @@ namespace {
 using B = BuiltInType;
 
 ItemType ItemTypeOf(BuiltInType type) {
-  switch (type) {
-    case B::Boolean:
-      return ItemType_boolean;
-    case B::Decimal:
-      return ItemType_decimal;
-    case B::Float:
-      return ItemType_float;
-    case B::Double:
-      return ItemType_double;
-    case B::Duration:
-      return ItemType_duration;
-    case B::DateTime:
-      return ItemType_dateTime;
-    case B::Time:
-      return ItemType_time;
-    case B::Date:
-      return ItemType_date;
-    case B::GYearMonth:
-      return ItemType_gYearMonth;
-    case B::GYear:
-      return ItemType_gYear;
-    case B::GMonthDay:
-      return ItemType_gMonthDay;
-    case B::GDay:
-      return ItemType_gDay;
-    case B::GMonth:
-      return ItemType_gMonth;
-    case B::HexBinary:
-      return ItemType_hexBinary;
-    case B::Base64Binary:
-      return ItemType_base64Binary;
-    case B::Long:
-      return ItemType_long;
-    case B::Int:
-      return ItemType_int;
-    case B::Short:
-      return ItemType_short;
-    case B::Byte:
-      return ItemType_byte;
-    case B::UnsignedLong:
-      return ItemType_unsignedLong;
-    case B::UnsignedInt:
-      return ItemType_unsignedInt;
-    case B::UnsignedShort:
-      return ItemType_unsignedShort;
-    case B::UnsignedByte:
-      return ItemType_unsignedByte;
-    case B::Integer:
-    case B::NonPositiveInteger:
-    case B::NegativeInteger:
-    case B::NonNegativeInteger:
-    case B::PositiveInteger:
-      return ItemType_integer;
-    default:
-      return ItemType_string;
-  }
+  // The names that the library's types have in XSD, by their numbers.
+#define RKXML_NAME(Kind, Name, Property, Value) L"" #Kind,
+  static constexpr std::wstring_view kNames[] = {L"", RKXML_XSD_TYPES(RKXML_NAME, RKXML_NAME, RKXML_NAME)};
+#undef RKXML_NAME
+  const auto* const known = std::find(std::begin(kNames), std::end(kNames), GetBuiltInName(type));
+  if (known != std::end(kNames)) return static_cast<ItemType>(known - kNames);
+  const bool isInteger = type == B::NonPositiveInteger || type == B::NegativeInteger || type == B::NonNegativeInteger ||
+                         type == B::PositiveInteger;
+  return isInteger ? ItemType_integer : ItemType_string;
 }
 
 bool IsInteger(ItemType type) {
@@ -119,11 +75,7 @@ std::wstring JoinPatterns(const SimpleTypeDefinition& type) {
   std::vector<std::wstring> steps;
   if (const wchar_t* lexical = LexicalPattern(type.builtIn)) steps.push_back(TranslatePattern(lexical));
   for (const PatternStep& step : type.facets.patterns) {
-    std::wstring joined;
-    for (const Pattern& pattern : step.alternatives) {
-      if (!joined.empty()) joined += L'|';
-      joined += step.alternatives.size() > 1 ? L"(?:" + pattern.translated + L")" : pattern.translated;
-    }
+    std::wstring joined = JoinAlternatives(step);
     if (!joined.empty() && (steps.empty() || steps.back() != joined)) steps.push_back(std::move(joined));
   }
   if (steps.empty()) return {};

@@ -7,6 +7,7 @@
 #include <cwchar>
 #include <vector>
 
+#include "schema/components/Facets.h"
 #include "schema/components/internal/Xsd.h"
 
 namespace RkXmlSchema {
@@ -464,6 +465,14 @@ CPatternError::CPatternError(std::wstring text, std::size_t at)
 CPatternError::~CPatternError() = default;
 
 std::wstring TranslatePattern(std::wstring_view pattern) { return CTranslator(pattern).Run(); }
+
+std::wstring JoinAlternatives(const PatternStep& step) {
+  if (step.alternatives.size() == 1) return step.alternatives[0].translated;
+  std::wstring joined;
+  for (const Pattern& pattern : step.alternatives)
+    joined += (joined.empty() ? L"(?:" : L"|(?:") + pattern.translated + L")";
+  return joined;
+}
 
 CPatternMatcher::CPatternMatcher(const std::wstring& translated) {
   try {

@@ -14,6 +14,8 @@ class CRegEx;
 
 namespace RkXmlSchema {
 
+struct PatternStep;
+
 // Why a text is no regular expression, and where: `offset` counts characters from 0.
 class CPatternError : public std::runtime_error {
  public:
@@ -33,6 +35,9 @@ class CPatternError : public std::runtime_error {
 //
 //   TranslatePattern(L"[a-z-[aeiou]]+");  // (?:(?![aeiou])[a-z])+
 std::wstring TranslatePattern(std::wstring_view pattern);
+
+// One translated expression that matches what one of the patterns matches.
+std::wstring JoinAlternatives(const PatternStep& step);
 
 // A translated pattern, compiled. Threads may share it.
 class CPatternMatcher {

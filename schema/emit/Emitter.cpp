@@ -4,6 +4,7 @@
 #include <set>
 
 #include "RkXmlLib16/io/Encoder.h"
+#include "schema/components/Pattern.h"
 #include "schema/emit/internal/Plan.h"
 
 namespace RkXmlSchema {
@@ -554,34 +555,34 @@ class CEmitter {
     }
   }
 
-  void SimpleType(const SimpleTypeDefinition& type, const PlannedDocument& document, CText& out) {
-    static constexpr const char* kVarieties[] = {"Absent", "Atomic", "List", "Union"};
-    static constexpr const char* kSpaces[] = {"Preserve", "Replace", "Collapse"};
+  // A pointer to a simple type that another one is made of.
+  std::string Reference(const SimpleTypeDefinition* type, const PlannedDocument& document) {
+    const std::string text = Type(type, document);
+    return text.empty() ? "nullptr" : text;
+  }
+
+  // The names of the tables that a simple type takes; empty for none.
+  struct TypeTables {
+    std::string members;
+    std::string patterns;
+    std::string values;
+  };
+
+  // They stand in front of the type, in its namespace.
+  TypeTables TablesOf(const SimpleTypeDefinition& type, const PlannedDocument& document, CText& out) {
     const std::string& name = m_plan.NameOf(&type);
-    m_usedTypes.insert(&type);  // whose declaration makes it visible to other sources
-    const Facets& f = type.facets;
-    const auto reference = [&](const SimpleTypeDefinition* other) {
-      const std::string text = Type(other, document);
-      return text.empty() ? std::string("nullptr") : text;
-    };
     std::vector<std::string> members;
-    for (const SimpleTypeDefinition* member : type.memberTypes) members.push_back(reference(member));
+    for (const SimpleTypeDefinition* member : type.memberTypes) members.push_back(Reference(member, document));
     std::vector<std::string> patterns;
-    for (const PatternStep& step : f.patterns) {
-      std::wstring joined;
-      for (const Pattern& pattern : step.alternatives)
-        joined += (joined.empty() ? L"" : L"|") +
-                  (step.alternatives.size() > 1 ? L"(?:" + pattern.translated + L")" : pattern.translated);
-      if (!joined.empty()) patterns.push_back(ToLiteral(joined));
-    }
+    for (const PatternStep& step : type.facets.patterns)
+      if (const std::wstring pattern = JoinAlternatives(step); !pattern.empty()) patterns.push_back(ToLiteral(pattern));
     std::vector<std::string> values;
-    for (const EnumerationValue& value : f.enumeration) {
+    for (const EnumerationValue& value : type.facets.enumeration) {
       std::string prefixes = "{}";
       if (value.namespaces != nullptr && !value.namespaces->empty())
         prefixes = Prefixes(*value.namespaces, name + std::to_string(values.size() + 1) + "Prefixes", out);
       values.push_back("{" + ToLiteral(value.text) + ", " + prefixes + "}");
     }
-    // Tables that the constructor takes stand in front of the type, in its namespace.
     const auto table = [&](const char* element, const char* suffix, const std::vector<std::string>& items) {
       if (items.empty()) return std::string();
       std::string line = std::string("static constexpr ") + element + " " + name + suffix + "[] = {";
@@ -589,13 +590,21 @@ class CEmitter {
       out.Broken(line + "};", 4);
       return name + suffix;
     };
-    const std::string memberTable = table("const CSimpleTypeModel*", "Union", members);
-    const std::string patternTable = table("const wchar_t*", "Patterns", patterns);
-    const std::string valueTable = table("EnumerationModel", "Enumeration", values);
+    return {table("const CSimpleTypeModel*", "Union", members), table("const wchar_t*", "Patterns", patterns),
+            table("EnumerationModel", "Enumeration", values)};
+  }
+
+  void SimpleType(const SimpleTypeDefinition& type, const PlannedDocument& document, CText& out) {
+    static constexpr const char* kVarieties[] = {"Absent", "Atomic", "List", "Union"};
+    static constexpr const char* kSpaces[] = {"Preserve", "Replace", "Collapse"};
+    const std::string& name = m_plan.NameOf(&type);
+    m_usedTypes.insert(&type);  // whose declaration makes it visible to other sources
+    const Facets& f = type.facets;
+    const TypeTables tables = TablesOf(type, document, out);
     out.Line("const CSimpleTypeModel " + name + "([] {");
     out.Broken("  SimpleTypeData data(" + ToLiteral(type.name.localName) + ", " +
                    ToLiteral(type.IsAnonymous() ? std::wstring() : type.name.namespaceUri) + ", " +
-                   reference(type.base != nullptr ? type.base->AsSimple() : nullptr) + ", Xsd::Variety::" +
+                   Reference(type.base != nullptr ? type.base->AsSimple() : nullptr, document) + ", Xsd::Variety::" +
                    kVarieties[static_cast<int>(type.variety)] + ", " + BuiltInName(type.builtIn) + ");",
                6);
     const auto set = [&](const char* facet, const std::string& value) {
@@ -609,8 +618,8 @@ class CEmitter {
     };
     if (f.GetWhiteSpace() != WhiteSpace::Preserve)
       set("whiteSpace", std::string("Xsd::WhiteSpace::") + kSpaces[static_cast<int>(f.GetWhiteSpace())]);
-    if (type.variety == Variety::List && type.itemType != nullptr) set("itemType", reference(type.itemType));
-    if (type.variety == Variety::Union && !memberTable.empty()) set("memberTypes", memberTable);
+    if (type.variety == Variety::List && type.itemType != nullptr) set("itemType", Reference(type.itemType, document));
+    if (!tables.members.empty()) set("memberTypes", tables.members);
     count("length", f.length);
     count("minLength", f.minLength);
     count("maxLength", f.maxLength);
@@ -620,8 +629,8 @@ class CEmitter {
     bound("maxInclusive", f.maxInclusive);
     bound("minExclusive", f.minExclusive);
     bound("maxExclusive", f.maxExclusive);
-    if (!patternTable.empty()) set("patterns", patternTable);
-    if (!valueTable.empty()) set("enumeration", valueTable);
+    if (!tables.patterns.empty()) set("patterns", tables.patterns);
+    if (!tables.values.empty()) set("enumeration", tables.values);
     if (type.holdsQNames) set("holdsQNames", "true");
     out.Line("  return data;");
     out.Line("}());");

@@ -71,6 +71,13 @@ const ClassBinding& OwnerOf(const ClassBinding& object) {
   return *at;
 }
 
+// The name of a named group, else of its kind.
+std::string NameOfGroup(const ClassBinding& object) {
+  static constexpr const char* kKinds[] = {"Sequence", "Choice", "All"};
+  const ModelGroupDefinition* const definition = object.particle->group->definition;
+  return definition != nullptr ? ToPascal(definition->name.localName) : kKinds[object.group];
+}
+
 std::string Field(const std::string& name) {
   std::string field = name;
   if (field[0] >= 'A' && field[0] <= 'Z') field[0] = static_cast<char>(field[0] - 'A' + 'a');
@@ -81,6 +88,7 @@ std::string Field(const std::string& name) {
 
 CPlan::CPlan(const CBinding& binding, const EmitOptions& options) : m_binding(binding) {
   AddDocuments(options);
+  AddClasses();
   NameClasses();
   FindHomes();
   OrderClasses();
@@ -154,7 +162,7 @@ void CPlan::NameClass(const ClassBinding& object, const std::string& name) {
   planned.tables = planned.name.substr(1);
 }
 
-void CPlan::NameClasses() {
+void CPlan::AddClasses() {
   const auto& roots = m_binding.GetRoots();
   const bool takesAllTypes = std::any_of(roots.begin(), roots.end(), [&](const RootBinding& root) {
     const CSchemaSet& schemas = m_binding.GetSchemas();
@@ -189,7 +197,10 @@ void CPlan::NameClasses() {
     planned->base = m_byBinding.at(planned->binding->base);
     planned->base->isBase = true;
   }
-  // Names of types first, so that they stay as they are; then those of global elements and groups of their members.
+}
+
+// Names of types first, so that they stay as they are; then those of global elements and groups of their members.
+void CPlan::NameClasses() {
   for (const auto& planned : m_classes)
     if (!planned->binding->typeName.empty())
       NameClass(*planned->binding, ToPascal(planned->binding->typeName.localName));
@@ -203,32 +214,30 @@ void CPlan::NameClasses() {
   }
   for (bool isChanged = true; isChanged;) {
     isChanged = false;
-    for (const auto& planned : m_classes) {
-      if (planned->name.empty()) continue;
-      for (const MemberBinding& member : planned->binding->members) {
-        if (member.object == nullptr || !m_byBinding.at(member.object)->name.empty()) continue;
-        const bool isGroup = member.object->owner != nullptr;
-        if (isGroup && member.object->owner != planned->binding &&
-            (planned->binding->owner == nullptr || member.object->owner != planned->binding->owner))
-          continue;
-        const PlannedClass& owner = *m_byBinding.at(&OwnerOf(*planned->binding));
-        std::string part = ToPascal(member.name);
-        if (isGroup) {
-          const ModelGroup* const group = member.object->particle->group;
-          static constexpr const char* kParts[] = {"Sequence", "Choice", "All"};
-          part =
-              group->definition != nullptr ? ToPascal(group->definition->name.localName) : kParts[member.object->group];
-        }
-        NameClass(*member.object, owner.name.substr(1) + part);
-        isChanged = true;
-      }
-    }
+    for (const auto& planned : m_classes)
+      if (!planned->name.empty()) isChanged = NameMembers(*planned) || isChanged;
   }
-  for (const auto& planned : m_classes)
-    if (planned->name.empty())
-      NameClass(*planned->binding, planned->binding->type != nullptr && planned->binding->type->ownerElement != nullptr
-                                       ? ToPascal(planned->binding->type->ownerElement->name.localName)
-                                       : "Anonymous");
+  for (const auto& planned : m_classes) {
+    if (!planned->name.empty()) continue;
+    const TypeDefinition* const type = planned->binding->type;
+    NameClass(*planned->binding, type != nullptr && type->ownerElement != nullptr
+                                     ? ToPascal(type->ownerElement->name.localName)
+                                     : "Anonymous");
+  }
+}
+
+// The classes of members that have no name yet; whether there were any.
+bool CPlan::NameMembers(const PlannedClass& object) {
+  const std::string owner = m_byBinding.at(&OwnerOf(*object.binding))->name.substr(1);
+  bool isChanged = false;
+  for (const MemberBinding& member : object.binding->members) {
+    if (member.object == nullptr || !m_byBinding.at(member.object)->name.empty()) continue;
+    const ClassBinding* const around = member.object->owner;  // of a group
+    if (around != nullptr && around != object.binding && around != object.binding->owner) continue;
+    NameClass(*member.object, owner + (around != nullptr ? NameOfGroup(*member.object) : ToPascal(member.name)));
+    isChanged = true;
+  }
+  return isChanged;
 }
 
 void CPlan::FindHomes() {
@@ -286,13 +295,15 @@ void CPlan::PlanEnum(const ValueBinding& value, const std::string& fallback, Pla
 }
 
 // A storage of a base class that can hold the same serves; else the class gets one of its own.
-const Storage* CPlan::Place(PlannedClass& object, CScope& names, Storage storage) {
+const Storage* CPlan::Place(PlannedClass& object, Storage storage) {
   for (const PlannedClass* base = object.base; base != nullptr; base = base->base) {
     for (const auto& known : base->own) {
+      const bool hasSameType =
+          known->enumeration == storage.enumeration && (storage.enumeration != nullptr || known->type == storage.type);
       const bool isSame = known->kind == storage.kind && known->xmlName == storage.xmlName &&
-                          known->xmlNamespace == storage.xmlNamespace && known->type == storage.type &&
-                          known->isNillable == storage.isNillable;
-      if (!isSame || known->note != storage.note) continue;
+                          known->xmlNamespace == storage.xmlNamespace && hasSameType &&
+                          known->isNillable == storage.isNillable && known->note == storage.note;
+      if (!isSame) continue;
       const PlannedClass* at = storage.object;
       while (at != nullptr && at != known->object) at = at->base;
       if (known->object == at &&
@@ -300,6 +311,7 @@ const Storage* CPlan::Place(PlannedClass& object, CScope& names, Storage storage
         return known.get();
     }
   }
+  CScope& names = m_properties.at(&object);
   storage.number = object.count++;
   std::string name = storage.name;
   if (LibraryProperties().count(name) != 0) name += '_';
@@ -321,68 +333,79 @@ void CPlan::PlaceClass(PlannedClass& object) {
   } else {
     m_properties.emplace(&object, CScope());
   }
-  CScope& names = m_properties.at(&object);
+  PlaceMembers(object);
+  PlaceAttributes(object);
   const ClassBinding& binding = *object.binding;
-  const std::string prefix = m_byBinding.at(&OwnerOf(binding))->name.substr(1);
+  if (binding.textProperty < 0) return;
+  Storage storage;
+  storage.name = binding.isMixed ? "Text" : "Value";
+  storage.note = "Text";
+  SetType(storage, *binding.text, object, L"Value");
+  object.text = Place(object, std::move(storage));
+}
 
-  const auto value = [&](Storage& storage, const ValueBinding& held, const std::wstring& name) {
-    PlanEnum(held, prefix + ToPascal(name), *object.document);
-    storage.enumeration = FindEnum(&held);
-    storage.type = storage.enumeration != nullptr
-                       ? (storage.enumeration->document->nameSpace == object.document->nameSpace
-                              ? storage.enumeration->name
-                              : "::" + storage.enumeration->document->nameSpace + "::" + storage.enumeration->name)
-                       : CppTypeOf(held.itemType).value;
+void CPlan::SetType(Storage& storage, const ValueBinding& value, const PlannedClass& object, const std::wstring& name) {
+  PlanEnum(value, m_byBinding.at(&OwnerOf(*object.binding))->name.substr(1) + ToPascal(name), *object.document);
+  storage.enumeration = FindEnum(&value);
+  storage.type = CppTypeOf(value.itemType).value;
+  if (storage.enumeration == nullptr) return;
+  const std::string& home = storage.enumeration->document->nameSpace;
+  storage.type = (home == object.document->nameSpace ? "" : "::" + home + "::") + storage.enumeration->name;
+}
+
+void CPlan::PlaceMembers(PlannedClass& object) {
+  const ClassBinding& binding = *object.binding;
+  const auto mayBeRare = [](const MemberBinding& member) {
+    return member.kind == MemberBinding::Kind::Value && member.cardinality == MemberBinding::Cardinality::Optional &&
+           IsLarge(CppTypeOf(member.value->itemType).value);
   };
-
-  std::size_t rare = 0;
-  for (const MemberBinding& member : binding.members)
-    if (member.value != nullptr && member.cardinality == MemberBinding::Cardinality::Optional &&
-        member.kind == MemberBinding::Kind::Value && IsLarge(CppTypeOf(member.value->itemType).value))
-      ++rare;
-
+  const bool hasRare = std::count_if(binding.members.begin(), binding.members.end(), mayBeRare) > 3;
   for (const MemberBinding& member : binding.members) {
-    Storage storage;
-    storage.xmlName = member.name;
-    storage.xmlNamespace = member.namespaceUri;
-    storage.name = ToPascal(member.name);
-    storage.note = "Element";
-    if (member.element != nullptr) storage.documentation = member.element->documentation;
-    switch (member.kind) {
-      case MemberBinding::Kind::Value:
-      case MemberBinding::Kind::Enumeration:
-        value(storage, *member.value, member.name);
-        if (member.IsCollection()) {
-          storage.kind = Storage::Kind::Values;
-          storage.type = CppTypeOf(member.value->itemType).collection;
-        } else {
-          storage.isNillable = member.isNillable;
-          storage.isRare = rare > 3 && member.cardinality == MemberBinding::Cardinality::Optional &&
-                           member.kind == MemberBinding::Kind::Value && IsLarge(storage.type);
-        }
-        break;
-      case MemberBinding::Kind::Wildcard:
-        storage.kind = member.IsCollection() ? Storage::Kind::Wildcards : Storage::Kind::Wildcard;
-        storage.note = "Any element";
-        break;
-      default:
-        storage.kind = member.IsCollection() ? Storage::Kind::Objects : Storage::Kind::Object;
-        storage.object = m_byBinding.at(member.object);
-        if (member.object->owner != nullptr) {
-          const ModelGroup* const group = member.object->particle->group;
-          static constexpr const char* kParts[] = {"Sequence", "Choice", "All"};
-          storage.name =
-              group->definition != nullptr ? ToPascal(group->definition->name.localName) : kParts[member.object->group];
-          storage.note = "Group";
-          storage.xmlName = FromUtf8(storage.object->name);
-        }
-        break;
-    }
     const std::size_t number = object.members.size();
-    const bool isInherited = number < binding.inheritedMembers && object.base != nullptr;
-    const Storage* const placed = isInherited ? object.base->members[number] : Place(object, names, std::move(storage));
-    object.members.push_back(placed);
+    if (number < binding.inheritedMembers && object.base != nullptr) {
+      object.members.push_back(object.base->members[number]);
+      continue;
+    }
+    Storage storage = StorageOf(member, object);
+    storage.isRare = hasRare && mayBeRare(member);
+    object.members.push_back(Place(object, std::move(storage)));
   }
+}
+
+Storage CPlan::StorageOf(const MemberBinding& member, const PlannedClass& object) {
+  Storage storage;
+  storage.xmlName = member.name;
+  storage.xmlNamespace = member.namespaceUri;
+  storage.name = ToPascal(member.name);
+  storage.note = "Element";
+  if (member.element != nullptr) storage.documentation = member.element->documentation;
+  switch (member.kind) {
+    case MemberBinding::Kind::Value:
+    case MemberBinding::Kind::Enumeration:
+      SetType(storage, *member.value, object, member.name);
+      storage.isNillable = member.isNillable && !member.IsCollection();
+      if (!member.IsCollection()) break;
+      storage.kind = Storage::Kind::Values;
+      storage.type = CppTypeOf(member.value->itemType).collection;
+      break;
+    case MemberBinding::Kind::Wildcard:
+      storage.kind = member.IsCollection() ? Storage::Kind::Wildcards : Storage::Kind::Wildcard;
+      storage.note = "Any element";
+      break;
+    default:
+      storage.kind = member.IsCollection() ? Storage::Kind::Objects : Storage::Kind::Object;
+      storage.object = m_byBinding.at(member.object);
+      if (member.object->owner == nullptr) break;
+      storage.name = NameOfGroup(*member.object);
+      storage.note = "Group";
+      storage.xmlName = FromUtf8(storage.object->name);
+      break;
+  }
+  return storage;
+}
+
+void CPlan::PlaceAttributes(PlannedClass& object) {
+  const ClassBinding& binding = *object.binding;
   for (const AttributeBinding& attribute : binding.attributes) {
     const std::size_t number = object.attributes.size();
     if (number < binding.inheritedAttributes && object.base != nullptr) {
@@ -396,26 +419,18 @@ void CPlan::PlaceClass(PlannedClass& object) {
     storage.note = "Attribute";
     storage.documentation = !attribute.use->documentation.empty() ? attribute.use->documentation
                                                                   : attribute.use->declaration->documentation;
-    value(storage, *attribute.value, attribute.name);
-    if (names.Has(storage.name)) storage.name += "Attribute";
-    object.attributes.push_back(Place(object, names, std::move(storage)));
+    SetType(storage, *attribute.value, object, attribute.name);
+    if (m_properties.at(&object).Has(storage.name)) storage.name += "Attribute";
+    object.attributes.push_back(Place(object, std::move(storage)));
   }
-  if (binding.attributeWildcard != nullptr) {
-    const PlannedClass* base = object.base;
-    while (base != nullptr && base->anyAttribute == nullptr) base = base->base;
-    Storage storage;
-    storage.kind = Storage::Kind::Attributes;
-    storage.name = "AnyAttribute";
-    storage.note = "Any attribute";
-    object.anyAttribute = base != nullptr ? base->anyAttribute : Place(object, names, std::move(storage));
-  }
-  if (binding.textProperty >= 0) {
-    Storage storage;
-    storage.name = binding.isMixed ? "Text" : "Value";
-    storage.note = "Text";
-    value(storage, *binding.text, FromUtf8("Value"));
-    object.text = Place(object, names, std::move(storage));
-  }
+  if (binding.attributeWildcard == nullptr) return;
+  const PlannedClass* base = object.base;
+  while (base != nullptr && base->anyAttribute == nullptr) base = base->base;
+  Storage storage;
+  storage.kind = Storage::Kind::Attributes;
+  storage.name = "AnyAttribute";
+  storage.note = "Any attribute";
+  object.anyAttribute = base != nullptr ? base->anyAttribute : Place(object, std::move(storage));
 }
 
 // ---- Simple types

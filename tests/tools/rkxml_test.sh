@@ -387,6 +387,15 @@ run 1 convert --quiet --schema order.xsd bad.xml bad.json
 run 0 convert --force --quiet --schema order.xsd bad.xml bad.json
 run 1 check --quiet --follow-locations located.xml
 grep -q 'required Attribute \[id\]' out || fail "locations are not followed: $(cat out)"
+# As many locations as a document may name, and none of them there.
+{ printf '<order xmlns:i="http://www.w3.org/2001/XMLSchema-instance" i:schemaLocation="'
+  seq -f 'u f%.0f' 60000
+  printf '">'
+  seq -f '<a i:noNamespaceSchemaLocation="g%.0f"/>' 60000
+  printf '</order>'
+} >located.xml
+run 2 check --quiet --follow-locations located.xml
+grep -q 'Limit exceeded' err || fail "60,000 locations give $(head -n 1 err)"
 printf '<xs:schema xmlns:xs="http://www.w3.org/2001/XMLSchema">\n<xs:element name="r" type="t"/></xs:schema>' >none.xsd
 run 2 check --schema none.xsd good.xml
 grep -q 'none.xsd:2:.*error: ' err || fail "a bad schema gives $(cat err)"

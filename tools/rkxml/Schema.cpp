@@ -1,6 +1,7 @@
 #include "Schema.h"
 
-#include <algorithm>
+#include <sstream>
+#include <unordered_set>
 
 #include "Text.h"
 #include "Tree.h"
@@ -48,18 +49,13 @@ std::vector<std::wstring> SchemaLocations(const CXmlDocument& document, const st
   const std::wstring folder =
       slash == std::string::npos ? std::wstring() : CEncoder::Utf8ToUnicode(file.substr(0, slash + 1));
   std::vector<std::wstring> files;
+  std::unordered_set<std::wstring> known;
   const auto add = [&](const std::wstring& location) {
-    if (!IsRelativeFile(location) || std::count(files.begin(), files.end(), folder + location) != 0) return;
-    files.push_back(folder + location);
+    if (IsRelativeFile(location) && known.insert(location).second) files.push_back(folder + location);
   };
   for (TreeWalk walk(document); walk; walk.Next()) {
-    std::wstring pairs =
-        CWhitespaceUtils::Collapse(walk->GetAttribute(L"schemaLocation", kInstanceNamespace).ToString());
-    for (bool isLocation = false; !pairs.empty(); isLocation = !isLocation) {
-      const std::size_t blank = std::min(pairs.find(L' '), pairs.size());
-      if (isLocation) add(pairs.substr(0, blank));
-      pairs.erase(0, blank + 1);
-    }
+    std::wistringstream pairs(walk->GetAttribute(L"schemaLocation", kInstanceNamespace).ToString());
+    for (std::wstring uri, location; pairs >> uri >> location;) add(location);
     add(CWhitespaceUtils::Collapse(walk->GetAttribute(L"noNamespaceSchemaLocation", kInstanceNamespace).ToString()));
   }
   return files;

@@ -107,16 +107,22 @@ class CPlan {
   void AddDocuments(const EmitOptions& options);
   PlannedDocument& DocumentOf(const SourceLocation& location, const std::wstring& ns) const;
   PlannedDocument& DocumentOf(const ClassBinding& object) const;
+  void AddClasses();
   void NameClasses();
+  bool NameMembers(const PlannedClass& object);
   void FindHomes();
   void OrderClasses();
   void NameTypes();
   void NameType(const SimpleTypeDefinition* type, const std::wstring& fallback);
   void NameClass(const ClassBinding& object, const std::string& name);
-  void NameParts(const PlannedClass& object);
   void PlaceClass(PlannedClass& object);
   void PlanEnum(const ValueBinding& value, const std::string& fallback, PlannedDocument& document);
-  const Storage* Place(PlannedClass& object, CScope& names, Storage storage);
+  void PlaceMembers(PlannedClass& object);
+  void PlaceAttributes(PlannedClass& object);
+  Storage StorageOf(const MemberBinding& member, const PlannedClass& object);
+  // The C++ type of a value; `name` is for an enumeration that has none of its own.
+  void SetType(Storage& storage, const ValueBinding& value, const PlannedClass& object, const std::wstring& name);
+  const Storage* Place(PlannedClass& object, Storage storage);
 
   const CBinding& m_binding;
   std::vector<std::unique_ptr<PlannedDocument>> m_documents;

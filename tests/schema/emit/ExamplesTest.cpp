@@ -5,6 +5,7 @@
 #include "constructs.h"
 #include "gpx.h"
 #include "order.h"
+#include "other.h"
 
 namespace RkXmlSchema {
 namespace {
@@ -63,10 +64,12 @@ TEST(GeneratedTest, SaysTheSameOfEveryConstruct) {
     std::string document = whole;
     EXPECT_EQ(both.Compare(document.insert(document.rfind("</"), parts)), L"") << parts;
   }
-  for (const char* document : {"<y:title xmlns:y='urn:test:constructs'>y:name</y:title>",
-                               "<y:title xmlns:y='urn:test:constructs'>name</y:title>",
-                               "<y:upper xmlns:y='urn:test:constructs' u='1' level='\U0001F600a' size='L'/>",
-                               "<y:upper xmlns:y='urn:test:constructs' level='\U0001F600' size='XL'/>"})
+  for (const char* document :
+       {"<y:title xmlns:y='urn:test:constructs'>y:name</y:title>",
+        "<y:title xmlns:y='urn:test:constructs'>name</y:title>",
+        "<o:large xmlns:o='urn:test:other' size='L' level='low'/>", "<o:large xmlns:o='urn:test:other' size='S'/>",
+        "<y:upper xmlns:y='urn:test:constructs' u='1' level='\U0001F600a' size='L'/>",
+        "<y:upper xmlns:y='urn:test:constructs' level='\U0001F600' size='XL'/>"})
     EXPECT_EQ(both.Compare(document), L"") << document;
 }
 
@@ -80,6 +83,11 @@ TEST(GeneratedTest, ResolvesNames) {
   EXPECT_EQ(constructs::EWordFromText(L"int"), constructs::EWord::int_);
   EXPECT_EQ(constructs::EWordFromText(L"EOF"), constructs::EWord::EOF_);
   EXPECT_NE(constructs::EWordFromText(L"+"), constructs::EWordFromText(L"-"));
+  // The type of one enumeration in a restriction is another one of the same name.
+  const auto large = other::NewLarge();
+  large->SetLevel(constructs::ELevel::low);
+  large->SetSizeAttribute(other::ESize::L);
+  EXPECT_FALSE(large->HasSize());
   const auto upper = constructs::NewUpper();
   upper->SetLevel(constructs::ELevel::u01f600a);
   EXPECT_NE(upper->ToXmlUtf8(false).find(" level=\"\U0001F600a\""), std::string::npos);
