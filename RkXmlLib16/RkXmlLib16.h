@@ -10,6 +10,7 @@
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
 #include "RkXmlLib16/base/Location.h"
+#include "RkXmlLib16/base/NameToken.h"
 #include "RkXmlLib16/base/SmartPtr.h"
 #include "RkXmlLib16/binding/CheckMetaData.h"
 #include "RkXmlLib16/binding/DocumentStream.h"

@@ -22,8 +22,7 @@ using namespace RkXmlLib16;
 
 CAttributeInfo::CAttributeInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, bool optional,
                                const wchar_t* defaultValue)
-    : m_attributeName(TextOrEmpty(name)),
-      m_namespace(TextOrEmpty(ns)),
+    : m_name(TextOrEmpty(name), TextOrEmpty(ns)),
       m_propertyIndex(propertyIndex),
       m_optional(optional),
       m_defaultValue(TextOrEmpty(defaultValue)) {}
@@ -31,12 +30,12 @@ CAttributeInfo::CAttributeInfo(const wchar_t* name, const wchar_t* ns, int prope
 CAttributeInfo::~CAttributeInfo() = default;
 
 bool CAttributeInfo::IsThisAttribute(const CSerializationContext& context, CXmlAttribute* attribute) const {
-  return attribute != nullptr && attribute->GetLocalName() == m_attributeName.Get() &&
-         (context.GetIgnoreNamespaces() || attribute->GetNamespaceURI() == m_namespace);
+  return attribute != nullptr && attribute->GetLocalName() == GetAttributeName() &&
+         (context.GetIgnoreNamespaces() || attribute->GetNamespaceURI() == GetNamespace());
 }
 
 void CAttributeInfo::InvokePropertyGet(CXmlGeneratedClass* object, RkVariant& value) const {
-  GetProperty(*object, m_propertyIndex, m_attributeName, value);
+  GetProperty(*object, m_propertyIndex, m_name, value);
 }
 
 void CAttributeInfo::ReadProperty(const CXmlGeneratedClass* object, RkVariant& value) const {
@@ -80,7 +79,7 @@ bool CAttributeInfo::IsSuppressedDefault(const CSerializationContext& context, s
 void CAttributeInfo::ValidateRequired(bool found) const {
   if (!m_optional && !found)
     throw CRkValidationException(
-        FormatString(L"Failed to find the required Attribute [%ls].", m_attributeName.Get().c_str()), std::wstring());
+        FormatString(L"Failed to find the required Attribute [%ls].", GetAttributeName().c_str()), std::wstring());
 }
 
 CAttributeInfoPrimitive::CAttributeInfoPrimitive(const wchar_t* name, const wchar_t* ns, int propertyIndex,
@@ -108,15 +107,13 @@ void CAttributeInfoPrimitive::AttributeToXml(const CSerializationContext& contex
   const std::wstring& text = ValueText(value, m_format, *writer);
   if (IsSuppressedDefault(context, text)) return;
   CheckRestriction(value);
-  writer->SetLastingNames({&GetAttributeName(), &GetNamespace(), GetId()});
-  writer->WriteAttributeString(GetAttributeName(), GetNamespace(), text, type);
+  writer->Attribute(GetName(), text, type);
 }
 
 void CAttributeInfoPrimitive::WriteText(const CSerializationContext& context, const std::wstring& text,
                                         CXmlWriter* writer) const {
   if (IsSuppressedDefault(context, text)) return;
-  writer->SetLastingNames({&GetAttributeName(), &GetNamespace(), GetId()});
-  writer->WriteAttributeString(GetAttributeName(), GetNamespace(), text, m_itemType);
+  writer->Attribute(GetName(), text, m_itemType);
 }
 
 bool CAttributeInfoPrimitive::AttributeFromXml(const CSerializationContext&, CXmlGeneratedClass* object,
@@ -157,8 +154,7 @@ void CAttributeInfoEnum::AttributeToXml(const CSerializationContext& context, co
   if (IsOptional() && !value.IsValid()) return;
   const std::wstring text = TextOrEmpty(m_toString(static_cast<int>(value.GetI4())));
   if (IsSuppressedDefault(context, text)) return;
-  writer->SetLastingNames({&GetAttributeName(), &GetNamespace(), GetId()});
-  writer->WriteAttributeString(GetAttributeName(), GetNamespace(), text, ItemType_string);
+  writer->Attribute(GetName(), text, ItemType_string);
 }
 
 bool CAttributeInfoEnum::AttributeFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,

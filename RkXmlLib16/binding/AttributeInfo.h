@@ -32,9 +32,9 @@ class RKXML_EXPORT CAttributeInfo {
   // Throws CRkValidationException "Failed to find the required Attribute [%ls].".
   virtual void Validate(const CSerializationContext& context, bool found) const = 0;
 
-  const std::wstring& GetAttributeName() const noexcept { return m_attributeName.Get(); }
-  const std::wstring& GetNamespace() const noexcept { return m_namespace; }
-  std::uint32_t GetId() const noexcept { return m_id; }
+  const std::wstring& GetAttributeName() const noexcept { return m_name.GetLocalName(); }
+  const std::wstring& GetNamespace() const noexcept { return m_name.GetNamespace(); }
+  const RkXmlLib16::CNameToken& GetName() const noexcept { return m_name; }
   int GetPropertyIndex() const noexcept { return m_propertyIndex; }
   bool IsOptional() const noexcept { return m_optional; }
   const std::wstring& GetDefaultValue() const noexcept { return m_defaultValue; }
@@ -60,9 +60,7 @@ class RKXML_EXPORT CAttributeInfo {
   void ValidateRequired(bool found) const;
 
  private:
-  const std::uint32_t m_id = CElementInfo::NewId();
-  RkXmlLib16::CSharedName m_attributeName;
-  std::wstring m_namespace;
+  RkXmlLib16::CNameToken m_name;
   int m_propertyIndex;
   bool m_optional;
   std::wstring m_defaultValue;

@@ -24,17 +24,31 @@ namespace RkXmlLib16Data {
 
 using namespace RkXmlLib16;
 
+namespace {
+
+// Tells the writer by what name the object is written, as long as it is.
+class ExpectedName {
+ public:
+  ExpectedName(CXmlWriter& writer, const CNameToken& name) : m_writer(writer) { writer.SetExpectedName(&name); }
+  ExpectedName(const ExpectedName&) = delete;
+  ExpectedName& operator=(const ExpectedName&) = delete;
+  ~ExpectedName() { m_writer.SetExpectedName(nullptr); }
+
+ private:
+  CXmlWriter& m_writer;
+};
+
+}  // namespace
+
 CElementInfo::CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, MemberKind kind)
-    : m_elementName(TextOrEmpty(name)),
-      m_namespace(TextOrEmpty(ns)),
+    : m_name(TextOrEmpty(name), TextOrEmpty(ns)),
       m_propertyIndex(propertyIndex),
       m_mayHaveAttributes(true),
       m_memberKind(kind) {}
 
 CElementInfo::CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, MemberKind kind,
                            XmlElementType memberType)
-    : m_elementName(TextOrEmpty(name)),
-      m_namespace(TextOrEmpty(ns)),
+    : m_name(TextOrEmpty(name), TextOrEmpty(ns)),
       m_propertyIndex(propertyIndex),
       m_mayHaveAttributes(memberType == XmlElementType_InlineGroup),
       m_memberType(memberType),
@@ -57,8 +71,7 @@ CElementInfo::CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyI
 
 CElementInfo::CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, bool nillable,
                            EnumToString enumToString, EnumFromString enumFromString, const wchar_t* defaultValue)
-    : m_elementName(TextOrEmpty(name)),
-      m_namespace(TextOrEmpty(ns)),
+    : m_name(TextOrEmpty(name), TextOrEmpty(ns)),
       m_propertyIndex(propertyIndex),
       m_defaultValue(TextOrEmpty(defaultValue)),
       m_nillable(nillable),
@@ -69,8 +82,7 @@ CElementInfo::CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyI
 CElementInfo::CElementInfo(const wchar_t* name, const wchar_t* ns, int propertyIndex, bool nillable, ItemType type,
                            const wchar_t* format, CWhitespaceUtils::WhitespaceRule whitespace,
                            const CPrimitiveRestrictions& facets, const wchar_t* defaultValue)
-    : m_elementName(TextOrEmpty(name)),
-      m_namespace(TextOrEmpty(ns)),
+    : m_name(TextOrEmpty(name), TextOrEmpty(ns)),
       m_propertyIndex(propertyIndex),
       m_facets(facets),
       m_itemType(type),
@@ -121,32 +133,24 @@ std::uint8_t CElementInfo::FindFacts() const {
   return static_cast<std::uint8_t>(facts);
 }
 
-std::uint32_t CElementInfo::NewId() noexcept {
-  static std::atomic<std::uint32_t> last{0};
-  std::uint32_t id = last.load(std::memory_order_relaxed);
-  while (id != UINT32_MAX && !last.compare_exchange_weak(id, id + 1, std::memory_order_relaxed)) {
-  }
-  return id;
-}
-
 bool CElementInfo::CompareName(const CSerializationContext& context, const CXmlElement& element) const {
-  if (element.GetLocalName() != m_elementName.Get()) return false;
-  if (element.GetNamespaceURI() != m_namespace.Get()) return context.GetIgnoreNamespaces();
-  if (m_id != UINT32_MAX) element.GetLocalNameRef()->SetMatch(MatchOf(element));
+  if (element.GetLocalName() != GetElementName()) return false;
+  if (element.GetNamespaceURI() != GetNamespace()) return context.GetIgnoreNamespaces();
+  if (m_name.GetNumber() != CNameToken::kNoNumber) element.GetLocalNameRef()->SetMatch(MatchOf(element));
   return true;
 }
 
 CSmartPtr<CXmlObjectBase> CElementInfo::CreateGroup() const {
-  return IsInlineGroup() && m_factory != nullptr ? m_factory(m_classId, m_elementName.Get().c_str()) : nullptr;
+  return IsInlineGroup() && m_factory != nullptr ? m_factory(m_classId, GetElementName().c_str()) : nullptr;
 }
 
 void CElementInfo::CheckRestriction(const RkVariant& value) const {
   if (!m_hasFacets) throw CRkException(L"Cannot CheckRestriction for type: " + value.GetType());
-  CXmlObjectHelper::CheckRestriction(m_elementName.Get().c_str(), value, m_itemType, m_facets);
+  CXmlObjectHelper::CheckRestriction(GetElementName().c_str(), value, m_itemType, m_facets);
 }
 
 void CElementInfo::InvokePropertyGet(CXmlGeneratedClass* object, RkVariant& value) const {
-  GetProperty(*object, m_propertyIndex, m_elementName, value);
+  GetProperty(*object, m_propertyIndex, m_name, value);
 }
 
 void CElementInfo::ReadProperty(const CXmlGeneratedClass* object, RkVariant& value) const {
@@ -173,10 +177,10 @@ bool CElementInfo::WriteCollection(const CSerializationContext& context, const C
                                    CXmlWriter* writer) const {
   if (collection == nullptr || collection->GetCount() < 1) return false;
   writer->SetContextState(ContextState_CollectionStart);
-  writer->SetLastingNames({&m_elementName.Get(), &m_namespace.Get(), m_id});
+  const ExpectedName expected(*writer, m_name);
   static_cast<const CXmlObjectBase*>(collection)
       ->GetBase()
-      ->ToXml_Int(writer, /*registerNamespaces=*/false, m_namespace.Get().c_str(), context, false);
+      ->ToXml_Int(writer, /*registerNamespaces=*/false, GetNamespace().c_str(), context, false);
   writer->SetContextState(ContextState_CollectionEnd);
   return true;
 }
@@ -187,8 +191,8 @@ bool CElementInfo::ElementToXmlCls(const CSerializationContext& context, const C
   ReadProperty(object, value);
   if (value.PeekXmlObject() == nullptr) return false;
   const CSmartPtr<CXmlObjectBase> child = value.TakeXmlObject();
-  writer->SetLastingNames({&m_elementName.Get(), &m_namespace.Get(), m_id});
-  child->ToXml_Int(writer, /*registerNamespaces=*/false, m_namespace.Get().c_str(), context, isOptionalChoice);
+  const ExpectedName expected(*writer, m_name);
+  child->ToXml_Int(writer, /*registerNamespaces=*/false, GetNamespace().c_str(), context, isOptionalChoice);
   return true;
 }
 
@@ -229,16 +233,13 @@ bool CElementInfo::ElementToXmlEnum(const CSerializationContext& context, const 
 
 void CElementInfo::WriteText(const CSerializationContext& context, CXmlWriter* writer, const std::wstring& text,
                              ItemType type) const {
-  if (!IsDefault(text) || context.GetWriteDefaultElementValues()) {
-    writer->SetLastingNames({&m_elementName.Get(), &m_namespace.Get(), m_id});
-    return writer->WriteTextElement(m_elementName.Get(), m_namespace.Get(), text, type);
-  }
-  writer->WriteStartElement(m_elementName.Get(), m_namespace.Get());
+  if (!IsDefault(text) || context.GetWriteDefaultElementValues()) return writer->TextElement(m_name, text, type);
+  writer->StartElement(m_name);
   writer->WriteEndElement();
 }
 
 bool CElementInfo::WriteNil(CXmlWriter* writer) const {
-  writer->WriteStartElement(m_elementName.Get(), m_namespace.Get());
+  writer->StartElement(m_name);
   writer->WriteAttributeNil();
   writer->WriteEndElement();
   return true;
@@ -288,7 +289,7 @@ void CElementInfo::ElementFromXmlPrim(const CSerializationContext& context, CXml
         InvokePropertySet(object, value.Get(), element);
       }
     } catch (CRkException& e) {
-      if (!isValue) e.SetRefusedValue({m_elementName.Get(), std::wstring(text), NameOfXsdType(m_itemType), {}, {}});
+      if (!isValue) e.SetRefusedValue({GetElementName(), std::wstring(text), NameOfXsdType(m_itemType), {}, {}});
       RefuseCaught(context, e, element);
     }
   }
@@ -308,7 +309,7 @@ void CElementInfo::ElementFromXmlEnum(const CSerializationContext& context, CXml
       isValue = true;
       InvokePropertySet(object, value.Get(), element);
     } catch (CRkException& e) {
-      if (!isValue) e.SetRefusedValue({m_elementName.Get(), text, L"string", RkFacet_Enumeration, {}});
+      if (!isValue) e.SetRefusedValue({GetElementName(), text, L"string", RkFacet_Enumeration, {}});
       RefuseCaught(context, e, element);
     }
   }

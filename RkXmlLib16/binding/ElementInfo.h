@@ -7,7 +7,7 @@
 
 #include "RkXmlLib16/base/Enumerations.h"
 #include "RkXmlLib16/base/Export.h"
-#include "RkXmlLib16/base/SharedName.h"
+#include "RkXmlLib16/base/NameToken.h"
 #include "RkXmlLib16/base/SmartPtr.h"
 #include "RkXmlLib16/document/ElementTree.h"
 #include "RkXmlLib16/facets/PrimitiveRestrictions.h"
@@ -105,14 +105,11 @@ class RKXML_EXPORT CElementInfo {
   virtual void PseudoChildAttributeToXml(const CSerializationContext& context, const CXmlGeneratedClass* object,
                                          CXmlWriter* writer) const;
 
-  const std::wstring& GetElementName() const noexcept { return m_elementName.Get(); }
-  // The same without a look at it.
-  const RkXmlLib16::CSharedName& GetSharedElementName() const noexcept { return m_elementName; }
-  const std::wstring& GetNamespace() const noexcept { return m_namespace.Get(); }
+  const std::wstring& GetElementName() const noexcept { return m_name.GetLocalName(); }
+  const std::wstring& GetNamespace() const noexcept { return m_name.GetNamespace(); }
+  const RkXmlLib16::CNameToken& GetName() const noexcept { return m_name; }
   int GetPropertyIndex() const noexcept { return m_propertyIndex; }
   MemberKind GetMemberKind() const noexcept { return m_memberKind; }
-  // A number that no other record of an element or attribute has, or UINT32_MAX when there are no more.
-  static std::uint32_t NewId() noexcept;
   // Whether the member stands directly in its owner's element.
   bool IsInlineGroup() const noexcept { return m_memberType == RkXmlLib16::XmlElementType_InlineGroup; }
   // A new object for an inline group; null when the record makes none.
@@ -200,9 +197,9 @@ class RKXML_EXPORT CElementInfo {
   }
   [[gnu::noinline, gnu::cold]] std::uint8_t FindFacts() const;
   // What the local name of an element notes when the element was found to have the record's name and namespace: the
-  // record and the element's namespace.
+  // number of the name and the element's namespace.
   std::uint64_t MatchOf(const CXmlElement& element) const noexcept {
-    return std::uint64_t{m_id} << 32 | element.GetNamespaceRef()->GetOrdinal();
+    return std::uint64_t{m_name.GetNumber()} << 32 | element.GetNamespaceRef()->GetOrdinal();
   }
   bool CompareName(const CSerializationContext& context, const CXmlElement& element) const;
   // False for most names but the own, without a look at the whole.
@@ -217,9 +214,7 @@ class RKXML_EXPORT CElementInfo {
   // Looks through the attributes of a primitive element; true for xsi:nil="true".
   bool ReadNil(const CSerializationContext& context, const CXmlElement& element) const;
 
-  const std::uint32_t m_id = NewId();
-  RkXmlLib16::CSharedName m_elementName;
-  RkXmlLib16::CSharedName m_namespace;
+  RkXmlLib16::CNameToken m_name;
   int m_propertyIndex;
   CPrimitiveRestrictions m_facets;
   ItemType m_itemType = RkXmlLib16::ItemType_none;

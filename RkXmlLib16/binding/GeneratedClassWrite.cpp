@@ -46,8 +46,8 @@ bool HasSimpleContent(const CParentElementInfo& info) {
       std::move(e));
 }
 
-[[gnu::noinline]] void WriteStartElement(CXmlWriter& writer, const std::wstring& name, const wchar_t* namespaceUri) {
-  writer.WriteStartElement(name, namespaceUri);
+[[gnu::noinline]] void StartElement(CXmlWriter& writer, const std::wstring& name, const wchar_t* namespaceUri) {
+  writer.StartElement(name, namespaceUri);
 }
 
 // Puts the element before the path of an error of writing, which ends with the member that was refused.
@@ -81,9 +81,9 @@ void CXmlGeneratedClass::WriteElement(CXmlWriter* writer, bool registerNamespace
     // Most elements are in the namespace of their class, whose text is at hand.
     const wchar_t* const uri = TextOrEmpty(namespaceUri);
     if (info.GetNamespace().c_str() == uri || std::wcscmp(info.GetNamespace().c_str(), uri) == 0)
-      writer->WriteStartElement(GetElementNameRef(), info.GetNamespace());
+      writer->StartElement(GetElementNameRef(), info.GetNamespace());
     else
-      RkXmlLib16::WriteStartElement(*writer, GetElementNameRef(), uri);
+      RkXmlLib16::StartElement(*writer, GetElementNameRef(), uri);
     if (registerNamespaces) WriteRootAttributes(*writer, context, namespaceUri, isOptionalChoice);
     AttributesToXml_Int(writer, context);
     if (registerNamespaces && !nil && !IsContentNil(*this, info)) WriteRootSchema(*writer, context);
@@ -152,7 +152,7 @@ void CXmlGeneratedClass::ProcessElementSeqToXml(const CSerializationContext& con
     }
     // Most optional values of most objects are absent: that is found out here.
     RkVariant& value = writer->BeginValue();
-    RkXmlLib16Data::GetProperty(object, record.GetPropertyIndex(), record.GetSharedElementName(), value);
+    RkXmlLib16Data::GetProperty(object, record.GetPropertyIndex(), record.GetName(), value);
     if (value.IsValid()) record.WriteValue(context, value, writer);
   }
 }

@@ -53,7 +53,7 @@ class CXmlObjectCollection : public CXmlCollection {
 
   void ToXml_Int(CXmlWriter* writer, bool registerNamespaces, const wchar_t* namespaceUri,
                  const CSerializationContext& context, bool isOptionalChoice) const override {
-    const CXmlWriter::LastingNames names = writer->GetLastingNames();
+    const CNameToken* const name = writer->GetExpectedName();
     if (m_elementType != XmlElementType_Element) writer->SetItemsAreGroups();
     int position = 0;
     try {
@@ -61,7 +61,7 @@ class CXmlObjectCollection : public CXmlCollection {
         ++position;
         const CXmlObjectBase* item = walk.GetItem();
         if (!IsToBeWritten(item, context)) continue;
-        writer->SetLastingNames(names);
+        writer->SetExpectedName(name);
         item->ToXml_Int(writer, registerNamespaces, namespaceUri, context, isOptionalChoice);
       }
     } catch (CRkException& e) {

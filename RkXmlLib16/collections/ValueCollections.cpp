@@ -127,15 +127,13 @@ void CValueCollection<kItem>::ToXml_Int(CXmlWriter* writer, bool, const wchar_t*
   std::size_t i = 0;
   try {
     for (; i < this->Count(); ++i) {
-      writer->WriteStartElement(this->GetElementNameRef(), namespaceUri);
       if constexpr (kItem == ItemType_string) {
-        writer->WriteString(this->At(i), kItem);
+        writer->TextElement(this->GetElementNameRef(), namespaceUri, this->At(i), kItem);
       } else {
         text.clear();
         CConversions::AppendTo<kItem>(text, this->At(i), this->GetFormat().c_str());
-        writer->WriteString(text, kItem);
+        writer->TextElement(this->GetElementNameRef(), namespaceUri, text, kItem);
       }
-      writer->WriteEndElement();
     }
   } catch (CRkException& e) {
     this->SetPath(e, i);
@@ -156,9 +154,7 @@ void CdatetimeBaseCol::ToXml_Int(CXmlWriter* writer, bool, const wchar_t*, const
   std::size_t i = 0;
   try {
     for (; i < Count(); ++i) {
-      writer->WriteStartElement(GetElementNameRef(), namespaceUri);
-      writer->WriteString(ValueToString(At(i)), ItemType_dateTime);
-      writer->WriteEndElement();
+      writer->TextElement(GetElementNameRef(), namespaceUri, ValueToString(At(i)), ItemType_dateTime);
     }
   } catch (CRkException& e) {
     SetPath(e, i);

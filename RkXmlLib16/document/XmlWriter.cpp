@@ -37,8 +37,10 @@
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/internal/KeyedHash.h"
 #include "RkXmlLib16/base/internal/NeverDestroyed.h"
+#include "RkXmlLib16/base/internal/WideText.h"
 #include "RkXmlLib16/document/internal/NamespacePool.h"
 #include "RkXmlLib16/document/internal/OutputChecks.h"
+#include "RkXmlLib16/document/internal/RecordOutput.h"
 
 namespace RkXmlLib16 {
 
@@ -116,6 +118,16 @@ struct CXmlWriter::CXmlWriterContext::Scope {
     outer = &around;
     level = around.level + 1;
     firstFree = around.firstFree;
+    number = around.number;
+  }
+
+  // Gives the scope, which is the innermost one, a new number because it has changed.
+  void Renumber() noexcept {
+    number = document->arePrefixesGivenAway ? CNamespacePool::kNoScope : document->pool->NewScope();
+    MakeCurrent();
+  }
+  void MakeCurrent() const noexcept {
+    document->pool->SetScope(document->arePrefixesGivenAway ? CNamespacePool::kNoScope : number);
   }
 
   // Empties the scope and keeps its storage for another element.
@@ -140,6 +152,7 @@ struct CXmlWriter::CXmlWriterContext::Scope {
     Declaration& changed = former != nullptr && former->level == level ? Change(*former, prefix) : Add(name, prefix);
     merged.reset();
     if (frees) firstFree = 0;
+    Renumber();
     return changed;
   }
 
@@ -203,10 +216,12 @@ struct CXmlWriter::CXmlWriterContext::Scope {
   void GiveAway() noexcept {
     document->arePrefixesGivenAway = true;
     firstFree = 0;
+    Renumber();
   }
 
   Document* document = nullptr;
   const CNamespaceName* defaultNamespace = nullptr;
+  std::uint64_t number = CNamespacePool::kNoScope;  // see CNamespacePool::GetScope
 
  private:
   void SetReplaced(const std::wstring& prefix, const CNamespaceName* name) {
@@ -320,6 +335,7 @@ CXmlWriter::CXmlWriterContext::CXmlWriterContext(const std::wstring& localName, 
   SetName(namespaceUri);
   m_scope->defaultNamespace = &m_scope->NameOf(defaultNamespace);
   for (const auto& [uri, prefix] : namespaces) m_scope->Declare(m_scope->NameOf(uri), prefix);
+  m_scope->Renumber();
 }
 
 CXmlWriter::CXmlWriterContext::CXmlWriterContext(const std::wstring& localName, const std::wstring& namespaceUri,
@@ -367,6 +383,7 @@ const CXmlWriter::NamespaceMap& CXmlWriter::CXmlWriterContext::GetNamespaceMap()
 void CXmlWriter::CXmlWriterContext::SetDefaultNamespace(const std::wstring& namespaceUri) {
   Scope& scope = OwnScope();
   scope.defaultNamespace = &scope.NameOf(namespaceUri);
+  scope.Renumber();
 }
 
 void CXmlWriter::CXmlWriterContext::SetNamespaceMapValue(const std::wstring& namespaceUri, const std::wstring& prefix) {
@@ -508,9 +525,66 @@ bool CXmlWriter::AreSameNamespaces(const std::shared_ptr<const std::wstring>& a,
   return a == b || (a != nullptr && b != nullptr && m_pool->AreSame(a, b));
 }
 
-const CNamespaceName& CXmlWriter::NameOf(const std::wstring& namespaceUri) const {
-  const bool isLasting = &namespaceUri == m_lastingNames.namespaceUri;
-  return isLasting ? m_pool->FindNumbered(namespaceUri, m_lastingNames.id) : m_pool->Find(namespaceUri);
+const CNamespaceName& CXmlWriter::NameOf(const std::wstring& namespaceUri) const { return m_pool->Find(namespaceUri); }
+
+void CXmlWriter::SetRecordOutput(const std::type_info& type, MakeRecordOutput make) noexcept {
+  m_recordOutputType = &type;
+  m_makeRecordOutput = make;
+}
+
+void CXmlWriter::ForgetNames() noexcept { m_recordOutput.reset(); }
+
+inline CRecordOutput* CXmlWriter::FindRecordOutput() {
+  if (m_checks != nullptr || m_context == nullptr) return nullptr;
+  if (m_recordOutput == nullptr && m_recordOutputType != nullptr) {
+    if (typeid(*this) == *m_recordOutputType)
+      m_recordOutput = m_makeRecordOutput(*this);
+    else
+      m_recordOutputType = nullptr;
+  }
+  return m_recordOutput.get();
+}
+
+void CXmlWriter::StartElement(const CNameToken& name) {
+  if (CRecordOutput* const output = FindRecordOutput()) return output->StartElement(name);
+  WriteStartElement(name.GetLocalName(), name.GetNamespace());
+}
+
+void CXmlWriter::TextElement(const CNameToken& name, std::wstring_view text, ItemType type) {
+  if (CRecordOutput* const output = FindRecordOutput()) return output->TextElement(name, text, type);
+  PlainTextElement(name, text, type);
+}
+
+void CXmlWriter::PlainTextElement(const CNameToken& name, std::wstring_view text, ItemType type) {
+  m_plainText = text;
+  WriteTextElement(name.GetLocalName(), name.GetNamespace(), m_plainText, type);
+}
+
+void CXmlWriter::Attribute(const CNameToken& name, std::wstring_view value, ItemType type) {
+  if (CRecordOutput* const output = FindRecordOutput()) return output->Attribute(name, value, type);
+  PlainAttribute(name, value, type);
+}
+
+void CXmlWriter::PlainAttribute(const CNameToken& name, std::wstring_view value, ItemType type) {
+  m_plainText = value;
+  WriteAttributeString(name.GetLocalName(), name.GetNamespace(), m_plainText, type);
+}
+
+inline bool CXmlWriter::IsExpected(const std::wstring& localName, const std::wstring& namespaceUri) const noexcept {
+  return m_expectedName != nullptr && WideText::IsEqual(m_expectedName->GetLocalName(), localName) &&
+         WideText::IsEqual(m_expectedName->GetNamespace(), namespaceUri);
+}
+
+void CXmlWriter::StartElement(const std::wstring& localName, const std::wstring& namespaceUri) {
+  if (IsExpected(localName, namespaceUri)) return StartElement(*m_expectedName);
+  WriteStartElement(localName, namespaceUri);
+}
+
+void CXmlWriter::TextElement(const std::wstring& localName, const std::wstring& namespaceUri, const std::wstring& text,
+                             ItemType type) {
+  CRecordOutput* const output = IsExpected(localName, namespaceUri) ? FindRecordOutput() : nullptr;
+  if (output != nullptr) return output->TextElement(*m_expectedName, text, type);
+  WriteTextElement(localName, namespaceUri, text, type);
 }
 
 void CXmlWriter::SetContextState(ContextState state) {
@@ -553,19 +627,37 @@ CXmlWriter::CXmlWriterContext& CXmlWriter::PushContext(const std::wstring& local
     m_closedContexts->m_localName.Set(localName);
     m_closedContexts->m_scope = m_context->m_scope;
     if (&NameOf(namespaceUri) != m_closedContexts->m_name) m_closedContexts->SetName(namespaceUri);
-    std::unique_ptr<CXmlWriterContext> context = std::move(m_closedContexts);
-    m_closedContexts = std::move(context->m_parent);
-    context->m_childCount = 0;
-    context->m_startTagOpen = true;
-    context->m_depth = m_context->m_depth + 1;
-    context->m_prefix.clear();
-    context->m_state = ContextState_None;
-    context->m_itemsAreGroups = false;
-    context->m_parent = std::move(m_context);
-    m_context = std::move(context);
+    ReopenContext();
   }
   if (m_checks != nullptr) CheckElement(localName, namespaceUri);
   return *m_context;
+}
+
+CXmlWriter::CXmlWriterContext& CXmlWriter::PushContext(const CNameToken& name, const CNamespaceName& namespaceName) {
+  if (m_closedContexts == nullptr) return PushContext(name.GetLocalName(), name.GetNamespace());
+  CXmlWriterContext& context = *m_closedContexts;
+  if (&context.m_localName.Get() != &name.GetLocalName()) context.m_localName = name.GetSharedLocalName();
+  if (context.m_name != &namespaceName) {
+    context.m_name = &namespaceName;
+    context.m_namespaceUri = namespaceName.text;
+  }
+  context.m_scope = m_context->m_scope;
+  ReopenContext();
+  return context;
+}
+
+// Makes the closed context, which has its name and scope, a child of the current one.
+inline void CXmlWriter::ReopenContext() noexcept {
+  std::unique_ptr<CXmlWriterContext> context = std::move(m_closedContexts);
+  m_closedContexts = std::move(context->m_parent);
+  context->m_childCount = 0;
+  context->m_startTagOpen = true;
+  context->m_depth = m_context->m_depth + 1;
+  context->m_prefix.clear();
+  context->m_state = ContextState_None;
+  context->m_itemsAreGroups = false;
+  context->m_parent = std::move(m_context);
+  m_context = std::move(context);
 }
 
 void CXmlWriter::CheckElement(const std::wstring& localName, const std::wstring& namespaceUri) {
@@ -588,6 +680,10 @@ void CXmlWriter::PopContext() {
   if (context->m_ownScope != nullptr) {
     context->m_ownScope->Close();
     context->m_spareScope = std::move(context->m_ownScope);
+    if (m_context != nullptr)
+      m_context->m_scope->MakeCurrent();
+    else
+      m_pool->SetScope(CNamespacePool::kNoScope);
   }
   context->m_scope = nullptr;
   context->m_parent = std::move(m_closedContexts);

@@ -5,15 +5,19 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
+#include <typeinfo>
 
 #include "RkXmlLib16/base/Enumerations.h"
 #include "RkXmlLib16/base/Export.h"
+#include "RkXmlLib16/base/NameToken.h"
 #include "RkXmlLib16/base/SharedName.h"
 #include "RkXmlLib16/object/Variant.h"
 
 namespace RkXmlLib16 {
 
 class CNamespacePool;
+class CRecordOutput;
 class OutputChecks;
 struct CNamespaceName;
 
@@ -126,10 +130,23 @@ class RKXML_EXPORT CXmlWriter {
   virtual void WriteAttributeType(const std::wstring& typeNamespaceUri, const std::wstring& typeName,
                                   ItemType type) = 0;
   virtual void WriteAttributeNil() = 0;
-  // An element with nothing but text: WriteStartElement, WriteString and WriteEndElement, which is what it calls. The
-  // library's own writers do it in one step, classes derived from them do not.
-  virtual void WriteTextElement(const std::wstring& localName, const std::wstring& namespaceUri,
-                                const std::wstring& text, ItemType type);
+
+  // An element with nothing but text: WriteStartElement, WriteString and WriteEndElement.
+  void WriteTextElement(const std::wstring& localName, const std::wstring& namespaceUri, const std::wstring& text,
+                        ItemType type);
+
+  // What records write, by the tokens of their names. A writer of the library's own dynamic type keeps what it has made
+  // of a name and writes the element in one step; every other writer gets the calls above, and both write the same.
+  void StartElement(const CNameToken& name);
+  void TextElement(const CNameToken& name, std::wstring_view text, ItemType type);
+  void Attribute(const CNameToken& name, std::wstring_view value, ItemType type);
+  // The same for objects and collections, which do not know the record that they are written for: the record tells the
+  // writer before, and takes it back after, by what name they will start their elements, if they do. Null for none.
+  void StartElement(const std::wstring& localName, const std::wstring& namespaceUri);
+  void TextElement(const std::wstring& localName, const std::wstring& namespaceUri, const std::wstring& text,
+                   ItemType type);
+  const CNameToken* GetExpectedName() const noexcept { return m_expectedName; }
+  void SetExpectedName(const CNameToken* name) noexcept { m_expectedName = name; }
 
   // Declares the prefix on the open start tag, for values that use it, unless it is in scope for the namespace already.
   // False when it cannot be: it is empty, "xml" or "xmlns", or this very tag uses or declares it for another namespace.
@@ -166,18 +183,6 @@ class RKXML_EXPORT CXmlWriter {
     return m_value;
   }
   std::wstring& GetValueBuffer() noexcept { return m_valueBuffer; }
-  // Two texts that stay where and what they are until the document is written, as the names of a record do, and a
-  // number that no other two have.
-  struct LastingNames {
-    static constexpr std::uint32_t kNoId = UINT32_MAX;
-
-    const std::wstring* localName = nullptr;
-    const std::wstring* namespaceUri = nullptr;
-    std::uint32_t id = kNoId;
-  };
-  // Tells that these are about to be given to the writer, which may know them again by their number.
-  void SetLastingNames(const LastingNames& names) noexcept { m_lastingNames = names; }
-  const LastingNames& GetLastingNames() const noexcept { return m_lastingNames; }
   // The first of "AA", "AB", ... that is not a prefix in the map.
   static std::wstring GetUniquePrefix(const NamespaceMap& namespaces);
   static std::wstring NsIntToString(int n);
@@ -193,6 +198,8 @@ class RKXML_EXPORT CXmlWriter {
   // Opens a context under the present one and makes it current. The root element's default namespace is the writer's
   // or, when that is empty, the first namespace that was added with an empty prefix.
   CXmlWriterContext& PushContext(const std::wstring& localName, const std::wstring& namespaceUri);
+  // The same for a child element, by the token of its name and the namespace as this writer has it once.
+  CXmlWriterContext& PushContext(const CNameToken& name, const CNamespaceName& namespaceName);
   // Closes the current context and makes its parent current. Its storage serves the next one that is opened.
   void PopContext();
   // The prefix of the namespace in the current context. Without one (an empty one does not count) a prefix is invented
@@ -206,11 +213,15 @@ class RKXML_EXPORT CXmlWriter {
   // The namespace as this writer has it once.
   const CNamespaceName& NameOf(const std::wstring& namespaceUri) const;
 
-  // The number of two texts that were told to be lasting; kNoId for others.
-  std::uint32_t GetLastingId(const std::wstring& localName, const std::wstring& namespaceUri) const noexcept {
-    const bool areLasting = &localName == m_lastingNames.localName && &namespaceUri == m_lastingNames.namespaceUri;
-    return areLasting ? m_lastingNames.id : LastingNames::kNoId;
-  }
+  // For the library's own writers, in their constructors: what they do with names of records. It is made when it is
+  // first needed, and only if the writer is of this type itself.
+  using MakeRecordOutput = std::unique_ptr<CRecordOutput> (*)(CXmlWriter& writer);
+  void SetRecordOutput(const std::type_info& type, MakeRecordOutput make) noexcept;
+  // What StartElement, TextElement and Attribute do for every other writer.
+  void PlainTextElement(const CNameToken& name, std::wstring_view text, ItemType type);
+  void PlainAttribute(const CNameToken& name, std::wstring_view value, ItemType type);
+  // Forgets what was made of names, because settings have changed.
+  void ForgetNames() noexcept;
 
   // What is refused while writing; null (at first) for nothing.
   void SetChecks(std::unique_ptr<OutputChecks> checks);
@@ -229,7 +240,16 @@ class RKXML_EXPORT CXmlWriter {
   void CheckElement(const std::wstring& localName, const std::wstring& namespaceUri);
   bool IsTakenByStartTag(const std::wstring& prefix) const;
 
-  LastingNames m_lastingNames;
+  // Null when this writer is not of its type, or its output is checked.
+  CRecordOutput* FindRecordOutput();
+  bool IsExpected(const std::wstring& localName, const std::wstring& namespaceUri) const noexcept;
+  void ReopenContext() noexcept;
+
+  const std::type_info* m_recordOutputType = nullptr;
+  MakeRecordOutput m_makeRecordOutput = nullptr;
+  std::unique_ptr<CRecordOutput> m_recordOutput;
+  const CNameToken* m_expectedName = nullptr;
+  std::wstring m_plainText;  // on its way to writers that take no view
   RkVariant m_value;
   std::wstring m_valueBuffer;
   std::unique_ptr<CXmlWriterContext> m_closedContexts;  // kept for reuse, chained by their parents

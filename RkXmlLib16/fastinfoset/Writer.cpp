@@ -13,20 +13,22 @@
 //   Scopes        Names carry their prefix, so that its declaration has to be in force. m_bindings holds those that
 //                 are. m_scope is a number for the present set of them; it changes whenever one comes or goes.
 //   Known names   The index of a name is looked for in this order, each step dearer than the one before:
-//                   m_knownElements, m_knownAttributes    the number of a record's name; for one scope
+//                   RecordOutput                          the number of a record's name; for one scope
 //                   m_elementScope, m_attributeScope      the namespace: prefix and indices; for one scope
 //                   m_recentElements, m_recentAttributes  local name, prefix and namespace index
 //                   the tables of the vocabulary          the same, all that were ever written
 //                 All but the last may forget. Invariant: an index in the vocabulary never changes its meaning.
 //   Integers      come in several forms (IntegerLayout). PutInteger writes the two shortest, PutLongInteger any.
 //   Typed values  are encoded into m_typedOctets first; where that would change the value, UTF-8 is written instead.
-//   Texts         WriteTextElement writes an element with nothing but text without a context. Its plain form is that of
-//                 CXmlWriter; it serves derived classes, checked output and names that need a declaration.
+//   Texts         RecordOutput writes an element with nothing but text without a context; names that have no index yet
+//                 are written by the operations above it.
 #include "RkXmlLib16/fastinfoset/Writer.h"
 
 #include <algorithm>
 #include <array>
 #include <iterator>
+#include <memory>
+#include <typeinfo>
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
@@ -35,6 +37,7 @@
 #include "RkXmlLib16/base/internal/WideText.h"
 #include "RkXmlLib16/document/internal/NamespacePool.h"
 #include "RkXmlLib16/document/internal/OutputChecks.h"
+#include "RkXmlLib16/document/internal/RecordOutput.h"
 #include "RkXmlLib16/fastinfoset/BinaryCodec.h"
 #include "RkXmlLib16/fastinfoset/Octets.h"
 #include "RkXmlLib16/io/BinaryStream.h"
@@ -169,9 +172,35 @@ bool IsFloating(const EncodedCharacterString& encoding) {
 
 }  // namespace
 
+// The indices of the names of records.
+class CFastInfosetWriter::RecordOutput final : public CRecordOutput {
+ public:
+  explicit RecordOutput(CFastInfosetWriter& writer) : m_writer(writer) {}
+
+  void StartElement(const CNameToken& name) override;
+  void TextElement(const CNameToken& name, std::wstring_view text, ItemType type) override;
+  void Attribute(const CNameToken& name, std::wstring_view value, ItemType type) override;
+
+ private:
+  using Names = CKnownNames<unsigned long>;
+
+  static void Keep(Names::Entry& entry, const CNameToken& name, const CNamespaceName& namespaceName,
+                   unsigned long index, std::size_t scope) noexcept {
+    if (index == 0) return;
+    entry.Begin(name, namespaceName, scope);
+    entry.made = index;
+  }
+
+  CFastInfosetWriter& m_writer;
+  Names m_names;
+};
+
 CFastInfosetWriter::CFastInfosetWriter(const CFastInfosetContext& context, CBinaryStream& stream)
     : m_fiContext(context), m_stream(stream), m_vocabulary(context.GetVocabulary()) {
   Grow(kFlushLength);
+  SetRecordOutput(typeid(CFastInfosetWriter), [](CXmlWriter& writer) -> std::unique_ptr<CRecordOutput> {
+    return std::make_unique<RecordOutput>(static_cast<CFastInfosetWriter&>(writer));
+  });
 }
 
 CFastInfosetWriter::~CFastInfosetWriter() = default;
@@ -277,19 +306,26 @@ void CFastInfosetWriter::WritePI(const std::wstring&) {}
 
 void CFastInfosetWriter::WriteInlineSchema(const std::wstring&) {}
 
-void CFastInfosetWriter::WriteStartElement(const std::wstring& localName, const std::wstring& namespaceUri) {
-  const bool isRoot = m_context == nullptr;
-  if (!isRoot) {
-    WriteElement();
-    ++m_context->m_childCount;
-  }
-  FlushTerminator();
-  if (GetLength() >= kFlushLength) FlushOctets();
-  PushContext(localName, namespaceUri);
+inline void CFastInfosetWriter::BeginChild() {
+  WriteElement();
+  ++m_context->m_childCount;
+}
+
+// Of the element whose context was just opened.
+inline void CFastInfosetWriter::BeginStartTag() {
   ++m_openElements;
   m_startTag = GetLength();
   m_hasAttributes = false;
   m_declarations.clear();
+}
+
+void CFastInfosetWriter::WriteStartElement(const std::wstring& localName, const std::wstring& namespaceUri) {
+  const bool isRoot = m_context == nullptr;
+  if (!isRoot) BeginChild();
+  FlushTerminator();
+  if (GetLength() >= kFlushLength) FlushOctets();
+  PushContext(localName, namespaceUri);
+  BeginStartTag();
   if (isRoot) {
     ChangeScope();
     const std::wstring& defaultNamespace = m_context->GetDefaultNamespace();
@@ -299,13 +335,22 @@ void CFastInfosetWriter::WriteStartElement(const std::wstring& localName, const 
       if (uri != XML_NAMESPACE && isFree) Declare(prefix, NameOf(uri));
     }
   }
-  const std::uint32_t id = GetLastingId(localName, namespaceUri);
-  if (const unsigned long known = FindKnownName(m_knownElements, id)) {
-    Integer<FastInfoset::kIndexBit3>(0, known);
-  } else {
-    const ScopedNamespace& scoped = ResolveElement(*m_context->GetName());
-    RememberName(m_knownElements, id, ElementName(scoped, localName));
-  }
+  ElementName(ResolveElement(*m_context->GetName()), localName);
+}
+
+void CFastInfosetWriter::RecordOutput::StartElement(const CNameToken& name) {
+  CFastInfosetWriter& w = m_writer;
+  Names::Entry& entry = m_names.Element(name);
+  const bool isKnown = entry.Holds(name, w.m_scope) && w.m_avoidedPrefix.empty();
+  const CNamespaceName& namespaceName = isKnown ? *entry.namespaceName : w.NameOf(name.GetNamespace());
+  w.BeginChild();
+  w.FlushTerminator();
+  if (w.GetLength() >= kFlushLength) w.FlushOctets();
+  w.PushContext(name, namespaceName);
+  w.BeginStartTag();
+  if (isKnown) return w.Integer<FastInfoset::kIndexBit3>(0, entry.made);
+  const unsigned long index = w.ElementName(w.ResolveElement(namespaceName), name.GetLocalName());
+  Keep(entry, name, namespaceName, index, w.m_scope);
 }
 
 void CFastInfosetWriter::WriteElement() {
@@ -341,27 +386,22 @@ void CFastInfosetWriter::WriteString(const std::wstring& text, ItemType type) {
   if (GetLength() >= kFlushLength) FlushOctets();
 }
 
-void CFastInfosetWriter::WriteTextElement(const std::wstring& localName, const std::wstring& namespaceUri,
-                                          const std::wstring& text, ItemType type) {
-  if (m_checks != nullptr) return CXmlWriter::WriteTextElement(localName, namespaceUri, text, type);
-  const bool isInside = m_context != nullptr && typeid(*this) == typeid(CFastInfosetWriter);
-  const std::uint32_t id = GetLastingId(localName, namespaceUri);
-  const unsigned long known = isInside ? FindKnownName(m_knownElements, id) : 0;
-  const ScopedNamespace* scoped = nullptr;
-  if (known == 0) {
-    if (isInside) scoped = FindKnown(m_elementScope, NameOf(namespaceUri));
-    if (scoped == nullptr) return CXmlWriter::WriteTextElement(localName, namespaceUri, text, type);
-  }
-  WriteElement();
-  ++m_context->m_childCount;
-  FlushTerminator();
-  if (known != 0)
-    Integer<FastInfoset::kIndexBit3>(0, known);
+void CFastInfosetWriter::RecordOutput::TextElement(const CNameToken& name, std::wstring_view text, ItemType type) {
+  CFastInfosetWriter& w = m_writer;
+  Names::Entry& entry = m_names.Element(name);
+  const bool isKnown = entry.Holds(name, w.m_scope);
+  const CNamespaceName* const namespaceName = isKnown ? entry.namespaceName : &w.NameOf(name.GetNamespace());
+  const ScopedNamespace* const scoped = isKnown ? nullptr : w.FindKnown(w.m_elementScope, *namespaceName);
+  if (!w.m_avoidedPrefix.empty() || (!isKnown && scoped == nullptr)) return w.PlainTextElement(name, text, type);
+  w.BeginChild();
+  w.FlushTerminator();
+  if (isKnown)
+    w.Integer<FastInfoset::kIndexBit3>(0, entry.made);
   else
-    RememberName(m_knownElements, id, ElementName(*scoped, localName));
-  if (!text.empty()) NonIdentifyingStringOrIndexBit3(text, type);
-  WriteTerminator();
-  if (GetLength() >= kFlushLength) FlushOctets();
+    Keep(entry, name, *namespaceName, w.ElementName(*scoped, name.GetLocalName()), w.m_scope);
+  if (!text.empty()) w.NonIdentifyingStringOrIndexBit3(text, type);
+  w.WriteTerminator();
+  if (w.GetLength() >= kFlushLength) w.FlushOctets();
 }
 
 void CFastInfosetWriter::WriteEndElement() {
@@ -377,17 +417,26 @@ void CFastInfosetWriter::WriteAttributeString(const std::wstring& localName, con
                                               const std::wstring& value, ItemType type) {
   RequireStartTag();
   if (m_checks != nullptr) m_checks->Attribute(localName, namespaceUri, value);
-  const std::uint32_t id = GetLastingId(localName, namespaceUri);
-  if (const unsigned long known = FindKnownName(m_knownAttributes, id)) {
-    Integer<FastInfoset::kIndexBit2>(0, known);
-  } else if (namespaceUri == XMLNS_NAMESPACE) {
-    return Declare(localName, NameOf(value));
-  } else {
-    const ScopedNamespace& scoped = ResolveAttribute(NameOf(namespaceUri));
-    RememberName(m_knownAttributes, id, AttributeName(scoped, localName));
-  }
+  if (namespaceUri == XMLNS_NAMESPACE) return Declare(localName, NameOf(value));
+  AttributeName(ResolveAttribute(NameOf(namespaceUri)), localName);
   m_hasAttributes = true;
   NonIdentifyingStringOrIndexBit1(value, type);
+}
+
+void CFastInfosetWriter::RecordOutput::Attribute(const CNameToken& name, std::wstring_view value, ItemType type) {
+  CFastInfosetWriter& w = m_writer;
+  w.RequireStartTag();
+  Names::Entry& entry = m_names.Attribute(name);
+  if (entry.Holds(name, w.m_scope)) {
+    w.Integer<FastInfoset::kIndexBit2>(0, entry.made);
+  } else {
+    if (name.GetNamespace() == XMLNS_NAMESPACE) return w.PlainAttribute(name, value, type);
+    const CNamespaceName& namespaceName = w.NameOf(name.GetNamespace());
+    const unsigned long index = w.AttributeName(w.ResolveAttribute(namespaceName), name.GetLocalName());
+    Keep(entry, name, namespaceName, index, w.m_scope);
+  }
+  w.m_hasAttributes = true;
+  w.NonIdentifyingStringOrIndexBit1(value, type);
 }
 
 void CFastInfosetWriter::WriteAttributeType(const std::wstring& typeNamespaceUri, const std::wstring& typeName,
@@ -546,15 +595,6 @@ void CFastInfosetWriter::LeaveScope() {
 }
 
 // Names
-
-inline unsigned long CFastInfosetWriter::FindKnownName(const KnownNames& names, std::uint32_t id) const {
-  const KnownName& place = names[id % names.size()];
-  return place.id == id && place.scope == m_scope ? place.index : 0;
-}
-
-inline void CFastInfosetWriter::RememberName(KnownNames& names, std::uint32_t id, unsigned long index) {
-  if (index != 0 && id != LastingNames::kNoId) names[id % names.size()] = {id, m_scope, index};
-}
 
 template <const IntegerLayout& kIndex>
 inline unsigned long CFastInfosetWriter::QualifiedName(unsigned char literal, CFIQNameTable& names, RecentNames& recent,

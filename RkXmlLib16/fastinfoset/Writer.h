@@ -66,8 +66,6 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
                             ItemType type) override;
   void WriteAttributeType(const std::wstring& typeNamespaceUri, const std::wstring& typeName, ItemType type) override;
   void WriteAttributeNil() override;
-  void WriteTextElement(const std::wstring& localName, const std::wstring& namespaceUri, const std::wstring& text,
-                        ItemType type) override;
 
   // Appends the characters of the text, packed as positions in a restricted alphabet, to `octets`. Throws CRkException
   // "Failed to write FastInfoset. ..." for an index without alphabet, an empty text and a character that the alphabet
@@ -107,6 +105,7 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
   void AppendRestrictedAlphabetString(unsigned long alphabetIndex, std::wstring_view text);
 
  private:
+  class RecordOutput;
   // A declaration in force: written on the open element with this number, counted from the root.
   struct Binding {
     std::wstring prefix;
@@ -126,14 +125,9 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
     unsigned long index = 0;  // 0 marks a free slot
   };
   using RecentNames = std::array<RecentName, 64>;
-  // The index of two lasting texts, to be found again by their number while the scope stays.
-  struct KnownName {
-    std::uint32_t id = LastingNames::kNoId;
-    std::size_t scope = 0;
-    unsigned long index = 0;
-  };
-  using KnownNames = std::array<KnownName, 64>;
 
+  void BeginChild();
+  void BeginStartTag();
   bool IsStartTagOpen() const;
   void RequireStartTag() const;
   const ScopedNamespace* FindKnown(const ScopeCache& cache, const CNamespaceName& name) const;
@@ -154,9 +148,6 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
   template <const FastInfoset::IntegerLayout& kIndex>
   unsigned long QualifiedName(unsigned char literal, CFIQNameTable& names, RecentNames& recent,
                               const ScopedNamespace& scoped, std::wstring_view localName);
-  // The index of the lasting texts of this number, or 0.
-  unsigned long FindKnownName(const KnownNames& names, std::uint32_t id) const;
-  void RememberName(KnownNames& names, std::uint32_t id, unsigned long index);
   unsigned long ElementName(const ScopedNamespace& scoped, std::wstring_view localName);
   unsigned long AttributeName(const ScopedNamespace& scoped, std::wstring_view localName);
   // The index of a name that has one, or 0 after it was written in full.
@@ -200,8 +191,6 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
   RecentNames m_recentElements;
   RecentNames m_recentAttributes;
   std::size_t m_scope = 1;  // a number that no other scope has had
-  KnownNames m_knownElements;
-  KnownNames m_knownAttributes;
 };
 
 }  // namespace RkXmlLib16

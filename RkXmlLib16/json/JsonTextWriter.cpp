@@ -18,18 +18,18 @@
 //            and to its items.
 //   Lines    LineStart gives the line end and the indentation of a level from one text, which grows to the deepest
 //            level.
-//   Heads    The line start and key of a record's name are kept by the number of the name, and copied in steps of four
-//            characters. Invariant: a head is that of its level and marker and of the present settings; a change of the
-//            settings forgets them all.
-//   Members  WriteMember writes key and short value to space that was reserved once. WriteTextElement uses it for
-//            elements with nothing but text; its plain form is that of CXmlWriter, for derived classes and items of
-//            arrays.
+//   Members  PutMember writes key and short value to space that was reserved once.
+//   Names    RecordOutput keeps the line start and key of names of records, by the number of the name, and writes an
+//            element with nothing but text as a member at once. Invariant: a key is that of its level, holds in its
+//            scope and for the present settings. Items of arrays and namespaces without a prefix in scope are written
+//            by the operations above it, with the same result.
 #include "RkXmlLib16/json/JsonTextWriter.h"
 
 #include <emmintrin.h>
 
 #include <algorithm>
 #include <iterator>
+#include <memory>
 #include <typeinfo>
 
 #include "RkXmlLib16/base/Exception.h"
@@ -37,6 +37,7 @@
 #include "RkXmlLib16/base/internal/WideText.h"
 #include "RkXmlLib16/document/internal/LineEnd.h"
 #include "RkXmlLib16/document/internal/OutputChecks.h"
+#include "RkXmlLib16/document/internal/RecordOutput.h"
 #include "RkXmlLib16/io/TextStream.h"
 
 namespace RkXmlLib16 {
@@ -98,30 +99,184 @@ bool IsStrictLiteral(std::wstring_view text) { return text == L"true" || text ==
 
 }  // namespace
 
-CJsonTextWriter::CJsonTextWriter(CTextStream& stream) : m_stream(stream) { m_inventsPrefixes = false; }
+// The members of records.
+class CJsonTextWriter::RecordOutput final : public CRecordOutput {
+ public:
+  explicit RecordOutput(CJsonTextWriter& writer) : m_writer(writer) {}
+
+  void StartElement(const CNameToken& name) override;
+  void TextElement(const CNameToken& name, std::wstring_view text, ItemType type) override;
+  void Attribute(const CNameToken& name, std::wstring_view value, ItemType type) override;
+
+ private:
+  // The start of the line and the key, of which eight characters at a time are copied.
+  struct Made {
+    static constexpr std::size_t kLongest = 48;
+    static constexpr std::int64_t kNoLevel = -1;
+
+    wchar_t* CopyTo(wchar_t* to) const {
+      for (std::size_t i = 0; i < length; i += 8) {
+        WideText::StoreFour(to + i, WideText::LoadFour(text + i));
+        WideText::StoreFour(to + i + 4, WideText::LoadFour(text + i + 4));
+      }
+      return to + length;
+    }
+
+    const std::wstring* prefix;
+    std::int64_t level;
+    std::size_t length;  // beyond the longest: there is no text
+    wchar_t text[kLongest];
+  };
+  using Names = CKnownNames<Made>;
+
+  // The entry of a member of the open element, or null when the scope has no prefix for it.
+  Names::Entry* FindElement(const CNameToken& name);
+  Names::Entry* FindAttribute(const CNameToken& name);
+  static bool Begin(Names::Entry& entry, const CNameToken& name, const CNamespaceName& namespaceName,
+                    const std::wstring* prefix, std::uint64_t scope) noexcept;
+  // Whether the entry has the key of the level, or has it now.
+  bool HasKey(Made& made, const CNameToken& name, std::wstring_view marker, std::int64_t level);
+  void Make(Made& made, const CNameToken& name, std::wstring_view marker, std::int64_t level);
+  void WriteMember(Made& made, const CNameToken& name, std::wstring_view marker, std::wstring_view value, bool quoted);
+
+  CJsonTextWriter& m_writer;
+  Names m_names;
+};
+
+bool CJsonTextWriter::RecordOutput::Begin(Names::Entry& entry, const CNameToken& name,
+                                          const CNamespaceName& namespaceName, const std::wstring* prefix,
+                                          std::uint64_t scope) noexcept {
+  if (prefix == nullptr) return false;
+  entry.Begin(name, namespaceName, scope);
+  entry.made.prefix = prefix;
+  entry.made.level = Made::kNoLevel;
+  return true;
+}
+
+inline auto CJsonTextWriter::RecordOutput::FindElement(const CNameToken& name) -> Names::Entry* {
+  const CJsonTextWriter& w = m_writer;
+  Names::Entry& entry = m_names.Element(name);
+  const std::uint64_t scope = w.m_pool->GetScope();
+  if (entry.Holds(name, scope)) return &entry;
+  const CNamespaceName& namespaceName = w.NameOf(name.GetNamespace());
+  const bool mayHavePrefix = w.m_roundTrip == JsonRoundTrip_Namespaces;
+  const std::wstring* const prefix = mayHavePrefix ? w.FindElementPrefix(namespaceName) : &kNone.Get();
+  return Begin(entry, name, namespaceName, prefix, scope) ? &entry : nullptr;
+}
+
+inline auto CJsonTextWriter::RecordOutput::FindAttribute(const CNameToken& name) -> Names::Entry* {
+  const CJsonTextWriter& w = m_writer;
+  Names::Entry& entry = m_names.Attribute(name);
+  const std::uint64_t scope = w.m_pool->GetScope();
+  if (entry.Holds(name, scope)) return &entry;
+  const CNamespaceName& namespaceName = w.NameOf(name.GetNamespace());
+  const bool hasPrefix = w.m_roundTrip == JsonRoundTrip_Namespaces && namespaceName.ordinal != 0;
+  const std::wstring* const prefix = hasPrefix ? w.FindAttributePrefix(name.GetNamespace()) : &kNone.Get();
+  if (name.GetNamespace() == XMLNS_NAMESPACE) return nullptr;
+  return Begin(entry, name, namespaceName, prefix, scope) ? &entry : nullptr;
+}
+
+inline bool CJsonTextWriter::RecordOutput::HasKey(Made& made, const CNameToken& name, std::wstring_view marker,
+                                                  std::int64_t level) {
+  if (made.level != level) Make(made, name, marker, level);
+  return made.length <= Made::kLongest;
+}
+
+void CJsonTextWriter::RecordOutput::Make(Made& made, const CNameToken& name, std::wstring_view marker,
+                                         std::int64_t level) {
+  const std::wstring_view start = m_writer.LineStart(level);
+  wchar_t text[8 * Made::kLongest];
+  made.level = level;
+  made.length = start.size() + m_writer.KeyLength(marker, *made.prefix, name.GetLocalName());
+  if (made.length > std::size(text)) return;
+  const wchar_t* const end = m_writer.CopyKey(WideText::Copy(text, start), marker, *made.prefix, name.GetLocalName());
+  made.length = static_cast<std::size_t>(end - text);
+  std::copy_n(text, std::min(made.length, Made::kLongest), made.text);
+}
+
+inline void CJsonTextWriter::RecordOutput::WriteMember(Made& made, const CNameToken& name, std::wstring_view marker,
+                                                       std::wstring_view value, bool quoted) {
+  CJsonTextWriter& w = m_writer;
+  const bool isFurther = w.BeginMember();
+  if (!HasKey(made, name, marker, w.m_context->m_depth + 1))
+    return w.PutMember(isFurther, marker, *made.prefix, name.GetLocalName(), value, quoted);
+  const bool isShort = value.size() <= kShortText;
+  wchar_t* to = w.m_stream.Reserve(1 + Made::kLongest + (isShort ? value.size() * kLongestEscape + 2 : 0));
+  *to = L',';
+  to = made.CopyTo(isFurther ? to + 1 : to);
+  if (isShort) return w.WriteShortValue(to, value, quoted);
+  w.m_stream.Commit(to);
+  w.WriteLongValue(value, quoted);
+}
+
+void CJsonTextWriter::RecordOutput::StartElement(const CNameToken& name) {
+  CJsonTextWriter& w = m_writer;
+  const bool isMember = !w.OpensArray() && !w.ContinuesArray(name.GetLocalName(), name.GetNamespace());
+  Names::Entry* const entry = isMember ? FindElement(name) : nullptr;
+  if (entry == nullptr) return w.WriteStartElement(name.GetLocalName(), name.GetNamespace());
+  w.CloseArray(*w.m_context, w.Top(), false);
+  w.OpenMember();
+  const std::int64_t level = w.PushContext(name, *entry->namespaceName).m_depth;
+  w.StartMember(/*isItem=*/false, /*isUndecided=*/false);
+  if (HasKey(entry->made, name, {}, level))
+    w.m_stream.Commit(entry->made.CopyTo(w.m_stream.Reserve(Made::kLongest)));
+  else
+    w.PutKey(w.LineStart(level), {}, *entry->made.prefix, name.GetLocalName());
+  w.FlushWhenFull();
+}
+
+void CJsonTextWriter::RecordOutput::TextElement(const CNameToken& name, std::wstring_view text, ItemType type) {
+  CJsonTextWriter& w = m_writer;
+  const bool isMember = !w.OpensArray() && !w.ContinuesArray(name.GetLocalName(), name.GetNamespace());
+  Names::Entry* const entry = isMember ? FindElement(name) : nullptr;
+  if (entry == nullptr) return w.PlainTextElement(name, text, type);
+  if (text.empty())
+    WriteMember(entry->made, name, {}, kNull.Get(), /*quoted=*/false);
+  else
+    WriteMember(entry->made, name, {}, text, w.NeedsQuotes(text, type));
+}
+
+void CJsonTextWriter::RecordOutput::Attribute(const CNameToken& name, std::wstring_view value, ItemType type) {
+  Names::Entry* const entry = FindAttribute(name);
+  if (entry == nullptr) return m_writer.PlainAttribute(name, value, type);
+  WriteMember(entry->made, name, m_writer.GetMarker(), value, m_writer.NeedsQuotes(value, type));
+}
+
+CJsonTextWriter::CJsonTextWriter(CTextStream& stream) : m_stream(stream) {
+  m_inventsPrefixes = false;
+  SetRecordOutput(typeid(CJsonTextWriter), [](CXmlWriter& writer) -> std::unique_ptr<CRecordOutput> {
+    return std::make_unique<RecordOutput>(static_cast<CJsonTextWriter&>(writer));
+  });
+}
 CJsonTextWriter::~CJsonTextWriter() = default;
 
 void CJsonTextWriter::SetFormat(bool format) noexcept {
   m_format = format;
-  ForgetHeads();
+  ForgetNames();
+}
+
+void CJsonTextWriter::SetSupportRoundtrip(JsonRoundTrip mode) noexcept {
+  m_roundTrip = mode;
+  m_writesNamespaces = mode == JsonRoundTrip_Namespaces;
+  ForgetNames();
 }
 
 void CJsonTextWriter::SetStrictOutput(bool strict) noexcept {
   m_strict = strict;
-  ForgetHeads();
+  ForgetNames();
 }
 
 void CJsonTextWriter::SetIndentChars(const wchar_t* text) {
   m_indentChars = text != nullptr ? text : L"";
   m_lineStart.clear();
-  ForgetHeads();
+  ForgetNames();
 }
 
 void CJsonTextWriter::SetEOLType(EOLType type) {
   m_eol = LineEnd(type);
   m_eolType = type;
   m_lineStart.clear();
-  ForgetHeads();
+  ForgetNames();
 }
 
 void CJsonTextWriter::Open() {
@@ -171,15 +326,18 @@ void CJsonTextWriter::OpenBrackets(CXmlWriterContext& context) {
 
 void CJsonTextWriter::WriteValue(const std::wstring& text, ItemType type) {
   const bool quoted = NeedsQuotes(text, type);
-  if (text.size() <= kShortText) {
-    m_stream.Commit(PutShortValue(m_stream.Reserve(text.size() * kLongestEscape + 2), text, quoted));
-    FlushWhenFull();
-  } else {
+  if (text.size() <= kShortText)
+    WriteShortValue(m_stream.Reserve(text.size() * kLongestEscape + 2), text, quoted);
+  else
     WriteLongValue(text, quoted);
-  }
 }
 
-void CJsonTextWriter::WriteLongValue(const std::wstring& text, bool quoted) {
+inline void CJsonTextWriter::WriteShortValue(wchar_t* to, std::wstring_view text, bool quoted) {
+  m_stream.Commit(PutShortValue(to, text, quoted));
+  FlushWhenFull();
+}
+
+void CJsonTextWriter::WriteLongValue(std::wstring_view text, bool quoted) {
   if (quoted) {
     Put(L"\"");
     PutEscaped(text);
@@ -190,11 +348,11 @@ void CJsonTextWriter::WriteLongValue(const std::wstring& text, bool quoted) {
   FlushWhenFull();
 }
 
-bool CJsonTextWriter::NeedsQuotes(const std::wstring& text, ItemType type) const {
+bool CJsonTextWriter::NeedsQuotes(std::wstring_view text, ItemType type) const {
   return !IsUnquoted(type) || (m_strict && !IsStrictLiteral(text));
 }
 
-inline wchar_t* CJsonTextWriter::PutShortValue(wchar_t* to, const std::wstring& text, bool quoted) const {
+inline wchar_t* CJsonTextWriter::PutShortValue(wchar_t* to, std::wstring_view text, bool quoted) const {
   if (!quoted) return WideText::CopyUpToNul(to, text);
   *to++ = L'"';
   to = PutEscapedShort(to, text);
@@ -233,12 +391,7 @@ void CJsonTextWriter::WriteStartElement(const std::wstring& localName, const std
   }
 
   CXmlWriterContext& context = PushContext(localName, namespaceUri);
-  if (m_frameCount == m_frames.size()) m_frames.emplace_back();
-  ++m_frameCount;
-  Top().arrayItem = item;
-  Top().arrayOpen = false;
-  m_valuePending = true;
-  m_itemPending = undecided;
+  StartMember(item, undecided);
   if (root) context.m_depth = 1;  // the braces of the document are level 0
 
   if (undecided) return;
@@ -253,6 +406,16 @@ void CJsonTextWriter::WriteStartElement(const std::wstring& localName, const std
     Put(start);
   }
   FlushWhenFull();
+}
+
+// The state of an element that starts.
+inline void CJsonTextWriter::StartMember(bool isItem, bool isUndecided) {
+  if (m_frameCount == m_frames.size()) m_frames.emplace_back();
+  ++m_frameCount;
+  Top().arrayItem = isItem;
+  Top().arrayOpen = false;
+  m_valuePending = true;
+  m_itemPending = isUndecided;
 }
 
 // The key of the root element and the declarations in its object.
@@ -322,20 +485,6 @@ void CJsonTextWriter::WriteEndElement() {
   FlushWhenFull();
 }
 
-void CJsonTextWriter::WriteTextElement(const std::wstring& localName, const std::wstring& namespaceUri,
-                                       const std::wstring& text, ItemType type) {
-  const bool isOwn = m_checks == nullptr && typeid(*this) == typeid(CJsonTextWriter);
-  const bool isMember = isOwn && m_context != nullptr && !OpensArray() && !ContinuesArray(localName, namespaceUri);
-  const std::wstring* prefix = &kNone.Get();
-  if (isMember && m_roundTrip == JsonRoundTrip_Namespaces) prefix = FindElementPrefix(namespaceUri);
-  if (!isMember || prefix == nullptr) return CXmlWriter::WriteTextElement(localName, namespaceUri, text, type);
-  const std::uint32_t id = GetLastingId(localName, namespaceUri);
-  if (text.empty())
-    WriteMember({}, *prefix, localName, id, kNull.Get(), /*quoted=*/false);
-  else
-    WriteMember({}, *prefix, localName, id, text, NeedsQuotes(text, type));
-}
-
 void CJsonTextWriter::WriteAttributeString(const std::wstring& localName, const std::wstring& namespaceUri,
                                            const std::wstring& value, ItemType type) {
   RequireOpenElement();
@@ -344,8 +493,7 @@ void CJsonTextWriter::WriteAttributeString(const std::wstring& localName, const 
   const bool prefixed = m_roundTrip == JsonRoundTrip_Namespaces && !namespaceUri.empty();
   const std::wstring* prefix = prefixed ? FindAttributePrefix(namespaceUri) : &kNone.Get();
   if (prefix == nullptr) ThrowUnknownNamespace(localName);
-  const std::wstring_view marker = m_roundTrip == JsonRoundTrip_Plain ? std::wstring_view() : L"@";
-  WriteMember(marker, *prefix, localName, GetLastingId(localName, namespaceUri), value, NeedsQuotes(value, type));
+  PutMember(BeginMember(), GetMarker(), *prefix, localName, value, NeedsQuotes(value, type));
 }
 
 void CJsonTextWriter::WriteAttributeType(const std::wstring& typeNamespaceUri, const std::wstring& typeName,
@@ -415,35 +563,24 @@ void CJsonTextWriter::OpenMember() {
   OpenBrackets(*m_context);
 }
 
-// A member of the open element with nothing but a value.
-void CJsonTextWriter::WriteMember(std::wstring_view marker, const std::wstring& prefix, const std::wstring& localName,
-                                  std::uint32_t lastingId, const std::wstring& value, bool quoted) {
+inline bool CJsonTextWriter::BeginMember() {
   CloseArray(*m_context, Top(), false);
   const bool isFurther = !m_valuePending && !m_textPending;
   if (!isFurther) OpenMember();
-  const std::int64_t level = m_context->m_depth + 1;
+  return isFurther;
+}
+
+void CJsonTextWriter::PutMember(bool isFurther, std::wstring_view marker, const std::wstring& prefix,
+                                const std::wstring& localName, std::wstring_view value, bool quoted) {
+  const std::wstring_view start = LineStart(m_context->m_depth + 1);
   const bool isShort = value.size() <= kShortText;
-  const std::size_t valueRoom = isShort ? value.size() * kLongestEscape + 2 : 0;
-  wchar_t* to;
-  if (const MemberHead* const head = FindHead(level, marker, prefix, localName, lastingId)) {
-    to = m_stream.Reserve(1 + MemberHead::kLongest + valueRoom);
-    *to = L',';
-    if (isFurther) ++to;
-    for (std::size_t i = 0; i < MemberHead::kLongest; i += 4)
-      WideText::StoreFour(to + i, WideText::LoadFour(head->text + i));
-    to += head->length;
-  } else {
-    const std::wstring_view start = LineStart(level);
-    to = m_stream.Reserve(1 + start.size() + KeyLength(marker, prefix, localName) + valueRoom);
-    if (isFurther) *to++ = L',';
-    to = CopyKey(WideText::Copy(to, start), marker, prefix, localName);
-  }
-  if (isShort) to = PutShortValue(to, value, quoted);
+  wchar_t* to = m_stream.Reserve(1 + start.size() + KeyLength(marker, prefix, localName) +
+                                 (isShort ? value.size() * kLongestEscape + 2 : 0));
+  if (isFurther) *to++ = L',';
+  to = CopyKey(WideText::Copy(to, start), marker, prefix, localName);
+  if (isShort) return WriteShortValue(to, value, quoted);
   m_stream.Commit(to);
-  if (isShort)
-    FlushWhenFull();
-  else
-    WriteLongValue(value, quoted);
+  WriteLongValue(value, quoted);
 }
 
 void CJsonTextWriter::SeparateItem(const CXmlWriterContext& item) {
@@ -503,35 +640,6 @@ inline std::wstring_view CJsonTextWriter::Indent(std::int64_t level) {
 void CJsonTextWriter::GrowLineStart(std::size_t length) {
   if (m_lineStart.empty()) m_lineStart = m_eol;
   while (m_lineStart.size() < length) m_lineStart += m_indentChars;
-}
-
-inline const CJsonTextWriter::MemberHead* CJsonTextWriter::FindHead(std::int64_t level, std::wstring_view marker,
-                                                                    const std::wstring& prefix,
-                                                                    const std::wstring& localName,
-                                                                    std::uint32_t lastingId) {
-  MemberHead& head = m_heads[lastingId % m_heads.size()];
-  if (lastingId == LastingNames::kNoId || !prefix.empty()) return nullptr;
-  if (head.id != lastingId || head.level != level || head.isMarked == marker.empty())
-    MakeHead(head, lastingId, level, marker, localName);
-  return head.length <= MemberHead::kLongest ? &head : nullptr;
-}
-
-void CJsonTextWriter::MakeHead(MemberHead& head, std::uint32_t lastingId, std::int64_t level, std::wstring_view marker,
-                               const std::wstring& localName) {
-  const std::wstring_view start = LineStart(level);
-  wchar_t text[8 * MemberHead::kLongest];
-  head.id = lastingId;
-  head.isMarked = !marker.empty();
-  head.level = level;
-  head.length = start.size() + KeyLength(marker, kNone.Get(), localName);
-  if (head.length > std::size(text)) return;
-  const wchar_t* const end = CopyKey(WideText::Copy(text, start), marker, kNone.Get(), localName);
-  head.length = static_cast<std::size_t>(end - text);
-  std::fill(std::copy_n(text, std::min(head.length, MemberHead::kLongest), head.text), std::end(head.text), L'\0');
-}
-
-void CJsonTextWriter::ForgetHeads() noexcept {
-  for (MemberHead& head : m_heads) head.id = LastingNames::kNoId;
 }
 
 void CJsonTextWriter::PutKey(std::wstring_view start, std::wstring_view marker, const std::wstring& prefix,

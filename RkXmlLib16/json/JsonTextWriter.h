@@ -1,7 +1,6 @@
 #ifndef RKXMLLIB16_JSON_JSONTEXTWRITER_H
 #define RKXMLLIB16_JSON_JSONTEXTWRITER_H
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -42,10 +41,7 @@ class RKXML_EXPORT CJsonTextWriter : public CXmlWriter {
   void SetEOLType(EOLType type);
   // Namespaces at first.
   JsonRoundTrip GetSupportRoundtrip() const noexcept { return m_roundTrip; }
-  void SetSupportRoundtrip(JsonRoundTrip mode) noexcept {
-    m_roundTrip = mode;
-    m_writesNamespaces = mode == JsonRoundTrip_Namespaces;
-  }
+  void SetSupportRoundtrip(JsonRoundTrip mode) noexcept;
   // RFC 8259 text always; off at first. See CJsonContext::SetStrictOutput.
   bool GetStrictOutput() const noexcept { return m_strict; }
   void SetStrictOutput(bool strict) noexcept;
@@ -83,28 +79,15 @@ class RKXML_EXPORT CJsonTextWriter : public CXmlWriter {
   void WriteAttributeType(const std::wstring& typeNamespaceUri, const std::wstring& typeName, ItemType type) override;
   // Written with namespaces and strict output only.
   void WriteAttributeNil() override;
-  void WriteTextElement(const std::wstring& localName, const std::wstring& namespaceUri, const std::wstring& text,
-                        ItemType type) override;
 
  private:
+  class RecordOutput;
   // What an open element needs besides its context; `m_frames` runs parallel to the chain of contexts.
   struct Frame {
     bool arrayItem = false;  // stands in an array that was open before it
     bool arrayOpen = false;  // an array of this element's children is open
     CSharedName arrayName;   // the name of its items
     const CNamespaceName* arrayNamespace = nullptr;
-  };
-
-  // The start of the line and the key of a member with a lasting name and no prefix, to be found again by the number of
-  // the name.
-  struct MemberHead {
-    static constexpr std::size_t kLongest = 32;
-
-    std::uint32_t id = LastingNames::kNoId;
-    bool isMarked;
-    std::int64_t level;
-    std::size_t length;      // beyond the longest: there is none
-    wchar_t text[kLongest];  // written whole, whatever the length
   };
 
   Frame& Top() { return m_frames[m_frameCount - 1]; }
@@ -117,16 +100,23 @@ class RKXML_EXPORT CJsonTextWriter : public CXmlWriter {
   void OpenMember();
   void SeparateItem(const CXmlWriterContext& item);
   void WriteItemAsMember(CXmlWriterContext& item);
-  void WriteMember(std::wstring_view marker, const std::wstring& prefix, const std::wstring& localName,
-                   std::uint32_t lastingId, const std::wstring& value, bool quoted);
-  void WriteLongValue(const std::wstring& text, bool quoted);
+  // Prepares for a member of the open element; whether another one was written before it.
+  bool BeginMember();
+  // The member with nothing but a value, after that.
+  void PutMember(bool isFurther, std::wstring_view marker, const std::wstring& prefix, const std::wstring& localName,
+                 std::wstring_view value, bool quoted);
+  // Of attributes.
+  std::wstring_view GetMarker() const { return m_roundTrip == JsonRoundTrip_Plain ? std::wstring_view() : L"@"; }
+  void StartMember(bool isItem, bool isUndecided);
+  void WriteShortValue(wchar_t* to, std::wstring_view text, bool quoted);
+  void WriteLongValue(std::wstring_view text, bool quoted);
   void WriteTextMember(const std::wstring& text, ItemType type);
   void WriteNamespaceMember(const std::wstring& prefix, const std::wstring& namespaceUri);
   void DeclareNamespaces();
   // The prefix that stands for the namespace, null when the scope knows none.
   const std::wstring* FindAttributePrefix(const std::wstring& namespaceUri) const;
   void RequireOpenElement() const;
-  bool NeedsQuotes(const std::wstring& text, ItemType type) const;
+  bool NeedsQuotes(std::wstring_view text, ItemType type) const;
 
   void Put(std::wstring_view text) { m_stream.Append(text); }
   // The line end and the indentation of a level, or the latter alone; empty when the output is one line. Good until the
@@ -134,12 +124,6 @@ class RKXML_EXPORT CJsonTextWriter : public CXmlWriter {
   std::wstring_view LineStart(std::int64_t level);
   std::wstring_view Indent(std::int64_t level);
   void GrowLineStart(std::size_t length);
-  // Null when there is none.
-  const MemberHead* FindHead(std::int64_t level, std::wstring_view marker, const std::wstring& prefix,
-                             const std::wstring& localName, std::uint32_t lastingId);
-  void MakeHead(MemberHead& head, std::uint32_t lastingId, std::int64_t level, std::wstring_view marker,
-                const std::wstring& localName);
-  void ForgetHeads() noexcept;
   // The key of a member, behind the start of its line.
   void PutKey(std::wstring_view start, std::wstring_view marker, const std::wstring& prefix,
               const std::wstring& localName);
@@ -148,7 +132,7 @@ class RKXML_EXPORT CJsonTextWriter : public CXmlWriter {
   // Write to `to` and return the end.
   wchar_t* CopyKey(wchar_t* to, std::wstring_view marker, const std::wstring& prefix,
                    const std::wstring& localName) const;
-  wchar_t* PutShortValue(wchar_t* to, const std::wstring& text, bool quoted) const;
+  wchar_t* PutShortValue(wchar_t* to, std::wstring_view text, bool quoted) const;
   wchar_t* PutName(wchar_t* to, const std::wstring& name) const;
   wchar_t* PutEscapedShort(wchar_t* to, std::wstring_view text) const;
   wchar_t* PutEscape(wchar_t* to, std::uint32_t c) const;
@@ -179,7 +163,6 @@ class RKXML_EXPORT CJsonTextWriter : public CXmlWriter {
   bool m_textPending = false;   // its text is held: members that follow make it a member itself
   std::wstring m_text;
   ItemType m_textType = ItemType_none;
-  std::array<MemberHead, 64> m_heads;
   std::vector<Frame> m_frames;  // kept when elements end, with their storage
   std::size_t m_frameCount = 0;
 };

@@ -12,9 +12,10 @@
 //   Escaping  PutEscapedShort looks at eight characters at once. kMayBeSpecial says yes for each of those that are
 //             escaped, and for a few others, which are looked at one by one. In long texts PutEscaped passes on whole
 //             runs of eight that have none.
-//   Texts     WriteTextElement writes an element with a short text at once, without a context. Its plain form is that
-//             of CXmlWriter, which calls the three operations; it serves derived classes, which override those, output
-//             that is checked, namespaces without a prefix in scope, and long texts. Both write the same.
+//   Names     RecordOutput keeps the tags and attributes of names of records as they are written, by the number of the
+//             name, and writes an element with a short text at once, without a context. Invariant: a start tag is that
+//             of its depth, all hold in their scope and for the present settings. Namespaces without a prefix in scope,
+//             long texts and long names are written by the operations above it, with the same result.
 //   Sections  Text that begins with "<![CDATA[" is taken for a finished section, unless m_escapesSections is set.
 //   Flushing  Every operation ends by passing the text on once it exceeds kFlushLength.
 //   Checks    m_checks, if there, refuses what a reader would not give back; it changes nothing in what is written.
@@ -22,6 +23,8 @@
 
 #include <emmintrin.h>
 
+#include <iterator>
+#include <memory>
 #include <typeinfo>
 #include <utility>
 
@@ -30,6 +33,7 @@
 #include "RkXmlLib16/base/internal/WideText.h"
 #include "RkXmlLib16/document/internal/LineEnd.h"
 #include "RkXmlLib16/document/internal/OutputChecks.h"
+#include "RkXmlLib16/document/internal/RecordOutput.h"
 #include "RkXmlLib16/xml/internal/Markup.h"
 
 namespace RkXmlLib16 {
@@ -82,7 +86,160 @@ constexpr std::uint64_t kSpecialInNamespace = MakeSet(L"&<>\t\n\r\"");
 
 }  // namespace
 
-CXmlTextWriter::CXmlTextWriter(CTextStream& stream) : m_stream(stream) {}
+// The tags and attributes of records.
+class CXmlTextWriter::RecordOutput final : public CRecordOutput {
+ public:
+  explicit RecordOutput(CXmlTextWriter& writer) : m_writer(writer) {}
+
+  void StartElement(const CNameToken& name) override;
+  void TextElement(const CNameToken& name, std::wstring_view text, ItemType type) override;
+  void Attribute(const CNameToken& name, std::wstring_view value, ItemType type) override;
+
+ private:
+  // Characters, of which eight at a time are copied.
+  template <std::size_t kLongest>
+  struct Piece {
+    static_assert(kLongest % 8 == 0);
+
+    wchar_t* CopyTo(wchar_t* to) const {
+      for (std::size_t i = 0; i < length; i += 8) {
+        WideText::StoreFour(to + i, WideText::LoadFour(text + i));
+        WideText::StoreFour(to + i + 4, WideText::LoadFour(text + i + 4));
+      }
+      return to + length;
+    }
+
+    std::size_t length;
+    wchar_t text[kLongest];
+  };
+  struct Made {
+    std::int64_t depth;
+    const std::wstring* prefix;
+    Piece<48> start;  // the indentation and "<name"; of attributes " name=" and the quotation mark
+    Piece<40> end;    // "</name>" and the line end
+  };
+  using Names = CKnownNames<Made>;
+
+  // The element of this name as a child of the open one, or the attribute; null when the plain operations have to write
+  // it.
+  const Names::Entry* FindElement(const CNameToken& name);
+  const Names::Entry* FindAttribute(const CNameToken& name);
+  bool Make(const CNameToken& name, std::int64_t depth, Names::Entry& entry);
+  bool MakeAttribute(const CNameToken& name, Names::Entry& entry);
+  // Space for what closes the start tag of the open element, which is written, and `count` characters more.
+  wchar_t* BeginChild(std::size_t count);
+
+  CXmlTextWriter& m_writer;
+  Names m_names;
+};
+
+inline auto CXmlTextWriter::RecordOutput::FindElement(const CNameToken& name) -> const Names::Entry* {
+  Names::Entry& entry = m_names.Element(name);
+  const std::int64_t depth = m_writer.m_context->m_depth + 1;
+  if (!m_writer.m_avoidedPrefix.empty()) return nullptr;
+  if (entry.Holds(name, m_writer.m_pool->GetScope()) && entry.made.depth == depth) return &entry;
+  return Make(name, depth, entry) ? &entry : nullptr;
+}
+
+bool CXmlTextWriter::RecordOutput::Make(const CNameToken& name, std::int64_t depth, Names::Entry& entry) {
+  const CXmlTextWriter& w = m_writer;
+  const CNamespaceName& namespaceName = w.NameOf(name.GetNamespace());
+  const std::wstring* const prefix = w.FindElementPrefix(namespaceName);
+  Made& made = entry.made;
+  if (prefix == nullptr) return false;
+  const std::size_t length = prefix->size() + 1 + name.GetLocalName().size();
+  if (w.IndentLength(depth) + 1 + length > std::size(made.start.text)) return false;
+  if (2 + length + 1 + w.m_endOfLine.size() > std::size(made.end.text)) return false;
+  entry.Begin(name, namespaceName, w.m_pool->GetScope());
+  made.depth = depth;
+  made.prefix = prefix;
+  wchar_t* to = w.PutIndent(made.start.text, depth);
+  *to++ = L'<';
+  made.start.length = static_cast<std::size_t>(PutQName(to, *prefix, name.GetLocalName()) - made.start.text);
+  made.end.text[0] = L'<';
+  made.end.text[1] = L'/';
+  to = w.PutEndOfTag(PutQName(made.end.text + 2, *prefix, name.GetLocalName()));
+  made.end.length = static_cast<std::size_t>(to - made.end.text);
+  return true;
+}
+
+inline auto CXmlTextWriter::RecordOutput::FindAttribute(const CNameToken& name) -> const Names::Entry* {
+  Names::Entry& entry = m_names.Attribute(name);
+  if (!m_writer.m_avoidedPrefix.empty()) return nullptr;
+  return entry.Holds(name, m_writer.m_pool->GetScope()) || MakeAttribute(name, entry) ? &entry : nullptr;
+}
+
+bool CXmlTextWriter::RecordOutput::MakeAttribute(const CNameToken& name, Names::Entry& entry) {
+  const CXmlTextWriter& w = m_writer;
+  const CNamespaceName& namespaceName = w.NameOf(name.GetNamespace());
+  const std::wstring* const prefix =
+      namespaceName.ordinal == 0 ? &kNoPrefix.Get() : w.FindPrefixInScope(name.GetNamespace());
+  Made& made = entry.made;
+  if (prefix == nullptr || name.GetNamespace() == XMLNS_NAMESPACE) return false;
+  if (1 + prefix->size() + 1 + name.GetLocalName().size() + 2 > std::size(made.start.text)) return false;
+  entry.Begin(name, namespaceName, w.m_pool->GetScope());
+  made.start.text[0] = L' ';
+  wchar_t* to = PutQName(made.start.text + 1, *prefix, name.GetLocalName());
+  *to++ = L'=';
+  *to++ = L'"';
+  made.start.length = static_cast<std::size_t>(to - made.start.text);
+  return true;
+}
+
+inline wchar_t* CXmlTextWriter::RecordOutput::BeginChild(std::size_t count) {
+  CXmlWriterContext& parent = *m_writer.m_context;
+  wchar_t* const to = m_writer.m_stream.Reserve(1 + m_writer.m_endOfLine.size() + count);
+  ++parent.m_childCount;
+  if (!parent.m_startTagOpen) return to;
+  parent.m_startTagOpen = false;
+  return m_writer.PutEndOfTag(to);
+}
+
+void CXmlTextWriter::RecordOutput::StartElement(const CNameToken& name) {
+  const Names::Entry* const entry = FindElement(name);
+  if (entry == nullptr) return m_writer.WriteStartElement(name.GetLocalName(), name.GetNamespace());
+  wchar_t* const to = BeginChild(std::size(entry->made.start.text));
+  CXmlWriterContext& context = m_writer.PushContext(name, *entry->namespaceName);
+  if (!entry->made.prefix->empty()) context.m_prefix = *entry->made.prefix;
+  m_writer.m_stream.Commit(entry->made.start.CopyTo(to));
+  m_writer.FlushIfDue();
+}
+
+void CXmlTextWriter::RecordOutput::TextElement(const CNameToken& name, std::wstring_view text, ItemType type) {
+  const bool isShort = text.size() <= kShortText && !StartsCData(text);
+  const Names::Entry* const entry = isShort ? FindElement(name) : nullptr;
+  if (entry == nullptr) return m_writer.PlainTextElement(name, text, type);
+  const Made& made = entry->made;
+  wchar_t* to = BeginChild(std::size(made.start.text) + 2 + text.size() * kLongestEscape + std::size(made.end.text));
+  to = made.start.CopyTo(to);
+  if (text.empty() || text.front() == L'\0') {
+    *to++ = L'/';
+    to = m_writer.PutEndOfTag(to);
+  } else {
+    *to++ = L'>';
+    to = made.end.CopyTo(m_writer.PutEscapedShort(to, text, Escaping::Text));
+  }
+  m_writer.m_stream.Commit(to);
+  m_writer.FlushIfDue();
+}
+
+void CXmlTextWriter::RecordOutput::Attribute(const CNameToken& name, std::wstring_view value, ItemType) {
+  const bool fits = m_writer.m_context->m_startTagOpen && value.size() <= kShortText;
+  const Names::Entry* const entry = fits ? FindAttribute(name) : nullptr;
+  if (entry == nullptr) return m_writer.WriteAttribute(name.GetLocalName(), name.GetNamespace(), value);
+  const Escaping where = m_writer.m_keepTabs ? Escaping::AttributeWithTabs : Escaping::Attribute;
+  wchar_t* to = m_writer.m_stream.Reserve(std::size(entry->made.start.text) + value.size() * kLongestEscape + 1);
+  to = m_writer.PutEscapedShort(entry->made.start.CopyTo(to), value, where);
+  *to++ = L'"';
+  m_writer.m_stream.Commit(to);
+  m_writer.FlushIfDue();
+}
+
+CXmlTextWriter::CXmlTextWriter(CTextStream& stream) : m_stream(stream) {
+  SetRecordOutput(typeid(CXmlTextWriter), [](CXmlWriter& writer) -> std::unique_ptr<CRecordOutput> {
+    return std::make_unique<RecordOutput>(static_cast<CXmlTextWriter&>(writer));
+  });
+}
 
 CXmlTextWriter::~CXmlTextWriter() = default;
 
@@ -91,11 +248,20 @@ void CXmlTextWriter::SetWellFormedOutput(bool refuse) {
   m_keepTabs = refuse;
 }
 
-void CXmlTextWriter::SetIndentChars(const wchar_t* text) { m_indentChars = text != nullptr ? text : L""; }
+void CXmlTextWriter::SetFormat(bool format) noexcept {
+  m_format = format;
+  ForgetNames();
+}
+
+void CXmlTextWriter::SetIndentChars(const wchar_t* text) {
+  m_indentChars = text != nullptr ? text : L"";
+  ForgetNames();
+}
 
 void CXmlTextWriter::SetEOLType(EOLType type) {
   m_endOfLine = LineEnd(type);
   m_eolType = type;
+  ForgetNames();
 }
 
 void CXmlTextWriter::Open() {
@@ -187,39 +353,6 @@ void CXmlTextWriter::WriteStartElement(const std::wstring& localName, const std:
     PutDeclaration(context.m_prefix, namespaceUri);
   }
   if (isRoot) PutRootDeclarations();
-  FlushIfDue();
-}
-
-void CXmlTextWriter::WriteTextElement(const std::wstring& localName, const std::wstring& namespaceUri,
-                                      const std::wstring& text, ItemType type) {
-  const bool isOwn = typeid(*this) == typeid(CXmlTextWriter);
-  const std::wstring* const prefix = isOwn && m_context != nullptr ? FindElementPrefix(namespaceUri) : nullptr;
-  const bool isShort = text.size() <= kShortText && !StartsCData(text);
-  if (prefix == nullptr || !isShort || m_checks != nullptr)
-    return CXmlWriter::WriteTextElement(localName, namespaceUri, text, type);
-
-  const std::int64_t depth = m_context->m_depth + 1;
-  const std::size_t tagLength = 1 + prefix->size() + 1 + localName.size() + 1;
-  wchar_t* to =
-      m_stream.Reserve(IndentLength(depth) + 2 * (tagLength + 1 + m_endOfLine.size()) + text.size() * kLongestEscape);
-  if (m_context->m_startTagOpen) to = PutEndOfTag(to);
-  ++m_context->m_childCount;
-  m_context->m_startTagOpen = false;
-  to = PutIndent(to, depth);
-  *to++ = L'<';
-  const wchar_t* const name = to;
-  to = PutQName(to, *prefix, localName);
-  if (text.empty() || text.front() == L'\0') {
-    *to++ = L'/';
-  } else {
-    const std::wstring_view written(name, static_cast<std::size_t>(to - name));
-    *to++ = L'>';
-    to = PutEscapedShort(to, text, Escaping::Text);
-    *to++ = L'<';
-    *to++ = L'/';
-    to = WideText::Copy(to, written);
-  }
-  m_stream.Commit(PutEndOfTag(to));
   FlushIfDue();
 }
 

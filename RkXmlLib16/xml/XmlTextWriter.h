@@ -30,7 +30,7 @@ class RKXML_EXPORT CXmlTextWriter : public CXmlWriter {
 
   // Whether elements are put on lines of their own.
   bool GetFormat() const noexcept { return m_format; }
-  void SetFormat(bool format) noexcept { m_format = format; }
+  void SetFormat(bool format) noexcept;
   // Written once per level of depth; one tab at first. Null is an empty text.
   const std::wstring& GetIndentChars() const noexcept { return m_indentChars; }
   void SetIndentChars(const wchar_t* text);
@@ -70,8 +70,6 @@ class RKXML_EXPORT CXmlTextWriter : public CXmlWriter {
                             ItemType type) override;
   void WriteAttributeType(const std::wstring& typeNamespaceUri, const std::wstring& typeName, ItemType type) override;
   void WriteAttributeNil() override;
-  void WriteTextElement(const std::wstring& localName, const std::wstring& namespaceUri, const std::wstring& text,
-                        ItemType type) override;
 
   // Two ways to write text by WriteString: as data, in two pieces where one would be taken for a section, and as the
   // finished section that it is.
@@ -85,6 +83,7 @@ class RKXML_EXPORT CXmlTextWriter : public CXmlWriter {
   void WriteDeclaration(std::wstring_view prefix, std::wstring_view namespaceUri);
 
  private:
+  class RecordOutput;
   enum class Escaping { Text, Attribute, Namespace, AttributeWithTabs };
 
   void Put(std::wstring_view text) { m_stream.Append(text); }

@@ -108,53 +108,6 @@ TEST(FastInfosetWriter, EveryNameIsInScopeForOtherReaders) {
   for (const Calls& calls : documents) ExpectReadable(Write(CFastInfosetContext(), calls));
 }
 
-// The prefix of a namespace changes, and names of elements and attributes are alike. The names lie each in a place of
-// its own, as those of records do, or all in the same two.
-TEST(FastInfosetWriter, LastingNamesFollowTheScope) {
-  const auto write = [](bool lasting) {
-    return Write(CFastInfosetContext(), [lasting](CFastInfosetWriter& w) {
-      std::set<std::wstring> texts;
-      std::map<std::pair<const void*, const void*>, std::uint32_t> numbers;
-      std::wstring passingName, passingUri;
-      const auto give = [&](const wchar_t* nameText, const wchar_t* uriText, const auto& call) {
-        passingName = nameText;
-        passingUri = uriText;
-        if (!lasting) return call(passingName, passingUri);
-        const std::wstring& name = *texts.insert(nameText).first;
-        const std::wstring& uri = *texts.insert(uriText).first;
-        const auto number = numbers.emplace(std::pair(&name, &uri), 60 + numbers.size()).first->second;
-        w.SetLastingNames({&name, &uri, number});
-        call(name, uri);
-      };
-      const auto start = [&](const std::wstring& name, const std::wstring& uri) { w.WriteStartElement(name, uri); };
-      const auto element = [&](const wchar_t* nameText, const wchar_t* uriText) {
-        give(L"e", uriText, start);
-        give(nameText, uriText, [&](const std::wstring& name, const std::wstring& uri) {
-          w.WriteAttributeString(name, uri, L"v", ItemType_string);
-        });
-        for (const wchar_t* text : {L"1", L""})
-          give(nameText, uriText, [&](const std::wstring& name, const std::wstring& uri) {
-            w.WriteTextElement(name, uri, text, ItemType_int);
-          });
-        w.WriteEndElement();
-      };
-      w.AddNamespace(L"p", L"urn:p");
-      give(L"r", L"", start);
-      for (int i = 0; i < 3; ++i) {
-        for (const wchar_t* uri : {L"urn:p", L"", L"urn:p"})
-          for (const wchar_t* name : {L"a", L"b", L"e"}) element(name, uri);
-        if (i == 1) w.WriteEndElement();
-        if (i != 0) continue;
-        give(L"s", L"", start);
-        w.AddNamespace(L"q", L"urn:p");
-      }
-      w.WriteEndElement();
-    });
-  };
-  EXPECT_EQ(ToHex(write(false)), ToHex(write(true)));
-  ExpectReadable(write(true));
-}
-
 TEST(FastInfosetWriter, TextOfTheMaximumAddLengthIsNeverIndexed) {
   ExpectOctets("7C 00 61 78 00 62 44 31 32 33 34 35 78 00 63 80 F0 92 02 31 32 33 34 35 A0 FF",
                L"<a @b=12345 @c=12345 '12345' '12345'>");

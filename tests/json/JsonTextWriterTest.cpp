@@ -79,56 +79,6 @@ TEST(JsonTextWriter, UsesTheSettingsOfFormatting) {
   EXPECT_TEXT(L"{\r\n  \"r\": \"a\r\nb\"/* c\r\n\" */\r\n    \r\n}", stream.GetText());
 }
 
-// The names of a record are written from memory the second time: at another depth, as an attribute or under other
-// settings they must not be.
-TEST(JsonTextWriter, LastingNamesAreWrittenAsOthers) {
-  const auto write = [](bool lasting) {
-    CTextStream stream;
-    CJsonTextWriter w(stream);
-    w.SetDefaultNamespace(L"urn:d");
-    w.AddNamespace(L"p", L"urn:p");
-    w.Open();
-    w.WriteStartDocument();
-    const std::vector<std::wstring> names = {L"a", L"say \"\"", L"sixteen_and_more", std::wstring(40, L'n'),
-                                             std::wstring(300, L'n')};
-    const std::vector<std::wstring> uris = {L"urn:d", L"urn:p", L""};
-    const auto element = [&] {
-      for (std::uint32_t i = 0; i < names.size(); ++i)
-        for (std::uint32_t k = 0; k < uris.size(); ++k) {
-          const auto number = k == 0 ? CXmlWriter::LastingNames::kNoId - 1 - i : 64 * k + i;  // many in one place
-          if (lasting) w.SetLastingNames({&names[i], &uris[k], number});
-          w.WriteTextElement(names[i], uris[k], i == 0 ? L"" : L"1", ItemType_int);
-          if (k != 0) w.WriteAttributeString(names[i], uris[k], L"v", ItemType_string);
-        }
-    };
-    w.WriteStartElement(L"r", L"urn:d");
-    element();
-    element();
-    const std::vector<std::function<void()>> changes = {
-        [] {},
-        [&w] { w.SetIndentChars(L"  "); },
-        [&w] { w.SetEOLType(EOLType_CRLF); },
-        [&w] { w.SetStrictOutput(true); },
-        [&w] { w.SetSupportRoundtrip(JsonRoundTrip_Plain); },
-        [&w] { w.SetFormat(false); },
-    };
-    for (const auto& change : changes) {
-      w.WriteStartElement(L"deeper", L"urn:d");
-      element();
-      change();
-      element();
-      w.WriteEndElement();
-    }
-    w.WriteEndElement();
-    w.WriteEndDocument();
-    w.Close();
-    return stream.ToString();
-  };
-  const std::wstring plain = write(false);
-  EXPECT_LT(10000u, plain.size());
-  EXPECT_TEXT(plain, write(true));
-}
-
 TEST(JsonTextWriter, TypesDecideAboutQuotes) {
   const Rows<std::wstring, ItemType, bool, bool> kRows = {
       {L"1", ItemType_string, true, true},

@@ -71,9 +71,9 @@ inline wchar_t* Copy(wchar_t* to, std::wstring_view text) {
 }
 
 // The text up to its first NUL; there is space for all of it.
-inline wchar_t* CopyUpToNul(wchar_t* to, const std::wstring& text) {
+inline wchar_t* CopyUpToNul(wchar_t* to, std::wstring_view text) {
   const std::size_t length = text.size();
-  const wchar_t* const from = text.c_str();
+  const wchar_t* const from = text.data();
   bool hasNul = false;
   if (length < 4) {
     if (length == 0) return to;
@@ -92,7 +92,7 @@ inline wchar_t* CopyUpToNul(wchar_t* to, const std::wstring& text) {
     StoreFour(to + length - 4, last);
     hasNul = _mm_movemask_epi8(zeros) != 0;
   }
-  return to + (hasNul ? std::wcslen(from) : length);
+  return to + (hasNul ? text.find(L'\0') : length);
 }
 
 // The text up to its first NUL, escaped where it must be; there is space for all of it. `mayBeSpecial` tells of eight

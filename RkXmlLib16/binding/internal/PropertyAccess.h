@@ -6,7 +6,7 @@
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
-#include "RkXmlLib16/base/SharedName.h"
+#include "RkXmlLib16/base/NameToken.h"
 #include "RkXmlLib16/binding/GeneratedClass.h"
 #include "RkXmlLib16/binding/ModelObject.h"
 #include "RkXmlLib16/object/Variant.h"
@@ -15,13 +15,13 @@ namespace RkXmlLib16Data {
 
 // The property that a record called `name` describes. A CRkException of the accessor is wrapped in
 // CRkValidationException "Failed to get the property value for [%ls].".
-inline void GetProperty(RkXmlLib16::CXmlGeneratedClass& object, int index, const RkXmlLib16::CSharedName& name,
+inline void GetProperty(RkXmlLib16::CXmlGeneratedClass& object, int index, const RkXmlLib16::CNameToken& name,
                         RkXmlLib16::RkVariant& value) {
   try {
     object.AccessProperty(index, /*get=*/true, value);
   } catch (const RkXmlLib16::CRkException& e) {
     throw RkXmlLib16::CRkValidationException(
-        RkXmlLib16::FormatString(L"Failed to get the property value for [%ls].", name.Get().c_str()), std::wstring(),
+        RkXmlLib16::FormatString(L"Failed to get the property value for [%ls].", name.GetLocalName().c_str()), std::wstring(),
         e);
   }
 }

@@ -48,13 +48,6 @@ class CNamespacePool {
     m_last = recent;
     return *recent;
   }
-  // The same for the namespace of a record, which has a number that no other one has.
-  const CNamespaceName& FindNumbered(const std::wstring& uri, std::uint32_t number) {
-    if (&uri == &m_last->text.Get()) return *m_last;
-    Numbered& known = m_numbered[number % std::size(m_numbered)];
-    if (known.number != number || number == kNoNumber) known = {number, &Find(uri)};
-    return *known.name;
-  }
   // The next call of Find may be for this text; it stays as it is while the pool is there.
   void Tell(const SharedText& uri) {
     if (uri->size() > kShort && uri.get() != m_told) TellOther(uri);
@@ -68,9 +61,15 @@ class CNamespacePool {
   }
   const CNamespaceName& GetEmpty() noexcept { return m_names.front(); }
 
+  // The number of the declarations in effect. Other declarations have another number, and the same ones get theirs back
+  // when they are in effect again. kNoScope when they may change unnoticed.
+  static constexpr std::uint64_t kNoScope = 0;
+  std::uint64_t GetScope() const noexcept { return m_scope; }
+  void SetScope(std::uint64_t scope) noexcept { m_scope = scope; }
+  std::uint64_t NewScope() noexcept { return ++m_lastScope; }
+
  private:
   static constexpr std::size_t kShort = 64;  // characters that are quickly compared
-  static constexpr std::uint32_t kNoNumber = UINT32_MAX;
 
   const CNamespaceName& AddNew(std::wstring_view uri) { return m_names.emplace_back(uri, m_names.size()); }
   const CNamespaceName& FindOther(const std::wstring& uri);
@@ -81,11 +80,8 @@ class CNamespacePool {
   std::unordered_map<const std::wstring*, std::pair<SharedText, const CNamespaceName*>> m_byAddress;
   const CNamespaceName* m_recent[8];  // short ones, by length and end
   const CNamespaceName* m_last;       // short; names mostly have its text, in the same place
-  struct Numbered {
-    std::uint32_t number = kNoNumber;
-    const CNamespaceName* name = nullptr;
-  };
-  Numbered m_numbered[32];
+  std::uint64_t m_scope = kNoScope;
+  std::uint64_t m_lastScope = kNoScope;
   const std::wstring* m_told = nullptr;
   const CNamespaceName* m_toldName = nullptr;
 };

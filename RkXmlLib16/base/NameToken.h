@@ -1,0 +1,43 @@
+#ifndef RKXMLLIB16_BASE_NAMETOKEN_H
+#define RKXMLLIB16_BASE_NAMETOKEN_H
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "RkXmlLib16/base/Export.h"
+#include "RkXmlLib16/base/SharedName.h"
+
+namespace RkXmlLib16 {
+
+// The expanded name (W3C Namespaces in XML 1.0) of a metadata record: a local name, a namespace, and a number that all
+// tokens of this name have while one of them lives. Other names never have that number, so that whoever has worked out
+// something about a name can find it again by the number alone. Any thread may make and destroy tokens; what they hold
+// does not change. Only records have tokens: names of documents would fill the table of the process.
+class RKXML_EXPORT CNameToken {
+ public:
+  // When there are no more numbers, tokens have this one, by which nothing can be found again.
+  static constexpr std::uint32_t kNoNumber = UINT32_MAX;
+
+  CNameToken(std::wstring_view localName, std::wstring_view namespaceUri);
+  CNameToken(const CNameToken&) = delete;
+  CNameToken& operator=(const CNameToken&) = delete;
+  ~CNameToken();
+
+  // Both stay where they are while the token lives.
+  const std::wstring& GetLocalName() const noexcept { return m_localName.Get(); }
+  const std::wstring& GetNamespace() const noexcept { return m_namespace.Get(); }
+  const CSharedName& GetSharedLocalName() const noexcept { return m_localName; }
+  std::uint32_t GetNumber() const noexcept { return m_number; }
+
+ private:
+  friend class CNameTable;
+
+  CSharedName m_localName;
+  CSharedName m_namespace;
+  std::uint32_t m_number = kNoNumber;
+};
+
+}  // namespace RkXmlLib16
+
+#endif
