@@ -6,6 +6,7 @@
 #include <atomic>
 #include <cstddef>
 #include <string_view>
+#include <unordered_set>
 
 #include "RkXmlLib16/base/Enumerations.h"
 #include "RkXmlLib16/base/Export.h"
@@ -22,6 +23,7 @@ using RkXmlLib16::CWhitespaceUtils;
 using RkXmlLib16::ItemType;
 
 struct ClassModel;
+struct SchemaIndex;
 struct SchemaModel;
 class CAttributeInfoPrimitive;
 class CModelClass;
@@ -73,7 +75,9 @@ struct ValueModel {
   const wchar_t* maxExclusive = nullptr;
   long totalDigits = -1;
   long fractionDigits = -1;
-  Span<const wchar_t*> enumeration;   // the texts of an enumeration, the first one for the number 0
+  Span<const wchar_t*> enumeration;  // the texts of an enumeration, the first one for the number 0
+  // The same where the property holds the text itself; borrowed.
+  const std::unordered_set<std::wstring_view>* texts = nullptr;
   const CSimpleType* type = nullptr;  // the whole type, where more is to be checked; borrowed
   bool needsCheck = false;            // what the members above let pass must be checked by the type
   bool holdsQNames = false;           // the prefixes in the text have to stay declared
@@ -352,6 +356,10 @@ struct SchemaModel {
   Span<const ElementModel*> elements{};  // the global ones
   Span<AttributeModel> attributes{};     // the global ones
   Span<const CSimpleType*> simpleTypes{};
+
+  mutable std::atomic<const SchemaIndex*> index{nullptr};  // of their names; the library makes it at first use
+
+  RKXML_EXPORT ~SchemaModel();
 };
 
 }  // namespace RkXmlLib16Data

@@ -4,11 +4,12 @@
 #include <array>
 #include <atomic>
 #include <mutex>
+#include <unordered_map>
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
 #include "RkXmlLib16/binding/SimpleTypeModel.h"
-#include "RkXmlLib16/document/ElementTree.h"
+#include "RkXmlLib16/document/internal/Refusal.h"
 #include "RkXmlLib16/wildcards/NamespaceRule.h"
 
 namespace RkXmlLib16Data {
@@ -117,7 +118,7 @@ CModelClass::CModelClass(const ClassModel& model)
     info.fixed = value != nullptr && value->isFixed ? value : nullptr;
     info.texts.assign(values->enumeration.begin(), values->enumeration.end());
     info.isPlain = !values->needsCheck && !values->holdsQNames && info.fixed == nullptr;
-    info.mayRefuse = !info.facets.IsEmpty();
+    info.mayRefuse = !info.facets.IsEmpty() || values->texts != nullptr;
     info.mustCheck = !info.isPlain || !info.texts.empty() || info.mayRefuse;
   };
   for (const AttributeModel& attribute : model.attributes)
@@ -136,6 +137,7 @@ CModelClass::CModelClass(const ClassModel& model)
     ModelProperty& info = m_properties[static_cast<std::size_t>(model.textProperty)];
     info.mustCheck = true;
     info.isPlain = false;
+    info.startsEmpty = model.isMixed;
   }
 
   std::vector<CElementInfo*> elements;
@@ -225,25 +227,71 @@ void CheckModelText(const wchar_t* name, const ValueModel& values, const Default
 
 namespace {
 
-NamedType FindType(const SchemaModel& schema, std::wstring_view uri, std::wstring_view name) {
-  NamedType found;
-  for (const ClassModel* object : schema.classes)
-    if (object->name == name && object->namespaceUri == uri) found.object = object;
-  for (const CSimpleType* simple : schema.simpleTypes)
-    if (simple->GetName() == name && simple->GetNamespace() == uri) found.simple = simple;
-  if (uri == kBuiltInTypes.types[0].GetNamespace())
-    for (const CSimpleTypeModel& simple : kBuiltInTypes.types)
-      if (simple.GetName() == name) found.simple = &simple;
-  if (found.object != nullptr && found.object->simple != nullptr) found.simple = found.object->simple;
-  found.isNamed = true;
-  return found;
+struct ModelName {
+  std::wstring_view uri;
+  std::wstring_view name;
+
+  friend bool operator==(const ModelName& a, const ModelName& b) noexcept { return a.name == b.name && a.uri == b.uri; }
+};
+
+struct ModelNameHash {
+  std::size_t operator()(const ModelName& name) const noexcept {
+    const std::hash<std::wstring_view> hash;
+    return hash(name.name) * 31 + hash(name.uri);
+  }
+};
+
+template <class T>
+using ModelTable = std::unordered_map<ModelName, T, ModelNameHash>;
+
+}  // namespace
+
+struct SchemaIndex {
+  explicit SchemaIndex(const SchemaModel& schema);
+
+  ModelTable<NamedType> types;
+  ModelTable<const ElementModel*> elements;
+  ModelTable<const AttributeModel*> attributes;
+};
+
+SchemaIndex::SchemaIndex(const SchemaModel& schema) {
+  const auto type = [this](std::wstring_view uri, std::wstring_view name) -> NamedType& { return types[{uri, name}]; };
+  for (const CSimpleTypeModel& simple : kBuiltInTypes.types)
+    type(simple.GetNamespace(), simple.GetName()).simple = &simple;
+  for (const CSimpleType* simple : schema.simpleTypes) type(simple->GetNamespace(), simple->GetName()).simple = simple;
+  for (const ClassModel* object : schema.classes) {
+    NamedType& named = type(object->namespaceUri, object->name);
+    named.object = object;
+    if (object->simple != nullptr) named.simple = object->simple;
+  }
+  for (auto& [name, found] : types) found.isNamed = true;
+  for (const ElementModel* element : schema.elements)
+    elements.try_emplace({element->namespaceUri, element->name}, element);
+  for (const AttributeModel& attribute : schema.attributes)
+    attributes[{attribute.namespaceUri, attribute.name}] = &attribute;
 }
 
-const ElementModel* FindElement(const SchemaModel& schema, std::wstring_view uri, std::wstring_view name,
-                                bool anyNamespace = false) {
-  for (const ElementModel* element : schema.elements)
-    if (element->name == name && (anyNamespace || element->namespaceUri == uri)) return element;
-  return nullptr;
+SchemaModel::~SchemaModel() { delete index.load(); }
+
+namespace {
+
+const SchemaIndex& IndexOf(const SchemaModel& schema) {
+  const SchemaIndex* known = schema.index.load(std::memory_order_acquire);
+  if (known != nullptr) return *known;
+  auto made = std::make_unique<const SchemaIndex>(schema);
+  return schema.index.compare_exchange_strong(known, made.get()) ? *made.release() : *known;
+}
+
+NamedType FindType(const SchemaModel& schema, std::wstring_view uri, std::wstring_view name) {
+  const auto& types = IndexOf(schema).types;
+  const auto found = types.find({uri, name});
+  return found != types.end() ? found->second : NamedType{/*isNamed=*/true, nullptr, nullptr};
+}
+
+const ElementModel* FindElement(const SchemaModel& schema, std::wstring_view uri, std::wstring_view name) {
+  const auto& elements = IndexOf(schema).elements;
+  const auto found = elements.find({uri, name});
+  return found != elements.end() ? found->second : nullptr;
 }
 
 bool IsAnyType(const ClassModel* object) { return object != nullptr && object->isAnyType; }
@@ -321,20 +369,16 @@ bool CheckKnownElement(const SchemaModel& schema, CXmlElement& element, const CS
   return true;
 }
 
-}  // namespace
-
-void CheckWildcardElement(const SchemaModel* schema, WildcardModel::Process process, CXmlElement& element,
-                          const CSerializationContext& context) {
-  if (process == WildcardModel::Process::Skip || schema == nullptr) return;
-  if (CheckKnownElement(*schema, element, context)) return;
+void CheckElement(const SchemaModel& schema, WildcardModel::Process process, CXmlElement& element,
+                  const CSerializationContext& context) {
+  if (CheckKnownElement(schema, element, context)) return;
   if (process == WildcardModel::Process::Strict)
-    throw At(CRkValidationException(FormatString(L"The element [%ls] is not declared.", element.GetLocalName().c_str()),
-                                    element.GetXPath()),
-             element);
+    throw CRkValidationException(FormatString(L"The element [%ls] is not declared.", element.GetLocalName().c_str()),
+                                 element.GetXPath());
   // Elements that the schema knows are checked at any depth below those that it does not.
   CXmlElement* at = element.GetFirstElement();
   while (at != nullptr) {
-    if (!CheckKnownElement(*schema, *at, context) && at->GetFirstElement() != nullptr) {
+    if (!CheckKnownElement(schema, *at, context) && at->GetFirstElement() != nullptr) {
       at = at->GetFirstElement();
       continue;
     }
@@ -343,20 +387,31 @@ void CheckWildcardElement(const SchemaModel* schema, WildcardModel::Process proc
   }
 }
 
+}  // namespace
+
+void CheckWildcardElement(const SchemaModel* schema, WildcardModel::Process process, CXmlElement& element,
+                          const CSerializationContext& context) {
+  if (process == WildcardModel::Process::Skip || schema == nullptr) return;
+  try {
+    CheckElement(*schema, process, element, context);
+  } catch (CRkException& e) {
+    RefuseCaught(context, e, element);
+  }
+}
+
 void CheckWildcardAttribute(const SchemaModel* schema, WildcardModel::Process process, const CXmlAttribute& attribute) {
   if (process == WildcardModel::Process::Skip || schema == nullptr) return;
   const auto refuse = [&](const std::wstring& message) {
     throw At(CRkValidationException(message, attribute.GetXPath()), attribute);
   };
-  const AttributeModel* declaration = nullptr;
-  for (const AttributeModel& known : schema->attributes)
-    if (attribute.GetLocalName() == known.name && attribute.GetNamespaceURI() == known.namespaceUri)
-      declaration = &known;
-  if (declaration == nullptr) {
+  const auto& attributes = IndexOf(*schema).attributes;
+  const auto found = attributes.find({attribute.GetNamespaceURI(), attribute.GetLocalName()});
+  if (found == attributes.end()) {
     if (process == WildcardModel::Process::Strict)
       refuse(FormatString(L"The attribute [%ls] is not declared.", attribute.GetLocalName().c_str()));
     return;
   }
+  const AttributeModel* const declaration = found->second;
   const CSimpleType* const type = declaration->values->type;
   if (type == nullptr) return;
   const NamespaceResolver resolver = ResolverOf(*attribute.GetElement());
@@ -381,7 +436,8 @@ CSmartPtr<CModelObject> NewObjectFor(const SchemaModel& schema, CXmlElement& roo
   };
   const ElementModel* declared = FindElement(schema, root.GetNamespaceURI(), root.GetLocalName());
   if (declared == nullptr && context.GetIgnoreNamespaces())
-    declared = FindElement(schema, {}, root.GetLocalName(), /*anyNamespace=*/true);
+    for (const ElementModel* element : schema.elements)
+      if (declared == nullptr && root.GetLocalName() == element->name) declared = element;
   if (declared != nullptr) {
     if (declared->isAbstract) refuse(L"The element [%ls] is abstract.");
     CSmartPtr<CModelObject> object = NewElement(&schema, *declared, root);

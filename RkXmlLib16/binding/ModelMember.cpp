@@ -53,12 +53,14 @@ void Visit(ItemType type, Call&& call) {
 // How the value of a member is reached.
 template <class T>
 struct InPlace {
+  using Held = T;
   static const T& Get(const void* at) { return *static_cast<const T*>(at); }
   static T& Make(void* at) { return *static_cast<T*>(at); }
   static void Reset(void* at) { Make(at) = T(); }
 };
 template <class T>
 struct Rare {
+  using Held = CRareValue<T>;
   static const T& Get(const void* at) { return static_cast<const CRareValue<T>*>(at)->Get(); }
   static T& Make(void* at) { return static_cast<CRareValue<T>*>(at)->Make(); }
   static void Reset(void* at) { static_cast<CRareValue<T>*>(at)->Reset(); }
@@ -97,6 +99,9 @@ struct ValueMember {
     }
   }
   static void Check(const void* at, const ModelProperty& property, const wchar_t* name) {
+    if constexpr (std::is_same_v<T, std::wstring>)
+      if (property.values->texts != nullptr && !property.IsAllowed(Place::Get(at)))
+        ThrowInvalidValue(name, Place::Get(at));
     if (property.facets.IsEmpty()) return;
     Visit<T>(property.values->itemType, [&](auto item) { Item<item>::Check(name, Place::Get(at), property.facets); });
   }
@@ -140,7 +145,7 @@ struct ValueMember<int, Place> {
 
 template <class Value, class Place>
 constexpr MemberType MakeType() {
-  MemberType type;
+  MemberType type = MemberType::Of<typename Place::Held>(MemberType::Kind::Value);
   type.give = Value::Give;
   type.take = Value::Take;
   type.read = Value::Read;
@@ -160,5 +165,29 @@ constexpr MemberType MakeType() {
   const MemberType MemberTypeOf<T>::kRare = MakeType<ValueMember<T, Rare<T>>, Rare<T>>();
 RKXML_MEMBER_TYPES(RKXML_MEMBER_TYPE)
 #undef RKXML_MEMBER_TYPE
+
+namespace {
+
+template <class T>
+const MemberType& TypeOf() {
+  constexpr bool isLarge = sizeof(T) > sizeof(std::wstring);
+  return isLarge ? MemberTypeOf<T>::kRare : MemberTypeOf<T>::kInPlace;
+}
+
+}  // namespace
+
+const MemberType& GetMemberType(ItemType type) {
+  switch (type) {
+#define RKXML_TYPE(Kind, Name, Property, Value) \
+  case ItemType_##Kind:                         \
+    return TypeOf<Value>();
+#define RKXML_NO_TYPE(Kind, Name, Property, Value)
+    RKXML_XSD_TYPES(RKXML_TYPE, RKXML_TYPE, RKXML_NO_TYPE)
+#undef RKXML_TYPE
+#undef RKXML_NO_TYPE
+    default:
+      return TypeOf<std::wstring>();
+  }
+}
 
 }  // namespace RkXmlLib16

@@ -1,12 +1,16 @@
-// The members of the classes that `rkxml generate` prints, as the library reaches them.
+// The members of the classes that `rkxml generate` prints, and what objects without classes have in their place, as the
+// library reaches them.
 #ifndef RKXMLLIB16_BINDING_MODELMEMBER_H
 #define RKXMLLIB16_BINDING_MODELMEMBER_H
 
+#include <cstddef>
 #include <memory>
+#include <new>
 #include <string>
 #include <string_view>
 #include <type_traits>
 
+#include "RkXmlLib16/base/Enumerations.h"
 #include "RkXmlLib16/base/Export.h"
 #include "RkXmlLib16/base/SmartPtr.h"
 #include "RkXmlLib16/collections/CollectionBase.h"
@@ -50,6 +54,12 @@ struct MemberType {
   using Property = RkXmlLib16Data::ModelProperty;
 
   Kind kind = Kind::Value;
+  // For members that do not stand in a class. No type needs a greater alignment than kAlignment.
+  static constexpr std::size_t kAlignment = 8;
+  std::size_t size = 0;
+  void (*construct)(void* at) = nullptr;
+  void (*destroy)(void* at) = nullptr;
+
   void (*give)(const void* at, const Property& property, RkVariant& to) = nullptr;
   void (*take)(void* at, const Property& property, const RkVariant& from) = nullptr;
   void (*reset)(void* at) = nullptr;
@@ -63,7 +73,21 @@ struct MemberType {
 
   CXmlObjectBase* (*getObject)(const void* at) = nullptr;
   void (*setObject)(void* at, CXmlObjectBase* object) = nullptr;
+
+  template <class T>
+  static constexpr MemberType Of(Kind kind) noexcept {
+    static_assert(alignof(T) <= kAlignment);
+    MemberType type;
+    type.kind = kind;
+    type.size = sizeof(T);
+    type.construct = [](void* at) { ::new (at) T(); };
+    type.destroy = [](void* at) { static_cast<T*>(at)->~T(); };
+    return type;
+  }
 };
+
+// In place, or as CRareValue where the type is large.
+RKXML_EXPORT const MemberType& GetMemberType(ItemType type);
 
 // Types of values; those of enumerations are that of int.
 template <class T>
@@ -103,8 +127,8 @@ struct ObjectMemberType {
     *static_cast<CSmartPtr<T>*>(at) = CSmartPtr<T>(static_cast<T*>(object));
   }
   static constexpr MemberType kType = [] {
-    MemberType type;
-    type.kind = std::is_base_of_v<CXmlCollectionBase, T> ? MemberType::Kind::Collection : MemberType::Kind::Object;
+    MemberType type = MemberType::Of<CSmartPtr<T>>(
+        std::is_base_of_v<CXmlCollectionBase, T> ? MemberType::Kind::Collection : MemberType::Kind::Object);
     type.getObject = Get;
     type.setObject = Set;
     return type;
@@ -126,6 +150,7 @@ class CMember {
   CMember(CRareValue<T>& member) noexcept : m_at(&member), m_type(&MemberTypeOf<T>::kRare) {}
   template <class T>
   CMember(CSmartPtr<T>& member) noexcept : m_at(&member), m_type(&ObjectMemberType<T>::kType) {}
+  CMember(void* at, const MemberType& type) noexcept : m_at(at), m_type(&type) {}
 
   bool IsNone() const noexcept { return m_type == nullptr; }
   bool Is(MemberType::Kind kind) const noexcept { return m_type != nullptr && m_type->kind == kind; }

@@ -6,8 +6,8 @@
 #include "RkXmlLib16/base/Format.h"
 #include "RkXmlLib16/binding/internal/ModelClass.h"
 #include "RkXmlLib16/binding/internal/ReadingValue.h"
-#include "RkXmlLib16/document/ElementTree.h"
 #include "RkXmlLib16/document/XmlWriter.h"
+#include "RkXmlLib16/document/internal/Refusal.h"
 #include "RkXmlLib16/facets/FacetChecks.h"
 
 namespace RkXmlLib16 {
@@ -19,7 +19,7 @@ namespace {
 bool IsValue(const RkVariant& value) { return value.IsValid() && !value.IsNil(); }
 
 void CheckFacets(const wchar_t* name, const ModelProperty& property, const RkVariant& value) {
-  if (!property.texts.empty() && property.FindText(value.GetString()) < 0) ThrowInvalidValue(name, value.GetString());
+  if (property.IsEnumeration() && !property.IsAllowed(value.GetString())) ThrowInvalidValue(name, value.GetString());
   if (!property.facets.IsEmpty())
     CXmlObjectHelper::CheckRestriction(name, value, property.values->itemType, property.facets);
 }
@@ -32,8 +32,31 @@ int FindEnumeration(Span<const wchar_t*> texts, std::wstring_view text) {
   throw CRkInvalidValueException(FormatString(L"Unknown enumeration value [%ls].", std::wstring(text).c_str()));
 }
 
+// ---- Which properties are set
+
+bool CPropertySet::HasMore(int property) const noexcept {
+  const auto before = [](const Word& word, int number) { return word.number < number; };
+  const auto at = std::lower_bound(m_more->begin(), m_more->end(), property / kInPlace, before);
+  return at != m_more->end() && at->number == property / kInPlace && (at->bits & Bit(property)) != 0;
+}
+
+void CPropertySet::AddMore(int property) {
+  if (m_more == nullptr) m_more = std::make_unique<std::vector<Word>>();
+  const auto before = [](const Word& word, int number) { return word.number < number; };
+  auto at = std::lower_bound(m_more->begin(), m_more->end(), property / kInPlace, before);
+  if (at == m_more->end() || at->number != property / kInPlace) at = m_more->insert(at, {property / kInPlace, 0});
+  at->bits |= Bit(property);
+}
+
+void CPropertySet::RemoveMore(int property) noexcept {
+  for (Word& word : *m_more)
+    if (word.number == property / kInPlace) word.bits &= ~Bit(property);
+}
+
+// ---- Objects
+
 CModelObject::CModelObject(const ClassModel& model, const wchar_t* elementName)
-    : m_class(model.Require()), m_declaration(model.element), m_set(model.propertyCount) {
+    : m_class(model.Require()), m_declaration(model.element) {
   if (elementName != nullptr && m_declaration != nullptr && m_declaration->name != std::wstring_view(elementName))
     m_declaration = nullptr;
   if (elementName != nullptr)
@@ -42,7 +65,7 @@ CModelObject::CModelObject(const ClassModel& model, const wchar_t* elementName)
     m_elementName = m_class.GetElementName();
 }
 
-CModelObject::~CModelObject() = default;
+CModelObject::~CModelObject() { Unwatch(); }
 
 const ClassModel& CModelObject::GetModel() const noexcept { return m_class.GetModel(); }
 CParentElementInfo* CModelObject::GetClassInfo() const { return m_class.GetInfo(); }
@@ -85,11 +108,15 @@ void CModelObject::GetProperty(int property, CMember member, RkVariant& value) {
   if (type.kind == MemberType::Kind::Value) {
     const ModelProperty& info = m_class.GetProperty(property);
     if (IsSet(property)) return type.give(member.At(), info, value);
-    return info.startsNil ? value.SetNil() : value.SetInvalid();
+    if (info.startsNil) return value.SetNil();
+    return info.startsEmpty ? value.SetString(std::wstring_view()) : value.SetInvalid();
   }
   CXmlObjectBase* const object = type.getObject(member.At());
   if (type.kind == MemberType::Kind::Object) return object != nullptr ? value.SetXmlObject(object) : value.SetInvalid();
-  if (object == nullptr && NeedsCollection(property)) type.setObject(member.At(), MakeCollection(property));
+  if (object == nullptr && NeedsCollection(property)) {
+    type.setObject(member.At(), MakeCollection(property));
+    Mark(property);
+  }
   value.SetXmlCollection(static_cast<CXmlCollectionBase*>(type.getObject(member.At())));
 }
 
@@ -245,9 +272,16 @@ bool CModelObject::NeedsCollection(int property) const noexcept {
 
 CXmlCollectionBase* CModelObject::MakeCollection(int property) {
   CXmlCollectionBase* const collection = NewCollection(GetModel(), m_class.GetProperty(property));
-  if (GetModel().group == XmlElementGroupType_Choice) collection->AddEventListener(this);
-  Mark(property);
+  if (GetModel().group == XmlElementGroupType_Choice) {
+    m_watched.emplace_front(collection);
+    collection->AddEventListener(this);
+  }
   return collection;
+}
+
+void CModelObject::Unwatch() {
+  for (CXmlCollectionBase* collection : m_watched) collection->RemoveEventListener(this);
+  m_watched.clear();
 }
 
 void CModelObject::Ensure(int property) {
@@ -317,6 +351,7 @@ void CModelObject::Reset() {
     Unmark(property);
   }
   m_prefixes.reset();
+  Unwatch();
   Begin();
 }
 
@@ -332,14 +367,16 @@ CXmlElement* CModelObject::FromXml_Int(CXmlElement* element, CXmlElement* firstC
   return CXmlGeneratedClass::FromXml_Int(element, firstChild, context, isOptionalChoice);
 }
 
-void CModelObject::BeginFromXml_Int(CXmlElement* element, CXmlElement* firstChild, const CSerializationContext&, bool) {
+void CModelObject::BeginFromXml_Int(CXmlElement* element, CXmlElement* firstChild, const CSerializationContext& context,
+                                    bool) {
   if (!m_isFresh) Reset();
   m_isFresh = false;
   const ClassModel& model = GetModel();
   if (model.IsInline()) return;
-  const auto refuse = [&](const std::wstring& message) {
-    throw At(CRkValidationException(message, element->GetXPath()), *element);
+  const auto errorOf = [&](const std::wstring& message) {
+    return CRkValidationException(message, element->GetXPath());
   };
+  const auto refuse = [&](const std::wstring& message) { Refuse(context, errorOf(message), *element); };
   if (model.isAbstract) refuse(FormatString(L"The type [%ls] is abstract.", model.name));
   const CXmlText text = element->GetText();
   const bool hasFixed = m_declaration != nullptr && m_declaration->value.isFixed;
@@ -356,14 +393,16 @@ void CModelObject::BeginFromXml_Int(CXmlElement* element, CXmlElement* firstChil
   const NamedType named = FindNamedType(model.schema, *element);
   const bool isOwn = model.simple != nullptr ? named.simple == model.simple : named.object == &model;
   if (named.isNamed && !isOwn) {
-    if (named.simple == nullptr || !named.simple->IsDerivedFrom(model.simple) || model.simple == nullptr)
+    const bool isSimple = named.simple != nullptr && (model.isAnyType || model.simple != nullptr);
+    if (!isSimple || (!model.isAnyType && !named.simple->IsDerivedFrom(model.simple)))
       refuse(FormatString(L"The type [%ls] does not fit the element [%ls].",
                           element->GetAttribute(L"type", kInstanceNamespace).c_str(), element->GetLocalName().c_str()));
-    if (const auto error = named.simple->Check(text, ResolverOf(*element))) refuse(*error);
+    else if (const auto error = named.simple->Check(text, ResolverOf(*element)))
+      throw At(errorOf(*error), *element);
   }
   if (!IsNilTrue(*element)) return;
   if (m_declaration == nullptr || !m_declaration->isNillable)
-    refuse(L"Invalid use of 'nil' attribute in non-nillable element.");
+    throw At(errorOf(L"Invalid use of 'nil' attribute in non-nillable element."), *element);
   if (firstChild != nullptr || !text.empty())
     refuse(FormatString(L"The element [%ls] is nil and must be empty.", element->GetLocalName().c_str()));
   if (hasFixed)
@@ -431,7 +470,7 @@ CXmlElement* CModelCollectionBase::FromXml_Int(CXmlElement* parent, CXmlElement*
   while (current != nullptr && !isFull()) {
     if (isInline) {
       const CSmartPtr<CModelObject> item = NewModelObject(*m_member.object, nullptr);
-      CXmlElement* const next = item->FromXml_Int(parent, current, context, isOptionalChoice);
+      CXmlElement* const next = ReadGroup(item, parent, current, context, isOptionalChoice);
       if (next == current) break;
       AppendItem(item);
       current = next;

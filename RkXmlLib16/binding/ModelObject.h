@@ -1,12 +1,15 @@
-// The base of the classes that `rkxml generate` prints. docs/generated-names.md shows what such a class looks like.
+// The base of the classes that `rkxml generate` prints, and of objects without classes. docs/generated-names.md shows
+// what such a class looks like.
 #ifndef RKXMLLIB16_BINDING_MODELOBJECT_H
 #define RKXMLLIB16_BINDING_MODELOBJECT_H
 
 #include <cstdint>
+#include <forward_list>
 #include <map>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "RkXmlLib16/binding/GeneratedClass.h"
 #include "RkXmlLib16/binding/Model.h"
@@ -28,27 +31,38 @@ using RkXmlLib16Data::SchemaModel;
 
 class CXmlDocument;
 
-// Which properties of an object are set: a bit for each.
+// Which properties of an object are set: a bit for each of the first.
 class CPropertySet {
  public:
-  explicit CPropertySet(int count) {
-    if (count > kInPlace) m_more = std::make_unique<std::uint64_t[]>(static_cast<std::size_t>((count - 1) / kInPlace));
+  bool Has(int property) const noexcept {
+    return property < kInPlace ? (m_first & Bit(property)) != 0 : m_more != nullptr && HasMore(property);
   }
-  bool Has(int property) const noexcept { return (Word(property) >> (property % kInPlace) & 1) != 0; }
-  void Add(int property) noexcept { Word(property) |= std::uint64_t{1} << (property % kInPlace); }
-  void Remove(int property) noexcept { Word(property) &= ~(std::uint64_t{1} << (property % kInPlace)); }
+  void Add(int property) {
+    if (property < kInPlace)
+      m_first |= Bit(property);
+    else
+      AddMore(property);
+  }
+  void Remove(int property) noexcept {
+    if (property < kInPlace)
+      m_first &= ~Bit(property);
+    else if (m_more != nullptr)
+      RemoveMore(property);
+  }
 
  private:
+  struct Word {
+    int number;
+    std::uint64_t bits;
+  };
   static constexpr int kInPlace = 64;
-  const std::uint64_t& Word(int property) const noexcept {
-    return property < kInPlace ? m_first : m_more[static_cast<std::size_t>(property / kInPlace - 1)];
-  }
-  std::uint64_t& Word(int property) noexcept {
-    return property < kInPlace ? m_first : m_more[static_cast<std::size_t>(property / kInPlace - 1)];
-  }
+  static constexpr std::uint64_t Bit(int property) noexcept { return std::uint64_t{1} << (property % kInPlace); }
+  RKXML_EXPORT bool HasMore(int property) const noexcept;
+  RKXML_EXPORT void AddMore(int property);
+  RKXML_EXPORT void RemoveMore(int property) noexcept;
 
   std::uint64_t m_first = 0;
-  std::unique_ptr<std::uint64_t[]> m_more;
+  std::unique_ptr<std::vector<Word>> m_more;  // in order; a class may have very many properties, an object few of them
 };
 
 // An object of a class that a schema describes. The class derived from it has the members, and for each of them a
@@ -179,8 +193,9 @@ class RKXML_EXPORT CModelObject : public CXmlGeneratedClass {
   // Whether its count is to be checked even when nothing was added.
   bool NeedsCollection(int property) const noexcept;
   CXmlCollectionBase* MakeCollection(int property);
+  void Unwatch();
   void Adopt(int property, CXmlObjectBase* object);
-  void Mark(int property) noexcept {
+  void Mark(int property) {
     m_set.Add(property);
     m_isFresh = false;
   }
@@ -193,7 +208,8 @@ class RKXML_EXPORT CModelObject : public CXmlGeneratedClass {
   bool m_isNil = false;
   bool m_isFresh = true;
   std::unique_ptr<Prefixes> m_prefixes;
-  const CXmlElement* m_element = nullptr;  // while it is read
+  std::forward_list<CSmartPtr<CXmlCollectionBase>> m_watched;  // of a choice
+  const CXmlElement* m_element = nullptr;                      // while it is read
 };
 
 // The repeated objects of a property: elements, or inline groups.

@@ -5,11 +5,12 @@
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/base/XsdTypes.h"
 #include "RkXmlLib16/binding/ElementInfoAll.h"
 #include "RkXmlLib16/binding/ElementInfoChoice.h"
 #include "RkXmlLib16/binding/ElementInfoSeq.h"
 #include "RkXmlLib16/binding/internal/ModelClass.h"
-#include "RkXmlLib16/document/ElementTree.h"
+#include "RkXmlLib16/document/internal/Refusal.h"
 
 namespace RkXmlLib16Data {
 
@@ -62,28 +63,43 @@ class CModelValue final : public Base {
     const CXmlElement* const element = *cursor;
     if (!Base::IsThisElement(context, element))
       return Base::ElementFromXml(context, object, parent, cursor, ownerNamespace, ownerType);
-    RefuseChildren(*element);
-    const bool hasAttributes = !element->GetAttributes().empty();
-    if (!m_needsText && !hasAttributes) {
+    if (m_needsText || !element->GetAttributes().empty() || element->GetFirstElement() != nullptr)
+      ReadChecked(context, object, cursor);
+    else
       Base::Read(context, object, cursor);
-      return true;
-    }
-    if (hasAttributes && m_member.isNillable && IsNilTrue(*element)) RefuseNilContent(*element);
-    std::wstring_view text = element->GetText();
-    if (text.empty() && m_member.HasDefault()) text = m_member.value.text;
-    const ReadingScope scope(*element, text);
-    if (IsOfDerivedType(*element, text)) {
-      RkVariant value;
-      value.FromText(text, m_member.values->itemType, m_member.values->whitespace);
-      Base::InvokePropertySet(object, value, *element);
-      *cursor = element->GetNextSiblingElement();
-      return true;
-    }
-    Base::Read(context, object, cursor);
     return true;
   }
 
  private:
+  [[gnu::noinline]] void ReadChecked(const CSerializationContext& context, CXmlGeneratedClass* object,
+                                     CXmlElement** cursor) {
+    const CXmlElement& element = **cursor;
+    std::wstring_view text = element.GetText();
+    if (text.empty() && m_member.HasDefault()) text = m_member.value.text;
+    const ReadingScope scope(element, text);
+    bool isDone = true;
+    try {
+      isDone = ReadDerived(object, element, text);
+    } catch (CRkException& e) {
+      RefuseCaught(context, e, element);
+    }
+    if (isDone)
+      *cursor = element.GetNextSiblingElement();
+    else
+      Base::Read(context, object, cursor);
+  }
+
+  // Checks what stands in the element besides its text; reads that if it is of a derived type.
+  bool ReadDerived(CXmlGeneratedClass* object, const CXmlElement& element, std::wstring_view text) {
+    RefuseChildren(element);
+    if (m_member.isNillable && IsNilTrue(element)) RefuseNilContent(element);
+    if (!IsOfDerivedType(element, text)) return false;
+    RkVariant value;
+    value.FromText(text, m_member.values->itemType, m_member.values->whitespace);
+    Base::InvokePropertySet(object, value, element);
+    return true;
+  }
+
   // Whether the element has an xsi:type of a derived simple type, which its text then has to fit too, and nothing else.
   bool IsOfDerivedType(const CXmlElement& element, std::wstring_view text) const {
     const CXmlAttributes attributes = element.GetAttributes();
@@ -115,8 +131,12 @@ class CModelValues final : public Base {
     for (; current != nullptr && !isFull() &&
            this->DoesElementNameMatch(context, current, member.name, member.namespaceUri);
          current = current->GetNextSiblingElement()) {
-      CheckItem(context, *current);
-      AddItem(*current);
+      try {
+        CheckItem(context, *current);
+        this->AddFromString(current->GetText());
+      } catch (CRkException& e) {
+        RefuseCaught(context, e, *current);
+      }
     }
     return current;
   }
@@ -131,15 +151,6 @@ class CModelValues final : public Base {
              property.values->whitespace, nullptr),
         m_property(property) {}
 
-  void AddItem(const CXmlElement& element) {
-    try {
-      this->AddFromString(element.GetText());
-    } catch (CRkException& e) {
-      At(e, element);
-      throw;
-    }
-  }
-
   void CheckItem(const CSerializationContext& context, const CXmlElement& element) const {
     RefuseChildren(element);
     for (const CXmlAttribute* attribute : element.GetAttributes()) {
@@ -147,16 +158,16 @@ class CModelValues final : public Base {
         throw At(CRkValidationException(L"Invalid use of 'nil' attribute in non-nillable element.", element.GetXPath()),
                  element);
       if (!attribute->IsNilAttribute() && !attribute->IsNamespaceAttribute() && !context.GetIgnoreUnknownAttributes())
-        throw At(CRkValidationException(L"Unexpected Attribute found.", attribute->GetXPath()), *attribute);
+        Refuse(context, CRkValidationException(L"Unexpected Attribute found.", attribute->GetXPath()), *attribute);
     }
     const ValueModel& values = *m_property.values;
     try {
       if (values.needsCheck)
         CheckModelText(m_property.name, values, /*fixed=*/nullptr, element.GetText(), ResolverOf(element));
-      if (values.enumeration.empty()) return;
+      if (!m_property.IsEnumeration()) return;
       std::wstring scratch;
       const std::wstring_view text = CWhitespaceUtils::ApplyRule(values.whitespace, element.GetText(), scratch);
-      if (m_property.FindText(text) < 0) ThrowInvalidValue(m_property.name, text);
+      if (!m_property.IsAllowed(text)) ThrowInvalidValue(m_property.name, text);
     } catch (const CRkException& e) {
       throw At(CRkValidationException(L"Failed to set the property value.", element.GetXPath(), e), element);
     }
@@ -167,54 +178,13 @@ class CModelValues final : public Base {
 
 CXmlCollectionBase* NewValues(const ModelProperty& property) {
   switch (property.values->itemType) {
-    case ItemType_hexBinary:
-      return new CModelValues<ChexBinaryCol>(property);
-    case ItemType_base64Binary:
-      return new CModelValues<Cbase64BinaryCol>(property);
-    case ItemType_byte:
-      return new CModelValues<Ci1Col>(property);
-    case ItemType_short:
-      return new CModelValues<Ci2Col>(property);
-    case ItemType_int:
-      return new CModelValues<Ci4Col>(property);
-    case ItemType_long:
-      return new CModelValues<Ci8Col>(property);
-    case ItemType_unsignedByte:
-      return new CModelValues<Cui1Col>(property);
-    case ItemType_unsignedShort:
-      return new CModelValues<Cui2Col>(property);
-    case ItemType_unsignedInt:
-      return new CModelValues<Cui4Col>(property);
-    case ItemType_unsignedLong:
-      return new CModelValues<Cui8Col>(property);
-    case ItemType_float:
-      return new CModelValues<Cr4Col>(property);
-    case ItemType_double:
-      return new CModelValues<Cr8Col>(property);
-    case ItemType_duration:
-      return new CModelValues<CdurationCol>(property);
-    case ItemType_gYearMonth:
-      return new CModelValues<CyearMonthCol>(property);
-    case ItemType_gMonthDay:
-      return new CModelValues<CmonthDayCol>(property);
-    case ItemType_gYear:
-      return new CModelValues<CyearCol>(property);
-    case ItemType_gMonth:
-      return new CModelValues<CmonthCol>(property);
-    case ItemType_gDay:
-      return new CModelValues<CdayCol>(property);
-    case ItemType_date:
-      return new CModelValues<CdateCol>(property);
-    case ItemType_dateTime:
-      return new CModelValues<CdatetimeCol>(property);
-    case ItemType_time:
-      return new CModelValues<CtimeCol>(property);
-    case ItemType_boolean:
-      return new CModelValues<CbooleanCol>(property);
-    case ItemType_decimal:
-      return new CModelValues<CdecimalCol>(property);
-    case ItemType_integer:
-      return new CModelValues<CintegerCol>(property);
+#define RKXML_NEW(Kind, Name, Property, Value) \
+  case ItemType_##Kind:                        \
+    return new CModelValues<C##Name##Col>(property);
+#define RKXML_NOTHING(Kind, Name, Property, Value)
+    RKXML_XSD_TYPES(RKXML_NEW, RKXML_NEW, RKXML_NOTHING)
+#undef RKXML_NEW
+#undef RKXML_NOTHING
     default:
       return new CModelValues<CstringCol>(property);
   }
@@ -304,9 +274,12 @@ class CModelWildcard final : public Base {
       const bool isOptional = m_member.cardinality == Occurrence::Optional;
       if (m_isChoice || (!isOptional && ownerType != XmlElementType_Element)) return false;
       if (isOptional) return true;
-      throw CRkValidationException(
-          FormatString(L"Failed to find the required element from namespace [%ls].", m_member.wildcard->written),
-          parent->GetXPath());
+      Refuse(context,
+             CRkValidationException(
+                 FormatString(L"Failed to find the required element from namespace [%ls].", m_member.wildcard->written),
+                 parent->GetXPath()),
+             *parent);
+      return true;
     }
     if (element != nullptr) {
       if (m_member.cardinality == Occurrence::Mandatory) static_cast<CModelObject&>(*object).Ensure(m_member.property);

@@ -13,7 +13,8 @@
 #ifndef RKXMLLIB16_SCHEMA_DYNAMIC_DYNAMICOBJECT_H
 #define RKXMLLIB16_SCHEMA_DYNAMIC_DYNAMICOBJECT_H
 
-#include <map>
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -52,103 +53,55 @@ class CDynamicSchema {
                                              const RkXmlLib16::CSerializationContext& context) const;
 
  private:
-  friend class CDynamicClass;
-  friend const CDynamicClass& ClassOf(const CDynamicSchema& schema, const ClassBinding& binding);
+  friend class CDynamicObject;
   struct State;
+  const ElementDeclaration* FindDeclaration(const RkXmlLib16::ElementModel* element) const;
+
   std::unique_ptr<State> m_state;
 };
 
 // An object without a class. Properties go by the numbers of the binding or by name: the local name of the element, "@"
 // and the local name of an attribute, "#text" for the text. Where two have the same name, the first one counts.
-class CDynamicObject : public RkXmlLib16::CXmlGeneratedClass {
+class CDynamicObject : public RkXmlLib16::CModelObject {
  public:
-  using CXmlObjectBase::AttributesToXml_Int;
-  using CXmlObjectBase::FromXml_Int;
-  using CXmlObjectBase::ToXml_Int;
-
   ~CDynamicObject() override;
 
   const ClassBinding& GetBinding() const noexcept;
   // The declaration of the element that the object stands for; null for an inline group or when only the type is known.
-  const ElementDeclaration* GetDeclaration() const noexcept { return m_declaration; }
+  const ElementDeclaration* GetDeclaration() const;
 
   // The number of the property; -1 for none.
   int FindProperty(std::wstring_view name) const;
-  // The value, invalid when unset. Throw CRkInvalidParamException for an unknown name.
+  // The value, invalid when unset. They throw CRkInvalidParamException for an unknown name.
   RkXmlLib16::RkVariant Get(std::wstring_view name) const;
   // Checks the value as a generated setter does: throws CRkException of the facet checks, CRkInvalidValueException for
-  // what they do not know, CRkInvalidStateException when another member of a choice is set. An invalid value unsets.
+  // what they do not know, CRkInvalidStateException when another member of a choice is set,
+  // CRkInvalidParamException for an object or collection in place of a value and the like. An invalid value unsets.
   void Set(std::wstring_view name, const RkXmlLib16::RkVariant& value);
   // The object of the property, made if it is unset; null when the property holds none.
   RkXmlLib16::CSmartPtr<RkXmlLib16::CXmlObjectBase> GetOrCreateObject(std::wstring_view name);
   // The collection of the property, made if it is unset; null when the property is not repeated.
   RkXmlLib16::CSmartPtr<RkXmlLib16::CXmlCollectionBase> GetCollection(std::wstring_view name);
 
-  RkXmlLib16::CXmlObjectBase* GetBase() override { return this; }
-  using CXmlObjectBase::GetBase;
-  const wchar_t* GetTargetNamespace() const override;
-  const wchar_t* GetNamespace() const override;
-  void AccessProperty(int propertyIndex, bool get, RkXmlLib16::RkVariant& value) override;
-  RkXmlLib16Data::CParentElementInfo* GetClassInfo() const override;
-  RkXmlLib16Data::CElementInfo** GetClassElementInfo() const override;
-  RkXmlLib16Data::CAttributeInfo** GetClassAttributeInfo() const override;
-  void BeginFromXml_Int(RkXmlLib16::CXmlElement* element, RkXmlLib16::CXmlElement* firstChild,
-                        const RkXmlLib16::CSerializationContext& context, bool isOptionalChoice) override;
-  RkXmlLib16::CXmlElement* FromXml_Int(RkXmlLib16::CXmlElement* element, RkXmlLib16::CXmlElement* firstChild,
-                                       const RkXmlLib16::CSerializationContext& context,
-                                       bool isOptionalChoice) override;
-  // xsi:type is written exactly where the type is not the declared one.
-  void AttributesToXml_Int(RkXmlLib16::CXmlWriter* writer,
-                           const RkXmlLib16::CSerializationContext& context) const override;
-
-  // For the records: makes the collection of the property, or the wildcard element, if it is not there yet.
-  void Ensure(int property);
-  // Keeps the prefixes of the names in the text as the element has them, so that they are declared again.
-  void KeepPrefixes(const RkXmlLib16::CXmlElement& element, std::wstring_view text);
-
  protected:
-  CDynamicObject(const CDynamicClass& object, const ElementDeclaration* declaration);
+  explicit CDynamicObject(const CDynamicClass& object);
+  RkXmlLib16::CMember FindMember(int property) override;
 
  private:
-  friend class CDynamicClass;
-  struct Value {
-    int property;
-    RkXmlLib16::RkVariant value;
+  // Members that stand together, made when the first of them is needed: a schema may have classes of very many.
+  struct Chunk {
+    std::uint32_t number;
+    std::unique_ptr<std::byte[]> members;
   };
-  using Prefixes = std::map<std::wstring, std::wstring>;
 
-  RkXmlLib16::RkVariant* Find(int property) noexcept;
-  RkXmlLib16::RkVariant& Store(int property);
-  void Unset(int property);
-  void SetText(int property, const RkXmlLib16::RkVariant& value);
-  void SelectMember(int property, const RkXmlLib16::RkVariant& value);
-  void Begin();
+  const CDynamicClass& GetClass() const noexcept;
+  int Require(std::wstring_view name) const;
 
-  const CDynamicClass& m_class;
-  const ElementDeclaration* m_declaration;
-  std::vector<Value> m_values;  // those that are set, by property
-  std::unique_ptr<Prefixes> m_prefixes;
-  const RkXmlLib16::CXmlElement* m_element = nullptr;  // while it is read
-  bool m_isFresh = true;
+  std::vector<Chunk> m_chunks;  // in order
 };
 
 // The repeated objects of a property: elements, or inline groups.
-class CDynamicCollection : public RkXmlLib16::CXmlObjectCollection<CDynamicObject> {
- public:
-  CDynamicCollection(const CDynamicSchema& schema, const MemberBinding& member);
-  ~CDynamicCollection() override;
-
-  // Makes an item, adds it and returns it, borrowed.
-  CDynamicObject* AddNew();
-  RkXmlLib16::CXmlElement* FromXml_Int(RkXmlLib16::CXmlElement* parent, RkXmlLib16::CXmlElement* current,
-                                       const RkXmlLib16::CSerializationContext& context,
-                                       bool isOptionalChoice) override;
-  using CXmlObjectBase::FromXml_Int;
-
- private:
-  const CDynamicSchema& m_schema;
-  const MemberBinding& m_member;
-};
+using CDynamicCollection = RkXmlLib16::CModelCollection<CDynamicObject>;
 
 }  // namespace RkXmlSchema
 

@@ -1,8 +1,6 @@
-#include <array>
-#include <atomic>
+#include <algorithm>
 
-#include "RkXmlLib16/base/Format.h"
-#include "schema/components/SimpleValue.h"
+#include "RkXmlLib16/Generated.h"
 #include "schema/dynamic/internal/Class.h"
 
 namespace RkXmlSchema {
@@ -14,332 +12,321 @@ namespace {
 
 class CPlainObject final : public CDynamicObject {
  public:
-  CPlainObject(const CDynamicClass& object, const ElementDeclaration* declaration)
-      : CDynamicObject(object, declaration) {}
+  explicit CPlainObject(const CDynamicClass& object) : CDynamicObject(object) {}
 };
 
 class CNillableObject final : public CDynamicObject, public INillable {
  public:
-  CNillableObject(const CDynamicClass& object, const ElementDeclaration* declaration)
-      : CDynamicObject(object, declaration) {}
-  bool IsNil() const override { return m_nil; }
-  void SetNil(bool nil) override { m_nil = nil; }
-
- private:
-  bool m_nil = false;
+  explicit CNillableObject(const CDynamicClass& object) : CDynamicObject(object) {}
+  bool IsNil() const override { return GetNilFlag(); }
+  void SetNil(bool nil) override { SetNilFlag(nil); }
 };
 
-template <class Info>
-Info** NewArray(const std::vector<Info*>& infos) {
-  auto** const array = new Info*[infos.size() + 1];
-  *std::copy(infos.begin(), infos.end(), array) = nullptr;
-  return array;
+CModelObject* NewObject(const ClassModel& model) {
+  const auto& object = static_cast<const CDynamicClass&>(model);
+  if (object.GetBinding().isNillable) return new CNillableObject(object);
+  return new CPlainObject(object);
 }
 
-// The places of class records, in blocks that stay where they are, so that looking one up takes no lock.
-struct FactoryTable {
-  struct Entry {
-    std::atomic<const CDynamicClass*> object{nullptr};
-    std::atomic<const ElementDeclaration*> declaration{nullptr};
-  };
-  static constexpr int kBlockSize = 4096;
-  static constexpr int kBlocks = 4096;
-  using Block = std::array<Entry, kBlockSize>;
-
-  Entry& At(int id) {
-    return (*blocks[static_cast<std::size_t>(id / kBlockSize)].load())[static_cast<std::size_t>(id % kBlockSize)];
-  }
-
-  std::array<std::atomic<Block*>, kBlocks> blocks{};
-  std::mutex mutex;
-  std::vector<int> free;
-  int count = 0;
-};
-
-FactoryTable& Table() {
-  static auto& table = *new FactoryTable;  // objects may be made until the process ends
-  return table;
+CSmartPtr<CDynamicObject> ToDynamic(const CSmartPtr<CModelObject>& object) {
+  return CSmartPtr<CDynamicObject>(static_cast<CDynamicObject*>(object.Get()));
 }
+
+constexpr unsigned kMethods = kExtension | kRestriction;
+static_assert(kExtension == static_cast<unsigned>(Derivation_Extension) &&
+              kRestriction == static_cast<unsigned>(Derivation_Restriction));
+
+// The methods on the way from the base class, or from xs:anyType where there is none.
+unsigned DerivationOf(const ClassBinding& object) {
+  unsigned methods = 0;
+  const TypeDefinition* const end = object.base != nullptr ? object.base->type : nullptr;
+  for (const TypeDefinition* at = object.type; at != nullptr && at != end && at != at->base; at = at->base)
+    methods |= at->derivation;
+  return methods & kMethods;
+}
+
+const wchar_t* TextOrNull(const std::wstring& text) { return text.empty() ? nullptr : text.c_str(); }
 
 }  // namespace
 
-int Factories::Add(const CDynamicClass* object, const ElementDeclaration* declaration) {
-  FactoryTable& table = Table();
-  const std::lock_guard lock(table.mutex);
-  int id = table.count;
-  if (!table.free.empty()) {
-    id = table.free.back();
-    table.free.pop_back();
-  } else {
-    if (id == FactoryTable::kBlocks * FactoryTable::kBlockSize)
-      throw CRkException(L"Limit exceeded: too many classes of schemas.");
-    auto& block = table.blocks[static_cast<std::size_t>(id / FactoryTable::kBlockSize)];
-    if (block.load() == nullptr) block = new FactoryTable::Block;
-    ++table.count;
-  }
-  table.At(id).object = object;
-  table.At(id).declaration = declaration;
-  return id;
-}
-
-void Factories::Remove(int id) noexcept {
-  FactoryTable& table = Table();
-  const std::lock_guard lock(table.mutex);
-  table.At(id).object = nullptr;
-  table.free.push_back(id);
-}
-
-CSmartPtr<CXmlObjectBase> Factories::Create(int id, const wchar_t*) {
-  const FactoryTable::Entry& entry = Table().At(id);
-  return entry.object.load()->New(entry.declaration.load());
-}
-
 // ---- Classes
 
-CDynamicClass::~CDynamicClass() {
-  CXmlGeneratedClass::CleanMetaData(m_info, m_elements, m_attributes);
-  for (const int id : m_factoryIds) Factories::Remove(id);
-}
+CDynamicClass::CDynamicClass(const CDynamicSchema& owner, const ClassBinding& binding)
+    : ClassModel(ClassData(binding.typeName.localName.c_str(), binding.typeName.namespaceUri.c_str(), binding.group,
+                           NewObject)),
+      m_schema(owner),
+      m_binding(binding) {}
 
-const CDynamicClass& CDynamicClass::Require() const {
-  std::call_once(m_made, [this] { const_cast<CDynamicClass*>(this)->Make(); });
-  return *this;
-}
-
-CSmartPtr<CDynamicObject> CDynamicClass::New(const ElementDeclaration* declaration) const {
-  Require();
-  if (m_binding.isNillable) return CSmartPtr<CDynamicObject>(new CNillableObject(*this, declaration));
-  return CSmartPtr<CDynamicObject>(new CPlainObject(*this, declaration));
-}
-
-void CDynamicClass::Make() {
-  MakeProperties();
-  std::vector<CElementInfo*> elements;
-  for (const MemberBinding& member : m_binding.members)
-    elements.push_back(NewRecord(m_schema, m_binding, member, m_factoryIds));
-  std::vector<CAttributeInfo*> attributes;
-  for (const AttributeBinding& attribute : m_binding.attributes) attributes.push_back(NewRecord(attribute));
-  if (m_binding.attributeWildcard != nullptr) attributes.push_back(NewWildcardRecord(m_schema, m_binding));
-  m_elements = NewArray(elements);
-  m_attributes = NewArray(attributes);
-  const QName& name = m_binding.typeName;
-  m_info =
-      new CParentElementInfo(m_binding.group, m_binding.elementType, name.localName.c_str(), name.namespaceUri.c_str(),
-                             m_binding.strictAttributes, m_binding.contentMayBeEmpty, m_binding.textProperty,
-                             m_binding.text != nullptr ? m_binding.text->itemType : ItemType_none, nullptr,
-                             /*simpleContentAsText=*/true);
-}
-
-void CDynamicClass::MakeProperties() {
-  const auto texts = [&](const ValueBinding* value) -> const Texts* {
-    if (value == nullptr || value->kind != ValueBinding::Kind::Enumeration) return nullptr;
-    const std::lock_guard lock(m_schema.m_state->mutex);
-    const auto [at, isNew] = m_schema.m_state->enumerations.try_emplace(value);
-    if (isNew)
-      for (const EnumerationValue& allowed : value->type->facets.enumeration) at->second.insert(allowed.text);
-    return &at->second;
-  };
-  m_properties.resize(static_cast<std::size_t>(m_binding.propertyCount));
-  for (const AttributeBinding& attribute : m_binding.attributes) {
-    m_properties[static_cast<std::size_t>(attribute.property)] = {
-        attribute.name.c_str(), attribute.value, nullptr, &attribute, texts(attribute.value), &attribute.defaultValue};
-    m_names.emplace(L'@' + attribute.name, attribute.property);
-    if (attribute.defaultValue.exists) m_initial.push_back(attribute.property);
-  }
-  for (const MemberBinding& member : m_binding.members) {
-    m_properties[static_cast<std::size_t>(member.property)] = {
-        member.name.c_str(), member.value, &member, nullptr, texts(member.value), &member.defaultValue};
-    m_names.emplace(member.name, member.property);
-    const bool beginsNil = member.value != nullptr && member.isNillable && !member.IsCollection();
-    if (beginsNil || (member.IsCollection() && member.minOccurs > 0)) m_initial.push_back(member.property);
-  }
-  if (m_binding.textProperty >= 0) {
-    m_properties[static_cast<std::size_t>(m_binding.textProperty)] = {L"#text", m_binding.text,        nullptr,
-                                                                      nullptr,  texts(m_binding.text), nullptr};
-    m_names.emplace(L"#text", m_binding.textProperty);
-    if (m_binding.isMixed) m_initial.push_back(m_binding.textProperty);
-  }
-  if (m_binding.attributeWildcardProperty >= 0) m_names.emplace(L"@*", m_binding.attributeWildcardProperty);
-}
-
-int CDynamicClass::FindProperty(std::wstring_view name) const {
-  const auto found = m_names.find(std::wstring(name));
+int CDynamicClass::FindProperty(std::wstring_view wanted) const {
+  std::call_once(m_named, [this] {
+    for (const AttributeBinding& attribute : m_binding.attributes)
+      m_names.emplace(L'@' + attribute.name, attribute.property);
+    for (const MemberBinding& member : m_binding.members) m_names.emplace(member.name, member.property);
+    if (textProperty >= 0) m_names.emplace(L"#text", textProperty);
+    if (attributeWildcardProperty >= 0) m_names.emplace(L"@*", attributeWildcardProperty);
+  });
+  const auto found = m_names.find(std::wstring(wanted));
   return found == m_names.end() ? -1 : found->second;
 }
 
-// ---- Values
-
-const Reading*& Reading::Current() noexcept {
-  static thread_local const Reading* current = nullptr;
-  return current;
+const MemberModel* CDynamicClass::FindMember(int property) const noexcept {
+  const auto* const found =
+      std::find_if(members.begin(), members.end(), [&](const MemberModel& m) { return m.property == property; });
+  return found != members.end() ? found : nullptr;
 }
 
-NamespaceResolver ResolverOf(const CXmlElement& element) {
-  return [&element](std::wstring_view prefix) -> std::optional<std::wstring> {
-    const CXmlName* const uri = element.LookupNamespaceRef(prefix);
-    if (uri != nullptr) return std::wstring(uri->View());
-    if (prefix.empty()) return std::wstring();
-    if (prefix == L"xml") return std::wstring(kXmlNamespace);
-    return std::nullopt;
+bool CDynamicClass::HasDefaults() const noexcept {
+  return std::any_of(attributes.begin(), attributes.end(),
+                     [](const AttributeModel& attribute) { return attribute.value.text != nullptr; });
+}
+
+void CDynamicClass::Arrange() {
+  constexpr std::size_t kChunkSize = 256;
+  m_places.resize(static_cast<std::size_t>(propertyCount));
+  const auto set = [this](int property, const MemberType& type, const ValueModel* values) {
+    Place& place = m_places[static_cast<std::size_t>(property)];
+    place.type = &type;
+    place.values = values;
   };
+  for (const AttributeModel& attribute : attributes)
+    set(attribute.property, GetMemberType(attribute.values->itemType), attribute.values);
+  for (const MemberModel& member : members) {
+    if (member.IsCollection())
+      set(member.property, ObjectMemberType<CXmlCollectionBase>::kType, nullptr);
+    else if (member.values == nullptr)
+      set(member.property, ObjectMemberType<CXmlObjectBase>::kType, nullptr);
+    else
+      set(member.property, GetMemberType(member.values->itemType), member.values);
+  }
+  if (attributeWildcardProperty >= 0)
+    set(attributeWildcardProperty, ObjectMemberType<CXmlCollectionBase>::kType, nullptr);
+  if (textProperty >= 0) set(textProperty, GetMemberType(text->itemType), text);
+  for (std::size_t i = 0; i < m_places.size(); ++i) {
+    Place& place = m_places[i];
+    if (place.type == nullptr) place.type = &ObjectMemberType<CXmlObjectBase>::kType;  // restricted away
+    if (m_chunks.empty() || m_chunks.back().size >= kChunkSize) m_chunks.push_back({i, i, 0});
+    ChunkOfPlaces& chunk = m_chunks.back();
+    place.chunk = static_cast<std::uint32_t>(m_chunks.size() - 1);
+    place.offset = static_cast<std::uint32_t>(chunk.size);
+    chunk.size += (place.type->size + MemberType::kAlignment - 1) / MemberType::kAlignment * MemberType::kAlignment;
+    chunk.end = i + 1;
+  }
 }
 
-void CheckText(const Property& property, std::wstring_view text, const NamespaceResolver& resolver) {
-  const SimpleTypeDefinition& type = *property.value->type;
-  if (property.value->needsCheck)
-    if (const auto error = CheckValue(type, text, resolver))
-      throw CRkInvalidValueException(FormatString(L"Invalid Value for %ls: %ls", property.name, error->c_str()));
-  const DefaultBinding* const fixed = property.defaultValue;
-  if (fixed == nullptr || !fixed->isFixed || text == fixed->text) return;
-  if (!AreEqualValues(type, text, fixed->text, resolver, ResolverOf(fixed->constraint->namespaces)))
-    throw CRkInvalidValueException(FormatString(L"Invalid Value for %ls [%ls]: the fixed value is [%ls].",
-                                                property.name, std::wstring(text).c_str(), fixed->text.c_str()));
+std::unique_ptr<std::byte[]> CDynamicClass::NewChunk(std::uint32_t number) const {
+  const ChunkOfPlaces& chunk = m_chunks[number];
+  std::unique_ptr<std::byte[]> made(new std::byte[chunk.size]);
+  for (std::size_t i = chunk.begin; i < chunk.end; ++i) m_places[i].type->construct(made.get() + m_places[i].offset);
+  return made;
+}
+
+void CDynamicClass::Destroy(std::uint32_t number, std::byte* made) const {
+  const ChunkOfPlaces& chunk = m_chunks[number];
+  for (std::size_t i = chunk.begin; i < chunk.end; ++i) m_places[i].type->destroy(made + m_places[i].offset);
+}
+
+// ---- Models
+
+CDynamicSchema::State::State(const CDynamicSchema& schema, const CBinding& classBinding) : binding(classBinding) {
+  std::size_t memberCount = 0;
+  std::size_t attributeCount = 0;
+  for (const auto& object : binding.GetClasses()) {
+    classes.emplace_back(schema, *object);
+    memberCount += object->members.size();
+    attributeCount += object->attributes.size();
+    if (!object->typeName.empty()) namedClasses.push_back(&classes.back());
+  }
+  members.reserve(memberCount);  // the classes point to them
+  attributes.reserve(attributeCount);
+  roots.reserve(binding.GetRoots().size());
+  for (const RootBinding& root : binding.GetRoots()) {
+    const ElementDeclaration& element = *root.element;
+    roots.push_back({element.name.localName.c_str(), element.name.namespaceUri.c_str(), &classes[root.object->index],
+                     TypeOf(element.type), DefaultOf(&element.value), element.disallowedSubstitutions & kMethods,
+                     element.isNillable, element.isAbstract});
+    elements.push_back(&roots.back());
+    Declare(&element, roots.back());
+  }
+  for (CDynamicClass& object : classes) Fill(object);
+  const auto& globals = binding.GetSchemas().GetAttributes();
+  globalAttributes.reserve(globals.size());
+  for (const AttributeDeclaration* attribute : globals) {
+    attributeValues.push_back(ValueModel(ItemType_string, CWhitespaceUtils::preserve).Type(TypeOf(attribute->type)));
+    globalAttributes.emplace_back(0, attribute->name.localName.c_str(), attribute->name.namespaceUri.c_str(),
+                                  attributeValues.back());
+    globalAttributes.back().value = DefaultOf(&attribute->value);
+  }
+  model.classes = {namedClasses.data(), namedClasses.size()};
+  model.elements = {elements.data(), elements.size()};
+  model.attributes = {globalAttributes.data(), globalAttributes.size()};
+}
+
+void CDynamicSchema::State::Fill(CDynamicClass& object) {
+  const ClassBinding& from = object.GetBinding();
+  const std::size_t firstMember = members.size();
+  for (const MemberBinding& member : from.members) {
+    members.push_back(MemberOf(member));
+    if (member.element != nullptr && member.kind != MemberBinding::Kind::InlineGroup)
+      Declare(member.element, members.back());
+  }
+  const std::size_t firstAttribute = attributes.size();
+  for (const AttributeBinding& attribute : from.attributes) {
+    attributes.emplace_back(attribute.property, attribute.name.c_str(), attribute.namespaceUri.c_str(),
+                            *ValueOf(attribute.value));
+    attributes.back().isOptional = attribute.isOptional;
+    attributes.back().value = DefaultOf(attribute.defaultValue.constraint);
+  }
+  object.members = {members.data() + firstMember, from.members.size()};
+  object.attributes = {attributes.data() + firstAttribute, from.attributes.size()};
+  object.elementType = from.elementType;
+  object.schema = &model;
+  object.base = from.base != nullptr ? &classes[from.base->index] : nullptr;
+  object.derivation = DerivationOf(from);
+  const ComplexTypeDefinition* const complex = from.type != nullptr ? from.type->AsComplex() : nullptr;
+  object.block = complex != nullptr ? complex->prohibitedSubstitutions & kMethods : 0;
+  object.simple = from.kind == ClassBinding::Kind::SimpleType ? TypeOf(from.type) : nullptr;
+  object.attributeWildcard = WildcardOf(from.attributeWildcard);
+  object.attributeWildcardProperty = from.attributeWildcardProperty;
+  object.text = ValueOf(from.text);
+  object.textProperty = from.textProperty;
+  object.propertyCount = from.propertyCount;
+  object.strictAttributes = from.strictAttributes;
+  object.contentMayBeEmpty = from.contentMayBeEmpty;
+  object.isAbstract = from.isAbstract;
+  object.isMixed = from.isMixed;
+  object.isAnyType = complex != nullptr && complex->base == complex;
+  object.Arrange();
+}
+
+MemberModel CDynamicSchema::State::MemberOf(const MemberBinding& from) {
+  static constexpr MemberModel::Kind kKinds[] = {MemberModel::Kind::Value,       MemberModel::Kind::Value,
+                                                 MemberModel::Kind::Object,      MemberModel::Kind::AbstractObject,
+                                                 MemberModel::Kind::InlineGroup, MemberModel::Kind::Wildcard};
+  MemberModel member(kKinds[static_cast<int>(from.kind)], from.property, from.name.c_str(), from.namespaceUri.c_str());
+  member.cardinality = static_cast<MemberModel::Cardinality>(from.cardinality);
+  member.minOccurs = from.minOccurs;
+  member.maxOccurs = from.maxOccurs;
+  member.stopsAtMaximum = from.stopsAtMaximum;
+  member.isRequired = from.isRequired;
+  member.isNillable = from.isNillable;
+  member.values = ValueOf(from.value);
+  member.wildcard = WildcardOf(from.wildcard);
+  member.value = DefaultOf(from.defaultValue.constraint);
+  if (from.object != nullptr) {
+    member.object = &classes[from.object->index];
+    member.newCollection = NewModelCollection<CDynamicObject>;
+  }
+  if (from.element != nullptr && from.kind != MemberBinding::Kind::InlineGroup) {
+    member.simple = TypeOf(from.element->type);
+    member.block = from.element->disallowedSubstitutions & kMethods;
+  }
+  return member;
+}
+
+void CDynamicSchema::State::Declare(const ElementDeclaration* element, const ElementModel& made) {
+  byDeclaration.emplace(element, &made);
+  declarations.emplace(&made, element);
+}
+
+const ElementModel* CDynamicSchema::State::Find(const ElementDeclaration* element) const {
+  const auto found = byDeclaration.find(element);
+  return found != byDeclaration.end() ? found->second : nullptr;
+}
+
+const CSimpleType* CDynamicSchema::State::TypeOf(const TypeDefinition* definition) {
+  const SimpleTypeDefinition* const type = definition != nullptr ? definition->AsSimple() : nullptr;
+  if (type == nullptr) return nullptr;
+  if (type->IsBuiltIn()) return BuiltIn(type->builtIn);
+  const auto found = types.find(type);
+  if (found != types.end()) return &found->second;
+  return &types.try_emplace(type, *type, TypeOf(type->base)).first->second;
+}
+
+const ValueModel* CDynamicSchema::State::ValueOf(const ValueBinding* value) {
+  if (value == nullptr) return nullptr;
+  const auto found = values.find(value);
+  if (found != values.end()) return &found->second;
+  ValueModel made(value->itemType, value->whitespace);
+  const CPrimitiveRestrictions& facets = value->facets;
+  made.pattern = TextOrNull(facets.GetPattern());
+  made.length = facets.GetLength();
+  made.minLength = facets.GetMinLength();
+  made.maxLength = facets.GetMaxLength();
+  made.minInclusive = TextOrNull(facets.GetMinInclusive());
+  made.maxInclusive = TextOrNull(facets.GetMaxInclusive());
+  made.minExclusive = TextOrNull(facets.GetMinExclusive());
+  made.maxExclusive = TextOrNull(facets.GetMaxExclusive());
+  made.totalDigits = facets.GetTotalDigits();
+  made.fractionDigits = facets.GetFractionDigits();
+  made.type = TypeOf(value->type);
+  made.needsCheck = value->needsCheck;
+  made.holdsQNames = value->holdsQNames;
+  if (value->kind == ValueBinding::Kind::Enumeration) {
+    auto& texts = enumerations[value];
+    for (const EnumerationValue& allowed : value->type->facets.enumeration) texts.insert(allowed.text);
+    made.texts = &texts;
+  }
+  return &values.emplace(value, made).first->second;
+}
+
+const WildcardModel* CDynamicSchema::State::WildcardOf(const Wildcard* wildcard) {
+  if (wildcard == nullptr) return nullptr;
+  const auto found = wildcards.find(wildcard);
+  if (found != wildcards.end()) return &found->second;
+  std::vector<const wchar_t*>& listed = namespaces.emplace_back();
+  for (const std::wstring& uri : wildcard->namespaces) listed.push_back(uri.c_str());
+  const WildcardModel made{static_cast<WildcardModel::Allowed>(wildcard->constraint),
+                           static_cast<WildcardModel::Process>(wildcard->processContents),
+                           {listed.data(), listed.size()},
+                           wildcard->allowsAbsent,
+                           wildcard->written.c_str(),
+                           wildcard->targetNamespace.c_str()};
+  return &wildcards.emplace(wildcard, made).first->second;
+}
+
+DefaultModel CDynamicSchema::State::DefaultOf(const ValueConstraint* constraint) {
+  if (constraint == nullptr || !*constraint) return {};
+  DefaultModel made{constraint->normalized.c_str(), constraint->kind == ValueConstraintKind::Fixed, {}};
+  if (constraint->namespaces == nullptr) return made;
+  auto& known = prefixes[constraint->namespaces];
+  if (known.empty())
+    for (const auto& [prefix, uri] : *constraint->namespaces) known.push_back({prefix.c_str(), uri.c_str()});
+  made.prefixes = {known.data(), known.size()};
+  return made;
 }
 
 // ---- Schemas
 
-CDynamicSchema::CDynamicSchema(const CBinding& binding) : m_state(std::make_unique<State>()) {
-  m_state->binding = &binding;
-  m_state->classes.reserve(binding.GetClasses().size());
-  for (const auto& object : binding.GetClasses())
-    m_state->classes.push_back(std::make_unique<CDynamicClass>(*this, *object));
-}
+CDynamicSchema::CDynamicSchema(const CBinding& binding) : m_state(std::make_unique<State>(*this, binding)) {}
 
 CDynamicSchema::~CDynamicSchema() = default;
 
-const CDynamicClass& ClassOf(const CDynamicSchema& schema, const ClassBinding& binding) {
-  return *schema.m_state->classes[binding.index];
-}
-
-const CBinding& CDynamicSchema::GetBinding() const noexcept { return *m_state->binding; }
+const CBinding& CDynamicSchema::GetBinding() const noexcept { return m_state->binding; }
 
 CSmartPtr<CDynamicObject> CDynamicSchema::New(const ClassBinding& object, const ElementDeclaration* element) const {
-  return m_state->classes[object.index]->New(element);
+  const CSmartPtr<CModelObject> made(NewObject(m_state->classes[object.index]));
+  if (const ElementModel* const declaration = m_state->Find(element)) made->SetDeclaration(*declaration);
+  return ToDynamic(made);
 }
 
 CSmartPtr<CDynamicObject> CDynamicSchema::NewDocument(const QName& element) const {
-  const RootBinding* const root = m_state->binding->FindRoot(element);
+  const RootBinding* const root = m_state->binding.FindRoot(element);
   if (root == nullptr || root->element->isAbstract || root->object->isAbstract) return nullptr;
   return New(*root->object, root->element);
 }
 
-const TypeDefinition* FindNamedType(const CSchemaSet& schemas, const CXmlElement& element, bool& isNamed) {
-  const std::wstring name = CWhitespaceUtils::Collapse(element.GetAttribute(L"type", kInstanceNamespace).ToString());
-  isNamed = !name.empty();
-  if (!isNamed) return nullptr;
-  const std::size_t colon = name.find(L':');
-  const CXmlName* const uri =
-      element.LookupNamespaceRef(colon == std::wstring::npos ? std::wstring() : name.substr(0, colon));
-  if (colon != std::wstring::npos)
-    return uri == nullptr ? nullptr : schemas.FindType({std::wstring(uri->View()), name.substr(colon + 1)});
-  // Without a prefix it is the default namespace; a document may have several, so the element's own is tried too.
-  for (const std::wstring& ns : {uri != nullptr ? std::wstring(uri->View()) : std::wstring(),
-                                 element.GetNamespaceURI().ToString(), std::wstring()})
-    if (const TypeDefinition* const type = schemas.FindType({ns, name})) return type;
-  return nullptr;
-}
-
-CSmartPtr<CDynamicObject> NewElement(const CDynamicSchema& schema, const ElementDeclaration& declaration,
-                                     CXmlElement& element) {
-  const CBinding& binding = schema.GetBinding();
-  bool isNamed = false;
-  const TypeDefinition* const type = FindNamedType(binding.GetSchemas(), element, isNamed);
-  const ClassBinding* object = nullptr;
-  if (!isNamed || type == declaration.type) {
-    object = binding.FindClass(declaration.type);
-    if (object != nullptr && object->isAbstract) object = nullptr;
-  } else if (type != nullptr) {
-    object = binding.FindSubstitute(declaration.type, &declaration, type->name);
-  }
-  return object != nullptr ? schema.New(*object, &declaration) : nullptr;
-}
-
 CSmartPtr<CDynamicObject> CDynamicSchema::NewFor(CXmlElement& root, const CSerializationContext& context) const {
-  const QName name{root.GetNamespaceURI().ToString(), root.GetLocalName().ToString()};
-  const auto refuse = [&](const wchar_t* format) {
-    throw At(CRkValidationException(FormatString(format, name.ToString().c_str()), root.GetXPath()), root);
-  };
-  const RootBinding* declared = m_state->binding->FindRoot(name);
-  if (declared == nullptr && context.GetIgnoreNamespaces())
-    for (const RootBinding& other : m_state->binding->GetRoots())
-      if (declared == nullptr && other.element->name.localName == name.localName) declared = &other;
-  if (declared != nullptr) {
-    if (declared->element->isAbstract) refuse(L"The element [%ls] is abstract.");
-    CSmartPtr<CDynamicObject> object = NewElement(*this, *declared->element, root);
-    if (object == nullptr) refuse(L"The type of the element [%ls] does not fit, or is abstract.");
-    return object;
-  }
-  bool isNamed = false;
-  const TypeDefinition* const type = FindNamedType(m_state->binding->GetSchemas(), root, isNamed);
-  const ClassBinding* const object = type != nullptr ? m_state->binding->FindClass(type) : nullptr;
-  if (object == nullptr || object->isAbstract) refuse(L"The element [%ls] is not declared.");
-  return New(*object);
+  return ToDynamic(NewObjectFor(m_state->model, root, context));
 }
 
 CSmartPtr<CDynamicObject> CDynamicSchema::Read(const CXmlDocument& document,
                                                const CSerializationContext& context) const {
-  CXmlElement* const root = document.GetDocumentElement();
-  if (root == nullptr) throw CRkException(L"The document has no root element.");
-  CSmartPtr<CDynamicObject> object = NewFor(*root, context);
-  object->FromXmlElement(root, context);
-  return object;
+  return ToDynamic(ReadDocument(m_state->model, document, context));
 }
 
-// ---- Wildcards
-
-namespace {
-
-// Reads the element for the sake of its errors; false when the schema does not know it.
-bool CheckKnownElement(const CDynamicSchema& schema, CXmlElement& element, const CSerializationContext& context) {
-  const QName name{element.GetNamespaceURI().ToString(), element.GetLocalName().ToString()};
-  bool isNamed = false;
-  if (schema.GetBinding().FindRoot(name) == nullptr &&
-      FindNamedType(schema.GetBinding().GetSchemas(), element, isNamed) == nullptr)
-    return false;
-  const CSmartPtr<CDynamicObject> object = schema.NewFor(element, context);
-  object->FromXml_Int(&element, element.GetFirstElement(), context, /*isOptionalChoice=*/false);
-  return true;
-}
-
-}  // namespace
-
-void CheckWildcardElement(const CDynamicSchema& schema, ProcessContents process, CXmlElement& element,
-                          const CSerializationContext& context) {
-  if (process == ProcessContents::Skip || CheckKnownElement(schema, element, context)) return;
-  if (process == ProcessContents::Strict)
-    throw At(CRkValidationException(FormatString(L"The element [%ls] is not declared.", element.GetLocalName().c_str()),
-                                    element.GetXPath()),
-             element);
-  // Elements that the schema knows are checked at any depth below those that it does not.
-  CXmlElement* at = element.GetFirstElement();
-  while (at != nullptr) {
-    if (!CheckKnownElement(schema, *at, context) && at->GetFirstElement() != nullptr) {
-      at = at->GetFirstElement();
-      continue;
-    }
-    while (at != &element && at->GetNextSiblingElement() == nullptr) at = at->GetParentElement();
-    at = at == &element ? nullptr : at->GetNextSiblingElement();
-  }
-}
-
-void CheckWildcardAttribute(const CDynamicSchema& schema, ProcessContents process, const CXmlAttribute& attribute) {
-  if (process == ProcessContents::Skip) return;
-  const AttributeDeclaration* const declaration = schema.GetBinding().GetSchemas().FindAttribute(
-      {attribute.GetNamespaceURI().ToString(), attribute.GetLocalName().ToString()});
-  const auto refuse = [&](const std::wstring& message) {
-    throw At(CRkValidationException(message, attribute.GetXPath()), attribute);
-  };
-  if (declaration == nullptr) {
-    if (process == ProcessContents::Strict)
-      refuse(FormatString(L"The attribute [%ls] is not declared.", attribute.GetLocalName().c_str()));
-    return;
-  }
-  const NamespaceResolver resolver = ResolverOf(*attribute.GetElement());
-  if (const auto error = CheckValue(*declaration->type, attribute.GetValue(), resolver)) refuse(*error);
-  if (declaration->value.kind == ValueConstraintKind::Fixed &&
-      !AreEqualValues(*declaration->type, attribute.GetValue(), declaration->value.normalized, resolver,
-                      ResolverOf(declaration->value.namespaces)))
-    refuse(FormatString(L"The fixed value is [%ls].", declaration->value.normalized.c_str()));
+const ElementDeclaration* CDynamicSchema::FindDeclaration(const ElementModel* element) const {
+  const auto found = m_state->declarations.find(element);
+  return found != m_state->declarations.end() ? found->second : nullptr;
 }
 
 }  // namespace RkXmlSchema

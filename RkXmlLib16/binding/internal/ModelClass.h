@@ -38,12 +38,18 @@ struct ModelProperty {
   bool isPlain = false;             // whether nothing but facets, enumeration and choice is to be checked
   bool mayRefuse = false;           // whether a value that could be read may be refused
   bool startsNil = false;
+  bool startsEmpty = false;  // the text of mixed content
 
   // The number of the text in the enumeration; -1 when it is none of them.
   int FindText(std::wstring_view text) const noexcept {
     for (std::size_t i = 0; i < texts.size(); ++i)
       if (texts[i] == text) return static_cast<int>(i);
     return -1;
+  }
+  bool IsEnumeration() const noexcept { return values->texts != nullptr || !texts.empty(); }
+  // Whether it is a text of the enumeration.
+  bool IsAllowed(std::wstring_view text) const {
+    return values->texts != nullptr ? values->texts->count(text) != 0 : FindText(text) >= 0;
   }
 };
 
@@ -127,7 +133,7 @@ CSmartPtr<CModelObject> NewModelObject(const ClassModel& model, const ElementMod
 CSmartPtr<CModelObject> NewElement(const SchemaModel* schema, const ElementModel& declaration,
                                    const CXmlElement& element);
 
-// What processContents asks for. Throws CRkValidationException.
+// What processContents asks for. Throws CRkValidationException, unless the handler of the context wants to go on.
 void CheckWildcardElement(const SchemaModel* schema, WildcardModel::Process process, CXmlElement& element,
                           const CSerializationContext& context);
 void CheckWildcardAttribute(const SchemaModel* schema, WildcardModel::Process process, const CXmlAttribute& attribute);

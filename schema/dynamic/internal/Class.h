@@ -1,6 +1,10 @@
 #ifndef RKXMLLIB16_SCHEMA_DYNAMIC_INTERNAL_CLASS_H
 #define RKXMLLIB16_SCHEMA_DYNAMIC_INTERNAL_CLASS_H
 
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <string_view>
@@ -8,132 +12,120 @@
 #include <unordered_set>
 #include <vector>
 
-#include "RkXmlLib16/Generated.h"
 #include "schema/components/SimpleValue.h"
 #include "schema/dynamic/DynamicObject.h"
 
 namespace RkXmlSchema {
 
-using Texts = std::unordered_set<std::wstring_view>;
+using RkXmlLib16Data::AttributeModel;
+using RkXmlLib16Data::ClassModel;
+using RkXmlLib16Data::CSimpleType;
+using RkXmlLib16Data::DefaultModel;
+using RkXmlLib16Data::ElementModel;
+using RkXmlLib16Data::MemberModel;
+using RkXmlLib16Data::PrefixModel;
+using RkXmlLib16Data::SchemaModel;
+using RkXmlLib16Data::ValueModel;
+using RkXmlLib16Data::WildcardModel;
 
-// What a class without code knows about one property.
-struct Property {
-  const wchar_t* name = L"";              // for messages
-  const ValueBinding* value = nullptr;    // of a value or text
-  const MemberBinding* member = nullptr;  // of an element, group or wildcard
-  const AttributeBinding* attribute = nullptr;
-  const Texts* enumeration = nullptr;
-  const DefaultBinding* defaultValue = nullptr;
-};
-
-// A class without code: the records and properties of one class binding. Made at first use, then shared.
-class CDynamicClass {
+// The model of one class binding, of which the library makes the records.
+class CDynamicClass final : public ClassModel {
  public:
-  CDynamicClass(const CDynamicSchema& schema, const ClassBinding& binding) : m_schema(schema), m_binding(binding) {}
-  CDynamicClass(const CDynamicClass&) = delete;
-  CDynamicClass& operator=(const CDynamicClass&) = delete;
-  ~CDynamicClass();
+  CDynamicClass(const CDynamicSchema& owner, const ClassBinding& binding);
 
   const CDynamicSchema& GetSchema() const noexcept { return m_schema; }
   const ClassBinding& GetBinding() const noexcept { return m_binding; }
-  // Makes the records, unless they are there.
-  const CDynamicClass& Require() const;
-  RkXmlLib16::CSmartPtr<CDynamicObject> New(const ElementDeclaration* declaration) const;
+  // -1 for none.
+  int FindProperty(std::wstring_view wanted) const;
+  // Null for attributes and text.
+  const MemberModel* FindMember(int property) const noexcept;
+  bool HasDefaults() const noexcept;
 
-  RkXmlLib16Data::CParentElementInfo* GetInfo() const noexcept { return m_info; }
-  RkXmlLib16Data::CElementInfo** GetElements() const noexcept { return m_elements; }
-  RkXmlLib16Data::CAttributeInfo** GetAttributes() const noexcept { return m_attributes; }
-  const Property& GetProperty(int property) const { return m_properties[static_cast<std::size_t>(property)]; }
-  int FindProperty(std::wstring_view name) const;
-  // The properties that an object begins with: attribute defaults, nil values, and collections that may not be empty.
-  const std::vector<int>& GetInitial() const noexcept { return m_initial; }
+  // Where an object has the property: which of its chunks, and where in it.
+  struct Place {
+    const RkXmlLib16::MemberType* type = nullptr;
+    const ValueModel* values = nullptr;  // of a value
+    std::uint32_t chunk = 0;
+    std::uint32_t offset = 0;
+  };
+  const Place& GetPlace(int property) const noexcept { return m_places[static_cast<std::size_t>(property)]; }
+  // Finds the places; called once, when the models are complete.
+  void Arrange();
+  std::unique_ptr<std::byte[]> NewChunk(std::uint32_t number) const;
+  void Destroy(std::uint32_t number, std::byte* made) const;
 
  private:
-  void Make();
-  void MakeProperties();
+  struct ChunkOfPlaces {
+    std::size_t begin = 0;  // the first property
+    std::size_t end = 0;
+    std::size_t size = 0;  // bytes
+  };
 
   const CDynamicSchema& m_schema;
   const ClassBinding& m_binding;
-  mutable std::once_flag m_made;
-  RkXmlLib16Data::CParentElementInfo* m_info = nullptr;
-  RkXmlLib16Data::CElementInfo** m_elements = nullptr;
-  RkXmlLib16Data::CAttributeInfo** m_attributes = nullptr;
-  std::vector<Property> m_properties;
-  std::vector<int> m_initial;
-  std::unordered_map<std::wstring, int> m_names;
-  std::vector<int> m_factoryIds;
+  std::vector<Place> m_places;  // by property
+  std::vector<ChunkOfPlaces> m_chunks;
+  mutable std::once_flag m_named;
+  mutable std::unordered_map<std::wstring, int> m_names;
 };
 
-struct CDynamicSchema::State {
-  const CBinding* binding = nullptr;
-  std::vector<std::unique_ptr<CDynamicClass>> classes;  // by the index of the binding
-  std::mutex mutex;                                     // of what follows
-  std::unordered_map<const ValueBinding*, Texts> enumerations;
-};
-
-// The text that a property is being set from, while a record that reads is at work on this thread.
-struct Reading {
-  const RkXmlLib16::CXmlElement* element = nullptr;
-  std::wstring_view text;
-
-  static const Reading*& Current() noexcept;
-};
-
-class ReadingScope {
+// A simple type that a schema defines.
+class CTypeOfSchema final : public CSimpleType {
  public:
-  ReadingScope(const RkXmlLib16::CXmlElement& element, std::wstring_view text) : m_reading{&element, text} {
-    Reading::Current() = &m_reading;
+  CTypeOfSchema(const SimpleTypeDefinition& type, const CSimpleType* base) : m_type(type), m_base(base) {}
+
+  std::wstring_view GetName() const override { return m_type.name.localName; }
+  std::wstring_view GetNamespace() const override { return m_type.name.namespaceUri; }
+  const CSimpleType* GetBase() const override { return m_base; }
+  std::optional<std::wstring> Check(std::wstring_view text, const NamespaceResolver& resolver) const override {
+    return CheckValue(m_type, text, resolver);
   }
-  ReadingScope(const ReadingScope&) = delete;
-  ReadingScope& operator=(const ReadingScope&) = delete;
-  ~ReadingScope() { Reading::Current() = nullptr; }
+  bool AreEqual(std::wstring_view a, std::wstring_view b, const NamespaceResolver& resolverA,
+                const NamespaceResolver& resolverB) const override {
+    return AreEqualValues(m_type, a, b, resolverA, resolverB);
+  }
 
  private:
-  Reading m_reading;
+  const SimpleTypeDefinition& m_type;
+  const CSimpleType* m_base;
 };
 
-// Tells the handler of the context of an error at an element or attribute; throws it unless reading goes on.
-template <class Error, class Node>
-void Refuse(const RkXmlLib16::CSerializationContext& context, Error error, const Node& node) {
-  if (!context.TellError(At(error, node))) throw error;
-}
+// The models of all classes of a binding. Their texts are those of the binding, what they point to stands here.
+struct CDynamicSchema::State {
+  State(const CDynamicSchema& schema, const CBinding& classes);
+  State(const State&) = delete;
+  State& operator=(const State&) = delete;
 
-const CDynamicClass& ClassOf(const CDynamicSchema& schema, const ClassBinding& binding);
+  // Null for an element that no class holds.
+  const ElementModel* Find(const ElementDeclaration* element) const;
 
-// Prefixes as the document of the element declares them.
-NamespaceResolver ResolverOf(const RkXmlLib16::CXmlElement& element);
+  const CBinding& binding;
+  std::unordered_map<const SimpleTypeDefinition*, CTypeOfSchema> types;
+  std::unordered_map<const ValueBinding*, std::unordered_set<std::wstring_view>> enumerations;
+  std::unordered_map<const ValueBinding*, ValueModel> values;
+  std::unordered_map<const Wildcard*, WildcardModel> wildcards;
+  std::deque<std::vector<const wchar_t*>> namespaces;
+  std::unordered_map<const NamespaceBindings*, std::vector<PrefixModel>> prefixes;
+  std::deque<ValueModel> attributeValues;  // of the global ones
+  std::vector<AttributeModel> globalAttributes;
+  std::vector<MemberModel> members;  // of all classes, as their bindings have them one behind the other
+  std::vector<AttributeModel> attributes;
+  std::vector<ElementModel> roots;  // in the order of those of the binding
+  std::vector<const ElementModel*> elements;
+  std::vector<const ClassModel*> namedClasses;
+  std::unordered_map<const ElementDeclaration*, const ElementModel*> byDeclaration;
+  std::unordered_map<const ElementModel*, const ElementDeclaration*> declarations;
+  SchemaModel model;
+  std::deque<CDynamicClass> classes;  // by the index of the binding
 
-// Throws CRkInvalidValueException when the text is no value of the type, or not the fixed one.
-void CheckText(const Property& property, std::wstring_view text, const NamespaceResolver& resolver);
-
-// The type that xsi:type names; null without the attribute or for an unknown name, which `isNamed` tells apart.
-const TypeDefinition* FindNamedType(const CSchemaSet& schemas, const RkXmlLib16::CXmlElement& element, bool& isNamed);
-
-// The object for an element of the declaration, as xsi:type says; null when the type does not fit.
-RkXmlLib16::CSmartPtr<CDynamicObject> NewElement(const CDynamicSchema& schema, const ElementDeclaration& declaration,
-                                                 RkXmlLib16::CXmlElement& element);
-
-// What processContents asks for. Throws CRkValidationException.
-void CheckWildcardElement(const CDynamicSchema& schema, ProcessContents process, RkXmlLib16::CXmlElement& element,
-                          const RkXmlLib16::CSerializationContext& context);
-void CheckWildcardAttribute(const CDynamicSchema& schema, ProcessContents process,
-                            const RkXmlLib16::CXmlAttribute& attribute);
-
-// The records of one class.
-RkXmlLib16Data::CElementInfo* NewRecord(const CDynamicSchema& schema, const ClassBinding& owner,
-                                        const MemberBinding& member, std::vector<int>& factoryIds);
-RkXmlLib16Data::CAttributeInfo* NewRecord(const AttributeBinding& attribute);
-RkXmlLib16Data::CAttributeInfo* NewWildcardRecord(const CDynamicSchema& schema, const ClassBinding& owner);
-// A new collection for the property of a repeated member.
-RkXmlLib16::CSmartPtr<RkXmlLib16::CXmlCollectionBase> NewCollection(const CDynamicSchema& schema,
-                                                                    const Property& property);
-
-// Class records make their objects by number: the numbers of all schemas of the process.
-class Factories {
- public:
-  static int Add(const CDynamicClass* object, const ElementDeclaration* declaration);
-  static void Remove(int id) noexcept;
-  static RkXmlLib16::CSmartPtr<RkXmlLib16::CXmlObjectBase> Create(int id, const wchar_t* elementName);
+ private:
+  const CSimpleType* TypeOf(const TypeDefinition* type);
+  const ValueModel* ValueOf(const ValueBinding* value);
+  const WildcardModel* WildcardOf(const Wildcard* wildcard);
+  DefaultModel DefaultOf(const ValueConstraint* constraint);
+  void Declare(const ElementDeclaration* element, const ElementModel& made);
+  MemberModel MemberOf(const MemberBinding& member);
+  void Fill(CDynamicClass& object);
 };
 
 }  // namespace RkXmlSchema
