@@ -1,0 +1,129 @@
+// Objects without classes as a program uses them: properties by name, and what a setter refuses.
+#include <gtest/gtest.h>
+
+#include "Documents.h"
+
+namespace RkXmlSchema {
+namespace {
+
+using namespace RkXmlLib16;
+
+std::string ManyElements(int count) {
+  std::string elements;
+  for (int i = 0; i < count; ++i)
+    elements += "<xs:element name='e" + std::to_string(i) + "' type='xs:int' minOccurs='0'/>";
+  return elements;
+}
+
+const CSchemaUnderTest& TheSchema() {
+  static const CSchemaUnderTest schema(
+      "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema' xmlns='urn:t' targetNamespace='urn:t' "
+      "elementFormDefault='qualified'>"
+      "<xs:simpleType name='colour'><xs:restriction base='xs:token'><xs:enumeration value='red'/><xs:enumeration "
+      "value='blue'/></xs:restriction></xs:simpleType>"
+      "<xs:simpleType name='small'><xs:restriction base='xs:int'><xs:maxInclusive value='9'/></xs:restriction>"
+      "</xs:simpleType>"
+      "<xs:complexType name='item'><xs:sequence><xs:element name='n' type='small'/></xs:sequence></xs:complexType>"
+      "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='n' type='small'/><xs:element name='c' "
+      "type='colour' minOccurs='0'/><xs:element name='d' type='xs:decimal' minOccurs='0'/><xs:element name='item' "
+      "type='item' minOccurs='0'/><xs:element name='items' type='item' minOccurs='0' maxOccurs='9'/><xs:element "
+      "name='day' type='xs:date' nillable='true'/></xs:sequence><xs:attribute name='a' type='xs:int' default='7'/>"
+      "</xs:complexType></xs:element>"
+      "<xs:element name='either'><xs:complexType><xs:choice><xs:element name='x' type='xs:int'/><xs:element name='y' "
+      "maxOccurs='3' type='xs:int'/></xs:choice></xs:complexType></xs:element>"
+      "<xs:element name='many'><xs:complexType><xs:sequence>" +
+      ManyElements(300) +
+      "</xs:sequence></xs:complexType></xs:element>"
+      "<xs:element name='text'><xs:complexType mixed='true'><xs:attribute name='k'/></xs:complexType></xs:element>"
+      "</xs:schema>");
+  return schema;
+}
+
+CSmartPtr<CDynamicObject> New(const wchar_t* element) { return TheSchema().Get().NewDocument({L"urn:t", element}); }
+
+RkVariant Number(long number) {
+  RkVariant value;
+  value.SetI4(number);
+  return value;
+}
+
+RkVariant Text(const wchar_t* text) {
+  RkVariant value;
+  value.SetString(text);
+  return value;
+}
+
+TEST(DynamicObject, PropertiesAreSetAndReadByName) {
+  const auto r = New(L"r");
+  EXPECT_EQ(r->GetDeclaration()->name.localName, L"r");
+  EXPECT_EQ(r->Get(L"@a").GetI4(), 7);
+  EXPECT_TRUE(r->Get(L"day").IsNil());
+  EXPECT_FALSE(r->Get(L"n").IsValid());
+  r->Set(L"n", Number(3));
+  r->Set(L"c", Text(L"blue"));
+  r->Set(L"d", Text(L"1.50"));  // of another type: by its text
+  r->Set(L"@a", RkVariant());
+  const auto item = r->GetOrCreateObject(L"item");
+  EXPECT_EQ(static_cast<CDynamicObject*>(item.Get())->GetDeclaration()->name.localName, L"item");
+  static_cast<CDynamicObject*>(item.Get())->Set(L"n", Number(1));
+  const auto items = r->GetCollection(L"items");
+  auto* const added = static_cast<CDynamicCollection*>(items.Get())->AddNew();
+  added->Set(L"n", Number(2));
+  EXPECT_EQ(added->GetDeclaration()->name.localName, L"items");
+  EXPECT_EQ(r->Get(L"d").GetDecimal().ToString(), L"1.5");
+  EXPECT_EQ(r->ToXml(false, false),
+            L"<AA:r xmlns:AA=\"urn:t\"><AA:n>3</AA:n><AA:c>blue</AA:c><AA:d>1.5</AA:d><AA:item><AA:n>1</AA:n></AA:item>"
+            L"<AA:items><AA:n>2</AA:n></AA:items><AA:day xmlns:AB=\"http://www.w3.org/2001/XMLSchema-instance\" "
+            L"AB:nil=\"true\"/></AA:r>");
+  r->Set(L"item", RkVariant());
+  EXPECT_EQ(r->Get(L"item").GetXmlObject(), nullptr);
+}
+
+TEST(DynamicObject, ASetterLeavesTheObjectAsItWasWhenItRefuses) {
+  const auto r = New(L"r");
+  r->Set(L"n", Number(3));
+  r->Set(L"c", Text(L"red"));
+  RkVariant object;
+  object.SetXmlObject(CSmartPtr<CElement>(new CElement(L"e")));
+  EXPECT_THROW(r->Set(L"n", Number(10)), CRkException);
+  EXPECT_THROW(r->Set(L"c", Text(L"green")), CRkInvalidValueException);
+  EXPECT_THROW(r->Set(L"n", object), CRkInvalidParamException);
+  EXPECT_THROW(r->Set(L"item", object), CRkInvalidParamException);
+  EXPECT_THROW(r->Set(L"item", Number(1)), CRkInvalidParamException);
+  EXPECT_THROW(r->Set(L"items", object), CRkInvalidParamException);
+  EXPECT_THROW(r->Set(L"none", Number(1)), CRkInvalidParamException);
+  EXPECT_THROW(r->Get(L"none"), CRkInvalidParamException);
+  EXPECT_EQ(r->Get(L"n").GetI4(), 3);
+  EXPECT_EQ(r->Get(L"c").GetString(), L"red");
+}
+
+TEST(DynamicObject, OneMemberOfAChoice) {
+  CSmartPtr<CXmlCollectionBase> kept;
+  {
+    const auto either = New(L"either");
+    kept = either->GetCollection(L"y");
+    auto& ys = static_cast<Ci4Col&>(*kept);
+    ys.Add(1);
+    EXPECT_THROW(either->Set(L"x", Number(1)), CRkInvalidStateException);
+    ys.Remove(0);
+    either->Set(L"x", Number(1));
+    EXPECT_THROW(ys.Add(2), CRkInvalidStateException);
+    EXPECT_EQ(either->GetSelected(), std::wstring_view(L"x"));
+  }
+  EXPECT_NO_THROW(static_cast<Ci4Col&>(*kept).Add(3)) << "the object is gone";
+}
+
+TEST(DynamicObject, ManyPropertiesAndMixedText) {
+  const auto many = New(L"many");
+  for (const int i : {299, 0, 64, 65, 128, 63}) many->Set((L"e" + std::to_wstring(i)).c_str(), Number(i));
+  many->Set(L"e65", RkVariant());
+  EXPECT_EQ(many->ToXml(false, false),
+            L"<AA:many xmlns:AA=\"urn:t\"><AA:e0>0</AA:e0><AA:e63>63</AA:e63><AA:e64>64</AA:e64><AA:e128>128</AA:e128>"
+            L"<AA:e299>299</AA:e299></AA:many>");
+  const auto text = New(L"text");
+  EXPECT_EQ(text->Get(L"#text").GetString(), L"");
+  EXPECT_EQ(text->ToXml(false, false), L"<AA:text xmlns:AA=\"urn:t\"/>");
+}
+
+}  // namespace
+}  // namespace RkXmlSchema
