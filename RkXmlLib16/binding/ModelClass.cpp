@@ -121,8 +121,14 @@ CModelClass::CModelClass(const ClassModel& model)
     info.mayRefuse = !info.facets.IsEmpty() || values->texts != nullptr;
     info.mustCheck = !info.isPlain || !info.texts.empty() || info.mayRefuse;
   };
-  for (const AttributeModel& attribute : model.attributes)
+  for (const AttributeModel& attribute : model.attributes) {
     note(attribute.property, attribute.name, attribute.values, &attribute.value);
+    if (attribute.value.text == nullptr) continue;
+    ModelProperty& info = m_properties[static_cast<std::size_t>(attribute.property)];
+    info.initial.FromText(attribute.value.text, attribute.values->itemType, attribute.values->whitespace);
+    if (!info.texts.empty()) info.initial.SetI4(info.FindText(info.initial.GetString()));
+    m_initial.push_back(attribute.property);
+  }
   for (const MemberModel& member : model.members) {
     note(member.property, member.name, member.values, &member.value);
     ModelProperty& info = m_properties[static_cast<std::size_t>(member.property)];

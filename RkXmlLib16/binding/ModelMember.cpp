@@ -50,6 +50,10 @@ void Visit(ItemType type, Call&& call) {
   throw CRkException(FormatString(L"Invalid Type %d", static_cast<int>(type)));
 }
 
+bool IsKept(CWhitespaceUtils::WhitespaceRule rule) {
+  return rule == CWhitespaceUtils::preserve || rule == CWhitespaceUtils::none;
+}
+
 // How the value of a member is reached.
 template <class T>
 struct InPlace {
@@ -80,7 +84,11 @@ struct ValueMember {
       T& value = Place::Make(at);
       if constexpr (item == ItemType_string) {
         std::wstring scratch;
-        value.assign(CWhitespaceUtils::ApplyRule(rule, text, scratch));
+        const std::wstring_view kept = IsKept(rule) ? text : CWhitespaceUtils::ApplyRule(rule, text, scratch);
+        if (kept.size() > value.capacity())
+          value = std::wstring(kept);  // in fewer steps than assign
+        else
+          value.assign(kept);
       } else if constexpr (item == ItemType_decimal || item == ItemType_dateTime) {
         if (!value.ParsePlain(text)) value = CConversions::FromText<item>(text, rule);
       } else {
@@ -107,7 +115,7 @@ struct ValueMember {
   }
 };
 
-// An enumeration is a number in the object and a text for the records.
+// An enumeration is a number in the object and a text for the records. It may be set by its number too.
 template <class Place>
 struct ValueMember<int, Place> {
   static int Get(const void* at) {
@@ -124,12 +132,14 @@ struct ValueMember<int, Place> {
 
   static void Give(const void* at, const ModelProperty& property, RkVariant& to) { to.SetString(Text(at, property)); }
   static void Take(void* at, const ModelProperty& property, const RkVariant& from) {
-    Put(at, property.FindText(from.GetString()));
+    const bool isNumber = from.GetItemType() == ItemType_int;
+    Put(at, isNumber ? static_cast<int>(from.GetI4()) : property.FindText(from.GetString()));
   }
   static void Reset(void* at) { Put(at, 0); }
   static bool Read(void* at, const ModelProperty& property, std::wstring_view text) {
+    const CWhitespaceUtils::WhitespaceRule rule = property.values->whitespace;
     std::wstring scratch;
-    const int number = property.FindText(CWhitespaceUtils::ApplyRule(property.values->whitespace, text, scratch));
+    const int number = property.FindText(IsKept(rule) ? text : CWhitespaceUtils::ApplyRule(rule, text, scratch));
     if (number >= 0) Put(at, number);
     return number >= 0;
   }

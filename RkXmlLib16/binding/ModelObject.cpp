@@ -144,7 +144,11 @@ void CModelObject::SetProperty(int property, CMember member, RkVariant& value) {
 }
 
 void CModelObject::SetFromText(int property, std::wstring_view text, bool& isValue) {
-  if (TrySetFromText(property, text)) return;
+  if (!TrySetFromText(property, text)) SetFromTextSlowly(property, text, isValue);
+}
+
+// Apart, so that the other way does not have the space for the variant on the stack.
+void CModelObject::SetFromTextSlowly(int property, std::wstring_view text, bool& isValue) {
   const ValueModel& values = *m_class.GetProperty(property).values;
   ReadingValue value(text.size());
   value.Get().FromText(text, values.itemType, values.whitespace);
@@ -329,10 +333,12 @@ void CModelObject::KeepPrefixes(const CXmlElement& element, std::wstring_view te
 }
 
 void CModelObject::Begin() {
-  for (const AttributeModel& attribute : GetModel().attributes) {
-    if (attribute.value.text == nullptr || IsSet(attribute.property)) continue;
-    bool isValue = false;
-    SetFromText(attribute.property, attribute.value.text, isValue);
+  for (const int property : m_class.GetInitial()) {
+    const CMember member = FindMember(property);
+    if (IsSet(property) || member.IsNone()) continue;
+    const ModelProperty& info = m_class.GetProperty(property);
+    member.Type().take(member.At(), info, info.initial);
+    Mark(property);
   }
   m_isFresh = true;
 }

@@ -179,6 +179,7 @@ class RKXML_EXPORT CModelObject : public CXmlGeneratedClass {
   void GetProperty(int property, CMember member, RkVariant& value);
   void SetProperty(int property, CMember member, RkVariant& value);
   bool TrySetFromText(int property, std::wstring_view text);
+  [[gnu::noinline]] void SetFromTextSlowly(int property, std::wstring_view text, bool& isValue);
   bool MustCheck(int property) const noexcept;
   // Throw when the value may not be set.
   void CheckValue(int property, CMember value);

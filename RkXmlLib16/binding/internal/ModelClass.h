@@ -1,6 +1,7 @@
 #ifndef RKXMLLIB16_BINDING_INTERNAL_MODELCLASS_H
 #define RKXMLLIB16_BINDING_INTERNAL_MODELCLASS_H
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -13,6 +14,7 @@
 #include "RkXmlLib16/binding/ModelObject.h"
 #include "RkXmlLib16/binding/ParentElementInfo.h"
 #include "RkXmlLib16/binding/SimpleType.h"
+#include "RkXmlLib16/object/Variant.h"
 
 namespace RkXmlLib16Data {
 
@@ -34,6 +36,7 @@ struct ModelProperty {
   const DefaultModel* fixed = nullptr;  // the fixed value, if there is one
   CPrimitiveRestrictions facets;
   std::vector<std::wstring> texts;  // of an enumeration
+  RkVariant initial;                // what the property begins with, of an enumeration the number
   bool mustCheck = false;           // whether some value of the C++ type may not be set
   bool isPlain = false;             // whether nothing but facets, enumeration and choice is to be checked
   bool mayRefuse = false;           // whether a value that could be read may be refused
@@ -42,9 +45,8 @@ struct ModelProperty {
 
   // The number of the text in the enumeration; -1 when it is none of them.
   int FindText(std::wstring_view text) const noexcept {
-    for (std::size_t i = 0; i < texts.size(); ++i)
-      if (texts[i] == text) return static_cast<int>(i);
-    return -1;
+    const auto found = std::find(texts.begin(), texts.end(), text);
+    return found != texts.end() ? static_cast<int>(found - texts.begin()) : -1;
   }
   bool IsEnumeration() const noexcept { return values->texts != nullptr || !texts.empty(); }
   // Whether it is a text of the enumeration.
@@ -69,6 +71,8 @@ class CModelClass {
   const CSharedName& GetElementName() const noexcept { return m_elementName; }
   // Whether some record may write attributes of the object's element.
   bool HasInlineAttributes() const noexcept { return m_hasInlineAttributes; }
+  // The properties that begin with a value.
+  const std::vector<int>& GetInitial() const noexcept { return m_initial; }
   const ModelProperty& GetProperty(int property) const noexcept {
     return m_properties[static_cast<std::size_t>(property)];
   }
@@ -81,6 +85,7 @@ class CModelClass {
   CSharedName m_elementName;
   bool m_hasInlineAttributes = false;
   std::vector<ModelProperty> m_properties;
+  std::vector<int> m_initial;
   std::vector<int> m_factoryIds;
 };
 
