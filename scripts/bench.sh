@@ -23,7 +23,7 @@ if [ "${1-}" = --untuned ]; then
   fi
 else
   build=build/tuned
-  scripts/tune.sh -DRKXML_BUILD_BENCH=ON -DRKXML_BUILD_EXAMPLES=ON
+  scripts/tune.sh -DRKXML_BUILD_BENCH=ON
 fi
 
 if [ "${1-}" = --plot ]; then

@@ -19,7 +19,7 @@ step() {
 }
 
 echo "== tuned: record"
-step cmake --preset tuned "$@" -DRKXML_BUILD_EXAMPLES=ON -DRKXML_PROFILE=record
+step cmake --preset tuned "$@" -DRKXML_BUILD_TOOLS=ON -DRKXML_PROFILE=record
 step cmake --build --preset tuned --target rkxml_train rkxml_bench_values
 step find build/tuned -name '*.gcda' -delete
 step build/tuned/bench/rkxml_train
