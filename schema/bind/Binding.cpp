@@ -4,6 +4,7 @@
 #include <climits>
 #include <deque>
 #include <map>
+#include <optional>
 #include <set>
 #include <unordered_set>
 
@@ -38,6 +39,20 @@ std::vector<const Particle*> PartsOf(const ModelGroup& group) {
   return parts;
 }
 
+std::uint64_t Times(std::uint64_t a, std::uint64_t b) {
+  if (a == 0 || b == 0) return 0;
+  return a > kUnbounded / b ? kUnbounded : a * b;  // nor is anything larger than that
+}
+
+// How often a part occurs in a group, if that can be any number from a least to a most one: (a{1,2}){2} is a{2,4}, but
+// (a{3}){1,2} is a three or six times.
+std::optional<Occurs> Multiply(Occurs part, Occurs group) {
+  const std::uint64_t most = Times(group.min, part.max);  // when the group occurs as seldom as it may
+  const std::uint64_t next = Times(group.min + 1, part.min);
+  if (group.min != group.max && next > most && next - most > 1) return std::nullopt;
+  return Occurs{Times(group.min, part.min), Times(group.max, part.max)};
+}
+
 // A particle without the groups around it that add nothing: (((a)))* is a*.
 struct Term {
   const Particle* particle;
@@ -49,17 +64,9 @@ Term Simplify(const Particle& particle) {
   while (term.particle->group != nullptr) {
     const auto parts = PartsOf(*term.particle->group);
     if (parts.size() != 1) break;
-    const Occurs inner{parts[0]->minOccurs, parts[0]->maxOccurs};
-    const auto isPlain = [](const Occurs& o) { return o.min <= 1 && (o.max == 1 || o.max == kUnbounded); };
-    if (inner.IsOnce()) {
-      // the occurrence of the group is that of its part
-    } else if (term.occurs.IsOnce()) {
-      term.occurs = inner;
-    } else if (isPlain(inner) && isPlain(term.occurs)) {
-      term.occurs = {inner.min * term.occurs.min, std::max(inner.max, term.occurs.max)};
-    } else {
-      break;
-    }
+    const auto occurs = Multiply({parts[0]->minOccurs, parts[0]->maxOccurs}, term.occurs);
+    if (!occurs) break;
+    term.occurs = *occurs;
     term.particle = parts[0];
   }
   return term;

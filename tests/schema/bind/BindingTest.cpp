@@ -55,6 +55,11 @@ TEST(Binding, MembersAndRecords) {
        "a:ChoicePrimOpt b:ChoiceClsCol{1,2}"},
       {"<xs:sequence minOccurs='0' maxOccurs='unbounded'><xs:element name='a' type='xs:int'/></xs:sequence>",
        "a:SeqPrimCol{0,-1}"},
+      {"<xs:sequence><xs:choice minOccurs='2' maxOccurs='2'><xs:sequence><xs:element name='a' type='xs:int' "
+       "maxOccurs='2'/></xs:sequence></xs:choice><xs:sequence minOccurs='0' maxOccurs='2'><xs:element name='b' "
+       "type='xs:int' minOccurs='2' maxOccurs='2'/></xs:sequence><xs:sequence maxOccurs='9223372036854775808'>"
+       "<xs:element name='c' type='xs:int' maxOccurs='3'/></xs:sequence></xs:sequence>",
+       "a:SeqPrimCol{2,4} b:SeqClsCol{0,2}(b:SeqPrimCol{2,2!}) c:SeqPrimCol{1,-1}"},
       {"<xs:sequence><xs:choice maxOccurs='unbounded'><xs:element name='a' type='xs:int' minOccurs='0'/><xs:element "
        "name='b' type='xs:int'/></xs:choice></xs:sequence>",
        "a:SeqClsCol{0,-1}?(a:ChoicePrimOpt b:ChoicePrimOpt)"},
