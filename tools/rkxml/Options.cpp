@@ -125,8 +125,10 @@ constexpr Use kJsonInput = {"JSON input", [](const Options& o) { return o.from =
 constexpr Use kSchema = {"--schema or --follow-locations", [](const Options& o) { return o.UsesSchema(); }};
 constexpr Use kNoJsonInput = {"Fast Infoset input", [](const Options& o) { return o.from != FindForm("json"); }};
 
-enum Commands : unsigned { kConvert = 1, kShow = 2, kCheck = 4, kGenerate = 8, kSplit = 16, kReads = 23, kAll = 31 };
+enum Commands : unsigned { kConvert = 1, kShow = 2, kCheck = 4, kGenerate = 8, kSplit = 16 };
 constexpr unsigned kWriting = kConvert | kSplit;
+constexpr unsigned kReads = kWriting | kShow | kCheck;
+constexpr unsigned kAll = kReads | kGenerate;
 
 // One option. `apply` gets the value, or an empty text for an option without one.
 struct Option {
