@@ -1,9 +1,12 @@
-// streams write FORM MEGABYTES: writes a GPX track of about that much XML text to standard output. FORM is xml, json,
-//                               finf, or one of these with .gz.
-// streams read:                 reads such a track from standard input point by point, and tells how many there were,
-//                               the peak of memory in KiB and the seconds.
+// streams write FORM MEGABYTES:  writes a GPX track of about that much XML text to standard output. FORM is xml, json,
+//                                finf, or one of these with .gz.
+// streams read:                  reads such a track from standard input point by point.
+// streams measure COMMAND [...]: runs the command and tells its peak of memory in KiB and its seconds, in one line on
+//                                standard error.
 #include <RkXmlLib16/RkXmlLib16.h>
 #include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
@@ -63,15 +66,28 @@ void Write(const char* form, long megabytes) {
 }
 
 void Read() {
-  const auto start = std::chrono::steady_clock::now();
   double highest = 0;
   const auto count = ForEachObject<Gpx::CWptType>(
       CFileSource("/dev/stdin"), L"/gpx/trk/trkseg/trkpt", CSerializationContext::m_defaultContext,
       [&](const Gpx::CWptType& point) { highest = std::max(highest, point.GetEle().ToDouble()); });
-  const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
+  std::printf("%lu points up to %g m\n", static_cast<unsigned long>(count), highest);
+}
+
+// The exit status of the command.
+int Measure(char** command) {
+  const auto start = std::chrono::steady_clock::now();
+  const pid_t child = ::fork();
+  if (child == 0) {
+    ::execvp(command[0], command);
+    std::perror(command[0]);
+    ::_exit(127);
+  }
+  int status = 0;
   rusage usage{};
-  getrusage(RUSAGE_SELF, &usage);
-  std::printf("%lu %ld %.2f\n", static_cast<unsigned long>(count), usage.ru_maxrss, seconds.count());
+  ::wait4(child, &status, 0, &usage);
+  const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
+  std::fprintf(stderr, "%ld %.2f\n", usage.ru_maxrss, seconds.count());
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 1;
 }
 
 }  // namespace
@@ -82,6 +98,8 @@ int main(int argc, char** argv) {
       Write(argv[2], std::atol(argv[3]));
     else if (argc == 2 && std::strcmp(argv[1], "read") == 0)
       Read();
+    else if (argc > 2 && std::strcmp(argv[1], "measure") == 0)
+      return Measure(argv + 2);
     else
       return 2;
     return 0;

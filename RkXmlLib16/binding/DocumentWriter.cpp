@@ -100,7 +100,7 @@ class CDocumentWriter::Form {
 
   void WriteTag(CXmlWriter& writer, const CXmlElement& element, bool isRoot) {
     const CXmlDocument& document = *element.GetDocument();
-    const bool mayDeclare = isRoot || document.HasInnerDeclarations();
+    const bool mayDeclare = writer.WritesNamespaces() && (isRoot || document.HasInnerDeclarations());
     const std::shared_ptr<const std::wstring> namespaceUri = document.ShareName(element.GetNamespaceRef());
     writer.TellNamespace(namespaceUri);
     if (mayDeclare && !isRoot) AvoidDeclaredPrefix(writer, element);

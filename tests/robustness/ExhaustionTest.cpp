@@ -134,7 +134,7 @@ constexpr wchar_t kTrack[] =
     L"<time>2024-05-01T06:00:00Z</time></wpt><trk><extensions><x xmlns='urn:x'>1</x></extensions>"
     L"<trkseg><trkpt lat='1' lon='2'/><trkpt lat='2' lon='3'/></trkseg></trk></gpx>";
 
-// Of a track, and what stands around them.
+// Of a track, and the start tags around them as they are written again.
 std::wstring PointsOf(const CBinaryData& document) {
   std::wstring points;
   CMemorySource source(document);
@@ -145,9 +145,15 @@ std::wstring PointsOf(const CBinaryData& document) {
   CDocumentStream events(again, Context());
   events.AddPath(L"/gpx/*/extensions");
   events.SetReportsOpen(true);
-  while (events.Next() != CDocumentStream::Event::Done)
+  std::size_t written = 0;
+  CXmlDocumentWriter copy([&written](const unsigned char*, std::size_t count) { return (written += count) != 0; });
+  for (auto event = events.Next(); event != CDocumentStream::Event::Done; event = events.Next()) {
+    if (event == CDocumentStream::Event::Start) copy.WriteStartElement(*events.GetElement());
+    if (event == CDocumentStream::Event::End) copy.WriteEndElement();
     if (events.GetElement() != nullptr) points += events.GetElement()->GetXPath();
-  return points;
+  }
+  copy.End();
+  return points + std::to_wstring(written);
 }
 
 std::vector<Operation> Operations() {

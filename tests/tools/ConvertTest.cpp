@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "Input.h"
-
+#include "Notes.h"
 #include "RkXmlLib16/RkXmlLib16.h"
 #include "support/TempFile.h"
 
@@ -239,6 +239,21 @@ const Call kCalls[] = {
     {{"--compact", "--mode=1", "--gzip"}, "json"},
     {{"--mode=0"}, "json"},
 };
+
+// So many that most of them leave memory, some before they are answered.
+TEST(ConvertTest, NotesKeepTheirAnswers) {
+  constexpr std::uint64_t kQuestions = 1500000;
+  Notes notes(Question::IsRow);
+  for (std::uint64_t i = 0; i < kQuestions; ++i) {
+    EXPECT_EQ(notes.Ask(), i);
+    if (i % 3 == 0) notes.Answer(i);
+    if (i % 70001 == 1) notes.Answer(i / 2 * 3 % i);
+  }
+  std::vector<bool> expected(kQuestions);
+  for (std::uint64_t i = 0; i < kQuestions; i += 3) expected[i] = true;
+  for (std::uint64_t i = 1; i < kQuestions; i += 70001) expected[i / 2 * 3 % i] = true;
+  for (std::uint64_t i = 0; i < kQuestions; ++i) ASSERT_EQ(notes.Next(), expected[i]) << i;
+}
 
 TEST(ConvertTest, InPiecesAndWholeAreTheSame) {
   std::map<std::string, int> inPieces;

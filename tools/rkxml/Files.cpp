@@ -165,7 +165,6 @@ InputFile::~InputFile() {
 
 void InputFile::CopyAside() {
   const Descriptor from(m_file);
-  m_file = -1;
   m_file = OpenTemporary();
   Bytes piece(1 << 18);
   while (const std::size_t count = ReadSome(m_name, [&] { return ::read(from.Get(), piece.data(), piece.size()); })) {

@@ -9,6 +9,11 @@ namespace {
 
 bool IsBlank(const std::wstring& text) { return text.find_first_not_of(L" \t\r\n") == std::wstring::npos; }
 
+bool Declares(const CXmlElement& element) {
+  const auto declarations = element.GetDocument()->GetDeclarations(&element);
+  return declarations.begin() != declarations.end();
+}
+
 }  // namespace
 
 void TagWriter::Start(CDocumentWriter& writer, const CXmlElement& element) {
@@ -16,8 +21,7 @@ void TagWriter::Start(CDocumentWriter& writer, const CXmlElement& element) {
   EndCollection(writer);
   if (!m_levels.empty() && m_notes.GetKind() == Question::IsRow) TellRow(writer, element);
   writer.WriteStartElement(element);
-  const auto declarations = element.GetDocument()->GetDeclarations(&element);
-  const bool declares = m_levels.empty() && declarations.begin() != declarations.end();
+  const bool declares = m_levels.empty() && Declares(element);
   m_levels.emplace_back();
   m_levels.back().hasAttributes = declares || !element.GetAttributes().empty();
 }
