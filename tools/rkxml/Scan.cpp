@@ -63,11 +63,11 @@ class Scanner {
   struct Level {
     bool hasChild = false;
     bool hasText = false;
-    bool hasBlanks = false;  // since the last child
+    bool hasTextSince = false;  // the last child; blanks are text
     Row row;
-    std::uint64_t question = 0;
-    bool isOpen = false;  // the question waits for its answer
     bool wasAsked = false;
+    bool isUnanswered = false;
+    std::uint64_t question = 0;
   };
 
   void Take(InputStream& stream) {
@@ -107,19 +107,19 @@ class Scanner {
         Answer(parent);
       else
         Ask(parent);
-    } else if (m_notes.GetKind() == Question::IsMixed && parent.hasBlanks && !parent.hasText && !parent.wasAsked) {
+    } else if (m_notes.GetKind() == Question::IsMixed && parent.hasTextSince && !parent.hasText && !parent.wasAsked) {
       Ask(parent);
     }
-    parent.hasBlanks = false;
+    parent.hasTextSince = false;
   }
 
   void Ask(Level& level) {
     level.question = m_notes.Ask();
-    level.wasAsked = level.isOpen = true;
+    level.wasAsked = level.isUnanswered = true;
   }
 
   void Answer(Level& level) {
-    if (std::exchange(level.isOpen, false)) m_notes.Answer(level.question);
+    if (std::exchange(level.isUnanswered, false)) m_notes.Answer(level.question);
   }
 
   void Text(std::wstring_view text) {
@@ -128,7 +128,7 @@ class Scanner {
     const bool isBlank = IsBlank(text);
     if (level.hasChild && (level.hasText || !isBlank)) m_scan.isPlain = false;
     level.hasText |= !isBlank;
-    level.hasBlanks = true;
+    level.hasTextSince = true;
     if (!isBlank && m_notes.GetKind() == Question::IsMixed) Answer(level);
     CheckLimits();
   }
