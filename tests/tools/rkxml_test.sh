@@ -154,7 +154,7 @@ done <<'END'
 <a xmlns="urn:a" xmlns:p="urn:a" p:x="1"><b/></a>
 <a xmlns:t="urn:t" xmlns:xsi="http://www.w3.org/2001/XMLSchema-instance" xsi:type="t:T"/>
 <x:a xmlns:x="urn:x" xmlns="urn:d"><b/></x:a>
-<a>one <b>two</b> <i>three</i><c> <d/>four </c>five<p:e xmlns:p="urn:p"/><p:e xmlns:p="urn:q"/></a>
+<a>one <b>two</b> <i>three</i><c> <d/>four </c>five<e/>.</a>
 END
 printf '<a xmlns="urn:a"><b xmlns=""/><c xmlns="urn:c"/></a>' >scopes.xml
 run 0 convert scopes.xml scopes2.xml
