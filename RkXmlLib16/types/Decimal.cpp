@@ -1,8 +1,12 @@
 #include "RkXmlLib16/types/Decimal.h"
 
+#include <emmintrin.h>
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 #include <limits>
 #include <string>
 #include <utility>
@@ -103,32 +107,72 @@ CDecimal::~CDecimal() = default;
 
 void CDecimal::Parse(const wchar_t* text) { Parse(std::wstring_view(text == nullptr ? L"" : text)); }
 
+namespace {
+
+constexpr std::size_t kPackedDigits = sizeof(std::uint64_t);
+
+// The digits of a text of up to sixteen characters, one in each byte, with zeros behind them.
+struct TextBytes {
+  static constexpr std::size_t kMost = 16;
+  static constexpr unsigned char kPoint = static_cast<unsigned char>('.' - '0');
+
+  TextBytes(const wchar_t* text, std::size_t length) {
+    if (length < 4) {
+      for (std::size_t i = 0; i < length; ++i)
+        bytes[i] = static_cast<unsigned char>(std::min(static_cast<char32_t>(text[i]), char32_t{0xFF}) - '0');
+      return;
+    }
+    for (std::size_t i = 0; i + 4 < length; i += 4) PutFour(text + i, bytes + i);
+    PutFour(text + length - 4, bytes + length - 4);
+  }
+  // Which of them are no digits, a bit for each.
+  unsigned FindOthers() const {
+    const __m128i all = _mm_load_si128(reinterpret_cast<const __m128i*>(bytes));
+    return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(_mm_max_epu8(all, _mm_set1_epi8(10)), all)));
+  }
+  // Up to eight digits, the least significant in the lowest byte.
+  std::uint64_t Pack(std::size_t first, std::size_t count) const {
+    if (count == 0) return 0;
+    std::uint64_t packed = 0;
+    std::memcpy(&packed, bytes + first, sizeof packed);
+    return __builtin_bswap64(packed) >> (64 - 8 * count);
+  }
+
+  alignas(16) unsigned char bytes[2 * kMost] = {};
+
+ private:
+  // What does not fit a byte becomes no digit and no point.
+  static void PutFour(const wchar_t* text, unsigned char* out) {
+    const __m128i wide = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text));
+    const __m128i narrow = _mm_packus_epi16(_mm_packs_epi32(wide, wide), wide);
+    const int four = _mm_cvtsi128_si32(_mm_sub_epi8(narrow, _mm_set1_epi8('0')));
+    std::memcpy(out, &four, sizeof four);
+  }
+};
+
+}  // namespace
+
 // Most decimals have few digits on each side of the point, which fit a word as they are stored: one in each byte, the
 // least significant in the lowest.
 bool CDecimal::ParsePlain(std::wstring_view text) {
-  const wchar_t* at = text.data();
-  const wchar_t* const end = at + text.size();
-  const bool negative = at != end && *at == L'-';
-  if (negative || (at != end && *at == L'+')) ++at;
-  const auto packDigits = [&at, end] {
-    std::uint64_t packed = 0;
-    for (; at != end && IsDigit(*at); ++at) packed = packed << 8 | static_cast<unsigned>(*at - L'0');
-    return packed;
-  };
-  constexpr std::ptrdiff_t kMost = sizeof(std::uint64_t);
-  const wchar_t* first = at;
-  const std::uint64_t integer = packDigits();
-  if (at - first > kMost) return ParsePlainLong(text);
-  std::uint64_t fraction = 0;
+  const bool negative = !text.empty() && text[0] == L'-';
+  const std::size_t signs = negative || (!text.empty() && text[0] == L'+') ? 1 : 0;
+  const std::size_t length = text.size() - signs;
+  if (length > TextBytes::kMost) return ParsePlainLong(text);
+  const TextBytes digits(text.data() + signs, length);
+  const unsigned others = digits.FindOthers();
+  const std::size_t point = others != 0 ? static_cast<std::size_t>(__builtin_ctz(others)) : length;
+  const bool isPlain = others == 0 || ((others & (others - 1)) == 0 && digits.bytes[point] == TextBytes::kPoint);
+  if (!isPlain) return false;
+  const std::size_t fractionLength = others != 0 ? length - point - 1 : 0;
+  if (point > kPackedDigits || fractionLength > kPackedDigits) return ParsePlainLong(text);
+  const std::uint64_t integer = digits.Pack(0, point);
+  std::uint64_t fraction = digits.Pack(point + 1, fractionLength);
   std::int32_t divider = 1;
-  if (at != end) {
-    if (*at != L'.') return false;
-    first = ++at;
-    fraction = packDigits();
-    if (at != end) return false;
-    if (at - first > kMost) return ParsePlainLong(text);
-    if (fraction != 0) divider = static_cast<std::int32_t>(at - first);
-    for (; fraction != 0 && (fraction & 0xFF) == 0; fraction >>= 8) --divider;
+  if (fraction != 0) {
+    const int zeros = __builtin_ctzll(fraction) / 8;
+    divider = static_cast<std::int32_t>(fractionLength) - zeros;
+    fraction >>= 8 * zeros;
   }
   const std::int32_t sign = negative && (integer | fraction) != 0 ? -1 : 1;
   m_integer.AssignPacked(sign, integer);
