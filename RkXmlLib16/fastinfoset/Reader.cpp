@@ -211,6 +211,33 @@ inline void CFastInfosetReader::AtrributeBit2(CXmlElement* element, unsigned cha
   CXmlDocument::SetOffset(NonIdentifyingStringOrIndexBit1(element, name), offset);
 }
 
+// Up to the end of the attributes. False when the element has ended with them.
+inline bool CFastInfosetReader::ElementStart(unsigned char octet) {
+  const std::size_t offset = GetLastOffset();
+  const bool hasAttributes = (octet & FastInfoset::kAttributesBit) != 0;
+  if ((octet & 0x3C) == FastInfoset::kElementNamespaces) {
+    for (octet = Next(); octet != FastInfoset::kTerminator; octet = Next()) NamespaceAttributeBit7(octet);
+    octet = Next();
+    if (octet >= 0x40) ThrowInvalidItem();
+  }
+  const QName& name = QualifiedNameOrIndexBit3(octet);
+  CountExpansion(name.localName->View().size());
+  CXmlElement* const element = m_tree->AddElement(name.namespaceUri, name.localName, offset);
+  if (!hasAttributes) {
+    if (!m_tree->IsPlain()) m_document.CompleteStart(element);
+    return true;
+  }
+  for (octet = Next(); octet < 0x80; octet = Next()) AtrributeBit2(element, octet);
+  const CXmlAttributes attributes = element->GetAttributes();
+  if (attributes.size() > 2 || (attributes.size() == 2 && HasSameName(*attributes[0], *attributes[1])))
+    RequireDifferentNames(*element);
+  if (!m_tree->IsPlain()) m_document.CompleteStart(element);
+  if (octet == FastInfoset::kTerminator) return true;
+  if (octet != FastInfoset::kDoubleTerminator) ThrowInvalidItem();
+  m_tree->EndElement();
+  return false;
+}
+
 CFastInfosetReader::CFastInfosetReader(const CFastInfosetContext& context, CXmlDocument& document)
     : m_fiContext(context), m_document(document) {}
 
@@ -400,7 +427,7 @@ bool CFastInfosetReader::ReadChildren() {
     const unsigned char octet = Next();
     if (octet < 0x80) {
       if (m_document.GetDocumentElement() != nullptr) ThrowInvalidItem();
-      m_depth = ElementStart(octet) ? 1 : 0;
+      StartRoot(octet);
     } else if (octet == FastInfoset::kProcessingInstruction) {
       ProcessingInstruction();
     } else if (octet == FastInfoset::kComment) {
@@ -416,6 +443,9 @@ bool CFastInfosetReader::ReadChildren() {
   if (m_document.GetDocumentElement() == nullptr) ThrowInvalidItem();
   return false;
 }
+
+// Apart, so that the start of an element stands inline only where most begin.
+[[gnu::noinline]] void CFastInfosetReader::StartRoot(unsigned char octet) { m_depth = ElementStart(octet) ? 1 : 0; }
 
 // What the open elements hold, up to the end of the document element or to a pause.
 void CFastInfosetReader::ElementBit2() {
@@ -453,33 +483,6 @@ void CFastInfosetReader::ElementBit2() {
       ThrowInvalidItem();
     }
   }
-}
-
-// Up to the end of the attributes. False when the element has ended with them.
-bool CFastInfosetReader::ElementStart(unsigned char octet) {
-  const std::size_t offset = GetLastOffset();
-  const bool hasAttributes = (octet & FastInfoset::kAttributesBit) != 0;
-  if ((octet & 0x3C) == FastInfoset::kElementNamespaces) {
-    for (octet = Next(); octet != FastInfoset::kTerminator; octet = Next()) NamespaceAttributeBit7(octet);
-    octet = Next();
-    if (octet >= 0x40) ThrowInvalidItem();
-  }
-  const QName& name = QualifiedNameOrIndexBit3(octet);
-  CountExpansion(name.localName->View().size());
-  CXmlElement* const element = m_tree->AddElement(name.namespaceUri, name.localName, offset);
-  if (!hasAttributes) {
-    if (!m_tree->IsPlain()) m_document.CompleteStart(element);
-    return true;
-  }
-  for (octet = Next(); octet < 0x80; octet = Next()) AtrributeBit2(element, octet);
-  const CXmlAttributes attributes = element->GetAttributes();
-  if (attributes.size() > 2 || (attributes.size() == 2 && HasSameName(*attributes[0], *attributes[1])))
-    RequireDifferentNames(*element);
-  if (!m_tree->IsPlain()) m_document.CompleteStart(element);
-  if (octet == FastInfoset::kTerminator) return true;
-  if (octet != FastInfoset::kDoubleTerminator) ThrowInvalidItem();
-  m_tree->EndElement();
-  return false;
 }
 
 void CFastInfosetReader::RequireDifferentNames(const CXmlElement& element) {

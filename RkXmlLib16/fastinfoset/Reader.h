@@ -102,7 +102,8 @@ class RKXML_EXPORT CFastInfosetReader {
 
   bool ReadChildren();
   void ElementBit2();
-  bool ElementStart(unsigned char octet);
+  void StartRoot(unsigned char octet);
+  [[gnu::always_inline]] inline bool ElementStart(unsigned char octet);
   inline void AtrributeBit2(CXmlElement* element, unsigned char octet);  // sic
   void NamespaceAttributeBit7(unsigned char octet);
   static void RequireDifferentNames(const CXmlElement& element);

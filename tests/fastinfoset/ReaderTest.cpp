@@ -13,6 +13,8 @@ std::wstring Read(const std::string& hex) { return TreeOf(FromHex("E0 00 00 01" 
 
 std::wstring Message(Wide rest) { return std::wstring(L"Failed to parse FastInfoset. ") + rest; }
 
+std::string Hex(std::string_view text) { return ToHex(Octets(text.begin(), text.end())); }
+
 TEST(FastInfosetReader, WhatWritersMayWrite) {
   const Rows<const char*, Wide> rows = {
       // terminators: merged, apart, at the end of attributes
@@ -41,10 +43,22 @@ TEST(FastInfosetReader, WhatWritersMayWrite) {
       // texts and values end at a NUL, also where they are found again and in UTF-16
       {"00 3C 00 61 92 00 78 00 79 A0 FF", L"a(xx)"},
       {"00 7C 00 61 78 00 62 42 78 00 79 78 00 63 80 78 00 64 53 00 78 00 00 FF F0", L"a@b=x@c=x@d=x()"},
+      // indexed texts and values, of which more is made in some elements; octets behind a text that are none of it
+      {"00 3C 00 61 91 78 79 3C 00 62 A0 80 7A F0 3C 00 63 A0 F0 80 77 FF", L"a(xyw)<b(xyz)><c(xy)>"},
+      {"00 7C 00 61 78 00 62 41 31 32 F0 7C 00 63 00 80 78 00 64 40 33 F0 F0 3C 00 65 80 31 FF F0",
+       L"a@b=12()<c@b=12@d=3()><e(1)>"},
+      {"00 3C 00 61 82 0D 31 32 33 34 35 36 37 38 39 61 62 63 64 65 66 67 3C 00 62 82 00 C3 A9 64 F0 82 01 68 0D 69 6A "
+       "FF",
+       L"a(123456789abcdefghij)<b(\u00E9d)>"},
       // literals of a qualified name itself
       {"00 3F 00 70 04 75 72 6E 3A 70 00 61 FF", L"{urn:p}a()"},
   };
-  for (const auto& [octets, tree] : rows) EXPECT_TEXT(tree, Read(octets)) << octets;
+  // Short texts are read in another way when enough octets follow.
+  const std::string more = " " + Hex(std::string(32, '\r'));
+  for (const auto& [octets, tree] : rows) {
+    EXPECT_TEXT(tree, Read(octets)) << octets;
+    EXPECT_TEXT(tree, Read(octets + more)) << octets;
+  }
 }
 
 TEST(FastInfosetReader, Failures) {
@@ -103,8 +117,6 @@ TEST(FastInfosetReader, Failures) {
     EXPECT_THROWS(CRkException, message, Read(octets));
   }
 }
-
-std::string Hex(std::string_view text) { return ToHex(Octets(text.begin(), text.end())); }
 
 // What would mean something else as XML text, or nothing there.
 TEST(FastInfosetReader, NamesThatXmlTextCannotHoldAreRefused) {
