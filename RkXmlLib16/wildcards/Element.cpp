@@ -103,7 +103,11 @@ class CElement::TreeReader {
     const auto use = [this](wstring_view prefix) { Use(prefix); };
 
     element.m_elementName.Set(source.GetLocalName());
-    element.m_namespaceUri = m_document->ShareName(source.GetNamespaceRef());
+    if (m_lastUri != source.GetNamespaceRef()) {
+      m_lastUri = source.GetNamespaceRef();
+      m_lastShared = m_document->ShareName(m_lastUri);
+    }
+    element.m_namespaceUri = m_lastShared;
     std::size_t childCount = 0;
     for (const CXmlElement* c = source.GetFirstElement(); c != nullptr; c = c->GetNextSiblingElement()) ++childCount;
     element.m_children.reserve(childCount);
@@ -212,6 +216,8 @@ class CElement::TreeReader {
   std::map<wstring_view, const CXmlName*> m_used;                // by the values of one element
   std::shared_ptr<Prefixes> m_prefixes;
   std::shared_ptr<const Prefixes> m_own;
+  const CXmlName* m_lastUri = nullptr;  // the namespace of the last element, and its text for all
+  SharedText m_lastShared;
 };
 
 // Writes an element with all below it.
