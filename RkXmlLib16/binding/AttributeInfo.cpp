@@ -3,7 +3,6 @@
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
 #include "RkXmlLib16/base/internal/TextOrEmpty.h"
-#include "RkXmlLib16/base/internal/WideText.h"
 #include "RkXmlLib16/binding/GeneratedClass.h"
 #include "RkXmlLib16/binding/internal/PropertyAccess.h"
 #include "RkXmlLib16/binding/internal/ReadingValue.h"
@@ -118,9 +117,7 @@ void CAttributeInfoPrimitive::WriteText(const CSerializationContext& context, co
 
 bool CAttributeInfoPrimitive::AttributeFromXml(const CSerializationContext&, CXmlGeneratedClass* object,
                                                CXmlAttribute* attribute) {
-  if (!WideText::IsEqual(attribute->GetLocalName(), GetAttributeName()) ||
-      !WideText::IsEqual(attribute->GetNamespaceURI(), GetNamespace()))
-    return false;
+  if (!attribute->GetLocalNameRef()->Is(GetName(), *attribute->GetNamespaceRef())) return false;
   const CXmlText text = attribute->GetValue();
   bool isValue = false;
   try {

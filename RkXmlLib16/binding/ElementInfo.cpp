@@ -134,10 +134,8 @@ std::uint8_t CElementInfo::FindFacts() const {
 }
 
 bool CElementInfo::CompareName(const CSerializationContext& context, const CXmlElement& element) const {
-  if (element.GetLocalName() != GetElementName()) return false;
-  if (element.GetNamespaceURI() != GetNamespace()) return context.GetIgnoreNamespaces();
-  if (m_name.GetNumber() != CNameToken::kNoNumber) element.GetLocalNameRef()->SetMatch(MatchOf(element));
-  return true;
+  return element.GetLocalNameRef()->Is(m_name, *element.GetNamespaceRef()) ||
+         (context.GetIgnoreNamespaces() && element.GetLocalName() == GetElementName());
 }
 
 CSmartPtr<CXmlObjectBase> CElementInfo::CreateGroup() const {

@@ -134,8 +134,10 @@ class RKXML_EXPORT CElementInfo {
 
   // Whether the element has the record's local name and, unless the context ignores namespaces, its namespace.
   bool IsThisElement(const CSerializationContext& context, const CXmlElement* element) const {
-    return element != nullptr && (element->GetLocalNameRef()->GetMatch() == MatchOf(*element) ||
-                                  (MayHaveName(*element) && CompareName(context, *element)));
+    if (element == nullptr) return false;
+    const RkXmlLib16::CXmlName& name = *element->GetLocalNameRef();
+    return name.IsKnownAs(m_name, *element->GetNamespaceRef()) ||
+           (name.MayBe(m_name) && CompareName(context, *element));
   }
   // Throws CRkException when the value breaks a facet.
   void CheckRestriction(const RkVariant& value) const;
@@ -196,17 +198,7 @@ class RKXML_EXPORT CElementInfo {
     return ((facts != kUnknown ? facts : FindFacts()) & fact) != 0;
   }
   [[gnu::noinline, gnu::cold]] std::uint8_t FindFacts() const;
-  // What the local name of an element notes when the element was found to have the record's name and namespace: the
-  // number of the name and the element's namespace.
-  std::uint64_t MatchOf(const CXmlElement& element) const noexcept {
-    return std::uint64_t{m_name.GetNumber()} << 32 | element.GetNamespaceRef()->GetOrdinal();
-  }
   bool CompareName(const CSerializationContext& context, const CXmlElement& element) const;
-  // False for most names but the own, without a look at the whole.
-  bool MayHaveName(const CXmlElement& element) const noexcept {
-    const RkXmlLib16::CXmlText name = element.GetLocalName();
-    return name.size() == GetElementName().size() && name[0] == GetElementName()[0];
-  }
   bool IsDefault(const std::wstring& text) const noexcept { return !m_defaultValue.empty() && text == m_defaultValue; }
   void WriteText(const CSerializationContext& context, CXmlWriter* writer, const std::wstring& text,
                  ItemType type) const;

@@ -320,7 +320,8 @@ void CXmlGeneratedClass::ProcessAttributesFromXml(const CSerializationContext& c
   const bool ownElement = classInfo.GetElementType() == XmlElementType_Element;
   const bool strictAttributes = classInfo.HasStrictAttributes();
   // An inline group is offered the same attributes for every attempt; most have no use for them.
-  if (!ownElement && infos[0] == nullptr && (!strictAttributes || context.GetIgnoreUnknownAttributes())) return;
+  const bool hasUse = ownElement || (strictAttributes && !context.GetIgnoreUnknownAttributes());
+  if (infos[0] == nullptr && (!hasUse || element->GetAttributes().empty())) return;
   SeenFlags seen;
   for (CXmlAttribute* attribute : element->GetAttributes()) {
     if (attribute->IsNamespaceAttribute()) continue;

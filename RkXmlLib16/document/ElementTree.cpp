@@ -12,6 +12,9 @@
 //   Names         InternName holds each text once, in a table with open addressing. Invariant: within a document equal
 //                 names have equal addresses, and names are never dropped. The hash is keyed, so that no input can
 //                 choose names that collide.
+//   Tokens        A name remembers the token of records that it was found to be (CXmlName::Is): its number, which no
+//   other
+//                 name ever has. Tokens that it is not are not remembered, as there may be more of them later.
 //   Blanks        Short white space is held once for all elements that have it (ShareBlanks). A block of capacity 0 is
 //                 shared and never written to.
 //   Filters       An element that the filter drops gives its storage back: the arenas return to where they were when it
@@ -186,7 +189,8 @@ void CXmlDocument::Init() {
 void CXmlDocument::Cleanup() { Init(); }
 
 void CXmlDocument::DropTree() {
-  auto fresh = std::make_unique<Storage>(*this);
+  const bool isUntouched = m_storage != nullptr && m_storage->IsUntouched();
+  auto fresh = isUntouched ? std::move(m_storage) : std::make_unique<Storage>(*this);
   m_documentElement = nullptr;
   m_currentElement = nullptr;
   // What was noted of a wrapper around the document stays.
@@ -578,6 +582,16 @@ std::vector<std::pair<CXmlText, CXmlText>> CXmlDocument::GetNamespaceAliases() c
     aliases.emplace_back(CXmlText(prefix.data(), prefix.size()), uri->GetText());
   }
   return aliases;
+}
+
+// ---- name ----
+
+bool CXmlName::Compare(const CNameToken& token, const CXmlName& namespaceUri) const noexcept {
+  const bool isEqual =
+      WideText::IsEqual(View(), token.GetLocalName()) && WideText::IsEqual(namespaceUri.View(), token.GetNamespace());
+  if (isEqual && token.GetNumber() != CNameToken::kNoNumber)
+    m_token.store(EntryOf(token, namespaceUri), std::memory_order_relaxed);
+  return isEqual;
 }
 
 // ---- element ----

@@ -15,6 +15,7 @@
 #include "RkXmlLib16/base/ErrorHandler.h"
 #include "RkXmlLib16/base/Export.h"
 #include "RkXmlLib16/base/Location.h"
+#include "RkXmlLib16/base/NameToken.h"
 #include "RkXmlLib16/document/Text.h"
 #include "RkXmlLib16/io/FileName.h"
 #include "RkXmlLib16/types/BinaryData.h"
@@ -39,11 +40,20 @@ class CXmlName {
   // The place of the name among those of the document, from 0 for the empty name.
   constexpr std::uint32_t GetOrdinal() const noexcept { return m_ordinal; }
 
-  // A note for whoever compares this name with others again and again; `kNoMatch` at first. Threads that read the
-  // document at the same time share it.
-  static constexpr std::uint64_t kNoMatch = UINT64_MAX;
-  std::uint64_t GetMatch() const noexcept { return m_match.load(std::memory_order_relaxed); }
-  void SetMatch(std::uint64_t match) const noexcept { m_match.store(match, std::memory_order_relaxed); }
+  // Whether this local name, in this namespace, is the name of the token. The document maps the name to the token that
+  // it was last found to be, so that it is compared once. Threads that read the document at the same time share that.
+  bool Is(const CNameToken& token, const CXmlName& namespaceUri) const noexcept {
+    return IsKnownAs(token, namespaceUri) || (MayBe(token) && Compare(token, namespaceUri));
+  }
+  // False for most other names, without a look at the whole.
+  bool MayBe(const CNameToken& token) const noexcept {
+    const std::wstring& name = token.GetLocalName();
+    return m_length == name.size() && m_text[0] == name[0];
+  }
+  // Whether that was found before.
+  bool IsKnownAs(const CNameToken& token, const CXmlName& namespaceUri) const noexcept {
+    return m_token.load(std::memory_order_relaxed) == EntryOf(token, namespaceUri);
+  }
 
  private:
   friend class CXmlDocument;
@@ -52,12 +62,20 @@ class CXmlName {
                      std::uint32_t ordinal) noexcept
       : m_document(document), m_text(text), m_length(length), m_hash(hash), m_ordinal(ordinal) {}
 
+  RKXML_EXPORT bool Compare(const CNameToken& token, const CXmlName& namespaceUri) const noexcept;
+  static std::uint64_t EntryOf(const CNameToken& token, const CXmlName& namespaceUri) noexcept {
+    return std::uint64_t{token.GetNumber()} << 32 | namespaceUri.m_ordinal;
+  }
+
+  static constexpr std::uint64_t kNoToken = UINT64_MAX;
+
   CXmlDocument* m_document;
   const wchar_t* m_text;
   std::uint32_t m_length;
   std::uint32_t m_hash;
   std::uint32_t m_ordinal;
-  mutable std::atomic<std::uint64_t> m_match{kNoMatch};
+  // The number of the token, and the ordinal of the namespace with which the name is it.
+  mutable std::atomic<std::uint64_t> m_token{kNoToken};
 };
 
 // The head of a text in the storage of a document; the characters and their NUL follow it.

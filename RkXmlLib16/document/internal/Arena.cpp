@@ -8,7 +8,7 @@ namespace RkXmlLib16 {
 namespace {
 
 constexpr std::size_t kFirstChunk = 4 * 1024;
-constexpr std::size_t kLargestChunk = 8 * 1024 * 1024;
+constexpr std::size_t kLargestChunk = 2 * 1024 * 1024;  // what the last one has to spare counts
 
 }  // namespace
 

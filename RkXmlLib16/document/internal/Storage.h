@@ -40,6 +40,11 @@ struct RKXML_HIDDEN CXmlDocument::Storage {
 
   explicit Storage(CXmlDocument& owner) : document(owner), emptyName(&owner, L"", 0, 0, 0) {}
 
+  // Whether nothing was added or noted yet, as when a new document is emptied before its first load.
+  bool IsUntouched() const noexcept {
+    return nodeCount == 0 && nameCount == 0 && charCount + lastingCharCount == 0 && noted.empty() &&
+           siblings == nullptr;
+  }
   void GrowNameTable();
   void Open(CXmlElement* previousSibling);  // before an element is made
   void CountNode();
