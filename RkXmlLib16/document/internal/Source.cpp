@@ -113,8 +113,9 @@ void CSource::Skip(Mark& mark, std::uint64_t key) const {
       --length;
     if (length == 0) return;
     const std::string_view run = m_input.substr(mark.byte - m_first, length);
-    const auto isOther = [this](char c) { return c == '\r' || (m_count == Count::Characters && (c & 0x80) != 0); };
-    if (std::any_of(run.begin(), run.end(), isOther)) return;
+    if (run.find('\r') != std::string_view::npos) return;
+    const auto isWide = [](char c) { return (c & 0x80) != 0; };
+    if (m_count == Count::Characters && std::any_of(run.begin(), run.end(), isWide)) return;
     const std::size_t lastFeed = run.rfind('\n');
     const std::string_view line = run.substr(lastFeed + 1);
     if (lastFeed != std::string_view::npos) {
