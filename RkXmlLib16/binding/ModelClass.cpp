@@ -9,6 +9,7 @@
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
 #include "RkXmlLib16/binding/SimpleTypeModel.h"
+#include "RkXmlLib16/binding/internal/ReadSession.h"
 #include "RkXmlLib16/document/internal/Refusal.h"
 #include "RkXmlLib16/wildcards/NamespaceRule.h"
 
@@ -364,6 +365,23 @@ CSmartPtr<CModelObject> NewElement(const SchemaModel* schema, const ElementModel
 
 namespace {
 
+// Marks what the read does meanwhile as a check.
+class CheckScope {
+ public:
+  CheckScope() : m_session(ReadSession::Current()), m_wasCheck(m_session != nullptr && m_session->isCheck) {
+    if (m_session != nullptr) m_session->isCheck = true;
+  }
+  CheckScope(const CheckScope&) = delete;
+  CheckScope& operator=(const CheckScope&) = delete;
+  ~CheckScope() {
+    if (m_session != nullptr) m_session->isCheck = m_wasCheck;
+  }
+
+ private:
+  ReadSession* m_session;
+  bool m_wasCheck;
+};
+
 // Reads the element for the sake of its errors; false when the schema does not know it.
 bool CheckKnownElement(const SchemaModel& schema, CXmlElement& element, const CSerializationContext& context) {
   const NamedType type = FindNamedType(&schema, element);
@@ -371,6 +389,7 @@ bool CheckKnownElement(const SchemaModel& schema, CXmlElement& element, const CS
       type.simple == nullptr)
     return false;
   const CSmartPtr<CModelObject> object = NewObjectFor(schema, element, context);
+  const CheckScope scope;
   object->FromXml_Int(&element, element.GetFirstElement(), context, /*isOptionalChoice=*/false);
   return true;
 }

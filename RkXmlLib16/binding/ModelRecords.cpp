@@ -9,7 +9,9 @@
 #include "RkXmlLib16/binding/ElementInfoAll.h"
 #include "RkXmlLib16/binding/ElementInfoChoice.h"
 #include "RkXmlLib16/binding/ElementInfoSeq.h"
+#include "RkXmlLib16/binding/internal/ElementRules.h"
 #include "RkXmlLib16/binding/internal/ModelClass.h"
+#include "RkXmlLib16/binding/internal/ReadSession.h"
 #include "RkXmlLib16/document/internal/Refusal.h"
 
 namespace RkXmlLib16Data {
@@ -258,6 +260,11 @@ class CModelCollectionRecord final : public Base {
 
 // ---- Wildcards
 
+bool IsCheck() noexcept {
+  const ReadSession* const session = ReadSession::Current();
+  return session != nullptr && session->isCheck;
+}
+
 template <class Base>
 class CModelWildcard final : public Base {
  public:
@@ -285,6 +292,13 @@ class CModelWildcard final : public Base {
       if (m_member.cardinality == Occurrence::Mandatory) static_cast<CModelObject&>(*object).Ensure(m_member.property);
       CheckWildcardElement(m_owner.schema, m_member.wildcard->process, *element, context);
     }
+    if (element != nullptr && IsCheck()) {
+      const MemberRead read{context, object, parent, cursor, ownerNamespace, ownerType};
+      if (m_member.cardinality != Occurrence::Mandatory)
+        StoreChild(*this, read, CSmartPtr<CXmlObjectBase>(new CElement(m_member.name)), *element);
+      read.MoveOn();
+      return true;
+    }
     return Base::ElementFromXml(context, object, parent, cursor, ownerNamespace, ownerType);
   }
 
@@ -307,7 +321,8 @@ class CModelWildcards final : public CElementCol {
     while (current != nullptr && !isFull() && m_member.wildcard->Allows(current->GetNamespaceURI())) {
       CheckWildcardElement(m_owner.schema, m_member.wildcard->process, *current, context);
       const CSmartPtr<CElement> element(new CElement(L"AnyElement"));
-      current = element->FromXml_Int(parent, current, context, /*isOptionalChoice=*/false);
+      current = IsCheck() ? current->GetNextSiblingElement()
+                          : element->FromXml_Int(parent, current, context, /*isOptionalChoice=*/false);
       Add(element);
     }
     return current;

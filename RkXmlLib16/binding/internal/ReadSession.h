@@ -75,6 +75,9 @@ struct ReadSession {
   RkXmlLib16::RkVariant value;
   bool isValueTaken = false;
   SkippedRuns skippedRuns;
+  // Whether the objects are read for the sake of their errors and thrown away, as those of known elements in a wildcard
+  // are. Wildcards inside keep nothing then: each would copy all that the ones inside it copy again.
+  bool isCheck = false;
 
  private:
   static inline thread_local ReadSession* t_current = nullptr;

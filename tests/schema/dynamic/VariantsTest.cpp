@@ -158,5 +158,33 @@ TEST(DynamicVariants, OfDocumentsInUseAreRefusedAtTheirPlace) {
                 schemas / "ipxact/documents/Leon2_spiritconsortium.org_Leon2RTL_timers_1.2_timers.xml", 40);
 }
 
+// Each of many elements inside each other holds the others as what a wildcard allows, and is checked itself. That takes
+// no more than once for each.
+TEST(DynamicVariants, KnownElementsInsideWildcardsAreReadOnce) {
+  const CSchemaUnderTest schema(std::string(
+      "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'><xs:element name='k'><xs:complexType><xs:choice "
+      "maxOccurs='unbounded'><xs:any processContents='lax'/></xs:choice></xs:complexType></xs:element><xs:element "
+      "name='one'><xs:complexType><xs:sequence><xs:any/></xs:sequence></xs:complexType></xs:element><xs:element "
+      "name='either'><xs:complexType><xs:choice><xs:element name='i'/><xs:any namespace='urn:x' processContents='lax'/>"
+      "</xs:choice></xs:complexType></xs:element><xs:element name='any'/><xs:element name='n' type='xs:int'/>"
+      "</xs:schema>"));
+  ASSERT_TRUE(schema.IsUsable());
+  std::string head;
+  std::string tail;
+  for (int i = 0; i < 100; ++i) {
+    head += "<k><one><any>";
+    tail += "</any></one></k>";
+  }
+  std::string many;
+  for (int i = 0; i < 5000; ++i) many += "<n>1</n>";
+  EXPECT_EQ(schema.CheckText("<k>" + head + many + tail + "</k>"), L"");
+  const std::wstring error = schema.CheckText("<k>" + head + many + "<n>x</n>" + tail + "</k>");
+  EXPECT_NE(error.find(L"/any/n[5001]"), std::wstring::npos) << error;
+  EXPECT_NE(schema.CheckText("<k><k><one><n>1</n><n>1</n></one></k></k>"), L"");
+  EXPECT_NE(schema.CheckText("<k><k><one/></k></k>"), L"");
+  EXPECT_EQ(schema.CheckText("<k><k><either><x xmlns='urn:x'/></either></k></k>"), L"");
+  EXPECT_NE(schema.CheckText("<k><k><either><x xmlns='urn:x'/><x xmlns='urn:x'/></either></k></k>"), L"");
+}
+
 }  // namespace
 }  // namespace RkXmlSchema
