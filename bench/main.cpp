@@ -81,9 +81,9 @@ void Register(const Subject& subject, const Operation& operation) {
 }
 
 void PrintTable(const Subject& subject, const MedianReporter& times) {
-  std::printf("\n%s\n%-34s %9s %12s %13s %12s\n", subject.name.c_str(), "operation", "MB/s", "ratio", "allocations",
+  std::printf("\n%s\n%-40s %9s %12s %13s %12s\n", subject.name.c_str(), "operation", "MB/s", "ratio", "allocations",
               "peak memory");
-  std::printf("%-34s %9s %12s %13s %12s\n", "", "", "to expat", "per element", "times input");
+  std::printf("%-40s %9s %12s %13s %12s\n", "", "", "to expat", "per element", "times input");
   const double baseline = times.Seconds(Key(subject, subject.operations.front()));
   for (const Operation& operation : subject.operations) {
     const double seconds = times.Seconds(Key(subject, operation));
@@ -93,7 +93,7 @@ void PrintTable(const Subject& subject, const MedianReporter& times) {
     operation.run();
     const Bench::HeapUse heap = Bench::StopCounting();
     operation.finish();
-    std::printf("%-34s %9.1f %12.2f %13.2f %12.2f\n", operation.name.c_str(),
+    std::printf("%-40s %9.1f %12.2f %13.2f %12.2f\n", operation.name.c_str(),
                 static_cast<double>(subject.bytes) / seconds / 1e6, seconds / baseline,
                 static_cast<double>(heap.allocations) / static_cast<double>(subject.elements),
                 static_cast<double>(heap.peakBytes) / static_cast<double>(subject.bytes));
@@ -102,11 +102,11 @@ void PrintTable(const Subject& subject, const MedianReporter& times) {
 
 // Nanoseconds for each byte of XML, by size: growth with the size would show here.
 void PrintGrowth(const std::vector<Subject>& subjects, const MedianReporter& times) {
-  std::printf("\ncost in ns per byte of XML, by size\n%-34s", "operation");
+  std::printf("\ncost in ns per byte of XML, by size\n%-40s", "operation");
   for (const Subject& subject : subjects) std::printf(" %12s", subject.name.c_str());
   std::printf("\n");
   for (std::size_t i = 0; i < subjects.front().operations.size(); ++i) {
-    std::printf("%-34s", subjects.front().operations[i].name.c_str());
+    std::printf("%-40s", subjects.front().operations[i].name.c_str());
     for (const Subject& subject : subjects)
       std::printf(" %12.2f",
                   times.Seconds(Key(subject, subject.operations[i])) * 1e9 / static_cast<double>(subject.bytes));

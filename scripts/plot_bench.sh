@@ -17,8 +17,8 @@ awk '
   NF < 5 { document = "" }
   document == "" || $(NF - 3) !~ /^[0-9.]+$/ { next }
   {
-    name = substr($0, 1, 34)
-    sub(/ +$/, "", name)
+    name = $0  # longer than its column, perhaps
+    sub(/ +[0-9.]+ +[0-9.]+ +[0-9.]+ +[0-9.]+$/, "", name)
     if (name ~ /^destruction/) next
     if (!(document in speed)) documents[++documentCount] = document
     if (name == "bare expat") { speed[document] = $(NF - 3); next }
@@ -30,10 +30,10 @@ awk '
   END {
     if (!count) { print "plot_bench: no table of 10 MB" >"/dev/stderr"; exit 1 }
     split("#4477aa #66ccee #ccbb44", colors)
-    left = 220; top = 70; bar = 10; gap = 8
+    left = 260; top = 70; bar = 10; gap = 8
     bottom = top + count * (documentCount * bar + gap)
     scale = 480 / largest
-    printf "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"760\" height=\"%d\" ", bottom + 24
+    printf "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"800\" height=\"%d\" ", bottom + 24
     print "font-family=\"sans-serif\" font-size=\"12\">"
     print "<rect width=\"100%\" height=\"100%\" fill=\"white\"/>"
     text(8, 18, "start", "Time as a ratio to the XML parser alone (expat = 1), documents of 10 MB; shorter is faster")
