@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <functional>
 
 #include "RkXmlLib16/Generated.h"
 #include "schema/dynamic/internal/Class.h"
@@ -137,6 +138,7 @@ CDynamicSchema::State::State(const CDynamicSchema& schema, const CBinding& class
     if (!object->typeName.empty()) namedClasses.push_back(&classes.back());
   }
   members.reserve(memberCount);  // the classes point to them
+  declarations.reserve(memberCount);
   attributes.reserve(attributeCount);
   roots.reserve(binding.GetRoots().size());
   for (const RootBinding& root : binding.GetRoots()) {
@@ -145,7 +147,6 @@ CDynamicSchema::State::State(const CDynamicSchema& schema, const CBinding& class
                      TypeOf(element.type), DefaultOf(&element.value), element.disallowedSubstitutions & kMethods,
                      element.isNillable, element.isAbstract});
     elements.push_back(&roots.back());
-    Declare(&element, roots.back());
   }
   for (CDynamicClass& object : classes) Fill(object);
   const auto& globals = binding.GetSchemas().GetAttributes();
@@ -166,8 +167,7 @@ void CDynamicSchema::State::Fill(CDynamicClass& object) {
   const std::size_t firstMember = members.size();
   for (const MemberBinding& member : from.members) {
     members.push_back(MemberOf(member));
-    if (member.element != nullptr && member.kind != MemberBinding::Kind::InlineGroup)
-      Declare(member.element, members.back());
+    declarations.push_back(member.kind != MemberBinding::Kind::InlineGroup ? member.element : nullptr);
   }
   const std::size_t firstAttribute = attributes.size();
   for (const AttributeBinding& attribute : from.attributes) {
@@ -223,14 +223,22 @@ MemberModel CDynamicSchema::State::MemberOf(const MemberBinding& from) {
   return member;
 }
 
-void CDynamicSchema::State::Declare(const ElementDeclaration* element, const ElementModel& made) {
-  byDeclaration.emplace(element, &made);
-  declarations.emplace(&made, element);
+const ElementModel* CDynamicSchema::State::Find(const ElementDeclaration* element) const {
+  if (element == nullptr) return nullptr;
+  if (element->isGlobal) {
+    const RootBinding* const root = binding.FindRoot(element->name);
+    return root != nullptr ? &roots[static_cast<std::size_t>(root - binding.GetRoots().data())] : nullptr;
+  }
+  const auto found = std::find(declarations.begin(), declarations.end(), element);
+  return found != declarations.end() ? &members[static_cast<std::size_t>(found - declarations.begin())] : nullptr;
 }
 
-const ElementModel* CDynamicSchema::State::Find(const ElementDeclaration* element) const {
-  const auto found = byDeclaration.find(element);
-  return found != byDeclaration.end() ? found->second : nullptr;
+const ElementDeclaration* CDynamicSchema::State::FindDeclaration(const ElementModel* made) const {
+  const std::less<const void*> less;
+  const bool isMember = !less(made, members.data()) && less(made, members.data() + members.size());
+  if (isMember) return declarations[static_cast<std::size_t>(static_cast<const MemberModel*>(made) - members.data())];
+  const bool isRoot = !less(made, roots.data()) && less(made, roots.data() + roots.size());
+  return isRoot ? binding.GetRoots()[static_cast<std::size_t>(made - roots.data())].element : nullptr;
 }
 
 const CSimpleType* CDynamicSchema::State::TypeOf(const TypeDefinition* definition) {
@@ -325,8 +333,7 @@ CSmartPtr<CDynamicObject> CDynamicSchema::Read(const CXmlDocument& document,
 }
 
 const ElementDeclaration* CDynamicSchema::FindDeclaration(const ElementModel* element) const {
-  const auto found = m_state->declarations.find(element);
-  return found != m_state->declarations.end() ? found->second : nullptr;
+  return m_state->FindDeclaration(element);
 }
 
 }  // namespace RkXmlSchema

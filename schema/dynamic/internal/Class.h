@@ -98,6 +98,8 @@ struct CDynamicSchema::State {
 
   // Null for an element that no class holds.
   const ElementModel* Find(const ElementDeclaration* element) const;
+  // The declaration that the model is made of; null for null.
+  const ElementDeclaration* FindDeclaration(const ElementModel* made) const;
 
   const CBinding& binding;
   std::unordered_map<const SimpleTypeDefinition*, CTypeOfSchema> types;
@@ -109,12 +111,11 @@ struct CDynamicSchema::State {
   std::deque<ValueModel> attributeValues;  // of the global ones
   std::vector<AttributeModel> globalAttributes;
   std::vector<MemberModel> members;  // of all classes, as their bindings have them one behind the other
+  std::vector<const ElementDeclaration*> declarations;  // of the members
   std::vector<AttributeModel> attributes;
   std::vector<ElementModel> roots;  // in the order of those of the binding
   std::vector<const ElementModel*> elements;
   std::vector<const ClassModel*> namedClasses;
-  std::unordered_map<const ElementDeclaration*, const ElementModel*> byDeclaration;
-  std::unordered_map<const ElementModel*, const ElementDeclaration*> declarations;
   SchemaModel model;
   std::deque<CDynamicClass> classes;  // by the index of the binding
 
@@ -123,7 +124,6 @@ struct CDynamicSchema::State {
   const ValueModel* ValueOf(const ValueBinding* value);
   const WildcardModel* WildcardOf(const Wildcard* wildcard);
   DefaultModel DefaultOf(const ValueConstraint* constraint);
-  void Declare(const ElementDeclaration* element, const ElementModel& made);
   MemberModel MemberOf(const MemberBinding& member);
   void Fill(CDynamicClass& object);
 };
