@@ -123,8 +123,13 @@ void CModelObject::GetProperty(int property, CMember member, RkVariant& value) {
 void CModelObject::SetProperty(int property, CMember member, RkVariant& value) {
   const MemberType& type = member.Type();
   if (type.kind == MemberType::Kind::Collection) {
-    type.setObject(member.At(), value.PeekXmlCollection());
-    return Mark(property);
+    CXmlCollectionBase* const collection = value.PeekXmlCollection();
+    const bool isChoice =
+        m_class.GetProperty(property).member != nullptr && GetModel().group == XmlElementGroupType_Choice;
+    if (isChoice && collection != nullptr && collection->GetCount() > 0) Select(property);
+    m_isFresh = false;
+    type.setObject(member.At(), collection);
+    return collection != nullptr ? Mark(property) : Unmark(property);
   }
   if (type.kind == MemberType::Kind::Object) {
     const CSmartPtr<CXmlObjectBase> object(value.PeekXmlObject());

@@ -49,6 +49,7 @@ int CDynamicObject::Require(std::wstring_view name) const {
 RkVariant CDynamicObject::Get(std::wstring_view name) const {
   RkVariant value;
   ReadProperty(Require(name), value);
+  if (value.IsXmlCollection() && value.PeekXmlCollection() == nullptr) value.SetInvalid();
   return value;
 }
 

@@ -58,7 +58,7 @@ TEST(DynamicObject, PropertiesAreSetAndReadByName) {
   EXPECT_EQ(r->GetDeclaration()->name.localName, L"r");
   EXPECT_EQ(r->Get(L"@a").GetI4(), 7);
   EXPECT_TRUE(r->Get(L"day").IsNil());
-  EXPECT_FALSE(r->Get(L"n").IsValid());
+  for (const wchar_t* unset : {L"n", L"c", L"item", L"items"}) EXPECT_FALSE(r->Get(unset).IsValid());
   r->Set(L"n", Number(3));
   r->Set(L"c", Text(L"blue"));
   r->Set(L"d", Text(L"1.50"));  // of another type: by its text
@@ -108,6 +108,9 @@ TEST(DynamicObject, OneMemberOfAChoice) {
     ys.Remove(0);
     either->Set(L"x", Number(1));
     EXPECT_THROW(ys.Add(2), CRkInvalidStateException);
+    const auto other = New(L"either");
+    static_cast<Ci4Col&>(*other->GetCollection(L"y")).Add(1);
+    EXPECT_THROW(either->Set(L"y", other->Get(L"y")), CRkInvalidStateException);
     EXPECT_EQ(either->GetSelected(), std::wstring_view(L"x"));
   }
   EXPECT_NO_THROW(static_cast<Ci4Col&>(*kept).Add(3)) << "the object is gone";
