@@ -175,7 +175,10 @@ CSmartPtr<CModelObject> NewModelObject(const ClassModel& model, const ElementMod
                                        const wchar_t* heldName) {
   if (model.create == nullptr) return nullptr;
   CSmartPtr<CModelObject> object(model.create(model));
-  if (declaration != nullptr) object->SetDeclaration(*declaration, heldName != nullptr ? heldName : declaration->name);
+  if (declaration != nullptr)
+    object->SetDeclaration(*declaration, heldName != nullptr ? heldName : declaration->name);
+  else
+    object->SetUndeclared();
   return object;
 }
 
@@ -251,6 +254,53 @@ struct ModelNameHash {
 template <class T>
 using ModelTable = std::unordered_map<ModelName, T, ModelNameHash>;
 
+// The text of an element that nothing but the simple type in its xsi:type is known of, where no class is of that type.
+class CTextObject final : public CModelObject {
+ public:
+  explicit CTextObject(const ClassModel& model) : CModelObject(model, nullptr) {}
+
+ protected:
+  CMember FindMember(int property) override { return property == 0 ? CMember(m_text) : CMember(); }
+
+ private:
+  std::wstring m_text;
+};
+
+CModelObject* NewTextObject(const ClassModel& model) { return new CTextObject(model); }
+
+CWhitespaceUtils::WhitespaceRule RuleOf(const CSimpleType& type) {
+  if (type.IsDerivedFrom(BuiltIn(Xsd::BuiltInType::Token))) return CWhitespaceUtils::collapse;
+  if (type.IsDerivedFrom(BuiltIn(Xsd::BuiltInType::NormalizedString))) return CWhitespaceUtils::replace;
+  const bool isText = type.IsDerivedFrom(BuiltIn(Xsd::BuiltInType::String)) || type.GetBase() == nullptr;
+  return isText ? CWhitespaceUtils::preserve : CWhitespaceUtils::collapse;
+}
+
+struct TextClass {
+  TextClass(const SchemaModel& schema, const CSimpleType& type)
+      : name(type.GetName()),
+        uri(type.GetNamespace()),
+        values(ValueModel(ItemType_string, RuleOf(type)).Type(&type).Checked().QNames()),
+        model(Data(schema)) {}
+  TextClass(const TextClass&) = delete;
+  TextClass& operator=(const TextClass&) = delete;
+
+  const std::wstring name;
+  const std::wstring uri;
+  const ValueModel values;
+  const ClassModel model;
+
+ private:
+  ClassData Data(const SchemaModel& schema) const {
+    ClassData data(name.c_str(), uri.c_str(), XmlElementGroupType_Sequence, NewTextObject);
+    data.schema = &schema;
+    data.simple = values.type;
+    data.text = &values;
+    data.textProperty = 0;
+    data.propertyCount = 1;
+    return data;
+  }
+};
+
 }  // namespace
 
 struct SchemaIndex {
@@ -259,6 +309,7 @@ struct SchemaIndex {
   ModelTable<NamedType> types;
   ModelTable<const ElementModel*> elements;
   ModelTable<const AttributeModel*> attributes;
+  std::unordered_map<const CSimpleType*, TextClass> textClasses;  // of the simple types without a class
 };
 
 SchemaIndex::SchemaIndex(const SchemaModel& schema) {
@@ -271,7 +322,10 @@ SchemaIndex::SchemaIndex(const SchemaModel& schema) {
     named.object = object;
     if (object->simple != nullptr) named.simple = object->simple;
   }
-  for (auto& [name, found] : types) found.isNamed = true;
+  for (auto& [name, found] : types) {
+    found.isNamed = true;
+    if (found.object == nullptr) textClasses.try_emplace(found.simple, schema, *found.simple);
+  }
   for (const ElementModel* element : schema.elements)
     elements.try_emplace({element->namespaceUri, element->name}, element);
   for (const AttributeModel& attribute : schema.attributes)
@@ -469,7 +523,9 @@ CSmartPtr<CModelObject> NewObjectFor(const SchemaModel& schema, CXmlElement& roo
     if (object == nullptr) refuse(L"The type of the element [%ls] does not fit, or is abstract.");
     return object;
   }
-  const ClassModel* const object = FindNamedType(&schema, root).object;
+  const NamedType named = FindNamedType(&schema, root);
+  const ClassModel* object = named.object;
+  if (object == nullptr && named.simple != nullptr) object = &IndexOf(schema).textClasses.at(named.simple).model;
   if (object == nullptr || object->isAbstract) refuse(L"The element [%ls] is not declared.");
   CSmartPtr<CModelObject> made = RkXmlLib16Data::NewModelObject(*object, nullptr);
   return made;

@@ -88,6 +88,8 @@ class RKXML_EXPORT CModelObject : public CXmlGeneratedClass {
   void SetDeclaration(const ElementModel& declaration) { SetDeclaration(declaration, declaration.name); }
   // The same. The name is that of the declaration, as a record or collection holds it, which is quicker.
   void SetDeclaration(const ElementModel& declaration, const wchar_t* heldName);
+  // Nothing is known of the element but its type.
+  void SetUndeclared() noexcept { m_declaration = nullptr; }
   // Of a choice: the element name of the member that is set; null when none is.
   const wchar_t* GetSelected() const;
 

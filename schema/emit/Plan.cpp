@@ -169,12 +169,10 @@ void CPlan::AddClasses() {
     return root.element->type == schemas.GetAnyType() ||
            root.element->type == schemas.GetBuiltIn(BuiltInType::AnySimpleType);
   });
-  // A class that only xsi:type may name is printed where an element has a type that it is derived from; those of
-  // built-in types only where a global element takes them all.
+  // A class that only xsi:type may name is printed where an element has a type that it is derived from.
   const auto isNeeded = [&](const ClassBinding& object) {
     if (!object.onlyByTypeName) return true;
     if (takesAllTypes && object.type->IsSimple()) return true;
-    if (object.type->IsBuiltIn()) return false;
     for (const TypeDefinition* at = object.type->base; at != nullptr && at->IsSimple(); at = at->base) {
       const ClassBinding* const base = m_binding.FindClass(at);
       if (base != nullptr && !base->onlyByTypeName) return true;

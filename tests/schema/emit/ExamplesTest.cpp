@@ -56,6 +56,13 @@ TEST(GeneratedTest, SaysTheSameOfEveryConstruct) {
        {">2</x:price>", ">-2</x:price>", "xsi:type='x:cheap'>9</x:price>", "xsi:type='x:cheap'>11</x:price>",
         "xsi:type='x:word'>one</x:price>", "/>", "xsi:nil='true'/>"})
     EXPECT_EQ(both.Compare(head + rest), L"") << rest;
+  // Built-in types by xsi:type, of declared elements and of others.
+  const std::string types =
+      "xmlns:xs='http://www.w3.org/2001/XMLSchema' xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' xsi:type='xs:";
+  for (const char* rest : {"byte'> 5 ", "byte'>500", "int'>500", "long'>5", "token'>5", "nothing'>5"})
+    EXPECT_EQ(both.Compare("<x:count xmlns:x='urn:test:constructs' " + types + rest + "</x:count>"), L"") << rest;
+  for (const char* rest : {"byte'> 5 ", "QName'>xs:x", "string'> x  y ", "date'>2024-02-29", "nothing'>5"})
+    EXPECT_EQ(both.Compare("<other " + types + rest + "</other>"), L"") << rest;
   // Names with prefixes of the document's own, defaults, blocked types.
   const std::string whole = Slurp(fs::path(RKXML_FOLDER) / "constructs.xml");
   for (const char* parts : {"<t:blocked xsi:type='t:cheap'>1</t:blocked>", "<t:free xsi:type='t:cheap'>1</t:free>",
@@ -120,6 +127,9 @@ TEST(GeneratedTest, GuardsItsMembers) {
   EXPECT_EQ(order->GetCurrency(), order::ECurrencyType::EUR);
   order->SetId(L"RK-1");
   EXPECT_EQ(FailureOf([&] { order->ToXml(); }), "/order: The Property [customer] is mandatory, it may not be NULL");
+  order->ClearId();
+  EXPECT_NE(FailureOf([&] { order->ToXml(); }).find("The Property [id] is mandatory, it may not be NULL"),
+            std::string::npos);
 
   order::CPaymentType* const payment = order->GetOrAddPayment();
   payment->SetCash(CDecimal(L"5.00"));
