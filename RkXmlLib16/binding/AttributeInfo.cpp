@@ -103,16 +103,16 @@ void CAttributeInfoPrimitive::AttributeToXml(const CSerializationContext& contex
   ReadProperty(object, value);
   if (IsOptional() && !value.IsValid()) return;
   const ItemType type = value.GetItemType();
-  const std::wstring& text = ValueText(value, m_format, *writer);
-  if (IsSuppressedDefault(context, text)) return;
-  CheckRestriction(value);
-  writer->Attribute(GetName(), text, type);
+  const ValueText text(value, m_format, *writer);
+  if (IsSuppressedDefault(context, text.Get())) return;
+  if (type != m_itemType || !m_facets.IsEmpty()) CheckRestriction(value);
+  writer->Attribute(GetName(), text.Get(), type, text.IsCanonical());
 }
 
 void CAttributeInfoPrimitive::WriteText(const CSerializationContext& context, const std::wstring& text,
                                         CXmlWriter* writer) const {
   if (IsSuppressedDefault(context, text)) return;
-  writer->Attribute(GetName(), text, m_itemType);
+  writer->Attribute(GetName(), text, m_itemType, /*isCanonical=*/true);
 }
 
 bool CAttributeInfoPrimitive::AttributeFromXml(const CSerializationContext&, CXmlGeneratedClass* object,
@@ -149,7 +149,7 @@ void CAttributeInfoEnum::AttributeToXml(const CSerializationContext& context, co
   RkVariant& value = writer->BeginValue();
   ReadProperty(object, value);
   if (IsOptional() && !value.IsValid()) return;
-  const std::wstring text = TextOrEmpty(m_toString(static_cast<int>(value.GetI4())));
+  const std::wstring_view text = TextOrEmpty(m_toString(static_cast<int>(value.GetI4())));
   if (IsSuppressedDefault(context, text)) return;
   writer->Attribute(GetName(), text, ItemType_string);
 }

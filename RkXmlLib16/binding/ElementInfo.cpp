@@ -205,9 +205,10 @@ bool CElementInfo::ElementToXmlPrim(const CSerializationContext& context, const 
 bool CElementInfo::WriteValue(const CSerializationContext& context, const RkVariant& value, CXmlWriter* writer) const {
   if (value.IsNil()) return WriteNil(writer);
   const ItemType type = value.GetItemType();
-  const std::wstring& text = ValueText(value, m_format, *writer);
-  if (!IsDefault(text)) CheckRestriction(value);
-  WriteText(context, writer, text, type);
+  const ValueText text(value, m_format, *writer);
+  const bool needsNoCheck = m_hasFacets && type == m_itemType && m_facets.IsEmpty();
+  if (!needsNoCheck && !IsDefault(text.Get())) CheckRestriction(value);
+  WriteText(context, writer, text.Get(), type, text.IsCanonical());
   return true;
 }
 
@@ -215,7 +216,7 @@ bool CElementInfo::WriteModelValue(const CSerializationContext& context, const C
                                    CXmlWriter* writer) const {
   const std::wstring* const text = object.PeekText(m_propertyIndex, writer->GetValueBuffer());
   if (text == nullptr) return false;
-  WriteText(context, writer, *text, m_itemType);
+  WriteText(context, writer, *text, m_itemType, /*isCanonical=*/true);
   return true;
 }
 
@@ -225,13 +226,15 @@ bool CElementInfo::ElementToXmlEnum(const CSerializationContext& context, const 
   ReadProperty(object, value);
   if (!value.IsValid()) return false;
   if (value.IsNil()) return WriteNil(writer);
-  WriteText(context, writer, TextOrEmpty(toString(static_cast<int>(value.GetI4()))), ItemType_string);
+  WriteText(context, writer, TextOrEmpty(toString(static_cast<int>(value.GetI4()))), ItemType_string,
+            /*isCanonical=*/false);
   return true;
 }
 
-void CElementInfo::WriteText(const CSerializationContext& context, CXmlWriter* writer, const std::wstring& text,
-                             ItemType type) const {
-  if (!IsDefault(text) || context.GetWriteDefaultElementValues()) return writer->TextElement(m_name, text, type);
+inline void CElementInfo::WriteText(const CSerializationContext& context, CXmlWriter* writer, std::wstring_view text,
+                                    ItemType type, bool isCanonical) const {
+  if (!IsDefault(text) || context.GetWriteDefaultElementValues())
+    return writer->TextElement(m_name, text, type, isCanonical);
   writer->StartElement(m_name);
   writer->WriteEndElement();
 }

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "RkXmlLib16/base/Enumerations.h"
 #include "RkXmlLib16/base/Export.h"
@@ -199,9 +200,9 @@ class RKXML_EXPORT CElementInfo {
   }
   [[gnu::noinline, gnu::cold]] std::uint8_t FindFacts() const;
   bool CompareName(const CSerializationContext& context, const CXmlElement& element) const;
-  bool IsDefault(const std::wstring& text) const noexcept { return !m_defaultValue.empty() && text == m_defaultValue; }
-  void WriteText(const CSerializationContext& context, CXmlWriter* writer, const std::wstring& text,
-                 ItemType type) const;
+  bool IsDefault(std::wstring_view text) const noexcept { return !m_defaultValue.empty() && text == m_defaultValue; }
+  void WriteText(const CSerializationContext& context, CXmlWriter* writer, std::wstring_view text, ItemType type,
+                 bool isCanonical) const;
   bool WriteNil(CXmlWriter* writer) const;
   // Looks through the attributes of a primitive element; true for xsi:nil="true".
   bool ReadNil(const CSerializationContext& context, const CXmlElement& element) const;

@@ -12,7 +12,6 @@
 #include "RkXmlLib16/binding/ModelObject.h"
 #include "RkXmlLib16/binding/ParentElementInfo.h"
 #include "RkXmlLib16/binding/internal/PropertyAccess.h"
-#include "RkXmlLib16/binding/internal/ValueText.h"
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/document/XmlWriter.h"
 #include "RkXmlLib16/object/Variant.h"
@@ -23,7 +22,6 @@ namespace RkXmlLib16 {
 using RkXmlLib16Data::CAttributeInfo;
 using RkXmlLib16Data::CElementInfo;
 using RkXmlLib16Data::CParentElementInfo;
-using RkXmlLib16Data::ValueText;
 
 namespace {
 
@@ -100,13 +98,11 @@ void CXmlGeneratedClass::WriteContent(CXmlWriter* writer, const CSerializationCo
   CElementInfo** const infos = GetClassElementInfo();
   switch (info.GetGroupType()) {
     case XmlElementGroupType_Sequence:
-      ProcessElementSeqToXml(context, infos, writer);
+    case XmlElementGroupType_All:
+      ProcessElementsToXml(context, infos, AsModel(info), writer);
       break;
     case XmlElementGroupType_Choice:
-      ProcessElementChoiceToXml(context, infos, writer, isOptionalChoice);
-      break;
-    case XmlElementGroupType_All:
-      ProcessElementAllToXml(context, infos, writer);
+      ProcessElementChoiceToXml(context, infos, AsModel(info), writer, isOptionalChoice);
       break;
     default:
       throw CRkException(L"Unknown XML Group Type");
@@ -114,60 +110,71 @@ void CXmlGeneratedClass::WriteContent(CXmlWriter* writer, const CSerializationCo
   if (HasSimpleContent(info)) WriteSimpleContent(writer, info);
 }
 
+namespace {
+
+void WriteContentText(CXmlWriter& writer, const RkVariant& value, const std::wstring& format) {
+  if (value.GetItemType() == ItemType_string) return writer.WriteString(value.GetString(), ItemType_string);
+  std::wstring& text = writer.GetValueBuffer();
+  text.clear();
+  value.AppendTo(text, format.c_str());
+  writer.WriteString(text, value.GetItemType());
+}
+
+}  // namespace
+
 void CXmlGeneratedClass::WriteSimpleContent(CXmlWriter* writer, const CParentElementInfo& info) const {
   RkVariant& value = writer->BeginValue();
   ReadProperty(info.GetSimpleContentProperty(), value);
   if (value.IsNil()) {
     writer->WriteAttributeNil();
   } else {
-    writer->WriteString(ValueText(value, info.GetSimpleContentFormat(), *writer), value.GetItemType());
+    WriteContentText(*writer, value, info.GetSimpleContentFormat());
     value.SetUnused();
   }
 }
 
-inline const CModelObject* CXmlGeneratedClass::AsModel() const {
-  return GetClassInfo()->IsOfModel() ? static_cast<const CModelObject*>(this) : nullptr;
+inline const CModelObject* CXmlGeneratedClass::AsModel(const CParentElementInfo& info) const {
+  return info.IsOfModel() ? static_cast<const CModelObject*>(this) : nullptr;
 }
 
 inline bool CXmlGeneratedClass::IsLeftOut(const CModelObject* model, const CElementInfo& record) noexcept {
-  return model != nullptr && record.IsWrittenOnlyIfSet() && !model->IsSet(record.GetPropertyIndex());
+  return record.IsWrittenOnlyIfSet() && !model->IsSet(record.GetPropertyIndex());
 }
 
 inline bool CXmlGeneratedClass::IsWritten(const CModelObject* model, const CElementInfo& record,
                                           const CSerializationContext& context, CXmlWriter* writer) {
-  return model != nullptr && record.IsModelValue() && record.WriteModelValue(context, *model, writer);
+  return record.IsModelValue() && record.WriteModelValue(context, *model, writer);
 }
 
-void CXmlGeneratedClass::ProcessElementSeqToXml(const CSerializationContext& context, CElementInfo** infos,
-                                                CXmlWriter* writer) const {
+void CXmlGeneratedClass::ProcessElementsToXml(const CSerializationContext& context, CElementInfo** infos,
+                                              const CModelObject* model, CXmlWriter* writer) const {
   if (infos == nullptr) return;
   auto& object = const_cast<CXmlGeneratedClass&>(*this);  // a getter changes nothing
-  const CModelObject* const model = AsModel();
+  RkVariant* value = nullptr;                             // unused, if it is there
   for (CElementInfo** info = infos; *info != nullptr; ++info) {
     const CElementInfo& record = **info;
-    if (IsLeftOut(model, record) || IsWritten(model, record, context, writer)) continue;
+    if (model != nullptr && (IsLeftOut(model, record) || IsWritten(model, record, context, writer))) continue;
     if (!record.IsPlainValue()) {
       record.ElementToXml(context, this, writer);
+      value = nullptr;
       continue;
     }
     // Most optional values of most objects are absent: that is found out here.
-    RkVariant& value = writer->BeginValue();
-    RkXmlLib16Data::GetProperty(object, record.GetPropertyIndex(), record.GetName(), value);
-    if (value.IsValid()) record.WriteValue(context, value, writer);
+    if (value == nullptr) value = &writer->BeginValue();
+    RkXmlLib16Data::GetProperty(object, record.GetPropertyIndex(), record.GetName(), *value);
+    if (!value->IsValid()) continue;
+    record.WriteValue(context, *value, writer);
+    value = nullptr;
   }
 }
 
-void CXmlGeneratedClass::ProcessElementAllToXml(const CSerializationContext& context, CElementInfo** infos,
-                                                CXmlWriter* writer) const {
-  ProcessElementSeqToXml(context, infos, writer);
-}
-
 void CXmlGeneratedClass::ProcessElementChoiceToXml(const CSerializationContext& context, CElementInfo** infos,
-                                                   CXmlWriter* writer, bool isOptionalChoice) const {
-  const CModelObject* const model = AsModel();
+                                                   const CModelObject* model, CXmlWriter* writer,
+                                                   bool isOptionalChoice) const {
   for (CElementInfo** info = infos; info != nullptr && *info != nullptr; ++info) {
-    if (IsLeftOut(model, **info)) continue;
-    if (IsWritten(model, **info, context, writer) || (*info)->ElementToXml(context, this, writer)) return;
+    if (model != nullptr && IsLeftOut(model, **info)) continue;
+    const bool isWritten = model != nullptr && IsWritten(model, **info, context, writer);
+    if (isWritten || (*info)->ElementToXml(context, this, writer)) return;
   }
   if (!DoesElementContainOptionalElements() && !isOptionalChoice && !context.GetIgnoreMissingChoice())
     throw CRkValidationException(
@@ -182,7 +189,7 @@ void CXmlGeneratedClass::AttributesToXml_Int(CXmlWriter* writer, const CSerializ
     if (context.GetWriteTypeAttribute() && info.GetElementType() == XmlElementType_Element &&
         GetElementNameRef() != info.GetElementName())
       writer->WriteAttributeType(info.GetNamespace(), info.GetElementName(), ItemType_string);
-    ProcessAttributesToXml(context, GetClassElementInfo(), GetClassAttributeInfo(), writer);
+    ProcessAttributesToXml(context, info, writer);
   } catch (const CRkException& e) {
     throw CRkException(L"Failed to convert attributes to XML", e);
   }
@@ -192,14 +199,14 @@ inline bool CXmlGeneratedClass::HasInlineAttributes(const CParentElementInfo& in
   return info.Is(CParentElementInfo::kWithInlineAttributes, typeid(*this), [this] { return FindFacts(); });
 }
 
-void CXmlGeneratedClass::ProcessAttributesToXml(const CSerializationContext& context, CElementInfo** elementInfos,
-                                                CAttributeInfo** attributeInfos, CXmlWriter* writer) const {
-  if (attributeInfos != nullptr)
-    for (CAttributeInfo** info = attributeInfos; *info != nullptr; ++info)
-      (*info)->AttributeToXml(context, this, writer);
-  if (elementInfos == nullptr || !HasInlineAttributes(*GetClassInfo())) return;
-  for (CElementInfo** info = elementInfos; *info != nullptr; ++info)
-    if ((*info)->MayHaveAttributes()) (*info)->PseudoChildAttributeToXml(context, this, writer);
+void CXmlGeneratedClass::ProcessAttributesToXml(const CSerializationContext& context, const CParentElementInfo& info,
+                                                CXmlWriter* writer) const {
+  if (CAttributeInfo** record = GetClassAttributeInfo())
+    for (; *record != nullptr; ++record) (*record)->AttributeToXml(context, this, writer);
+  if (!HasInlineAttributes(info)) return;
+  CElementInfo** record = GetClassElementInfo();
+  for (; record != nullptr && *record != nullptr; ++record)
+    if ((*record)->MayHaveAttributes()) (*record)->PseudoChildAttributeToXml(context, this, writer);
 }
 
 }  // namespace RkXmlLib16

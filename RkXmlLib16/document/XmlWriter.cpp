@@ -550,8 +550,8 @@ void CXmlWriter::StartElement(const CNameToken& name) {
   WriteStartElement(name.GetLocalName(), name.GetNamespace());
 }
 
-void CXmlWriter::TextElement(const CNameToken& name, std::wstring_view text, ItemType type) {
-  if (CRecordOutput* const output = FindRecordOutput()) return output->TextElement(name, text, type);
+void CXmlWriter::TextElement(const CNameToken& name, std::wstring_view text, ItemType type, bool isCanonical) {
+  if (CRecordOutput* const output = FindRecordOutput()) return output->TextElement(name, text, type, isCanonical);
   PlainTextElement(name, text, type);
 }
 
@@ -560,8 +560,8 @@ void CXmlWriter::PlainTextElement(const CNameToken& name, std::wstring_view text
   WriteTextElement(name.GetLocalName(), name.GetNamespace(), m_plainText, type);
 }
 
-void CXmlWriter::Attribute(const CNameToken& name, std::wstring_view value, ItemType type) {
-  if (CRecordOutput* const output = FindRecordOutput()) return output->Attribute(name, value, type);
+void CXmlWriter::Attribute(const CNameToken& name, std::wstring_view value, ItemType type, bool isCanonical) {
+  if (CRecordOutput* const output = FindRecordOutput()) return output->Attribute(name, value, type, isCanonical);
   PlainAttribute(name, value, type);
 }
 
@@ -583,7 +583,7 @@ void CXmlWriter::StartElement(const std::wstring& localName, const std::wstring&
 void CXmlWriter::TextElement(const std::wstring& localName, const std::wstring& namespaceUri, const std::wstring& text,
                              ItemType type) {
   CRecordOutput* const output = IsExpected(localName, namespaceUri) ? FindRecordOutput() : nullptr;
-  if (output != nullptr) return output->TextElement(*m_expectedName, text, type);
+  if (output != nullptr) return output->TextElement(*m_expectedName, text, type, /*isCanonical=*/false);
   WriteTextElement(localName, namespaceUri, text, type);
 }
 

@@ -138,8 +138,9 @@ class RKXML_EXPORT CXmlWriter {
   // What records write, by the tokens of their names. A writer of the library's own dynamic type keeps what it has made
   // of a name and writes the element in one step; every other writer gets the calls above, and both write the same.
   void StartElement(const CNameToken& name);
-  void TextElement(const CNameToken& name, std::wstring_view text, ItemType type);
-  void Attribute(const CNameToken& name, std::wstring_view value, ItemType type);
+  // `isCanonical`: the text is what the library writes for a value of the type, so that nobody need look at it again.
+  void TextElement(const CNameToken& name, std::wstring_view text, ItemType type, bool isCanonical = false);
+  void Attribute(const CNameToken& name, std::wstring_view value, ItemType type, bool isCanonical = false);
   // The same for objects and collections, which do not know the record that they are written for: the record tells the
   // writer before, and takes it back after, by what name they will start their elements, if they do. Null for none.
   void StartElement(const std::wstring& localName, const std::wstring& namespaceUri);

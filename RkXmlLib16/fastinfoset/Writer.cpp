@@ -178,8 +178,8 @@ class CFastInfosetWriter::RecordOutput final : public CRecordOutput {
   explicit RecordOutput(CFastInfosetWriter& writer) : m_writer(writer) {}
 
   void StartElement(const CNameToken& name) override;
-  void TextElement(const CNameToken& name, std::wstring_view text, ItemType type) override;
-  void Attribute(const CNameToken& name, std::wstring_view value, ItemType type) override;
+  void TextElement(const CNameToken& name, std::wstring_view text, ItemType type, bool isCanonical) override;
+  void Attribute(const CNameToken& name, std::wstring_view value, ItemType type, bool isCanonical) override;
 
  private:
   using Names = CKnownNames<unsigned long>;
@@ -386,7 +386,8 @@ void CFastInfosetWriter::WriteString(const std::wstring& text, ItemType type) {
   if (GetLength() >= kFlushLength) FlushOctets();
 }
 
-void CFastInfosetWriter::RecordOutput::TextElement(const CNameToken& name, std::wstring_view text, ItemType type) {
+void CFastInfosetWriter::RecordOutput::TextElement(const CNameToken& name, std::wstring_view text, ItemType type,
+                                                   bool) {
   CFastInfosetWriter& w = m_writer;
   Names::Entry& entry = m_names.Element(name);
   const bool isKnown = entry.Holds(name, w.m_scope);
@@ -423,7 +424,7 @@ void CFastInfosetWriter::WriteAttributeString(const std::wstring& localName, con
   NonIdentifyingStringOrIndexBit1(value, type);
 }
 
-void CFastInfosetWriter::RecordOutput::Attribute(const CNameToken& name, std::wstring_view value, ItemType type) {
+void CFastInfosetWriter::RecordOutput::Attribute(const CNameToken& name, std::wstring_view value, ItemType type, bool) {
   CFastInfosetWriter& w = m_writer;
   w.RequireStartTag();
   Names::Entry& entry = m_names.Attribute(name);

@@ -95,6 +95,13 @@ bool IsStrictNumber(std::wstring_view text) {
   return i == text.size() && magnitude <= kMaxExponent;
 }
 
+// Whether what the library writes for a value of the type is a number or boolean of RFC 8259, which a binary64 can
+// hold.
+constexpr bool IsLiteral(std::wstring_view text, ItemType type) {
+  constexpr std::size_t kMostDigits = 300;
+  return IsUnquoted(type) && type != ItemType_float && type != ItemType_double && text.size() <= kMostDigits;
+}
+
 bool IsStrictLiteral(std::wstring_view text) { return text == L"true" || text == L"false" || IsStrictNumber(text); }
 
 }  // namespace
@@ -105,8 +112,8 @@ class CJsonTextWriter::RecordOutput final : public CRecordOutput {
   explicit RecordOutput(CJsonTextWriter& writer) : m_writer(writer) {}
 
   void StartElement(const CNameToken& name) override;
-  void TextElement(const CNameToken& name, std::wstring_view text, ItemType type) override;
-  void Attribute(const CNameToken& name, std::wstring_view value, ItemType type) override;
+  void TextElement(const CNameToken& name, std::wstring_view text, ItemType type, bool isCanonical) override;
+  void Attribute(const CNameToken& name, std::wstring_view value, ItemType type, bool isCanonical) override;
 
  private:
   // The start of the line and the key, of which eight characters at a time are copied.
@@ -225,7 +232,8 @@ void CJsonTextWriter::RecordOutput::StartElement(const CNameToken& name) {
   w.FlushWhenFull();
 }
 
-void CJsonTextWriter::RecordOutput::TextElement(const CNameToken& name, std::wstring_view text, ItemType type) {
+void CJsonTextWriter::RecordOutput::TextElement(const CNameToken& name, std::wstring_view text, ItemType type,
+                                                bool isCanonical) {
   CJsonTextWriter& w = m_writer;
   const bool isMember = !w.OpensArray() && !w.ContinuesArray(name.GetLocalName(), name.GetNamespace());
   Names::Entry* const entry = isMember ? FindElement(name) : nullptr;
@@ -233,13 +241,15 @@ void CJsonTextWriter::RecordOutput::TextElement(const CNameToken& name, std::wst
   if (text.empty())
     WriteMember(entry->made, name, {}, kNull.Get(), /*quoted=*/false);
   else
-    WriteMember(entry->made, name, {}, text, w.NeedsQuotes(text, type));
+    WriteMember(entry->made, name, {}, text, !(isCanonical && IsLiteral(text, type)) && w.NeedsQuotes(text, type));
 }
 
-void CJsonTextWriter::RecordOutput::Attribute(const CNameToken& name, std::wstring_view value, ItemType type) {
+void CJsonTextWriter::RecordOutput::Attribute(const CNameToken& name, std::wstring_view value, ItemType type,
+                                              bool isCanonical) {
   Names::Entry* const entry = FindAttribute(name);
   if (entry == nullptr) return m_writer.PlainAttribute(name, value, type);
-  WriteMember(entry->made, name, m_writer.GetMarker(), value, m_writer.NeedsQuotes(value, type));
+  const bool quoted = !(isCanonical && IsLiteral(value, type)) && m_writer.NeedsQuotes(value, type);
+  WriteMember(entry->made, name, m_writer.GetMarker(), value, quoted);
 }
 
 CJsonTextWriter::CJsonTextWriter(CTextStream& stream) : m_stream(stream) {

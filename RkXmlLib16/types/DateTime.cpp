@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <iterator>
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
@@ -457,15 +458,20 @@ std::wstring CDateTime::ToString(const wchar_t* format) const {
   return std::wstring(L"Unknown Format: ").append(name);
 }
 
-// Two digits in each place: a valid dateTime without fraction and offset. False, and nothing appended, for others.
-bool CDateTime::AppendPlain(std::wstring& out) const {
+// Two digits in each place.
+const wchar_t* CDateTime::WritePlain(wchar_t* end) const noexcept {
   constexpr int kTwoDigits = 64;  // the fields of a valid value stay below it, together too
   if (m_type != dt_dateTime || m_year <= 0 || m_year > MAX_YEAR || m_hasTimeZone ||
       (m_month | m_day | m_hour | m_minute | m_second) >= kTwoDigits ||
       (m_milliSecond | m_microSecond | m_nanoSecond) != 0)
-    return false;
-  wchar_t text[] = L"CCYY-MM-DDThh:mm:ssZ";
-  const auto put = [&text](std::size_t at, unsigned value) { PutTwoDigits(text + at, value); };
+    return nullptr;
+  static constexpr wchar_t kShape[] = L"CCYY-MM-DDThh:mm:ss";
+  constexpr std::size_t kSize = std::size(kShape) - 1;
+  static_assert(kSize + 1 == kPlainCharacters);
+  wchar_t* const text = end - (m_isUTC ? kSize + 1 : kSize);
+  std::copy_n(kShape, kSize, text);
+  if (m_isUTC) text[kSize] = L'Z';
+  const auto put = [text](std::size_t at, unsigned value) { PutTwoDigits(text + at, value); };
   const unsigned year = static_cast<unsigned>(m_year);
   put(0, year / 100);
   put(2, year % 100);
@@ -474,13 +480,15 @@ bool CDateTime::AppendPlain(std::wstring& out) const {
   put(11, m_hour);
   put(14, m_minute);
   put(17, m_second);
-  constexpr std::size_t kSize = std::size(text) - 1;
-  out.append(text, m_isUTC ? kSize : kSize - 1);
-  return true;
+  return text;
 }
 
 void CDateTime::AppendTo(std::wstring& out) const {
-  if (AppendPlain(out)) return;
+  wchar_t plain[kPlainCharacters];
+  if (const wchar_t* const first = WritePlain(std::end(plain))) {
+    out.append(first, static_cast<std::size_t>(std::end(plain) - first));
+    return;
+  }
   const bool empty = m_year == 0 && m_month == 0 && m_day == 0 && m_hour == 0 && m_minute == 0 && m_second == 0 &&
                      m_milliSecond == 0 && m_microSecond == 0 && m_nanoSecond == 0;
   const unsigned owned = OwnedBy(m_type);

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 #include <limits>
 #include <string>
 #include <utility>
@@ -299,41 +300,61 @@ std::wstring CDecimal::ToString(int fractionDigits) const {
   return text;
 }
 
-void CDecimal::AppendTo(std::wstring& out) const {
-  const CDigitVector& integer = m_integer.GetDigits();
-  const CDigitVector& fraction = m_fraction.GetDigits();
-  const std::size_t fractionDigits = m_fraction.IsZero() ? 0 : static_cast<std::size_t>(m_divider);
-  const bool negative = IsNegative();
-  // Backwards from `to`; returns the first character.
-  const auto write = [&](wchar_t* to, auto&& put) {
-    if (fractionDigits != 0) {
-      wchar_t* const point = to - fractionDigits - 1;
-      put(fraction, to);
-      to -= fraction.size();
-      while (to != point + 1) *--to = L'0';
-      *--to = L'.';
-    }
-    put(integer, to);
-    to -= integer.size();
-    if (integer.empty()) *--to = L'0';
-    if (negative) *--to = L'-';
-    return to;
-  };
-  constexpr std::size_t kFew = 16;  // what a vector of digits keeps in itself
-  if (integer.size() <= kFew && fractionDigits <= kFew) {
-    wchar_t text[kFew + 1 + kFew + 1];
-    const wchar_t* const first = write(std::end(text), [](const CDigitVector& digits, wchar_t* to) {
-      Ascii::PutDigitsBackwards(digits.data(), to);
-      if (digits.size() > kFew / 2) Ascii::PutDigitsBackwards(digits.data() + kFew / 2, to - kFew / 2);
-    });
-    out.append(first, static_cast<std::size_t>(std::end(text) - first));
-  } else {
-    const std::size_t sign = negative ? 1 : 0, point = fractionDigits == 0 ? 0 : 1;
-    out.resize(out.size() + sign + std::max<std::size_t>(integer.size(), 1) + point + fractionDigits);
-    write(out.data() + out.size(), [](const CDigitVector& digits, wchar_t* to) {
-      for (const unsigned char digit : digits) *--to = static_cast<wchar_t>(L'0' + digit);
-    });
+namespace {
+
+constexpr std::size_t kFewDigits = 16;  // what a vector of digits keeps in itself
+static_assert(CDecimal::kFewCharacters == 1 + kFewDigits + 1 + kFewDigits);
+
+// Backwards from `to`; returns the first character. `put` writes digits backwards.
+template <class PutDigits>
+wchar_t* WriteBackwards(wchar_t* to, const CDigitVector& integer, const CDigitVector& fraction,
+                        std::size_t fractionDigits, bool isNegative, PutDigits put) {
+  if (fractionDigits != 0) {
+    wchar_t* const point = to - fractionDigits - 1;
+    put(fraction, to);
+    to -= fraction.size();
+    while (to != point + 1) *--to = L'0';
+    *--to = L'.';
   }
+  put(integer, to);
+  to -= integer.size();
+  if (integer.empty()) *--to = L'0';
+  if (isNegative) *--to = L'-';
+  return to;
+}
+
+}  // namespace
+
+inline std::size_t CDecimal::CountFractionDigits() const noexcept {
+  return m_fraction.IsZero() ? 0 : static_cast<std::size_t>(m_divider);
+}
+
+const wchar_t* CDecimal::WriteFew(wchar_t* end) const noexcept {
+  const CDigitVector& integer = m_integer.GetDigits();
+  const std::size_t fractionDigits = CountFractionDigits();
+  if (integer.size() > kFewDigits || fractionDigits > kFewDigits) return nullptr;
+  return WriteBackwards(end, integer, m_fraction.GetDigits(), fractionDigits, IsNegative(),
+                        [](const CDigitVector& digits, wchar_t* to) {
+                          Ascii::PutDigitsBackwards(digits.data(), to);
+                          if (digits.size() <= kFewDigits / 2) return;
+                          Ascii::PutDigitsBackwards(digits.data() + kFewDigits / 2, to - kFewDigits / 2);
+                        });
+}
+
+void CDecimal::AppendTo(std::wstring& out) const {
+  wchar_t few[kFewCharacters];
+  if (const wchar_t* const first = WriteFew(std::end(few))) {
+    out.append(first, static_cast<std::size_t>(std::end(few) - first));
+    return;
+  }
+  const CDigitVector& integer = m_integer.GetDigits();
+  const std::size_t fractionDigits = CountFractionDigits();
+  const std::size_t sign = IsNegative() ? 1 : 0, point = fractionDigits == 0 ? 0 : 1;
+  out.resize(out.size() + sign + std::max<std::size_t>(integer.size(), 1) + point + fractionDigits);
+  WriteBackwards(out.data() + out.size(), integer, m_fraction.GetDigits(), fractionDigits, IsNegative(),
+                 [](const CDigitVector& digits, wchar_t* to) {
+                   for (const unsigned char digit : digits) *--to = static_cast<wchar_t>(L'0' + digit);
+                 });
 }
 
 void CDecimal::Rationalise() {

@@ -50,6 +50,10 @@ class RKXML_EXPORT CDecimal {
   // With exactly `fractionDigits` fraction digits (none and no point for 0), one half toward zero.
   std::wstring ToString(int fractionDigits) const;
   void AppendTo(std::wstring& out) const;
+  // Writes the text of a value of few digits so that it ends before `end`, and returns its start. Null, and nothing of
+  // use written, for others. There must be space for kFewCharacters.
+  static constexpr std::size_t kFewCharacters = 34;
+  const wchar_t* WriteFew(wchar_t* end) const noexcept;
 
   // Strips trailing zeros of the fraction; the divider stays at least 1.
   void Rationalise();
@@ -99,6 +103,7 @@ class RKXML_EXPORT CDecimal {
   CDecimal operator--(int);
 
  private:
+  std::size_t CountFractionDigits() const noexcept;
   bool ParsePlainLong(std::wstring_view text);
 
   CBigInteger m_integer;

@@ -92,8 +92,8 @@ class CXmlTextWriter::RecordOutput final : public CRecordOutput {
   explicit RecordOutput(CXmlTextWriter& writer) : m_writer(writer) {}
 
   void StartElement(const CNameToken& name) override;
-  void TextElement(const CNameToken& name, std::wstring_view text, ItemType type) override;
-  void Attribute(const CNameToken& name, std::wstring_view value, ItemType type) override;
+  void TextElement(const CNameToken& name, std::wstring_view text, ItemType type, bool isCanonical) override;
+  void Attribute(const CNameToken& name, std::wstring_view value, ItemType type, bool isCanonical) override;
 
  private:
   // Characters, of which eight at a time are copied.
@@ -205,7 +205,7 @@ void CXmlTextWriter::RecordOutput::StartElement(const CNameToken& name) {
   m_writer.FlushIfDue();
 }
 
-void CXmlTextWriter::RecordOutput::TextElement(const CNameToken& name, std::wstring_view text, ItemType type) {
+void CXmlTextWriter::RecordOutput::TextElement(const CNameToken& name, std::wstring_view text, ItemType type, bool) {
   const bool isShort = text.size() <= kShortText && !StartsCData(text);
   const Names::Entry* const entry = isShort ? FindElement(name) : nullptr;
   if (entry == nullptr) return m_writer.PlainTextElement(name, text, type);
@@ -223,7 +223,7 @@ void CXmlTextWriter::RecordOutput::TextElement(const CNameToken& name, std::wstr
   m_writer.FlushIfDue();
 }
 
-void CXmlTextWriter::RecordOutput::Attribute(const CNameToken& name, std::wstring_view value, ItemType) {
+void CXmlTextWriter::RecordOutput::Attribute(const CNameToken& name, std::wstring_view value, ItemType, bool) {
   const bool fits = m_writer.m_context->m_startTagOpen && value.size() <= kShortText;
   const Names::Entry* const entry = fits ? FindAttribute(name) : nullptr;
   if (entry == nullptr) return m_writer.WriteAttribute(name.GetLocalName(), name.GetNamespace(), value);

@@ -21,8 +21,8 @@ class CRecordOutput {
   virtual ~CRecordOutput() = default;
 
   virtual void StartElement(const CNameToken& name) = 0;
-  virtual void TextElement(const CNameToken& name, std::wstring_view text, ItemType type) = 0;
-  virtual void Attribute(const CNameToken& name, std::wstring_view value, ItemType type) = 0;
+  virtual void TextElement(const CNameToken& name, std::wstring_view text, ItemType type, bool isCanonical) = 0;
+  virtual void Attribute(const CNameToken& name, std::wstring_view value, ItemType type, bool isCanonical) = 0;
 };
 
 // What a form made of the names of records, `Made`, by the number of the name: one entry for each element and each
