@@ -535,14 +535,16 @@ void CXmlWriter::SetRecordOutput(const std::type_info& type, MakeRecordOutput ma
 void CXmlWriter::ForgetNames() noexcept { m_recordOutput.reset(); }
 
 inline CRecordOutput* CXmlWriter::FindRecordOutput() {
-  if (m_checks != nullptr || m_context == nullptr) return nullptr;
-  if (m_recordOutput == nullptr && m_recordOutputType != nullptr) {
+  if (m_recordOutput != nullptr && m_context != nullptr) return m_recordOutput.get();
+  const auto make = [this]() __attribute__((noinline))->CRecordOutput* {
+    if (m_checks != nullptr || m_context == nullptr || m_recordOutputType == nullptr) return nullptr;
     if (typeid(*this) == *m_recordOutputType)
       m_recordOutput = m_makeRecordOutput(*this);
     else
       m_recordOutputType = nullptr;
-  }
-  return m_recordOutput.get();
+    return m_recordOutput.get();
+  };
+  return make();
 }
 
 void CXmlWriter::StartElement(const CNameToken& name) {
@@ -671,7 +673,10 @@ void CXmlWriter::CheckElement(const std::wstring& localName, const std::wstring&
   }
 }
 
-void CXmlWriter::SetChecks(std::unique_ptr<OutputChecks> checks) { m_checks = std::move(checks); }
+void CXmlWriter::SetChecks(std::unique_ptr<OutputChecks> checks) {
+  m_checks = std::move(checks);
+  m_recordOutput.reset();
+}
 
 void CXmlWriter::PopContext() {
   if (m_checks != nullptr) m_checks->EndElement();

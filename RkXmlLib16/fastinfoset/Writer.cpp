@@ -173,9 +173,9 @@ bool IsFloating(const EncodedCharacterString& encoding) {
 }  // namespace
 
 // The indices of the names of records.
-class CFastInfosetWriter::RecordOutput final : public CRecordOutput {
+class [[gnu::visibility("hidden")]] CFastInfosetWriter::RecordOutput final : public CRecordOutput {
  public:
-  explicit RecordOutput(CFastInfosetWriter& writer) : m_writer(writer) {}
+  explicit RecordOutput(CFastInfosetWriter & writer) : m_writer(writer) {}
 
   void StartElement(const CNameToken& name) override;
   void TextElement(const CNameToken& name, std::wstring_view text, ItemType type, bool isCanonical) override;
@@ -184,7 +184,7 @@ class CFastInfosetWriter::RecordOutput final : public CRecordOutput {
  private:
   using Names = CKnownNames<unsigned long>;
 
-  static void Keep(Names::Entry& entry, const CNameToken& name, const CNamespaceName& namespaceName,
+  static void Keep(Names::Entry & entry, const CNameToken& name, const CNamespaceName& namespaceName,
                    unsigned long index, std::size_t scope) noexcept {
     if (index == 0) return;
     entry.Begin(name, namespaceName, scope);

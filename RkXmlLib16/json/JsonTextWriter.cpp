@@ -107,44 +107,35 @@ bool IsStrictLiteral(std::wstring_view text) { return text == L"true" || text ==
 }  // namespace
 
 // The members of records.
-class CJsonTextWriter::RecordOutput final : public CRecordOutput {
+class [[gnu::visibility("hidden")]] CJsonTextWriter::RecordOutput final : public CRecordOutput {
  public:
-  explicit RecordOutput(CJsonTextWriter& writer) : m_writer(writer) {}
+  explicit RecordOutput(CJsonTextWriter & writer) : m_writer(writer) {}
 
   void StartElement(const CNameToken& name) override;
   void TextElement(const CNameToken& name, std::wstring_view text, ItemType type, bool isCanonical) override;
   void Attribute(const CNameToken& name, std::wstring_view value, ItemType type, bool isCanonical) override;
 
  private:
-  // The start of the line and the key, of which eight characters at a time are copied.
+  // The start of the line and the key.
   struct Made {
     static constexpr std::size_t kLongest = 48;
     static constexpr std::int64_t kNoLevel = -1;
 
-    wchar_t* CopyTo(wchar_t* to) const {
-      for (std::size_t i = 0; i < length; i += 8) {
-        WideText::StoreFour(to + i, WideText::LoadFour(text + i));
-        WideText::StoreFour(to + i + 4, WideText::LoadFour(text + i + 4));
-      }
-      return to + length;
-    }
-
     const std::wstring* prefix;
     std::int64_t level;
-    std::size_t length;  // beyond the longest: there is no text
-    wchar_t text[kLongest];
+    CReadyText<kLongest> key;  // longer: there is no text
   };
   using Names = CKnownNames<Made>;
 
   // The entry of a member of the open element, or null when the scope has no prefix for it.
   Names::Entry* FindElement(const CNameToken& name);
   Names::Entry* FindAttribute(const CNameToken& name);
-  static bool Begin(Names::Entry& entry, const CNameToken& name, const CNamespaceName& namespaceName,
+  static bool Begin(Names::Entry & entry, const CNameToken& name, const CNamespaceName& namespaceName,
                     const std::wstring* prefix, std::uint64_t scope) noexcept;
   // Whether the entry has the key of the level, or has it now.
-  bool HasKey(Made& made, const CNameToken& name, std::wstring_view marker, std::int64_t level);
-  void Make(Made& made, const CNameToken& name, std::wstring_view marker, std::int64_t level);
-  void WriteMember(Made& made, const CNameToken& name, std::wstring_view marker, std::wstring_view value, bool quoted);
+  bool HasKey(Made & made, const CNameToken& name, std::wstring_view marker, std::int64_t level);
+  void Make(Made & made, const CNameToken& name, std::wstring_view marker, std::int64_t level);
+  void WriteMember(Made & made, const CNameToken& name, std::wstring_view marker, std::wstring_view value, bool quoted);
 
   CJsonTextWriter& m_writer;
   Names m_names;
@@ -186,7 +177,7 @@ inline auto CJsonTextWriter::RecordOutput::FindAttribute(const CNameToken& name)
 inline bool CJsonTextWriter::RecordOutput::HasKey(Made& made, const CNameToken& name, std::wstring_view marker,
                                                   std::int64_t level) {
   if (made.level != level) Make(made, name, marker, level);
-  return made.length <= Made::kLongest;
+  return made.key.length <= Made::kLongest;
 }
 
 void CJsonTextWriter::RecordOutput::Make(Made& made, const CNameToken& name, std::wstring_view marker,
@@ -194,11 +185,11 @@ void CJsonTextWriter::RecordOutput::Make(Made& made, const CNameToken& name, std
   const std::wstring_view start = m_writer.LineStart(level);
   wchar_t text[8 * Made::kLongest];
   made.level = level;
-  made.length = start.size() + m_writer.KeyLength(marker, *made.prefix, name.GetLocalName());
-  if (made.length > std::size(text)) return;
+  made.key.length = start.size() + m_writer.KeyLength(marker, *made.prefix, name.GetLocalName());
+  if (made.key.length > std::size(text)) return;
   const wchar_t* const end = m_writer.CopyKey(WideText::Copy(text, start), marker, *made.prefix, name.GetLocalName());
-  made.length = static_cast<std::size_t>(end - text);
-  std::copy_n(text, std::min(made.length, Made::kLongest), made.text);
+  made.key.length = static_cast<std::size_t>(end - text);
+  std::copy_n(text, std::min(made.key.length, Made::kLongest), made.key.text);
 }
 
 inline void CJsonTextWriter::RecordOutput::WriteMember(Made& made, const CNameToken& name, std::wstring_view marker,
@@ -210,7 +201,7 @@ inline void CJsonTextWriter::RecordOutput::WriteMember(Made& made, const CNameTo
   const bool isShort = value.size() <= kShortText;
   wchar_t* to = w.m_stream.Reserve(1 + Made::kLongest + (isShort ? value.size() * kLongestEscape + 2 : 0));
   *to = L',';
-  to = made.CopyTo(isFurther ? to + 1 : to);
+  to = made.key.CopyTo(isFurther ? to + 1 : to);
   if (isShort) return w.WriteShortValue(to, value, quoted);
   w.m_stream.Commit(to);
   w.WriteLongValue(value, quoted);
@@ -226,7 +217,7 @@ void CJsonTextWriter::RecordOutput::StartElement(const CNameToken& name) {
   const std::int64_t level = w.PushContext(name, *entry->namespaceName).m_depth;
   w.StartMember(/*isItem=*/false, /*isUndecided=*/false);
   if (HasKey(entry->made, name, {}, level))
-    w.m_stream.Commit(entry->made.CopyTo(w.m_stream.Reserve(Made::kLongest)));
+    w.m_stream.Commit(entry->made.key.CopyTo(w.m_stream.Reserve(Made::kLongest)));
   else
     w.PutKey(w.LineStart(level), {}, *entry->made.prefix, name.GetLocalName());
   w.FlushWhenFull();

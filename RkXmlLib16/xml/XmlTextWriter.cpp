@@ -52,11 +52,17 @@ const CNeverDestroyed<std::wstring> kTrue(L"true");
 // The text up to its first NUL.
 std::wstring_view UpToNul(const std::wstring& text) { return text.c_str(); }
 
-bool StartsCData(std::wstring_view text) {
+// Whether what the library writes for a value of the type has no character that is escaped, nor NUL.
+constexpr bool HasNothingToEscape(ItemType type) {
+  return type != ItemType_none && type != ItemType_char && type != ItemType_string;
+}
+
+inline bool StartsCData(std::wstring_view text) {
   return !text.empty() && text.front() == kCDataStart.front() && text.substr(0, kCDataStart.size()) == kCDataStart;
 }
 
-wchar_t* PutQName(wchar_t* to, const std::wstring& prefix, const std::wstring& localName) {
+[[gnu::always_inline]] inline wchar_t* PutQName(wchar_t* to, const std::wstring& prefix,
+                                                const std::wstring& localName) {
   if (!prefix.empty()) {
     to = WideText::CopyUpToNul(to, prefix);
     *to++ = L':';
@@ -87,36 +93,20 @@ constexpr std::uint64_t kSpecialInNamespace = MakeSet(L"&<>\t\n\r\"");
 }  // namespace
 
 // The tags and attributes of records.
-class CXmlTextWriter::RecordOutput final : public CRecordOutput {
+class [[gnu::visibility("hidden")]] CXmlTextWriter::RecordOutput final : public CRecordOutput {
  public:
-  explicit RecordOutput(CXmlTextWriter& writer) : m_writer(writer) {}
+  explicit RecordOutput(CXmlTextWriter & writer) : m_writer(writer) {}
 
   void StartElement(const CNameToken& name) override;
   void TextElement(const CNameToken& name, std::wstring_view text, ItemType type, bool isCanonical) override;
   void Attribute(const CNameToken& name, std::wstring_view value, ItemType type, bool isCanonical) override;
 
  private:
-  // Characters, of which eight at a time are copied.
-  template <std::size_t kLongest>
-  struct Piece {
-    static_assert(kLongest % 8 == 0);
-
-    wchar_t* CopyTo(wchar_t* to) const {
-      for (std::size_t i = 0; i < length; i += 8) {
-        WideText::StoreFour(to + i, WideText::LoadFour(text + i));
-        WideText::StoreFour(to + i + 4, WideText::LoadFour(text + i + 4));
-      }
-      return to + length;
-    }
-
-    std::size_t length;
-    wchar_t text[kLongest];
-  };
   struct Made {
     std::int64_t depth;
     const std::wstring* prefix;
-    Piece<48> start;  // the indentation and "<name"; of attributes " name=" and the quotation mark
-    Piece<40> end;    // "</name>" and the line end
+    CReadyText<48> start;  // the indentation and "<name"; of attributes " name=" and the quotation mark
+    CReadyText<48> end;    // "</name>" and the line end
   };
   using Names = CKnownNames<Made>;
 
@@ -205,7 +195,8 @@ void CXmlTextWriter::RecordOutput::StartElement(const CNameToken& name) {
   m_writer.FlushIfDue();
 }
 
-void CXmlTextWriter::RecordOutput::TextElement(const CNameToken& name, std::wstring_view text, ItemType type, bool) {
+void CXmlTextWriter::RecordOutput::TextElement(const CNameToken& name, std::wstring_view text, ItemType type,
+                                               bool isCanonical) {
   const bool isShort = text.size() <= kShortText && !StartsCData(text);
   const Names::Entry* const entry = isShort ? FindElement(name) : nullptr;
   if (entry == nullptr) return m_writer.PlainTextElement(name, text, type);
@@ -217,19 +208,24 @@ void CXmlTextWriter::RecordOutput::TextElement(const CNameToken& name, std::wstr
     to = m_writer.PutEndOfTag(to);
   } else {
     *to++ = L'>';
-    to = made.end.CopyTo(m_writer.PutEscapedShort(to, text, Escaping::Text));
+    const bool isClean = isCanonical && HasNothingToEscape(type);
+    to = isClean ? WideText::Copy(to, text) : m_writer.PutEscapedShort(to, text, Escaping::Text);
+    to = made.end.CopyTo(to);
   }
   m_writer.m_stream.Commit(to);
   m_writer.FlushIfDue();
 }
 
-void CXmlTextWriter::RecordOutput::Attribute(const CNameToken& name, std::wstring_view value, ItemType, bool) {
+void CXmlTextWriter::RecordOutput::Attribute(const CNameToken& name, std::wstring_view value, ItemType type,
+                                             bool isCanonical) {
   const bool fits = m_writer.m_context->m_startTagOpen && value.size() <= kShortText;
   const Names::Entry* const entry = fits ? FindAttribute(name) : nullptr;
   if (entry == nullptr) return m_writer.WriteAttribute(name.GetLocalName(), name.GetNamespace(), value);
   const Escaping where = m_writer.m_keepTabs ? Escaping::AttributeWithTabs : Escaping::Attribute;
   wchar_t* to = m_writer.m_stream.Reserve(std::size(entry->made.start.text) + value.size() * kLongestEscape + 1);
-  to = m_writer.PutEscapedShort(entry->made.start.CopyTo(to), value, where);
+  to = entry->made.start.CopyTo(to);
+  const bool isClean = isCanonical && HasNothingToEscape(type);
+  to = isClean ? WideText::Copy(to, value) : m_writer.PutEscapedShort(to, value, where);
   *to++ = L'"';
   m_writer.m_stream.Commit(to);
   m_writer.FlushIfDue();

@@ -54,20 +54,25 @@ class RandomCalls {
   struct Value {
     std::wstring text;
     ItemType type;
+    bool isCanonical = false;
   };
   Value DrawValue() {
     const Value values[] = {{L"", ItemType_string},
                             {L"", ItemType_int},
-                            {L"1", ItemType_int},
-                            {L"-12.50", ItemType_decimal},
-                            {L"true", ItemType_boolean},
+                            {L"1", ItemType_int, true},
+                            {L"-12.50", ItemType_decimal, true},
+                            {L"true", ItemType_boolean, true},
                             {L"1", ItemType_string},
                             {L"a<b & \"c\"\t>\r\nd\\", ItemType_string},
                             {L"<![CDATA[<&]]>", ItemType_string},
                             {std::wstring(64, L'x'), ItemType_string},
                             {std::wstring(63, L'&') + L"\n", ItemType_string},
                             {std::wstring(200, L'y') + L'<', ItemType_string},
-                            {std::wstring(300, L'7'), ItemType_integer},
+                            {std::wstring(300, L'7'), ItemType_integer, true},
+                            {std::wstring(310, L'7'), ItemType_integer, true},
+                            {L"2026-11-22T10:30:00Z", ItemType_dateTime, true},
+                            {L"INF", ItemType_double, true},
+                            {L"<", ItemType_char, true},
                             {std::wstring(L"\0z", 2), ItemType_string},
                             {std::wstring(L"z\0z", 3), ItemType_string},
                             {L"\u00E9\u4E00\U0001F600", ItemType_string},
@@ -94,10 +99,10 @@ class RandomCalls {
       --m_depth;
     } else if (kind < 18) {
       const Value value = DrawValue();
-      m_writer.TextElement(DrawName(), value.text, value.type);
+      m_writer.TextElement(DrawName(), value.text, value.type, value.isCanonical);
     } else if (kind < 23) {
       const Value value = DrawValue();
-      m_writer.Attribute(DrawName(), value.text, value.type);
+      m_writer.Attribute(DrawName(), value.text, value.type, value.isCanonical);
     } else {
       Change(kind);
     }

@@ -7,6 +7,7 @@
 
 #include "RkXmlLib16/base/Enumerations.h"
 #include "RkXmlLib16/base/NameToken.h"
+#include "RkXmlLib16/base/internal/WideText.h"
 #include "RkXmlLib16/document/internal/NamespacePool.h"
 
 namespace RkXmlLib16 {
@@ -23,6 +24,22 @@ class CRecordOutput {
   virtual void StartElement(const CNameToken& name) = 0;
   virtual void TextElement(const CNameToken& name, std::wstring_view text, ItemType type, bool isCanonical) = 0;
   virtual void Attribute(const CNameToken& name, std::wstring_view value, ItemType type, bool isCanonical) = 0;
+};
+
+// Characters that a writer has ready, of which sixteen at a time are copied; there must be space for all of `text`.
+template <std::size_t kLongest>
+struct CReadyText {
+  static_assert(kLongest % 16 == 0);
+
+  wchar_t* CopyTo(wchar_t* to) const noexcept {
+    const std::size_t count = length;
+    for (std::size_t i = 0; i < count; i += 16)
+      for (std::size_t j = i; j < i + 16; j += 4) WideText::StoreFour(to + j, WideText::LoadFour(text + j));
+    return to + count;
+  }
+
+  std::size_t length;
+  wchar_t text[kLongest];
 };
 
 // What a form made of the names of records, `Made`, by the number of the name: one entry for each element and each
