@@ -12,7 +12,11 @@ if command -v ccache >/dev/null; then
   export CMAKE_CXX_COMPILER_LAUNCHER=ccache
 fi
 cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DRKXML_BUILD_BENCH=ON -DRKXML_BUILD_TESTS=OFF >/dev/null
-cmake --build "$build" --target rkxml_bench_streams rkxml | grep -E 'error:|FAILED' || true
+if ! log=$(cmake --build "$build" --target rkxml_bench_streams rkxml 2>&1); then
+  tail -n 100 <<<"$log" >&2
+  echo "memory: it does not build" >&2
+  exit 1
+fi
 streams=$build/bench/rkxml_bench_streams
 rkxml=$build/tools/rkxml/rkxml
 work=$(mktemp -d)
