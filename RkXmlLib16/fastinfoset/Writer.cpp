@@ -12,7 +12,7 @@
 //   Terminators   take four bits. One is owed until it is known whether it shares its octet with another.
 //   Scopes        Names carry their prefix, so that its declaration has to be in force. m_bindings holds those that
 //                 are. m_scope is a number for the present set of them; it changes whenever one comes or goes.
-//   Known names   The index of a name is looked for in this order, each step dearer than the one before:
+//   Known names   The index of a name is looked for in this order, each step slower than the one before:
 //                   RecordOutput                          the number of a record's name; for one scope
 //                   m_elementScope, m_attributeScope      the namespace: prefix and indices; for one scope
 //                   m_recentElements, m_recentAttributes  local name, prefix and namespace index
