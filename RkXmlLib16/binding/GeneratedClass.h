@@ -95,13 +95,14 @@ class RKXML_EXPORT CXmlGeneratedClass : public CXmlObjectBase {
   void WriteContent(CXmlWriter* writer, const CSerializationContext& context,
                     const RkXmlLib16Data::CParentElementInfo& info, bool isOptionalChoice) const;
   [[gnu::noinline]] void WriteSimpleContent(CXmlWriter* writer, const RkXmlLib16Data::CParentElementInfo& info) const;
-  void ProcessAttributesToXml(const CSerializationContext& context, const RkXmlLib16Data::CParentElementInfo& info,
+  void ProcessAttributesToXml(const CSerializationContext& context, RkXmlLib16Data::CElementInfo** elementInfos,
+                              RkXmlLib16Data::CAttributeInfo** attributeInfos, CXmlWriter* writer) const;
+  void ProcessElementSeqToXml(const CSerializationContext& context, RkXmlLib16Data::CElementInfo** infos,
                               CXmlWriter* writer) const;
-  // Of sequences and all groups, and of choices. `model` is this object or null.
-  void ProcessElementsToXml(const CSerializationContext& context, RkXmlLib16Data::CElementInfo** infos,
-                            const CModelObject* model, CXmlWriter* writer) const;
   void ProcessElementChoiceToXml(const CSerializationContext& context, RkXmlLib16Data::CElementInfo** infos,
-                                 const CModelObject* model, CXmlWriter* writer, bool isOptionalChoice) const;
+                                 CXmlWriter* writer, bool isOptionalChoice) const;
+  void ProcessElementAllToXml(const CSerializationContext& context, RkXmlLib16Data::CElementInfo** infos,
+                              CXmlWriter* writer) const;
 
   // Whether the record has nothing to write, as far as that can be told without asking for the property.
   static bool IsLeftOut(const CModelObject* model, const RkXmlLib16Data::CElementInfo& record) noexcept;
@@ -109,7 +110,7 @@ class RKXML_EXPORT CXmlGeneratedClass : public CXmlObjectBase {
   static bool IsWritten(const CModelObject* model, const RkXmlLib16Data::CElementInfo& record,
                         const CSerializationContext& context, CXmlWriter* writer);
   // This object as CModelObject, or null.
-  const CModelObject* AsModel(const RkXmlLib16Data::CParentElementInfo& info) const;
+  const CModelObject* AsModel() const;
   // This object as INillable, or null.
   const INillable* AsNillable(const RkXmlLib16Data::CParentElementInfo& info) const;
   // Whether some element record may write attributes of this object's element.

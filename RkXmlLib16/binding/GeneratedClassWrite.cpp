@@ -98,11 +98,13 @@ void CXmlGeneratedClass::WriteContent(CXmlWriter* writer, const CSerializationCo
   CElementInfo** const infos = GetClassElementInfo();
   switch (info.GetGroupType()) {
     case XmlElementGroupType_Sequence:
-    case XmlElementGroupType_All:
-      ProcessElementsToXml(context, infos, AsModel(info), writer);
+      ProcessElementSeqToXml(context, infos, writer);
       break;
     case XmlElementGroupType_Choice:
-      ProcessElementChoiceToXml(context, infos, AsModel(info), writer, isOptionalChoice);
+      ProcessElementChoiceToXml(context, infos, writer, isOptionalChoice);
+      break;
+    case XmlElementGroupType_All:
+      ProcessElementAllToXml(context, infos, writer);
       break;
     default:
       throw CRkException(L"Unknown XML Group Type");
@@ -133,8 +135,8 @@ void CXmlGeneratedClass::WriteSimpleContent(CXmlWriter* writer, const CParentEle
   }
 }
 
-inline const CModelObject* CXmlGeneratedClass::AsModel(const CParentElementInfo& info) const {
-  return info.IsOfModel() ? static_cast<const CModelObject*>(this) : nullptr;
+inline const CModelObject* CXmlGeneratedClass::AsModel() const {
+  return GetClassInfo()->IsOfModel() ? static_cast<const CModelObject*>(this) : nullptr;
 }
 
 inline bool CXmlGeneratedClass::IsLeftOut(const CModelObject* model, const CElementInfo& record) noexcept {
@@ -146,9 +148,10 @@ inline bool CXmlGeneratedClass::IsWritten(const CModelObject* model, const CElem
   return record.IsModelValue() && record.WriteModelValue(context, *model, writer);
 }
 
-void CXmlGeneratedClass::ProcessElementsToXml(const CSerializationContext& context, CElementInfo** infos,
-                                              const CModelObject* model, CXmlWriter* writer) const {
+void CXmlGeneratedClass::ProcessElementSeqToXml(const CSerializationContext& context, CElementInfo** infos,
+                                                CXmlWriter* writer) const {
   if (infos == nullptr) return;
+  const CModelObject* const model = AsModel();
   auto& object = const_cast<CXmlGeneratedClass&>(*this);  // a getter changes nothing
   RkVariant* value = nullptr;                             // unused, if it is there
   for (CElementInfo** info = infos; *info != nullptr; ++info) {
@@ -168,9 +171,14 @@ void CXmlGeneratedClass::ProcessElementsToXml(const CSerializationContext& conte
   }
 }
 
+void CXmlGeneratedClass::ProcessElementAllToXml(const CSerializationContext& context, CElementInfo** infos,
+                                                CXmlWriter* writer) const {
+  ProcessElementSeqToXml(context, infos, writer);
+}
+
 void CXmlGeneratedClass::ProcessElementChoiceToXml(const CSerializationContext& context, CElementInfo** infos,
-                                                   const CModelObject* model, CXmlWriter* writer,
-                                                   bool isOptionalChoice) const {
+                                                   CXmlWriter* writer, bool isOptionalChoice) const {
+  const CModelObject* const model = AsModel();
   for (CElementInfo** info = infos; info != nullptr && *info != nullptr; ++info) {
     if (model != nullptr && IsLeftOut(model, **info)) continue;
     const bool isWritten = model != nullptr && IsWritten(model, **info, context, writer);
@@ -189,7 +197,7 @@ void CXmlGeneratedClass::AttributesToXml_Int(CXmlWriter* writer, const CSerializ
     if (context.GetWriteTypeAttribute() && info.GetElementType() == XmlElementType_Element &&
         GetElementNameRef() != info.GetElementName())
       writer->WriteAttributeType(info.GetNamespace(), info.GetElementName(), ItemType_string);
-    ProcessAttributesToXml(context, info, writer);
+    ProcessAttributesToXml(context, GetClassElementInfo(), GetClassAttributeInfo(), writer);
   } catch (const CRkException& e) {
     throw CRkException(L"Failed to convert attributes to XML", e);
   }
@@ -199,14 +207,13 @@ inline bool CXmlGeneratedClass::HasInlineAttributes(const CParentElementInfo& in
   return info.Is(CParentElementInfo::kWithInlineAttributes, typeid(*this), [this] { return FindFacts(); });
 }
 
-void CXmlGeneratedClass::ProcessAttributesToXml(const CSerializationContext& context, const CParentElementInfo& info,
-                                                CXmlWriter* writer) const {
-  if (CAttributeInfo** record = GetClassAttributeInfo())
-    for (; *record != nullptr; ++record) (*record)->AttributeToXml(context, this, writer);
-  if (!HasInlineAttributes(info)) return;
-  CElementInfo** record = GetClassElementInfo();
-  for (; record != nullptr && *record != nullptr; ++record)
-    if ((*record)->MayHaveAttributes()) (*record)->PseudoChildAttributeToXml(context, this, writer);
+void CXmlGeneratedClass::ProcessAttributesToXml(const CSerializationContext& context, CElementInfo** elementInfos,
+                                                CAttributeInfo** attributeInfos, CXmlWriter* writer) const {
+  for (CAttributeInfo** info = attributeInfos; info != nullptr && *info != nullptr; ++info)
+    (*info)->AttributeToXml(context, this, writer);
+  if (elementInfos == nullptr || !HasInlineAttributes(*GetClassInfo())) return;
+  for (CElementInfo** info = elementInfos; *info != nullptr; ++info)
+    if ((*info)->MayHaveAttributes()) (*info)->PseudoChildAttributeToXml(context, this, writer);
 }
 
 }  // namespace RkXmlLib16
