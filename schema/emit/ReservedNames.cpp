@@ -90,7 +90,8 @@ bool IsMacro(const std::string& name) {
 
 const NameSet& GlobalNames() {
   static const NameSet names = Words(
-      "a64l arc4random l64a strfromf32x strfromf64x strtof32x strtof64x wcstof32x wcstof64x RkXmlLib16 RkXmlLib16Data RkXmlSchema std Xsd AbstractMember AttributeModel BuiltIn ClassData ClassModel "
+      "a64l arc4random l64a strfromf32x strfromf64x strtof32x strtof64x wcstof32x wcstof64x RkXmlLib16 RkXmlLib16Data "
+      "RkXmlSchema std Xsd AbstractMember AttributeModel BuiltIn ClassData ClassModel "
       "ElementModel EnumerationModel FindEnumeration GroupMember INillable MemberModel ObjectMember PrefixModel "
       "RkVariant SchemaModel SimpleTypeData Span ValueMember ValueModel WildcardMember WildcardModel "
       "GetDefaultContext NewModelCollection NewModelObject FILE abort abs accept access acct acos acosh alarm "

@@ -21,8 +21,8 @@ inline void GetProperty(RkXmlLib16::CXmlGeneratedClass& object, int index, const
     object.AccessProperty(index, /*get=*/true, value);
   } catch (const RkXmlLib16::CRkException& e) {
     throw RkXmlLib16::CRkValidationException(
-        RkXmlLib16::FormatString(L"Failed to get the property value for [%ls].", name.GetLocalName().c_str()), std::wstring(),
-        e);
+        RkXmlLib16::FormatString(L"Failed to get the property value for [%ls].", name.GetLocalName().c_str()),
+        std::wstring(), e);
   }
 }
 
