@@ -106,6 +106,13 @@ const CModelClass& ClassModel::Make() const {
   return m_made.compare_exchange_strong(none, made.get()) ? *made.release() : *none;
 }
 
+void CModelClass::TakeLeftOut(const CModelClass& base) {
+  for (std::size_t i = 0; i < std::min(base.m_properties.size(), m_properties.size()); ++i) {
+    ModelProperty& info = m_properties[i];
+    if (info.member == nullptr && info.values == nullptr) info = base.m_properties[i];
+  }
+}
+
 CModelClass::CModelClass(const ClassModel& model)
     : m_model(model),
       m_elementName(model.element != nullptr ? model.element->name : model.name),
@@ -146,6 +153,7 @@ CModelClass::CModelClass(const ClassModel& model)
     info.isPlain = false;
     info.startsEmpty = model.isMixed;
   }
+  if (model.base != nullptr) TakeLeftOut(model.base->Require());
 
   std::vector<CElementInfo*> elements;
   for (const MemberModel& member : model.members) {

@@ -148,7 +148,7 @@ struct ValueMember<int, Place> {
   }
   static void Check(const void* at, const ModelProperty& property, const wchar_t* name) {
     const std::wstring& text = Text(at, property);
-    if (property.FindText(text) < 0) ThrowInvalidValue(name, text);
+    if (static_cast<std::size_t>(Get(at)) >= property.texts.size()) ThrowInvalidValue(name, text);
     if (!property.facets.IsEmpty()) CXmlObjectHelper::CheckRestrictionForstring(name, text, property.facets);
   }
 };

@@ -194,6 +194,7 @@ bool CModelObject::MustCheck(int property) const noexcept { return m_class.GetPr
 void CModelObject::CheckValue(int property, CMember value) {
   const ModelProperty& info = m_class.GetProperty(property);
   if (!info.isPlain) {
+    if (!info.texts.empty()) value.Type().check(value.At(), info, info.name);
     RkVariant variant;
     value.Type().give(value.At(), info, variant);
     return CheckSet(property, variant);
@@ -299,7 +300,7 @@ void CModelObject::Ensure(int property) {
   if (value.PeekXmlCollection() != nullptr || value.PeekXmlObject() != nullptr) return;
   const bool wasFresh = m_isFresh;
   const ModelProperty& info = m_class.GetProperty(property);
-  if (property == GetModel().attributeWildcardProperty) {
+  if (property == GetModel().attributeWildcardProperty || info.member == nullptr) {
     value.SetXmlCollection(new CAttributeCol);
   } else if (info.member->IsCollection()) {
     value.SetXmlCollection(MakeCollection(property));

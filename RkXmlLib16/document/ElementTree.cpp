@@ -13,8 +13,7 @@
 //                 names have equal addresses, and names are never dropped. The hash is keyed, so that no input can
 //                 choose names that collide.
 //   Tokens        A name remembers the token of records that it was found to be (CXmlName::Is): its number, which no
-//   other
-//                 name ever has. Tokens that it is not are not remembered, as there may be more of them later.
+//                 other name ever has. Tokens that it is not are not remembered, as there may be more of them later.
 //   Blanks        Short white space is held once for all elements that have it (ShareBlanks). A block of capacity 0 is
 //                 shared and never written to.
 //   Filters       An element that the filter drops gives its storage back: the arenas return to where they were when it

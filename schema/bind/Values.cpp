@@ -150,6 +150,7 @@ void BindAtomic(const SimpleTypeDefinition& type, ValueBinding& value) {
   const bool hasLength = isString || IsBinary(value.itemType);
   if (isString && !f.enumeration.empty()) {
     value.kind = ValueBinding::Kind::Enumeration;
+    value.needsCheck = !f.patterns.empty() || f.length || f.minLength || f.maxLength;  // some may be no values any more
     return;
   }
   const std::wstring pattern = isString ? JoinPatterns(type) : std::wstring();

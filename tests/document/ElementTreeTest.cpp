@@ -7,6 +7,8 @@
 #include <vector>
 
 #include "Expect.h"
+#include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/context/SerializationContext.h"
 
 using namespace RkXmlTest;
 
@@ -171,6 +173,17 @@ TEST(ElementTree, KnowsWhatPrefixesMeanAtAnElement) {
     EXPECT_TEXT(L"urn:p", uri(a->GetNextSiblingElement(), L"p"));
     EXPECT_TEXT(L"urn:1", uri(a->GetNextSiblingElement(), L""));
     EXPECT_EQ(nullptr, r->LookupNamespaceRef(L"none"));
+  }
+}
+
+TEST(ElementTree, ForgetsTheDeclarationsOfADocumentThatFailed) {
+  for (const bool scans : {false, true}) {
+    CSerializationContext context;
+    context.SetScanPlainXml(scans);
+    CXmlDocument document(context);
+    EXPECT_THROW(document.LoadXml("<a xmlns='' p:b='1'/>"), CRkException);
+    document.LoadXml("<r/>");
+    EXPECT_EQ(nullptr, document.GetDocumentElement()->LookupNamespaceRef(L""));
   }
 }
 

@@ -135,6 +135,7 @@ TEST(PlainScanner, LeavesAllElse) {
       "<a xmlns:xml='u'/>",
       "<a xmlns:xmlns='u'/>",
       "<a xmlns:xml='http://www.w3.org/XML/1998/namespace'/>",
+      "<a xmlns='' xmlns:xml='http://www.w3.org/XML/1998/namespace'/>",
       "<a xmlns:p='http://www.w3.org/2000/xmlns/'/>",
       "<a xmlns='http://www.w3.org/XML/1998/namespace'/>",
       "<a xmlns='u|v'/>",

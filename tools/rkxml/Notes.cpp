@@ -36,6 +36,7 @@ void Notes::Answer(std::uint64_t question) {
 }
 
 bool Notes::Next() {
+  if (m_read == m_asked) return false;  // the document has changed since it was asked about
   const std::uint64_t question = m_read++;
   const std::uint64_t at = question / kBits;
   if (at >= m_windowStart) return (m_window[at - m_windowStart] & BitOf(question)) != 0;

@@ -78,6 +78,9 @@ class CModelClass {
   }
 
  private:
+  // The properties that a restriction leaves out; programs reach them through the base class all the same.
+  void TakeLeftOut(const CModelClass& base);
+
   const ClassModel& m_model;
   CParentElementInfo* m_info = nullptr;
   CElementInfo** m_elements = nullptr;

@@ -42,6 +42,13 @@ const Construct kConstructs[] = {
      {"", "<a>1</a>", "<a>1<x/></a><c/>", "<c/><a>1</a>", "<a>1</a><a>1</a><c/>", "<a>x</a><c/>",
       "<a>1</a><b>2021-02-29</b><c/>", "<a>1</a><c/><c/><c/>", "<a>3000000000</a><c/>", "<a>1</a>text<c/>",
       "<a>1</a><c x='1'/>", "x='1'|<a>1</a><c/>"}},
+    {"a pattern for some of the listed values",
+     "<xs:element name='r' type='t:some'/><xs:simpleType name='some'><xs:restriction base='t:all'><xs:pattern "
+     "value='a+'/></xs:restriction></xs:simpleType><xs:simpleType name='all'><xs:restriction base='xs:string'>"
+     "<xs:enumeration value='a'/><xs:enumeration value='aa'/><xs:enumeration value='b'/></xs:restriction>"
+     "</xs:simpleType>",
+     {"a", "aa"},
+     {"b", "aaa", ""}},
     {"a collection that must stop",
      "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='a' type='xs:int' minOccurs='2' "
      "maxOccurs='2'/><xs:element name='a' type='xs:int'/><xs:element name='b' type='t:g' minOccurs='2' maxOccurs='2'/>"

@@ -125,6 +125,8 @@ TEST(GeneratedTest, GuardsItsMembers) {
   EXPECT_EQ(FailureOf([&] { order->SetId(L"7"); }).substr(0, 24), "Invalid Value for id [7]");
   EXPECT_FALSE(order->HasId());
   EXPECT_EQ(order->GetCurrency(), order::ECurrencyType::EUR);
+  EXPECT_NE(FailureOf([&] { order->SetCurrency(static_cast<order::ECurrencyType>(3)); }), "");
+  EXPECT_EQ(order->GetCurrency(), order::ECurrencyType::EUR);
   order->SetId(L"RK-1");
   EXPECT_EQ(FailureOf([&] { order->ToXml(); }), "/order: The Property [customer] is mandatory, it may not be NULL");
   order->ClearId();
@@ -147,6 +149,18 @@ TEST(GeneratedTest, GuardsItsMembers) {
   EXPECT_EQ(order->GetLines(), nullptr);
   order->GetOrAddLines()->GetChoice()->AddNew()->GetOrAddService()->SetName(L"work");
   EXPECT_EQ(order->GetLines()->GetChoice()->GetCount(), 1);
+}
+
+TEST(GeneratedTest, MembersThatARestrictionLeavesOutAreNotWritten) {
+  const CSmartPtr<constructs::CNarrow> narrow(new constructs::CNarrow);
+  narrow->SetX(L"1");
+  narrow->GetChild()->AddNew()->SetX(L"2");
+  EXPECT_EQ(narrow->GetChild()->GetCount(), 1);
+  const std::string xml = narrow->ToXmlUtf8();
+  EXPECT_NE(xml.find("1"), std::string::npos);
+  EXPECT_EQ(xml.find("child"), std::string::npos);
+  narrow->FromXml(xml.c_str());
+  EXPECT_EQ(narrow->GetChild()->GetCount(), 0);
 }
 
 TEST(GeneratedTest, BeginsAnewWhenItIsReadAgain) {
