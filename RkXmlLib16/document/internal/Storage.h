@@ -42,8 +42,8 @@ struct RKXML_HIDDEN CXmlDocument::Storage {
 
   // Whether nothing was added or noted yet, as when a new document is emptied before its first load.
   bool IsUntouched() const noexcept {
-    return nodeCount == 0 && nameCount == 0 && charCount + lastingCharCount == 0 && aliases.empty() &&
-           noted.empty() && siblings == nullptr;
+    return nodeCount == 0 && nameCount == 0 && charCount + lastingCharCount == 0 && aliases.empty() && noted.empty() &&
+           siblings == nullptr;
   }
   void GrowNameTable();
   void Open(CXmlElement* previousSibling);  // before an element is made
