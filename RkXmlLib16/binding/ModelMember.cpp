@@ -78,23 +78,24 @@ struct ValueMember {
   static void Take(void* at, const ModelProperty& property, const RkVariant& from) {
     Visit<T>(property.values->itemType, [&](auto item) { Place::Make(at) = Item<item>::Take(from); });
   }
+  template <ItemType kItem>
+  static void ReadAs(T& value, std::wstring_view text, CWhitespaceUtils::WhitespaceRule rule) {
+    if constexpr (kItem == ItemType_string) {
+      std::wstring scratch;
+      const std::wstring_view kept = IsKept(rule) ? text : CWhitespaceUtils::ApplyRule(rule, text, scratch);
+      if (kept.size() > value.capacity())
+        value = std::wstring(kept);  // in fewer steps than assign
+      else
+        value.assign(kept);
+    } else if constexpr (kItem == ItemType_decimal || kItem == ItemType_dateTime) {
+      if (!value.ParsePlain(text)) value = CConversions::FromText<kItem>(text, rule);
+    } else {
+      value = CConversions::FromText<kItem>(text, rule);
+    }
+  }
   static bool Read(void* at, const ModelProperty& property, std::wstring_view text) {
-    const CWhitespaceUtils::WhitespaceRule rule = property.values->whitespace;
-    Visit<T>(property.values->itemType, [&](auto item) {
-      T& value = Place::Make(at);
-      if constexpr (item == ItemType_string) {
-        std::wstring scratch;
-        const std::wstring_view kept = IsKept(rule) ? text : CWhitespaceUtils::ApplyRule(rule, text, scratch);
-        if (kept.size() > value.capacity())
-          value = std::wstring(kept);  // in fewer steps than assign
-        else
-          value.assign(kept);
-      } else if constexpr (item == ItemType_decimal || item == ItemType_dateTime) {
-        if (!value.ParsePlain(text)) value = CConversions::FromText<item>(text, rule);
-      } else {
-        value = CConversions::FromText<item>(text, rule);
-      }
-    });
+    Visit<T>(property.values->itemType,
+             [&](auto item) { ReadAs<item>(Place::Make(at), text, property.values->whitespace); });
     return true;
   }
   static const std::wstring& Print(const void* at, const ModelProperty& property, std::wstring& buffer) {

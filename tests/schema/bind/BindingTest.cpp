@@ -135,7 +135,7 @@ TEST(Binding, Values) {
   EXPECT_NO_THROW(CXmlObjectHelper::CheckRestrictionForstring(L"", L"bb", pattern.facets));
   EXPECT_THROW(CXmlObjectHelper::CheckRestrictionForstring(L"", L"a", pattern.facets), CRkException);
   EXPECT_THROW(CXmlObjectHelper::CheckRestrictionForstring(L"", L"ab", pattern.facets), CRkException);
-  for (const std::size_t i : {2, 3}) {
+  for (const std::size_t i : {std::size_t{2}, std::size_t{3}}) {
     EXPECT_EQ(ValueBinding::Kind::Text, attributes[i].value->kind);
     EXPECT_TRUE(attributes[i].value->needsCheck);
   }
