@@ -244,10 +244,7 @@ void CJsonTextWriter::RecordOutput::Attribute(const CNameToken& name, std::wstri
 }
 
 CJsonTextWriter::CJsonTextWriter(CTextStream& stream) : m_stream(stream) {
-  m_inventsPrefixes = false;
-  SetRecordOutput(typeid(CJsonTextWriter), [](CXmlWriter& writer) -> std::unique_ptr<CRecordOutput> {
-    return std::make_unique<RecordOutput>(static_cast<CJsonTextWriter&>(writer));
-  });
+  m_inventsPrefixes = false;  // and sets no RecordOutput: its keys were wrong in large documents
 }
 CJsonTextWriter::~CJsonTextWriter() = default;
 
