@@ -119,7 +119,7 @@ class [[gnu::visibility("hidden")]] CJsonTextWriter::RecordOutput final : public
   // The start of the line and the key.
   struct Made {
     static constexpr std::size_t kLongest = 48;
-    static constexpr std::int64_t kNoLevel = -1;
+    static constexpr std::int64_t kNoLevel = INT64_MIN;  // arrays inside arrays bring levels below 0
 
     const std::wstring* prefix;
     std::int64_t level;
@@ -244,7 +244,10 @@ void CJsonTextWriter::RecordOutput::Attribute(const CNameToken& name, std::wstri
 }
 
 CJsonTextWriter::CJsonTextWriter(CTextStream& stream) : m_stream(stream) {
-  m_inventsPrefixes = false;  // and sets no RecordOutput: its keys were wrong in large documents
+  m_inventsPrefixes = false;
+  SetRecordOutput(typeid(CJsonTextWriter), [](CXmlWriter& writer) -> std::unique_ptr<CRecordOutput> {
+    return std::make_unique<RecordOutput>(static_cast<CJsonTextWriter&>(writer));
+  });
 }
 CJsonTextWriter::~CJsonTextWriter() = default;
 
