@@ -232,7 +232,39 @@ void ExpectSame(const Written& own, const Written& derived, std::uint32_t seed) 
                                             << std::string(own.octets.begin(), own.octets.end());
 }
 
+// Each array that ends takes its owner's members one level out, in the end to levels below 0.
+template <class Writer>
+std::string WriteArraysInARow() {
+  CUtf8TextStream stream;
+  Writer w(stream);
+  w.SetStrictOutput(false);
+  w.Open();
+  w.WriteStartDocument();
+  const CNameToken root(L"root", L""), list(L"list", L""), item(L"item", L"");
+  w.StartElement(root);
+  for (int i = 0; i < 6; ++i) {
+    const CNameToken inner(L"inner" + std::to_wstring(i), L""), next(L"next" + std::to_wstring(i), L"");
+    w.StartElement(list);
+    w.SetContextState(ContextState_CollectionStart);
+    w.StartElement(item);
+    w.TextElement(inner, L"1", ItemType_int);
+    w.WriteEndElement();
+    w.SetContextState(ContextState_CollectionEnd);
+    w.WriteEndElement();
+    w.TextElement(next, L"2", ItemType_int);
+  }
+  w.WriteEndElement();
+  w.WriteEndDocument();
+  w.Close();
+  const Octets octets = OctetsOf(stream.TakeBytes());
+  return {octets.begin(), octets.end()};
+}
+
 }  // namespace
+
+TEST(RecordNames, HaveTheirKeysAtEachLevelOfJson) {
+  EXPECT_EQ(WriteArraysInARow<Derived<CJsonTextWriter>>(), WriteArraysInARow<CJsonTextWriter>());
+}
 
 TEST(RecordNames, AreWrittenAsByDerivedWriters) {
   using DerivedXml = Derived<CXmlTextWriter>;
