@@ -87,62 +87,6 @@ TEST(Binding, MembersAndRecords) {
   }
 }
 
-// The members of the base come first and keep their properties; a choice that is extended is a group.
-TEST(Binding, DerivedClassesContinueTheirBase) {
-  const Bound bound(
-      "<xs:complexType name='b'><xs:choice><xs:element name='x' type='xs:int'/><xs:element name='y' type='xs:int'/>"
-      "</xs:choice><xs:attribute name='n' type='xs:int'/></xs:complexType><xs:complexType name='d'><xs:complexContent>"
-      "<xs:extension base='t:b'><xs:sequence><xs:element name='z' type='xs:int'/></xs:sequence><xs:attribute name='m' "
-      "type='xs:int'/></xs:extension></xs:complexContent></xs:complexType><xs:complexType name='r'><xs:complexContent>"
-      "<xs:restriction base='t:b'><xs:choice><xs:element name='x' type='xs:int'/></xs:choice></xs:restriction>"
-      "</xs:complexContent></xs:complexType>");
-  ASSERT_NE(nullptr, bound.binding);
-  const ClassBinding& base = bound.Class(L"b");
-  const ClassBinding& derived = bound.Class(L"d");
-  const ClassBinding& restricted = bound.Class(L"r");
-  EXPECT_EQ("x:SeqClsMnd(x:ChoicePrimOpt y:ChoicePrimOpt)", Members(base));
-  EXPECT_EQ("x:SeqClsMnd(x:ChoicePrimOpt y:ChoicePrimOpt) z:SeqPrimMnd", Members(derived));
-  EXPECT_EQ(1u, derived.inheritedMembers);
-  EXPECT_EQ(1u, derived.inheritedAttributes);
-  EXPECT_EQ(base.members[0].property, derived.members[0].property);
-  EXPECT_EQ(base.propertyCount, derived.attributes[1].property);
-  EXPECT_EQ(&base, derived.base);
-  EXPECT_EQ(0u, restricted.inheritedMembers);
-  EXPECT_EQ(2u, base.derived.size());
-}
-
-TEST(Binding, Values) {
-  const Bound bound(
-      "<xs:complexType name='r'><xs:attribute name='digits'><xs:simpleType><xs:restriction "
-      "base='xs:int'><xs:totalDigits "
-      "value='2'/><xs:minInclusive value='-5'/></xs:restriction></xs:simpleType></xs:attribute><xs:attribute "
-      "name='pattern'><xs:simpleType><xs:restriction base='t:two'><xs:pattern value='..'/></xs:restriction>"
-      "</xs:simpleType></xs:attribute><xs:attribute name='list' type='xs:NMTOKENS'/><xs:attribute name='money'>"
-      "<xs:simpleType><xs:restriction base='xs:decimal'><xs:pattern value='\\d'/></xs:restriction></xs:simpleType>"
-      "</xs:attribute><xs:attribute name='byte' type='xs:byte' fixed='1'/></xs:complexType><xs:simpleType name='two'>"
-      "<xs:restriction base='xs:string'><xs:pattern value='a+'/><xs:pattern value='b+'/></xs:restriction>"
-      "</xs:simpleType>");
-  ASSERT_NE(nullptr, bound.binding);
-  const auto& attributes = bound.Class(L"r").attributes;
-  ASSERT_EQ(5u, attributes.size());
-  const ValueBinding& digits = *attributes[0].value;
-  EXPECT_EQ(ItemType_int, digits.itemType);
-  EXPECT_EQ(L"-5", digits.facets.GetMinInclusive());
-  EXPECT_EQ(L"99", digits.facets.GetMaxInclusive());
-  EXPECT_EQ(-1, digits.facets.GetTotalDigits());
-  const ValueBinding& pattern = *attributes[1].value;
-  EXPECT_NO_THROW(CXmlObjectHelper::CheckRestrictionForstring(L"", L"aa", pattern.facets));
-  EXPECT_NO_THROW(CXmlObjectHelper::CheckRestrictionForstring(L"", L"bb", pattern.facets));
-  EXPECT_THROW(CXmlObjectHelper::CheckRestrictionForstring(L"", L"a", pattern.facets), CRkException);
-  EXPECT_THROW(CXmlObjectHelper::CheckRestrictionForstring(L"", L"ab", pattern.facets), CRkException);
-  for (const std::size_t i : {std::size_t{2}, std::size_t{3}}) {
-    EXPECT_EQ(ValueBinding::Kind::Text, attributes[i].value->kind);
-    EXPECT_TRUE(attributes[i].value->needsCheck);
-  }
-  EXPECT_TRUE(attributes[4].value->facets.IsEmpty());
-  EXPECT_TRUE(attributes[4].defaultValue.isFixed);
-}
-
 TEST(Binding, TellsWhatIsNotCheckedAndNotKept) {
   const Bound bound(
       "<xs:element name='r'><xs:complexType mixed='true'><xs:sequence><xs:element name='a' minOccurs='0'/>"

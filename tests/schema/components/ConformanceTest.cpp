@@ -6,7 +6,7 @@
 #include <set>
 #include <sstream>
 
-#include "Schemas.h"
+#include "support/Schemas.h"
 
 namespace RkXmlSchema {
 namespace {

@@ -1,7 +1,7 @@
 // Schemas that cost far more than their size suggests: reading ends soon, with a diagnostic or without.
 #include <gtest/gtest.h>
 
-#include "Schemas.h"
+#include "support/Schemas.h"
 
 namespace RkXmlSchema {
 namespace {

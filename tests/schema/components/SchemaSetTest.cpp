@@ -5,71 +5,17 @@
 #include <filesystem>
 #include <fstream>
 
+#include "Expect.h"
 #include "RkXmlLib16/io/Encoder.h"
-#include "Schemas.h"
 #include "schema/components/SimpleValue.h"
+#include "support/Schemas.h"
 
 namespace RkXmlSchema {
 namespace {
 
+using RkXmlTest::Narrow;
+
 namespace fs = std::filesystem;
-
-std::string Narrow(const std::wstring& text) { return std::string(text.begin(), text.end()); }
-
-TEST(SchemaSet, LinksComponents) {
-  const auto set = Read(R"(
-    <xs:element name='order' type='t:Order' nillable='true'><xs:annotation><xs:documentation> An  order. </xs:documentation>
-      </xs:annotation><xs:key name='k'><xs:selector xpath='.//t:item'/><xs:field xpath='@sku'/></xs:key></xs:element>
-    <xs:element name='special' type='t:Special' substitutionGroup='t:order'/>
-    <xs:element name='plain' substitutionGroup='t:order'/>
-    <xs:group name='lines'><xs:choice><xs:element name='item' type='xs:string' maxOccurs='unbounded'/><xs:any namespace='##other'/>
-      </xs:choice></xs:group>
-    <xs:attributeGroup name='ids'><xs:attribute name='id' type='xs:ID' use='required'/><xs:anyAttribute/></xs:attributeGroup>
-    <xs:complexType name='Order' abstract='true'><xs:sequence><xs:group ref='t:lines' minOccurs='0' maxOccurs='7'/></xs:sequence>
-      <xs:attributeGroup ref='t:ids'/><xs:attribute name='rank' type='xs:int' default=' 3 '/></xs:complexType>
-    <xs:complexType name='Special'><xs:complexContent><xs:extension base='t:Order'><xs:sequence>
-      <xs:element name='note' type='t:Note'/></xs:sequence></xs:extension></xs:complexContent></xs:complexType>
-    <xs:complexType name='Note' mixed='true'><xs:sequence><xs:element ref='t:order' minOccurs='0'/></xs:sequence></xs:complexType>
-    <xs:complexType name='Price'><xs:simpleContent><xs:extension base='xs:decimal'><xs:attribute name='unit'/></xs:extension>
-      </xs:simpleContent></xs:complexType>
-    <xs:complexType name='Cheap'><xs:simpleContent><xs:restriction base='t:Price'><xs:maxInclusive value='9'/>
-      <xs:attribute name='unit' use='prohibited'/></xs:restriction></xs:simpleContent></xs:complexType>)");
-  ASSERT_EQ(Lines(*set), L"");
-  const ElementDeclaration& order = *set->FindElement({L"urn:t", L"order"});
-  EXPECT_EQ(order.documentation, L"An order.");
-  EXPECT_EQ(order.location.line, 3u);
-  EXPECT_EQ(order.location.column, 5u);
-  EXPECT_TRUE(order.isNillable);
-  ASSERT_EQ(order.substitutionGroup.size(), 2u);
-  EXPECT_EQ(order.substitutionGroup[1]->type, order.type);
-  ASSERT_EQ(order.identityConstraints.size(), 1u);
-
-  const ComplexTypeDefinition& type = *order.type->AsComplex();
-  EXPECT_TRUE(type.isAbstract);
-  EXPECT_EQ(type.derivedTypes.size(), 1u);
-  ASSERT_EQ(type.attributeUses.size(), 2u);
-  EXPECT_TRUE(type.attributeUses[0]->required);
-  EXPECT_EQ(type.attributeUses[1]->value.normalized, L"3");
-  EXPECT_EQ(type.attributeWildcard->written, L"##any");
-  const Particle& lines = *type.particle->group->particles[0];
-  EXPECT_TRUE(lines.IsGroupReference());
-  EXPECT_EQ(lines.maxOccurs, 7u);
-  EXPECT_EQ(lines.group->particles[0]->maxOccurs, kUnbounded);
-  EXPECT_FALSE(lines.group->particles[1]->wildcard->Allows(L"urn:t"));
-
-  const ComplexTypeDefinition& special = *set->FindType({L"urn:t", L"Special"})->AsComplex();
-  EXPECT_EQ(special.derivation, kExtension);
-  EXPECT_EQ(special.particle->group->particles[0], type.particle);
-  EXPECT_EQ(special.particle->group->particles[1], special.ownParticle);
-  EXPECT_EQ(special.attributeUses, type.attributeUses);
-  EXPECT_TRUE(special.IsDerivedFrom(&type));
-  EXPECT_TRUE(set->FindType({L"urn:t", L"Note"})->AsComplex()->IsMixed());
-
-  const ComplexTypeDefinition& cheap = *set->FindType({L"urn:t", L"Cheap"})->AsComplex();
-  EXPECT_EQ(cheap.simpleContentType->builtIn, BuiltInType::Decimal);
-  EXPECT_EQ(cheap.simpleContentType->facets.maxInclusive->text, L"9");
-  EXPECT_TRUE(cheap.attributeUses.empty());
-}
 
 TEST(SchemaSet, ReadsNamesByThePrefixesInScope) {
   const auto set = Read(

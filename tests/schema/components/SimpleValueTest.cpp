@@ -1,13 +1,12 @@
 #include "schema/components/SimpleValue.h"
 
-#include <gtest/gtest.h>
-
-#include "Schemas.h"
+#include "Expect.h"
+#include "support/Schemas.h"
 
 namespace RkXmlSchema {
 namespace {
 
-std::string Narrow(std::wstring_view text) { return std::string(text.begin(), text.end()); }
+using RkXmlTest::Narrow;
 
 TEST(SimpleValue, HasTheLexicalSpaceOfItsType) {
   const CSchemaSet set;

@@ -1,25 +1,19 @@
 // Schemas and documents of others, where they are at hand: RKXML_SHARED/schemas.
-#include <gtest/gtest.h>
-
 #include <chrono>
 #include <fstream>
 #include <map>
 #include <sstream>
 
 #include "Documents.h"
+#include "Expect.h"
 
 namespace RkXmlSchema {
 namespace {
 
 namespace fs = std::filesystem;
+using RkXmlTest::Narrow;
 
 const fs::path kSchemas = fs::path(RKXML_SHARED) / "schemas";
-
-std::string Narrow(const std::wstring& text) {
-  std::string narrow;
-  for (const wchar_t c : text.substr(0, 400)) narrow += c < 0x80 ? static_cast<char>(c) : '?';
-  return narrow;
-}
 
 std::vector<fs::path> FilesIn(const fs::path& folder, const std::string& ending) {
   std::vector<fs::path> files;
@@ -75,7 +69,7 @@ void CheckFolder(const std::string& folder, const std::vector<fs::path>& schemas
     if (error.empty()) error = RoundTrip(schema, file);
     if (error.empty()) continue;
     ++bad;
-    std::printf("%s: %s\n", file.filename().c_str(), Narrow(error).c_str());
+    std::printf("%s: %s\n", file.filename().c_str(), Narrow(error.substr(0, 400)).c_str());
   }
   std::printf("%s: %zu of %zu\n", folder.c_str(), documents.size() - bad, documents.size());
   // One document of UBL is not valid.

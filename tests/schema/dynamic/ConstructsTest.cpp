@@ -1,12 +1,14 @@
 // What each construct of a schema makes of documents: those that are valid come back in every form, others are refused.
-#include <gtest/gtest.h>
-
 #include "Documents.h"
+#include "Expect.h"
+#include "support/Schemas.h"
+#include "support/Tree.h"
 
 namespace RkXmlSchema {
 namespace {
 
 using namespace RkXmlLib16;
+using RkXmlTest::Narrow;
 
 struct Construct {
   const char* name;
@@ -14,12 +16,6 @@ struct Construct {
   std::vector<const char*> valid;
   std::vector<const char*> invalid;
 };
-
-std::string Schema(const std::string& parts) {
-  return "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema' xmlns:t='urn:t' targetNamespace='urn:t' "
-         "elementFormDefault='qualified'>" +
-         parts + "</xs:schema>";
-}
 
 // <r> in the namespace of the schema, with the prefixes that the documents use.
 std::string Document(const std::string& inner) {
@@ -30,8 +26,6 @@ std::string Document(const std::string& inner) {
          "xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' " +
          attributes + ">" + content + "</r>";
 }
-
-std::string Narrow(const std::wstring& text) { return {text.begin(), text.end()}; }
 
 const Construct kConstructs[] = {
     {"sequence",
@@ -192,13 +186,13 @@ TEST(DynamicConstructs, AHandlerIsToldOfAllErrorsOfADocument) {
              "maxOccurs='2'/><xs:element name='e' type='xs:int'/></xs:sequence></xs:complexType></xs:element>"
              "</xs:sequence><xs:attribute name='x' type='xs:int'/></xs:complexType></xs:element>"));
   ASSERT_TRUE(schema.IsUsable()) << Narrow(schema.GetErrors());
-  std::string xml = Document(
+  const std::string xml = Document(
       "x='y'|text<q><z/></q><v>1</v><v n='1'>2</v><v>b</v><v><z/></v><v>5</v>"
       "<d xsi:nil='true'>no</d><w xsi:type='xs:string'><o:p/><e>f</e></w>");
   CErrorCollector collector;
   CSerializationContext context;
   CXmlDocument document(context);
-  document.LoadXmlStream(reinterpret_cast<unsigned char*>(xml.data()), xml.size());
+  RkXmlTest::Load(document, xml);
   context.SetErrorHandler(&collector);
   const auto object = schema.Get().Read(document, context);
   std::wstring places;

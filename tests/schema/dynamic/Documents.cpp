@@ -1,9 +1,10 @@
 #include "Documents.h"
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <set>
+
+#include "support/TempFile.h"
+#include "support/Tree.h"
 
 namespace RkXmlSchema {
 
@@ -41,23 +42,13 @@ std::wstring Describe(const CRkException& e) {
 
 namespace {
 
-std::string Slurp(const std::filesystem::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-void LoadText(CXmlDocument& document, const std::string& bytes) {
-  std::string copy = bytes;
-  document.LoadXmlStream(reinterpret_cast<unsigned char*>(copy.data()), copy.size());
-}
-
 // A collector of errors is told of them where the call without one throws.
 std::wstring CheckDocument(const CDynamicSchema& schema, const std::string& bytes) {
   CSerializationContext context;
   CXmlDocument document(context);
   std::wstring failure;
   try {
-    LoadText(document, bytes);
+    RkXmlTest::Load(document, bytes);
     schema.Read(document, context);
   } catch (const CRkException& e) {
     failure = Describe(e);
@@ -159,7 +150,7 @@ std::wstring Compare(const CXmlElement& a, const CXmlElement& b) {
 }  // namespace
 
 std::wstring CSchemaUnderTest::Check(const std::filesystem::path& file) const {
-  return CheckDocument(*m_dynamic, Slurp(file));
+  return CheckDocument(*m_dynamic, RkXmlTest::ReadFile(file));
 }
 
 std::wstring CSchemaUnderTest::CheckText(const std::string& xml) const { return CheckDocument(*m_dynamic, xml); }
@@ -169,7 +160,7 @@ std::wstring RoundTripText(const CSchemaUnderTest& schema, const std::string& by
   const wchar_t* stage = L"reading";
   try {
     CXmlDocument document(context);
-    LoadText(document, bytes);
+    RkXmlTest::Load(document, bytes);
     const CSmartPtr<CDynamicObject> object = schema.Get().Read(document, context);
     KeepPrefixes(document, context);
     context.GetJsonContext()->SetSupportRoundtrip(JsonRoundTrip_Namespaces);
@@ -205,7 +196,7 @@ std::wstring RoundTripText(const CSchemaUnderTest& schema, const std::string& by
 }
 
 std::wstring RoundTrip(const CSchemaUnderTest& schema, const std::filesystem::path& file) {
-  return RoundTripText(schema, Slurp(file));
+  return RoundTripText(schema, RkXmlTest::ReadFile(file));
 }
 
 }  // namespace RkXmlSchema

@@ -1,10 +1,10 @@
 #include "Differential.h"
 
-#include <fstream>
 #include <functional>
-#include <iterator>
 
 #include "RkXmlLib16/RkXmlLib16.h"
+#include "support/Tree.h"
+#include "support/Variants.h"
 
 namespace RkXmlSchema {
 
@@ -19,11 +19,6 @@ std::string Chain(const CRkException& e) {
   for (const CRkException* inner = &e; inner != nullptr; inner = inner->GetInnerException())
     text += "\n  " + ToUtf8(inner->GetMessage()) + " at " + ToUtf8(inner->GetPath());
   return text + "\n";
-}
-
-void Load(CXmlDocument& document, const std::string& bytes) {
-  std::string copy = bytes;
-  document.LoadXmlStream(reinterpret_cast<unsigned char*>(copy.data()), copy.size());
 }
 
 void AddPrefixes(const CXmlDocument& document, CSerializationContext& context) {
@@ -49,7 +44,7 @@ std::string Outcome(const std::string& bytes, const Reader& read) {
   CErrorCollector collector;
   context.SetErrorHandler(&collector);
   Attempt(outcome, [&] {
-    Load(document, bytes);
+    RkXmlTest::Load(document, bytes);
     read(document, context);
   });
   for (const auto& error : collector.GetErrors()) outcome += "collected " + Chain(*error);
@@ -76,75 +71,7 @@ std::string Outcome(const std::string& bytes, const Reader& read) {
   return outcome;
 }
 
-void Flatten(CElement& element, std::vector<CElement*>& all) {
-  all.push_back(&element);
-  for (int i = 0; i < element.GetChildCount(); ++i) Flatten(*element.GetChild(i), all);
-}
-
-// One change of a child of an element. False where there is nothing to do.
-using Rule = bool (*)(CElement& parent, CElement& child, int at);
-
-constexpr Rule kRules[] = {
-    [](CElement& parent, CElement&, int at) {
-      parent.RemoveChild(at);
-      return true;
-    },
-    [](CElement& parent, CElement& child, int at) {
-      parent.InsertChild(at, &child);
-      return true;
-    },
-    [](CElement& parent, CElement& child, int at) {
-      parent.RemoveChild(at);
-      parent.InsertChild(at, CSmartPtr<CElement>(new CElement(L"renamed", child.GetNamespace())));
-      return true;
-    },
-    [](CElement& parent, CElement& child, int at) {
-      if (at + 1 >= parent.GetChildCount()) return false;
-      const CSmartPtr<CElement> kept(&child);
-      parent.RemoveChild(at);
-      parent.InsertChild(at + 1, kept);
-      return true;
-    },
-    [](CElement& parent, CElement&, int) {
-      parent.SetText(L"text");
-      return true;
-    },
-    [](CElement&, CElement& child, int) {
-      child.SetText(L"no \x2603 value");
-      return true;
-    },
-    [](CElement&, CElement& child, int) {
-      child.SetText(L"");
-      return true;
-    },
-    [](CElement&, CElement& child, int) {
-      child.SetText(L" -7 ");
-      return true;
-    },
-    [](CElement&, CElement& child, int) {
-      child.SetAttribute(L"unknown", L"x");
-      return true;
-    },
-    [](CElement&, CElement& child, int) {
-      child.SetAttribute(L"nil", L"true", kInstanceNamespace);
-      return true;
-    },
-    [](CElement&, CElement& child, int) {
-      child.SetAttribute(L"type", L"noSuchType", kInstanceNamespace);
-      return true;
-    },
-    [](CElement&, CElement& child, int) {
-      child.InsertChild(0, CSmartPtr<CElement>(new CElement(L"inner", L"")));
-      return true;
-    },
-};
-
 }  // namespace
-
-std::string Slurp(const std::filesystem::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), {}};
-}
 
 CDifferential::CDifferential(const std::vector<std::filesystem::path>& schemas, const SchemaModel& classes)
     : m_classes(classes) {
@@ -173,26 +100,26 @@ std::wstring CDifferential::CompareVariants(const std::string& document, int& co
   count = 1;
   CSerializationContext context;
   CXmlDocument source(context);
-  Load(source, document);
+  RkXmlTest::Load(source, document);
   if (source.GetDocumentElement() == nullptr) return difference;
   AddPrefixes(source, context);
   CElement whole;
   whole.FromXmlElement(source.GetDocumentElement(), context);
   std::vector<CElement*> elements;
-  Flatten(whole, elements);
-  const std::size_t step = elements.size() * std::size(kRules) / most + 1;
+  RkXmlTest::Flatten(whole, elements);
+  const std::size_t step = elements.size() * std::size(RkXmlTest::kRules) / most + 1;
   std::size_t next = 0;
-  for (const Rule rule : kRules) {
+  for (const RkXmlTest::Rule& rule : RkXmlTest::kRules) {
     for (std::size_t place = 0; place < elements.size(); ++place) {
       for (int at = 0; at < elements[place]->GetChildCount() && difference.empty(); ++at) {
         if (next++ % step != 0) continue;
         CElement copy;
         copy.FromXmlElement(source.GetDocumentElement(), context);
         std::vector<CElement*> copies;
-        Flatten(copy, copies);
+        RkXmlTest::Flatten(copy, copies);
         CElement& parent = *copies[place];
         const CSmartPtr<CElement> child(parent.GetChild(at));
-        if (!rule(parent, *child, at)) continue;
+        if (!rule.apply(parent, *child, at)) continue;
         const std::string changed = copy.ToXmlUtf8(true, true, EOLType_LF, context);
         ++count;
         difference = Compare(changed);

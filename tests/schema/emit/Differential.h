@@ -30,8 +30,6 @@ class CDifferential {
   const RkXmlLib16::SchemaModel& m_classes;
 };
 
-std::string Slurp(const std::filesystem::path& file);
-
 }  // namespace RkXmlSchema
 
 #endif

@@ -6,12 +6,14 @@
 #include "gpx.h"
 #include "order.h"
 #include "other.h"
+#include "support/TempFile.h"
 
 namespace RkXmlSchema {
 namespace {
 
 using namespace RkXmlLib16;
 namespace fs = std::filesystem;
+using RkXmlTest::ReadFile;
 
 const fs::path kExamples = RKXML_EXAMPLES;
 
@@ -36,10 +38,10 @@ std::string Shortened(std::string text, const std::string& last) {
 TEST(GeneratedTest, MakesTheSameOfDocumentsAsObjectsWithoutClasses) {
   int count = 0;
   const CDifferential orders({kExamples / "order/order.xsd"}, order::kSchema);
-  EXPECT_EQ(orders.CompareVariants(Slurp(kExamples / "data/order.xml"), count), L"");
+  EXPECT_EQ(orders.CompareVariants(ReadFile(kExamples / "data/order.xml"), count), L"");
   EXPECT_GT(count, 300);
   const CDifferential tracks({kExamples / "gpx/gpx.xsd"}, GPX_1_1::kSchema);
-  const std::string track = Slurp(kExamples / "data/track.gpx");
+  const std::string track = ReadFile(kExamples / "data/track.gpx");
   EXPECT_EQ(tracks.Compare(track), L"");
   EXPECT_EQ(tracks.CompareVariants(Shortened(track, "<trkpt"), count), L"");
   EXPECT_GT(count, 300);
@@ -48,7 +50,7 @@ TEST(GeneratedTest, MakesTheSameOfDocumentsAsObjectsWithoutClasses) {
 TEST(GeneratedTest, SaysTheSameOfEveryConstruct) {
   int count = 0;
   const CDifferential both({fs::path(RKXML_FOLDER) / "constructs.xsd"}, constructs::kSchema);
-  EXPECT_EQ(both.CompareVariants(Slurp(fs::path(RKXML_FOLDER) / "constructs.xml"), count), L"");
+  EXPECT_EQ(both.CompareVariants(ReadFile(fs::path(RKXML_FOLDER) / "constructs.xml"), count), L"");
   EXPECT_GT(count, 300);
   const std::string head =
       "<x:price xmlns:x='urn:test:constructs' xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' ";
@@ -64,7 +66,7 @@ TEST(GeneratedTest, SaysTheSameOfEveryConstruct) {
   for (const char* rest : {"byte'> 5 ", "QName'>xs:x", "string'> x  y ", "date'>2024-02-29", "nothing'>5"})
     EXPECT_EQ(both.Compare("<other " + types + rest + "</other>"), L"") << rest;
   // Names with prefixes of the document's own, defaults, blocked types.
-  const std::string whole = Slurp(fs::path(RKXML_FOLDER) / "constructs.xml");
+  const std::string whole = ReadFile(fs::path(RKXML_FOLDER) / "constructs.xml");
   for (const char* parts : {"<t:blocked xsi:type='t:cheap'>1</t:blocked>", "<t:free xsi:type='t:cheap'>1</t:free>",
                             "<t:fixedName xmlns:y='urn:test:constructs'>y:name</t:fixedName>",
                             "<t:fixedName>q:name</t:fixedName>", "<t:mark/>", "<t:mark>kStringValues</t:mark>"}) {

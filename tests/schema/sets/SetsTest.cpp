@@ -5,12 +5,12 @@
 
 #include "Differential.h"
 #include "RkXmlLib16/RkXmlLib16.h"
+#include "support/TempFile.h"
 
 namespace {
 
 using namespace RkXmlLib16;
 using RkXmlSchema::CDifferential;
-using RkXmlSchema::Slurp;
 
 constexpr std::size_t kVariants = 100;  // of each document, which may be large
 
@@ -20,7 +20,7 @@ TEST(Sets, MakeTheSameOfDocumentsAndTheirVariantsAsObjectsWithoutClasses) {
     const CDifferential differential(set.schemas, set.classes);
     for (const auto& file : set.documents) {
       int count = 0;
-      const std::wstring difference = differential.CompareVariants(Slurp(file), count, kVariants);
+      const std::wstring difference = differential.CompareVariants(RkXmlTest::ReadFile(file), count, kVariants);
       EXPECT_EQ(difference, L"") << set.name << ' ' << file;
       total += count;
     }

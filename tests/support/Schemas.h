@@ -1,5 +1,5 @@
-#ifndef RKXMLLIB16_TESTS_SCHEMA_COMPONENTS_SCHEMAS_H
-#define RKXMLLIB16_TESTS_SCHEMA_COMPONENTS_SCHEMAS_H
+#ifndef RKXMLLIB16_TESTS_SUPPORT_SCHEMAS_H
+#define RKXMLLIB16_TESTS_SUPPORT_SCHEMAS_H
 
 #include <memory>
 #include <string>
@@ -9,14 +9,14 @@
 namespace RkXmlSchema {
 
 // The parts within an xs:schema with target namespace "urn:t", bound to the prefix t.
-inline std::string Schema(const std::string& parts, const std::string& attributes = "") {
+inline std::string Schema(const std::string& parts) {
   return "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema' xmlns:t='urn:t' targetNamespace='urn:t' "
-         "elementFormDefault='qualified' " +
-         attributes + ">\n" + parts + "</xs:schema>";
+         "elementFormDefault='qualified'>\n" +
+         parts + "</xs:schema>";
 }
 
-inline std::unique_ptr<CSchemaSet> Read(const std::string& parts, const SchemaOptions& options = {}) {
-  auto set = std::make_unique<CSchemaSet>(options);
+inline std::unique_ptr<CSchemaSet> Read(const std::string& parts) {
+  auto set = std::make_unique<CSchemaSet>();
   set->AddText(Schema(parts), L"test.xsd");
   set->Resolve();
   return set;
