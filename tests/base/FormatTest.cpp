@@ -42,14 +42,6 @@ TEST(Format, NumbersDoNotFollowTheHostsLocale) {
   EXPECT_STREQ("de_DE.UTF-8", std::setlocale(LC_NUMERIC, nullptr));
 }
 
-TEST(Format, PadsWithZeros) {
-  EXPECT_TEXT(L"007", PadZero(7, 3));
-  EXPECT_TEXT(L"1234", PadZero(1234, 3));
-  EXPECT_TEXT(L"-07", PadZero(-7, 3));
-  EXPECT_TEXT(L"-2147483648", PadZero(INT_MIN, 3));
-  EXPECT_TEXT(L"5", PadZero(5, 0));
-}
-
 TEST(Format, WritesTheFractionOfASecond) {
   const Rows<unsigned short, unsigned short, unsigned short, Wide> kCases = {{0, 0, 0, L""},
                                                                              {500, 0, 0, L".5"},
@@ -72,9 +64,4 @@ TEST(Format, FindReplaceDoesNotRescanWhatItPutIn) {
   std::string narrow = "aaa";
   FindReplace(narrow, "aa", "");
   EXPECT_EQ("a", narrow);
-}
-
-TEST(Format, UpperCasesAsciiInPlace) {
-  char text[] = "az\xE9-Z";
-  EXPECT_STREQ("AZ\xE9-Z", strupr(text));
 }

@@ -106,16 +106,3 @@ TEST_F(CheckMetaDataTest, LooksAtAttributesContentAndHeldObjects) {
                 FaultsOf(object));
   }
 }
-
-TEST_F(CheckMetaDataTest, FindsNothingInWhatIsRight) {
-  const Table child(ClassInfo(kSequence, L"c"), {Prim(L"v", 0)});
-  Classes() = {&child};
-  const Table table(ClassInfo(kSequence, L"r"),
-                    {Prim(L"p", 0, ItemType_int, true, L"5"), Enum(L"e", 1, false, L"red"), Cls(L"c", 2),
-                     new CElementInfoSeqPrimCol(L"n", L"", 3)},
-                    {Attribute(L"a", 4, true)}, {{}, {}, {}, Ints(L"n", 0, -1)});
-  const auto object = Read(table, L"<r a='1'><p>1</p><e>green</e><c><v>2</v></c><n>3</n></r>");
-  EXPECT_TEXT(L"", FaultsOf(*object));
-  EXPECT_TEXT(L"<r a=\"1\"><p>1</p><e>green</e><c><v>2</v></c><n>3</n></r>", Write(*object));
-  EXPECT_TEXT(L"", FaultsOf(*CTableClass::Create(table)));
-}

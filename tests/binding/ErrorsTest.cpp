@@ -153,20 +153,17 @@ TEST_F(ErrorsTest, EveryMistakeIsToldWithItsPlaceCodeAndFacetInEachForm) {
     for (const Form form : kForms) {
       SCOPED_TRACE(xml + " form " + std::to_string(static_cast<int>(form)));
       const CBinaryData bytes = InForm(xml, form);
-      CSerializationContext context;
       try {
+        CSerializationContext context;
         ReadForm(*CTableClass::Create(list), bytes, form, context);
         ADD_FAILURE() << "accepted";
       } catch (const CRkException& e) {
         // Plain reading stops at what is missing before it looks at what stands there instead.
-        if (mistake.code == RkErrorCode_UnexpectedElement) continue;
-        EXPECT_EQ(e.GetCode(), mistake.code);
-        EXPECT_EQ(e.GetLocation().GetPath(), std::wstring(L"/r/rec") + mistake.path);
+        if (mistake.code != RkErrorCode_UnexpectedElement) {
+          EXPECT_EQ(e.GetCode(), mistake.code);
+          EXPECT_EQ(e.GetLocation().GetPath(), std::wstring(L"/r/rec") + mistake.path);
+        }
       }
-    }
-    for (const Form form : kForms) {
-      SCOPED_TRACE(xml + " form " + std::to_string(static_cast<int>(form)));
-      const CBinaryData bytes = InForm(xml, form);
       const auto errors = ErrorsOf(list, xml, form);
       const bool isOtherNamespace = std::string_view(mistake.rec).find("urn:o") != std::string_view::npos;
       ASSERT_EQ(errors.size(), isOtherNamespace ? 2u : 1u);  // the v that counts is missing then, too
@@ -237,28 +234,6 @@ TEST_F(ErrorsTest, FiftyMistakesAreFiftyReportsInOneRead) {
     }
     if (paths.empty()) paths = here;
     EXPECT_EQ(here, paths);
-  }
-}
-
-TEST_F(ErrorsTest, AMistakeInTheMiddleOfALargeDocumentIsFound) {
-  const Rec rec;
-  const List list(rec);
-  const std::string good = "<rec id='1'><a>1</a><b>2</b><v>1</v></rec>\n";
-  std::string xml = "<r>\n";
-  while (xml.size() < 5000000) xml += good;
-  const auto line = static_cast<std::uint64_t>(std::count(xml.begin(), xml.end(), '\n')) + 1;
-  const std::uint64_t offset = xml.size() + 12;
-  xml += "<rec id='1'><a>one</a><b>2</b><v>1</v></rec>\n";
-  while (xml.size() < 10000000) xml += good;
-  xml += "</r>";
-  try {
-    CTableClass::Create(list)->FromXml(xml.c_str(), CSerializationContext());
-    ADD_FAILURE() << "accepted";
-  } catch (const CRkException& e) {
-    EXPECT_EQ(e.GetLocation().GetLine(), line);
-    EXPECT_EQ(e.GetLocation().GetColumn(), 13u);
-    EXPECT_EQ(e.GetLocation().GetOffset(), offset);
-    EXPECT_EQ(e.GetLocation().GetPath(), L"/r/rec[" + std::to_wstring(line - 1) + L"]/a");
   }
 }
 

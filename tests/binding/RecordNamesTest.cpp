@@ -4,6 +4,7 @@
 #include <memory>
 #include <random>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "Expect.h"
@@ -157,36 +158,31 @@ struct Written {
   std::wstring errors;
 };
 
+// Calls to a writer of text, of which some change its settings: those of all of them, and one of its own.
 template <class Writer>
-Written WriteXml(CTextStream& stream, std::uint32_t seed) {
+std::wstring RunOnText(Writer& w, std::uint32_t seed, std::function<void()> changeOwn) {
+  return RandomCalls(w, seed,
+                     [&](unsigned change) {
+                       if (change == 0) w.SetFormat(!w.GetFormat());
+                       if (change == 1) w.SetIndentChars(L"  ");
+                       if (change == 2) w.SetEOLType(w.GetEOLType() == EOLType_LF ? EOLType_CRLF : EOLType_LF);
+                       if (change == 3) changeOwn();
+                     })
+      .Run();
+}
+
+template <class Writer, class Stream, class... Arguments>
+Written WriteXml(std::uint32_t seed, Arguments... arguments) {
+  Stream stream(arguments...);
   Writer w(stream);
   w.Open();
   w.SetEscapesSections(seed % 3 == 0);
-  Written written;
-  written.errors = RandomCalls(w, seed, [&w](unsigned change) {
-                     if (change == 0) w.SetFormat(!w.GetFormat());
-                     if (change == 1) w.SetIndentChars(L"  ");
-                     if (change == 2) w.SetEOLType(w.GetEOLType() == EOLType_LF ? EOLType_CRLF : EOLType_LF);
-                     if (change == 3) w.SetKeepTabs(true);
-                   }).Run();
+  const std::wstring errors = RunOnText(w, seed, [&w] { w.SetKeepTabs(true); });
   w.Close();
-  return written;
-}
-
-template <class Writer>
-Written WriteXmlTo(XmlEncoding encoding, std::uint32_t seed) {
-  CTextStream stream(encoding);
-  Written written = WriteXml<Writer>(stream, seed);
-  written.octets = OctetsOf(stream.GetEncodedStream());
-  return written;
-}
-
-template <class Writer>
-Written WriteXmlToUtf8(std::uint32_t seed) {
-  CUtf8TextStream stream;
-  Written written = WriteXml<Writer>(stream, seed);
-  written.octets = OctetsOf(stream.TakeBytes());
-  return written;
+  if constexpr (std::is_same_v<Stream, CUtf8TextStream>)
+    return {OctetsOf(stream.TakeBytes()), errors};
+  else
+    return {OctetsOf(stream.GetEncodedStream()), errors};
 }
 
 template <class Writer>
@@ -197,17 +193,10 @@ Written WriteJson(std::uint32_t seed) {
   w.SetStrictOutput(seed % 2 == 0);
   w.Open();
   w.WriteStartDocument();
-  Written written;
-  written.errors = RandomCalls(w, seed, [&w](unsigned change) {
-                     if (change == 0) w.SetFormat(!w.GetFormat());
-                     if (change == 1) w.SetIndentChars(L"  ");
-                     if (change == 2) w.SetEOLType(w.GetEOLType() == EOLType_LF ? EOLType_CRLF : EOLType_LF);
-                     if (change == 3) w.SetStrictOutput(!w.GetStrictOutput());
-                   }).Run();
+  const std::wstring errors = RunOnText(w, seed, [&w] { w.SetStrictOutput(!w.GetStrictOutput()); });
   w.WriteEndDocument();
   w.Close();
-  written.octets = OctetsOf(stream.TakeBytes());
-  return written;
+  return {OctetsOf(stream.TakeBytes()), errors};
 }
 
 template <class Writer>
@@ -217,11 +206,9 @@ Written WriteFastInfoset(std::uint32_t seed) {
   if (seed % 2 == 0) context.SetSuggestedValues();
   Writer w(context, stream);
   w.WriteStartDocument(FInfoDecl_None);
-  Written written;
-  written.errors = RandomCalls(w, seed, [](unsigned) {}).Run();
+  const std::wstring errors = RandomCalls(w, seed, [](unsigned) {}).Run();
   w.WriteEndDocument();
-  written.octets = OctetsOf(stream.GetBinaryStream());
-  return written;
+  return {OctetsOf(stream.GetBinaryStream()), errors};
 }
 
 void ExpectSame(const Written& own, const Written& derived, std::uint32_t seed) {
@@ -270,8 +257,10 @@ TEST(RecordNames, AreWrittenAsByDerivedWriters) {
   using DerivedXml = Derived<CXmlTextWriter>;
   for (std::uint32_t seed = 0; seed < 60 && !::testing::Test::HasFailure(); ++seed) {
     for (const XmlEncoding encoding : {XmlEncoding_UTF8, XmlEncoding_UTF16, XmlEncoding_Wide})
-      ExpectSame(WriteXmlTo<CXmlTextWriter>(encoding, seed), WriteXmlTo<DerivedXml>(encoding, seed), seed);
-    ExpectSame(WriteXmlToUtf8<CXmlTextWriter>(seed), WriteXmlTo<DerivedXml>(XmlEncoding_UTF8, seed), seed);
+      ExpectSame(WriteXml<CXmlTextWriter, CTextStream>(seed, encoding),
+                 WriteXml<DerivedXml, CTextStream>(seed, encoding), seed);
+    ExpectSame(WriteXml<CXmlTextWriter, CUtf8TextStream>(seed),
+               WriteXml<DerivedXml, CTextStream>(seed, XmlEncoding_UTF8), seed);
     ExpectSame(WriteJson<CJsonTextWriter>(seed), WriteJson<Derived<CJsonTextWriter>>(seed), seed);
     ExpectSame(WriteFastInfoset<CFastInfosetWriter>(seed), WriteFastInfoset<Derived<CFastInfosetWriter>>(seed), seed);
   }

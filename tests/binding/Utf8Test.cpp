@@ -48,20 +48,6 @@ std::wstring Three(const std::wstring& text) { return text + L" " + text + L" " 
 
 }  // namespace
 
-TEST(Utf8, JoinsPairsOnTheWayOut) {
-  const Rows<std::wstring, std::string, std::wstring> rows = {
-      {L"", "", L""},
-      {L"a\xE9\x20AC", "a\xC3\xA9\xE2\x82\xAC", L"a\xE9\x20AC"},
-      {kWhole, kBytes, kWhole},
-      {L"x" + kPair + L"y", "x" + kBytes + "y", L"x" + kWhole + L"y"},
-      {L"\xD83D", "\xEF\xBF\xBD", L"\xFFFD"},
-  };
-  for (const auto& [text, utf8, back] : rows) {
-    EXPECT_EQ(utf8, ToUtf8(text));
-    EXPECT_TEXT(back, FromUtf8(utf8));
-  }
-}
-
 TEST(Utf8, FormsAgreeWhenPairsAreJoined) {
   CSerializationContext context;
   EXPECT_EQ((std::vector<std::wstring>(5, Three(kPair))), [&] {

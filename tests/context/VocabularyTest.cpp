@@ -1,5 +1,7 @@
 #include "RkXmlLib16/context/Vocabulary.h"
 
+#include <algorithm>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -65,6 +67,36 @@ TEST(FastInfosetVocabulary, AFullTableTakesNoMore) {
   table.Append(L"one more");
   EXPECT_EQ(FI_MAX_TABLE_ENTRIES, table.size());
   EXPECT_EQ(FI_MAX_TABLE_ENTRIES, table.Add(std::to_wstring(FI_MAX_TABLE_ENTRIES - 1)));
+}
+
+TEST(FastInfosetVocabulary, TablesAreStandardContainers) {
+  std::map<std::wstring, unsigned long> map;
+  std::vector<std::wstring> texts;
+  std::vector<CQNameParts> names;
+  CFIVocabulary vocabulary;
+  for (const wchar_t* text : {L"a", L"b", L"a"}) {
+    CFIVocabulary::AddValueToMap(text, map);
+    CFIVocabulary::AddValueToVector(text, texts);
+  }
+  EXPECT_EQ((std::map<std::wstring, unsigned long>{{L"a", 1}, {L"b", 2}}), map);
+  EXPECT_EQ((std::vector<std::wstring>{L"a", L"b", L"a"}), texts);
+  unsigned long index = 0;
+  EXPECT_TRUE(CFIVocabulary::FindIndex(map, L"b", index));
+  EXPECT_EQ(2u, index);
+  EXPECT_FALSE(CFIVocabulary::FindIndex(map, L"c", index));
+
+  map.clear();
+  EXPECT_EQ(1u, vocabulary.AddQName(L"p", L"urn:p", L"x", map, names));
+  EXPECT_EQ(2u, vocabulary.AddQName(L"", L"", L"x", map, names));
+  EXPECT_EQ(1u, vocabulary.AddQName(L"p", L"urn:p", L"x", map, names));
+  CFIVocabulary::AddQNameToVector(0, 0, 1, names);
+  EXPECT_EQ((std::vector<CQNameParts>{{2, 2, 1}, {0, 0, 1}, {0, 0, 1}}), names);
+
+  const CFIStringTable& prefixes = vocabulary.GetPrefixNamesTable();
+  const std::vector<CFIStringTable::value_type> copied(prefixes.begin(), prefixes.end());
+  EXPECT_EQ((std::vector<CFIStringTable::value_type>{{L"xml", 1}, {L"p", 2}}), copied);
+  const auto isP = [](const CFIStringTable::value_type& entry) { return entry.first == L"p"; };
+  EXPECT_EQ(2u, (*std::find_if(prefixes.begin(), prefixes.end(), isP)).second);
 }
 
 TEST(FastInfosetContext, EncodingsByType) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -15,37 +16,6 @@ using namespace RkXmlTest;
 namespace {
 
 constexpr const wchar_t* kXsi = L"http://www.w3.org/2001/XMLSchema-instance";
-
-TEST(ElementTree, NavigatesWhatWasBuilt) {
-  CXmlDocument document;
-  EXPECT_EQ(nullptr, document.GetDocumentElement());
-  CXmlElement* const root = document.AddDocElement(L"urn:a", L"root");
-  document.AddElementAttribute(root, L"id", L"7", L"");
-  document.AddElementAttribute(root, L"id", L"8", L"urn:a");
-  CXmlElement* const first = document.AddChildElement(L"", L"first");
-  document.AppendTextExcludingCR(first, L"1\r\n2\r");
-  document.EndElement();
-  CXmlElement* const second = document.AddChildElement(L"", L"second");
-  document.EndElement();
-  document.EndElement();
-
-  EXPECT_EQ(root, document.GetDocumentElement());
-  EXPECT_EQ(nullptr, document.GetCurrentElement());
-  EXPECT_EQ(first, root->GetFirstElement());
-  EXPECT_EQ(second, first->GetNextSiblingElement());
-  EXPECT_EQ(nullptr, second->GetNextSiblingElement());
-  EXPECT_EQ(root, second->GetParentElement());
-  EXPECT_EQ(&document, second->GetDocument());
-  EXPECT_TEXT(L"1\n2", first->GetText());
-  EXPECT_EQ(first->GetNamespaceRef(), second->GetNamespaceRef());
-  EXPECT_TEXT(L"8", root->GetAttribute(L"id", L"urn:a"));
-  EXPECT_TEXT(L"", root->GetAttribute(L"id", L"urn:b"));
-  ASSERT_EQ(2u, root->GetAttributes().size());
-  EXPECT_EQ(root, root->GetAttributes()[1]->GetElement());
-  std::wstring values;
-  for (const CXmlAttribute* attribute : root->GetAttributes()) values += attribute->GetValue();
-  EXPECT_TEXT(L"78", values);
-}
 
 TEST(ElementTree, TextsAndAttributesGrowBetweenOthers) {
   CXmlDocument document;
@@ -209,6 +179,20 @@ TEST(ElementTree, BuildsByHand) {
   EXPECT_THROWS(CRkException, L"A child element needs an open element.", document.AddChildElement(L"", L"c"));
   EXPECT_THROWS(CRkException, L"A document has one document element only.", document.AddDocElement(L"", L"r"));
   EXPECT_THROWS(CRkInvalidParamException, L"An element needs a document.", CXmlElement(nullptr, root));
+}
+
+TEST(ElementTree, RemovedElementsMayBeDeleted) {
+  CXmlDocument document;
+  document.LoadXml("<r><a/><b><c/></b></r>");
+  CXmlElement* const root = document.GetDocumentElement();
+  const std::unique_ptr<CXmlElement> removed(root->RemoveLastChildElement());
+  EXPECT_TEXT(L"b", removed->GetLocalName());
+  delete root->RemoveLastChildElement();
+  EXPECT_EQ(nullptr, root->GetFirstElement());
+  root->CreateNewChildElement()->SetElementName(L"d");
+  EXPECT_TEXT(L"/r/d", root->GetFirstElement()->GetXPath());
+  EXPECT_TEXT(L"c", removed->GetFirstElement()->GetLocalName());
+  delete new CXmlElement(&document, root);
 }
 
 }  // namespace

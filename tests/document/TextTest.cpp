@@ -79,29 +79,6 @@ TEST(XmlText, IsUsedLikeAString) {
   EXPECT_TRUE((std::is_same_v<std::remove_const_t<decltype(text)>, CXmlText>));
 }
 
-TEST(XmlText, IsTakenWhereTextsAreTaken) {
-  CXmlDocument document;
-  document.LoadXml("<r a='1' b='2' c='3'>42</r>");
-  const CXmlElement* const root = document.GetDocumentElement();
-  RkVariant value;
-  value.SetString(root->GetText());
-  EXPECT_TEXT(L"42", value.GetString());
-  value.FromString(root->GetText(), ItemType_int);
-  EXPECT_EQ(42, value.GetI4());
-  EXPECT_EQ(CDecimal(42), CDecimal(root->GetText()));
-  EXPECT_EQ(CBigInteger(42), CBigInteger(root->GetText()));
-
-  CStringBuffer buffer;
-  buffer.Append(root->GetText());
-  CTextStream stream;
-  stream.Append(root->GetText());
-  EXPECT_TEXT(L"4242", buffer.ToString() + stream.ToString());
-  CBinaryData bytes, wanted;
-  bytes.Append(root->GetText());
-  wanted.Append(L"42");
-  EXPECT_EQ(wanted, bytes);
-}
-
 TEST(XmlText, AttributesAreUsedLikeAVector) {
   CXmlDocument document;
   document.LoadXml("<r a='1' b='2' c='3'><none/></r>");

@@ -1,11 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <set>
 #include <string>
-#include <vector>
 
-#include "Expect.h"
 #include "RkXmlLib16/RkXmlLib16.h"
 #include "gpx.h"
 #include "order.h"
@@ -23,21 +20,6 @@ using namespace RkXmlLib16;
 using RkXmlTest::BytesOf;
 
 namespace {
-
-#ifdef NLOHMANN_JSON_VERSION_MAJOR
-// Whether no object of the text has two members of one name.
-bool HasDistinctKeys(const std::string& text) {
-  std::vector<std::set<std::string>> open;
-  bool distinct = true;
-  const nlohmann::json parsed = nlohmann::json::parse(text, [&](int, nlohmann::json::parse_event_t event, auto& value) {
-    if (event == nlohmann::json::parse_event_t::object_start) open.emplace_back();
-    if (event == nlohmann::json::parse_event_t::object_end) open.pop_back();
-    if (event == nlohmann::json::parse_event_t::key) distinct &= open.back().insert(value).second;
-    return true;
-  });
-  return distinct && !parsed.empty();
-}
-#endif
 
 // One way to write an object and to read it into a new object of its class.
 struct RoundTrip {
@@ -135,45 +117,6 @@ TEST_P(FormMatrix, SmallObjectsAndHardTextsArriveAsTheyWere) {
 INSTANTIATE_TEST_SUITE_P(RoundTrips, FormMatrix, testing::ValuesIn(kRoundTrips),
                          [](const auto& trip) { return "RoundTrip" + std::to_string(trip.index); });
 
-// Collections of values and of objects are arrays, so that parsers that keep one member of a name keep all items.
-TEST(StrictJson, CollectionsRepeatNoMember) {
-  Order::COrderType order;
-  order.FromXmlFile(L"" RKXML_EXAMPLE_DATA L"/order.xml");
-  order.GetLines()->GetChoice()->Remove(1);
-  for (const bool severalNotes : {false, true}) {
-    if (severalNotes) order.GetNote()->Add(L"2");
-    CSerializationContext context;
-    context.SetDefaultNamespaceURI(order.GetTargetNamespace());
-    context.GetNamespaceAliases().Add(L"xsi", L"http://www.w3.org/2001/XMLSchema-instance");
-    context.GetNamespaceAliases().Add(L"audit", L"urn:example:audit");
-    context.GetJsonContext()->SetStrictOutput(true);
-    const std::wstring json = order.ToJson(false, EOLType_LF, context);
-    const wchar_t* const further = severalNotes ? L",{\"#text\": \"2\"}" : L"";
-    EXPECT_NE(std::wstring::npos,
-              json.find(std::wstring(L"\"note\": [{\"#text\": \"Bitte vor Mittag liefern\"}") + further + L"]"));
-#ifdef NLOHMANN_JSON_VERSION_MAJOR
-    EXPECT_TRUE(HasDistinctKeys(BytesOf(order.ToJsonStream(true, XmlEncoding_UTF8, EOLType_LF, context))));
-#endif
-    Order::COrderType back;
-    back.FromJson(json.c_str(), context);
-    EXPECT_EQ(BytesOf(order.ToXmlStream()), BytesOf(back.ToXmlStream()));
-  }
-}
-
-TEST(NullItems, AreNamedInWellFormedOutput) {
-  Gpx::CGpxType track;
-  track.FromXmlFile(L"" RKXML_EXAMPLE_DATA L"/track.gpx");
-  const int count = track.GetWpt()->GetCount();
-  track.GetWpt()->AppendItem(nullptr);
-  CSerializationContext context;
-  EXPECT_NO_THROW(track.ToXml(true, true, EOLType_LF, context));
-  context.SetWellFormedOutput(true);
-  EXPECT_NE(std::wstring::npos, RkXmlTest::Thrown([&] {
-                                  track.ToXml(true, true, EOLType_LF, context);
-                                }).find(L"The item " + std::to_wstring(count) + L" of the collection [wpt] is NULL"));
-}
-
-// Default output is no JSON text for every content; where it is, objects arrive by it too.
 TEST(Examples, DescribeTheirClassesRight) {
   Gpx::CGpxType track;
   track.FromXmlFile(RKXML_EXAMPLE_DATA "/track.gpx");
@@ -182,24 +125,6 @@ TEST(Examples, DescribeTheirClassesRight) {
   for (CXmlGeneratedClass* object :
        {static_cast<CXmlGeneratedClass*>(&track), static_cast<CXmlGeneratedClass*>(&order)})
     for (const CMetaDataFault& fault : CheckMetaData(*object)) ADD_FAILURE() << ToUtf8(fault.GetText());
-}
-
-TEST(DefaultJson, BringsCollectionsOfObjects) {
-  CSerializationContext context;
-  context.SetDefaultNamespaceURI(L"http://www.topografix.com/GPX/1/1");
-  Gpx::CGpxType from;
-  from.FromXml(
-      L"<gpx xmlns='http://www.topografix.com/GPX/1/1' version='1.1' creator='&lt;x>'><trk><name>\u20AC</name>"
-      L"<trkseg><trkpt lat='1' lon='2'/><trkpt lat='2' lon='3'><ele>5</ele></trkpt></trkseg></trk></gpx>");
-  for (const JsonRoundTrip mode : {JsonRoundTrip_Markers, JsonRoundTrip_Namespaces}) {
-    context.GetJsonContext()->SetSupportRoundtrip(mode);
-    const std::wstring json = from.ToJson(false, EOLType_LF, context);
-    EXPECT_NE(std::wstring::npos,
-              json.find(L"\"trkpt\": [{\"@lat\": 1,\"@lon\": 2},{\"@lat\": 2,\"@lon\": 3,\"ele\": 5}]"));
-    Gpx::CGpxType to;
-    to.FromJson(json.c_str(), context);
-    EXPECT_EQ(BytesOf(from.ToXmlStream()), BytesOf(to.ToXmlStream()));
-  }
 }
 
 }  // namespace

@@ -85,29 +85,6 @@ TEST(ObjectStreamTest, GivesTheObjectsOfTheExamplesInEveryForm) {
   ExpectObjects<Order::COrderType>(FormsOf(order), L"/order", {TextOf(order)});
 }
 
-// A long document, in pieces of random sizes.
-TEST(ObjectStreamTest, GivesTheObjectsOfALongDocument) {
-  Gpx::CGpxType gpx;
-  std::string xml = "<gpx xmlns='http://www.topografix.com/GPX/1/1' version='1.1' creator='x'><trk><trkseg>";
-  for (int i = 0; i < 6000; ++i)
-    xml += "<trkpt lat='" + std::to_string(i % 90) + "' lon='7.25'><ele>" + std::to_string(i) + "</ele></trkpt>\n";
-  gpx.FromXml((xml + "</trkseg></trk></gpx>").c_str());
-  std::mt19937 random(24);
-  for (const std::string& bytes : FormsOf(gpx)) {
-    std::string_view left = bytes;
-    CCallbackSource source([&](unsigned char* to, std::size_t room) {
-      const std::size_t count = std::min({room, std::size_t{1} + random() % 100000, left.size()});
-      std::copy_n(left.data(), count, to);
-      left.remove_prefix(count);
-      return count;
-    });
-    long next = 0;
-    ForEachObject<Gpx::CWptType>(source, L"/gpx/trk/trkseg/trkpt", Context(),
-                                 [&](const Gpx::CWptType& point) { ASSERT_EQ(point.GetEle().ToLong(), next++); });
-    EXPECT_EQ(next, 6000);
-  }
-}
-
 constexpr char kTwoKinds[] =
     "<gpx xmlns='http://www.topografix.com/GPX/1/1' version='1.1' creator='me'><metadata><name>n</name></metadata>"
     "<wpt lat='1' lon='2'/><trk><name>first</name><trkseg><trkpt lat='3' lon='4'/></trkseg></trk>"

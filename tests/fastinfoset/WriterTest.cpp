@@ -15,6 +15,10 @@ using Calls = std::function<void(CFastInfosetWriter&)>;
 // Every document written here has to pass the checker and to read to the tree that the checker sees.
 void ExpectReadable(const Octets& octets) { EXPECT_TEXT(Check(octets), TreeOf(octets)) << ToHex(octets); }
 
+Octets WriteScript(const wchar_t* script, const CFastInfosetContext& context = {}) {
+  return Write(context, [script](CFastInfosetWriter& w) { Replay(w, script); });
+}
+
 void ExpectOctets(const std::string& hex, const Calls& calls, const CFastInfosetContext& context = {}) {
   const Octets octets = Write(context, calls);
   EXPECT_EQ(ToHex(FromHex("E0 00 00 01 00" + hex)), ToHex(octets));
@@ -46,21 +50,11 @@ TEST(FastInfosetWriter, WorkedExamples) {
 TEST(FastInfosetWriter, NamespacesStandInFrontOfTheName) {
   ExpectOctets(
       "78 CD 04 75 72 6E 3A 64 CF 00 70 04 75 72 6E 3A 70 F0 3D 81 00 6F 7B 81 82 00 6B 40 76 F0 3F 81 82 00 69 FF F0",
-      [](auto& w) {
-        w.SetDefaultNamespace(L"urn:d");
-        w.AddNamespace(L"p", L"urn:p");
-        Replay(w, L"<o{urn:d} @k{urn:p}=v <i{urn:p}>>");
-      });
+      L"={urn:d} +p{urn:p} <o{urn:d} @k{urn:p}=v <i{urn:p}>>");
   // No namespace under a default one: it is undeclared.
-  ExpectOctets("38 CD 04 75 72 6E 3A 64 F0 3D 81 00 61 38 CC F0 3C 00 62 FF F0", [](auto& w) {
-    w.SetDefaultNamespace(L"urn:d");
-    Replay(w, L"<a{urn:d} <b>>");
-  });
+  ExpectOctets("38 CD 04 75 72 6E 3A 64 F0 3D 81 00 61 38 CC F0 3C 00 62 FF F0", L"={urn:d} <a{urn:d} <b>>");
   // So a type of that namespace needs a prefix there.
-  const Octets typed = Write(CFastInfosetContext(), [](auto& w) {
-    w.SetDefaultNamespace(L"urn:d");
-    Replay(w, L"<a{urn:d} :T{urn:d} <b :T{urn:d}>>");
-  });
+  const Octets typed = WriteScript(L"={urn:d} <a{urn:d} :T{urn:d} <b :T{urn:d}>>");
   ExpectReadable(typed);
   const std::wstring type = L"@{" + CXmlWriter::XSI_NAMESPACE + L"}type=";
   EXPECT_TEXT(L"{urn:d}a" + type + L"T()<b" + type + L"AB:T()>", TreeOf(typed));
@@ -72,40 +66,18 @@ TEST(FastInfosetWriter, NamespacesStandInFrontOfTheName) {
 }
 
 TEST(FastInfosetWriter, EveryNameIsInScopeForOtherReaders) {
-  const Calls documents[] = {
-      [](auto& w) {  // a root without namespace under a default one
-        w.SetDefaultNamespace(L"urn:d");
-        Replay(w, L"<a <b{urn:d}> <c>>");
-      },
-      [](auto& w) {  // two namespaces under one prefix
-        w.AddNamespace(L"p", L"urn:1");
-        w.AddNamespace(L"p", L"urn:2");
-        Replay(w, L"<a{urn:1} @b{urn:2}=v <c{urn:2}>>");
-      },
-      [](auto& w) {  // the first of them in force, and used, where the second is needed
-        w.AddNamespace(L"p", L"urn:1");
-        w.AddNamespace(L"p", L"urn:2");
-        Replay(w, L"<a <b{urn:1} @c{urn:2}=v> <b @c{urn:1}=v @d{urn:2}=v>>");
-      },
-      [](auto& w) {  // a prefix added late, inside and after the start tag
-        Replay(w, L"<a");
-        w.AddNamespace(L"p", L"urn:p");
-        Replay(w, L"@b{urn:p}=v <c 't'");
-        w.AddNamespace(L"q", L"urn:q");
-        Replay(w, L"<d{urn:q}>> <e{urn:q}>>");
-      },
-      [](auto& w) {  // the default namespace changed below the root
-        w.SetDefaultNamespace(L"urn:d");
-        Replay(w, L"<a{urn:d} <b{urn:d}");
-        w.SetDefaultNamespace(L"urn:e");
-        Replay(w, L"<c{urn:e}>> <d{urn:d}>>");
-      },
-      [](auto& w) {  // an empty prefix stands for the default namespace, and attributes need another
-        w.AddNamespace(L"", L"urn:d");
-        Replay(w, L"<a{urn:d} @b{urn:d}=v>");
-      },
-  };
-  for (const Calls& calls : documents) ExpectReadable(Write(CFastInfosetContext(), calls));
+  for (const wchar_t* const script : {
+           L"={urn:d} <a <b{urn:d}> <c>>",                            // a root without namespace under a default one
+           L"+p{urn:1} +p{urn:2} <a{urn:1} @b{urn:2}=v <c{urn:2}>>",  // two namespaces under one prefix
+           // the first of them in force, and used, where the second is needed
+           L"+p{urn:1} +p{urn:2} <a <b{urn:1} @c{urn:2}=v> <b @c{urn:1}=v @d{urn:2}=v>>",
+           // a prefix added late, inside and after the start tag
+           L"<a +p{urn:p} @b{urn:p}=v <c 't' +q{urn:q} <d{urn:q}>> <e{urn:q}>>",
+           L"={urn:d} <a{urn:d} <b{urn:d} ={urn:e} <c{urn:e}>> <d{urn:d}>>",  // the default changed below the root
+           // an empty prefix stands for the default namespace, and attributes need another
+           L"+{urn:d} <a{urn:d} @b{urn:d}=v>",
+       })
+    ExpectReadable(WriteScript(script));
 }
 
 TEST(FastInfosetWriter, TextOfTheMaximumAddLengthIsNeverIndexed) {
@@ -295,21 +267,19 @@ TEST(FastInfosetWriter, EncodingsThatCannotBeWritten) {
   const auto write = [](FIStringEncoding encoding, unsigned long index, bool asAttribute) {
     CFastInfosetContext context;
     context.SetEncoding(ItemType_string, {encoding, index});
-    return Write(context, [&](CFastInfosetWriter& w) { Replay(w, asAttribute ? L"<a @b=12>" : L"<a '12'>"); });
+    return WriteScript(asAttribute ? L"<a @b=12>" : L"<a '12'>", context);
   };
-  for (const bool asAttribute : {true, false}) {
-    EXPECT_THROWS(CRkException,
-                  L"Failed to write FastInfoset. Unsupported Feature UTF16BE in EncodedCharacterStringBit5.",
-                  write(FIStringEncoding_UTF16BE, 0, asAttribute));
-    EXPECT_THROWS(CRkException, L"Failed to write FastInfoset. Invalid Restricted Alphabet value [3]",
-                  write(FIStringEncoding_RestrictedAlphabet, 3, asAttribute));
-    EXPECT_THROWS(CRkException, L"Failed to write FastInfoset. Invalid Restricted Alphabet value [4294967297]",
-                  write(FIStringEncoding_RestrictedAlphabet, 4294967297, asAttribute));
-    EXPECT_THROWS(CRkException, L"Failed to write FastInfoset. Invalid Encoding Algorithm value [11]",
-                  write(FIStringEncoding_EncodingAlgorithm, 11, asAttribute));
-    EXPECT_THROWS(CRkException, L"Failed to write FastInfoset. Invalid Encoding Algorithm value [4294967297]",
-                  write(FIStringEncoding_EncodingAlgorithm, 4294967297, asAttribute));
-  }
+  const Rows<FIStringEncoding, unsigned long, Wide> rows = {
+      {FIStringEncoding_UTF16BE, 0, L"Unsupported Feature UTF16BE in EncodedCharacterStringBit5."},
+      {FIStringEncoding_RestrictedAlphabet, 3, L"Invalid Restricted Alphabet value [3]"},
+      {FIStringEncoding_RestrictedAlphabet, 4294967297, L"Invalid Restricted Alphabet value [4294967297]"},
+      {FIStringEncoding_EncodingAlgorithm, 11, L"Invalid Encoding Algorithm value [11]"},
+      {FIStringEncoding_EncodingAlgorithm, 4294967297, L"Invalid Encoding Algorithm value [4294967297]"},
+  };
+  for (const auto& [encoding, index, message] : rows)
+    for (const bool asAttribute : {true, false})
+      EXPECT_THROWS(CRkException, std::wstring(L"Failed to write FastInfoset. ") + message,
+                    write(encoding, index, asAttribute));
   EXPECT_THROWS(CRkException, L"Failed to write FastInfoset. Unknown encoding in EncodedCharacterStringBit5.",
                 write(static_cast<FIStringEncoding>(9), 0, true));
   EXPECT_THROWS(CRkException, L"Failed to write FastInfoset. Unknown encoding in EncodedCharacterStringBit7.",
@@ -352,10 +322,8 @@ TEST(FastInfosetWriter, OrderOfCalls) {
     Replay(w, L"'' 'x'");
   });
   for (const wchar_t* script : {L"<a 't' @b=1>", L"<a <c> @b=1>", L"<a '' @b=1>"})
-    EXPECT_THROWS(CRkException, L"Attributes must be added before elements",
-                  Write(CFastInfosetContext(), [&](CFastInfosetWriter& w) { Replay(w, script); }));
-  EXPECT_THROWS(CRkException, L"Failed to write FastInfoset. A name is empty.",
-                Write(CFastInfosetContext(), [](CFastInfosetWriter& w) { Replay(w, L"<>"); }));
+    EXPECT_THROWS(CRkException, L"Attributes must be added before elements", WriteScript(script));
+  EXPECT_THROWS(CRkException, L"Failed to write FastInfoset. A name is empty.", WriteScript(L"<>"));
   const CFastInfosetContext context;
   CBinaryStream stream;
   CFastInfosetWriter w(context, stream);

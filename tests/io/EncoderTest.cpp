@@ -107,15 +107,6 @@ TEST(Encoder, WrappersStopBeforeACharacterThatDoesNotFit) {
   EXPECT_EQ(1u, UTF8ToUnicode(reinterpret_cast<const unsigned char*>("ab"), 2, wide, 1));
 }
 
-TEST(Encoder, APairSplitBetweenPiecesIsOneCharacter) {
-  CBinaryData out;
-  CUtf8Appender appender(out);
-  for (const std::wstring& piece : {L"a" + kHigh, std::wstring(), kLow + L"b" + kHigh, L"c" + kHigh, kHigh})
-    appender.Append(piece);
-  appender.Finish();
-  EXPECT_TEXT(L"61F09F988062EFBFBD63EFBFBDEFBFBD", out.GetAsHexString());
-}
-
 TEST(Encoder, FileNamesGoThroughTheLocaleOrUtf8) {
   for (const char* name : {"C", "C.UTF-8"}) {
     const HostLocale locale(name);

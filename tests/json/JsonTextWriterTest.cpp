@@ -45,13 +45,9 @@ std::wstring WriteLeaf(const Style& style, const std::wstring& text, ItemType ty
 }
 
 TEST(JsonTextWriter, WritesTheThreeRoundTripModes) {
-  const auto order = [](CJsonTextWriter& w) {
-    w.SetDefaultNamespace(L"urn:d");
-    w.AddNamespace(L"p", L"urn:p");
-    Replay(w, L"<order{urn:d} @id=#7 @lang{http://www.w3.org/XML/1998/namespace}=en");
-    w.WriteTextElement(L"name", L"urn:p", L"x", ItemType_string);
-    Replay(w, L"[ <item{urn:d} <n{urn:d} #1>> <item{urn:d} <n{urn:d} #2>> ]>");
-  };
+  const wchar_t* const order =
+      L"={urn:d} +p{urn:p} <order{urn:d} @id=#7 @lang{http://www.w3.org/XML/1998/namespace}=en .name{urn:p}=x"
+      L" [ <item{urn:d} <n{urn:d} #1>> <item{urn:d} <n{urn:d} #2>> ]>";
   EXPECT_TEXT(
       LR"({"order": {"@xmlns": "urn:d","@xmlns:p": "urn:p","@id": 7,"@xml:lang": "en","p:name": "x",)"
       LR"("item": [{"n": 1},{"n": 2}]}})",
@@ -150,10 +146,7 @@ TEST(JsonTextWriter, NothingIsAKeyWithoutValueIntended) {
                 w.WriteComment(L"gone");
               }));
   EXPECT_TEXT(LR"({"c": {"@xmlns:i": "http://www.w3.org/2001/XMLSchema-instance","@i:nil": true}})",
-              Write(kStrict, [](CJsonTextWriter& w) {
-                w.AddNamespace(L"i", CXmlWriter::XSI_NAMESPACE);
-                Replay(w, L"<c nil>");
-              }));
+              Write(kStrict, L"+i{http://www.w3.org/2001/XMLSchema-instance} <c nil>"));
 }
 
 TEST(JsonTextWriter, EmptyTextBesideAttributesIsABareNullIntended) {
@@ -211,14 +204,7 @@ TEST(JsonTextWriter, StrictCollectionsAreArraysWhateverTheItems) {
                 Write({JsonRoundTrip_Markers, false, true}, script.c_str()));
     EXPECT_TEXT(std::wstring(L"{\"r\": ") + plain + L"}", Write({JsonRoundTrip_Plain, false, true}, script.c_str()));
     // The one-step call makes the same.
-    EXPECT_TEXT(LR"({"r": {"v": [{"#text": 1},{}],"w": 2}})", Write(kStrict, [](CJsonTextWriter& w) {
-                  Replay(w, L"<r [");
-                  w.WriteTextElement(L"v", L"", L"1", ItemType_int);
-                  w.WriteTextElement(L"v", L"", L"", ItemType_int);
-                  Replay(w, L"]");
-                  w.WriteTextElement(L"w", L"", L"2", ItemType_int);
-                  Replay(w, L">");
-                }));
+    EXPECT_TEXT(LR"({"r": {"v": [{"#text": 1},{}],"w": 2}})", Write(kStrict, L"<r [ .v=#1 .v=# ] .w=#2>"));
   }
   EXPECT_TEXT(
       L"{\n\t\"r\": {\n\t\t\"v\": [\n\t\t\t{\n\t\t\t\t\"#text\": 1\n\t\t\t},\n\t\t\t{}\n\t\t],\n\t\t\"e\": 2\n\t}\n}",
@@ -227,26 +213,9 @@ TEST(JsonTextWriter, StrictCollectionsAreArraysWhateverTheItems) {
 
 TEST(JsonTextWriter, IndentsAnArrayAndWhatFollowsIt) {
   EXPECT_TEXT(
-      LR"({
-	"r": {
-		"@xmlns:p": "urn:p",
-		"@a": 1,
-		"i": [
-			{
-				"n": 1
-			},
-			{
-				"#text": "t"
-			},
-			{}
-		],
-		"e": 2
-	}
-})",
-      Write({JsonRoundTrip_Namespaces, true}, [](CJsonTextWriter& w) {
-        w.AddNamespace(L"p", L"urn:p");
-        Replay(w, L"<r @a=#1 [<i <n #1>> <i 't'> <i>] <e #2>>");
-      }));
+      L"{\n\t\"r\": {\n\t\t\"@a\": 1,\n\t\t\"i\": [\n\t\t\t{\n\t\t\t\t\"n\": 1\n\t\t\t},\n\t\t\t{}\n\t\t],\n"
+      L"\t\t\"e\": 2\n\t}\n}",
+      Write({JsonRoundTrip_Namespaces, true}, L"<r @a=#1 [<i <n #1>> <i>] <e #2>>"));
   EXPECT_TEXT(L"{\n\t\"r\": {\n\t\t\"i\": [\n\t\t\t{\n\t\t\t\t\"n\": 1\n\t\t\t}\n\t\t],\n\t\t\"i\": \"t\"\n\t}\n}",
               Write({JsonRoundTrip_Plain, true}, L"<r [<i <n #1>> <i 't'>]>"));
 }
@@ -265,11 +234,9 @@ TEST(JsonTextWriter, NamespacesNeedAPrefixBelowTheRoot) {
   EXPECT_TEXT(
       LR"({"r": {"@xmlns": "urn:r","@xmlns:xsi": "http://www.w3.org/2001/XMLSchema-instance",)"
       LR"("@xsi:type": "T","c": {"@xsi:type": "xsi:U"}}})",
-      Write({}, [](CJsonTextWriter& w) {
-        w.AddNamespace(L"", L"urn:r");
-        w.AddNamespace(L"xsi", CXmlWriter::XSI_NAMESPACE);
-        Replay(w, L"<r{urn:r} :T{urn:r} <c :U{http://www.w3.org/2001/XMLSchema-instance}>>");
-      }));
+      Write({},
+            L"+{urn:r} +xsi{http://www.w3.org/2001/XMLSchema-instance}"
+            L" <r{urn:r} :T{urn:r} <c :U{http://www.w3.org/2001/XMLSchema-instance}>>"));
   for (const wchar_t* unknown : {L"<r <e{urn:x}>>", L"<r @e{urn:x}=v>", L"<r :e{urn:x}>"})
     EXPECT_THROWS(CRkException, L"Unknown Namespace: e.", Write({}, unknown));
   EXPECT_THROWS(CRkException, L"Unknown Namespace: type.", Write({}, L"<r :T>"));

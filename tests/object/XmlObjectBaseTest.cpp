@@ -19,15 +19,6 @@ class CCounted : public CElement {
   static inline int live = 0;
 };
 
-TEST(XmlObjectBase, TheLastReleaseDeletes) {
-  auto* const object = new CCounted;
-  EXPECT_EQ(1, object->AddRef());
-  EXPECT_EQ(2, object->AddRef());
-  EXPECT_EQ(1, object->Release());
-  EXPECT_EQ(0, object->Release());
-  EXPECT_EQ(0, CCounted::live);
-}
-
 TEST(SmartPtr, CountsThroughEveryTransfer) {
   {
     CSmartPtr<CCounted> a(new CCounted);

@@ -17,6 +17,7 @@ namespace RkXmlTest {
 // Makes the calls of a writer that a script tells; its words may be parted by blanks:
 //   <name <name{uri}              start an element    >          ends it: <a> is empty
 //   @name=value @name{uri}=value  an attribute        :Type{uri} the attribute for a type
+//   .name=value .name{uri}=value  a text element      +p{uri} ={uri} a prefix for a namespace, the default namespace
 //   'text'                        a string            #12        an integer, also as the value of an attribute
 //   [ ]                           begin and end the items of a collection       nil  the attribute
 inline void Replay(RkXmlLib16::CXmlWriter& w, std::wstring_view script) {
@@ -42,11 +43,18 @@ inline void Replay(RkXmlLib16::CXmlWriter& w, std::wstring_view script) {
       w.WriteStartElement(name, uri());
     } else if (skip(L'>')) {
       w.WriteEndElement();
-    } else if (skip(L'@')) {
+    } else if (const bool isAttribute = script[0] == L'@'; isAttribute || script[0] == L'.') {
+      script.remove_prefix(1);
       const std::wstring name = upTo(L"{="), ns = uri();
       skip(L'=');
       const ItemType type = skip(L'#') ? ItemType_int : ItemType_string;
-      w.WriteAttributeString(name, ns, upTo(L" >"), type);
+      const std::wstring value = upTo(L" >");
+      isAttribute ? w.WriteAttributeString(name, ns, value, type) : w.WriteTextElement(name, ns, value, type);
+    } else if (skip(L'+')) {
+      const std::wstring prefix = upTo(L"{");
+      w.AddNamespace(prefix, uri());
+    } else if (skip(L'=')) {
+      w.SetDefaultNamespace(uri());
     } else if (skip(L':')) {
       const std::wstring name = upTo(L"{ >");
       w.WriteAttributeType(uri(), name, ItemType_string);

@@ -200,26 +200,7 @@ TEST(LexicalSweep, PlainDatesReadLikeThoseWithAFraction) {
     for (std::size_t at = 0; at < base.size(); ++at) {
       std::wstring text = base;
       // Among them what has the low byte of a digit.
-      for (const wchar_t c : {L'/',
-                              L'0',
-                              L'1',
-                              L'2',
-                              L'3',
-                              L'4',
-                              L'5',
-                              L'6',
-                              L'9',
-                              L':',
-                              L'-',
-                              L'T',
-                              L'Z',
-                              L' ',
-                              L'\x7F',
-                              L'\xB0',
-                              L'\x130',
-                              L'\x10030',
-                              static_cast<wchar_t>(0x80000030),
-                              L'\0'}) {
+      for (const wchar_t c : std::wstring(L"/01234569:-TZ \x7F\xB0\x130\x10030\0", 19) + wchar_t(0x80000030)) {
         text[at] = c;
         compare(text);
       }

@@ -176,17 +176,6 @@ TEST(Element, APartKeepsTheScopeAroundIt) {
               element.ToXml(false, false));
 }
 
-TEST(Element, TellsOfLostPositionsOfText) {
-  CErrorCollector collector;
-  CSerializationContext context;
-  context.SetErrorHandler(&collector);
-  CElement element;
-  element.FromXml("<r><a>text</a><b>x<c/>y</b></r>", context);
-  ASSERT_EQ(1u, collector.GetDropped().size());
-  EXPECT_EQ(RkDropped_Position, collector.GetDropped()[0].kind);
-  EXPECT_TEXT(L"/r/b", collector.GetDropped()[0].location.GetPath());
-}
-
 // A prefix that would make each name long stays declared for the value that uses it.
 TEST(Element, LongPrefixesOfValuesNameNoElements) {
   const std::wstring prefix(65, L'p');
@@ -279,21 +268,6 @@ TEST(Element, TextThatLooksLikeASectionIsData) {
     other.FromXmlElement(&element);
     EXPECT_TEXT(text, other.GetText());
   }
-}
-
-TEST(Element, AsRootItCarriesWhatTheSettingsAdd) {
-  CSerializationContext context;
-  context.GetProcessingInstructions().emplace_back(L"<?go now?>");
-  context.GetNamespaceAliases().Add(L"x", L"urn:x");
-  context.SetDefaultNamespaceURI(L"urn:d");
-  context.GetAdditionalRootAttributes()->Add(L"extra", L"1", L"urn:x");
-  context.SetInLineSchema(L"<schema/>");
-  CElement root(L"r", L"urn:d");
-  root.SetAttribute(L"own", L"2");
-  root.AddNewChild(L"c", L"urn:x", L"v");
-  EXPECT_TEXT(
-      L"<?go now?>\n\n<r xmlns=\"urn:d\" xmlns:x=\"urn:x\" x:extra=\"1\" own=\"2\"> \n<schema/>\n<x:c>v</x:c></r>",
-      root.ToXml(false, false, EOLType_LF, context));
 }
 
 TEST(Element, TakesAsMemberWhatItsConstraintAdmits) {

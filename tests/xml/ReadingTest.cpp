@@ -59,17 +59,6 @@ TEST(Reading, BuildsTheTree) {
   for (const auto& row : rows) EXPECT_TEXT(row.tree, TreeOf(row.xml, row.context)) << row.xml;
 }
 
-TEST(Reading, LaterAliasesWin) {
-  CXmlDocument document;
-  Load(document, "<a xmlns='u1' xmlns:p='u2'><b xmlns:p='u3' xmlns=''/><p:c/></a>");
-  EXPECT_TEXT(L"u3", document.LookupNamespaceFromAlias(L"p"));
-  EXPECT_TEXT(L"", document.LookupNamespaceFromAlias(L""));
-  EXPECT_TEXT(L"/a/c", document.GetDocumentElement()->GetFirstElement()->GetNextSiblingElement()->GetXPath());
-  document.Cleanup();
-  EXPECT_TEXT(L"", document.LookupNamespaceFromAlias(L"p"));
-  EXPECT_EQ(nullptr, document.GetDocumentElement());
-}
-
 // Names in a namespace are recognised by where the parser keeps them; declarations of equal length come and go here,
 // and long names make the parser move its buffers.
 TEST(Reading, TellsNamespacesApartWhereverTheParserKeepsThem) {

@@ -100,24 +100,28 @@ TEST(XmlTextWriter, EscapesAndEndsTextsAtEveryPlace) {
 }
 
 TEST(XmlTextWriter, NamesFollowTheScope) {
-  const std::wstring expected =
-      L"<r xmlns=\"urn:d\" xmlns:e=\"urn:e\"><a>1</a><a>1</a><e:a>1</e:a>"
-      L"<s><AA:a xmlns:AA=\"urn:d\">1</AA:a><a>1</a><a>1</a><e:a>1</e:a></s><a>1</a><e:a>1</e:a></r>";
-  EXPECT_TEXT(expected, Written([](CXmlTextWriter& w) {
-                const auto leaf = [&](const wchar_t* uri) { w.WriteTextElement(L"a", uri, L"1", ItemType_int); };
-                w.SetDefaultNamespace(L"urn:d");
-                w.AddNamespace(L"e", L"urn:e");
-                w.WriteStartElement(L"r", L"urn:d");
-                for (const wchar_t* uri : {L"urn:d", L"urn:d", L"urn:e"}) leaf(uri);
-                w.WriteStartElement(L"s", L"urn:d");
-                w.SetDefaultNamespace(L"urn:e");
-                for (const wchar_t* uri : {L"urn:d", L"urn:e", L"urn:e"}) leaf(uri);
-                w.SetDefaultNamespace(L"urn:d");
-                leaf(L"urn:e");
-                w.WriteEndElement();
-                for (const wchar_t* uri : {L"urn:d", L"urn:e"}) leaf(uri);
-                w.WriteEndElement();
-              }));
+  const Rows<Wide, Wide> rows = {
+      {L"={urn:d} +e{urn:e} <r{urn:d} .a{urn:d}=1 .a{urn:d}=1 .a{urn:e}=1 <s{urn:d} ={urn:e} .a{urn:d}=1 .a{urn:e}=1"
+       L" .a{urn:e}=1 ={urn:d} .a{urn:e}=1> .a{urn:d}=1 .a{urn:e}=1>",
+       L"<r xmlns=\"urn:d\" xmlns:e=\"urn:e\"><a>1</a><a>1</a><e:a>1</e:a>"
+       L"<s><AA:a xmlns:AA=\"urn:d\">1</AA:a><a>1</a><a>1</a><e:a>1</e:a></s><a>1</a><e:a>1</e:a></r>"},
+      // Given namespaces are declared on the root, in the order of their URIs.
+      {L"+gone{urn:2} +p{urn:2} +q{urn:1} ={urn:d&} <e{urn:d&} @a{urn:1}=v <c{urn:2}> <e{urn:d&}>>",
+       L"<e xmlns=\"urn:d&amp;\" xmlns:q=\"urn:1\" xmlns:p=\"urn:2\" q:a=\"v\"><p:c/><e/></e>"},
+      // An empty alias is taken for the default namespace.
+      {L"+{urn:1} +{urn:2} <e{urn:1} @a{urn:1}=v <c{urn:2}>>",
+       L"<e xmlns=\"urn:1\" xmlns:AA=\"urn:1\" AA:a=\"v\"><AB:c xmlns:AB=\"urn:2\"/></e>"},
+      {L"={urn:0} +{urn:1} +{urn:2} <e{urn:1} @a{urn:1}=v <c{urn:2}>>",
+       L"<AA:e xmlns:AA=\"urn:1\" xmlns=\"urn:0\" AA:a=\"v\"><AB:c xmlns:AB=\"urn:2\"/></AA:e>"},
+      // Invented prefixes end with their element.
+      {L"<r{u1} <a{u1}> <b{u2} <c{u3} @x{u2}=>> <d{u3} @y{u2}=>>",
+       L"<AA:r xmlns:AA=\"u1\"><AA:a/><AB:b xmlns:AB=\"u2\"><AC:c xmlns:AC=\"u3\" AB:x=\"\"/></AB:b>"
+       L"<AB:d xmlns:AB=\"u3\" xmlns:AC=\"u2\" AC:y=\"\"/></AA:r>"},
+      {L"+AA{u0} <r{u1}>", L"<AB:r xmlns:AB=\"u1\" xmlns:AA=\"u0\"/>"},
+      // An element ends by the name that it started with.
+      {L"<r{u1} +p{u1} <c{u1}> ={u1}>", L"<AA:r xmlns:AA=\"u1\"><p:c/></AA:r>"},
+  };
+  for (const auto& [script, xml] : rows) EXPECT_TEXT(xml, Written(script));
 }
 
 TEST(XmlTextWriter, WritesWhatStandsAroundTheRoot) {
@@ -142,52 +146,6 @@ TEST(XmlTextWriter, LeavesTheStartTagOpenAtACommentIntended) {
               }));
 }
 
-TEST(XmlTextWriter, DeclaresGivenNamespacesOnTheRootInOrderOfTheirUris) {
-  EXPECT_TEXT(L"<e xmlns=\"urn:d&amp;\" xmlns:q=\"urn:1\" xmlns:p=\"urn:2\" q:a=\"v\"><p:c/><e/></e>",
-              Written([](CXmlTextWriter& w) {
-                w.AddNamespace(L"gone", L"urn:2");
-                w.AddNamespace(L"p", L"urn:2");
-                w.AddNamespace(L"q", L"urn:1");
-                w.SetDefaultNamespace(L"urn:d&");
-                Replay(w, L"<e{urn:d&} @a{urn:1}=v <c{urn:2}> <e{urn:d&}>>");
-              }));
-}
-
-TEST(XmlTextWriter, TakesAnEmptyAliasForTheDefaultNamespace) {
-  const auto write = [](CXmlTextWriter& w) {
-    w.AddNamespace(L"", L"urn:1");
-    w.AddNamespace(L"", L"urn:2");
-    Replay(w, L"<e{urn:1} @a{urn:1}=v <c{urn:2}>>");
-  };
-  EXPECT_TEXT(L"<e xmlns=\"urn:1\" xmlns:AA=\"urn:1\" AA:a=\"v\"><AB:c xmlns:AB=\"urn:2\"/></e>", Written(write));
-  EXPECT_TEXT(L"<AA:e xmlns:AA=\"urn:1\" xmlns=\"urn:0\" AA:a=\"v\"><AB:c xmlns:AB=\"urn:2\"/></AA:e>",
-              Written([&](CXmlTextWriter& w) {
-                w.SetDefaultNamespace(L"urn:0");
-                write(w);
-              }));
-}
-
-TEST(XmlTextWriter, InventsPrefixesThatEndWithTheirElement) {
-  EXPECT_TEXT(
-      L"<AA:r xmlns:AA=\"u1\"><AA:a/><AB:b xmlns:AB=\"u2\"><AC:c xmlns:AC=\"u3\" AB:x=\"\"/></AB:b>"
-      L"<AB:d xmlns:AB=\"u3\" xmlns:AC=\"u2\" AC:y=\"\"/></AA:r>",
-      Written(L"<r{u1} <a{u1}> <b{u2} <c{u3} @x{u2}=>> <d{u3} @y{u2}=>>"));
-  EXPECT_TEXT(L"<AB:r xmlns:AB=\"u1\" xmlns:AA=\"u0\"/>", Written([](CXmlTextWriter& w) {
-                w.AddNamespace(L"AA", L"u0");
-                Replay(w, L"<r{u1}>");
-              }));
-}
-
-TEST(XmlTextWriter, EndsAnElementByTheNameItStartedWith) {
-  EXPECT_TEXT(L"<AA:r xmlns:AA=\"u1\"><p:c/></AA:r>", Written([](CXmlTextWriter& w) {
-                w.WriteStartElement(L"r", L"u1");
-                w.AddNamespace(L"p", L"u1");
-                Replay(w, L"<c{u1}>");
-                w.SetDefaultNamespace(L"u1");
-                w.WriteEndElement();
-              }));
-}
-
 // Not even after another prefix has taken over its namespace.
 TEST(XmlTextWriter, DeclaresThePrefixOfAStartTagForNothingElse) {
   EXPECT_TEXT(L"<AA:r xmlns:AA=\"u1\"><AA:c xmlns:A=\"u1\"/></AA:r>", Written([](CXmlTextWriter& w) {
@@ -205,10 +163,7 @@ TEST(XmlTextWriter, KeepsTwoBlanksAfterAnInventedTypePrefixIntended) {
   const std::wstring xsi = CXmlWriter::XSI_NAMESPACE;
   EXPECT_TEXT(L"<r xmlns=\"d\"><a xmlns:AA=\"t\"  xmlns:AB=\"" + xsi + L"\" AB:type=\"AA:T\"/><b xmlns:AA=\"" + xsi +
                   L"\" AA:type=\"T\" AA:nil=\"true\"/></r>",
-              Written([](CXmlTextWriter& w) {
-                w.SetDefaultNamespace(L"d");
-                Replay(w, L"<r <a :T{t}> <b :T{d} nil>>");
-              }));
+              Written(L"={d} <r <a :T{t}> <b :T{d} nil>>"));
 }
 
 TEST(XmlTextWriter, EveryCallFlushesAFullStream) {
@@ -249,33 +204,6 @@ TEST(XmlWriter, InventsPrefixesPastTheAlphabetIntended) {
   EXPECT_TEXT(L"BA", CXmlWriter::NsIntToString(26));
   EXPECT_TEXT(L"[A", CXmlWriter::NsIntToString(676));
   EXPECT_TEXT(L"AB", CXmlWriter::GetUniquePrefix({{L"u", L"AA"}, {L"v", L"AC"}, {L"w", L"ABC"}}));
-}
-
-TEST(XmlWriterContext, ScopesShareAndShadowDeclarations) {
-  using Context = CXmlWriter::CXmlWriterContext;
-  auto root = std::make_unique<Context>(L"r", L"", L"d", CXmlWriter::NamespaceMap{{L"u1", L"p"}}, nullptr);
-  auto inner = std::make_unique<Context>(L"i", L"", std::move(root));
-  Context leaf(L"l", L"", std::move(inner));
-  const Context& middle = *leaf.m_parent;
-
-  EXPECT_EQ(2, leaf.m_depth);
-  EXPECT_EQ(nullptr, leaf.FindPrefix(L"u2"));
-  EXPECT_TEXT(L"", leaf.GetNamespaceMapValue(L"u2"));  // lands in the scope in effect, the root's
-  EXPECT_TEXT(L"", *middle.FindPrefix(L"u2"));
-
-  leaf.SetNamespaceMapValue(L"u1", L"q");
-  EXPECT_TEXT(L"q", leaf.GetNamespaceMapValue(std::wstring(L"u1")));
-  EXPECT_TEXT(L"p", *middle.FindPrefix(L"u1"));
-  EXPECT_TEXT(L"d", leaf.GetDefaultNamespace());
-  leaf.SetDefaultNamespace(L"e");
-  EXPECT_TEXT(L"d", middle.GetDefaultNamespace());
-  EXPECT_EQ((CXmlWriter::NamespaceMap{{L"u1", L"q"}, {L"u2", L""}}), leaf.GetNamespaceMap());
-
-  // A prefix that was shadowed is free again.
-  leaf.SetNamespaceMapValue(L"u3", L"AA");
-  leaf.SetNamespaceMapValue(L"u3", L"AB");
-  EXPECT_TEXT(L"AA", leaf.InventPrefix(L"u4"));
-  EXPECT_TEXT(L"AC", leaf.InventPrefix(L"u5"));
 }
 
 // Hundreds of scopes and declarations in one, against a map for each scope.

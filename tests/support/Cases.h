@@ -1,0 +1,39 @@
+#ifndef RKXMLLIB16_TESTS_SUPPORT_CASES_H
+#define RKXMLLIB16_TESTS_SUPPORT_CASES_H
+
+#include <filesystem>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "support/TempFile.h"
+
+// Cases that stand in files below tests/data.
+namespace RkXmlTest {
+
+inline std::vector<std::string> ReadLines(const std::filesystem::path& file) {
+  std::istringstream text(ReadFile(file));
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(text, line);) lines.push_back(line);
+  return lines;
+}
+
+// What is given and, after "=>", what comes of it; a blank line ends a case.
+inline std::vector<std::pair<std::string, std::string>> ReadCases(const std::filesystem::path& file) {
+  std::vector<std::pair<std::string, std::string>> cases(1);
+  for (const std::string& line : ReadLines(file)) {
+    auto& [given, result] = cases.back();
+    if (line.empty())
+      cases.emplace_back();
+    else if (line.compare(0, 2, "=>") == 0)
+      result = line.substr(line.size() == 2 ? 2 : 3);
+    else
+      given += given.empty() ? line : '\n' + line;
+  }
+  return cases;
+}
+
+}  // namespace RkXmlTest
+
+#endif
