@@ -527,24 +527,20 @@ bool CXmlWriter::AreSameNamespaces(const std::shared_ptr<const std::wstring>& a,
 
 const CNamespaceName& CXmlWriter::NameOf(const std::wstring& namespaceUri) const { return m_pool->Find(namespaceUri); }
 
-void CXmlWriter::SetRecordOutput(const std::type_info& type, MakeRecordOutput make) noexcept {
-  m_recordOutputType = &type;
-  m_makeRecordOutput = make;
-}
-
 void CXmlWriter::ForgetNames() noexcept { m_recordOutput.reset(); }
 
 inline CRecordOutput* CXmlWriter::FindRecordOutput() {
-  if (m_recordOutput != nullptr && m_context != nullptr) return m_recordOutput.get();
-  const auto make = [this]() __attribute__((noinline))->CRecordOutput* {
-    if (m_checks != nullptr || m_context == nullptr || m_recordOutputType == nullptr) return nullptr;
-    if (typeid(*this) == *m_recordOutputType)
-      m_recordOutput = m_makeRecordOutput(*this);
-    else
-      m_recordOutputType = nullptr;
-    return m_recordOutput.get();
-  };
-  return make();
+  if (m_context == nullptr || !m_avoidedPrefix.empty()) return nullptr;
+  return m_recordOutput != nullptr ? m_recordOutput.get() : MakeRecordOutput();
+}
+
+CRecordOutput* CXmlWriter::MakeRecordOutput() {
+  if (m_checks != nullptr || m_recordOutputType == nullptr) return nullptr;
+  if (typeid(*this) == *m_recordOutputType)
+    m_recordOutput = m_makeRecordOutput(*this);
+  else
+    m_recordOutputType = nullptr;
+  return m_recordOutput.get();
 }
 
 void CXmlWriter::StartElement(const CNameToken& name) {
@@ -557,14 +553,14 @@ void CXmlWriter::TextElement(const CNameToken& name, std::wstring_view text, Ite
   PlainTextElement(name, text, type);
 }
 
-void CXmlWriter::PlainTextElement(const CNameToken& name, std::wstring_view text, ItemType type) {
-  m_plainText = text;
-  WriteTextElement(name.GetLocalName(), name.GetNamespace(), m_plainText, type);
-}
-
 void CXmlWriter::Attribute(const CNameToken& name, std::wstring_view value, ItemType type, bool isCanonical) {
   if (CRecordOutput* const output = FindRecordOutput()) return output->Attribute(name, value, type, isCanonical);
   PlainAttribute(name, value, type);
+}
+
+void CXmlWriter::PlainTextElement(const CNameToken& name, std::wstring_view text, ItemType type) {
+  m_plainText = text;
+  WriteTextElement(name.GetLocalName(), name.GetNamespace(), m_plainText, type);
 }
 
 void CXmlWriter::PlainAttribute(const CNameToken& name, std::wstring_view value, ItemType type) {

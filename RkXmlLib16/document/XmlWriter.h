@@ -214,13 +214,15 @@ class RKXML_EXPORT CXmlWriter {
   // The namespace as this writer has it once.
   const CNamespaceName& NameOf(const std::wstring& namespaceUri) const;
 
-  // For the library's own writers, in their constructors: what they do with names of records. It is made when it is
-  // first needed, and only if the writer is of this type itself.
-  using MakeRecordOutput = std::unique_ptr<CRecordOutput> (*)(CXmlWriter& writer);
-  void SetRecordOutput(const std::type_info& type, MakeRecordOutput make) noexcept;
-  // What StartElement, TextElement and Attribute do for every other writer.
-  void PlainTextElement(const CNameToken& name, std::wstring_view text, ItemType type);
-  void PlainAttribute(const CNameToken& name, std::wstring_view value, ItemType type);
+  // For the library's own writers, in their constructors: what they do with names of records, an `Output`. It is made
+  // when it is first needed, and only if the writer is a `Writer` itself.
+  template <class Writer, class Output>
+  void SetRecordOutput() noexcept {
+    m_recordOutputType = &typeid(Writer);
+    m_makeRecordOutput = [](CXmlWriter& writer) -> std::unique_ptr<CRecordOutput> {
+      return std::make_unique<Output>(static_cast<Writer&>(writer));
+    };
+  }
   // Forgets what was made of names, because settings have changed.
   void ForgetNames() noexcept;
 
@@ -238,16 +240,21 @@ class RKXML_EXPORT CXmlWriter {
   std::wstring m_avoidedPrefix;
 
  private:
+  friend class CRecordOutput;
   void CheckElement(const std::wstring& localName, const std::wstring& namespaceUri);
   bool IsTakenByStartTag(const std::wstring& prefix) const;
 
-  // Null when this writer is not of its type, or its output is checked.
+  // What StartElement, TextElement and Attribute do for every other writer.
+  void PlainTextElement(const CNameToken& name, std::wstring_view text, ItemType type);
+  void PlainAttribute(const CNameToken& name, std::wstring_view value, ItemType type);
+  // Null when this writer is not of its type, its output is checked, no element is open, or a prefix is avoided.
   CRecordOutput* FindRecordOutput();
+  CRecordOutput* MakeRecordOutput();
   bool IsExpected(const std::wstring& localName, const std::wstring& namespaceUri) const noexcept;
   void ReopenContext() noexcept;
 
   const std::type_info* m_recordOutputType = nullptr;
-  MakeRecordOutput m_makeRecordOutput = nullptr;
+  std::unique_ptr<CRecordOutput> (*m_makeRecordOutput)(CXmlWriter& writer) = nullptr;
   std::unique_ptr<CRecordOutput> m_recordOutput;
   const CNameToken* m_expectedName = nullptr;
   std::wstring m_plainText;  // on its way to writers that take no view

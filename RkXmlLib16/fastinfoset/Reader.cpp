@@ -114,20 +114,20 @@ inline unsigned long CFastInfosetReader::Integer0To2pw20Bit2(unsigned char octet
   return Integer(FastInfoset::kIndexBit2, octet, kInvalidValueIndex);
 }
 
+inline const CFastInfosetReader::QName& CFastInfosetReader::KnownName(const QNames& names, unsigned long index,
+                                                                      const wchar_t* refusal) {
+  if (!IsKnown(index, names.size()) || names[index - 1].localName == nullptr) throw CRkException(refusal);
+  return names[index - 1];
+}
+
 inline const CFastInfosetReader::QName& CFastInfosetReader::QualifiedNameOrIndexBit2(unsigned char octet) {
   if ((octet & 0x7C) == FastInfoset::kAttributeLiteralName) return ReadQName(octet, m_attributeNames);
-  const unsigned long index = Integer1To2pw20Bit2(octet);
-  const bool isKnown = IsKnown(index, m_attributeNames.size()) && m_attributeNames[index - 1].localName != nullptr;
-  if (!isKnown) throw CRkException(kInvalidIndexBit2);
-  return m_attributeNames[index - 1];
+  return KnownName(m_attributeNames, Integer1To2pw20Bit2(octet), kInvalidIndexBit2);
 }
 
 inline const CFastInfosetReader::QName& CFastInfosetReader::QualifiedNameOrIndexBit3(unsigned char octet) {
   if ((octet & 0x3C) == FastInfoset::kElementLiteralName) return ReadQName(octet, m_elementNames);
-  const unsigned long index = Integer1To2pw20Bit3(octet);
-  const bool isKnown = IsKnown(index, m_elementNames.size()) && m_elementNames[index - 1].localName != nullptr;
-  if (!isKnown) throw CRkException(kInvalidIndexBit3);
-  return m_elementNames[index - 1];
+  return KnownName(m_elementNames, Integer1To2pw20Bit3(octet), kInvalidIndexBit3);
 }
 
 inline CXmlTextBlock* CFastInfosetReader::ReadPlainValue(unsigned char octet) {

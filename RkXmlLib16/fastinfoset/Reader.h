@@ -113,6 +113,7 @@ class RKXML_EXPORT CFastInfosetReader {
   void UnexpandedEntityReferenceBit7(unsigned char octet);
   void ExternalIdentifiers(unsigned char octet);
 
+  inline const QName& KnownName(const QNames& names, unsigned long index, const wchar_t* refusal);
   inline const QName& QualifiedNameOrIndexBit2(unsigned char octet);
   inline const QName& QualifiedNameOrIndexBit3(unsigned char octet);
   const QName& ReadQName(unsigned char octet, QNames& names);

@@ -172,35 +172,40 @@ bool IsFloating(const EncodedCharacterString& encoding) {
 
 }  // namespace
 
-// The indices of the names of records.
-class [[gnu::visibility("hidden")]] CFastInfosetWriter::RecordOutput final : public CRecordOutput {
+// Of the name of a record its index is kept.
+class RKXML_HIDDEN CFastInfosetWriter::RecordOutput final
+    : public CFormRecordOutput<CFastInfosetWriter::RecordOutput, CFastInfosetWriter, unsigned long> {
  public:
-  explicit RecordOutput(CFastInfosetWriter & writer) : m_writer(writer) {}
+  using CFormRecordOutput::CFormRecordOutput;
 
-  void StartElement(const CNameToken& name) override;
-  void TextElement(const CNameToken& name, std::wstring_view text, ItemType type, bool isCanonical) override;
-  void Attribute(const CNameToken& name, std::wstring_view value, ItemType type, bool isCanonical) override;
+  std::uint64_t GetScope() const noexcept { return m_writer.m_scope; }
+  const CNamespaceName* MakeElement(const CNameToken& name, unsigned long& index) {
+    CFIVocabulary& vocabulary = m_writer.m_vocabulary;
+    return Make(name, m_writer.m_elementScope, vocabulary.GetElementNamesTable(), index);
+  }
+  const CNamespaceName* MakeAttribute(const CNameToken& name, unsigned long& index) {
+    CFIVocabulary& vocabulary = m_writer.m_vocabulary;
+    return Make(name, m_writer.m_attributeScope, vocabulary.GetAttributeNamesTable(), index);
+  }
+  bool PutStart(const CNameToken& name, Entry& entry);
+  bool PutText(const CNameToken& name, Entry& entry, std::wstring_view text, ItemType type, bool isCanonical);
+  bool PutAttribute(const CNameToken& name, Entry& entry, std::wstring_view value, ItemType type, bool isCanonical);
 
  private:
-  using Names = CKnownNames<unsigned long>;
-
-  static void Keep(Names::Entry & entry, const CNameToken& name, const CNamespaceName& namespaceName,
-                   unsigned long index, std::size_t scope) noexcept {
-    if (index == 0) return;
-    entry.Begin(name, namespaceName, scope);
-    entry.made = index;
+  const CNamespaceName* Make(const CNameToken& name, const ScopeCache& scopes, const CFIQNameTable& names,
+                             unsigned long& index) const {
+    const CNamespaceName& namespaceName = m_writer.NameOf(name.GetNamespace());
+    const ScopedNamespace* const scoped = m_writer.FindKnown(scopes, namespaceName);
+    if (scoped == nullptr) return nullptr;
+    index = m_writer.FindIndex(names, m_writer.PartsOf(*scoped, name.GetLocalName()), *scoped);
+    return index != 0 ? &namespaceName : nullptr;
   }
-
-  CFastInfosetWriter& m_writer;
-  Names m_names;
 };
 
 CFastInfosetWriter::CFastInfosetWriter(const CFastInfosetContext& context, CBinaryStream& stream)
     : m_fiContext(context), m_stream(stream), m_vocabulary(context.GetVocabulary()) {
   Grow(kFlushLength);
-  SetRecordOutput(typeid(CFastInfosetWriter), [](CXmlWriter& writer) -> std::unique_ptr<CRecordOutput> {
-    return std::make_unique<RecordOutput>(static_cast<CFastInfosetWriter&>(writer));
-  });
+  SetRecordOutput<CFastInfosetWriter, RecordOutput>();
 }
 
 CFastInfosetWriter::~CFastInfosetWriter() = default;
@@ -338,19 +343,15 @@ void CFastInfosetWriter::WriteStartElement(const std::wstring& localName, const 
   ElementName(ResolveElement(*m_context->GetName()), localName);
 }
 
-void CFastInfosetWriter::RecordOutput::StartElement(const CNameToken& name) {
+[[gnu::always_inline]] inline bool CFastInfosetWriter::RecordOutput::PutStart(const CNameToken& name, Entry& entry) {
   CFastInfosetWriter& w = m_writer;
-  Names::Entry& entry = m_names.Element(name);
-  const bool isKnown = entry.Holds(name, w.m_scope) && w.m_avoidedPrefix.empty();
-  const CNamespaceName& namespaceName = isKnown ? *entry.namespaceName : w.NameOf(name.GetNamespace());
   w.BeginChild();
   w.FlushTerminator();
   if (w.GetLength() >= kFlushLength) w.FlushOctets();
-  w.PushContext(name, namespaceName);
+  w.PushContext(name, *entry.namespaceName);
   w.BeginStartTag();
-  if (isKnown) return w.Integer<FastInfoset::kIndexBit3>(0, entry.made);
-  const unsigned long index = w.ElementName(w.ResolveElement(namespaceName), name.GetLocalName());
-  Keep(entry, name, namespaceName, index, w.m_scope);
+  w.Integer<FastInfoset::kIndexBit3>(0, entry.made);
+  return true;
 }
 
 void CFastInfosetWriter::WriteElement() {
@@ -386,23 +387,17 @@ void CFastInfosetWriter::WriteString(const std::wstring& text, ItemType type) {
   if (GetLength() >= kFlushLength) FlushOctets();
 }
 
-void CFastInfosetWriter::RecordOutput::TextElement(const CNameToken& name, std::wstring_view text, ItemType type,
-                                                   bool) {
+[[gnu::always_inline]] inline bool CFastInfosetWriter::RecordOutput::PutText(const CNameToken&, Entry& entry,
+                                                                             std::wstring_view text, ItemType type,
+                                                                             bool) {
   CFastInfosetWriter& w = m_writer;
-  Names::Entry& entry = m_names.Element(name);
-  const bool isKnown = entry.Holds(name, w.m_scope);
-  const CNamespaceName* const namespaceName = isKnown ? entry.namespaceName : &w.NameOf(name.GetNamespace());
-  const ScopedNamespace* const scoped = isKnown ? nullptr : w.FindKnown(w.m_elementScope, *namespaceName);
-  if (!w.m_avoidedPrefix.empty() || (!isKnown && scoped == nullptr)) return w.PlainTextElement(name, text, type);
   w.BeginChild();
   w.FlushTerminator();
-  if (isKnown)
-    w.Integer<FastInfoset::kIndexBit3>(0, entry.made);
-  else
-    Keep(entry, name, *namespaceName, w.ElementName(*scoped, name.GetLocalName()), w.m_scope);
+  w.Integer<FastInfoset::kIndexBit3>(0, entry.made);
   if (!text.empty()) w.NonIdentifyingStringOrIndexBit3(text, type);
   w.WriteTerminator();
   if (w.GetLength() >= kFlushLength) w.FlushOctets();
+  return true;
 }
 
 void CFastInfosetWriter::WriteEndElement() {
@@ -424,20 +419,15 @@ void CFastInfosetWriter::WriteAttributeString(const std::wstring& localName, con
   NonIdentifyingStringOrIndexBit1(value, type);
 }
 
-void CFastInfosetWriter::RecordOutput::Attribute(const CNameToken& name, std::wstring_view value, ItemType type, bool) {
+[[gnu::always_inline]] inline bool CFastInfosetWriter::RecordOutput::PutAttribute(const CNameToken&, Entry& entry,
+                                                                                  std::wstring_view value,
+                                                                                  ItemType type, bool) {
   CFastInfosetWriter& w = m_writer;
-  w.RequireStartTag();
-  Names::Entry& entry = m_names.Attribute(name);
-  if (entry.Holds(name, w.m_scope)) {
-    w.Integer<FastInfoset::kIndexBit2>(0, entry.made);
-  } else {
-    if (name.GetNamespace() == XMLNS_NAMESPACE) return w.PlainAttribute(name, value, type);
-    const CNamespaceName& namespaceName = w.NameOf(name.GetNamespace());
-    const unsigned long index = w.AttributeName(w.ResolveAttribute(namespaceName), name.GetLocalName());
-    Keep(entry, name, namespaceName, index, w.m_scope);
-  }
+  if (!w.IsStartTagOpen()) return false;
+  w.Integer<FastInfoset::kIndexBit2>(0, entry.made);
   w.m_hasAttributes = true;
   w.NonIdentifyingStringOrIndexBit1(value, type);
+  return true;
 }
 
 void CFastInfosetWriter::WriteAttributeType(const std::wstring& typeNamespaceUri, const std::wstring& typeName,
@@ -627,20 +617,27 @@ void CFastInfosetWriter::QualifiedNameOrIndexBit3(const ScopedNamespace& scoped,
   ElementName(scoped, localName);
 }
 
+inline CQNameParts CFastInfosetWriter::PartsOf(const ScopedNamespace& scoped, std::wstring_view localName) const {
+  return {scoped.prefixIndex, scoped.namespaceNameIndex, m_vocabulary.GetLocalNamesTable().Find(localName)};
+}
+
+unsigned long CFastInfosetWriter::FindIndex(const CFIQNameTable& names, const CQNameParts& parts,
+                                            const ScopedNamespace& scoped) {
+  const bool isIndexed = (scoped.prefix.empty() || parts.m_prefixIndex != 0) &&
+                         (scoped.name->ordinal == 0 || parts.m_namespaceNameIndex != 0) && parts.m_localNameIndex != 0;
+  return isIndexed ? names.Find(parts) : 0;
+}
+
 unsigned long CFastInfosetWriter::NewQualifiedName(unsigned char literal, CFIQNameTable& names, RecentName& slot,
                                                    const ScopedNamespace& scoped, std::wstring_view localName) {
-  CQNameParts parts{scoped.prefixIndex, scoped.namespaceNameIndex, m_vocabulary.GetLocalNamesTable().Find(localName)};
+  CQNameParts parts = PartsOf(scoped, localName);
+  if (const unsigned long known = FindIndex(names, parts, scoped)) {
+    const std::wstring_view lasting = m_vocabulary.GetLocalNamesTable()[parts.m_localNameIndex];
+    slot = {lasting, parts.m_prefixIndex, parts.m_namespaceNameIndex, known};
+    return known;
+  }
   const bool hasPrefix = !scoped.prefix.empty();
   const bool hasNamespace = scoped.name->ordinal != 0;
-  const bool isScopeIndexed =
-      (!hasPrefix || parts.m_prefixIndex != 0) && (!hasNamespace || parts.m_namespaceNameIndex != 0);
-  if (isScopeIndexed && parts.m_localNameIndex != 0) {
-    if (const unsigned long known = names.Find(parts)) {
-      const std::wstring_view lasting = m_vocabulary.GetLocalNamesTable()[parts.m_localNameIndex];
-      slot = {lasting, parts.m_prefixIndex, parts.m_namespaceNameIndex, known};
-      return known;
-    }
-  }
   if (hasPrefix) literal |= FastInfoset::kNamePrefixBit;
   if (hasNamespace) literal |= FastInfoset::kNameNamespaceBit;
   Put(literal);

@@ -150,6 +150,9 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
                               const ScopedNamespace& scoped, std::wstring_view localName);
   unsigned long ElementName(const ScopedNamespace& scoped, std::wstring_view localName);
   unsigned long AttributeName(const ScopedNamespace& scoped, std::wstring_view localName);
+  CQNameParts PartsOf(const ScopedNamespace& scoped, std::wstring_view localName) const;
+  // The index of a name, or 0.
+  static unsigned long FindIndex(const CFIQNameTable& names, const CQNameParts& parts, const ScopedNamespace& scoped);
   // The index of a name that has one, or 0 after it was written in full.
   unsigned long NewQualifiedName(unsigned char literal, CFIQNameTable& names, RecentName& slot,
                                  const ScopedNamespace& scoped, std::wstring_view localName);

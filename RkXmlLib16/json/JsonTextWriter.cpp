@@ -106,100 +106,82 @@ bool IsStrictLiteral(std::wstring_view text) { return text == L"true" || text ==
 
 }  // namespace
 
-// The members of records.
-class [[gnu::visibility("hidden")]] CJsonTextWriter::RecordOutput final : public CRecordOutput {
- public:
-  explicit RecordOutput(CJsonTextWriter & writer) : m_writer(writer) {}
+// What is made of the name of a record: the start of the line and the key, for one level.
+struct MadeKey {
+  static constexpr std::size_t kLongest = 48;
+  static constexpr std::int64_t kNoLevel = INT64_MIN;  // arrays inside arrays bring levels below 0
 
-  void StartElement(const CNameToken& name) override;
-  void TextElement(const CNameToken& name, std::wstring_view text, ItemType type, bool isCanonical) override;
-  void Attribute(const CNameToken& name, std::wstring_view value, ItemType type, bool isCanonical) override;
-
- private:
-  // The start of the line and the key.
-  struct Made {
-    static constexpr std::size_t kLongest = 48;
-    static constexpr std::int64_t kNoLevel = INT64_MIN;  // arrays inside arrays bring levels below 0
-
-    const std::wstring* prefix;
-    std::int64_t level;
-    CReadyText<kLongest> key;  // longer: there is no text
-  };
-  using Names = CKnownNames<Made>;
-
-  // The entry of a member of the open element, or null when the scope has no prefix for it.
-  Names::Entry* FindElement(const CNameToken& name);
-  Names::Entry* FindAttribute(const CNameToken& name);
-  static bool Begin(Names::Entry & entry, const CNameToken& name, const CNamespaceName& namespaceName,
-                    const std::wstring* prefix, std::uint64_t scope) noexcept;
-  // Whether the entry has the key of the level, or has it now.
-  bool HasKey(Made & made, const CNameToken& name, std::wstring_view marker, std::int64_t level);
-  void Make(Made & made, const CNameToken& name, std::wstring_view marker, std::int64_t level);
-  void WriteMember(Made & made, const CNameToken& name, std::wstring_view marker, std::wstring_view value, bool quoted);
-
-  CJsonTextWriter& m_writer;
-  Names m_names;
+  const std::wstring* prefix;
+  std::int64_t level;
+  CReadyText<kLongest> key;  // longer: there is no text
 };
 
-bool CJsonTextWriter::RecordOutput::Begin(Names::Entry& entry, const CNameToken& name,
-                                          const CNamespaceName& namespaceName, const std::wstring* prefix,
-                                          std::uint64_t scope) noexcept {
-  if (prefix == nullptr) return false;
-  entry.Begin(name, namespaceName, scope);
-  entry.made.prefix = prefix;
-  entry.made.level = Made::kNoLevel;
-  return true;
+class RKXML_HIDDEN CJsonTextWriter::RecordOutput final
+    : public CFormRecordOutput<CJsonTextWriter::RecordOutput, CJsonTextWriter, MadeKey> {
+ public:
+  using CFormRecordOutput::CFormRecordOutput;
+
+  std::uint64_t GetScope() const noexcept { return m_writer.m_pool->GetScope(); }
+  // Not items of arrays.
+  bool TakesElement(const CNameToken& name) {
+    return !m_writer.OpensArray() && !m_writer.ContinuesArray(name.GetLocalName(), name.GetNamespace());
+  }
+  const CNamespaceName* MakeElement(const CNameToken& name, MadeKey& made);
+  const CNamespaceName* MakeAttribute(const CNameToken& name, MadeKey& made);
+  bool PutStart(const CNameToken& name, Entry& entry);
+  bool PutText(const CNameToken& name, Entry& entry, std::wstring_view text, ItemType type, bool isCanonical);
+  bool PutAttribute(const CNameToken& name, Entry& entry, std::wstring_view value, ItemType type, bool isCanonical);
+
+ private:
+  // Whether the key is that of the level, or is now.
+  bool HasKey(MadeKey& made, const CNameToken& name, std::wstring_view marker, std::int64_t level);
+  void Make(MadeKey& made, const CNameToken& name, std::wstring_view marker, std::int64_t level);
+  void WriteMember(MadeKey& made, const CNameToken& name, std::wstring_view marker, std::wstring_view value,
+                   bool quoted);
+};
+
+const CNamespaceName* CJsonTextWriter::RecordOutput::MakeElement(const CNameToken& name, MadeKey& made) {
+  const CNamespaceName& namespaceName = m_writer.NameOf(name.GetNamespace());
+  const bool mayHavePrefix = m_writer.m_roundTrip == JsonRoundTrip_Namespaces;
+  made.prefix = mayHavePrefix ? m_writer.FindElementPrefix(namespaceName) : &kNone.Get();
+  made.level = MadeKey::kNoLevel;
+  return made.prefix != nullptr ? &namespaceName : nullptr;
 }
 
-inline auto CJsonTextWriter::RecordOutput::FindElement(const CNameToken& name) -> Names::Entry* {
-  const CJsonTextWriter& w = m_writer;
-  Names::Entry& entry = m_names.Element(name);
-  const std::uint64_t scope = w.m_pool->GetScope();
-  if (entry.Holds(name, scope)) return &entry;
-  const CNamespaceName& namespaceName = w.NameOf(name.GetNamespace());
-  const bool mayHavePrefix = w.m_roundTrip == JsonRoundTrip_Namespaces;
-  const std::wstring* const prefix = mayHavePrefix ? w.FindElementPrefix(namespaceName) : &kNone.Get();
-  return Begin(entry, name, namespaceName, prefix, scope) ? &entry : nullptr;
+const CNamespaceName* CJsonTextWriter::RecordOutput::MakeAttribute(const CNameToken& name, MadeKey& made) {
+  const CNamespaceName& namespaceName = m_writer.NameOf(name.GetNamespace());
+  const bool hasPrefix = m_writer.m_roundTrip == JsonRoundTrip_Namespaces && namespaceName.ordinal != 0;
+  made.prefix = hasPrefix ? m_writer.FindAttributePrefix(name.GetNamespace()) : &kNone.Get();
+  made.level = MadeKey::kNoLevel;
+  return made.prefix != nullptr && name.GetNamespace() != XMLNS_NAMESPACE ? &namespaceName : nullptr;
 }
 
-inline auto CJsonTextWriter::RecordOutput::FindAttribute(const CNameToken& name) -> Names::Entry* {
-  const CJsonTextWriter& w = m_writer;
-  Names::Entry& entry = m_names.Attribute(name);
-  const std::uint64_t scope = w.m_pool->GetScope();
-  if (entry.Holds(name, scope)) return &entry;
-  const CNamespaceName& namespaceName = w.NameOf(name.GetNamespace());
-  const bool hasPrefix = w.m_roundTrip == JsonRoundTrip_Namespaces && namespaceName.ordinal != 0;
-  const std::wstring* const prefix = hasPrefix ? w.FindAttributePrefix(name.GetNamespace()) : &kNone.Get();
-  if (name.GetNamespace() == XMLNS_NAMESPACE) return nullptr;
-  return Begin(entry, name, namespaceName, prefix, scope) ? &entry : nullptr;
-}
-
-inline bool CJsonTextWriter::RecordOutput::HasKey(Made& made, const CNameToken& name, std::wstring_view marker,
+inline bool CJsonTextWriter::RecordOutput::HasKey(MadeKey& made, const CNameToken& name, std::wstring_view marker,
                                                   std::int64_t level) {
   if (made.level != level) Make(made, name, marker, level);
-  return made.key.length <= Made::kLongest;
+  return made.key.length <= MadeKey::kLongest;
 }
 
-void CJsonTextWriter::RecordOutput::Make(Made& made, const CNameToken& name, std::wstring_view marker,
+void CJsonTextWriter::RecordOutput::Make(MadeKey& made, const CNameToken& name, std::wstring_view marker,
                                          std::int64_t level) {
   const std::wstring_view start = m_writer.LineStart(level);
-  wchar_t text[8 * Made::kLongest];
+  wchar_t text[8 * MadeKey::kLongest];
   made.level = level;
   made.key.length = start.size() + m_writer.KeyLength(marker, *made.prefix, name.GetLocalName());
   if (made.key.length > std::size(text)) return;
   const wchar_t* const end = m_writer.CopyKey(WideText::Copy(text, start), marker, *made.prefix, name.GetLocalName());
   made.key.length = static_cast<std::size_t>(end - text);
-  std::copy_n(text, std::min(made.key.length, Made::kLongest), made.key.text);
+  std::copy_n(text, std::min(made.key.length, MadeKey::kLongest), made.key.text);
 }
 
-inline void CJsonTextWriter::RecordOutput::WriteMember(Made& made, const CNameToken& name, std::wstring_view marker,
+inline void CJsonTextWriter::RecordOutput::WriteMember(MadeKey& made, const CNameToken& name, std::wstring_view marker,
                                                        std::wstring_view value, bool quoted) {
   CJsonTextWriter& w = m_writer;
   const bool isFurther = w.BeginMember();
   if (!HasKey(made, name, marker, w.m_context->m_depth + 1))
     return w.PutMember(isFurther, marker, *made.prefix, name.GetLocalName(), value, quoted);
   const bool isShort = value.size() <= kShortText;
-  wchar_t* to = w.m_stream.Reserve(1 + Made::kLongest + (isShort ? value.size() * kLongestEscape + 2 : 0));
+  wchar_t* to = w.m_stream.Reserve(1 + MadeKey::kLongest + (isShort ? value.size() * kLongestEscape + 2 : 0));
   *to = L',';
   to = made.key.CopyTo(isFurther ? to + 1 : to);
   if (isShort) return w.WriteShortValue(to, value, quoted);
@@ -207,48 +189,44 @@ inline void CJsonTextWriter::RecordOutput::WriteMember(Made& made, const CNameTo
   w.WriteLongValue(value, quoted);
 }
 
-void CJsonTextWriter::RecordOutput::StartElement(const CNameToken& name) {
+[[gnu::always_inline]] inline bool CJsonTextWriter::RecordOutput::PutStart(const CNameToken& name, Entry& entry) {
   CJsonTextWriter& w = m_writer;
-  const bool isMember = !w.OpensArray() && !w.ContinuesArray(name.GetLocalName(), name.GetNamespace());
-  Names::Entry* const entry = isMember ? FindElement(name) : nullptr;
-  if (entry == nullptr) return w.WriteStartElement(name.GetLocalName(), name.GetNamespace());
   w.CloseArray(*w.m_context, w.Top(), false);
   w.OpenMember();
-  const std::int64_t level = w.PushContext(name, *entry->namespaceName).m_depth;
+  const std::int64_t level = w.PushContext(name, *entry.namespaceName).m_depth;
   w.StartMember(/*isItem=*/false, /*isUndecided=*/false);
-  if (HasKey(entry->made, name, {}, level))
-    w.m_stream.Commit(entry->made.key.CopyTo(w.m_stream.Reserve(Made::kLongest)));
+  if (HasKey(entry.made, name, {}, level))
+    w.m_stream.Commit(entry.made.key.CopyTo(w.m_stream.Reserve(MadeKey::kLongest)));
   else
-    w.PutKey(w.LineStart(level), {}, *entry->made.prefix, name.GetLocalName());
+    w.PutKey(w.LineStart(level), {}, *entry.made.prefix, name.GetLocalName());
   w.FlushWhenFull();
+  return true;
 }
 
-void CJsonTextWriter::RecordOutput::TextElement(const CNameToken& name, std::wstring_view text, ItemType type,
-                                                bool isCanonical) {
-  CJsonTextWriter& w = m_writer;
-  const bool isMember = !w.OpensArray() && !w.ContinuesArray(name.GetLocalName(), name.GetNamespace());
-  Names::Entry* const entry = isMember ? FindElement(name) : nullptr;
-  if (entry == nullptr) return w.PlainTextElement(name, text, type);
+[[gnu::always_inline]] inline bool CJsonTextWriter::RecordOutput::PutText(const CNameToken& name, Entry& entry,
+                                                                          std::wstring_view text, ItemType type,
+                                                                          bool isCanonical) {
   if (text.empty())
-    WriteMember(entry->made, name, {}, kNull.Get(), /*quoted=*/false);
+    WriteMember(entry.made, name, {}, kNull.Get(), /*quoted=*/false);
   else
-    WriteMember(entry->made, name, {}, text, !(isCanonical && IsLiteral(text, type)) && w.NeedsQuotes(text, type));
+    WriteMember(entry.made, name, {}, text,
+                !(isCanonical && IsLiteral(text, type)) && m_writer.NeedsQuotes(text, type));
+  return true;
 }
 
-void CJsonTextWriter::RecordOutput::Attribute(const CNameToken& name, std::wstring_view value, ItemType type,
-                                              bool isCanonical) {
-  Names::Entry* const entry = FindAttribute(name);
-  if (entry == nullptr) return m_writer.PlainAttribute(name, value, type);
+[[gnu::always_inline]] inline bool CJsonTextWriter::RecordOutput::PutAttribute(const CNameToken& name, Entry& entry,
+                                                                               std::wstring_view value, ItemType type,
+                                                                               bool isCanonical) {
   const bool quoted = !(isCanonical && IsLiteral(value, type)) && m_writer.NeedsQuotes(value, type);
-  WriteMember(entry->made, name, m_writer.GetMarker(), value, quoted);
+  WriteMember(entry.made, name, m_writer.GetMarker(), value, quoted);
+  return true;
 }
 
 CJsonTextWriter::CJsonTextWriter(CTextStream& stream) : m_stream(stream) {
   m_inventsPrefixes = false;
-  SetRecordOutput(typeid(CJsonTextWriter), [](CXmlWriter& writer) -> std::unique_ptr<CRecordOutput> {
-    return std::make_unique<RecordOutput>(static_cast<CJsonTextWriter&>(writer));
-  });
+  SetRecordOutput<CJsonTextWriter, RecordOutput>();
 }
+
 CJsonTextWriter::~CJsonTextWriter() = default;
 
 void CJsonTextWriter::SetFormat(bool format) noexcept {

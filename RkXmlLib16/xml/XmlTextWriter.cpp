@@ -92,87 +92,72 @@ constexpr std::uint64_t kSpecialInNamespace = MakeSet(L"&<>\t\n\r\"");
 
 }  // namespace
 
-// The tags and attributes of records.
-class [[gnu::visibility("hidden")]] CXmlTextWriter::RecordOutput final : public CRecordOutput {
- public:
-  explicit RecordOutput(CXmlTextWriter & writer) : m_writer(writer) {}
-
-  void StartElement(const CNameToken& name) override;
-  void TextElement(const CNameToken& name, std::wstring_view text, ItemType type, bool isCanonical) override;
-  void Attribute(const CNameToken& name, std::wstring_view value, ItemType type, bool isCanonical) override;
-
- private:
-  struct Made {
-    std::int64_t depth;
-    const std::wstring* prefix;
-    CReadyText<48> start;  // the indentation and "<name"; of attributes " name=" and the quotation mark
-    CReadyText<48> end;    // "</name>" and the line end
-  };
-  using Names = CKnownNames<Made>;
-
-  // The element of this name as a child of the open one, or the attribute; null when the plain operations have to write
-  // it.
-  const Names::Entry* FindElement(const CNameToken& name);
-  const Names::Entry* FindAttribute(const CNameToken& name);
-  bool Make(const CNameToken& name, std::int64_t depth, Names::Entry& entry);
-  bool MakeAttribute(const CNameToken& name, Names::Entry& entry);
-  // Space for what closes the start tag of the open element, which is written, and `count` characters more.
-  wchar_t* BeginChild(std::size_t count);
-
-  CXmlTextWriter& m_writer;
-  Names m_names;
+// What is made of the name of a record: tags for one depth, or all of an attribute but its value.
+struct MadeMarkup {
+  const std::wstring* prefix;
+  std::int64_t depth;
+  CReadyText<48> start;  // the indentation and "<name"; of attributes " name=" and the quotation mark
+  CReadyText<48> end;    // "</name>" and the line end
 };
 
-inline auto CXmlTextWriter::RecordOutput::FindElement(const CNameToken& name) -> const Names::Entry* {
-  Names::Entry& entry = m_names.Element(name);
-  const std::int64_t depth = m_writer.m_context->m_depth + 1;
-  if (!m_writer.m_avoidedPrefix.empty()) return nullptr;
-  if (entry.Holds(name, m_writer.m_pool->GetScope()) && entry.made.depth == depth) return &entry;
-  return Make(name, depth, entry) ? &entry : nullptr;
+class RKXML_HIDDEN CXmlTextWriter::RecordOutput final
+    : public CFormRecordOutput<CXmlTextWriter::RecordOutput, CXmlTextWriter, MadeMarkup> {
+ public:
+  using CFormRecordOutput::CFormRecordOutput;
+
+  std::uint64_t GetScope() const noexcept { return m_writer.m_pool->GetScope(); }
+  const CNamespaceName* MakeElement(const CNameToken& name, MadeMarkup& made);
+  const CNamespaceName* MakeAttribute(const CNameToken& name, MadeMarkup& made);
+  bool PutStart(const CNameToken& name, Entry& entry);
+  bool PutText(const CNameToken& name, Entry& entry, std::wstring_view text, ItemType type, bool isCanonical);
+  bool PutAttribute(const CNameToken& name, Entry& entry, std::wstring_view value, ItemType type, bool isCanonical);
+
+ private:
+  // Whether the tags are those of a child of the open element, or are now.
+  bool HasTags(const CNameToken& name, MadeMarkup& made);
+  bool MakeTags(const CNameToken& name, std::int64_t depth, MadeMarkup& made);
+  // Space for what closes the start tag of the open element, which is written, and `count` characters more.
+  wchar_t* BeginChild(std::size_t count);
+};
+
+const CNamespaceName* CXmlTextWriter::RecordOutput::MakeElement(const CNameToken& name, MadeMarkup& made) {
+  const CNamespaceName& namespaceName = m_writer.NameOf(name.GetNamespace());
+  made.prefix = m_writer.FindElementPrefix(namespaceName);
+  made.depth = 0;  // that of the root
+  return made.prefix != nullptr ? &namespaceName : nullptr;
 }
 
-bool CXmlTextWriter::RecordOutput::Make(const CNameToken& name, std::int64_t depth, Names::Entry& entry) {
-  const CXmlTextWriter& w = m_writer;
-  const CNamespaceName& namespaceName = w.NameOf(name.GetNamespace());
-  const std::wstring* const prefix = w.FindElementPrefix(namespaceName);
-  Made& made = entry.made;
-  if (prefix == nullptr) return false;
-  const std::size_t length = prefix->size() + 1 + name.GetLocalName().size();
-  if (w.IndentLength(depth) + 1 + length > std::size(made.start.text)) return false;
-  if (2 + length + 1 + w.m_endOfLine.size() > std::size(made.end.text)) return false;
-  entry.Begin(name, namespaceName, w.m_pool->GetScope());
-  made.depth = depth;
-  made.prefix = prefix;
-  wchar_t* to = w.PutIndent(made.start.text, depth);
-  *to++ = L'<';
-  made.start.length = static_cast<std::size_t>(PutQName(to, *prefix, name.GetLocalName()) - made.start.text);
-  made.end.text[0] = L'<';
-  made.end.text[1] = L'/';
-  to = w.PutEndOfTag(PutQName(made.end.text + 2, *prefix, name.GetLocalName()));
-  made.end.length = static_cast<std::size_t>(to - made.end.text);
-  return true;
-}
-
-inline auto CXmlTextWriter::RecordOutput::FindAttribute(const CNameToken& name) -> const Names::Entry* {
-  Names::Entry& entry = m_names.Attribute(name);
-  if (!m_writer.m_avoidedPrefix.empty()) return nullptr;
-  return entry.Holds(name, m_writer.m_pool->GetScope()) || MakeAttribute(name, entry) ? &entry : nullptr;
-}
-
-bool CXmlTextWriter::RecordOutput::MakeAttribute(const CNameToken& name, Names::Entry& entry) {
-  const CXmlTextWriter& w = m_writer;
-  const CNamespaceName& namespaceName = w.NameOf(name.GetNamespace());
-  const std::wstring* const prefix =
-      namespaceName.ordinal == 0 ? &kNoPrefix.Get() : w.FindPrefixInScope(name.GetNamespace());
-  Made& made = entry.made;
-  if (prefix == nullptr || name.GetNamespace() == XMLNS_NAMESPACE) return false;
-  if (1 + prefix->size() + 1 + name.GetLocalName().size() + 2 > std::size(made.start.text)) return false;
-  entry.Begin(name, namespaceName, w.m_pool->GetScope());
+const CNamespaceName* CXmlTextWriter::RecordOutput::MakeAttribute(const CNameToken& name, MadeMarkup& made) {
+  const CNamespaceName& namespaceName = m_writer.NameOf(name.GetNamespace());
+  made.prefix = namespaceName.ordinal == 0 ? &kNoPrefix.Get() : m_writer.FindPrefixInScope(name.GetNamespace());
+  if (made.prefix == nullptr || name.GetNamespace() == XMLNS_NAMESPACE) return nullptr;
+  if (1 + made.prefix->size() + 1 + name.GetLocalName().size() + 2 > std::size(made.start.text)) return nullptr;
   made.start.text[0] = L' ';
-  wchar_t* to = PutQName(made.start.text + 1, *prefix, name.GetLocalName());
+  wchar_t* to = PutQName(made.start.text + 1, *made.prefix, name.GetLocalName());
   *to++ = L'=';
   *to++ = L'"';
   made.start.length = static_cast<std::size_t>(to - made.start.text);
+  return &namespaceName;
+}
+
+inline bool CXmlTextWriter::RecordOutput::HasTags(const CNameToken& name, MadeMarkup& made) {
+  const std::int64_t depth = m_writer.m_context->m_depth + 1;
+  return made.depth == depth || MakeTags(name, depth, made);
+}
+
+bool CXmlTextWriter::RecordOutput::MakeTags(const CNameToken& name, std::int64_t depth, MadeMarkup& made) {
+  const CXmlTextWriter& w = m_writer;
+  const std::size_t length = made.prefix->size() + 1 + name.GetLocalName().size();
+  if (w.IndentLength(depth) + 1 + length > std::size(made.start.text)) return false;
+  if (2 + length + 1 + w.m_endOfLine.size() > std::size(made.end.text)) return false;
+  made.depth = depth;
+  wchar_t* to = w.PutIndent(made.start.text, depth);
+  *to++ = L'<';
+  made.start.length = static_cast<std::size_t>(PutQName(to, *made.prefix, name.GetLocalName()) - made.start.text);
+  made.end.text[0] = L'<';
+  made.end.text[1] = L'/';
+  to = w.PutEndOfTag(PutQName(made.end.text + 2, *made.prefix, name.GetLocalName()));
+  made.end.length = static_cast<std::size_t>(to - made.end.text);
   return true;
 }
 
@@ -185,22 +170,22 @@ inline wchar_t* CXmlTextWriter::RecordOutput::BeginChild(std::size_t count) {
   return m_writer.PutEndOfTag(to);
 }
 
-void CXmlTextWriter::RecordOutput::StartElement(const CNameToken& name) {
-  const Names::Entry* const entry = FindElement(name);
-  if (entry == nullptr) return m_writer.WriteStartElement(name.GetLocalName(), name.GetNamespace());
-  wchar_t* const to = BeginChild(std::size(entry->made.start.text));
-  CXmlWriterContext& context = m_writer.PushContext(name, *entry->namespaceName);
-  if (!entry->made.prefix->empty()) context.m_prefix = *entry->made.prefix;
-  m_writer.m_stream.Commit(entry->made.start.CopyTo(to));
+[[gnu::always_inline]] inline bool CXmlTextWriter::RecordOutput::PutStart(const CNameToken& name, Entry& entry) {
+  const MadeMarkup& made = entry.made;
+  if (!HasTags(name, entry.made)) return false;
+  wchar_t* const to = BeginChild(std::size(made.start.text));
+  CXmlWriterContext& context = m_writer.PushContext(name, *entry.namespaceName);
+  if (!made.prefix->empty()) context.m_prefix = *made.prefix;
+  m_writer.m_stream.Commit(made.start.CopyTo(to));
   m_writer.FlushIfDue();
+  return true;
 }
 
-void CXmlTextWriter::RecordOutput::TextElement(const CNameToken& name, std::wstring_view text, ItemType type,
-                                               bool isCanonical) {
-  const bool isShort = text.size() <= kShortText && !StartsCData(text);
-  const Names::Entry* const entry = isShort ? FindElement(name) : nullptr;
-  if (entry == nullptr) return m_writer.PlainTextElement(name, text, type);
-  const Made& made = entry->made;
+[[gnu::always_inline]] inline bool CXmlTextWriter::RecordOutput::PutText(const CNameToken& name, Entry& entry,
+                                                                         std::wstring_view text, ItemType type,
+                                                                         bool isCanonical) {
+  const MadeMarkup& made = entry.made;
+  if (text.size() > kShortText || StartsCData(text) || !HasTags(name, entry.made)) return false;
   wchar_t* to = BeginChild(std::size(made.start.text) + 2 + text.size() * kLongestEscape + std::size(made.end.text));
   to = made.start.CopyTo(to);
   if (text.empty() || text.front() == L'\0') {
@@ -214,27 +199,27 @@ void CXmlTextWriter::RecordOutput::TextElement(const CNameToken& name, std::wstr
   }
   m_writer.m_stream.Commit(to);
   m_writer.FlushIfDue();
+  return true;
 }
 
-void CXmlTextWriter::RecordOutput::Attribute(const CNameToken& name, std::wstring_view value, ItemType type,
-                                             bool isCanonical) {
-  const bool fits = m_writer.m_context->m_startTagOpen && value.size() <= kShortText;
-  const Names::Entry* const entry = fits ? FindAttribute(name) : nullptr;
-  if (entry == nullptr) return m_writer.WriteAttribute(name.GetLocalName(), name.GetNamespace(), value);
+[[gnu::always_inline]] inline bool CXmlTextWriter::RecordOutput::PutAttribute(const CNameToken&, Entry& entry,
+                                                                              std::wstring_view value, ItemType type,
+                                                                              bool isCanonical) {
+  const MadeMarkup& made = entry.made;
+  if (value.size() > kShortText || !m_writer.m_context->m_startTagOpen) return false;
   const Escaping where = m_writer.m_keepTabs ? Escaping::AttributeWithTabs : Escaping::Attribute;
-  wchar_t* to = m_writer.m_stream.Reserve(std::size(entry->made.start.text) + value.size() * kLongestEscape + 1);
-  to = entry->made.start.CopyTo(to);
+  wchar_t* to = m_writer.m_stream.Reserve(std::size(made.start.text) + value.size() * kLongestEscape + 1);
+  to = made.start.CopyTo(to);
   const bool isClean = isCanonical && HasNothingToEscape(type);
   to = isClean ? WideText::Copy(to, value) : m_writer.PutEscapedShort(to, value, where);
   *to++ = L'"';
   m_writer.m_stream.Commit(to);
   m_writer.FlushIfDue();
+  return true;
 }
 
 CXmlTextWriter::CXmlTextWriter(CTextStream& stream) : m_stream(stream) {
-  SetRecordOutput(typeid(CXmlTextWriter), [](CXmlWriter& writer) -> std::unique_ptr<CRecordOutput> {
-    return std::make_unique<RecordOutput>(static_cast<CXmlTextWriter&>(writer));
-  });
+  SetRecordOutput<CXmlTextWriter, RecordOutput>();
 }
 
 CXmlTextWriter::~CXmlTextWriter() = default;

@@ -3,17 +3,20 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <string_view>
 
 #include "RkXmlLib16/base/Enumerations.h"
 #include "RkXmlLib16/base/NameToken.h"
 #include "RkXmlLib16/base/internal/WideText.h"
+#include "RkXmlLib16/document/XmlWriter.h"
 #include "RkXmlLib16/document/internal/NamespacePool.h"
 
 namespace RkXmlLib16 {
 
 // What a writer of the library does with the names of records, in place of WriteStartElement, WriteTextElement and
-// WriteAttributeString. It writes what those write; its output is not checked.
+// WriteAttributeString. It writes what those write. Its output is not checked, an element is open, and no prefix is
+// avoided.
 class CRecordOutput {
  public:
   CRecordOutput() = default;
@@ -24,6 +27,17 @@ class CRecordOutput {
   virtual void StartElement(const CNameToken& name) = 0;
   virtual void TextElement(const CNameToken& name, std::wstring_view text, ItemType type, bool isCanonical) = 0;
   virtual void Attribute(const CNameToken& name, std::wstring_view value, ItemType type, bool isCanonical) = 0;
+
+ protected:
+  static void PlainStart(CXmlWriter& writer, const CNameToken& name) {
+    writer.WriteStartElement(name.GetLocalName(), name.GetNamespace());
+  }
+  static void PlainText(CXmlWriter& writer, const CNameToken& name, std::wstring_view text, ItemType type) {
+    writer.PlainTextElement(name, text, type);
+  }
+  static void PlainAttribute(CXmlWriter& writer, const CNameToken& name, std::wstring_view value, ItemType type) {
+    writer.PlainAttribute(name, value, type);
+  }
 };
 
 // Characters that a writer has ready, of which sixteen at a time are copied; there must be space for all of `text`.
@@ -42,36 +56,77 @@ struct CReadyText {
   wchar_t text[kLongest];
 };
 
-// What a form made of the names of records, `Made`, by the number of the name: one entry for each element and each
-// attribute, of those that share a place the last one. Invariant: an entry holds in the scope of its number.
-template <class Made>
-class CKnownNames {
+// The record output of one form, which keeps what it made of a name, `Made`, by the number of the name: one entry for
+// each element and each attribute, of those that share a place the last one. Invariant: an entry holds in the scope of
+// its number. `Form` is derived from this and has
+//
+//   std::uint64_t GetScope() const;  // the number of the declarations in effect, or kNoScope
+//   // The namespace as the writer has it once, or null when the plain operations have to write the name.
+//   const CNamespaceName* MakeElement(const CNameToken& name, Made& made);
+//   const CNamespaceName* MakeAttribute(const CNameToken& name, Made& made);
+//   // Write with what the entry holds; or write nothing and return false, and the plain operations write it all.
+//   bool PutStart(const CNameToken& name, Entry& entry);
+//   bool PutText(const CNameToken& name, Entry& entry, std::wstring_view text, ItemType type, bool isCanonical);
+//   bool PutAttribute(const CNameToken& name, Entry& entry, std::wstring_view value, ItemType type, bool isCanonical);
+template <class Form, class Writer, class Made>
+class CFormRecordOutput : public CRecordOutput {
  public:
   struct Entry {
     std::uint32_t number = CNameToken::kNoNumber;
     std::uint64_t scope = CNamespacePool::kNoScope;
     const CNamespaceName* namespaceName;
     Made made;
-
-    bool Holds(const CNameToken& name, std::uint64_t current) const noexcept {
-      return number == name.GetNumber() && scope == current;
-    }
-    // From here on it is about this name; with `current` as kNoScope, or a name without number, it is never found.
-    void Begin(const CNameToken& name, const CNamespaceName& ofName, std::uint64_t current) noexcept {
-      number = current != CNamespacePool::kNoScope ? name.GetNumber() : CNameToken::kNoNumber;
-      scope = number != CNameToken::kNoNumber ? current : CNamespacePool::kNoScope;
-      namespaceName = &ofName;
-    }
   };
 
-  Entry& Element(const CNameToken& name) noexcept { return m_elements[name.GetNumber() % kCount]; }
-  Entry& Attribute(const CNameToken& name) noexcept { return m_attributes[name.GetNumber() % (kCount / 4)]; }
+  explicit CFormRecordOutput(Writer& writer) noexcept : m_writer(writer) {}
+
+  void StartElement(const CNameToken& name) final {
+    Entry& entry = m_elements[name.GetNumber() % std::size(m_elements)];
+    const bool isPut =
+        GetForm().TakesElement(name) && Find<&Form::MakeElement>(name, entry) && GetForm().PutStart(name, entry);
+    if (!isPut) PlainStart(m_writer, name);
+  }
+  void TextElement(const CNameToken& name, std::wstring_view text, ItemType type, bool isCanonical) final {
+    Entry& entry = m_elements[name.GetNumber() % std::size(m_elements)];
+    const bool isPut = GetForm().TakesElement(name) && Find<&Form::MakeElement>(name, entry) &&
+                       GetForm().PutText(name, entry, text, type, isCanonical);
+    if (!isPut) PlainText(m_writer, name, text, type);
+  }
+  void Attribute(const CNameToken& name, std::wstring_view value, ItemType type, bool isCanonical) final {
+    Entry& entry = m_attributes[name.GetNumber() % std::size(m_attributes)];
+    const bool isPut =
+        Find<&Form::MakeAttribute>(name, entry) && GetForm().PutAttribute(name, entry, value, type, isCanonical);
+    if (!isPut) PlainAttribute(m_writer, name, value, type);
+  }
+
+  // A form may hide it: false for elements that the plain operations have to write, whatever their names.
+  static constexpr bool TakesElement(const CNameToken&) noexcept { return true; }
+
+ protected:
+  Writer& m_writer;
 
  private:
-  static constexpr std::size_t kCount = 64;
+  Form& GetForm() noexcept { return static_cast<Form&>(*this); }
 
-  Entry m_elements[kCount];
-  Entry m_attributes[kCount / 4];
+  // Whether the entry is that of the name, or is it now.
+  template <auto kMake>
+  bool Find(const CNameToken& name, Entry& entry) {
+    const std::uint64_t scope = GetForm().GetScope();
+    return (entry.number == name.GetNumber() && entry.scope == scope) || Remake<kMake>(name, scope, entry);
+  }
+  // Without a scope or a number it is not found again.
+  template <auto kMake>
+  [[gnu::noinline]] bool Remake(const CNameToken& name, std::uint64_t scope, Entry& entry) {
+    entry.number = CNameToken::kNoNumber;
+    entry.namespaceName = (GetForm().*kMake)(name, entry.made);
+    if (entry.namespaceName == nullptr) return false;
+    if (scope != CNamespacePool::kNoScope) entry.number = name.GetNumber();
+    entry.scope = entry.number != CNameToken::kNoNumber ? scope : CNamespacePool::kNoScope;
+    return true;
+  }
+
+  Entry m_elements[64];
+  Entry m_attributes[16];
 };
 
 }  // namespace RkXmlLib16
