@@ -22,7 +22,6 @@
 //   Error handlers  With a handler, an error in a value or an unexpected element is told and reading goes on behind it
 //                   (Refuse..., PassOverUnexpected). An attempt to read a group may be taken back, with what it told.
 //   Paths           The first object that an error passes gives it the path of its element; the others leave it alone.
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -253,7 +252,7 @@ void CXmlGeneratedClass::TellLeftOut(const CXmlElement& element, const CSerializ
       if (!CErrorSession::TakeRead(e)) TellDropped(context, RkDropped_Element, *e);
   }
   const std::wstring_view text = element.GetText();
-  if (std::all_of(text.begin(), text.end(), CWhitespaceUtils::IsWhiteSpace)) return;
+  if (CWhitespaceUtils::IsBlank(text)) return;
   const bool keepsText = info.GetSimpleContentProperty() != -1 && info.GetSimpleContentType() != ItemType_none;
   if (!keepsText)
     TellDropped(context, RkDropped_Text, element, text.size());

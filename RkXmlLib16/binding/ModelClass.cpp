@@ -4,11 +4,13 @@
 #include <array>
 #include <atomic>
 #include <mutex>
+#include <numeric>
 #include <unordered_map>
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
 #include "RkXmlLib16/binding/SimpleTypeModel.h"
+#include "RkXmlLib16/binding/internal/NilValue.h"
 #include "RkXmlLib16/binding/internal/ReadSession.h"
 #include "RkXmlLib16/document/internal/Refusal.h"
 #include "RkXmlLib16/wildcards/NamespaceRule.h"
@@ -18,13 +20,6 @@ namespace RkXmlLib16Data {
 using namespace RkXmlLib16;
 
 namespace {
-
-template <class Info>
-Info** NewArray(const std::vector<Info*>& infos) {
-  auto** const array = new Info*[infos.size() + 1];
-  *std::copy(infos.begin(), infos.end(), array) = nullptr;
-  return array;
-}
 
 // The members that class records make, in blocks that stay where they are, so that looking one up takes no lock.
 struct FactoryTable {
@@ -60,7 +55,10 @@ int ModelFactories::Add(const MemberModel& member) {
     if (id == FactoryTable::kBlocks * FactoryTable::kBlockSize)
       throw CRkException(L"Limit exceeded: too many classes of schemas.");
     auto& block = table.blocks[static_cast<std::size_t>(id / FactoryTable::kBlockSize)];
-    if (block.load() == nullptr) block = new FactoryTable::Block;
+    if (block.load() == nullptr) {
+      table.free.reserve(static_cast<std::size_t>(id) + FactoryTable::kBlockSize);  // Remove must not allocate
+      block = new FactoryTable::Block;
+    }
     ++table.count;
   }
   table.At(id) = &member;
@@ -106,6 +104,25 @@ const CModelClass& ClassModel::Make() const {
   return m_made.compare_exchange_strong(none, made.get()) ? *made.release() : *none;
 }
 
+void ModelProperty::SetTexts(Span<const wchar_t*> enumeration) {
+  constexpr std::size_t kFew = 8;  // which are as soon found one after the other
+  texts.assign(enumeration.begin(), enumeration.end());
+  if (texts.size() <= kFew) return;
+  order.resize(texts.size());
+  std::iota(order.begin(), order.end(), 0);
+  std::stable_sort(order.begin(), order.end(), [this](int a, int b) { return TextOf(a) < TextOf(b); });
+}
+
+int ModelProperty::FindText(std::wstring_view text) const noexcept {
+  if (order.empty()) {
+    const auto found = std::find(texts.begin(), texts.end(), text);
+    return found != texts.end() ? static_cast<int>(found - texts.begin()) : -1;
+  }
+  const auto found = std::lower_bound(order.begin(), order.end(), text,
+                                      [this](int number, std::wstring_view wanted) { return TextOf(number) < wanted; });
+  return found != order.end() && TextOf(*found) == text ? *found : -1;
+}
+
 void CModelClass::TakeLeftOut(const CModelClass& base) {
   for (std::size_t i = 0; i < std::min(base.m_properties.size(), m_properties.size()); ++i) {
     ModelProperty& info = m_properties[i];
@@ -117,66 +134,75 @@ CModelClass::CModelClass(const ClassModel& model)
     : m_model(model),
       m_elementName(model.element != nullptr ? model.element->name : model.name),
       m_properties(static_cast<std::size_t>(model.propertyCount)) {
-  const auto note = [&](int property, const wchar_t* name, const ValueModel* values, const DefaultModel* value) {
-    ModelProperty& info = m_properties[static_cast<std::size_t>(property)];
-    info.name = name;
-    info.values = values;
-    if (values == nullptr) return;
-    info.facets = FacetsOf(*values);
-    info.fixed = value != nullptr && value->isFixed ? value : nullptr;
-    info.texts.assign(values->enumeration.begin(), values->enumeration.end());
-    info.isPlain = !values->needsCheck && !values->holdsQNames && info.fixed == nullptr;
-    info.mayRefuse = !info.facets.IsEmpty() || values->texts != nullptr;
-    info.mustCheck = !info.isPlain || !info.texts.empty() || info.mayRefuse;
-  };
-  for (const AttributeModel& attribute : model.attributes) {
-    note(attribute.property, attribute.name, attribute.values, &attribute.value);
-    if (attribute.value.text == nullptr) continue;
-    ModelProperty& info = m_properties[static_cast<std::size_t>(attribute.property)];
-    info.initial.FromText(attribute.value.text, attribute.values->itemType, attribute.values->whitespace);
-    if (!info.texts.empty()) info.initial.SetI4(info.FindText(info.initial.GetString()));
-    m_initial.push_back(attribute.property);
-  }
-  for (const MemberModel& member : model.members) {
-    note(member.property, member.name, member.values, &member.value);
-    ModelProperty& info = m_properties[static_cast<std::size_t>(member.property)];
-    info.member = &member;
-    info.startsNil = member.values != nullptr && member.isNillable && !member.IsCollection();
-    const bool isChoice = model.group == XmlElementGroupType_Choice;
-    info.mustCheck = info.mustCheck || isChoice;
-    info.mayRefuse = info.mayRefuse || isChoice;
-  }
+  for (const AttributeModel& attribute : model.attributes) NoteAttribute(attribute);
+  for (const MemberModel& member : model.members) NoteMember(member);
   if (model.textProperty >= 0) {
-    note(model.textProperty, L"#text", model.text, nullptr);
-    ModelProperty& info = m_properties[static_cast<std::size_t>(model.textProperty)];
+    ModelProperty& info = NoteValues(model.textProperty, L"#text", model.text, nullptr);
     info.mustCheck = true;
     info.isPlain = false;
     info.startsEmpty = model.isMixed;
   }
   if (model.base != nullptr) TakeLeftOut(model.base->Require());
-
-  std::vector<CElementInfo*> elements;
-  for (const MemberModel& member : model.members) {
-    CElementInfo* const record = NewModelRecord(model, member, m_factoryIds);
-    elements.push_back(record);
-    if (IsWrittenOnlyIfSet(model, member)) record->SetWrittenOnlyIfSet();
-    m_hasInlineAttributes = m_hasInlineAttributes || record->MayHaveAttributes();
-  }
-  std::vector<CAttributeInfo*> attributes;
-  for (const AttributeModel& attribute : model.attributes) attributes.push_back(NewModelRecord(attribute));
-  if (model.attributeWildcard != nullptr) attributes.push_back(NewWildcardRecord(model));
-  m_elements = NewArray(elements);
-  m_attributes = NewArray(attributes);
-  m_info = new CParentElementInfo(model.group, model.elementType, model.name, model.namespaceUri,
-                                  model.strictAttributes, model.contentMayBeEmpty, model.textProperty,
-                                  model.text != nullptr ? model.text->itemType : ItemType_none, nullptr,
-                                  /*simpleContentAsText=*/true);
-  m_info->SetOfModel();
+  m_records.Make(model);
+  for (CElementInfo** info = m_records.elements; *info != nullptr; ++info)
+    m_hasInlineAttributes = m_hasInlineAttributes || (*info)->MayHaveAttributes();
 }
 
-CModelClass::~CModelClass() {
-  CXmlGeneratedClass::CleanMetaData(m_info, m_elements, m_attributes);
-  for (const int id : m_factoryIds) ModelFactories::Remove(id);
+ModelProperty& CModelClass::NoteValues(int property, const wchar_t* name, const ValueModel* values,
+                                       const DefaultModel* value) {
+  ModelProperty& info = m_properties[static_cast<std::size_t>(property)];
+  info.name = name;
+  info.values = values;
+  if (values == nullptr) return info;
+  info.facets = FacetsOf(*values);
+  info.fixed = value != nullptr && value->isFixed ? value : nullptr;
+  info.SetTexts(values->enumeration);
+  info.isPlain = !values->needsCheck && !values->holdsQNames && info.fixed == nullptr;
+  info.mayRefuse = !info.facets.IsEmpty() || values->texts != nullptr;
+  info.mustCheck = !info.isPlain || !info.texts.empty() || info.mayRefuse;
+  return info;
+}
+
+void CModelClass::NoteAttribute(const AttributeModel& attribute) {
+  ModelProperty& info = NoteValues(attribute.property, attribute.name, attribute.values, &attribute.value);
+  if (attribute.value.text == nullptr) return;
+  info.initial.FromText(attribute.value.text, attribute.values->itemType, attribute.values->whitespace);
+  if (!info.texts.empty()) info.initial.SetI4(info.FindText(info.initial.GetString()));
+  m_initial.push_back(attribute.property);
+}
+
+void CModelClass::NoteMember(const MemberModel& member) {
+  ModelProperty& info = NoteValues(member.property, member.name, member.values, &member.value);
+  info.member = &member;
+  info.startsNil = member.values != nullptr && member.isNillable && !member.IsCollection();
+  const bool isChoice = m_model.group == XmlElementGroupType_Choice;
+  info.mustCheck = info.mustCheck || isChoice;
+  info.mayRefuse = info.mayRefuse || isChoice;
+}
+
+void CModelClass::Records::Make(const ClassModel& model) {
+  factoryIds.reserve(model.members.size());
+  elements = new CElementInfo* [model.members.size() + 1] {};
+  attributes = new CAttributeInfo* [model.attributes.size() + 2] {};
+  CElementInfo** element = elements;
+  for (const MemberModel& member : model.members) {
+    *element = NewModelRecord(model, member, factoryIds);
+    if (IsWrittenOnlyIfSet(model, member)) (*element)->SetWrittenOnlyIfSet();
+    ++element;
+  }
+  CAttributeInfo** attribute = attributes;
+  for (const AttributeModel& described : model.attributes) *attribute++ = NewModelRecord(described);
+  if (model.attributeWildcard != nullptr) *attribute = NewWildcardRecord(model);
+  info = new CParentElementInfo(model.group, model.elementType, model.name, model.namespaceUri, model.strictAttributes,
+                                model.contentMayBeEmpty, model.textProperty,
+                                model.text != nullptr ? model.text->itemType : ItemType_none, nullptr,
+                                /*simpleContentAsText=*/true);
+  info->SetOfModel();
+}
+
+CModelClass::Records::~Records() {
+  CXmlGeneratedClass::CleanMetaData(info, elements, attributes);
+  for (const int id : factoryIds) ModelFactories::Remove(id);
 }
 
 CSmartPtr<CModelObject> NewModelObject(const ClassModel& model, const ElementModel* declaration,
@@ -198,12 +224,7 @@ const Reading*& Reading::Current() noexcept {
 }
 
 bool IsNilTrue(const CXmlElement& element) {
-  const CXmlText value = element.GetAttribute(L"nil", kInstanceNamespace);
-  return value == L"true" || value == L"1";
-}
-
-bool IsBlank(std::wstring_view text) {
-  return std::all_of(text.begin(), text.end(), [](wchar_t c) { return CWhitespaceUtils::IsWhiteSpace(c); });
+  return ParseNilValue(element.GetAttribute(L"nil", kInstanceNamespace)) == NilValue::True;
 }
 
 NamespaceResolver ResolverOf(const CXmlElement& element) {

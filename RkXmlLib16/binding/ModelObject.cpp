@@ -9,6 +9,7 @@
 #include "RkXmlLib16/document/XmlWriter.h"
 #include "RkXmlLib16/document/internal/Refusal.h"
 #include "RkXmlLib16/facets/FacetChecks.h"
+#include "RkXmlLib16/types/XsdLexical.h"
 
 namespace RkXmlLib16 {
 
@@ -227,7 +228,7 @@ void CModelObject::CheckText(int property, RkVariant& value) {
   const DefaultModel none;
   const DefaultModel& given = m_declaration != nullptr ? m_declaration->value : none;
   if (GetModel().isMixed) {
-    if (!GetModel().members.empty() && IsBlank(value.GetString())) value.SetString(L"");
+    if (!GetModel().members.empty() && CWhitespaceUtils::IsBlank(value.GetString())) value.SetString(L"");
     if (value.GetString().empty() && given.text != nullptr) value.SetString(given.text);
     return;
   }
@@ -322,20 +323,14 @@ void CModelObject::OnEvent(CXmlObjectBase* source, MsgType type, void*) {
 }
 
 void CModelObject::KeepPrefixes(const CXmlElement& element, std::wstring_view text) {
-  std::size_t at = 0;
-  while (at < text.size()) {
-    std::size_t end = at;
-    while (end < text.size() && !CWhitespaceUtils::IsWhiteSpace(text[end])) ++end;
-    const std::wstring_view token = text.substr(at, end - at);
+  Xsd::ForEachToken(text, [&](std::wstring_view token) {
     const std::size_t colon = token.find(L':');
     const CXmlName* const uri =
         colon != std::wstring_view::npos && colon > 0 ? element.LookupNamespaceRef(token.substr(0, colon)) : nullptr;
-    if (uri != nullptr) {
-      if (m_prefixes == nullptr) m_prefixes = std::make_unique<Prefixes>();
-      (*m_prefixes)[std::wstring(token.substr(0, colon))] = std::wstring(uri->View());
-    }
-    at = end + 1;
-  }
+    if (uri == nullptr) return;
+    if (m_prefixes == nullptr) m_prefixes = std::make_unique<Prefixes>();
+    (*m_prefixes)[std::wstring(token.substr(0, colon))] = std::wstring(uri->View());
+  });
 }
 
 void CModelObject::Begin() {
@@ -392,7 +387,7 @@ void CModelObject::BeginFromXml_Int(CXmlElement* element, CXmlElement* firstChil
   if (model.isAbstract) refuse(FormatString(L"The type [%ls] is abstract.", model.name));
   const CXmlText text = element->GetText();
   const bool hasFixed = m_declaration != nullptr && m_declaration->value.isFixed;
-  if (model.textProperty < 0 && !text.empty() && !IsBlank(text))
+  if (model.textProperty < 0 && !text.empty() && !CWhitespaceUtils::IsBlank(text))
     refuse(FormatString(L"Unexpected text found in the element [%ls].", element->GetLocalName().c_str()));
   if (model.isMixed && hasFixed && (firstChild != nullptr || (!text.empty() && text != m_declaration->value.text)))
     refuse(FormatString(L"The fixed value of the element [%ls] is [%ls].", element->GetLocalName().c_str(),

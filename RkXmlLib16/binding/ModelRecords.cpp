@@ -1,5 +1,6 @@
 // The records and collections of classes that tables describe: those of the library, and where a schema says more than
 // they hold, classes derived from them that look at the element first.
+#include <algorithm>
 #include <type_traits>
 #include <utility>
 
@@ -13,6 +14,7 @@
 #include "RkXmlLib16/binding/internal/ModelClass.h"
 #include "RkXmlLib16/binding/internal/ReadSession.h"
 #include "RkXmlLib16/document/internal/Refusal.h"
+#include "RkXmlLib16/wildcards/internal/TypeValue.h"
 
 namespace RkXmlLib16Data {
 
@@ -45,6 +47,20 @@ void RefuseChildren(const CXmlElement& element) {
 }
 
 // ---- Values
+
+// Whether the xsi:type of the element is the simple type of the member, or a derived one, which its text then has to
+// fit too.
+bool IsOfDerivedType(const SchemaModel* schema, const MemberModel& member, const CXmlElement& element,
+                     std::wstring_view text) {
+  const CSimpleType* const simple = FindNamedType(schema, element).simple;
+  const bool isBlocked = (member.block & Derivation_Restriction) != 0;
+  if (simple == nullptr || member.simple == nullptr || !simple->IsDerivedFrom(member.simple) ||
+      (isBlocked && simple != member.simple))
+    return false;
+  if (const auto error = simple->Check(text, ResolverOf(element)))
+    throw At(CRkValidationException(*error, element.GetXPath()), element);
+  return true;
+}
 
 // A value that is checked by its text.
 template <class Base>
@@ -95,24 +111,13 @@ class CModelValue final : public Base {
   bool ReadDerived(CXmlGeneratedClass* object, const CXmlElement& element, std::wstring_view text) {
     RefuseChildren(element);
     if (m_member.isNillable && IsNilTrue(element)) RefuseNilContent(element);
-    if (!IsOfDerivedType(element, text)) return false;
+    const CXmlAttributes attributes = element.GetAttributes();
+    const bool isPlain = std::all_of(attributes.begin(), attributes.end(),
+                                     [](const CXmlAttribute* attribute) { return attribute->IsNamespaceAttribute(); });
+    if (!isPlain || !IsOfDerivedType(m_owner.schema, m_member, element, text)) return false;
     RkVariant value;
     value.FromText(text, m_member.values->itemType, m_member.values->whitespace);
     Base::InvokePropertySet(object, value, element);
-    return true;
-  }
-
-  // Whether the element has an xsi:type of a derived simple type, which its text then has to fit too, and nothing else.
-  bool IsOfDerivedType(const CXmlElement& element, std::wstring_view text) const {
-    const CXmlAttributes attributes = element.GetAttributes();
-    if (attributes.size() != 1 || !attributes[0]->IsNamespaceAttribute()) return false;
-    const CSimpleType* const simple = FindNamedType(m_owner.schema, element).simple;
-    const bool isBlocked = (m_member.block & Derivation_Restriction) != 0;
-    if (simple == nullptr || m_member.simple == nullptr || !simple->IsDerivedFrom(m_member.simple) ||
-        (isBlocked && simple != m_member.simple))
-      return false;
-    if (const auto error = simple->Check(text, ResolverOf(element)))
-      throw At(CRkValidationException(*error, element.GetXPath()), element);
     return true;
   }
 
@@ -125,7 +130,8 @@ class CModelValue final : public Base {
 template <class Base>
 class CModelValues final : public Base {
  public:
-  explicit CModelValues(const ModelProperty& property) : CModelValues(property, property.facets) {}
+  CModelValues(const SchemaModel* schema, const ModelProperty& property)
+      : CModelValues(schema, property, property.facets) {}
 
   CXmlElement* FromXml_Int(CXmlElement*, CXmlElement* current, const CSerializationContext& context, bool) override {
     const MemberModel& member = *m_property.member;
@@ -145,12 +151,13 @@ class CModelValues final : public Base {
   using CXmlObjectBase::FromXml_Int;
 
  private:
-  CModelValues(const ModelProperty& property, const CPrimitiveRestrictions& f)
+  CModelValues(const SchemaModel* schema, const ModelProperty& property, const CPrimitiveRestrictions& f)
       : Base(property.member->name, property.member->namespaceUri, property.member->minOccurs,
              property.member->maxOccurs, f.GetPattern().c_str(), f.GetMinLength(), f.GetMaxLength(),
              f.GetMinInclusive().c_str(), f.GetMaxInclusive().c_str(), f.GetMinExclusive().c_str(),
              f.GetMaxExclusive().c_str(), f.GetLength(), f.GetTotalDigits(), f.GetFractionDigits(),
              property.values->whitespace, nullptr),
+        m_schema(schema),
         m_property(property) {}
 
   void CheckItem(const CSerializationContext& context, const CXmlElement& element) const {
@@ -159,7 +166,7 @@ class CModelValues final : public Base {
       if (attribute->IsNilAttribute() && IsNilTrue(element))
         throw At(CRkValidationException(L"Invalid use of 'nil' attribute in non-nillable element.", element.GetXPath()),
                  element);
-      if (!attribute->IsNilAttribute() && !attribute->IsNamespaceAttribute() && !context.GetIgnoreUnknownAttributes())
+      if (!IsAllowed(*attribute, element) && !context.GetIgnoreUnknownAttributes())
         Refuse(context, CRkValidationException(L"Unexpected Attribute found.", attribute->GetXPath()), *attribute);
     }
     const ValueModel& values = *m_property.values;
@@ -175,20 +182,27 @@ class CModelValues final : public Base {
     }
   }
 
+  bool IsAllowed(const CXmlAttribute& attribute, const CXmlElement& element) const {
+    if (CTypeValue::IsType(attribute.GetLocalName(), attribute.GetNamespaceURI()))
+      return IsOfDerivedType(m_schema, *m_property.member, element, element.GetText());
+    return attribute.IsNilAttribute() || attribute.IsNamespaceAttribute();
+  }
+
+  const SchemaModel* m_schema;
   const ModelProperty& m_property;
 };
 
-CXmlCollectionBase* NewValues(const ModelProperty& property) {
+CXmlCollectionBase* NewValues(const SchemaModel* schema, const ModelProperty& property) {
   switch (property.values->itemType) {
 #define RKXML_NEW(Kind, Name, Property, Value) \
   case ItemType_##Kind:                        \
-    return new CModelValues<C##Name##Col>(property);
+    return new CModelValues<C##Name##Col>(schema, property);
 #define RKXML_NOTHING(Kind, Name, Property, Value)
     RKXML_XSD_TYPES(RKXML_NEW, RKXML_NEW, RKXML_NOTHING)
 #undef RKXML_NEW
 #undef RKXML_NOTHING
     default:
-      return new CModelValues<CstringCol>(property);
+      return new CModelValues<CstringCol>(schema, property);
   }
 }
 
@@ -490,7 +504,7 @@ CAttributeInfo* NewWildcardRecord(const ClassModel& owner) { return new CModelWi
 CXmlCollectionBase* NewCollection(const ClassModel& owner, const ModelProperty& property) {
   const MemberModel& member = *property.member;
   if (member.kind == Kind::Wildcard) return new CModelWildcards(owner, member);
-  if (member.values != nullptr) return NewValues(property);
+  if (member.values != nullptr) return NewValues(owner.schema, property);
   return member.newCollection(member);
 }
 

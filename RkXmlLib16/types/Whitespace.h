@@ -25,6 +25,12 @@ class RKXML_EXPORT CWhitespaceUtils {
   static constexpr bool IsRule(WhitespaceRule rule) noexcept { return rule >= none && rule <= collapse; }
   // Blank, tab, carriage return and line feed; nothing else.
   static constexpr bool IsWhiteSpace(wchar_t c) noexcept { return c == L' ' || c == L'\t' || c == L'\r' || c == L'\n'; }
+  // Whether a text has no other characters.
+  static constexpr bool IsBlank(std::wstring_view text) noexcept {
+    for (const wchar_t c : text)
+      if (!IsWhiteSpace(c)) return false;
+    return true;
+  }
   static std::wstring Preserve(const std::wstring& text);
   static std::wstring Replace(const std::wstring& text);
   static std::wstring Collapse(const std::wstring& text);

@@ -27,8 +27,6 @@ using std::wstring_view;
 
 const CNeverDestroyed<std::wstring> kNoNamespace;
 
-bool IsBlank(wstring_view text) { return std::all_of(text.begin(), text.end(), CWhitespaceUtils::IsWhiteSpace); }
-
 // As StartsName: what is no name is not declared as a prefix anyway.
 bool ContinuesName(wchar_t c) {
   return StartsName(c) || (c >= L'0' && c <= L'9') || c == L'-' || c == L'.' || c == 0xB7;
@@ -112,7 +110,7 @@ class CElement::TreeReader {
     for (const CXmlElement* c = source.GetFirstElement(); c != nullptr; c = c->GetNextSiblingElement()) ++childCount;
     element.m_children.reserve(childCount);
     const wstring_view text = source.GetText();
-    if (childCount == 0 || !IsBlank(text)) {
+    if (childCount == 0 || !CWhitespaceUtils::IsBlank(text)) {
       element.m_text = text;
       if (childCount != 0) TellDropped(m_context, RkDropped_Position, source);
       if (const auto* const sections = source.GetSections())
@@ -288,7 +286,8 @@ class CElement::TreeWriter {
     element.AttributesToXml_Int(&m_writer, m_context);
     if (isRoot) WriteRootSchema(m_writer, m_context);
     // Only an element with nothing in it has an empty text to show: JSON writes it as null in the element's place.
-    const bool hasText = element.m_children.empty() ? !element.m_text.empty() : !IsBlank(element.m_text);
+    const bool hasText =
+        element.m_children.empty() ? !element.m_text.empty() : !CWhitespaceUtils::IsBlank(element.m_text);
     const bool isBare = element.m_children.empty() && !HasAttributes(element, isRoot);
     if (hasText || isBare) WriteText(element);
   }

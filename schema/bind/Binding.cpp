@@ -213,7 +213,6 @@ class CBinding::Builder {
     }
     for (; !chain.empty(); chain.pop_back()) {
       ClassBinding& at = *chain.back();
-      if (at.base != nullptr) m_state.byType.at(at.base->type)->derived.push_back(&at);
       if (at.kind == ClassBinding::Kind::SimpleType) {
         SetText(at, ValueOf(*at.type->AsSimple()));
       } else {
@@ -559,37 +558,12 @@ const RootBinding* CBinding::FindRoot(const QName& element) const {
   return found == m_state->rootTable.end() ? nullptr : &m_state->roots[found->second];
 }
 
-const ClassBinding* CBinding::FindSubstitute(const TypeDefinition* declared, const ElementDeclaration* element,
-                                             const QName& name) const {
-  const TypeDefinition* const type = m_state->schemas->FindType(name);
-  if (type == nullptr) return nullptr;
+DerivationSet ClassBinding::GetDerivation() const noexcept {
   DerivationSet methods = 0;
-  for (const TypeDefinition* at = type; at != declared; at = at->base) {
-    if (at == nullptr || at == at->base) return nullptr;
+  const TypeDefinition* const end = base != nullptr ? base->type : nullptr;
+  for (const TypeDefinition* at = type; at != nullptr && at != end && at != at->base; at = at->base)
     methods |= at->derivation;
-  }
-  DerivationSet blocked = element != nullptr ? element->disallowedSubstitutions : 0;
-  if (const ComplexTypeDefinition* complex = declared->AsComplex()) blocked |= complex->prohibitedSubstitutions;
-  if ((methods & blocked & (kExtension | kRestriction)) != 0) return nullptr;
-  const ComplexTypeDefinition* const complex = type->AsComplex();
-  return complex != nullptr && complex->isAbstract ? nullptr : FindClass(type);
-}
-
-std::wstring GetConstraintText(const Wildcard& wildcard) {
-  if (wildcard.constraint == Wildcard::Constraint::Any) return L"##any";
-  if (wildcard.constraint == Wildcard::Constraint::Not) return L"##other";
-  std::wstring text;
-  for (const std::wstring& uri : wildcard.namespaces)
-    text += (text.empty() ? L"" : L" ") + (uri.empty() ? std::wstring(L"##local") : uri);
-  return text;
-}
-
-std::string GetRecordClass(const ClassBinding& owner, const MemberBinding& member) {
-  static constexpr const char* kGroups[] = {"Seq", "Choice", "All"};
-  static constexpr const char* kKinds[] = {"Prim", "Enum", "Cls", "AbsCls", "Cls", "Untpd"};
-  static constexpr const char* kCardinalities[] = {"Mnd", "Opt", "Col"};
-  return std::string("CElementInfo") + kGroups[owner.group] + kKinds[static_cast<int>(member.kind)] +
-         kCardinalities[static_cast<int>(member.cardinality)];
+  return methods & (kExtension | kRestriction);
 }
 
 }  // namespace RkXmlSchema

@@ -147,9 +147,11 @@ struct ClassBinding {
   const ClassBinding* base = nullptr;
   std::size_t inheritedMembers = 0;
   std::size_t inheritedAttributes = 0;
-  std::vector<const ClassBinding*> derived;  // the classes that have this one as their base
 
   bool IsInline() const noexcept { return elementType == RkXmlLib16::XmlElementType_InlineGroup; }
+  // kExtension and kRestriction, as far as they are used on the way from the type of the base class, or from xs:anyType
+  // where there is none.
+  DerivationSet GetDerivation() const noexcept;
 };
 
 // A global element and the class of its document.
@@ -157,12 +159,6 @@ struct RootBinding {
   const ElementDeclaration* element = nullptr;
   const ClassBinding* object = nullptr;
 };
-
-// The namespace constraint in the form that wildcard records and CElement take: "##any", "##other", "##local", URIs.
-std::wstring GetConstraintText(const Wildcard& wildcard);
-
-// "CElementInfoSeqPrimMnd": the name of the record class for the member.
-std::string GetRecordClass(const ClassBinding& owner, const MemberBinding& member);
 
 // The classes of a schema set, which must be resolved without errors and outlive the binding. Made at once, never
 // changed: threads share it.
@@ -182,10 +178,6 @@ class CBinding {
   // Null when there is none.
   const ClassBinding* FindClass(const TypeDefinition* type) const;
   const RootBinding* FindRoot(const QName& element) const;
-  // The class for xsi:type="type" on an element declared as `declared`: derived from it, not abstract, and by no method
-  // that `element` or the types on the way block. Null when the name does not fit.
-  const ClassBinding* FindSubstitute(const TypeDefinition* declared, const ElementDeclaration* element,
-                                     const QName& type) const;
 
   // What the records do not check, each with its place: identity constraints, notations.
   const std::vector<Diagnostic>& GetUnchecked() const noexcept;

@@ -13,9 +13,9 @@ CDynamicObject::CDynamicObject(const CDynamicClass& object) : CModelObject(objec
   if (object.HasDefaults()) Begin();
 }
 
-CDynamicObject::~CDynamicObject() {
-  for (const Chunk& chunk : m_chunks) GetClass().Destroy(chunk.number, chunk.members.get());
-}
+CDynamicObject::~CDynamicObject() = default;
+
+void CDynamicObject::Destroy::operator()(std::byte* members) const { object->Destroy(chunk, members); }
 
 const CDynamicClass& CDynamicObject::GetClass() const noexcept { return static_cast<const CDynamicClass&>(GetModel()); }
 const ClassBinding& CDynamicObject::GetBinding() const noexcept { return GetClass().GetBinding(); }
@@ -29,12 +29,13 @@ CMember CDynamicObject::FindMember(int property) {
   const CDynamicClass& object = GetClass();
   if (property < 0 || property >= object.propertyCount) return {};
   const CDynamicClass::Place& place = object.GetPlace(property);
-  const auto before = [](const Chunk& chunk, std::uint32_t wanted) { return chunk.number < wanted; };
+  const auto numberOf = [](const Chunk& chunk) { return chunk.get_deleter().chunk; };
+  const auto before = [&](const Chunk& chunk, std::uint32_t wanted) { return numberOf(chunk) < wanted; };
   auto at = m_chunks.begin();
-  if (at != m_chunks.end() && at->number != place.chunk) at = std::lower_bound(at, m_chunks.end(), place.chunk, before);
-  if (at == m_chunks.end() || at->number != place.chunk)
-    at = m_chunks.insert(at, {place.chunk, object.NewChunk(place.chunk)});
-  return {at->members.get() + place.offset, *place.type};
+  if (at != m_chunks.end() && numberOf(*at) != place.chunk)
+    at = std::lower_bound(at, m_chunks.end(), place.chunk, before);
+  if (at == m_chunks.end() || numberOf(*at) != place.chunk) at = m_chunks.insert(at, object.NewChunk(place.chunk));
+  return {at->get() + place.offset, *place.type};
 }
 
 int CDynamicObject::FindProperty(std::wstring_view name) const { return GetClass().FindProperty(name); }

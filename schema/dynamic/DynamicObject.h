@@ -88,11 +88,14 @@ class CDynamicObject : public RkXmlLib16::CModelObject {
   RkXmlLib16::CMember FindMember(int property) override;
 
  private:
-  // Members that stand together, made when the first of them is needed: a schema may have classes of very many.
-  struct Chunk {
-    std::uint32_t number;
-    std::unique_ptr<std::byte[]> members;
+  struct Destroy {
+    const CDynamicClass* object;
+    std::uint32_t chunk;  // its number
+    void operator()(std::byte* members) const;
   };
+  // Members that stand together, made when the first of them is needed: a schema may have classes of very many.
+  using Chunk = std::unique_ptr<std::byte[], Destroy>;
+  friend class CDynamicClass;
 
   const CDynamicClass& GetClass() const noexcept;
   int Require(std::wstring_view name) const;

@@ -37,15 +37,6 @@ constexpr unsigned kMethods = kExtension | kRestriction;
 static_assert(kExtension == static_cast<unsigned>(Derivation_Extension) &&
               kRestriction == static_cast<unsigned>(Derivation_Restriction));
 
-// The methods on the way from the base class, or from xs:anyType where there is none.
-unsigned DerivationOf(const ClassBinding& object) {
-  unsigned methods = 0;
-  const TypeDefinition* const end = object.base != nullptr ? object.base->type : nullptr;
-  for (const TypeDefinition* at = object.type; at != nullptr && at != end && at != at->base; at = at->base)
-    methods |= at->derivation;
-  return methods & kMethods;
-}
-
 const wchar_t* TextOrNull(const std::wstring& text) { return text.empty() ? nullptr : text.c_str(); }
 
 }  // namespace
@@ -114,16 +105,18 @@ void CDynamicClass::Arrange() {
   }
 }
 
-std::unique_ptr<std::byte[]> CDynamicClass::NewChunk(std::uint32_t number) const {
+// No member allocates when it is made.
+CDynamicObject::Chunk CDynamicClass::NewChunk(std::uint32_t number) const {
   const ChunkOfPlaces& chunk = m_chunks[number];
-  std::unique_ptr<std::byte[]> made(new std::byte[chunk.size]);
-  for (std::size_t i = chunk.begin; i < chunk.end; ++i) m_places[i].type->construct(made.get() + m_places[i].offset);
-  return made;
+  auto* const made = new std::byte[chunk.size];
+  for (std::size_t i = chunk.begin; i < chunk.end; ++i) m_places[i].type->construct(made + m_places[i].offset);
+  return CDynamicObject::Chunk(made, {this, number});
 }
 
-void CDynamicClass::Destroy(std::uint32_t number, std::byte* made) const {
+void CDynamicClass::Destroy(std::uint32_t number, std::byte* made) const noexcept {
   const ChunkOfPlaces& chunk = m_chunks[number];
   for (std::size_t i = chunk.begin; i < chunk.end; ++i) m_places[i].type->destroy(made + m_places[i].offset);
+  delete[] made;
 }
 
 // ---- Models
@@ -181,7 +174,7 @@ void CDynamicSchema::State::Fill(CDynamicClass& object) {
   object.elementType = from.elementType;
   object.schema = &model;
   object.base = from.base != nullptr ? &classes[from.base->index] : nullptr;
-  object.derivation = DerivationOf(from);
+  object.derivation = from.GetDerivation();
   const ComplexTypeDefinition* const complex = from.type != nullptr ? from.type->AsComplex() : nullptr;
   object.block = complex != nullptr ? complex->prohibitedSubstitutions & kMethods : 0;
   object.simple = from.kind == ClassBinding::Kind::SimpleType ? TypeOf(from.type) : nullptr;

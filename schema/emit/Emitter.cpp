@@ -825,8 +825,9 @@ class CEmitter {
     };
     set("schema", "&" + Schema(document));
     if (object.base != nullptr) set("base", "&" + Name(*object.base, document) + "::kModel");
-    if (binding.type != nullptr && binding.type->derivation == kRestriction)
-      set("derivation", "Derivation_Restriction");
+    const DerivationSet methods = binding.GetDerivation();
+    if (methods == kRestriction) set("derivation", "Derivation_Restriction");
+    if (methods == (kExtension | kRestriction)) set("derivation", "Derivation_Extension | Derivation_Restriction");
     if (binding.type != nullptr && binding.type->AsComplex() != nullptr) {
       const unsigned block = binding.type->AsComplex()->prohibitedSubstitutions & (kExtension | kRestriction);
       if (block != 0) set("block", std::to_string(block));

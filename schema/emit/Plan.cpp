@@ -163,12 +163,13 @@ void CPlan::NameClass(const ClassBinding& object, const std::string& name) {
 }
 
 void CPlan::AddClasses() {
-  const auto& roots = m_binding.GetRoots();
-  const bool takesAllTypes = std::any_of(roots.begin(), roots.end(), [&](const RootBinding& root) {
-    const CSchemaSet& schemas = m_binding.GetSchemas();
-    return root.element->type == schemas.GetAnyType() ||
-           root.element->type == schemas.GetBuiltIn(BuiltInType::AnySimpleType);
-  });
+  const auto isOfElement = [&](const TypeDefinition* type) {
+    const ClassBinding* const object = m_binding.FindClass(type);
+    return object != nullptr && !object->onlyByTypeName;
+  };
+  const CSchemaSet& schemas = m_binding.GetSchemas();
+  const bool takesAllTypes =
+      isOfElement(schemas.GetAnyType()) || isOfElement(schemas.GetBuiltIn(BuiltInType::AnySimpleType));
   // A class that only xsi:type may name is printed where an element has a type that it is derived from.
   const auto isNeeded = [&](const ClassBinding& object) {
     if (!object.onlyByTypeName) return true;

@@ -186,6 +186,17 @@ std::vector<Operation> Operations() {
          track.FromXml(kTrack, Context());
          return XmlOf(track);
        }},
+      {"the records of a class and the names of a schema, made anew",
+       [] {
+         using namespace RkXmlLib16Data;
+         const ClassModel model(static_cast<const ClassData&>(Gpx::CWptType::kModel));
+         model.Require();
+         const SchemaModel schema = {Gpx::kSchema.classes, Gpx::kSchema.elements, Gpx::kSchema.attributes,
+                                     Gpx::kSchema.simpleTypes};
+         CXmlDocument document(Context());
+         document.LoadXml(kTrack);
+         return XmlOf(*ReadDocument(schema, document, Context()));
+       }},
       {"a DTD",
        [] {
          CElement element;

@@ -18,8 +18,7 @@ using namespace RkXmlLib16;
 namespace {
 
 bool IsMixed(const TreeWalk& element) {
-  const CXmlText text = element->GetText();
-  return element->GetFirstElement() != nullptr && text.View().find_first_not_of(L" \t\n") != std::wstring_view::npos;
+  return element->GetFirstElement() != nullptr && !CWhitespaceUtils::IsBlank(element->GetText());
 }
 
 unsigned long long CountMixed(const CXmlDocument& document) {

@@ -11,8 +11,6 @@ using namespace RkXmlLib16;
 
 namespace {
 
-bool IsBlank(std::wstring_view text) { return text.find_first_not_of(L" \t\r\n") == std::wstring_view::npos; }
-
 // Marks of names, by their ordinals.
 class NameSet {
  public:
@@ -125,7 +123,7 @@ class Scanner {
   void Text(std::wstring_view text) {
     Level& level = m_levels.back();
     m_scan.characters += text.size();
-    const bool isBlank = IsBlank(text);
+    const bool isBlank = CWhitespaceUtils::IsBlank(text);
     if (level.hasChild && (level.hasText || !isBlank)) m_scan.isPlain = false;
     level.hasText |= !isBlank;
     level.hasTextSince = true;

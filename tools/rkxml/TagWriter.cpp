@@ -7,8 +7,6 @@ using namespace RkXmlLib16;
 
 namespace {
 
-bool IsBlank(const std::wstring& text) { return text.find_first_not_of(L" \t\r\n") == std::wstring::npos; }
-
 bool Declares(const CXmlElement& element) {
   const auto declarations = element.GetDocument()->GetDeclarations(&element);
   return declarations.begin() != declarations.end();
@@ -63,7 +61,7 @@ void TagWriter::BeginChild(CDocumentWriter& writer) {
   if (m_levels.empty()) return;
   Level& level = m_levels.back();
   level.hasChild = true;
-  const bool isDoubtful = !m_text.empty() && !level.isMixed && IsBlank(m_text);
+  const bool isDoubtful = !m_text.empty() && !level.isMixed && CWhitespaceUtils::IsBlank(m_text);
   if (m_notes.GetKind() == Question::IsMixed && isDoubtful && !std::exchange(level.wasAsked, true))
     level.isMixed = m_notes.Next();
   WriteText(writer);
@@ -72,7 +70,7 @@ void TagWriter::BeginChild(CDocumentWriter& writer) {
 // Text beside child elements.
 void TagWriter::WriteText(CDocumentWriter& writer) {
   Level& level = m_levels.back();
-  const bool isBlank = IsBlank(m_text);
+  const bool isBlank = CWhitespaceUtils::IsBlank(m_text);
   if (!isBlank || (level.isMixed && !m_text.empty())) {
     EndCollection(writer);
     writer.WriteText(m_text);

@@ -36,6 +36,7 @@ struct ModelProperty {
   const DefaultModel* fixed = nullptr;  // the fixed value, if there is one
   CPrimitiveRestrictions facets;
   std::vector<std::wstring> texts;  // of an enumeration
+  std::vector<int> order;           // their numbers in the order of the texts, where there are many
   RkVariant initial;                // what the property begins with, of an enumeration the number
   bool mustCheck = false;           // whether some value of the C++ type may not be set
   bool isPlain = false;             // whether nothing but facets, enumeration and choice is to be checked
@@ -43,11 +44,10 @@ struct ModelProperty {
   bool startsNil = false;
   bool startsEmpty = false;  // the text of mixed content
 
+  void SetTexts(Span<const wchar_t*> enumeration);
   // The number of the text in the enumeration; -1 when it is none of them.
-  int FindText(std::wstring_view text) const noexcept {
-    const auto found = std::find(texts.begin(), texts.end(), text);
-    return found != texts.end() ? static_cast<int>(found - texts.begin()) : -1;
-  }
+  int FindText(std::wstring_view text) const noexcept;
+  std::wstring_view TextOf(int number) const noexcept { return texts[static_cast<std::size_t>(number)]; }
   bool IsEnumeration() const noexcept { return values->texts != nullptr || !texts.empty(); }
   // Whether it is a text of the enumeration.
   bool IsAllowed(std::wstring_view text) const {
@@ -61,12 +61,11 @@ class CModelClass {
   explicit CModelClass(const ClassModel& model);
   CModelClass(const CModelClass&) = delete;
   CModelClass& operator=(const CModelClass&) = delete;
-  ~CModelClass();
 
   const ClassModel& GetModel() const noexcept { return m_model; }
-  CParentElementInfo* GetInfo() const noexcept { return m_info; }
-  CElementInfo** GetElements() const noexcept { return m_elements; }
-  CAttributeInfo** GetAttributes() const noexcept { return m_attributes; }
+  CParentElementInfo* GetInfo() const noexcept { return m_records.info; }
+  CElementInfo** GetElements() const noexcept { return m_records.elements; }
+  CAttributeInfo** GetAttributes() const noexcept { return m_records.attributes; }
   // Of an object that the application makes without one.
   const CSharedName& GetElementName() const noexcept { return m_elementName; }
   // Whether some record may write attributes of the object's element.
@@ -78,18 +77,32 @@ class CModelClass {
   }
 
  private:
+  // They own themselves, since making one may fail when others are there.
+  struct Records {
+    Records() = default;
+    Records(const Records&) = delete;
+    Records& operator=(const Records&) = delete;
+    ~Records();
+    void Make(const ClassModel& model);
+
+    CParentElementInfo* info = nullptr;
+    CElementInfo** elements = nullptr;
+    CAttributeInfo** attributes = nullptr;
+    std::vector<int> factoryIds;
+  };
+
+  ModelProperty& NoteValues(int property, const wchar_t* name, const ValueModel* values, const DefaultModel* value);
+  void NoteAttribute(const AttributeModel& attribute);
+  void NoteMember(const MemberModel& member);
   // The properties that a restriction leaves out; programs reach them through the base class all the same.
   void TakeLeftOut(const CModelClass& base);
 
   const ClassModel& m_model;
-  CParentElementInfo* m_info = nullptr;
-  CElementInfo** m_elements = nullptr;
-  CAttributeInfo** m_attributes = nullptr;
   CSharedName m_elementName;
-  bool m_hasInlineAttributes = false;
   std::vector<ModelProperty> m_properties;
   std::vector<int> m_initial;
-  std::vector<int> m_factoryIds;
+  Records m_records;
+  bool m_hasInlineAttributes = false;
 };
 
 // The text that a property is being set from, while a record that reads is at work on this thread.
@@ -118,7 +131,6 @@ NamespaceResolver ResolverOf(const CXmlElement& element);
 NamespaceResolver ResolverOf(Span<PrefixModel> prefixes);
 
 bool IsNilTrue(const CXmlElement& element);
-bool IsBlank(std::wstring_view text);
 
 // "Invalid Value for %ls [%ls].".
 [[noreturn]] void ThrowInvalidValue(const wchar_t* name, std::wstring_view text);

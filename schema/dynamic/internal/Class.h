@@ -51,8 +51,8 @@ class CDynamicClass final : public ClassModel {
   const Place& GetPlace(int property) const noexcept { return m_places[static_cast<std::size_t>(property)]; }
   // Finds the places; called once, when the models are complete.
   void Arrange();
-  std::unique_ptr<std::byte[]> NewChunk(std::uint32_t number) const;
-  void Destroy(std::uint32_t number, std::byte* made) const;
+  CDynamicObject::Chunk NewChunk(std::uint32_t number) const;
+  void Destroy(std::uint32_t number, std::byte* made) const noexcept;
 
  private:
   struct ChunkOfPlaces {

@@ -23,13 +23,21 @@ struct Bound {
   std::unique_ptr<CBinding> binding;
 };
 
+// "SeqPrimMnd": the name of the record class for the member, without "CElementInfo".
+std::string RecordClass(const ClassBinding& owner, const MemberBinding& member) {
+  static constexpr const char* kGroups[] = {"Seq", "Choice", "All"};
+  static constexpr const char* kKinds[] = {"Prim", "Enum", "Cls", "AbsCls", "Cls", "Untpd"};
+  static constexpr const char* kCardinalities[] = {"Mnd", "Opt", "Col"};
+  return std::string(kGroups[owner.group]) + kKinds[static_cast<int>(member.kind)] +
+         kCardinalities[static_cast<int>(member.cardinality)];
+}
+
 // "a:SeqPrimMnd b:SeqClsCol(ChoicePrimOpt,...)": names, records, occurrence where it is not 1, and groups in brackets.
 std::string Members(const ClassBinding& object) {
   std::string text;
   for (const MemberBinding& member : object.members) {
     if (!text.empty()) text += ' ';
-    text += std::string(member.name.begin(), member.name.end()) + ':' +
-            GetRecordClass(object, member).substr(sizeof "CElementInfo" - 1);
+    text += std::string(member.name.begin(), member.name.end()) + ':' + RecordClass(object, member);
     if (member.IsCollection())
       text += '{' + std::to_string(member.minOccurs) + ',' + std::to_string(member.maxOccurs) +
               (member.stopsAtMaximum ? "!}" : "}");

@@ -67,9 +67,11 @@ TEST(GeneratedTest, SaysTheSameOfEveryConstruct) {
     EXPECT_EQ(both.Compare("<other " + types + rest + "</other>"), L"") << rest;
   // Names with prefixes of the document's own, defaults, blocked types.
   const std::string whole = ReadFile(fs::path(RKXML_FOLDER) / "constructs.xml");
-  for (const char* parts : {"<t:blocked xsi:type='t:cheap'>1</t:blocked>", "<t:free xsi:type='t:cheap'>1</t:free>",
-                            "<t:fixedName xmlns:y='urn:test:constructs'>y:name</t:fixedName>",
-                            "<t:fixedName>q:name</t:fixedName>", "<t:mark/>", "<t:mark>kStringValues</t:mark>"}) {
+  for (const char* parts :
+       {"<t:blocked xsi:type='t:cheap'>1</t:blocked>", "<t:free xsi:type='t:cheap'>1</t:free>",
+        "<t:unextended xsi:type='t:sizes'>1 2</t:unextended>", "<t:unextended xsi:type='t:upper'/>",
+        "<t:unextended xsi:type='t:lowest'/>", "<t:fixedName xmlns:y='urn:test:constructs'>y:name</t:fixedName>",
+        "<t:fixedName>q:name</t:fixedName>", "<t:mark/>", "<t:mark>kStringValues</t:mark>"}) {
     std::string document = whole;
     EXPECT_EQ(both.Compare(document.insert(document.rfind("</"), parts)), L"") << parts;
   }
