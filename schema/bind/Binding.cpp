@@ -1,11 +1,12 @@
 #include "schema/bind/Binding.h"
 
 #include <algorithm>
+#include <array>
 #include <climits>
 #include <deque>
 #include <map>
 #include <optional>
-#include <set>
+#include <unordered_map>
 #include <unordered_set>
 
 #include "schema/bind/internal/Values.h"
@@ -128,11 +129,13 @@ class CBinding::Builder {
   }
 
  private:
+  using Counts = std::map<QName, std::size_t>;
+
   // What is known while the content of one class is bound.
   struct Content {
-    ClassBinding& owner;                         // of the whole content
-    const std::map<QName, std::size_t>* counts;  // how often each element stands in it
-    bool isExtended = false;                     // more elements follow in derived types
+    ClassBinding& owner;      // of the whole content
+    const Counts* counts;     // how often each element stands in it
+    bool isExtended = false;  // more elements follow in derived types
   };
 
   static void Warn(std::vector<Diagnostic>& warnings, const SourceLocation& location, std::wstring message) {
@@ -293,8 +296,7 @@ class CBinding::Builder {
 
   void AddContent(ClassBinding& object, const ComplexTypeDefinition& type) {
     if (type.particle == nullptr) return;
-    std::map<QName, std::size_t> counts;
-    CountElements(*type.particle, counts);
+    const Counts counts = CountElements(std::array{type.particle});
     Content content{object, &counts, !IsAnyType(&type) && IsExtended(type)};
     const ComplexTypeDefinition* const base = object.base != nullptr ? object.base->type->AsComplex() : nullptr;
     if (type.derivation == kExtension && base != nullptr && base->HasElements()) {
@@ -455,20 +457,31 @@ class CBinding::Builder {
     return m_emptiable[&group] = result;
   }
 
-  static void CountElements(const Particle& particle, std::map<QName, std::size_t>& counts) {
+  // How often each element may stand in the particles, those that stand for others included.
+  template <class Particles>
+  static Counts CountElements(const Particles& particles) {
+    std::unordered_map<const ElementDeclaration*, std::size_t> named;
+    for (const Particle* particle : particles) CountNamed(*particle, named);
+    Counts counts;
+    for (const auto& [declared, count] : named) {
+      counts[declared->name] += count;
+      for (const ElementDeclaration* element : declared->substitutionGroup) counts[element->name] += count;
+    }
+    return counts;
+  }
+
+  static void CountNamed(const Particle& particle, std::unordered_map<const ElementDeclaration*, std::size_t>& named) {
     if (particle.maxOccurs == 0) return;
     if (particle.element != nullptr) {
-      ++counts[particle.element->name];
-      for (const ElementDeclaration* element : particle.element->substitutionGroup) ++counts[element->name];
+      ++named[particle.element];
     } else if (particle.group != nullptr) {
-      for (const Particle* part : particle.group->particles) CountElements(*part, counts);
+      for (const Particle* part : particle.group->particles) CountNamed(*part, named);
     }
   }
 
   // Whether an element of the group stands in the content outside of it too.
   static bool StandElsewhere(const ModelGroup& group, const Content& content) {
-    std::map<QName, std::size_t> own;
-    for (const Particle* part : group.particles) CountElements(*part, own);
+    const Counts own = CountElements(group.particles);
     return std::any_of(own.begin(), own.end(), [&](const auto& entry) {
       const auto whole = content.counts->find(entry.first);
       return whole != content.counts->end() && whole->second > entry.second;

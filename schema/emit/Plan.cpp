@@ -84,6 +84,18 @@ std::string Field(const std::string& name) {
   return "m_" + field;
 }
 
+// Whether the one can hold what the other one shall hold.
+bool CanHold(const Storage& known, const Storage& wanted) {
+  const bool hasSameType =
+      known.enumeration == wanted.enumeration && (wanted.enumeration != nullptr || known.type == wanted.type);
+  if (known.kind != wanted.kind || known.xmlNamespace != wanted.xmlNamespace || !hasSameType ||
+      known.isNillable != wanted.isNillable || known.note != wanted.note)
+    return false;
+  const PlannedClass* at = wanted.object;
+  while (at != nullptr && at != known.object) at = at->base;
+  return known.object == at;
+}
+
 }  // namespace
 
 CPlan::CPlan(const CBinding& binding, const EmitOptions& options) : m_binding(binding) {
@@ -132,18 +144,17 @@ void CPlan::AddDocuments(const EmitOptions& options) {
     document->nameSpace = names[schema.targetNamespace];
     document->guard = guards.Add("RKXML_GENERATED_" + Upper(document->nameSpace) + "_" + Upper(document->stem) + "_H");
     document->scope = &m_scopes.try_emplace(document->nameSpace, TakenNames()).first->second;
+    m_documentsOf[schema.file].push_back(document.get());
     m_documents.push_back(std::move(document));
   }
 }
 
 PlannedDocument& CPlan::DocumentOf(const SourceLocation& location, const std::wstring& ns) const {
-  PlannedDocument* sameFile = nullptr;
-  for (const auto& document : m_documents) {
-    if (location.file == nullptr || *document->schema->file != *location.file) continue;
+  const auto found = m_documentsOf.find(location.file);
+  if (found == m_documentsOf.end()) return *m_documents.front();
+  for (PlannedDocument* const document : found->second)
     if (document->schema->targetNamespace == ns) return *document;
-    if (sameFile == nullptr) sameFile = document.get();
-  }
-  return sameFile != nullptr ? *sameFile : *m_documents.front();
+  return *found->second.front();
 }
 
 PlannedDocument& CPlan::DocumentOf(const ElementDeclaration& element) const {
@@ -296,19 +307,12 @@ void CPlan::PlanEnum(const ValueBinding& value, const std::string& fallback, Pla
 // A storage of a base class that can hold the same serves; else the class gets one of its own.
 const Storage* CPlan::Place(PlannedClass& object, Storage storage) {
   for (const PlannedClass* base = object.base; base != nullptr; base = base->base) {
-    for (const auto& known : base->own) {
-      const bool hasSameType =
-          known->enumeration == storage.enumeration && (storage.enumeration != nullptr || known->type == storage.type);
-      const bool isSame = known->kind == storage.kind && known->xmlName == storage.xmlName &&
-                          known->xmlNamespace == storage.xmlNamespace && hasSameType &&
-                          known->isNillable == storage.isNillable && known->note == storage.note;
-      if (!isSame) continue;
-      const PlannedClass* at = storage.object;
-      while (at != nullptr && at != known->object) at = at->base;
-      if (known->object == at &&
-          std::find(object.members.begin(), object.members.end(), known.get()) == object.members.end())
-        return known.get();
-    }
+    const auto known = base->byXmlName.find(storage.xmlName);
+    if (known == base->byXmlName.end()) continue;
+    for (const Storage* candidate : known->second)
+      if (CanHold(*candidate, storage) &&
+          std::find(object.members.begin(), object.members.end(), candidate) == object.members.end())
+        return candidate;
   }
   CScope& names = m_properties.at(&object);
   storage.number = object.count++;
@@ -319,8 +323,9 @@ const Storage* CPlan::Place(PlannedClass& object, Storage storage) {
   else
     storage.name = names.Add(name);
   storage.field = Field(storage.name);
-  object.own.push_back(std::make_unique<Storage>(std::move(storage)));
-  return object.own.back().get();
+  const Storage* const placed = object.own.emplace_back(std::make_unique<Storage>(std::move(storage))).get();
+  object.byXmlName[placed->xmlName].push_back(placed);
+  return placed;
 }
 
 void CPlan::PlaceClass(PlannedClass& object) {

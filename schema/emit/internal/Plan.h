@@ -61,8 +61,9 @@ struct PlannedClass {
   std::string tables;   // OrderType: what the names of its tables begin with
   int count = 0;        // of properties, those of the base included
   std::vector<std::unique_ptr<Storage>> own;
-  std::vector<const Storage*> attributes;  // by the attributes of the binding
-  std::vector<const Storage*> members;     // by the members of the binding
+  std::unordered_map<std::wstring, std::vector<const Storage*>> byXmlName;  // the same
+  std::vector<const Storage*> attributes;                                   // by the attributes of the binding
+  std::vector<const Storage*> members;                                      // by the members of the binding
   const Storage* text = nullptr;
   const Storage* anyAttribute = nullptr;
   const ElementDeclaration* element = nullptr;  // the first global element of the type
@@ -126,6 +127,7 @@ class CPlan {
 
   const CBinding& m_binding;
   std::vector<std::unique_ptr<PlannedDocument>> m_documents;
+  std::unordered_map<const std::wstring*, std::vector<PlannedDocument*>> m_documentsOf;  // by SchemaDocument::file
   std::map<std::string, CScope> m_scopes;
   std::vector<std::unique_ptr<PlannedClass>> m_classes;
   std::unordered_map<const ClassBinding*, PlannedClass*> m_byBinding;
