@@ -198,9 +198,3 @@ TEST(FacetChecks, TheDispatcherWantsAValueOfItsKind) {
   EXPECT_THROWS(CRkException, L"Invalid Type 0",
                 CXmlObjectHelper::CheckRestriction(L"e", RkVariant(), ItemType_none, CPrimitiveRestrictions()));
 }
-
-TEST(FacetChecks, NullFacetTextsAreNotSet) {
-  EXPECT_TRUE(CPrimitiveRestrictions().IsEmpty());
-  EXPECT_TRUE(CPrimitiveRestrictions(L"", -1, -1, L"", L"", L"", L"", -1, -1, -1).IsEmpty());
-  EXPECT_FALSE(CPrimitiveRestrictions(nullptr, -1, -1, nullptr, nullptr, nullptr, nullptr, -1, -1, 0).IsEmpty());
-}

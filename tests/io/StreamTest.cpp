@@ -119,18 +119,6 @@ TEST(FileTextStream, AFullDiskFailsOnceAndNeverInTheDestructor) {
   dropped.Append(L"x");
 }
 
-TEST(BinaryStream, CollectsBytesWithoutTouchingTheSharedData) {
-  CBinaryData start = Hex(L"01");
-  CBinaryStream stream(start);
-  const unsigned char bytes[] = {3, 4};
-  stream.Append(static_cast<unsigned char>(2));
-  stream.Append(bytes, 2);
-  stream.Append(start);
-  EXPECT_TEXT(L"0102030401", stream.GetBinaryStream().GetAsHexString());
-  EXPECT_TEXT(L"01", start.GetAsHexString());
-  EXPECT_EQ(0u, CBinaryStream(L"tracked").GetBinaryStream().GetLength());
-}
-
 TEST(FileBinaryStream, WritesTheBytesBehindTheMark) {
   CBinaryData data = Hex(L"000D0AFF");
   for (const auto encoding : {XmlEncoding_None, XmlEncoding_UTF8, XmlEncoding_UTF16, XmlEncoding_Wide}) {

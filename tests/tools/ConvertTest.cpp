@@ -13,7 +13,7 @@
 #include "Input.h"
 #include "Notes.h"
 #include "RkXmlLib16/RkXmlLib16.h"
-#include "support/TempFile.h"
+#include "support/Cases.h"
 
 using namespace RkXmlLib16;
 
@@ -273,44 +273,14 @@ TEST(ConvertTest, InPiecesAndWholeAreTheSame) {
   }
 }
 
-// What decides whether a document goes in pieces to JSON; to the other forms all of them do.
+// "+ " stands before documents that go in pieces to JSON, "- " before others; to the other forms all of them do.
 TEST(ConvertTest, DocumentsThatNeedATreeAreTold) {
-  const struct {
-    const char* text;
-    bool isFlat;
-  } kCases[] = {
-      {"<a>x<b/></a>", true},
-      {"<a>\n <b/>\n</a>", true},
-      {"<a>x<b/>\n</a>", false},
-      {"<a><b/>x</a>", false},
-      {"<a> <b/> <c/>x <d> <e/> </d> <f/> </a>", false},
-      {"<a> <b/> <c> <d/>x</c> <f/> <g> <h/> </g> </a>", false},
-      {"<a xmlns='u'><b xmlns='u' xmlns:p='v' p:c='p:d'/></a>", true},
-      {"<a xmlns='u'><b xmlns='v'/></a>", false},
-      {"<a xmlns:p='u'><b xmlns:p='v' k='p:x'/></a>", false},
-      {"<p:a xmlns:p='u'><q:b xmlns:q='u'><q:b xmlns:p='v' p:k='p:x'>p:y</q:b></q:b><p:c k='p:x'/></p:a>", false},
-      {"<a xmlns:p='u' xmlns:q='u' k='q:x'/>", false},
-      {"<a xmlns:p='u' xmlns:AA='u'><b xmlns='v' k='AA:x'><c xmlns:AA='w' k='AA:x'>p:x</c></b></a>", false},
-      {"<a xmlns='u' xmlns:p='u' p:k='1'/>", true},
-      {"<a xmlns='u' xmlns:i='http://www.w3.org/2001/XMLSchema-instance' i:type='t'/>", true},
-      {"<p:a xmlns:p='p' xmlns='u' xmlns:i='http://www.w3.org/2001/XMLSchema-instance'><b i:type='t'/></p:a>", true},
-      {"<a><b xmlns='u' xmlns:i='http://www.w3.org/2001/XMLSchema-instance' i:type='t'/></a>", false},
-      {"<a xmlns='u' xmlns:i='http://www.w3.org/2001/XMLSchema-instance'>"
-       "<p:b xmlns='' xmlns:p='p' i:type='t'/><p:b xmlns:p='p' xmlns='v' i:type='t'/><b i:type='t'/></a>",
-       false},
-      {"<a xmlns:p='u' xmlns:i='http://www.w3.org/2001/XMLSchema-instance'>"
-       "<p:b xmlns:p='v' i:type='p:t'/><p:b i:type='p:t'/></a>",
-       false},
-      {"<a><![CDATA[<![CDATA[x]]></a>", true},
-      {"<a> </a>", true},
-      {"<a><b/><b><c/><c/><b/></b><c>1</c><c>2</c><b/></a>", true},
-  };
-  for (const auto& test : kCases) {
+  for (const std::string& line : RkXmlTest::ReadLines(std::string(RKXML_TEST_DATA) + "/json_in_pieces.txt")) {
     const RkXmlTest::CTempFile in;
     const std::string name = in.Path() + ".xml";
-    std::ofstream(name) << test.text;
+    std::ofstream(name) << line.substr(2);
     for (const Call& call : kCalls)
-      EXPECT_EQ(CheckSame(name, "xml", call), test.isFlat || std::strcmp(call.to, "json") != 0) << test.text << call.to;
+      EXPECT_EQ(CheckSame(name, "xml", call), line[0] == '+' || std::strcmp(call.to, "json") != 0) << line << call.to;
     std::filesystem::remove(name);
   }
 }

@@ -46,27 +46,6 @@ TEST(Conformance, SuiteOfSmallSchemas) {
   EXPECT_EQ(right[0], total[0]);
 }
 
-TEST(Conformance, SchemasInUse) {
-  if (!fs::exists(kSchemas)) GTEST_SKIP() << "no schemas at hand";
-  std::vector<fs::path> files;
-  for (const char* folder : {"ubl/schemas/maindoc", "ipxact/schemas", "bpmn/schemas", "npo/schemas"}) {
-    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(kSchemas / folder)) {
-      if (entry.path().extension() == ".xsd") files.push_back(entry.path());
-    }
-  }
-  // All of a folder share most of their documents; a few main documents stand for it.
-  std::size_t invoices = 0;
-  for (const fs::path& file : files) {
-    if (file.string().find("maindoc") != std::string::npos && file.string().find("Invoice") == std::string::npos)
-      continue;
-    CSchemaSet set;
-    set.AddFile(file.wstring());
-    EXPECT_TRUE(set.Resolve()) << file << ": " << ::testing::PrintToString(Lines(set));
-    invoices += file.filename().string().find("UBL-Invoice") == 0;
-  }
-  EXPECT_NE(invoices, 0u);
-}
-
 TEST(Conformance, ACatalogNamesFilesForLocations) {
   const fs::path schema = kSchemas / "musicxml/schemas/musicxml.xsd";
   if (!fs::exists(schema)) GTEST_SKIP() << "no schemas at hand";
