@@ -7,13 +7,6 @@
 
 using namespace RkXmlTest;
 
-TEST(Exception, AppendsOnlyANonEmptyPathToTheMessage) {
-  EXPECT_TEXT(L"m", CRkException(L"m", L"").GetMessage());
-  const CRkException e(L"Failed to process the element.", L"/Order/Line");
-  EXPECT_TEXT(L"Failed to process the element.\nPath: /Order/Line", e.GetMessage());
-  EXPECT_TEXT(L"/Order/Line", e.GetPath());
-}
-
 TEST(Exception, FullMessageHasOneMessagePerLineOutermostFirst) {
   const CRkInvalidValueException first(L"first");
   const CRkInvalidStateException second(L"second", first);

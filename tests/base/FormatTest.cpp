@@ -65,3 +65,16 @@ TEST(Format, FindReplaceDoesNotRescanWhatItPutIn) {
   FindReplace(narrow, "aa", "");
   EXPECT_EQ("a", narrow);
 }
+
+TEST(Format, PadsWithZeros) {
+  EXPECT_TEXT(L"007", PadZero(7, 3));
+  EXPECT_TEXT(L"1234", PadZero(1234, 3));
+  EXPECT_TEXT(L"-07", PadZero(-7, 3));
+  EXPECT_TEXT(L"-2147483648", PadZero(INT_MIN, 3));
+  EXPECT_TEXT(L"5", PadZero(5, 0));
+}
+
+TEST(Format, UpperCasesAsciiInPlace) {
+  char text[] = "az\xE9-Z";
+  EXPECT_STREQ("AZ\xE9-Z", strupr(text));
+}

@@ -290,19 +290,6 @@ TEST_F(ContentModelTest, AllClassMayBeMissingWhenItIsNotRequired) {
     }
 }
 
-TEST_F(ContentModelTest, ChoicesAndWildcardsStandInsideAnAllGroup) {
-  const Table choice(ClassInfo(kChoice, L"g", kInline),
-                     {Prim<CElementInfoChoicePrimOpt>(L"a", 0), Prim<CElementInfoChoicePrimOpt>(L"b", 1)});
-  const Table table(ClassInfo(kAll, L"r"),
-                    {Cls<CElementInfoAllClsOpt>(L"g", 0, 0, kInline), Prim<CElementInfoAllPrimOpt>(L"z", 1),
-                     new CElementInfoAllUntpdOpt(L"AnyElement", L"", 2, L"##other", L"")});
-  Classes() = {&choice};
-  EXPECT_TEXT(L"<r><b>1</b><z>2</z><AA:w xmlns:AA=\"urn:w\"><AA:v/></AA:w></r>",
-              Content(table, L"<w xmlns='urn:w'><v/></w><z>2</z><b>1</b>"));
-  EXPECT_TEXT(L"<r><a>1</a></r>", Content(table, L"<a>1</a>"));
-  EXPECT_TEXT(Unread(L"b"), Content(table, L"<a>1</a><b>2</b>"));
-}
-
 // An inline abstract member answers no at the end of the children, and reads in place elsewhere.
 TEST_F(ContentModelTest, InlineAbstractMembersReadInPlace) {
   static const Table group(ClassInfo(kSequence, L"g", kInline), {Prim(L"a", 0)});

@@ -81,29 +81,6 @@ TEST(DocumentWriterTest, CallsOutOfOrderAreRefusedAndHarmNothing) {
   }
 }
 
-// What prefixes mean in values stays, whatever names are written with.
-TEST(DocumentWriterTest, CopiesTheTagsOfAStream) {
-  const std::string xml =
-      "<a xmlns:p='u' xmlns:i='http://www.w3.org/2001/XMLSchema-instance' k='p:x'>1<p:b k='p:x'>"
-      "<p:b xmlns:p='v' p:k='p:y'/><q:c xmlns:q='u' xmlns:p='v' i:type='p:t'/></p:b>2<d xmlns='w' i:type='t'/></a>";
-  CMemorySource source(xml.data(), xml.size());
-  CDocumentStream stream(source);
-  stream.SetReportsOpen(true);
-  std::ostringstream out;
-  CXmlDocumentWriter writer(out, CompressionType_None, GetDefaultContext(), false, false);
-  for (auto event = stream.Next(); event != CDocumentStream::Event::Done; event = stream.Next()) {
-    if (event == CDocumentStream::Event::Start) writer.WriteStartElement(*stream.GetElement());
-    if (event == CDocumentStream::Event::Text) writer.WriteText(std::wstring(stream.GetText()));
-    if (event == CDocumentStream::Event::End) writer.WriteEndElement();
-  }
-  writer.End();
-  EXPECT_EQ(out.str(),
-            "<a xmlns:p=\"u\" xmlns:i=\"http://www.w3.org/2001/XMLSchema-instance\" k=\"p:x\">1<p:b k=\"p:x\">"
-            "<AA:b xmlns:AA=\"v\" xmlns:p=\"v\" p:k=\"p:y\"/>"
-            "<AA:c xmlns:AA=\"u\" xmlns:q=\"u\" xmlns:p=\"v\" i:type=\"p:t\"/></p:b>"
-            "2<AA:d xmlns:AA=\"w\" i:type=\"AA:t\"/></a>");
-}
-
 TEST(DocumentWriterTest, AFailedObjectGivesTheDocumentUp) {
   const CTempFile file;
   {
@@ -198,16 +175,6 @@ TEST_F(FolderTest, FilesThatCannotBeWrittenAreTold) {
       EXPECT_THROW(writer.End(), CRkInvalidStateException);
     }
   }
-}
-
-TEST_F(FolderTest, APipeThatNobodyReadsIsAnError) {
-  const std::filesystem::path pipe = m_folder / "pipe";
-  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
-  std::fstream reader(pipe, std::ios::in | std::ios::out);
-  CXmlDocumentWriter writer(pipe);
-  reader.close();
-  writer.WriteObject(CElement(L"a"));
-  EXPECT_THROW(writer.End(), CRkException);
 }
 
 TEST(DocumentWriterTest, StreamsAndFunctionsThatFailAreTold) {

@@ -58,6 +58,9 @@ TEST_F(EntryPoints, FilesHaveTheMarkOfTheirEncoding) {
 }
 
 TEST_F(EntryPoints, FilesCannotBeZlibAndFailuresNameTheFile) {
+  const wchar_t* const encoding = L"Unknown Encoding, select UTF-8 (contact our support team)";
+  EXPECT_THROWS(CRkException, encoding, m_element.ToXmlStream(true, true, XmlEncoding_None));
+  EXPECT_THROWS(CRkException, encoding, m_element.ToJsonStream(true, static_cast<XmlEncoding>(7)));
   CTempFile file;
   const std::wstring name = file.Name();
   const wchar_t* const message = L"ZLIB Compression only available for To Stream methods.";

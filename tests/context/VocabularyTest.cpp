@@ -11,26 +11,6 @@
 namespace RkXmlTest {
 namespace {
 
-TEST(FastInfosetVocabulary, StringsTakeTheNextIndexOnce) {
-  CFIVocabulary v;
-  unsigned long index = 0;
-  EXPECT_TRUE(v.FindPrefixNameIndex(L"xml", index));
-  EXPECT_EQ(1u, index);
-  EXPECT_TRUE(v.FindNamespaceNameIndex(L"http://www.w3.org/XML/1998/namespace", index));
-  EXPECT_EQ(1u, index);
-  EXPECT_FALSE(v.FindLocalNameIndex(L"a", index));
-  v.AddPrefixName(L"p");
-  v.AddPrefixName(L"p");
-  EXPECT_TRUE(v.FindPrefixNameIndex(L"p", index));
-  EXPECT_EQ(2u, index);
-  EXPECT_EQ(2u, v.GetPrefixNamesTable().size());
-
-  const CFIVocabulary copy(v);
-  v.AddPrefixName(L"q");
-  EXPECT_FALSE(copy.FindPrefixNameIndex(L"q", index));
-  EXPECT_TRUE(copy.FindPrefixNameIndex(L"p", index));
-}
-
 TEST(FastInfosetVocabulary, AppendingTakesANewIndexAndLookupTheFirst) {
   CFIStringTable table;
   for (const wchar_t* text : {L"a", L"b", L"a"}) CFIVocabulary::AddValueToVector(text, table);

@@ -121,31 +121,6 @@ TEST(ElementTree, WhiteSpaceBetweenChildrenBelongsToEachElement) {
   EXPECT_TEXT(manyBlanks, e->GetNextSiblingElement()->GetText());
 }
 
-TEST(ElementTree, KnowsWhatPrefixesMeanAtAnElement) {
-  const char* const xml =
-      "<r xmlns='urn:1' xmlns:p='urn:p'><a xmlns='urn:2'><b xmlns=''/><c xmlns:p='urn:q' xmlns:s='urn:s'/></a><d/></r>";
-  const auto dropB = [](CXmlElement* e) { return e->GetLocalName() == L"b"; };
-  for (const bool drops : {false, true}) {
-    CXmlDocument document(drops ? +dropB : nullptr);
-    document.LoadXml(xml);
-    const CXmlElement* const r = document.GetDocumentElement();
-    const CXmlElement* const a = r->GetFirstElement();
-    const CXmlElement* const first = a->GetFirstElement();
-    const CXmlElement* const c = drops ? first : first->GetNextSiblingElement();
-    const auto uri = [](const CXmlElement* e, const wchar_t* prefix) { return e->LookupNamespaceRef(prefix)->View(); };
-    EXPECT_TEXT(L"urn:1", uri(r, L""));
-    EXPECT_TEXT(L"urn:2", uri(a, L""));
-    if (!drops) {
-      EXPECT_TEXT(L"", uri(first, L""));
-    }
-    EXPECT_TEXT(L"urn:2", uri(c, L""));
-    EXPECT_TEXT(L"urn:q", uri(c, L"p"));
-    EXPECT_TEXT(L"urn:p", uri(a->GetNextSiblingElement(), L"p"));
-    EXPECT_TEXT(L"urn:1", uri(a->GetNextSiblingElement(), L""));
-    EXPECT_EQ(nullptr, r->LookupNamespaceRef(L"none"));
-  }
-}
-
 TEST(ElementTree, ForgetsTheDeclarationsOfADocumentThatFailed) {
   for (const bool scans : {false, true}) {
     CSerializationContext context;

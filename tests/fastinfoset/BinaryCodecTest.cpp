@@ -39,6 +39,19 @@ TEST(FastInfosetBinaryData, SingleValuesBothWays) {
             ToHex(ToOctets(Encoded(9, L"00112233-4455-6677-8899-aabbccddeeff"))));
 }
 
+TEST(FastInfosetBinaryData, NullIsAnEmptyText) {
+  for (unsigned long algorithm = 1; algorithm <= 10; ++algorithm) {
+    const auto octets = [algorithm](const wchar_t* text) -> std::string {
+      try {
+        return ToHex(ToOctets(Encoded(algorithm, text)));
+      } catch (const CRkException& e) {
+        return Narrow(e.GetMessage());
+      }
+    };
+    EXPECT_EQ(octets(L""), octets(nullptr)) << algorithm;
+  }
+}
+
 TEST(FastInfosetBinaryData, ListsAreReadWithOneBlankBetween) {
   const Rows<unsigned long, const char*, Wide> rows = {
       {3, "FF FE 01 02", L"-2 258"},

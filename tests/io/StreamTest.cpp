@@ -87,18 +87,6 @@ TEST(FileTextStream, APairSplitBetweenFlushesIsOneCharacter) {
   EXPECT_TEXT(L"61F09F988062EFBFBDEFBFBD", HexOf(scratch));
 }
 
-TEST(FileTextStream, TellsOfFilesThatCannotBeWritten) {
-  CFileTextStream missing(L"/no/such/folder/x.xml", XmlEncoding_UTF8);
-  EXPECT_THROWS(CRkException, L"Failed to write data to the file [/no/such/folder/x.xml].", missing.Open());
-  CFileTextStream null(nullptr, XmlEncoding_UTF8);
-  EXPECT_THROWS(CRkException, L"Failed to write data to the file [].", null.Open());
-  const CTempFile scratch;
-  CFileTextStream unknown(scratch.Name().c_str(), XmlEncoding_None);
-  unknown.Open();
-  unknown.Append(L"a");
-  EXPECT_THROWS(CRkException, kUnknownEncoding, unknown.Flush());
-}
-
 TEST(FileTextStream, AFullDiskFailsOnceAndNeverInTheDestructor) {
   if (!HasFullDevice()) GTEST_SKIP() << "no /dev/full";
   CFileTextStream big(L"/dev/full", XmlEncoding_UTF8);
@@ -132,22 +120,4 @@ TEST(FileBinaryStream, WritesTheBytesBehindTheMark) {
     EXPECT_THROWS(CRkException, L"Failed to write data to the file [/dev/full].",
                   CFileBinaryStream(L"/dev/full", XmlEncoding_None, data).ToFile());
   }
-}
-
-TEST(File, TellsItsLengthAndKeepsItsPosition) {
-  const CTempFile scratch;
-  CFile file;
-  EXPECT_FALSE(file.Open(scratch.Path(), "r"));
-  EXPECT_TRUE(file.Close());
-  ASSERT_TRUE(file.Open(scratch.Path(), "w+"));
-  ASSERT_TRUE(file.Write("abcdef", 6));
-  std::fseek(file.Get(), 2, SEEK_SET);
-  EXPECT_EQ(6, _filelength(file.Get()));
-  char rest[8];
-  EXPECT_EQ(4u, file.Read(rest, sizeof rest));
-  EXPECT_EQ('c', rest[0]);
-  FILE* const pipe = popen("true", "r");
-  ASSERT_NE(nullptr, pipe);
-  EXPECT_EQ(-1, _filelength(pipe));
-  pclose(pipe);
 }

@@ -6,34 +6,6 @@
 
 using namespace RkXmlTest;
 
-namespace {
-
-int BlocksOf(const CStringBuffer& buffer) {
-  int blocks = 0;
-  buffer.ForEachBlock([&blocks](std::wstring_view) { ++blocks; });
-  return blocks;
-}
-
-}  // namespace
-
-TEST(StringBuffer, FillsABlockExactlyBeforeTheNextBegins) {
-  CStringBuffer buffer;
-  EXPECT_TEXT(L"", buffer.GetText());
-  EXPECT_EQ(0, BlocksOf(buffer));
-  const std::wstring text(4095, L'a');
-  buffer.Append(text);
-  EXPECT_EQ(1, BlocksOf(buffer));
-  EXPECT_EQ(text, buffer.GetText());
-  buffer.Append(L'b');
-  EXPECT_EQ(2, BlocksOf(buffer));
-  EXPECT_EQ(4096u, buffer.GetLength());
-  EXPECT_EQ(text + L"b", buffer.GetText());
-  EXPECT_EQ(1, BlocksOf(buffer));
-  buffer.Append(L"c");
-  EXPECT_EQ(2, BlocksOf(buffer));
-  EXPECT_EQ(text + L"bc", buffer.GetText());
-}
-
 TEST(StringBuffer, KeepsEveryTextInEveryBlockSize) {
   for (unsigned long blockSize = 0; blockSize < 9; ++blockSize) {
     CStringBuffer buffer(blockSize);
@@ -52,26 +24,6 @@ TEST(StringBuffer, KeepsEveryTextInEveryBlockSize) {
   }
 }
 
-TEST(StringBuffer, EmptyKeepsASingleBlockOnly) {
-  CStringBuffer buffer(5);
-  buffer.Append(L"abc");
-  const wchar_t* const block = buffer.GetText();
-  buffer.Empty();
-  EXPECT_EQ(0u, buffer.GetLength());
-  EXPECT_TEXT(L"", buffer.GetText());
-  buffer.Append(L"de");
-  EXPECT_EQ(block, buffer.GetText());
-  EXPECT_TEXT(L"de", buffer.GetText());
-  buffer.Append(L"fghij");
-  buffer.Empty();
-  EXPECT_EQ(0, BlocksOf(buffer));
-  buffer.SetText(L"x");
-  buffer.SetText(L"yz");
-  EXPECT_TEXT(L"yz", buffer.GetText());
-  buffer.SetText(nullptr);
-  EXPECT_TEXT(L"", buffer.GetText());
-}
-
 TEST(StringBuffer, AppendsItsOwnText) {
   CStringBuffer buffer(4);
   buffer.Append(L"abcd");
@@ -87,6 +39,7 @@ TEST(StringBuffer, AStringObjectEndsAtItsFirstNulIntended) {
   EXPECT_TEXT(L"ac", buffer.GetText());
   EXPECT_EQ(2u, buffer.GetLength());
 }
+
 TEST(StringBuffer, RefusesToReserveMoreThanMemoryHolds) {
   CStringBuffer buffer;
   buffer.Append(L"kept");

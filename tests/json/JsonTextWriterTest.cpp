@@ -58,23 +58,6 @@ TEST(JsonTextWriter, WritesTheThreeRoundTripModes) {
               Write({JsonRoundTrip_Plain}, order));
 }
 
-TEST(JsonTextWriter, UsesTheSettingsOfFormatting) {
-  CTextStream stream;
-  CJsonTextWriter writer(stream);
-  writer.SetIndentChars(L"  ");
-  writer.SetEOLType(EOLType_CRLF);
-  EXPECT_THROWS(CRkException, L"Invalid EOL type.", writer.SetEOLType(static_cast<EOLType>(2)));
-  writer.Open();
-  writer.WriteStartDocument();
-  Replay(writer, L"<r 'a\nb'>");
-  writer.WriteComment(L"c\n\"");
-  writer.WriteIndent(2);
-  writer.WriteIndent(-1);
-  writer.WriteEndDocument();
-  writer.Close();
-  EXPECT_TEXT(L"{\r\n  \"r\": \"a\r\nb\"/* c\r\n\" */\r\n    \r\n}", stream.GetText());
-}
-
 TEST(JsonTextWriter, TypesDecideAboutQuotes) {
   const Rows<std::wstring, ItemType, bool, bool> kRows = {
       {L"1", ItemType_string, true, true},

@@ -19,11 +19,12 @@ inline std::vector<std::string> ReadLines(const std::filesystem::path& file) {
   return lines;
 }
 
-// What is given and, after "=>", what comes of it; a blank line ends a case.
+// What is given and, after "=>", what comes of it; a blank line ends a case, and lines after "# " are remarks.
 inline std::vector<std::pair<std::string, std::string>> ReadCases(const std::filesystem::path& file) {
   std::vector<std::pair<std::string, std::string>> cases(1);
   for (const std::string& line : ReadLines(file)) {
     auto& [given, result] = cases.back();
+    if (line.compare(0, 2, "# ") == 0) continue;
     if (line.empty())
       cases.emplace_back();
     else if (line.compare(0, 2, "=>") == 0)

@@ -2,6 +2,7 @@
 
 #include <limits>
 #include <random>
+#include <vector>
 
 #include "Expect.h"
 #include "RkXmlLib16/types/Decimal.h"
@@ -136,23 +137,51 @@ TEST(BigInteger, SquareRootRoundsDown) {
                 CBigInteger(-1).SquareRoot());
 }
 
-TEST(BigInteger, DigitVectorHelpersWorkInPlace) {
-  CDigitVector v{9, 9, 9};  // 999, least significant first
-  CBigInteger::Add(v, v, v);
-  EXPECT_TRUE(v == (CDigitVector{8, 9, 9, 1}));
+// The helpers take their own vectors of digits, least significant first, and standard ones.
+template <class Digits>
+void CheckHelpers() {
+  const auto digits = [](const Digits& v) {
+    std::wstring text;
+    for (const auto digit : v) text.insert(text.begin(), static_cast<wchar_t>(L'0' + digit));
+    return text;
+  };
+  const Digits twelve = {2, 1}, five = {5};
+  Digits v{9, 9, 9}, rest;
+  CBigInteger::Add(v, v, v);  // in place
+  EXPECT_TEXT(L"1998", digits(v));
+  CBigInteger::Subtract(v, five, v);
+  EXPECT_TEXT(L"1993", digits(v));
+  CBigInteger::Multiply(v, twelve, v);
+  EXPECT_TEXT(L"23916", digits(v));
+  CBigInteger::Divide(v, twelve, v, rest);
+  EXPECT_TEXT(L"1993 0", digits(v) + L" " + digits(rest));
+  CBigInteger::ShiftLeft(v, 2);
+  EXPECT_TEXT(L"199300", digits(v));
   CBigInteger::Multiply(v, 0, v);
-  EXPECT_TRUE(v == CDigitVector{0});
   CBigInteger::ShiftLeft(v, 5);
-  EXPECT_TRUE(v == CDigitVector{0});
-  CBigInteger::Build(L"0120", v);
-  EXPECT_TRUE(v == (CDigitVector{0, 2, 1}));
-  CBigInteger::Build(L"9x12", v);
-  EXPECT_TRUE(v == (CDigitVector{2, 1}));
-  CBigInteger::Build(nullptr, v);
-  EXPECT_TRUE(v == CDigitVector{0});
-  CBigInteger::Build(21, v);
-  CBigInteger::Subtract(v, v, v);
-  EXPECT_TRUE(v == CDigitVector{0});
-  EXPECT_EQ(1, CBigInteger::Position(CDigitVector()));
-  EXPECT_EQ(0, CBigInteger::Compare(CDigitVector(), CDigitVector{0}));
+  EXPECT_TEXT(L"0", digits(v));
+  for (const auto& [text, value] : Rows<Wide, Wide>{{L"0120", L"120"}, {L"9x12", L"12"}, {nullptr, L"0"}}) {
+    CBigInteger::Build(text, v);
+    EXPECT_TEXT(value, digits(v));
+  }
+  CBigInteger::Build(21u, v);
+  EXPECT_TEXT(L"21", digits(v));
+  CBigInteger::BuildDWORDLONG(30, v);
+  EXPECT_TEXT(L"30", digits(v));
+  CBigInteger::BuildDouble(41.2, v);
+  EXPECT_TEXT(L"41", digits(v));
+  CBigInteger::Pow10(2, v);
+  EXPECT_TEXT(L"100", digits(v));
+  v = {1, 0, 0};
+  CBigInteger::Clean(v);
+  EXPECT_TEXT(L"1", digits(v));
+  EXPECT_EQ(1, CBigInteger::Compare(twelve, five));
+  EXPECT_EQ(0, CBigInteger::Compare(Digits(), Digits{0}));
+  EXPECT_EQ(2, CBigInteger::Position(twelve));
+  EXPECT_EQ(1, CBigInteger::Position(Digits()));
+}
+
+TEST(BigInteger, HelpersWorkOnVectorsOfDigits) {
+  CheckHelpers<CDigitVector>();
+  CheckHelpers<std::vector<wchar_t>>();
 }

@@ -7,9 +7,11 @@
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/document/ElementTree.h"
 #include "RkXmlLib16/document/XmlWriter.h"
+#include "RkXmlLib16/io/Encoder.h"
 #include "RkXmlLib16/io/TextStream.h"
 #include "RkXmlLib16/wildcards/ElementCol.h"
 #include "RkXmlLib16/xml/XmlTextWriter.h"
+#include "support/Cases.h"
 #include "support/SmallStack.h"
 
 using namespace RkXmlTest;
@@ -25,27 +27,8 @@ std::wstring Rewritten(const wchar_t* text, const CSerializationContext& context
 }
 
 TEST(Element, WritesTheInfosetThatItRead) {
-  const Rows<Wide, Wide> kRows = {
-      {L"<a/>", L"<a/>"},
-      {L"<a x='1' y='&quot;&amp;'>t &lt; u</a>", L"<a x=\"1\" y=\"&quot;&amp;\">t &lt; u</a>"},
-      {L"<a>\n <b> </b>\n <c><d/></c>\n <b>2</b>\n</a>", L"<a><b> </b><c><d/></c><b>2</b></a>"},
-      {L"<a>mixed<b/>text</a>", L"<a>mixedtext<b/></a>"},
-      {L"<a xmlns='urn:d'><b xmlns='' c='1'/></a>", L"<AA:a xmlns:AA=\"urn:d\"><b c=\"1\"/></AA:a>"},
-      {L"<p:a xmlns:p='urn:p' p:x='1'/>", L"<AA:a xmlns:AA=\"urn:p\" AA:x=\"1\"/>"},
-      {L"<a xml:lang='en'>2:3 http://x y:z</a>", L"<a xml:lang=\"en\">2:3 http://x y:z</a>"},
-      // The prefixes that values use are declared, on the root in the order of their namespaces.
-      {L"<p:a xmlns:p='urn:p' ref='p:b'/>", L"<p:a xmlns:p=\"urn:p\" ref=\"p:b\"/>"},
-      {L"<a xmlns:p='urn:p' xmlns:q='urn:q'><b>/p:x/q:y</b></a>",
-       L"<a xmlns:p=\"urn:p\" xmlns:q=\"urn:q\"><b>/p:x/q:y</b></a>"},
-      {L"<a xmlns:p='urn:p' xmlns:i='http://www.w3.org/2001/XMLSchema-instance' i:type='p:T' t='i:nil'/>",
-       L"<a xmlns:i=\"http://www.w3.org/2001/XMLSchema-instance\" xmlns:p=\"urn:p\" i:type=\"p:T\" t=\"i:nil\"/>"},
-      // Two of one namespace, each once and neither for another namespace below.
-      {L"<p:a xmlns:p='urn:p' xmlns:AA='urn:p' r='p:x' s='AA:y'><b xmlns='urn:b' t='p:z'/></p:a>",
-       L"<p:a xmlns:p=\"urn:p\" xmlns:AA=\"urn:p\" r=\"p:x\" s=\"AA:y\"><AB:b xmlns:AB=\"urn:b\" t=\"p:z\"/></p:a>"},
-      {L"<a xmlns:AA='urn:p' xmlns:AB='urn:p' r='AA:x' s='AB:y'><b xmlns='urn:b' t='AB:z'/></a>",
-       L"<a xmlns:AB=\"urn:p\" xmlns:AA=\"urn:p\" r=\"AA:x\" s=\"AB:y\"><AC:b xmlns:AC=\"urn:b\" t=\"AB:z\"/></a>"},
-  };
-  for (const auto& [read, written] : kRows) EXPECT_TEXT(written, Rewritten(read));
+  for (const auto& [read, written] : ReadCases(RKXML_TEST_DATA "/elements_rewritten.txt"))
+    EXPECT_TEXT(FromUtf8(written), Rewritten(FromUtf8(read).c_str()));
 }
 
 // Line ends and tabs, which XML text can put into a namespace by character references.
@@ -96,22 +79,9 @@ std::wstring MeaningOfValues(const CXmlDocument& document) {
 
 // A prefix that is bound more than once means in each form what it meant where it stood.
 TEST(Element, NamesInValuesKeepTheirNamespaces) {
-  const Rows<const char*, Wide> kRows = {
-      {"<r ><a xmlns:p='1' i:type='p:T'/><b xmlns:p='2' i:type='p:T'/></r>", L" {1}T {2}T"},
-      {"<r xmlns:p='1' i:type='p:T'><b xmlns:p='2' i:type='p:T'><c xmlns:p='1' i:type='p:T'/></b><c i:type='p:T'/></r>",
-       L" {1}T {2}T {1}T {1}T"},
-      {"<r xmlns='1' i:type='T'><b xmlns='2' i:type='T'><c xmlns='' i:type='T'/></b></r>", L" {1}T {2}T {}T"},
-      {"<p:r xmlns:p='1' ref='p:T'><p:b xmlns:p='2' ref='p:T'/><p:b i:type='p:U'/></p:r>", L" {1}T {2}T {1}U"},
-      {"<r xmlns:p='1' xmlns:q='2'><a ref='p:T' i:type='q:T'><b xmlns:p='2' xmlns:q='1' ref='q:T' i:type='p:T'/></a>"
-       "</r>",
-       L" {1}T {2}T {1}T {2}T"},
-      // The name of an element and of what is in it give way to the prefix that a value needs.
-      {"<q:r xmlns:q='1' xmlns:p='1' i:type='p:T'><q:b xmlns:p='2' i:type='p:T' q:k='v'><q:c "
-       "i:type='p:U'/></q:b></q:r>",
-       L" {1}T {2}T {2}U"},
-  };
-  for (const auto& [read, meaning] : kRows) {
+  for (const auto& [read, values] : ReadCases(RKXML_TEST_DATA "/values_with_prefixes.txt")) {
     SCOPED_TRACE(read);
+    const std::wstring meaning = L" " + FromUtf8(values);
     std::string xml = read;
     xml.insert(xml.find(' '), " xmlns:i='http://www.w3.org/2001/XMLSchema-instance'");
     CSerializationContext named;
@@ -270,23 +240,6 @@ TEST(Element, TextThatLooksLikeASectionIsData) {
   }
 }
 
-TEST(Element, TakesAsMemberWhatItsConstraintAdmits) {
-  CXmlDocument document;
-  document.LoadXml(L"<r><l/><t xmlns='urn:t'/></r>");
-  CXmlElement* const root = document.GetDocumentElement();
-  CXmlElement* const local = root->GetFirstElement();
-  CXmlElement* const target = local->GetNextSiblingElement();
-  CElement element(L"AnyElement", L"urn:before", L"##targetNamespace", L"urn:t");
-  EXPECT_EQ(local, element.FromXml_Int(root, local, GetDefaultContext(), false));
-  EXPECT_TEXT(L"AnyElement", element.GetElementName());
-  EXPECT_TEXT(L"urn:before", element.GetNamespace());
-  EXPECT_EQ(nullptr, element.FromXml_Int(root, target, GetDefaultContext(), false));
-  EXPECT_TEXT(L"t", element.GetElementName());
-  EXPECT_TEXT(L"urn:t", element.GetNamespace());
-  EXPECT_EQ(target, CElement(L"e", L"", nullptr, L"urn:t").FromXml_Int(root, local, GetDefaultContext(), false));
-  EXPECT_EQ(nullptr, element.FromXml_Int(root, nullptr, GetDefaultContext(), false));
-}
-
 TEST(Element, RefusesInItsOwnCallsWhatItsConstraintForbids) {
   CElement element(L"e", L"urn:t", L"##targetNamespace", L"urn:t");
   EXPECT_THROWS(CRkInvalidNamespaceException, L"Invalid Namespace [urn:o].", element.FromXml(L"<x xmlns='urn:o'/>"));
@@ -364,25 +317,6 @@ TEST(Element, SharedPartsOutliveTheTree) {
   EXPECT_TEXT(L"<a><b><c/></b></a>", kept->ToXml(false, false));
   kept = nullptr;
   EXPECT_EQ(1, grandchild->GetRefCount());
-}
-
-// A long URI on many wildcard elements and attributes costs it once.
-TEST(Element, NamespacesAreHeldOnceADocument) {
-  CElementCol col;
-  CAttributeCol attributes;
-  {
-    CXmlDocument document;
-    document.LoadXml(L"<r xmlns='urn:n' xmlns:p='urn:n' p:a='1'><a p:b='2'/><a>p:t</a></r>");
-    CXmlElement* const root = document.GetDocumentElement();
-    col.FromXml_Int(root, root->GetFirstElement(), GetDefaultContext(), false);
-    attributes.FromXml_Int(root, nullptr, GetDefaultContext(), false);
-  }
-  const wchar_t* const uri = col.Item(0)->GetNamespace();
-  EXPECT_TEXT(L"urn:n", uri);
-  EXPECT_EQ(uri, col.Item(1)->GetNamespace());
-  EXPECT_EQ(uri, col.Item(0)->GetAttributes()->Item(0)->GetNamespace());
-  EXPECT_EQ(uri, attributes.Item(0)->GetNamespace());
-  EXPECT_TEXT(L"<p:a xmlns:p=\"urn:n\">p:t</p:a>", col.Item(1)->ToXml(false, false));
 }
 
 TEST(ElementCol, TakesARunOfAdmittedElements) {

@@ -102,25 +102,6 @@ TEST(Reading, LongInputIsReadAsOne) {
   EXPECT_TRUE(L"r(" + std::wstring(longText.begin(), longText.end()) + L")" + tree == TreeOf(xml + longText + "</r>"));
 }
 
-TEST(Reading, AcceptsAllByteForms) {
-  const std::wstring xml = L"<a>" + std::wstring(200, L'\xE9') + L"</a>";
-  const std::wstring tree = L"a(" + std::wstring(200, L'\xE9') + L")";
-  for (const CompressionType type : {CompressionType_None, CompressionType_GZip, CompressionType_ZLib}) {
-    CBinaryData data = CEncoder::UnicodeToUtf8Binary(xml);
-    CRkZip::CompressData(data, type);
-    CXmlDocument document;
-    document.LoadXmlStream(data.GetData(), data.GetLength());
-    EXPECT_TEXT(tree, TreeOf(document));
-    if (type == CompressionType_None) continue;
-    EXPECT_THROWS(CRkException, L"not well-formed (invalid token) at line 1",
-                  document.LoadXmlStream(data.GetData(), data.GetLength() - 1));
-  }
-  for (const bool bigEndian : {false, true}) EXPECT_TEXT(tree, TreeOf(Utf16(L"\xFEFF" + xml, bigEndian)));
-  unsigned char byte = '<';
-  CXmlDocument document;
-  EXPECT_THROWS(CRkException, L"unclosed token at line 1", document.LoadXmlStream(&byte, 1));
-}
-
 // Whether expat lets a NUL behind a high surrogate through depends on its patch level.
 TEST(Reading, TextEndsAtANulUnlessTheParserRefusesIt) {
   const std::wstring xml = L"<a>x\xD85B\x10000y<b>z</b></a>";

@@ -44,15 +44,19 @@ class SchemaFiles : public ::testing::Test {
   void SetUp() override {
     m_folder = fs::temp_directory_path() /
                ("rkxml_schema_" + std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
-    fs::create_directories(m_folder / "parts");
+    fs::create_directories(m_folder);
   }
   void TearDown() override { fs::remove_all(m_folder); }
   void Write(const char* name, const std::string& text) { std::ofstream(m_folder / name) << text; }
-  std::unique_ptr<CSchemaSet> Load(const char* name) {
+  static std::unique_ptr<CSchemaSet> LoadFile(const fs::path& file) {
     auto set = std::make_unique<CSchemaSet>();
-    set->AddFile(RkXmlLib16::FromUtf8((m_folder / name).native()));
+    set->AddFile(RkXmlLib16::FromUtf8(file.native()));
     set->Resolve();
     return set;
+  }
+  std::unique_ptr<CSchemaSet> Load(const char* name) { return LoadFile(m_folder / name); }
+  static std::unique_ptr<CSchemaSet> LoadData(const char* name) {
+    return LoadFile(fs::path(RKXML_TEST_DATA) / "schemas" / name);
   }
   static std::string Plain(const std::string& parts) {
     return "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'>" + parts + "</xs:schema>";
@@ -62,19 +66,7 @@ class SchemaFiles : public ::testing::Test {
 };
 
 TEST_F(SchemaFiles, AreIncludedImportedAndTakeTheNamespaceOfWhoIncludesThem) {
-  Write("main.xsd",
-        Schema("<xs:include schemaLocation='parts/chameleon.xsd'/><xs:include schemaLocation='main.xsd'/>"
-               "<xs:import namespace='urn:o' schemaLocation='parts/other.xsd'/>"
-               "<xs:element name='root' type='t:Name'/><xs:element name='other' xmlns:o='urn:o' type='o:Type'/>"));
-  Write("parts/chameleon.xsd",
-        Plain("<xs:include schemaLocation='deeper.xsd'/><xs:complexType name='Name'><xs:sequence>"
-              "<xs:element name='part' type='Part'/></xs:sequence></xs:complexType>"));
-  Write("parts/deeper.xsd", Plain("<xs:include schemaLocation='chameleon.xsd'/><xs:simpleType "
-                                  "name='Part'><xs:restriction base='xs:int'/></xs:simpleType>"));
-  Write("parts/other.xsd",
-        "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema' targetNamespace='urn:o'>"
-        "<xs:include schemaLocation='chameleon.xsd'/><xs:complexType name='Type'/></xs:schema>");
-  const auto set = Load("main.xsd");
+  const auto set = LoadData("main.xsd");
   EXPECT_EQ(Narrow(Lines(*set)), "");
   EXPECT_EQ(set->GetDocuments().size(), 6u);
   EXPECT_NE(set->FindType({L"urn:t", L"Part"}), nullptr);
@@ -99,24 +91,7 @@ TEST_F(SchemaFiles, HaveNamesOfAnyCharacters) {
 }
 
 TEST_F(SchemaFiles, AreRedefined) {
-  Write("base.xsd",
-        Schema("<xs:complexType name='Person'><xs:sequence><xs:element name='name'/></xs:sequence></xs:complexType>"
-               "<xs:simpleType name='Size'><xs:restriction base='xs:int'/></xs:simpleType>"
-               "<xs:group name='g'><xs:sequence><xs:element name='a'/></xs:sequence></xs:group>"
-               "<xs:attributeGroup name='ag'><xs:attribute name='x'/></xs:attributeGroup>"
-               "<xs:element name='person' type='t:Person'/>"));
-  Write(
-      "main.xsd",
-      Schema("<xs:redefine schemaLocation='base.xsd'>"
-             "<xs:complexType name='Person'><xs:complexContent><xs:extension base='t:Person'><xs:sequence>"
-             "<xs:element name='age' type='t:Size'/><xs:group ref='t:g'/></xs:sequence><xs:attributeGroup "
-             "ref='t:ag'/></xs:extension></xs:complexContent></xs:complexType>"
-             "<xs:simpleType name='Size'><xs:restriction base='t:Size'><xs:maxInclusive "
-             "value='9'/></xs:restriction></xs:simpleType>"
-             "<xs:group name='g'><xs:sequence><xs:group ref='t:g'/><xs:element name='b'/></xs:sequence></xs:group>"
-             "<xs:attributeGroup name='ag'><xs:attributeGroup ref='t:ag'/><xs:attribute name='y'/></xs:attributeGroup>"
-             "</xs:redefine>"));
-  const auto set = Load("main.xsd");
+  const auto set = LoadData("redefining.xsd");
   EXPECT_EQ(Narrow(Lines(*set)), "");
   const ComplexTypeDefinition& person = *set->FindElement({L"urn:t", L"person"})->type->AsComplex();
   EXPECT_EQ(person.particle->group->particles.size(), 2u);

@@ -44,6 +44,17 @@ TEST(DynamicConstructs, ValidDocumentsComeBackAndOthersAreRefused) {
   EXPECT_LT(140, count);
 }
 
+TEST(Binding, TellsWhatIsNotCheckedAndNotKept) {
+  const CSchemaUnderTest schema(
+      Schema("<xs:element name='r'><xs:complexType mixed='true'><xs:sequence><xs:element name='a' minOccurs='0'/>"
+             "</xs:sequence></xs:complexType><xs:key name='k'><xs:selector xpath='t:a'/><xs:field xpath='.'/></xs:key>"
+             "</xs:element>"));
+  ASSERT_EQ(1u, schema.GetBinding().GetUnchecked().size());
+  EXPECT_NE(0u, schema.GetBinding().GetUnchecked()[0].location.line);
+  ASSERT_EQ(1u, schema.GetBinding().GetUnkept().size());
+  EXPECT_NE(0u, schema.GetBinding().GetUnkept()[0].location.column);
+}
+
 // Reading goes on within the element that an error is found in.
 TEST(DynamicConstructs, AHandlerIsToldOfAllErrorsOfADocument) {
   const CSchemaUnderTest schema(

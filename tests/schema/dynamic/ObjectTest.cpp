@@ -8,34 +8,8 @@ namespace {
 
 using namespace RkXmlLib16;
 
-std::string ManyElements(int count) {
-  std::string elements;
-  for (int i = 0; i < count; ++i)
-    elements += "<xs:element name='e" + std::to_string(i) + "' type='xs:int' minOccurs='0'/>";
-  return elements;
-}
-
 const CSchemaUnderTest& TheSchema() {
-  static const CSchemaUnderTest schema(
-      "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema' xmlns='urn:t' targetNamespace='urn:t' "
-      "elementFormDefault='qualified'>"
-      "<xs:simpleType name='colour'><xs:restriction base='xs:token'><xs:enumeration value='red'/><xs:enumeration "
-      "value='blue'/></xs:restriction></xs:simpleType>"
-      "<xs:simpleType name='small'><xs:restriction base='xs:int'><xs:maxInclusive value='9'/></xs:restriction>"
-      "</xs:simpleType>"
-      "<xs:complexType name='item'><xs:sequence><xs:element name='n' type='small'/></xs:sequence></xs:complexType>"
-      "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='n' type='small'/><xs:element name='c' "
-      "type='colour' minOccurs='0'/><xs:element name='d' type='xs:decimal' minOccurs='0'/><xs:element name='item' "
-      "type='item' minOccurs='0'/><xs:element name='items' type='item' minOccurs='0' maxOccurs='9'/><xs:element "
-      "name='day' type='xs:date' nillable='true'/></xs:sequence><xs:attribute name='a' type='xs:int' default='7'/>"
-      "</xs:complexType></xs:element>"
-      "<xs:element name='either'><xs:complexType><xs:choice><xs:element name='x' type='xs:int'/><xs:element name='y' "
-      "maxOccurs='3' type='xs:int'/></xs:choice></xs:complexType></xs:element>"
-      "<xs:element name='many'><xs:complexType><xs:sequence>" +
-      ManyElements(300) +
-      "</xs:sequence></xs:complexType></xs:element>"
-      "<xs:element name='text'><xs:complexType mixed='true'><xs:attribute name='k'/></xs:complexType></xs:element>"
-      "</xs:schema>");
+  static const CSchemaUnderTest schema(std::vector<std::filesystem::path>{RKXML_TEST_DATA "/object.xsd"});
   return schema;
 }
 
