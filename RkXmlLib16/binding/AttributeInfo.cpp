@@ -109,7 +109,7 @@ void CAttributeInfoPrimitive::AttributeToXml(const CSerializationContext& contex
   writer->Attribute(GetName(), text.Get(), type, text.IsCanonical());
 }
 
-void CAttributeInfoPrimitive::WriteText(const CSerializationContext& context, const std::wstring& text,
+void CAttributeInfoPrimitive::WriteText(const CSerializationContext& context, std::wstring_view text,
                                         CXmlWriter* writer) const {
   if (IsSuppressedDefault(context, text)) return;
   writer->Attribute(GetName(), text, m_itemType, /*isCanonical=*/true);

@@ -214,9 +214,10 @@ bool CElementInfo::WriteValue(const CSerializationContext& context, const RkVari
 
 bool CElementInfo::WriteModelValue(const CSerializationContext& context, const CModelObject& object,
                                    CXmlWriter* writer) const {
-  const std::wstring* const text = object.PeekText(m_propertyIndex, writer->GetValueBuffer());
-  if (text == nullptr) return false;
-  WriteText(context, writer, *text, m_itemType, /*isCanonical=*/true);
+  TextSpace space(writer->GetValueBuffer());
+  const std::wstring_view text = object.PeekText(m_propertyIndex, space);
+  if (text.data() == nullptr) return false;
+  WriteText(context, writer, text, m_itemType, /*isCanonical=*/true);
   return true;
 }
 

@@ -121,9 +121,6 @@ class RKXML_EXPORT CElementInfo {
   }
   // Whether ElementToXml does nothing but WriteValue, if the property has a value.
   bool IsPlainValue() const { return Is(kPlainValue); }
-  // For objects that know which of their properties are set: whether an unset one leaves nothing to write.
-  bool IsWrittenOnlyIfSet() const noexcept { return m_writtenOnlyIfSet; }
-  void SetWrittenOnlyIfSet() noexcept { m_writtenOnlyIfSet = true; }
   // For values of CModelObject, which reads and writes their text itself.
   bool IsModelValue() const noexcept { return m_isModelValue; }
   void SetModelValue() noexcept { m_isModelValue = true; }
@@ -224,7 +221,6 @@ class RKXML_EXPORT CElementInfo {
   bool m_hasFacets = false;
   bool m_mayHaveAttributes = false;
   bool m_readsOnlyItsElement = false;
-  bool m_writtenOnlyIfSet = false;
   bool m_isModelValue = false;
   mutable std::atomic<std::uint8_t> m_facts{kUnknown};
   XmlElementType m_memberType = RkXmlLib16::XmlElementType_Element;

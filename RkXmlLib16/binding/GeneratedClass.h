@@ -104,11 +104,6 @@ class RKXML_EXPORT CXmlGeneratedClass : public CXmlObjectBase {
   void ProcessElementAllToXml(const CSerializationContext& context, RkXmlLib16Data::CElementInfo** infos,
                               CXmlWriter* writer) const;
 
-  // Whether the record has nothing to write, as far as that can be told without asking for the property.
-  static bool IsLeftOut(const CModelObject* model, const RkXmlLib16Data::CElementInfo& record) noexcept;
-  // Whether the record's value was written without asking for the property.
-  static bool IsWritten(const CModelObject* model, const RkXmlLib16Data::CElementInfo& record,
-                        const CSerializationContext& context, CXmlWriter* writer);
   // This object as CModelObject, or null.
   const CModelObject* AsModel() const;
   // This object as INillable, or null.

@@ -139,24 +139,17 @@ inline const CModelObject* CXmlGeneratedClass::AsModel() const {
   return GetClassInfo()->IsOfModel() ? static_cast<const CModelObject*>(this) : nullptr;
 }
 
-inline bool CXmlGeneratedClass::IsLeftOut(const CModelObject* model, const CElementInfo& record) noexcept {
-  return record.IsWrittenOnlyIfSet() && !model->IsSet(record.GetPropertyIndex());
-}
-
-inline bool CXmlGeneratedClass::IsWritten(const CModelObject* model, const CElementInfo& record,
-                                          const CSerializationContext& context, CXmlWriter* writer) {
-  return record.IsModelValue() && record.WriteModelValue(context, *model, writer);
-}
-
 void CXmlGeneratedClass::ProcessElementSeqToXml(const CSerializationContext& context, CElementInfo** infos,
                                                 CXmlWriter* writer) const {
+  if (const CModelObject* const model = AsModel()) {
+    model->WriteMembers(context, writer, /*isChoice=*/false);
+    return;
+  }
   if (infos == nullptr) return;
-  const CModelObject* const model = AsModel();
   auto& object = const_cast<CXmlGeneratedClass&>(*this);  // a getter changes nothing
   RkVariant* value = nullptr;                             // unused, if it is there
   for (CElementInfo** info = infos; *info != nullptr; ++info) {
     const CElementInfo& record = **info;
-    if (model != nullptr && (IsLeftOut(model, record) || IsWritten(model, record, context, writer))) continue;
     if (!record.IsPlainValue()) {
       record.ElementToXml(context, this, writer);
       value = nullptr;
@@ -178,11 +171,11 @@ void CXmlGeneratedClass::ProcessElementAllToXml(const CSerializationContext& con
 
 void CXmlGeneratedClass::ProcessElementChoiceToXml(const CSerializationContext& context, CElementInfo** infos,
                                                    CXmlWriter* writer, bool isOptionalChoice) const {
-  const CModelObject* const model = AsModel();
-  for (CElementInfo** info = infos; info != nullptr && *info != nullptr; ++info) {
-    if (model != nullptr && IsLeftOut(model, **info)) continue;
-    const bool isWritten = model != nullptr && IsWritten(model, **info, context, writer);
-    if (isWritten || (*info)->ElementToXml(context, this, writer)) return;
+  if (const CModelObject* const model = AsModel()) {
+    if (model->WriteMembers(context, writer, /*isChoice=*/true)) return;
+  } else {
+    for (CElementInfo** info = infos; info != nullptr && *info != nullptr; ++info)
+      if ((*info)->ElementToXml(context, this, writer)) return;
   }
   if (!DoesElementContainOptionalElements() && !isOptionalChoice && !context.GetIgnoreMissingChoice())
     throw CRkValidationException(

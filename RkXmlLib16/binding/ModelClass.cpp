@@ -144,8 +144,12 @@ CModelClass::CModelClass(const ClassModel& model)
   }
   if (model.base != nullptr) TakeLeftOut(model.base->Require());
   m_records.Make(model);
-  for (CElementInfo** info = m_records.elements; *info != nullptr; ++info)
-    m_hasInlineAttributes = m_hasInlineAttributes || (*info)->MayHaveAttributes();
+  CElementInfo** record = m_records.elements;
+  for (const MemberModel& member : model.members) {
+    m_written.push_back({*record, IsWrittenOnlyIfSet(model, member) ? CPropertySet::BitOf(member.property) : 0});
+    m_hasInlineAttributes = m_hasInlineAttributes || (*record)->MayHaveAttributes();
+    ++record;
+  }
 }
 
 ModelProperty& CModelClass::NoteValues(int property, const wchar_t* name, const ValueModel* values,
@@ -185,11 +189,7 @@ void CModelClass::Records::Make(const ClassModel& model) {
   elements = new CElementInfo* [model.members.size() + 1] {};
   attributes = new CAttributeInfo* [model.attributes.size() + 2] {};
   CElementInfo** element = elements;
-  for (const MemberModel& member : model.members) {
-    *element = NewModelRecord(model, member, factoryIds);
-    if (IsWrittenOnlyIfSet(model, member)) (*element)->SetWrittenOnlyIfSet();
-    ++element;
-  }
+  for (const MemberModel& member : model.members) *element++ = NewModelRecord(model, member, factoryIds);
   CAttributeInfo** attribute = attributes;
   for (const AttributeModel& described : model.attributes) *attribute++ = NewModelRecord(described);
   if (model.attributeWildcard != nullptr) *attribute = NewWildcardRecord(model);

@@ -1,6 +1,7 @@
 #include "RkXmlLib16/binding/ModelMember.h"
 
 #include <cstring>
+#include <iterator>
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
@@ -35,7 +36,7 @@ RKXML_XSD_TYPES(RKXML_ITEM, RKXML_ITEM, RKXML_NO_ITEM)
 
 // Calls `call` with the type as a compile-time constant. It is one of those whose values are held as T.
 template <class T, class Call>
-void Visit(ItemType type, Call&& call) {
+auto Visit(ItemType type, Call&& call) {
   switch (type) {
 #define RKXML_VISIT(Kind, Name, Property, Value)                                                              \
   case ItemType_##Kind:                                                                                       \
@@ -98,13 +99,19 @@ struct ValueMember {
              [&](auto item) { ReadAs<item>(Place::Make(at), text, property.values->whitespace); });
     return true;
   }
-  static const std::wstring& Print(const void* at, const ModelProperty& property, std::wstring& buffer) {
+  static std::wstring_view Print(const void* at, const ModelProperty& property, TextSpace& space) {
+    const T& value = Place::Get(at);
     if constexpr (std::is_same_v<T, std::wstring>) {
-      return Place::Get(at);
+      return value;
     } else {
-      buffer.clear();
-      Visit<T>(property.values->itemType, [&](auto item) { CConversions::AppendTo<item>(buffer, Place::Get(at)); });
-      return buffer;
+      return Visit<T>(property.values->itemType, [&](auto item) -> std::wstring_view {
+        wchar_t* const end = std::end(space.few);
+        if (const wchar_t* const first = CConversions::WriteFew<item>(value, end))
+          return {first, static_cast<std::size_t>(end - first)};
+        space.longer.clear();
+        CConversions::AppendTo<item>(space.longer, value);
+        return space.longer;
+      });
     }
   }
   static void Check(const void* at, const ModelProperty& property, const wchar_t* name) {
@@ -144,7 +151,7 @@ struct ValueMember<int, Place> {
     if (number >= 0) Put(at, number);
     return number >= 0;
   }
-  static const std::wstring& Print(const void* at, const ModelProperty& property, std::wstring&) {
+  static std::wstring_view Print(const void* at, const ModelProperty& property, TextSpace&) {
     return Text(at, property);
   }
   static void Check(const void* at, const ModelProperty& property, const wchar_t* name) {

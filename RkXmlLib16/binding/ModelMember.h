@@ -16,6 +16,7 @@
 #include "RkXmlLib16/collections/CollectionBase.h"
 #include "RkXmlLib16/types/BigInteger.h"
 #include "RkXmlLib16/types/BinaryData.h"
+#include "RkXmlLib16/types/Conversions.h"
 #include "RkXmlLib16/types/DateTime.h"
 #include "RkXmlLib16/types/DateTimeSpan.h"
 #include "RkXmlLib16/types/Decimal.h"
@@ -47,6 +48,14 @@ class CRareValue {
   std::unique_ptr<T> m_value;
 };
 
+// Space for the lexical form of a value: for one of few characters, and for others.
+struct TextSpace {
+  explicit TextSpace(std::wstring& forLonger) : longer(forLonger) {}
+
+  wchar_t few[CConversions::kFewCharacters];
+  std::wstring& longer;
+};
+
 // What the library does with members of one C++ type. Those of a value have the functions of values, the others those
 // of objects.
 struct MemberType {
@@ -66,8 +75,8 @@ struct MemberType {
   // From the lexical form, as a document has it. Where it cannot be read, throws CRkException or returns false, and the
   // member stays as it is.
   bool (*read)(void* at, const Property& property, std::wstring_view text) = nullptr;
-  // The lexical form: the member itself, or the buffer.
-  const std::wstring& (*print)(const void* at, const Property& property, std::wstring& buffer) = nullptr;
+  // The lexical form: the member itself, or in the space.
+  std::wstring_view (*print)(const void* at, const Property& property, TextSpace& space) = nullptr;
   // Throws CRkException for a value that breaks a facet or is none of an enumeration.
   void (*check)(const void* at, const Property& property, const wchar_t* name) = nullptr;
 

@@ -183,11 +183,11 @@ bool CModelObject::TrySetFromText(int property, std::wstring_view text) {
   return true;
 }
 
-const std::wstring* CModelObject::PeekText(int property, std::wstring& buffer) const {
-  if (!IsSet(property)) return nullptr;
+std::wstring_view CModelObject::PeekText(int property, TextSpace& space) const {
+  if (!IsSet(property)) return {};
   const CMember member = const_cast<CModelObject*>(this)->FindMember(property);  // which changes nothing
-  if (!member.Is(MemberType::Kind::Value)) return nullptr;
-  return &member.Type().print(member.At(), m_class.GetProperty(property), buffer);
+  if (!member.Is(MemberType::Kind::Value)) return {};
+  return member.Type().print(member.At(), m_class.GetProperty(property), space);
 }
 
 bool CModelObject::MustCheck(int property) const noexcept { return m_class.GetProperty(property).mustCheck; }
@@ -416,10 +416,22 @@ void CModelObject::BeginFromXml_Int(CXmlElement* element, CXmlElement* firstChil
     refuse(FormatString(L"The element [%ls] has a fixed value and cannot be nil.", element->GetLocalName().c_str()));
 }
 
+bool CModelObject::WriteMembers(const CSerializationContext& context, CXmlWriter* writer, bool isChoice) const {
+  for (const WrittenMember& member : m_class.GetWritten()) {
+    if (!m_set.HasAll(member.needed)) continue;
+    const CElementInfo& record = *member.record;
+    const bool isWritten = (record.IsModelValue() && record.WriteModelValue(context, *this, writer)) ||
+                           record.ElementToXml(context, this, writer);
+    if (isWritten && isChoice) return true;
+  }
+  return false;
+}
+
 void CModelObject::WriteAttribute(const AttributeModel& attribute, const CAttributeInfoPrimitive& record,
                                   const CSerializationContext& context, CXmlWriter* writer) const {
-  if (const std::wstring* const text = PeekText(attribute.property, writer->GetValueBuffer()))
-    return record.WriteText(context, *text, writer);
+  TextSpace space(writer->GetValueBuffer());
+  const std::wstring_view text = PeekText(attribute.property, space);
+  if (text.data() != nullptr) return record.WriteText(context, text, writer);
   if (IsSet(attribute.property)) return record.AttributeToXml(context, this, writer);
   if (!attribute.isOptional)
     throw CRkInvalidParamException(

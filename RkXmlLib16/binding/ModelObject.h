@@ -43,6 +43,9 @@ class CPropertySet {
     else
       AddMore(property);
   }
+  // The bit of one of the first properties; of others none, which every object has.
+  static constexpr std::uint64_t BitOf(int property) noexcept { return property < kInPlace ? Bit(property) : 0; }
+  bool HasAll(std::uint64_t bits) const noexcept { return (bits & ~m_first) == 0; }
   void Remove(int property) noexcept {
     if (property < kInPlace)
       m_first &= ~Bit(property);
@@ -113,9 +116,9 @@ class RKXML_EXPORT CModelObject : public CXmlGeneratedClass {
   // Sets the property of a value from its lexical form; `isValue` tells what the setter throws from an error of the
   // text.
   void SetFromText(int property, std::wstring_view text, bool& isValue);
-  // The lexical form of the property of a value, the object's own or in the buffer; null when it is not set, or only
-  // AccessProperty can tell. Such a value was checked when it was set.
-  const std::wstring* PeekText(int property, std::wstring& buffer) const;
+  // The lexical form of the property of a value, the object's own or in the space; without data when it is not set, or
+  // only AccessProperty can tell. Such a value was checked when it was set.
+  std::wstring_view PeekText(int property, TextSpace& space) const;
   // Keeps the prefixes of the names in the text as the element has them, so that they are declared again.
   void KeepPrefixes(const CXmlElement& element, std::wstring_view text);
 
@@ -187,6 +190,8 @@ class RKXML_EXPORT CModelObject : public CXmlGeneratedClass {
   void CheckValue(int property, CMember value);
   void CheckSet(int property, RkVariant& value);
   void CheckText(int property, RkVariant& value);
+  // Of a choice, only one member; whether there was one to write.
+  bool WriteMembers(const CSerializationContext& context, CXmlWriter* writer, bool isChoice) const;
   void WriteAttribute(const RkXmlLib16Data::AttributeModel& attribute,
                       const RkXmlLib16Data::CAttributeInfoPrimitive& record, const CSerializationContext& context,
                       CXmlWriter* writer) const;

@@ -529,33 +529,32 @@ const CNamespaceName& CXmlWriter::NameOf(const std::wstring& namespaceUri) const
 
 void CXmlWriter::ForgetNames() noexcept { m_recordOutput.reset(); }
 
-inline CRecordOutput* CXmlWriter::FindRecordOutput() {
-  if (m_context == nullptr || !m_avoidedPrefix.empty()) return nullptr;
-  return m_recordOutput != nullptr ? m_recordOutput.get() : MakeRecordOutput();
-}
-
-CRecordOutput* CXmlWriter::MakeRecordOutput() {
-  if (m_checks != nullptr || m_recordOutputType == nullptr) return nullptr;
+bool CXmlWriter::MakeRecordOutput() {
+  if (m_checks != nullptr || m_recordOutputType == nullptr) return false;
   if (typeid(*this) == *m_recordOutputType)
     m_recordOutput = m_makeRecordOutput(*this);
   else
     m_recordOutputType = nullptr;
-  return m_recordOutput.get();
+  return m_recordOutput != nullptr;
+}
+
+inline bool CXmlWriter::HasRecordOutput() {
+  return m_context != nullptr && m_avoidedPrefix.empty() && (m_recordOutput != nullptr || MakeRecordOutput());
 }
 
 void CXmlWriter::StartElement(const CNameToken& name) {
-  if (CRecordOutput* const output = FindRecordOutput()) return output->StartElement(name);
-  WriteStartElement(name.GetLocalName(), name.GetNamespace());
+  if (!HasRecordOutput()) return WriteStartElement(name.GetLocalName(), name.GetNamespace());
+  m_recordOutput->StartElement(name);
 }
 
 void CXmlWriter::TextElement(const CNameToken& name, std::wstring_view text, ItemType type, bool isCanonical) {
-  if (CRecordOutput* const output = FindRecordOutput()) return output->TextElement(name, text, type, isCanonical);
-  PlainTextElement(name, text, type);
+  if (!HasRecordOutput()) return PlainTextElement(name, text, type);
+  m_recordOutput->TextElement(name, text, type, isCanonical);
 }
 
 void CXmlWriter::Attribute(const CNameToken& name, std::wstring_view value, ItemType type, bool isCanonical) {
-  if (CRecordOutput* const output = FindRecordOutput()) return output->Attribute(name, value, type, isCanonical);
-  PlainAttribute(name, value, type);
+  if (!HasRecordOutput()) return PlainAttribute(name, value, type);
+  m_recordOutput->Attribute(name, value, type, isCanonical);
 }
 
 void CXmlWriter::PlainTextElement(const CNameToken& name, std::wstring_view text, ItemType type) {
@@ -580,9 +579,9 @@ void CXmlWriter::StartElement(const std::wstring& localName, const std::wstring&
 
 void CXmlWriter::TextElement(const std::wstring& localName, const std::wstring& namespaceUri, const std::wstring& text,
                              ItemType type) {
-  CRecordOutput* const output = IsExpected(localName, namespaceUri) ? FindRecordOutput() : nullptr;
-  if (output != nullptr) return output->TextElement(*m_expectedName, text, type, /*isCanonical=*/false);
-  WriteTextElement(localName, namespaceUri, text, type);
+  if (!IsExpected(localName, namespaceUri) || !HasRecordOutput())
+    return WriteTextElement(localName, namespaceUri, text, type);
+  m_recordOutput->TextElement(*m_expectedName, text, type, /*isCanonical=*/false);
 }
 
 void CXmlWriter::SetContextState(ContextState state) {

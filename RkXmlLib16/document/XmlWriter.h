@@ -247,9 +247,9 @@ class RKXML_EXPORT CXmlWriter {
   // What StartElement, TextElement and Attribute do for every other writer.
   void PlainTextElement(const CNameToken& name, std::wstring_view text, ItemType type);
   void PlainAttribute(const CNameToken& name, std::wstring_view value, ItemType type);
-  // Null when this writer is not of its type, its output is checked, no element is open, or a prefix is avoided.
-  CRecordOutput* FindRecordOutput();
-  CRecordOutput* MakeRecordOutput();
+  // Not when this writer is not of its type, its output is checked, no element is open, or a prefix is avoided.
+  bool HasRecordOutput();
+  [[gnu::noinline]] bool MakeRecordOutput();
   bool IsExpected(const std::wstring& localName, const std::wstring& namespaceUri) const noexcept;
   void ReopenContext() noexcept;
 

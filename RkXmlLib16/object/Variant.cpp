@@ -50,7 +50,7 @@ const CNeverDestroyed<T> kEmpty;
 
 // Calls `call` with the kind as a compile-time constant, for the type codes 1 to 26.
 template <class Call>
-[[gnu::always_inline]] inline void Dispatch(std::uint32_t type, Call&& call) {
+[[gnu::always_inline]] inline auto Dispatch(std::uint32_t type, Call&& call) {
   switch (type) {
 #define RKXML_KIND(Kind, Name, Property, Value) \
   case ItemType_##Kind:                         \
@@ -273,47 +273,11 @@ void RkVariant::AppendTo(std::wstring& out, const wchar_t* format) const {
   });
 }
 
-namespace {
-
-wchar_t* WriteDigits(wchar_t* to, unsigned long long magnitude) noexcept {
-  do *--to = static_cast<wchar_t>(L'0' + magnitude % 10);
-  while ((magnitude /= 10) != 0);
-  return to;
-}
-
-wchar_t* WriteInteger(wchar_t* to, long long value) noexcept {
-  const auto bits = static_cast<unsigned long long>(value);
-  to = WriteDigits(to, value < 0 ? 0 - bits : bits);
-  if (value < 0) *--to = L'-';
-  return to;
-}
-
-}  // namespace
-
 const wchar_t* RkVariant::WriteFew(wchar_t* end) const {
-  static_assert(CDateTime::kPlainCharacters <= kFewCharacters);
-  switch (m_type) {
-    case ItemType_short:
-      return WriteInteger(end, GetI2());
-    case ItemType_int:
-      return WriteInteger(end, GetI4());
-    case ItemType_long:
-      return WriteInteger(end, GetI8());
-    case ItemType_unsignedByte:
-      return WriteDigits(end, GetUI1());
-    case ItemType_unsignedShort:
-      return WriteDigits(end, GetUI2());
-    case ItemType_unsignedInt:
-      return WriteDigits(end, GetUI4());
-    case ItemType_unsignedLong:
-      return WriteDigits(end, GetUI8());
-    case ItemType_decimal:
-      return GetDecimal().WriteFew(end);
-    case ItemType_dateTime:
-      return GetDateTime().WritePlain(end);
-    default:
-      return nullptr;
-  }
+  return Dispatch(m_type, [&](auto item) {
+    constexpr ItemType kItem = decltype(item)::value;
+    return CConversions::WriteFew<kItem>(GetValue<kItem>(), end);
+  });
 }
 
 std::wstring_view RkVariant::GetText(std::wstring& scratch, const wchar_t* format) const {

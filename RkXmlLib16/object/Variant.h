@@ -158,10 +158,7 @@ class RKXML_EXPORT RkVariant {
   std::wstring ToString(const wchar_t* format = nullptr) const;
   // The same behind `out`.
   void AppendTo(std::wstring& out, const wchar_t* format = nullptr) const;
-  // Writes the lexical form of an integer, a decimal or a dateTime, if it is one of few characters, so that it ends
-  // before `end`, and returns its start. Null, and nothing of use written, for others. There must be space for
-  // kFewCharacters.
-  static constexpr std::size_t kFewCharacters = CDecimal::kFewCharacters;
+  // As CConversions::WriteFew. Throws as ToString does.
   const wchar_t* WriteFew(wchar_t* end) const;
   // The same as a view of this variant's own text where it is a string, else of `scratch`, which is overwritten.
   std::wstring_view GetText(std::wstring& scratch, const wchar_t* format = nullptr) const;

@@ -211,11 +211,11 @@ void CBigInteger::AppendTo(std::wstring& out) const {
     out += L'0';
     return;
   }
-  constexpr std::size_t kFew = 8;
+  constexpr std::size_t kFew = sizeof(std::uint64_t);
   const std::size_t sign = m_sign < 0 ? 1 : 0;
-  if (m_digits.size() <= kFew) {
+  if (m_digits.FitsPacked()) {
     wchar_t text[1 + kFew];
-    Ascii::PutDigitsBackwards(m_digits.data(), std::end(text));
+    Ascii::PutDigitsBackwards(m_digits.GetPacked(), std::end(text));
     wchar_t* const first = std::end(text) - m_digits.size() - sign;
     if (m_sign < 0) *first = L'-';
     out.append(first, sign + m_digits.size());

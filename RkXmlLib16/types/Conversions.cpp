@@ -271,22 +271,17 @@ XsdValue<kItem> Parse(wstring_view text) {
   return value;
 }
 
-template <class Value>
-void AppendInteger(wstring& out, Value value) {
-  wchar_t buffer[24];
-  wchar_t* to = std::end(buffer);
-  auto magnitude = static_cast<unsigned long long>(value);
-  if (value < 0) magnitude = 0 - magnitude;
-  do *--to = static_cast<wchar_t>(L'0' + magnitude % 10);
-  while ((magnitude /= 10) != 0);
-  if (value < 0) *--to = L'-';
-  out.append(to, static_cast<std::size_t>(std::end(buffer) - to));
+template <ItemType kItem>
+void AppendFew(wstring& out, XsdValue<kItem> value) {
+  wchar_t buffer[CConversions::kFewCharacters];
+  const wchar_t* const first = CConversions::WriteFew<kItem>(value, std::end(buffer));
+  out.append(first, static_cast<std::size_t>(std::end(buffer) - first));
 }
 
 void AppendTwoDigits(wstring& out, const wchar_t* prefix, unsigned value) {
   out += prefix;
   if (value < 10) out += L'0';
-  AppendInteger(out, value);
+  out += std::to_wstring(value);
 }
 
 // What printf makes of one double with a format.
@@ -428,9 +423,7 @@ XsdValue<kItem> CConversions::FromText(wstring_view text, Rule rule) {
 
 template <ItemType kItem>
 void CConversions::AppendTo(wstring& out, const XsdValue<kItem>& value, const wchar_t* format) {
-  if constexpr (kItem == ItemType_byte)
-    AppendInteger(out, static_cast<int>(value));
-  else if constexpr (kItem == ItemType_float)
+  if constexpr (kItem == ItemType_float)
     AppendFloating(out, static_cast<double>(value), 3.4028235e38, 7, format);
   else if constexpr (kItem == ItemType_double)
     AppendFloating(out, value, 1.7976931348623157e308, 16, format);
@@ -449,7 +442,7 @@ void CConversions::AppendTo(wstring& out, const XsdValue<kItem>& value, const wc
   else if constexpr (kItem == ItemType_base64Binary)
     out += value.GetAsBase64();
   else if constexpr (std::is_integral_v<XsdValue<kItem>>)
-    AppendInteger(out, value);
+    AppendFew<kItem>(out, value);
   else
     value.AppendTo(out);
 }

@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 #include "RkXmlLib16/base/Enumerations.h"
 #include "RkXmlLib16/base/Export.h"
@@ -31,6 +32,22 @@ class RKXML_EXPORT CConversions {
   static XsdValue<kItem> FromText(std::wstring_view text, Rule rule);
   template <ItemType kItem>
   static void AppendTo(std::wstring& out, const XsdValue<kItem>& value, const wchar_t* format = nullptr);
+  // Writes the lexical form of an integer, a decimal or a dateTime, if it is one of few characters, so that it ends
+  // before `end`, and returns its start. Null, and nothing of use written, for others. There must be space for
+  // kFewCharacters.
+  static constexpr std::size_t kFewCharacters = 20;
+  template <ItemType kItem>
+  static const wchar_t* WriteFew(const XsdValue<kItem>& value, wchar_t* end) {
+    static_assert(CDecimal::kFewCharacters <= kFewCharacters && CDateTime::kPlainCharacters <= kFewCharacters);
+    if constexpr (kItem == ItemType_decimal)
+      return value.WriteFew(end);
+    else if constexpr (kItem == ItemType_dateTime)
+      return value.WritePlain(end);
+    else if constexpr ((kItem >= ItemType_byte && kItem <= ItemType_unsignedLong) || kItem == ItemType_gYear)
+      return WriteInteger(value, end);
+    else
+      return nullptr;
+  }
 
   // Integers read as wcstol and its siblings do in base 10: leading white space and a sign are accepted, and the
   // unsigned ui4 and ui8 negate after a minus sign.
@@ -103,6 +120,18 @@ class RKXML_EXPORT CConversions {
   static std::wstring hexBinaryToString(const CBinaryData& value);
   static CBinaryData base64BinaryFromString(const std::wstring& text, Rule rule);
   static std::wstring base64BinaryToString(const CBinaryData& value);
+
+ private:
+  template <class Value>
+  static wchar_t* WriteInteger(Value value, wchar_t* end) {
+    using Unsigned = std::conditional_t<sizeof(Value) < sizeof(int), unsigned, std::make_unsigned_t<Value>>;
+    auto magnitude = static_cast<Unsigned>(value);
+    if (value < 0) magnitude = 0 - magnitude;
+    do *--end = static_cast<wchar_t>(L'0' + magnitude % 10);
+    while ((magnitude /= 10) != 0);
+    if (value < 0) *--end = L'-';
+    return end;
+  }
 };
 
 }  // namespace RkXmlLib16

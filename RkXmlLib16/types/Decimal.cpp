@@ -300,45 +300,21 @@ std::wstring CDecimal::ToString(int fractionDigits) const {
   return text;
 }
 
-namespace {
-
-constexpr std::size_t kFewDigits = 16;  // what a vector of digits keeps in itself
-static_assert(CDecimal::kFewCharacters == 1 + kFewDigits + 1 + kFewDigits);
-
-// Backwards from `to`; returns the first character. `put` writes digits backwards.
-template <class PutDigits>
-wchar_t* WriteBackwards(wchar_t* to, const CDigitVector& integer, const CDigitVector& fraction,
-                        std::size_t fractionDigits, bool isNegative, PutDigits put) {
-  if (fractionDigits != 0) {
-    wchar_t* const point = to - fractionDigits - 1;
-    put(fraction, to);
-    to -= fraction.size();
-    while (to != point + 1) *--to = L'0';
-    *--to = L'.';
-  }
-  put(integer, to);
-  to -= integer.size();
-  if (integer.empty()) *--to = L'0';
-  if (isNegative) *--to = L'-';
-  return to;
-}
-
-}  // namespace
-
-inline std::size_t CDecimal::CountFractionDigits() const noexcept {
-  return m_fraction.IsZero() ? 0 : static_cast<std::size_t>(m_divider);
-}
-
 const wchar_t* CDecimal::WriteFew(wchar_t* end) const noexcept {
   const CDigitVector& integer = m_integer.GetDigits();
-  const std::size_t fractionDigits = CountFractionDigits();
-  if (integer.size() > kFewDigits || fractionDigits > kFewDigits) return nullptr;
-  return WriteBackwards(end, integer, m_fraction.GetDigits(), fractionDigits, IsNegative(),
-                        [](const CDigitVector& digits, wchar_t* to) {
-                          Ascii::PutDigitsBackwards(digits.data(), to);
-                          if (digits.size() <= kFewDigits / 2) return;
-                          Ascii::PutDigitsBackwards(digits.data() + kFewDigits / 2, to - kFewDigits / 2);
-                        });
+  const CDigitVector& fraction = m_fraction.GetDigits();
+  if (!integer.FitsPacked() || !fraction.FitsPacked() || m_divider > static_cast<int>(kPackedDigits)) return nullptr;
+  const std::uint64_t whole = integer.GetPacked();
+  const std::uint64_t part = fraction.GetPacked();
+  if (part != 0) {
+    Ascii::PutDigitsBackwards(part, end);
+    end -= m_divider + 1;
+    *end = L'.';
+  }
+  Ascii::PutDigitsBackwards(whole, end);
+  end -= integer.empty() ? 1 : integer.size();
+  if ((whole != 0 ? m_integer : m_fraction).GetSign() < 0 && (whole | part) != 0) *--end = L'-';
+  return end;
 }
 
 void CDecimal::AppendTo(std::wstring& out) const {
@@ -347,14 +323,16 @@ void CDecimal::AppendTo(std::wstring& out) const {
     out.append(first, static_cast<std::size_t>(std::end(few) - first));
     return;
   }
-  const CDigitVector& integer = m_integer.GetDigits();
-  const std::size_t fractionDigits = CountFractionDigits();
-  const std::size_t sign = IsNegative() ? 1 : 0, point = fractionDigits == 0 ? 0 : 1;
-  out.resize(out.size() + sign + std::max<std::size_t>(integer.size(), 1) + point + fractionDigits);
-  WriteBackwards(out.data() + out.size(), integer, m_fraction.GetDigits(), fractionDigits, IsNegative(),
-                 [](const CDigitVector& digits, wchar_t* to) {
-                   for (const unsigned char digit : digits) *--to = static_cast<wchar_t>(L'0' + digit);
-                 });
+  const auto put = [&out](const CDigitVector& digits) {
+    for (auto digit = digits.end(); digit != digits.begin();) out += static_cast<wchar_t>(L'0' + *--digit);
+  };
+  if (IsNegative()) out += L'-';
+  put(m_integer.GetDigits());
+  if (m_integer.GetDigits().empty()) out += L'0';
+  if (m_fraction.IsZero()) return;
+  out += L'.';
+  out.append(static_cast<std::size_t>(m_divider) - m_fraction.GetDigits().size(), L'0');
+  put(m_fraction.GetDigits());
 }
 
 void CDecimal::Rationalise() {

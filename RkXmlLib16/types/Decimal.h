@@ -50,9 +50,9 @@ class RKXML_EXPORT CDecimal {
   // With exactly `fractionDigits` fraction digits (none and no point for 0), one half toward zero.
   std::wstring ToString(int fractionDigits) const;
   void AppendTo(std::wstring& out) const;
-  // Writes the text of a value of few digits so that it ends before `end`, and returns its start. Null, and nothing of
-  // use written, for others. There must be space for kFewCharacters.
-  static constexpr std::size_t kFewCharacters = 34;
+  // Writes the text of a value of up to eight digits on each side of the point so that it ends before `end`, and
+  // returns its start. Null, and nothing written, for others. There must be space for kFewCharacters.
+  static constexpr std::size_t kFewCharacters = 18;
   const wchar_t* WriteFew(wchar_t* end) const noexcept;
 
   // Strips trailing zeros of the fraction; the divider stays at least 1.
@@ -103,7 +103,6 @@ class RKXML_EXPORT CDecimal {
   CDecimal operator--(int);
 
  private:
-  std::size_t CountFractionDigits() const noexcept;
   bool ParsePlainLong(std::wstring_view text);
 
   CBigInteger m_integer;

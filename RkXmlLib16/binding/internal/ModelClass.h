@@ -2,6 +2,7 @@
 #define RKXMLLIB16_BINDING_INTERNAL_MODELCLASS_H
 
 #include <algorithm>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -55,6 +56,12 @@ struct ModelProperty {
   }
 };
 
+// The record of one member, and the properties without which it has nothing to write, as CPropertySet has them.
+struct WrittenMember {
+  const CElementInfo* record;
+  std::uint64_t needed;
+};
+
 // The records and properties of one class.
 class CModelClass {
  public:
@@ -70,6 +77,8 @@ class CModelClass {
   const CSharedName& GetElementName() const noexcept { return m_elementName; }
   // Whether some record may write attributes of the object's element.
   bool HasInlineAttributes() const noexcept { return m_hasInlineAttributes; }
+  // In the order of the elements.
+  const std::vector<WrittenMember>& GetWritten() const noexcept { return m_written; }
   // The properties that begin with a value.
   const std::vector<int>& GetInitial() const noexcept { return m_initial; }
   const ModelProperty& GetProperty(int property) const noexcept {
@@ -100,6 +109,7 @@ class CModelClass {
   const ClassModel& m_model;
   CSharedName m_elementName;
   std::vector<ModelProperty> m_properties;
+  std::vector<WrittenMember> m_written;
   std::vector<int> m_initial;
   Records m_records;
   bool m_hasInlineAttributes = false;

@@ -8,6 +8,7 @@
 
 #include "RkXmlLib16/document/XmlWriter.h"
 #include "RkXmlLib16/object/Variant.h"
+#include "RkXmlLib16/types/Conversions.h"
 
 namespace RkXmlLib16Data {
 
@@ -42,7 +43,7 @@ class ValueText {
  private:
   std::wstring_view m_text;
   bool m_isCanonical = false;
-  wchar_t m_few[RkXmlLib16::RkVariant::kFewCharacters];
+  wchar_t m_few[RkXmlLib16::CConversions::kFewCharacters];
 };
 
 }  // namespace RkXmlLib16Data
