@@ -11,6 +11,7 @@
 #include "RkXmlLib16/context/JsonContext.h"
 #include "RkXmlLib16/io/Zip.h"
 #include "RkXmlLib16/wildcards/Element.h"
+#include "support/Bytes.h"
 #include "support/Pieces.h"
 #include "support/TempFile.h"
 #include "support/Tree.h"
@@ -41,15 +42,13 @@ std::string MakeXml() {
 std::string ToFastInfoset(const std::string& xml) {
   CElement tree;
   tree.FromXml(xml.c_str());
-  const CBinaryData octets = tree.ToFastInfosetStream();
-  return {reinterpret_cast<const char*>(octets.GetData()), octets.GetLength()};
+  return BytesOf(tree.ToFastInfosetStream());
 }
 
 std::string Wrapped(const std::string& bytes, CompressionType type) {
-  CBinaryData data;
-  data.Append(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size());
+  CBinaryData data = DataOf(bytes);
   CRkZip::CompressData(data, type);
-  return {reinterpret_cast<const char*>(data.GetData()), data.GetLength()};
+  return BytesOf(data);
 }
 
 void ExpectSame(std::string_view bytes, const std::wstring& path, std::size_t slice,
@@ -254,45 +253,32 @@ TEST(DocumentStreamTest, LimitsCountWhatIsHeld) {
   std::string xml = "<a>";
   for (int i = 0; i < 1000; ++i) xml += "<b c='1'>some text</b>\n";
   xml += "</a>";
-  const auto read = [&](const auto& set, const std::string& bytes) {
+  using Limits = std::vector<std::pair<void (CReadLimits::*)(unsigned long), unsigned long>>;
+  const auto read = [](const std::string& bytes, const Limits& limits) {
     CSerializationContext context;
-    set(context.GetLimits());
+    for (const auto& [set, limit] : limits) (context.GetLimits().*set)(limit);
     return ReadInPieces(CSlicedSource(bytes, 1000), L"/a/b", context);
   };
-  EXPECT_EQ(read(
-                [](CReadLimits& limits) {
-                  limits.SetMaxNodes(5);
-                  limits.SetMaxCharacters(30);
-                },
-                xml)
-                .elements.size(),
-            1000u);
-  EXPECT_NE(read([](CReadLimits& limits) { limits.SetMaxNodes(2); }, xml).error, L"");
-  EXPECT_NE(read([](CReadLimits& limits) { limits.SetMaxCharacters(8); }, xml).error, L"");
-  EXPECT_NE(read([](CReadLimits& limits) { limits.SetMaxElementDepth(1); }, xml).error, L"");
+  EXPECT_EQ(1000u, read(xml, {{&CReadLimits::SetMaxNodes, 5}, {&CReadLimits::SetMaxCharacters, 30}}).elements.size());
+  EXPECT_NE(read(xml, {{&CReadLimits::SetMaxNodes, 2}}).error, L"");
+  EXPECT_NE(read(xml, {{&CReadLimits::SetMaxCharacters, 8}}).error, L"");
+  EXPECT_NE(read(xml, {{&CReadLimits::SetMaxElementDepth, 1}}).error, L"");
   const std::string zipped = Wrapped(xml, CompressionType_GZip);
-  EXPECT_EQ(read([](CReadLimits&) {}, zipped).error, L"");
-  EXPECT_NE(read([](CReadLimits& limits) { limits.SetMaxInflatedBytes(10000); }, zipped).error, L"");
-  EXPECT_NE(read(
-                [](CReadLimits& limits) {
-                  limits.SetMaxInflationRatio(2);
-                  limits.SetInflationRatioFrom(1000);
-                },
-                zipped)
-                .error,
+  EXPECT_EQ(read(zipped, {}).error, L"");
+  EXPECT_NE(read(zipped, {{&CReadLimits::SetMaxInflatedBytes, 10000}}).error, L"");
+  EXPECT_NE(read(zipped, {{&CReadLimits::SetMaxInflationRatio, 2}, {&CReadLimits::SetInflationRatioFrom, 1000}}).error,
             L"");
   // Names stay.
   std::string names = "<a>";
   for (int i = 0; i < 1000; ++i) names += "<n" + std::to_string(i) + "/>";
-  EXPECT_NE(read([](CReadLimits& limits) { limits.SetMaxCharacters(2000); }, names + "</a>").error, L"");
+  EXPECT_NE(read(names + "</a>", {{&CReadLimits::SetMaxCharacters, 2000}}).error, L"");
 }
 
 TEST(DocumentStreamTest, ReadsEverySource) {
   const std::string xml = MakeXml();
   const auto expected = ReadWhole(xml, L"/log/day").elements.size();
   const auto read = [](CByteSource&& source) { return ReadInPieces(std::move(source), L"/log/day"); };
-  CBinaryData data;
-  data.Append(reinterpret_cast<const unsigned char*>(xml.data()), xml.size());
+  const CBinaryData data = DataOf(xml);
   EXPECT_EQ(read(CMemorySource(data)).elements.size(), expected);
   std::istringstream stream(xml);
   stream.exceptions(std::ios::failbit | std::ios::badbit);

@@ -13,6 +13,7 @@
 
 #include "Expect.h"
 #include "RkXmlLib16/RkXmlLib16.h"
+#include "support/Bytes.h"
 #include "support/TempFile.h"
 
 using namespace RkXmlLib16;
@@ -74,9 +75,7 @@ TEST(DocumentWriterTest, CallsOutOfOrderAreRefusedAndHarmNothing) {
     }
     EXPECT_EQ(xml.str(), test.xml);
     CElement read;
-    const std::string bytes = finf.str();
-    read.FromXmlStream(
-        CBinaryData(reinterpret_cast<unsigned char*>(const_cast<char*>(bytes.data())), bytes.size(), true));
+    read.FromXmlStream(RkXmlTest::DataOf(finf.str()));
     EXPECT_EQ(read.ToXmlUtf8(false, false), test.xml);
   }
 }
@@ -106,11 +105,6 @@ class FolderTest : public testing::Test {
   FolderTest() { std::filesystem::create_directory(m_folder); }
   ~FolderTest() override { std::filesystem::remove_all(m_folder); }
 
-  static std::string BytesOf(const std::filesystem::path& file) {
-    std::ifstream in(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-  }
-
   const std::filesystem::path m_folder = testing::TempDir() + "rkxml_folder_" + std::to_string(getpid());
 };
 
@@ -136,14 +130,14 @@ TEST_F(FolderTest, AFileAppearsWholeOrNotAtAll) {
     writeThousands(writer);
     writer.WriteEndElement();
   }
-  EXPECT_EQ(BytesOf(file), "old");
+  EXPECT_EQ(RkXmlTest::ReadFile(file), "old");
   EXPECT_EQ(FilesIn(m_folder), both);
 
   CXmlDocumentWriter writer(m_folder / "link", CompressionType_None, GetDefaultContext(), false, false);
   writer.WriteObject(CElement(L"a"));
-  EXPECT_EQ(BytesOf(file), "old");
+  EXPECT_EQ(RkXmlTest::ReadFile(file), "old");
   writer.End();
-  EXPECT_EQ(BytesOf(file), "<a/>");
+  EXPECT_EQ(RkXmlTest::ReadFile(file), "<a/>");
   EXPECT_TRUE(std::filesystem::is_symlink(m_folder / "link"));
   EXPECT_EQ(std::filesystem::status(file).permissions(), std::filesystem::perms(0640));
   EXPECT_EQ(FilesIn(m_folder), both);

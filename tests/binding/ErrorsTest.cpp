@@ -9,6 +9,7 @@
 
 #include "RkXmlLib16/RkXmlLib16.h"
 #include "fixtures/Records.h"
+#include "support/Bytes.h"
 
 using namespace RkXmlTest;
 
@@ -50,8 +51,7 @@ constexpr Form kForms[] = {Form::Xml, Form::XmlGZip, Form::Json, Form::FastInfos
 // The document in the given form, from XML text that the tree can hold.
 CBinaryData InForm(const std::string& xml, Form form) {
   if (form == Form::Xml || form == Form::XmlGZip) {
-    std::string copy = xml;
-    CBinaryData bytes(reinterpret_cast<unsigned char*>(copy.data()), copy.size(), true);
+    CBinaryData bytes = DataOf(xml);
     if (form == Form::XmlGZip) CRkZip::CompressData(bytes, CompressionType_GZip);
     return bytes;
   }
@@ -71,7 +71,7 @@ void ReadForm(CXmlObjectBase& object, const CBinaryData& bytes, Form form, CSeri
 }
 
 std::string TextAt(const CBinaryData& bytes, std::uint64_t offset, std::size_t length) {
-  const std::string text(reinterpret_cast<const char*>(bytes.GetData()), bytes.GetLength());
+  const std::string text = BytesOf(bytes);
   return offset < text.size() ? text.substr(offset, length) : "none";
 }
 
@@ -356,12 +356,8 @@ TEST_F(ErrorsTest, WhatIsLeftOutIsTold) {
   context.SetErrorHandler(&collector);
   const std::string xml = "<rec id='1'><a>1</a><b>2</b><v>1</v></rec>" + std::string(200, ' ');
   const auto readWithTail = [&](Form form) {
-    CBinaryData bytes = InForm(xml, form);
-    std::string tailed(reinterpret_cast<const char*>(bytes.GetData()), bytes.GetLength());
-    tailed += " tail";
     collector.Clear();
-    const CBinaryData given(reinterpret_cast<unsigned char*>(tailed.data()), tailed.size(), true);
-    ReadForm(*CTableClass::Create(rec), given, form, context);
+    ReadForm(*CTableClass::Create(rec), DataOf(BytesOf(InForm(xml, form)) + " tail"), form, context);
     ASSERT_EQ(collector.GetDroppedCount(), 1u);
     EXPECT_EQ(collector.GetDropped()[0].kind, form == Form::Json ? RkDropped_TrailingText : RkDropped_TrailingBytes);
     EXPECT_EQ(collector.GetDropped()[0].count, form == Form::Json ? 4u : 5u);

@@ -9,14 +9,11 @@
 
 #include "Expect.h"
 #include "RkXmlLib16/RkXmlLib16.h"
+#include "support/Bytes.h"
 
 using namespace RkXmlLib16;
 
 namespace {
-
-using Octets = std::vector<unsigned char>;
-
-Octets OctetsOf(const CBinaryData& data) { return {data.GetData(), data.GetData() + data.GetLength()}; }
 
 template <class Writer>
 struct Derived : Writer {
@@ -154,7 +151,7 @@ class RandomCalls {
 };
 
 struct Written {
-  Octets octets;
+  CBinaryData octets;
   std::wstring errors;
 };
 
@@ -180,9 +177,9 @@ Written WriteXml(std::uint32_t seed, Arguments... arguments) {
   const std::wstring errors = RunOnText(w, seed, [&w] { w.SetKeepTabs(true); });
   w.Close();
   if constexpr (std::is_same_v<Stream, CUtf8TextStream>)
-    return {OctetsOf(stream.TakeBytes()), errors};
+    return {stream.TakeBytes(), errors};
   else
-    return {OctetsOf(stream.GetEncodedStream()), errors};
+    return {stream.GetEncodedStream(), errors};
 }
 
 template <class Writer>
@@ -196,7 +193,7 @@ Written WriteJson(std::uint32_t seed) {
   const std::wstring errors = RunOnText(w, seed, [&w] { w.SetStrictOutput(!w.GetStrictOutput()); });
   w.WriteEndDocument();
   w.Close();
-  return {OctetsOf(stream.TakeBytes()), errors};
+  return {stream.TakeBytes(), errors};
 }
 
 template <class Writer>
@@ -208,15 +205,15 @@ Written WriteFastInfoset(std::uint32_t seed) {
   w.WriteStartDocument(FInfoDecl_None);
   const std::wstring errors = RandomCalls(w, seed, [](unsigned) {}).Run();
   w.WriteEndDocument();
-  return {OctetsOf(stream.GetBinaryStream()), errors};
+  return {stream.GetBinaryStream(), errors};
 }
 
 void ExpectSame(const Written& own, const Written& derived, std::uint32_t seed) {
-  EXPECT_LT(1000u, derived.octets.size()) << seed;
+  EXPECT_LT(1000u, derived.octets.GetLength()) << seed;
   EXPECT_TEXT(derived.errors, own.errors);
   EXPECT_TRUE(derived.octets == own.octets) << seed << "\n"
-                                            << std::string(derived.octets.begin(), derived.octets.end()) << "\n----\n"
-                                            << std::string(own.octets.begin(), own.octets.end());
+                                            << RkXmlTest::BytesOf(derived.octets) << "\n----\n"
+                                            << RkXmlTest::BytesOf(own.octets);
 }
 
 // Each array that ends takes its owner's members one level out, in the end to levels below 0.
@@ -243,8 +240,7 @@ std::string WriteArraysInARow() {
   w.WriteEndElement();
   w.WriteEndDocument();
   w.Close();
-  const Octets octets = OctetsOf(stream.TakeBytes());
-  return {octets.begin(), octets.end()};
+  return RkXmlTest::BytesOf(stream.TakeBytes());
 }
 
 }  // namespace

@@ -1,13 +1,12 @@
 #include <cwctype>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <regex>
 #include <set>
 
 #include "Expect.h"
 #include "Octets.h"
 #include "support/Bytes.h"
+#include "support/TempFile.h"
 
 namespace RkXmlTest {
 namespace {
@@ -15,8 +14,8 @@ namespace {
 namespace fs = std::filesystem;
 
 Octets ReadAll(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  return Octets(std::istreambuf_iterator<char>(in), {});
+  const std::string bytes = ReadFile(path);
+  return Octets(bytes.begin(), bytes.end());
 }
 
 struct Pair {

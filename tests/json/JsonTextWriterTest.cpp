@@ -3,7 +3,9 @@
 #include <functional>
 
 #include "Expect.h"
+#include "RkXmlLib16/io/Encoder.h"
 #include "RkXmlLib16/io/TextStream.h"
+#include "support/Cases.h"
 #include "support/EveryPlace.h"
 #include "support/Replay.h"
 
@@ -137,58 +139,27 @@ TEST(JsonTextWriter, EmptyTextBesideAttributesIsABareNullIntended) {
   EXPECT_TEXT(LR"({"r": {"@a": "1"}})", Write(kStrict, L"<r @a=1 ''>"));
 }
 
-TEST(JsonTextWriter, ShapesOfTextAndCollections) {
-  const Rows<const char*, Wide, Wide, Wide> kRows = {
-      {"text beside an attribute", L"@a=1 't'", LR"({"@a": "1","#text": "t"})", LR"({"a": "1","": "t"})"},
-      {"text before a child", L"'t' <c #1>", LR"({"#text": "t","c": 1})", LR"({"": "t","c": 1})"},
-      {"text behind an empty piece", L"'' #12", L"12", L"12"},
-      {"text in two pieces", L"#1 #2", LR"("12")", LR"("12")"},
-      {"a collection of plain values is repeated members", L"[<v #1><v #2>] <e #3>", LR"({"v": 1,"v": 2,"e": 3})",
-       LR"({"v": 1,"v": 2,"e": 3})"},
-      {"a member after a collection closes the array", L"[<i <n #1>>] <i <n #2>>",
-       LR"({"i": [{"n": 1}],"i": {"n": 2}})", LR"({"i": [{"n": 1}],"i": {"n": 2}})"},
-      {"a second collection and text close it", L"[<i <n #1>>] [<j <n #2>>] 't'",
-       LR"({"i": [{"n": 1}],"j": [{"n": 2}],"#text": "t"})", LR"({"i": [{"n": 1}],"j": [{"n": 2}],"": "t"})"},
-      {"an item of another name starts another array", L"[<i <n #1>> <j <n #2>> <k #3> <j <n #4>>]",
-       LR"({"i": [{"n": 1}],"j": [{"n": 2}],"k": 3,"j": [{"n": 4}]})",
-       LR"({"i": [{"n": 1}],"j": [{"n": 2}],"k": 3,"j": [{"n": 4}]})"},
-      {"items without members", L"[<i <n #1>> <i 't'> <i> <i ''> <i <n #2>> <i 'u'> <i <n #3>> <i>]",
-       LR"({"i": [{"n": 1},{"#text": "t"},{},{},{"n": 2},{"#text": "u"},{"n": 3},{}]})",
-       LR"({"i": [{"n": 1}],"i": "t","i": ,"i": null,"i": [{"n": 2}],"i": "u","i": [{"n": 3},{}]})"},
-      {"a collection in a collection", L"[<o [<i <n #1>>]> <o [<i <n #1>>]>]",
-       LR"({"o": [{"i": [{"n": 1}]},{"i": [{"n": 1}]}]})", LR"({"o": [{"i": [{"n": 1}]},{"i": [{"n": 1}]}]})"},
-  };
-  for (const auto& [what, content, markers, plain] : kRows) {
-    SCOPED_TRACE(what);
-    const std::wstring script = std::wstring(L"<r ") + content + L">";
-    EXPECT_TEXT(std::wstring(L"{\"r\": ") + markers + L"}", Write({JsonRoundTrip_Markers}, script.c_str()));
-    EXPECT_TEXT(std::wstring(L"{\"r\": ") + plain + L"}", Write({JsonRoundTrip_Plain}, script.c_str()));
+// Each case of a file is what is called within an element, and what is written of that with markers and, behind " | "
+// where it differs, in plain mode.
+void ExpectShapes(const char* file, bool strict) {
+  for (const auto& [given, result] : ReadCases(std::string(RKXML_TEST_DATA) + file)) {
+    SCOPED_TRACE(given);
+    const std::size_t bar = result.find(" | ");
+    const auto json = [](const std::string& value) { return L"{\"r\": " + FromUtf8(value) + L"}"; };
+    const std::wstring script = L"<r " + FromUtf8(given) + L">", markers = json(result.substr(0, bar));
+    for (const JsonRoundTrip mode : {JsonRoundTrip_Markers, JsonRoundTrip_Namespaces})
+      EXPECT_TEXT(markers, Write({mode, false, strict}, script.c_str()));
+    EXPECT_TEXT(bar == std::string::npos ? markers : json(result.substr(bar + 3)),
+                Write({JsonRoundTrip_Plain, false, strict}, script.c_str()));
   }
 }
 
+TEST(JsonTextWriter, ShapesOfTextAndCollections) { ExpectShapes("/json_collections.txt", false); }
+
 // In strict output with markers no item of a collection is a member of its own.
 TEST(JsonTextWriter, StrictCollectionsAreArraysWhateverTheItems) {
-  const Rows<Wide, Wide, Wide> kRows = {
-      {L"[<v #1>] <e #3>", LR"({"v": [{"#text": 1}],"e": 3})", LR"({"v": 1,"e": 3})"},
-      {L"[<v #1><v 'x'><v><v ''>]", LR"({"v": [{"#text": 1},{"#text": "x"},{},{}]})",
-       LR"({"v": 1,"v": "x","v": {},"v": null})"},
-      {L"[<v ''><v #1>] [<w #2>]", LR"({"v": [{},{"#text": 1}],"w": [{"#text": 2}]})", LR"({"v": null,"v": 1,"w": 2})"},
-      {L"[<i 't'><i <n #1>><j #2>]", LR"({"i": [{"#text": "t"},{"n": 1}],"j": [{"#text": 2}]})",
-       LR"({"i": "t","i": [{"n": 1}],"j": 2})"},
-      {L"[<o [<v #1><v #2>]><o 't'>] <v #3>", LR"({"o": [{"v": [{"#text": 1},{"#text": 2}]},{"#text": "t"}],"v": 3})",
-       LR"({"o": [{"v": 1,"v": 2}],"o": "t","v": 3})"},
-      {L"'t' @a=1 [<v #1>]", LR"({"#text": "t","@a": "1","v": [{"#text": 1}]})", LR"({"": "t","a": "1","v": 1})"},
-  };
-  for (const auto& [content, markers, plain] : kRows) {
-    SCOPED_TRACE(Narrow(content));
-    const std::wstring script = std::wstring(L"<r ") + content + L">";
-    EXPECT_TEXT(std::wstring(L"{\"r\": ") + markers + L"}", Write(kStrict, script.c_str()));
-    EXPECT_TEXT(std::wstring(L"{\"r\": ") + markers + L"}",
-                Write({JsonRoundTrip_Markers, false, true}, script.c_str()));
-    EXPECT_TEXT(std::wstring(L"{\"r\": ") + plain + L"}", Write({JsonRoundTrip_Plain, false, true}, script.c_str()));
-    // The one-step call makes the same.
-    EXPECT_TEXT(LR"({"r": {"v": [{"#text": 1},{}],"w": 2}})", Write(kStrict, L"<r [ .v=#1 .v=# ] .w=#2>"));
-  }
+  ExpectShapes("/json_strict_collections.txt", true);
+  EXPECT_TEXT(LR"({"r": {"v": [{"#text": 1},{}],"w": 2}})", Write(kStrict, L"<r [ .v=#1 .v=# ] .w=#2>"));
   EXPECT_TEXT(
       L"{\n\t\"r\": {\n\t\t\"v\": [\n\t\t\t{\n\t\t\t\t\"#text\": 1\n\t\t\t},\n\t\t\t{}\n\t\t],\n\t\t\"e\": 2\n\t}\n}",
       Write({JsonRoundTrip_Markers, true, true}, L"<r [<v #1><v>] <e #2>>"));

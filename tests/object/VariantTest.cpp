@@ -103,16 +103,6 @@ TEST(Variant, StartsInvalidAndTellsWrongTypes) {
   EXPECT_FALSE(v.IsValid());
 }
 
-TEST(Variant, CollapsesWhiteSpaceUnlessToldOtherwise) {
-  RkVariant v;
-  v.FromString(L" 12 ", ItemType_int);
-  EXPECT_EQ(12, v.GetI4());
-  v.FromString(L" ", ItemType_char);
-  EXPECT_EQ(L' ', v.GetChar());
-  v.FromString(L" a  b ", ItemType_string, CWhitespaceUtils::collapse);
-  EXPECT_TEXT(L"a b", v.GetString());
-}
-
 TEST(Variant, FormatsReachNumbersOnly) {
   RkVariant v;
   v.SetR8(2.5);

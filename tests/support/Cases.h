@@ -12,12 +12,14 @@
 // Cases that stand in files below tests/data.
 namespace RkXmlTest {
 
-inline std::vector<std::string> ReadLines(const std::filesystem::path& file) {
-  std::istringstream text(ReadFile(file));
-  std::vector<std::string> lines;
-  for (std::string line; std::getline(text, line);) lines.push_back(line);
-  return lines;
+inline std::vector<std::string> Parts(const std::string& text, char separator) {
+  std::istringstream stream(text);
+  std::vector<std::string> parts;
+  for (std::string part; std::getline(stream, part, separator);) parts.push_back(part);
+  return parts;
 }
+
+inline std::vector<std::string> ReadLines(const std::filesystem::path& file) { return Parts(ReadFile(file), '\n'); }
 
 // What is given and, after "=>", what comes of it; a blank line ends a case, and lines after "# " are remarks.
 inline std::vector<std::pair<std::string, std::string>> ReadCases(const std::filesystem::path& file) {

@@ -8,7 +8,9 @@
 
 #include "RkXmlLib16/RkXmlLib16.h"
 #include "RkXmlLib16/document/internal/Source.h"
+#include "support/Bytes.h"
 #include "support/TempFile.h"
+#include "support/Tree.h"
 
 using namespace RkXmlLib16;
 
@@ -33,10 +35,6 @@ std::string Utf16(std::string_view utf8, bool bigEndian, bool mark) {
     }
   }
   return bytes;
-}
-
-void LoadBytes(CXmlDocument& document, std::string bytes) {
-  document.LoadXmlStream(reinterpret_cast<unsigned char*>(bytes.data()), bytes.size());
 }
 
 const CXmlElement* FindElement(const CXmlElement* element, std::wstring_view name) {
@@ -78,7 +76,7 @@ TEST(LocationTest, ElementsAndAttributesStandWhereTheyBegin) {
   for (const Place& place : Places()) {
     SCOPED_TRACE(place.name);
     CXmlDocument document;
-    LoadBytes(document, place.bytes);
+    RkXmlTest::Load(document, place.bytes);
     const CXmlElement* const e = FindElement(document.GetDocumentElement(), L"e");
     ASSERT_NE(e, nullptr);
     const CRkLocation location = e->GetLocation();
@@ -104,8 +102,7 @@ TEST(LocationTest, TheKindOfInputShowsInTheLocation) {
   EXPECT_EQ(location.ToString(), L"2:2");
 
   const std::string text = "<r>\n" + std::string(100, ' ') + "<e/></r>";
-  std::string copy = text;
-  CBinaryData bytes(reinterpret_cast<unsigned char*>(copy.data()), copy.size(), true);
+  CBinaryData bytes = RkXmlTest::DataOf(text);
   CRkZip::CompressData(bytes, CompressionType_GZip);
   const RkXmlTest::CTempFile file;
   CFileBinaryStream(file.Name().c_str(), XmlEncoding_None, bytes).ToFile();

@@ -62,6 +62,8 @@ TEST(Reading, BuildsTheTree) {
 // Names in a namespace are recognised by where the parser keeps them; declarations of equal length come and go here,
 // and long names make the parser move its buffers.
 TEST(Reading, TellsNamespacesApartWhereverTheParserKeepsThem) {
+  CSerializationContext context;
+  context.SetScanPlainXml(false);
   for (const std::size_t uriLength : {4u, 300u, 5000u}) {
     std::string xml = "<r>";
     std::wstring tree = L"r()";
@@ -76,7 +78,7 @@ TEST(Reading, TellsNamespacesApartWhereverTheParserKeepsThem) {
       const std::wstring n(local.begin(), local.end());
       tree += L"<{" + u + L"}" + n + L"()<{" + o + L"}" + n + L"()><{" + u + L"}n()>>";
     }
-    EXPECT_TRUE(tree == TreeOf(xml + "</r>")) << uriLength;
+    EXPECT_TRUE(tree == TreeOf(xml + "</r>", context)) << uriLength;
   }
 }
 
@@ -87,19 +89,6 @@ TEST(Reading, RunsOfEveryLengthAreWidenedWhole) {
     EXPECT_TEXT(L"a@v=" + wide + L"(" + wide + L"\xE9)", TreeOf("<a v='" + text + "'>" + text + "&#13;\xC3\xA9</a>"));
     text += static_cast<char>('a' + length % 26);
   }
-}
-
-TEST(Reading, LongInputIsReadAsOne) {
-  std::string xml = "<r>";
-  std::wstring tree;
-  for (int i = 0; xml.size() < 3000000; ++i) {
-    const std::string number = std::to_string(i);
-    const std::wstring wide(number.begin(), number.end());
-    xml += "<e a='\xE2\x82\xAC" + number + "'>\xF0\x9F\x98\x80&amp;" + number + "</e>";
-    tree += L"<e@a=\x20AC" + wide + L"(\xD83D\xDE00&" + wide + L")>";
-  }
-  const std::string longText(2000000, 't');
-  EXPECT_TRUE(L"r(" + std::wstring(longText.begin(), longText.end()) + L")" + tree == TreeOf(xml + longText + "</r>"));
 }
 
 // Whether expat lets a NUL behind a high surrogate through depends on its patch level.

@@ -6,6 +6,8 @@
 #include <vector>
 
 #include "Expect.h"
+#include "RkXmlLib16/io/Encoder.h"
+#include "support/Cases.h"
 #include "support/EveryPlace.h"
 #include "support/Replay.h"
 
@@ -99,29 +101,10 @@ TEST(XmlTextWriter, EscapesAndEndsTextsAtEveryPlace) {
   });
 }
 
+// Each case of the file is a script of calls and the text that they write.
 TEST(XmlTextWriter, NamesFollowTheScope) {
-  const Rows<Wide, Wide> rows = {
-      {L"={urn:d} +e{urn:e} <r{urn:d} .a{urn:d}=1 .a{urn:d}=1 .a{urn:e}=1 <s{urn:d} ={urn:e} .a{urn:d}=1 .a{urn:e}=1"
-       L" .a{urn:e}=1 ={urn:d} .a{urn:e}=1> .a{urn:d}=1 .a{urn:e}=1>",
-       L"<r xmlns=\"urn:d\" xmlns:e=\"urn:e\"><a>1</a><a>1</a><e:a>1</e:a>"
-       L"<s><AA:a xmlns:AA=\"urn:d\">1</AA:a><a>1</a><a>1</a><e:a>1</e:a></s><a>1</a><e:a>1</e:a></r>"},
-      // Given namespaces are declared on the root, in the order of their URIs.
-      {L"+gone{urn:2} +p{urn:2} +q{urn:1} ={urn:d&} <e{urn:d&} @a{urn:1}=v <c{urn:2}> <e{urn:d&}>>",
-       L"<e xmlns=\"urn:d&amp;\" xmlns:q=\"urn:1\" xmlns:p=\"urn:2\" q:a=\"v\"><p:c/><e/></e>"},
-      // An empty alias is taken for the default namespace.
-      {L"+{urn:1} +{urn:2} <e{urn:1} @a{urn:1}=v <c{urn:2}>>",
-       L"<e xmlns=\"urn:1\" xmlns:AA=\"urn:1\" AA:a=\"v\"><AB:c xmlns:AB=\"urn:2\"/></e>"},
-      {L"={urn:0} +{urn:1} +{urn:2} <e{urn:1} @a{urn:1}=v <c{urn:2}>>",
-       L"<AA:e xmlns:AA=\"urn:1\" xmlns=\"urn:0\" AA:a=\"v\"><AB:c xmlns:AB=\"urn:2\"/></AA:e>"},
-      // Invented prefixes end with their element.
-      {L"<r{u1} <a{u1}> <b{u2} <c{u3} @x{u2}=>> <d{u3} @y{u2}=>>",
-       L"<AA:r xmlns:AA=\"u1\"><AA:a/><AB:b xmlns:AB=\"u2\"><AC:c xmlns:AC=\"u3\" AB:x=\"\"/></AB:b>"
-       L"<AB:d xmlns:AB=\"u3\" xmlns:AC=\"u2\" AC:y=\"\"/></AA:r>"},
-      {L"+AA{u0} <r{u1}>", L"<AB:r xmlns:AB=\"u1\" xmlns:AA=\"u0\"/>"},
-      // An element ends by the name that it started with.
-      {L"<r{u1} +p{u1} <c{u1}> ={u1}>", L"<AA:r xmlns:AA=\"u1\"><p:c/></AA:r>"},
-  };
-  for (const auto& [script, xml] : rows) EXPECT_TEXT(xml, Written(script));
+  for (const auto& [script, xml] : ReadCases(RKXML_TEST_DATA "/xml_namespaces.txt"))
+    EXPECT_TEXT(FromUtf8(xml), Written(FromUtf8(script).c_str()));
 }
 
 TEST(XmlTextWriter, WritesWhatStandsAroundTheRoot) {

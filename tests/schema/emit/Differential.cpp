@@ -3,6 +3,7 @@
 #include <functional>
 
 #include "RkXmlLib16/RkXmlLib16.h"
+#include "support/Bytes.h"
 #include "support/Tree.h"
 #include "support/Variants.h"
 
@@ -64,7 +65,7 @@ std::string Outcome(const std::string& bytes, const Reader& read) {
   });
   Attempt(outcome, [&] {
     const CBinaryData infoset = object->ToFastInfosetStream(FInfoDecl_None, context);
-    outcome.append(reinterpret_cast<const char*>(infoset.GetData()), infoset.GetLength());
+    outcome += RkXmlTest::BytesOf(infoset);
     object->FromXmlStream(infoset, context);
     outcome += object->ToXmlUtf8(false, true, EOLType_LF, context);
   });

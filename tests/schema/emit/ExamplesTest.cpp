@@ -89,23 +89,6 @@ TEST(GeneratedTest, ResolvesNames) {
   EXPECT_TRUE(narrow->HasX());
 }
 
-TEST(GeneratedTest, GivesTypedAccess) {
-  const auto read = order::ReadFile(CFileName((kExamples / "data/order.xml").string()));
-  auto& order = dynamic_cast<order::COrderType&>(*read);
-  EXPECT_EQ(order.GetId(), L"RK-1600");
-  EXPECT_EQ(order.GetCurrency(), order::ECurrencyType::CHF);
-  EXPECT_TRUE(order.IsDueNil());
-  EXPECT_EQ(dynamic_cast<order::CCompanyType&>(*order.GetCustomer()).GetVat(), L"CHE-123456789");
-  CDecimal sum;
-  for (const order::CLinesTypeChoice& line : *order.GetLines()->GetChoice())
-    if (line.GetGoods() != nullptr) sum = sum + line.GetGoods()->GetPrice();
-  EXPECT_EQ(sum.ToString(), L"68.45");
-  EXPECT_STREQ(order.GetPayment()->GetSelected(), L"card");
-  EXPECT_EQ(order.GetNote()->Item(0), L"Bitte vor Mittag liefern");
-  EXPECT_STREQ(ToText(order::ERateType::reduced), L"reduced");
-  EXPECT_EQ(order::ERateTypeFromText(L"none"), order::ERateType::none);
-}
-
 TEST(GeneratedTest, GuardsItsMembers) {
   const auto order = order::NewOrder();
   EXPECT_EQ(FailureOf([&] { order->SetId(L"7"); }).substr(0, 24), "Invalid Value for id [7]");
@@ -147,14 +130,6 @@ TEST(GeneratedTest, MembersThatARestrictionLeavesOutAreNotWritten) {
   EXPECT_EQ(xml.find("child"), std::string::npos);
   narrow->FromXml(xml.c_str());
   EXPECT_EQ(narrow->GetChild()->GetCount(), 0);
-}
-
-TEST(GeneratedTest, BeginsAnewWhenItIsReadAgain) {
-  const auto track = GPX_1_1::NewGpx();
-  for (int i = 0; i < 2; ++i) {
-    track->FromXmlFile(CFileName((kExamples / "data/track.gpx").string()));
-    EXPECT_EQ(track->GetTrk()->GetCount(), 1);
-  }
 }
 
 }  // namespace
