@@ -20,10 +20,12 @@ const CppType& CppTypeOf(ItemType type) {
 
 namespace {
 
-// Large enough to stand apart where most objects do not have it.
-bool IsLarge(const std::string& type) {
-  return type == "std::wstring" || type == "CBigInteger" || type == "CBinaryData" || type == "CDateTimeSpan";
-}
+// Values of more than 8 bytes: all but numbers of the language, enumerations among them, and truth values.
+bool IsLarge(const CppType& type) { return type.value == std::string("std::wstring") || type.value[0] == 'C'; }
+
+// Of its large optional elements an object holds the first so many in place, since schemas name first what is used
+// most, and the others apart, each when it is set.
+constexpr int kLargeInPlace = 2;
 
 // Not what include directives, rules of make or shells take for something else.
 bool IsPlainInNames(char c) {
@@ -359,11 +361,11 @@ void CPlan::SetType(Storage& storage, const ValueBinding& value, const PlannedCl
 
 void CPlan::PlaceMembers(PlannedClass& object) {
   const ClassBinding& binding = *object.binding;
-  const auto mayBeRare = [](const MemberBinding& member) {
+  const auto isLarge = [](const MemberBinding& member) {
     return member.kind == MemberBinding::Kind::Value && member.cardinality == MemberBinding::Cardinality::Optional &&
-           IsLarge(CppTypeOf(member.value->itemType).value);
+           IsLarge(CppTypeOf(member.value->itemType));
   };
-  const bool hasRare = std::count_if(binding.members.begin(), binding.members.end(), mayBeRare) > 3;
+  int largeCount = 0;
   for (const MemberBinding& member : binding.members) {
     const std::size_t number = object.members.size();
     if (number < binding.inheritedMembers && object.base != nullptr) {
@@ -371,7 +373,7 @@ void CPlan::PlaceMembers(PlannedClass& object) {
       continue;
     }
     Storage storage = StorageOf(member, object);
-    storage.isRare = hasRare && mayBeRare(member);
+    storage.isRare = isLarge(member) && ++largeCount > kLargeInPlace;
     object.members.push_back(Place(object, std::move(storage)));
   }
 }
