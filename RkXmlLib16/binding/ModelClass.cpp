@@ -25,9 +25,13 @@ namespace {
 struct FactoryTable {
   static constexpr int kBlockSize = 4096;
   static constexpr int kBlocks = 4096;
-  using Block = std::array<std::atomic<const MemberModel*>, kBlockSize>;
+  struct Entry {
+    const MemberModel& member;
+    const CSharedName name;
+  };
+  using Block = std::array<std::atomic<const Entry*>, kBlockSize>;
 
-  std::atomic<const MemberModel*>& At(int id) {
+  std::atomic<const Entry*>& At(int id) {
     return (*blocks[static_cast<std::size_t>(id / kBlockSize)].load())[static_cast<std::size_t>(id % kBlockSize)];
   }
 
@@ -46,6 +50,7 @@ FactoryTable& Table() {
 
 int ModelFactories::Add(const MemberModel& member) {
   FactoryTable& table = Table();
+  auto entry = std::make_unique<const FactoryTable::Entry>(FactoryTable::Entry{member, CSharedName(member.name)});
   const std::lock_guard lock(table.mutex);
   int id = table.count;
   if (!table.free.empty()) {
@@ -61,20 +66,21 @@ int ModelFactories::Add(const MemberModel& member) {
     }
     ++table.count;
   }
-  table.At(id) = &member;
+  table.At(id) = entry.release();
   return id;
 }
 
 void ModelFactories::Remove(int id) noexcept {
   FactoryTable& table = Table();
   const std::lock_guard lock(table.mutex);
-  table.At(id) = nullptr;
+  delete table.At(id).exchange(nullptr);
   table.free.push_back(id);
 }
 
-CSmartPtr<CXmlObjectBase> ModelFactories::Create(int id, const wchar_t* elementName) {
-  const MemberModel& member = *Table().At(id).load();
-  return RkXmlLib16Data::NewModelObject(*member.object, member.object->IsInline() ? nullptr : &member, elementName);
+// The name of the element is that of the member.
+CSmartPtr<CXmlObjectBase> ModelFactories::Create(int id, const wchar_t*) {
+  const auto& [member, name] = *Table().At(id).load();
+  return RkXmlLib16Data::NewModelObject(*member.object, member.object->IsInline() ? nullptr : &member, &name);
 }
 
 CPrimitiveRestrictions FacetsOf(const ValueModel& v) {
@@ -206,13 +212,15 @@ CModelClass::Records::~Records() {
 }
 
 CSmartPtr<CModelObject> NewModelObject(const ClassModel& model, const ElementModel* declaration,
-                                       const wchar_t* heldName) {
+                                       const CSharedName* heldName) {
   if (model.create == nullptr) return nullptr;
   CSmartPtr<CModelObject> object(model.create(model));
-  if (declaration != nullptr)
-    object->SetDeclaration(*declaration, heldName != nullptr ? heldName : declaration->name);
-  else
+  if (declaration == nullptr)
     object->SetUndeclared();
+  else if (heldName != nullptr)
+    object->SetDeclaration(*declaration, *heldName);
+  else
+    object->SetDeclaration(*declaration);
   return object;
 }
 

@@ -77,10 +77,15 @@ const wchar_t* CModelObject::GetTargetNamespace() const {
   return m_declaration != nullptr ? m_declaration->namespaceUri : GetNamespace();
 }
 
-void CModelObject::SetDeclaration(const ElementModel& declaration, const wchar_t* heldName) {
+void CModelObject::SetDeclaration(const ElementModel& declaration) {
   if (m_declaration == &declaration) return;
   m_declaration = &declaration;
-  SetElementName(heldName);
+  SetElementName(declaration.name);
+}
+
+void CModelObject::SetDeclaration(const ElementModel& declaration, const CSharedName& name) {
+  m_declaration = &declaration;
+  m_elementName = name;
 }
 
 const wchar_t* CModelObject::GetSelected() const {
@@ -476,7 +481,7 @@ void CModelCollectionBase::Add(CModelObject* item) {
 
 CModelObject* CModelCollectionBase::AddNewItem() {
   const CSmartPtr<CModelObject> item =
-      NewModelObject(*m_member.object, m_member.object->IsInline() ? nullptr : &m_member, GetElementNameRef().c_str());
+      NewModelObject(*m_member.object, m_member.object->IsInline() ? nullptr : &m_member, &m_elementName);
   if (item != nullptr) AppendItem(item);
   return item;
 }
@@ -501,7 +506,7 @@ CXmlElement* CModelCollectionBase::FromXml_Int(CXmlElement* parent, CXmlElement*
     last = current;
     const CSmartPtr<CModelObject> item = m_member.kind == MemberModel::Kind::AbstractObject
                                              ? NewElement(m_member.object->schema, m_member, *current)
-                                             : NewModelObject(*m_member.object, &m_member, GetElementNameRef().c_str());
+                                             : NewModelObject(*m_member.object, &m_member, &m_elementName);
     if (item == nullptr) break;
     item->FromXml_Int(current, current->GetFirstElement(), context, /*isOptionalChoice=*/false);
     AppendItem(item);

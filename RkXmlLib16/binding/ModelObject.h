@@ -88,9 +88,9 @@ class RKXML_EXPORT CModelObject : public CXmlGeneratedClass {
   // known.
   const ElementModel* GetDeclaration() const noexcept { return m_declaration; }
   // The object takes the name, and xsi:type is written where its class is not the declared one. Borrowed.
-  void SetDeclaration(const ElementModel& declaration) { SetDeclaration(declaration, declaration.name); }
-  // The same. The name is that of the declaration, as a record or collection holds it, which is quicker.
-  void SetDeclaration(const ElementModel& declaration, const wchar_t* heldName);
+  void SetDeclaration(const ElementModel& declaration);
+  // The same, quicker. The name is that of the declaration.
+  void SetDeclaration(const ElementModel& declaration, const CSharedName& name);
   // Nothing is known of the element but its type.
   void SetUndeclared() noexcept { m_declaration = nullptr; }
   // Of a choice: the element name of the member that is set; null when none is.

@@ -3,6 +3,7 @@
 #include "RkXmlLib16/base/internal/TextOrEmpty.h"
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/facets/FacetChecks.h"
+#include "RkXmlLib16/object/internal/ObjectMemory.h"
 
 namespace RkXmlLib16 {
 
@@ -12,6 +13,16 @@ void IEventSink::OnEvent(CXmlObjectBase* /*source*/, MsgType /*type*/, void* /*d
 
 CXmlObjectBase::CXmlObjectBase() = default;
 CXmlObjectBase::~CXmlObjectBase() = default;
+
+void* CXmlObjectBase::operator new(std::size_t size) { return CObjectMemory::Allocate(size); }
+void* CXmlObjectBase::operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  try {
+    return operator new(size);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
+void CXmlObjectBase::operator delete(void* object) noexcept { CObjectMemory::Free(object); }
 
 void CXmlObjectBase::AttributesToXml_Int(CXmlWriter* /*writer*/, const CSerializationContext& /*context*/) const {}
 

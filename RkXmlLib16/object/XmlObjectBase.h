@@ -1,7 +1,9 @@
 #ifndef RKXMLLIB16_OBJECT_XMLOBJECTBASE_H
 #define RKXMLLIB16_OBJECT_XMLOBJECTBASE_H
 
+#include <cstddef>
 #include <cstdint>
+#include <new>
 #include <string>
 
 #include "RkXmlLib16/base/Enumerations.h"
@@ -177,6 +179,18 @@ class RKXML_EXPORT CXmlObjectBase : public IEventSink {
     if (count == 0) delete this;
     return count;
   }
+  // Objects that one read makes lie in blocks of some kilobytes, each of which goes with the last object in it.
+  static void* operator new(std::size_t size);
+  static void* operator new(std::size_t size, std::align_val_t alignment) { return ::operator new(size, alignment); }
+  static void* operator new(std::size_t size, const std::nothrow_t&) noexcept;
+  static void* operator new(std::size_t, void* place) noexcept { return place; }
+  static void operator delete(void* object) noexcept;
+  static void operator delete(void* object, std::align_val_t alignment) noexcept {
+    ::operator delete(object, alignment);
+  }
+  static void operator delete(void* object, const std::nothrow_t&) noexcept { operator delete(object); }
+  static void operator delete(void*, void*) noexcept {}
+
   // The present count, for diagnosis.
   long long GetRefCount() const noexcept { return m_references.Get(); }
 

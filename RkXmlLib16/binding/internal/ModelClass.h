@@ -158,7 +158,7 @@ NamedType FindNamedType(const SchemaModel* schema, const CXmlElement& element);
 
 // A new object of the class; for the element, if there is one, whose name someone may hold already.
 CSmartPtr<CModelObject> NewModelObject(const ClassModel& model, const ElementModel* declaration,
-                                       const wchar_t* heldName = nullptr);
+                                       const CSharedName* heldName = nullptr);
 // The object for an element of the declaration, as xsi:type says; null when the type does not fit.
 CSmartPtr<CModelObject> NewElement(const SchemaModel* schema, const ElementModel& declaration,
                                    const CXmlElement& element);

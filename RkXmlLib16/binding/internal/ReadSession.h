@@ -7,6 +7,7 @@
 #include "RkXmlLib16/binding/ElementInfo.h"
 #include "RkXmlLib16/document/ElementTree.h"
 #include "RkXmlLib16/object/Variant.h"
+#include "RkXmlLib16/object/internal/ObjectMemory.h"
 
 namespace RkXmlLib16Data {
 
@@ -75,6 +76,7 @@ struct ReadSession {
   RkXmlLib16::RkVariant value;
   bool isValueTaken = false;
   SkippedRuns skippedRuns;
+  RkXmlLib16::CObjectMemory memory;
   // Whether the objects are read for the sake of their errors and thrown away, as those of known elements in a wildcard
   // are. Wildcards inside keep nothing then: each would copy all that the ones inside it copy again.
   bool isCheck = false;

@@ -1,0 +1,64 @@
+#include "RkXmlLib16/object/internal/ObjectMemory.h"
+
+#include <cstdint>
+#include <new>
+
+namespace RkXmlLib16 {
+
+namespace {
+
+// The sanitizer sees the misuse only of what is allocated by itself.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kUsesBlocks = false;
+#elif defined(__has_feature)
+constexpr bool kUsesBlocks = !__has_feature(address_sanitizer);
+#else
+constexpr bool kUsesBlocks = true;
+#endif
+
+}  // namespace
+
+// The head of an object, right in front of it, is its block; null for an object of its own.
+void* CObjectMemory::Place(unsigned char* memory, Block* block) noexcept {
+  ::new (memory - sizeof(Block*)) Block*(block);
+  return memory;
+}
+
+void CObjectMemory::Release(Block* block) noexcept {
+  if (block->users.Decrement() == 0) ::operator delete(block);
+}
+
+void* CObjectMemory::Take(std::size_t size) {
+  static_assert(sizeof(Block) + sizeof(Block*) <= kAlignment);
+  if (m_used + size > kBlock) {
+    auto* const block = ::new (::operator new(kBlock)) Block;
+    LeaveBlock();
+    m_block = block;
+    m_used = kAlignment;
+  }
+  m_block->users.Increment();
+  unsigned char* const memory = reinterpret_cast<unsigned char*>(m_block) + m_used;
+  m_used += (size + sizeof(Block*) + kAlignment - 1) / kAlignment * kAlignment;
+  return Place(memory, m_block);
+}
+
+void* CObjectMemory::Allocate(std::size_t size) {
+  CObjectMemory* const current = t_current;
+  if (kUsesBlocks && current != nullptr && size <= kLargest) {
+    if (current->m_count == kAlone) return current->Take(size);
+    ++current->m_count;
+  }
+  if (size > SIZE_MAX - kAlignment) throw std::bad_alloc();
+  return Place(static_cast<unsigned char*>(::operator new(size + kAlignment)) + kAlignment, nullptr);
+}
+
+void CObjectMemory::Free(void* object) noexcept {
+  if (object == nullptr) return;
+  Block* const block = static_cast<Block**>(object)[-1];
+  if (block != nullptr)
+    Release(block);
+  else
+    ::operator delete(static_cast<unsigned char*>(object) - kAlignment);
+}
+
+}  // namespace RkXmlLib16

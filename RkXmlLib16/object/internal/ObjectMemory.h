@@ -1,0 +1,54 @@
+#ifndef RKXMLLIB16_OBJECT_INTERNAL_OBJECTMEMORY_H
+#define RKXMLLIB16_OBJECT_INTERNAL_OBJECTMEMORY_H
+
+#include <cstddef>
+
+#include "RkXmlLib16/base/ReferenceCount.h"
+
+namespace RkXmlLib16 {
+
+// Where objects lie. While one of these lives, as during a read, its thread takes objects from blocks, so that those of
+// one document lie side by side and few allocations are made. A block goes with the last of its objects, in whatever
+// thread that ends: an object that outlives the others keeps a whole block. The first few objects, and all that are
+// made at other times, are allocated one by one. There is at most one in each thread.
+class CObjectMemory {
+ public:
+  CObjectMemory() noexcept { t_current = this; }
+  CObjectMemory(const CObjectMemory&) = delete;
+  CObjectMemory& operator=(const CObjectMemory&) = delete;
+  ~CObjectMemory() {
+    t_current = nullptr;
+    LeaveBlock();
+  }
+
+  // Throws std::bad_alloc.
+  static void* Allocate(std::size_t size);
+  static void Free(void* object) noexcept;
+
+ private:
+  struct Block {
+    CReferenceCount users{1};  // its objects, and who takes them from it
+  };
+
+  static constexpr std::size_t kAlignment = __STDCPP_DEFAULT_NEW_ALIGNMENT__;
+  static constexpr std::size_t kBlock = 8 * 1024;
+  static constexpr std::size_t kLargest = kBlock / 8;
+  static constexpr int kAlone = 8;  // objects before the first block
+
+  static void* Place(unsigned char* memory, Block* block) noexcept;
+  static void Release(Block* block) noexcept;
+  void* Take(std::size_t size);
+  void LeaveBlock() noexcept {
+    if (m_block != nullptr) Release(m_block);
+  }
+
+  static inline thread_local CObjectMemory* t_current = nullptr;
+
+  Block* m_block = nullptr;
+  std::size_t m_used = kBlock;  // bytes of it, the head of the next object included
+  int m_count = 0;              // up to kAlone
+};
+
+}  // namespace RkXmlLib16
+
+#endif
