@@ -100,11 +100,12 @@ void CSchemaReader::ReadCatalog() {
     m_state.catalog[Collapsed(std::wstring_view(text).substr(0, equals))] =
         NameOf(folder / PathOf(Collapsed(std::wstring_view(text).substr(equals + 1))));
   }
+  if (stream.bad()) m_state.reporter.Error({}, L"The catalog " + Bracketed(name) + L" cannot be read.");
 }
 
-void CSchemaReader::ReadFile(const std::wstring& file) {
+void CSchemaReader::ReadFile(const RkXmlLib16::CFileName& file) {
   ReadCatalog();
-  SourceFile* const source = Open(PathOf(file), {}, file);
+  SourceFile* const source = Open(fs::path(file.GetBytes()), {}, file.GetText());
   if (source == nullptr) return;
   AddInstance(*source, TokenOf(source->root, L"targetNamespace"), {});
   Follow();
@@ -112,7 +113,7 @@ void CSchemaReader::ReadFile(const std::wstring& file) {
 
 void CSchemaReader::ReadText(std::string_view bytes, const std::wstring& file) {
   ReadCatalog();
-  SourceFile* const source = OpenText(bytes, NameOf(Canonical(PathOf(file))), {});
+  SourceFile* const source = OpenText(bytes, Canonical(PathOf(file)), {});
   if (source == nullptr) return;
   AddInstance(*source, TokenOf(source->root, L"targetNamespace"), {});
   Follow();
@@ -120,8 +121,7 @@ void CSchemaReader::ReadText(std::string_view bytes, const std::wstring& file) {
 
 SourceFile* CSchemaReader::Open(const std::filesystem::path& path, SourceLocation from, const std::wstring& written) {
   const fs::path canonical = Canonical(path);
-  const std::wstring name = NameOf(canonical);
-  const auto found = m_state.files.find(name);
+  const auto found = m_state.files.find(canonical);
   if (found != m_state.files.end()) return found->second->root != nullptr ? found->second.get() : nullptr;
   std::error_code error;
   if (!fs::is_regular_file(canonical, error)) {
@@ -134,10 +134,10 @@ SourceFile* CSchemaReader::Open(const std::filesystem::path& path, SourceLocatio
     }
     return nullptr;
   }
-  return Read(name, from, [&](CXmlDocument& document) { document.Load(canonical); });
+  return Read(canonical, from, [&](CXmlDocument& document) { document.Load(canonical); });
 }
 
-SourceFile* CSchemaReader::OpenText(std::string_view bytes, const std::wstring& path, SourceLocation from) {
+SourceFile* CSchemaReader::OpenText(std::string_view bytes, const fs::path& path, SourceLocation from) {
   const auto found = m_state.files.find(path);
   if (found != m_state.files.end()) return found->second->root != nullptr ? found->second.get() : nullptr;
   return Read(path, from, [&](CXmlDocument& document) {
@@ -147,10 +147,11 @@ SourceFile* CSchemaReader::OpenText(std::string_view bytes, const std::wstring& 
 }
 
 template <class Load>
-SourceFile* CSchemaReader::Read(const std::wstring& path, SourceLocation from, Load&& load) {
+SourceFile* CSchemaReader::Read(const fs::path& path, SourceLocation from, Load&& load) {
   std::unique_ptr<SourceFile>& file = m_state.files[path];
   file = std::make_unique<SourceFile>();
-  file->path = path;
+  file->file = path;
+  file->path = NameOf(path);
   file->context.GetLimits().SetMaxElementDepth(m_state.options.limits.maxElementDepth);
   file->context.GetLimits().SetMaxNodes(m_state.options.limits.maxNodes);
   try {
@@ -228,7 +229,7 @@ SourceFile* CSchemaReader::Locate(const DocumentInstance& from, const CXmlElemen
   if (mapped != m_state.catalog.end()) return Open(PathOf(mapped->second), here, mapped->second);
   if (!location.empty()) {
     if (!IsUrl(location) || location.compare(0, 7, L"file://") == 0) {
-      const fs::path path = PathOf(from.source->path).parent_path() / FileOfUrl(location);
+      const fs::path path = from.source->file.parent_path() / FileOfUrl(location);
       std::error_code error;
       const bool isThere = fs::is_regular_file(path, error);
       if (isThere || (namespaceUri != kXmlNamespace && namespaceUri != kInstanceNamespace))

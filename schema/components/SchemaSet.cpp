@@ -50,22 +50,28 @@ CSchemaSet::CSchemaSet(SchemaOptions options) : m_state(std::make_unique<State>(
 
 CSchemaSet::~CSchemaSet() = default;
 
-void CSchemaSet::AddFile(const std::wstring& file) {
-  if (m_state->hasEnded) return;
+namespace {
+
+template <class Read>
+void ReadInto(CSchemaSet::State& state, Read&& read) {
+  if (state.hasEnded) return;
   try {
-    CSchemaReader(*m_state).ReadFile(file);
+    read(CSchemaReader(state));
   } catch (const ReadingEnds&) {
-    m_state->hasEnded = true;
+    state.hasEnded = true;
   }
 }
 
+}  // namespace
+
+void CSchemaSet::AddFile(const std::wstring& file) { AddFile(RkXmlLib16::CFileName(RkXmlLib16::ToUtf8(file))); }
+
+void CSchemaSet::AddFile(const RkXmlLib16::CFileName& file) {
+  ReadInto(*m_state, [&](CSchemaReader&& reader) { reader.ReadFile(file); });
+}
+
 void CSchemaSet::AddText(std::string_view bytes, const std::wstring& file) {
-  if (m_state->hasEnded) return;
-  try {
-    CSchemaReader(*m_state).ReadText(bytes, file);
-  } catch (const ReadingEnds&) {
-    m_state->hasEnded = true;
-  }
+  ReadInto(*m_state, [&](CSchemaReader&& reader) { reader.ReadText(bytes, file); });
 }
 
 bool CSchemaSet::Resolve() {

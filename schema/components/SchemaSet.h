@@ -8,6 +8,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "RkXmlLib16/io/FileName.h"
 #include "schema/components/Components.h"
 
 namespace RkXmlSchema {
@@ -58,8 +59,9 @@ class CSchemaSet {
   ~CSchemaSet();
 
   // Read a schema document and all that it refers to. What is wrong goes to the diagnostics; only std::bad_alloc is
-  // thrown. A file that was read already is not read again.
+  // thrown. A file that was read already is not read again. Wide names become UTF-8.
   void AddFile(const std::wstring& file);
+  void AddFile(const RkXmlLib16::CFileName& file);
   // The same with the bytes of the document; `file` is the name for messages and for what relative locations start
   // from.
   void AddText(std::string_view bytes, const std::wstring& file);

@@ -29,7 +29,7 @@ constexpr int kLargeInPlace = 2;
 
 // Not what include directives, rules of make or shells take for something else.
 bool IsPlainInNames(char c) {
-  return static_cast<unsigned char>(c) > 0x20 && std::strchr("\"\\<>:;|&$'`*?", c) == nullptr;
+  return static_cast<unsigned char>(c) > 0x20 && std::strchr("\"\\<>:;|&$'`*?#%()", c) == nullptr;
 }
 
 std::string StemOf(const std::wstring& file) {

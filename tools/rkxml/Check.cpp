@@ -43,11 +43,11 @@ class CheckedFile {
   CSerializationContext m_context;
 };
 
-std::vector<std::wstring> FindLocations(const Options& options) {
-  std::vector<std::wstring> all;
+std::vector<std::string> FindLocations(const Options& options) {
+  std::vector<std::string> all;
   for (const std::string& file : options.inputs) {
     CheckedFile(options, file).Load(nullptr, [&](const CXmlDocument& document, CSerializationContext&) {
-      const std::vector<std::wstring> found = SchemaLocations(document, file);
+      const std::vector<std::string> found = SchemaLocations(document, file);
       all.insert(all.end(), found.begin(), found.end());
       return true;
     });
@@ -60,7 +60,7 @@ std::vector<std::wstring> FindLocations(const Options& options) {
 bool Check(const Options& options) {
   std::optional<Schema> schema;
   if (options.UsesSchema()) {
-    schema.emplace(options, options.followLocations ? FindLocations(options) : std::vector<std::wstring>());
+    schema.emplace(options, options.followLocations ? FindLocations(options) : std::vector<std::string>());
     if (!options.quiet) std::fputs(schema->GetUnchecked().c_str(), stderr);
   }
   bool good = true;

@@ -104,7 +104,7 @@ void ConvertWhole(const Options& options, const InputFile& input, Progress& prog
     if (options.to->needsPrefixes) AddPrefixes(document, context);
     if (options.UsesSchema()) {
       schema.emplace(options,
-                     options.followLocations ? SchemaLocations(document, options.input) : std::vector<std::wstring>());
+                     options.followLocations ? SchemaLocations(document, options.input) : std::vector<std::string>());
       if (!options.quiet) std::fputs(schema->GetUnchecked().c_str(), stderr);
       object = ToTyped(*schema, options, document, context);
       if (object != nullptr) context.GetFIContext()->SetSuggestedValues();

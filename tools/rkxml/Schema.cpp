@@ -24,17 +24,17 @@ std::string Lines(const std::vector<Diagnostic>& diagnostics, Severity severity)
   return lines;
 }
 
-std::unique_ptr<CSchemaSet> ReadSchemas(const Options& options, const std::vector<std::wstring>& locations) {
+std::unique_ptr<CSchemaSet> ReadSchemas(const Options& options, const std::vector<std::string>& locations) {
   SchemaOptions schemaOptions;
   schemaOptions.catalogFile = FromUtf8(options.catalog);
   auto schemas = std::make_unique<CSchemaSet>(schemaOptions);
-  for (const std::string& file : options.schemas) schemas->AddFile(FromUtf8(file));
-  for (const std::wstring& file : locations) schemas->AddFile(file);
+  for (const auto* const files : {&options.schemas, &locations})
+    for (const std::string& file : *files) schemas->AddFile(CFileName(file));
   if (!schemas->Resolve()) throw SchemaError(Lines(schemas->GetDiagnostics(), Severity::Error));
   return schemas;
 }
 
-Schema::Schema(const Options& options, const std::vector<std::wstring>& locations) {
+Schema::Schema(const Options& options, const std::vector<std::string>& locations) {
   m_set = ReadSchemas(options, locations);
   m_binding = std::make_unique<CBinding>(*m_set);
   m_dynamic = std::make_unique<CDynamicSchema>(*m_binding);
@@ -44,14 +44,13 @@ std::string Schema::GetUnchecked() const {
   return Lines(m_set->GetDiagnostics(), Severity::Warning) + Lines(m_binding->GetUnchecked(), Severity::Warning);
 }
 
-std::vector<std::wstring> SchemaLocations(const CXmlDocument& document, const std::string& file) {
+std::vector<std::string> SchemaLocations(const CXmlDocument& document, const std::string& file) {
   const std::size_t slash = file.rfind('/');
-  const std::wstring folder =
-      slash == std::string::npos ? std::wstring() : CEncoder::Utf8ToUnicode(file.substr(0, slash + 1));
-  std::vector<std::wstring> files;
+  const std::string folder = slash == std::string::npos ? std::string() : file.substr(0, slash + 1);
+  std::vector<std::string> files;
   std::unordered_set<std::wstring> known;
   const auto add = [&](const std::wstring& location) {
-    if (IsRelativeFile(location) && known.insert(location).second) files.push_back(folder + location);
+    if (IsRelativeFile(location) && known.insert(location).second) files.push_back(folder + ToUtf8(location));
   };
   for (TreeWalk walk(document); walk; walk.Next()) {
     std::wistringstream pairs(walk->GetAttribute(L"schemaLocation", kInstanceNamespace).ToString());

@@ -9,8 +9,7 @@
 #include "schema/dynamic/DynamicObject.h"
 
 // Reads the schemas of the options and `locations` beside them. Throws SchemaError.
-std::unique_ptr<RkXmlSchema::CSchemaSet> ReadSchemas(const Options& options,
-                                                     const std::vector<std::wstring>& locations);
+std::unique_ptr<RkXmlSchema::CSchemaSet> ReadSchemas(const Options& options, const std::vector<std::string>& locations);
 // A line each.
 std::string Lines(const std::vector<RkXmlSchema::Diagnostic>& diagnostics, RkXmlSchema::Severity severity);
 
@@ -18,7 +17,7 @@ std::string Lines(const std::vector<RkXmlSchema::Diagnostic>& diagnostics, RkXml
 class Schema {
  public:
   // As ReadSchemas.
-  Schema(const Options& options, const std::vector<std::wstring>& locations);
+  Schema(const Options& options, const std::vector<std::string>& locations);
 
   const RkXmlSchema::CDynamicSchema& Get() const { return *m_dynamic; }
   // What the schemas say that is not checked, a line each.
@@ -32,7 +31,7 @@ class Schema {
 
 // The relative files that xsi:schemaLocation and xsi:noNamespaceSchemaLocation of the document name, as seen from the
 // folder of `file`.
-std::vector<std::wstring> SchemaLocations(const RkXmlLib16::CXmlDocument& document, const std::string& file);
+std::vector<std::string> SchemaLocations(const RkXmlLib16::CXmlDocument& document, const std::string& file);
 
 // A document against the schema.
 struct ValidatedDocument {

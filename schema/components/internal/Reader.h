@@ -14,16 +14,16 @@ class CSchemaReader {
  public:
   explicit CSchemaReader(CSchemaSet::State& state) : m_state(state) {}
 
-  void ReadFile(const std::wstring& file);
+  void ReadFile(const RkXmlLib16::CFileName& file);
   void ReadText(std::string_view bytes, const std::wstring& file);
 
  private:
   enum class Reference { Include, Import, Redefine };
 
   SourceFile* Open(const std::filesystem::path& path, SourceLocation from, const std::wstring& written);
-  SourceFile* OpenText(std::string_view bytes, const std::wstring& path, SourceLocation from);
+  SourceFile* OpenText(std::string_view bytes, const std::filesystem::path& path, SourceLocation from);
   template <class Load>
-  SourceFile* Read(const std::wstring& path, SourceLocation from, Load&& load);
+  SourceFile* Read(const std::filesystem::path& path, SourceLocation from, Load&& load);
   void Adopt(SourceFile& file, SourceLocation from);
   void Follow();
   void FollowReferences(DocumentInstance& document);

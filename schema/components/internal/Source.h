@@ -4,6 +4,7 @@
 #include <RkXmlLib16/RkXmlLib16.h>
 
 #include <cstddef>
+#include <filesystem>
 #include <optional>
 #include <set>
 #include <string>
@@ -19,7 +20,8 @@ using RkXmlLib16::CXmlDocument;
 using RkXmlLib16::CXmlElement;
 
 struct SourceFile {
-  std::wstring path;
+  std::filesystem::path file;
+  std::wstring path;  // the same for messages
   RkXmlLib16::CSerializationContext context;
   CXmlDocument document;
   CXmlElement* root = nullptr;  // xs:schema; null when the file is no schema document

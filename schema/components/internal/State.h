@@ -66,7 +66,7 @@ struct CSchemaSet::State {
   bool isCatalogRead = false;
   bool hasEnded = false;
 
-  std::map<std::wstring, std::unique_ptr<SourceFile>> files;
+  std::map<std::filesystem::path, std::unique_ptr<SourceFile>> files;
   std::deque<DocumentInstance> instances;
   std::map<std::pair<std::wstring, std::wstring>, DocumentInstance*> instanceIndex;  // by file and target namespace
   std::vector<RedefineStatement> redefines;
