@@ -401,6 +401,24 @@ SimpleTypeDefinition* CBuilder::MakeSimpleType(Node node) {
   return &type;
 }
 
+SimpleTypeDefinition* CBuilder::MakeInnerType(Node node, TypeDefinition& owner) {
+  if (node == nullptr) return nullptr;
+  SimpleTypeDefinition* const type = MakeSimpleType(node);
+  type->ownerType = &owner;
+  return type;
+}
+
+bool CBuilder::IsRedefined(const TypeDefinition& type) const {
+  return m_global != nullptr && m_global->redefined != nullptr && m_global->component == &type;
+}
+
+Component* CBuilder::FindRedefined(Node node, const std::wstring& base, const wchar_t* refusal) {
+  const std::optional<QName> name = ReadQName(node, base);
+  if (name && *name == m_global->name) return m_global->redefined->component;
+  Error(node, refusal);
+  return nullptr;
+}
+
 ComplexTypeDefinition* CBuilder::MakeComplexType(Node node) {
   ComplexTypeDefinition& type = m_state.complexTypes.emplace_back();
   type.name.namespaceUri = m_document->targetNamespace;
@@ -423,57 +441,46 @@ void CBuilder::FillSimpleType(SimpleTypeDefinition& type, Node node) {
   type.variety = Variety::Atomic;
   const Node method = FirstPart(node);
   if (method == nullptr) return;
-  if (method->GetLocalName() == L"restriction") {
-    type.derivation = kRestriction;
-    const std::wstring base = TokenOf(method, L"base");
-    SimpleTypeDefinition* found = nullptr;
-    if (!base.empty()) {
-      const bool redefinesItself =
-          m_global != nullptr && m_global->redefined != nullptr && m_global->component == &type;
-      if (redefinesItself) {
-        const std::optional<QName> name = ReadQName(method, base);
-        if (name && *name == m_global->name) {
-          found = static_cast<SimpleTypeDefinition*>(m_global->redefined->component);
-        } else {
-          Error(method, L"A redefined type has to restrict itself.");
-        }
-      } else {
-        found = FindSimpleType(method, base);
-      }
-    } else if (const Node inner = FindPart(method, L"simpleType"); inner != nullptr) {
-      found = MakeSimpleType(inner);
-      found->ownerType = &type;
-    }
-    if (found != nullptr) type.base = found;
-    for (Node part = FirstPart(method); part != nullptr; part = NextPart(part)) {
-      if (part->GetLocalName() != L"simpleType") work.facetNodes.push_back(part);
-    }
-    if (found == m_state.builtIns[0]) Error(method, L"The type definition [anySimpleType] cannot be restricted.");
-  } else if (method->GetLocalName() == L"list") {
-    type.derivation = kList;
-    type.variety = Variety::List;
-    const std::wstring item = TokenOf(method, L"itemType");
-    if (!item.empty()) {
-      type.itemType = FindSimpleType(method, item);
-    } else if (const Node inner = FindPart(method, L"simpleType"); inner != nullptr) {
-      SimpleTypeDefinition* const made = MakeSimpleType(inner);
-      made->ownerType = &type;
-      type.itemType = made;
-    }
-  } else if (method->GetLocalName() == L"union") {
-    type.derivation = kUnion;
-    type.variety = Variety::Union;
-    ForEachToken(TokenOf(method, L"memberTypes"), [&](std::wstring_view member) {
-      SimpleTypeDefinition* const found = FindSimpleType(method, member);
-      if (found != nullptr) type.memberTypes.push_back(found);
-    });
-    for (Node part = FirstPart(method); part != nullptr; part = NextPart(part)) {
-      if (part->GetLocalName() != L"simpleType") continue;
-      SimpleTypeDefinition* const made = MakeSimpleType(part);
-      made->ownerType = &type;
-      type.memberTypes.push_back(made);
-    }
+  if (method->GetLocalName() == L"restriction") FillRestriction(work, method);
+  if (method->GetLocalName() == L"list") FillList(type, method);
+  if (method->GetLocalName() == L"union") FillUnion(type, method);
+}
+
+void CBuilder::FillRestriction(SimpleWork& work, Node method) {
+  SimpleTypeDefinition& type = *work.type;
+  type.derivation = kRestriction;
+  const std::wstring base = TokenOf(method, L"base");
+  SimpleTypeDefinition* found = nullptr;
+  if (base.empty())
+    found = MakeInnerType(FindPart(method, L"simpleType"), type);
+  else if (IsRedefined(type))
+    found =
+        static_cast<SimpleTypeDefinition*>(FindRedefined(method, base, L"A redefined type has to restrict itself."));
+  else
+    found = FindSimpleType(method, base);
+  if (found != nullptr) type.base = found;
+  for (Node part = FirstPart(method); part != nullptr; part = NextPart(part)) {
+    if (part->GetLocalName() != L"simpleType") work.facetNodes.push_back(part);
   }
+  if (found == m_state.builtIns[0]) Error(method, L"The type definition [anySimpleType] cannot be restricted.");
+}
+
+void CBuilder::FillList(SimpleTypeDefinition& type, Node method) {
+  type.derivation = kList;
+  type.variety = Variety::List;
+  const std::wstring item = TokenOf(method, L"itemType");
+  type.itemType = item.empty() ? MakeInnerType(FindPart(method, L"simpleType"), type) : FindSimpleType(method, item);
+}
+
+void CBuilder::FillUnion(SimpleTypeDefinition& type, Node method) {
+  type.derivation = kUnion;
+  type.variety = Variety::Union;
+  ForEachToken(TokenOf(method, L"memberTypes"), [&](std::wstring_view member) {
+    SimpleTypeDefinition* const found = FindSimpleType(method, member);
+    if (found != nullptr) type.memberTypes.push_back(found);
+  });
+  for (Node part = FirstPart(method); part != nullptr; part = NextPart(part))
+    if (part->GetLocalName() == L"simpleType") type.memberTypes.push_back(MakeInnerType(part, type));
 }
 
 void CBuilder::FillComplexType(ComplexTypeDefinition& type, Node node) {
@@ -484,6 +491,7 @@ void CBuilder::FillComplexType(ComplexTypeDefinition& type, Node node) {
   work.document = m_document;
   m_complexWorkOf[&type] = &work;
   constexpr DerivationSet kMethods = kExtension | kRestriction;
+  constexpr const wchar_t* kNotItself = L"A redefined type has to extend or restrict itself.";
   type.isAbstract = BooleanOf(node, L"abstract", false);
   type.final = HasAttribute(node, L"final") ? ReadDerivationSet(TokenOf(node, L"final"), kMethods)
                                             : m_document->finalDefault & kMethods;
@@ -504,20 +512,13 @@ void CBuilder::FillComplexType(ComplexTypeDefinition& type, Node node) {
     parts = FirstPart(work.derivation);
     const std::wstring base = TokenOf(work.derivation, L"base");
     TypeDefinition* found = nullptr;
-    const bool redefinesItself = m_global != nullptr && m_global->redefined != nullptr && m_global->component == &type;
-    if (redefinesItself) {
-      const std::optional<QName> name = ReadQName(work.derivation, base);
-      if (name && *name == m_global->name) {
-        found = static_cast<ComplexTypeDefinition*>(m_global->redefined->component);
-      } else {
-        Error(work.derivation, L"A redefined type has to extend or restrict itself.");
-      }
-    } else if (!base.empty()) {
+    if (IsRedefined(type))
+      found = static_cast<ComplexTypeDefinition*>(FindRedefined(work.derivation, base, kNotItself));
+    else if (!base.empty())
       found = FindTypeDefinition(work.derivation, base);
-    }
     if (found != nullptr) type.base = found;
-  } else if (m_global != nullptr && m_global->redefined != nullptr && m_global->component == &type) {
-    Error(node, L"A redefined type has to extend or restrict itself.");
+  } else if (IsRedefined(type)) {
+    Error(node, kNotItself);
   }
   Node attributes = parts;
   if (work.isSimpleContent) {
@@ -525,8 +526,7 @@ void CBuilder::FillComplexType(ComplexTypeDefinition& type, Node node) {
       const std::wstring_view name = attributes->GetLocalName();
       if (name == L"attribute" || name == L"attributeGroup" || name == L"anyAttribute") break;
       if (name == L"simpleType") {
-        work.innerType = MakeSimpleType(attributes);
-        work.innerType->ownerType = &type;
+        work.innerType = MakeInnerType(attributes, type);
       } else {
         work.facetNodes.push_back(attributes);
       }

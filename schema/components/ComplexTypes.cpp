@@ -308,22 +308,26 @@ void CBuilder::DeriveTypes() {
       } else if (mark->second == Mark::Done) {
         height[frame.type] = std::max(height[frame.type], height[need] + 1);
       } else {
-        TypeDefinition* const type = frame.type;
-        m_state.reporter.Error(type->location,
-                               L"The type definition " + Bracketed(need->name) + L" is defined by itself.");
-        if (SimpleTypeDefinition* simple = const_cast<SimpleTypeDefinition*>(type->AsSimple())) {
-          if (simple->base == need) simple->base = m_state.builtIns[0];
-          if (simple->itemType == need) simple->itemType = m_state.builtIns[0];
-          auto& members = simple->memberTypes;
-          members.erase(std::remove(members.begin(), members.end(), need), members.end());
-        } else {
-          type->base = m_state.anyType;
-        }
+        BreakCircle(*frame.type, *need);
       }
     }
   }
   for (const TypeDefinition* type : m_state.allTypes)
     const_cast<TypeDefinition*>(type->base)->derivedTypes.push_back(type);
+}
+
+// The type, which is made of `need` and `need` of it, is made of something else, so that the others can be derived.
+void CBuilder::BreakCircle(TypeDefinition& type, const TypeDefinition& need) {
+  m_state.reporter.Error(type.location, L"The type definition " + Bracketed(need.name) + L" is defined by itself.");
+  auto* const simple = const_cast<SimpleTypeDefinition*>(type.AsSimple());
+  if (simple == nullptr) {
+    type.base = m_state.anyType;
+    return;
+  }
+  if (simple->base == &need) simple->base = m_state.builtIns[0];
+  if (simple->itemType == &need) simple->itemType = m_state.builtIns[0];
+  auto& members = simple->memberTypes;
+  members.erase(std::remove(members.begin(), members.end(), &need), members.end());
 }
 
 void CBuilder::Derive(TypeDefinition& type) {

@@ -102,9 +102,18 @@ class CBuilder {
   void FillAttribute(AttributeDeclaration& attribute, Node node);
   void ReadValue(ValueConstraint& value, Node node);
   void FillSimpleType(SimpleTypeDefinition& type, Node node);
+  void FillRestriction(SimpleWork& work, Node method);
+  void FillList(SimpleTypeDefinition& type, Node method);
+  void FillUnion(SimpleTypeDefinition& type, Node method);
   void FillComplexType(ComplexTypeDefinition& type, Node node);
+  // Whether the type at hand stands in xs:redefine.
+  bool IsRedefined(const TypeDefinition& type) const;
+  // What it redefines; null, with an error, when `base` is another name.
+  Component* FindRedefined(Node node, const std::wstring& base, const wchar_t* refusal);
   void FillNotation(NotationDeclaration& notation, Node node);
   SimpleTypeDefinition* MakeSimpleType(Node node);
+  // An anonymous one of another type; null for null.
+  SimpleTypeDefinition* MakeInnerType(Node node, TypeDefinition& owner);
   ComplexTypeDefinition* MakeComplexType(Node node);
   void ReadAttributes(AttributeItems& items, Node first);
   AttributeItem ReadAttributeUse(Node node);
@@ -120,6 +129,7 @@ class CBuilder {
   void DeriveAttributeGroups();
   void DeriveAttributeGroup(GroupWork& work);
   void DeriveTypes();
+  void BreakCircle(TypeDefinition& type, const TypeDefinition& need);
   void Derive(TypeDefinition& type);
   void DeriveSimple(SimpleWork& work);
   void DeriveRestriction(SimpleWork& work);
