@@ -183,12 +183,19 @@ bool CElementInfo::WriteCollection(const CSerializationContext& context, const C
   return true;
 }
 
+inline CSmartPtr<CXmlObjectBase> CElementInfo::GetChild(const CXmlGeneratedClass& object, CXmlWriter& writer) const {
+  CXmlObjectBase* const child =
+      m_isOfModel ? static_cast<const CModelObject&>(object).PeekObject(m_propertyIndex) : nullptr;
+  if (child != nullptr) return child;
+  RkVariant& value = writer.BeginValue();
+  ReadProperty(&object, value);
+  return value.TakeXmlObject();
+}
+
 bool CElementInfo::ElementToXmlCls(const CSerializationContext& context, const CXmlGeneratedClass* object,
                                    CXmlWriter* writer, bool isOptionalChoice) const {
-  RkVariant& value = writer->BeginValue();
-  ReadProperty(object, value);
-  if (value.PeekXmlObject() == nullptr) return false;
-  const CSmartPtr<CXmlObjectBase> child = value.TakeXmlObject();
+  const CSmartPtr<CXmlObjectBase> child = GetChild(*object, *writer);
+  if (child == nullptr) return false;
   const ExpectedName expected(*writer, m_name);
   child->ToXml_Int(writer, /*registerNamespaces=*/false, GetNamespace().c_str(), context, isOptionalChoice);
   return true;
@@ -212,15 +219,6 @@ bool CElementInfo::WriteValue(const CSerializationContext& context, const RkVari
   return true;
 }
 
-bool CElementInfo::WriteModelValue(const CSerializationContext& context, const CModelObject& object,
-                                   CXmlWriter* writer) const {
-  TextSpace space(writer->GetValueBuffer());
-  const std::wstring_view text = object.PeekText(m_propertyIndex, space);
-  if (text.data() == nullptr) return false;
-  WriteText(context, writer, text, m_itemType, /*isCanonical=*/true);
-  return true;
-}
-
 bool CElementInfo::ElementToXmlEnum(const CSerializationContext& context, const CXmlGeneratedClass* object,
                                     CXmlWriter* writer, EnumToString toString) const {
   RkVariant& value = writer->BeginValue();
@@ -238,6 +236,10 @@ inline void CElementInfo::WriteText(const CSerializationContext& context, CXmlWr
     return writer->TextElement(m_name, text, type, isCanonical);
   writer->StartElement(m_name);
   writer->WriteEndElement();
+}
+
+void CElementInfo::WriteText(const CSerializationContext& context, std::wstring_view text, CXmlWriter* writer) const {
+  WriteText(context, writer, text, m_itemType, /*isCanonical=*/true);
 }
 
 bool CElementInfo::WriteNil(CXmlWriter* writer) const {

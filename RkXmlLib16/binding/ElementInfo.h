@@ -124,9 +124,10 @@ class RKXML_EXPORT CElementInfo {
   // For values of CModelObject, which reads and writes their text itself.
   bool IsModelValue() const noexcept { return m_isModelValue; }
   void SetModelValue() noexcept { m_isModelValue = true; }
-  // Writes the value; false when that is left to ElementToXml.
-  bool WriteModelValue(const CSerializationContext& context, const RkXmlLib16::CModelObject& object,
-                       CXmlWriter* writer) const;
+  // For all records of CModelObject.
+  void SetOfModel() noexcept { m_isOfModel = true; }
+  // Writes an element with a text that was checked.
+  void WriteText(const CSerializationContext& context, std::wstring_view text, CXmlWriter* writer) const;
   // Whether PseudoChildAttributeToXml may have something to write.
   bool MayHaveAttributes() const { return Is(kWithAttributes); }
 
@@ -201,6 +202,7 @@ class RKXML_EXPORT CElementInfo {
   void WriteText(const CSerializationContext& context, CXmlWriter* writer, std::wstring_view text, ItemType type,
                  bool isCanonical) const;
   bool WriteNil(CXmlWriter* writer) const;
+  CSmartPtr<CXmlObjectBase> GetChild(const CXmlGeneratedClass& object, CXmlWriter& writer) const;
   // Looks through the attributes of a primitive element; true for xsi:nil="true".
   bool ReadNil(const CSerializationContext& context, const CXmlElement& element) const;
 
@@ -222,6 +224,7 @@ class RKXML_EXPORT CElementInfo {
   bool m_mayHaveAttributes = false;
   bool m_readsOnlyItsElement = false;
   bool m_isModelValue = false;
+  bool m_isOfModel = false;
   mutable std::atomic<std::uint8_t> m_facts{kUnknown};
   XmlElementType m_memberType = RkXmlLib16::XmlElementType_Element;
   MemberKind m_memberKind = MemberKind::Single;

@@ -90,7 +90,7 @@ void CXmlGeneratedClass::WriteElement(CXmlWriter* writer, bool registerNamespace
     writer->WriteAttributeNil();
   else
     WriteContent(writer, context, info, isOptionalChoice);
-  if (ownElement) writer->WriteEndElement();
+  if (ownElement) writer->EndElement();
 }
 
 void CXmlGeneratedClass::WriteContent(CXmlWriter* writer, const CSerializationContext& context,

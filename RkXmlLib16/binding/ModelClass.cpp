@@ -136,6 +136,15 @@ void CModelClass::TakeLeftOut(const CModelClass& base) {
   }
 }
 
+void WrittenMembers::Add(const CElementInfo& record, bool isOnlyIfSet) {
+  const int property = record.GetPropertyIndex();
+  const bool isInOrder = others.empty() && property >= static_cast<int>(first.size());
+  if (!isInOrder || property >= CPropertySet::kInPlace) return others.push_back({&record, isOnlyIfSet});
+  first.resize(static_cast<std::size_t>(property) + 1);
+  first.back() = &record;
+  (isOnlyIfSet ? ifSet : always) |= CPropertySet::Bit(property);
+}
+
 CModelClass::CModelClass(const ClassModel& model)
     : m_model(model),
       m_elementName(model.element != nullptr ? model.element->name : model.name),
@@ -152,7 +161,7 @@ CModelClass::CModelClass(const ClassModel& model)
   m_records.Make(model);
   CElementInfo** record = m_records.elements;
   for (const MemberModel& member : model.members) {
-    m_written.push_back({*record, IsWrittenOnlyIfSet(model, member) ? CPropertySet::BitOf(member.property) : 0});
+    m_written.Add(**record, IsWrittenOnlyIfSet(model, member));
     m_hasInlineAttributes = m_hasInlineAttributes || (*record)->MayHaveAttributes();
     ++record;
   }
@@ -195,7 +204,10 @@ void CModelClass::Records::Make(const ClassModel& model) {
   elements = new CElementInfo* [model.members.size() + 1] {};
   attributes = new CAttributeInfo* [model.attributes.size() + 2] {};
   CElementInfo** element = elements;
-  for (const MemberModel& member : model.members) *element++ = NewModelRecord(model, member, factoryIds);
+  for (const MemberModel& member : model.members) {
+    *element = NewModelRecord(model, member, factoryIds);
+    (*element++)->SetOfModel();
+  }
   CAttributeInfo** attribute = attributes;
   for (const AttributeModel& described : model.attributes) *attribute++ = NewModelRecord(described);
   if (model.attributeWildcard != nullptr) *attribute = NewWildcardRecord(model);

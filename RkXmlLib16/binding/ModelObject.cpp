@@ -188,13 +188,6 @@ bool CModelObject::TrySetFromText(int property, std::wstring_view text) {
   return true;
 }
 
-std::wstring_view CModelObject::PeekText(int property, TextSpace& space) const {
-  if (!IsSet(property)) return {};
-  const CMember member = const_cast<CModelObject*>(this)->FindMember(property);  // which changes nothing
-  if (!member.Is(MemberType::Kind::Value)) return {};
-  return member.Type().print(member.At(), m_class.GetProperty(property), space);
-}
-
 bool CModelObject::MustCheck(int property) const noexcept { return m_class.GetProperty(property).mustCheck; }
 
 void CModelObject::CheckValue(int property, CMember value) {
@@ -421,22 +414,50 @@ void CModelObject::BeginFromXml_Int(CXmlElement* element, CXmlElement* firstChil
     refuse(FormatString(L"The element [%ls] has a fixed value and cannot be nil.", element->GetLocalName().c_str()));
 }
 
+CXmlObjectBase* CModelObject::PeekObject(int property) const {
+  const CMember member = const_cast<CModelObject*>(this)->FindMember(property);  // which changes nothing
+  return member.Is(MemberType::Kind::Object) ? member.Type().getObject(member.At()) : nullptr;
+}
+
+inline std::wstring_view CModelObject::PeekText(int property, TextSpace& space) const {
+  if (!IsSet(property)) return {};
+  const CMember member = const_cast<CModelObject*>(this)->FindMember(property);  // which changes nothing
+  if (!member.Is(MemberType::Kind::Value)) return {};
+  return member.Type().print(member.At(), m_class.GetProperty(property), space);
+}
+
+// Apart, so that the objects inside each other do not all have the space on the stack.
+template <class Record>
+[[gnu::noinline]] bool CModelObject::WriteValue(int property, const Record& record,
+                                                const CSerializationContext& context, CXmlWriter* writer) const {
+  TextSpace space(writer->GetValueBuffer());
+  const std::wstring_view text = PeekText(property, space);
+  if (text.data() == nullptr) return false;
+  record.WriteText(context, text, writer);
+  return true;
+}
+
+inline bool CModelObject::WriteMember(const CElementInfo& record, const CSerializationContext& context,
+                                      CXmlWriter* writer) const {
+  return (record.IsModelValue() && WriteValue(record.GetPropertyIndex(), record, context, writer)) ||
+         record.ElementToXml(context, this, writer);
+}
+
 bool CModelObject::WriteMembers(const CSerializationContext& context, CXmlWriter* writer, bool isChoice) const {
-  for (const WrittenMember& member : m_class.GetWritten()) {
-    if (!m_set.HasAll(member.needed)) continue;
-    const CElementInfo& record = *member.record;
-    const bool isWritten = (record.IsModelValue() && record.WriteModelValue(context, *this, writer)) ||
-                           record.ElementToXml(context, this, writer);
-    if (isWritten && isChoice) return true;
+  const WrittenMembers& members = m_class.GetWritten();
+  std::uint64_t left = (m_set.GetFirst() & members.ifSet) | members.always;
+  for (; left != 0; left &= left - 1)
+    if (WriteMember(*members.first[__builtin_ctzll(left)], context, writer) && isChoice) return true;
+  for (const WrittenMembers::Other& other : members.others) {
+    if (other.isOnlyIfSet && !IsSet(other.record->GetPropertyIndex())) continue;
+    if (WriteMember(*other.record, context, writer) && isChoice) return true;
   }
   return false;
 }
 
 void CModelObject::WriteAttribute(const AttributeModel& attribute, const CAttributeInfoPrimitive& record,
                                   const CSerializationContext& context, CXmlWriter* writer) const {
-  TextSpace space(writer->GetValueBuffer());
-  const std::wstring_view text = PeekText(attribute.property, space);
-  if (text.data() != nullptr) return record.WriteText(context, text, writer);
+  if (WriteValue(attribute.property, record, context, writer)) return;
   if (IsSet(attribute.property)) return record.AttributeToXml(context, this, writer);
   if (!attribute.isOptional)
     throw CRkInvalidParamException(

@@ -43,9 +43,10 @@ class CPropertySet {
     else
       AddMore(property);
   }
-  // The bit of one of the first properties; of others none, which every object has.
-  static constexpr std::uint64_t BitOf(int property) noexcept { return property < kInPlace ? Bit(property) : 0; }
-  bool HasAll(std::uint64_t bits) const noexcept { return (bits & ~m_first) == 0; }
+  // The first properties, as bits.
+  static constexpr int kInPlace = 64;
+  std::uint64_t GetFirst() const noexcept { return m_first; }
+  static constexpr std::uint64_t Bit(int property) noexcept { return std::uint64_t{1} << (property % kInPlace); }
   void Remove(int property) noexcept {
     if (property < kInPlace)
       m_first &= ~Bit(property);
@@ -58,8 +59,6 @@ class CPropertySet {
     int number;
     std::uint64_t bits;
   };
-  static constexpr int kInPlace = 64;
-  static constexpr std::uint64_t Bit(int property) noexcept { return std::uint64_t{1} << (property % kInPlace); }
   RKXML_EXPORT bool HasMore(int property) const noexcept;
   RKXML_EXPORT void AddMore(int property);
   RKXML_EXPORT void RemoveMore(int property) noexcept;
@@ -116,9 +115,8 @@ class RKXML_EXPORT CModelObject : public CXmlGeneratedClass {
   // Sets the property of a value from its lexical form; `isValue` tells what the setter throws from an error of the
   // text.
   void SetFromText(int property, std::wstring_view text, bool& isValue);
-  // The lexical form of the property of a value, the object's own or in the space; without data when it is not set, or
-  // only AccessProperty can tell. Such a value was checked when it was set.
-  std::wstring_view PeekText(int property, TextSpace& space) const;
+  // The object of the property, borrowed; null when there is none, or only AccessProperty can tell.
+  CXmlObjectBase* PeekObject(int property) const;
   // Keeps the prefixes of the names in the text as the element has them, so that they are declared again.
   void KeepPrefixes(const CXmlElement& element, std::wstring_view text);
 
@@ -190,6 +188,14 @@ class RKXML_EXPORT CModelObject : public CXmlGeneratedClass {
   void CheckValue(int property, CMember value);
   void CheckSet(int property, RkVariant& value);
   void CheckText(int property, RkVariant& value);
+  // The lexical form of the property of a value, the object's own or in the space; without data when it is not set, or
+  // only AccessProperty can tell. Such a value was checked when it was set.
+  std::wstring_view PeekText(int property, TextSpace& space) const;
+  // Writes the property; false when that is left to the record.
+  template <class Record>
+  bool WriteValue(int property, const Record& record, const CSerializationContext& context, CXmlWriter* writer) const;
+  bool WriteMember(const RkXmlLib16Data::CElementInfo& record, const CSerializationContext& context,
+                   CXmlWriter* writer) const;
   // Of a choice, only one member; whether there was one to write.
   bool WriteMembers(const CSerializationContext& context, CXmlWriter* writer, bool isChoice) const;
   void WriteAttribute(const RkXmlLib16Data::AttributeModel& attribute,

@@ -529,17 +529,13 @@ const CNamespaceName& CXmlWriter::NameOf(const std::wstring& namespaceUri) const
 
 void CXmlWriter::ForgetNames() noexcept { m_recordOutput.reset(); }
 
-bool CXmlWriter::MakeRecordOutput() {
-  if (m_checks != nullptr || m_recordOutputType == nullptr) return false;
-  if (typeid(*this) == *m_recordOutputType)
-    m_recordOutput = m_makeRecordOutput(*this);
-  else
-    m_recordOutputType = nullptr;
-  return m_recordOutput != nullptr;
+void CXmlWriter::MakeRecordOutput() {
+  if (m_recordOutput != nullptr || m_checks != nullptr || m_recordOutputType == nullptr) return;
+  if (typeid(*this) == *m_recordOutputType) m_recordOutput = m_makeRecordOutput(*this);
 }
 
-inline bool CXmlWriter::HasRecordOutput() {
-  return m_context != nullptr && m_avoidedPrefix.empty() && (m_recordOutput != nullptr || MakeRecordOutput());
+inline bool CXmlWriter::HasRecordOutput() const noexcept {
+  return m_recordOutput != nullptr && m_context != nullptr && m_avoidedPrefix.empty();
 }
 
 void CXmlWriter::StartElement(const CNameToken& name) {
@@ -555,6 +551,11 @@ void CXmlWriter::TextElement(const CNameToken& name, std::wstring_view text, Ite
 void CXmlWriter::Attribute(const CNameToken& name, std::wstring_view value, ItemType type, bool isCanonical) {
   if (!HasRecordOutput()) return PlainAttribute(name, value, type);
   m_recordOutput->Attribute(name, value, type, isCanonical);
+}
+
+void CXmlWriter::EndElement() {
+  if (!HasRecordOutput()) return WriteEndElement();
+  m_recordOutput->EndElement();
 }
 
 void CXmlWriter::PlainTextElement(const CNameToken& name, std::wstring_view text, ItemType type) {
@@ -614,6 +615,7 @@ CXmlWriter::CXmlWriterContext& CXmlWriter::PushContext(const std::wstring& local
       if (entry->second.empty()) defaultNamespace = &entry->first;
     m_context.reset(
         new CXmlWriterContext(localName, namespaceUri, *defaultNamespace, m_namespaces, nullptr, m_pool.get()));
+    MakeRecordOutput();
   } else if (m_closedContexts == nullptr) {
     CSharedName name(localName);  // before the parent moves, so that a failure loses no element
     NameOf(namespaceUri);
@@ -640,21 +642,22 @@ CXmlWriter::CXmlWriterContext& CXmlWriter::PushContext(const CNameToken& name, c
   }
   context.m_scope = m_context->m_scope;
   ReopenContext();
+  context.m_nameNumber = name.GetNumber();
   return context;
 }
 
 // Makes the closed context, which has its name and scope, a child of the current one.
 inline void CXmlWriter::ReopenContext() noexcept {
-  std::unique_ptr<CXmlWriterContext> context = std::move(m_closedContexts);
-  m_closedContexts = std::move(context->m_parent);
-  context->m_childCount = 0;
-  context->m_startTagOpen = true;
-  context->m_depth = m_context->m_depth + 1;
-  context->m_prefix.clear();
-  context->m_state = ContextState_None;
-  context->m_itemsAreGroups = false;
-  context->m_parent = std::move(m_context);
-  m_context = std::move(context);
+  CXmlWriterContext& context = *m_closedContexts;
+  context.m_childCount = 0;
+  context.m_startTagOpen = true;
+  context.m_depth = m_context->m_depth + 1;
+  context.m_prefix.clear();
+  context.m_state = ContextState_None;
+  context.m_itemsAreGroups = false;
+  context.m_nameNumber = CNameToken::kNoNumber;
+  m_closedContexts.swap(context.m_parent);
+  m_context.swap(context.m_parent);
 }
 
 void CXmlWriter::CheckElement(const std::wstring& localName, const std::wstring& namespaceUri) {
@@ -675,19 +678,18 @@ void CXmlWriter::SetChecks(std::unique_ptr<OutputChecks> checks) {
 
 void CXmlWriter::PopContext() {
   if (m_checks != nullptr) m_checks->EndElement();
-  std::unique_ptr<CXmlWriterContext> context = std::move(m_context);
-  m_context = std::move(context->m_parent);
-  if (context->m_ownScope != nullptr) {
-    context->m_ownScope->Close();
-    context->m_spareScope = std::move(context->m_ownScope);
+  CXmlWriterContext& context = *m_context;
+  m_context.swap(context.m_parent);
+  m_closedContexts.swap(context.m_parent);
+  if (context.m_ownScope != nullptr) {
+    context.m_ownScope->Close();
+    context.m_spareScope = std::move(context.m_ownScope);
     if (m_context != nullptr)
       m_context->m_scope->MakeCurrent();
     else
       m_pool->SetScope(CNamespacePool::kNoScope);
   }
-  context->m_scope = nullptr;
-  context->m_parent = std::move(m_closedContexts);
-  m_closedContexts = std::move(context);
+  context.m_scope = nullptr;
 }
 
 const std::wstring& CXmlWriter::RequirePrefix(const std::wstring& namespaceUri, bool& invented) {

@@ -67,6 +67,8 @@ class RKXML_EXPORT CXmlWriter {
     const std::wstring* FindPrefix(const std::wstring& namespaceUri) const;
     // Whether any namespace in scope has the prefix.
     bool HasPrefix(const std::wstring& prefix) const;
+    // The number of the token by which the element was started, if it was.
+    std::uint32_t GetNameNumber() const noexcept { return m_nameNumber; }
     // The namespace of the element as its writer has it once, and the same of those by such a name.
     const CNamespaceName* GetName() const noexcept { return m_name; }
     bool IsDefaultNamespace(const CNamespaceName& name) const;
@@ -96,10 +98,11 @@ class RKXML_EXPORT CXmlWriter {
     Scope& OwnScope();
 
     const CNamespaceName* m_name = nullptr;  // the namespace
-    std::unique_ptr<Document> m_document;    // of the root element
-    std::unique_ptr<Scope> m_ownScope;       // null while the scope is inherited
-    std::unique_ptr<Scope> m_spareScope;     // that of an earlier element, for reuse
-    Scope* m_scope = nullptr;                // the scope in effect: this element's own or that of an ancestor
+    std::uint32_t m_nameNumber = CNameToken::kNoNumber;
+    std::unique_ptr<Document> m_document;  // of the root element
+    std::unique_ptr<Scope> m_ownScope;     // null while the scope is inherited
+    std::unique_ptr<Scope> m_spareScope;   // that of an earlier element, for reuse
+    Scope* m_scope = nullptr;              // the scope in effect: this element's own or that of an ancestor
   };
 
   CXmlWriter();
@@ -141,6 +144,7 @@ class RKXML_EXPORT CXmlWriter {
   // `isCanonical`: the text is what the library writes for a value of the type, so that nobody need look at it again.
   void TextElement(const CNameToken& name, std::wstring_view text, ItemType type, bool isCanonical = false);
   void Attribute(const CNameToken& name, std::wstring_view value, ItemType type, bool isCanonical = false);
+  void EndElement();
   // The same for objects and collections, which do not know the record that they are written for: the record tells the
   // writer before, and takes it back after, by what name they will start their elements, if they do. Null for none.
   void StartElement(const std::wstring& localName, const std::wstring& namespaceUri);
@@ -215,7 +219,7 @@ class RKXML_EXPORT CXmlWriter {
   const CNamespaceName& NameOf(const std::wstring& namespaceUri) const;
 
   // For the library's own writers, in their constructors: what they do with names of records, an `Output`. It is made
-  // when it is first needed, and only if the writer is a `Writer` itself.
+  // when the root element is opened, and only if the writer is a `Writer` itself.
   template <class Writer, class Output>
   void SetRecordOutput() noexcept {
     m_recordOutputType = &typeid(Writer);
@@ -223,7 +227,7 @@ class RKXML_EXPORT CXmlWriter {
       return std::make_unique<Output>(static_cast<Writer&>(writer));
     };
   }
-  // Forgets what was made of names, because settings have changed.
+  // Forgets what was made of names, because settings have changed; an open document goes on without.
   void ForgetNames() noexcept;
 
   // What is refused while writing; null (at first) for nothing.
@@ -245,11 +249,11 @@ class RKXML_EXPORT CXmlWriter {
   bool IsTakenByStartTag(const std::wstring& prefix) const;
 
   // What StartElement, TextElement and Attribute do for every other writer.
-  void PlainTextElement(const CNameToken& name, std::wstring_view text, ItemType type);
-  void PlainAttribute(const CNameToken& name, std::wstring_view value, ItemType type);
+  [[gnu::noinline]] void PlainTextElement(const CNameToken& name, std::wstring_view text, ItemType type);
+  [[gnu::noinline]] void PlainAttribute(const CNameToken& name, std::wstring_view value, ItemType type);
   // Not when this writer is not of its type, its output is checked, no element is open, or a prefix is avoided.
-  bool HasRecordOutput();
-  [[gnu::noinline]] bool MakeRecordOutput();
+  bool HasRecordOutput() const noexcept;
+  void MakeRecordOutput();
   bool IsExpected(const std::wstring& localName, const std::wstring& namespaceUri) const noexcept;
   void ReopenContext() noexcept;
 

@@ -681,7 +681,11 @@ void CFastInfosetWriter::NonIdentifyingStringOrIndexBit1(std::wstring_view text,
   }
   const EncodedCharacterString encoding = ChooseEncoding(text, type, /*isContent=*/false);
   const bool add = isShort && !IsFloating(encoding) && values.size() < FI_MAX_TABLE_ENTRIES;
-  EncodedCharacterStringBit3(add ? FastInfoset::kValueAddBit : kNoAddBit, text, encoding);
+  const unsigned char addBit = add ? FastInfoset::kValueAddBit : kNoAddBit;
+  if (encoding.m_encoding == FIStringEncoding_UTF8)
+    Utf8<FastInfoset::kLengthBit5>(addBit, text);
+  else
+    EncodedCharacterStringBit3(addBit, text, encoding);
   if (add) values.AddNew(text, key);
 }
 
@@ -697,7 +701,10 @@ void CFastInfosetWriter::NonIdentifyingStringOrIndexBit3(std::wstring_view text,
   const EncodedCharacterString encoding = ChooseEncoding(text, type, /*isContent=*/true);
   const bool add = isShort && !IsFloating(encoding) && chunks.size() < FI_MAX_TABLE_ENTRIES;
   const unsigned char addBit = add ? FastInfoset::kChunkAddBit : kNoAddBit;
-  EncodedCharacterStringBit5(FastInfoset::kChunk | addBit, text, encoding);
+  if (encoding.m_encoding == FIStringEncoding_UTF8)
+    Utf8<FastInfoset::kLengthBit7>(FastInfoset::kChunk | addBit, text);
+  else
+    EncodedCharacterStringBit5(FastInfoset::kChunk | addBit, text, encoding);
   if (add) chunks.AddNew(text, key);
 }
 

@@ -21,8 +21,8 @@
 //   Members  PutMember writes key and short value to space that was reserved once.
 //   Names    RecordOutput keeps the line start and key of names of records, by the number of the name, and writes an
 //            element with nothing but text as a member at once. Invariant: a key is that of its level, holds in its
-//            scope and for the present settings. Items of arrays and namespaces without a prefix in scope are written
-//            by the operations above it, with the same result.
+//            scope and for the present settings. The first items of arrays, those with nothing but text, and namespaces
+//            without a prefix in scope are written by the operations above it, with the same result.
 #include "RkXmlLib16/json/JsonTextWriter.h"
 
 #include <emmintrin.h>
@@ -116,16 +116,31 @@ struct MadeKey {
   CReadyText<kLongest> key;  // longer: there is no text
 };
 
+// Whether the element is the next item of the array that is open in the current element.
+template <class Namespace>
+inline bool CJsonTextWriter::ContinuesArray(const std::wstring& localName, Namespace&& getNamespace) {
+  const Frame& frame = Top();
+  return frame.arrayOpen && m_context->m_state == ContextState_ArrayOpen &&
+         WideText::IsEqual(frame.arrayName.Get(), localName) &&
+         (m_roundTrip != JsonRoundTrip_Namespaces || frame.arrayNamespace == getNamespace());
+}
+
+// Whether an element that continues no array begins one of its own, even if it has only text.
+inline bool CJsonTextWriter::OpensArray() const {
+  return m_strict && m_roundTrip != JsonRoundTrip_Plain && !m_context->m_itemsAreGroups &&
+         (m_context->m_state == ContextState_CollectionStart || m_context->m_state == ContextState_ArrayOpen);
+}
+
+inline bool CJsonTextWriter::NeedsQuotes(std::wstring_view text, ItemType type) const {
+  return !IsUnquoted(type) || (m_strict && !IsStrictLiteral(text));
+}
+
 class RKXML_HIDDEN CJsonTextWriter::RecordOutput final
     : public CFormRecordOutput<CJsonTextWriter::RecordOutput, CJsonTextWriter, MadeKey> {
  public:
   using CFormRecordOutput::CFormRecordOutput;
 
   std::uint64_t GetScope() const noexcept { return m_writer.m_pool->GetScope(); }
-  // Not items of arrays.
-  bool TakesElement(const CNameToken& name) {
-    return !m_writer.OpensArray() && !m_writer.ContinuesArray(name.GetLocalName(), name.GetNamespace());
-  }
   const CNamespaceName* MakeElement(const CNameToken& name, MadeKey& made);
   const CNamespaceName* MakeAttribute(const CNameToken& name, MadeKey& made);
   bool PutStart(const CNameToken& name, Entry& entry);
@@ -133,11 +148,14 @@ class RKXML_HIDDEN CJsonTextWriter::RecordOutput final
   bool PutAttribute(const CNameToken& name, Entry& entry, std::wstring_view value, ItemType type, bool isCanonical);
 
  private:
+  bool ContinuesArray(const CNameToken& name, const Entry& entry) {
+    return m_writer.ContinuesArray(name.GetLocalName(), [&] { return entry.namespaceName; });
+  }
   // Whether the key is that of the level, or is now.
   bool HasKey(MadeKey& made, const CNameToken& name, std::wstring_view marker, std::int64_t level);
   void Make(MadeKey& made, const CNameToken& name, std::wstring_view marker, std::int64_t level);
   void WriteMember(MadeKey& made, const CNameToken& name, std::wstring_view marker, std::wstring_view value,
-                   bool quoted);
+                   ItemType type, bool isCanonical);
 };
 
 const CNamespaceName* CJsonTextWriter::RecordOutput::MakeElement(const CNameToken& name, MadeKey& made) {
@@ -175,8 +193,9 @@ void CJsonTextWriter::RecordOutput::Make(MadeKey& made, const CNameToken& name, 
 }
 
 inline void CJsonTextWriter::RecordOutput::WriteMember(MadeKey& made, const CNameToken& name, std::wstring_view marker,
-                                                       std::wstring_view value, bool quoted) {
+                                                       std::wstring_view value, ItemType type, bool isCanonical) {
   CJsonTextWriter& w = m_writer;
+  const bool quoted = !(isCanonical && IsLiteral(value, type)) && w.NeedsQuotes(value, type);
   const bool isFurther = w.BeginMember();
   if (!HasKey(made, name, marker, w.m_context->m_depth + 1))
     return w.PutMember(isFurther, marker, *made.prefix, name.GetLocalName(), value, quoted);
@@ -184,18 +203,22 @@ inline void CJsonTextWriter::RecordOutput::WriteMember(MadeKey& made, const CNam
   wchar_t* to = w.m_stream.Reserve(1 + MadeKey::kLongest + (isShort ? value.size() * kLongestEscape + 2 : 0));
   *to = L',';
   to = made.key.CopyTo(isFurther ? to + 1 : to);
-  if (isShort) return w.WriteShortValue(to, value, quoted);
+  if (isShort) return w.WriteShortValue(to, value, quoted, isCanonical && HasNothingToEscape(type));
   w.m_stream.Commit(to);
   w.WriteLongValue(value, quoted);
 }
 
 [[gnu::always_inline]] inline bool CJsonTextWriter::RecordOutput::PutStart(const CNameToken& name, Entry& entry) {
   CJsonTextWriter& w = m_writer;
-  w.CloseArray(*w.m_context, w.Top(), false);
+  const bool isItem = ContinuesArray(name, entry);
+  if (isItem ? w.m_roundTrip == JsonRoundTrip_Plain : w.OpensArray()) return false;
+  if (!isItem) w.CloseArray(*w.m_context, w.Top(), false);
   w.OpenMember();
   const std::int64_t level = w.PushContext(name, *entry.namespaceName).m_depth;
-  w.StartMember(/*isItem=*/false, /*isUndecided=*/false);
-  if (HasKey(entry.made, name, {}, level))
+  w.StartMember(isItem, /*isUndecided=*/false);
+  if (isItem)
+    w.Put(w.LineStart(level));
+  else if (HasKey(entry.made, name, {}, level))
     w.m_stream.Commit(entry.made.key.CopyTo(w.m_stream.Reserve(MadeKey::kLongest)));
   else
     w.PutKey(w.LineStart(level), {}, *entry.made.prefix, name.GetLocalName());
@@ -206,19 +229,18 @@ inline void CJsonTextWriter::RecordOutput::WriteMember(MadeKey& made, const CNam
 [[gnu::always_inline]] inline bool CJsonTextWriter::RecordOutput::PutText(const CNameToken& name, Entry& entry,
                                                                           std::wstring_view text, ItemType type,
                                                                           bool isCanonical) {
+  if (m_writer.OpensArray() || ContinuesArray(name, entry)) return false;
   if (text.empty())
-    WriteMember(entry.made, name, {}, kNull.Get(), /*quoted=*/false);
+    WriteMember(entry.made, name, {}, kNull.Get(), ItemType_boolean, /*isCanonical=*/true);
   else
-    WriteMember(entry.made, name, {}, text,
-                !(isCanonical && IsLiteral(text, type)) && m_writer.NeedsQuotes(text, type));
+    WriteMember(entry.made, name, {}, text, type, isCanonical);
   return true;
 }
 
 [[gnu::always_inline]] inline bool CJsonTextWriter::RecordOutput::PutAttribute(const CNameToken& name, Entry& entry,
                                                                                std::wstring_view value, ItemType type,
                                                                                bool isCanonical) {
-  const bool quoted = !(isCanonical && IsLiteral(value, type)) && m_writer.NeedsQuotes(value, type);
-  WriteMember(entry.made, name, m_writer.GetMarker(), value, quoted);
+  WriteMember(entry.made, name, m_writer.GetMarker(), value, type, isCanonical);
   return true;
 }
 
@@ -306,13 +328,16 @@ void CJsonTextWriter::OpenBrackets(CXmlWriterContext& context) {
 void CJsonTextWriter::WriteValue(const std::wstring& text, ItemType type) {
   const bool quoted = NeedsQuotes(text, type);
   if (text.size() <= kShortText)
-    WriteShortValue(m_stream.Reserve(text.size() * kLongestEscape + 2), text, quoted);
+    WriteShortValue(m_stream.Reserve(text.size() * kLongestEscape + 2), text, quoted, /*isClean=*/false);
   else
     WriteLongValue(text, quoted);
 }
 
-inline void CJsonTextWriter::WriteShortValue(wchar_t* to, std::wstring_view text, bool quoted) {
-  m_stream.Commit(PutShortValue(to, text, quoted));
+inline void CJsonTextWriter::WriteShortValue(wchar_t* to, std::wstring_view text, bool quoted, bool isClean) {
+  if (quoted) *to++ = L'"';
+  to = isClean ? WideText::Copy(to, text) : PutText(to, text, quoted);
+  if (quoted) *to++ = L'"';
+  m_stream.Commit(to);
   FlushWhenFull();
 }
 
@@ -327,16 +352,8 @@ void CJsonTextWriter::WriteLongValue(std::wstring_view text, bool quoted) {
   FlushWhenFull();
 }
 
-bool CJsonTextWriter::NeedsQuotes(std::wstring_view text, ItemType type) const {
-  return !IsUnquoted(type) || (m_strict && !IsStrictLiteral(text));
-}
-
-inline wchar_t* CJsonTextWriter::PutShortValue(wchar_t* to, std::wstring_view text, bool quoted) const {
-  if (!quoted) return WideText::CopyUpToNul(to, text);
-  *to++ = L'"';
-  to = PutEscapedShort(to, text);
-  *to++ = L'"';
-  return to;
+inline wchar_t* CJsonTextWriter::PutText(wchar_t* to, std::wstring_view text, bool quoted) const {
+  return quoted ? PutEscapedShort(to, text) : WideText::CopyUpToNul(to, text);
 }
 
 void CJsonTextWriter::SetWellFormedOutput(bool refuse) {
@@ -357,7 +374,7 @@ void CJsonTextWriter::WriteInlineSchema(const std::wstring&) {}
 
 void CJsonTextWriter::WriteStartElement(const std::wstring& localName, const std::wstring& namespaceUri) {
   const bool root = m_context == nullptr;
-  const bool item = !root && ContinuesArray(localName, namespaceUri);
+  const bool item = !root && ContinuesArray(localName, [&] { return &NameOf(namespaceUri); });
   const bool keyHasPrefix = !item && m_roundTrip == JsonRoundTrip_Namespaces;
   const std::wstring* const prefix = keyHasPrefix && !root ? FindElementPrefix(namespaceUri) : &kNone.Get();
   if (prefix == nullptr) ThrowUnknownNamespace(localName);
@@ -493,20 +510,6 @@ void CJsonTextWriter::WriteAttributeNil() {
   WriteAttributeString(L"nil", XSI_NAMESPACE, L"true", ItemType_boolean);
 }
 
-// Whether the element is the next item of the array that is open in the current element.
-bool CJsonTextWriter::ContinuesArray(const std::wstring& localName, const std::wstring& namespaceUri) {
-  const Frame& frame = Top();
-  return frame.arrayOpen && m_context->m_state == ContextState_ArrayOpen &&
-         WideText::IsEqual(frame.arrayName.Get(), localName) &&
-         (m_roundTrip != JsonRoundTrip_Namespaces || frame.arrayNamespace == &NameOf(namespaceUri));
-}
-
-// Whether an element that continues no array begins one of its own, even if it has only text.
-inline bool CJsonTextWriter::OpensArray() const {
-  return m_strict && m_roundTrip != JsonRoundTrip_Plain && !m_context->m_itemsAreGroups &&
-         (m_context->m_state == ContextState_CollectionStart || m_context->m_state == ContextState_ArrayOpen);
-}
-
 void CJsonTextWriter::OpenArray(CXmlWriterContext& item, CXmlWriterContext& owner) {
   owner.m_state = ContextState_ArrayOpen;
   Frame& frame = Owner();
@@ -521,9 +524,8 @@ void CJsonTextWriter::OpenArray(CXmlWriterContext& item, CXmlWriterContext& owne
   }
 }
 
-// Closes the array of `owner`, if one is open: at the end of the owner, or before a member that is not its item.
-void CJsonTextWriter::CloseArray(CXmlWriterContext& owner, Frame& frame, bool atEnd) {
-  if (!frame.arrayOpen) return;
+// Closes the array of `owner`: at the end of the owner, or before a member that is not its item.
+void CJsonTextWriter::CloseOpenArray(CXmlWriterContext& owner, Frame& frame, bool atEnd) {
   frame.arrayOpen = false;
   if (owner.m_state == ContextState_ArrayOpen) owner.m_state = ContextState_CollectionStart;
   if (m_format) {
@@ -557,7 +559,7 @@ void CJsonTextWriter::PutMember(bool isFurther, std::wstring_view marker, const 
                                  (isShort ? value.size() * kLongestEscape + 2 : 0));
   if (isFurther) *to++ = L',';
   to = CopyKey(WideText::Copy(to, start), marker, prefix, localName);
-  if (isShort) return WriteShortValue(to, value, quoted);
+  if (isShort) return WriteShortValue(to, value, quoted, /*isClean=*/false);
   m_stream.Commit(to);
   WriteLongValue(value, quoted);
 }

@@ -92,10 +92,14 @@ class RKXML_EXPORT CJsonTextWriter : public CXmlWriter {
 
   Frame& Top() { return m_frames[m_frameCount - 1]; }
   Frame& Owner() { return m_frames[m_frameCount - 2]; }
-  bool ContinuesArray(const std::wstring& localName, const std::wstring& namespaceUri);
+  template <class Namespace>
+  bool ContinuesArray(const std::wstring& localName, Namespace&& getNamespace);
   bool OpensArray() const;
   void OpenArray(CXmlWriterContext& item, CXmlWriterContext& owner);
-  void CloseArray(CXmlWriterContext& owner, Frame& frame, bool atEnd);
+  void CloseArray(CXmlWriterContext& owner, Frame& frame, bool atEnd) {
+    if (frame.arrayOpen) CloseOpenArray(owner, frame, atEnd);
+  }
+  void CloseOpenArray(CXmlWriterContext& owner, Frame& frame, bool atEnd);
   void OpenBrackets(CXmlWriterContext& context);
   void OpenMember();
   void SeparateItem(const CXmlWriterContext& item);
@@ -108,7 +112,8 @@ class RKXML_EXPORT CJsonTextWriter : public CXmlWriter {
   // Of attributes.
   std::wstring_view GetMarker() const { return m_roundTrip == JsonRoundTrip_Plain ? std::wstring_view() : L"@"; }
   void StartMember(bool isItem, bool isUndecided);
-  void WriteShortValue(wchar_t* to, std::wstring_view text, bool quoted);
+  // `isClean`: without NUL and without characters that are escaped.
+  void WriteShortValue(wchar_t* to, std::wstring_view text, bool quoted, bool isClean);
   void WriteLongValue(std::wstring_view text, bool quoted);
   void WriteTextMember(const std::wstring& text, ItemType type);
   void WriteNamespaceMember(const std::wstring& prefix, const std::wstring& namespaceUri);
@@ -132,7 +137,7 @@ class RKXML_EXPORT CJsonTextWriter : public CXmlWriter {
   // Write to `to` and return the end.
   wchar_t* CopyKey(wchar_t* to, std::wstring_view marker, const std::wstring& prefix,
                    const std::wstring& localName) const;
-  wchar_t* PutShortValue(wchar_t* to, std::wstring_view text, bool quoted) const;
+  wchar_t* PutText(wchar_t* to, std::wstring_view text, bool quoted) const;
   wchar_t* PutName(wchar_t* to, const std::wstring& name) const;
   wchar_t* PutEscapedShort(wchar_t* to, std::wstring_view text) const;
   wchar_t* PutEscape(wchar_t* to, std::uint32_t c) const;

@@ -52,11 +52,6 @@ const CNeverDestroyed<std::wstring> kTrue(L"true");
 // The text up to its first NUL.
 std::wstring_view UpToNul(const std::wstring& text) { return text.c_str(); }
 
-// Whether what the library writes for a value of the type has no character that is escaped, nor NUL.
-constexpr bool HasNothingToEscape(ItemType type) {
-  return type != ItemType_none && type != ItemType_char && type != ItemType_string;
-}
-
 inline bool StartsCData(std::wstring_view text) {
   return !text.empty() && text.front() == kCDataStart.front() && text.substr(0, kCDataStart.size()) == kCDataStart;
 }
@@ -96,6 +91,7 @@ constexpr std::uint64_t kSpecialInNamespace = MakeSet(L"&<>\t\n\r\"");
 struct MadeMarkup {
   const std::wstring* prefix;
   std::int64_t depth;
+  std::size_t indentation;
   CReadyText<48> start;  // the indentation and "<name"; of attributes " name=" and the quotation mark
   CReadyText<48> end;    // "</name>" and the line end
 };
@@ -111,6 +107,7 @@ class RKXML_HIDDEN CXmlTextWriter::RecordOutput final
   bool PutStart(const CNameToken& name, Entry& entry);
   bool PutText(const CNameToken& name, Entry& entry, std::wstring_view text, ItemType type, bool isCanonical);
   bool PutAttribute(const CNameToken& name, Entry& entry, std::wstring_view value, ItemType type, bool isCanonical);
+  bool PutEnd();
 
  private:
   // Whether the tags are those of a child of the open element, or are now.
@@ -152,6 +149,7 @@ bool CXmlTextWriter::RecordOutput::MakeTags(const CNameToken& name, std::int64_t
   if (2 + length + 1 + w.m_endOfLine.size() > std::size(made.end.text)) return false;
   made.depth = depth;
   wchar_t* to = w.PutIndent(made.start.text, depth);
+  made.indentation = static_cast<std::size_t>(to - made.start.text);
   *to++ = L'<';
   made.start.length = static_cast<std::size_t>(PutQName(to, *made.prefix, name.GetLocalName()) - made.start.text);
   made.end.text[0] = L'<';
@@ -214,6 +212,22 @@ inline wchar_t* CXmlTextWriter::RecordOutput::BeginChild(std::size_t count) {
   to = isClean ? WideText::Copy(to, value) : m_writer.PutEscapedShort(to, value, where);
   *to++ = L'"';
   m_writer.m_stream.Commit(to);
+  m_writer.FlushIfDue();
+  return true;
+}
+
+[[gnu::always_inline]] inline bool CXmlTextWriter::RecordOutput::PutEnd() {
+  const CXmlWriterContext& context = *m_writer.m_context;
+  const Entry* const entry = FindElement(context.GetNameNumber());
+  if (entry == nullptr || entry->made.depth != context.m_depth || context.m_startTagOpen) return false;
+  const MadeMarkup& made = entry->made;
+  wchar_t* to = m_writer.m_stream.Reserve(std::size(made.start.text) + std::size(made.end.text));
+  if (context.m_childCount != 0) {
+    made.start.CopyTo(to);
+    to += made.indentation;
+  }
+  m_writer.m_stream.Commit(made.end.CopyTo(to));
+  m_writer.PopContext();
   m_writer.FlushIfDue();
   return true;
 }

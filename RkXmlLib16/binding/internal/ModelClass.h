@@ -56,10 +56,20 @@ struct ModelProperty {
   }
 };
 
-// The record of one member, and the properties without which it has nothing to write, as CPropertySet has them.
-struct WrittenMember {
-  const CElementInfo* record;
-  std::uint64_t needed;
+// The records of the elements in their order, as they are asked to write: those of the first properties, as long as
+// these are in the same order, and the others.
+struct WrittenMembers {
+  struct Other {
+    const CElementInfo* record;
+    bool isOnlyIfSet;
+  };
+
+  void Add(const CElementInfo& record, bool isOnlyIfSet);
+
+  std::uint64_t always = 0;  // as CPropertySet has them
+  std::uint64_t ifSet = 0;
+  std::vector<const CElementInfo*> first;  // by property
+  std::vector<Other> others;
 };
 
 // The records and properties of one class.
@@ -77,8 +87,7 @@ class CModelClass {
   const CSharedName& GetElementName() const noexcept { return m_elementName; }
   // Whether some record may write attributes of the object's element.
   bool HasInlineAttributes() const noexcept { return m_hasInlineAttributes; }
-  // In the order of the elements.
-  const std::vector<WrittenMember>& GetWritten() const noexcept { return m_written; }
+  const WrittenMembers& GetWritten() const noexcept { return m_written; }
   // The properties that begin with a value.
   const std::vector<int>& GetInitial() const noexcept { return m_initial; }
   const ModelProperty& GetProperty(int property) const noexcept {
@@ -109,7 +118,7 @@ class CModelClass {
   const ClassModel& m_model;
   CSharedName m_elementName;
   std::vector<ModelProperty> m_properties;
-  std::vector<WrittenMember> m_written;
+  WrittenMembers m_written;
   std::vector<int> m_initial;
   Records m_records;
   bool m_hasInlineAttributes = false;

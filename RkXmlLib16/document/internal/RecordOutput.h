@@ -14,9 +14,9 @@
 
 namespace RkXmlLib16 {
 
-// What a writer of the library does with the names of records, in place of WriteStartElement, WriteTextElement and
-// WriteAttributeString. It writes what those write. Its output is not checked, an element is open, and no prefix is
-// avoided.
+// What a writer of the library does with the names of records, in place of WriteStartElement, WriteTextElement,
+// WriteAttributeString and WriteEndElement. It writes what those write. Its output is not checked, an element is open,
+// and no prefix is avoided.
 class CRecordOutput {
  public:
   CRecordOutput() = default;
@@ -27,6 +27,7 @@ class CRecordOutput {
   virtual void StartElement(const CNameToken& name) = 0;
   virtual void TextElement(const CNameToken& name, std::wstring_view text, ItemType type, bool isCanonical) = 0;
   virtual void Attribute(const CNameToken& name, std::wstring_view value, ItemType type, bool isCanonical) = 0;
+  virtual void EndElement() = 0;
 
  protected:
   static void PlainStart(CXmlWriter& writer, const CNameToken& name) {
@@ -56,6 +57,11 @@ struct CReadyText {
   wchar_t text[kLongest];
 };
 
+// Whether what the library writes for a value of the type has no character that some form escapes, nor NUL.
+constexpr bool HasNothingToEscape(ItemType type) {
+  return type != ItemType_none && type != ItemType_char && type != ItemType_string;
+}
+
 // The record output of one form, which keeps what it made of a name, `Made`, by the number of the name: one entry for
 // each element and each attribute, of those that share a place the last one. Invariant: an entry holds in the scope of
 // its number. `Form` is derived from this and has
@@ -82,14 +88,12 @@ class CFormRecordOutput : public CRecordOutput {
 
   void StartElement(const CNameToken& name) final {
     Entry& entry = m_elements[name.GetNumber() % std::size(m_elements)];
-    const bool isPut =
-        GetForm().TakesElement(name) && Find<&Form::MakeElement>(name, entry) && GetForm().PutStart(name, entry);
+    const bool isPut = Find<&Form::MakeElement>(name, entry) && GetForm().PutStart(name, entry);
     if (!isPut) PlainStart(m_writer, name);
   }
   void TextElement(const CNameToken& name, std::wstring_view text, ItemType type, bool isCanonical) final {
     Entry& entry = m_elements[name.GetNumber() % std::size(m_elements)];
-    const bool isPut = GetForm().TakesElement(name) && Find<&Form::MakeElement>(name, entry) &&
-                       GetForm().PutText(name, entry, text, type, isCanonical);
+    const bool isPut = Find<&Form::MakeElement>(name, entry) && GetForm().PutText(name, entry, text, type, isCanonical);
     if (!isPut) PlainText(m_writer, name, text, type);
   }
   void Attribute(const CNameToken& name, std::wstring_view value, ItemType type, bool isCanonical) final {
@@ -99,10 +103,21 @@ class CFormRecordOutput : public CRecordOutput {
     if (!isPut) PlainAttribute(m_writer, name, value, type);
   }
 
-  // A form may hide it: false for elements that the plain operations have to write, whatever their names.
-  static constexpr bool TakesElement(const CNameToken&) noexcept { return true; }
+  void EndElement() final {
+    if (!GetForm().PutEnd()) m_writer.Writer::WriteEndElement();
+  }
+
+  // A form may hide it. Like the others it may write nothing and return false.
+  static constexpr bool PutEnd() noexcept { return false; }
 
  protected:
+  // The entry of the number that an element was started by; null when it is that of another name or scope now.
+  const Entry* FindElement(std::uint32_t number) {
+    const Entry& entry = m_elements[number % std::size(m_elements)];
+    const bool isThere = number != CNameToken::kNoNumber && entry.number == number;
+    return isThere && entry.scope == GetForm().GetScope() ? &entry : nullptr;
+  }
+
   Writer& m_writer;
 
  private:
