@@ -10,6 +10,9 @@ namespace {
 
 using ContentModelTest = TableTest;
 
+// Unknown elements.
+const std::wstring kFew = Repeat(100, L"<x/>"), kLots = Repeat(100000, L"<x/>");
+
 // The outcome of reading a root element with this content.
 std::wstring Content(const Table& table, const std::wstring& content,
                      const CSerializationContext& context = CSerializationContext()) {
@@ -198,13 +201,11 @@ TEST_F(ContentModelTest, GroupsAmongManyUnknownElementsAreFoundQuickly) {
                                                Cls<CElementInfoChoiceClsOpt>(L"qa", 1, 1, kInline)});
   Classes() = {&pa, &qa};
   const auto unknown = With(kUnknownElements);
-  const std::wstring few = Repeat(100, L"<x/>");
   EXPECT_TEXT(L"<r><q>1</q><a>2</a></r>",
-              Content(table, few + L"<q>1</q>" + few + L"<a>2</a>" + few + L"<p>3</p>" + few, unknown));
+              Content(table, kFew + L"<q>1</q>" + kFew + L"<a>2</a>" + kFew + L"<p>3</p>" + kFew, unknown));
   EXPECT_TEXT(L"<r><p>3</p><a>4</a></r>",
-              Content(table, few + L"<a>1</a>" + few + L"<p>3</p>" + few + L"<a>4</a>" + few, unknown));
-  const std::wstring lots = Repeat(100000, L"<x/><p>1</p>");
-  EXPECT_TEXT(kNoChoice, Content(table, lots, unknown));
+              Content(table, kFew + L"<a>1</a>" + kFew + L"<p>3</p>" + kFew + L"<a>4</a>" + kFew, unknown));
+  EXPECT_TEXT(kNoChoice, Content(table, Repeat(100000, L"<x/><p>1</p>"), unknown));
 }
 
 // The same with records that are asked about each element.
@@ -217,10 +218,9 @@ TEST_F(ContentModelTest, GroupsOfClassesAndCollectionsAreFoundQuicklyToo) {
                                                Cls<CElementInfoChoiceClsOpt>(L"two", 1, 1, kInline)});
   Classes() = {&one, &two, &leaf};
   const auto unknown = With(kUnknownElements);
-  const std::wstring few = Repeat(100, L"<x/>"), lots = Repeat(100000, L"<x/>");
-  EXPECT_TEXT(L"<r><a/></r>", Content(table, few + L"<b>1</b><b>2</b>" + few + L"<a/>" + few, unknown));
-  EXPECT_TEXT(L"<r><b>2</b><b>3</b></r>", Content(table, few + L"<b>1</b><b>2</b><b>3</b>" + few, unknown));
-  EXPECT_TEXT(kNoChoice, Content(table, lots + L"<b>1</b>" + few, unknown));
+  EXPECT_TEXT(L"<r><a/></r>", Content(table, kFew + L"<b>1</b><b>2</b>" + kFew + L"<a/>" + kFew, unknown));
+  EXPECT_TEXT(L"<r><b>2</b><b>3</b></r>", Content(table, kFew + L"<b>1</b><b>2</b><b>3</b>" + kFew, unknown));
+  EXPECT_TEXT(kNoChoice, Content(table, kLots + L"<b>1</b>" + kFew, unknown));
 }
 
 // The same with a required group within another: each place of the outer is one of many of the inner.
@@ -231,10 +231,9 @@ TEST_F(ContentModelTest, RequiredGroupsWithinGroupsAreFoundQuicklyToo) {
   const Table table(ClassInfo(kChoice, L"r"), {Cls<CElementInfoChoiceClsOpt>(L"outer", 0, 1, kInline)});
   Classes() = {&inner, &outer};
   const auto unknown = With(kUnknownElements);
-  const std::wstring few = Repeat(100, L"<x/>"), lots = Repeat(100000, L"<x/>");
   EXPECT_TEXT(L"<r><a>2</a><b>3</b></r>",
-              Content(table, few + L"<b>1</b>" + few + L"<a>2</a>" + few + L"<b>3</b>" + few, unknown));
-  EXPECT_TEXT(kNoChoice, Content(table, lots + L"<b>1</b>" + few, unknown));
+              Content(table, kFew + L"<b>1</b>" + kFew + L"<a>2</a>" + kFew + L"<b>3</b>" + kFew, unknown));
+  EXPECT_TEXT(kNoChoice, Content(table, kLots + L"<b>1</b>" + kFew, unknown));
 
   // Where each place begins the inner group and none ends it, all are read again from each.
   EXPECT_TEXT(kNoChoice, Content(table, Repeat(1000, L"<a>1</a>"), unknown));

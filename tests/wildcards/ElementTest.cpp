@@ -146,6 +146,17 @@ TEST(Element, APartKeepsTheScopeAroundIt) {
               element.ToXml(false, false));
 }
 
+TEST(Element, TellsOfLostPositionsOfText) {
+  CErrorCollector collector;
+  CSerializationContext context;
+  context.SetErrorHandler(&collector);
+  CElement element;
+  element.FromXml("<r><a>text</a><b>x<c/>y</b></r>", context);
+  ASSERT_EQ(1u, collector.GetDropped().size());
+  EXPECT_EQ(RkDropped_Position, collector.GetDropped()[0].kind);
+  EXPECT_TEXT(L"/r/b", collector.GetDropped()[0].location.GetPath());
+}
+
 // A prefix that would make each name long stays declared for the value that uses it.
 TEST(Element, LongPrefixesOfValuesNameNoElements) {
   const std::wstring prefix(65, L'p');
@@ -291,6 +302,9 @@ TEST(Element, DeepTreesNeedNoStack) {
     CElement element;
     element.FromXml((Repeat(kDepth, L"<e>") + Repeat(kDepth, L"</e>")).c_str());
     EXPECT_EQ(static_cast<std::size_t>(kDepth) * 7 - 3, element.ToXml(false, false).size());
+    CTextStream stream;
+    CXmlTextWriter unfinished(stream);
+    for (int i = 0; i < kDepth; ++i) unfinished.WriteStartElement(L"e", L"");
     CSmartPtr<CElement> shared(element.GetChild(0));
     element.RemoveChildren();
     EXPECT_EQ(1, shared->GetChildCount());

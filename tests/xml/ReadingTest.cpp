@@ -10,7 +10,6 @@
 #include "RkXmlLib16/document/ElementTree.h"
 #include "RkXmlLib16/io/Encoder.h"
 #include "RkXmlLib16/io/Zip.h"
-#include "RkXmlLib16/xml/XmlTextWriter.h"
 #include "support/Bytes.h"
 #include "support/SmallStack.h"
 #include "support/TempFile.h"
@@ -260,21 +259,6 @@ TEST(Reading, BoundsWhatADtdCanDo) {
   const CXmlElement* const b = document.GetDocumentElement()->GetFirstElement();
   EXPECT_EQ(100000u, b->GetAttribute(L"x", L"").size());
   EXPECT_EQ(b->GetAttribute(L"x", L"").data(), b->GetNextSiblingElement()->GetAttribute(L"x", L"").data());
-}
-
-TEST(Reading, DepthNeedsNoStack) {
-  RunInSmallStack([] {
-    constexpr int kDepth = 100000;
-    CTextStream stream(XmlEncoding_UTF8);
-    CXmlTextWriter unfinished(stream);
-    unfinished.SetFormat(false);
-    for (int i = 0; i < kDepth; ++i) unfinished.WriteStartElement(L"a", L"");
-    CXmlDocument document;
-    document.LoadXml((stream.GetText() + (L">" + Repeat(kDepth, L"</a>"))).c_str());
-    const CXmlElement* element = document.GetDocumentElement();
-    while (element->GetFirstElement() != nullptr) element = element->GetFirstElement();
-    EXPECT_EQ(2u * kDepth, element->GetXPath().size());
-  });
 }
 
 int seen = 0;

@@ -46,16 +46,14 @@ TEST(XmlTextWriter, KeepsTextBesideChildrenInPlace) {
 }
 
 TEST(XmlTextWriter, WritesTheDeclarationForTheEncoding) {
-  const Rows<XmlEncoding, Wide> rows = {{XmlEncoding_None, L"<?xml version=\"1.0\"?>\n"},
-                                        {XmlEncoding_UTF8, L"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"},
-                                        {XmlEncoding_UTF16, L"<?xml version=\"1.0\" encoding=\"UTF-16\"?>\n"},
-                                        {XmlEncoding_Wide, L"<?xml version=\"1.0\"?>\n"}};
-  for (const auto& [encoding, declaration] : rows) {
+  const Rows<XmlEncoding, std::wstring> rows = {{XmlEncoding_None, L""},
+                                                {XmlEncoding_UTF8, L" encoding=\"UTF-8\""},
+                                                {XmlEncoding_UTF16, L" encoding=\"UTF-16\""},
+                                                {XmlEncoding_Wide, L""}};
+  for (const auto& [encoding, declared] : rows) {
     CTextStream stream(encoding);
-    CXmlTextWriter writer(stream);
-    writer.SetFormat(false);
-    writer.WriteStartDocument();
-    EXPECT_TEXT(declaration, stream.GetText());
+    CXmlTextWriter(stream).WriteStartDocument();
+    EXPECT_TEXT(L"<?xml version=\"1.0\"" + declared + L"?>\n", stream.GetText());
   }
 }
 
