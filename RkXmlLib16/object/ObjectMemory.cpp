@@ -18,9 +18,8 @@ constexpr bool kUsesBlocks = true;
 
 }  // namespace
 
-// The head of an object, right in front of it, is its block; null for an object of its own.
 void* CObjectMemory::Place(unsigned char* memory, Block* block) noexcept {
-  ::new (memory - sizeof(Block*)) Block*(block);
+  ::new (memory - sizeof(Head)) Head{block};
   return memory;
 }
 
@@ -29,7 +28,7 @@ void CObjectMemory::Release(Block* block) noexcept {
 }
 
 void* CObjectMemory::Take(std::size_t size) {
-  static_assert(sizeof(Block) + sizeof(Block*) <= kAlignment);
+  static_assert(sizeof(Block) + sizeof(Head) <= kAlignment);
   if (m_used + size > kBlock) {
     auto* const block = ::new (::operator new(kBlock)) Block;
     LeaveBlock();
@@ -38,7 +37,7 @@ void* CObjectMemory::Take(std::size_t size) {
   }
   m_block->users.Increment();
   unsigned char* const memory = reinterpret_cast<unsigned char*>(m_block) + m_used;
-  m_used += (size + sizeof(Block*) + kAlignment - 1) / kAlignment * kAlignment;
+  m_used += (size + sizeof(Head) + kAlignment - 1) / kAlignment * kAlignment;
   return Place(memory, m_block);
 }
 
@@ -54,7 +53,7 @@ void* CObjectMemory::Allocate(std::size_t size) {
 
 void CObjectMemory::Free(void* object) noexcept {
   if (object == nullptr) return;
-  Block* const block = static_cast<Block**>(object)[-1];
+  Block* const block = (static_cast<Head*>(object) - 1)->block;
   if (block != nullptr)
     Release(block);
   else

@@ -29,6 +29,10 @@ class CObjectMemory {
   struct Block {
     CReferenceCount users{1};  // its objects, and who takes them from it
   };
+  // Stands right in front of each object.
+  struct Head {
+    Block* block;  // null for an object of its own
+  };
 
   static constexpr std::size_t kAlignment = __STDCPP_DEFAULT_NEW_ALIGNMENT__;
   static constexpr std::size_t kBlock = 8 * 1024;
