@@ -192,8 +192,10 @@ void CJsonTextWriter::RecordOutput::Make(MadeKey& made, const CNameToken& name, 
   std::copy_n(text, std::min(made.key.length, MadeKey::kLongest), made.key.text);
 }
 
-inline void CJsonTextWriter::RecordOutput::WriteMember(MadeKey& made, const CNameToken& name, std::wstring_view marker,
-                                                       std::wstring_view value, ItemType type, bool isCanonical) {
+[[gnu::always_inline]] inline void CJsonTextWriter::RecordOutput::WriteMember(MadeKey& made, const CNameToken& name,
+                                                                              std::wstring_view marker,
+                                                                              std::wstring_view value, ItemType type,
+                                                                              bool isCanonical) {
   CJsonTextWriter& w = m_writer;
   const bool quoted = !(isCanonical && IsLiteral(value, type)) && w.NeedsQuotes(value, type);
   const bool isFurther = w.BeginMember();
