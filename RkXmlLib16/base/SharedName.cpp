@@ -19,11 +19,6 @@ class CSharedName::Recent {
     if (recent == nullptr) return nullptr;
     return &recent->m_names[HashOf(name) % kCount];
   }
-  // The same by the place of the name's text; only names in their own places are kept there.
-  static CSharedName* FindPlace(const wchar_t* text) {
-    Recent* const recent = CThreadObject<Recent>::Get();
-    return recent != nullptr ? &recent->m_places[reinterpret_cast<std::uintptr_t>(text) / 16 % kPlaces] : nullptr;
-  }
 
  private:
   // By the length and some characters, so that long names take no longer.
@@ -44,25 +39,13 @@ class CSharedName::Recent {
   }
 
   static constexpr std::size_t kCount = 256;
-  static constexpr std::size_t kPlaces = 64;
   static constexpr std::size_t kLongest = 256;  // characters
 
   std::array<CSharedName, kCount> m_names;
-  std::array<CSharedName, kPlaces> m_places;
 };
 
 // Before the other objects of the library, some of which have names.
 [[gnu::init_priority(101)]] CSharedName::Shared CSharedName::kEmpty{std::wstring_view()};
-
-void CSharedName::Set(const wchar_t* name) {
-  CSharedName* const place = Recent::FindPlace(name);
-  if (place != nullptr && place->Get().c_str() == name) {
-    *this = *place;
-    return;
-  }
-  Set(name != nullptr ? std::wstring_view(name) : std::wstring_view());
-  if (place != nullptr && Get().c_str() == name) *place = *this;
-}
 
 void CSharedName::SetOther(std::wstring_view name) {
   if (WideText::IsEqual(m_shared->text, name)) return;

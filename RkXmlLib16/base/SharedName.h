@@ -33,8 +33,8 @@ class RKXML_EXPORT CSharedName {
   void Set(std::wstring_view name) {
     if (name.data() != Get().data() || name.size() != Get().size()) SetOther(name);
   }
-  // The same, quicker for a name that is the text of another one. Null is the empty name.
-  void Set(const wchar_t* name);
+  // Null is the empty name.
+  void Set(const wchar_t* name) { Set(name != nullptr ? std::wstring_view(name) : std::wstring_view()); }
 
  private:
   struct Shared {

@@ -4,6 +4,7 @@
 #include "RkXmlLib16/base/Format.h"
 #include "RkXmlLib16/base/internal/TextOrEmpty.h"
 #include "RkXmlLib16/binding/GeneratedClass.h"
+#include "RkXmlLib16/binding/ModelObject.h"
 #include "RkXmlLib16/binding/internal/PropertyAccess.h"
 #include "RkXmlLib16/binding/internal/ReadingValue.h"
 #include "RkXmlLib16/binding/internal/ValueText.h"
@@ -122,7 +123,7 @@ bool CAttributeInfoPrimitive::AttributeFromXml(const CSerializationContext&, CXm
   bool isValue = false;
   try {
     if (m_isModelValue) {
-      SetModelText(*object, GetPropertyIndex(), text, *attribute, isValue);
+      static_cast<CModelObject*>(object)->SetFromText(GetPropertyIndex(), text, *attribute, isValue);
     } else {
       ReadingValue value(text.size());
       value.Get().FromText(text, m_itemType, m_whitespace);

@@ -8,6 +8,7 @@
 #include "RkXmlLib16/base/internal/TextOrEmpty.h"
 #include "RkXmlLib16/binding/ElementInfoSeq.h"
 #include "RkXmlLib16/binding/GeneratedClass.h"
+#include "RkXmlLib16/binding/ModelObject.h"
 #include "RkXmlLib16/binding/internal/NilValue.h"
 #include "RkXmlLib16/binding/internal/PropertyAccess.h"
 #include "RkXmlLib16/binding/internal/ReadingValue.h"
@@ -285,7 +286,7 @@ void CElementInfo::ElementFromXmlPrim(const CSerializationContext& context, CXml
     bool isValue = false;
     try {
       if (m_isModelValue) {
-        SetModelText(*object, m_propertyIndex, text, element, isValue);
+        static_cast<CModelObject*>(object)->SetFromText(m_propertyIndex, text, element, isValue);
       } else {
         ReadingValue value(text.size());
         value.Get().FromText(text, m_itemType, m_whitespace);

@@ -1,9 +1,8 @@
 #include "RkXmlLib16/binding/GeneratedClass.h"
 
-#include <typeinfo>
-
 #include "RkXmlLib16/binding/AttributeInfo.h"
 #include "RkXmlLib16/binding/ElementInfo.h"
+#include "RkXmlLib16/binding/ModelObject.h"
 #include "RkXmlLib16/binding/ParentElementInfo.h"
 #include "RkXmlLib16/document/ElementTree.h"
 
@@ -24,17 +23,10 @@ int CXmlGeneratedClass::GetClassElementInfoCount() const {
   return count;
 }
 
-const INillable* CXmlGeneratedClass::AsNillable(const CParentElementInfo& info) const {
-  const bool isNillable = info.Is(CParentElementInfo::kNillable, typeid(*this), [this] { return FindFacts(); });
-  return isNillable ? dynamic_cast<const INillable*>(this) : nullptr;
-}
-
-std::uintptr_t CXmlGeneratedClass::FindFacts() const {
-  std::uintptr_t facts =
-      dynamic_cast<const INillable*>(this) != nullptr ? CParentElementInfo::kNillable : CParentElementInfo::kNoFacts;
-  for (CElementInfo** info = GetClassElementInfo(); info != nullptr && *info != nullptr; ++info)
-    if ((*info)->MayHaveAttributes()) facts |= CParentElementInfo::kWithInlineAttributes;
-  return facts;
+bool CXmlGeneratedClass::IsNil(const CParentElementInfo& info) const {
+  if (info.IsOfModel()) return static_cast<const CModelObject*>(this)->GetNilFlag();
+  const auto* const nillable = dynamic_cast<const INillable*>(this);
+  return nillable != nullptr && nillable->IsNil();
 }
 
 void CXmlGeneratedClass::ReadProperty(int propertyIndex, RkVariant& value) const {

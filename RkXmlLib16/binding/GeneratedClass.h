@@ -106,12 +106,8 @@ class RKXML_EXPORT CXmlGeneratedClass : public CXmlObjectBase {
 
   // This object as CModelObject, or null.
   const CModelObject* AsModel() const;
-  // This object as INillable, or null.
-  const INillable* AsNillable(const RkXmlLib16Data::CParentElementInfo& info) const;
-  // Whether some element record may write attributes of this object's element.
-  bool HasInlineAttributes(const RkXmlLib16Data::CParentElementInfo& info) const;
-  // Both, as CParentElementInfo keeps them.
-  [[gnu::noinline]] std::uintptr_t FindFacts() const;
+  // Whether the object is nil: a CModelObject knows, others are asked as INillable.
+  bool IsNil(const RkXmlLib16Data::CParentElementInfo& info) const;
 
   CXmlElement* ReadElement(CXmlElement* element, CXmlElement* firstChild, const CSerializationContext& context,
                            bool isOptionalChoice);
@@ -128,9 +124,9 @@ class RKXML_EXPORT CXmlGeneratedClass : public CXmlObjectBase {
                                      const CSerializationContext& context) const;
   [[gnu::noinline]] static void TellLeftOut(const CXmlElement& element, const CSerializationContext& context,
                                             const RkXmlLib16Data::CParentElementInfo& info);
-  void ReadNil(const CXmlAttribute* attribute, INillable* nillable);
+  void ReadNil(const CXmlAttribute* attribute);
   void ProcessAttributesFromXml(const CSerializationContext& context, CXmlElement* element,
-                                const RkXmlLib16Data::CParentElementInfo& classInfo, INillable* nillable);
+                                const RkXmlLib16Data::CParentElementInfo& classInfo);
   CXmlElement* ProcessElementSeqFromXml(const CSerializationContext& context, CXmlElement* parent, CXmlElement* first,
                                         XmlElementType elementType);
   CXmlElement* ProcessElementChoiceFromXml(const CSerializationContext& context, CXmlElement* parent,

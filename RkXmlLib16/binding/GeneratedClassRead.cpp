@@ -214,13 +214,12 @@ CXmlElement* CXmlGeneratedClass::ReadElement(CXmlElement* element, CXmlElement* 
   BeginFromXml_Int(element, firstChild, context, isOptionalChoice);
   const CParentElementInfo& info = *GetClassInfo();
   const XmlElementType elementType = info.GetElementType();
-  auto* nillable = const_cast<INillable*>(AsNillable(info));
   if (elementType == XmlElementType_Element) {
     m_elementName.Set(element->GetLocalName());
-    if (nillable != nullptr && nillable->IsNil()) nillable->SetNil(false);
+    if (auto* const nillable = IsNil(info) ? dynamic_cast<INillable*>(this) : nullptr) nillable->SetNil(false);
   }
-  ProcessAttributesFromXml(context, element, info, nillable);
-  if (nillable != nullptr && nillable->IsNil()) return firstChild;
+  ProcessAttributesFromXml(context, element, info);
+  if (IsNil(info)) return firstChild;
 
   CXmlElement* const unread = elementType == XmlElementType_Element && context.GetIgnoreUnknownElements()
                                   ? ReadContentPastUnknown(element, firstChild, context, info, isOptionalChoice)
@@ -302,7 +301,8 @@ void CXmlGeneratedClass::ReadSimpleContent(const CXmlElement* element, const CSe
   }
 }
 
-void CXmlGeneratedClass::ReadNil(const CXmlAttribute* attribute, INillable* nillable) {
+void CXmlGeneratedClass::ReadNil(const CXmlAttribute* attribute) {
+  auto* const nillable = dynamic_cast<INillable*>(this);
   if (nillable == nullptr)
     throw CRkValidationException(L"Invalid use of 'nil' attribute in non-nillable element.", std::wstring());
   const NilValue value = ParseNilValue(attribute->GetValue());
@@ -314,7 +314,7 @@ void CXmlGeneratedClass::ReadNil(const CXmlAttribute* attribute, INillable* nill
 }
 
 void CXmlGeneratedClass::ProcessAttributesFromXml(const CSerializationContext& context, CXmlElement* element,
-                                                  const CParentElementInfo& classInfo, INillable* nillable) {
+                                                  const CParentElementInfo& classInfo) {
   CAttributeInfo** const infos = OrEmpty(GetClassAttributeInfo());
   const bool ownElement = classInfo.GetElementType() == XmlElementType_Element;
   const bool strictAttributes = classInfo.HasStrictAttributes();
@@ -327,7 +327,7 @@ void CXmlGeneratedClass::ProcessAttributesFromXml(const CSerializationContext& c
     std::size_t i = 0;
     try {
       if (attribute->IsNilAttribute()) {
-        if (ownElement) ReadNil(attribute, nillable);  // on the element of an inline group it is the owner's
+        if (ownElement) ReadNil(attribute);  // on the element of an inline group it is the owner's
         continue;
       }
       while (infos[i] != nullptr && !infos[i]->AttributeFromXml(context, this, attribute)) ++i;

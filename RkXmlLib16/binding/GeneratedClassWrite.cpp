@@ -1,6 +1,5 @@
 #include <cwchar>
 #include <string>
-#include <typeinfo>
 #include <utility>
 
 #include "RkXmlLib16/base/Exception.h"
@@ -71,8 +70,7 @@ void CXmlGeneratedClass::WriteElement(CXmlWriter* writer, bool registerNamespace
                                       const CSerializationContext& context, bool isOptionalChoice) const {
   const CParentElementInfo& info = *GetClassInfo();
   const bool ownElement = info.GetElementType() == XmlElementType_Element;
-  const auto* nillable = AsNillable(info);
-  const bool nil = nillable != nullptr && nillable->IsNil();
+  const bool nil = IsNil(info);
 
   if (ownElement) {
     if (registerNamespaces) WriteRootPrologue(*writer, context);
@@ -196,15 +194,11 @@ void CXmlGeneratedClass::AttributesToXml_Int(CXmlWriter* writer, const CSerializ
   }
 }
 
-inline bool CXmlGeneratedClass::HasInlineAttributes(const CParentElementInfo& info) const {
-  return info.Is(CParentElementInfo::kWithInlineAttributes, typeid(*this), [this] { return FindFacts(); });
-}
-
 void CXmlGeneratedClass::ProcessAttributesToXml(const CSerializationContext& context, CElementInfo** elementInfos,
                                                 CAttributeInfo** attributeInfos, CXmlWriter* writer) const {
   for (CAttributeInfo** info = attributeInfos; info != nullptr && *info != nullptr; ++info)
     (*info)->AttributeToXml(context, this, writer);
-  if (elementInfos == nullptr || !HasInlineAttributes(*GetClassInfo())) return;
+  if (elementInfos == nullptr) return;
   for (CElementInfo** info = elementInfos; *info != nullptr; ++info)
     if ((*info)->MayHaveAttributes()) (*info)->PseudoChildAttributeToXml(context, this, writer);
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <memory>
 #include <mutex>
 #include <numeric>
 #include <unordered_map>
@@ -162,7 +163,7 @@ CModelClass::CModelClass(const ClassModel& model)
   CElementInfo** record = m_records.elements;
   for (const MemberModel& member : model.members) {
     m_written.Add(**record, IsWrittenOnlyIfSet(model, member));
-    m_hasInlineAttributes = m_hasInlineAttributes || (*record)->MayHaveAttributes();
+    m_hasInlineAttributes = (*record)->MayHaveAttributes() || m_hasInlineAttributes;  // asks for the facts of each
     ++record;
   }
 }

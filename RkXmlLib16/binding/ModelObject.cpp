@@ -154,10 +154,6 @@ void CModelObject::SetProperty(int property, CMember member, RkVariant& value) {
   Mark(property);
 }
 
-void CModelObject::SetFromText(int property, std::wstring_view text, bool& isValue) {
-  if (!TrySetFromText(property, text)) SetFromTextSlowly(property, text, isValue);
-}
-
 // Apart, so that the other way does not have the space for the variant on the stack.
 void CModelObject::SetFromTextSlowly(int property, std::wstring_view text, bool& isValue) {
   const ValueModel& values = *m_class.GetProperty(property).values;

@@ -11,6 +11,8 @@
 #include <string_view>
 #include <vector>
 
+#include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/SharedName.h"
 #include "RkXmlLib16/binding/GeneratedClass.h"
 #include "RkXmlLib16/binding/Model.h"
 #include "RkXmlLib16/binding/ModelMember.h"
@@ -112,9 +114,19 @@ class RKXML_EXPORT CModelObject : public CXmlGeneratedClass {
 
   // For the records: makes the collection of the property, or the wildcard element, if it is not there yet.
   void Ensure(int property);
-  // Sets the property of a value from its lexical form; `isValue` tells what the setter throws from an error of the
-  // text.
-  void SetFromText(int property, std::wstring_view text, bool& isValue);
+  // Sets the property of a value from its lexical form, which an element or attribute has. What the setter throws is
+  // wrapped in CRkValidationException "Failed to set the property value." with the path of the node; `isValue` tells it
+  // from an error of the text.
+  template <class Node>
+  void SetFromText(int property, std::wstring_view text, const Node& node, bool& isValue) {
+    if (TrySetFromText(property, text)) return;
+    try {
+      SetFromTextSlowly(property, text, isValue);
+    } catch (const CRkException& e) {
+      if (!isValue) throw;
+      throw CRkValidationException(L"Failed to set the property value.", node.GetXPath(), e);
+    }
+  }
   // The object of the property, borrowed; null when there is none, or only AccessProperty can tell.
   CXmlObjectBase* PeekObject(int property) const;
   // Keeps the prefixes of the names in the text as the element has them, so that they are declared again.

@@ -1,10 +1,7 @@
 #ifndef RKXMLLIB16_BINDING_PARENTELEMENTINFO_H
 #define RKXMLLIB16_BINDING_PARENTELEMENTINFO_H
 
-#include <atomic>
-#include <cstdint>
 #include <string>
-#include <typeinfo>
 
 #include "RkXmlLib16/base/Enumerations.h"
 #include "RkXmlLib16/base/Export.h"
@@ -12,8 +9,8 @@
 
 namespace RkXmlLib16Data {
 
-// Describes a generated class as a whole: its content model, its type name and its simple content. Static; what it
-// describes never changes, and what it remembers of the class is atomic, so threads share it freely.
+// Describes a generated class as a whole: its content model, its type name and its simple content. Static; it never
+// changes, so threads share it freely.
 class RKXML_EXPORT CParentElementInfo {
  public:
   // `name` and `ns` are those of the class's type, as xsi:type names it. `strictAttributes`: an attribute that no
@@ -40,22 +37,7 @@ class RKXML_EXPORT CParentElementInfo {
   const std::wstring& GetSimpleContentFormat() const noexcept { return m_simpleContentFormat; }
   bool IsSimpleContentText() const noexcept { return m_simpleContentAsText; }
 
-  // What the objects of a class need to know about it. `find` finds it out; it is kept for the class that asked last,
-  // of those that have this record.
-  enum Facts : std::uintptr_t { kNoFacts = 0, kNillable = 1, kWithInlineAttributes = 2, kAllFacts = 3 };
-  template <class Find>
-  bool Is(Facts fact, const std::type_info& type, Find&& find) const {
-    static_assert(alignof(std::type_info) > kAllFacts);
-    const auto own = reinterpret_cast<std::uintptr_t>(&type);
-    std::uintptr_t known = m_facts.load(std::memory_order_relaxed);
-    if ((known & ~std::uintptr_t{kAllFacts}) != own) {
-      known = own | find();
-      m_facts.store(known, std::memory_order_relaxed);
-    }
-    return (known & fact) != 0;
-  }
-
-  // Whether the objects are CModelObjects, which know what properties are set.
+  // Whether the objects are CModelObjects, which know what properties are set and whether they are nil.
   bool IsOfModel() const noexcept { return m_isOfModel; }
   void SetOfModel() noexcept { m_isOfModel = true; }
 
@@ -71,7 +53,6 @@ class RKXML_EXPORT CParentElementInfo {
   std::wstring m_simpleContentFormat;
   bool m_simpleContentAsText;
   bool m_isOfModel = false;
-  mutable std::atomic<std::uintptr_t> m_facts{kNoFacts};  // and the address of the type that they are true of
 };
 
 }  // namespace RkXmlLib16Data

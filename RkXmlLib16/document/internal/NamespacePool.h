@@ -35,17 +35,15 @@ class CNamespacePool {
  public:
   using SharedText = std::shared_ptr<const std::wstring>;
 
-  CNamespacePool() : m_last(&AddNew({})) { std::fill(std::begin(m_recent), std::end(m_recent), m_last); }
+  CNamespacePool() { std::fill(std::begin(m_recent), std::end(m_recent), &AddNew({})); }
   CNamespacePool(const CNamespacePool&) = delete;
   CNamespacePool& operator=(const CNamespacePool&) = delete;
 
   const CNamespaceName& Find(const std::wstring& uri) {
-    if (&uri == &m_last->text.Get()) return *m_last;
     if (uri.size() > kShort) return &uri == m_told ? *m_toldName : FindOther(uri);
     if (uri.empty()) return GetEmpty();
     const CNamespaceName*& recent = m_recent[(uri.size() ^ static_cast<std::size_t>(uri.back())) % std::size(m_recent)];
     if (!WideText::IsEqual(uri, recent->text.Get())) recent = &FindOther(uri);
-    m_last = recent;
     return *recent;
   }
   // The next call of Find may be for this text; it stays as it is while the pool is there.
@@ -79,7 +77,6 @@ class CNamespacePool {
   std::unordered_map<std::wstring_view, const CNamespaceName*, CKeyedHash> m_byText;  // without the empty one
   std::unordered_map<const std::wstring*, std::pair<SharedText, const CNamespaceName*>> m_byAddress;
   const CNamespaceName* m_recent[8];  // short ones, by length and end
-  const CNamespaceName* m_last;       // short; names mostly have its text, in the same place
   std::uint64_t m_scope = kNoScope;
   std::uint64_t m_lastScope = kNoScope;
   const std::wstring* m_told = nullptr;
