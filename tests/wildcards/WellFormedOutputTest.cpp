@@ -87,7 +87,8 @@ TEST(WellFormedOutput, RefusesRawTextThatIsNoSection) {
                                  {L"<![CDATA[a", false},
                                  {L"<![CDATA[]]><admin/>", false},
                                  {L"<![CDATA[a]]>]]>", false}};
-  for (const auto& [text, isSection] : rows) {
+  for (const auto& row : rows) {
+    const Wide text = std::get<0>(row);
     for (const bool escapes : {false, true}) {
       CTextStream stream;
       CXmlTextWriter writer(stream);
@@ -96,7 +97,7 @@ TEST(WellFormedOutput, RefusesRawTextThatIsNoSection) {
       writer.SetEscapesSections(escapes);
       writer.WriteStartElement(L"r", L"");
       const std::wstring refused = std::wstring(L"CRkException: Refused to write the CDATA section [") + text + L"].";
-      EXPECT_TEXT(isSection || escapes ? L"nothing" : refused,
+      EXPECT_TEXT(std::get<1>(row) || escapes ? L"nothing" : refused,
                   Thrown([&] { writer.WriteString(text, ItemType_string); }));
     }
   }

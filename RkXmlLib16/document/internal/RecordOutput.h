@@ -79,7 +79,7 @@ class CFormRecordOutput : public CRecordOutput {
  public:
   struct Entry {
     std::uint32_t number = CNameToken::kNoNumber;
-    std::uint64_t scope = CNamespacePool::kNoScope;
+    std::uint64_t scope = kNotKept;
     const CNamespaceName* namespaceName;
     Made made;
   };
@@ -114,13 +114,14 @@ class CFormRecordOutput : public CRecordOutput {
   // The entry of the number that an element was started by; null when it is that of another name or scope now.
   const Entry* FindElement(std::uint32_t number) {
     const Entry& entry = m_elements[number % std::size(m_elements)];
-    const bool isThere = number != CNameToken::kNoNumber && entry.number == number;
-    return isThere && entry.scope == GetForm().GetScope() ? &entry : nullptr;
+    return entry.number == number && entry.scope == GetForm().GetScope() ? &entry : nullptr;
   }
 
   Writer& m_writer;
 
  private:
+  static constexpr std::uint64_t kNotKept = UINT64_MAX;  // the number of no scope
+
   Form& GetForm() noexcept { return static_cast<Form&>(*this); }
 
   // Whether the entry is that of the name, or is it now.
@@ -132,11 +133,11 @@ class CFormRecordOutput : public CRecordOutput {
   // Without a scope or a number it is not found again.
   template <auto kMake>
   [[gnu::noinline]] bool Remake(const CNameToken& name, std::uint64_t scope, Entry& entry) {
-    entry.number = CNameToken::kNoNumber;
+    entry.scope = kNotKept;
     entry.namespaceName = (GetForm().*kMake)(name, entry.made);
     if (entry.namespaceName == nullptr) return false;
-    if (scope != CNamespacePool::kNoScope) entry.number = name.GetNumber();
-    entry.scope = entry.number != CNameToken::kNoNumber ? scope : CNamespacePool::kNoScope;
+    entry.number = name.GetNumber();
+    if (scope != CNamespacePool::kNoScope && entry.number != CNameToken::kNoNumber) entry.scope = scope;
     return true;
   }
 
