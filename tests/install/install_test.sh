@@ -138,14 +138,14 @@ test_packages() {
     dpkg-deb --extract "$deb" "$root"
   done
   local package synopses
-  synopses=$(for deb in "$work"/*.deb; do dpkg-deb --field "$deb" Description | head -n 1; done | sort -u)
+  synopses=$(for deb in "$work"/*.deb; do dpkg-deb --field "$deb" Description | sed -n 1p; done | sort -u)
   [ "$(wc -l <<<"$synopses")" = 3 ] || fail "packages share a description: $synopses"
   for package in README.md docs/getting-started.md examples/gpx/gpx.xsd; do
     [ -s "$root/usr/share/doc/librkxmllib16-dev/$package" ] || fail "librkxmllib16-dev has no $package"
   done
   for package in librkxmllib16-16 librkxmllib16-dev rkxml; do
     [ -s "$root/usr/share/doc/$package/copyright" ] || fail "$package has no copyright file"
-    gzip -cd "$root/usr/share/doc/$package/changelog.Debian.gz" | grep -q '^rkxmllib16 (16.0.0-1)' ||
+    gzip -cd "$root/usr/share/doc/$package/changelog.Debian.gz" | grep '^rkxmllib16 (16.0.0-1)' >/dev/null ||
       fail "$package has no changelog of its version"
     gzip -cd "$root/usr/share/doc/$package/changelog.gz" | cmp -s - "$source/../../CHANGELOG.md" ||
       fail "$package has another CHANGELOG.md"
