@@ -37,8 +37,8 @@ class CTreeBuilder {
 
   CXmlElement* AddElement(const CXmlName* namespaceUri, const CXmlName* localName, std::uint64_t offset) {
     CXmlElement* const parent = m_document.m_currentElement;
-    const bool isUsual = m_isPlain && parent != nullptr && m_storage.pendingDeclarations == 0 &&
-                         m_storage.depth < m_deepest && m_storage.nodeCount < m_mostNodes;
+    const bool isUsual = parent != nullptr && m_storage.pendingDeclarations == 0 && m_storage.depth < m_deepest &&
+                         m_storage.nodeCount < m_mostNodes;
     CXmlElement* element = nullptr;
     if (isUsual) {
       ++m_storage.nodeCount;
@@ -65,8 +65,7 @@ class CTreeBuilder {
   CXmlAttribute* AddAttribute(CXmlElement* element, const CXmlName* localName, const CXmlName* namespaceUri,
                               CXmlTextBlock* value) {
     CXmlAttributeBlock* const block = element->m_attributes.m_block;
-    if (!m_isPlain || m_storage.nodeCount >= m_mostNodes)
-      return m_document.AddAttribute(element, localName, namespaceUri, value);
+    if (m_storage.nodeCount >= m_mostNodes) return m_document.AddAttribute(element, localName, namespaceUri, value);
     if (block == nullptr) {
       element->m_attributes.m_block = new (m_storage.nodes.Allocate(BytesOfAttributes(1))) CXmlAttributeBlock{0, 1};
     } else if (block->m_count == block->m_capacity &&
@@ -145,6 +144,7 @@ class CTreeBuilder {
   CXmlDocument& m_document;
   CXmlDocument::Storage& m_storage;
   const bool m_isPlain;
+  // 0 where the usual case is not possible.
   std::size_t m_deepest = 0;
   std::size_t m_mostNodes = 0;
   std::size_t m_mostCharacters = 0;
