@@ -175,10 +175,14 @@ class RKXML_EXPORT CModelObject : public CXmlGeneratedClass {
     Adopt(property, held);
     member = held;
   }
+  template <class Made, class T>
+  T* RequireObject(int property, CSmartPtr<T>& member) {
+    if (member == nullptr) StoreObject(property, member, new Made());
+    return member;
+  }
   template <class T>
   T* RequireObject(int property, CSmartPtr<T>& member) {
-    if (member == nullptr) StoreObject(property, member, new T());
-    return member;
+    return RequireObject<T, T>(property, member);
   }
   // The collection, made at first use.
   template <class T>

@@ -361,14 +361,23 @@ class CEmitter {
     return note;
   }
 
+  static bool IsAnyType(const ClassBinding& binding) {
+    return binding.type != nullptr && !binding.type->IsSimple() && binding.type->base == binding.type;
+  }
+
+  // The class that is common to all objects of the storage: those of other types do not derive from xs:anyType.
+  static std::string HeldClass(const Storage& storage, const PlannedDocument& document) {
+    return IsAnyType(*storage.object->binding) ? "CModelObject" : Name(*storage.object, document);
+  }
+
   static std::string ObjectType(const Storage& storage, const PlannedDocument& document) {
     switch (storage.kind) {
       case Storage::Kind::Values:
         return storage.type;
       case Storage::Kind::Object:
-        return Name(*storage.object, document);
+        return HeldClass(storage, document);
       case Storage::Kind::Objects:
-        return "CModelCollection<" + Name(*storage.object, document) + ">";
+        return "CModelCollection<" + HeldClass(storage, document) + ">";
       case Storage::Kind::Wildcard:
         return "CElement";
       case Storage::Kind::Wildcards:
@@ -740,10 +749,13 @@ class CEmitter {
       out.Broken("void " + object.name + "::Set" + storage->name + "(" + type + "* value) { StoreObject(" +
                      Number(storage->number) + ", " + storage->field + ", value); }",
                  4);
-      if (storage->kind == Storage::Kind::Object && !storage->object->binding->isAbstract)
-        out.Broken(type + "* " + object.name + "::GetOrAdd" + storage->name + "() { return RequireObject(" +
-                       Number(storage->number) + ", " + storage->field + "); }",
+      if (storage->kind == Storage::Kind::Object && !storage->object->binding->isAbstract) {
+        const std::string made = Name(*storage->object, document);
+        out.Broken(type + "* " + object.name + "::GetOrAdd" + storage->name + "() { return RequireObject" +
+                       (made != type ? "<" + made + ">(" : "(") + Number(storage->number) + ", " + storage->field +
+                       "); }",
                    4);
+      }
     }
     out.Line();
     if (object.own.empty()) return;
@@ -854,8 +866,7 @@ class CEmitter {
     if (binding.contentMayBeEmpty) set("contentMayBeEmpty", "true");
     if (binding.isAbstract) set("isAbstract", "true");
     if (binding.isMixed) set("isMixed", "true");
-    if (binding.type != nullptr && !binding.type->IsSimple() && binding.type->base == binding.type)
-      set("isAnyType", "true");
+    if (IsAnyType(binding)) set("isAnyType", "true");
     out.Line("  return data;");
     out.Line("}());");
     out.Line();
@@ -908,7 +919,7 @@ class CEmitter {
       line += ".Repeated(" + Number(member.minOccurs) + ", " + Number(member.maxOccurs) +
               (member.stopsAtMaximum ? ", true)" : ")");
       if (storage.kind == Storage::Kind::Objects)
-        line += ".Make(NewModelCollection<" + Name(*storage.object, document) + ">)";
+        line += ".Make(NewModelCollection<" + HeldClass(storage, document) + ">)";
     } else if (member.cardinality == MemberBinding::Cardinality::Optional) {
       line += ".Optional()";
     }
