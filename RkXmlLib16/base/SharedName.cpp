@@ -48,7 +48,10 @@ class CSharedName::Recent {
 [[gnu::init_priority(101)]] CSharedName::Shared CSharedName::kEmpty{std::wstring_view()};
 
 void CSharedName::SetOther(std::wstring_view name) {
-  if (WideText::IsEqual(m_shared->text, name)) return;
+  if (!WideText::IsEqual(m_shared->text, name)) Replace(name);
+}
+
+[[gnu::noinline]] void CSharedName::Replace(std::wstring_view name) {
   CSharedName changed;
   if (!name.empty()) {
     CSharedName* const recent = Recent::Find(name);

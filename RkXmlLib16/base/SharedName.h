@@ -44,7 +44,8 @@ class RKXML_EXPORT CSharedName {
   };
   class Recent;
 
-  void SetOther(std::wstring_view name);
+  void SetOther(std::wstring_view name);  // unless it is the same text in another place
+  void Replace(std::wstring_view name);
 
   static Shared kEmpty;  // never counted
 

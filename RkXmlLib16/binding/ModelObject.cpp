@@ -442,8 +442,10 @@ inline bool CModelObject::WriteMember(const CElementInfo& record, const CSeriali
 bool CModelObject::WriteMembers(const CSerializationContext& context, CXmlWriter* writer, bool isChoice) const {
   const WrittenMembers& members = m_class.GetWritten();
   std::uint64_t left = (m_set.GetFirst() & members.ifSet) | members.always;
-  for (; left != 0; left &= left - 1)
-    if (WriteMember(*members.first[__builtin_ctzll(left)], context, writer) && isChoice) return true;
+  for (; left != 0; left &= left - 1) {
+    const auto property = static_cast<std::size_t>(__builtin_ctzll(left));
+    if (WriteMember(*members.first[property], context, writer) && isChoice) return true;
+  }
   for (const WrittenMembers::Other& other : members.others) {
     if (other.isOnlyIfSet && !IsSet(other.record->GetPropertyIndex())) continue;
     if (WriteMember(*other.record, context, writer) && isChoice) return true;
