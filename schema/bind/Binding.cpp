@@ -89,8 +89,6 @@ DefaultBinding BindDefault(const ValueConstraint& constraint) {
   return value;
 }
 
-bool IsAnyType(const TypeDefinition* type) { return type != nullptr && !type->IsSimple() && type->base == type; }
-
 }  // namespace
 
 struct CBinding::State {
@@ -210,7 +208,7 @@ class CBinding::Builder {
     for (ClassBinding* at = &object; at != nullptr && m_filled.insert(at).second;) {
       chain.push_back(at);
       const TypeDefinition* const base = at->type->base;
-      const bool isClass = base != nullptr && !base->IsSimple() && !IsAnyType(base) && base != at->type;
+      const bool isClass = base != nullptr && !base->IsSimple() && !base->IsAnyType() && base != at->type;
       at->base = isClass ? ClassOf(*base) : nullptr;
       at = isClass ? ClassOf(*base) : nullptr;
     }
@@ -246,7 +244,7 @@ class CBinding::Builder {
       SetText(object, ValueOf(*type.simpleContentType));
     } else if (object.isMixed) {
       SetText(object, &m_state.mixedText);
-      if (type.HasElements() && !IsAnyType(&type))
+      if (type.HasElements() && !type.IsAnyType())
         Warn(m_state.unkept, type.location,
              L"The text of mixed content is kept without its position between the elements.");
     }
@@ -297,7 +295,7 @@ class CBinding::Builder {
   void AddContent(ClassBinding& object, const ComplexTypeDefinition& type) {
     if (type.particle == nullptr) return;
     const Counts counts = CountElements(std::array{type.particle});
-    Content content{object, &counts, !IsAnyType(&type) && IsExtended(type)};
+    Content content{object, &counts, !type.IsAnyType() && IsExtended(type)};
     const ComplexTypeDefinition* const base = object.base != nullptr ? object.base->type->AsComplex() : nullptr;
     if (type.derivation == kExtension && base != nullptr && base->HasElements()) {
       object.members = object.base->members;
@@ -435,7 +433,7 @@ class CBinding::Builder {
     ClassBinding* const child = ClassOf(*element.type);
     child->isNillable |= element.isNillable;
     member.object = child;
-    const bool hasDerived = simple == nullptr && (IsAnyType(element.type) || element.type->AsComplex()->isAbstract ||
+    const bool hasDerived = simple == nullptr && (element.type->IsAnyType() || element.type->AsComplex()->isAbstract ||
                                                   !element.type->derivedTypes.empty());
     member.kind = hasDerived ? Kind::AbstractObject : Kind::Object;
     return member;
@@ -507,7 +505,7 @@ class CBinding::Builder {
     for (const auto& object : m_state.classes) {
       if (!object->isNillable) continue;
       open.push_back(object->type);
-      all = all || IsAnyType(object->type);
+      all = all || object->IsAnyType();
     }
     while (!open.empty() && !all) {
       const TypeDefinition* const type = open.back();

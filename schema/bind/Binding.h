@@ -148,6 +148,7 @@ struct ClassBinding {
   std::size_t inheritedMembers = 0;
   std::size_t inheritedAttributes = 0;
 
+  bool IsAnyType() const noexcept { return type != nullptr && type->IsAnyType(); }
   bool IsInline() const noexcept { return elementType == RkXmlLib16::XmlElementType_InlineGroup; }
   // kExtension and kRestriction, as far as they are used on the way from the type of the base class, or from xs:anyType
   // where there is none.

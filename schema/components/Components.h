@@ -77,6 +77,7 @@ struct TypeDefinition : Component {
   bool IsAnonymous() const noexcept { return name.localName.empty(); }
   bool IsBuiltIn() const noexcept { return location.file == nullptr; }
   bool IsSimple() const noexcept { return kind == Kind::Simple; }
+  bool IsAnyType() const noexcept { return !IsSimple() && base == this; }
   const SimpleTypeDefinition* AsSimple() const noexcept;    // null for a complex type
   const ComplexTypeDefinition* AsComplex() const noexcept;  // null for a simple type
   // Whether this is `other` or derived from it, in any number of steps.

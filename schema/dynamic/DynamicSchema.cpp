@@ -187,7 +187,7 @@ void CDynamicSchema::State::Fill(CDynamicClass& object) {
   object.contentMayBeEmpty = from.contentMayBeEmpty;
   object.isAbstract = from.isAbstract;
   object.isMixed = from.isMixed;
-  object.isAnyType = complex != nullptr && complex->base == complex;
+  object.isAnyType = from.IsAnyType();
   object.Arrange();
 }
 

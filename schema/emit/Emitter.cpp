@@ -361,13 +361,9 @@ class CEmitter {
     return note;
   }
 
-  static bool IsAnyType(const ClassBinding& binding) {
-    return binding.type != nullptr && !binding.type->IsSimple() && binding.type->base == binding.type;
-  }
-
   // The class that is common to all objects of the storage: those of other types do not derive from xs:anyType.
   static std::string HeldClass(const Storage& storage, const PlannedDocument& document) {
-    return IsAnyType(*storage.object->binding) ? "CModelObject" : Name(*storage.object, document);
+    return storage.object->binding->IsAnyType() ? "CModelObject" : Name(*storage.object, document);
   }
 
   static std::string ObjectType(const Storage& storage, const PlannedDocument& document) {
@@ -866,7 +862,7 @@ class CEmitter {
     if (binding.contentMayBeEmpty) set("contentMayBeEmpty", "true");
     if (binding.isAbstract) set("isAbstract", "true");
     if (binding.isMixed) set("isMixed", "true");
-    if (IsAnyType(binding)) set("isAnyType", "true");
+    if (binding.IsAnyType()) set("isAnyType", "true");
     out.Line("  return data;");
     out.Line("}());");
     out.Line();
