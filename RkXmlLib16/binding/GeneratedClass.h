@@ -104,8 +104,8 @@ class RKXML_EXPORT CXmlGeneratedClass : public CXmlObjectBase {
   void ProcessElementAllToXml(const CSerializationContext& context, RkXmlLib16Data::CElementInfo** infos,
                               CXmlWriter* writer) const;
 
-  // This object as CModelObject, or null.
-  const CModelObject* AsModel() const;
+  // This object as CModelObject if these are the records of its model, else null: classes may have records of their own.
+  const CModelObject* AsModel(RkXmlLib16Data::CElementInfo** infos) const;
   // Whether the object is nil: a CModelObject knows, others are asked as INillable.
   bool IsNil(const RkXmlLib16Data::CParentElementInfo& info) const;
 

@@ -133,13 +133,15 @@ void CXmlGeneratedClass::WriteSimpleContent(CXmlWriter* writer, const CParentEle
   }
 }
 
-inline const CModelObject* CXmlGeneratedClass::AsModel() const {
-  return GetClassInfo()->IsOfModel() ? static_cast<const CModelObject*>(this) : nullptr;
+inline const CModelObject* CXmlGeneratedClass::AsModel(CElementInfo** infos) const {
+  if (!GetClassInfo()->IsOfModel()) return nullptr;
+  const auto* const model = static_cast<const CModelObject*>(this);
+  return model->CModelObject::GetClassElementInfo() == infos ? model : nullptr;
 }
 
 void CXmlGeneratedClass::ProcessElementSeqToXml(const CSerializationContext& context, CElementInfo** infos,
                                                 CXmlWriter* writer) const {
-  if (const CModelObject* const model = AsModel()) {
+  if (const CModelObject* const model = AsModel(infos)) {
     model->WriteMembers(context, writer, /*isChoice=*/false);
     return;
   }
@@ -169,7 +171,7 @@ void CXmlGeneratedClass::ProcessElementAllToXml(const CSerializationContext& con
 
 void CXmlGeneratedClass::ProcessElementChoiceToXml(const CSerializationContext& context, CElementInfo** infos,
                                                    CXmlWriter* writer, bool isOptionalChoice) const {
-  if (const CModelObject* const model = AsModel()) {
+  if (const CModelObject* const model = AsModel(infos)) {
     if (model->WriteMembers(context, writer, /*isChoice=*/true)) return;
   } else {
     for (CElementInfo** info = infos; info != nullptr && *info != nullptr; ++info)

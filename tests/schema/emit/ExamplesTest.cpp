@@ -132,5 +132,19 @@ TEST(GeneratedTest, MembersThatARestrictionLeavesOutAreNotWritten) {
   EXPECT_EQ(narrow->GetChild()->GetCount(), 0);
 }
 
+// A person without its first member, the address.
+class CNamedPerson : public order::CPersonType {
+ public:
+  RkXmlLib16Data::CElementInfo** GetClassElementInfo() const override { return CPersonType::GetClassElementInfo() + 1; }
+};
+
+TEST(GeneratedTest, RecordsOfADerivedClassAreWritten) {
+  const CSmartPtr<CNamedPerson> person(new CNamedPerson);
+  person->SetName(L"Ada");
+  person->SetEmail(L"ada@example.org");
+  EXPECT_EQ(person->ToXmlUtf8().find("ada@"), std::string::npos);
+  EXPECT_NE(person->ToXmlUtf8().find("Ada"), std::string::npos);
+}
+
 }  // namespace
 }  // namespace RkXmlSchema
