@@ -1,7 +1,6 @@
 #ifndef RKXMLLIB16_BINDING_INTERNAL_MODELCLASS_H
 #define RKXMLLIB16_BINDING_INTERNAL_MODELCLASS_H
 
-#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <string_view>
