@@ -115,42 +115,83 @@ void CDateTimeSpan::ParseXSDDuration(const wchar_t* text) {
   ParseXSDDuration(std::wstring_view(text));
 }
 
+namespace {
+
+// Reads the text of a duration from left to right.
+class CDurationScanner {
+ public:
+  explicit CDurationScanner(std::wstring_view text) : m_text(text) {}
+
+  bool IsAtEnd() const { return m_next == m_text.size(); }
+  bool IsAtDigit() const { return !IsAtEnd() && IsDigit(m_text[m_next]); }
+  bool Skip(wchar_t expected) {
+    if (IsAtEnd() || m_text[m_next] != expected) return false;
+    ++m_next;
+    return true;
+  }
+  wchar_t TakeDesignator() {
+    Require(!IsAtEnd());
+    return m_text[m_next++];
+  }
+  // Zero where no digit stands.
+  unsigned long long TakeCount() {
+    unsigned long long count = 0;
+    while (IsAtDigit()) {
+      const unsigned digit = TakeDigit();
+      Require(count <= (std::numeric_limits<unsigned long long>::max() - digit) / 10);
+      count = count * 10 + digit;
+    }
+    return count;
+  }
+  // Of the digits from the seventh on, the last one is taken for the nanoseconds (sic).
+  void TakeFraction(unsigned short& milliSeconds, unsigned short& microSeconds, unsigned short& nanoSeconds) {
+    static constexpr unsigned short kWeights[] = {100, 10, 1};
+    for (std::size_t at = 0; IsAtDigit(); ++at) {
+      if (at >= 9)
+        throw CRkInvalidValueException(
+            FormatString(L"Invalid XSD Duration [%ls] Fraction part too long", std::wstring(m_text).c_str()));
+      const auto digit = static_cast<unsigned short>(TakeDigit());
+      unsigned short& field = at < 3 ? milliSeconds : microSeconds;
+      if (at < 6)
+        field = static_cast<unsigned short>(field + digit * kWeights[at % 3]);
+      else
+        nanoSeconds = digit;
+    }
+  }
+  void Require(bool met) const {
+    if (!met)
+      throw CRkInvalidValueException(FormatString(
+          L"Invalid XSD Duration [%ls] expected [-]P[nY][nM][nD][T[nH][nM][nS.ff]]", std::wstring(m_text).c_str()));
+  }
+
+ private:
+  unsigned TakeDigit() { return static_cast<unsigned>(m_text[m_next++] - L'0'); }
+
+  std::wstring_view m_text;
+  std::size_t m_next = 0;
+};
+
+}  // namespace
+
 void CDateTimeSpan::ParseXSDDuration(std::wstring_view text) {
   Clear();
   if (text.empty()) throw CRkInvalidValueException(L"Invalid XSD Duration (Empty String)");
-  const auto require = [text](bool met) {
-    if (!met)
-      throw CRkInvalidValueException(FormatString(
-          L"Invalid XSD Duration [%ls] expected [-]P[nY][nM][nD][T[nH][nM][nS.ff]]", std::wstring(text).c_str()));
-  };
-  std::size_t i = 0;
-  if (text[i] == L'-') {
-    m_negative = true;
-    ++i;
-  }
-  require(i < text.size() && text[i] == L'P');
-  ++i;
+  CDurationScanner scanner(text);
+  m_negative = scanner.Skip(L'-');
+  scanner.Require(scanner.Skip(L'P'));
 
   Part last = Part::Start;
-  while (i < text.size()) {
-    const std::size_t firstDigit = i;
-    unsigned long long count = 0;
-    for (; i < text.size() && IsDigit(text[i]); ++i) {
-      const unsigned digit = static_cast<unsigned>(text[i] - L'0');
-      require(count <= (std::numeric_limits<unsigned long long>::max() - digit) / 10);
-      count = count * 10 + digit;
-    }
-    require(i < text.size());
-    const wchar_t designator = text[i];
+  while (!scanner.IsAtEnd()) {
+    const bool hasDigits = scanner.IsAtDigit();
+    const unsigned long long count = scanner.TakeCount();
     const auto take = [&](bool inPlace, Part part) {
-      require(inPlace);
+      scanner.Require(inPlace);
       last = part;
-      ++i;
       return count;
     };
-    switch (designator) {
+    switch (scanner.TakeDesignator()) {
       case L'Y':
-        require(count <= std::numeric_limits<unsigned short>::max());
+        scanner.Require(count <= std::numeric_limits<unsigned short>::max());
         m_years = static_cast<unsigned short>(take(last < Part::Years, Part::Years));
         break;
       case L'M':
@@ -163,7 +204,7 @@ void CDateTimeSpan::ParseXSDDuration(std::wstring_view text) {
         m_days = take(last < Part::Days, Part::Days);
         break;
       case L'T':
-        take(last < Part::Time && i == firstDigit, Part::Time);
+        take(last < Part::Time && !hasDigits, Part::Time);
         break;
       case L'H':
         m_hours = take(last == Part::Time, Part::Hours);
@@ -171,33 +212,17 @@ void CDateTimeSpan::ParseXSDDuration(std::wstring_view text) {
       case L'S':
         m_seconds = take(last >= Part::Time && last < Part::Seconds, Part::Seconds);
         break;
-      case L'.': {
+      case L'.':
         m_seconds = take(last >= Part::Time && last < Part::Seconds, Part::Seconds);
-        if (i == text.size()) break;
-        unsigned short weight = 100;
-        const std::size_t point = i;
-        for (; i < text.size() && IsDigit(text[i]); ++i) {
-          const std::size_t at = i - point;
-          const auto digit = static_cast<unsigned short>(text[i] - L'0');
-          if (at >= 9)
-            throw CRkInvalidValueException(
-                FormatString(L"Invalid XSD Duration [%ls] Fraction part too long", std::wstring(text).c_str()));
-          unsigned short& field = at < 3 ? m_milliSeconds : m_microSeconds;
-          if (at < 6)
-            field = static_cast<unsigned short>(field + digit * weight);
-          else
-            m_nanoSeconds = digit;
-          weight = static_cast<unsigned short>(weight == 1 ? 100 : weight / 10);
-        }
-        require(i < text.size() && text[i] == L'S');
-        ++i;
+        if (scanner.IsAtEnd()) break;  // sic
+        scanner.TakeFraction(m_milliSeconds, m_microSeconds, m_nanoSeconds);
+        scanner.Require(scanner.Skip(L'S'));
         break;
-      }
       default:
-        require(false);
+        scanner.Require(false);
     }
   }
-  require(last != Part::Start && last != Part::Time);
+  scanner.Require(last != Part::Start && last != Part::Time);
 }
 
 std::wstring CDateTimeSpan::ToString() const {

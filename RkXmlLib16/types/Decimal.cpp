@@ -204,76 +204,99 @@ bool CDecimal::ParsePlainLong(std::wstring_view text) {
   return true;
 }
 
-void CDecimal::Parse(std::wstring_view text) {
-  if (ParsePlain(text)) return;
-  const auto fail = [text](std::size_t position) {
-    throw CRkInvalidValueException(
-        FormatString(L"The string representing a Decimal, contained an invalid char at position %zu [%ls].", position,
-                     std::wstring(text).c_str()));
-  };
-  *this = CDecimal();
+namespace {
+
+// The parts of the text of a decimal: 0.digits times 10 to the power of pointAt + exponent.
+struct DecimalText {
   bool negative = false;
-  CDigitVector digits;     // integer and fraction, most significant first, without zeros in front of the integer
-  long long pointAt = -1;  // how many of them stand before the point
+  CDigitVector digits;    // integer and fraction, most significant first, without zeros in front of the integer
+  long long pointAt = 0;  // how many of them stand before the point
+  long long exponent = 0;
+};
+
+[[noreturn]] void ThrowInvalidChar(std::wstring_view text, std::size_t position) {
+  throw CRkInvalidValueException(
+      FormatString(L"The string representing a Decimal, contained an invalid char at position %zu [%ls].", position,
+                   std::wstring(text).c_str()));
+}
+
+// What follows the letter at `i`: white space and signs, digits, white space.
+long long ParseExponent(std::wstring_view text, std::size_t i) {
+  bool negative = false;
+  for (++i; i < text.size() && !IsDigit(text[i]); ++i) {
+    if (text[i] == L'-' || text[i] == L'+')
+      negative = text[i] == L'-';
+    else if (!CWhitespaceUtils::IsWhiteSpace(text[i]))
+      ThrowInvalidChar(text, i);
+  }
+  // Larger exponents than any text has digits need no exact value.
+  long long exponent = 0;
+  for (; i < text.size() && IsDigit(text[i]); ++i)
+    exponent = std::min<long long>(exponent * 10 + (text[i] - L'0'), std::numeric_limits<long long>::max() / 100);
+  for (; i < text.size(); ++i)
+    if (!CWhitespaceUtils::IsWhiteSpace(text[i])) ThrowInvalidChar(text, i);
+  return negative ? -exponent : exponent;
+}
+
+DecimalText ParseParts(std::wstring_view text) {
+  DecimalText parts;
+  bool hasPoint = false;
   std::size_t i = 0;
   for (; i < text.size() && text[i] != L'e' && text[i] != L'E'; ++i) {
     const wchar_t c = text[i];
     if (IsDigit(c)) {
-      if (c != L'0' || !digits.empty() || pointAt >= 0) digits.push_back(c - L'0');
-    } else if (c == L'.' && pointAt < 0) {
-      pointAt = static_cast<long long>(digits.size());
-    } else if ((c == L'-' || c == L'+') && pointAt < 0) {
-      negative = c == L'-';
+      if (c != L'0' || !parts.digits.empty() || hasPoint) parts.digits.push_back(c - L'0');
+    } else if (c == L'.' && !hasPoint) {
+      hasPoint = true;
+      parts.pointAt = static_cast<long long>(parts.digits.size());
+    } else if ((c == L'-' || c == L'+') && !hasPoint) {
+      parts.negative = c == L'-';
     } else if (!CWhitespaceUtils::IsWhiteSpace(c)) {
-      fail(i);
+      ThrowInvalidChar(text, i);
     }
   }
-  if (pointAt < 0) pointAt = static_cast<long long>(digits.size());
+  if (!hasPoint) parts.pointAt = static_cast<long long>(parts.digits.size());
+  if (i < text.size()) parts.exponent = ParseExponent(text, i);
+  while (static_cast<long long>(parts.digits.size()) > parts.pointAt && parts.digits.back() == 0)
+    parts.digits.pop_back();
+  return parts;
+}
 
-  long long exponent = 0;
-  if (i < text.size()) {
-    bool down = false;
-    for (++i; i < text.size() && !IsDigit(text[i]); ++i) {
-      if (text[i] == L'-' || text[i] == L'+')
-        down = text[i] == L'-';
-      else if (!CWhitespaceUtils::IsWhiteSpace(text[i]))
-        fail(i);
-    }
-    // Larger exponents than any text has digits need no exact value.
-    for (; i < text.size() && IsDigit(text[i]); ++i)
-      exponent = std::min<long long>(exponent * 10 + (text[i] - L'0'), std::numeric_limits<long long>::max() / 100);
-    if (down) exponent = -exponent;
-    for (; i < text.size(); ++i)
-      if (!CWhitespaceUtils::IsWhiteSpace(text[i])) fail(i);
-  }
+// Digits as CBigInteger keeps them: the least significant first, at least one.
+template <class Digit>
+CDigitVector Reversed(Digit first, Digit last) {
+  CDigitVector digits;
+  digits.reserve(static_cast<std::size_t>(last - first));
+  while (last != first) digits.push_back(*--last);
+  if (digits.empty()) digits.push_back(0);
+  return digits;
+}
 
-  while (!digits.empty() && static_cast<long long>(digits.size()) > pointAt && digits.back() == 0) digits.pop_back();
-  const bool zero = std::all_of(digits.begin(), digits.end(), [](auto d) { return d == 0; });
-  if (zero) return;
-  if (exponent > kMaxExponent)
+}  // namespace
+
+void CDecimal::Parse(std::wstring_view text) {
+  if (ParsePlain(text)) return;
+  *this = CDecimal();
+  DecimalText parts = ParseParts(text);
+  CDigitVector& digits = parts.digits;
+  if (std::all_of(digits.begin(), digits.end(), [](auto d) { return d == 0; })) return;
+  if (parts.exponent > kMaxExponent)
     throw CRkInvalidValueException(FormatString(L"The exponent of the Decimal [%ls] is to large, the largest is %lld.",
                                                 std::wstring(text).c_str(), kMaxExponent));
-  pointAt += exponent;
+  const long long pointAt = parts.pointAt + parts.exponent;
   if (pointAt < -m_maxDivider) return;  // nothing of it reaches the digits that are kept
 
   // Digits beyond the point, where a division by a power of ten stops after the kept ones.
   long long fractionDigits = std::max(0LL, static_cast<long long>(digits.size()) - pointAt);
-  if (exponent < 0 && fractionDigits > m_maxDivider) {
+  if (parts.exponent < 0 && fractionDigits > m_maxDivider) {
     digits.resize(static_cast<std::size_t>(std::max(0LL, pointAt + m_maxDivider)));
     fractionDigits = m_maxDivider;
   }
   if (static_cast<long long>(digits.size()) < pointAt) digits.resize(static_cast<std::size_t>(pointAt));
   const auto point = digits.begin() + std::max(0LL, pointAt);
-  const std::int32_t sign = negative ? -1 : 1;
-  CDigitVector integer, fraction;
-  integer.reserve(static_cast<std::size_t>(point - digits.begin()));
-  for (auto d = point; d != digits.begin();) integer.push_back(*--d);
-  if (integer.empty()) integer.push_back(0);
-  fraction.reserve(static_cast<std::size_t>(digits.end() - point));
-  for (auto d = digits.end(); d != point;) fraction.push_back(*--d);
-  if (fraction.empty()) fraction.push_back(0);
-  m_integer = CBigInteger(sign, std::move(integer));
-  m_fraction = CBigInteger(sign, std::move(fraction));
+  const std::int32_t sign = parts.negative ? -1 : 1;
+  m_integer = CBigInteger(sign, Reversed(digits.begin(), point));
+  m_fraction = CBigInteger(sign, Reversed(point, digits.end()));
   m_divider = static_cast<std::int32_t>(std::max(1LL, fractionDigits));
   Rationalise();
   if (m_divider > m_maxDivider) {
