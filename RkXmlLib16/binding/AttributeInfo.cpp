@@ -5,9 +5,7 @@
 #include "RkXmlLib16/base/internal/TextOrEmpty.h"
 #include "RkXmlLib16/binding/GeneratedClass.h"
 #include "RkXmlLib16/binding/ModelObject.h"
-#include "RkXmlLib16/binding/internal/PropertyAccess.h"
 #include "RkXmlLib16/binding/internal/ReadingValue.h"
-#include "RkXmlLib16/binding/internal/ValueText.h"
 #include "RkXmlLib16/collections/CollectionBase.h"
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/document/ElementTree.h"
@@ -104,16 +102,11 @@ void CAttributeInfoPrimitive::AttributeToXml(const CSerializationContext& contex
   ReadProperty(object, value);
   if (IsOptional() && !value.IsValid()) return;
   const ItemType type = value.GetItemType();
-  const ValueText text(value, m_format, *writer);
-  if (IsSuppressedDefault(context, text.Get())) return;
-  if (type != m_itemType || !m_facets.IsEmpty()) CheckRestriction(value);
-  writer->Attribute(GetName(), text.Get(), type, text.IsCanonical());
-}
-
-void CAttributeInfoPrimitive::WriteText(const CSerializationContext& context, std::wstring_view text,
-                                        CXmlWriter* writer) const {
+  TextSpace space(writer->GetValueBuffer());
+  const std::wstring_view text = value.GetText(space, m_format.c_str());
   if (IsSuppressedDefault(context, text)) return;
-  writer->Attribute(GetName(), text, m_itemType, /*isCanonical=*/true);
+  if (type != m_itemType || !m_facets.IsEmpty()) CheckRestriction(value);
+  writer->Attribute(GetName(), text, type, /*isCanonical=*/m_format.empty());
 }
 
 bool CAttributeInfoPrimitive::AttributeFromXml(const CSerializationContext&, CXmlGeneratedClass* object,

@@ -82,8 +82,6 @@ class RKXML_EXPORT CAttributeInfoPrimitive : public CAttributeInfo {
 
   // Throws CRkException when the value breaks a facet.
   void CheckRestriction(const RkVariant& value) const;
-  // Writes the attribute with a text that was checked.
-  void WriteText(const CSerializationContext& context, std::wstring_view text, CXmlWriter* writer) const;
   // For values of CModelObject, which reads and writes their text itself.
   void SetModelValue() noexcept { m_isModelValue = true; }
 

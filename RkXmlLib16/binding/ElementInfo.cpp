@@ -10,9 +10,7 @@
 #include "RkXmlLib16/binding/GeneratedClass.h"
 #include "RkXmlLib16/binding/ModelObject.h"
 #include "RkXmlLib16/binding/internal/NilValue.h"
-#include "RkXmlLib16/binding/internal/PropertyAccess.h"
 #include "RkXmlLib16/binding/internal/ReadingValue.h"
-#include "RkXmlLib16/binding/internal/ValueText.h"
 #include "RkXmlLib16/collections/CollectionBase.h"
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/document/ElementTree.h"
@@ -148,6 +146,15 @@ void CElementInfo::CheckRestriction(const RkVariant& value) const {
   CXmlObjectHelper::CheckRestriction(GetElementName().c_str(), value, m_itemType, m_facets);
 }
 
+void GetProperty(CXmlGeneratedClass& object, int index, const CNameToken& name, RkVariant& value) {
+  try {
+    object.AccessProperty(index, /*get=*/true, value);
+  } catch (const CRkException& e) {
+    throw CRkValidationException(
+        FormatString(L"Failed to get the property value for [%ls].", name.GetLocalName().c_str()), std::wstring(), e);
+  }
+}
+
 void CElementInfo::InvokePropertyGet(CXmlGeneratedClass* object, RkVariant& value) const {
   GetProperty(*object, m_propertyIndex, m_name, value);
 }
@@ -213,10 +220,11 @@ bool CElementInfo::ElementToXmlPrim(const CSerializationContext& context, const 
 bool CElementInfo::WriteValue(const CSerializationContext& context, const RkVariant& value, CXmlWriter* writer) const {
   if (value.IsNil()) return WriteNil(writer);
   const ItemType type = value.GetItemType();
-  const ValueText text(value, m_format, *writer);
+  TextSpace space(writer->GetValueBuffer());
+  const std::wstring_view text = value.GetText(space, m_format.c_str());
   const bool needsNoCheck = m_hasFacets && type == m_itemType && m_facets.IsEmpty();
-  if (!needsNoCheck && !IsDefault(text.Get())) CheckRestriction(value);
-  WriteText(context, writer, text.Get(), type, text.IsCanonical());
+  if (!needsNoCheck && !IsDefault(text)) CheckRestriction(value);
+  WriteText(context, writer, text, type, /*isCanonical=*/m_format.empty());
   return true;
 }
 

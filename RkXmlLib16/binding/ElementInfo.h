@@ -48,6 +48,10 @@ using AbstractClassFactory = CSmartPtr<CXmlObjectBase> (*)(CXmlElement* element)
 using EnumToString = const wchar_t* (*)(int);
 using EnumFromString = int (*)(const wchar_t*);
 
+// Reads the property that a record called `name` describes. A CRkException of the accessor is wrapped in
+// CRkValidationException "Failed to get the property value for [%ls].".
+void GetProperty(CXmlGeneratedClass& object, int index, const RkXmlLib16::CNameToken& name, RkVariant& value);
+
 // What a record describes, as far as the reader of a content model must know it.
 enum class MemberKind : std::int32_t {
   Single,      // one value or object

@@ -10,7 +10,6 @@
 #include "RkXmlLib16/binding/GeneratedClass.h"
 #include "RkXmlLib16/binding/ModelObject.h"
 #include "RkXmlLib16/binding/ParentElementInfo.h"
-#include "RkXmlLib16/binding/internal/PropertyAccess.h"
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/document/XmlWriter.h"
 #include "RkXmlLib16/object/Variant.h"
@@ -146,8 +145,7 @@ void CXmlGeneratedClass::ProcessElementSeqToXml(const CSerializationContext& con
     return;
   }
   if (infos == nullptr) return;
-  auto& object = const_cast<CXmlGeneratedClass&>(*this);  // a getter changes nothing
-  RkVariant* value = nullptr;                             // unused, if it is there
+  RkVariant* value = nullptr;  // unused, if it is there
   for (CElementInfo** info = infos; *info != nullptr; ++info) {
     const CElementInfo& record = **info;
     if (!record.IsPlainValue()) {
@@ -157,7 +155,7 @@ void CXmlGeneratedClass::ProcessElementSeqToXml(const CSerializationContext& con
     }
     // Most optional values of most objects are absent: that is found out here.
     if (value == nullptr) value = &writer->BeginValue();
-    RkXmlLib16Data::GetProperty(object, record.GetPropertyIndex(), record.GetName(), *value);
+    record.ReadProperty(this, *value);
     if (!value->IsValid()) continue;
     record.WriteValue(context, *value, writer);
     value = nullptr;

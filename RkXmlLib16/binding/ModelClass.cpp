@@ -137,6 +137,14 @@ void CModelClass::TakeLeftOut(const CModelClass& base) {
   }
 }
 
+WrittenMembers::Attribute::Attribute(const CAttributeInfo& info, ItemType type)
+    : record(info),
+      name(info.GetName()),
+      property(info.GetPropertyIndex()),
+      itemType(type),
+      isOptional(info.IsOptional()),
+      omitted(isOptional ? std::wstring_view(info.GetDefaultValue()) : std::wstring_view()) {}
+
 void WrittenMembers::Add(const CElementInfo& record, bool isOnlyIfSet) {
   const int property = record.GetPropertyIndex();
   const bool isInOrder = others.empty() && property >= static_cast<int>(first.size());
@@ -160,6 +168,10 @@ CModelClass::CModelClass(const ClassModel& model)
   }
   if (model.base != nullptr) TakeLeftOut(model.base->Require());
   m_records.Make(model);
+  CAttributeInfo** attributeRecord = m_records.attributes;
+  for (const AttributeModel& attribute : model.attributes)
+    m_written.attributes.emplace_back(**attributeRecord++, attribute.values->itemType);
+  m_written.attributeWildcard = *attributeRecord;
   CElementInfo** record = m_records.elements;
   for (const MemberModel& member : model.members) {
     m_written.Add(**record, IsWrittenOnlyIfSet(model, member));

@@ -1,7 +1,6 @@
 #include "RkXmlLib16/binding/ModelMember.h"
 
 #include <cstring>
-#include <iterator>
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
@@ -104,14 +103,7 @@ struct ValueMember {
     if constexpr (std::is_same_v<T, std::wstring>) {
       return value;
     } else {
-      return Visit<T>(property.values->itemType, [&](auto item) -> std::wstring_view {
-        wchar_t* const end = std::end(space.few);
-        if (const wchar_t* const first = CConversions::WriteFew<item>(value, end))
-          return {first, static_cast<std::size_t>(end - first)};
-        space.longer.clear();
-        CConversions::AppendTo<item>(space.longer, value);
-        return space.longer;
-      });
+      return Visit<T>(property.values->itemType, [&](auto item) { return CConversions::GetText<item>(value, space); });
     }
   }
   static void Check(const void* at, const ModelProperty& property, const wchar_t* name) {

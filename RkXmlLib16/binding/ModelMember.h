@@ -48,14 +48,6 @@ class CRareValue {
   std::unique_ptr<T> m_value;
 };
 
-// Space for the lexical form of a value: for one of few characters, and for others.
-struct TextSpace {
-  explicit TextSpace(std::wstring& forLonger) : longer(forLonger) {}
-
-  wchar_t few[CConversions::kFewCharacters];
-  std::wstring& longer;
-};
-
 // What the library does with members of one C++ type. Those of a value have the functions of values, the others those
 // of objects.
 struct MemberType {

@@ -423,11 +423,10 @@ inline std::wstring_view CModelObject::PeekText(int property, TextSpace& space) 
 }
 
 // Apart, so that the objects inside each other do not all have the space on the stack.
-template <class Record>
-[[gnu::noinline]] bool CModelObject::WriteValue(int property, const Record& record,
-                                                const CSerializationContext& context, CXmlWriter* writer) const {
+[[gnu::noinline]] bool CModelObject::WriteValue(const CElementInfo& record, const CSerializationContext& context,
+                                                CXmlWriter* writer) const {
   TextSpace space(writer->GetValueBuffer());
-  const std::wstring_view text = PeekText(property, space);
+  const std::wstring_view text = PeekText(record.GetPropertyIndex(), space);
   if (text.data() == nullptr) return false;
   record.WriteText(context, text, writer);
   return true;
@@ -435,8 +434,7 @@ template <class Record>
 
 inline bool CModelObject::WriteMember(const CElementInfo& record, const CSerializationContext& context,
                                       CXmlWriter* writer) const {
-  return (record.IsModelValue() && WriteValue(record.GetPropertyIndex(), record, context, writer)) ||
-         record.ElementToXml(context, this, writer);
+  return (record.IsModelValue() && WriteValue(record, context, writer)) || record.ElementToXml(context, this, writer);
 }
 
 bool CModelObject::WriteMembers(const CSerializationContext& context, CXmlWriter* writer, bool isChoice) const {
@@ -453,13 +451,22 @@ bool CModelObject::WriteMembers(const CSerializationContext& context, CXmlWriter
   return false;
 }
 
-void CModelObject::WriteAttribute(const AttributeModel& attribute, const CAttributeInfoPrimitive& record,
-                                  const CSerializationContext& context, CXmlWriter* writer) const {
-  if (WriteValue(attribute.property, record, context, writer)) return;
-  if (IsSet(attribute.property)) return record.AttributeToXml(context, this, writer);
-  if (!attribute.isOptional)
-    throw CRkInvalidParamException(
-        FormatString(L"The Property [%ls] is mandatory, it may not be NULL", attribute.name));
+void CModelObject::WriteAttributes(const CSerializationContext& context, CXmlWriter* writer) const {
+  const WrittenMembers& members = m_class.GetWritten();
+  TextSpace space(writer->GetValueBuffer());
+  for (const WrittenMembers::Attribute& attribute : members.attributes) {
+    if (!IsSet(attribute.property)) {
+      if (attribute.isOptional) continue;
+      throw CRkInvalidParamException(
+          FormatString(L"The Property [%ls] is mandatory, it may not be NULL", attribute.name.GetLocalName().c_str()));
+    }
+    const std::wstring_view text = PeekText(attribute.property, space);
+    if (text.data() == nullptr)
+      attribute.record.AttributeToXml(context, this, writer);
+    else if (text.empty() || text != attribute.omitted || !context.GetNoOptionalAttributeDefaultOutput())
+      writer->Attribute(attribute.name, text, attribute.itemType, /*isCanonical=*/true);
+  }
+  if (members.attributeWildcard != nullptr) members.attributeWildcard->AttributeToXml(context, this, writer);
 }
 
 void CModelObject::AttributesToXml_Int(CXmlWriter* writer, const CSerializationContext& context) const {
@@ -471,10 +478,7 @@ void CModelObject::AttributesToXml_Int(CXmlWriter* writer, const CSerializationC
                                                                               : m_declaration->object != &model);
     if (!model.IsInline() && isOther && model.name[0] != L'\0' && context.GetWriteTypeAttribute())
       writer->WriteAttributeType(model.namespaceUri, model.name, ItemType_string);
-    CAttributeInfo** info = m_class.GetAttributes();
-    for (const AttributeModel& attribute : model.attributes)
-      WriteAttribute(attribute, static_cast<const CAttributeInfoPrimitive&>(**info++), context, writer);
-    if (*info != nullptr) (*info)->AttributeToXml(context, this, writer);  // those of the wildcard
+    WriteAttributes(context, writer);
     if (!m_class.HasInlineAttributes()) return;
     for (CElementInfo** record = m_class.GetElements(); *record != nullptr; ++record)
       if ((*record)->MayHaveAttributes()) (*record)->PseudoChildAttributeToXml(context, this, writer);

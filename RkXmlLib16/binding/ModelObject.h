@@ -207,16 +207,14 @@ class RKXML_EXPORT CModelObject : public CXmlGeneratedClass {
   // The lexical form of the property of a value, the object's own or in the space; without data when it is not set, or
   // only AccessProperty can tell. Such a value was checked when it was set.
   std::wstring_view PeekText(int property, TextSpace& space) const;
-  // Writes the property; false when that is left to the record.
-  template <class Record>
-  bool WriteValue(int property, const Record& record, const CSerializationContext& context, CXmlWriter* writer) const;
+  // Writes the property of an element; false when that is left to the record.
+  bool WriteValue(const RkXmlLib16Data::CElementInfo& record, const CSerializationContext& context,
+                  CXmlWriter* writer) const;
   bool WriteMember(const RkXmlLib16Data::CElementInfo& record, const CSerializationContext& context,
                    CXmlWriter* writer) const;
   // Of a choice, only one member; whether there was one to write.
   bool WriteMembers(const CSerializationContext& context, CXmlWriter* writer, bool isChoice) const;
-  void WriteAttribute(const RkXmlLib16Data::AttributeModel& attribute,
-                      const RkXmlLib16Data::CAttributeInfoPrimitive& record, const CSerializationContext& context,
-                      CXmlWriter* writer) const;
+  void WriteAttributes(const CSerializationContext& context, CXmlWriter* writer) const;
   // Throws when another member of the choice is set.
   void Select(int property);
   bool IsFilled(int property) const;

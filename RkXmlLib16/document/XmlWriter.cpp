@@ -70,6 +70,7 @@ constexpr int kFewScopes = 16;
 
 // What all scopes of a document share.
 struct CXmlWriter::CXmlWriterContext::Document {
+  CXmlWriter* writer = nullptr;  // unless the context stands alone
   CNamespacePool ownPool;
   CNamespacePool* pool = &ownPool;
   std::size_t declarationCount = 0;
@@ -123,11 +124,12 @@ struct CXmlWriter::CXmlWriterContext::Scope {
 
   // Gives the scope, which is the innermost one, a new number because it has changed.
   void Renumber() noexcept {
-    number = document->arePrefixesGivenAway ? CNamespacePool::kNoScope : document->pool->NewScope();
+    if (document->writer != nullptr) number = ++document->writer->m_lastScopeNumber;
     MakeCurrent();
   }
   void MakeCurrent() const noexcept {
-    document->pool->SetScope(document->arePrefixesGivenAway ? CNamespacePool::kNoScope : number);
+    if (document->writer != nullptr)
+      document->writer->m_scopeNumber = document->arePrefixesGivenAway ? kNoScope : number;
   }
 
   // Empties the scope and keeps its storage for another element.
@@ -221,7 +223,7 @@ struct CXmlWriter::CXmlWriterContext::Scope {
 
   Document* document = nullptr;
   const CNamespaceName* defaultNamespace = nullptr;
-  std::uint64_t number = CNamespacePool::kNoScope;  // see CNamespacePool::GetScope
+  std::uint64_t number = kNoScope;  // see m_scopeNumber
 
  private:
   void SetReplaced(const std::wstring& prefix, const CNamespaceName* name) {
@@ -324,13 +326,14 @@ CXmlWriter::CXmlWriterContext::CXmlWriterContext(const std::wstring& localName, 
 
 CXmlWriter::CXmlWriterContext::CXmlWriterContext(const std::wstring& localName, const std::wstring& namespaceUri,
                                                  const std::wstring& defaultNamespace, const NamespaceMap& namespaces,
-                                                 std::unique_ptr<CXmlWriterContext> parent, CNamespacePool* pool)
+                                                 std::unique_ptr<CXmlWriterContext> parent, CXmlWriter* writer)
     : m_localName(localName),
       m_parent(std::move(parent)),
       m_document(std::make_unique<Document>()),
       m_ownScope(std::make_unique<Scope>()),
       m_scope(m_ownScope.get()) {
-  if (pool != nullptr) m_document->pool = pool;
+  m_document->writer = writer;
+  if (writer != nullptr) m_document->pool = writer->m_pool.get();
   m_scope->Open(*m_document);
   SetName(namespaceUri);
   m_scope->defaultNamespace = &m_scope->NameOf(defaultNamespace);
@@ -613,8 +616,7 @@ CXmlWriter::CXmlWriterContext& CXmlWriter::PushContext(const std::wstring& local
     const std::wstring* defaultNamespace = &m_defaultNamespace;
     for (auto entry = m_namespaces.begin(); defaultNamespace->empty() && entry != m_namespaces.end(); ++entry)
       if (entry->second.empty()) defaultNamespace = &entry->first;
-    m_context.reset(
-        new CXmlWriterContext(localName, namespaceUri, *defaultNamespace, m_namespaces, nullptr, m_pool.get()));
+    m_context.reset(new CXmlWriterContext(localName, namespaceUri, *defaultNamespace, m_namespaces, nullptr, this));
     MakeRecordOutput();
   } else if (m_closedContexts == nullptr) {
     CSharedName name(localName);  // before the parent moves, so that a failure loses no element
@@ -687,7 +689,7 @@ void CXmlWriter::PopContext() {
     if (m_context != nullptr)
       m_context->m_scope->MakeCurrent();
     else
-      m_pool->SetScope(CNamespacePool::kNoScope);
+      m_scopeNumber = kNoScope;
   }
   context.m_scope = nullptr;
 }

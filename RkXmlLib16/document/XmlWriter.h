@@ -93,7 +93,7 @@ class RKXML_EXPORT CXmlWriter {
     struct Scope;
     CXmlWriterContext(const std::wstring& localName, const std::wstring& namespaceUri,
                       const std::wstring& defaultNamespace, const NamespaceMap& namespaces,
-                      std::unique_ptr<CXmlWriterContext> parent, CNamespacePool* pool);
+                      std::unique_ptr<CXmlWriterContext> parent, CXmlWriter* writer);
     void SetName(const std::wstring& namespaceUri);
     Scope& OwnScope();
 
@@ -242,6 +242,10 @@ class RKXML_EXPORT CXmlWriter {
   bool m_writesNamespaces = true;
   bool m_inventsPrefixes = true;
   std::wstring m_avoidedPrefix;
+  // The number of the declarations in effect. Other declarations have another number, and the same ones get theirs back
+  // when they are in effect again. kNoScope when they may change unnoticed.
+  static constexpr std::uint64_t kNoScope = 0;
+  std::uint64_t m_scopeNumber = kNoScope;
 
  private:
   friend class CRecordOutput;
@@ -257,6 +261,7 @@ class RKXML_EXPORT CXmlWriter {
   bool IsExpected(const std::wstring& localName, const std::wstring& namespaceUri) const noexcept;
   void ReopenContext() noexcept;
 
+  std::uint64_t m_lastScopeNumber = kNoScope;
   const std::type_info* m_recordOutputType = nullptr;
   std::unique_ptr<CRecordOutput> (*m_makeRecordOutput)(CXmlWriter& writer) = nullptr;
   std::unique_ptr<CRecordOutput> m_recordOutput;

@@ -179,26 +179,23 @@ class RKXML_HIDDEN CFastInfosetWriter::RecordOutput final
   using CFormRecordOutput::CFormRecordOutput;
 
   std::uint64_t GetScope() const noexcept { return m_writer.m_scope; }
-  const CNamespaceName* MakeElement(const CNameToken& name, unsigned long& index) {
-    CFIVocabulary& vocabulary = m_writer.m_vocabulary;
-    return Make(name, m_writer.m_elementScope, vocabulary.GetElementNamesTable(), index);
+  bool MakeElement(const CNameToken& name, Entry& entry) {
+    return Make(name, m_writer.m_elementScope, m_writer.m_vocabulary.GetElementNamesTable(), entry);
   }
-  const CNamespaceName* MakeAttribute(const CNameToken& name, unsigned long& index) {
-    CFIVocabulary& vocabulary = m_writer.m_vocabulary;
-    return Make(name, m_writer.m_attributeScope, vocabulary.GetAttributeNamesTable(), index);
+  bool MakeAttribute(const CNameToken& name, Entry& entry) {
+    return Make(name, m_writer.m_attributeScope, m_writer.m_vocabulary.GetAttributeNamesTable(), entry);
   }
   bool PutStart(const CNameToken& name, Entry& entry);
   bool PutText(const CNameToken& name, Entry& entry, std::wstring_view text, ItemType type, bool isCanonical);
   bool PutAttribute(const CNameToken& name, Entry& entry, std::wstring_view value, ItemType type, bool isCanonical);
 
  private:
-  const CNamespaceName* Make(const CNameToken& name, const ScopeCache& scopes, const CFIQNameTable& names,
-                             unsigned long& index) const {
-    const CNamespaceName& namespaceName = m_writer.NameOf(name.GetNamespace());
-    const ScopedNamespace* const scoped = m_writer.FindKnown(scopes, namespaceName);
-    if (scoped == nullptr) return nullptr;
-    index = m_writer.FindIndex(names, m_writer.PartsOf(*scoped, name.GetLocalName()), *scoped);
-    return index != 0 ? &namespaceName : nullptr;
+  bool Make(const CNameToken& name, const ScopeCache& scopes, const CFIQNameTable& names, Entry& entry) const {
+    entry.namespaceName = &m_writer.NameOf(name.GetNamespace());
+    const ScopedNamespace* const scoped = m_writer.FindKnown(scopes, *entry.namespaceName);
+    if (scoped == nullptr) return false;
+    entry.made = m_writer.FindIndex(names, m_writer.PartsOf(*scoped, name.GetLocalName()), *scoped);
+    return entry.made != 0;
   }
 };
 

@@ -140,9 +140,8 @@ class RKXML_HIDDEN CJsonTextWriter::RecordOutput final
  public:
   using CFormRecordOutput::CFormRecordOutput;
 
-  std::uint64_t GetScope() const noexcept { return m_writer.m_pool->GetScope(); }
-  const CNamespaceName* MakeElement(const CNameToken& name, MadeKey& made);
-  const CNamespaceName* MakeAttribute(const CNameToken& name, MadeKey& made);
+  bool MakeElement(const CNameToken& name, Entry& entry);
+  bool MakeAttribute(const CNameToken& name, Entry& entry);
   bool PutStart(const CNameToken& name, Entry& entry);
   bool PutText(const CNameToken& name, Entry& entry, std::wstring_view text, ItemType type, bool isCanonical);
   bool PutAttribute(const CNameToken& name, Entry& entry, std::wstring_view value, ItemType type, bool isCanonical);
@@ -158,20 +157,20 @@ class RKXML_HIDDEN CJsonTextWriter::RecordOutput final
                    ItemType type, bool isCanonical);
 };
 
-const CNamespaceName* CJsonTextWriter::RecordOutput::MakeElement(const CNameToken& name, MadeKey& made) {
-  const CNamespaceName& namespaceName = m_writer.NameOf(name.GetNamespace());
+bool CJsonTextWriter::RecordOutput::MakeElement(const CNameToken& name, Entry& entry) {
+  entry.namespaceName = &m_writer.NameOf(name.GetNamespace());
   const bool mayHavePrefix = m_writer.m_roundTrip == JsonRoundTrip_Namespaces;
-  made.prefix = mayHavePrefix ? m_writer.FindElementPrefix(namespaceName) : &kNone.Get();
-  made.level = MadeKey::kNoLevel;
-  return made.prefix != nullptr ? &namespaceName : nullptr;
+  entry.made.prefix = mayHavePrefix ? m_writer.FindElementPrefix(*entry.namespaceName) : &kNone.Get();
+  entry.made.level = MadeKey::kNoLevel;
+  return entry.made.prefix != nullptr;
 }
 
-const CNamespaceName* CJsonTextWriter::RecordOutput::MakeAttribute(const CNameToken& name, MadeKey& made) {
-  const CNamespaceName& namespaceName = m_writer.NameOf(name.GetNamespace());
-  const bool hasPrefix = m_writer.m_roundTrip == JsonRoundTrip_Namespaces && namespaceName.ordinal != 0;
-  made.prefix = hasPrefix ? m_writer.FindAttributePrefix(name.GetNamespace()) : &kNone.Get();
-  made.level = MadeKey::kNoLevel;
-  return made.prefix != nullptr && name.GetNamespace() != XMLNS_NAMESPACE ? &namespaceName : nullptr;
+bool CJsonTextWriter::RecordOutput::MakeAttribute(const CNameToken& name, Entry& entry) {
+  const std::wstring& namespaceUri = name.GetNamespace();
+  const bool hasPrefix = m_writer.m_roundTrip == JsonRoundTrip_Namespaces && !namespaceUri.empty();
+  entry.made.prefix = hasPrefix ? m_writer.FindAttributePrefix(namespaceUri) : &kNone.Get();
+  entry.made.level = MadeKey::kNoLevel;
+  return entry.made.prefix != nullptr && namespaceUri != XMLNS_NAMESPACE;
 }
 
 inline bool CJsonTextWriter::RecordOutput::HasKey(MadeKey& made, const CNameToken& name, std::wstring_view marker,

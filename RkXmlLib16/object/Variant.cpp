@@ -273,18 +273,11 @@ void RkVariant::AppendTo(std::wstring& out, const wchar_t* format) const {
   });
 }
 
-const wchar_t* RkVariant::WriteFew(wchar_t* end) const {
-  return Dispatch(m_type, [&](auto item) {
+std::wstring_view RkVariant::GetText(TextSpace& space, const wchar_t* format) const {
+  return Dispatch(m_type, [&](auto item) -> std::wstring_view {
     constexpr ItemType kItem = decltype(item)::value;
-    return CConversions::WriteFew<kItem>(GetValue<kItem>(), end);
+    return CConversions::GetText<kItem>(GetValue<kItem>(), space, format);
   });
-}
-
-std::wstring_view RkVariant::GetText(std::wstring& scratch, const wchar_t* format) const {
-  if (m_type == ItemType_string) return m_text;
-  scratch.clear();
-  AppendTo(scratch, format);
-  return scratch;
 }
 
 void RkVariant::FromString(const std::wstring& text) { FromText(text, static_cast<ItemType>(m_type)); }

@@ -23,6 +23,7 @@ namespace RkXmlLib16 {
 
 class CXmlObjectBase;
 class CXmlCollectionBase;
+struct TextSpace;  // types/Conversions.h
 template <class T>
 class CSmartPtr;
 
@@ -158,10 +159,8 @@ class RKXML_EXPORT RkVariant {
   std::wstring ToString(const wchar_t* format = nullptr) const;
   // The same behind `out`.
   void AppendTo(std::wstring& out, const wchar_t* format = nullptr) const;
-  // As CConversions::WriteFew. Throws as ToString does.
-  const wchar_t* WriteFew(wchar_t* end) const;
-  // The same as a view of this variant's own text where it is a string, else of `scratch`, which is overwritten.
-  std::wstring_view GetText(std::wstring& scratch, const wchar_t* format = nullptr) const;
+  // The same in the space, or this variant's own text where it is a string.
+  std::wstring_view GetText(TextSpace& space, const wchar_t* format = nullptr) const;
 
   // Read the lexical form of the current type, or of `type`, which becomes the type when the text could be read.
   // Without a rule white space is collapsed, but kept in strings and characters. Throw CRkException

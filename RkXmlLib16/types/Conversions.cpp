@@ -273,7 +273,7 @@ XsdValue<kItem> Parse(wstring_view text) {
 
 template <ItemType kItem>
 void AppendFew(wstring& out, XsdValue<kItem> value) {
-  wchar_t buffer[CConversions::kFewCharacters];
+  wchar_t buffer[TextSpace::kFewCharacters];
   const wchar_t* const first = CConversions::WriteFew<kItem>(value, std::end(buffer));
   out.append(first, static_cast<std::size_t>(std::end(buffer) - first));
 }

@@ -12,6 +12,16 @@
 
 namespace RkXmlLib16 {
 
+// Space for the lexical form of a value: for one of few characters, and for others.
+struct TextSpace {
+  static constexpr std::size_t kFewCharacters = 20;
+
+  explicit TextSpace(std::wstring& forLonger) : longer(forLonger) {}
+
+  wchar_t few[kFewCharacters];
+  std::wstring& longer;
+};
+
 // Every XSD primitive value from its lexical form and back. Reading first applies the whitespace rule; what cannot be
 // read throws CRkInvalidValueException, whose message quotes the text after that rule (hexBinary and base64Binary
 // throw CRkException). Numbers read and print the same under every locale of the process.
@@ -32,13 +42,28 @@ class RKXML_EXPORT CConversions {
   static XsdValue<kItem> FromText(std::wstring_view text, Rule rule);
   template <ItemType kItem>
   static void AppendTo(std::wstring& out, const XsdValue<kItem>& value, const wchar_t* format = nullptr);
+  // The same in the space, or the value itself where it is a string.
+  template <ItemType kItem>
+  static std::wstring_view GetText(const XsdValue<kItem>& value, TextSpace& space, const wchar_t* format = nullptr) {
+    if constexpr (kItem == ItemType_string) {
+      return value;
+    } else {
+      const bool isPlain = format == nullptr || *format == L'\0';
+      wchar_t* const end = space.few + TextSpace::kFewCharacters;
+      if (const wchar_t* const first = isPlain ? WriteFew<kItem>(value, end) : nullptr)
+        return {first, static_cast<std::size_t>(end - first)};
+      space.longer.clear();
+      AppendTo<kItem>(space.longer, value, format);
+      return space.longer;
+    }
+  }
   // Writes the lexical form of an integer, a decimal or a dateTime, if it is one of few characters, so that it ends
   // before `end`, and returns its start. Null, and nothing of use written, for others. There must be space for
-  // kFewCharacters.
-  static constexpr std::size_t kFewCharacters = 20;
+  // TextSpace::kFewCharacters.
   template <ItemType kItem>
   static const wchar_t* WriteFew(const XsdValue<kItem>& value, wchar_t* end) {
-    static_assert(CDecimal::kFewCharacters <= kFewCharacters && CDateTime::kPlainCharacters <= kFewCharacters);
+    static_assert(CDecimal::kFewCharacters <= TextSpace::kFewCharacters);
+    static_assert(CDateTime::kPlainCharacters <= TextSpace::kFewCharacters);
     if constexpr (kItem == ItemType_decimal)
       return value.WriteFew(end);
     else if constexpr (kItem == ItemType_dateTime)

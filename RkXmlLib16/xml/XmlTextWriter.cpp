@@ -101,9 +101,8 @@ class RKXML_HIDDEN CXmlTextWriter::RecordOutput final
  public:
   using CFormRecordOutput::CFormRecordOutput;
 
-  std::uint64_t GetScope() const noexcept { return m_writer.m_pool->GetScope(); }
-  const CNamespaceName* MakeElement(const CNameToken& name, MadeMarkup& made);
-  const CNamespaceName* MakeAttribute(const CNameToken& name, MadeMarkup& made);
+  bool MakeElement(const CNameToken& name, Entry& entry);
+  bool MakeAttribute(const CNameToken& name, Entry& entry);
   bool PutStart(const CNameToken& name, Entry& entry);
   bool PutText(const CNameToken& name, Entry& entry, std::wstring_view text, ItemType type, bool isCanonical);
   bool PutAttribute(const CNameToken& name, Entry& entry, std::wstring_view value, ItemType type, bool isCanonical);
@@ -117,24 +116,25 @@ class RKXML_HIDDEN CXmlTextWriter::RecordOutput final
   wchar_t* BeginChild(std::size_t count);
 };
 
-const CNamespaceName* CXmlTextWriter::RecordOutput::MakeElement(const CNameToken& name, MadeMarkup& made) {
-  const CNamespaceName& namespaceName = m_writer.NameOf(name.GetNamespace());
-  made.prefix = m_writer.FindElementPrefix(namespaceName);
-  made.depth = 0;  // that of the root
-  return made.prefix != nullptr ? &namespaceName : nullptr;
+bool CXmlTextWriter::RecordOutput::MakeElement(const CNameToken& name, Entry& entry) {
+  entry.namespaceName = &m_writer.NameOf(name.GetNamespace());
+  entry.made.prefix = m_writer.FindElementPrefix(*entry.namespaceName);
+  entry.made.depth = 0;  // that of the root
+  return entry.made.prefix != nullptr;
 }
 
-const CNamespaceName* CXmlTextWriter::RecordOutput::MakeAttribute(const CNameToken& name, MadeMarkup& made) {
-  const CNamespaceName& namespaceName = m_writer.NameOf(name.GetNamespace());
-  made.prefix = namespaceName.ordinal == 0 ? &kNoPrefix.Get() : m_writer.FindPrefixInScope(name.GetNamespace());
-  if (made.prefix == nullptr || name.GetNamespace() == XMLNS_NAMESPACE) return nullptr;
-  if (1 + made.prefix->size() + 1 + name.GetLocalName().size() + 2 > std::size(made.start.text)) return nullptr;
+bool CXmlTextWriter::RecordOutput::MakeAttribute(const CNameToken& name, Entry& entry) {
+  MadeMarkup& made = entry.made;
+  const std::wstring& namespaceUri = name.GetNamespace();
+  made.prefix = namespaceUri.empty() ? &kNoPrefix.Get() : m_writer.FindPrefixInScope(namespaceUri);
+  if (made.prefix == nullptr || namespaceUri == XMLNS_NAMESPACE) return false;
+  if (1 + made.prefix->size() + 1 + name.GetLocalName().size() + 2 > std::size(made.start.text)) return false;
   made.start.text[0] = L' ';
   wchar_t* to = PutQName(made.start.text + 1, *made.prefix, name.GetLocalName());
   *to++ = L'=';
   *to++ = L'"';
   made.start.length = static_cast<std::size_t>(to - made.start.text);
-  return &namespaceName;
+  return true;
 }
 
 inline bool CXmlTextWriter::RecordOutput::HasTags(const CNameToken& name, MadeMarkup& made) {

@@ -76,7 +76,8 @@ TEST(Variant, EveryKindRoundTripsThroughTextCopiesAndMoves) {
       ASSERT_EQ(text, target.ToString()) << "after " << otherText;
     }
     std::wstring scratch;
-    EXPECT_TEXT(text, reused.GetText(scratch));
+    TextSpace space(scratch);
+    EXPECT_TEXT(text, reused.GetText(space));
     // Nil keeps the type, and the next value ends it.
     reused.SetNil();
     EXPECT_TRUE(reused.IsNil() && reused.IsValid());

@@ -55,9 +55,19 @@ struct ModelProperty {
   }
 };
 
-// The records of the elements in their order, as they are asked to write: those of the first properties, as long as
-// these are in the same order, and the others.
+// How the members are written: the attributes, and the records of the elements in their order, those of the first
+// properties, as long as these are in the same order, and the others.
 struct WrittenMembers {
+  struct Attribute {
+    Attribute(const CAttributeInfo& info, ItemType type);
+
+    const CAttributeInfo& record;  // which writes what only AccessProperty can tell
+    const RkXmlLib16::CNameToken& name;
+    int property;
+    ItemType itemType;
+    bool isOptional;
+    std::wstring_view omitted;  // the default value that a setting leaves out, or empty
+  };
   struct Other {
     const CElementInfo* record;
     bool isOnlyIfSet;
@@ -65,6 +75,8 @@ struct WrittenMembers {
 
   void Add(const CElementInfo& record, bool isOnlyIfSet);
 
+  std::vector<Attribute> attributes;
+  const CAttributeInfo* attributeWildcard = nullptr;
   std::uint64_t always = 0;  // as CPropertySet has them
   std::uint64_t ifSet = 0;
   std::vector<const CElementInfo*> first;  // by property

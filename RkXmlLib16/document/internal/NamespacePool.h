@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdint>
 #include <deque>
 #include <iterator>
 #include <memory>
@@ -59,13 +58,6 @@ class CNamespacePool {
   }
   const CNamespaceName& GetEmpty() noexcept { return m_names.front(); }
 
-  // The number of the declarations in effect. Other declarations have another number, and the same ones get theirs back
-  // when they are in effect again. kNoScope when they may change unnoticed.
-  static constexpr std::uint64_t kNoScope = 0;
-  std::uint64_t GetScope() const noexcept { return m_scope; }
-  void SetScope(std::uint64_t scope) noexcept { m_scope = scope; }
-  std::uint64_t NewScope() noexcept { return ++m_lastScope; }
-
  private:
   static constexpr std::size_t kShort = 64;  // characters that are quickly compared
 
@@ -77,8 +69,6 @@ class CNamespacePool {
   std::unordered_map<std::wstring_view, const CNamespaceName*, CKeyedHash> m_byText;  // without the empty one
   std::unordered_map<const std::wstring*, std::pair<SharedText, const CNamespaceName*>> m_byAddress;
   const CNamespaceName* m_recent[8];  // short ones, by length and end
-  std::uint64_t m_scope = kNoScope;
-  std::uint64_t m_lastScope = kNoScope;
   const std::wstring* m_told = nullptr;
   const CNamespaceName* m_toldName = nullptr;
 };

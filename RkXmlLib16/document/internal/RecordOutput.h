@@ -30,6 +30,8 @@ class CRecordOutput {
   virtual void EndElement() = 0;
 
  protected:
+  static constexpr std::uint64_t kNoScope = CXmlWriter::kNoScope;
+  static std::uint64_t ScopeOf(const CXmlWriter& writer) noexcept { return writer.m_scopeNumber; }
   static void PlainStart(CXmlWriter& writer, const CNameToken& name) {
     writer.WriteStartElement(name.GetLocalName(), name.GetNamespace());
   }
@@ -66,10 +68,9 @@ constexpr bool HasNothingToEscape(ItemType type) {
 // each element and each attribute, of those that share a place the last one. Invariant: an entry holds in the scope of
 // its number. `Form` is derived from this and has
 //
-//   std::uint64_t GetScope() const;  // the number of the declarations in effect, or kNoScope
-//   // The namespace as the writer has it once, or null when the plain operations have to write the name.
-//   const CNamespaceName* MakeElement(const CNameToken& name, Made& made);
-//   const CNamespaceName* MakeAttribute(const CNameToken& name, Made& made);
+//   // Make what the entry holds; or return false when the plain operations have to write the name.
+//   bool MakeElement(const CNameToken& name, Entry& entry);
+//   bool MakeAttribute(const CNameToken& name, Entry& entry);
 //   // Write with what the entry holds; or write nothing and return false, and the plain operations write it all.
 //   bool PutStart(const CNameToken& name, Entry& entry);
 //   bool PutText(const CNameToken& name, Entry& entry, std::wstring_view text, ItemType type, bool isCanonical);
@@ -80,7 +81,7 @@ class CFormRecordOutput : public CRecordOutput {
   struct Entry {
     std::uint32_t number = CNameToken::kNoNumber;
     std::uint64_t scope = kNotKept;
-    const CNamespaceName* namespaceName;
+    const CNamespaceName* namespaceName;  // as the writer has it once; of elements
     Made made;
   };
 
@@ -107,8 +108,9 @@ class CFormRecordOutput : public CRecordOutput {
     if (!GetForm().PutEnd()) m_writer.Writer::WriteEndElement();
   }
 
-  // A form may hide it. Like the others it may write nothing and return false.
+  // A form may hide these. Like the others PutEnd may write nothing and return false.
   static constexpr bool PutEnd() noexcept { return false; }
+  std::uint64_t GetScope() const noexcept { return ScopeOf(m_writer); }
 
  protected:
   // The entry of the number that an element was started by; null when it is that of another name or scope now.
@@ -134,10 +136,9 @@ class CFormRecordOutput : public CRecordOutput {
   template <auto kMake>
   [[gnu::noinline]] bool Remake(const CNameToken& name, std::uint64_t scope, Entry& entry) {
     entry.scope = kNotKept;
-    entry.namespaceName = (GetForm().*kMake)(name, entry.made);
-    if (entry.namespaceName == nullptr) return false;
+    if (!(GetForm().*kMake)(name, entry)) return false;
     entry.number = name.GetNumber();
-    if (scope != CNamespacePool::kNoScope && entry.number != CNameToken::kNoNumber) entry.scope = scope;
+    if (scope != kNoScope && entry.number != CNameToken::kNoNumber) entry.scope = scope;
     return true;
   }
 
