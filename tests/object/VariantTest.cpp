@@ -1,4 +1,5 @@
 #include "RkXmlLib16/object/Variant.h"
+#include "RkXmlLib16/types/Conversions.h"
 
 #include <malloc.h>
 
