@@ -77,7 +77,7 @@ void CXmlDocument::Storage::GrowNameTable() {
 }
 
 [[gnu::noinline]] void CXmlDocument::Storage::Open(CXmlElement* previousSibling) {
-  open.push_back({previousSibling, nodes.GetMark(), texts.GetMark(), nodeCount - 1, charCount,
+  open.push_back({previousSibling, nodes.GetMark(), texts.GetMark(), nodeCount - 1, charCount, lastingCharCount,
                   declarations.size() - pendingDeclarations});
 }
 
@@ -94,12 +94,17 @@ void CXmlDocument::Storage::CountNode() {
 void CXmlDocument::Storage::CountCharacters(std::size_t more) {
   const unsigned long limit = document.m_context->GetLimits().GetMaxCharacters();
   charCount += more;
-  if (charCount + lastingCharCount > limit && limit != 0) ThrowExceeded(L"characters", limit);
+  if (charCount > limit && limit != 0) ThrowExceeded(L"characters", limit);
 }
 
 void CXmlDocument::Storage::CountLasting(std::size_t more) {
   lastingCharCount += more;
-  CountCharacters(0);
+  CountCharacters(more);
+}
+
+void CXmlDocument::Storage::DropCounts(const OpenElement& start) {
+  nodeCount = start.nodeCount;
+  charCount = start.charCount + (lastingCharCount - start.lastingCharCount);
 }
 
 void CXmlDocument::Storage::DropDeclarations(std::size_t count) {
@@ -259,8 +264,7 @@ void CXmlDocument::DropPiece(CXmlElement* element) {
   storage.DropDeclarations(start.declarationCount);
   storage.nodes.RewindTo(start.nodes);
   storage.texts.RewindTo(start.texts);
-  storage.nodeCount = start.nodeCount;
-  storage.charCount = start.charCount;
+  storage.DropCounts(start);
 }
 
 void CXmlDocument::CountTable(std::size_t charCount) {
@@ -392,8 +396,7 @@ void CXmlDocument::EndElement() {
   if (reclaimable && nodes == storage.nodes.GetMark() && texts == storage.texts.GetMark()) {
     storage.nodes.RewindTo(start.nodes);
     storage.texts.RewindTo(start.texts);
-    storage.nodeCount = start.nodeCount;
-    storage.charCount = start.charCount;
+    storage.DropCounts(start);
   } else {
     storage.pinned = storage.open.size();
   }

@@ -72,6 +72,12 @@ bool HasSameName(const CXmlAttribute& a, const CXmlAttribute& b) {
   return a.GetLocalNameRef() == b.GetLocalNameRef() && a.GetNamespaceRef() == b.GetNamespaceRef();
 }
 
+// Whether the octet behind the attributes ends their element too.
+bool EndsElement(unsigned char octet) {
+  if (octet != FastInfoset::kTerminator && octet != FastInfoset::kDoubleTerminator) ThrowInvalidItem();
+  return octet == FastInfoset::kDoubleTerminator;
+}
+
 template <class Table, class Entry>
 void AppendEntry(Table& table, Entry entry) {
   if (table.size() < FI_MAX_TABLE_ENTRIES) table.push_back(entry);
@@ -89,6 +95,8 @@ inline const unsigned char* CFastInfosetReader::Move(std::size_t n) {
 }
 
 inline unsigned char CFastInfosetReader::Next() { return *Move(1); }
+
+inline bool CFastInfosetReader::HasOpenElement() const noexcept { return m_document.GetCurrentElement() != nullptr; }
 
 inline unsigned long CFastInfosetReader::Integer(const IntegerLayout& layout, unsigned char octet,
                                                  const wchar_t* error) {
@@ -130,30 +138,6 @@ inline const CFastInfosetReader::QName& CFastInfosetReader::QualifiedNameOrIndex
   return KnownName(m_elementNames, Integer1To2pw20Bit3(octet), kInvalidIndexBit3);
 }
 
-inline CXmlTextBlock* CFastInfosetReader::ReadPlainValue(unsigned char octet) {
-  constexpr std::size_t kFirstLong = FastInfoset::kLengthBit5.forms[1].lowest;
-  const bool isLong = (octet & 0x08) != 0;
-  const bool isLongest = isLong && (octet & 0x07) != 0;
-  if ((octet & 0x30) != 0 || isLongest || !m_tree->IsPlain() || m_at == m_end) return nullptr;
-  const std::size_t length = isLong ? *m_at + kFirstLong : (octet & 0x07) + std::size_t{1};
-  const unsigned char* const octets = m_at + (isLong ? 1 : 0);
-  CXmlTextBlock* const value = m_tree->MakeText<>(octets, length, m_end);
-  if (value != nullptr) m_at = octets + length;
-  return value;
-}
-
-inline CXmlTextBlock* CFastInfosetReader::ReadPlainText(unsigned char octet) {
-  constexpr std::size_t kFirstLong = FastInfoset::kLengthBit7.forms[1].lowest;
-  const bool isLong = (octet & 0x02) != 0;
-  const bool isLongest = (octet & 0x03) == 0x03;
-  if ((octet & 0x0C) != 0 || isLongest || !m_tree->IsPlain() || m_at == m_end) return nullptr;
-  const std::size_t length = isLong ? *m_at + kFirstLong : (octet & 0x01) + std::size_t{1};
-  const unsigned char* const octets = m_at + (isLong ? 1 : 0);
-  CXmlTextBlock* const text = m_tree->MakeText<'\r'>(octets, length, m_end);
-  if (text != nullptr) m_at = octets + length;
-  return text;
-}
-
 inline void CFastInfosetReader::AddShared(CXmlTextBlock* block, Values& table) {
   if (table.size() >= FI_MAX_TABLE_ENTRIES) return;
   CTreeBuilder::Share(*block);
@@ -162,14 +146,7 @@ inline void CFastInfosetReader::AddShared(CXmlTextBlock* block, Values& table) {
 
 inline CXmlAttribute* CFastInfosetReader::NonIdentifyingStringOrIndexBit1(CXmlElement* element, const QName& name) {
   const unsigned char octet = Next();
-  if ((octet & FastInfoset::kValueIndexBit) == 0) {
-    CXmlTextBlock* const value = ReadPlainValue(octet);
-    if (value == nullptr) return DecodeAttribute(element, name, octet);
-    CXmlAttribute* const attribute = m_tree->AddAttribute(element, name.localName, name.namespaceUri, value);
-    if ((octet & FastInfoset::kValueAddBit) != 0) AddShared(value, m_attributeValues);
-    m_tree->Count(*value);
-    return attribute;
-  }
+  if ((octet & FastInfoset::kValueIndexBit) == 0) return DecodeAttribute(element, name, octet);
   const unsigned long index = Integer0To2pw20Bit2(octet);
   CXmlTextBlock* value = nullptr;
   if (index != 0) {
@@ -197,22 +174,24 @@ inline void CFastInfosetReader::NonIdentifyingStringOrIndexBit3(CXmlElement* ele
     if (!IsKnown(index, m_chunks.size()) || index == m_skippedChunk) throw CRkException(kInvalidIndexBit4);
     return AppendIndexed(element, m_chunks[index - 1]);
   }
-  CXmlTextBlock* const text = CTreeBuilder::HasText(*element) ? nullptr : ReadPlainText(octet);
-  if (text == nullptr) return DecodeText(element, octet);
-  CTreeBuilder::SetText(*element, text);
-  if ((octet & FastInfoset::kChunkAddBit) != 0) AddShared(text, m_chunks);
-  m_tree->Count(*text);
+  DecodeText(element, octet);
 }
 
-inline void CFastInfosetReader::AtrributeBit2(CXmlElement* element, unsigned char octet) {
+void CFastInfosetReader::AtrributeBit2(CXmlElement* element, unsigned char octet) {
   const std::size_t offset = GetLastOffset();
   const QName& name = QualifiedNameOrIndexBit2(octet);
   CountExpansion(name.localName->View().size());
   CXmlDocument::SetOffset(NonIdentifyingStringOrIndexBit1(element, name), offset);
 }
 
-// Up to the end of the attributes. False when the element has ended with them.
-inline bool CFastInfosetReader::ElementStart(unsigned char octet) {
+inline void CFastInfosetReader::RequireDifferentNames(const CXmlElement& element) {
+  const CXmlAttributes& attributes = element.GetAttributes();
+  if (attributes.size() > 2 || (attributes.size() == 2 && HasSameName(*attributes[0], *attributes[1])))
+    CompareNames(attributes);
+}
+
+// Up to the end of the attributes, and of the element if it ends with them.
+void CFastInfosetReader::ElementStart(unsigned char octet) {
   const std::size_t offset = GetLastOffset();
   const bool hasAttributes = (octet & FastInfoset::kAttributesBit) != 0;
   if ((octet & 0x3C) == FastInfoset::kElementNamespaces) {
@@ -223,19 +202,11 @@ inline bool CFastInfosetReader::ElementStart(unsigned char octet) {
   const QName& name = QualifiedNameOrIndexBit3(octet);
   CountExpansion(name.localName->View().size());
   CXmlElement* const element = m_tree->AddElement(name.namespaceUri, name.localName, offset);
-  if (!hasAttributes) {
-    if (!m_tree->IsPlain()) m_document.CompleteStart(element);
-    return true;
-  }
+  if (!hasAttributes) return m_document.CompleteStart(element);
   for (octet = Next(); octet < 0x80; octet = Next()) AtrributeBit2(element, octet);
-  const CXmlAttributes attributes = element->GetAttributes();
-  if (attributes.size() > 2 || (attributes.size() == 2 && HasSameName(*attributes[0], *attributes[1])))
-    RequireDifferentNames(*element);
-  if (!m_tree->IsPlain()) m_document.CompleteStart(element);
-  if (octet == FastInfoset::kTerminator) return true;
-  if (octet != FastInfoset::kDoubleTerminator) ThrowInvalidItem();
-  m_tree->EndElement();
-  return false;
+  RequireDifferentNames(*element);
+  m_document.CompleteStart(element);
+  if (EndsElement(octet)) m_document.EndElement();
 }
 
 CFastInfosetReader::CFastInfosetReader(const CFastInfosetContext& context, CXmlDocument& document)
@@ -292,7 +263,6 @@ void CFastInfosetReader::Cleanup() {
   m_origin = 0;
   m_more = nullptr;
   m_state = State::Start;
-  m_depth = 0;
   m_isParentEnding = false;
   m_tree = nullptr;
   for (Values* values : {&m_attributeValues, &m_chunks}) values->clear();
@@ -421,13 +391,13 @@ void CFastInfosetReader::Version() { SkipNonIdentifyingStringOrIndexBit1(); }
 
 bool CFastInfosetReader::ReadChildren() {
   for (;;) {
-    if (m_depth != 0) ElementBit2();
+    if (HasOpenElement()) ElementBit2();
     if (m_document.IsPaused()) return true;
     if (m_state == State::End) break;
     const unsigned char octet = Next();
     if (octet < 0x80) {
       if (m_document.GetDocumentElement() != nullptr) ThrowInvalidItem();
-      StartRoot(octet);
+      ElementStart(octet);
     } else if (octet == FastInfoset::kProcessingInstruction) {
       ProcessingInstruction();
     } else if (octet == FastInfoset::kComment) {
@@ -444,49 +414,207 @@ bool CFastInfosetReader::ReadChildren() {
   return false;
 }
 
-// Apart, so that the start of an element stands inline only where most begin.
-[[gnu::noinline]] void CFastInfosetReader::StartRoot(unsigned char octet) { m_depth = ElementStart(octet) ? 1 : 0; }
-
 // What the open elements hold, up to the end of the document element or to a pause.
 void CFastInfosetReader::ElementBit2() {
   if (m_isParentEnding) {
     m_isParentEnding = false;
     m_document.EndElement();
-    --m_depth;
   }
-  while (m_depth > 0 && !m_document.IsPaused()) {
-    const unsigned char octet = Next();
-    if (octet < 0x80) {
-      if (ElementStart(octet)) ++m_depth;
-    } else if (octet < 0xC0) {
-      NonIdentifyingStringOrIndexBit3(m_document.GetCurrentElement(), octet);
-    } else if (octet == FastInfoset::kTerminator) {
-      m_tree->EndElement();
-      --m_depth;
-    } else if (octet == FastInfoset::kDoubleTerminator) {
-      m_tree->EndElement();
-      if (--m_depth == 0) {
-        m_state = State::End;
-      } else if (m_document.IsPaused()) {
-        m_isParentEnding = true;
-      } else {
-        m_tree->EndElement();
-        --m_depth;
-      }
-    } else if (octet == FastInfoset::kProcessingInstruction) {
-      ProcessingInstruction();
-    } else if (octet == FastInfoset::kComment) {
-      Comment();
-    } else if ((octet & 0xFC) == FastInfoset::kEntityReference) {
-      UnexpandedEntityReferenceBit7(octet);
-    } else {
-      ThrowInvalidItem();
-    }
+  if (m_tree->IsPlain() && !m_isVocabularyLost) return ReadUsual();
+  while (HasOpenElement() && !m_document.IsPaused()) ReadItem(Next());
+}
+
+void CFastInfosetReader::ReadItem(unsigned char octet) {
+  if (octet < 0x80) {
+    ElementStart(octet);
+  } else if (octet < 0xC0) {
+    NonIdentifyingStringOrIndexBit3(m_document.GetCurrentElement(), octet);
+  } else if (octet == FastInfoset::kTerminator) {
+    m_document.EndElement();
+  } else if (octet == FastInfoset::kDoubleTerminator) {
+    m_document.EndElement();
+    if (!HasOpenElement())
+      m_state = State::End;
+    else if (m_document.IsPaused())
+      m_isParentEnding = true;
+    else
+      m_document.EndElement();
+  } else if (octet == FastInfoset::kProcessingInstruction) {
+    ProcessingInstruction();
+  } else if (octet == FastInfoset::kComment) {
+    Comment();
+  } else if ((octet & 0xFC) == FastInfoset::kEntityReference) {
+    UnexpandedEntityReferenceBit7(octet);
+  } else {
+    ThrowInvalidItem();
   }
 }
 
-void CFastInfosetReader::RequireDifferentNames(const CXmlElement& element) {
-  const CXmlAttributes attributes = element.GetAttributes();
+// The usual case: names of the tables, by an octet each; texts and values that are in the tables, or short literals of
+// plain characters; one text in an element; no limit reached; no filter, not in pieces. Nothing that fails is usual.
+// Each of these reads all that it is for at `at`, or nothing.
+
+// Nothing for a number that is not in the table.
+template <class Entry>
+[[gnu::always_inline]] inline Entry CFastInfosetReader::FindEntry(const std::vector<Entry>& table, std::size_t number) {
+  const Entry* const entry = table.data() + number;
+  return entry < table.data() + table.size() ? *entry : Entry{};
+}
+
+// The number of an entry, in one or two octets.
+template <const IntegerLayout& kLayout>
+[[gnu::always_inline]] inline bool CFastInfosetReader::TryIndex(const unsigned char*& at, std::size_t& number) {
+  constexpr const IntegerForm& second = kLayout.forms[1];
+  const unsigned char bits = *at & kLayout.field;
+  if (bits >= second.pattern) {
+    if (bits >= kLayout.forms[2].pattern || m_end - at < 2) return false;
+    number = (static_cast<std::size_t>(bits - second.pattern) << 8 | at[1]) + second.lowest - 1;
+    at += 2;
+  } else {
+    number = bits;
+    ++at;
+  }
+  return true;
+}
+
+// A literal in UTF-8 with a length of up to two octets, which begins in the bits of the first.
+template <unsigned char kLengthBits, unsigned char... Refused>
+[[gnu::always_inline]] inline CXmlTextBlock* CFastInfosetReader::TryLiteral(CTreeBuilder& tree,
+                                                                            const unsigned char*& at) {
+  constexpr unsigned char kLong = (kLengthBits + 1) / 2;
+  constexpr std::size_t kFirstLong = kLong + 1;
+  const unsigned char bits = *at & kLengthBits;
+  if (bits > kLong || m_end - at < 2) return nullptr;
+  const bool isLong = bits == kLong;
+  const unsigned char* const octets = at + (isLong ? 2 : 1);
+  const std::size_t length = isLong ? at[1] + kFirstLong : bits + std::size_t{1};
+  CXmlTextBlock* const text = tree.MakeText<Refused...>(octets, length, m_end);
+  if (text == nullptr || !tree.CanCount(*text)) return nullptr;
+  at = octets + length;
+  return text;
+}
+
+// The name.
+[[gnu::always_inline]] inline CXmlElement* CFastInfosetReader::TryStart(CTreeBuilder& tree, CXmlElement* parent,
+                                                                        const unsigned char*& at) {
+  const unsigned char index = *at & FastInfoset::kIndexBit3.field;
+  if (index >= FastInfoset::kIndexBit3.forms[1].pattern) return nullptr;
+  const QName name = FindEntry(m_elementNames, index);
+  if (name.localName == nullptr) return nullptr;
+  const unsigned long expanded = m_expanded + name.localName->View().size();
+  if (expanded > m_expansionLimit) return nullptr;
+  CXmlElement* const element = tree.TryAddChild(parent, name.namespaceUri, name.localName, OffsetOf(at));
+  if (element == nullptr) return nullptr;
+  m_expanded = expanded;
+  ++at;
+  return element;
+}
+
+[[gnu::always_inline]] inline bool CFastInfosetReader::TryAttribute(CTreeBuilder& tree, CXmlElement* element,
+                                                                    const unsigned char*& at) {
+  const unsigned char* next = at + 1;
+  if (*at >= FastInfoset::kIndexBit2.forms[1].pattern || next == m_end) return false;
+  const QName name = FindEntry(m_attributeNames, *at);
+  if (name.localName == nullptr) return false;
+  unsigned long expanded = m_expanded + name.localName->View().size();
+  const unsigned char octet = *next;
+  CXmlTextBlock* value = nullptr;
+  if ((octet & FastInfoset::kValueIndexBit) == 0) {
+    value = (octet & 0x30) == 0 ? TryLiteral<0x0F>(tree, next) : nullptr;
+    if (value == nullptr) return false;
+  } else {
+    std::size_t number = 0;
+    value = TryIndex<FastInfoset::kIndexBit2>(next, number) ? FindEntry(m_attributeValues, number).block : nullptr;
+    if (value == nullptr || !tree.CanCount(*value)) return false;
+    expanded += value->m_length;
+  }
+  if (expanded > m_expansionLimit) return false;
+  CXmlAttribute* const attribute = tree.TryAddAttribute(element, name.localName, name.namespaceUri, value);
+  if (attribute == nullptr) return false;
+  CXmlDocument::SetOffset(attribute, OffsetOf(at));
+  if ((octet & (FastInfoset::kValueIndexBit | FastInfoset::kValueAddBit)) == FastInfoset::kValueAddBit)
+    AddShared(value, m_attributeValues);
+  tree.Count(*value);
+  m_expanded = expanded;
+  at = next;
+  return true;
+}
+
+[[gnu::always_inline]] inline bool CFastInfosetReader::TryText(CTreeBuilder& tree, CXmlElement* element,
+                                                               const unsigned char*& at) {
+  const unsigned char octet = *at;
+  if (CTreeBuilder::HasText(*element)) return false;
+  CXmlTextBlock* text = nullptr;
+  if ((octet & FastInfoset::kChunkIndexBit) == 0) {
+    text = (octet & 0x0C) == 0 ? TryLiteral<0x03, '\r'>(tree, at) : nullptr;
+    if (text == nullptr) return false;
+    if ((octet & FastInfoset::kChunkAddBit) != 0) AddShared(text, m_chunks);
+  } else {
+    const unsigned char* next = at;
+    std::size_t number = 0;
+    if (!TryIndex<FastInfoset::kIndexBit4>(next, number)) return false;
+    const Value entry = FindEntry(m_chunks, number);
+    if (entry.block == nullptr || entry.mayHaveReturns) return false;
+    text = entry.block;
+    const unsigned long expanded = m_expanded + text->m_length;
+    if (expanded > m_expansionLimit || !tree.CanCount(*text)) return false;
+    m_expanded = expanded;
+    at = next;
+  }
+  CTreeBuilder::SetText(*element, text);
+  tree.Count(*text);
+  return true;
+}
+
+// Reads to the end of the document element. What is not usual is left to the functions for every case.
+void CFastInfosetReader::ReadUsual() {
+  CTreeBuilder tree(*m_tree);  // of its own, which nothing that is stored can change
+  const unsigned char* at = m_at;
+  CXmlElement* element = m_document.GetCurrentElement();
+  const auto leave = [&](auto&& read) {
+    m_at = at;
+    read();
+    at = m_at;
+  };
+  while (element != nullptr) {
+    const unsigned char octet = at != m_end ? *at : FastInfoset::kComment;
+    CXmlElement* const parent = element->GetParentElement();
+    if (octet < 0x80) {
+      if (CXmlElement* const child = TryStart(tree, element, at)) {
+        element = child;
+        if ((octet & FastInfoset::kAttributesBit) == 0) continue;
+        while (at != m_end && *at < 0x80)
+          if (!TryAttribute(tree, element, at)) leave([&] { AtrributeBit2(element, Next()); });
+        leave([&] {
+          const unsigned char end = Next();
+          RequireDifferentNames(*element);
+          if (!EndsElement(end)) return;
+          tree.EndPlain(*element);
+          element = element->GetParentElement();
+        });
+        continue;
+      }
+    } else if (octet < 0xC0) {
+      if (TryText(tree, element, at)) continue;
+    } else if (octet == FastInfoset::kTerminator && parent != nullptr) {
+      tree.EndPlain(*element);
+      element = parent;
+      ++at;
+      continue;
+    } else if (octet == FastInfoset::kDoubleTerminator && parent != nullptr && parent->GetParentElement() != nullptr) {
+      tree.EndPlain(*element);
+      tree.EndPlain(*parent);
+      element = parent->GetParentElement();
+      ++at;
+      continue;
+    }
+    leave([&] { ReadItem(Next()); });
+    element = m_document.GetCurrentElement();
+  }
+  m_at = at;
+}
+
+void CFastInfosetReader::CompareNames(const CXmlAttributes& attributes) {
   if (attributes.size() <= kFewAttributes) {
     const CXmlAttribute* const end = attributes.front() + attributes.size();
     for (const CXmlAttribute* one = attributes.front(); one != end; ++one)
@@ -559,7 +687,7 @@ const CFastInfosetReader::QName& CFastInfosetReader::ReadQName(unsigned char oct
   bool hasIndex = true;
   const CXmlName* prefix = m_document.GetEmptyName();
   QName& name = m_literalName;
-  name = {prefix, nullptr};
+  name = {nullptr, prefix};
   if (hasPrefix) prefix = IdentifyingStringOrIndex(m_prefixes, hasIndex);
   if (hasNamespace) name.namespaceUri = IdentifyingStringOrIndex(m_namespaceNames, hasIndex);
   name.localName = IdentifyingStringOrIndex(m_localNames, hasIndex);

@@ -17,6 +17,7 @@ namespace RkXmlLib16 {
 
 class CTreeBuilder;
 class CXmlAttribute;
+class CXmlAttributes;
 class CXmlDocument;
 class CXmlElement;
 class CXmlName;
@@ -58,7 +59,7 @@ class RKXML_EXPORT CFastInfosetReader {
   // Reads on, after Start: to a pause of the document (true) or to the end of the Fast Infoset (false).
   bool ReadOn();
   // Of the octet that is read next.
-  std::size_t GetOffset() const noexcept { return reinterpret_cast<std::uintptr_t>(m_at) - m_origin; }
+  std::size_t GetOffset() const noexcept { return OffsetOf(m_at); }
   std::size_t GetRemaining() const noexcept { return static_cast<std::size_t>(m_end - m_at); }
 
   // Drops the vocabulary and the input, as at the start of every Parse.
@@ -67,8 +68,8 @@ class RKXML_EXPORT CFastInfosetReader {
  private:
   using Names = std::vector<const CXmlName*>;
   struct QName {
-    const CXmlName* namespaceUri;
     const CXmlName* localName;
+    const CXmlName* namespaceUri;
   };
   using QNames = std::vector<QName>;
   // A text or attribute value of a table, as the tree holds it; null while empty.
@@ -102,16 +103,29 @@ class RKXML_EXPORT CFastInfosetReader {
 
   bool ReadChildren();
   void ElementBit2();
-  void StartRoot(unsigned char octet);
-  [[gnu::always_inline]] inline bool ElementStart(unsigned char octet);
-  inline void AtrributeBit2(CXmlElement* element, unsigned char octet);  // sic
+  inline bool HasOpenElement() const noexcept;
+  void ReadItem(unsigned char octet);
+  void ElementStart(unsigned char octet);
+  void AtrributeBit2(CXmlElement* element, unsigned char octet);  // sic
   void NamespaceAttributeBit7(unsigned char octet);
-  static void RequireDifferentNames(const CXmlElement& element);
+  static inline void RequireDifferentNames(const CXmlElement& element);
+  static void CompareNames(const CXmlAttributes& attributes);
   void Comment();
   void ProcessingInstruction();
   bool DocumentTypeDeclarationBit7(unsigned char octet);
   void UnexpandedEntityReferenceBit7(unsigned char octet);
   void ExternalIdentifiers(unsigned char octet);
+
+  void ReadUsual();
+  inline CXmlElement* TryStart(CTreeBuilder& tree, CXmlElement* parent, const unsigned char*& at);
+  inline bool TryAttribute(CTreeBuilder& tree, CXmlElement* element, const unsigned char*& at);
+  inline bool TryText(CTreeBuilder& tree, CXmlElement* element, const unsigned char*& at);
+  template <unsigned char kLengthBits, unsigned char... Refused>
+  inline CXmlTextBlock* TryLiteral(CTreeBuilder& tree, const unsigned char*& at);
+  template <const FastInfoset::IntegerLayout& kLayout>
+  inline bool TryIndex(const unsigned char*& at, std::size_t& number);
+  template <class Entry>
+  static inline Entry FindEntry(const std::vector<Entry>& table, std::size_t number);
 
   inline const QName& KnownName(const QNames& names, unsigned long index, const wchar_t* refusal);
   inline const QName& QualifiedNameOrIndexBit2(unsigned char octet);
@@ -127,9 +141,6 @@ class RKXML_EXPORT CFastInfosetReader {
   CXmlAttribute* DecodeAttribute(CXmlElement* element, const QName& name, unsigned char octet);
   void DecodeText(CXmlElement* element, unsigned char octet);
   inline void AppendIndexed(CXmlElement* element, const Value& text);
-  // A literal of plain characters, null for others, which are still to be read.
-  inline CXmlTextBlock* ReadPlainValue(unsigned char octet);
-  inline CXmlTextBlock* ReadPlainText(unsigned char octet);
   void AddValue(std::wstring_view value, Values& table);
   static inline void AddShared(CXmlTextBlock* block, Values& table);
   // Adds the entry of a list that was read past; its index.
@@ -159,6 +170,9 @@ class RKXML_EXPORT CFastInfosetReader {
   std::size_t NonEmptyOctetStringBit5Length(unsigned char octet);
   std::size_t NonEmptyOctetStringBit7Length(unsigned char octet);
   unsigned long LengthOfSequence();
+  std::size_t OffsetOf(const unsigned char* at) const noexcept {
+    return reinterpret_cast<std::uintptr_t>(at) - m_origin;
+  }
   // Of the octet read last.
   std::size_t GetLastOffset() const noexcept { return GetOffset() - 1; }
   // So that n octets are left.
@@ -185,7 +199,6 @@ class RKXML_EXPORT CFastInfosetReader {
   More m_more;                  // null when that is all
   enum class State { Start, Children, End };
   State m_state = State::Start;
-  std::size_t m_depth = 0;        // open elements
   bool m_isParentEnding = false;  // behind a pause, by the same octet
   std::wstring m_text;
   const unsigned char* m_bits = nullptr;  // the octets that GetBits has not begun

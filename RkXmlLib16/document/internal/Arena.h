@@ -35,14 +35,16 @@ class CArena {
   }
   void Take(std::size_t size) noexcept { m_cursor += RoundUp(size); }
 
+  // Takes `more` bytes, a multiple of 8, if they lie at `place`; false when something else does or there is no space.
+  bool Extend(const void* place, std::size_t more) noexcept {
+    if (place != m_cursor || more > static_cast<std::size_t>(m_limit - m_cursor)) return false;
+    m_cursor += more;
+    return true;
+  }
   // Makes the memory at `memory`, `oldSize` bytes, `newSize` bytes long where it lies; false when something else
   // follows it or there is no space.
   bool Extend(const void* memory, std::size_t oldSize, std::size_t newSize) noexcept {
-    if (static_cast<const unsigned char*>(memory) + RoundUp(oldSize) != m_cursor) return false;
-    const std::size_t more = RoundUp(newSize) - RoundUp(oldSize);
-    if (more > static_cast<std::size_t>(m_limit - m_cursor)) return false;
-    m_cursor += more;
-    return true;
+    return Extend(static_cast<const unsigned char*>(memory) + RoundUp(oldSize), RoundUp(newSize) - RoundUp(oldSize));
   }
 
   struct Mark {

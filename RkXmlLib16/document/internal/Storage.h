@@ -35,6 +35,7 @@ struct RKXML_HIDDEN CXmlDocument::Storage {
     CArena::Mark texts;
     std::size_t nodeCount;
     std::size_t charCount;
+    std::size_t lastingCharCount;
     std::size_t declarationCount;
   };
 
@@ -42,11 +43,12 @@ struct RKXML_HIDDEN CXmlDocument::Storage {
 
   // Whether nothing was added or noted yet, as when a new document is emptied before its first load.
   bool IsUntouched() const noexcept {
-    return nodeCount == 0 && nameCount == 0 && charCount + lastingCharCount == 0 && aliases.empty() && noted.empty() &&
+    return nodeCount == 0 && nameCount == 0 && charCount == 0 && aliases.empty() && noted.empty() &&
            siblings == nullptr;
   }
   void GrowNameTable();
-  void Open(CXmlElement* previousSibling);  // before an element is made
+  void Open(CXmlElement* previousSibling);    // before an element is made
+  void DropCounts(const OpenElement& start);  // of what was added since, but for what lasts
   void CountNode();
   void CountCharacters(std::size_t charCount);
   void CountLasting(std::size_t charCount);  // the same for what no filter drops
@@ -64,6 +66,7 @@ struct RKXML_HIDDEN CXmlDocument::Storage {
   CArena texts;
   CArena names;
   CXmlName emptyName;
+  std::size_t depth = 0;                   // of the current element
   std::vector<const CXmlName*> nameTable;  // open addressing, a power of two
   std::size_t nameCount = 0;
   std::map<std::wstring_view, const CXmlName*> aliases;  // prefix to namespace
@@ -86,10 +89,9 @@ struct RKXML_HIDDEN CXmlDocument::Storage {
   };
   std::array<BlanksStep, 64> blanksSteps{};  // what was made of which block last, by both
   std::size_t sharedBlankCount = 0;          // characters
-  std::size_t depth = 0;                     // of the current element
   std::size_t nodeCount = 0;
   std::size_t charCount = 0;
-  std::size_t lastingCharCount = 0;
+  std::size_t lastingCharCount = 0;  // of them, those that no filter drops
   std::vector<CRkDropped> noted;
   std::vector<OpenElement> open;  // only with a filter or in pieces
   // The first so many open elements have something outside them allocated after their start, so that dropping them

@@ -29,58 +29,65 @@ class CTreeBuilder {
     m_mostNodes = OrNone(limits.GetMaxNodes());
     m_mostCharacters = OrNone(limits.GetMaxCharacters());
   }
-  CTreeBuilder(const CTreeBuilder&) = delete;
-  CTreeBuilder& operator=(const CTreeBuilder&) = delete;
 
   // Whether the usual case is possible: texts can be made beforehand and shared.
   bool IsPlain() const noexcept { return m_isPlain; }
 
   CXmlElement* AddElement(const CXmlName* namespaceUri, const CXmlName* localName, std::uint64_t offset) {
     CXmlElement* const parent = m_document.m_currentElement;
-    const bool isUsual = parent != nullptr && m_storage.pendingDeclarations == 0 && m_storage.depth < m_deepest &&
-                         m_storage.nodeCount < m_mostNodes;
-    CXmlElement* element = nullptr;
-    if (isUsual) {
-      ++m_storage.nodeCount;
-      ++m_storage.depth;
-      element = ::new (m_storage.nodes.Allocate(sizeof(CXmlElement))) CXmlElement(parent, localName, namespaceUri);
-      (parent->m_lastChild != nullptr ? parent->m_lastChild->m_nextSibling : parent->m_firstChild) = element;
-      parent->m_lastChild = element;
-      m_document.m_currentElement = element;
-    } else {
-      element = m_document.AddElement(namespaceUri, localName);
-    }
+    if (parent != nullptr && m_storage.pendingDeclarations == 0)
+      if (CXmlElement* const child = TryAddChild(parent, namespaceUri, localName, offset)) return child;
+    CXmlElement* const element = m_document.AddElement(namespaceUri, localName);
     element->m_offset = offset;
+    return element;
+  }
+  // A child of the current element, without declarations. Null, and nothing added, unless the case is the usual one.
+  [[gnu::always_inline]] CXmlElement* TryAddChild(CXmlElement* parent, const CXmlName* namespaceUri,
+                                                  const CXmlName* localName, std::uint64_t offset) {
+    if (m_storage.depth >= m_deepest || m_storage.nodeCount >= m_mostNodes) return nullptr;
+    ++m_storage.nodeCount;
+    ++m_storage.depth;
+    auto* const element =
+        ::new (m_storage.nodes.Allocate(sizeof(CXmlElement))) CXmlElement(parent, localName, namespaceUri);
+    element->m_offset = offset;
+    (parent->m_lastChild != nullptr ? parent->m_lastChild->m_nextSibling : parent->m_firstChild) = element;
+    parent->m_lastChild = element;
+    m_document.m_currentElement = element;
     return element;
   }
 
   void EndElement() {
     CXmlElement* const element = m_document.m_currentElement;
     if (!m_isPlain || element == nullptr) return m_document.EndElement();
-    m_document.m_currentElement = element->m_parent;
+    EndPlain(*element);
+  }
+  // The same for the current element. Only if IsPlain.
+  void EndPlain(const CXmlElement& element) noexcept {
+    m_document.m_currentElement = element.m_parent;
     --m_storage.depth;
   }
 
   // Without a value when that is null.
   CXmlAttribute* AddAttribute(CXmlElement* element, const CXmlName* localName, const CXmlName* namespaceUri,
                               CXmlTextBlock* value) {
-    CXmlAttributeBlock* const block = element->m_attributes.m_block;
-    if (m_storage.nodeCount >= m_mostNodes) return m_document.AddAttribute(element, localName, namespaceUri, value);
-    if (block == nullptr) {
-      element->m_attributes.m_block = new (m_storage.nodes.Allocate(BytesOfAttributes(1))) CXmlAttributeBlock{0, 1};
-    } else if (block->m_count == block->m_capacity &&
-               m_storage.nodes.Extend(block, BytesOfAttributes(block->m_capacity),
-                                      BytesOfAttributes(block->m_capacity + std::size_t{1}))) {
+    CXmlAttribute* const attribute = TryAddAttribute(element, localName, namespaceUri, value);
+    return attribute != nullptr ? attribute : m_document.AddAttribute(element, localName, namespaceUri, value);
+  }
+  // The same; null, and nothing added, unless the case is the usual one.
+  [[gnu::always_inline]] CXmlAttribute* TryAddAttribute(CXmlElement* element, const CXmlName* localName,
+                                                        const CXmlName* namespaceUri, CXmlTextBlock* value) {
+    if (m_storage.nodeCount >= m_mostNodes) return nullptr;
+    CXmlAttributeBlock*& block = element->m_attributes.m_block;
+    if (block == nullptr)
+      block = new (m_storage.nodes.Allocate(BytesOfAttributes(1))) CXmlAttributeBlock{0, 1};
+    else if (m_storage.nodes.Extend(block->Attributes() + block->m_count, sizeof(CXmlAttribute)))
       ++block->m_capacity;
-    } else {
-      return m_document.AddAttribute(element, localName, namespaceUri, value);
-    }
+    else
+      return nullptr;
     ++m_storage.nodeCount;
-    CXmlAttributeBlock& attributes = *element->m_attributes.m_block;
-    auto* const attribute =
-        new (attributes.Attributes() + attributes.m_count) CXmlAttribute(element, localName, namespaceUri);
+    auto* const attribute = new (block->Attributes() + block->m_count) CXmlAttribute(element, localName, namespaceUri);
     attribute->m_value = value;
-    ++attributes.m_count;
+    ++block->m_count;
     return attribute;
   }
 
@@ -88,7 +95,8 @@ class CTreeBuilder {
   // nothing made, where the bytes hold others, or where that cannot be told by reading whole steps of sixteen before
   // `end`. The block is to be handed to AddAttribute or SetText, and then counted. Only if IsPlain.
   template <unsigned char... Refused>
-  CXmlTextBlock* MakeText(const unsigned char* bytes, std::size_t length, const unsigned char* end) {
+  [[gnu::always_inline]] CXmlTextBlock* MakeText(const unsigned char* bytes, std::size_t length,
+                                                 const unsigned char* end) {
     const std::size_t steps = (length + kStep - 1) / kStep * kStep;
     if (steps > static_cast<std::size_t>(end - bytes) || length > kLongest) return nullptr;
     unsigned char* const memory = m_storage.texts.Prepare(BytesOfText(steps));
@@ -107,10 +115,14 @@ class CTreeBuilder {
   static void SetText(CXmlElement& element, CXmlTextBlock* text) noexcept { element.m_text = text; }
   // For others to have too: nobody writes to the block again.
   static void Share(CXmlTextBlock& block) noexcept { block.m_capacity = 0; }
+  // Whether Count will not find the limit exceeded.
+  bool CanCount(const CXmlTextBlock& block) const noexcept {
+    return m_storage.charCount + block.m_length <= m_mostCharacters;
+  }
   // Of a text or value that the tree has now.
   void Count(const CXmlTextBlock& block) {
     m_storage.charCount += block.m_length;
-    if (m_storage.charCount + m_storage.lastingCharCount > m_mostCharacters) m_storage.CountCharacters(0);
+    if (m_storage.charCount > m_mostCharacters) m_storage.CountCharacters(0);
   }
 
   // A block of its own, which many may have, and which stays until the document is emptied. It is not counted.
