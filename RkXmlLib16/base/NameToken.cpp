@@ -11,7 +11,7 @@
 
 namespace RkXmlLib16 {
 
-// The names of all tokens that there are.
+// The names of all tokens that there are, but for those of writers.
 class CNameTable {
  public:
   static CNameTable& Get() {
@@ -25,11 +25,12 @@ class CNameTable {
     if (name.tokens++ == 0) {
       name.localName = token.m_localName;
       name.namespaceUri = token.m_namespace;
-      name.number = m_next != CNameToken::kNoNumber ? m_next++ : m_next;
+      name.number = m_next != CNameToken::kFirstOfWriter ? m_next++ : CNameToken::kNoNumber;
     }
     token.m_localName = name.localName;
     token.m_namespace = name.namespaceUri;
     token.m_number = name.number;
+    token.m_isEntered = true;
   }
 
   void Leave(const CNameToken& token) noexcept {
@@ -72,6 +73,11 @@ CNameToken::CNameToken(std::wstring_view localName, std::wstring_view namespaceU
   CNameTable::Get().Enter(*this);
 }
 
-CNameToken::~CNameToken() { CNameTable::Get().Leave(*this); }
+CNameToken::CNameToken(const CSharedName& localName, const CSharedName& namespaceUri, std::uint32_t number) noexcept
+    : m_localName(localName), m_namespace(namespaceUri), m_number(number) {}
+
+CNameToken::~CNameToken() {
+  if (m_isEntered) CNameTable::Get().Leave(*this);
+}
 
 }  // namespace RkXmlLib16

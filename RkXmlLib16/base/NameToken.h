@@ -13,13 +13,17 @@ namespace RkXmlLib16 {
 // The expanded name (W3C Namespaces in XML 1.0) of a metadata record: a local name, a namespace, and a number that all
 // tokens of this name have while one of them lives. Other names never have that number, so that whoever has worked out
 // something about a name can find it again by the number alone. Any thread may make and destroy tokens; what they hold
-// does not change. Only records have tokens: names of documents would fill the table of the process.
+// does not change. Names of documents, which would fill the table of the process, have tokens for one writer only.
 class RKXML_EXPORT CNameToken {
  public:
   // When there are no more numbers, tokens have this one, by which nothing can be found again.
   static constexpr std::uint32_t kNoNumber = UINT32_MAX;
+  // From here on the numbers are those that a writer gives to names of documents.
+  static constexpr std::uint32_t kFirstOfWriter = UINT32_MAX / 2;
 
   CNameToken(std::wstring_view localName, std::wstring_view namespaceUri);
+  // Of a writer, with a number that no other of its tokens had.
+  CNameToken(const CSharedName& localName, const CSharedName& namespaceUri, std::uint32_t number) noexcept;
   CNameToken(const CNameToken&) = delete;
   CNameToken& operator=(const CNameToken&) = delete;
   ~CNameToken();
@@ -36,6 +40,7 @@ class RKXML_EXPORT CNameToken {
   CSharedName m_localName;
   CSharedName m_namespace;
   std::uint32_t m_number = kNoNumber;
+  bool m_isEntered = false;  // in the table of the process
 };
 
 }  // namespace RkXmlLib16

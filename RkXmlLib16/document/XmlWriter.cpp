@@ -22,6 +22,8 @@
 //   Values    DeclareNamespace declares prefixes that values bring along. Such a prefix may take that of another
 //             namespace, or be none for names; `replaced` keeps what is declared in the document but not used for
 //             names.
+//   Tokens    Names of documents get tokens of this writer (CDocumentNames), by which they are written like those of
+//             records. Long namespaces do not: they are to be told by their addresses.
 //   Reuse     Closed contexts wait in a chain, with their storage: an element mostly allocates nothing once another one
 //             has been as deep as it.
 #include "RkXmlLib16/document/XmlWriter.h"
@@ -38,6 +40,7 @@
 #include "RkXmlLib16/base/internal/KeyedHash.h"
 #include "RkXmlLib16/base/internal/NeverDestroyed.h"
 #include "RkXmlLib16/base/internal/WideText.h"
+#include "RkXmlLib16/document/internal/DocumentNames.h"
 #include "RkXmlLib16/document/internal/NamespacePool.h"
 #include "RkXmlLib16/document/internal/OutputChecks.h"
 #include "RkXmlLib16/document/internal/RecordOutput.h"
@@ -58,7 +61,7 @@ namespace {
 const CNeverDestroyed<std::wstring> kXmlNamespace(L"http://www.w3.org/XML/1998/namespace");
 const CNeverDestroyed<std::wstring> kXsiNamespace(L"http://www.w3.org/2001/XMLSchema-instance");
 const CNeverDestroyed<std::wstring> kXmlnsNamespace(L"http://www.w3.org/2000/xmlns/");
-const CNeverDestroyed<std::wstring> kNoPrefix;
+const CNeverDestroyed<std::wstring> kNoPrefix, kNoNamespace;
 
 using Declaration = CNamespaceDeclaration;
 
@@ -519,12 +522,11 @@ void CXmlWriter::AddNamespaceWithoutPrefix(const std::wstring& namespaceUri) {
   if (m_namespaces.find(namespaceUri) == m_namespaces.end()) AddNamespace(GetUniquePrefix(m_namespaces), namespaceUri);
 }
 
-void CXmlWriter::TellNamespace(const std::shared_ptr<const std::wstring>& namespaceUri) {
+void CXmlWriter::TellNamespace(const SharedText& namespaceUri) {
   if (namespaceUri != nullptr) m_pool->Tell(namespaceUri);
 }
 
-bool CXmlWriter::AreSameNamespaces(const std::shared_ptr<const std::wstring>& a,
-                                   const std::shared_ptr<const std::wstring>& b) {
+bool CXmlWriter::AreSameNamespaces(const SharedText& a, const SharedText& b) {
   return a == b || (a != nullptr && b != nullptr && m_pool->AreSame(a, b));
 }
 
@@ -586,6 +588,43 @@ void CXmlWriter::TextElement(const std::wstring& localName, const std::wstring& 
   if (!IsExpected(localName, namespaceUri) || !HasRecordOutput())
     return WriteTextElement(localName, namespaceUri, text, type);
   m_recordOutput->TextElement(*m_expectedName, text, type, /*isCanonical=*/false);
+}
+
+inline const CNameToken* CXmlWriter::FindToken(const CSharedName& localName, const SharedText& namespaceUri) {
+  if (!HasRecordOutput() || (namespaceUri != nullptr && !CNamespacePool::IsShort(*namespaceUri))) return nullptr;
+  if (m_documentNames == nullptr) m_documentNames = std::make_unique<CDocumentNames>();
+  bool isNew = false;
+  const CNameToken& token = m_documentNames->Find(localName, namespaceUri, *m_pool, isNew);
+  return isNew && !m_recordOutput->TakesNewNames() ? nullptr : &token;
+}
+
+inline const std::wstring& CXmlWriter::TextOf(const SharedText& namespaceUri) {
+  if (namespaceUri == nullptr) return kNoNamespace.Get();
+  m_pool->Tell(namespaceUri);
+  return *namespaceUri;
+}
+
+void CXmlWriter::StartElement(const CSharedName& localName, const SharedText& namespaceUri) {
+  if (const CNameToken* const token = FindToken(localName, namespaceUri)) return m_recordOutput->StartElement(*token);
+  WriteStartElement(localName.Get(), TextOf(namespaceUri));
+}
+
+void CXmlWriter::TextElement(const CSharedName& localName, const SharedText& namespaceUri, const std::wstring& text,
+                             ItemType type) {
+  constexpr std::size_t kLongText = 64;  // which forms do not write in one step
+  const CNameToken* const token = FindToken(localName, namespaceUri);
+  if (token == nullptr) return WriteTextElement(localName.Get(), TextOf(namespaceUri), text, type);
+  if (text.size() <= kLongText) return m_recordOutput->TextElement(*token, text, type, /*isCanonical=*/false);
+  m_recordOutput->StartElement(*token);
+  WriteString(text, type);
+  EndElement();
+}
+
+void CXmlWriter::Attribute(const CSharedName& localName, const SharedText& namespaceUri, const std::wstring& value,
+                           ItemType type) {
+  if (const CNameToken* const token = FindToken(localName, namespaceUri))
+    return m_recordOutput->Attribute(*token, value, type, /*isCanonical=*/false);
+  WriteAttributeString(localName.Get(), TextOf(namespaceUri), value, type);
 }
 
 void CXmlWriter::SetContextState(ContextState state) {

@@ -16,6 +16,7 @@
 
 namespace RkXmlLib16 {
 
+class CDocumentNames;
 class CNamespacePool;
 class CRecordOutput;
 class OutputChecks;
@@ -150,6 +151,13 @@ class RKXML_EXPORT CXmlWriter {
   void StartElement(const std::wstring& localName, const std::wstring& namespaceUri);
   void TextElement(const std::wstring& localName, const std::wstring& namespaceUri, const std::wstring& text,
                    ItemType type);
+  // The same by names of documents, which many of their elements share; the namespace is null for none.
+  using SharedText = std::shared_ptr<const std::wstring>;
+  void StartElement(const CSharedName& localName, const SharedText& namespaceUri);
+  void TextElement(const CSharedName& localName, const SharedText& namespaceUri, const std::wstring& text,
+                   ItemType type);
+  void Attribute(const CSharedName& localName, const SharedText& namespaceUri, const std::wstring& value,
+                 ItemType type);
   const CNameToken* GetExpectedName() const noexcept { return m_expectedName; }
   void SetExpectedName(const CNameToken* name) noexcept { m_expectedName = name; }
 
@@ -176,8 +184,8 @@ class RKXML_EXPORT CXmlWriter {
   void AddNamespaceWithoutPrefix(const std::wstring& namespaceUri);
   // Tells that names in this namespace, which others share, are about to be written, and tells whether two are the
   // same. The writer keeps them and knows them again by their addresses, so that the length of a namespace counts once.
-  void TellNamespace(const std::shared_ptr<const std::wstring>& namespaceUri);
-  bool AreSameNamespaces(const std::shared_ptr<const std::wstring>& a, const std::shared_ptr<const std::wstring>& b);
+  void TellNamespace(const SharedText& namespaceUri);
+  bool AreSameNamespaces(const SharedText& a, const SharedText& b);
   // Sets the state of the open element; without one it does nothing.
   void SetContextState(ContextState state);
   // The items of the collection that begins are groups without an element of their own: what follows is not an item.
@@ -258,6 +266,10 @@ class RKXML_EXPORT CXmlWriter {
   // Not when this writer is not of its type, its output is checked, no element is open, or a prefix is avoided.
   bool HasRecordOutput() const noexcept;
   void MakeRecordOutput();
+  // The token by which the output takes the name, or null when the operations above have to write it.
+  const CNameToken* FindToken(const CSharedName& localName, const SharedText& namespaceUri);
+  // The namespace for the operations above, which is told.
+  const std::wstring& TextOf(const SharedText& namespaceUri);
   bool IsExpected(const std::wstring& localName, const std::wstring& namespaceUri) const noexcept;
   void ReopenContext() noexcept;
 
@@ -265,6 +277,7 @@ class RKXML_EXPORT CXmlWriter {
   const std::type_info* m_recordOutputType = nullptr;
   std::unique_ptr<CRecordOutput> (*m_makeRecordOutput)(CXmlWriter& writer) = nullptr;
   std::unique_ptr<CRecordOutput> m_recordOutput;
+  std::unique_ptr<CDocumentNames> m_documentNames;  // null until the first one
   const CNameToken* m_expectedName = nullptr;
   std::wstring m_plainText;  // on its way to writers that take no view
   RkVariant m_value;

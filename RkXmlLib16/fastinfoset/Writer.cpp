@@ -176,7 +176,8 @@ bool IsFloating(const EncodedCharacterString& encoding) {
 class RKXML_HIDDEN CFastInfosetWriter::RecordOutput final
     : public CFormRecordOutput<CFastInfosetWriter::RecordOutput, CFastInfosetWriter, unsigned long> {
  public:
-  using CFormRecordOutput::CFormRecordOutput;
+  // A name has an index once it was written.
+  explicit RecordOutput(CFastInfosetWriter& writer) noexcept : CFormRecordOutput(writer, /*takesNewNames=*/false) {}
 
   std::uint64_t GetScope() const noexcept { return m_writer.m_scope; }
   bool MakeElement(const CNameToken& name, Entry& entry) {

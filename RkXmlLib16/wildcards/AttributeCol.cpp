@@ -42,8 +42,7 @@ const std::wstring& CAttribute::GetNamespaceRef() const noexcept {
 void CAttribute::SetValue(const wchar_t* value) { m_value = TextOrEmpty(value); }
 
 void CAttribute::AttributesToXml_Int(CXmlWriter* writer, const CSerializationContext& /*context*/) const {
-  writer->TellNamespace(m_namespaceUri);
-  writer->WriteAttributeString(GetElementNameRef(), GetNamespaceRef(), m_value, ItemType_string);
+  writer->Attribute(m_elementName, m_namespaceUri, m_value, ItemType_string);
 }
 
 void CAttribute::ToXml_Int(CXmlWriter* writer, bool /*registerNamespaces*/, const wchar_t* /*namespaceUri*/,
@@ -122,12 +121,12 @@ void CAttributeCol::AddBeforeItem(const CXmlObjectBase* existing, CAttribute* at
   CXmlCollection::AddBeforeItem(existing, attribute);
 }
 
-CAttribute* CAttributeCol::Item(int index) const { return dynamic_cast<CAttribute*>(GetNodeAtIndex(index)->GetItem()); }
+CAttribute* CAttributeCol::Item(int index) const { return CAttribute::Of(GetNodeAtIndex(index)->GetItem()); }
 
 CAttribute* CAttributeCol::Find(const wchar_t* localName, const wchar_t* namespaceUri) const {
   CNameTest isWanted(localName, namespaceUri);
   for (const CNode* node = GetFirstNode(); node != nullptr; node = node->GetNext()) {
-    auto* const attribute = dynamic_cast<CAttribute*>(node->GetItem());
+    CAttribute* const attribute = CAttribute::Of(node->GetItem());
     if (attribute != nullptr && isWanted(attribute->GetLocalName(), attribute->m_namespaceUri)) return attribute;
   }
   return nullptr;

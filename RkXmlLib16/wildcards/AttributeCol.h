@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <typeinfo>
 
 #include "RkXmlLib16/collections/Collection.h"
 #include "RkXmlLib16/wildcards/NamespaceRule.h"
@@ -46,6 +47,11 @@ class RKXML_EXPORT CAttribute : public CXmlObjectBase {
 
   explicit CAttribute(const CXmlAttribute& source);
   const std::wstring& GetNamespaceRef() const noexcept;
+  // The attribute that the object is, or null.
+  static CAttribute* Of(CXmlObjectBase* object) noexcept {
+    const bool isAttribute = object != nullptr && typeid(*object) == typeid(CAttribute);
+    return isAttribute ? static_cast<CAttribute*>(object) : dynamic_cast<CAttribute*>(object);
+  }
 
   std::wstring m_value;
   std::shared_ptr<const std::wstring> m_namespaceUri;  // null for no namespace; shared by all that a document brought

@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <set>
 #include <string_view>
+#include <typeinfo>
 #include <utility>
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
 #include "RkXmlLib16/base/internal/NeverDestroyed.h"
 #include "RkXmlLib16/base/internal/TextOrEmpty.h"
+#include "RkXmlLib16/base/internal/WideText.h"
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/context/internal/ErrorSession.h"
 #include "RkXmlLib16/document/ElementTree.h"
@@ -25,7 +27,7 @@ namespace {
 
 using std::wstring_view;
 
-const CNeverDestroyed<std::wstring> kNoNamespace;
+constexpr wstring_view kSectionStart = L"<![CDATA[";
 
 // As StartsName: what is no name is not declared as a prefix anyway.
 bool ContinuesName(wchar_t c) {
@@ -222,48 +224,65 @@ class CElement::TreeReader {
 class CElement::TreeWriter {
  public:
   TreeWriter(CXmlWriter& writer, const CSerializationContext& context, bool isOptionalChoice)
-      : m_writer(writer),
-        m_context(context),
-        m_isOptionalChoice(isOptionalChoice),
-        m_xmlWriter(dynamic_cast<CXmlTextWriter*>(&writer)) {}
+      : m_writer(writer), m_context(context), m_isOptionalChoice(isOptionalChoice) {}
 
   void Write(const CElement& top, bool isRoot) {
-    struct Level {
-      const CElement* element;
-      std::size_t nextChild;
-      const Prefixes* declared;
-    };
     std::vector<Level> open;
-    Start(top, isRoot, nullptr);
-    open.push_back({&top, 0, top.m_prefixes.get()});
+    const auto enter = [&](const CElement& element, bool isAtTop, const Prefixes* declared) {
+      if (!isAtTop && WriteInOneStep(element, declared)) return;
+      Start(element, isAtTop, declared);
+      if (element.m_children.empty()) return m_writer.EndElement();
+      open.push_back({&element, 0, element.m_prefixes != nullptr ? element.m_prefixes.get() : declared, false});
+    };
+    enter(top, isRoot, nullptr);
     while (!open.empty()) {
-      const CElement& parent = *open.back().element;
-      if (open.back().nextChild == parent.m_children.size()) {
-        m_writer.WriteEndElement();
+      Level& level = open.back();
+      if (level.nextChild == level.element->m_children.size()) {
+        m_writer.EndElement();
         open.pop_back();
         continue;
       }
-      const std::size_t index = open.back().nextChild++;
-      const CElement& child = *parent.m_children[index];
-      MarkRun(parent, index);
-      const Prefixes* const declared = open.back().declared;
-      Start(child, false, declared);
-      open.push_back({&child, 0, child.m_prefixes != nullptr ? child.m_prefixes.get() : declared});
+      MarkRun(level);
+      enter(*level.element->m_children[level.nextChild++], false, level.declared);
     }
   }
 
  private:
+  struct Level {
+    const CElement* element;
+    std::size_t nextChild;
+    const Prefixes* declared;
+    bool isInRun;  // the next child has the name of the one before it
+  };
+
   // Elements of one name in a row are a collection to writers that have a form for it.
-  void MarkRun(const CElement& parent, std::size_t index) {
-    const Children& children = parent.m_children;
-    const bool continues = index > 0 && HaveSameName(*children[index - 1], *children[index]);
+  void MarkRun(Level& level) {
+    const Children& children = level.element->m_children;
+    const std::size_t index = level.nextChild;
     const bool goesOn = index + 1 < children.size() && HaveSameName(*children[index], *children[index + 1]);
-    if (!continues) m_writer.SetContextState(goesOn ? ContextState_CollectionStart : ContextState_CollectionEnd);
+    if (!level.isInRun) m_writer.SetContextState(goesOn ? ContextState_CollectionStart : ContextState_CollectionEnd);
+    level.isInRun = goesOn;
   }
 
   bool HaveSameName(const CElement& a, const CElement& b) {
-    return a.GetElementNameRef() == b.GetElementNameRef() &&
-           m_writer.AreSameNamespaces(a.m_namespaceUri, b.m_namespaceUri);
+    return WideText::IsEqual(a.GetElementNameRef(), b.GetElementNameRef()) &&
+           (a.m_namespaceUri == b.m_namespaceUri || m_writer.AreSameNamespaces(a.m_namespaceUri, b.m_namespaceUri));
+  }
+
+  // An element below the root with nothing but text; false, and nothing written, for others.
+  bool WriteInOneStep(const CElement& element, const Prefixes* declared) {
+    const bool hasOnlyText =
+        element.m_children.empty() && element.GetAttributeCount() == 0 &&
+        (element.m_prefixes == nullptr || (element.m_prefixes.get() == declared && !element.m_text.empty()));
+    if (!hasOnlyText || !IsPlainData(element) || element.GetElementNameRef().empty()) return false;
+    if (typeid(element) != typeid(CElement)) return false;  // it may have attributes of its own
+    m_writer.TextElement(element.m_elementName, element.m_namespaceUri, element.m_text, ItemType_string);
+    return true;
+  }
+
+  // Whether the text is written as it is, whatever the form.
+  static bool IsPlainData(const CElement& element) {
+    return element.m_sections == nullptr && element.m_text.compare(0, kSectionStart.size(), kSectionStart) != 0;
   }
 
   // `declared` are the prefixes that the nearest element around it with prefixes has declared.
@@ -272,9 +291,7 @@ class CElement::TreeWriter {
     if (isRoot) WritePrologue(element);
     const Prefixes* const own = element.m_prefixes.get() != declared ? element.m_prefixes.get() : nullptr;
     if (own != nullptr && !isRoot) AvoidOwnPrefix(element, *own);
-    m_writer.TellNamespace(element.m_namespaceUri);
-    m_writer.WriteStartElement(element.GetElementNameRef(),
-                               element.m_namespaceUri != nullptr ? *element.m_namespaceUri : kNoNamespace.Get());
+    m_writer.StartElement(element.m_elementName, element.m_namespaceUri);
     if (isRoot) WriteRootAttributes(m_writer, m_context, element.GetNamespace(), m_isOptionalChoice);
     if (own != nullptr) {
       m_writer.AvoidPrefix(std::wstring());
@@ -330,21 +347,21 @@ class CElement::TreeWriter {
   void WriteText(const CElement& element) {
     constexpr std::wstring_view kEnd = L"]]>";
     const std::wstring& text = element.m_text;
-    if (m_xmlWriter == nullptr) return m_writer.WriteString(text, ItemType_string);
-    if (element.m_sections == nullptr) return m_xmlWriter->WriteData(text);
+    auto* const xmlWriter = IsPlainData(element) ? nullptr : dynamic_cast<CXmlTextWriter*>(&m_writer);
+    if (xmlWriter == nullptr) return m_writer.WriteString(text, ItemType_string);
+    if (element.m_sections == nullptr) return xmlWriter->WriteData(text);
     std::size_t at = 0;
     for (const std::size_t begin : *element.m_sections) {
-      m_xmlWriter->WriteData(text.substr(at, begin - at));
+      xmlWriter->WriteData(text.substr(at, begin - at));
       at = std::min(text.find(kEnd, begin), text.size() - kEnd.size()) + kEnd.size();
-      m_xmlWriter->WriteSection(text.substr(begin, at - begin));
+      xmlWriter->WriteSection(text.substr(begin, at - begin));
     }
-    m_xmlWriter->WriteData(text.substr(at));
+    xmlWriter->WriteData(text.substr(at));
   }
 
   CXmlWriter& m_writer;
   const CSerializationContext& m_context;
   const bool m_isOptionalChoice;
-  CXmlTextWriter* const m_xmlWriter;  // null for other forms
 };
 
 CElement::CElement() = default;
@@ -410,7 +427,7 @@ const wchar_t* CElement::GetTargetNamespace() const { return GetNamespace(); }
 void CElement::AttributesToXml_Int(CXmlWriter* writer, const CSerializationContext& context) const {
   if (m_attributes == nullptr) return;
   for (const CXmlCollection::CNode* node = m_attributes->GetFirstNode(); node != nullptr; node = node->GetNext()) {
-    const auto* const attribute = dynamic_cast<const CAttribute*>(node->GetItem());
+    const CAttribute* const attribute = CAttribute::Of(node->GetItem());
     if (attribute == nullptr) continue;
     if (m_prefixes != nullptr && writer->WritesNamespaces() &&
         CTypeValue::IsType(attribute->GetLocalName(), attribute->GetNamespaceRef()) && WriteType(*attribute, *writer))

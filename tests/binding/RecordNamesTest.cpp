@@ -1,5 +1,5 @@
-// What records write: by the library's own writers, which keep what they have made of a name, and by classes derived
-// from them, which get the plain calls.
+// What records and elements of documents write: by the library's own writers, which keep what they have made of a name,
+// and by classes derived from them, which get the plain calls.
 #include <functional>
 #include <memory>
 #include <random>
@@ -48,6 +48,16 @@ class RandomCalls {
  private:
   unsigned Draw(unsigned count) { return static_cast<unsigned>(m_random() % count); }
   const CNameToken& DrawName() { return *Names()[Draw(static_cast<unsigned>(Names().size()))]; }
+  // More than a writer keeps, and some of those above.
+  CSharedName DrawDocumentName() {
+    return Draw(2) != 0 ? DrawName().GetSharedLocalName() : CSharedName(L"d" + std::to_wstring(Draw(150)));
+  }
+  CXmlWriter::SharedText DrawDocumentUri() {
+    static const CXmlWriter::SharedText kShared = std::make_shared<const std::wstring>(L"urn:p"),
+                                        kLong = std::make_shared<const std::wstring>(100, L'u');
+    const CXmlWriter::SharedText uris[] = {kShared, kShared, kLong, nullptr};
+    return Draw(4) == 0 ? std::make_shared<const std::wstring>(DrawUri()) : uris[Draw(std::size(uris))];
+  }
   // Without text that its type refuses, which leaves an element open.
   struct Value {
     std::wstring text;
@@ -97,17 +107,26 @@ class RandomCalls {
       --m_depth;
     } else if (kind < 18) {
       const Value value = DrawValue();
-      m_writer.TextElement(DrawName(), value.text, value.type, value.isCanonical);
+      if (Draw(3) == 0)
+        m_writer.TextElement(DrawDocumentName(), DrawDocumentUri(), value.text, value.type);
+      else
+        m_writer.TextElement(DrawName(), value.text, value.type, value.isCanonical);
     } else if (kind < 23) {
       const Value value = DrawValue();
-      m_writer.Attribute(DrawName(), value.text, value.type, value.isCanonical);
+      if (Draw(3) == 0)
+        m_writer.Attribute(DrawDocumentName(), DrawDocumentUri(), value.text, value.type);
+      else
+        m_writer.Attribute(DrawName(), value.text, value.type, value.isCanonical);
     } else {
       Change(kind);
     }
   }
   void Start() {
     const CNameToken& name = DrawName();
-    if (Draw(3) == 0) {
+    const unsigned kind = Draw(4);
+    if (kind == 0) {
+      m_writer.StartElement(DrawDocumentName(), DrawDocumentUri());
+    } else if (kind == 1) {
       m_writer.SetExpectedName(&name);
       m_writer.StartElement(name.GetLocalName(), Draw(4) == 0 ? L"" : name.GetNamespace());
       m_writer.SetExpectedName(nullptr);

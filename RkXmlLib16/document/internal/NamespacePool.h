@@ -57,6 +57,8 @@ class CNamespacePool {
     return first == m_toldName;
   }
   const CNamespaceName& GetEmpty() noexcept { return m_names.front(); }
+  // Whether Find compares the text, so that it need not be told.
+  static bool IsShort(const std::wstring& uri) noexcept { return uri.size() <= kShort; }
 
  private:
   static constexpr std::size_t kShort = 64;  // characters that are quickly compared

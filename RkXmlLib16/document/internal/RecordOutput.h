@@ -19,7 +19,7 @@ namespace RkXmlLib16 {
 // and no prefix is avoided.
 class CRecordOutput {
  public:
-  CRecordOutput() = default;
+  explicit CRecordOutput(bool takesNewNames) noexcept : m_takesNewNames(takesNewNames) {}
   CRecordOutput(const CRecordOutput&) = delete;
   CRecordOutput& operator=(const CRecordOutput&) = delete;
   virtual ~CRecordOutput() = default;
@@ -28,6 +28,8 @@ class CRecordOutput {
   virtual void TextElement(const CNameToken& name, std::wstring_view text, ItemType type, bool isCanonical) = 0;
   virtual void Attribute(const CNameToken& name, std::wstring_view value, ItemType type, bool isCanonical) = 0;
   virtual void EndElement() = 0;
+  // Whether it can write a name that the document does not have yet.
+  bool TakesNewNames() const noexcept { return m_takesNewNames; }
 
  protected:
   static constexpr std::uint64_t kNoScope = CXmlWriter::kNoScope;
@@ -41,6 +43,9 @@ class CRecordOutput {
   static void PlainAttribute(CXmlWriter& writer, const CNameToken& name, std::wstring_view value, ItemType type) {
     writer.PlainAttribute(name, value, type);
   }
+
+ private:
+  const bool m_takesNewNames;
 };
 
 // Characters that a writer has ready, of which sixteen at a time are copied; there must be space for all of `text`.
@@ -85,7 +90,8 @@ class CFormRecordOutput : public CRecordOutput {
     Made made;
   };
 
-  explicit CFormRecordOutput(Writer& writer) noexcept : m_writer(writer) {}
+  explicit CFormRecordOutput(Writer& writer, bool takesNewNames = true) noexcept
+      : CRecordOutput(takesNewNames), m_writer(writer) {}
 
   void StartElement(const CNameToken& name) final {
     Entry& entry = m_elements[name.GetNumber() % std::size(m_elements)];
