@@ -10,6 +10,7 @@
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/document/ElementTree.h"
 #include "RkXmlLib16/document/XmlWriter.h"
+#include "RkXmlLib16/document/internal/NodeText.h"
 #include "RkXmlLib16/facets/FacetChecks.h"
 #include "RkXmlLib16/object/Variant.h"
 #include "RkXmlLib16/wildcards/AttributeCol.h"
@@ -112,7 +113,8 @@ void CAttributeInfoPrimitive::AttributeToXml(const CSerializationContext& contex
 bool CAttributeInfoPrimitive::AttributeFromXml(const CSerializationContext&, CXmlGeneratedClass* object,
                                                CXmlAttribute* attribute) {
   if (!attribute->GetLocalNameRef()->Is(GetName(), *attribute->GetNamespaceRef())) return false;
-  const CXmlText text = attribute->GetValue();
+  const CNodeText held(*attribute);
+  const CXmlText& text = held.Get();
   bool isValue = false;
   try {
     if (m_isModelValue) {
@@ -151,11 +153,12 @@ void CAttributeInfoEnum::AttributeToXml(const CSerializationContext& context, co
 bool CAttributeInfoEnum::AttributeFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
                                           CXmlAttribute* attribute) {
   if (!IsThisAttribute(context, attribute)) return false;
+  const CNodeText text(*attribute);
   ReadingValue value(/*charCount=*/0);
   try {
-    value.Get().SetI4(m_fromString(attribute->GetValue().c_str()));
+    value.Get().SetI4(m_fromString(text.Get().c_str()));
   } catch (CRkException& e) {
-    e.SetRefusedValue({GetAttributeName(), attribute->GetValue(), L"string", RkFacet_Enumeration, {}});
+    e.SetRefusedValue({GetAttributeName(), text.Get(), L"string", RkFacet_Enumeration, {}});
     throw;
   }
   InvokePropertySet(object, value.Get(), *attribute);

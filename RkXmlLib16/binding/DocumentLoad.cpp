@@ -97,9 +97,12 @@ Bytes ToUtf16(std::wstring_view text, bool pairs) {
 
 // The bytes that the readers see during a load, and afterwards the places in them.
 struct CXmlDocument::Input {
-  Input(CXmlDocument& owner, std::string_view bytes) : document(owner) {
+  // `stay` tells whether the bytes stay as the source does.
+  Input(CXmlDocument& owner, std::string_view bytes, bool stay) : document(owner) {
     document.m_input = reinterpret_cast<const unsigned char*>(bytes.data());
     document.m_inputLength = bytes.size();
+    if (stay && document.m_inputStays && bytes.size() < CXmlHeldText::kLongestInput)
+      document.m_textInput = document.m_input;
   }
   Input(const Input&) = delete;
   Input& operator=(const Input&) = delete;
@@ -142,7 +145,7 @@ void CXmlDocument::LoadXml(const char* text) {
   Cleanup();
   if (text == nullptr || *text == '\0') throw CRkException(L"XML String is empty!");
   SetSource({text, std::strlen(text)});
-  const Input input(*this, text);
+  const Input input(*this, text, /*stay=*/true);
   ParseXmlText();
 }
 
@@ -154,7 +157,7 @@ void CXmlDocument::LoadXml(const wchar_t* text) {
   SetSource(bytes->View()).SetWide(true);
   m_source->SetOwner(bytes);
   if (ScanWideText(text)) return TellNoted();
-  const Input input(*this, bytes->View());
+  const Input input(*this, bytes->View(), /*stay=*/true);
   ParseXmlText();
 }
 
@@ -162,7 +165,7 @@ bool CXmlDocument::ScanWideText(std::wstring_view text) {
   if (!m_context->GetScanPlainXml()) return false;
   const Bytes narrow = Allocate(text.size());
   if (Ascii::NarrowRun(text.data(), text.size(), narrow.data.get()) != text.size()) return false;
-  const Input input(*this, narrow.View());
+  const Input input(*this, narrow.View(), /*stay=*/false);
   m_wasScanned = ScanPlainXml(*this, ScannedAs::Utf16);
   return m_wasScanned;
 }
@@ -171,15 +174,16 @@ void CXmlDocument::LoadXmlWide(std::wstring_view text) {
   Cleanup();
   if (text.empty()) throw CRkException(L"XML String is empty!");
   const Bytes bytes = ToUtf16(text, /*pairs=*/true);
-  const Input input(*this, bytes.View());
+  const Input input(*this, bytes.View(), /*stay=*/false);
   ParseXmlText();
 }
 
 void CXmlDocument::LoadConverted(const CBinaryData& xml, CXmlDocument& json) {
   Cleanup();
   if (xml.GetLength() == 0) throw CRkException(L"XML String is empty!");
+  m_convertedXml = xml;
   {
-    const Input input(*this, {reinterpret_cast<const char*>(xml.GetData()), xml.GetLength()});
+    const Input input(*this, {reinterpret_cast<const char*>(xml.GetData()), xml.GetLength()}, /*stay=*/true);
     ParseXmlText();
   }
   m_source = std::move(json.m_source);
@@ -292,7 +296,7 @@ void CXmlDocument::ParseBytes(std::string_view bytes, std::shared_ptr<const void
   SetSource(document).SetOwner(isInflated ? std::move(inflated) : std::move(owner));
   m_source->SetInflated(isInflated);
   m_source->SetFileName(fileName);
-  const Input input(*this, document);
+  const Input input(*this, document, /*stay=*/true);
   if (CFastInfosetReader(*m_context->GetFIContext(), *this).Parse())
     TellNoted();
   else

@@ -15,6 +15,7 @@
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/document/ElementTree.h"
 #include "RkXmlLib16/document/XmlWriter.h"
+#include "RkXmlLib16/document/internal/NodeText.h"
 #include "RkXmlLib16/document/internal/Refusal.h"
 #include "RkXmlLib16/facets/FacetChecks.h"
 #include "RkXmlLib16/object/Variant.h"
@@ -289,8 +290,8 @@ void CElementInfo::ElementFromXmlPrim(const CSerializationContext& context, CXml
   const CXmlElement& element = **cursor;
   CErrorSession::NoteRead(context, &element);
   if (element.GetAttributes().empty() || !ReadNil(context, element)) {
-    std::wstring_view text = element.GetText();
-    if (text.empty()) text = m_defaultValue;
+    const CNodeText held(element);
+    const std::wstring_view text = !held.Get().empty() ? held.Get().View() : m_defaultValue;
     bool isValue = false;
     try {
       if (m_isModelValue) {
@@ -314,7 +315,8 @@ void CElementInfo::ElementFromXmlEnum(const CSerializationContext& context, CXml
   const CXmlElement& element = **cursor;
   CErrorSession::NoteRead(context, &element);
   if (element.GetAttributes().empty() || !ReadNil(context, element)) {
-    const CXmlText text = element.GetText();
+    const CNodeText held(element);
+    const CXmlText& text = held.Get();
     bool isValue = false;
     try {
       ReadingValue value(/*charCount=*/0);

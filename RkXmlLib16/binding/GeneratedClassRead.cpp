@@ -44,6 +44,7 @@
 #include "RkXmlLib16/collections/CollectionBase.h"
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/document/ElementTree.h"
+#include "RkXmlLib16/document/internal/NodeText.h"
 #include "RkXmlLib16/document/internal/Refusal.h"
 #include "RkXmlLib16/object/Variant.h"
 
@@ -250,7 +251,8 @@ void CXmlGeneratedClass::TellLeftOut(const CXmlElement& element, const CSerializ
     for (const CXmlElement* e = element.GetFirstElement(); e != nullptr; e = e->GetNextSiblingElement())
       if (!CErrorSession::TakeRead(e)) TellDropped(context, RkDropped_Element, *e);
   }
-  const std::wstring_view text = element.GetText();
+  const CNodeText held(element);
+  const std::wstring_view text = held.Get();
   if (CWhitespaceUtils::IsBlank(text)) return;
   const bool keepsText = info.GetSimpleContentProperty() != -1 && info.GetSimpleContentType() != ItemType_none;
   if (!keepsText)
@@ -284,7 +286,8 @@ CXmlElement* CXmlGeneratedClass::ReadContent(CXmlElement* element, CXmlElement* 
 
 void CXmlGeneratedClass::ReadSimpleContent(const CXmlElement* element, const CSerializationContext& context,
                                            const CParentElementInfo& info) {
-  const CXmlText text = element->GetText();
+  const CNodeText held(*element);
+  const CXmlText& text = held.Get();
   bool isValue = false;
   try {
     RkXmlLib16Data::ReadingValue value(text.size());

@@ -7,6 +7,7 @@
 #include "RkXmlLib16/binding/internal/ModelClass.h"
 #include "RkXmlLib16/binding/internal/ReadingValue.h"
 #include "RkXmlLib16/document/XmlWriter.h"
+#include "RkXmlLib16/document/internal/NodeText.h"
 #include "RkXmlLib16/document/internal/Refusal.h"
 #include "RkXmlLib16/facets/FacetChecks.h"
 #include "RkXmlLib16/types/XsdLexical.h"
@@ -379,7 +380,8 @@ void CModelObject::BeginFromXml_Int(CXmlElement* element, CXmlElement* firstChil
   };
   const auto refuse = [&](const std::wstring& message) { Refuse(context, errorOf(message), *element); };
   if (model.isAbstract) refuse(FormatString(L"The type [%ls] is abstract.", model.name));
-  const CXmlText text = element->GetText();
+  const CNodeText held(*element);
+  const CXmlText& text = held.Get();
   const bool hasFixed = m_declaration != nullptr && m_declaration->value.isFixed;
   if (model.textProperty < 0 && !text.empty() && !CWhitespaceUtils::IsBlank(text))
     refuse(FormatString(L"Unexpected text found in the element [%ls].", element->GetLocalName().c_str()));

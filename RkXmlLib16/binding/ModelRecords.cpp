@@ -13,6 +13,7 @@
 #include "RkXmlLib16/binding/internal/ElementRules.h"
 #include "RkXmlLib16/binding/internal/ModelClass.h"
 #include "RkXmlLib16/binding/internal/ReadSession.h"
+#include "RkXmlLib16/document/internal/NodeText.h"
 #include "RkXmlLib16/document/internal/Refusal.h"
 #include "RkXmlLib16/wildcards/internal/TypeValue.h"
 
@@ -92,7 +93,8 @@ class CModelValue final : public Base {
   [[gnu::noinline]] void ReadChecked(const CSerializationContext& context, CXmlGeneratedClass* object,
                                      CXmlElement** cursor) {
     const CXmlElement& element = **cursor;
-    std::wstring_view text = element.GetText();
+    const CNodeText held(element);
+    std::wstring_view text = held.Get();
     if (text.empty() && m_member.HasDefault()) text = m_member.value.text;
     const ReadingScope scope(element, text);
     bool isDone = true;
@@ -140,8 +142,9 @@ class CModelValues final : public Base {
            this->DoesElementNameMatch(context, current, member.name, member.namespaceUri);
          current = current->GetNextSiblingElement()) {
       try {
-        CheckItem(context, *current);
-        this->AddFromString(current->GetText());
+        const CNodeText text(*current);
+        CheckItem(context, *current, text.Get());
+        this->AddFromString(text.Get());
       } catch (CRkException& e) {
         RefuseCaught(context, e, *current);
       }
@@ -160,7 +163,7 @@ class CModelValues final : public Base {
         m_schema(schema),
         m_property(property) {}
 
-  void CheckItem(const CSerializationContext& context, const CXmlElement& element) const {
+  void CheckItem(const CSerializationContext& context, const CXmlElement& element, std::wstring_view text) const {
     RefuseChildren(element);
     for (const CXmlAttribute* attribute : element.GetAttributes()) {
       if (attribute->IsNilAttribute() && IsNilTrue(element))
@@ -171,12 +174,11 @@ class CModelValues final : public Base {
     }
     const ValueModel& values = *m_property.values;
     try {
-      if (values.needsCheck)
-        CheckModelText(m_property.name, values, /*fixed=*/nullptr, element.GetText(), ResolverOf(element));
+      if (values.needsCheck) CheckModelText(m_property.name, values, /*fixed=*/nullptr, text, ResolverOf(element));
       if (!m_property.IsEnumeration()) return;
       std::wstring scratch;
-      const std::wstring_view text = CWhitespaceUtils::ApplyRule(values.whitespace, element.GetText(), scratch);
-      if (!m_property.IsAllowed(text)) ThrowInvalidValue(m_property.name, text);
+      const std::wstring_view normalized = CWhitespaceUtils::ApplyRule(values.whitespace, text, scratch);
+      if (!m_property.IsAllowed(normalized)) ThrowInvalidValue(m_property.name, normalized);
     } catch (const CRkException& e) {
       throw At(CRkValidationException(L"Failed to set the property value.", element.GetXPath(), e), element);
     }
@@ -376,7 +378,8 @@ class CModelAttribute final : public CAttributeInfoPrimitive {
 
   bool AttributeFromXml(const CSerializationContext& context, CXmlGeneratedClass* object,
                         CXmlAttribute* attribute) override {
-    const ReadingScope scope(*attribute->GetElement(), attribute->GetValue());
+    const CNodeText text(*attribute);
+    const ReadingScope scope(*attribute->GetElement(), text.Get());
     return CAttributeInfoPrimitive::AttributeFromXml(context, object, attribute);
   }
 };

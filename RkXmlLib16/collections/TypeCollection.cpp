@@ -7,6 +7,7 @@
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/document/ElementTree.h"
 #include "RkXmlLib16/document/internal/ElementNameMatch.h"
+#include "RkXmlLib16/document/internal/NodeText.h"
 #include "RkXmlLib16/document/internal/Refusal.h"
 
 namespace RkXmlLib16 {
@@ -48,11 +49,12 @@ CXmlElement* CXmlTypeCollection::FromXml_Int(CXmlElement* /*parent*/, CXmlElemen
        current = current->GetNextSiblingElement()) {
     CErrorSession::NoteRead(context, current);
     if (!current->GetAttributes().empty()) TellDroppedAttributes(context, *current);
+    const CNodeText text(*current);
     try {
-      AddFromString(current->GetText());
+      AddFromString(text.Get());
     } catch (CRkException& e) {
       if (e.GetRefusedValue() == nullptr)
-        e.SetRefusedValue({GetElementName(), current->GetText(), NameOfXsdType(m_itemType), {}, {}});
+        e.SetRefusedValue({GetElementName(), text.Get(), NameOfXsdType(m_itemType), {}, {}});
       RefuseCaught(context, e, *current);
     }
   }

@@ -14,6 +14,9 @@
 //                 choose names that collide.
 //   Tokens        A name remembers the token of records that it was found to be (CXmlName::Is): its number, which no
 //                 other name ever has. Tokens that it is not are not remembered, as there may be more of them later.
+//   Held texts    While objects are read the input stays, and most texts are but parts of it (CXmlHeldText). One that
+//                 somebody asks for is widened into a block then, behind a mutex; the library itself reads short ones
+//                 by CNodeText, which leaves them as they are.
 //   Blanks        Short white space is held once for all elements that have it (ShareBlanks). A block of capacity 0 is
 //                 shared and never written to.
 //   Filters       An element that the filter drops gives its storage back: the arenas return to where they were when it
@@ -39,6 +42,7 @@
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/base/internal/Ascii.h"
 #include "RkXmlLib16/base/internal/KeyedHash.h"
 #include "RkXmlLib16/base/internal/WideText.h"
 #include "RkXmlLib16/context/SerializationContext.h"
@@ -132,6 +136,18 @@ CXmlTextBlock* CXmlDocument::Storage::Reserve(CXmlTextBlock* block, std::size_t 
   return moved;
 }
 
+CXmlTextBlock* CXmlDocument::Storage::MakeBlock(CXmlHeldText text) {
+  if (!text.IsOfInput()) return text.GetBlock();
+  const auto length = static_cast<std::uint32_t>(text.GetLength());
+  const std::size_t steps = (length + std::size_t{15}) / 16 * 16;
+  unsigned char* const memory = texts.Prepare(BytesOfText(steps));
+  auto* const block = new (memory) CXmlTextBlock{length, length};
+  Ascii::WidenSteps(document.m_textInput + text.GetOffset(), length, block->Chars());
+  block->Chars()[length] = L'\0';
+  texts.Take(BytesOfText(length));
+  return block;
+}
+
 CXmlTextBlock* CXmlDocument::Storage::Keep(std::wstring_view text) {
   if (text.empty()) return nullptr;
   if (text.size() > UINT32_MAX / 2) throw CRkException(L"A value is too long.");
@@ -182,6 +198,8 @@ void CXmlDocument::Init() {
   DropTree();
   m_input = nullptr;
   m_inputLength = 0;
+  m_textInput = nullptr;
+  m_convertedXml.Clear();
   m_source = nullptr;
   m_pieces = nullptr;
   m_isPaused = false;
@@ -291,6 +309,13 @@ CRkLocation CXmlDocument::Locate(std::uint64_t offset) const {
   std::wstring path = m_currentElement != nullptr ? m_currentElement->GetXPath() : std::wstring();
   if (m_pieces != nullptr && m_pieces->GetPlaces() != nullptr) return CRkLocation(std::move(path));
   return m_source != nullptr ? m_source->Locate(offset, std::move(path)) : CRkLocation(std::move(path));
+}
+
+CXmlText CXmlDocument::Widen(std::atomic<CXmlHeldText>& text) const {
+  const std::lock_guard<std::mutex> lock(m_storage->widening);
+  const CXmlHeldText block = m_storage->MakeBlock(text);
+  text.store(block, std::memory_order_release);
+  return block.View();
 }
 
 const CXmlName* CXmlDocument::GetEmptyName() const noexcept { return &m_storage->emptyName; }
@@ -424,7 +449,7 @@ CXmlAttribute* CXmlDocument::AddAttribute(CXmlElement* element, const CXmlName* 
     }
   }
   auto* const attribute = new (block->Attributes() + block->m_count) CXmlAttribute(element, localName, namespaceUri);
-  attribute->m_value = storedValue;
+  attribute->m_value.store(storedValue, std::memory_order_relaxed);
   ++block->m_count;
   return attribute;
 }
@@ -450,12 +475,13 @@ void CXmlDocument::AddElementAttribute(CXmlElement* element, const std::wstring&
 }
 
 wchar_t* CXmlDocument::ReserveValue(CXmlAttribute* attribute, std::size_t charCount) {
-  attribute->m_value = m_storage->Reserve(attribute->m_value, charCount);
-  return attribute->m_value->Chars() + attribute->m_value->m_length;
+  CXmlTextBlock* const block = m_storage->Reserve(m_storage->MakeBlock(attribute->m_value), charCount);
+  attribute->m_value.store(block, std::memory_order_relaxed);
+  return block->Chars() + block->m_length;
 }
 
 void CXmlDocument::CommitValue(CXmlAttribute* attribute, std::size_t charCount) {
-  CXmlTextBlock& block = *attribute->m_value;
+  CXmlTextBlock& block = *attribute->m_value.load().GetBlock();
   block.m_length += static_cast<std::uint32_t>(charCount);
   block.Chars()[block.m_length] = L'\0';
   m_storage->CountCharacters(charCount);
@@ -464,13 +490,14 @@ void CXmlDocument::CommitValue(CXmlAttribute* attribute, std::size_t charCount) 
 wchar_t* CXmlDocument::ReserveText(CXmlElement* element, std::size_t charCount) {
   if (!KeepsText()) return ReserveOpenText(charCount);
   if (element != m_currentElement) m_storage->pinned = m_storage->open.size();
-  element->m_text = m_storage->Reserve(element->m_text, charCount);
-  return element->m_text->Chars() + element->m_text->m_length;
+  CXmlTextBlock* const block = m_storage->Reserve(m_storage->MakeBlock(element->m_text), charCount);
+  element->m_text.store(block, std::memory_order_relaxed);
+  return block->Chars() + block->m_length;
 }
 
 void CXmlDocument::CommitText(CXmlElement* element, std::size_t charCount) {
   if (!KeepsText()) return CommitOpenText(charCount);
-  CXmlTextBlock& block = *element->m_text;
+  CXmlTextBlock& block = *element->m_text.load().GetBlock();
   block.m_length += static_cast<std::uint32_t>(charCount);
   block.Chars()[block.m_length] = L'\0';
   m_storage->CountCharacters(charCount);
@@ -493,12 +520,14 @@ void CXmlDocument::AppendBlanks(std::wstring_view blanks) {
   CXmlElement* const element = m_currentElement;
   if (element == nullptr || blanks.empty()) return;
   if (!KeepsText()) return AppendText(element, blanks);
-  CXmlTextBlock* const text = element->m_text;
+  const CXmlHeldText held = element->m_text;
+  if (held.IsOfInput()) return AppendText(element, blanks);
+  CXmlTextBlock* const text = held.GetBlock();
   CXmlTextBlock* const shared =
       text == nullptr || text->m_capacity == 0 ? m_storage->ShareBlanks(text, blanks) : nullptr;
   if (shared == nullptr) return AppendText(element, blanks);
   m_storage->CountCharacters(blanks.size());
-  element->m_text = shared;
+  element->m_text.store(shared, std::memory_order_relaxed);
 }
 
 void CXmlDocument::AppendText(CXmlElement* element, std::wstring_view text) {
@@ -673,7 +702,7 @@ const std::vector<std::size_t>* CXmlElement::GetSections() const noexcept {
   return found != sections.end() ? &found->second : nullptr;
 }
 
-CXmlText CXmlElement::GetAttribute(const wchar_t* localName, const wchar_t* namespaceUri) const noexcept {
+CXmlText CXmlElement::GetAttribute(const wchar_t* localName, const wchar_t* namespaceUri) const {
   const std::wstring_view name = ViewOf(localName);
   const std::wstring_view uri = ViewOf(namespaceUri);
   for (const CXmlAttribute* attribute : GetAttributes())

@@ -23,6 +23,7 @@
 namespace RkXmlLib16 {
 
 class CPieces;
+class CNodeText;
 class CRkException;
 class CSerializationContext;
 class CSource;
@@ -87,13 +88,42 @@ struct CXmlTextBlock {
   const wchar_t* Chars() const noexcept { return reinterpret_cast<const wchar_t*>(this + 1); }
 };
 
+// The text of an element or the value of an attribute: none, a block, or a part of the input that stays while objects
+// are read, each byte of it a character of ASCII, which becomes a block when it is asked for as text.
+class CXmlHeldText {
+ public:
+  constexpr CXmlHeldText() noexcept = default;
+  CXmlHeldText(CXmlTextBlock* block) noexcept : m_held(reinterpret_cast<std::uintptr_t>(block)) {}  // may be null
+  static constexpr CXmlHeldText OfInput(std::size_t offset, std::size_t length) noexcept {
+    CXmlHeldText text;
+    text.m_held = std::uint64_t{length} << 32 | std::uint64_t{offset} << 1 | kOfInput;
+    return text;
+  }
+
+  static constexpr std::size_t kLongestInput = std::size_t{1} << 31;
+
+  constexpr bool IsNone() const noexcept { return m_held == 0; }
+  constexpr bool IsOfInput() const noexcept { return (m_held & kOfInput) != 0; }
+  // Of the input.
+  constexpr std::size_t GetOffset() const noexcept { return static_cast<std::uint32_t>(m_held) >> 1; }
+  constexpr std::size_t GetLength() const noexcept { return m_held >> 32; }
+  // Not of the input.
+  CXmlTextBlock* GetBlock() const noexcept { return reinterpret_cast<CXmlTextBlock*>(m_held); }
+  CXmlText View() const noexcept {
+    return m_held != 0 ? CXmlText(GetBlock()->Chars(), GetBlock()->m_length) : CXmlText();
+  }
+
+ private:
+  static constexpr std::uint64_t kOfInput = 1;
+
+  std::uint64_t m_held = 0;
+};
+
 // One attribute of a loaded element. Namespace declarations are not attributes; xsi:type and xsi:nil are.
 class RKXML_EXPORT CXmlAttribute {
  public:
   CXmlText GetLocalName() const noexcept { return m_localName->GetText(); }
-  CXmlText GetValue() const noexcept {
-    return m_value != nullptr ? CXmlText(m_value->Chars(), m_value->m_length) : CXmlText();
-  }
+  inline CXmlText GetValue() const;
   CXmlText GetNamespaceURI() const noexcept { return m_namespaceUri->GetText(); }
   // The owning element's path, "/@" and the name with the prefix of its namespace, if it has one; see
   // CXmlElement::GetXPath.
@@ -110,6 +140,7 @@ class RKXML_EXPORT CXmlAttribute {
   const CXmlName* GetNamespaceRef() const noexcept { return m_namespaceUri; }
 
  private:
+  friend class CNodeText;
   friend class CTreeBuilder;
   friend class CXmlDocument;
   bool HasNamespaceName() const noexcept;
@@ -120,7 +151,7 @@ class RKXML_EXPORT CXmlAttribute {
   const CXmlElement* m_element;
   const CXmlName* m_localName;
   const CXmlName* m_namespaceUri;
-  CXmlTextBlock* m_value = nullptr;  // null while empty
+  mutable std::atomic<CXmlHeldText> m_value{CXmlHeldText()};  // none while empty
   std::uint64_t m_offset = CRkLocation::kNoOffset;
 };
 
@@ -203,9 +234,7 @@ class RKXML_EXPORT CXmlElement {
   CXmlElement* GetParentElement() const noexcept { return m_parent; }
   const CXmlDocument* GetDocument() const noexcept { return m_localName->m_document; }
   const CXmlAttributes& GetAttributes() const noexcept { return m_attributes; }
-  CXmlText GetText() const noexcept {
-    return m_text != nullptr ? CXmlText(m_text->Chars(), m_text->m_length) : CXmlText();
-  }
+  inline CXmlText GetText() const;
   // Where in the text the CDATA sections begin whose marks it holds (CSerializationContext::SetStripCDATA), in
   // ascending order; null when there are none. What else looks like a mark is data.
   const std::vector<std::size_t>* GetSections() const noexcept;
@@ -219,7 +248,7 @@ class RKXML_EXPORT CXmlElement {
     return other != nullptr && m_localName == other->m_localName && m_namespaceUri == other->m_namespaceUri;
   }
   // The value of the first attribute with this name; empty when there is none.
-  CXmlText GetAttribute(const wchar_t* localName, const wchar_t* namespaceUri) const noexcept;
+  CXmlText GetAttribute(const wchar_t* localName, const wchar_t* namespaceUri) const;
   // The local name with the prefix that the document has for the namespace.
   std::wstring GetQName() const;
   // The same with the 1-based position among the siblings of that name, "item[2]", unless it is the only one.
@@ -256,6 +285,7 @@ class RKXML_EXPORT CXmlElement {
   static void operator delete(void*, void*) noexcept {}
 
  private:
+  friend class CNodeText;
   friend class CTreeBuilder;
   friend class CXmlAttribute;
   friend class CXmlDocument;
@@ -271,7 +301,7 @@ class RKXML_EXPORT CXmlElement {
   CXmlElement* m_firstChild = nullptr;
   CXmlElement* m_lastChild = nullptr;
   CXmlAttributes m_attributes;
-  CXmlTextBlock* m_text = nullptr;  // null without text
+  mutable std::atomic<CXmlHeldText> m_text{CXmlHeldText()};
   std::uint64_t m_offset = CRkLocation::kNoOffset;
 };
 
@@ -441,6 +471,7 @@ class RKXML_EXPORT CXmlDocument {
   void CountTable(std::size_t charCount);
 
  private:
+  friend class CNodeText;
   friend class CSiblingIndex;
   friend class CTreeBuilder;
   friend class CXmlAttribute;
@@ -463,6 +494,8 @@ class RKXML_EXPORT CXmlDocument {
   wchar_t* ReserveOpenText(std::size_t charCount);
   void CommitOpenText(std::size_t charCount);
   void DropPiece(CXmlElement* element);
+  // The text of a node, made a block if it is none yet. Threads may ask together.
+  CXmlText Widen(std::atomic<CXmlHeldText>& text) const;
 
   std::unique_ptr<Storage> m_storage;
   const CSerializationContext* m_context;  // kept
@@ -473,6 +506,8 @@ class RKXML_EXPORT CXmlDocument {
   CXmlElement* m_currentElement = nullptr;
   const unsigned char* m_input = nullptr;  // borrowed during a load
   std::size_t m_inputLength = 0;
+  const unsigned char* m_textInput = nullptr;  // the input if texts are parts of it, as long as there are any
+  CBinaryData m_convertedXml;
   std::unique_ptr<CSource> m_source;    // null when the places of the input mean nothing to the caller
   std::vector<std::uint64_t> m_places;  // of the nodes that JSON was converted to, in their order
   bool m_inputStays = false;
@@ -482,6 +517,16 @@ class RKXML_EXPORT CXmlDocument {
   std::unique_ptr<CPieces> m_pieces;  // null unless it is read in pieces
   std::size_t m_openTextLength = 0;   // before the characters reserved for an element that is not kept
 };
+
+inline CXmlText CXmlElement::GetText() const {
+  const CXmlHeldText text = m_text.load(std::memory_order_acquire);
+  return text.IsOfInput() ? GetDocument()->Widen(m_text) : text.View();
+}
+
+inline CXmlText CXmlAttribute::GetValue() const {
+  const CXmlHeldText value = m_value.load(std::memory_order_acquire);
+  return value.IsOfInput() ? m_element->GetDocument()->Widen(m_value) : value.View();
+}
 
 // Gives the exception the location of an element or attribute, unless it has one; `throw At(e, *element)`.
 template <class Exception, class Node>

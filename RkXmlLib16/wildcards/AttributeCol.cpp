@@ -6,6 +6,7 @@
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/document/ElementTree.h"
 #include "RkXmlLib16/document/XmlWriter.h"
+#include "RkXmlLib16/document/internal/NodeText.h"
 #include "RkXmlLib16/wildcards/internal/NameTest.h"
 
 namespace RkXmlLib16 {
@@ -26,7 +27,7 @@ CAttribute::CAttribute(const wchar_t* localName, const wchar_t* value, const wch
 }
 
 CAttribute::CAttribute(const CXmlAttribute& source)
-    : m_value(source.GetValue().View()),
+    : m_value(CNodeText(source).Get().View()),
       m_namespaceUri(source.GetElement()->GetDocument()->ShareName(source.GetNamespaceRef())) {
   m_elementName.Set(source.GetLocalName());
 }

@@ -14,6 +14,7 @@
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/context/internal/ErrorSession.h"
 #include "RkXmlLib16/document/ElementTree.h"
+#include "RkXmlLib16/document/internal/NodeText.h"
 #include "RkXmlLib16/document/internal/Refusal.h"
 #include "RkXmlLib16/types/Whitespace.h"
 #include "RkXmlLib16/wildcards/internal/NameTest.h"
@@ -111,7 +112,8 @@ class CElement::TreeReader {
     std::size_t childCount = 0;
     for (const CXmlElement* c = source.GetFirstElement(); c != nullptr; c = c->GetNextSiblingElement()) ++childCount;
     element.m_children.reserve(childCount);
-    const wstring_view text = source.GetText();
+    const CNodeText held(source);
+    const wstring_view text = held.Get();
     if (childCount == 0 || !CWhitespaceUtils::IsBlank(text)) {
       element.m_text = text;
       if (childCount != 0) TellDropped(m_context, RkDropped_Position, source);
@@ -121,7 +123,7 @@ class CElement::TreeReader {
     }
     for (const CXmlAttribute* attribute : source.GetAttributes()) {
       element.GetAttributes()->Add(*attribute);
-      ForEachPrefix(attribute->GetValue(), use);
+      ForEachPrefix(CNodeText(*attribute).Get(), use);
       if (CTypeValue::IsType(attribute->GetLocalName(), attribute->GetNamespaceURI())) {
         const CTypeValue type(attribute->GetValue());
         if (type.IsName() && !type.HasPrefix()) UseDefault();

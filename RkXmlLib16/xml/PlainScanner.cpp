@@ -572,9 +572,11 @@ bool Scanner::AddAttribute(CXmlElement* element, const RawAttribute& raw) {
   m_namespaceChars += namespaceUri->View().size();
   if (m_namespaceChars > kMostNamespaceChars) return false;
   if (raw.isPlain && raw.valueLength != 0) {
-    if (CXmlTextBlock* const value = m_tree.MakeText<>(raw.value, raw.valueLength, m_end)) {
+    // Those with a prefix are mostly xsi:type and xsi:nil.
+    const CXmlHeldText value = m_tree.HoldText(raw.value, raw.valueLength, m_end, /*isAskedOften=*/known->hasPrefix);
+    if (!value.IsNone()) {
       m_tree.AddAttribute(element, known->localName, namespaceUri, value);
-      m_tree.Count(*value);
+      m_tree.Count(raw.valueLength);
       return true;
     }
   }
@@ -758,10 +760,11 @@ bool Scanner::TakeName(std::string_view name) {
 
 void Scanner::AppendPlain(const Byte* at, std::size_t length) {
   CXmlElement* const element = m_document.GetCurrentElement();
-  CXmlTextBlock* const text = CTreeBuilder::HasText(*element) ? nullptr : m_tree.MakeText<>(at, length, m_end);
-  if (text != nullptr) {
+  const CXmlHeldText text =
+      CTreeBuilder::HasText(*element) ? nullptr : m_tree.HoldText(at, length, m_end, /*isAskedOften=*/false);
+  if (!text.IsNone()) {
     CTreeBuilder::SetText(*element, text);
-    return m_tree.Count(*text);
+    return m_tree.Count(length);
   }
   Widen(at, length, m_document.ReserveText(element, length));
   m_document.CommitText(element, length);

@@ -168,20 +168,31 @@ inline bool WidenFour(const unsigned char* bytes, wchar_t* out) {
   return true;
 }
 
+// Writes sixteen bytes to `out`, one character a byte.
+inline void PutSixteen(__m128i bytes, wchar_t* out) {
+  const __m128i zero = _mm_setzero_si128();
+  const __m128i low = _mm_unpacklo_epi8(bytes, zero);
+  const __m128i high = _mm_unpackhi_epi8(bytes, zero);
+  auto* const to = reinterpret_cast<__m128i*>(out);
+  _mm_storeu_si128(to, _mm_unpacklo_epi16(low, zero));
+  _mm_storeu_si128(to + 1, _mm_unpackhi_epi16(low, zero));
+  _mm_storeu_si128(to + 2, _mm_unpacklo_epi16(high, zero));
+  _mm_storeu_si128(to + 3, _mm_unpackhi_epi16(high, zero));
+}
+
+// Copies `bytes` to `out`, one character a byte, in whole steps of sixteen: both are as long as those.
+inline void WidenSteps(const unsigned char* bytes, std::size_t length, wchar_t* out) {
+  for (std::size_t i = 0; i < length; i += 16)
+    PutSixteen(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + i)), out + i);
+}
+
 // Copies the run at the start of `bytes` to `out`, one character a byte, and returns its length.
 inline std::size_t WidenRun(const unsigned char* bytes, std::size_t length, wchar_t* out) {
   std::size_t i = 0;
-  const __m128i zero = _mm_setzero_si128();
   for (; i + 16 <= length; i += 16) {
     const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + i));
     if (_mm_movemask_epi8(block) != 0) break;
-    const __m128i low = _mm_unpacklo_epi8(block, zero);
-    const __m128i high = _mm_unpackhi_epi8(block, zero);
-    __m128i* const to = reinterpret_cast<__m128i*>(out + i);
-    _mm_storeu_si128(to, _mm_unpacklo_epi16(low, zero));
-    _mm_storeu_si128(to + 1, _mm_unpackhi_epi16(low, zero));
-    _mm_storeu_si128(to + 2, _mm_unpacklo_epi16(high, zero));
-    _mm_storeu_si128(to + 3, _mm_unpackhi_epi16(high, zero));
+    PutSixteen(block, out + i);
   }
   while (i + 4 <= length && WidenFour(bytes + i, out + i)) i += 4;
   if (i < length && length - i < 4 && length >= 4 && WidenFour(bytes + length - 4, out + length - 4)) return length;

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <set>
 #include <string>
 #include <string_view>
@@ -56,6 +57,8 @@ struct RKXML_HIDDEN CXmlDocument::Storage {
   void DropDeclarations(std::size_t count);  // those after the first so many
   // The block with space for `more` characters behind its text, moved if need be.
   CXmlTextBlock* Reserve(CXmlTextBlock* block, std::size_t more);
+  // The text as a block of its own; null for none.
+  CXmlTextBlock* MakeBlock(CXmlHeldText text);
   // A block of the text that lasts; null for an empty text.
   CXmlTextBlock* Keep(std::wstring_view text);
   // The shared block of the text of `block` (shared, or null) and the blanks; null when there can be none.
@@ -99,6 +102,7 @@ struct RKXML_HIDDEN CXmlDocument::Storage {
   std::size_t pinned = 0;
   std::unique_ptr<CSiblingIndex> siblings;  // while it may hold, see CSiblingIndex::Of
   std::size_t indexedAliases = 0;           // declarations that it knows
+  std::mutex widening;                      // of parts of the input, after the load
 };
 
 }  // namespace RkXmlLib16

@@ -8,6 +8,7 @@
 #include <limits>
 #include <string_view>
 
+#include "RkXmlLib16/base/internal/Ascii.h"
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/document/ElementTree.h"
 #include "RkXmlLib16/document/internal/Storage.h"
@@ -22,7 +23,8 @@ class CTreeBuilder {
   explicit CTreeBuilder(CXmlDocument& document)
       : m_document(document),
         m_storage(*document.m_storage),
-        m_isPlain(document.m_filter == nullptr && document.m_pieces == nullptr) {
+        m_isPlain(document.m_filter == nullptr && document.m_pieces == nullptr),
+        m_input(m_isPlain ? document.m_textInput : nullptr) {
     if (!m_isPlain) return;
     const CReadLimits& limits = document.m_context->GetLimits();
     m_deepest = OrNone(limits.GetMaxElementDepth());
@@ -67,15 +69,19 @@ class CTreeBuilder {
     --m_storage.depth;
   }
 
-  // Without a value when that is null.
+  // Without a value when that is none.
   CXmlAttribute* AddAttribute(CXmlElement* element, const CXmlName* localName, const CXmlName* namespaceUri,
-                              CXmlTextBlock* value) {
+                              CXmlHeldText value) {
     CXmlAttribute* const attribute = TryAddAttribute(element, localName, namespaceUri, value);
-    return attribute != nullptr ? attribute : m_document.AddAttribute(element, localName, namespaceUri, value);
+    if (attribute != nullptr) return attribute;
+    CXmlAttribute* const added =
+        m_document.AddAttribute(element, localName, namespaceUri, static_cast<CXmlTextBlock*>(nullptr));
+    added->m_value.store(value, std::memory_order_relaxed);
+    return added;
   }
   // The same; null, and nothing added, unless the case is the usual one.
   [[gnu::always_inline]] CXmlAttribute* TryAddAttribute(CXmlElement* element, const CXmlName* localName,
-                                                        const CXmlName* namespaceUri, CXmlTextBlock* value) {
+                                                        const CXmlName* namespaceUri, CXmlHeldText value) {
     if (m_storage.nodeCount >= m_mostNodes) return nullptr;
     CXmlAttributeBlock*& block = element->m_attributes.m_block;
     if (block == nullptr)
@@ -86,7 +92,7 @@ class CTreeBuilder {
       return nullptr;
     ++m_storage.nodeCount;
     auto* const attribute = new (block->Attributes() + block->m_count) CXmlAttribute(element, localName, namespaceUri);
-    attribute->m_value = value;
+    attribute->m_value.store(value, std::memory_order_relaxed);
     ++block->m_count;
     return attribute;
   }
@@ -110,9 +116,22 @@ class CTreeBuilder {
     return new (memory) CXmlTextBlock{static_cast<std::uint32_t>(length), static_cast<std::uint32_t>(length)};
   }
 
+  // Such characters as a part of the input if that stays, else, or if it will be asked for often, in a block; none
+  // where that cannot be read in whole steps.
+  CXmlHeldText HoldText(const unsigned char* bytes, std::size_t length, const unsigned char* end, bool isAskedOften) {
+    if (m_input == nullptr || isAskedOften) return MakeText<>(bytes, length, end);
+    const std::size_t steps = (length + kStep - 1) / kStep * kStep;
+    if (steps > static_cast<std::size_t>(end - bytes)) return nullptr;
+    return CXmlHeldText::OfInput(static_cast<std::size_t>(bytes - m_input), length);
+  }
+
   // The element's whole text, which it has none of yet.
-  static bool HasText(const CXmlElement& element) noexcept { return element.m_text != nullptr; }
-  static void SetText(CXmlElement& element, CXmlTextBlock* text) noexcept { element.m_text = text; }
+  static bool HasText(const CXmlElement& element) noexcept {
+    return !element.m_text.load(std::memory_order_relaxed).IsNone();
+  }
+  static void SetText(CXmlElement& element, CXmlHeldText text) noexcept {
+    element.m_text.store(text, std::memory_order_relaxed);
+  }
   // For others to have too: nobody writes to the block again.
   static void Share(CXmlTextBlock& block) noexcept { block.m_capacity = 0; }
   // Whether Count will not find the limit exceeded.
@@ -120,8 +139,9 @@ class CTreeBuilder {
     return m_storage.charCount + block.m_length <= m_mostCharacters;
   }
   // Of a text or value that the tree has now.
-  void Count(const CXmlTextBlock& block) {
-    m_storage.charCount += block.m_length;
+  void Count(const CXmlTextBlock& block) { Count(block.m_length); }
+  void Count(std::size_t charCount) {
+    m_storage.charCount += charCount;
     if (m_storage.charCount > m_mostCharacters) m_storage.CountCharacters(0);
   }
 
@@ -139,23 +159,17 @@ class CTreeBuilder {
   // Widens sixteen bytes into their places; which of them do not stand for themselves.
   template <unsigned char... Refused>
   static unsigned WidenStep(const unsigned char* bytes, wchar_t* out) {
-    const __m128i zero = _mm_setzero_si128();
     const __m128i step = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
     __m128i odd = _mm_cmplt_epi8(step, _mm_set1_epi8(1));
     ((odd = _mm_or_si128(odd, _mm_cmpeq_epi8(step, _mm_set1_epi8(static_cast<char>(Refused))))), ...);
-    const __m128i low = _mm_unpacklo_epi8(step, zero);
-    const __m128i high = _mm_unpackhi_epi8(step, zero);
-    auto* const to = reinterpret_cast<__m128i*>(out);
-    _mm_storeu_si128(to, _mm_unpacklo_epi16(low, zero));
-    _mm_storeu_si128(to + 1, _mm_unpackhi_epi16(low, zero));
-    _mm_storeu_si128(to + 2, _mm_unpacklo_epi16(high, zero));
-    _mm_storeu_si128(to + 3, _mm_unpackhi_epi16(high, zero));
+    Ascii::PutSixteen(step, out);
     return static_cast<unsigned>(_mm_movemask_epi8(odd));
   }
 
   CXmlDocument& m_document;
   CXmlDocument::Storage& m_storage;
   const bool m_isPlain;
+  const unsigned char* const m_input;  // if texts may be parts of it
   // 0 where the usual case is not possible.
   std::size_t m_deepest = 0;
   std::size_t m_mostNodes = 0;

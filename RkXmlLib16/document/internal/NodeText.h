@@ -1,0 +1,43 @@
+#ifndef RKXMLLIB16_DOCUMENT_INTERNAL_NODETEXT_H
+#define RKXMLLIB16_DOCUMENT_INTERNAL_NODETEXT_H
+
+#include <cstddef>
+#include <string_view>
+
+#include "RkXmlLib16/base/internal/Ascii.h"
+#include "RkXmlLib16/document/ElementTree.h"
+
+namespace RkXmlLib16 {
+
+// The text of an element or the value of an attribute for one who reads it once: a short part of the input is widened
+// here, so that the document does not have to hold it a second time. NUL-terminated; valid as long as this is.
+class CNodeText {
+ public:
+  explicit CNodeText(const CXmlElement& element) : m_text(Find(element, element.m_text)) {}
+  explicit CNodeText(const CXmlAttribute& attribute) : m_text(Find(*attribute.m_element, attribute.m_value)) {}
+  CNodeText(const CNodeText&) = delete;
+  CNodeText& operator=(const CNodeText&) = delete;
+
+  const CXmlText& Get() const noexcept { return m_text; }
+
+ private:
+  static constexpr std::size_t kFew = 64;
+
+  CXmlText Find(const CXmlElement& element, std::atomic<CXmlHeldText>& held) {
+    const CXmlHeldText text = held.load(std::memory_order_acquire);
+    if (!text.IsOfInput()) return text.View();
+    const CXmlDocument& document = *element.GetDocument();
+    const std::size_t length = text.GetLength();
+    if (length > kFew) return document.Widen(held);
+    Ascii::WidenSteps(document.m_textInput + text.GetOffset(), length, m_few);
+    m_few[length] = L'\0';
+    return {m_few, length};
+  }
+
+  CXmlText m_text;
+  wchar_t m_few[kFew + 1];
+};
+
+}  // namespace RkXmlLib16
+
+#endif
