@@ -29,9 +29,8 @@ class RKXML_EXPORT CTextStream {
   void Append(wchar_t character) { m_text.Append(character); }
   void Append(const wchar_t* text) { m_text.Append(text); }
   void Append(const std::wstring& text) { m_text.Append(text); }
-  void Append(std::wstring_view text) { m_text.Append(text); }
-  wchar_t* Reserve(unsigned long count) { return m_text.Reserve(count); }
-  void Commit(const wchar_t* end) noexcept { m_text.Commit(end); }
+  // Where the text is collected.
+  CStringBuffer& GetBuffer() noexcept { return m_text; }
   unsigned long GetLength() const noexcept { return m_text.GetLength(); }
   const wchar_t* GetText() { return m_text.GetText(); }
   std::wstring ToString() const { return m_text.ToString(); }

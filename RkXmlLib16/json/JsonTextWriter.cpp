@@ -201,11 +201,11 @@ void CJsonTextWriter::RecordOutput::Make(MadeKey& made, const CNameToken& name, 
   if (!HasKey(made, name, marker, w.m_context->m_depth + 1))
     return w.PutMember(isFurther, marker, *made.prefix, name.GetLocalName(), value, quoted);
   const bool isShort = value.size() <= kShortText;
-  wchar_t* to = w.m_stream.Reserve(1 + MadeKey::kLongest + (isShort ? value.size() * kLongestEscape + 2 : 0));
+  wchar_t* to = w.m_out.Reserve(1 + MadeKey::kLongest + (isShort ? value.size() * kLongestEscape + 2 : 0));
   *to = L',';
   to = made.key.CopyTo(isFurther ? to + 1 : to);
   if (isShort) return w.WriteShortValue(to, value, quoted, isCanonical && HasNothingToEscape(type));
-  w.m_stream.Commit(to);
+  w.m_out.Commit(to);
   w.WriteLongValue(value, quoted);
 }
 
@@ -220,7 +220,7 @@ void CJsonTextWriter::RecordOutput::Make(MadeKey& made, const CNameToken& name, 
   if (isItem)
     w.Put(w.LineStart(level));
   else if (HasKey(entry.made, name, {}, level))
-    w.m_stream.Commit(entry.made.key.CopyTo(w.m_stream.Reserve(MadeKey::kLongest)));
+    w.m_out.Commit(entry.made.key.CopyTo(w.m_out.Reserve(MadeKey::kLongest)));
   else
     w.PutKey(w.LineStart(level), {}, *entry.made.prefix, name.GetLocalName());
   w.FlushWhenFull();
@@ -245,7 +245,7 @@ void CJsonTextWriter::RecordOutput::Make(MadeKey& made, const CNameToken& name, 
   return true;
 }
 
-CJsonTextWriter::CJsonTextWriter(CTextStream& stream) : m_stream(stream) {
+CJsonTextWriter::CJsonTextWriter(CTextStream& stream) : m_stream(stream), m_out(stream.GetBuffer()) {
   m_inventsPrefixes = false;
   SetRecordOutput<CJsonTextWriter, RecordOutput>();
 }
@@ -319,17 +319,17 @@ void CJsonTextWriter::OpenBrackets(CXmlWriterContext& context) {
     if (m_itemPending) SeparateItem(context);
     CXmlWriterContext* owner = context.m_parent.get();
     if (owner != nullptr && owner->m_state == ContextState_CollectionStart) OpenArray(context, *owner);
-    m_stream.Append(L'{');
+    m_out.Append(L'{');
     m_valuePending = false;
   } else {
-    m_stream.Append(L',');
+    m_out.Append(L',');
   }
 }
 
 void CJsonTextWriter::WriteValue(const std::wstring& text, ItemType type) {
   const bool quoted = NeedsQuotes(text, type);
   if (text.size() <= kShortText)
-    WriteShortValue(m_stream.Reserve(text.size() * kLongestEscape + 2), text, quoted, /*isClean=*/false);
+    WriteShortValue(m_out.Reserve(text.size() * kLongestEscape + 2), text, quoted, /*isClean=*/false);
   else
     WriteLongValue(text, quoted);
 }
@@ -338,7 +338,7 @@ inline void CJsonTextWriter::WriteShortValue(wchar_t* to, std::wstring_view text
   if (quoted) *to++ = L'"';
   to = isClean ? WideText::Copy(to, text) : PutText(to, text, quoted);
   if (quoted) *to++ = L'"';
-  m_stream.Commit(to);
+  m_out.Commit(to);
   FlushWhenFull();
 }
 
@@ -464,7 +464,7 @@ void CJsonTextWriter::WriteEndElement() {
   CloseArray(context, Top(), true);
   if (!m_valuePending) {
     Put(LineStart(context.m_depth));
-    m_stream.Append(L'}');
+    m_out.Append(L'}');
   } else if (m_textPending) {
     if (m_itemPending) WriteItemAsMember(context);
     if (m_text.empty()) {
@@ -556,18 +556,18 @@ void CJsonTextWriter::PutMember(bool isFurther, std::wstring_view marker, const 
                                 const std::wstring& localName, std::wstring_view value, bool quoted) {
   const std::wstring_view start = LineStart(m_context->m_depth + 1);
   const bool isShort = value.size() <= kShortText;
-  wchar_t* to = m_stream.Reserve(1 + start.size() + KeyLength(marker, prefix, localName) +
-                                 (isShort ? value.size() * kLongestEscape + 2 : 0));
+  wchar_t* to = m_out.Reserve(1 + start.size() + KeyLength(marker, prefix, localName) +
+                              (isShort ? value.size() * kLongestEscape + 2 : 0));
   if (isFurther) *to++ = L',';
   to = CopyKey(WideText::Copy(to, start), marker, prefix, localName);
   if (isShort) return WriteShortValue(to, value, quoted, /*isClean=*/false);
-  m_stream.Commit(to);
+  m_out.Commit(to);
   WriteLongValue(value, quoted);
 }
 
 void CJsonTextWriter::SeparateItem(const CXmlWriterContext& item) {
   m_itemPending = false;
-  m_stream.Append(L',');
+  m_out.Append(L',');
   Put(LineStart(item.m_depth));
 }
 
@@ -595,7 +595,7 @@ void CJsonTextWriter::WriteNamespaceMember(const std::wstring& prefix, const std
   else
     PutKey(LineStart(m_context->m_depth + 1), L"@", L"xmlns", prefix);
   Put(L"\"");
-  m_stream.Commit(PutName(m_stream.Reserve(namespaceUri.size() * kLongestEscape), namespaceUri));
+  m_out.Commit(PutName(m_out.Reserve(namespaceUri.size() * kLongestEscape), namespaceUri));
   Put(L"\"");
 }
 
@@ -626,8 +626,8 @@ void CJsonTextWriter::GrowLineStart(std::size_t length) {
 
 void CJsonTextWriter::PutKey(std::wstring_view start, std::wstring_view marker, const std::wstring& prefix,
                              const std::wstring& localName) {
-  wchar_t* const to = m_stream.Reserve(start.size() + KeyLength(marker, prefix, localName));
-  m_stream.Commit(CopyKey(WideText::Copy(to, start), marker, prefix, localName));
+  wchar_t* const to = m_out.Reserve(start.size() + KeyLength(marker, prefix, localName));
+  m_out.Commit(CopyKey(WideText::Copy(to, start), marker, prefix, localName));
 }
 
 inline std::size_t CJsonTextWriter::KeyLength(std::wstring_view marker, const std::wstring& prefix,
@@ -659,7 +659,7 @@ void CJsonTextWriter::PutEscaped(std::wstring_view text) {
   text = UpToNul(text);
   while (!text.empty()) {
     const std::wstring_view piece = text.substr(0, kShortText);
-    m_stream.Commit(PutEscapedShort(m_stream.Reserve(piece.size() * kLongestEscape), piece));
+    m_out.Commit(PutEscapedShort(m_out.Reserve(piece.size() * kLongestEscape), piece));
     text.remove_prefix(piece.size());
   }
 }
@@ -708,7 +708,7 @@ wchar_t* CJsonTextWriter::PutEscape(wchar_t* to, std::uint32_t c) const {
 }
 
 void CJsonTextWriter::FlushWhenFull() {
-  if (m_stream.GetLength() >= kFlushLength) m_stream.Flush();
+  if (m_out.GetLength() >= kFlushLength) m_stream.Flush();
 }
 
 }  // namespace RkXmlLib16

@@ -123,7 +123,7 @@ class RKXML_EXPORT CJsonTextWriter : public CXmlWriter {
   void RequireOpenElement() const;
   bool NeedsQuotes(std::wstring_view text, ItemType type) const;
 
-  void Put(std::wstring_view text) { m_stream.Append(text); }
+  void Put(std::wstring_view text) { m_out.Append(text); }
   // The line end and the indentation of a level, or the latter alone; empty when the output is one line. Good until the
   // next one.
   std::wstring_view LineStart(std::int64_t level);
@@ -151,6 +151,7 @@ class RKXML_EXPORT CJsonTextWriter : public CXmlWriter {
   bool m_format = true;
   bool m_strict = false;
   CTextStream& m_stream;
+  CStringBuffer& m_out;  // that of the stream
   // The state of the open element. Its end returns to its parent, which is in state Object then.
   //
   //             pending: value item text  written so far     a member comes        text comes     the end comes

@@ -207,24 +207,22 @@ std::wstring CBigInteger::ToString() const {
 }
 
 void CBigInteger::AppendTo(std::wstring& out) const {
-  if (IsZero()) {
-    out += L'0';
+  wchar_t few[kFewCharacters];
+  if (const wchar_t* const first = WriteFew(std::end(few))) {
+    out.append(first, static_cast<std::size_t>(std::end(few) - first));
     return;
   }
-  constexpr std::size_t kFew = sizeof(std::uint64_t);
-  const std::size_t sign = m_sign < 0 ? 1 : 0;
-  if (m_digits.FitsPacked()) {
-    wchar_t text[1 + kFew];
-    Ascii::PutDigitsBackwards(m_digits.GetPacked(), std::end(text));
-    wchar_t* const first = std::end(text) - m_digits.size() - sign;
-    if (m_sign < 0) *first = L'-';
-    out.append(first, sign + m_digits.size());
-    return;
-  }
-  const std::size_t start = out.size();
-  out.resize(start + sign + m_digits.size(), L'-');
+  out.resize(out.size() + (m_sign < 0 ? 1 : 0) + m_digits.size(), L'-');
   wchar_t* to = out.data() + out.size();
   for (const wchar_t digit : m_digits) *--to = L'0' + digit;
+}
+
+const wchar_t* CBigInteger::WriteFew(wchar_t* end) const noexcept {
+  if (m_digits.size() >= kFewCharacters) return nullptr;
+  if (m_digits.empty()) *--end = L'0';
+  for (const wchar_t digit : m_digits) *--end = L'0' + digit;
+  if (m_sign < 0 && !IsZero()) *--end = L'-';
+  return end;
 }
 
 CBigInteger CBigInteger::GetAbs() const {

@@ -55,6 +55,10 @@ class RKXML_EXPORT CBigInteger {
   explicit operator long long() const;
   std::wstring ToString() const;
   void AppendTo(std::wstring& out) const;
+  // Writes the text, if it is one of few characters, so that it ends before `end`, and returns its start. Null, and
+  // nothing written, for others. There must be space for kFewCharacters.
+  static constexpr std::size_t kFewCharacters = 17;
+  const wchar_t* WriteFew(wchar_t* end) const noexcept;
 
   // +1 or -1, also of zero.
   std::int32_t GetSign() const noexcept { return m_sign; }

@@ -63,8 +63,9 @@ class RKXML_EXPORT CConversions {
   template <ItemType kItem>
   static const wchar_t* WriteFew(const XsdValue<kItem>& value, wchar_t* end) {
     static_assert(CDecimal::kFewCharacters <= TextSpace::kFewCharacters);
+    static_assert(CBigInteger::kFewCharacters <= TextSpace::kFewCharacters);
     static_assert(CDateTime::kPlainCharacters <= TextSpace::kFewCharacters);
-    if constexpr (kItem == ItemType_decimal)
+    if constexpr (kItem == ItemType_decimal || kItem == ItemType_integer)
       return value.WriteFew(end);
     else if constexpr (kItem == ItemType_dateTime)
       return value.WritePlain(end);

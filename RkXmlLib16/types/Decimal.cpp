@@ -112,6 +112,15 @@ namespace {
 
 constexpr std::size_t kPackedDigits = sizeof(std::uint64_t);
 
+// Writes eight digits, one in each byte, as characters that end before `end`, the lowest one last.
+void PutDigitsBackwards(std::uint64_t packed, wchar_t* end) {
+  const __m128i zero = _mm_setzero_si128();
+  const __m128i forwards = _mm_cvtsi64_si128(static_cast<long long>(__builtin_bswap64(packed)));
+  const __m128i pairs = _mm_unpacklo_epi8(_mm_add_epi8(forwards, _mm_set1_epi8('0')), zero);
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(end - 8), _mm_unpacklo_epi16(pairs, zero));
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(end - 4), _mm_unpackhi_epi16(pairs, zero));
+}
+
 // The digits of a text of up to sixteen characters, one in each byte, with zeros behind them.
 struct TextBytes {
   static constexpr std::size_t kMost = 16;
@@ -330,11 +339,11 @@ const wchar_t* CDecimal::WriteFew(wchar_t* end) const noexcept {
   const std::uint64_t whole = integer.GetPacked();
   const std::uint64_t part = fraction.GetPacked();
   if (part != 0) {
-    Ascii::PutDigitsBackwards(part, end);
+    PutDigitsBackwards(part, end);
     end -= m_divider + 1;
     *end = L'.';
   }
-  Ascii::PutDigitsBackwards(whole, end);
+  PutDigitsBackwards(whole, end);
   end -= integer.empty() ? 1 : integer.size();
   if ((whole != 0 ? m_integer : m_fraction).GetSign() < 0 && (whole | part) != 0) *--end = L'-';
   return end;

@@ -161,7 +161,7 @@ bool CXmlTextWriter::RecordOutput::MakeTags(const CNameToken& name, std::int64_t
 
 inline wchar_t* CXmlTextWriter::RecordOutput::BeginChild(std::size_t count) {
   CXmlWriterContext& parent = *m_writer.m_context;
-  wchar_t* const to = m_writer.m_stream.Reserve(1 + m_writer.m_endOfLine.size() + count);
+  wchar_t* const to = m_writer.m_out.Reserve(1 + m_writer.m_endOfLine.size() + count);
   ++parent.m_childCount;
   if (!parent.m_startTagOpen) return to;
   parent.m_startTagOpen = false;
@@ -174,7 +174,7 @@ inline wchar_t* CXmlTextWriter::RecordOutput::BeginChild(std::size_t count) {
   wchar_t* const to = BeginChild(std::size(made.start.text));
   CXmlWriterContext& context = m_writer.PushContext(name, *entry.namespaceName);
   if (!made.prefix->empty()) context.m_prefix = *made.prefix;
-  m_writer.m_stream.Commit(made.start.CopyTo(to));
+  m_writer.m_out.Commit(made.start.CopyTo(to));
   m_writer.FlushIfDue();
   return true;
 }
@@ -195,7 +195,7 @@ inline wchar_t* CXmlTextWriter::RecordOutput::BeginChild(std::size_t count) {
     to = isClean ? WideText::Copy(to, text) : m_writer.PutEscapedShort(to, text, Escaping::Text);
     to = made.end.CopyTo(to);
   }
-  m_writer.m_stream.Commit(to);
+  m_writer.m_out.Commit(to);
   m_writer.FlushIfDue();
   return true;
 }
@@ -206,12 +206,12 @@ inline wchar_t* CXmlTextWriter::RecordOutput::BeginChild(std::size_t count) {
   const MadeMarkup& made = entry.made;
   if (value.size() > kShortText || !m_writer.m_context->m_startTagOpen) return false;
   const Escaping where = m_writer.m_keepTabs ? Escaping::AttributeWithTabs : Escaping::Attribute;
-  wchar_t* to = m_writer.m_stream.Reserve(std::size(made.start.text) + value.size() * kLongestEscape + 1);
+  wchar_t* to = m_writer.m_out.Reserve(std::size(made.start.text) + value.size() * kLongestEscape + 1);
   to = made.start.CopyTo(to);
   const bool isClean = isCanonical && HasNothingToEscape(type);
   to = isClean ? WideText::Copy(to, value) : m_writer.PutEscapedShort(to, value, where);
   *to++ = L'"';
-  m_writer.m_stream.Commit(to);
+  m_writer.m_out.Commit(to);
   m_writer.FlushIfDue();
   return true;
 }
@@ -221,18 +221,18 @@ inline wchar_t* CXmlTextWriter::RecordOutput::BeginChild(std::size_t count) {
   const Entry* const entry = FindElement(context.GetNameNumber());
   if (entry == nullptr || entry->made.depth != context.m_depth || context.m_startTagOpen) return false;
   const MadeMarkup& made = entry->made;
-  wchar_t* to = m_writer.m_stream.Reserve(std::size(made.start.text) + std::size(made.end.text));
+  wchar_t* to = m_writer.m_out.Reserve(std::size(made.start.text) + std::size(made.end.text));
   if (context.m_childCount != 0) {
     made.start.CopyTo(to);
     to += made.indentation;
   }
-  m_writer.m_stream.Commit(made.end.CopyTo(to));
+  m_writer.m_out.Commit(made.end.CopyTo(to));
   m_writer.PopContext();
   m_writer.FlushIfDue();
   return true;
 }
 
-CXmlTextWriter::CXmlTextWriter(CTextStream& stream) : m_stream(stream) {
+CXmlTextWriter::CXmlTextWriter(CTextStream& stream) : m_stream(stream), m_out(stream.GetBuffer()) {
   SetRecordOutput<CXmlTextWriter, RecordOutput>();
 }
 
@@ -336,12 +336,12 @@ void CXmlTextWriter::WriteStartElement(const std::wstring& localName, const std:
     context.m_prefix = *known;
   if (m_checks != nullptr && !context.m_prefix.empty()) m_checks->Declaration(context.m_prefix, namespaceUri);
 
-  wchar_t* to = m_stream.Reserve(1 + m_endOfLine.size() + IndentLength(context.m_depth) + 1 + context.m_prefix.size() +
-                                 1 + localName.size());
+  wchar_t* to = m_out.Reserve(1 + m_endOfLine.size() + IndentLength(context.m_depth) + 1 + context.m_prefix.size() + 1 +
+                              localName.size());
   if (closesTag) to = PutEndOfTag(to);
   to = PutIndent(to, context.m_depth);
   *to++ = L'<';
-  m_stream.Commit(PutQName(to, context.m_prefix, localName));
+  m_out.Commit(PutQName(to, context.m_prefix, localName));
 
   if (invented) {
     Put(L" ");
@@ -398,8 +398,8 @@ void CXmlTextWriter::WriteEndElement() {
   if (m_context == nullptr) throw CRkException(L"There is no open Element to end.");
   const CXmlWriterContext& context = *m_context;
   const std::wstring& localName = context.m_localName.Get();
-  wchar_t* to = m_stream.Reserve(IndentLength(context.m_depth) + 3 + context.m_prefix.size() + 1 + localName.size() +
-                                 m_endOfLine.size());
+  wchar_t* to = m_out.Reserve(IndentLength(context.m_depth) + 3 + context.m_prefix.size() + 1 + localName.size() +
+                              m_endOfLine.size());
   if (context.m_startTagOpen) {
     *to++ = L'/';
   } else {
@@ -408,7 +408,7 @@ void CXmlTextWriter::WriteEndElement() {
     *to++ = L'/';
     to = PutQName(to, context.m_prefix, localName);
   }
-  m_stream.Commit(PutEndOfTag(to));
+  m_out.Commit(PutEndOfTag(to));
   PopContext();
   FlushIfDue();
 }
@@ -450,7 +450,7 @@ void CXmlTextWriter::WriteAttribute(const std::wstring& localName, const std::ws
                                                          : Escaping::Attribute;
   const bool isShort = value.size() <= kShortText;
   wchar_t* to =
-      m_stream.Reserve(1 + prefix->size() + 1 + localName.size() + 3 + (isShort ? value.size() * kLongestEscape : 0));
+      m_out.Reserve(1 + prefix->size() + 1 + localName.size() + 3 + (isShort ? value.size() * kLongestEscape : 0));
   *to++ = L' ';
   to = PutQName(to, *prefix, localName);
   *to++ = L'=';
@@ -458,12 +458,12 @@ void CXmlTextWriter::WriteAttribute(const std::wstring& localName, const std::ws
   if (isShort) {
     to = PutEscapedShort(to, value, where);
   } else {
-    m_stream.Commit(to);
+    m_out.Commit(to);
     PutEscaped(value, where);
-    to = m_stream.Reserve(1);
+    to = m_out.Reserve(1);
   }
   *to++ = L'"';
-  m_stream.Commit(to);
+  m_out.Commit(to);
   FlushIfDue();
 }
 
@@ -506,10 +506,10 @@ void CXmlTextWriter::PutEscaped(std::wstring_view text, Escaping where) {
     Put(text.substr(0, clean));
     text.remove_prefix(clean);
     const std::wstring_view piece = text.substr(0, clean != 0 ? 8 : kShortText);
-    m_stream.Commit(PutEscapedShort(m_stream.Reserve(piece.size() * kLongestEscape), piece, where));
+    m_out.Commit(PutEscapedShort(m_out.Reserve(piece.size() * kLongestEscape), piece, where));
     text.remove_prefix(piece.size());
   }
-  m_stream.Commit(PutEscapedShort(m_stream.Reserve(text.size() * kLongestEscape), text, where));
+  m_out.Commit(PutEscapedShort(m_out.Reserve(text.size() * kLongestEscape), text, where));
 }
 
 // The text up to its first NUL; there is space for the longest escapes.
@@ -569,7 +569,7 @@ void CXmlTextWriter::RequireStartTag() const {
 }
 
 void CXmlTextWriter::FlushIfDue() {
-  if (m_stream.GetLength() >= kFlushLength) m_stream.Flush();
+  if (m_out.GetLength() >= kFlushLength) m_stream.Flush();
 }
 
 }  // namespace RkXmlLib16

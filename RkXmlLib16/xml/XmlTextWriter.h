@@ -86,7 +86,7 @@ class RKXML_EXPORT CXmlTextWriter : public CXmlWriter {
   class RecordOutput;
   enum class Escaping { Text, Attribute, Namespace, AttributeWithTabs };
 
-  void Put(std::wstring_view text) { m_stream.Append(text); }
+  void Put(std::wstring_view text) { m_out.Append(text); }
   void PutEscaped(std::wstring_view text, Escaping where);
   void PutDeclaration(std::wstring_view prefix, std::wstring_view namespaceUri);
   void PutRootDeclarations();
@@ -107,6 +107,7 @@ class RKXML_EXPORT CXmlTextWriter : public CXmlWriter {
   bool m_keepTabs = false;
   bool m_escapesSections = false;
   CTextStream& m_stream;
+  CStringBuffer& m_out;  // that of the stream
 };
 
 }  // namespace RkXmlLib16

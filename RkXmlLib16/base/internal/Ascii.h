@@ -108,15 +108,6 @@ inline bool Distances(const wchar_t* text, const char (&from)[16], const unsigne
   return _mm_movemask_epi8(_mm_cmpeq_epi8(_mm_min_epu8(distances, load(most)), distances)) == 0xFFFF;
 }
 
-// Writes eight digits, the numbers 0 to 9, one in each byte, as characters that end before `end`, the lowest one last.
-inline void PutDigitsBackwards(std::uint64_t packed, wchar_t* end) {
-  const __m128i zero = _mm_setzero_si128();
-  const __m128i forwards = _mm_cvtsi64_si128(static_cast<long long>(__builtin_bswap64(packed)));
-  const __m128i pairs = _mm_unpacklo_epi8(_mm_add_epi8(forwards, _mm_set1_epi8('0')), zero);
-  _mm_storeu_si128(reinterpret_cast<__m128i*>(end - 8), _mm_unpacklo_epi16(pairs, zero));
-  _mm_storeu_si128(reinterpret_cast<__m128i*>(end - 4), _mm_unpackhi_epi16(pairs, zero));
-}
-
 // Whether one of the bytes is `a` or `b`.
 inline bool HasEither(const unsigned char* bytes, std::size_t length, unsigned char a, unsigned char b) {
   const auto isThere = [a, b](__m128i block) {
