@@ -62,11 +62,8 @@ CFastInfosetContext& CFastInfosetContext::operator=(const CFastInfosetContext& o
 
 CFastInfosetContext::~CFastInfosetContext() = default;
 
-const EncodedCharacterString& CFastInfosetContext::GetEncoding(int index) const {
-  if (index < ItemType_none || index > ItemType_integer) {
-    throw CRkInvalidParamException(FormatString(L"Invalid encoding index [%d]", index));
-  }
-  return m_encodings[static_cast<std::size_t>(index)];
+void CFastInfosetContext::ThrowBadIndex(int index) {
+  throw CRkInvalidParamException(FormatString(L"Invalid encoding index [%d]", index));
 }
 
 void CFastInfosetContext::SetEncoding(int index, EncodedCharacterString encoding) {

@@ -58,7 +58,10 @@ class RKXML_EXPORT CFastInfosetContext {
   // or algorithm only where reading it back gives the same text, else as characters; but an integer or decimal with a
   // character that the numeric alphabet lacks is an error. Both throw CRkInvalidParamException for an index that is no
   // ItemType.
-  const EncodedCharacterString& GetEncoding(int index) const;
+  const EncodedCharacterString& GetEncoding(int index) const {
+    if (index < ItemType_none || index > ItemType_integer) ThrowBadIndex(index);
+    return m_encodings[static_cast<std::size_t>(index)];
+  }
   void SetEncoding(int index, EncodedCharacterString encoding);
   // Fills the table: algorithms for binary, integral, boolean and floating types, the numeric alphabet for the numbers
   // without bounds, the date and time alphabet for dates and times, none for durations, characters and strings.
@@ -87,6 +90,8 @@ class RKXML_EXPORT CFastInfosetContext {
   static const std::wstring& LIBRARY_NAMESPACE;
 
  private:
+  [[noreturn]] static void ThrowBadIndex(int index);
+
   std::array<EncodedCharacterString, ItemType_integer + 1> m_encodings;
   unsigned long m_attributeMaxAddLength = 6;
   unsigned long m_elementMaxAddLength = 6;

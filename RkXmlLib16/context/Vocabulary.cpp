@@ -10,6 +10,9 @@ namespace RkXmlLib16 {
 namespace {
 
 constexpr std::size_t kFirstBlockLength = 128;
+constexpr std::size_t kFirstEntries = 16;
+constexpr std::size_t kFirstSlots = 16;
+constexpr std::size_t kManySlots = 4096;  // a table of fewer grows in larger steps
 constexpr std::size_t kMaxBlockLength = kHugePage / sizeof(wchar_t);
 constexpr std::wstring_view kXmlPrefix = L"xml";
 constexpr std::wstring_view kXmlNamespaceName = L"http://www.w3.org/XML/1998/namespace";
@@ -26,7 +29,7 @@ bool IsAlreadyWhole(unsigned long) { return true; }
 
 inline std::uint64_t CFIIndexHash::SlotOf(std::uint64_t octets) noexcept { return CKeyedHash::Of(octets); }
 
-CFIKey CFIIndexHash::KeyOf(std::wstring_view text) noexcept {
+inline CFIKey CFIIndexHash::KeyOf(std::wstring_view text) noexcept {
   CFIKey key;
   if (WideText::PackEight(text, key.octets)) {
     key.length = static_cast<std::uint32_t>(text.length());
@@ -37,23 +40,26 @@ CFIKey CFIIndexHash::KeyOf(std::wstring_view text) noexcept {
   return key;
 }
 
-void CFIIndexHash::Insert(const CFIKey& key, unsigned long index) {
-  if ((m_count + 1) * 2 > m_slots.size()) {
-    decltype(m_slots) old(std::max<std::size_t>(16, m_slots.size() * 2));
-    old.swap(m_slots);
-    for (const Slot& slot : old) {
-      if (slot.index != 0) Place(slot);
-    }
+inline void CFIIndexHash::Insert(const CFIKey& key, unsigned long index) {
+  if (m_slots.empty()) {
+    m_slots.resize(kFirstSlots);
+    m_slots[SlotOf(key.octets) % kFirstSlots] = {key.octets, key.length, static_cast<std::uint32_t>(index)};
+  } else {
+    m_slots[key.slot] = {key.octets, key.length, static_cast<std::uint32_t>(index)};
   }
-  Place({key.octets, key.length, static_cast<std::uint32_t>(index)});
-  ++m_count;
+  if (++m_count * 2 > m_slots.size()) Grow();
 }
 
-void CFIIndexHash::Place(const Slot& slot) {
+void CFIIndexHash::Grow() {
+  decltype(m_slots) old(m_slots.size() * (m_slots.size() < kManySlots ? 4 : 2));
+  old.swap(m_slots);
   const std::size_t mask = m_slots.size() - 1;
-  std::size_t at = SlotOf(slot.octets) & mask;
-  while (m_slots[at].index != 0) at = (at + 1) & mask;
-  m_slots[at] = slot;
+  for (const Slot& slot : old) {
+    if (slot.index == 0) continue;
+    std::size_t at = SlotOf(slot.octets) & mask;
+    while (m_slots[at].index != 0) at = (at + 1) & mask;
+    m_slots[at] = slot;
+  }
 }
 
 CFIStringTable::CFIStringTable() : m_nextBlockLength(kFirstBlockLength) {}
@@ -77,17 +83,19 @@ CFIStringTable& CFIStringTable::operator=(const CFIStringTable& other) {
 
 CFIStringTable::~CFIStringTable() = default;
 
-CFIKey CFIStringTable::KeyOf(std::wstring_view text) const noexcept { return m_hash.KeyOf(text); }
+unsigned long CFIStringTable::Find(std::wstring_view text) const {
+  CFIKey key;
+  return Find(text, key);
+}
 
-unsigned long CFIStringTable::Find(std::wstring_view text) const { return Find(text, KeyOf(text)); }
-
-unsigned long CFIStringTable::Find(std::wstring_view text, const CFIKey& key) const {
+unsigned long CFIStringTable::Find(std::wstring_view text, CFIKey& key) const {
   if (m_hashed != size()) HashNewEntries();
+  key = CFIIndexHash::KeyOf(text);
   return m_hash.Find(key, [&](unsigned long index) { return (*this)[index] == text; });
 }
 
 unsigned long CFIStringTable::Add(std::wstring_view text) {
-  const CFIKey key = KeyOf(text);
+  CFIKey key;
   const unsigned long index = Find(text, key);
   if (index != 0 || size() >= FI_MAX_TABLE_ENTRIES) return index;
   AddNew(text, key);
@@ -95,7 +103,6 @@ unsigned long CFIStringTable::Add(std::wstring_view text) {
 }
 
 void CFIStringTable::AddNew(std::wstring_view text, const CFIKey& key) {
-  if (m_hashed != size()) HashNewEntries();
   Append(text);
   m_hash.Insert(key, size());
   m_hashed = size();
@@ -110,16 +117,16 @@ void CFIStringTable::Append(std::wstring_view text) {
     m_freeLength = length;
     m_nextBlockLength = std::min(2 * m_nextBlockLength, kMaxBlockLength);
   }
+  if (m_entries.empty()) m_entries.reserve(kFirstEntries);
   m_entries.emplace_back(m_free, text.length());
-  std::copy(text.begin(), text.end(), m_free);
-  m_free += text.length();
+  m_free = WideText::Copy(m_free, text);
   m_freeLength -= text.length();
 }
 
 void CFIStringTable::HashNewEntries() const {
   for (; m_hashed < size(); ++m_hashed) {
     const std::wstring_view text = (*this)[m_hashed + 1];
-    const CFIKey key = KeyOf(text);
+    CFIKey key = CFIIndexHash::KeyOf(text);
     if (m_hash.Find(key, [&](unsigned long index) { return (*this)[index] == text; }) == 0) {
       m_hash.Insert(key, m_hashed + 1);
     }
@@ -127,18 +134,24 @@ void CFIStringTable::HashNewEntries() const {
 }
 
 unsigned long CFIQNameTable::Find(const CQNameParts& name) const {
+  CFIKey key = KeyOf(name);
+  return Find(key);
+}
+
+unsigned long CFIQNameTable::Find(CFIKey& key) const {
   for (; m_hashed < size(); ++m_hashed) {
-    const CFIKey key = KeyOf(m_entries[m_hashed]);
-    if (m_hash.Find(key, IsAlreadyWhole) == 0) m_hash.Insert(key, m_hashed + 1);
+    CFIKey entry = KeyOf(m_entries[m_hashed]);
+    if (m_hash.Find(entry, IsAlreadyWhole) == 0) m_hash.Insert(entry, m_hashed + 1);
   }
-  return m_hash.Find(KeyOf(name), IsAlreadyWhole);
+  return m_hash.Find(key, IsAlreadyWhole);
 }
 
 unsigned long CFIQNameTable::Add(const CQNameParts& name) {
-  const unsigned long index = Find(name);
+  CFIKey key = KeyOf(name);
+  const unsigned long index = Find(key);
   if (index != 0 || size() >= FI_MAX_TABLE_ENTRIES) return index;
   m_entries.push_back(name);
-  m_hash.Insert(KeyOf(name), size());
+  m_hash.Insert(key, size());
   m_hashed = size();
   return size();
 }

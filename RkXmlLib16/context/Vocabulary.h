@@ -20,12 +20,14 @@ namespace RkXmlLib16 {
 // The most entries that a vocabulary table holds (ITU-T X.891 clause 7.13.7); a full table takes no more.
 constexpr unsigned long FI_MAX_TABLE_ENTRIES = 1048576;
 
-// What an entry is found by: all of it where eight octets hold that, else a hash.
+// What an entry is found by: all of it where eight octets hold that, else a hash. A search leaves in it the slot where
+// it ended.
 struct CFIKey {
   static constexpr std::uint32_t kHashed = UINT32_MAX;
 
   std::uint64_t octets = 0;
   std::uint32_t length = 0;  // of a text that the octets hold, or kHashed
+  std::size_t slot = 0;
 };
 
 // Finds the index of an entry by its key; what only a hash stands for stays with its owner. Open addressing, by a hash
@@ -35,17 +37,18 @@ class CFIIndexHash {
   static CFIKey KeyOf(std::wstring_view text) noexcept;
   // The index inserted with this key, or 0. `matches(index)` tells whether that is the entry, where a hash does not.
   template <class Matches>
-  unsigned long Find(const CFIKey& key, Matches&& matches) const {
+  unsigned long Find(CFIKey& key, Matches&& matches) const {
     if (m_slots.empty()) return 0;
     const std::size_t mask = m_slots.size() - 1;
-    for (std::size_t at = SlotOf(key.octets) & mask;; at = (at + 1) & mask) {
-      const Slot& slot = m_slots[at];
+    for (key.slot = SlotOf(key.octets) & mask;; key.slot = (key.slot + 1) & mask) {
+      const Slot& slot = m_slots[key.slot];
       if (slot.index == 0) return 0;
       if (slot.octets == key.octets && slot.length == key.length &&
           (key.length != CFIKey::kHashed || matches(slot.index)))
         return slot.index;
     }
   }
+  // The key is one that Find did not find, and nothing was inserted since.
   void Insert(const CFIKey& key, unsigned long index);
 
  private:
@@ -55,7 +58,7 @@ class CFIIndexHash {
     std::uint32_t index = 0;  // 0 marks a free slot
   };
   static std::uint64_t SlotOf(std::uint64_t octets) noexcept;  // before it is cut to their number
-  void Place(const Slot& slot);
+  void Grow();
 
   std::vector<Slot, CHugePageAllocator<Slot>> m_slots;  // a power of two, at most half of it in use
   std::size_t m_count = 0;
@@ -110,10 +113,9 @@ class RKXML_EXPORT CFIStringTable {
   unsigned long Add(std::wstring_view text);
   // Adds the text under the next index even when it is present already, unless the table is full.
   void Append(std::wstring_view text);
-  // Find and Add in steps that make the key of the text once. AddNew is for a text that Find did not find and that the
-  // table has space for.
-  CFIKey KeyOf(std::wstring_view text) const noexcept;
-  unsigned long Find(std::wstring_view text, const CFIKey& key) const;
+  // Find and Add in two steps, which look for the text once: Find makes its key. AddNew is for a text that Find did not
+  // find and that the table has space for; nothing was added in between.
+  unsigned long Find(std::wstring_view text, CFIKey& key) const;
   void AddNew(std::wstring_view text, const CFIKey& key);
 
   // The text of an index from 1 to size().
@@ -168,6 +170,8 @@ class RKXML_EXPORT CFIQNameTable {
   iterator end() const noexcept { return m_entries.end(); }
 
  private:
+  unsigned long Find(CFIKey& key) const;
+
   std::vector<CQNameParts> m_entries;
   mutable CFIIndexHash m_hash;  // filled by the first lookup
   mutable unsigned long m_hashed = 0;

@@ -29,6 +29,7 @@
 #include <iterator>
 #include <memory>
 #include <typeinfo>
+#include <utility>
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
@@ -208,7 +209,13 @@ CFastInfosetWriter::CFastInfosetWriter(const CFastInfosetContext& context, CBina
 
 CFastInfosetWriter::~CFastInfosetWriter() = default;
 
-inline std::size_t CFastInfosetWriter::GetLength() const { return static_cast<std::size_t>(m_end - m_room.data()); }
+inline bool CFastInfosetWriter::IsStartTagOpen() const { return m_context != nullptr && m_context->m_startTagOpen; }
+
+inline void CFastInfosetWriter::WriteElement() {
+  if (IsStartTagOpen()) EndStartTag();
+}
+
+inline std::size_t CFastInfosetWriter::GetLength() const { return static_cast<std::size_t>(m_end - m_room.get()); }
 
 inline unsigned char* CFastInfosetWriter::Reserve(std::size_t count) {
   if (static_cast<std::size_t>(m_limit - m_end) < count) Grow(count);
@@ -246,15 +253,18 @@ inline void CFastInfosetWriter::Utf8(unsigned char octet, std::wstring_view text
 
 void CFastInfosetWriter::Grow(std::size_t count) {
   const std::size_t length = GetLength();
-  m_room.resize(2 * (length + count));
-  m_end = m_room.data() + length;
-  m_limit = m_room.data() + m_room.size();
+  const std::size_t space = 2 * (length + count);
+  std::unique_ptr<unsigned char[]> room(
+      new unsigned char[space]);  // not zeroed: each octet is written before it is read
+  m_end = std::copy_n(m_room.get(), length, room.get());
+  m_room = std::move(room);
+  m_limit = m_room.get() + space;
 }
 
 void CFastInfosetWriter::FlushOctets() {
   if (IsStartTagOpen()) return;
-  m_stream.Append(m_room.data(), GetLength());
-  m_end = m_room.data();
+  m_stream.Append(m_room.get(), GetLength());
+  m_end = m_room.get();
 }
 
 void CFastInfosetWriter::WriteStartDocument(FInfoDecl declaration) {
@@ -352,8 +362,7 @@ void CFastInfosetWriter::WriteStartElement(const std::wstring& localName, const 
   return true;
 }
 
-void CFastInfosetWriter::WriteElement() {
-  if (!IsStartTagOpen()) return;
+void CFastInfosetWriter::EndStartTag() {
   m_context->m_startTagOpen = false;
   const unsigned char attributes = m_hasAttributes ? FastInfoset::kAttributesBit : 0;
   if (m_declarations.empty()) {
@@ -364,7 +373,7 @@ void CFastInfosetWriter::WriteElement() {
                           static_cast<unsigned char>(FastInfoset::kElementNamespaces | attributes));
     m_declarations.push_back(FastInfoset::kTerminator);
     Reserve(m_declarations.size());
-    unsigned char* const start = m_room.data() + m_startTag;
+    unsigned char* const start = m_room.get() + m_startTag;
     std::copy_backward(start, m_end, m_end + m_declarations.size());
     std::copy(m_declarations.begin(), m_declarations.end(), start);
     m_end += m_declarations.size();
@@ -446,8 +455,6 @@ void CFastInfosetWriter::WriteAttributeNil() {
   static const CNeverDestroyed<std::wstring> name(L"nil"), value(L"true");
   WriteAttributeString(name.Get(), XSI_NAMESPACE, value.Get(), ItemType_boolean);
 }
-
-inline bool CFastInfosetWriter::IsStartTagOpen() const { return m_context != nullptr && m_context->m_startTagOpen; }
 
 void CFastInfosetWriter::RequireStartTag() const {
   if (!IsStartTagOpen()) throw CRkException(L"Attributes must be added before elements");
@@ -542,8 +549,8 @@ void CFastInfosetWriter::Declare(const std::wstring& prefix, const CNamespaceNam
     NamePart(namespaceUri, index, m_vocabulary.GetNamespaceNamesTable());
     if (index == 0) m_vocabulary.FindNamespaceNameIndex(namespaceUri, index);
   }
-  m_declarations.insert(m_declarations.end(), m_room.data() + start, m_end);
-  m_end = m_room.data() + start;
+  m_declarations.insert(m_declarations.end(), m_room.get() + start, m_end);
+  m_end = m_room.get() + start;
   m_bindings.push_back({prefix, &name, m_openElements});
   if (!m_innermost.empty()) {
     AddToIndex(m_bindings.back());
@@ -668,42 +675,59 @@ void CFastInfosetWriter::IdentifyingStringOrIndexBit1(std::wstring_view text, CF
 
 // Values
 
-void CFastInfosetWriter::NonIdentifyingStringOrIndexBit1(std::wstring_view text, ItemType type) {
-  if (text.empty()) return Integer0To2pw20Bit2(FastInfoset::kValueIndexBit, 0);
-  CFIStringTable& values = m_vocabulary.GetAttributeValuesTable();
-  const bool isShort = text.length() < m_fiContext.GetAttributeMaxAddLength();
-  const CFIKey key = isShort ? values.KeyOf(text) : CFIKey();
+// What tells an attribute value from a text: its table and settings, and where it begins in its first octet.
+struct CFastInfosetWriter::AttributeValue {
+  static constexpr bool kIsContent = false;
+  static constexpr unsigned char kFirstBits = 0;
+  static constexpr unsigned char kIndexBit = FastInfoset::kValueIndexBit;
+  static constexpr unsigned char kAddBit = FastInfoset::kValueAddBit;
+  static constexpr const IntegerLayout& kIndex = FastInfoset::kIndexBit2;
+  static constexpr const IntegerLayout& kLength = FastInfoset::kLengthBit5;
+  static constexpr auto kTyped = &CFastInfosetWriter::EncodedCharacterStringBit3;
+
+  static CFIStringTable& TableOf(CFIVocabulary& vocabulary) { return vocabulary.GetAttributeValuesTable(); }
+  static unsigned long MaxAddLength(const CFastInfosetContext& c) { return c.GetAttributeMaxAddLength(); }
+};
+
+struct CFastInfosetWriter::Chunk {
+  static constexpr bool kIsContent = true;
+  static constexpr unsigned char kFirstBits = FastInfoset::kChunk;
+  static constexpr unsigned char kIndexBit = FastInfoset::kChunkIndexBit;
+  static constexpr unsigned char kAddBit = FastInfoset::kChunkAddBit;
+  static constexpr const IntegerLayout& kIndex = FastInfoset::kIndexBit4;
+  static constexpr const IntegerLayout& kLength = FastInfoset::kLengthBit7;
+  static constexpr auto kTyped = &CFastInfosetWriter::EncodedCharacterStringBit5;
+
+  static CFIStringTable& TableOf(CFIVocabulary& vocabulary) { return vocabulary.GetCharacterChunksTable(); }
+  static unsigned long MaxAddLength(const CFastInfosetContext& c) { return c.GetElementMaxAddLength(); }
+};
+
+template <class Value>
+inline void CFastInfosetWriter::NonIdentifyingStringOrIndex(std::wstring_view text, ItemType type) {
+  CFIStringTable& values = Value::TableOf(m_vocabulary);
+  const bool isShort = text.length() < Value::MaxAddLength(m_fiContext);
+  CFIKey key;
   if (isShort) {
     if (const unsigned long index = values.Find(text, key))
-      return Integer0To2pw20Bit2(FastInfoset::kValueIndexBit, index);
+      return Integer<Value::kIndex>(Value::kFirstBits | Value::kIndexBit, index);
   }
-  const EncodedCharacterString encoding = ChooseEncoding(text, type, /*isContent=*/false);
+  const EncodedCharacterString encoding = ChooseEncoding(text, type, Value::kIsContent);
   const bool add = isShort && !IsFloating(encoding) && values.size() < FI_MAX_TABLE_ENTRIES;
-  const unsigned char addBit = add ? FastInfoset::kValueAddBit : kNoAddBit;
+  const unsigned char octet = Value::kFirstBits | (add ? Value::kAddBit : kNoAddBit);
   if (encoding.m_encoding == FIStringEncoding_UTF8)
-    Utf8<FastInfoset::kLengthBit5>(addBit, text);
+    Utf8<Value::kLength>(octet, text);
   else
-    EncodedCharacterStringBit3(addBit, text, encoding);
+    (this->*Value::kTyped)(octet, text, encoding);
   if (add) values.AddNew(text, key);
 }
 
+void CFastInfosetWriter::NonIdentifyingStringOrIndexBit1(std::wstring_view text, ItemType type) {
+  if (text.empty()) return Integer0To2pw20Bit2(FastInfoset::kValueIndexBit, 0);
+  NonIdentifyingStringOrIndex<AttributeValue>(text, type);
+}
+
 void CFastInfosetWriter::NonIdentifyingStringOrIndexBit3(std::wstring_view text, ItemType type) {
-  CFIStringTable& chunks = m_vocabulary.GetCharacterChunksTable();
-  const bool isShort = text.length() < m_fiContext.GetElementMaxAddLength();
-  const CFIKey key = isShort ? chunks.KeyOf(text) : CFIKey();
-  if (isShort) {
-    if (const unsigned long index = chunks.Find(text, key)) {
-      return Integer1To2pw20Bit4(FastInfoset::kChunk | FastInfoset::kChunkIndexBit, index);
-    }
-  }
-  const EncodedCharacterString encoding = ChooseEncoding(text, type, /*isContent=*/true);
-  const bool add = isShort && !IsFloating(encoding) && chunks.size() < FI_MAX_TABLE_ENTRIES;
-  const unsigned char addBit = add ? FastInfoset::kChunkAddBit : kNoAddBit;
-  if (encoding.m_encoding == FIStringEncoding_UTF8)
-    Utf8<FastInfoset::kLengthBit7>(FastInfoset::kChunk | addBit, text);
-  else
-    EncodedCharacterStringBit5(FastInfoset::kChunk | addBit, text, encoding);
-  if (add) chunks.AddNew(text, key);
+  NonIdentifyingStringOrIndex<Chunk>(text, type);
 }
 
 // The encoding that the settings ask for, with its octets in m_typedOctets, or UTF-8 where that one would change the

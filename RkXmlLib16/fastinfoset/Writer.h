@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <deque>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -126,6 +127,7 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
   };
   using RecentNames = std::array<RecentName, 64>;
 
+  void EndStartTag();
   void BeginChild();
   void BeginStartTag();
   bool IsStartTagOpen() const;
@@ -143,6 +145,10 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
   void ChangeScope();
   void LeaveScope();
 
+  struct AttributeValue;
+  struct Chunk;
+  template <class Value>
+  void NonIdentifyingStringOrIndex(std::wstring_view text, ItemType type);
   EncodedCharacterString ChooseEncoding(std::wstring_view text, ItemType type, bool isContent);
   bool EncodeTyped(const EncodedCharacterString& wanted, std::wstring_view text, ItemType type, bool isContent);
   template <const FastInfoset::IntegerLayout& kIndex>
@@ -175,7 +181,7 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
   const CFastInfosetContext& m_fiContext;
   CBinaryStream& m_stream;
   CFIVocabulary m_vocabulary;
-  std::vector<unsigned char> m_room;          // of octets not yet in the stream; holds all of a pending start tag
+  std::unique_ptr<unsigned char[]> m_room;    // of octets not yet in the stream; holds all of a pending start tag
   unsigned char* m_end = nullptr;             // of the octets in it
   unsigned char* m_limit = nullptr;           // of the space
   std::vector<unsigned char> m_declarations;  // namespace attributes of the pending start tag
