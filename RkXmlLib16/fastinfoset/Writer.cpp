@@ -236,12 +236,20 @@ inline void CFastInfosetWriter::Integer(unsigned char octet, unsigned long value
   m_end = PutInteger<kLayout>(Reserve(kLongestInteger), octet, value);
 }
 
+// The name of an element, after the terminator that is owed.
+inline void CFastInfosetWriter::ElementIndex(unsigned long index) {
+  unsigned char* to = Reserve(1 + kLongestInteger);
+  if (m_terminatorOwed) *to++ = FastInfoset::kTerminator;
+  m_terminatorOwed = false;
+  m_end = PutInteger<FastInfoset::kIndexBit3>(to, 0, index);
+}
+
 // Most texts are short and ASCII: as many octets as characters, known before they are encoded.
 template <const IntegerLayout& kLayout>
 inline void CFastInfosetWriter::Utf8(unsigned char octet, std::wstring_view text) {
   if (!text.empty() && text.length() <= kShortText) {
     unsigned char* const to = PutInteger<kLayout>(Reserve(kLongestInteger + kShortText), octet, text.length());
-    if (Ascii::NarrowRun(text.data(), text.length(), to) == text.length()) {
+    if (Ascii::NarrowAll(text.data(), text.length(), to)) {
       m_end = to + text.length();
       return;
     }
@@ -399,10 +407,9 @@ void CFastInfosetWriter::WriteString(const std::wstring& text, ItemType type) {
                                                                              bool) {
   CFastInfosetWriter& w = m_writer;
   w.BeginChild();
-  w.FlushTerminator();
-  w.Integer<FastInfoset::kIndexBit3>(0, entry.made);
+  w.ElementIndex(entry.made);
   if (!text.empty()) w.NonIdentifyingStringOrIndexBit3(text, type);
-  w.WriteTerminator();
+  w.m_terminatorOwed = true;
   if (w.GetLength() >= kFlushLength) w.FlushOctets();
   return true;
 }
@@ -702,6 +709,16 @@ struct CFastInfosetWriter::Chunk {
   static unsigned long MaxAddLength(const CFastInfosetContext& c) { return c.GetElementMaxAddLength(); }
 };
 
+inline const EncodedCharacterString& CFastInfosetWriter::EncodingOf(ItemType type) const {
+  static const EncodedCharacterString kNone;
+  return type >= ItemType_none && type <= ItemType_integer ? m_fiContext.GetEncoding(type) : kNone;
+}
+
+inline bool CFastInfosetWriter::IsUtf8(const EncodedCharacterString& wanted) const {
+  const bool isNone = wanted.m_encoding == FIStringEncoding_None;
+  return (isNone ? m_fiContext.GetDefaultStringEncoding() : wanted.m_encoding) == FIStringEncoding_UTF8;
+}
+
 template <class Value>
 inline void CFastInfosetWriter::NonIdentifyingStringOrIndex(std::wstring_view text, ItemType type) {
   CFIStringTable& values = Value::TableOf(m_vocabulary);
@@ -711,13 +728,14 @@ inline void CFastInfosetWriter::NonIdentifyingStringOrIndex(std::wstring_view te
     if (const unsigned long index = values.Find(text, key))
       return Integer<Value::kIndex>(Value::kFirstBits | Value::kIndexBit, index);
   }
-  const EncodedCharacterString encoding = ChooseEncoding(text, type, Value::kIsContent);
-  const bool add = isShort && !IsFloating(encoding) && values.size() < FI_MAX_TABLE_ENTRIES;
+  const EncodedCharacterString& wanted = EncodingOf(type);
+  const bool isTyped = !IsUtf8(wanted) && EncodeTyped(wanted, text, type, Value::kIsContent);
+  const bool add = isShort && !(isTyped && IsFloating(wanted)) && values.size() < FI_MAX_TABLE_ENTRIES;
   const unsigned char octet = Value::kFirstBits | (add ? Value::kAddBit : kNoAddBit);
-  if (encoding.m_encoding == FIStringEncoding_UTF8)
-    Utf8<Value::kLength>(octet, text);
+  if (isTyped)
+    (this->*Value::kTyped)(octet, text, wanted);
   else
-    (this->*Value::kTyped)(octet, text, encoding);
+    Utf8<Value::kLength>(octet, text);
   if (add) values.AddNew(text, key);
 }
 
@@ -730,22 +748,13 @@ void CFastInfosetWriter::NonIdentifyingStringOrIndexBit3(std::wstring_view text,
   NonIdentifyingStringOrIndex<Chunk>(text, type);
 }
 
-// The encoding that the settings ask for, with its octets in m_typedOctets, or UTF-8 where that one would change the
-// value.
-inline EncodedCharacterString CFastInfosetWriter::ChooseEncoding(std::wstring_view text, ItemType type,
-                                                                 bool isContent) {
-  const bool isKnown = type >= ItemType_none && type <= ItemType_integer;
-  EncodedCharacterString wanted = isKnown ? m_fiContext.GetEncoding(type) : EncodedCharacterString();
-  if (wanted.m_encoding == FIStringEncoding_None) wanted.m_encoding = m_fiContext.GetDefaultStringEncoding();
-  const bool isTyped = wanted.m_encoding == FIStringEncoding_RestrictedAlphabet ||
-                       wanted.m_encoding == FIStringEncoding_EncodingAlgorithm;
-  if (isTyped && !EncodeTyped(wanted, text, type, isContent)) return {FIStringEncoding_UTF8, 0};
-  return wanted;
-}
-
-// False where the encoding would change the value. cdata has no place in an attribute.
+// Makes the octets of a value that is not written as characters. False where the encoding would change the value, which
+// is written as characters then. cdata has no place in an attribute.
 bool CFastInfosetWriter::EncodeTyped(const EncodedCharacterString& wanted, std::wstring_view text, ItemType type,
                                      bool isContent) {
+  const bool hasOctets = wanted.m_encoding == FIStringEncoding_RestrictedAlphabet ||
+                         wanted.m_encoding == FIStringEncoding_EncodingAlgorithm;
+  if (!hasOctets) return true;
   m_typedOctets.clear();
   if (wanted.m_encoding == FIStringEncoding_RestrictedAlphabet) {
     const bool isPacked = AppendPacked(FindAlphabet(wanted.m_index), text, m_typedOctets);

@@ -149,7 +149,8 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
   struct Chunk;
   template <class Value>
   void NonIdentifyingStringOrIndex(std::wstring_view text, ItemType type);
-  EncodedCharacterString ChooseEncoding(std::wstring_view text, ItemType type, bool isContent);
+  const EncodedCharacterString& EncodingOf(ItemType type) const;
+  bool IsUtf8(const EncodedCharacterString& wanted) const;
   bool EncodeTyped(const EncodedCharacterString& wanted, std::wstring_view text, ItemType type, bool isContent);
   template <const FastInfoset::IntegerLayout& kIndex>
   unsigned long QualifiedName(unsigned char literal, CFIQNameTable& names, RecentNames& recent,
@@ -162,6 +163,7 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
   // The index of a name that has one, or 0 after it was written in full.
   unsigned long NewQualifiedName(unsigned char literal, CFIQNameTable& names, RecentName& slot,
                                  const ScopedNamespace& scoped, std::wstring_view localName);
+  void ElementIndex(unsigned long index);
   void NamePart(std::wstring_view text, unsigned long index, CFIStringTable& table);
   template <const FastInfoset::IntegerLayout& kLayout>
   void Integer(unsigned char octet, unsigned long value);

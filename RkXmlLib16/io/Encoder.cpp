@@ -158,10 +158,15 @@ unsigned long CEncoder::Utf8Length(std::wstring_view text) {
 unsigned char* CEncoder::WriteUtf8(std::wstring_view text, unsigned char* out) {
   const wchar_t* at = text.data();
   const wchar_t* const end = at + text.size();
+  // A single character between others, mostly a blank between words, is no run.
+  const auto startsRun = [&at, end] { return Ascii::IsAscii(*at) && (end - at == 1 || Ascii::IsAscii(at[1])); };
   while (at != end) {
     const std::size_t run = Ascii::NarrowRun(at, static_cast<std::size_t>(end - at), out);
     out += run;
-    for (at += run; at != end && !Ascii::IsAscii(*at);) out = Utf8Form::Put(NextOrReplacement<WideForm>(at, end), out);
+    for (at += run; at != end && !startsRun();) {
+      const bool isWhole = static_cast<char32_t>(*at) < 0xD800;  // most are: no surrogate, nor what may be no character
+      out = Utf8Form::Put(isWhole ? static_cast<char32_t>(*at++) : NextOrReplacement<WideForm>(at, end), out);
+    }
   }
   return out;
 }

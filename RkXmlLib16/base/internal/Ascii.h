@@ -17,11 +17,18 @@ namespace Ascii {
 struct WideBlock {
   __m128i a, b, c, d;
 
-  explicit WideBlock(const wchar_t* text) : a(Load(text)), b(Load(text + 4)), c(Load(text + 8)), d(Load(text + 12)) {}
+  explicit WideBlock(const wchar_t* text) : WideBlock(text, text + 8) {}
+  // Eight from each.
+  WideBlock(const wchar_t* first, const wchar_t* last)
+      : a(Load(first)), b(Load(first + 4)), c(Load(last)), d(Load(last + 4)) {}
 
-  bool IsAscii() const {
-    const __m128i all = _mm_or_si128(_mm_or_si128(a, b), _mm_or_si128(c, d));
-    const __m128i above = _mm_andnot_si128(_mm_set1_epi32(0x7F), all);
+  __m128i All() const { return _mm_or_si128(_mm_or_si128(a, b), _mm_or_si128(c, d)); }
+  bool IsAscii() const { return IsAscii(All()); }
+  // One byte a character.
+  __m128i Narrow() const { return _mm_packus_epi16(_mm_packs_epi32(a, b), _mm_packs_epi32(c, d)); }
+
+  static bool IsAscii(__m128i characters) {
+    const __m128i above = _mm_andnot_si128(_mm_set1_epi32(0x7F), characters);
     return _mm_movemask_epi8(_mm_cmpeq_epi32(above, _mm_setzero_si128())) == 0xFFFF;
   }
 
@@ -88,8 +95,7 @@ inline bool MayHaveSpaceRun(const wchar_t* text, std::size_t length) {
 // Copies four characters to `out`, one byte a character, if they are all ASCII.
 inline bool NarrowFour(const wchar_t* text, unsigned char* out) {
   const __m128i four = WideBlock::Load(text);
-  const __m128i above = _mm_andnot_si128(_mm_set1_epi32(0x7F), four);
-  if (_mm_movemask_epi8(_mm_cmpeq_epi32(above, _mm_setzero_si128())) != 0xFFFF) return false;
+  if (!WideBlock::IsAscii(four)) return false;
   const __m128i units = _mm_packs_epi32(four, four);
   const int bytes = _mm_cvtsi128_si32(_mm_packus_epi16(units, units));
   std::memcpy(out, &bytes, sizeof bytes);
@@ -133,14 +139,66 @@ inline bool HasEither(const unsigned char* bytes, std::size_t length, unsigned c
   return false;
 }
 
+// The same for less than sixteen characters, which it looks at in two pieces that overlap; nothing is written when some
+// are not ASCII.
+inline bool NarrowFew(const wchar_t* text, std::size_t length, unsigned char* out) {
+  if (length >= 8) {
+    const WideBlock block(text, text + length - 8);
+    if (!block.IsAscii()) return false;
+    const __m128i bytes = block.Narrow();
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(out), bytes);
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(out + length - 8), _mm_unpackhi_epi64(bytes, bytes));
+    return true;
+  }
+  if (length >= 4) {
+    const __m128i first = WideBlock::Load(text), last = WideBlock::Load(text + length - 4);
+    if (!WideBlock::IsAscii(_mm_or_si128(first, last))) return false;
+    const __m128i units = _mm_packs_epi32(first, last);
+    const auto bytes = static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_packus_epi16(units, units)));
+    const std::uint32_t four[] = {static_cast<std::uint32_t>(bytes), static_cast<std::uint32_t>(bytes >> 32)};
+    std::memcpy(out, &four[0], sizeof four[0]);
+    std::memcpy(out + length - 4, &four[1], sizeof four[1]);
+    return true;
+  }
+  if (length == 0) return true;
+  const wchar_t first = text[0], middle = text[length / 2], last = text[length - 1];
+  if (!IsAscii(static_cast<wchar_t>(first | middle | last))) return false;
+  out[0] = static_cast<unsigned char>(first);
+  out[length / 2] = static_cast<unsigned char>(middle);
+  out[length - 1] = static_cast<unsigned char>(last);
+  return true;
+}
+
+// Copies the text to `out`, one byte a character; false when some are not ASCII, and what was written is of no use.
+inline bool NarrowAll(const wchar_t* text, std::size_t length, unsigned char* out) {
+  if (length < 16) return NarrowFew(text, length, out);
+  const auto narrowSixteen = [&](std::size_t at) {
+    const WideBlock block(text + at);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out + at), block.Narrow());
+    return block.IsAscii();
+  };
+  for (std::size_t i = 0; i + 16 < length; i += 16)
+    if (!narrowSixteen(i)) return false;
+  return narrowSixteen(length - 16);
+}
+
 // Copies the run at the start of `text` to `out`, one byte a character, and returns its length.
 inline std::size_t NarrowRun(const wchar_t* text, std::size_t length, unsigned char* out) {
+  const auto put = [out](std::size_t at, const WideBlock& block) {
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out + at), block.Narrow());
+  };
   std::size_t i = 0;
   for (; i + 16 <= length; i += 16) {
     const WideBlock block(text + i);
     if (!block.IsAscii()) break;
-    const __m128i bytes = _mm_packus_epi16(_mm_packs_epi32(block.a, block.b), _mm_packs_epi32(block.c, block.d));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(out + i), bytes);
+    put(i, block);
+    // After one block more are likely: two at a time.
+    for (; i + 48 <= length; i += 32) {
+      const WideBlock first(text + i + 16), second(text + i + 32);
+      if (!WideBlock::IsAscii(_mm_or_si128(first.All(), second.All()))) break;
+      put(i + 16, first);
+      put(i + 32, second);
+    }
   }
   while (i + 4 <= length && NarrowFour(text + i, out + i)) i += 4;
   if (i < length && length - i < 4 && length >= 4 && NarrowFour(text + length - 4, out + length - 4)) return length;
