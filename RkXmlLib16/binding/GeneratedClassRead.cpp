@@ -251,12 +251,10 @@ void CXmlGeneratedClass::TellLeftOut(const CXmlElement& element, const CSerializ
     for (const CXmlElement* e = element.GetFirstElement(); e != nullptr; e = e->GetNextSiblingElement())
       if (!CErrorSession::TakeRead(e)) TellDropped(context, RkDropped_Element, *e);
   }
-  const CNodeText held(element);
-  const std::wstring_view text = held.Get();
-  if (CWhitespaceUtils::IsBlank(text)) return;
+  if (CNodeText::IsBlank(element)) return;
   const bool keepsText = info.GetSimpleContentProperty() != -1 && info.GetSimpleContentType() != ItemType_none;
   if (!keepsText)
-    TellDropped(context, RkDropped_Text, element, text.size());
+    TellDropped(context, RkDropped_Text, element, element.GetText().size());
   else if (element.GetFirstElement() != nullptr)
     TellDropped(context, RkDropped_Position, element);
 }

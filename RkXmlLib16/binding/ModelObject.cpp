@@ -380,12 +380,11 @@ void CModelObject::BeginFromXml_Int(CXmlElement* element, CXmlElement* firstChil
   };
   const auto refuse = [&](const std::wstring& message) { Refuse(context, errorOf(message), *element); };
   if (model.isAbstract) refuse(FormatString(L"The type [%ls] is abstract.", model.name));
-  const CNodeText held(*element);
-  const CXmlText& text = held.Get();
   const bool hasFixed = m_declaration != nullptr && m_declaration->value.isFixed;
-  if (model.textProperty < 0 && !text.empty() && !CWhitespaceUtils::IsBlank(text))
+  if (model.textProperty < 0 && !CNodeText::IsBlank(*element))
     refuse(FormatString(L"Unexpected text found in the element [%ls].", element->GetLocalName().c_str()));
-  if (model.isMixed && hasFixed && (firstChild != nullptr || (!text.empty() && text != m_declaration->value.text)))
+  const auto isOther = [&](std::wstring_view text) { return !text.empty() && text != m_declaration->value.text; };
+  if (model.isMixed && hasFixed && (firstChild != nullptr || isOther(element->GetText())))
     refuse(FormatString(L"The fixed value of the element [%ls] is [%ls].", element->GetLocalName().c_str(),
                         m_declaration->value.text));
   const CXmlAttributes attributes = element->GetAttributes();
@@ -400,13 +399,13 @@ void CModelObject::BeginFromXml_Int(CXmlElement* element, CXmlElement* firstChil
     if (!isSimple || (!model.isAnyType && !named.simple->IsDerivedFrom(model.simple)))
       refuse(FormatString(L"The type [%ls] does not fit the element [%ls].",
                           element->GetAttribute(L"type", kInstanceNamespace).c_str(), element->GetLocalName().c_str()));
-    else if (const auto error = named.simple->Check(text, ResolverOf(*element)))
+    else if (const auto error = named.simple->Check(element->GetText(), ResolverOf(*element)))
       throw At(errorOf(*error), *element);
   }
   if (!IsNilTrue(*element)) return;
   if (m_declaration == nullptr || !m_declaration->isNillable)
     throw At(errorOf(L"Invalid use of 'nil' attribute in non-nillable element."), *element);
-  if (firstChild != nullptr || !text.empty())
+  if (firstChild != nullptr || !element->GetText().empty())
     refuse(FormatString(L"The element [%ls] is nil and must be empty.", element->GetLocalName().c_str()));
   if (hasFixed)
     refuse(FormatString(L"The element [%ls] has a fixed value and cannot be nil.", element->GetLocalName().c_str()));

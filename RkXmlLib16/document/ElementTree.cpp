@@ -16,7 +16,8 @@
 //                 other name ever has. Tokens that it is not are not remembered, as there may be more of them later.
 //   Held texts    While objects are read the input stays, and most texts are but parts of it (CXmlHeldText). One that
 //                 somebody asks for is widened into a block then, behind a mutex; the library itself reads short ones
-//                 by CNodeText, which leaves them as they are.
+//                 by CNodeText, which leaves them as they are. White space between child elements is not kept at all:
+//                 it is found again in front of them (JoinGaps).
 //   Blanks        Short white space is held once for all elements that have it (ShareBlanks). A block of capacity 0 is
 //                 shared and never written to.
 //   Filters       An element that the filter drops gives its storage back: the arenas return to where they were when it
@@ -136,8 +137,9 @@ CXmlTextBlock* CXmlDocument::Storage::Reserve(CXmlTextBlock* block, std::size_t 
   return moved;
 }
 
-CXmlTextBlock* CXmlDocument::Storage::MakeBlock(CXmlHeldText text) {
+CXmlTextBlock* CXmlDocument::Storage::MakeBlock(const CXmlElement& element, CXmlHeldText text) {
   if (!text.IsOfInput()) return text.GetBlock();
+  if (text.IsOfGaps()) return JoinGaps(element, text);
   const auto length = static_cast<std::uint32_t>(text.GetLength());
   const std::size_t steps = (length + std::size_t{15}) / 16 * 16;
   unsigned char* const memory = texts.Prepare(BytesOfText(steps));
@@ -145,6 +147,25 @@ CXmlTextBlock* CXmlDocument::Storage::MakeBlock(CXmlHeldText text) {
   Ascii::WidenSteps(document.m_textInput + text.GetOffset(), length, block->Chars());
   block->Chars()[length] = L'\0';
   texts.Take(BytesOfText(length));
+  return block;
+}
+
+// Each gap ends at a child element or at the place, and begins behind markup.
+CXmlTextBlock* CXmlDocument::Storage::JoinGaps(const CXmlElement& element, CXmlHeldText text) {
+  const auto length = static_cast<std::uint32_t>(text.GetLength());
+  auto* const block = new (texts.Allocate(BytesOfText(length))) CXmlTextBlock{length, length};
+  wchar_t* out = block->Chars();
+  const auto append = [&](std::uint64_t end) {
+    const unsigned char* const gapEnd = document.m_textInput + end;
+    const unsigned char* at = gapEnd;
+    while (at[-1] == ' ' || at[-1] == '\n' || at[-1] == '\t') --at;
+    out = std::copy(at, gapEnd, out);
+  };
+  std::uint64_t last = 0;
+  for (const CXmlElement* child = element.m_firstChild; child != nullptr; child = child->m_nextSibling)
+    append(last = child->m_offset);
+  if (text.GetOffset() != last) append(text.GetOffset());
+  *out = L'\0';
   return block;
 }
 
@@ -311,11 +332,15 @@ CRkLocation CXmlDocument::Locate(std::uint64_t offset) const {
   return m_source != nullptr ? m_source->Locate(offset, std::move(path)) : CRkLocation(std::move(path));
 }
 
-CXmlText CXmlDocument::Widen(std::atomic<CXmlHeldText>& text) const {
+CXmlText CXmlDocument::Widen(const CXmlElement& element, std::atomic<CXmlHeldText>& text) const {
   const std::lock_guard<std::mutex> lock(m_storage->widening);
-  const CXmlHeldText block = m_storage->MakeBlock(text);
+  const CXmlHeldText block = m_storage->MakeBlock(element, text);
   text.store(block, std::memory_order_release);
   return block.View();
+}
+
+void CXmlDocument::SettleGaps(const CXmlElement& element) const {
+  if (element.m_text.load().IsOfGaps()) Widen(element, element.m_text);
 }
 
 const CXmlName* CXmlDocument::GetEmptyName() const noexcept { return &m_storage->emptyName; }
@@ -475,7 +500,8 @@ void CXmlDocument::AddElementAttribute(CXmlElement* element, const std::wstring&
 }
 
 wchar_t* CXmlDocument::ReserveValue(CXmlAttribute* attribute, std::size_t charCount) {
-  CXmlTextBlock* const block = m_storage->Reserve(m_storage->MakeBlock(attribute->m_value), charCount);
+  CXmlTextBlock* const block =
+      m_storage->Reserve(m_storage->MakeBlock(*attribute->m_element, attribute->m_value), charCount);
   attribute->m_value.store(block, std::memory_order_relaxed);
   return block->Chars() + block->m_length;
 }
@@ -490,7 +516,7 @@ void CXmlDocument::CommitValue(CXmlAttribute* attribute, std::size_t charCount) 
 wchar_t* CXmlDocument::ReserveText(CXmlElement* element, std::size_t charCount) {
   if (!KeepsText()) return ReserveOpenText(charCount);
   if (element != m_currentElement) m_storage->pinned = m_storage->open.size();
-  CXmlTextBlock* const block = m_storage->Reserve(m_storage->MakeBlock(element->m_text), charCount);
+  CXmlTextBlock* const block = m_storage->Reserve(m_storage->MakeBlock(*element, element->m_text), charCount);
   element->m_text.store(block, std::memory_order_relaxed);
   return block->Chars() + block->m_length;
 }
@@ -763,6 +789,7 @@ CRkLocation CXmlElement::GetLocationWithoutPath() const {
 
 CXmlElement* CXmlElement::CreateNewChildElement() {
   CXmlDocument& document = Owner();
+  document.SettleGaps(*this);
   document.m_storage->pinned = document.m_storage->open.size();
   auto* const child = new (document.m_storage->nodes.Allocate(sizeof(CXmlElement))) CXmlElement(&document, this);
   (m_lastChild != nullptr ? m_lastChild->m_nextSibling : m_firstChild) = child;
@@ -829,6 +856,7 @@ void CXmlElement::operator delete(void* element) noexcept {
 CXmlElement* CXmlElement::RemoveLastChildElement() {
   CXmlElement* const last = m_lastChild;
   if (last == nullptr) return nullptr;
+  Owner().SettleGaps(*this);
   Owner().m_storage->siblings.reset();
   CXmlElement* previous = nullptr;
   for (CXmlElement* child = m_firstChild; child != last; child = child->m_nextSibling) previous = child;

@@ -88,8 +88,9 @@ struct CXmlTextBlock {
   const wchar_t* Chars() const noexcept { return reinterpret_cast<const wchar_t*>(this + 1); }
 };
 
-// The text of an element or the value of an attribute: none, a block, or a part of the input that stays while objects
-// are read, each byte of it a character of ASCII, which becomes a block when it is asked for as text.
+// The text of an element or the value of an attribute: none, a block, or, of an input that stays while objects are
+// read, a part with a character of ASCII in each byte, or the white space in front of the child elements and of a place
+// behind them. What is no block becomes one when it is asked for as text.
 class CXmlHeldText {
  public:
   constexpr CXmlHeldText() noexcept = default;
@@ -100,13 +101,19 @@ class CXmlHeldText {
     return text;
   }
 
+  // So many characters of white space, the last of them before the place.
+  static constexpr CXmlHeldText OfGaps(std::size_t place, std::size_t length) noexcept {
+    return OfInput(place, length | kGaps);
+  }
+
   static constexpr std::size_t kLongestInput = std::size_t{1} << 31;
 
   constexpr bool IsNone() const noexcept { return m_held == 0; }
   constexpr bool IsOfInput() const noexcept { return (m_held & kOfInput) != 0; }
   // Of the input.
   constexpr std::size_t GetOffset() const noexcept { return static_cast<std::uint32_t>(m_held) >> 1; }
-  constexpr std::size_t GetLength() const noexcept { return m_held >> 32; }
+  constexpr std::size_t GetLength() const noexcept { return (m_held >> 32) & ~kGaps; }
+  constexpr bool IsOfGaps() const noexcept { return IsOfInput() && (m_held >> 32 & kGaps) != 0; }
   // Not of the input.
   CXmlTextBlock* GetBlock() const noexcept { return reinterpret_cast<CXmlTextBlock*>(m_held); }
   CXmlText View() const noexcept {
@@ -115,6 +122,7 @@ class CXmlHeldText {
 
  private:
   static constexpr std::uint64_t kOfInput = 1;
+  static constexpr std::size_t kGaps = kLongestInput;
 
   std::uint64_t m_held = 0;
 };
@@ -495,7 +503,9 @@ class RKXML_EXPORT CXmlDocument {
   void CommitOpenText(std::size_t charCount);
   void DropPiece(CXmlElement* element);
   // The text of a node, made a block if it is none yet. Threads may ask together.
-  CXmlText Widen(std::atomic<CXmlHeldText>& text) const;
+  CXmlText Widen(const CXmlElement& element, std::atomic<CXmlHeldText>& text) const;
+  // Has the text of the element in a block if it depends on its children.
+  void SettleGaps(const CXmlElement& element) const;
 
   std::unique_ptr<Storage> m_storage;
   const CSerializationContext* m_context;  // kept
@@ -520,12 +530,12 @@ class RKXML_EXPORT CXmlDocument {
 
 inline CXmlText CXmlElement::GetText() const {
   const CXmlHeldText text = m_text.load(std::memory_order_acquire);
-  return text.IsOfInput() ? GetDocument()->Widen(m_text) : text.View();
+  return text.IsOfInput() ? GetDocument()->Widen(*this, m_text) : text.View();
 }
 
 inline CXmlText CXmlAttribute::GetValue() const {
   const CXmlHeldText value = m_value.load(std::memory_order_acquire);
-  return value.IsOfInput() ? m_element->GetDocument()->Widen(m_value) : value.View();
+  return value.IsOfInput() ? m_element->GetDocument()->Widen(*m_element, m_value) : value.View();
 }
 
 // Gives the exception the location of an element or attribute, unless it has one; `throw At(e, *element)`.

@@ -112,9 +112,9 @@ class CElement::TreeReader {
     std::size_t childCount = 0;
     for (const CXmlElement* c = source.GetFirstElement(); c != nullptr; c = c->GetNextSiblingElement()) ++childCount;
     element.m_children.reserve(childCount);
-    const CNodeText held(source);
-    const wstring_view text = held.Get();
-    if (childCount == 0 || !CWhitespaceUtils::IsBlank(text)) {
+    if (childCount == 0 || !CNodeText::IsBlank(source)) {
+      const CNodeText held(source);
+      const wstring_view text = held.Get();
       element.m_text = text;
       if (childCount != 0) TellDropped(m_context, RkDropped_Position, source);
       if (const auto* const sections = source.GetSections())

@@ -424,6 +424,10 @@ bool Scanner::ScanText() {
     const Byte* const end = Find<EndsBlanks>(start, m_end);
     const auto length = static_cast<std::size_t>(end - start);
     if (Peek(end) == '<' && length <= kLongestBlanks) {
+      if (m_tree.HoldGap(length, end)) {
+        m_at = end;
+        return true;
+      }
       std::array<wchar_t, kLongestBlanks> blanks;
       Widen(start, length, blanks.data());
       m_document.AppendBlanks({blanks.data(), length});
@@ -443,6 +447,7 @@ bool Scanner::ScanText() {
 }
 
 bool Scanner::ScanComment() {
+  m_tree.EndGaps();
   const Byte* const text = m_at + 4;
   const Byte* const end = FindAll(text, m_end, "--");
   if (end == nullptr || Peek(end + 2) != '>') return false;
@@ -453,6 +458,7 @@ bool Scanner::ScanComment() {
 }
 
 bool Scanner::ScanInstruction() {
+  m_tree.EndGaps();
   const Byte* const target = m_at + 2;
   const Byte* at = target;
   while (at < m_end && !IsBlank(*at) && *at != '?') ++at;
@@ -473,6 +479,7 @@ bool Scanner::ScanSection() {
   constexpr std::string_view kStart = "<![CDATA[";
   constexpr std::string_view kEnd = "]]>";
   if (!StandsHere(kStart)) return false;
+  m_tree.EndGaps();
   const Byte* const text = m_at + kStart.size();
   const Byte* const end = FindAll(text, m_end, kEnd);
   if (end == nullptr) return false;

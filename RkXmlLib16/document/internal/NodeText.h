@@ -6,6 +6,7 @@
 
 #include "RkXmlLib16/base/internal/Ascii.h"
 #include "RkXmlLib16/document/ElementTree.h"
+#include "RkXmlLib16/types/Whitespace.h"
 
 namespace RkXmlLib16 {
 
@@ -19,6 +20,11 @@ class CNodeText {
   CNodeText& operator=(const CNodeText&) = delete;
 
   const CXmlText& Get() const noexcept { return m_text; }
+  // Whether there is nothing but white space.
+  static bool IsBlank(const CXmlElement& element) {
+    const CXmlHeldText text = element.m_text.load(std::memory_order_acquire);
+    return text.IsNone() || text.IsOfGaps() || CWhitespaceUtils::IsBlank(CNodeText(element).Get());
+  }
 
  private:
   static constexpr std::size_t kFew = 64;
@@ -28,7 +34,7 @@ class CNodeText {
     if (!text.IsOfInput()) return text.View();
     const CXmlDocument& document = *element.GetDocument();
     const std::size_t length = text.GetLength();
-    if (length > kFew) return document.Widen(held);
+    if (length > kFew || text.IsOfGaps()) return document.Widen(element, held);
     Ascii::WidenSteps(document.m_textInput + text.GetOffset(), length, m_few);
     m_few[length] = L'\0';
     return {m_few, length};

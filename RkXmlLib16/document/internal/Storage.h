@@ -57,8 +57,9 @@ struct RKXML_HIDDEN CXmlDocument::Storage {
   void DropDeclarations(std::size_t count);  // those after the first so many
   // The block with space for `more` characters behind its text, moved if need be.
   CXmlTextBlock* Reserve(CXmlTextBlock* block, std::size_t more);
-  // The text as a block of its own; null for none.
-  CXmlTextBlock* MakeBlock(CXmlHeldText text);
+  // The text of the element, or of one of its attributes, as a block; null for none.
+  CXmlTextBlock* MakeBlock(const CXmlElement& element, CXmlHeldText text);
+  CXmlTextBlock* JoinGaps(const CXmlElement& element, CXmlHeldText text);
   // A block of the text that lasts; null for an empty text.
   CXmlTextBlock* Keep(std::wstring_view text);
   // The shared block of the text of `block` (shared, or null) and the blanks; null when there can be none.

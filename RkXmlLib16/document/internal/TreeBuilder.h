@@ -24,7 +24,8 @@ class CTreeBuilder {
       : m_document(document),
         m_storage(*document.m_storage),
         m_isPlain(document.m_filter == nullptr && document.m_pieces == nullptr),
-        m_input(m_isPlain ? document.m_textInput : nullptr) {
+        m_input(m_isPlain ? document.m_textInput : nullptr),
+        m_holdsGaps(m_input != nullptr && document.m_convertedXml.GetLength() == 0) {
     if (!m_isPlain) return;
     const CReadLimits& limits = document.m_context->GetLimits();
     m_deepest = OrNone(limits.GetMaxElementDepth());
@@ -125,6 +126,23 @@ class CTreeBuilder {
     return CXmlHeldText::OfInput(static_cast<std::size_t>(bytes - m_input), length);
   }
 
+  // Holds white space in the current element, which ends at the next tag; false, and nothing done, unless there is
+  // nothing but such space in the element so far, and no other markup than elements.
+  bool HoldGap(std::size_t length, const unsigned char* end) {
+    if (!m_holdsGaps) return false;
+    std::atomic<CXmlHeldText>& held = m_document.m_currentElement->m_text;
+    const CXmlHeldText before = held.load(std::memory_order_relaxed);
+    if (!before.IsNone() && !before.IsOfGaps()) return false;
+    const std::size_t all = before.IsNone() ? length : before.GetLength() + length;
+    held.store(CXmlHeldText::OfGaps(static_cast<std::size_t>(end - m_input), all), std::memory_order_relaxed);
+    Count(length);
+    return true;
+  }
+  // Before other markup in the current element, if there is one.
+  void EndGaps() {
+    if (m_holdsGaps && m_document.m_currentElement != nullptr) m_document.SettleGaps(*m_document.m_currentElement);
+  }
+
   // The element's whole text, which it has none of yet.
   static bool HasText(const CXmlElement& element) noexcept {
     return !element.m_text.load(std::memory_order_relaxed).IsNone();
@@ -170,6 +188,7 @@ class CTreeBuilder {
   CXmlDocument::Storage& m_storage;
   const bool m_isPlain;
   const unsigned char* const m_input;  // if texts may be parts of it
+  const bool m_holdsGaps;              // if nodes also keep their places in it
   // 0 where the usual case is not possible.
   std::size_t m_deepest = 0;
   std::size_t m_mostNodes = 0;
