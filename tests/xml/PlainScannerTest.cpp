@@ -17,11 +17,12 @@ using namespace RkXmlTest;
 namespace {
 
 template <class LoadInput>
-std::wstring Describe(CSerializationContext context, bool scans, LoadInput&& load, bool& wasScanned) {
+std::wstring Describe(CSerializationContext context, bool scans, bool stays, LoadInput&& load, bool& wasScanned) {
   CErrorCollector told;
   context.SetErrorHandler(&told);
   context.SetScanPlainXml(scans);
   CXmlDocument document(context);
+  document.SetInputStays(stays);
   std::wstring text = DescribeLoad(document, told, load);
   wasScanned = document.WasScanned();
   return text;
@@ -31,8 +32,9 @@ template <class LoadInput>
 bool IsScanned(LoadInput&& load, std::string_view bytes, const CSerializationContext& context) {
   bool wasScanned = false;
   bool never = true;
-  const std::wstring scanned = Describe(context, true, load, wasScanned);
-  EXPECT_EQ(Describe(context, false, load, never), scanned) << bytes.substr(0, 1000);
+  const std::wstring scanned = Describe(context, true, /*stays=*/false, load, wasScanned);
+  EXPECT_EQ(Describe(context, true, /*stays=*/true, load, wasScanned), scanned) << bytes.substr(0, 1000);
+  EXPECT_EQ(Describe(context, false, /*stays=*/false, load, never), scanned) << bytes.substr(0, 1000);
   EXPECT_FALSE(never);
   return wasScanned;
 }
@@ -75,6 +77,7 @@ TEST(PlainScanner, ScansThePlainCase) {
       "<a x = '1\t2\r\n3\r4&#9;5&#13;6&#x20;7&lt;&amp;\"' y=\"'&#x1F600;\xF0\x9F\x98\x80\" z=''/>",
       "<a>\r\n  <b> 1\r2\r\n3&#13;&#10;4 </b>\r \t\n\r\n&#32;<b>&#32;</b><b>\n</b></a>",
       "<a>]] >]&gt;]]&gt;<b/>]<![CDATA[]]><![CDATA[ ]]]>]]&#62;\x7F\xC2\x85\xE2\x80\xA8\xF3\xA0\x80\x81</a>",
+      "<a> <b x='0123456789'> </b>\n\t<!--c--> <b>0123456789</b> <?p?> <b/>\t<![CDATA[]]> <b/>&#13; <b/> x <b/> </a>",
       "<a>a text of more than sixteen characters, one of them \xC3\xA9, and more than sixteen behind it</a>",
       "<\xC3\xA9t\xC3\xA9 \xCE\xB1.-\xC2\xB7='1'><_:x xmlns:_='u'/></\xC3\xA9t\xC3\xA9>",
       "<p:a p:x='1' x='2' xmlns:p='u' xmlns='u' xmlns:q='v' q:x='3'><b xmlns='' p:x='4'><p:c "
