@@ -38,6 +38,9 @@ class RKXML_EXPORT CAttributeInfo {
   int GetPropertyIndex() const noexcept { return m_propertyIndex; }
   bool IsOptional() const noexcept { return m_optional; }
   const std::wstring& GetDefaultValue() const noexcept { return m_defaultValue; }
+  // For values of CModelObject that are read by their text alone, so that the driver can do it.
+  bool IsModelText() const noexcept { return m_isModelText; }
+  void SetModelText() noexcept { m_isModelText = true; }
 
   // Whether the attribute has the record's local name and, unless the context ignores namespaces, its namespace.
   bool IsThisAttribute(const CSerializationContext& context, CXmlAttribute* attribute) const;
@@ -63,6 +66,7 @@ class RKXML_EXPORT CAttributeInfo {
   RkXmlLib16::CNameToken m_name;
   int m_propertyIndex;
   bool m_optional;
+  bool m_isModelText = false;
   std::wstring m_defaultValue;
 };
 

@@ -164,12 +164,28 @@ void CElementInfo::ReadProperty(const CXmlGeneratedClass* object, RkVariant& val
   InvokePropertyGet(const_cast<CXmlGeneratedClass*>(object), value);  // a getter changes nothing
 }
 
-void CElementInfo::InvokePropertySet(CXmlGeneratedClass* object, RkVariant& value, const CXmlElement& element) const {
+template <class Set>
+inline void CElementInfo::InvokeSet(const CXmlElement& element, Set&& set) {
   try {
-    object->AccessProperty(m_propertyIndex, /*get=*/false, value);
+    set();
   } catch (const CRkException& e) {
     throw CRkValidationException(L"Failed to set the property value.", element.GetXPath(), e);
   }
+}
+
+void CElementInfo::InvokePropertySet(CXmlGeneratedClass* object, RkVariant& value, const CXmlElement& element) const {
+  InvokeSet(element, [&] { object->AccessProperty(m_propertyIndex, /*get=*/false, value); });
+}
+
+void CElementInfo::InvokeObjectSet(CXmlGeneratedClass* object, CXmlObjectBase* child,
+                                   const CXmlElement& element) const {
+  bool isSet = false;
+  if (m_isOfModel)
+    InvokeSet(element, [&] { isSet = static_cast<CModelObject*>(object)->TrySetObject(m_propertyIndex, child); });
+  if (isSet) return;
+  ReadingValue value(/*charCount=*/0);
+  value.Get().SetXmlObject(child);
+  InvokePropertySet(object, value.Get(), element);
 }
 
 bool CElementInfo::ElementToXmlCol(const CSerializationContext& context, const CXmlGeneratedClass* object,

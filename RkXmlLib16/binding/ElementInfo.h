@@ -128,6 +128,9 @@ class RKXML_EXPORT CElementInfo {
   // For values of CModelObject, which reads and writes their text itself.
   bool IsModelValue() const noexcept { return m_isModelValue; }
   void SetModelValue() noexcept { m_isModelValue = true; }
+  // The same where an element without attributes and children is read by its text alone, so that the driver can do it.
+  bool IsModelText() const noexcept { return m_isModelText; }
+  void SetModelText() noexcept { m_isModelText = true; }
   // For all records of CModelObject.
   void SetOfModel() noexcept { m_isOfModel = true; }
   // Writes an element with a text that was checked.
@@ -150,6 +153,8 @@ class RKXML_EXPORT CElementInfo {
   void InvokePropertyGet(CXmlGeneratedClass* object, RkVariant& value) const;
   void ReadProperty(const CXmlGeneratedClass* object, RkVariant& value) const;
   void InvokePropertySet(CXmlGeneratedClass* object, RkVariant& value, const CXmlElement& element) const;
+  // The same for a property that holds an object, which may be null and is held meanwhile.
+  void InvokeObjectSet(CXmlGeneratedClass* object, CXmlObjectBase* child, const CXmlElement& element) const;
 
   // Write a member of the kind; false when there was nothing to write.
   bool ElementToXmlCol(const CSerializationContext& context, const CXmlGeneratedClass* object,
@@ -202,6 +207,8 @@ class RKXML_EXPORT CElementInfo {
   }
   [[gnu::noinline, gnu::cold]] std::uint8_t FindFacts() const;
   bool CompareName(const CSerializationContext& context, const CXmlElement& element) const;
+  template <class Set>
+  static void InvokeSet(const CXmlElement& element, Set&& set);
   bool IsDefault(std::wstring_view text) const noexcept { return !m_defaultValue.empty() && text == m_defaultValue; }
   void WriteText(const CSerializationContext& context, CXmlWriter* writer, std::wstring_view text, ItemType type,
                  bool isCanonical) const;
@@ -228,6 +235,7 @@ class RKXML_EXPORT CElementInfo {
   bool m_mayHaveAttributes = false;
   bool m_readsOnlyItsElement = false;
   bool m_isModelValue = false;
+  bool m_isModelText = false;
   bool m_isOfModel = false;
   mutable std::atomic<std::uint8_t> m_facts{kUnknown};
   XmlElementType m_memberType = RkXmlLib16::XmlElementType_Element;

@@ -23,8 +23,7 @@ int CXmlGeneratedClass::GetClassElementInfoCount() const {
   return count;
 }
 
-bool CXmlGeneratedClass::IsNil(const CParentElementInfo& info) const {
-  if (info.IsOfModel()) return static_cast<const CModelObject*>(this)->GetNilFlag();
+bool CXmlGeneratedClass::IsNilByInterface() const {
   const auto* const nillable = dynamic_cast<const INillable*>(this);
   return nillable != nullptr && nillable->IsNil();
 }

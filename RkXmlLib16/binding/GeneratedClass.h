@@ -11,6 +11,7 @@ namespace RkXmlLib16Data {
 class CAttributeInfo;
 class CElementInfo;
 class CParentElementInfo;
+struct MemberRead;
 }  // namespace RkXmlLib16Data
 
 namespace RkXmlLib16 {
@@ -107,7 +108,8 @@ class RKXML_EXPORT CXmlGeneratedClass : public CXmlObjectBase {
   // This object as CModelObject if these are the records of its model, else null: classes may have records of their own.
   const CModelObject* AsModel(RkXmlLib16Data::CElementInfo** infos) const;
   // Whether the object is nil: a CModelObject knows, others are asked as INillable.
-  bool IsNil(const RkXmlLib16Data::CParentElementInfo& info) const;
+  inline bool IsNil(const RkXmlLib16Data::CParentElementInfo& info) const;
+  bool IsNilByInterface() const;
 
   CXmlElement* ReadElement(CXmlElement* element, CXmlElement* firstChild, const CSerializationContext& context,
                            bool isOptionalChoice);
@@ -125,6 +127,9 @@ class RKXML_EXPORT CXmlGeneratedClass : public CXmlObjectBase {
   [[gnu::noinline]] static void TellLeftOut(const CXmlElement& element, const CSerializationContext& context,
                                             const RkXmlLib16Data::CParentElementInfo& info);
   void ReadNil(const CXmlAttribute* attribute);
+  bool ReadAttribute(RkXmlLib16Data::CAttributeInfo& info, const CSerializationContext& context,
+                     CXmlAttribute* attribute);
+  bool ReadMember(RkXmlLib16Data::CElementInfo& info, const RkXmlLib16Data::MemberRead& read);
   void ProcessAttributesFromXml(const CSerializationContext& context, CXmlElement* element,
                                 const RkXmlLib16Data::CParentElementInfo& classInfo);
   CXmlElement* ProcessElementSeqFromXml(const CSerializationContext& context, CXmlElement* parent, CXmlElement* first,

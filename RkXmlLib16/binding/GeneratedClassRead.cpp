@@ -35,6 +35,7 @@
 #include "RkXmlLib16/binding/AttributeInfo.h"
 #include "RkXmlLib16/binding/ElementInfo.h"
 #include "RkXmlLib16/binding/GeneratedClass.h"
+#include "RkXmlLib16/binding/ModelObject.h"
 #include "RkXmlLib16/binding/ParentElementInfo.h"
 #include "RkXmlLib16/binding/internal/ElementRules.h"
 #include "RkXmlLib16/binding/internal/NilValue.h"
@@ -314,6 +315,29 @@ void CXmlGeneratedClass::ReadNil(const CXmlAttribute* attribute) {
   nillable->SetNil(value == NilValue::True);
 }
 
+// AttributeFromXml and ElementFromXml. Texts of CModelObject are set here, without the call of the record; it is called
+// where there is more than a text, or it cannot be set.
+inline bool CXmlGeneratedClass::ReadAttribute(CAttributeInfo& info, const CSerializationContext& context,
+                                              CXmlAttribute* attribute) {
+  if (info.IsModelText()) {
+    if (!attribute->GetLocalNameRef()->Is(info.GetName(), *attribute->GetNamespaceRef())) return false;
+    if (static_cast<CModelObject*>(this)->TrySetFromText(info.GetPropertyIndex(), attribute->GetValue())) return true;
+  }
+  return info.AttributeFromXml(context, this, attribute);
+}
+
+inline bool CXmlGeneratedClass::ReadMember(CElementInfo& info, const MemberRead& read) {
+  CXmlElement* const element = read.At();
+  const bool isText = info.IsModelText() && info.IsThisElement(read.context, element) &&
+                      element->GetAttributes().empty() && element->GetFirstElement() == nullptr;
+  const std::wstring_view text = isText ? element->GetText().View() : std::wstring_view();
+  if (text.empty() || !static_cast<CModelObject*>(this)->TrySetFromText(info.GetPropertyIndex(), text))
+    return info.ElementFromXml(read.context, this, read.parent, read.cursor, read.ownerNamespace, read.ownerType);
+  CErrorSession::NoteRead(read.context, element);
+  read.MoveOn();
+  return true;
+}
+
 void CXmlGeneratedClass::ProcessAttributesFromXml(const CSerializationContext& context, CXmlElement* element,
                                                   const CParentElementInfo& classInfo) {
   CAttributeInfo** const infos = OrEmpty(GetClassAttributeInfo());
@@ -331,7 +355,7 @@ void CXmlGeneratedClass::ProcessAttributesFromXml(const CSerializationContext& c
         if (ownElement) ReadNil(attribute);  // on the element of an inline group it is the owner's
         continue;
       }
-      while (infos[i] != nullptr && !infos[i]->AttributeFromXml(context, this, attribute)) ++i;
+      while (infos[i] != nullptr && !ReadAttribute(*infos[i], context, attribute)) ++i;
       if (infos[i] == nullptr && strictAttributes && !context.GetIgnoreUnknownAttributes())
         throw CRkValidationException(L"Unexpected Attribute found.", attribute->GetXPath());
     } catch (CRkException& e) {
@@ -344,6 +368,7 @@ void CXmlGeneratedClass::ProcessAttributesFromXml(const CSerializationContext& c
       TellDropped(context, RkDropped_Attribute, *attribute);
   }
   for (std::size_t i = 0; infos[i] != nullptr; ++i) {
+    if (infos[i]->IsModelText() && (infos[i]->IsOptional() || seen[i])) continue;
     try {
       infos[i]->Validate(context, seen[i]);
     } catch (CRkException& e) {
@@ -359,8 +384,7 @@ CXmlElement* CXmlGeneratedClass::ProcessElementSeqFromXml(const CSerializationCo
   const MemberRead read{context, this, parent, &current, GetNamespace(), elementType};
   // False when the sequence cannot go on.
   const auto ask = [&](CElementInfo* info) {
-    return ignoreUnknown ? AskPastUnknown(*info, read)
-                         : info->ElementFromXml(context, this, parent, &current, read.ownerNamespace, elementType);
+    return ignoreUnknown ? AskPastUnknown(*info, read) : ReadMember(*info, read);
   };
 
   const bool ownElement = elementType == XmlElementType_Element;
@@ -400,12 +424,12 @@ CXmlElement* CXmlGeneratedClass::ProcessElementChoiceFromXml(const CSerializatio
                                                              bool isOptionalChoice) {
   const bool ignoreUnknown = context.GetIgnoreUnknownElements();
   const bool ownElement = elementType == XmlElementType_Element;
-  const wchar_t* const ownNamespace = GetNamespace();
   CElementInfo** const infos = OrEmpty(GetClassElementInfo());
   CXmlElement* current = first;
+  const MemberRead read{context, this, parent, &current, GetNamespace(), elementType};
   const auto isMemberRead = [&] {
     for (CElementInfo** info = infos; *info != nullptr; ++info) {
-      if (!(*info)->ElementFromXml(context, this, parent, &current, ownNamespace, elementType)) continue;
+      if (!ReadMember(**info, read)) continue;
       if (ignoreUnknown) ++ReadSession::Current()->takenCount;
       return true;
     }
@@ -449,15 +473,15 @@ CXmlElement* CXmlGeneratedClass::ProcessElementAllFromXml(const CSerializationCo
                                                           CXmlElement* first, XmlElementType elementType) {
   const bool ignoreUnknown = context.GetIgnoreUnknownElements();
   const bool ownElement = elementType == XmlElementType_Element;
-  const wchar_t* const ownNamespace = GetNamespace();
   CElementInfo** const infos = OrEmpty(GetClassElementInfo());
   CXmlElement* current = first;
+  const MemberRead read{context, this, parent, &current, GetNamespace(), elementType};
   SeenFlags seen;
   // One pass over the members that are still missing; whether it consumed anything.
   const auto pass = [&] {
     const CXmlElement* const before = current;
     for (std::size_t i = 0; infos[i] != nullptr; ++i)
-      if (!seen[i] && infos[i]->ElementFromXml(context, this, parent, &current, ownNamespace, elementType)) seen.Set(i);
+      if (!seen[i] && ReadMember(*infos[i], read)) seen.Set(i);
     if (ignoreUnknown && current != before) ++ReadSession::Current()->takenCount;
     return current != before;
   };

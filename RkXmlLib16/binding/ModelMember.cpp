@@ -54,6 +54,19 @@ bool IsKept(CWhitespaceUtils::WhitespaceRule rule) {
   return rule == CWhitespaceUtils::preserve || rule == CWhitespaceUtils::none;
 }
 
+void Assign(std::wstring& value, std::wstring_view text) {
+  if (text.size() > value.capacity())
+    value = std::wstring(text);  // in fewer steps than assign
+  else
+    value.assign(text);
+}
+
+[[gnu::noinline]] void AssignByRule(std::wstring& value, std::wstring_view text,
+                                    CWhitespaceUtils::WhitespaceRule rule) {
+  std::wstring scratch;
+  Assign(value, CWhitespaceUtils::ApplyRule(rule, text, scratch));
+}
+
 // How the value of a member is reached.
 template <class T>
 struct InPlace {
@@ -81,12 +94,10 @@ struct ValueMember {
   template <ItemType kItem>
   static void ReadAs(T& value, std::wstring_view text, CWhitespaceUtils::WhitespaceRule rule) {
     if constexpr (kItem == ItemType_string) {
-      std::wstring scratch;
-      const std::wstring_view kept = IsKept(rule) ? text : CWhitespaceUtils::ApplyRule(rule, text, scratch);
-      if (kept.size() > value.capacity())
-        value = std::wstring(kept);  // in fewer steps than assign
+      if (IsKept(rule))
+        Assign(value, text);
       else
-        value.assign(kept);
+        AssignByRule(value, text, rule);
     } else if constexpr (kItem == ItemType_decimal || kItem == ItemType_dateTime) {
       if (!value.ParsePlain(text)) value = CConversions::FromText<kItem>(text, rule);
     } else {

@@ -185,6 +185,14 @@ bool CModelObject::TrySetFromText(int property, std::wstring_view text) {
   return true;
 }
 
+bool CModelObject::TrySetObject(int property, CXmlObjectBase* object) {
+  const CMember member = FindMember(property);
+  if (!member.Is(MemberType::Kind::Object)) return false;
+  Adopt(property, object);
+  member.Type().setObject(member.At(), object);
+  return true;
+}
+
 bool CModelObject::MustCheck(int property) const noexcept { return m_class.GetProperty(property).mustCheck; }
 
 void CModelObject::CheckValue(int property, CMember value) {

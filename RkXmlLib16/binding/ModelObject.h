@@ -16,6 +16,7 @@
 #include "RkXmlLib16/binding/GeneratedClass.h"
 #include "RkXmlLib16/binding/Model.h"
 #include "RkXmlLib16/binding/ModelMember.h"
+#include "RkXmlLib16/binding/ParentElementInfo.h"
 #include "RkXmlLib16/collections/ObjectCollection.h"
 #include "RkXmlLib16/collections/ValueCollections.h"
 #include "RkXmlLib16/context/SerializationContext.h"
@@ -129,6 +130,9 @@ class RKXML_EXPORT CModelObject : public CXmlGeneratedClass {
   }
   // The object of the property, borrowed; null when there is none, or only AccessProperty can tell.
   CXmlObjectBase* PeekObject(int property) const;
+  // Sets the property of an object, which may be null; false where only AccessProperty can do it. Throws what the
+  // setter throws.
+  bool TrySetObject(int property, CXmlObjectBase* object);
   // Keeps the prefixes of the names in the text as the element has them, so that they are declared again.
   void KeepPrefixes(const CXmlElement& element, std::wstring_view text);
 
@@ -239,6 +243,10 @@ class RKXML_EXPORT CModelObject : public CXmlGeneratedClass {
   std::forward_list<CSmartPtr<CXmlCollectionBase>> m_watched;  // of a choice
   const CXmlElement* m_element = nullptr;                      // while it is read
 };
+
+inline bool CXmlGeneratedClass::IsNil(const RkXmlLib16Data::CParentElementInfo& info) const {
+  return info.IsOfModel() ? static_cast<const CModelObject*>(this)->GetNilFlag() : IsNilByInterface();
+}
 
 // The repeated objects of a property: elements, or inline groups.
 class RKXML_EXPORT CModelCollectionBase : public CXmlObjectCollection<CModelObject> {

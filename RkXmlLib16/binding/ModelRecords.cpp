@@ -74,6 +74,7 @@ class CModelValue final : public Base {
         m_member(member),
         m_needsText(member.values->needsCheck || member.values->holdsQNames || member.value.isFixed) {
     Base::SetModelValue();
+    if (!m_needsText) Base::SetModelText();
     if constexpr (std::is_same_v<Base, CElementInfoSeqPrimOpt>) Base::SetReadsOnlyItsElement();
   }
 
@@ -499,7 +500,9 @@ CAttributeInfo* NewModelRecord(const AttributeModel& attribute) {
     return record;
   };
   if (v.needsCheck || v.holdsQNames || attribute.value.isFixed) return make(static_cast<CModelAttribute*>(nullptr));
-  return make(static_cast<CAttributeInfoPrimitive*>(nullptr));
+  CAttributeInfo* const record = make(static_cast<CAttributeInfoPrimitive*>(nullptr));
+  record->SetModelText();
+  return record;
 }
 
 CAttributeInfo* NewWildcardRecord(const ClassModel& owner) { return new CModelWildcardAttributes(owner); }

@@ -192,9 +192,7 @@ CSmartPtr<CXmlObjectBase> GetOrCreateChild(const CElementInfoCls& info, const Me
 }
 
 void StoreChild(const CElementInfo& info, const MemberRead& read, CXmlObjectBase* child, const CXmlElement& element) {
-  ReadingValue value(/*charCount=*/0);
-  value.Get().SetXmlObject(child);
-  info.InvokePropertySet(read.object, value.Get(), element);
+  info.InvokeObjectSet(read.object, child, element);
 }
 
 void StoreNull(const CElementInfo& info, const MemberRead& read, const CXmlElement& element) {
