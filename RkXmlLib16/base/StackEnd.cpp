@@ -6,8 +6,6 @@
 
 namespace RkXmlLib16 {
 
-thread_local CStackEnd::Range CStackEnd::t_range{0, 0};
-
 void CStackEnd::Measure() noexcept {
   t_range = {1, 1};
   pthread_attr_t attributes;

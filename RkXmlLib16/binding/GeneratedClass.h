@@ -105,16 +105,17 @@ class RKXML_EXPORT CXmlGeneratedClass : public CXmlObjectBase {
   void ProcessElementAllToXml(const CSerializationContext& context, RkXmlLib16Data::CElementInfo** infos,
                               CXmlWriter* writer) const;
 
-  // This object as CModelObject if these are the records of its model, else null: classes may have records of their own.
+  // This object as CModelObject if these are the records of its model, else null: classes may have records of their
+  // own.
   const CModelObject* AsModel(RkXmlLib16Data::CElementInfo** infos) const;
   // Whether the object is nil: a CModelObject knows, others are asked as INillable.
   inline bool IsNil(const RkXmlLib16Data::CParentElementInfo& info) const;
   bool IsNilByInterface() const;
 
-  CXmlElement* ReadElement(CXmlElement* element, CXmlElement* firstChild, const CSerializationContext& context,
-                           bool isOptionalChoice);
-  CXmlElement* ReadContent(CXmlElement* element, CXmlElement* firstChild, const CSerializationContext& context,
-                           const RkXmlLib16Data::CParentElementInfo& info, bool isOptionalChoice);
+  inline CXmlElement* ReadElement(CXmlElement* element, CXmlElement* firstChild, const CSerializationContext& context,
+                                  bool isOptionalChoice);
+  inline CXmlElement* ReadContent(CXmlElement* element, CXmlElement* firstChild, const CSerializationContext& context,
+                                  const RkXmlLib16Data::CParentElementInfo& info, bool isOptionalChoice);
   [[gnu::noinline]] CXmlElement* ReadContentPastUnknown(CXmlElement* element, CXmlElement* firstChild,
                                                         const CSerializationContext& context,
                                                         const RkXmlLib16Data::CParentElementInfo& info,
@@ -127,11 +128,12 @@ class RKXML_EXPORT CXmlGeneratedClass : public CXmlObjectBase {
   [[gnu::noinline]] static void TellLeftOut(const CXmlElement& element, const CSerializationContext& context,
                                             const RkXmlLib16Data::CParentElementInfo& info);
   void ReadNil(const CXmlAttribute* attribute);
-  bool ReadAttribute(RkXmlLib16Data::CAttributeInfo& info, const CSerializationContext& context,
-                     CXmlAttribute* attribute);
-  bool ReadMember(RkXmlLib16Data::CElementInfo& info, const RkXmlLib16Data::MemberRead& read);
+  inline bool ReadAttribute(RkXmlLib16Data::CAttributeInfo& info, const CSerializationContext& context,
+                            CXmlAttribute* attribute);
+  inline bool ReadMember(RkXmlLib16Data::CElementInfo& info, const RkXmlLib16Data::MemberRead& read);
   void ProcessAttributesFromXml(const CSerializationContext& context, CXmlElement* element,
-                                const RkXmlLib16Data::CParentElementInfo& classInfo);
+                                const RkXmlLib16Data::CParentElementInfo& classInfo,
+                                RkXmlLib16Data::CAttributeInfo** infos);
   CXmlElement* ProcessElementSeqFromXml(const CSerializationContext& context, CXmlElement* parent, CXmlElement* first,
                                         XmlElementType elementType);
   CXmlElement* ProcessElementChoiceFromXml(const CSerializationContext& context, CXmlElement* parent,

@@ -196,6 +196,56 @@ bool AskPastUnknown(CElementInfo& info, const MemberRead& read) {
 
 }  // namespace
 
+[[gnu::always_inline]] inline CXmlElement* CXmlGeneratedClass::ReadContent(CXmlElement* element,
+                                                                           CXmlElement* firstChild,
+                                                                           const CSerializationContext& context,
+                                                                           const CParentElementInfo& info,
+                                                                           bool isOptionalChoice) {
+  const XmlElementType elementType = info.GetElementType();
+  CXmlElement* unread = nullptr;
+  switch (info.GetGroupType()) {
+    case XmlElementGroupType_Sequence:
+      unread = ProcessElementSeqFromXml(context, element, firstChild, elementType);
+      break;
+    case XmlElementGroupType_Choice:
+      unread = ProcessElementChoiceFromXml(context, element, firstChild, elementType, isOptionalChoice);
+      break;
+    case XmlElementGroupType_All:
+      unread = ProcessElementAllFromXml(context, element, firstChild, elementType);
+      break;
+    default:
+      throw CRkException(L"Unknown Group Type");
+  }
+  if (info.GetSimpleContentProperty() != -1 && info.GetSimpleContentType() != ItemType_none)
+    ReadSimpleContent(element, context, info);
+  return unread;
+}
+
+// Inline, as one object inside the other takes stack for it.
+[[gnu::always_inline]] inline CXmlElement* CXmlGeneratedClass::ReadElement(CXmlElement* element,
+                                                                           CXmlElement* firstChild,
+                                                                           const CSerializationContext& context,
+                                                                           bool isOptionalChoice) {
+  BeginFromXml_Int(element, firstChild, context, isOptionalChoice);
+  const CParentElementInfo& info = *GetClassInfo();
+  const XmlElementType elementType = info.GetElementType();
+  if (elementType == XmlElementType_Element) {
+    m_elementName.Set(element->GetLocalName());
+    if (auto* const nillable = IsNil(info) ? dynamic_cast<INillable*>(this) : nullptr) nillable->SetNil(false);
+  }
+  CAttributeInfo** const attributes = OrEmpty(GetClassAttributeInfo());
+  if (attributes[0] != nullptr || !element->GetAttributes().empty())
+    ProcessAttributesFromXml(context, element, info, attributes);
+  if (IsNil(info)) return firstChild;
+
+  CXmlElement* const unread = elementType == XmlElementType_Element && context.GetIgnoreUnknownElements()
+                                  ? ReadContentPastUnknown(element, firstChild, context, info, isOptionalChoice)
+                                  : ReadContent(element, firstChild, context, info, isOptionalChoice);
+  if (context.GetErrorHandler() != nullptr && elementType == XmlElementType_Element)
+    TellLeftOut(*element, context, info);
+  return unread;
+}
+
 CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* element, CXmlElement* firstChild,
                                              const CSerializationContext& context, bool isOptionalChoice) {
   ReadSession* const session = ReadSession::Current();
@@ -209,26 +259,6 @@ CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* element, CXmlElement* 
     if (GoesOnAfter(e, element, context)) return nullptr;
     ThrowWithPath(e, element);
   }
-}
-
-CXmlElement* CXmlGeneratedClass::ReadElement(CXmlElement* element, CXmlElement* firstChild,
-                                             const CSerializationContext& context, bool isOptionalChoice) {
-  BeginFromXml_Int(element, firstChild, context, isOptionalChoice);
-  const CParentElementInfo& info = *GetClassInfo();
-  const XmlElementType elementType = info.GetElementType();
-  if (elementType == XmlElementType_Element) {
-    m_elementName.Set(element->GetLocalName());
-    if (auto* const nillable = IsNil(info) ? dynamic_cast<INillable*>(this) : nullptr) nillable->SetNil(false);
-  }
-  ProcessAttributesFromXml(context, element, info);
-  if (IsNil(info)) return firstChild;
-
-  CXmlElement* const unread = elementType == XmlElementType_Element && context.GetIgnoreUnknownElements()
-                                  ? ReadContentPastUnknown(element, firstChild, context, info, isOptionalChoice)
-                                  : ReadContent(element, firstChild, context, info, isOptionalChoice);
-  if (context.GetErrorHandler() != nullptr && elementType == XmlElementType_Element)
-    TellLeftOut(*element, context, info);
-  return unread;
 }
 
 bool CXmlGeneratedClass::GoesOnAfter(CRkException& error, const CXmlElement* element,
@@ -258,29 +288,6 @@ void CXmlGeneratedClass::TellLeftOut(const CXmlElement& element, const CSerializ
     TellDropped(context, RkDropped_Text, element, element.GetText().size());
   else if (element.GetFirstElement() != nullptr)
     TellDropped(context, RkDropped_Position, element);
-}
-
-CXmlElement* CXmlGeneratedClass::ReadContent(CXmlElement* element, CXmlElement* firstChild,
-                                             const CSerializationContext& context, const CParentElementInfo& info,
-                                             bool isOptionalChoice) {
-  const XmlElementType elementType = info.GetElementType();
-  CXmlElement* unread = nullptr;
-  switch (info.GetGroupType()) {
-    case XmlElementGroupType_Sequence:
-      unread = ProcessElementSeqFromXml(context, element, firstChild, elementType);
-      break;
-    case XmlElementGroupType_Choice:
-      unread = ProcessElementChoiceFromXml(context, element, firstChild, elementType, isOptionalChoice);
-      break;
-    case XmlElementGroupType_All:
-      unread = ProcessElementAllFromXml(context, element, firstChild, elementType);
-      break;
-    default:
-      throw CRkException(L"Unknown Group Type");
-  }
-  if (info.GetSimpleContentProperty() != -1 && info.GetSimpleContentType() != ItemType_none)
-    ReadSimpleContent(element, context, info);
-  return unread;
 }
 
 void CXmlGeneratedClass::ReadSimpleContent(const CXmlElement* element, const CSerializationContext& context,
@@ -339,13 +346,12 @@ inline bool CXmlGeneratedClass::ReadMember(CElementInfo& info, const MemberRead&
 }
 
 void CXmlGeneratedClass::ProcessAttributesFromXml(const CSerializationContext& context, CXmlElement* element,
-                                                  const CParentElementInfo& classInfo) {
-  CAttributeInfo** const infos = OrEmpty(GetClassAttributeInfo());
+                                                  const CParentElementInfo& classInfo, CAttributeInfo** infos) {
   const bool ownElement = classInfo.GetElementType() == XmlElementType_Element;
   const bool strictAttributes = classInfo.HasStrictAttributes();
   // An inline group is offered the same attributes for every attempt; most have no use for them.
   const bool hasUse = ownElement || (strictAttributes && !context.GetIgnoreUnknownAttributes());
-  if (infos[0] == nullptr && (!hasUse || element->GetAttributes().empty())) return;
+  if (infos[0] == nullptr && !hasUse) return;
   SeenFlags seen;
   for (CXmlAttribute* attribute : element->GetAttributes()) {
     if (attribute->IsNamespaceAttribute()) continue;

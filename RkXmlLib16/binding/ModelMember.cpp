@@ -105,8 +105,10 @@ struct ValueMember {
     }
   }
   static bool Read(void* at, const ModelProperty& property, std::wstring_view text) {
-    Visit<T>(property.values->itemType,
-             [&](auto item) { ReadAs<item>(Place::Make(at), text, property.values->whitespace); });
+    Visit<T>(property.values->itemType, [&](auto item) {
+      ReadAs<item>(Place::Make(at), text, property.values->whitespace);
+      if (property.mayRefuse) CheckAs<item>(at, property, property.name);
+    });
     return true;
   }
   static std::wstring_view Print(const void* at, const ModelProperty& property, TextSpace& space) {
@@ -117,12 +119,15 @@ struct ValueMember {
       return Visit<T>(property.values->itemType, [&](auto item) { return CConversions::GetText<item>(value, space); });
     }
   }
-  static void Check(const void* at, const ModelProperty& property, const wchar_t* name) {
+  template <ItemType kItem>
+  static void CheckAs(const void* at, const ModelProperty& property, const wchar_t* name) {
+    const T& value = Place::Get(at);
     if constexpr (std::is_same_v<T, std::wstring>)
-      if (property.values->texts != nullptr && !property.IsAllowed(Place::Get(at)))
-        ThrowInvalidValue(name, Place::Get(at));
-    if (property.facets.IsEmpty()) return;
-    Visit<T>(property.values->itemType, [&](auto item) { Item<item>::Check(name, Place::Get(at), property.facets); });
+      if (property.values->texts != nullptr && !property.IsAllowed(value)) ThrowInvalidValue(name, value);
+    if (!property.facets.IsEmpty()) Item<kItem>::Check(name, value, property.facets);
+  }
+  static void Check(const void* at, const ModelProperty& property, const wchar_t* name) {
+    Visit<T>(property.values->itemType, [&](auto item) { CheckAs<item>(at, property, name); });
   }
 };
 
@@ -151,8 +156,10 @@ struct ValueMember<int, Place> {
     const CWhitespaceUtils::WhitespaceRule rule = property.values->whitespace;
     std::wstring scratch;
     const int number = property.FindText(IsKept(rule) ? text : CWhitespaceUtils::ApplyRule(rule, text, scratch));
-    if (number >= 0) Put(at, number);
-    return number >= 0;
+    if (number < 0) return false;
+    Put(at, number);
+    if (property.mayRefuse) Check(at, property, property.name);
+    return true;
   }
   static std::wstring_view Print(const void* at, const ModelProperty& property, TextSpace&) {
     return Text(at, property);

@@ -64,8 +64,8 @@ struct MemberType {
   void (*give)(const void* at, const Property& property, RkVariant& to) = nullptr;
   void (*take)(void* at, const Property& property, const RkVariant& from) = nullptr;
   void (*reset)(void* at) = nullptr;
-  // From the lexical form, as a document has it. Where it cannot be read, throws CRkException or returns false, and the
-  // member stays as it is.
+  // From the lexical form, as a document has it, with the check below. Where it cannot be read, throws CRkException or
+  // returns false, and the member stays as it is; a value that the check refuses is there nevertheless.
   bool (*read)(void* at, const Property& property, std::wstring_view text) = nullptr;
   // The lexical form: the member itself, or in the space.
   std::wstring_view (*print)(const void* at, const Property& property, TextSpace& space) = nullptr;

@@ -173,10 +173,7 @@ bool CModelObject::TrySetFromText(int property, std::wstring_view text) {
   if (!member.Is(MemberType::Kind::Value)) return false;
   try {
     if (!member.Type().read(member.At(), info, text)) return false;
-    if (info.mayRefuse) {
-      member.Type().check(member.At(), info, info.name);
-      if (info.member != nullptr && GetModel().group == XmlElementGroupType_Choice) Select(property);
-    }
+    if (info.mayRefuse && info.member != nullptr && GetModel().group == XmlElementGroupType_Choice) Select(property);
   } catch (const CRkException&) {
     if (!wasSet) member.Type().reset(member.At());
     return false;

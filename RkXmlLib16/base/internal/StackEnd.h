@@ -27,7 +27,7 @@ class CStackEnd {
 
   static void Measure() noexcept;
 
-  static thread_local Range t_range;
+  static inline thread_local Range t_range{0, 0};
 };
 
 }  // namespace RkXmlLib16

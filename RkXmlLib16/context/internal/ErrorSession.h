@@ -73,7 +73,7 @@ class RKXML_EXPORT CErrorSession {
     void KeepAll();
 
     CErrorSession* m_session;
-    int m_exceptions = std::uncaught_exceptions();
+    int m_exceptions = m_session != nullptr ? std::uncaught_exceptions() : 0;
   };
 
  private:
