@@ -11,7 +11,6 @@ namespace RkXmlLib16Data {
 class CAttributeInfo;
 class CElementInfo;
 class CParentElementInfo;
-struct MemberRead;
 }  // namespace RkXmlLib16Data
 
 namespace RkXmlLib16 {
@@ -130,7 +129,8 @@ class RKXML_EXPORT CXmlGeneratedClass : public CXmlObjectBase {
   void ReadNil(const CXmlAttribute* attribute);
   inline bool ReadAttribute(RkXmlLib16Data::CAttributeInfo& info, const CSerializationContext& context,
                             CXmlAttribute* attribute);
-  inline bool ReadMember(RkXmlLib16Data::CElementInfo& info, const RkXmlLib16Data::MemberRead& read);
+  inline bool ReadMember(RkXmlLib16Data::CElementInfo& info, const CSerializationContext& context, CXmlElement* parent,
+                         CXmlElement** cursor, const wchar_t* ownNamespace, XmlElementType elementType);
   void ProcessAttributesFromXml(const CSerializationContext& context, CXmlElement* element,
                                 const RkXmlLib16Data::CParentElementInfo& classInfo,
                                 RkXmlLib16Data::CAttributeInfo** infos);

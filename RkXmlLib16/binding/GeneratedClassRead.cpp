@@ -38,6 +38,7 @@
 #include "RkXmlLib16/binding/ModelObject.h"
 #include "RkXmlLib16/binding/ParentElementInfo.h"
 #include "RkXmlLib16/binding/internal/ElementRules.h"
+#include "RkXmlLib16/binding/internal/ModelClass.h"
 #include "RkXmlLib16/binding/internal/NilValue.h"
 #include "RkXmlLib16/binding/internal/ReadSession.h"
 #include "RkXmlLib16/binding/internal/ReadingValue.h"
@@ -328,20 +329,22 @@ inline bool CXmlGeneratedClass::ReadAttribute(CAttributeInfo& info, const CSeria
                                               CXmlAttribute* attribute) {
   if (info.IsModelText()) {
     if (!attribute->GetLocalNameRef()->Is(info.GetName(), *attribute->GetNamespaceRef())) return false;
-    if (static_cast<CModelObject*>(this)->TrySetFromText(info.GetPropertyIndex(), attribute->GetValue())) return true;
+    if (static_cast<CModelObject*>(this)->TrySetText(info.GetPropertyIndex(), attribute->GetValue())) return true;
   }
   return info.AttributeFromXml(context, this, attribute);
 }
 
-inline bool CXmlGeneratedClass::ReadMember(CElementInfo& info, const MemberRead& read) {
-  CXmlElement* const element = read.At();
-  const bool isText = info.IsModelText() && info.IsThisElement(read.context, element) &&
-                      element->GetAttributes().empty() && element->GetFirstElement() == nullptr;
+inline bool CXmlGeneratedClass::ReadMember(CElementInfo& info, const CSerializationContext& context,
+                                           CXmlElement* parent, CXmlElement** cursor, const wchar_t* ownNamespace,
+                                           XmlElementType elementType) {
+  CXmlElement* const element = *cursor;
+  const bool isText = info.IsModelText() && info.IsThisElement(context, element) && element->GetAttributes().empty() &&
+                      element->GetFirstElement() == nullptr;
   const std::wstring_view text = isText ? element->GetText().View() : std::wstring_view();
-  if (text.empty() || !static_cast<CModelObject*>(this)->TrySetFromText(info.GetPropertyIndex(), text))
-    return info.ElementFromXml(read.context, this, read.parent, read.cursor, read.ownerNamespace, read.ownerType);
-  CErrorSession::NoteRead(read.context, element);
-  read.MoveOn();
+  if (text.empty() || !static_cast<CModelObject*>(this)->TrySetText(info.GetPropertyIndex(), text))
+    return info.ElementFromXml(context, this, parent, cursor, ownNamespace, elementType);
+  CErrorSession::NoteRead(context, element);
+  *cursor = element->GetNextSiblingElement();
   return true;
 }
 
@@ -387,10 +390,11 @@ CXmlElement* CXmlGeneratedClass::ProcessElementSeqFromXml(const CSerializationCo
                                                           CXmlElement* first, XmlElementType elementType) {
   const bool ignoreUnknown = context.GetIgnoreUnknownElements();
   CXmlElement* current = first;
-  const MemberRead read{context, this, parent, &current, GetNamespace(), elementType};
+  const wchar_t* const ownNamespace = GetNamespace();
   // False when the sequence cannot go on.
   const auto ask = [&](CElementInfo* info) {
-    return ignoreUnknown ? AskPastUnknown(*info, read) : ReadMember(*info, read);
+    return ignoreUnknown ? AskPastUnknown(*info, {context, this, parent, &current, ownNamespace, elementType})
+                         : ReadMember(*info, context, parent, &current, ownNamespace, elementType);
   };
 
   const bool ownElement = elementType == XmlElementType_Element;
@@ -432,10 +436,10 @@ CXmlElement* CXmlGeneratedClass::ProcessElementChoiceFromXml(const CSerializatio
   const bool ownElement = elementType == XmlElementType_Element;
   CElementInfo** const infos = OrEmpty(GetClassElementInfo());
   CXmlElement* current = first;
-  const MemberRead read{context, this, parent, &current, GetNamespace(), elementType};
+  const wchar_t* const ownNamespace = GetNamespace();
   const auto isMemberRead = [&] {
     for (CElementInfo** info = infos; *info != nullptr; ++info) {
-      if (!ReadMember(**info, read)) continue;
+      if (!ReadMember(**info, context, parent, &current, ownNamespace, elementType)) continue;
       if (ignoreUnknown) ++ReadSession::Current()->takenCount;
       return true;
     }
@@ -481,13 +485,13 @@ CXmlElement* CXmlGeneratedClass::ProcessElementAllFromXml(const CSerializationCo
   const bool ownElement = elementType == XmlElementType_Element;
   CElementInfo** const infos = OrEmpty(GetClassElementInfo());
   CXmlElement* current = first;
-  const MemberRead read{context, this, parent, &current, GetNamespace(), elementType};
+  const wchar_t* const ownNamespace = GetNamespace();
   SeenFlags seen;
   // One pass over the members that are still missing; whether it consumed anything.
   const auto pass = [&] {
     const CXmlElement* const before = current;
     for (std::size_t i = 0; infos[i] != nullptr; ++i)
-      if (!seen[i] && ReadMember(*infos[i], read)) seen.Set(i);
+      if (!seen[i] && ReadMember(*infos[i], context, parent, &current, ownNamespace, elementType)) seen.Set(i);
     if (ignoreUnknown && current != before) ++ReadSession::Current()->takenCount;
     return current != before;
   };

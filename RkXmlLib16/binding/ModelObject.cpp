@@ -164,23 +164,7 @@ void CModelObject::SetFromTextSlowly(int property, std::wstring_view text, bool&
   AccessProperty(property, /*get=*/false, value.Get());
 }
 
-// Reads into the member itself. What fails is left to the variant, which tells why.
-bool CModelObject::TrySetFromText(int property, std::wstring_view text) {
-  const ModelProperty& info = m_class.GetProperty(property);
-  const bool wasSet = IsSet(property);
-  if (!info.isPlain || (wasSet && info.mayRefuse)) return false;
-  const CMember member = FindMember(property);
-  if (!member.Is(MemberType::Kind::Value)) return false;
-  try {
-    if (!member.Type().read(member.At(), info, text)) return false;
-    if (info.mayRefuse && info.member != nullptr && GetModel().group == XmlElementGroupType_Choice) Select(property);
-  } catch (const CRkException&) {
-    if (!wasSet) member.Type().reset(member.At());
-    return false;
-  }
-  Mark(property);
-  return true;
-}
+bool CModelObject::TrySetFromText(int property, std::wstring_view text) { return TrySetText(property, text); }
 
 bool CModelObject::TrySetObject(int property, CXmlObjectBase* object) {
   const CMember member = FindMember(property);

@@ -202,6 +202,7 @@ class RKXML_EXPORT CModelObject : public CXmlGeneratedClass {
   void GetProperty(int property, CMember member, RkVariant& value);
   void SetProperty(int property, CMember member, RkVariant& value);
   bool TrySetFromText(int property, std::wstring_view text);
+  inline bool TrySetText(int property, std::wstring_view text);  // the same, in internal/ModelClass.h
   [[gnu::noinline]] void SetFromTextSlowly(int property, std::wstring_view text, bool& isValue);
   bool MustCheck(int property) const noexcept;
   // Throw when the value may not be set.
