@@ -13,6 +13,8 @@
 // What is added to that:
 //   Session         The outermost object makes the session of the read (ReadSession): the number of objects inside each
 //                   other, which is limited since each takes stack, and storage that is used again.
+//   Texts           Attributes and elements with nothing but a text are set by the object itself, where it is a
+//                   CModelObject, without the call of their record (ReadAttribute, ReadMember).
 //   Skipping        A record that would accept the absence of its element is not called at all when another element is
 //                   next (CElementInfo::IsSkipped): most members of most objects are absent. Where runs of
 //                   such records end is remembered (SkippedRuns).
@@ -38,7 +40,6 @@
 #include "RkXmlLib16/binding/ModelObject.h"
 #include "RkXmlLib16/binding/ParentElementInfo.h"
 #include "RkXmlLib16/binding/internal/ElementRules.h"
-#include "RkXmlLib16/binding/internal/ModelClass.h"
 #include "RkXmlLib16/binding/internal/NilValue.h"
 #include "RkXmlLib16/binding/internal/ReadSession.h"
 #include "RkXmlLib16/binding/internal/ReadingValue.h"
@@ -222,7 +223,7 @@ bool AskPastUnknown(CElementInfo& info, const MemberRead& read) {
   return unread;
 }
 
-// Inline, as one object inside the other takes stack for it.
+// Inline, since objects inside each other take stack for each call.
 [[gnu::always_inline]] inline CXmlElement* CXmlGeneratedClass::ReadElement(CXmlElement* element,
                                                                            CXmlElement* firstChild,
                                                                            const CSerializationContext& context,
@@ -329,7 +330,7 @@ inline bool CXmlGeneratedClass::ReadAttribute(CAttributeInfo& info, const CSeria
                                               CXmlAttribute* attribute) {
   if (info.IsModelText()) {
     if (!attribute->GetLocalNameRef()->Is(info.GetName(), *attribute->GetNamespaceRef())) return false;
-    if (static_cast<CModelObject*>(this)->TrySetText(info.GetPropertyIndex(), attribute->GetValue())) return true;
+    if (static_cast<CModelObject*>(this)->TrySetFrom(info.GetPropertyIndex(), *attribute)) return true;
   }
   return info.AttributeFromXml(context, this, attribute);
 }
@@ -338,10 +339,9 @@ inline bool CXmlGeneratedClass::ReadMember(CElementInfo& info, const CSerializat
                                            CXmlElement* parent, CXmlElement** cursor, const wchar_t* ownNamespace,
                                            XmlElementType elementType) {
   CXmlElement* const element = *cursor;
-  const bool isText = info.IsModelText() && info.IsThisElement(context, element) && element->GetAttributes().empty() &&
-                      element->GetFirstElement() == nullptr;
-  const std::wstring_view text = isText ? element->GetText().View() : std::wstring_view();
-  if (text.empty() || !static_cast<CModelObject*>(this)->TrySetText(info.GetPropertyIndex(), text))
+  const bool mayBeText = info.IsModelText() && info.IsThisElement(context, element) &&
+                         element->GetAttributes().empty() && element->GetFirstElement() == nullptr;
+  if (!mayBeText || !static_cast<CModelObject*>(this)->TrySetFrom(info.GetPropertyIndex(), *element))
     return info.ElementFromXml(context, this, parent, cursor, ownNamespace, elementType);
   CErrorSession::NoteRead(context, element);
   *cursor = element->GetNextSiblingElement();

@@ -164,7 +164,34 @@ void CModelObject::SetFromTextSlowly(int property, std::wstring_view text, bool&
   AccessProperty(property, /*get=*/false, value.Get());
 }
 
+// Reads into the member itself. What fails is left to the variant, which tells why.
+[[gnu::always_inline]] inline bool CModelObject::TrySetText(int property, std::wstring_view text) {
+  const ModelProperty& info = m_class.GetProperty(property);
+  const bool wasSet = IsSet(property);
+  if (!info.isPlain || (wasSet && info.mayRefuse)) return false;
+  const CMember member = FindMember(property);
+  if (!member.Is(MemberType::Kind::Value)) return false;
+  try {
+    if (!member.Type().read(member.At(), info, text)) return false;
+    if (info.mayRefuse && info.member != nullptr && GetModel().group == XmlElementGroupType_Choice) Select(property);
+  } catch (const CRkException&) {
+    if (!wasSet) member.Type().reset(member.At());
+    return false;
+  }
+  Mark(property);
+  return true;
+}
+
 bool CModelObject::TrySetFromText(int property, std::wstring_view text) { return TrySetText(property, text); }
+
+bool CModelObject::TrySetFrom(int property, const CXmlElement& element) {
+  const CNodeText text(element);
+  return !text.Get().empty() && TrySetText(property, text.Get());
+}
+
+bool CModelObject::TrySetFrom(int property, const CXmlAttribute& attribute) {
+  return TrySetText(property, CNodeText(attribute).Get());
+}
 
 bool CModelObject::TrySetObject(int property, CXmlObjectBase* object) {
   const CMember member = FindMember(property);

@@ -202,7 +202,10 @@ class RKXML_EXPORT CModelObject : public CXmlGeneratedClass {
   void GetProperty(int property, CMember member, RkVariant& value);
   void SetProperty(int property, CMember member, RkVariant& value);
   bool TrySetFromText(int property, std::wstring_view text);
-  inline bool TrySetText(int property, std::wstring_view text);  // the same, in internal/ModelClass.h
+  // The same with the text of an element, which is not empty, or the value of an attribute.
+  bool TrySetFrom(int property, const CXmlElement& element);
+  bool TrySetFrom(int property, const CXmlAttribute& attribute);
+  inline bool TrySetText(int property, std::wstring_view text);
   [[gnu::noinline]] void SetFromTextSlowly(int property, std::wstring_view text, bool& isValue);
   bool MustCheck(int property) const noexcept;
   // Throw when the value may not be set.

@@ -205,26 +205,4 @@ class ModelFactories {
 
 }  // namespace RkXmlLib16Data
 
-namespace RkXmlLib16 {
-
-// Reads into the member itself. What fails is left to the variant, which tells why.
-[[gnu::always_inline]] inline bool CModelObject::TrySetText(int property, std::wstring_view text) {
-  const RkXmlLib16Data::ModelProperty& info = m_class.GetProperty(property);
-  const bool wasSet = IsSet(property);
-  if (!info.isPlain || (wasSet && info.mayRefuse)) return false;
-  const CMember member = FindMember(property);
-  if (!member.Is(MemberType::Kind::Value)) return false;
-  try {
-    if (!member.Type().read(member.At(), info, text)) return false;
-    if (info.mayRefuse && info.member != nullptr && GetModel().group == XmlElementGroupType_Choice) Select(property);
-  } catch (const CRkException&) {
-    if (!wasSet) member.Type().reset(member.At());
-    return false;
-  }
-  Mark(property);
-  return true;
-}
-
-}  // namespace RkXmlLib16
-
 #endif
