@@ -666,13 +666,13 @@ void CJsonTextWriter::PutEscaped(std::wstring_view text) {
 
 // The text up to its first NUL; there is space for the longest escapes.
 wchar_t* CJsonTextWriter::PutEscapedShort(wchar_t* to, std::wstring_view text) const {
-  const __m128i quote = _mm_set1_epi16(m_strict ? L'"' : 0);
-  const __m128i backslash = _mm_set1_epi16(m_strict ? L'\\' : 0);
+  const __m128i quote = _mm_set1_epi8(m_strict ? '"' : 0);
+  const __m128i backslash = _mm_set1_epi8(m_strict ? '\\' : 0);
   return WideText::CopyEscaped(
       to, text,
-      [=](__m128i units) {
-        const __m128i control = _mm_cmplt_epi16(units, _mm_set1_epi16(L' '));
-        const __m128i marks = _mm_or_si128(_mm_cmpeq_epi16(units, quote), _mm_cmpeq_epi16(units, backslash));
+      [=](__m128i octets) {
+        const __m128i control = _mm_cmplt_epi8(octets, _mm_set1_epi8(' '));
+        const __m128i marks = _mm_or_si128(_mm_cmpeq_epi8(octets, quote), _mm_cmpeq_epi8(octets, backslash));
         return _mm_movemask_epi8(_mm_or_si128(control, marks)) != 0;
       },
       [this](wchar_t* at, wchar_t c) {

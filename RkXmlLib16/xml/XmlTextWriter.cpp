@@ -9,9 +9,9 @@
 //   Space     A tag is written to space in the stream that was reserved for the longest it can become (kLongestEscape
 //             for each character), and what it took is committed: one check for a tag, not one for each character.
 //             Invariant: between Reserve and Commit nothing else writes to the stream.
-//   Escaping  PutEscapedShort looks at eight characters at once. kMayBeSpecial says yes for each of those that are
+//   Escaping  PutEscapedShort looks at sixteen characters at once. kMayBeSpecial says yes for each of those that are
 //             escaped, and for a few others, which are looked at one by one. In long texts PutEscaped passes on whole
-//             runs of eight that have none.
+//             runs of sixteen that have none.
 //   Names     RecordOutput keeps the tags and attributes of names of records as they are written, by the number of the
 //             name, and writes an element with a short text at once, without a context. Invariant: a start tag is that
 //             of its depth, all hold in their scope and for the present settings. Namespaces without a prefix in scope,
@@ -65,12 +65,12 @@ inline bool StartsCData(std::wstring_view text) {
   return WideText::CopyUpToNul(to, localName);
 }
 
-// Whether some of eight characters may be special: below '?', but not a space or between '+' and ';'.
-constexpr auto kMayBeSpecial = [](__m128i units) {
-  const __m128i letter = _mm_cmpgt_epi16(units, _mm_set1_epi16(L'>'));
-  const __m128i space = _mm_cmpeq_epi16(units, _mm_set1_epi16(L' '));
+// Whether some of sixteen characters may be special: below '?', but not a space or between '+' and ';'.
+constexpr auto kMayBeSpecial = [](__m128i octets) {
+  const __m128i letter = _mm_cmpgt_epi8(octets, _mm_set1_epi8('>'));
+  const __m128i space = _mm_cmpeq_epi8(octets, _mm_set1_epi8(' '));
   const __m128i digit =
-      _mm_and_si128(_mm_cmpgt_epi16(units, _mm_set1_epi16(L'*')), _mm_cmplt_epi16(units, _mm_set1_epi16(L'<')));
+      _mm_and_si128(_mm_cmpgt_epi8(octets, _mm_set1_epi8('*')), _mm_cmplt_epi8(octets, _mm_set1_epi8('<')));
   return _mm_movemask_epi8(_mm_or_si128(_mm_or_si128(letter, space), digit)) != 0xFFFF;
 };
 
@@ -502,10 +502,12 @@ void CXmlTextWriter::PutEscaped(std::wstring_view text, Escaping where) {
   // Short pieces take the space they could need; of long ones the clean runs go out whole.
   while (text.size() > kShortText) {
     std::size_t clean = 0;
-    while (clean + 8 <= text.size() && !kMayBeSpecial(WideText::LoadEight(text.data() + clean))) clean += 8;
+    const wchar_t* const from = text.data();
+    while (clean + 16 <= text.size() && !kMayBeSpecial(WideText::PackSixteen(from + clean, from + clean + 8)))
+      clean += 16;
     Put(text.substr(0, clean));
     text.remove_prefix(clean);
-    const std::wstring_view piece = text.substr(0, clean != 0 ? 8 : kShortText);
+    const std::wstring_view piece = text.substr(0, clean != 0 ? 16 : kShortText);
     m_out.Commit(PutEscapedShort(m_out.Reserve(piece.size() * kLongestEscape), piece, where));
     text.remove_prefix(piece.size());
   }

@@ -18,8 +18,24 @@ constexpr std::size_t kShort = 16;
 inline __m128i LoadFour(const wchar_t* text) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(text)); }
 inline void StoreFour(wchar_t* to, __m128i four) { _mm_storeu_si128(reinterpret_cast<__m128i*>(to), four); }
 
-// As units of 16 bits; the greatest stands for all beyond.
-inline __m128i LoadEight(const wchar_t* text) { return _mm_packs_epi32(LoadFour(text), LoadFour(text + 4)); }
+inline void CopyEight(wchar_t* to, const wchar_t* text) {
+  const __m128i first = LoadFour(text), second = LoadFour(text + 4);
+  StoreFour(to, first);
+  StoreFour(to + 4, second);
+}
+inline void CopySixteen(wchar_t* to, const wchar_t* text) {
+  CopyEight(to, text);
+  CopyEight(to + 8, text + 8);
+}
+
+// Four times four characters as octets with sign, of which the greatest stands for all beyond.
+inline __m128i Pack(__m128i a, __m128i b, __m128i c, __m128i d) {
+  return _mm_packs_epi16(_mm_packs_epi32(a, b), _mm_packs_epi32(c, d));
+}
+// Eight from each.
+inline __m128i PackSixteen(const wchar_t* first, const wchar_t* last) {
+  return Pack(LoadFour(first), LoadFour(first + 4), LoadFour(last), LoadFour(last + 4));
+}
 
 inline bool IsEqualFour(const wchar_t* a, const wchar_t* b) {
   return _mm_movemask_epi8(_mm_cmpeq_epi32(LoadFour(a), LoadFour(b))) == 0xFFFF;
@@ -95,38 +111,47 @@ inline wchar_t* CopyUpToNul(wchar_t* to, std::wstring_view text) {
   return to + (hasNul ? text.find(L'\0') : length);
 }
 
-// The text up to its first NUL, escaped where it must be; there is space for all of it. `mayBeSpecial` tells of eight
-// characters, as LoadEight gives them, whether `put` must see each. NUL is special.
+// The text up to its first NUL, escaped where it must be; there is space for all of it. `mayBeSpecial` tells of sixteen
+// characters, as PackSixteen gives them, whether `put` must see each. NUL is special.
 template <class MayBeSpecial, class PutOne>
 inline wchar_t* CopyEscaped(wchar_t* to, std::wstring_view text, MayBeSpecial mayBeSpecial, PutOne put) {
   const wchar_t* at = text.data();
-  const wchar_t* const end = at + text.size();
-  const auto copyEight = [&](const wchar_t* from, wchar_t* target) {
-    if (mayBeSpecial(LoadEight(from))) return false;
-    StoreFour(target, LoadFour(from));
-    StoreFour(target + 4, LoadFour(from + 4));
-    return true;
-  };
-  if (end - at >= 4 && end - at < 8) {
-    const __m128i first = LoadFour(at);
-    const __m128i last = LoadFour(end - 4);
-    if (!mayBeSpecial(_mm_packs_epi32(first, last))) {
-      StoreFour(to, first);
+  const std::size_t length = text.size();
+  const wchar_t* const end = at + length;
+  // Most texts are clean. Two pieces that overlap are all of it.
+  if (length >= 16) {
+    for (; end - at > 16 && !mayBeSpecial(PackSixteen(at, at + 8)); at += 16, to += 16) CopySixteen(to, at);
+    if (end - at <= 16 && !mayBeSpecial(PackSixteen(end - 16, end - 8))) {
       to += end - at;
-      StoreFour(to - 4, last);
+      CopySixteen(to - 16, end - 16);
       return to;
+    }
+  } else if (length >= 8) {
+    if (!mayBeSpecial(PackSixteen(at, end - 8))) {
+      CopyEight(to, at);
+      CopyEight(to + length - 8, end - 8);
+      return to + length;
+    }
+  } else if (length >= 4) {
+    const __m128i first = LoadFour(at), last = LoadFour(end - 4);
+    if (!mayBeSpecial(Pack(first, last, first, last))) {
+      StoreFour(to, first);
+      StoreFour(to + length - 4, last);
+      return to + length;
     }
   }
   while (at != end) {
-    if (end - at >= 8) {
-      if (copyEight(at, to)) {
-        at += 8;
-        to += 8;
-        continue;
-      }
-    } else if (text.size() >= 8 && copyEight(end - 8, to + (end - at) - 8)) {
+    if (end - at >= 8 && !mayBeSpecial(PackSixteen(at, at))) {
+      CopyEight(to, at);
+      at += 8;
+      to += 8;
+      continue;
+    }
+    if (end - at < 8 && length >= 8 && !mayBeSpecial(PackSixteen(end - 8, end - 8))) {
       // What lies before the rest and is not special has been written as it is.
-      return to + (end - at);
+      to += end - at;
+      CopyEight(to - 8, end - 8);
+      return to;
     }
     for (const wchar_t* const stop = end - at >= 8 ? at + 8 : end; at != stop; ++at) {
       if (*at == L'\0') return to;

@@ -55,8 +55,8 @@ struct CReadyText {
 
   wchar_t* CopyTo(wchar_t* to) const noexcept {
     const std::size_t count = length;
-    for (std::size_t i = 0; i < count; i += 16)
-      for (std::size_t j = i; j < i + 16; j += 4) WideText::StoreFour(to + j, WideText::LoadFour(text + j));
+    WideText::CopySixteen(to, text);
+    for (std::size_t i = 16; i < count; i += 16) WideText::CopySixteen(to + i, text + i);
     return to + count;
   }
 
