@@ -49,6 +49,13 @@ TEST(DynamicObject, PropertiesAreSetAndReadByName) {
             L"<AA:r xmlns:AA=\"urn:t\"><AA:n>3</AA:n><AA:c>blue</AA:c><AA:d>1.5</AA:d><AA:item><AA:n>1</AA:n></AA:item>"
             L"<AA:items><AA:n>2</AA:n></AA:items><AA:day xmlns:AB=\"http://www.w3.org/2001/XMLSchema-instance\" "
             L"AB:nil=\"true\"/></AA:r>");
+  CSerializationContext withoutDefaults;
+  withoutDefaults.SetNoOptionalAttributeDefaultOutput(true);
+  for (const long a : {7L, 8L}) {
+    r->Set(L"@a", Number(a));
+    EXPECT_NE(r->ToXml(false, false).find(L" a=\"" + std::to_wstring(a)), std::wstring::npos);
+    EXPECT_EQ(r->ToXml(false, false, EOLType_LF, withoutDefaults).find(L" a=\"8\"") != std::wstring::npos, a == 8);
+  }
   r->Set(L"item", RkVariant());
   EXPECT_EQ(r->Get(L"item").GetXmlObject(), nullptr);
 }
