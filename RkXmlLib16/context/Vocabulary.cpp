@@ -62,6 +62,16 @@ void CFIIndexHash::Grow() {
   }
 }
 
+namespace {
+
+[[gnu::noinline]] unsigned long FindByHash(const CFIIndexHash& hash, const CFIStringTable& table,
+                                           std::wstring_view text, CFIKey& key) {
+  key = CFIIndexHash::KeyOf(text);
+  return hash.Find(key, [&](unsigned long index) { return table[index] == text; });
+}
+
+}  // namespace
+
 CFIStringTable::CFIStringTable() : m_nextBlockLength(kFirstBlockLength) {}
 
 CFIStringTable::CFIStringTable(const CFIStringTable& other) : CFIStringTable() {
@@ -88,10 +98,15 @@ unsigned long CFIStringTable::Find(std::wstring_view text) const {
   return Find(text, key);
 }
 
+// Short texts, which are most, without a call.
 unsigned long CFIStringTable::Find(std::wstring_view text, CFIKey& key) const {
-  if (m_hashed != size()) HashNewEntries();
-  key = CFIIndexHash::KeyOf(text);
-  return m_hash.Find(key, [&](unsigned long index) { return (*this)[index] == text; });
+  if (m_hashed != size()) {
+    HashNewEntries();
+    return Find(text, key);
+  }
+  if (!WideText::PackEight(text, key.octets)) return FindByHash(m_hash, *this, text, key);
+  key.length = static_cast<std::uint32_t>(text.length());
+  return m_hash.Find(key, IsAlreadyWhole);
 }
 
 unsigned long CFIStringTable::Add(std::wstring_view text) {
