@@ -154,7 +154,7 @@ class CElement::TreeReader {
     if (!m_isScoped) return m_document->LookupNamespaceRef(prefix);
     const auto inside = m_scope.find(prefix);
     if (inside != m_scope.end() && !inside->second.empty()) return inside->second.back();
-    const auto [known, isNew] = m_scopeOutside.try_emplace(prefix, nullptr);
+    const auto [known, isNew] = m_scopeOutside.try_emplace(std::wstring(prefix), nullptr);
     if (isNew) known->second = m_outside != nullptr ? m_outside->LookupNamespaceRef(prefix) : nullptr;
     return known->second;
   }
@@ -185,7 +185,7 @@ class CElement::TreeReader {
   // What the document element says, or else what the document says last, as whoever declares the prefixes of a document
   // beforehand would have it.
   const CXmlName* SharedBinding(wstring_view prefix) {
-    const auto [known, isNew] = m_shared.try_emplace(prefix, nullptr);
+    const auto [known, isNew] = m_shared.try_emplace(std::wstring(prefix), nullptr);
     if (isNew) known->second = m_document->GetDocumentElement()->LookupNamespaceRef(prefix);
     if (isNew && known->second == nullptr) known->second = m_document->LookupNamespaceRef(prefix);
     return known->second != nullptr ? known->second : m_document->GetEmptyName();
@@ -213,9 +213,10 @@ class CElement::TreeReader {
   const CXmlElement* m_outside = nullptr;  // the parent of the top
   bool m_isScoped = false;
   std::map<wstring_view, std::vector<const CXmlName*>> m_scope;  // what the open elements declare
-  std::map<wstring_view, const CXmlName*> m_scopeOutside;        // what was in scope before
-  std::map<wstring_view, const CXmlName*> m_shared;              // what the shared map may bind
-  std::map<wstring_view, const CXmlName*> m_used;                // by the values of one element
+  // With copies of the prefixes: values may be texts of the moment.
+  std::map<std::wstring, const CXmlName*> m_scopeOutside;  // what was in scope before
+  std::map<std::wstring, const CXmlName*> m_shared;        // what the shared map may bind
+  std::map<std::wstring, const CXmlName*> m_used;          // by the values of one element
   std::shared_ptr<Prefixes> m_prefixes;
   std::shared_ptr<const Prefixes> m_own;
   const CXmlName* m_lastUri = nullptr;  // the namespace of the last element, and its text for all
