@@ -1,7 +1,8 @@
 // The tree of a document and its storage.
 //
 // The plain algorithm: a reader adds elements, attributes and texts to the current element and ends it. Elements are
-// linked by parent, first and last child and next sibling. The document owns all of it until it is emptied.
+// linked by parent, last child and next sibling; behind the last child comes the first one. The document owns all of it
+// until it is emptied.
 //
 // What is added to that:
 //   Storage       Nodes, texts and names lie in three arenas (CArena), which are freed as wholes; nothing in them has a
@@ -162,7 +163,7 @@ CXmlTextBlock* CXmlDocument::Storage::JoinGaps(const CXmlElement& element, CXmlH
     out = std::copy(at, gapEnd, out);
   };
   std::uint64_t last = 0;
-  for (const CXmlElement* child = element.m_firstChild; child != nullptr; child = child->m_nextSibling)
+  for (const CXmlElement* child = element.GetFirstElement(); child != nullptr; child = child->GetNextSiblingElement())
     append(last = child->m_offset);
   if (text.GetOffset() != last) append(text.GetOffset());
   *out = L'\0';
@@ -298,7 +299,7 @@ void CXmlDocument::DropPiece(CXmlElement* element) {
   m_pieces->PopLevel();
   CXmlElement* const parent = element->m_parent;
   if (parent == nullptr) return;  // the document element stays
-  parent->m_firstChild = parent->m_lastChild = nullptr;
+  parent->m_lastChild = nullptr;
   storage.sections.clear();
   storage.DropDeclarations(start.declarationCount);
   storage.nodes.RewindTo(start.nodes);
@@ -320,8 +321,9 @@ void CXmlDocument::SetPlaces(const std::vector<std::uint64_t>& places) {
     element->m_offset = places[next++];
     for (CXmlAttribute* attribute : element->GetAttributes())
       if (next < places.size()) attribute->m_offset = places[next++];
-    CXmlElement* following = element->m_firstChild;
-    for (; following == nullptr && element != nullptr; element = element->m_parent) following = element->m_nextSibling;
+    CXmlElement* following = element->GetFirstElement();
+    for (; following == nullptr && element != nullptr; element = element->m_parent)
+      following = element->GetNextSiblingElement();
     element = following;
   }
 }
@@ -393,8 +395,7 @@ CXmlElement* CXmlDocument::AddElement(const CXmlName* namespaceUri, const CXmlNa
   if (parent == nullptr)
     m_documentElement = element;
   else
-    (parent->m_lastChild != nullptr ? parent->m_lastChild->m_nextSibling : parent->m_firstChild) = element;
-  if (parent != nullptr) parent->m_lastChild = element;
+    parent->AppendChild(element);
   m_currentElement = element;
   ++storage.depth;
   if (m_pieces != nullptr) m_pieces->Start(element);
@@ -437,10 +438,7 @@ void CXmlDocument::EndElement() {
   const CArena::Mark texts = storage.texts.GetMark();
   if (!m_filter(element)) return;
   storage.siblings.reset();
-  if (parent->m_lastChild == element) {
-    parent->m_lastChild = start.previousSibling;
-    (start.previousSibling != nullptr ? start.previousSibling->m_nextSibling : parent->m_firstChild) = nullptr;
-  }
+  if (parent->m_lastChild == element) parent->DropLastChild(start.previousSibling);
   storage.DropDeclarations(start.declarationCount);
   // What the filter itself added to the tree has to stay.
   if (reclaimable && nodes == storage.nodes.GetMark() && texts == storage.texts.GetMark()) {
@@ -792,8 +790,7 @@ CXmlElement* CXmlElement::CreateNewChildElement() {
   document.SettleGaps(*this);
   document.m_storage->pinned = document.m_storage->open.size();
   auto* const child = new (document.m_storage->nodes.Allocate(sizeof(CXmlElement))) CXmlElement(&document, this);
-  (m_lastChild != nullptr ? m_lastChild->m_nextSibling : m_firstChild) = child;
-  m_lastChild = child;
+  AppendChild(child);
   return child;
 }
 
@@ -859,9 +856,8 @@ CXmlElement* CXmlElement::RemoveLastChildElement() {
   Owner().SettleGaps(*this);
   Owner().m_storage->siblings.reset();
   CXmlElement* previous = nullptr;
-  for (CXmlElement* child = m_firstChild; child != last; child = child->m_nextSibling) previous = child;
-  (previous != nullptr ? previous->m_nextSibling : m_firstChild) = nullptr;
-  m_lastChild = previous;
+  for (CXmlElement* child = GetFirstElement(); child != last; child = child->GetNextSiblingElement()) previous = child;
+  DropLastChild(previous);
   return last;
 }
 

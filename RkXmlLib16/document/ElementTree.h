@@ -237,8 +237,12 @@ class RKXML_EXPORT CXmlElement {
   // Throws CRkInvalidParamException without a document.
   CXmlElement(const CXmlDocument* document, const CXmlElement* parent);
 
-  CXmlElement* GetFirstElement() const noexcept { return m_firstChild; }
-  CXmlElement* GetNextSiblingElement() const noexcept { return m_nextSibling; }
+  CXmlElement* GetFirstElement() const noexcept {
+    return m_lastChild != nullptr ? reinterpret_cast<CXmlElement*>(m_lastChild->m_next - kFirst) : nullptr;
+  }
+  CXmlElement* GetNextSiblingElement() const noexcept {
+    return (m_next & kFirst) == 0 ? reinterpret_cast<CXmlElement*>(m_next) : nullptr;
+  }
   CXmlElement* GetParentElement() const noexcept { return m_parent; }
   const CXmlDocument* GetDocument() const noexcept { return m_localName->m_document; }
   const CXmlAttributes& GetAttributes() const noexcept { return m_attributes; }
@@ -300,13 +304,25 @@ class RKXML_EXPORT CXmlElement {
   CXmlElement(CXmlElement* parent, const CXmlName* localName, const CXmlName* namespaceUri) noexcept
       : m_localName(localName), m_namespaceUri(namespaceUri), m_parent(parent) {}
   CXmlDocument& Owner() const;
+  void AppendChild(CXmlElement* child) noexcept {
+    const auto next = reinterpret_cast<std::uintptr_t>(child);
+    child->m_next = m_lastChild != nullptr ? std::exchange(m_lastChild->m_next, next) : next + kFirst;
+    m_lastChild = child;
+  }
+  // `previous` is the child before the last one, or null.
+  void DropLastChild(CXmlElement* previous) noexcept {
+    const std::uintptr_t first = std::exchange(m_lastChild->m_next, kFirst);
+    if (previous != nullptr) previous->m_next = first;
+    m_lastChild = previous;
+  }
+
+  static constexpr std::uintptr_t kFirst = 1;
 
   // The document is reached through the names, which are never null.
   const CXmlName* m_localName;
   const CXmlName* m_namespaceUri;
   CXmlElement* m_parent;
-  CXmlElement* m_nextSibling = nullptr;
-  CXmlElement* m_firstChild = nullptr;
+  std::uintptr_t m_next = kFirst;  // the next sibling; of the last one the first, plus kFirst
   CXmlElement* m_lastChild = nullptr;
   CXmlAttributes m_attributes;
   mutable std::atomic<CXmlHeldText> m_text{CXmlHeldText()};

@@ -1,45 +1,47 @@
 #include "RkXmlLib16/types/DigitVector.h"
 
 #include <algorithm>
-#include <limits>
 #include <new>
 
 namespace RkXmlLib16 {
 
 void CDigitVector::CopyLong(const CDigitVector& other) {
   if (this == &other) return;
-  m_size = 0;
-  reserve(other.m_size);
-  std::memcpy(data(), other.data(), other.m_size);
-  m_size = other.m_size;
+  SetSize(0);
+  reserve(other.size());
+  std::memcpy(data(), other.data(), other.size());
+  SetSize(other.size());
 }
 
 void CDigitVector::Grow(std::size_t capacity) {
-  capacity = std::max(capacity, std::size_t{m_capacity} * 2);
-  if (capacity > std::numeric_limits<std::uint32_t>::max()) throw std::bad_alloc();
-  unsigned char* const grown = new unsigned char[capacity];
-  std::memcpy(grown, data(), m_size);
+  capacity = std::max(capacity, GetCapacity() * 2);
+  if (capacity >= kOnHeap) throw std::bad_alloc();
+  auto* const grown = ::new (::operator new(sizeof(Block) + capacity)) Block;
+  grown->capacity = static_cast<std::uint32_t>(capacity);
+  std::memcpy(grown->Digits(), data(), size());
   Free();
-  m_digits.heap = grown;
-  m_capacity = static_cast<std::uint32_t>(capacity);
+  std::memcpy(m_own, &grown, sizeof grown);
+  m_size |= kOnHeap;
 }
 
 void CDigitVector::resize(std::size_t count, wchar_t digit) {
+  const std::size_t before = size();
   reserve(count);
-  if (count > m_size) std::memset(data() + m_size, static_cast<unsigned char>(digit), count - m_size);
-  m_size = static_cast<std::uint32_t>(count);
+  if (count > before) std::memset(data() + before, static_cast<unsigned char>(digit), count - before);
+  SetSize(count);
 }
 
 void CDigitVector::insert_zeros(std::size_t count) {
-  reserve(m_size + count);
-  std::memmove(data() + count, data(), m_size);
+  const std::size_t before = size();
+  reserve(before + count);
+  std::memmove(data() + count, data(), before);
   std::memset(data(), 0, count);
-  m_size += static_cast<std::uint32_t>(count);
+  SetSize(before + count);
 }
 
 void CDigitVector::erase_front(std::size_t count) noexcept {
-  m_size -= static_cast<std::uint32_t>(count);
-  std::memmove(data(), data() + count, m_size);
+  SetSize(size() - count);
+  std::memmove(data(), data() + count, size());
 }
 
 }  // namespace RkXmlLib16

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstring>
 #include <initializer_list>
+#include <new>
 #include <utility>
 #include <vector>
 
@@ -27,11 +28,11 @@ class RKXML_EXPORT CDigitVector {
   CDigitVector(const CDigitVector& other) { *this = other; }
   CDigitVector(CDigitVector&& other) noexcept { Take(other); }
   CDigitVector& operator=(const CDigitVector& other) {
-    if (other.m_size > kInline || m_capacity > kInline) {
+    if (((m_size | other.m_size) & kOnHeap) != 0) {
       CopyLong(other);
     } else {
       m_size = other.m_size;
-      std::memcpy(m_digits.own, other.data(), kInline);
+      std::memcpy(m_own, other.m_own, kInline);
     }
     return *this;
   }
@@ -44,45 +45,46 @@ class RKXML_EXPORT CDigitVector {
   }
   ~CDigitVector() { Free(); }
 
-  std::size_t size() const noexcept { return m_size; }
-  bool empty() const noexcept { return m_size == 0; }
-  unsigned char* data() noexcept { return m_capacity > kInline ? m_digits.heap : m_digits.own; }
-  const unsigned char* data() const noexcept { return m_capacity > kInline ? m_digits.heap : m_digits.own; }
+  std::size_t size() const noexcept { return m_size & ~kOnHeap; }
+  bool empty() const noexcept { return size() == 0; }
+  unsigned char* data() noexcept { return IsOnHeap() ? Heap()->Digits() : m_own; }
+  const unsigned char* data() const noexcept { return IsOnHeap() ? Heap()->Digits() : m_own; }
   unsigned char& operator[](std::size_t i) noexcept { return data()[i]; }
   wchar_t operator[](std::size_t i) const noexcept { return data()[i]; }
   iterator begin() noexcept { return data(); }
-  iterator end() noexcept { return data() + m_size; }
+  iterator end() noexcept { return data() + size(); }
   const_iterator begin() const noexcept { return data(); }
-  const_iterator end() const noexcept { return data() + m_size; }
-  wchar_t back() const noexcept { return data()[m_size - 1]; }
+  const_iterator end() const noexcept { return data() + size(); }
+  wchar_t back() const noexcept { return data()[size() - 1]; }
 
-  void clear() noexcept { m_size = 0; }
+  void clear() noexcept { SetSize(0); }
   void reserve(std::size_t capacity) {
-    if (capacity > m_capacity) Grow(capacity);
+    if (capacity > GetCapacity()) Grow(capacity);
   }
   void push_back(wchar_t digit) {
-    if (m_size == m_capacity) Grow(std::size_t{m_size} + 1);
-    data()[m_size++] = static_cast<unsigned char>(digit);
+    reserve(size() + 1);
+    data()[size()] = static_cast<unsigned char>(digit);
+    ++m_size;
   }
   void pop_back() noexcept { --m_size; }
   // Makes the vector `count` digits long, all to be written by the caller, and returns the first.
   unsigned char* Overwrite(std::size_t count) {
     reserve(count);
-    m_size = static_cast<std::uint32_t>(count);
+    SetSize(count);
     return data();
   }
   // Up to eight digits, one in each byte of `packed`, the first in the lowest; without zeros behind the last.
   void AssignPacked(std::uint64_t packed) noexcept {
     const auto bits = packed == 0 ? 1 : 64 - __builtin_clzll(packed);
-    m_size = static_cast<std::uint32_t>(bits + 7) / 8;
+    SetSize(static_cast<std::uint32_t>(bits + 7) / 8);
     std::memcpy(data(), &packed, sizeof packed);
   }
   // Whether there are no more than eight digits, and what AssignPacked makes them of then.
-  bool FitsPacked() const noexcept { return m_size <= sizeof(std::uint64_t); }
+  bool FitsPacked() const noexcept { return size() <= sizeof(std::uint64_t); }
   std::uint64_t GetPacked() const noexcept {
     std::uint64_t packed = 0;
     std::memcpy(&packed, data(), sizeof packed);
-    return m_size == 0 ? 0 : packed & ~std::uint64_t{0} >> (64 - 8 * m_size);
+    return empty() ? 0 : packed & ~std::uint64_t{0} >> (64 - 8 * size());
   }
   // New digits are `digit`.
   void resize(std::size_t count, wchar_t digit = 0);
@@ -96,30 +98,40 @@ class RKXML_EXPORT CDigitVector {
   }
 
   friend bool operator==(const CDigitVector& a, const CDigitVector& b) noexcept {
-    return a.m_size == b.m_size && std::memcmp(a.data(), b.data(), a.m_size) == 0;
+    return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size()) == 0;
   }
   friend bool operator!=(const CDigitVector& a, const CDigitVector& b) noexcept { return !(a == b); }
 
  private:
   static constexpr std::uint32_t kInline = 16;
+  static constexpr std::uint32_t kOnHeap = 1u << 31;
+  // The digits follow it.
+  struct Block {
+    std::uint32_t capacity;
 
+    unsigned char* Digits() noexcept { return reinterpret_cast<unsigned char*>(this + 1); }
+  };
+
+  bool IsOnHeap() const noexcept { return (m_size & kOnHeap) != 0; }
+  Block* Heap() const noexcept {
+    Block* block = nullptr;
+    std::memcpy(&block, m_own, sizeof block);
+    return block;
+  }
+  std::size_t GetCapacity() const noexcept { return IsOnHeap() ? Heap()->capacity : kInline; }
+  void SetSize(std::size_t size) noexcept { m_size = static_cast<std::uint32_t>(size) | (m_size & kOnHeap); }
   void Grow(std::size_t capacity);
   void Free() noexcept {
-    if (m_capacity > kInline) delete[] m_digits.heap;
+    if (IsOnHeap()) ::operator delete(Heap());
   }
   void Take(CDigitVector& other) noexcept {
     m_size = std::exchange(other.m_size, 0u);
-    m_capacity = std::exchange(other.m_capacity, kInline);
-    m_digits = other.m_digits;
+    std::memcpy(m_own, other.m_own, kInline);
   }
   void CopyLong(const CDigitVector& other);
 
-  std::uint32_t m_size = 0;
-  std::uint32_t m_capacity = kInline;
-  union {
-    unsigned char own[kInline];
-    unsigned char* heap;
-  } m_digits = {};
+  std::uint32_t m_size = 0;           // with kOnHeap where the digits are not here
+  unsigned char m_own[kInline] = {};  // or the address of a Block
 };
 
 }  // namespace RkXmlLib16

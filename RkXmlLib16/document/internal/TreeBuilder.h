@@ -53,8 +53,7 @@ class CTreeBuilder {
     auto* const element =
         ::new (m_storage.nodes.Allocate(sizeof(CXmlElement))) CXmlElement(parent, localName, namespaceUri);
     element->m_offset = offset;
-    (parent->m_lastChild != nullptr ? parent->m_lastChild->m_nextSibling : parent->m_firstChild) = element;
-    parent->m_lastChild = element;
+    parent->AppendChild(element);
     m_document.m_currentElement = element;
     return element;
   }
