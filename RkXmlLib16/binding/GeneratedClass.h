@@ -130,7 +130,7 @@ class RKXML_EXPORT CXmlGeneratedClass : public CXmlObjectBase {
   inline bool ReadAttribute(RkXmlLib16Data::CAttributeInfo& info, const CSerializationContext& context,
                             CXmlAttribute* attribute);
   inline bool ReadMember(RkXmlLib16Data::CElementInfo& info, const CSerializationContext& context, CXmlElement* parent,
-                         CXmlElement** cursor, const wchar_t* ownNamespace, XmlElementType elementType);
+                         CXmlElement** cursor, XmlElementType elementType);
   void ProcessAttributesFromXml(const CSerializationContext& context, CXmlElement* element,
                                 const RkXmlLib16Data::CParentElementInfo& classInfo,
                                 RkXmlLib16Data::CAttributeInfo** infos);

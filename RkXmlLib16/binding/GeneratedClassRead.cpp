@@ -26,6 +26,7 @@
 //   Paths           The first object that an error passes gives it the path of its element; the others leave it alone.
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <typeinfo>
 #include <utility>
@@ -76,16 +77,19 @@ class SeenFlags {
     if (index < 64) {
       m_first |= std::uint64_t{1} << index;
     } else {
-      if (m_rest.size() <= index - 64) m_rest.resize(index - 63);
-      m_rest[index - 64] = true;
+      if (m_rest == nullptr) m_rest = std::make_unique<std::vector<bool>>();
+      if (m_rest->size() <= index - 64) m_rest->resize(index - 63);
+      (*m_rest)[index - 64] = true;
     }
   }
 
  private:
-  bool Rest(std::size_t index) const { return index - 64 < m_rest.size() && m_rest[index - 64]; }
+  bool Rest(std::size_t index) const {
+    return m_rest != nullptr && index - 64 < m_rest->size() && (*m_rest)[index - 64];
+  }
 
   std::uint64_t m_first = 0;
-  std::vector<bool> m_rest;
+  std::unique_ptr<std::vector<bool>> m_rest;
 };
 
 // One more object being read inside the others of the session. Each takes stack, so their number has a limit: that of
@@ -336,13 +340,12 @@ inline bool CXmlGeneratedClass::ReadAttribute(CAttributeInfo& info, const CSeria
 }
 
 inline bool CXmlGeneratedClass::ReadMember(CElementInfo& info, const CSerializationContext& context,
-                                           CXmlElement* parent, CXmlElement** cursor, const wchar_t* ownNamespace,
-                                           XmlElementType elementType) {
+                                           CXmlElement* parent, CXmlElement** cursor, XmlElementType elementType) {
   CXmlElement* const element = *cursor;
   const bool mayBeText = info.IsModelText() && info.IsThisElement(context, element) &&
                          element->GetAttributes().empty() && element->GetFirstElement() == nullptr;
   if (!mayBeText || !static_cast<CModelObject*>(this)->TrySetFrom(info.GetPropertyIndex(), *element))
-    return info.ElementFromXml(context, this, parent, cursor, ownNamespace, elementType);
+    return info.ElementFromXml(context, this, parent, cursor, GetNamespace(), elementType);
   CErrorSession::NoteRead(context, element);
   *cursor = element->GetNextSiblingElement();
   return true;
@@ -390,11 +393,10 @@ CXmlElement* CXmlGeneratedClass::ProcessElementSeqFromXml(const CSerializationCo
                                                           CXmlElement* first, XmlElementType elementType) {
   const bool ignoreUnknown = context.GetIgnoreUnknownElements();
   CXmlElement* current = first;
-  const wchar_t* const ownNamespace = GetNamespace();
   // False when the sequence cannot go on.
   const auto ask = [&](CElementInfo* info) {
-    return ignoreUnknown ? AskPastUnknown(*info, {context, this, parent, &current, ownNamespace, elementType})
-                         : ReadMember(*info, context, parent, &current, ownNamespace, elementType);
+    return ignoreUnknown ? AskPastUnknown(*info, {context, this, parent, &current, GetNamespace(), elementType})
+                         : ReadMember(*info, context, parent, &current, elementType);
   };
 
   const bool ownElement = elementType == XmlElementType_Element;
@@ -436,10 +438,9 @@ CXmlElement* CXmlGeneratedClass::ProcessElementChoiceFromXml(const CSerializatio
   const bool ownElement = elementType == XmlElementType_Element;
   CElementInfo** const infos = OrEmpty(GetClassElementInfo());
   CXmlElement* current = first;
-  const wchar_t* const ownNamespace = GetNamespace();
   const auto isMemberRead = [&] {
     for (CElementInfo** info = infos; *info != nullptr; ++info) {
-      if (!ReadMember(**info, context, parent, &current, ownNamespace, elementType)) continue;
+      if (!ReadMember(**info, context, parent, &current, elementType)) continue;
       if (ignoreUnknown) ++ReadSession::Current()->takenCount;
       return true;
     }
@@ -485,13 +486,12 @@ CXmlElement* CXmlGeneratedClass::ProcessElementAllFromXml(const CSerializationCo
   const bool ownElement = elementType == XmlElementType_Element;
   CElementInfo** const infos = OrEmpty(GetClassElementInfo());
   CXmlElement* current = first;
-  const wchar_t* const ownNamespace = GetNamespace();
   SeenFlags seen;
   // One pass over the members that are still missing; whether it consumed anything.
   const auto pass = [&] {
     const CXmlElement* const before = current;
     for (std::size_t i = 0; infos[i] != nullptr; ++i)
-      if (!seen[i] && ReadMember(*infos[i], context, parent, &current, ownNamespace, elementType)) seen.Set(i);
+      if (!seen[i] && ReadMember(*infos[i], context, parent, &current, elementType)) seen.Set(i);
     if (ignoreUnknown && current != before) ++ReadSession::Current()->takenCount;
     return current != before;
   };

@@ -267,6 +267,7 @@ bool CModelObject::IsFilled(int property) const {
 }
 
 void CModelObject::Select(int property) {
+  if (m_set.IsEmpty()) return;
   for (const MemberModel& other : GetModel().members) {
     if (other.property == property || !IsFilled(other.property)) continue;
     throw CRkInvalidStateException(FormatString(

@@ -49,6 +49,7 @@ class CPropertySet {
   // The first properties, as bits.
   static constexpr int kInPlace = 64;
   std::uint64_t GetFirst() const noexcept { return m_first; }
+  bool IsEmpty() const noexcept { return m_first == 0 && m_more == nullptr; }
   static constexpr std::uint64_t Bit(int property) noexcept { return std::uint64_t{1} << (property % kInPlace); }
   void Remove(int property) noexcept {
     if (property < kInPlace)
