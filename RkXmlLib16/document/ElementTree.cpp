@@ -151,7 +151,7 @@ CXmlTextBlock* CXmlDocument::Storage::MakeBlock(const CXmlElement& element, CXml
   return block;
 }
 
-// Each gap ends at a child element or at the place, and begins behind markup.
+// Each gap begins behind markup and ends at a child element or, behind the last one, at the place.
 CXmlTextBlock* CXmlDocument::Storage::JoinGaps(const CXmlElement& element, CXmlHeldText text) {
   const auto length = static_cast<std::uint32_t>(text.GetLength());
   auto* const block = new (texts.Allocate(BytesOfText(length))) CXmlTextBlock{length, length};
@@ -165,7 +165,7 @@ CXmlTextBlock* CXmlDocument::Storage::JoinGaps(const CXmlElement& element, CXmlH
   std::uint64_t last = 0;
   for (const CXmlElement* child = element.GetFirstElement(); child != nullptr; child = child->GetNextSiblingElement())
     append(last = child->m_offset);
-  if (text.GetOffset() != last) append(text.GetOffset());
+  if (text.GetOffset() > last) append(text.GetOffset());
   *out = L'\0';
   return block;
 }

@@ -78,6 +78,7 @@ TEST(PlainScanner, ScansThePlainCase) {
       "<a>\r\n  <b> 1\r2\r\n3&#13;&#10;4 </b>\r \t\n\r\n&#32;<b>&#32;</b><b>\n</b></a>",
       "<a>]] >]&gt;]]&gt;<b/>]<![CDATA[]]><![CDATA[ ]]]>]]&#62;\x7F\xC2\x85\xE2\x80\xA8\xF3\xA0\x80\x81</a>",
       "<a> <b x='0123456789'> </b>\n\t<!--c--> <b>0123456789</b> <?p?> <b/>\t<![CDATA[]]> <b/>&#13; <b/> x <b/> </a>",
+      "<a>\n                         \n<b/><b/><b/></a>",
       "<a>a text of more than sixteen characters, one of them \xC3\xA9, and more than sixteen behind it</a>",
       "<\xC3\xA9t\xC3\xA9 \xCE\xB1.-\xC2\xB7='1'><_:x xmlns:_='u'/></\xC3\xA9t\xC3\xA9>",
       "<p:a p:x='1' x='2' xmlns:p='u' xmlns='u' xmlns:q='v' q:x='3'><b xmlns='' p:x='4'><p:c "
