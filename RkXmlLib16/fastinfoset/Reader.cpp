@@ -457,8 +457,7 @@ void CFastInfosetReader::ReadItem(unsigned char octet) {
 // Nothing for a number that is not in the table.
 template <class Entry>
 [[gnu::always_inline]] inline Entry CFastInfosetReader::FindEntry(const std::vector<Entry>& table, std::size_t number) {
-  const Entry* const entry = table.data() + number;
-  return entry < table.data() + table.size() ? *entry : Entry{};
+  return number < table.size() ? table[number] : Entry{};
 }
 
 // The number of an entry, in one or two octets.
