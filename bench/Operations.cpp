@@ -23,6 +23,8 @@ struct Held {
   CSerializationContext context, typed;
   CSmartPtr<Root> object;  // filled
   CSmartPtr<Root> target;
+  CSmartPtr<CElement> element;  // filled, the same document
+  CSmartPtr<CElement> targetElement;
   std::unique_ptr<CXmlDocument> document;
   CBinaryData out;
 };
@@ -71,6 +73,8 @@ Subject MakeSubject(std::string&& name, std::string&& xml) {
   h.typed = h.context;
   h.typed.GetFIContext();
   h.object->FromXmlStream(Bytes(h.xml), h.xml.size(), h.context);
+  h.element = new CElement;
+  h.element->FromXmlStream(Bytes(h.xml), h.xml.size(), h.context);
   h.json = h.object->ToJsonStream(true, XmlEncoding_UTF8, EOLType_LF, h.context, CompressionType_None);
   h.finf = h.object->ToFastInfosetStream(FInfoDecl_None, h.context, CompressionType_None);
   h.typed.GetFIContext()->SetSuggestedValues();
@@ -130,6 +134,16 @@ Subject MakeSubject(std::string&& name, std::string&& xml) {
   operations.push_back(
       {"XML bytes, gzip, to objects", fresh, [&h] { h.target->FromXmlStream(h.gzip, h.context); }, drop});
   operations.push_back({"XML bytes, gzip, to a stream of objects", [] {}, [&h] { ReadStream(h.gzip, h); }});
+  operations.push_back({"XML bytes to CElement", [&h] { h.targetElement = new CElement; },
+                        [&h] { h.targetElement->FromXmlStream(Bytes(h.xml), h.xml.size(), h.context); },
+                        [&h] {
+                          h.targetElement = nullptr;
+                          SettleHeap();
+                        }});
+  operations.push_back({"CElement to XML bytes", clear, [&h] {
+                          h.out = h.element->ToXmlStream(true, true, XmlEncoding_UTF8, EOLType_LF, h.context,
+                                                         CompressionType_None);
+                        }});
   operations.push_back({"destruction of the tree",
                         [=] {
                           newDocument();
