@@ -11,7 +11,6 @@
 
 namespace RkXmlLib16 {
 
-using RkXmlLib16Data::CModelClass;
 using RkXmlLib16Data::ModelProperty;
 using RkXmlLib16Data::ThrowInvalidValue;
 

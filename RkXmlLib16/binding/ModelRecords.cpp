@@ -265,7 +265,7 @@ class CModelCollectionRecord final : public Base {
     owner.Ensure(m_member.property);
     const bool accepted = Base::ElementFromXml(context, object, parent, cursor, ownerNamespace, ownerType);
     if (m_member.values != nullptr && m_member.values->holdsQNames)
-      for (const CXmlElement* e = first; e != *cursor; e = e->GetNextSiblingElement())
+      for (const CXmlElement* e = first; e != nullptr && e != *cursor; e = e->GetNextSiblingElement())
         owner.KeepPrefixes(*e, e->GetText());
     return accepted;
   }

@@ -494,7 +494,7 @@ bool CXmlWriter::DeclareNamespace(const std::wstring& prefix, const std::wstring
 std::wstring CXmlWriter::DeclareNamespace(const std::wstring& namespaceUri) {
   const std::wstring* const known = FindPrefixInScope(namespaceUri);
   if (known != nullptr) return *known;
-  const std::wstring prefix = m_context->m_scope->UniquePrefix(m_context->m_prefix);
+  std::wstring prefix = m_context->m_scope->UniquePrefix(m_context->m_prefix);
   DeclareNamespace(prefix, namespaceUri);
   return prefix;
 }

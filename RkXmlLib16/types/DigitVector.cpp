@@ -6,7 +6,6 @@
 namespace RkXmlLib16 {
 
 void CDigitVector::CopyLong(const CDigitVector& other) {
-  if (this == &other) return;
   SetSize(0);
   reserve(other.size());
   std::memcpy(data(), other.data(), other.size());

@@ -28,6 +28,7 @@ class RKXML_EXPORT CDigitVector {
   CDigitVector(const CDigitVector& other) { *this = other; }
   CDigitVector(CDigitVector&& other) noexcept { Take(other); }
   CDigitVector& operator=(const CDigitVector& other) {
+    if (this == &other) return *this;
     if (((m_size | other.m_size) & kOnHeap) != 0) {
       CopyLong(other);
     } else {
@@ -115,7 +116,7 @@ class RKXML_EXPORT CDigitVector {
   bool IsOnHeap() const noexcept { return (m_size & kOnHeap) != 0; }
   Block* Heap() const noexcept {
     Block* block = nullptr;
-    std::memcpy(&block, m_own, sizeof block);
+    std::memcpy(&block, m_own, sizeof(void*));
     return block;
   }
   std::size_t GetCapacity() const noexcept { return IsOnHeap() ? Heap()->capacity : kInline; }

@@ -131,7 +131,7 @@ CRkValidationException MissingSubstitution(const CElementInfo& info, const CXmlE
 void RefuseMissing(const CSerializationContext& context, CRkException error, const std::wstring& name,
                    const std::wstring& namespaceUri, const CXmlElement* parent, const CXmlElement* standing) {
   error.SetHint(WhatStandsThere(name, namespaceUri, standing));
-  Refuse(context, std::move(error), standing != nullptr ? *standing : *parent);
+  Refuse(context, error, standing != nullptr ? *standing : *parent);
 }
 
 void RequireCount(const CSerializationContext& context, const CXmlCollectionBase& collection, const CElementInfo& info,
@@ -153,7 +153,7 @@ void RefuseUnread(const CSerializationContext& context, const CXmlGeneratedClass
                    parent->GetLocalName().c_str(), unread->GetLocalName().c_str()),
       parent->GetXPath());
   error.SetHint(WhyUnexpected(context, object, unread));
-  Refuse(context, std::move(error), *unread);
+  Refuse(context, error, *unread);
 }
 
 bool IsTaken(const CSerializationContext& context, const CXmlGeneratedClass& object, const CXmlElement* element,

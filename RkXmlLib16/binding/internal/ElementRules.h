@@ -2,7 +2,6 @@
 #define RKXMLLIB16_BINDING_INTERNAL_ELEMENTRULES_H
 
 #include <string>
-#include <utility>
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/SmartPtr.h"
@@ -58,12 +57,12 @@ CRkValidationException MissingSubstitution(const CElementInfo& info, const CXmlE
 // Refuses the absence of an element, with what stands there.
 void RefuseMissing(const CSerializationContext& context, CRkException error, const std::wstring& name,
                    const std::wstring& namespaceUri, const CXmlElement* parent, const CXmlElement* standing);
-inline void RefuseMissing(const CSerializationContext& context, CRkException error, const CElementInfo& info,
+inline void RefuseMissing(const CSerializationContext& context, const CRkException& error, const CElementInfo& info,
                           const CXmlElement* parent, const CXmlElement* standing) {
-  RefuseMissing(context, std::move(error), info.GetElementName(), info.GetNamespace(), parent, standing);
+  RefuseMissing(context, error, info.GetElementName(), info.GetNamespace(), parent, standing);
 }
-inline void RefuseMissing(const MemberRead& read, CRkException error, const CElementInfo& info) {
-  RefuseMissing(read.context, std::move(error), info, read.parent, read.At());
+inline void RefuseMissing(const MemberRead& read, const CRkException& error, const CElementInfo& info) {
+  RefuseMissing(read.context, error, info, read.parent, read.At());
 }
 // Checks the count of a collection that was read, and refuses a wrong one.
 void RequireCount(const CSerializationContext& context, const CXmlCollectionBase& collection, const CElementInfo& info,

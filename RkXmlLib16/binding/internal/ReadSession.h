@@ -28,7 +28,7 @@ class SkippedRuns {
     const RkXmlLib16::CXmlName* const localName = next != nullptr ? next->GetLocalNameRef() : nullptr;
     const RkXmlLib16::CXmlName* const namespaceUri = next != nullptr ? next->GetNamespaceRef() : nullptr;
     const auto place =
-        reinterpret_cast<std::uintptr_t>(from) / sizeof *from + reinterpret_cast<std::uintptr_t>(localName) / 16;
+        reinterpret_cast<std::uintptr_t>(from) / sizeof(void*) + reinterpret_cast<std::uintptr_t>(localName) / 16;
     Run& run = m_runs[place % m_runs.size()];
     if (run.from != from || run.localName != localName || run.namespaceUri != namespaceUri) {
       run = {from, localName, namespaceUri, from};
