@@ -16,6 +16,7 @@
 #include "RkXmlLib16/document/ElementTree.h"
 #include "RkXmlLib16/document/internal/NodeText.h"
 #include "RkXmlLib16/document/internal/Refusal.h"
+#include "RkXmlLib16/document/internal/Section.h"
 #include "RkXmlLib16/types/Whitespace.h"
 #include "RkXmlLib16/wildcards/internal/NameTest.h"
 #include "RkXmlLib16/wildcards/internal/RootWriter.h"
@@ -27,8 +28,6 @@ namespace RkXmlLib16 {
 namespace {
 
 using std::wstring_view;
-
-constexpr wstring_view kSectionStart = L"<![CDATA[";
 
 // As StartsName: what is no name is not declared as a prefix anyway.
 bool ContinuesName(wchar_t c) {
@@ -285,7 +284,7 @@ class CElement::TreeWriter {
 
   // Whether the text is written as it is, whatever the form.
   static bool IsPlainData(const CElement& element) {
-    return element.m_sections == nullptr && element.m_text.compare(0, kSectionStart.size(), kSectionStart) != 0;
+    return element.m_sections == nullptr && !StartsSection(element.m_text);
   }
 
   // `declared` are the prefixes that the nearest element around it with prefixes has declared.
@@ -348,7 +347,6 @@ class CElement::TreeWriter {
 
   // Other forms than XML text have no sections: the marks are text there.
   void WriteText(const CElement& element) {
-    constexpr std::wstring_view kEnd = L"]]>";
     const std::wstring& text = element.m_text;
     auto* const xmlWriter = IsPlainData(element) ? nullptr : dynamic_cast<CXmlTextWriter*>(&m_writer);
     if (xmlWriter == nullptr) return m_writer.WriteString(text, ItemType_string);
@@ -356,7 +354,7 @@ class CElement::TreeWriter {
     std::size_t at = 0;
     for (const std::size_t begin : *element.m_sections) {
       xmlWriter->WriteData(text.substr(at, begin - at));
-      at = std::min(text.find(kEnd, begin), text.size() - kEnd.size()) + kEnd.size();
+      at = std::min(text.find(kSectionEnd, begin), text.size() - kSectionEnd.size()) + kSectionEnd.size();
       xmlWriter->WriteSection(text.substr(begin, at - begin));
     }
     xmlWriter->WriteData(text.substr(at));

@@ -34,6 +34,7 @@
 #include "RkXmlLib16/document/internal/LineEnd.h"
 #include "RkXmlLib16/document/internal/OutputChecks.h"
 #include "RkXmlLib16/document/internal/RecordOutput.h"
+#include "RkXmlLib16/document/internal/Section.h"
 #include "RkXmlLib16/xml/internal/Markup.h"
 
 namespace RkXmlLib16 {
@@ -43,7 +44,6 @@ namespace {
 constexpr unsigned long kFlushLength = 4096;
 constexpr std::size_t kShortText = 64;
 constexpr std::size_t kLongestEscape = 6;  // of one character
-constexpr std::wstring_view kCDataStart = L"<![CDATA[";
 const CNeverDestroyed<std::wstring> kNoPrefix;
 const CNeverDestroyed<std::wstring> kLess(L"<");
 const CNeverDestroyed<std::wstring> kNil(L"nil");
@@ -51,10 +51,6 @@ const CNeverDestroyed<std::wstring> kTrue(L"true");
 
 // The text up to its first NUL.
 std::wstring_view UpToNul(const std::wstring& text) { return text.c_str(); }
-
-inline bool StartsCData(std::wstring_view text) {
-  return !text.empty() && text.front() == kCDataStart.front() && text.substr(0, kCDataStart.size()) == kCDataStart;
-}
 
 [[gnu::always_inline]] inline wchar_t* PutQName(wchar_t* to, const std::wstring& prefix,
                                                 const std::wstring& localName) {
@@ -183,7 +179,7 @@ inline wchar_t* CXmlTextWriter::RecordOutput::BeginChild(std::size_t count) {
                                                                          std::wstring_view text, ItemType type,
                                                                          bool isCanonical) {
   const MadeMarkup& made = entry.made;
-  if (text.size() > kShortText || StartsCData(text) || !HasTags(name, entry.made)) return false;
+  if (text.size() > kShortText || StartsSection(text) || !HasTags(name, entry.made)) return false;
   wchar_t* to = BeginChild(std::size(made.start.text) + 2 + text.size() * kLongestEscape + std::size(made.end.text));
   to = made.start.CopyTo(to);
   if (text.empty() || text.front() == L'\0') {
@@ -366,13 +362,13 @@ void CXmlTextWriter::PutRootDeclarations() {
 void CXmlTextWriter::WriteString(const std::wstring& text, ItemType) {
   if (m_checks != nullptr) {
     m_checks->Text(text);
-    if (!m_escapesSections && StartsCData(text)) m_checks->Section(text);
+    if (!m_escapesSections && StartsSection(text)) m_checks->Section(text);
   }
   WriteText(UpToNul(text));
 }
 
 void CXmlTextWriter::WriteData(const std::wstring& text) {
-  if (!StartsCData(text)) return WriteString(text, ItemType_string);
+  if (!StartsSection(text)) return WriteString(text, ItemType_string);
   WriteString(kLess.Get(), ItemType_string);
   WriteString(text.substr(kLess.Get().size()), ItemType_string);
 }
@@ -387,7 +383,7 @@ void CXmlTextWriter::WriteText(std::wstring_view text) {
   if (text.empty()) return;
   if (m_context == nullptr) throw CRkException(L"Text must be written inside an Element.");
   CloseStartTag();
-  if (!m_escapesSections && StartsCData(text))
+  if (!m_escapesSections && StartsSection(text))
     Put(text);
   else
     PutEscaped(text, Escaping::Text);

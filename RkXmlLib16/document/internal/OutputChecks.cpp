@@ -5,13 +5,11 @@
 #include "RkXmlLib16/base/internal/CodePoints.h"
 #include "RkXmlLib16/document/XmlWriter.h"
 #include "RkXmlLib16/document/internal/Names.h"
+#include "RkXmlLib16/document/internal/Section.h"
 
 namespace RkXmlLib16 {
 
 namespace {
-
-constexpr std::wstring_view kSectionStart = L"<![CDATA[";
-constexpr std::wstring_view kSectionEnd = L"]]>";
 
 bool StartsWith(std::wstring_view text, std::wstring_view start) { return text.substr(0, start.size()) == start; }
 
