@@ -13,6 +13,7 @@
 //            a time.
 //   Names    m_names has the last name of each hash, which tells local name and prefix. Names are compared by their
 //            first sixteen bytes (Head), those that are longer also by the rest.
+//   Gaps     White space that the document shares is compared with the place in the input where it last stood (Blanks).
 //   Decoding What is not ASCII, a reference or a line end goes through Decode, in pieces of kPieceSize bytes.
 #include "RkXmlLib16/xml/internal/PlainScanner.h"
 
@@ -155,6 +156,19 @@ wchar_t* Widen(const Byte* at, std::size_t length, wchar_t* out) {
   return out + length;
 }
 
+// Whether so many bytes are the same; false where that cannot be told by reading whole steps before `end`.
+bool StandSame(const Byte* at, const Byte* earlier, std::size_t length, const Byte* end) {
+  const std::size_t steps = (length + kStep - 1) / kStep * kStep;
+  if (steps > static_cast<std::size_t>(end - at)) return false;
+  const auto difference = [&](std::size_t i) {
+    return MaskOf(_mm_cmpeq_epi8(Load(at + i), Load(earlier + i))) ^ 0xFFFF;
+  };
+  std::size_t i = 0;
+  for (; i + kStep < length; i += kStep)
+    if (difference(i) != 0) return false;
+  return (difference(i) & (0xFFFFu >> (i + kStep - length))) == 0;
+}
+
 std::string_view View(const Byte* at, std::size_t length) { return {reinterpret_cast<const char*>(at), length}; }
 
 // ---- names ----
@@ -199,12 +213,15 @@ RawName NameOf(const Byte* at, std::size_t length, const Byte* end) {
 }
 
 // The name that ends where nothing of a name stands.
-RawName NameAt(const Byte* at, const Byte* end) {
-  if (static_cast<std::size_t>(end - at) >= kStep) {
-    const __m128i bytes = Load(at);
-    if (const unsigned mask = EndsName::Of(bytes)) return {at, FirstOf(mask), Head16(bytes, FirstOf(mask))};
-  }
+[[gnu::noinline]] RawName LongNameAt(const Byte* at, const Byte* end) {
   return NameOf(at, static_cast<std::size_t>(Find<EndsName>(at, end) - at), end);
+}
+
+[[gnu::always_inline]] inline RawName NameAt(const Byte* at, const Byte* end) {
+  if (static_cast<std::size_t>(end - at) < kStep) return LongNameAt(at, end);
+  const __m128i bytes = Load(at);
+  const unsigned mask = EndsName::Of(bytes);
+  return mask != 0 ? RawName{at, FirstOf(mask), Head16(bytes, FirstOf(mask))} : LongNameAt(at, end);
 }
 
 bool IsDeclaration(const RawName& name) {
@@ -241,6 +258,14 @@ struct OpenElement {
 struct Binding {
   Prefix* prefix;
   const CXmlName* before;
+};
+
+// White space that was added to a text that is shared, or to none, and the shared text that both gave.
+struct Blanks {
+  const Byte* at;
+  std::size_t length;
+  const CXmlTextBlock* before;
+  CXmlTextBlock* after;
 };
 
 constexpr std::pair<std::string_view, char32_t> kEntities[] = {
@@ -318,7 +343,9 @@ class Scanner {
 
   template <Place place>
   bool AddText(const Byte* at, const Byte* end);
+  void AppendBlanks(const Byte* at, std::size_t length);
   void AppendPlain(const Byte* at, std::size_t length);
+  void AppendToBlock(CXmlElement* element, const Byte* at, std::size_t length);
   template <Place place, class Use>
   bool Decode(const Byte* at, const Byte* end, Use&& use);
   template <Place place>
@@ -346,6 +373,7 @@ class Scanner {
   std::vector<Binding> m_bindings;
   std::vector<RawAttribute> m_attributes;  // of the current tag
   std::vector<std::pair<const CXmlName*, const CXmlName*>> m_attributeNames;
+  std::array<Blanks, 64> m_blanks{};
   std::wstring m_text;  // the last name or namespace that was decoded
   std::array<wchar_t, kPieceSize + kLongestItem> m_piece;
   std::size_t m_tag = 0;
@@ -424,13 +452,7 @@ bool Scanner::ScanText() {
     const Byte* const end = Find<EndsBlanks>(start, m_end);
     const auto length = static_cast<std::size_t>(end - start);
     if (Peek(end) == '<' && length <= kLongestBlanks) {
-      if (m_tree.HoldGap(length, end)) {
-        m_at = end;
-        return true;
-      }
-      std::array<wchar_t, kLongestBlanks> blanks;
-      Widen(start, length, blanks.data());
-      m_document.AppendBlanks({blanks.data(), length});
+      if (!m_tree.HoldGap(length, end)) AppendBlanks(start, length);
       m_at = end;
       return true;
     }
@@ -491,6 +513,39 @@ bool Scanner::ScanSection() {
   if (!AddText<Place::Section>(text, end)) return false;
   if (m_keepsSections) m_document.AppendText(element, L"]]>");
   m_at = end + kEnd.size();
+  return true;
+}
+
+// ---- names ----
+
+Prefix& Scanner::FindPrefix(std::string_view prefix) {
+  const auto [at, isNew] = m_prefixes.try_emplace(prefix);
+  if (isNew && prefix.empty()) at->second.uri = m_emptyName;
+  if (isNew && prefix == "xml") at->second.uri = m_document.InternName(CXmlWriter::XML_NAMESPACE);
+  return at->second;
+}
+
+// Null for what is no name.
+[[gnu::always_inline]] inline const KnownName* Scanner::FindName(const RawName& name) {
+  const Head& head = name.head;
+  const std::uint64_t hash = (head.low ^ head.high * 0x9E3779B97F4A7C15u) * 0xD6E8FEB86659FD93u;
+  KnownName& known = m_names[hash >> 40 & (m_names.size() - 1)];
+  return known.raw == name || LearnName(known, name) ? &known : nullptr;
+}
+
+[[gnu::noinline]] bool Scanner::LearnName(KnownName& known, const RawName& name) {
+  const std::string_view raw = name.View();
+  const std::size_t colon = raw.find(':');
+  known.raw = name;
+  known.hasPrefix = colon != std::string_view::npos;
+  known.prefix = m_defaultPrefix;
+  if (known.hasPrefix) {
+    const std::string_view prefix = raw.substr(0, colon);
+    if (!TakeName(prefix)) return false;
+    known.prefix = &FindPrefix(prefix);
+  }
+  if (!TakeName(known.hasPrefix ? raw.substr(colon + 1) : raw)) return false;
+  known.localName = m_document.InternName(m_text);
   return true;
 }
 
@@ -640,39 +695,6 @@ void Scanner::EndElement(std::size_t bindings) {
   m_tree.EndElement();
 }
 
-// ---- names ----
-
-Prefix& Scanner::FindPrefix(std::string_view prefix) {
-  const auto [at, isNew] = m_prefixes.try_emplace(prefix);
-  if (isNew && prefix.empty()) at->second.uri = m_emptyName;
-  if (isNew && prefix == "xml") at->second.uri = m_document.InternName(CXmlWriter::XML_NAMESPACE);
-  return at->second;
-}
-
-// Null for what is no name.
-const KnownName* Scanner::FindName(const RawName& name) {
-  const Head& head = name.head;
-  const std::uint64_t hash = (head.low ^ head.high * 0x9E3779B97F4A7C15u) * 0xD6E8FEB86659FD93u;
-  KnownName& known = m_names[hash >> 40 & (m_names.size() - 1)];
-  return known.raw == name || LearnName(known, name) ? &known : nullptr;
-}
-
-bool Scanner::LearnName(KnownName& known, const RawName& name) {
-  const std::string_view raw = name.View();
-  const std::size_t colon = raw.find(':');
-  known.raw = name;
-  known.hasPrefix = colon != std::string_view::npos;
-  known.prefix = m_defaultPrefix;
-  if (known.hasPrefix) {
-    const std::string_view prefix = raw.substr(0, colon);
-    if (!TakeName(prefix)) return false;
-    known.prefix = &FindPrefix(prefix);
-  }
-  if (!TakeName(known.hasPrefix ? raw.substr(colon + 1) : raw)) return false;
-  known.localName = m_document.InternName(m_text);
-  return true;
-}
-
 // ---- characters ----
 
 wchar_t* Scanner::Put(char32_t c, wchar_t* out) const {
@@ -765,14 +787,32 @@ bool Scanner::TakeName(std::string_view name) {
          IsNCName(m_text);
 }
 
+// Up to kLongestBlanks of them.
+void Scanner::AppendBlanks(const Byte* at, std::size_t length) {
+  CXmlElement* const element = m_document.GetCurrentElement();
+  const CXmlTextBlock* const before = CTreeBuilder::FindShared(*element);
+  if (before == nullptr && CTreeBuilder::HasText(*element)) return AppendToBlock(element, at, length);
+  Blanks& known = m_blanks[(reinterpret_cast<std::uintptr_t>(before) / 8 + length * 5) % m_blanks.size()];
+  if (known.length == length && known.before == before && StandSame(at, known.at, length, m_end)) {
+    CTreeBuilder::SetText(*element, known.after);
+    return m_tree.Count(length);
+  }
+  std::array<wchar_t, kLongestBlanks> blanks;
+  Widen(at, length, blanks.data());
+  m_document.AppendBlanks({blanks.data(), length});
+  if (CXmlTextBlock* const after = CTreeBuilder::FindShared(*element)) known = {at, length, before, after};
+}
+
 void Scanner::AppendPlain(const Byte* at, std::size_t length) {
   CXmlElement* const element = m_document.GetCurrentElement();
   const CXmlHeldText text =
       CTreeBuilder::HasText(*element) ? nullptr : m_tree.HoldText(at, length, m_end, /*isAskedOften=*/false);
-  if (!text.IsNone()) {
-    CTreeBuilder::SetText(*element, text);
-    return m_tree.Count(length);
-  }
+  if (text.IsNone()) return AppendToBlock(element, at, length);
+  CTreeBuilder::SetText(*element, text);
+  m_tree.Count(length);
+}
+
+[[gnu::noinline]] void Scanner::AppendToBlock(CXmlElement* element, const Byte* at, std::size_t length) {
   Widen(at, length, m_document.ReserveText(element, length));
   m_document.CommitText(element, length);
 }

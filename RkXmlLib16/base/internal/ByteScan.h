@@ -27,11 +27,19 @@ inline std::size_t FirstOf(unsigned mask) { return static_cast<std::size_t>(__bu
 
 // The first byte of a kind, or `end`. The kind tells of one byte whether it is one (Is), and of sixteen which are (Of).
 template <class Kind>
-const Byte* Find(const Byte* at, const Byte* end) {
+[[gnu::noinline]] const Byte* FindFar(const Byte* at, const Byte* end) {
   for (; static_cast<std::size_t>(end - at) >= kStep; at += kStep)
     if (const unsigned mask = Kind::Of(Load(at))) return at + FirstOf(mask);
   while (at != end && !Kind::Is(*at)) ++at;
   return at;
+}
+
+// The same, inline where it is near.
+template <class Kind>
+[[gnu::always_inline]] inline const Byte* Find(const Byte* at, const Byte* end) {
+  if (static_cast<std::size_t>(end - at) < kStep) return FindFar<Kind>(at, end);
+  const unsigned mask = Kind::Of(Load(at));
+  return mask != 0 ? at + FirstOf(mask) : FindFar<Kind>(at + kStep, end);
 }
 
 // The white space of XML and JSON.

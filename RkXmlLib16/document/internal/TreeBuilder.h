@@ -146,6 +146,11 @@ class CTreeBuilder {
   static bool HasText(const CXmlElement& element) noexcept {
     return !element.m_text.load(std::memory_order_relaxed).IsNone();
   }
+  // Its text if that is one that several elements share; else null.
+  static CXmlTextBlock* FindShared(const CXmlElement& element) noexcept {
+    const CXmlHeldText text = element.m_text.load(std::memory_order_relaxed);
+    return !text.IsNone() && !text.IsOfInput() && text.GetBlock()->m_capacity == 0 ? text.GetBlock() : nullptr;
+  }
   static void SetText(CXmlElement& element, CXmlHeldText text) noexcept {
     element.m_text.store(text, std::memory_order_relaxed);
   }
