@@ -11,6 +11,7 @@
 #include "RkXmlLib16/binding/ModelObject.h"
 #include "RkXmlLib16/binding/internal/NilValue.h"
 #include "RkXmlLib16/binding/internal/ReadingValue.h"
+#include "RkXmlLib16/binding/internal/RecordText.h"
 #include "RkXmlLib16/collections/CollectionBase.h"
 #include "RkXmlLib16/context/SerializationContext.h"
 #include "RkXmlLib16/document/ElementTree.h"
@@ -256,16 +257,9 @@ bool CElementInfo::ElementToXmlEnum(const CSerializationContext& context, const 
   return true;
 }
 
-inline void CElementInfo::WriteText(const CSerializationContext& context, CXmlWriter* writer, std::wstring_view text,
-                                    ItemType type, bool isCanonical) const {
-  if (!IsDefault(text) || context.GetWriteDefaultElementValues())
-    return writer->TextElement(m_name, text, type, isCanonical);
+void CElementInfo::WriteEmpty(CXmlWriter* writer) const {
   writer->StartElement(m_name);
   writer->WriteEndElement();
-}
-
-void CElementInfo::WriteText(const CSerializationContext& context, std::wstring_view text, CXmlWriter* writer) const {
-  WriteText(context, writer, text, m_itemType, /*isCanonical=*/true);
 }
 
 bool CElementInfo::WriteNil(CXmlWriter* writer) const {

@@ -134,7 +134,7 @@ class RKXML_EXPORT CElementInfo {
   // For all records of CModelObject.
   void SetOfModel() noexcept { m_isOfModel = true; }
   // Writes an element with a text that was checked.
-  void WriteText(const CSerializationContext& context, std::wstring_view text, CXmlWriter* writer) const;
+  inline void WriteText(const CSerializationContext& context, std::wstring_view text, CXmlWriter* writer) const;
   // Whether PseudoChildAttributeToXml may have something to write.
   bool MayHaveAttributes() const { return Is(kWithAttributes); }
 
@@ -210,8 +210,9 @@ class RKXML_EXPORT CElementInfo {
   template <class Set>
   static void InvokeSet(const CXmlElement& element, Set&& set);
   bool IsDefault(std::wstring_view text) const noexcept { return !m_defaultValue.empty() && text == m_defaultValue; }
-  void WriteText(const CSerializationContext& context, CXmlWriter* writer, std::wstring_view text, ItemType type,
-                 bool isCanonical) const;
+  inline void WriteText(const CSerializationContext& context, CXmlWriter* writer, std::wstring_view text, ItemType type,
+                        bool isCanonical) const;
+  [[gnu::cold]] void WriteEmpty(CXmlWriter* writer) const;
   bool WriteNil(CXmlWriter* writer) const;
   CSmartPtr<CXmlObjectBase> GetChild(const CXmlGeneratedClass& object, CXmlWriter& writer) const;
   // Looks through the attributes of a primitive element; true for xsi:nil="true".

@@ -11,7 +11,7 @@
 #include "RkXmlLib16/binding/ModelObject.h"
 #include "RkXmlLib16/binding/ParentElementInfo.h"
 #include "RkXmlLib16/context/SerializationContext.h"
-#include "RkXmlLib16/document/XmlWriter.h"
+#include "RkXmlLib16/document/internal/RecordOutput.h"
 #include "RkXmlLib16/object/Variant.h"
 #include "RkXmlLib16/wildcards/internal/RootWriter.h"
 
@@ -76,7 +76,7 @@ void CXmlGeneratedClass::WriteElement(CXmlWriter* writer, bool registerNamespace
     // Most elements are in the namespace of their class, whose text is at hand.
     const wchar_t* const uri = TextOrEmpty(namespaceUri);
     if (info.GetNamespace().c_str() == uri || std::wcscmp(info.GetNamespace().c_str(), uri) == 0)
-      writer->StartElement(GetElementNameRef(), info.GetNamespace());
+      CRecordOutput::WriteStart(*writer, GetElementNameRef(), info.GetNamespace());
     else
       RkXmlLib16::StartElement(*writer, GetElementNameRef(), uri);
     if (registerNamespaces) WriteRootAttributes(*writer, context, namespaceUri, isOptionalChoice);
@@ -87,7 +87,7 @@ void CXmlGeneratedClass::WriteElement(CXmlWriter* writer, bool registerNamespace
     writer->WriteAttributeNil();
   else
     WriteContent(writer, context, info, isOptionalChoice);
-  if (ownElement) writer->EndElement();
+  if (ownElement) CRecordOutput::WriteEnd(*writer);
 }
 
 void CXmlGeneratedClass::WriteContent(CXmlWriter* writer, const CSerializationContext& context,

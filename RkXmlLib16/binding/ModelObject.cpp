@@ -6,6 +6,7 @@
 #include "RkXmlLib16/base/Format.h"
 #include "RkXmlLib16/binding/internal/ModelClass.h"
 #include "RkXmlLib16/binding/internal/ReadingValue.h"
+#include "RkXmlLib16/binding/internal/RecordText.h"
 #include "RkXmlLib16/document/XmlWriter.h"
 #include "RkXmlLib16/document/internal/NodeText.h"
 #include "RkXmlLib16/document/internal/Refusal.h"
@@ -482,7 +483,7 @@ void CModelObject::WriteAttributes(const CSerializationContext& context, CXmlWri
     if (text.data() == nullptr)
       attribute.record.AttributeToXml(context, this, writer);
     else if (text.empty() || text != attribute.omitted || !context.GetNoOptionalAttributeDefaultOutput())
-      writer->Attribute(attribute.name, text, attribute.itemType, /*isCanonical=*/true);
+      CRecordOutput::WriteAttribute(*writer, attribute.name, text, attribute.itemType, /*isCanonical=*/true);
   }
   if (members.attributeWildcard != nullptr) members.attributeWildcard->AttributeToXml(context, this, writer);
 }

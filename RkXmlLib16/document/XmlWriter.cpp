@@ -356,10 +356,13 @@ CXmlWriter::CXmlWriterContext::~CXmlWriterContext() {
 }
 
 void CXmlWriter::CXmlWriterContext::SetName(const std::wstring& namespaceUri) {
-  const CNamespaceName* const name = &m_scope->NameOf(namespaceUri);
-  if (name == m_name) return;
-  m_name = name;
-  m_namespaceUri = name->text;
+  const CNamespaceName& name = m_scope->NameOf(namespaceUri);
+  if (&name != m_name) SetName(name);
+}
+
+void CXmlWriter::CXmlWriterContext::SetName(const CNamespaceName& name) {
+  m_name = &name;
+  m_namespaceUri = name.text;
 }
 
 CXmlWriter::CXmlWriterContext::Scope& CXmlWriter::CXmlWriterContext::OwnScope() {
@@ -539,29 +542,17 @@ void CXmlWriter::MakeRecordOutput() {
   if (typeid(*this) == *m_recordOutputType) m_recordOutput = m_makeRecordOutput(*this);
 }
 
-inline bool CXmlWriter::HasRecordOutput() const noexcept {
-  return m_recordOutput != nullptr && m_context != nullptr && m_avoidedPrefix.empty();
-}
-
-void CXmlWriter::StartElement(const CNameToken& name) {
-  if (!HasRecordOutput()) return WriteStartElement(name.GetLocalName(), name.GetNamespace());
-  m_recordOutput->StartElement(name);
-}
+void CXmlWriter::StartElement(const CNameToken& name) { CRecordOutput::WriteStart(*this, name); }
 
 void CXmlWriter::TextElement(const CNameToken& name, std::wstring_view text, ItemType type, bool isCanonical) {
-  if (!HasRecordOutput()) return PlainTextElement(name, text, type);
-  m_recordOutput->TextElement(name, text, type, isCanonical);
+  CRecordOutput::WriteText(*this, name, text, type, isCanonical);
 }
 
 void CXmlWriter::Attribute(const CNameToken& name, std::wstring_view value, ItemType type, bool isCanonical) {
-  if (!HasRecordOutput()) return PlainAttribute(name, value, type);
-  m_recordOutput->Attribute(name, value, type, isCanonical);
+  CRecordOutput::WriteAttribute(*this, name, value, type, isCanonical);
 }
 
-void CXmlWriter::EndElement() {
-  if (!HasRecordOutput()) return WriteEndElement();
-  m_recordOutput->EndElement();
-}
+void CXmlWriter::EndElement() { CRecordOutput::WriteEnd(*this); }
 
 void CXmlWriter::PlainTextElement(const CNameToken& name, std::wstring_view text, ItemType type) {
   m_plainText = text;
@@ -573,25 +564,21 @@ void CXmlWriter::PlainAttribute(const CNameToken& name, std::wstring_view value,
   WriteAttributeString(name.GetLocalName(), name.GetNamespace(), m_plainText, type);
 }
 
-inline bool CXmlWriter::IsExpected(const std::wstring& localName, const std::wstring& namespaceUri) const noexcept {
-  return m_expectedName != nullptr && WideText::IsEqual(m_expectedName->GetLocalName(), localName) &&
-         WideText::IsEqual(m_expectedName->GetNamespace(), namespaceUri);
-}
-
 void CXmlWriter::StartElement(const std::wstring& localName, const std::wstring& namespaceUri) {
-  if (IsExpected(localName, namespaceUri)) return StartElement(*m_expectedName);
-  WriteStartElement(localName, namespaceUri);
+  CRecordOutput::WriteStart(*this, localName, namespaceUri);
 }
 
 void CXmlWriter::TextElement(const std::wstring& localName, const std::wstring& namespaceUri, const std::wstring& text,
                              ItemType type) {
-  if (!IsExpected(localName, namespaceUri) || !HasRecordOutput())
+  CRecordOutput* const output = CRecordOutput::Of(*this);
+  if (output == nullptr || !IsExpected(localName, namespaceUri))
     return WriteTextElement(localName, namespaceUri, text, type);
-  m_recordOutput->TextElement(*m_expectedName, text, type, /*isCanonical=*/false);
+  output->TextElement(*m_expectedName, text, type, /*isCanonical=*/false);
 }
 
 inline const CNameToken* CXmlWriter::FindToken(const CSharedName& localName, const SharedText& namespaceUri) {
-  if (!HasRecordOutput() || (namespaceUri != nullptr && !CNamespacePool::IsShort(*namespaceUri))) return nullptr;
+  if (CRecordOutput::Of(*this) == nullptr || (namespaceUri != nullptr && !CNamespacePool::IsShort(*namespaceUri)))
+    return nullptr;
   if (m_documentNames == nullptr) m_documentNames = std::make_unique<CDocumentNames>();
   bool isNew = false;
   const CNameToken& token = m_documentNames->Find(localName, namespaceUri, *m_pool, isNew);
@@ -673,34 +660,6 @@ CXmlWriter::CXmlWriterContext& CXmlWriter::PushContext(const std::wstring& local
   return *m_context;
 }
 
-CXmlWriter::CXmlWriterContext& CXmlWriter::PushContext(const CNameToken& name, const CNamespaceName& namespaceName) {
-  if (m_closedContexts == nullptr) return PushContext(name.GetLocalName(), name.GetNamespace());
-  CXmlWriterContext& context = *m_closedContexts;
-  if (&context.m_localName.Get() != &name.GetLocalName()) context.m_localName = name.GetSharedLocalName();
-  if (context.m_name != &namespaceName) {
-    context.m_name = &namespaceName;
-    context.m_namespaceUri = namespaceName.text;
-  }
-  context.m_scope = m_context->m_scope;
-  ReopenContext();
-  context.m_nameNumber = name.GetNumber();
-  return context;
-}
-
-// Makes the closed context, which has its name and scope, a child of the current one.
-inline void CXmlWriter::ReopenContext() noexcept {
-  CXmlWriterContext& context = *m_closedContexts;
-  context.m_childCount = 0;
-  context.m_startTagOpen = true;
-  context.m_depth = m_context->m_depth + 1;
-  context.m_prefix.clear();
-  context.m_state = ContextState_None;
-  context.m_itemsAreGroups = false;
-  context.m_nameNumber = CNameToken::kNoNumber;
-  m_closedContexts.swap(context.m_parent);
-  m_context.swap(context.m_parent);
-}
-
 void CXmlWriter::CheckElement(const std::wstring& localName, const std::wstring& namespaceUri) {
   m_checks->Element(localName, namespaceUri, !m_context->GetDefaultNamespace().empty());
   if (m_context->m_depth != 0) return;
@@ -717,20 +676,18 @@ void CXmlWriter::SetChecks(std::unique_ptr<OutputChecks> checks) {
   m_recordOutput.reset();
 }
 
-void CXmlWriter::PopContext() {
-  if (m_checks != nullptr) m_checks->EndElement();
-  CXmlWriterContext& context = *m_context;
-  m_context.swap(context.m_parent);
-  m_closedContexts.swap(context.m_parent);
-  if (context.m_ownScope != nullptr) {
-    context.m_ownScope->Close();
-    context.m_spareScope = std::move(context.m_ownScope);
-    if (m_context != nullptr)
-      m_context->m_scope->MakeCurrent();
-    else
-      m_scopeNumber = kNoScope;
-  }
-  context.m_scope = nullptr;
+void CXmlWriter::PopContext() { CloseContext(); }
+
+void CXmlWriter::CheckEnd() { m_checks->EndElement(); }
+
+// Of the element that was closed.
+void CXmlWriter::CloseScope(CXmlWriterContext& context) noexcept {
+  context.m_ownScope->Close();
+  context.m_spareScope = std::move(context.m_ownScope);
+  if (m_context != nullptr)
+    m_context->m_scope->MakeCurrent();
+  else
+    m_scopeNumber = kNoScope;
 }
 
 const std::wstring& CXmlWriter::RequirePrefix(const std::wstring& namespaceUri, bool& invented) {

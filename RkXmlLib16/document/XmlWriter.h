@@ -96,6 +96,7 @@ class RKXML_EXPORT CXmlWriter {
                       const std::wstring& defaultNamespace, const NamespaceMap& namespaces,
                       std::unique_ptr<CXmlWriterContext> parent, CXmlWriter* writer);
     void SetName(const std::wstring& namespaceUri);
+    void SetName(const CNamespaceName& name);
     Scope& OwnScope();
 
     const CNamespaceName* m_name = nullptr;  // the namespace
@@ -212,9 +213,11 @@ class RKXML_EXPORT CXmlWriter {
   // or, when that is empty, the first namespace that was added with an empty prefix.
   CXmlWriterContext& PushContext(const std::wstring& localName, const std::wstring& namespaceUri);
   // The same for a child element, by the token of its name and the namespace as this writer has it once.
-  CXmlWriterContext& PushContext(const CNameToken& name, const CNamespaceName& namespaceName);
+  inline CXmlWriterContext& PushContext(const CNameToken& name, const CNamespaceName& namespaceName);
   // Closes the current context and makes its parent current. Its storage serves the next one that is opened.
   void PopContext();
+  // The same without a call, for the library's own writers.
+  inline void CloseContext();
   // The prefix of the namespace in the current context. Without one (an empty one does not count) a prefix is invented
   // there, which `invented` tells, so that the caller declares it. An element must be open.
   const std::wstring& RequirePrefix(const std::wstring& namespaceUri, bool& invented);
@@ -263,15 +266,15 @@ class RKXML_EXPORT CXmlWriter {
   // What StartElement, TextElement and Attribute do for every other writer.
   [[gnu::noinline]] void PlainTextElement(const CNameToken& name, std::wstring_view text, ItemType type);
   [[gnu::noinline]] void PlainAttribute(const CNameToken& name, std::wstring_view value, ItemType type);
-  // Not when this writer is not of its type, its output is checked, no element is open, or a prefix is avoided.
-  bool HasRecordOutput() const noexcept;
   void MakeRecordOutput();
   // The token by which the output takes the name, or null when the operations above have to write it.
   const CNameToken* FindToken(const CSharedName& localName, const SharedText& namespaceUri);
   // The namespace for the operations above, which is told.
   const std::wstring& TextOf(const SharedText& namespaceUri);
-  bool IsExpected(const std::wstring& localName, const std::wstring& namespaceUri) const noexcept;
-  void ReopenContext() noexcept;
+  inline bool IsExpected(const std::wstring& localName, const std::wstring& namespaceUri) const noexcept;
+  inline void ReopenContext() noexcept;
+  [[gnu::cold]] void CheckEnd();
+  [[gnu::cold]] void CloseScope(CXmlWriterContext& context) noexcept;
 
   std::uint64_t m_lastScopeNumber = kNoScope;
   const std::type_info* m_recordOutputType = nullptr;

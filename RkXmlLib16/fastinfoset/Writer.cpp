@@ -51,7 +51,7 @@ using FastInfoset::IntegerLayout;
 
 namespace {
 
-constexpr std::size_t kFlushLength = 16384;
+constexpr std::size_t kFlushLength = 2048;
 constexpr unsigned char kExternalVocabulary[] = {0x20, 0x10, 0x00};
 constexpr unsigned char kNoAddBit = 0;
 constexpr std::size_t kShortText = 64;
@@ -190,6 +190,7 @@ class RKXML_HIDDEN CFastInfosetWriter::RecordOutput final
   bool PutStart(const CNameToken& name, Entry& entry);
   bool PutText(const CNameToken& name, Entry& entry, std::wstring_view text, ItemType type, bool isCanonical);
   bool PutAttribute(const CNameToken& name, Entry& entry, std::wstring_view value, ItemType type, bool isCanonical);
+  bool PutEnd();
 
  private:
   bool Make(const CNameToken& name, const ScopeCache& scopes, const CFIQNameTable& names, Entry& entry) const {
@@ -210,10 +211,6 @@ CFastInfosetWriter::CFastInfosetWriter(const CFastInfosetContext& context, CBina
 CFastInfosetWriter::~CFastInfosetWriter() = default;
 
 inline bool CFastInfosetWriter::IsStartTagOpen() const { return m_context != nullptr && m_context->m_startTagOpen; }
-
-inline void CFastInfosetWriter::WriteElement() {
-  if (IsStartTagOpen()) EndStartTag();
-}
 
 inline std::size_t CFastInfosetWriter::GetLength() const { return static_cast<std::size_t>(m_end - m_room.get()); }
 
@@ -247,16 +244,52 @@ inline void CFastInfosetWriter::ElementIndex(unsigned long index) {
 // Most texts are short and ASCII: as many octets as characters, known before they are encoded.
 template <const IntegerLayout& kLayout>
 inline void CFastInfosetWriter::Utf8(unsigned char octet, std::wstring_view text) {
-  if (!text.empty() && text.length() <= kShortText) {
-    unsigned char* const to = PutInteger<kLayout>(Reserve(kLongestInteger + kShortText), octet, text.length());
-    if (Ascii::NarrowAll(text.data(), text.length(), to)) {
-      m_end = to + text.length();
-      return;
-    }
-  }
+  if (text.empty() || text.length() > kShortText) return AnyUtf8<kLayout>(octet, text);
+  unsigned char* const to = PutInteger<kLayout>(Reserve(kLongestInteger + kShortText), octet, text.length());
+  if (!Ascii::NarrowAll(text.data(), text.length(), to)) return AnyUtf8<kLayout>(octet, text);
+  m_end = to + text.length();
+}
+
+template <const IntegerLayout& kLayout>
+void CFastInfosetWriter::AnyUtf8(unsigned char octet, std::wstring_view text) {
   const unsigned long length = CEncoder::Utf8Length(text);
   Integer<kLayout>(octet, length);
   m_end = CEncoder::WriteUtf8(text, Reserve(length));
+}
+
+// Terminators come in pairs of half octets: one is owed until it is known whether another follows at once.
+inline void CFastInfosetWriter::WriteTerminator() {
+  if (m_terminatorOwed) Put(FastInfoset::kDoubleTerminator);
+  m_terminatorOwed = !m_terminatorOwed;
+}
+
+inline void CFastInfosetWriter::FlushTerminator() {
+  if (!m_terminatorOwed) return;
+  Put(FastInfoset::kTerminator);
+  m_terminatorOwed = false;
+}
+
+inline void CFastInfosetWriter::WriteElement() {
+  if (!IsStartTagOpen()) return;
+  m_context->m_startTagOpen = false;
+  const unsigned char attributes = m_hasAttributes ? FastInfoset::kAttributesBit : 0;
+  if (m_declarations.empty())
+    m_room[m_startTag] = static_cast<unsigned char>(m_room[m_startTag] | attributes);
+  else
+    InsertDeclarations(attributes);
+  if (m_hasAttributes) WriteTerminator();
+}
+
+// Before the name in the pending start tag.
+void CFastInfosetWriter::InsertDeclarations(unsigned char attributes) {
+  m_declarations.insert(m_declarations.begin(),
+                        static_cast<unsigned char>(FastInfoset::kElementNamespaces | attributes));
+  m_declarations.push_back(FastInfoset::kTerminator);
+  Reserve(m_declarations.size());
+  unsigned char* const start = m_room.get() + m_startTag;
+  std::copy_backward(start, m_end, m_end + m_declarations.size());
+  std::copy(m_declarations.begin(), m_declarations.end(), start);
+  m_end += m_declarations.size();
 }
 
 void CFastInfosetWriter::Grow(std::size_t count) {
@@ -370,25 +403,6 @@ void CFastInfosetWriter::WriteStartElement(const std::wstring& localName, const 
   return true;
 }
 
-void CFastInfosetWriter::EndStartTag() {
-  m_context->m_startTagOpen = false;
-  const unsigned char attributes = m_hasAttributes ? FastInfoset::kAttributesBit : 0;
-  if (m_declarations.empty()) {
-    unsigned char& first = m_room[m_startTag];
-    first = static_cast<unsigned char>(first | attributes);
-  } else {
-    m_declarations.insert(m_declarations.begin(),
-                          static_cast<unsigned char>(FastInfoset::kElementNamespaces | attributes));
-    m_declarations.push_back(FastInfoset::kTerminator);
-    Reserve(m_declarations.size());
-    unsigned char* const start = m_room.get() + m_startTag;
-    std::copy_backward(start, m_end, m_end + m_declarations.size());
-    std::copy(m_declarations.begin(), m_declarations.end(), start);
-    m_end += m_declarations.size();
-  }
-  if (m_hasAttributes) WriteTerminator();
-}
-
 void CFastInfosetWriter::WriteString(const std::wstring& text, ItemType type) {
   if (m_checks != nullptr) m_checks->Text(text);
   if (m_context == nullptr) {
@@ -408,7 +422,7 @@ void CFastInfosetWriter::WriteString(const std::wstring& text, ItemType type) {
   CFastInfosetWriter& w = m_writer;
   w.BeginChild();
   w.ElementIndex(entry.made);
-  if (!text.empty()) w.NonIdentifyingStringOrIndexBit3(text, type);
+  if (!text.empty()) w.NonIdentifyingStringOrIndex<Chunk>(text, type);
   w.m_terminatorOwed = true;
   if (w.GetLength() >= kFlushLength) w.FlushOctets();
   return true;
@@ -416,11 +430,20 @@ void CFastInfosetWriter::WriteString(const std::wstring& text, ItemType type) {
 
 void CFastInfosetWriter::WriteEndElement() {
   if (m_context == nullptr) throw CRkException(L"There is no open Element to end.");
+  CloseElement();
+}
+
+inline void CFastInfosetWriter::CloseElement() {
   WriteElement();
   WriteTerminator();
-  LeaveScope();
-  PopContext();
+  if (!m_ownScopes.empty() && m_ownScopes.back() == m_openElements) LeaveScope();
+  CloseContext();
   --m_openElements;
+}
+
+[[gnu::always_inline]] inline bool CFastInfosetWriter::RecordOutput::PutEnd() {
+  m_writer.CloseElement();
+  return true;
 }
 
 void CFastInfosetWriter::WriteAttributeString(const std::wstring& localName, const std::wstring& namespaceUri,
@@ -440,7 +463,10 @@ void CFastInfosetWriter::WriteAttributeString(const std::wstring& localName, con
   if (!w.IsStartTagOpen()) return false;
   w.Integer<FastInfoset::kIndexBit2>(0, entry.made);
   w.m_hasAttributes = true;
-  w.NonIdentifyingStringOrIndexBit1(value, type);
+  if (value.empty())
+    w.NonIdentifyingStringOrIndexBit1(value, type);
+  else
+    w.NonIdentifyingStringOrIndex<AttributeValue>(value, type);
   return true;
 }
 
@@ -590,8 +616,8 @@ void CFastInfosetWriter::ChangeScope() {
   ++m_scope;
 }
 
+// Of the open element, which has one of its own.
 void CFastInfosetWriter::LeaveScope() {
-  if (m_ownScopes.empty() || m_ownScopes.back() != m_openElements) return;
   m_ownScopes.pop_back();
   while (!m_bindings.empty() && m_bindings.back().element == m_openElements) RemoveLastBinding();
   ++m_scope;
@@ -720,23 +746,32 @@ inline bool CFastInfosetWriter::IsUtf8(const EncodedCharacterString& wanted) con
 }
 
 template <class Value>
-inline void CFastInfosetWriter::NonIdentifyingStringOrIndex(std::wstring_view text, ItemType type) {
-  CFIStringTable& values = Value::TableOf(m_vocabulary);
+[[gnu::always_inline]] inline void CFastInfosetWriter::NonIdentifyingStringOrIndex(std::wstring_view text,
+                                                                                   ItemType type) {
   const bool isShort = text.length() < Value::MaxAddLength(m_fiContext);
   CFIKey key;
   if (isShort) {
-    if (const unsigned long index = values.Find(text, key))
+    if (const unsigned long index = Value::TableOf(m_vocabulary).Find(text, key))
       return Integer<Value::kIndex>(Value::kFirstBits | Value::kIndexBit, index);
+  } else if (IsUtf8(EncodingOf(type))) {
+    return Utf8<Value::kLength>(Value::kFirstBits, text);
   }
+  Literal<Value>(text, type, isShort ? &key : nullptr);
+}
+
+// A value that is written in full, in the encoding of its type, and added to the table under the key, if there is one.
+template <class Value>
+void CFastInfosetWriter::Literal(std::wstring_view text, ItemType type, const CFIKey* key) {
+  CFIStringTable& values = Value::TableOf(m_vocabulary);
   const EncodedCharacterString& wanted = EncodingOf(type);
   const bool isTyped = !IsUtf8(wanted) && EncodeTyped(wanted, text, type, Value::kIsContent);
-  const bool add = isShort && !(isTyped && IsFloating(wanted)) && values.size() < FI_MAX_TABLE_ENTRIES;
+  const bool add = key != nullptr && !(isTyped && IsFloating(wanted)) && values.size() < FI_MAX_TABLE_ENTRIES;
   const unsigned char octet = Value::kFirstBits | (add ? Value::kAddBit : kNoAddBit);
   if (isTyped)
     (this->*Value::kTyped)(octet, text, wanted);
   else
     Utf8<Value::kLength>(octet, text);
-  if (add) values.AddNew(text, key);
+  if (add) values.AddNew(text, *key);
 }
 
 void CFastInfosetWriter::NonIdentifyingStringOrIndexBit1(std::wstring_view text, ItemType type) {
@@ -864,18 +899,6 @@ void CFastInfosetWriter::NonEmptyOctetStringBit5(unsigned char octet, const unsi
 void CFastInfosetWriter::NonEmptyOctetStringBit7(unsigned char octet, const unsigned char* data, std::size_t n) {
   Integer<FastInfoset::kLengthBit7>(octet, n);
   Put(data, n);
-}
-
-// Terminators come in pairs of half octets: one is owed until it is known whether another follows at once.
-void CFastInfosetWriter::WriteTerminator() {
-  if (m_terminatorOwed) Put(FastInfoset::kDoubleTerminator);
-  m_terminatorOwed = !m_terminatorOwed;
-}
-
-void CFastInfosetWriter::FlushTerminator() {
-  if (!m_terminatorOwed) return;
-  Put(FastInfoset::kTerminator);
-  m_terminatorOwed = false;
 }
 
 }  // namespace RkXmlLib16

@@ -127,9 +127,10 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
   };
   using RecentNames = std::array<RecentName, 64>;
 
-  void EndStartTag();
+  void InsertDeclarations(unsigned char attributes);
   void BeginChild();
   void BeginStartTag();
+  void CloseElement();
   bool IsStartTagOpen() const;
   void RequireStartTag() const;
   const ScopedNamespace* FindKnown(const ScopeCache& cache, const CNamespaceName& name) const;
@@ -149,6 +150,8 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
   struct Chunk;
   template <class Value>
   void NonIdentifyingStringOrIndex(std::wstring_view text, ItemType type);
+  template <class Value>
+  [[gnu::noinline]] void Literal(std::wstring_view text, ItemType type, const CFIKey* key);
   const EncodedCharacterString& EncodingOf(ItemType type) const;
   bool IsUtf8(const EncodedCharacterString& wanted) const;
   bool EncodeTyped(const EncodedCharacterString& wanted, std::wstring_view text, ItemType type, bool isContent);
@@ -169,6 +172,8 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
   void Integer(unsigned char octet, unsigned long value);
   template <const FastInfoset::IntegerLayout& kLayout>
   void Utf8(unsigned char octet, std::wstring_view text);
+  template <const FastInfoset::IntegerLayout& kLayout>
+  [[gnu::noinline]] void AnyUtf8(unsigned char octet, std::wstring_view text);
   void WriteTerminator();
   void FlushTerminator();
 

@@ -477,7 +477,7 @@ void CJsonTextWriter::WriteEndElement() {
     Put(L"{}");
   }
   m_valuePending = m_textPending = false;
-  PopContext();
+  CloseContext();
   --m_frameCount;
   FlushWhenFull();
 }

@@ -18,8 +18,8 @@ namespace RkXmlLib16 {
 
 namespace {
 
-// From this size on bytes lie in memory that can grow without being copied.
-constexpr unsigned long kLarge = 128 * 1024;
+// From this size on bytes lie in memory that can mostly grow without being copied.
+constexpr unsigned long kLarge = 4096;
 
 void CopyBytes(unsigned char* to, const unsigned char* from, unsigned long length) {
   if (length > 0) std::memcpy(to, from, length);

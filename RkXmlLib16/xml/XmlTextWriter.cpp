@@ -223,7 +223,7 @@ inline wchar_t* CXmlTextWriter::RecordOutput::BeginChild(std::size_t count) {
     to += made.indentation;
   }
   m_writer.m_out.Commit(made.end.CopyTo(to));
-  m_writer.PopContext();
+  m_writer.CloseContext();
   m_writer.FlushIfDue();
   return true;
 }
@@ -405,7 +405,7 @@ void CXmlTextWriter::WriteEndElement() {
     to = PutQName(to, context.m_prefix, localName);
   }
   m_out.Commit(PutEndOfTag(to));
-  PopContext();
+  CloseContext();
   FlushIfDue();
 }
 

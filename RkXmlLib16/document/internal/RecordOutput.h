@@ -31,6 +31,35 @@ class CRecordOutput {
   // Whether it can write a name that the document does not have yet.
   bool TakesNewNames() const noexcept { return m_takesNewNames; }
 
+  // What writes for the writer now; null where its own operations have to: it is not of a type of the library, its
+  // output is checked, no element is open, or a prefix is avoided.
+  static CRecordOutput* Of(const CXmlWriter& writer) noexcept {
+    return writer.m_context != nullptr && writer.m_avoidedPrefix.empty() ? writer.m_recordOutput.get() : nullptr;
+  }
+  // The operations of CXmlWriter without a call, for those who write each element and attribute.
+  static void WriteStart(CXmlWriter& writer, const CNameToken& name) {
+    CRecordOutput* const output = Of(writer);
+    output != nullptr ? output->StartElement(name) : PlainStart(writer, name);
+  }
+  static void WriteStart(CXmlWriter& writer, const std::wstring& localName, const std::wstring& namespaceUri) {
+    if (writer.IsExpected(localName, namespaceUri)) return WriteStart(writer, *writer.m_expectedName);
+    writer.WriteStartElement(localName, namespaceUri);
+  }
+  static void WriteText(CXmlWriter& writer, const CNameToken& name, std::wstring_view text, ItemType type,
+                        bool isCanonical) {
+    CRecordOutput* const output = Of(writer);
+    output != nullptr ? output->TextElement(name, text, type, isCanonical) : PlainText(writer, name, text, type);
+  }
+  static void WriteAttribute(CXmlWriter& writer, const CNameToken& name, std::wstring_view value, ItemType type,
+                             bool isCanonical) {
+    CRecordOutput* const output = Of(writer);
+    output != nullptr ? output->Attribute(name, value, type, isCanonical) : PlainAttribute(writer, name, value, type);
+  }
+  static void WriteEnd(CXmlWriter& writer) {
+    CRecordOutput* const output = Of(writer);
+    output != nullptr ? output->EndElement() : writer.WriteEndElement();
+  }
+
  protected:
   static constexpr std::uint64_t kNoScope = CXmlWriter::kNoScope;
   static std::uint64_t ScopeOf(const CXmlWriter& writer) noexcept { return writer.m_scopeNumber; }
@@ -47,6 +76,47 @@ class CRecordOutput {
  private:
   const bool m_takesNewNames;
 };
+
+inline bool CXmlWriter::IsExpected(const std::wstring& localName, const std::wstring& namespaceUri) const noexcept {
+  return m_expectedName != nullptr && WideText::IsEqual(m_expectedName->GetLocalName(), localName) &&
+         WideText::IsEqual(m_expectedName->GetNamespace(), namespaceUri);
+}
+
+// A name that is that of the context already is left as it is.
+inline CXmlWriter::CXmlWriterContext& CXmlWriter::PushContext(const CNameToken& name,
+                                                              const CNamespaceName& namespaceName) {
+  if (m_closedContexts == nullptr) return PushContext(name.GetLocalName(), name.GetNamespace());
+  CXmlWriterContext& context = *m_closedContexts;
+  if (&context.m_localName.Get() != &name.GetLocalName()) context.m_localName = name.GetSharedLocalName();
+  if (context.m_name != &namespaceName) context.SetName(namespaceName);
+  context.m_scope = m_context->m_scope;
+  ReopenContext();
+  context.m_nameNumber = name.GetNumber();
+  return context;
+}
+
+// Makes the closed context, which has its name and scope, a child of the current one.
+inline void CXmlWriter::ReopenContext() noexcept {
+  CXmlWriterContext& context = *m_closedContexts;
+  context.m_childCount = 0;
+  context.m_startTagOpen = true;
+  context.m_depth = m_context->m_depth + 1;
+  context.m_prefix.clear();
+  context.m_state = ContextState_None;
+  context.m_itemsAreGroups = false;
+  context.m_nameNumber = CNameToken::kNoNumber;
+  m_closedContexts.swap(context.m_parent);
+  m_context.swap(context.m_parent);
+}
+
+inline void CXmlWriter::CloseContext() {
+  if (m_checks != nullptr) CheckEnd();
+  CXmlWriterContext& context = *m_context;
+  m_context.swap(context.m_parent);
+  m_closedContexts.swap(context.m_parent);
+  if (context.m_ownScope != nullptr) CloseScope(context);
+  context.m_scope = nullptr;
+}
 
 // Characters that a writer has ready, of which sixteen at a time are copied; there must be space for all of `text`.
 template <std::size_t kLongest>
