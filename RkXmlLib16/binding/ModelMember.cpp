@@ -32,6 +32,10 @@ struct Item;
 RKXML_XSD_TYPES(RKXML_ITEM, RKXML_ITEM, RKXML_NO_ITEM)
 #undef RKXML_ITEM
 
+[[noreturn, gnu::cold, gnu::noinline]] void ThrowInvalidType(ItemType type) {
+  throw CRkException(FormatString(L"Invalid Type %d", static_cast<int>(type)));
+}
+
 // Calls `call` with the type as a compile-time constant. It is one of those whose values are held as T.
 template <class T, class Call>
 auto Visit(ItemType type, Call&& call) {
@@ -46,7 +50,7 @@ auto Visit(ItemType type, Call&& call) {
     default:
       break;
   }
-  throw CRkException(FormatString(L"Invalid Type %d", static_cast<int>(type)));
+  ThrowInvalidType(type);
 }
 
 bool IsKept(CWhitespaceUtils::WhitespaceRule rule) {
@@ -91,6 +95,10 @@ struct ValueMember {
     Visit<T>(property.values->itemType, [&](auto item) { Place::Make(at) = Item<item>::Take(from); });
   }
   template <ItemType kItem>
+  [[gnu::noinline]] static void ReadUnusual(T& value, std::wstring_view text, CWhitespaceUtils::WhitespaceRule rule) {
+    value = CConversions::FromText<kItem>(text, rule);
+  }
+  template <ItemType kItem>
   static void ReadAs(T& value, std::wstring_view text, CWhitespaceUtils::WhitespaceRule rule) {
     if constexpr (kItem == ItemType_string) {
       if (IsKept(rule))
@@ -98,7 +106,7 @@ struct ValueMember {
       else
         AssignByRule(value, text, rule);
     } else if constexpr (kItem == ItemType_decimal || kItem == ItemType_dateTime) {
-      if (!value.ParsePlain(text)) value = CConversions::FromText<kItem>(text, rule);
+      if (!value.ParsePlain(text)) ReadUnusual<kItem>(value, text, rule);
     } else {
       value = CConversions::FromText<kItem>(text, rule);
     }

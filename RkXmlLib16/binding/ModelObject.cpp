@@ -165,33 +165,47 @@ void CModelObject::SetFromTextSlowly(int property, std::wstring_view text, bool&
   AccessProperty(property, /*get=*/false, value.Get());
 }
 
-// Reads into the member itself. What fails is left to the variant, which tells why.
-[[gnu::always_inline]] inline bool CModelObject::TrySetText(int property, std::wstring_view text) {
+namespace {
+
+struct GivenText {
+  explicit GivenText(std::wstring_view given) : text(given) {}
+  std::wstring_view Get() const { return text; }
+  std::wstring_view text;
+};
+
+}  // namespace
+
+// Reads into the member itself, from the text that Text makes of the source. What fails is left to the variant, which
+// tells why.
+template <class Text, bool mayBeEmpty, class Source>
+[[gnu::always_inline]] inline bool CModelObject::TrySetText(int property, const Source& source) {
   const ModelProperty& info = m_class.GetProperty(property);
-  const bool wasSet = IsSet(property);
-  if (!info.isPlain || (wasSet && info.mayRefuse)) return false;
+  if (!info.isPlain || (info.mayRefuse && IsSet(property))) return false;
   const CMember member = FindMember(property);
   if (!member.Is(MemberType::Kind::Value)) return false;
+  const Text text(source);
+  if (!mayBeEmpty && text.Get().empty()) return false;
   try {
-    if (!member.Type().read(member.At(), info, text)) return false;
+    if (!member.Type().read(member.At(), info, text.Get())) return false;
     if (info.mayRefuse && info.member != nullptr && GetModel().group == XmlElementGroupType_Choice) Select(property);
   } catch (const CRkException&) {
-    if (!wasSet) member.Type().reset(member.At());
+    if (!IsSet(property)) member.Type().reset(member.At());
     return false;
   }
   Mark(property);
   return true;
 }
 
-bool CModelObject::TrySetFromText(int property, std::wstring_view text) { return TrySetText(property, text); }
+bool CModelObject::TrySetFromText(int property, std::wstring_view text) {
+  return TrySetText<GivenText, /*mayBeEmpty=*/true>(property, text);
+}
 
 bool CModelObject::TrySetFrom(int property, const CXmlElement& element) {
-  const CNodeText text(element);
-  return !text.Get().empty() && TrySetText(property, text.Get());
+  return TrySetText<CNodeText, /*mayBeEmpty=*/false>(property, element);
 }
 
 bool CModelObject::TrySetFrom(int property, const CXmlAttribute& attribute) {
-  return TrySetText(property, CNodeText(attribute).Get());
+  return TrySetText<CNodeText, /*mayBeEmpty=*/true>(property, attribute);
 }
 
 bool CModelObject::TrySetObject(int property, CXmlObjectBase* object) {
@@ -309,6 +323,17 @@ void CModelObject::Unwatch() {
 }
 
 void CModelObject::Ensure(int property) {
+  const CMember member = FindMember(property);
+  if (!member.Is(MemberType::Kind::Collection) || m_class.GetProperty(property).member == nullptr)
+    return EnsureByAccess(property);
+  if (IsSet(property) && member.Type().getObject(member.At()) != nullptr) return;
+  const bool wasFresh = m_isFresh;
+  member.Type().setObject(member.At(), MakeCollection(property));
+  Mark(property);
+  m_isFresh = wasFresh;
+}
+
+void CModelObject::EnsureByAccess(int property) {
   RkVariant value;
   if (IsSet(property)) ReadProperty(property, value);
   if (value.PeekXmlCollection() != nullptr || value.PeekXmlObject() != nullptr) return;
@@ -393,6 +418,18 @@ void CModelObject::BeginFromXml_Int(CXmlElement* element, CXmlElement* firstChil
   m_isFresh = false;
   const ClassModel& model = GetModel();
   if (model.IsInline()) return;
+  const CXmlAttributes& attributes = element->GetAttributes();
+  const bool mayBeUnusual =
+      model.isAbstract || model.isMixed || (model.textProperty < 0 && !CNodeText::IsBlank(*element)) ||
+      std::any_of(attributes.begin(), attributes.end(),
+                  [](const CXmlAttribute* attribute) { return !attribute->GetNamespaceURI().empty(); });
+  if (mayBeUnusual) CheckStart(element, firstChild, context);
+}
+
+// What is asked for of a class that is abstract or mixed, an element with xsi:type or xsi:nil, or misplaced text.
+void CModelObject::CheckStart(const CXmlElement* element, const CXmlElement* firstChild,
+                              const CSerializationContext& context) const {
+  const ClassModel& model = GetModel();
   const auto errorOf = [&](const std::wstring& message) {
     return CRkValidationException(message, element->GetXPath());
   };

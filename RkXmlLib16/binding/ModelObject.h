@@ -206,7 +206,8 @@ class RKXML_EXPORT CModelObject : public CXmlGeneratedClass {
   // The same with the text of an element, which is not empty, or the value of an attribute.
   bool TrySetFrom(int property, const CXmlElement& element);
   bool TrySetFrom(int property, const CXmlAttribute& attribute);
-  inline bool TrySetText(int property, std::wstring_view text);
+  template <class Text, bool mayBeEmpty, class Source>
+  bool TrySetText(int property, const Source& source);
   [[gnu::noinline]] void SetFromTextSlowly(int property, std::wstring_view text, bool& isValue);
   bool MustCheck(int property) const noexcept;
   // Throw when the value may not be set.
@@ -232,6 +233,9 @@ class RKXML_EXPORT CModelObject : public CXmlGeneratedClass {
   CXmlCollectionBase* MakeCollection(int property);
   void Unwatch();
   void Adopt(int property, CXmlObjectBase* object);
+  [[gnu::noinline]] void CheckStart(const CXmlElement* element, const CXmlElement* firstChild,
+                                    const CSerializationContext& context) const;
+  [[gnu::noinline]] void EnsureByAccess(int property);
   void Mark(int property) {
     m_set.Add(property);
     m_isFresh = false;

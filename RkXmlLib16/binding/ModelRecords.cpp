@@ -332,15 +332,16 @@ class CModelWildcards final : public CElementCol {
         m_owner(owner),
         m_member(member) {}
 
-  CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* current, const CSerializationContext& context,
-                           bool) override {
+  CXmlElement* FromXml_Int(CXmlElement*, CXmlElement* current, const CSerializationContext& context, bool) override {
     const auto isFull = [&] { return m_member.stopsAtMaximum && GetCount() >= m_member.maxOccurs; };
     while (current != nullptr && !isFull() && m_member.wildcard->Allows(current->GetNamespaceURI())) {
       CheckWildcardElement(m_owner.schema, m_member.wildcard->process, *current, context);
-      const CSmartPtr<CElement> element(new CElement(L"AnyElement"));
-      current = IsCheck() ? current->GetNextSiblingElement()
-                          : element->FromXml_Int(parent, current, context, /*isOptionalChoice=*/false);
-      Add(element);
+      if (IsCheck()) {
+        Add(CSmartPtr<CElement>(new CElement(L"AnyElement")));
+        current = current->GetNextSiblingElement();
+      } else {
+        current = TakeElement(current, context);
+      }
     }
     return current;
   }

@@ -74,6 +74,7 @@ void CXmlCollection::Clear() {
 void CXmlCollection::Remove(int index) { RemoveNode(GetNodeAtIndex(index)); }
 
 void CXmlCollection::AppendItem(CXmlObjectBase* item) {
+  if (!HasListeners()) return InsertBefore(nullptr, item);
   const auto held = HoldForListeners();
   FireOnCollectionAdd(item);
   InsertBefore(nullptr, item);
@@ -150,14 +151,16 @@ void CXmlCollection::RemoveNode(CNode* node) {
   FireOnCollectionChange();
 }
 
-CXmlCollection::CNode* CXmlCollection::TakeNode() {
-  if (m_free == nullptr) {
-    const std::size_t size = std::size_t{2} << std::min(m_blocks.size(), kLargestBlock);
-    std::unique_ptr<CNode[]> block(new CNode[size]);
-    for (std::size_t i = 0; i + 1 < size; ++i) block[i].m_next = &block[i + 1];
-    m_blocks.push_back(std::move(block));
-    m_free = m_blocks.back().get();
-  }
+void CXmlCollection::AddNodes() {
+  const std::size_t size = std::size_t{2} << std::min(m_blocks.size(), kLargestBlock);
+  std::unique_ptr<CNode[]> block(new CNode[size]);
+  for (std::size_t i = 0; i + 1 < size; ++i) block[i].m_next = &block[i + 1];
+  m_blocks.push_back(std::move(block));
+  m_free = m_blocks.back().get();
+}
+
+inline CXmlCollection::CNode* CXmlCollection::TakeNode() {
+  if (m_free == nullptr) AddNodes();
   CNode* const node = m_free;
   m_free = node->m_next;
   return node;
@@ -167,7 +170,6 @@ void CXmlCollection::InsertBefore(CNode* next, CXmlObjectBase* item) {
   if (m_count == INT_MAX) throw CRkException(L"The collection is full");
   CNode* const node = TakeNode();
   node->m_item = item;
-  const CSmartPtr<CXmlObjectBase> held(HasListeners() ? item : nullptr);  // one of them may take the item out again
   node->m_next = next;
   node->m_previous = next != nullptr ? next->m_previous : m_tail;
   (node->m_previous != nullptr ? node->m_previous->m_next : m_head) = node;
@@ -182,6 +184,8 @@ void CXmlCollection::InsertBefore(CNode* next, CXmlObjectBase* item) {
     else
       m_lastNode = nullptr;
   }
+  if (!HasListeners()) return;
+  const CSmartPtr<CXmlObjectBase> held(item);  // one of them may take the item out again
   FireOnCollectionAddComplete(item);
   FireOnCollectionChange();
 }

@@ -183,6 +183,7 @@ class RKXML_EXPORT CXmlCollection : public CXmlCollectionBase {
   struct Removal;
 
   CNode* TakeNode();
+  RKXML_HIDDEN void AddNodes();
   void InsertBefore(CNode* next, CXmlObjectBase* item);
   void Unlink(CNode* node);
 

@@ -49,7 +49,7 @@ class CXmlName {
   // False for most other names, without a look at the whole.
   bool MayBe(const CNameToken& token) const noexcept {
     const std::wstring& name = token.GetLocalName();
-    return m_length == name.size() && m_text[0] == name[0];
+    return m_length == name.size() && m_text[m_length / 2] == name[m_length / 2];
   }
   // Whether that was found before.
   bool IsKnownAs(const CNameToken& token, const CXmlName& namespaceUri) const noexcept {

@@ -87,14 +87,11 @@ struct Bounds : CPrimitiveRestrictions::Derived {
     return CConversions::FromText<kItem>(text, CWhitespaceUtils::collapse);
   }
 
+  // Of those that are ranked.
   bool SurelyHold(const Value& value) const {
-    if constexpr (kIsRanked<kItem>) {
-      if (!Ranked(value).HasRank()) return false;
-      const std::int64_t rank = Ranked(value).GetRank();
-      return above < rank && rank < below;
-    } else {
-      return false;
-    }
+    if (!Ranked(value).HasRank()) return false;
+    const std::int64_t rank = Ranked(value).GetRank();
+    return above < rank && rank < below;
   }
 
   std::int64_t above = 0, below = 0;  // every rank between them is that of a value within the bounds
@@ -106,7 +103,6 @@ bool MeetsBounds(const XsdValue<kItem>& value, const CPrimitiveRestrictions& fac
   const auto* const derived = facets.GetDerived();
   if (derived != nullptr && derived->m_itemType == kItem) {
     const auto& bounds = static_cast<const Bounds<kItem>&>(*derived);
-    if (bounds.SurelyHold(value)) return true;
     return !(bounds.minInclusive && *bounds.minInclusive > value) &&
            !(bounds.maxInclusive && value > *bounds.maxInclusive) &&
            !(bounds.minExclusive && IsAtMost(value, *bounds.minExclusive)) &&
@@ -119,6 +115,17 @@ bool MeetsBounds(const XsdValue<kItem>& value, const CPrimitiveRestrictions& fac
   if (!facets.GetMaxExclusive().empty() && IsAtMost(bound(facets.GetMaxExclusive()), value)) return false;
   if (derived == nullptr) facets.KeepDerived(std::make_unique<Bounds<kItem>>(facets));
   return true;
+}
+
+// Whether the bounds, as far as they have been read, surely hold.
+template <ItemType kItem>
+bool SurelyMeetsBounds(const XsdValue<kItem>& value, const CPrimitiveRestrictions& facets) {
+  const auto* const derived = facets.GetDerived();
+  if constexpr (kIsRanked<kItem>)
+    return derived != nullptr && derived->m_itemType == kItem &&
+           static_cast<const Bounds<kItem>&>(*derived).SurelyHold(value);
+  else
+    return false;
 }
 
 // The characters of the lexical form.
@@ -220,20 +227,36 @@ Facet BrokenLength(unsigned long length, const CPrimitiveRestrictions& facets) {
 }
 
 template <ItemType kItem>
-void Check(const wchar_t* name, const XsdValue<kItem>& value, const CPrimitiveRestrictions& facets) {
-  if (facets.IsEmpty()) return;
-  bool valid = true;
-  if constexpr (std::is_same_v<XsdValue<kItem>, CBinaryData>)
-    valid = MeetsLengths(value.GetLength(), facets);
-  else
-    valid = MeetsBounds<kItem>(value, facets) && MeetsDigits<kItem>(value, facets);
-  if (valid) return;
+constexpr bool kIsBinary = std::is_same_v<XsdValue<kItem>, CBinaryData>;
+
+template <ItemType kItem>
+[[noreturn, gnu::cold, gnu::noinline]] void Refuse(const wchar_t* name, const XsdValue<kItem>& value,
+                                                   const CPrimitiveRestrictions& facets) {
   Facet broken;
-  if constexpr (std::is_same_v<XsdValue<kItem>, CBinaryData>)
+  if constexpr (kIsBinary<kItem>)
     broken = BrokenLength(value.GetLength(), facets);
   else
     broken = BrokenBound<kItem>(value, facets);
   ThrowInvalid(InvalidMessage<kItem>(name, value), name, Print<kItem>(value), kItem, std::move(broken));
+}
+
+template <ItemType kItem>
+[[gnu::noinline]] void CheckAll(const wchar_t* name, const XsdValue<kItem>& value,
+                                const CPrimitiveRestrictions& facets) {
+  bool valid = true;
+  if constexpr (kIsBinary<kItem>)
+    valid = MeetsLengths(value.GetLength(), facets);
+  else
+    valid = (SurelyMeetsBounds<kItem>(value, facets) || MeetsBounds<kItem>(value, facets)) &&
+            MeetsDigits<kItem>(value, facets);
+  if (!valid) Refuse<kItem>(name, value, facets);
+}
+
+template <ItemType kItem>
+void Check(const wchar_t* name, const XsdValue<kItem>& value, const CPrimitiveRestrictions& facets) {
+  if (facets.IsEmpty()) return;
+  const bool countsDigits = facets.GetTotalDigits() >= 0 || facets.GetFractionDigits() >= 0;
+  if (countsDigits || !SurelyMeetsBounds<kItem>(value, facets)) CheckAll<kItem>(name, value, facets);
 }
 
 struct Pattern : CPrimitiveRestrictions::Derived {
@@ -261,13 +284,18 @@ bool MatchesPattern(const wchar_t* name, const std::wstring& value, const CPrimi
 }
 
 template <>
+[[noreturn, gnu::cold, gnu::noinline]] void Refuse<ItemType_string>(const wchar_t* name, const std::wstring& value,
+                                                                    const CPrimitiveRestrictions& facets) {
+  ThrowInvalid(FormatString(L"Invalid Value for %ls [%ls].", name, value.c_str()), name, value, ItemType_string,
+               MeetsLengths(value, facets) ? Facet{RkFacet_Pattern, facets.GetPattern()}
+                                           : BrokenLength(CharacterCount(value), facets));
+}
+
+template <>
 void Check<ItemType_string>(const wchar_t* name, const std::wstring& value, const CPrimitiveRestrictions& facets) {
   if (facets.IsEmpty()) return;
-  const bool meetsLengths = MeetsLengths(value, facets);
-  if (meetsLengths && (facets.GetPattern().empty() || MatchesPattern(name, value, facets))) return;
-  ThrowInvalid(
-      FormatString(L"Invalid Value for %ls [%ls].", name, value.c_str()), name, value, ItemType_string,
-      meetsLengths ? Facet{RkFacet_Pattern, facets.GetPattern()} : BrokenLength(CharacterCount(value), facets));
+  if (!MeetsLengths(value, facets) || !(facets.GetPattern().empty() || MatchesPattern(name, value, facets)))
+    Refuse<ItemType_string>(name, value, facets);
 }
 
 template <>

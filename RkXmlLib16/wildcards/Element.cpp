@@ -61,6 +61,10 @@ class CElement::TreeReader {
  public:
   explicit TreeReader(const CSerializationContext& context) : m_context(context) {}
 
+  static void Read(CElement& target, const CXmlElement& source, const CSerializationContext& context) {
+    if (!TakeLeaf(target, source)) TreeReader(context).Read(target, source);
+  }
+
   void Read(CElement& target, const CXmlElement& source) {
     struct Level {
       CElement* element;
@@ -97,6 +101,20 @@ class CElement::TreeReader {
   }
 
  private:
+  // An element with nothing in it but a text without prefixes, for which no reader is made; false, and nothing done,
+  // for others.
+  static bool TakeLeaf(CElement& element, const CXmlElement& source) {
+    if (source.GetFirstElement() != nullptr || !source.GetAttributes().empty() || source.GetSections() != nullptr)
+      return false;
+    const CNodeText held(source);
+    const wstring_view text = held.Get();
+    if (text.find(L':') != wstring_view::npos) return false;
+    element.m_elementName.Set(source.GetLocalName());
+    element.m_namespaceUri = source.GetDocument()->ShareName(source.GetNamespaceRef());
+    element.m_text = text;
+    return true;
+  }
+
   // Returns whether the element has a map of its own.
   bool Take(CElement& element, const CXmlElement& source, bool isBelowOwn) {
     m_used.clear();
@@ -380,7 +398,7 @@ CElement::CElement(const wchar_t* name, const wchar_t* namespaceUri, const wchar
 
 CElement::CElement(const CNamespaceRule& rule, const CXmlElement& source, const CSerializationContext& context)
     : m_rule(rule) {
-  TreeReader(context).Read(*this, source);
+  TreeReader::Read(*this, source, context);
 }
 
 CElement::~CElement() { Destroy(m_children); }
@@ -418,7 +436,7 @@ void CElement::FromXmlElement(const CXmlElement* element, const CSerializationCo
   m_text.clear();
   m_sections = nullptr;
   m_prefixes = nullptr;
-  TreeReader(context).Read(*this, *element);
+  TreeReader::Read(*this, *element, context);
 }
 
 const wchar_t* CElement::GetNamespace() const { return m_namespaceUri != nullptr ? m_namespaceUri->c_str() : L""; }

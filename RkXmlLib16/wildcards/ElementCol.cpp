@@ -27,11 +27,7 @@ void CElementCol::ToXml_Int(CXmlWriter* writer, bool /*registerNamespaces*/, con
 
 CXmlElement* CElementCol::FromXml_Int(CXmlElement* /*parent*/, CXmlElement* current,
                                       const CSerializationContext& context, bool /*isOptionalChoice*/) {
-  for (; current != nullptr && m_rule.Admits(current->GetNamespaceURI()); current = current->GetNextSiblingElement()) {
-    CErrorSession::NoteRead(context, current);
-    const CSmartPtr<CElement> element(new CElement(m_rule, *current, context));
-    CXmlCollection::AppendItem(element);
-  }
+  while (current != nullptr && m_rule.Admits(current->GetNamespaceURI())) current = TakeElement(current, context);
   return current;
 }
 
@@ -39,13 +35,16 @@ CXmlElement* CElementCol::FromXmlLockElementName_Int(const wchar_t* elementName,
                                                      CXmlElement* /*parent*/, CXmlElement* current,
                                                      const CSerializationContext& context) {
   const std::wstring_view name(TextOrEmpty(elementName));
-  for (; current != nullptr && current->GetLocalName() == name && m_rule.Admits(current->GetNamespaceURI());
-       current = current->GetNextSiblingElement()) {
-    CErrorSession::NoteRead(context, current);
-    const CSmartPtr<CElement> element(new CElement(m_rule, *current, context));
-    CXmlCollection::AppendItem(element);
-  }
+  while (current != nullptr && current->GetLocalName() == name && m_rule.Admits(current->GetNamespaceURI()))
+    current = TakeElement(current, context);
   return current;
+}
+
+CXmlElement* CElementCol::TakeElement(CXmlElement* element, const CSerializationContext& context) {
+  CErrorSession::NoteRead(context, element);
+  const CSmartPtr<CElement> item(new CElement(m_rule, *element, context));
+  CXmlCollection::AppendItem(item);
+  return element->GetNextSiblingElement();
 }
 
 const wchar_t* CElementCol::GetNamespaceConstraint() const noexcept { return m_rule.GetConstraint(); }

@@ -56,6 +56,10 @@ class RKXML_EXPORT CElementCol : public CXmlCollection {
   const wchar_t* GetNamespaceConstraint() const noexcept;
   const wchar_t* GetConstraintTargetNamespace() const noexcept;
 
+ protected:
+  // Appends the element, which is admitted, with all below it; returns the element behind it.
+  RKXML_HIDDEN CXmlElement* TakeElement(CXmlElement* element, const CSerializationContext& context);
+
  private:
   void Test(const CElement* element) const;
 

@@ -27,8 +27,8 @@ class SkippedRuns {
   CElementInfo** Pass(CElementInfo** from, const CXmlElement* next) {
     const RkXmlLib16::CXmlName* const localName = next != nullptr ? next->GetLocalNameRef() : nullptr;
     const RkXmlLib16::CXmlName* const namespaceUri = next != nullptr ? next->GetNamespaceRef() : nullptr;
-    const auto place =
-        reinterpret_cast<std::uintptr_t>(from) / sizeof(void*) + reinterpret_cast<std::uintptr_t>(localName) / 16;
+    const std::uintptr_t ordinal = next != nullptr ? localName->GetOrdinal() : 0;
+    const std::uintptr_t place = reinterpret_cast<std::uintptr_t>(from) / sizeof(void*) + 11 * ordinal;
     Run& run = m_runs[place % m_runs.size()];
     if (run.from != from || run.localName != localName || run.namespaceUri != namespaceUri) {
       run = {from, localName, namespaceUri, from};
