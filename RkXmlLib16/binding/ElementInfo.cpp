@@ -178,15 +178,23 @@ void CElementInfo::InvokePropertySet(CXmlGeneratedClass* object, RkVariant& valu
   InvokeSet(element, [&] { object->AccessProperty(m_propertyIndex, /*get=*/false, value); });
 }
 
+namespace {
+
+[[gnu::noinline]] void SetByVariant(const CElementInfo& info, CXmlGeneratedClass* object, CXmlObjectBase* child,
+                                    const CXmlElement& element) {
+  ReadingValue value(/*charCount=*/0);
+  value.Get().SetXmlObject(child);
+  info.InvokePropertySet(object, value.Get(), element);
+}
+
+}  // namespace
+
 void CElementInfo::InvokeObjectSet(CXmlGeneratedClass* object, CXmlObjectBase* child,
                                    const CXmlElement& element) const {
   bool isSet = false;
   if (m_isOfModel)
     InvokeSet(element, [&] { isSet = static_cast<CModelObject*>(object)->TrySetObject(m_propertyIndex, child); });
-  if (isSet) return;
-  ReadingValue value(/*charCount=*/0);
-  value.Get().SetXmlObject(child);
-  InvokePropertySet(object, value.Get(), element);
+  if (!isSet) SetByVariant(*this, object, child, element);
 }
 
 bool CElementInfo::ElementToXmlCol(const CSerializationContext& context, const CXmlGeneratedClass* object,

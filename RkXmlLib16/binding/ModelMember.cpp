@@ -57,7 +57,7 @@ bool IsKept(CWhitespaceUtils::WhitespaceRule rule) {
   return rule == CWhitespaceUtils::preserve || rule == CWhitespaceUtils::none;
 }
 
-void Assign(std::wstring& value, std::wstring_view text) {
+[[gnu::always_inline]] inline void Assign(std::wstring& value, std::wstring_view text) {
   if (text.size() > value.capacity())
     value = std::wstring(text);  // in fewer steps than assign
   else

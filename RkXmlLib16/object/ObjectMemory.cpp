@@ -27,14 +27,16 @@ void CObjectMemory::Release(Block* block) noexcept {
   if (block->users.Decrement() == 0) ::operator delete(block);
 }
 
-void* CObjectMemory::Take(std::size_t size) {
+void CObjectMemory::StartBlock() {
   static_assert(sizeof(Block) + sizeof(Head) <= kAlignment);
-  if (m_used + size > kBlock) {
-    auto* const block = ::new (::operator new(kBlock)) Block;
-    LeaveBlock();
-    m_block = block;
-    m_used = kAlignment;
-  }
+  auto* const block = ::new (::operator new(kBlock)) Block;
+  LeaveBlock();
+  m_block = block;
+  m_used = kAlignment;
+}
+
+inline void* CObjectMemory::Take(std::size_t size) {
+  if (m_used + size > kBlock) StartBlock();
   m_block->users.Increment();
   unsigned char* const memory = reinterpret_cast<unsigned char*>(m_block) + m_used;
   m_used += (size + sizeof(Head) + kAlignment - 1) / kAlignment * kAlignment;

@@ -42,6 +42,7 @@ class CObjectMemory {
   static void* Place(unsigned char* memory, Block* block) noexcept;
   static void Release(Block* block) noexcept;
   void* Take(std::size_t size);
+  void StartBlock();
   void LeaveBlock() noexcept {
     if (m_block != nullptr) Release(m_block);
   }
