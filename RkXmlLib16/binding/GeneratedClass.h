@@ -92,17 +92,19 @@ class RKXML_EXPORT CXmlGeneratedClass : public CXmlObjectBase {
  private:
   void WriteElement(CXmlWriter* writer, bool registerNamespaces, const wchar_t* namespaceUri,
                     const CSerializationContext& context, bool isOptionalChoice) const;
-  void WriteContent(CXmlWriter* writer, const CSerializationContext& context,
-                    const RkXmlLib16Data::CParentElementInfo& info, bool isOptionalChoice) const;
+  inline void WriteContent(CXmlWriter* writer, const CSerializationContext& context,
+                           const RkXmlLib16Data::CParentElementInfo& info, bool isOptionalChoice) const;
   [[gnu::noinline]] void WriteSimpleContent(CXmlWriter* writer, const RkXmlLib16Data::CParentElementInfo& info) const;
   void ProcessAttributesToXml(const CSerializationContext& context, RkXmlLib16Data::CElementInfo** elementInfos,
                               RkXmlLib16Data::CAttributeInfo** attributeInfos, CXmlWriter* writer) const;
-  void ProcessElementSeqToXml(const CSerializationContext& context, RkXmlLib16Data::CElementInfo** infos,
-                              CXmlWriter* writer) const;
+  inline void ProcessElementSeqToXml(const CSerializationContext& context, RkXmlLib16Data::CElementInfo** infos,
+                                     CXmlWriter* writer) const;
+  [[gnu::noinline]] void WriteRecords(const CSerializationContext& context, RkXmlLib16Data::CElementInfo** infos,
+                                      CXmlWriter* writer) const;
   void ProcessElementChoiceToXml(const CSerializationContext& context, RkXmlLib16Data::CElementInfo** infos,
                                  CXmlWriter* writer, bool isOptionalChoice) const;
-  void ProcessElementAllToXml(const CSerializationContext& context, RkXmlLib16Data::CElementInfo** infos,
-                              CXmlWriter* writer) const;
+  inline void ProcessElementAllToXml(const CSerializationContext& context, RkXmlLib16Data::CElementInfo** infos,
+                                     CXmlWriter* writer) const;
 
   // This object as CModelObject if these are the records of its model, else null: classes may have records of their
   // own.

@@ -90,8 +90,8 @@ void CXmlGeneratedClass::WriteElement(CXmlWriter* writer, bool registerNamespace
   if (ownElement) CRecordOutput::WriteEnd(*writer);
 }
 
-void CXmlGeneratedClass::WriteContent(CXmlWriter* writer, const CSerializationContext& context,
-                                      const CParentElementInfo& info, bool isOptionalChoice) const {
+inline void CXmlGeneratedClass::WriteContent(CXmlWriter* writer, const CSerializationContext& context,
+                                             const CParentElementInfo& info, bool isOptionalChoice) const {
   CElementInfo** const infos = GetClassElementInfo();
   switch (info.GetGroupType()) {
     case XmlElementGroupType_Sequence:
@@ -138,13 +138,16 @@ inline const CModelObject* CXmlGeneratedClass::AsModel(CElementInfo** infos) con
   return model->CModelObject::GetClassElementInfo() == infos ? model : nullptr;
 }
 
-void CXmlGeneratedClass::ProcessElementSeqToXml(const CSerializationContext& context, CElementInfo** infos,
-                                                CXmlWriter* writer) const {
-  if (const CModelObject* const model = AsModel(infos)) {
+inline void CXmlGeneratedClass::ProcessElementSeqToXml(const CSerializationContext& context, CElementInfo** infos,
+                                                       CXmlWriter* writer) const {
+  if (const CModelObject* const model = AsModel(infos))
     model->WriteMembers(context, writer, /*isChoice=*/false);
-    return;
-  }
-  if (infos == nullptr) return;
+  else if (infos != nullptr)
+    WriteRecords(context, infos, writer);
+}
+
+void CXmlGeneratedClass::WriteRecords(const CSerializationContext& context, CElementInfo** infos,
+                                      CXmlWriter* writer) const {
   RkVariant* value = nullptr;  // unused, if it is there
   for (CElementInfo** info = infos; *info != nullptr; ++info) {
     const CElementInfo& record = **info;
@@ -162,8 +165,8 @@ void CXmlGeneratedClass::ProcessElementSeqToXml(const CSerializationContext& con
   }
 }
 
-void CXmlGeneratedClass::ProcessElementAllToXml(const CSerializationContext& context, CElementInfo** infos,
-                                                CXmlWriter* writer) const {
+inline void CXmlGeneratedClass::ProcessElementAllToXml(const CSerializationContext& context, CElementInfo** infos,
+                                                       CXmlWriter* writer) const {
   ProcessElementSeqToXml(context, infos, writer);
 }
 

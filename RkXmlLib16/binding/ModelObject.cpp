@@ -19,6 +19,11 @@ using namespace RkXmlLib16Data;
 
 namespace {
 
+[[noreturn, gnu::cold]] void ThrowMandatory(const CNameToken& name) {
+  throw CRkInvalidParamException(
+      FormatString(L"The Property [%ls] is mandatory, it may not be NULL", name.GetLocalName().c_str()));
+}
+
 bool IsValue(const RkVariant& value) { return value.IsValid() && !value.IsNil(); }
 
 void CheckFacets(const wchar_t* name, const ModelProperty& property, const RkVariant& value) {
@@ -472,15 +477,14 @@ CXmlObjectBase* CModelObject::PeekObject(int property) const {
 }
 
 inline std::wstring_view CModelObject::PeekText(int property, TextSpace& space) const {
-  if (!IsSet(property)) return {};
   const CMember member = const_cast<CModelObject*>(this)->FindMember(property);  // which changes nothing
   if (!member.Is(MemberType::Kind::Value)) return {};
   return member.Type().print(member.At(), m_class.GetProperty(property), space);
 }
 
 // Apart, so that the objects inside each other do not all have the space on the stack.
-[[gnu::noinline]] bool CModelObject::WriteValue(const CElementInfo& record, const CSerializationContext& context,
-                                                CXmlWriter* writer) const {
+bool CModelObject::WriteValue(const CElementInfo& record, const CSerializationContext& context,
+                              CXmlWriter* writer) const {
   TextSpace space(writer->GetValueBuffer());
   const std::wstring_view text = PeekText(record.GetPropertyIndex(), space);
   if (text.data() == nullptr) return false;
@@ -488,33 +492,36 @@ inline std::wstring_view CModelObject::PeekText(int property, TextSpace& space) 
   return true;
 }
 
-inline bool CModelObject::WriteMember(const CElementInfo& record, const CSerializationContext& context,
+inline bool CModelObject::WriteMember(const CElementInfo& record, bool isSet, const CSerializationContext& context,
                                       CXmlWriter* writer) const {
-  return (record.IsModelValue() && WriteValue(record, context, writer)) || record.ElementToXml(context, this, writer);
+  return (isSet && record.IsModelValue() && WriteValue(record, context, writer)) ||
+         record.ElementToXml(context, this, writer);
 }
 
 bool CModelObject::WriteMembers(const CSerializationContext& context, CXmlWriter* writer, bool isChoice) const {
   const WrittenMembers& members = m_class.GetWritten();
-  std::uint64_t left = (m_set.GetFirst() & members.ifSet) | members.always;
+  const std::uint64_t set = m_set.GetFirst();
+  std::uint64_t left = (set & members.ifSet) | members.always;
   for (; left != 0; left &= left - 1) {
     const auto property = static_cast<std::size_t>(__builtin_ctzll(left));
-    if (WriteMember(*members.first[property], context, writer) && isChoice) return true;
+    const bool isSet = (set >> property & 1) != 0;
+    if (WriteMember(*members.first[property], isSet, context, writer) && isChoice) return true;
   }
   for (const WrittenMembers::Other& other : members.others) {
-    if (other.isOnlyIfSet && !IsSet(other.record->GetPropertyIndex())) continue;
-    if (WriteMember(*other.record, context, writer) && isChoice) return true;
+    const bool isSet = IsSet(other.record->GetPropertyIndex());
+    if (!isSet && other.isOnlyIfSet) continue;
+    if (WriteMember(*other.record, isSet, context, writer) && isChoice) return true;
   }
   return false;
 }
 
-void CModelObject::WriteAttributes(const CSerializationContext& context, CXmlWriter* writer) const {
+inline void CModelObject::WriteAttributes(const CSerializationContext& context, CXmlWriter* writer) const {
   const WrittenMembers& members = m_class.GetWritten();
   TextSpace space(writer->GetValueBuffer());
   for (const WrittenMembers::Attribute& attribute : members.attributes) {
     if (!IsSet(attribute.property)) {
       if (attribute.isOptional) continue;
-      throw CRkInvalidParamException(
-          FormatString(L"The Property [%ls] is mandatory, it may not be NULL", attribute.name.GetLocalName().c_str()));
+      ThrowMandatory(attribute.name);
     }
     const std::wstring_view text = PeekText(attribute.property, space);
     if (text.data() == nullptr)
@@ -525,11 +532,14 @@ void CModelObject::WriteAttributes(const CSerializationContext& context, CXmlWri
   if (members.attributeWildcard != nullptr) members.attributeWildcard->AttributeToXml(context, this, writer);
 }
 
+void CModelObject::DeclarePrefixes(CXmlWriter& writer) const {
+  for (const auto& [prefix, uri] : *m_prefixes) writer.DeclareNamespace(prefix, uri);
+}
+
 void CModelObject::AttributesToXml_Int(CXmlWriter* writer, const CSerializationContext& context) const {
   try {
     const ClassModel& model = GetModel();
-    if (m_prefixes != nullptr)
-      for (const auto& [prefix, uri] : *m_prefixes) writer->DeclareNamespace(prefix, uri);
+    if (m_prefixes != nullptr) DeclarePrefixes(*writer);
     const bool isOther = m_declaration == nullptr || (model.simple != nullptr ? m_declaration->simple != model.simple
                                                                               : m_declaration->object != &model);
     if (!model.IsInline() && isOther && model.name[0] != L'\0' && context.GetWriteTypeAttribute())

@@ -63,7 +63,7 @@ class CPropertySet {
     int number;
     std::uint64_t bits;
   };
-  RKXML_EXPORT bool HasMore(int property) const noexcept;
+  [[gnu::cold]] RKXML_EXPORT bool HasMore(int property) const noexcept;
   RKXML_EXPORT void AddMore(int property);
   RKXML_EXPORT void RemoveMore(int property) noexcept;
 
@@ -214,17 +214,18 @@ class RKXML_EXPORT CModelObject : public CXmlGeneratedClass {
   void CheckValue(int property, CMember value);
   void CheckSet(int property, RkVariant& value);
   void CheckText(int property, RkVariant& value);
-  // The lexical form of the property of a value, the object's own or in the space; without data when it is not set, or
-  // only AccessProperty can tell. Such a value was checked when it was set.
-  std::wstring_view PeekText(int property, TextSpace& space) const;
-  // Writes the property of an element; false when that is left to the record.
-  bool WriteValue(const RkXmlLib16Data::CElementInfo& record, const CSerializationContext& context,
-                  CXmlWriter* writer) const;
-  bool WriteMember(const RkXmlLib16Data::CElementInfo& record, const CSerializationContext& context,
-                   CXmlWriter* writer) const;
+  // The lexical form of the property of a value, which is set, the object's own or in the space; without data when only
+  // AccessProperty can tell. Such a value was checked when it was set.
+  inline std::wstring_view PeekText(int property, TextSpace& space) const;
+  // Writes the property of an element, which is set; false when that is left to the record.
+  [[gnu::noinline]] bool WriteValue(const RkXmlLib16Data::CElementInfo& record, const CSerializationContext& context,
+                                    CXmlWriter* writer) const;
+  inline bool WriteMember(const RkXmlLib16Data::CElementInfo& record, bool isSet, const CSerializationContext& context,
+                          CXmlWriter* writer) const;
   // Of a choice, only one member; whether there was one to write.
   bool WriteMembers(const CSerializationContext& context, CXmlWriter* writer, bool isChoice) const;
-  void WriteAttributes(const CSerializationContext& context, CXmlWriter* writer) const;
+  inline void WriteAttributes(const CSerializationContext& context, CXmlWriter* writer) const;
+  [[gnu::cold]] void DeclarePrefixes(CXmlWriter& writer) const;
   // Throws when another member of the choice is set.
   void Select(int property);
   bool IsFilled(int property) const;

@@ -746,8 +746,7 @@ inline bool CFastInfosetWriter::IsUtf8(const EncodedCharacterString& wanted) con
 }
 
 template <class Value>
-[[gnu::always_inline]] inline void CFastInfosetWriter::NonIdentifyingStringOrIndex(std::wstring_view text,
-                                                                                   ItemType type) {
+void CFastInfosetWriter::NonIdentifyingStringOrIndex(std::wstring_view text, ItemType type) {
   const bool isShort = text.length() < Value::MaxAddLength(m_fiContext);
   CFIKey key;
   if (isShort) {

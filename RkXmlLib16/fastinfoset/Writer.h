@@ -149,7 +149,7 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
   struct AttributeValue;
   struct Chunk;
   template <class Value>
-  void NonIdentifyingStringOrIndex(std::wstring_view text, ItemType type);
+  [[gnu::always_inline]] inline void NonIdentifyingStringOrIndex(std::wstring_view text, ItemType type);
   template <class Value>
   [[gnu::noinline]] void Literal(std::wstring_view text, ItemType type, const CFIKey* key);
   const EncodedCharacterString& EncodingOf(ItemType type) const;

@@ -463,8 +463,10 @@ void CJsonTextWriter::WriteEndElement() {
   CXmlWriterContext& context = *m_context;
   CloseArray(context, Top(), true);
   if (!m_valuePending) {
-    Put(LineStart(context.m_depth));
-    m_out.Append(L'}');
+    const std::wstring_view start = LineStart(context.m_depth);
+    wchar_t* const to = WideText::Copy(m_out.Reserve(start.size() + 1), start);
+    *to = L'}';
+    m_out.Commit(to + 1);
   } else if (m_textPending) {
     if (m_itemPending) WriteItemAsMember(context);
     if (m_text.empty()) {

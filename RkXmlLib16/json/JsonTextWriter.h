@@ -110,7 +110,7 @@ class RKXML_EXPORT CJsonTextWriter : public CXmlWriter {
   void PutMember(bool isFurther, std::wstring_view marker, const std::wstring& prefix, const std::wstring& localName,
                  std::wstring_view value, bool quoted);
   // Of attributes.
-  std::wstring_view GetMarker() const { return m_roundTrip == JsonRoundTrip_Plain ? std::wstring_view() : L"@"; }
+  std::wstring_view GetMarker() const { return {L"@", m_roundTrip == JsonRoundTrip_Plain ? 0u : 1u}; }
   void StartMember(bool isItem, bool isUndecided);
   // `isClean`: without NUL and without characters that are escaped.
   void WriteShortValue(wchar_t* to, std::wstring_view text, bool quoted, bool isClean);

@@ -45,11 +45,17 @@ class RKXML_EXPORT CConversions {
   // The same in the space, or the value itself where it is a string.
   template <ItemType kItem>
   static std::wstring_view GetText(const XsdValue<kItem>& value, TextSpace& space, const wchar_t* format = nullptr) {
+    static_assert(CDecimal::kFewCharacters <= TextSpace::kFewCharacters);
+    static_assert(CDateTime::kPlainCharacters <= TextSpace::kFewCharacters);
+    const bool isPlain = format == nullptr || *format == L'\0';
+    wchar_t* const end = space.few + TextSpace::kFewCharacters;
     if constexpr (kItem == ItemType_string) {
       return value;
+    } else if constexpr (kItem == ItemType_dateTime) {
+      return value.GetText(end, space.longer);
     } else {
-      const bool isPlain = format == nullptr || *format == L'\0';
-      wchar_t* const end = space.few + TextSpace::kFewCharacters;
+      if constexpr (kItem == ItemType_decimal)
+        if (isPlain) return value.GetText(end, space.longer);
       if (const wchar_t* const first = isPlain ? WriteFew<kItem>(value, end) : nullptr)
         return {first, static_cast<std::size_t>(end - first)};
       space.longer.clear();
@@ -57,18 +63,13 @@ class RKXML_EXPORT CConversions {
       return space.longer;
     }
   }
-  // Writes the lexical form of an integer, a decimal or a dateTime, if it is one of few characters, so that it ends
-  // before `end`, and returns its start. Null, and nothing of use written, for others. There must be space for
-  // TextSpace::kFewCharacters.
+  // Writes the lexical form of an integer, if it is one of few characters, so that it ends before `end`, and returns
+  // its start. Null, and nothing of use written, for others. There must be space for TextSpace::kFewCharacters.
   template <ItemType kItem>
   static const wchar_t* WriteFew(const XsdValue<kItem>& value, wchar_t* end) {
-    static_assert(CDecimal::kFewCharacters <= TextSpace::kFewCharacters);
     static_assert(CBigInteger::kFewCharacters <= TextSpace::kFewCharacters);
-    static_assert(CDateTime::kPlainCharacters <= TextSpace::kFewCharacters);
-    if constexpr (kItem == ItemType_decimal || kItem == ItemType_integer)
+    if constexpr (kItem == ItemType_integer)
       return value.WriteFew(end);
-    else if constexpr (kItem == ItemType_dateTime)
-      return value.WritePlain(end);
     else if constexpr ((kItem >= ItemType_byte && kItem <= ItemType_unsignedLong) || kItem == ItemType_gYear)
       return WriteInteger(value, end);
     else

@@ -458,8 +458,9 @@ std::wstring CDateTime::ToString(const wchar_t* format) const {
   return std::wstring(L"Unknown Format: ").append(name);
 }
 
-// Two digits in each place.
-const wchar_t* CDateTime::WritePlain(wchar_t* end) const noexcept {
+// Writes the text of a valid dateTime without fraction and offset so that it ends before `end`, two digits in each
+// place, and returns its start; null, and nothing written, for others.
+inline const wchar_t* CDateTime::WritePlain(wchar_t* end) const noexcept {
   constexpr int kTwoDigits = 64;  // the fields of a valid value stay below it, together too
   if (m_type != dt_dateTime || m_year <= 0 || m_year > MAX_YEAR || m_hasTimeZone ||
       (m_month | m_day | m_hour | m_minute | m_second) >= kTwoDigits ||
@@ -481,6 +482,21 @@ const wchar_t* CDateTime::WritePlain(wchar_t* end) const noexcept {
   put(14, m_minute);
   put(17, m_second);
   return text;
+}
+
+namespace {
+
+[[gnu::noinline]] std::wstring_view TextIn(std::wstring& longer, const CDateTime& value) {
+  longer.clear();
+  value.AppendTo(longer);
+  return longer;
+}
+
+}  // namespace
+
+std::wstring_view CDateTime::GetText(wchar_t* end, std::wstring& longer) const {
+  const wchar_t* const first = WritePlain(end);
+  return first != nullptr ? std::wstring_view(first, static_cast<std::size_t>(end - first)) : TextIn(longer, *this);
 }
 
 void CDateTime::AppendTo(std::wstring& out) const {

@@ -138,10 +138,10 @@ class RKXML_EXPORT CDateTime {
   std::wstring ToString() const;
   std::wstring ToString(const wchar_t* format) const;
   void AppendTo(std::wstring& out) const;
-  // Writes the text of a valid dateTime without fraction and offset so that it ends before `end`, and returns its
-  // start. Null, and nothing written, for others. There must be space for kPlainCharacters.
+  // The text: of a valid dateTime without fraction and offset in the space before `end`, where there must be space for
+  // kPlainCharacters, else in `longer`, which is overwritten.
   static constexpr std::size_t kPlainCharacters = 20;
-  const wchar_t* WritePlain(wchar_t* end) const noexcept;
+  std::wstring_view GetText(wchar_t* end, std::wstring& longer) const;
 
   // The order relation of XML Schema: Datatypes: a value with a zone and one without are ordered when they are more
   // than 14 hours apart. A time of day that is moved to UTC stays on its day: 00:30:00+01:00 equals 23:30:00Z.
@@ -185,6 +185,7 @@ class RKXML_EXPORT CDateTime {
   void ReadDate(std::wstring_view text);
   void ReadTime(std::wstring_view text);
   void ReadZone(std::wstring_view text);
+  inline const wchar_t* WritePlain(wchar_t* end) const noexcept;
 
   DTType m_type = dt_none;
   short m_year = 0;

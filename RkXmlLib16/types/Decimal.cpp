@@ -332,26 +332,45 @@ std::wstring CDecimal::ToString(int fractionDigits) const {
   return text;
 }
 
-const wchar_t* CDecimal::WriteFew(wchar_t* end) const noexcept {
-  const CDigitVector& integer = m_integer.GetDigits();
-  const CDigitVector& fraction = m_fraction.GetDigits();
-  if (!integer.FitsPacked() || !fraction.FitsPacked() || m_divider > static_cast<int>(kPackedDigits)) return nullptr;
-  const std::uint64_t whole = integer.GetPacked();
-  const std::uint64_t part = fraction.GetPacked();
+namespace {
+
+// Writes the text so that it ends before `end`, and returns its start; null, and nothing written, when it is longer.
+inline const wchar_t* WriteFew(const CDecimal& value, wchar_t* end) {
+  const CBigInteger& integer = value.GetIntegerPart();
+  const CBigInteger& fraction = value.GetFractionPart();
+  const int divider = value.GetFractionalDivider();
+  if (!integer.GetDigits().FitsPacked() || !fraction.GetDigits().FitsPacked() ||
+      divider > static_cast<int>(kPackedDigits))
+    return nullptr;
+  const std::uint64_t whole = integer.GetDigits().GetPacked();
+  const std::uint64_t part = fraction.GetDigits().GetPacked();
   if (part != 0) {
     PutDigitsBackwards(part, end);
-    end -= m_divider + 1;
+    end -= divider + 1;
     *end = L'.';
   }
   PutDigitsBackwards(whole, end);
-  end -= integer.empty() ? 1 : integer.size();
-  if ((whole != 0 ? m_integer : m_fraction).GetSign() < 0 && (whole | part) != 0) *--end = L'-';
+  end -= integer.GetDigits().empty() ? 1 : integer.GetDigits().size();
+  if ((whole != 0 ? integer : fraction).GetSign() < 0 && (whole | part) != 0) *--end = L'-';
   return end;
+}
+
+[[gnu::noinline]] std::wstring_view TextIn(std::wstring& longer, const CDecimal& value) {
+  longer.clear();
+  value.AppendTo(longer);
+  return longer;
+}
+
+}  // namespace
+
+std::wstring_view CDecimal::GetText(wchar_t* end, std::wstring& longer) const {
+  const wchar_t* const first = WriteFew(*this, end);
+  return first != nullptr ? std::wstring_view(first, static_cast<std::size_t>(end - first)) : TextIn(longer, *this);
 }
 
 void CDecimal::AppendTo(std::wstring& out) const {
   wchar_t few[kFewCharacters];
-  if (const wchar_t* const first = WriteFew(std::end(few))) {
+  if (const wchar_t* const first = WriteFew(*this, std::end(few))) {
     out.append(first, static_cast<std::size_t>(std::end(few) - first));
     return;
   }

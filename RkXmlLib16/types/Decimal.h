@@ -50,10 +50,10 @@ class RKXML_EXPORT CDecimal {
   // With exactly `fractionDigits` fraction digits (none and no point for 0), one half toward zero.
   std::wstring ToString(int fractionDigits) const;
   void AppendTo(std::wstring& out) const;
-  // Writes the text of a value of up to eight digits on each side of the point so that it ends before `end`, and
-  // returns its start. Null, and nothing written, for others. There must be space for kFewCharacters.
+  // The text: of a value of up to eight digits on each side of the point in the space before `end`, where there must be
+  // space for kFewCharacters, else in `longer`, which is overwritten.
   static constexpr std::size_t kFewCharacters = 18;
-  const wchar_t* WriteFew(wchar_t* end) const noexcept;
+  std::wstring_view GetText(wchar_t* end, std::wstring& longer) const;
 
   // Strips trailing zeros of the fraction; the divider stays at least 1.
   void Rationalise();

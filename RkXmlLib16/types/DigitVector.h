@@ -80,11 +80,11 @@ class RKXML_EXPORT CDigitVector {
     SetSize(static_cast<std::uint32_t>(bits + 7) / 8);
     std::memcpy(data(), &packed, sizeof packed);
   }
-  // Whether there are no more than eight digits, and what AssignPacked makes them of then.
-  bool FitsPacked() const noexcept { return size() <= sizeof(std::uint64_t); }
+  // Whether there are no more than eight digits, and never more were, and what AssignPacked makes them of then.
+  bool FitsPacked() const noexcept { return m_size <= sizeof(std::uint64_t); }
   std::uint64_t GetPacked() const noexcept {
     std::uint64_t packed = 0;
-    std::memcpy(&packed, data(), sizeof packed);
+    std::memcpy(&packed, m_own, sizeof packed);
     return empty() ? 0 : packed & ~std::uint64_t{0} >> (64 - 8 * size());
   }
   // New digits are `digit`.
