@@ -100,13 +100,15 @@ unsigned long CFIStringTable::Find(std::wstring_view text) const {
 
 // Short texts, which are most, without a call.
 unsigned long CFIStringTable::Find(std::wstring_view text, CFIKey& key) const {
-  if (m_hashed != size()) {
-    HashNewEntries();
-    return Find(text, key);
-  }
+  if (m_hashed != size()) return FindAfterHashing(text, key);
   if (!WideText::PackEight(text, key.octets)) return FindByHash(m_hash, *this, text, key);
   key.length = static_cast<std::uint32_t>(text.length());
   return m_hash.Find(key, IsAlreadyWhole);
+}
+
+unsigned long CFIStringTable::FindAfterHashing(std::wstring_view text, CFIKey& key) const {
+  HashNewEntries();
+  return Find(text, key);
 }
 
 unsigned long CFIStringTable::Add(std::wstring_view text) {

@@ -68,6 +68,7 @@ using Declaration = CNamespaceDeclaration;
 // With more declarations, in effect or hidden, or more scopes inside each other, prefixes are counted.
 constexpr std::size_t kFewDeclarations = 16;
 constexpr int kFewScopes = 16;
+constexpr std::size_t kLongText = 64;  // longer ones are written in more than one step by some forms
 
 }  // namespace
 
@@ -576,10 +577,18 @@ void CXmlWriter::TextElement(const std::wstring& localName, const std::wstring& 
   output->TextElement(*m_expectedName, text, type, /*isCanonical=*/false);
 }
 
-inline const CNameToken* CXmlWriter::FindToken(const CSharedName& localName, const SharedText& namespaceUri) {
+// A token that was found before, without a call.
+inline const CNameToken* CXmlWriter::FindKnownToken(const CSharedName& localName,
+                                                    const SharedText& namespaceUri) const noexcept {
+  const bool mayBeKnown = m_documentNames != nullptr && CRecordOutput::Of(*this) != nullptr;
+  return mayBeKnown ? m_documentNames->FindKnown(localName, namespaceUri) : nullptr;
+}
+
+const CNameToken* CXmlWriter::FindToken(const CSharedName& localName, const SharedText& namespaceUri) {
   if (CRecordOutput::Of(*this) == nullptr || (namespaceUri != nullptr && !CNamespacePool::IsShort(*namespaceUri)))
     return nullptr;
   if (m_documentNames == nullptr) m_documentNames = std::make_unique<CDocumentNames>();
+  if (const CNameToken* const known = m_documentNames->FindKnown(localName, namespaceUri)) return known;
   bool isNew = false;
   const CNameToken& token = m_documentNames->Find(localName, namespaceUri, *m_pool, isNew);
   return isNew && !m_recordOutput->TakesNewNames() ? nullptr : &token;
@@ -592,13 +601,26 @@ inline const std::wstring& CXmlWriter::TextOf(const SharedText& namespaceUri) {
 }
 
 void CXmlWriter::StartElement(const CSharedName& localName, const SharedText& namespaceUri) {
+  if (const CNameToken* const token = FindKnownToken(localName, namespaceUri))
+    return m_recordOutput->StartElement(*token);
+  OtherStartElement(localName, namespaceUri);
+}
+
+void CXmlWriter::OtherStartElement(const CSharedName& localName, const SharedText& namespaceUri) {
   if (const CNameToken* const token = FindToken(localName, namespaceUri)) return m_recordOutput->StartElement(*token);
   WriteStartElement(localName.Get(), TextOf(namespaceUri));
 }
 
 void CXmlWriter::TextElement(const CSharedName& localName, const SharedText& namespaceUri, const std::wstring& text,
                              ItemType type) {
-  constexpr std::size_t kLongText = 64;  // which forms do not write in one step
+  const CNameToken* const token = FindKnownToken(localName, namespaceUri);
+  if (token != nullptr && text.size() <= kLongText)
+    return m_recordOutput->TextElement(*token, text, type, /*isCanonical=*/false);
+  OtherTextElement(localName, namespaceUri, text, type);
+}
+
+void CXmlWriter::OtherTextElement(const CSharedName& localName, const SharedText& namespaceUri,
+                                  const std::wstring& text, ItemType type) {
   const CNameToken* const token = FindToken(localName, namespaceUri);
   if (token == nullptr) return WriteTextElement(localName.Get(), TextOf(namespaceUri), text, type);
   if (text.size() <= kLongText) return m_recordOutput->TextElement(*token, text, type, /*isCanonical=*/false);
@@ -609,15 +631,16 @@ void CXmlWriter::TextElement(const CSharedName& localName, const SharedText& nam
 
 void CXmlWriter::Attribute(const CSharedName& localName, const SharedText& namespaceUri, const std::wstring& value,
                            ItemType type) {
+  if (const CNameToken* const token = FindKnownToken(localName, namespaceUri))
+    return m_recordOutput->Attribute(*token, value, type, /*isCanonical=*/false);
+  OtherAttribute(localName, namespaceUri, value, type);
+}
+
+void CXmlWriter::OtherAttribute(const CSharedName& localName, const SharedText& namespaceUri, const std::wstring& value,
+                                ItemType type) {
   if (const CNameToken* const token = FindToken(localName, namespaceUri))
     return m_recordOutput->Attribute(*token, value, type, /*isCanonical=*/false);
   WriteAttributeString(localName.Get(), TextOf(namespaceUri), value, type);
-}
-
-void CXmlWriter::SetContextState(ContextState state) {
-  if (m_context == nullptr) return;
-  m_context->m_state = state;
-  m_context->m_itemsAreGroups = false;
 }
 
 void CXmlWriter::SetItemsAreGroups() {

@@ -188,7 +188,11 @@ class RKXML_EXPORT CXmlWriter {
   void TellNamespace(const SharedText& namespaceUri);
   bool AreSameNamespaces(const SharedText& a, const SharedText& b);
   // Sets the state of the open element; without one it does nothing.
-  void SetContextState(ContextState state);
+  void SetContextState(ContextState state) noexcept {
+    if (m_context == nullptr) return;
+    m_context->m_state = state;
+    m_context->m_itemsAreGroups = false;
+  }
   // The items of the collection that begins are groups without an element of their own: what follows is not an item.
   void SetItemsAreGroups();
   // Space for a value on its way to the writer, invalid at first, and for its text; both are good until the next value.
@@ -268,7 +272,14 @@ class RKXML_EXPORT CXmlWriter {
   [[gnu::noinline]] void PlainAttribute(const CNameToken& name, std::wstring_view value, ItemType type);
   void MakeRecordOutput();
   // The token by which the output takes the name, or null when the operations above have to write it.
+  inline const CNameToken* FindKnownToken(const CSharedName& localName, const SharedText& namespaceUri) const noexcept;
   const CNameToken* FindToken(const CSharedName& localName, const SharedText& namespaceUri);
+  // The same with names that are met for the first time, or that no token is made of.
+  [[gnu::noinline]] void OtherStartElement(const CSharedName& localName, const SharedText& namespaceUri);
+  [[gnu::noinline]] void OtherTextElement(const CSharedName& localName, const SharedText& namespaceUri,
+                                          const std::wstring& text, ItemType type);
+  [[gnu::noinline]] void OtherAttribute(const CSharedName& localName, const SharedText& namespaceUri,
+                                        const std::wstring& value, ItemType type);
   // The namespace for the operations above, which is told.
   const std::wstring& TextOf(const SharedText& namespaceUri);
   inline bool IsExpected(const std::wstring& localName, const std::wstring& namespaceUri) const noexcept;

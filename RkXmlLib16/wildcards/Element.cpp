@@ -15,6 +15,7 @@
 #include "RkXmlLib16/context/internal/ErrorSession.h"
 #include "RkXmlLib16/document/ElementTree.h"
 #include "RkXmlLib16/document/internal/NodeText.h"
+#include "RkXmlLib16/document/internal/RecordOutput.h"
 #include "RkXmlLib16/document/internal/Refusal.h"
 #include "RkXmlLib16/document/internal/Section.h"
 #include "RkXmlLib16/types/Whitespace.h"
@@ -251,14 +252,14 @@ class CElement::TreeWriter {
     const auto enter = [&](const CElement& element, bool isAtTop, const Prefixes* declared) {
       if (!isAtTop && WriteInOneStep(element, declared)) return;
       Start(element, isAtTop, declared);
-      if (element.m_children.empty()) return m_writer.EndElement();
+      if (element.m_children.empty()) return CRecordOutput::WriteEnd(m_writer);
       open.push_back({&element, 0, element.m_prefixes != nullptr ? element.m_prefixes.get() : declared, false});
     };
     enter(top, isRoot, nullptr);
     while (!open.empty()) {
       Level& level = open.back();
       if (level.nextChild == level.element->m_children.size()) {
-        m_writer.EndElement();
+        CRecordOutput::WriteEnd(m_writer);
         open.pop_back();
         continue;
       }

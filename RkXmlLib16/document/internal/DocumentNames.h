@@ -20,15 +20,27 @@ class CDocumentNames {
  public:
   using SharedText = std::shared_ptr<const std::wstring>;
 
-  // A reference that is good until the next call; `isNew` tells whether the token was made by it. `namespaceUri` is
-  // null for none.
+  // The token that was found by these addresses before, good until the next call, or null. `namespaceUri` is null for
+  // none.
+  const CNameToken* FindKnown(const CSharedName& localName, const SharedText& namespaceUri) const noexcept {
+    const Entry* const first = m_entries + PlaceOf(localName);
+    for (const Entry* entry = first; entry != first + kPlacesOfName; ++entry)
+      if (entry->localName == &localName.Get() && entry->namespaceUri == namespaceUri) return &*entry->token;
+    return nullptr;
+  }
+  // The token of a name that is not known, by the namespace itself, which may lie in several places; `isNew` tells
+  // whether it was made by this call.
   const CNameToken& Find(const CSharedName& localName, const SharedText& namespaceUri, CNamespacePool& pool,
                          bool& isNew) {
     Entry* const first = m_entries + PlaceOf(localName);
+    const CNamespaceName& namespaceName = NameOf(namespaceUri, pool);
     isNew = false;
-    for (Entry* entry = first; entry != first + kPlacesOfName; ++entry)
-      if (entry->localName == &localName.Get() && entry->namespaceUri == namespaceUri) return *entry->token;
-    return FindOther(first, localName, namespaceUri, pool, isNew);
+    Entry* entry = first;
+    for (; entry != first + kPlacesOfName && entry->localName != nullptr; ++entry)
+      if (entry->localName == &localName.Get() && entry->namespaceName == &namespaceName) return *entry->token;
+    if (entry == first + kPlacesOfName) entry = first + m_next % kPlacesOfName;
+    isNew = true;
+    return Make(*entry, localName, namespaceUri, namespaceName);
   }
 
  private:
@@ -47,17 +59,6 @@ class CDocumentNames {
   }
   static const CNamespaceName& NameOf(const SharedText& namespaceUri, CNamespacePool& pool) {
     return namespaceUri != nullptr ? pool.Find(*namespaceUri) : pool.GetEmpty();
-  }
-  // By the namespace itself, which may lie in several places.
-  [[gnu::noinline]] const CNameToken& FindOther(Entry* first, const CSharedName& localName,
-                                                const SharedText& namespaceUri, CNamespacePool& pool, bool& isNew) {
-    const CNamespaceName& namespaceName = NameOf(namespaceUri, pool);
-    Entry* entry = first;
-    for (; entry != first + kPlacesOfName && entry->localName != nullptr; ++entry)
-      if (entry->localName == &localName.Get() && entry->namespaceName == &namespaceName) return *entry->token;
-    if (entry == first + kPlacesOfName) entry = first + m_next % kPlacesOfName;
-    isNew = true;
-    return Make(*entry, localName, namespaceUri, namespaceName);
   }
   const CNameToken& Make(Entry& entry, const CSharedName& localName, const SharedText& namespaceUri,
                          const CNamespaceName& namespaceName) {
