@@ -205,14 +205,14 @@ class RKXML_EXPORT CElementInfo {
     const std::uint8_t facts = m_facts.load(std::memory_order_relaxed);
     return ((facts != kUnknown ? facts : FindFacts()) & fact) != 0;
   }
-  [[gnu::noinline, gnu::cold]] std::uint8_t FindFacts() const;
+  [[gnu::cold, gnu::noinline]] std::uint8_t FindFacts() const;
   bool CompareName(const CSerializationContext& context, const CXmlElement& element) const;
   template <class Set>
   static void InvokeSet(const CXmlElement& element, Set&& set);
   bool IsDefault(std::wstring_view text) const noexcept { return !m_defaultValue.empty() && text == m_defaultValue; }
   inline void WriteText(const CSerializationContext& context, CXmlWriter* writer, std::wstring_view text, ItemType type,
                         bool isCanonical) const;
-  [[gnu::cold]] void WriteEmpty(CXmlWriter* writer) const;
+  [[gnu::cold, gnu::noinline]] void WriteEmpty(CXmlWriter* writer) const;
   bool WriteNil(CXmlWriter* writer) const;
   CSmartPtr<CXmlObjectBase> GetChild(const CXmlGeneratedClass& object, CXmlWriter& writer) const;
   // Looks through the attributes of a primitive element; true for xsi:nil="true".

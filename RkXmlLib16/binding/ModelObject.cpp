@@ -19,7 +19,7 @@ using namespace RkXmlLib16Data;
 
 namespace {
 
-[[noreturn, gnu::cold]] void ThrowMandatory(const CNameToken& name) {
+[[noreturn, gnu::cold, gnu::noinline]] void ThrowMandatory(const CNameToken& name) {
   throw CRkInvalidParamException(
       FormatString(L"The Property [%ls] is mandatory, it may not be NULL", name.GetLocalName().c_str()));
 }

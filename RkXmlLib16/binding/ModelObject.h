@@ -63,7 +63,7 @@ class CPropertySet {
     int number;
     std::uint64_t bits;
   };
-  [[gnu::cold]] RKXML_EXPORT bool HasMore(int property) const noexcept;
+  [[gnu::noinline]] RKXML_EXPORT bool HasMore(int property) const noexcept;
   RKXML_EXPORT void AddMore(int property);
   RKXML_EXPORT void RemoveMore(int property) noexcept;
 
@@ -225,7 +225,7 @@ class RKXML_EXPORT CModelObject : public CXmlGeneratedClass {
   // Of a choice, only one member; whether there was one to write.
   bool WriteMembers(const CSerializationContext& context, CXmlWriter* writer, bool isChoice) const;
   inline void WriteAttributes(const CSerializationContext& context, CXmlWriter* writer) const;
-  [[gnu::cold]] void DeclarePrefixes(CXmlWriter& writer) const;
+  [[gnu::cold, gnu::noinline]] void DeclarePrefixes(CXmlWriter& writer) const;
   // Throws when another member of the choice is set.
   void Select(int property);
   bool IsFilled(int property) const;

@@ -127,7 +127,7 @@ class RKXML_EXPORT CFIStringTable {
 
  private:
   void HashNewEntries() const;
-  [[gnu::noinline, gnu::cold]] unsigned long FindAfterHashing(std::wstring_view text, CFIKey& key) const;
+  [[gnu::cold, gnu::noinline]] unsigned long FindAfterHashing(std::wstring_view text, CFIKey& key) const;
 
   std::vector<std::wstring_view, CHugePageAllocator<std::wstring_view>> m_entries;  // texts in the blocks
   std::vector<std::unique_ptr<wchar_t[], CFreeMemory>> m_blocks;

@@ -284,8 +284,8 @@ class RKXML_EXPORT CXmlWriter {
   const std::wstring& TextOf(const SharedText& namespaceUri);
   inline bool IsExpected(const std::wstring& localName, const std::wstring& namespaceUri) const noexcept;
   inline void ReopenContext() noexcept;
-  [[gnu::cold]] void CheckEnd();
-  [[gnu::cold]] void CloseScope(CXmlWriterContext& context) noexcept;
+  [[gnu::cold, gnu::noinline]] void CheckEnd();
+  [[gnu::cold, gnu::noinline]] void CloseScope(CXmlWriterContext& context) noexcept;
 
   std::uint64_t m_lastScopeNumber = kNoScope;
   const std::type_info* m_recordOutputType = nullptr;
