@@ -149,8 +149,8 @@ T* RkVariant::Room(std::uint32_t type) noexcept {
 // can leave it half read.
 template <class T>
 bool RkVariant::ReadInPlace(std::uint32_t type, std::wstring_view text) {
-  constexpr std::size_t kInline = 16;  // digits
-  T* const present = noexcept(std::declval<T>().ParsePlain(text)) || text.size() <= kInline ? Room<T>(type) : nullptr;
+  const bool isSafe = noexcept(std::declval<T>().ParsePlain(text)) || text.size() <= CDigitVector::kFew;
+  T* const present = isSafe ? Room<T>(type) : nullptr;
   if (present == nullptr || !present->ParsePlain(text)) return false;
   m_nil = false;
   m_type = type;

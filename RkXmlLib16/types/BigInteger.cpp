@@ -145,9 +145,9 @@ CBigInteger::CBigInteger(int value) : CBigInteger(static_cast<long long>(value))
 CBigInteger::CBigInteger(unsigned int value) : CBigInteger(static_cast<unsigned long long>(value)) {}
 CBigInteger::CBigInteger(long value) : CBigInteger(static_cast<long long>(value)) {}
 CBigInteger::CBigInteger(unsigned long value) : CBigInteger(static_cast<unsigned long long>(value)) {}
-CBigInteger::CBigInteger(long long value) : m_sign(value < 0 ? -1 : 1) { BuildDWORDLONG(Magnitude(value), m_digits); }
+CBigInteger::CBigInteger(long long value) : m_sign(SignOf(value)) { BuildDWORDLONG(Magnitude(value), m_digits); }
 CBigInteger::CBigInteger(unsigned long long value) { BuildDWORDLONG(value, m_digits); }
-CBigInteger::CBigInteger(double value) : m_sign(value < 0 ? -1 : 1) { BuildDouble(std::fabs(value), m_digits); }
+CBigInteger::CBigInteger(double value) : m_sign(SignOf(value)) { BuildDouble(std::fabs(value), m_digits); }
 CBigInteger::CBigInteger(const wchar_t* text) : CBigInteger(std::wstring_view(text == nullptr ? L"" : text)) {}
 CBigInteger::CBigInteger(std::wstring_view text) { Parse(text); }
 CBigInteger::CBigInteger(const CDecimal& value) {
@@ -155,14 +155,13 @@ CBigInteger::CBigInteger(const CDecimal& value) {
   rounded.ChangeFractionalDivider(0);
   *this = rounded.GetIntegerPart();
 }
-CBigInteger::CBigInteger(std::int32_t sign, CDigitVector digits)
-    : m_sign(sign < 0 ? -1 : 1), m_digits(std::move(digits)) {
+CBigInteger::CBigInteger(std::int32_t sign, CDigitVector digits) : m_sign(SignOf(sign)), m_digits(std::move(digits)) {
   Clean(m_digits);
 }
 CBigInteger::~CBigInteger() = default;
 
 void CBigInteger::AssignDigits(std::int32_t sign, std::wstring_view digits) {
-  m_sign = sign < 0 ? -1 : 1;
+  m_sign = SignOf(sign);
   while (!digits.empty() && digits.front() == L'0') digits.remove_prefix(1);
   unsigned char* to = m_digits.Overwrite(std::max<std::size_t>(1, digits.size()));
   *to = 0;
@@ -263,7 +262,7 @@ CBigInteger& CBigInteger::operator+=(const CBigInteger& other) {
 CBigInteger& CBigInteger::operator-=(const CBigInteger& other) { return *this += other.GetNegative(); }
 
 CBigInteger& CBigInteger::operator*=(const CBigInteger& other) {
-  const std::int32_t sign = m_sign == other.m_sign ? 1 : -1;
+  const std::int8_t sign = m_sign == other.m_sign ? 1 : -1;
   Multiply(m_digits, other.m_digits, m_digits);
   m_sign = sign;
   return *this;

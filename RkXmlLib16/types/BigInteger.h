@@ -41,7 +41,7 @@ class RKXML_EXPORT CBigInteger {
   void AssignDigits(std::int32_t sign, std::wstring_view digits);
   // Up to eight digits, one in each byte of `packed`, least significant first.
   void AssignPacked(std::int32_t sign, std::uint64_t packed) noexcept {
-    m_sign = sign < 0 ? -1 : 1;
+    m_sign = SignOf(sign);
     m_digits.AssignPacked(packed);
   }
   CBigInteger(const CBigInteger& other) = default;
@@ -77,7 +77,7 @@ class RKXML_EXPORT CBigInteger {
   // Abs and Negate change this value, GetAbs and GetNegative leave it.
   void Abs() noexcept { m_sign = 1; }
   CBigInteger GetAbs() const;
-  void Negate() noexcept { m_sign = -m_sign; }
+  void Negate() noexcept { m_sign = SignOf(-m_sign); }
   CBigInteger GetNegative() const;
   CBigInteger operator-() const { return GetNegative(); }
 
@@ -175,8 +175,12 @@ class RKXML_EXPORT CBigInteger {
     v = digits;
   }
   void Parse(std::wstring_view text);
+  template <class Value>
+  static constexpr std::int8_t SignOf(Value value) noexcept {
+    return value < 0 ? -1 : 1;
+  }
 
-  std::int32_t m_sign = 1;
+  std::int8_t m_sign = 1;
   CDigitVector m_digits;
 };
 

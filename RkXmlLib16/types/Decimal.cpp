@@ -344,13 +344,14 @@ inline const wchar_t* WriteFew(const CDecimal& value, wchar_t* end) {
     return nullptr;
   const std::uint64_t whole = integer.GetDigits().GetPacked();
   const std::uint64_t part = fraction.GetDigits().GetPacked();
+  const std::size_t length = std::max<std::size_t>(1, integer.GetDigits().size());
   if (part != 0) {
     PutDigitsBackwards(part, end);
     end -= divider + 1;
     *end = L'.';
   }
   PutDigitsBackwards(whole, end);
-  end -= integer.GetDigits().empty() ? 1 : integer.GetDigits().size();
+  end -= length;
   if ((whole != 0 ? integer : fraction).GetSign() < 0 && (whole | part) != 0) *--end = L'-';
   return end;
 }

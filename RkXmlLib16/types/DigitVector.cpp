@@ -5,6 +5,12 @@
 
 namespace RkXmlLib16 {
 
+namespace {
+
+constexpr std::size_t kMost = std::size_t{1} << 31;
+
+}  // namespace
+
 void CDigitVector::CopyLong(const CDigitVector& other) {
   SetSize(0);
   reserve(other.size());
@@ -14,13 +20,13 @@ void CDigitVector::CopyLong(const CDigitVector& other) {
 
 void CDigitVector::Grow(std::size_t capacity) {
   capacity = std::max(capacity, GetCapacity() * 2);
-  if (capacity >= kOnHeap) throw std::bad_alloc();
-  auto* const grown = ::new (::operator new(sizeof(Block) + capacity)) Block;
-  grown->capacity = static_cast<std::uint32_t>(capacity);
+  if (capacity > kMost) throw std::bad_alloc();
+  auto* const grown = ::new (::operator new(sizeof(Block) + capacity))
+      Block{static_cast<std::uint32_t>(capacity), static_cast<std::uint32_t>(size())};
   std::memcpy(grown->Digits(), data(), size());
   Free();
   std::memcpy(m_own, &grown, sizeof grown);
-  m_size |= kOnHeap;
+  m_size = kOnHeap;
 }
 
 void CDigitVector::resize(std::size_t count, wchar_t digit) {

@@ -6,19 +6,21 @@
 #include <cstring>
 #include <initializer_list>
 #include <new>
-#include <utility>
 #include <vector>
 
 #include "RkXmlLib16/base/Export.h"
 
 namespace RkXmlLib16 {
 
-// A vector of decimal digits, the numbers 0 to 9, that keeps up to 16 of them without an allocation.
+// A vector of decimal digits, the numbers 0 to 9, that keeps up to kFew of them without an allocation. Unaligned, so
+// that a sign in front of it costs one byte.
 class RKXML_EXPORT CDigitVector {
  public:
   using value_type = unsigned char;
   using iterator = unsigned char*;
   using const_iterator = const unsigned char*;
+
+  static constexpr std::size_t kFew = 14;
 
   CDigitVector() noexcept {}
   CDigitVector(std::size_t count, wchar_t digit) { resize(count, digit); }
@@ -29,12 +31,10 @@ class RKXML_EXPORT CDigitVector {
   CDigitVector(CDigitVector&& other) noexcept { Take(other); }
   CDigitVector& operator=(const CDigitVector& other) {
     if (this == &other) return *this;
-    if (((m_size | other.m_size) & kOnHeap) != 0) {
+    if (IsOnHeap() || other.IsOnHeap())
       CopyLong(other);
-    } else {
-      m_size = other.m_size;
-      std::memcpy(m_own, other.m_own, kInline);
-    }
+    else
+      std::memcpy(static_cast<void*>(this), &other, sizeof *this);
     return *this;
   }
   CDigitVector& operator=(CDigitVector&& other) noexcept {
@@ -46,7 +46,7 @@ class RKXML_EXPORT CDigitVector {
   }
   ~CDigitVector() { Free(); }
 
-  std::size_t size() const noexcept { return m_size & ~kOnHeap; }
+  std::size_t size() const noexcept { return IsOnHeap() ? Heap()->size : m_size; }
   bool empty() const noexcept { return size() == 0; }
   unsigned char* data() noexcept { return IsOnHeap() ? Heap()->Digits() : m_own; }
   const unsigned char* data() const noexcept { return IsOnHeap() ? Heap()->Digits() : m_own; }
@@ -65,9 +65,9 @@ class RKXML_EXPORT CDigitVector {
   void push_back(wchar_t digit) {
     reserve(size() + 1);
     data()[size()] = static_cast<unsigned char>(digit);
-    ++m_size;
+    SetSize(size() + 1);
   }
-  void pop_back() noexcept { --m_size; }
+  void pop_back() noexcept { SetSize(size() - 1); }
   // Makes the vector `count` digits long, all to be written by the caller, and returns the first.
   unsigned char* Overwrite(std::size_t count) {
     reserve(count);
@@ -77,15 +77,16 @@ class RKXML_EXPORT CDigitVector {
   // Up to eight digits, one in each byte of `packed`, the first in the lowest; without zeros behind the last.
   void AssignPacked(std::uint64_t packed) noexcept {
     const auto bits = packed == 0 ? 1 : 64 - __builtin_clzll(packed);
-    SetSize(static_cast<std::uint32_t>(bits + 7) / 8);
-    std::memcpy(data(), &packed, sizeof packed);
+    Free();
+    m_size = static_cast<unsigned char>((bits + 7) / 8);
+    std::memcpy(m_own, &packed, sizeof packed);
   }
-  // Whether there are no more than eight digits, and never more were, and what AssignPacked makes them of then.
+  // Whether there are no more than eight digits, and none stand apart: then they are what AssignPacked makes of these.
   bool FitsPacked() const noexcept { return m_size <= sizeof(std::uint64_t); }
   std::uint64_t GetPacked() const noexcept {
     std::uint64_t packed = 0;
     std::memcpy(&packed, m_own, sizeof packed);
-    return empty() ? 0 : packed & ~std::uint64_t{0} >> (64 - 8 * size());
+    return m_size == 0 ? 0 : packed & ~std::uint64_t{0} >> (64 - 8 * m_size);
   }
   // New digits are `digit`.
   void resize(std::size_t count, wchar_t digit = 0);
@@ -104,35 +105,40 @@ class RKXML_EXPORT CDigitVector {
   friend bool operator!=(const CDigitVector& a, const CDigitVector& b) noexcept { return !(a == b); }
 
  private:
-  static constexpr std::uint32_t kInline = 16;
-  static constexpr std::uint32_t kOnHeap = 1u << 31;
+  static constexpr unsigned char kOnHeap = 0xFF;
   // The digits follow it.
   struct Block {
     std::uint32_t capacity;
+    std::uint32_t size;
 
     unsigned char* Digits() noexcept { return reinterpret_cast<unsigned char*>(this + 1); }
   };
 
-  bool IsOnHeap() const noexcept { return (m_size & kOnHeap) != 0; }
+  bool IsOnHeap() const noexcept { return m_size == kOnHeap; }
   Block* Heap() const noexcept {
     Block* block = nullptr;
     std::memcpy(&block, m_own, sizeof(void*));
     return block;
   }
-  std::size_t GetCapacity() const noexcept { return IsOnHeap() ? Heap()->capacity : kInline; }
-  void SetSize(std::size_t size) noexcept { m_size = static_cast<std::uint32_t>(size) | (m_size & kOnHeap); }
+  std::size_t GetCapacity() const noexcept { return IsOnHeap() ? Heap()->capacity : kFew; }
+  void SetSize(std::size_t size) noexcept {
+    if (IsOnHeap())
+      Heap()->size = static_cast<std::uint32_t>(size);
+    else
+      m_size = static_cast<unsigned char>(size);
+  }
   void Grow(std::size_t capacity);
   void Free() noexcept {
     if (IsOnHeap()) ::operator delete(Heap());
   }
   void Take(CDigitVector& other) noexcept {
-    m_size = std::exchange(other.m_size, 0u);
-    std::memcpy(m_own, other.m_own, kInline);
+    std::memcpy(static_cast<void*>(this), &other, sizeof *this);
+    other.m_size = 0;
   }
   void CopyLong(const CDigitVector& other);
 
-  std::uint32_t m_size = 0;           // with kOnHeap where the digits are not here
-  unsigned char m_own[kInline] = {};  // or the address of a Block
+  unsigned char m_size = 0;        // kOnHeap where the digits are not here
+  unsigned char m_own[kFew] = {};  // or the address of a Block
 };
 
 }  // namespace RkXmlLib16
