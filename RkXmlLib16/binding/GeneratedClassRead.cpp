@@ -41,6 +41,7 @@
 #include "RkXmlLib16/binding/ModelObject.h"
 #include "RkXmlLib16/binding/ParentElementInfo.h"
 #include "RkXmlLib16/binding/internal/ElementRules.h"
+#include "RkXmlLib16/binding/internal/ModelClass.h"
 #include "RkXmlLib16/binding/internal/NilValue.h"
 #include "RkXmlLib16/binding/internal/ReadSession.h"
 #include "RkXmlLib16/binding/internal/ReadingValue.h"
@@ -308,6 +309,7 @@ void CXmlGeneratedClass::ReadSimpleContent(const CXmlElement* element, const CSe
     else
       value.Get().FromText(text, info.GetSimpleContentType());
     isValue = true;
+    const RkXmlLib16Data::ReadingScope scope(*element, text);
     AccessProperty(info.GetSimpleContentProperty(), /*get=*/false, value.Get());
   } catch (CRkException& e) {
     if (!isValue)

@@ -44,21 +44,22 @@ int FindEnumeration(Span<const wchar_t*> texts, std::wstring_view text) {
 
 bool CPropertySet::HasMore(int property) const noexcept {
   const auto before = [](const Word& word, int number) { return word.number < number; };
-  const auto at = std::lower_bound(m_more->begin(), m_more->end(), property / kInPlace, before);
-  return at != m_more->end() && at->number == property / kInPlace && (at->bits & Bit(property)) != 0;
+  const auto at = std::lower_bound(m_more->begin(), m_more->end(), property / kWord, before);
+  return at != m_more->end() && at->number == property / kWord && (at->bits & Bit(property)) != 0;
 }
 
 void CPropertySet::AddMore(int property) {
+  SetChanged();
   if (m_more == nullptr) m_more = std::make_unique<std::vector<Word>>();
   const auto before = [](const Word& word, int number) { return word.number < number; };
-  auto at = std::lower_bound(m_more->begin(), m_more->end(), property / kInPlace, before);
-  if (at == m_more->end() || at->number != property / kInPlace) at = m_more->insert(at, {property / kInPlace, 0});
+  auto at = std::lower_bound(m_more->begin(), m_more->end(), property / kWord, before);
+  if (at == m_more->end() || at->number != property / kWord) at = m_more->insert(at, {property / kWord, 0});
   at->bits |= Bit(property);
 }
 
 void CPropertySet::RemoveMore(int property) noexcept {
   for (Word& word : *m_more)
-    if (word.number == property / kInPlace) word.bits &= ~Bit(property);
+    if (word.number == property / kWord) word.bits &= ~Bit(property);
 }
 
 // ---- Objects
@@ -140,7 +141,7 @@ void CModelObject::SetProperty(int property, CMember member, RkVariant& value) {
     const bool isChoice =
         m_class.GetProperty(property).member != nullptr && GetModel().group == XmlElementGroupType_Choice;
     if (isChoice && collection != nullptr && collection->GetCount() > 0) Select(property);
-    m_isFresh = false;
+    m_set.SetChanged();
     type.setObject(member.At(), collection);
     return collection != nullptr ? Mark(property) : Unmark(property);
   }
@@ -152,7 +153,7 @@ void CModelObject::SetProperty(int property, CMember member, RkVariant& value) {
   const ModelProperty& info = m_class.GetProperty(property);
   if (!IsValue(value)) {
     if (info.member != nullptr && value.IsNil() && GetModel().group == XmlElementGroupType_Choice) Select(property);
-    m_isFresh = false;
+    m_set.SetChanged();
     type.reset(member.At());
     return Unmark(property);
   }
@@ -231,13 +232,13 @@ void CModelObject::CheckValue(int property, CMember value) {
     value.Type().give(value.At(), info, variant);
     return CheckSet(property, variant);
   }
-  m_isFresh = false;
+  m_set.SetChanged();
   value.Type().check(value.At(), info, info.name);
   if (info.member != nullptr && GetModel().group == XmlElementGroupType_Choice) Select(property);
 }
 
 void CModelObject::CheckSet(int property, RkVariant& value) {
-  m_isFresh = false;
+  m_set.SetChanged();
   const ModelProperty& info = m_class.GetProperty(property);
   if (property == GetModel().textProperty) return CheckText(property, value);
   const ValueModel& values = *info.values;
@@ -266,14 +267,15 @@ void CModelObject::CheckText(int property, RkVariant& value) {
   const bool isText = value.GetItemType() == ItemType_string;
   const bool needsCopy =
       values.needsCheck || values.holdsQNames || given.isFixed || (isText && value.GetString().empty());
+  const Reading* const reading = Reading::Current();
   std::wstring text;
   if (needsCopy) text = value.ToString();
   if (needsCopy && text.empty() && given.text != nullptr) text = given.text;
   if (isText) value.FromText(needsCopy ? text : value.GetString(), values.itemType, values.whitespace);
-  if (values.holdsQNames && m_element != nullptr) KeepPrefixes(*m_element, text);
+  if (values.holdsQNames && reading != nullptr) KeepPrefixes(*reading->element, text);
   if (values.needsCheck || given.isFixed)
     CheckModelText(info.name, values, given.isFixed ? &given : nullptr, text,
-                   m_element != nullptr ? ResolverOf(*m_element) : nullptr);
+                   reading != nullptr ? ResolverOf(*reading->element) : nullptr);
   CheckFacets(GetElementNameRef().c_str(), info, value);
 }
 
@@ -297,7 +299,7 @@ void CModelObject::Select(int property) {
 }
 
 void CModelObject::Adopt(int property, CXmlObjectBase* object) {
-  m_isFresh = false;
+  m_set.SetChanged();
   if (object == nullptr) return Unmark(property);
   const MemberModel* const member = m_class.GetProperty(property).member;
   if (member != nullptr) {
@@ -316,15 +318,16 @@ bool CModelObject::NeedsCollection(int property) const noexcept {
 CXmlCollectionBase* CModelObject::MakeCollection(int property) {
   CXmlCollectionBase* const collection = NewCollection(GetModel(), m_class.GetProperty(property));
   if (GetModel().group == XmlElementGroupType_Choice) {
-    m_watched.emplace_front(collection);
+    MakeRare().watched.emplace_front(collection);
     collection->AddEventListener(this);
   }
   return collection;
 }
 
 void CModelObject::Unwatch() {
-  for (CXmlCollectionBase* collection : m_watched) collection->RemoveEventListener(this);
-  m_watched.clear();
+  if (m_rare == nullptr) return;
+  for (CXmlCollectionBase* collection : m_rare->watched) collection->RemoveEventListener(this);
+  m_rare->watched.clear();
 }
 
 void CModelObject::Ensure(int property) {
@@ -332,17 +335,17 @@ void CModelObject::Ensure(int property) {
   if (!member.Is(MemberType::Kind::Collection) || m_class.GetProperty(property).member == nullptr)
     return EnsureByAccess(property);
   if (IsSet(property) && member.Type().getObject(member.At()) != nullptr) return;
-  const bool wasFresh = m_isFresh;
+  const bool wasChanged = m_set.IsChanged();
   member.Type().setObject(member.At(), MakeCollection(property));
   Mark(property);
-  m_isFresh = wasFresh;
+  m_set.SetChanged(wasChanged);
 }
 
 void CModelObject::EnsureByAccess(int property) {
   RkVariant value;
   if (IsSet(property)) ReadProperty(property, value);
   if (value.PeekXmlCollection() != nullptr || value.PeekXmlObject() != nullptr) return;
-  const bool wasFresh = m_isFresh;
+  const bool wasChanged = m_set.IsChanged();
   const ModelProperty& info = m_class.GetProperty(property);
   if (property == GetModel().attributeWildcardProperty || info.member == nullptr) {
     value.SetXmlCollection(new CAttributeCol);
@@ -352,7 +355,7 @@ void CModelObject::EnsureByAccess(int property) {
     value.SetXmlObject(new CElement(L"AnyElement"));
   }
   AccessProperty(property, /*get=*/false, value);
-  m_isFresh = wasFresh;
+  m_set.SetChanged(wasChanged);
 }
 
 void CModelObject::OnEvent(CXmlObjectBase* source, MsgType type, void*) {
@@ -371,9 +374,15 @@ void CModelObject::KeepPrefixes(const CXmlElement& element, std::wstring_view te
     const CXmlName* const uri =
         colon != std::wstring_view::npos && colon > 0 ? element.LookupNamespaceRef(token.substr(0, colon)) : nullptr;
     if (uri == nullptr) return;
-    if (m_prefixes == nullptr) m_prefixes = std::make_unique<Prefixes>();
-    (*m_prefixes)[std::wstring(token.substr(0, colon))] = std::wstring(uri->View());
+    auto& prefixes = MakeRare().prefixes;
+    if (prefixes == nullptr) prefixes = std::make_unique<std::map<std::wstring, std::wstring>>();
+    (*prefixes)[std::wstring(token.substr(0, colon))] = std::wstring(uri->View());
   });
+}
+
+CModelObject::Rare& CModelObject::MakeRare() {
+  if (m_rare == nullptr) m_rare = std::make_unique<Rare>();
+  return *m_rare;
 }
 
 void CModelObject::Begin() {
@@ -384,7 +393,7 @@ void CModelObject::Begin() {
     member.Type().take(member.At(), info, info.initial);
     Mark(property);
   }
-  m_isFresh = true;
+  m_set.SetChanged(false);
 }
 
 void CModelObject::Reset() {
@@ -400,27 +409,17 @@ void CModelObject::Reset() {
     AccessProperty(property, /*get=*/false, value);
     Unmark(property);
   }
-  m_prefixes.reset();
+  if (m_rare != nullptr) m_rare->prefixes.reset();
   Unwatch();
   Begin();
 }
 
 // ---- Reading and writing
 
-CXmlElement* CModelObject::FromXml_Int(CXmlElement* element, CXmlElement* firstChild,
-                                       const CSerializationContext& context, bool isOptionalChoice) {
-  struct Scope {
-    ~Scope() { at = nullptr; }
-    const CXmlElement*& at;
-  } scope{m_element};
-  m_element = element;
-  return CXmlGeneratedClass::FromXml_Int(element, firstChild, context, isOptionalChoice);
-}
-
 void CModelObject::BeginFromXml_Int(CXmlElement* element, CXmlElement* firstChild, const CSerializationContext& context,
                                     bool) {
-  if (!m_isFresh) Reset();
-  m_isFresh = false;
+  if (m_set.IsChanged()) Reset();
+  m_set.SetChanged();
   const ClassModel& model = GetModel();
   if (model.IsInline()) return;
   const CXmlAttributes& attributes = element->GetAttributes();
@@ -533,13 +532,13 @@ inline void CModelObject::WriteAttributes(const CSerializationContext& context, 
 }
 
 void CModelObject::DeclarePrefixes(CXmlWriter& writer) const {
-  for (const auto& [prefix, uri] : *m_prefixes) writer.DeclareNamespace(prefix, uri);
+  for (const auto& [prefix, uri] : *m_rare->prefixes) writer.DeclareNamespace(prefix, uri);
 }
 
 void CModelObject::AttributesToXml_Int(CXmlWriter* writer, const CSerializationContext& context) const {
   try {
     const ClassModel& model = GetModel();
-    if (m_prefixes != nullptr) DeclarePrefixes(*writer);
+    if (m_rare != nullptr && m_rare->prefixes != nullptr) DeclarePrefixes(*writer);
     const bool isOther = m_declaration == nullptr || (model.simple != nullptr ? m_declaration->simple != model.simple
                                                                               : m_declaration->object != &model);
     if (!model.IsInline() && isOther && model.name[0] != L'\0' && context.GetWriteTypeAttribute())

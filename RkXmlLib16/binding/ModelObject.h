@@ -34,7 +34,7 @@ using RkXmlLib16Data::SchemaModel;
 
 class CXmlDocument;
 
-// Which properties of an object are set: a bit for each of the first.
+// Which properties of an object are set: a bit for each of the first. Another bit tells whether the object was changed.
 class CPropertySet {
  public:
   bool Has(int property) const noexcept {
@@ -42,23 +42,28 @@ class CPropertySet {
   }
   void Add(int property) {
     if (property < kInPlace)
-      m_first |= Bit(property);
+      m_first |= Bit(property) | kChanged;
     else
       AddMore(property);
   }
-  // The first properties, as bits.
-  static constexpr int kInPlace = 64;
+  // The first properties, as bits; others may be set beside them.
+  static constexpr int kInPlace = 63;
   std::uint64_t GetFirst() const noexcept { return m_first; }
-  bool IsEmpty() const noexcept { return m_first == 0 && m_more == nullptr; }
-  static constexpr std::uint64_t Bit(int property) noexcept { return std::uint64_t{1} << (property % kInPlace); }
+  bool IsEmpty() const noexcept { return (m_first & ~kChanged) == 0 && m_more == nullptr; }
+  static constexpr std::uint64_t Bit(int property) noexcept { return std::uint64_t{1} << (property % kWord); }
   void Remove(int property) noexcept {
     if (property < kInPlace)
       m_first &= ~Bit(property);
     else if (m_more != nullptr)
       RemoveMore(property);
   }
+  // Since it was made, or was told to be as it was then. Adding a property is a change too.
+  bool IsChanged() const noexcept { return (m_first & kChanged) != 0; }
+  void SetChanged(bool changed = true) noexcept { m_first = changed ? m_first | kChanged : m_first & ~kChanged; }
 
  private:
+  static constexpr int kWord = 64;
+  static constexpr std::uint64_t kChanged = std::uint64_t{1} << kInPlace;
   struct Word {
     int number;
     std::uint64_t bits;
@@ -108,8 +113,6 @@ class RKXML_EXPORT CModelObject : public CXmlGeneratedClass {
   void AccessProperty(int property, bool get, RkVariant& value) override;
   void BeginFromXml_Int(CXmlElement* element, CXmlElement* firstChild, const CSerializationContext& context,
                         bool isOptionalChoice) override;
-  CXmlElement* FromXml_Int(CXmlElement* element, CXmlElement* firstChild, const CSerializationContext& context,
-                           bool isOptionalChoice) override;
   // xsi:type is written exactly where the type is not the declared one.
   void AttributesToXml_Int(CXmlWriter* writer, const CSerializationContext& context) const override;
   void OnEvent(CXmlObjectBase* source, MsgType type, void* data) override;
@@ -144,8 +147,10 @@ class RKXML_EXPORT CModelObject : public CXmlGeneratedClass {
   void Begin();
 
   bool IsSet(int property) const noexcept { return m_set.Has(property); }
-  bool GetNilFlag() const noexcept { return m_isNil; }
-  void SetNilFlag(bool nil) noexcept { m_isNil = nil; }
+  bool GetNilFlag() const noexcept { return m_rare != nullptr && m_rare->isNil; }
+  void SetNilFlag(bool nil) {
+    if (nil != GetNilFlag()) MakeRare().isNil = nil;
+  }
 
   // Where the object has the property. A class without members of its own overrides AccessProperty instead.
   virtual CMember FindMember(int property);
@@ -198,7 +203,12 @@ class RKXML_EXPORT CModelObject : public CXmlGeneratedClass {
 
  private:
   friend class CXmlGeneratedClass;
-  using Prefixes = std::map<std::wstring, std::wstring>;
+  // What few objects have.
+  struct Rare {
+    bool isNil = false;
+    std::unique_ptr<std::map<std::wstring, std::wstring>> prefixes;
+    std::forward_list<CSmartPtr<CXmlCollectionBase>> watched;  // of a choice
+  };
 
   void GetProperty(int property, CMember member, RkVariant& value);
   void SetProperty(int property, CMember member, RkVariant& value);
@@ -237,21 +247,15 @@ class RKXML_EXPORT CModelObject : public CXmlGeneratedClass {
   [[gnu::noinline]] void CheckStart(const CXmlElement* element, const CXmlElement* firstChild,
                                     const CSerializationContext& context) const;
   [[gnu::noinline]] void EnsureByAccess(int property);
-  void Mark(int property) {
-    m_set.Add(property);
-    m_isFresh = false;
-  }
+  void Mark(int property) { m_set.Add(property); }
   void Unmark(int property) noexcept { m_set.Remove(property); }
   void Reset();
+  Rare& MakeRare();
 
   const RkXmlLib16Data::CModelClass& m_class;
   const ElementModel* m_declaration = nullptr;
   CPropertySet m_set;
-  bool m_isNil = false;
-  bool m_isFresh = true;
-  std::unique_ptr<Prefixes> m_prefixes;
-  std::forward_list<CSmartPtr<CXmlCollectionBase>> m_watched;  // of a choice
-  const CXmlElement* m_element = nullptr;                      // while it is read
+  std::unique_ptr<Rare> m_rare;
 };
 
 inline bool CXmlGeneratedClass::IsNil(const RkXmlLib16Data::CParentElementInfo& info) const {

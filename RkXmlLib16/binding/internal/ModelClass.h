@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "RkXmlLib16/base/SharedName.h"
@@ -135,7 +136,7 @@ class CModelClass {
   bool m_hasInlineAttributes = false;
 };
 
-// The text that a property is being set from, while a record that reads is at work on this thread.
+// The text that a property is being set from, while that is read on this thread.
 struct Reading {
   const CXmlElement* element = nullptr;
   std::wstring_view text;
@@ -145,15 +146,15 @@ struct Reading {
 
 class ReadingScope {
  public:
-  ReadingScope(const CXmlElement& element, std::wstring_view text) : m_reading{&element, text} {
-    Reading::Current() = &m_reading;
-  }
+  ReadingScope(const CXmlElement& element, std::wstring_view text)
+      : m_reading{&element, text}, m_outer(std::exchange(Reading::Current(), &m_reading)) {}
   ReadingScope(const ReadingScope&) = delete;
   ReadingScope& operator=(const ReadingScope&) = delete;
-  ~ReadingScope() { Reading::Current() = nullptr; }
+  ~ReadingScope() { Reading::Current() = m_outer; }
 
  private:
-  Reading m_reading;
+  const Reading m_reading;
+  const Reading* const m_outer;
 };
 
 // Prefixes as the document of the element declares them, and as the schema did at a default value.
