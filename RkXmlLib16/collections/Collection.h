@@ -187,14 +187,16 @@ class RKXML_EXPORT CXmlCollection : public CXmlCollectionBase {
   void InsertBefore(CNode* next, CXmlObjectBase* item);
   void Unlink(CNode* node);
 
-  CNode m_firstNode;                               // most collections hold one item or none,
-  std::vector<std::unique_ptr<CNode[]>> m_blocks;  // others have blocks of nodes, which grow
-  CNode* m_free = &m_firstNode;                    // the nodes not in use, through m_next
+  using Blocks = std::vector<std::unique_ptr<CNode[]>>;
+
+  CNode m_firstNode;                 // most collections hold one item or none,
+  std::unique_ptr<Blocks> m_blocks;  // others have blocks of nodes, which grow
+  CNode* m_free = &m_firstNode;      // the nodes not in use, through m_next
   CNode* m_head = nullptr;
   CNode* m_tail = nullptr;
-  int m_count = 0;
   mutable CNode* m_lastNode = nullptr;  // the node that GetNodeAtIndex reached last, and its index
   mutable int m_lastIndex = 0;
+  int m_count = 0;
   Removal* m_removal = nullptr;    // the innermost removal under way
   mutable Walk* m_walk = nullptr;  // the innermost walk
 };

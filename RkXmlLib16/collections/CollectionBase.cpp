@@ -70,14 +70,18 @@ bool CXmlCollectionBase::IsValidCount(const CSerializationContext& context) cons
 }
 
 void CXmlCollectionBase::AddEventListener(IEventSink* sink) {
-  if (sink != nullptr) m_listeners.push_back(sink);
+  if (sink == nullptr) return;
+  if (m_listeners == nullptr) m_listeners = std::make_unique<Listeners>();
+  m_listeners->sinks.push_back(sink);
 }
 
 void CXmlCollectionBase::RemoveEventListener(IEventSink* sink) {
-  for (std::size_t i = m_listeners.size(); i-- > 0;) {
-    if (m_listeners[i] != sink) continue;
-    m_listeners.erase(m_listeners.begin() + static_cast<std::ptrdiff_t>(i));
-    for (Walk* walk = m_walk; walk != nullptr; walk = walk->outer) {
+  if (m_listeners == nullptr) return;
+  std::vector<IEventSink*>& sinks = m_listeners->sinks;
+  for (std::size_t i = sinks.size(); i-- > 0;) {
+    if (sinks[i] != sink) continue;
+    sinks.erase(sinks.begin() + static_cast<std::ptrdiff_t>(i));
+    for (Walk* walk = m_listeners->walk; walk != nullptr; walk = walk->outer) {
       if (i < walk->next) --walk->next;
     }
   }
@@ -85,10 +89,10 @@ void CXmlCollectionBase::RemoveEventListener(IEventSink* sink) {
 
 template <class Notify>
 void CXmlCollectionBase::ForEachListener(Notify&& notify) {
-  if (m_listeners.empty()) return;
+  if (!HasListeners()) return;
   const auto held = HoldForListeners();
-  Walk walk(m_walk);
-  while (walk.next < m_listeners.size()) notify(m_listeners[walk.next++]);
+  Walk walk(m_listeners->walk);
+  while (walk.next < m_listeners->sinks.size()) notify(m_listeners->sinks[walk.next++]);
 }
 
 void CXmlCollectionBase::FireOnCollectionChange() {

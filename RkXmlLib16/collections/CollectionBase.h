@@ -2,6 +2,7 @@
 #define RKXMLLIB16_COLLECTIONS_COLLECTIONBASE_H
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -46,7 +47,7 @@ class RKXML_EXPORT CXmlCollectionBase : public CXmlObjectBase {
   // The sink is kept; null is ignored. One that is added twice is told twice; removing takes out every occurrence.
   void AddEventListener(IEventSink* sink);
   void RemoveEventListener(IEventSink* sink);
-  bool HasListeners() const noexcept { return !m_listeners.empty(); }
+  bool HasListeners() const noexcept { return m_listeners != nullptr && !m_listeners->sinks.empty(); }
 
   // Tell every listener, in the order in which they joined.
   void FireOnCollectionChange();
@@ -64,14 +65,18 @@ class RKXML_EXPORT CXmlCollectionBase : public CXmlObjectBase {
  private:
   enum class Limit { Kept, AboveMaximum, BelowMinimum };
   struct Walk;
+  // Most collections have none.
+  struct Listeners {
+    std::vector<IEventSink*> sinks;
+    Walk* walk = nullptr;  // the innermost notification under way
+  };
 
   Limit CheckCount(const CSerializationContext& context) const;
   template <class Notify>
   void ForEachListener(Notify&& notify);
 
   CSharedName m_namespaceUri;
-  std::vector<IEventSink*> m_listeners;
-  Walk* m_walk = nullptr;  // the innermost notification under way
+  std::unique_ptr<Listeners> m_listeners;
   int m_minOccurs = 0;
   int m_maxOccurs = -1;
 };

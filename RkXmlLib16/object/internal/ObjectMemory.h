@@ -35,8 +35,8 @@ class CObjectMemory {
   };
 
   static constexpr std::size_t kAlignment = __STDCPP_DEFAULT_NEW_ALIGNMENT__;
-  static constexpr std::size_t kBlock = 8 * 1024;
-  static constexpr std::size_t kLargest = kBlock / 8;
+  static constexpr std::size_t kBlock = 16 * 1024;
+  static constexpr std::size_t kLargest = kBlock / 16;
   static constexpr int kAlone = 8;  // objects before the first block
 
   static void* Place(unsigned char* memory, Block* block) noexcept;
