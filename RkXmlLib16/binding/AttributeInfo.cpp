@@ -112,7 +112,7 @@ void CAttributeInfoPrimitive::AttributeToXml(const CSerializationContext& contex
 
 bool CAttributeInfoPrimitive::AttributeFromXml(const CSerializationContext&, CXmlGeneratedClass* object,
                                                CXmlAttribute* attribute) {
-  if (!attribute->GetLocalNameRef()->Is(GetName(), *attribute->GetNamespaceRef())) return false;
+  if (!attribute->GetNameRef()->Is(GetName())) return false;
   const CNodeText held(*attribute);
   const CXmlText& text = held.Get();
   bool isValue = false;

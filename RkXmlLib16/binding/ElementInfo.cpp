@@ -135,7 +135,7 @@ std::uint8_t CElementInfo::FindFacts() const {
 }
 
 bool CElementInfo::CompareName(const CSerializationContext& context, const CXmlElement& element) const {
-  return element.GetLocalNameRef()->Is(m_name, *element.GetNamespaceRef()) ||
+  return element.GetNameRef()->Is(m_name) ||
          (context.GetIgnoreNamespaces() && element.GetLocalName() == GetElementName());
 }
 

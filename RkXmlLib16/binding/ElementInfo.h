@@ -141,9 +141,8 @@ class RKXML_EXPORT CElementInfo {
   // Whether the element has the record's local name and, unless the context ignores namespaces, its namespace.
   bool IsThisElement(const CSerializationContext& context, const CXmlElement* element) const {
     if (element == nullptr) return false;
-    const RkXmlLib16::CXmlName& name = *element->GetLocalNameRef();
-    return name.IsKnownAs(m_name, *element->GetNamespaceRef()) ||
-           (name.MayBe(m_name) && CompareName(context, *element));
+    const RkXmlLib16::CXmlExpandedName& name = *element->GetNameRef();
+    return name.IsKnownAs(m_name) || (name.MayBe(m_name) && CompareName(context, *element));
   }
   // Throws CRkException when the value breaks a facet.
   void CheckRestriction(const RkVariant& value) const;

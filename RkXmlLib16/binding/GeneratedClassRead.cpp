@@ -335,7 +335,7 @@ void CXmlGeneratedClass::ReadNil(const CXmlAttribute* attribute) {
 inline bool CXmlGeneratedClass::ReadAttribute(CAttributeInfo& info, const CSerializationContext& context,
                                               CXmlAttribute* attribute) {
   if (info.IsModelText()) {
-    if (!attribute->GetLocalNameRef()->Is(info.GetName(), *attribute->GetNamespaceRef())) return false;
+    if (!attribute->GetNameRef()->Is(info.GetName())) return false;
     if (static_cast<CModelObject*>(this)->TrySetFrom(info.GetPropertyIndex(), *attribute)) return true;
   }
   return info.AttributeFromXml(context, this, attribute);

@@ -12,9 +12,10 @@
 //                 the same for every case.
 //   Names         InternName holds each text once, in a table with open addressing. Invariant: within a document equal
 //                 names have equal addresses, and names are never dropped. The hash is keyed, so that no input can
-//                 choose names that collide.
-//   Tokens        A name remembers the token of records that it was found to be (CXmlName::Is): its number, which no
-//                 other name ever has. Tokens that it is not are not remembered, as there may be more of them later.
+//                 choose names that collide. So are local names in a namespace, which nodes have.
+//   Tokens        Such a name remembers the token of records that it was found to be (CXmlExpandedName::Is): its
+//                 number, which no other name ever has. Tokens that it is not are not remembered, as there may be more
+//                 of them later.
 //   Held texts    While objects are read the input stays, and most texts are but parts of it (CXmlHeldText). One that
 //                 somebody asks for is widened into a block then, behind a mutex; the library itself reads short ones
 //                 by CNodeText, which leaves them as they are. White space between child elements is not kept at all:
@@ -366,9 +367,25 @@ const CXmlName* CXmlDocument::InternName(std::wstring_view text) {
   std::wmemcpy(chars, text.data(), text.size());
   chars[text.size()] = L'\0';
   ++storage.nameCount;
-  const auto* const name = new (memory) CXmlName(this, chars, static_cast<std::uint32_t>(text.size()), hash,
-                                                 static_cast<std::uint32_t>(storage.nameCount));
+  const auto* const name = new (memory)
+      CXmlName(chars, static_cast<std::uint32_t>(text.size()), hash, static_cast<std::uint32_t>(storage.nameCount));
   storage.nameTable[slot] = name;
+  return name;
+}
+
+std::size_t CXmlDocument::Storage::ExpandedHash::operator()(
+    const std::pair<const CXmlName*, const CXmlName*>& name) const noexcept {
+  return std::size_t{name.first->m_hash} << 32 | name.second->m_hash;
+}
+
+const CXmlExpandedName* CXmlDocument::InternName(const CXmlName* namespaceUri, const CXmlName* localName) {
+  Storage& storage = *m_storage;
+  const CXmlExpandedName* const first = localName->m_first;
+  if (first != nullptr && first->m_namespaceUri == namespaceUri) return first;
+  const CXmlExpandedName*& name =
+      first == nullptr ? localName->m_first : storage.expandedNames[{localName, namespaceUri}];
+  if (name == nullptr)
+    name = new (storage.names.Allocate(sizeof(CXmlExpandedName))) CXmlExpandedName(this, localName, namespaceUri);
   return name;
 }
 
@@ -379,7 +396,7 @@ std::shared_ptr<const std::wstring> CXmlDocument::ShareName(const CXmlName* name
   return shared;
 }
 
-CXmlElement* CXmlDocument::AddElement(const CXmlName* namespaceUri, const CXmlName* localName) {
+CXmlElement* CXmlDocument::AddElement(const CXmlExpandedName* name) {
   Storage& storage = *m_storage;
   CXmlElement* const parent = m_currentElement;
   if (parent == nullptr && m_documentElement != nullptr)
@@ -388,7 +405,7 @@ CXmlElement* CXmlDocument::AddElement(const CXmlName* namespaceUri, const CXmlNa
   if (storage.depth >= deepest && deepest != 0) storage.ThrowExceeded(L"element depth", deepest);
   storage.CountNode();
   if (m_filter != nullptr || !KeepsText()) storage.Open(parent != nullptr ? parent->m_lastChild : nullptr);
-  auto* const element = new (storage.nodes.Allocate(sizeof(CXmlElement))) CXmlElement(parent, localName, namespaceUri);
+  auto* const element = new (storage.nodes.Allocate(sizeof(CXmlElement))) CXmlElement(parent, name);
   if (m_filter != nullptr) storage.sections.erase(element);  // of one that was dropped
   for (; storage.pendingDeclarations != 0; --storage.pendingDeclarations)
     storage.declarations.end()[-static_cast<std::ptrdiff_t>(storage.pendingDeclarations)].element = element;
@@ -404,12 +421,12 @@ CXmlElement* CXmlDocument::AddElement(const CXmlName* namespaceUri, const CXmlNa
 
 CXmlElement* CXmlDocument::AddDocElement(const wchar_t* namespaceUri, const wchar_t* localName) {
   if (m_documentElement != nullptr) throw CRkException(L"A document has one document element only.");
-  return AddElement(InternName(ViewOf(namespaceUri)), InternName(ViewOf(localName)));
+  return AddElement(InternName(ViewOf(namespaceUri), ViewOf(localName)));
 }
 
 CXmlElement* CXmlDocument::AddChildElement(const wchar_t* namespaceUri, const wchar_t* localName) {
   if (m_currentElement == nullptr) throw CRkException(L"A child element needs an open element.");
-  return AddElement(InternName(ViewOf(namespaceUri)), InternName(ViewOf(localName)));
+  return AddElement(InternName(ViewOf(namespaceUri), ViewOf(localName)));
 }
 
 void CXmlDocument::EndElement() {
@@ -450,7 +467,7 @@ void CXmlDocument::EndElement() {
   }
 }
 
-CXmlAttribute* CXmlDocument::AddAttribute(CXmlElement* element, const CXmlName* localName, const CXmlName* namespaceUri,
+CXmlAttribute* CXmlDocument::AddAttribute(CXmlElement* element, const CXmlExpandedName* name,
                                           CXmlTextBlock* storedValue) {
   Storage& storage = *m_storage;
   if (element != m_currentElement) storage.pinned = storage.open.size();
@@ -471,15 +488,14 @@ CXmlAttribute* CXmlDocument::AddAttribute(CXmlElement* element, const CXmlName* 
       element->m_attributes.m_block = block = moved;
     }
   }
-  auto* const attribute = new (block->Attributes() + block->m_count) CXmlAttribute(element, localName, namespaceUri);
+  auto* const attribute = new (block->Attributes() + block->m_count) CXmlAttribute(element, name);
   attribute->m_value.store(storedValue, std::memory_order_relaxed);
   ++block->m_count;
   return attribute;
 }
 
-CXmlAttribute* CXmlDocument::AddAttribute(CXmlElement* element, const CXmlName* localName, const CXmlName* namespaceUri,
-                                          std::wstring_view value) {
-  CXmlAttribute* const attribute = AddAttribute(element, localName, namespaceUri, static_cast<CXmlTextBlock*>(nullptr));
+CXmlAttribute* CXmlDocument::AddAttribute(CXmlElement* element, const CXmlExpandedName* name, std::wstring_view value) {
+  CXmlAttribute* const attribute = AddAttribute(element, name, static_cast<CXmlTextBlock*>(nullptr));
   if (!value.empty()) {
     std::wmemcpy(ReserveValue(attribute, value.size()), value.data(), value.size());
     CommitValue(attribute, value.size());
@@ -494,7 +510,7 @@ CXmlTextBlock* CXmlDocument::StoreValue(std::wstring_view value) {
 
 void CXmlDocument::AddElementAttribute(CXmlElement* element, const std::wstring& localName, const std::wstring& value,
                                        const std::wstring& namespaceUri) {
-  AddAttribute(element, InternName(localName), InternName(namespaceUri), value);
+  AddAttribute(element, InternName(namespaceUri, localName), value);
 }
 
 wchar_t* CXmlDocument::ReserveValue(CXmlAttribute* attribute, std::size_t charCount) {
@@ -641,11 +657,11 @@ std::vector<std::pair<CXmlText, CXmlText>> CXmlDocument::GetNamespaceAliases() c
 
 // ---- name ----
 
-bool CXmlName::Compare(const CNameToken& token, const CXmlName& namespaceUri) const noexcept {
-  const bool isEqual =
-      WideText::IsEqual(View(), token.GetLocalName()) && WideText::IsEqual(namespaceUri.View(), token.GetNamespace());
+bool CXmlExpandedName::Compare(const CNameToken& token) const noexcept {
+  const bool isEqual = WideText::IsEqual(m_localName->View(), token.GetLocalName()) &&
+                       WideText::IsEqual(m_namespaceUri->View(), token.GetNamespace());
   if (isEqual && token.GetNumber() != CNameToken::kNoNumber)
-    m_token.store(EntryOf(token, namespaceUri), std::memory_order_relaxed);
+    m_token.store(token.GetNumber(), std::memory_order_relaxed);
   return isEqual;
 }
 
@@ -712,12 +728,12 @@ CXmlAttribute* CXmlAttributes::at(std::size_t index) const {
 }
 
 CXmlElement::CXmlElement(const CXmlDocument* document, const CXmlElement* parent)
-    : m_localName(document != nullptr ? document->GetEmptyName()
-                                      : throw CRkInvalidParamException(L"An element needs a document.")),
-      m_namespaceUri(m_localName),
+    : m_name(document != nullptr
+                 ? const_cast<CXmlDocument*>(document)->InternName(document->GetEmptyName(), document->GetEmptyName())
+                 : throw CRkInvalidParamException(L"An element needs a document.")),
       m_parent(const_cast<CXmlElement*>(parent)) {}
 
-CXmlDocument& CXmlElement::Owner() const { return *m_localName->m_document; }
+CXmlDocument& CXmlElement::Owner() const { return *m_name->GetDocument(); }
 
 const std::vector<std::size_t>* CXmlElement::GetSections() const noexcept {
   const auto& sections = Owner().m_storage->sections;
@@ -735,7 +751,7 @@ CXmlText CXmlElement::GetAttribute(const wchar_t* localName, const wchar_t* name
 }
 
 std::wstring CXmlElement::GetQName() const {
-  return CPrefixIndex(Owner().m_storage->aliases).GetQName(m_namespaceUri, GetLocalName());
+  return CPrefixIndex(Owner().m_storage->aliases).GetQName(GetNamespaceRef(), GetLocalName());
 }
 
 std::wstring CXmlElement::GetNameWithPredicate() const {
@@ -794,10 +810,12 @@ CXmlElement* CXmlElement::CreateNewChildElement() {
   return child;
 }
 
-void CXmlElement::SetElementName(const wchar_t* localName) { m_localName = Owner().InternName(ViewOf(localName)); }
+void CXmlElement::SetElementName(const wchar_t* localName) {
+  m_name = Owner().InternName(GetNamespaceRef(), Owner().InternName(ViewOf(localName)));
+}
 
 void CXmlElement::SetNamespace(const wchar_t* namespaceUri) {
-  m_namespaceUri = Owner().InternName(ViewOf(namespaceUri));
+  m_name = Owner().InternName(Owner().InternName(ViewOf(namespaceUri)), GetLocalNameRef());
 }
 
 void CXmlElement::AppendText(const wchar_t* text, int length) {
@@ -817,8 +835,7 @@ void CXmlElement::AppendText(const wchar_t* text) {
 
 void CXmlElement::AddAttribute(const wchar_t* localName, const wchar_t* value, const wchar_t* namespaceUri) {
   CXmlDocument& document = Owner();
-  document.AddAttribute(this, document.InternName(ViewOf(localName)), document.InternName(ViewOf(namespaceUri)),
-                        ViewOf(value));
+  document.AddAttribute(this, document.InternName(ViewOf(namespaceUri), ViewOf(localName)), ViewOf(value));
 }
 
 namespace {
@@ -867,8 +884,8 @@ std::wstring CXmlAttribute::GetXPath() const {
   CSiblingIndex* const index = CSiblingIndex::Of(*m_element);
   return m_element->GetXPath() + L"/@" +
          (index != nullptr
-              ? index->GetPrefixes().GetQName(m_namespaceUri, GetLocalName())
-              : CPrefixIndex(m_element->Owner().m_storage->aliases).GetQName(m_namespaceUri, GetLocalName()));
+              ? index->GetPrefixes().GetQName(GetNamespaceRef(), GetLocalName())
+              : CPrefixIndex(m_element->Owner().m_storage->aliases).GetQName(GetNamespaceRef(), GetLocalName()));
 }
 
 CRkLocation CXmlAttribute::GetLocation() const {
@@ -879,7 +896,7 @@ CRkLocation CXmlAttribute::GetLocation() const {
   if (offset == CRkLocation::kNoOffset) {
     offset =
         source->FindAttribute(m_element->m_offset, static_cast<std::size_t>(this - m_element->GetAttributes().front()),
-                              m_localName->View(), document.GetSchemaType() != SchemaType_NoNamespaces);
+                              GetLocalNameRef()->View(), document.GetSchemaType() != SchemaType_NoNamespaces);
   }
   return source->Locate(offset, GetXPath());
 }

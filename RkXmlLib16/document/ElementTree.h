@@ -30,6 +30,7 @@ class CSource;
 class CTreeBuilder;
 class CXmlDocument;
 class CXmlElement;
+class CXmlExpandedName;
 
 // A local name or namespace URI of a document, held once however often it occurs: within one document, two names are
 // equal when their addresses are.
@@ -41,42 +42,54 @@ class CXmlName {
   // The place of the name among those of the document, from 0 for the empty name.
   constexpr std::uint32_t GetOrdinal() const noexcept { return m_ordinal; }
 
-  // Whether this local name, in this namespace, is the name of the token. The document maps the name to the token that
-  // it was last found to be, so that it is compared once. Threads that read the document at the same time share that.
-  bool Is(const CNameToken& token, const CXmlName& namespaceUri) const noexcept {
-    return IsKnownAs(token, namespaceUri) || (MayBe(token) && Compare(token, namespaceUri));
-  }
-  // False for most other names, without a look at the whole.
-  bool MayBe(const CNameToken& token) const noexcept {
-    const std::wstring& name = token.GetLocalName();
-    return m_length == name.size() && m_text[m_length / 2] == name[m_length / 2];
-  }
-  // Whether that was found before.
-  bool IsKnownAs(const CNameToken& token, const CXmlName& namespaceUri) const noexcept {
-    return m_token.load(std::memory_order_relaxed) == EntryOf(token, namespaceUri);
-  }
-
  private:
   friend class CXmlDocument;
-  friend class CXmlElement;
-  constexpr CXmlName(CXmlDocument* document, const wchar_t* text, std::uint32_t length, std::uint32_t hash,
-                     std::uint32_t ordinal) noexcept
-      : m_document(document), m_text(text), m_length(length), m_hash(hash), m_ordinal(ordinal) {}
+  friend class CXmlExpandedName;
+  constexpr CXmlName(const wchar_t* text, std::uint32_t length, std::uint32_t hash, std::uint32_t ordinal) noexcept
+      : m_text(text), m_length(length), m_hash(hash), m_ordinal(ordinal) {}
 
-  RKXML_EXPORT bool Compare(const CNameToken& token, const CXmlName& namespaceUri) const noexcept;
-  static std::uint64_t EntryOf(const CNameToken& token, const CXmlName& namespaceUri) noexcept {
-    return std::uint64_t{token.GetNumber()} << 32 | namespaceUri.m_ordinal;
-  }
-
-  static constexpr std::uint64_t kNoToken = UINT64_MAX;
-
-  CXmlDocument* m_document;
   const wchar_t* m_text;
   std::uint32_t m_length;
   std::uint32_t m_hash;
   std::uint32_t m_ordinal;
-  // The number of the token, and the ordinal of the namespace with which the name is it.
-  mutable std::atomic<std::uint64_t> m_token{kNoToken};
+  // As a local name: with the namespace in which it was met first.
+  mutable const CXmlExpandedName* m_first = nullptr;
+};
+
+// A local name in a namespace, as elements and attributes of a document have it. Held once, too.
+class CXmlExpandedName {
+ public:
+  const CXmlName* GetLocalName() const noexcept { return m_localName; }
+  const CXmlName* GetNamespace() const noexcept { return m_namespaceUri; }
+  CXmlDocument* GetDocument() const noexcept { return m_document; }
+
+  // Whether this is the name of the token. It keeps the token that it was last found to be, so that it is compared
+  // once. Threads that read the document at the same time share that.
+  bool Is(const CNameToken& token) const noexcept { return IsKnownAs(token) || (MayBe(token) && Compare(token)); }
+  // False for most other names, without a look at the whole.
+  bool MayBe(const CNameToken& token) const noexcept {
+    const std::wstring& name = token.GetLocalName();
+    const std::size_t length = m_localName->m_length;
+    return length == name.size() && m_localName->m_text[length / 2] == name[length / 2];
+  }
+  // Whether that was found before.
+  bool IsKnownAs(const CNameToken& token) const noexcept {
+    return m_token.load(std::memory_order_relaxed) == token.GetNumber();
+  }
+
+ private:
+  friend class CXmlDocument;
+  CXmlExpandedName(CXmlDocument* document, const CXmlName* localName, const CXmlName* namespaceUri) noexcept
+      : m_document(document), m_localName(localName), m_namespaceUri(namespaceUri) {}
+
+  RKXML_EXPORT bool Compare(const CNameToken& token) const noexcept;
+
+  static constexpr std::uint64_t kNoToken = UINT64_MAX;  // no number of a token
+
+  CXmlDocument* m_document;
+  const CXmlName* m_localName;
+  const CXmlName* m_namespaceUri;
+  mutable std::atomic<std::uint64_t> m_token{kNoToken};  // its number
 };
 
 // The head of a text in the storage of a document; the characters and their NUL follow it.
@@ -130,22 +143,23 @@ class CXmlHeldText {
 // One attribute of a loaded element. Namespace declarations are not attributes; xsi:type and xsi:nil are.
 class RKXML_EXPORT CXmlAttribute {
  public:
-  CXmlText GetLocalName() const noexcept { return m_localName->GetText(); }
+  CXmlText GetLocalName() const noexcept { return GetLocalNameRef()->GetText(); }
   inline CXmlText GetValue() const;
-  CXmlText GetNamespaceURI() const noexcept { return m_namespaceUri->GetText(); }
+  CXmlText GetNamespaceURI() const noexcept { return GetNamespaceRef()->GetText(); }
   // The owning element's path, "/@" and the name with the prefix of its namespace, if it has one; see
   // CXmlElement::GetXPath.
   std::wstring GetXPath() const;
   // Namespace machinery: xsi:type, xsi:schemaLocation, xsi:noNamespaceSchemaLocation, xmlns.
-  bool IsNamespaceAttribute() const noexcept { return !m_namespaceUri->empty() && HasNamespaceName(); }
+  bool IsNamespaceAttribute() const noexcept { return !GetNamespaceRef()->empty() && HasNamespaceName(); }
   // xsi:nil.
-  bool IsNilAttribute() const noexcept { return !m_namespaceUri->empty() && HasNilName(); }
+  bool IsNilAttribute() const noexcept { return !GetNamespaceRef()->empty() && HasNilName(); }
   // Where the attribute stands; that of the element when a DTD or an entity supplied it. See CXmlElement::GetLocation.
   CRkLocation GetLocation() const;
   const CXmlElement* GetElement() const noexcept { return m_element; }
   // The names as the document holds them, for comparison by address.
-  const CXmlName* GetLocalNameRef() const noexcept { return m_localName; }
-  const CXmlName* GetNamespaceRef() const noexcept { return m_namespaceUri; }
+  const CXmlExpandedName* GetNameRef() const noexcept { return m_name; }
+  const CXmlName* GetLocalNameRef() const noexcept { return m_name->GetLocalName(); }
+  const CXmlName* GetNamespaceRef() const noexcept { return m_name->GetNamespace(); }
 
  private:
   friend class CNodeText;
@@ -153,12 +167,10 @@ class RKXML_EXPORT CXmlAttribute {
   friend class CXmlDocument;
   bool HasNamespaceName() const noexcept;
   bool HasNilName() const noexcept;
-  CXmlAttribute(const CXmlElement* element, const CXmlName* localName, const CXmlName* namespaceUri) noexcept
-      : m_element(element), m_localName(localName), m_namespaceUri(namespaceUri) {}
+  CXmlAttribute(const CXmlElement* element, const CXmlExpandedName* name) noexcept : m_element(element), m_name(name) {}
 
   const CXmlElement* m_element;
-  const CXmlName* m_localName;
-  const CXmlName* m_namespaceUri;
+  const CXmlExpandedName* m_name;
   mutable std::atomic<CXmlHeldText> m_value{CXmlHeldText()};  // none while empty
   std::uint64_t m_offset = CRkLocation::kNoOffset;
 };
@@ -244,21 +256,20 @@ class RKXML_EXPORT CXmlElement {
     return (m_next & kFirst) == 0 ? reinterpret_cast<CXmlElement*>(m_next) : nullptr;
   }
   CXmlElement* GetParentElement() const noexcept { return m_parent; }
-  const CXmlDocument* GetDocument() const noexcept { return m_localName->m_document; }
+  const CXmlDocument* GetDocument() const noexcept { return m_name->GetDocument(); }
   const CXmlAttributes& GetAttributes() const noexcept { return m_attributes; }
   inline CXmlText GetText() const;
   // Where in the text the CDATA sections begin whose marks it holds (CSerializationContext::SetStripCDATA), in
   // ascending order; null when there are none. What else looks like a mark is data.
   const std::vector<std::size_t>* GetSections() const noexcept;
-  CXmlText GetLocalName() const noexcept { return m_localName->GetText(); }
-  CXmlText GetNamespaceURI() const noexcept { return m_namespaceUri->GetText(); }
+  CXmlText GetLocalName() const noexcept { return GetLocalNameRef()->GetText(); }
+  CXmlText GetNamespaceURI() const noexcept { return GetNamespaceRef()->GetText(); }
   // The names as the document holds them, for comparison by address.
-  const CXmlName* GetLocalNameRef() const noexcept { return m_localName; }
-  const CXmlName* GetNamespaceRef() const noexcept { return m_namespaceUri; }
+  const CXmlExpandedName* GetNameRef() const noexcept { return m_name; }
+  const CXmlName* GetLocalNameRef() const noexcept { return m_name->GetLocalName(); }
+  const CXmlName* GetNamespaceRef() const noexcept { return m_name->GetNamespace(); }
   // Whether the other element, of the same document, bears the same name in the same namespace; null bears none.
-  bool HasNameOf(const CXmlElement* other) const noexcept {
-    return other != nullptr && m_localName == other->m_localName && m_namespaceUri == other->m_namespaceUri;
-  }
+  bool HasNameOf(const CXmlElement* other) const noexcept { return other != nullptr && m_name == other->m_name; }
   // The value of the first attribute with this name; empty when there is none.
   CXmlText GetAttribute(const wchar_t* localName, const wchar_t* namespaceUri) const;
   // The local name with the prefix that the document has for the namespace.
@@ -301,8 +312,7 @@ class RKXML_EXPORT CXmlElement {
   friend class CTreeBuilder;
   friend class CXmlAttribute;
   friend class CXmlDocument;
-  CXmlElement(CXmlElement* parent, const CXmlName* localName, const CXmlName* namespaceUri) noexcept
-      : m_localName(localName), m_namespaceUri(namespaceUri), m_parent(parent) {}
+  CXmlElement(CXmlElement* parent, const CXmlExpandedName* name) noexcept : m_name(name), m_parent(parent) {}
   CXmlDocument& Owner() const;
   void AppendChild(CXmlElement* child) noexcept {
     const auto next = reinterpret_cast<std::uintptr_t>(child);
@@ -318,9 +328,7 @@ class RKXML_EXPORT CXmlElement {
 
   static constexpr std::uintptr_t kFirst = 1;
 
-  // The document is reached through the names, which are never null.
-  const CXmlName* m_localName;
-  const CXmlName* m_namespaceUri;
+  const CXmlExpandedName* m_name;  // never null; the document is reached through it
   CXmlElement* m_parent;
   std::uintptr_t m_next = kFirst;  // the next sibling; of the last one the first, plus kFirst
   CXmlElement* m_lastChild = nullptr;
@@ -425,17 +433,19 @@ class RKXML_EXPORT CXmlDocument {
   const CXmlName* GetEmptyName() const noexcept;
   // A copy of the name for objects that outlive the document, which all share it. Null for the empty name.
   std::shared_ptr<const std::wstring> ShareName(const CXmlName* name) const;
-  CXmlElement* AddElement(const CXmlName* namespaceUri, const CXmlName* localName);
+  const CXmlExpandedName* InternName(const CXmlName* namespaceUri, const CXmlName* localName);
+  const CXmlExpandedName* InternName(std::wstring_view namespaceUri, std::wstring_view localName) {
+    return InternName(InternName(namespaceUri), InternName(localName));
+  }
+  CXmlElement* AddElement(const CXmlExpandedName* name);
   // Where the element or attribute begins in the input, in bytes.
   static void SetOffset(CXmlElement* element, std::uint64_t offset) noexcept { element->m_offset = offset; }
   static void SetOffset(CXmlAttribute* attribute, std::uint64_t offset) noexcept { attribute->m_offset = offset; }
   // The attribute is valid until the next one is added to the element.
-  CXmlAttribute* AddAttribute(CXmlElement* element, const CXmlName* localName, const CXmlName* namespaceUri,
-                              std::wstring_view value);
+  CXmlAttribute* AddAttribute(CXmlElement* element, const CXmlExpandedName* name, std::wstring_view value);
   // Stores a value once for many attributes; it is good until the document is emptied, whatever a filter drops.
   CXmlTextBlock* StoreValue(std::wstring_view value);
-  CXmlAttribute* AddAttribute(CXmlElement* element, const CXmlName* localName, const CXmlName* namespaceUri,
-                              CXmlTextBlock* storedValue);
+  CXmlAttribute* AddAttribute(CXmlElement* element, const CXmlExpandedName* name, CXmlTextBlock* storedValue);
   void AppendText(CXmlElement* element, std::wstring_view text);  // drops carriage returns
   // The same for white space in the current element, which a document has again and again: texts of nothing else are
   // held once while they are short.

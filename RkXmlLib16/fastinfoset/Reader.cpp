@@ -68,9 +68,7 @@ bool IsWellFormed(const unsigned char* octets, std::size_t length) {
   return true;
 }
 
-bool HasSameName(const CXmlAttribute& a, const CXmlAttribute& b) {
-  return a.GetLocalNameRef() == b.GetLocalNameRef() && a.GetNamespaceRef() == b.GetNamespaceRef();
-}
+bool HasSameName(const CXmlAttribute& a, const CXmlAttribute& b) { return a.GetNameRef() == b.GetNameRef(); }
 
 // Whether the octet behind the attributes ends their element too.
 bool EndsElement(unsigned char octet) {
@@ -122,18 +120,18 @@ inline unsigned long CFastInfosetReader::Integer0To2pw20Bit2(unsigned char octet
   return Integer(FastInfoset::kIndexBit2, octet, kInvalidValueIndex);
 }
 
-inline const CFastInfosetReader::QName& CFastInfosetReader::KnownName(const QNames& names, unsigned long index,
-                                                                      const wchar_t* refusal) {
-  if (!IsKnown(index, names.size()) || names[index - 1].localName == nullptr) throw CRkException(refusal);
-  return names[index - 1];
+inline const CXmlExpandedName& CFastInfosetReader::KnownName(const QNames& names, unsigned long index,
+                                                             const wchar_t* refusal) {
+  if (!IsKnown(index, names.size()) || names[index - 1] == nullptr) throw CRkException(refusal);
+  return *names[index - 1];
 }
 
-inline const CFastInfosetReader::QName& CFastInfosetReader::QualifiedNameOrIndexBit2(unsigned char octet) {
+inline const CXmlExpandedName& CFastInfosetReader::QualifiedNameOrIndexBit2(unsigned char octet) {
   if ((octet & 0x7C) == FastInfoset::kAttributeLiteralName) return ReadQName(octet, m_attributeNames);
   return KnownName(m_attributeNames, Integer1To2pw20Bit2(octet), kInvalidIndexBit2);
 }
 
-inline const CFastInfosetReader::QName& CFastInfosetReader::QualifiedNameOrIndexBit3(unsigned char octet) {
+inline const CXmlExpandedName& CFastInfosetReader::QualifiedNameOrIndexBit3(unsigned char octet) {
   if ((octet & 0x3C) == FastInfoset::kElementLiteralName) return ReadQName(octet, m_elementNames);
   return KnownName(m_elementNames, Integer1To2pw20Bit3(octet), kInvalidIndexBit3);
 }
@@ -144,7 +142,8 @@ inline void CFastInfosetReader::AddShared(CXmlTextBlock* block, Values& table) {
   table.push_back({block, /*mayHaveReturns=*/false});
 }
 
-inline CXmlAttribute* CFastInfosetReader::NonIdentifyingStringOrIndexBit1(CXmlElement* element, const QName& name) {
+inline CXmlAttribute* CFastInfosetReader::NonIdentifyingStringOrIndexBit1(CXmlElement* element,
+                                                                          const CXmlExpandedName& name) {
   const unsigned char octet = Next();
   if ((octet & FastInfoset::kValueIndexBit) == 0) return DecodeAttribute(element, name, octet);
   const unsigned long index = Integer0To2pw20Bit2(octet);
@@ -154,7 +153,7 @@ inline CXmlAttribute* CFastInfosetReader::NonIdentifyingStringOrIndexBit1(CXmlEl
     value = m_attributeValues[index - 1].block;
   }
   if (value != nullptr) CountExpansion(value->m_length);
-  CXmlAttribute* const attribute = m_tree->AddAttribute(element, name.localName, name.namespaceUri, value);
+  CXmlAttribute* const attribute = m_tree->AddAttribute(element, &name, value);
   if (value != nullptr) m_tree->Count(*value);
   return attribute;
 }
@@ -179,8 +178,8 @@ inline void CFastInfosetReader::NonIdentifyingStringOrIndexBit3(CXmlElement* ele
 
 void CFastInfosetReader::AtrributeBit2(CXmlElement* element, unsigned char octet) {
   const std::size_t offset = GetLastOffset();
-  const QName& name = QualifiedNameOrIndexBit2(octet);
-  CountExpansion(name.localName->View().size());
+  const CXmlExpandedName& name = QualifiedNameOrIndexBit2(octet);
+  CountExpansion(name.GetLocalName()->View().size());
   CXmlDocument::SetOffset(NonIdentifyingStringOrIndexBit1(element, name), offset);
 }
 
@@ -199,9 +198,9 @@ void CFastInfosetReader::ElementStart(unsigned char octet) {
     octet = Next();
     if (octet >= 0x40) ThrowInvalidItem();
   }
-  const QName& name = QualifiedNameOrIndexBit3(octet);
-  CountExpansion(name.localName->View().size());
-  CXmlElement* const element = m_tree->AddElement(name.namespaceUri, name.localName, offset);
+  const CXmlExpandedName& name = QualifiedNameOrIndexBit3(octet);
+  CountExpansion(name.GetLocalName()->View().size());
+  CXmlElement* const element = m_tree->AddElement(&name, offset);
   if (!hasAttributes) return m_document.CompleteStart(element);
   for (octet = Next(); octet < 0x80; octet = Next()) AtrributeBit2(element, octet);
   RequireDifferentNames(*element);
@@ -359,8 +358,8 @@ void CFastInfosetReader::InitialVocabulary() {
   if (SkipList((second & 0x10) != 0, skipValue)) m_skippedValue = AddSkipped(m_attributeValues);
   if (SkipList((second & 0x08) != 0, skipValue)) m_skippedChunk = AddSkipped(m_chunks);
   if (SkipList((second & 0x04) != 0, skipValue)) ++m_otherStrings;
-  if (SkipList((second & 0x02) != 0, skipName)) m_elementNames.push_back({nullptr, nullptr});
-  if (SkipList((second & 0x01) != 0, skipName)) m_attributeNames.push_back({nullptr, nullptr});
+  if (SkipList((second & 0x02) != 0, skipName)) m_elementNames.push_back(nullptr);
+  if (SkipList((second & 0x01) != 0, skipName)) m_attributeNames.push_back(nullptr);
 }
 
 void CFastInfosetReader::Notations() {
@@ -498,11 +497,11 @@ template <unsigned char kLengthBits, unsigned char... Refused>
                                                                         const unsigned char*& at) {
   const unsigned char index = *at & FastInfoset::kIndexBit3.field;
   if (index >= FastInfoset::kIndexBit3.forms[1].pattern) return nullptr;
-  const QName name = FindEntry(m_elementNames, index);
-  if (name.localName == nullptr) return nullptr;
-  const unsigned long expanded = m_expanded + name.localName->View().size();
+  const CXmlExpandedName* const name = FindEntry(m_elementNames, index);
+  if (name == nullptr) return nullptr;
+  const unsigned long expanded = m_expanded + name->GetLocalName()->View().size();
   if (expanded > m_expansionLimit) return nullptr;
-  CXmlElement* const element = tree.TryAddChild(parent, name.namespaceUri, name.localName, OffsetOf(at));
+  CXmlElement* const element = tree.TryAddChild(parent, name, OffsetOf(at));
   if (element == nullptr) return nullptr;
   m_expanded = expanded;
   ++at;
@@ -513,9 +512,9 @@ template <unsigned char kLengthBits, unsigned char... Refused>
                                                                     const unsigned char*& at) {
   const unsigned char* next = at + 1;
   if (*at >= FastInfoset::kIndexBit2.forms[1].pattern || next == m_end) return false;
-  const QName name = FindEntry(m_attributeNames, *at);
-  if (name.localName == nullptr) return false;
-  unsigned long expanded = m_expanded + name.localName->View().size();
+  const CXmlExpandedName* const name = FindEntry(m_attributeNames, *at);
+  if (name == nullptr) return false;
+  unsigned long expanded = m_expanded + name->GetLocalName()->View().size();
   const unsigned char octet = *next;
   CXmlTextBlock* value = nullptr;
   if ((octet & FastInfoset::kValueIndexBit) == 0) {
@@ -528,7 +527,7 @@ template <unsigned char kLengthBits, unsigned char... Refused>
     expanded += value->m_length;
   }
   if (expanded > m_expansionLimit) return false;
-  CXmlAttribute* const attribute = tree.TryAddAttribute(element, name.localName, name.namespaceUri, value);
+  CXmlAttribute* const attribute = tree.TryAddAttribute(element, name, value);
   if (attribute == nullptr) return false;
   CXmlDocument::SetOffset(attribute, OffsetOf(at));
   if ((octet & (FastInfoset::kValueIndexBit | FastInfoset::kValueAddBit)) == FastInfoset::kValueAddBit)
@@ -621,10 +620,9 @@ void CFastInfosetReader::CompareNames(const CXmlAttributes& attributes) {
         if (HasSameName(*one, *other)) ThrowInvalidItem();
     return;
   }
-  std::vector<std::pair<std::uint32_t, std::uint32_t>> names;
+  std::vector<const CXmlExpandedName*> names;
   names.reserve(attributes.size());
-  for (const CXmlAttribute* attribute : attributes)
-    names.emplace_back(attribute->GetLocalNameRef()->GetOrdinal(), attribute->GetNamespaceRef()->GetOrdinal());
+  for (const CXmlAttribute* attribute : attributes) names.push_back(attribute->GetNameRef());
   std::sort(names.begin(), names.end());
   if (std::adjacent_find(names.begin(), names.end()) != names.end()) ThrowInvalidItem();
 }
@@ -677,7 +675,7 @@ void CFastInfosetReader::ExternalIdentifiers(unsigned char octet) {
 
 // Names
 
-const CFastInfosetReader::QName& CFastInfosetReader::ReadQName(unsigned char octet, QNames& names) {
+const CXmlExpandedName& CFastInfosetReader::ReadQName(unsigned char octet, QNames& names) {
   const bool hasPrefix = (octet & FastInfoset::kNamePrefixBit) != 0;
   const bool hasNamespace = (octet & FastInfoset::kNameNamespaceBit) != 0;
   if (hasPrefix && !hasNamespace) {
@@ -685,16 +683,16 @@ const CFastInfosetReader::QName& CFastInfosetReader::ReadQName(unsigned char oct
   }
   bool hasIndex = true;
   const CXmlName* prefix = m_document.GetEmptyName();
-  QName& name = m_literalName;
-  name = {nullptr, prefix};
+  const CXmlName* namespaceUri = prefix;
   if (hasPrefix) prefix = IdentifyingStringOrIndex(m_prefixes, hasIndex);
-  if (hasNamespace) name.namespaceUri = IdentifyingStringOrIndex(m_namespaceNames, hasIndex);
-  name.localName = IdentifyingStringOrIndex(m_localNames, hasIndex);
-  RequireReservedPair(prefix, name.namespaceUri);
-  const bool isDeclaration = &names == &m_attributeNames && !hasNamespace && name.localName->View() == kXmlns;
+  if (hasNamespace) namespaceUri = IdentifyingStringOrIndex(m_namespaceNames, hasIndex);
+  const CXmlName* const localName = IdentifyingStringOrIndex(m_localNames, hasIndex);
+  RequireReservedPair(prefix, namespaceUri);
+  const bool isDeclaration = &names == &m_attributeNames && !hasNamespace && localName->View() == kXmlns;
   if (isDeclaration && HasNamespaces()) ThrowInvalidItem();
+  const CXmlExpandedName* const name = m_document.InternName(namespaceUri, localName);
   if (hasIndex) AppendEntry(names, name);
-  return name;
+  return *name;
 }
 
 // `hasIndex` becomes false when the string found its table full.
@@ -742,13 +740,14 @@ void CFastInfosetReader::SkipIdentifyingStringOrIndex(Count& count) {
 // Values
 
 // Any literal.
-CXmlAttribute* CFastInfosetReader::DecodeAttribute(CXmlElement* element, const QName& name, unsigned char octet) {
+CXmlAttribute* CFastInfosetReader::DecodeAttribute(CXmlElement* element, const CXmlExpandedName& name,
+                                                   unsigned char octet) {
   const EncodedString string = EncodedCharacterStringBit3(octet);
   const bool add = (octet & FastInfoset::kValueAddBit) != 0;
   if (string.encoding == FIStringEncoding_UTF8 && !Contains(string, '\0')) {
     const std::string_view utf8 = BytesOf(string.octets, string.length);
     const std::size_t most = string.length <= kUncountedLength ? string.length : CEncoder::UnicodeLength(utf8);
-    CXmlAttribute* const attribute = m_document.AddAttribute(element, name.localName, name.namespaceUri, {});
+    CXmlAttribute* const attribute = m_document.AddAttribute(element, &name, std::wstring_view());
     wchar_t* const out = m_document.ReserveValue(attribute, most);
     const auto charCount = static_cast<std::size_t>(CEncoder::WriteUnicode(utf8, out) - out);
     m_document.CommitValue(attribute, charCount);
@@ -756,7 +755,7 @@ CXmlAttribute* CFastInfosetReader::DecodeAttribute(CXmlElement* element, const Q
     return attribute;
   }
   Decode(string);
-  CXmlAttribute* const attribute = m_document.AddAttribute(element, name.localName, name.namespaceUri, m_text);
+  CXmlAttribute* const attribute = m_document.AddAttribute(element, &name, m_text);
   if (add) AddValue(m_text, m_attributeValues);
   return attribute;
 }

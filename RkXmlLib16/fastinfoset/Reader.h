@@ -20,6 +20,7 @@ class CXmlAttribute;
 class CXmlAttributes;
 class CXmlDocument;
 class CXmlElement;
+class CXmlExpandedName;
 class CXmlName;
 struct CXmlTextBlock;
 namespace FastInfoset {
@@ -67,11 +68,7 @@ class RKXML_EXPORT CFastInfosetReader {
 
  private:
   using Names = std::vector<const CXmlName*>;
-  struct QName {
-    const CXmlName* localName;
-    const CXmlName* namespaceUri;
-  };
-  using QNames = std::vector<QName>;
+  using QNames = std::vector<const CXmlExpandedName*>;
   // A text or attribute value of a table, as the tree holds it; null while empty.
   struct Value {
     CXmlTextBlock* block;
@@ -127,18 +124,18 @@ class RKXML_EXPORT CFastInfosetReader {
   template <class Entry>
   static inline Entry FindEntry(const std::vector<Entry>& table, std::size_t number);
 
-  inline const QName& KnownName(const QNames& names, unsigned long index, const wchar_t* refusal);
-  inline const QName& QualifiedNameOrIndexBit2(unsigned char octet);
-  inline const QName& QualifiedNameOrIndexBit3(unsigned char octet);
-  const QName& ReadQName(unsigned char octet, QNames& names);
+  inline const CXmlExpandedName& KnownName(const QNames& names, unsigned long index, const wchar_t* refusal);
+  inline const CXmlExpandedName& QualifiedNameOrIndexBit2(unsigned char octet);
+  inline const CXmlExpandedName& QualifiedNameOrIndexBit3(unsigned char octet);
+  const CXmlExpandedName& ReadQName(unsigned char octet, QNames& names);
   const CXmlName* IdentifyingStringOrIndex(Names& names, bool& hasIndex);
   bool HasNamespaces() const;
   bool IsLegal(const Names& names) const;
   void RequireReservedPair(const CXmlName* prefix, const CXmlName* namespaceUri) const;
   void SkipIdentifyingStringOrIndex(Count& count);
-  inline CXmlAttribute* NonIdentifyingStringOrIndexBit1(CXmlElement* element, const QName& name);
+  inline CXmlAttribute* NonIdentifyingStringOrIndexBit1(CXmlElement* element, const CXmlExpandedName& name);
   inline void NonIdentifyingStringOrIndexBit3(CXmlElement* element, unsigned char octet);
-  CXmlAttribute* DecodeAttribute(CXmlElement* element, const QName& name, unsigned char octet);
+  CXmlAttribute* DecodeAttribute(CXmlElement* element, const CXmlExpandedName& name, unsigned char octet);
   void DecodeText(CXmlElement* element, unsigned char octet);
   inline void AppendIndexed(CXmlElement* element, const Value& text);
   void AddValue(std::wstring_view value, Values& table);
@@ -216,7 +213,6 @@ class RKXML_EXPORT CFastInfosetReader {
   Names m_localNames;
   QNames m_elementNames;
   QNames m_attributeNames;
-  QName m_literalName{};  // read last
   Count m_otherNCNames = 0;
   Count m_otherUris = 0;
   Count m_otherStrings = 0;

@@ -403,7 +403,7 @@ void CExpatReader::Parser::StartElement(const XML_Char* name, const XML_Char** a
   FlushBlanks();
   const CXmlName* namespaceUri = nullptr;
   const CXmlName* const localName = LocalName(SplitElementName(name, namespaceUri));
-  CXmlElement* const element = document.AddElement(namespaceUri, localName);
+  CXmlElement* const element = document.AddElement(document.InternName(namespaceUri, localName));
   CXmlDocument::SetOffset(element, Offset());
   AddAttributes(element, attributes);
   document.CompleteStart(element);
@@ -419,7 +419,8 @@ void CExpatReader::Parser::AddAttributes(CXmlElement* element, const XML_Char** 
       continue;
     }
     const CXmlName* const localName = LocalName(SplitAttributeName(attributes[0], namespaceUri));
-    CXmlAttribute* const attribute = document.AddAttribute(element, localName, namespaceUri, std::wstring_view());
+    CXmlAttribute* const attribute =
+        document.AddAttribute(element, document.InternName(namespaceUri, localName), std::wstring_view());
     if (const std::size_t length = LengthOf(attributes[1])) {
       wchar_t* const value = document.ReserveValue(attribute, length);
       Widen(attributes[1], length, value);
@@ -464,7 +465,7 @@ void CExpatReader::Parser::AddDefaulted(CXmlElement* element, const XML_Char* na
     buffer.resize(Joined(buffer.data(), buffer.size()));
     stored = document.StoreValue(buffer);
   }
-  document.AddAttribute(element, localName, namespaceUri, stored);
+  document.AddAttribute(element, document.InternName(namespaceUri, localName), stored);
 }
 
 void CExpatReader::Parser::StartNamespace(const XML_Char* prefix, const XML_Char* uri) {

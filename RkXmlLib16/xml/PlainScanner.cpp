@@ -238,6 +238,7 @@ struct Prefix {
 struct KnownName {
   RawName raw;
   const CXmlName* localName = nullptr;
+  const CXmlExpandedName* expanded = nullptr;  // as it was found last
   Prefix* prefix = nullptr;
   bool hasPrefix = false;
 };
@@ -338,7 +339,8 @@ class Scanner {
   bool Declare(const RawAttribute& attribute);
   void EndElement(std::size_t bindings);
   Prefix& FindPrefix(std::string_view prefix);
-  const KnownName* FindName(const RawName& name);
+  KnownName* FindName(const RawName& name);
+  const CXmlExpandedName* Expand(KnownName& known, const CXmlName* namespaceUri);
   bool LearnName(KnownName& known, const RawName& name);
 
   template <Place place>
@@ -372,7 +374,7 @@ class Scanner {
   std::vector<OpenElement> m_open;
   std::vector<Binding> m_bindings;
   std::vector<RawAttribute> m_attributes;  // of the current tag
-  std::vector<std::pair<const CXmlName*, const CXmlName*>> m_attributeNames;
+  std::vector<const CXmlExpandedName*> m_attributeNames;
   std::array<Blanks, 64> m_blanks{};
   std::wstring m_text;  // the last name or namespace that was decoded
   std::array<wchar_t, kPieceSize + kLongestItem> m_piece;
@@ -526,11 +528,17 @@ Prefix& Scanner::FindPrefix(std::string_view prefix) {
 }
 
 // Null for what is no name.
-[[gnu::always_inline]] inline const KnownName* Scanner::FindName(const RawName& name) {
+[[gnu::always_inline]] inline KnownName* Scanner::FindName(const RawName& name) {
   const Head& head = name.head;
   const std::uint64_t hash = (head.low ^ head.high * 0x9E3779B97F4A7C15u) * 0xD6E8FEB86659FD93u;
   KnownName& known = m_names[hash >> 40 & (m_names.size() - 1)];
   return known.raw == name || LearnName(known, name) ? &known : nullptr;
+}
+
+inline const CXmlExpandedName* Scanner::Expand(KnownName& known, const CXmlName* namespaceUri) {
+  if (known.expanded == nullptr || known.expanded->GetNamespace() != namespaceUri)
+    known.expanded = m_document.InternName(namespaceUri, known.localName);
+  return known.expanded;
 }
 
 [[gnu::noinline]] bool Scanner::LearnName(KnownName& known, const RawName& name) {
@@ -546,6 +554,7 @@ Prefix& Scanner::FindPrefix(std::string_view prefix) {
   }
   if (!TakeName(known.hasPrefix ? raw.substr(colon + 1) : raw)) return false;
   known.localName = m_document.InternName(m_text);
+  known.expanded = nullptr;
   return true;
 }
 
@@ -604,9 +613,9 @@ bool Scanner::AddElement(const RawName& name, const Byte* tag) {
   ++m_tag;
   for (const RawAttribute& attribute : m_attributes)
     if (attribute.isDeclaration && !Declare(attribute)) return false;
-  const KnownName* const known = FindName(name);
+  KnownName* const known = FindName(name);
   if (known == nullptr || known->prefix->uri == nullptr) return false;
-  CXmlElement* const element = m_tree.AddElement(known->prefix->uri, known->localName, OffsetOf(tag));
+  CXmlElement* const element = m_tree.AddElement(Expand(*known, known->prefix->uri), OffsetOf(tag));
   for (const RawAttribute& attribute : m_attributes)
     if (!attribute.isDeclaration && !AddAttribute(element, attribute)) return false;
   return m_attributes.size() < 2 || !HasSameNames(element->GetAttributes());
@@ -614,8 +623,7 @@ bool Scanner::AddElement(const RawName& name, const Byte* tag) {
 
 bool Scanner::HasSameNames(const CXmlAttributes& attributes) {
   m_attributeNames.clear();
-  for (const CXmlAttribute* attribute : attributes)
-    m_attributeNames.emplace_back(attribute->GetLocalNameRef(), attribute->GetNamespaceRef());
+  for (const CXmlAttribute* attribute : attributes) m_attributeNames.push_back(attribute->GetNameRef());
   const auto begin = m_attributeNames.begin();
   const auto end = m_attributeNames.end();
   if (m_attributeNames.size() > kFewAttributes) {
@@ -628,7 +636,7 @@ bool Scanner::HasSameNames(const CXmlAttributes& attributes) {
 }
 
 bool Scanner::AddAttribute(CXmlElement* element, const RawAttribute& raw) {
-  const KnownName* const known = FindName(raw.name);
+  KnownName* const known = FindName(raw.name);
   if (known == nullptr || known->prefix->uri == nullptr) return false;
   const CXmlName* const namespaceUri = known->hasPrefix ? known->prefix->uri : m_emptyName;
   m_namespaceChars += namespaceUri->View().size();
@@ -637,12 +645,12 @@ bool Scanner::AddAttribute(CXmlElement* element, const RawAttribute& raw) {
     // Those with a prefix are mostly xsi:type and xsi:nil.
     const CXmlHeldText value = m_tree.HoldText(raw.value, raw.valueLength, m_end, /*isAskedOften=*/known->hasPrefix);
     if (!value.IsNone()) {
-      m_tree.AddAttribute(element, known->localName, namespaceUri, value);
+      m_tree.AddAttribute(element, Expand(*known, namespaceUri), value);
       m_tree.Count(raw.valueLength);
       return true;
     }
   }
-  CXmlAttribute* const attribute = m_tree.AddAttribute(element, known->localName, namespaceUri, nullptr);
+  CXmlAttribute* const attribute = m_tree.AddAttribute(element, Expand(*known, namespaceUri), nullptr);
   if (raw.valueLength == 0) return true;
   if (raw.isPlain) {
     Widen(raw.value, raw.valueLength, m_document.ReserveValue(attribute, raw.valueLength));

@@ -141,7 +141,8 @@ const NameSet& LibraryNames() {
       "CModelCollection CModelCollectionBase CModelObject CParentElementInfo CPrimitiveRestrictions CPropertySet "
       "CRareValue CReadLimits CRegEx CRkException CSerializationContext CSharedName CSimpleType CSimpleTypeModel "
       "CSmartPtr CStringBuffer CTextStream CValueCollection CVocabulary CWhitespaceUtils CXmlAttribute "
-      "CXmlCollection CXmlCollectionBase CXmlDocument CXmlElement CXmlGeneratedClass CXmlName CXmlObjectBase "
+      "CXmlCollection CXmlCollectionBase CXmlDocument CXmlElement CXmlExpandedName CXmlGeneratedClass CXmlName "
+      "CXmlObjectBase "
       "CXmlObjectCollection CXmlObjectHelper CXmlText CXmlTypeCollection CXmlWriter EOLType NewFor "
       "NewModelCollection NewModelObject kBuiltInTypes kClasses kElements kAttributeModels kInstanceNamespace "
       "kSchema kSchemaNamespace kSimpleTypes");

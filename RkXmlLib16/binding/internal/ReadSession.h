@@ -25,13 +25,12 @@ class SkippedRuns {
   }
   // The first record from `from` on that is not skipped, or the null behind the last one.
   CElementInfo** Pass(CElementInfo** from, const CXmlElement* next) {
-    const RkXmlLib16::CXmlName* const localName = next != nullptr ? next->GetLocalNameRef() : nullptr;
-    const RkXmlLib16::CXmlName* const namespaceUri = next != nullptr ? next->GetNamespaceRef() : nullptr;
-    const std::uintptr_t ordinal = next != nullptr ? localName->GetOrdinal() : 0;
+    const RkXmlLib16::CXmlExpandedName* const name = next != nullptr ? next->GetNameRef() : nullptr;
+    const std::uintptr_t ordinal = name != nullptr ? name->GetLocalName()->GetOrdinal() : 0;
     const std::uintptr_t place = reinterpret_cast<std::uintptr_t>(from) / sizeof(void*) + 11 * ordinal;
     Run& run = m_runs[place % m_runs.size()];
-    if (run.from != from || run.localName != localName || run.namespaceUri != namespaceUri) {
-      run = {from, localName, namespaceUri, from};
+    if (run.from != from || run.name != name) {
+      run = {from, name, from};
       while (*run.to != nullptr && (*run.to)->IsSkipped(m_context, next)) ++run.to;
     }
     return run.to;
@@ -40,8 +39,7 @@ class SkippedRuns {
  private:
   struct Run {
     CElementInfo** from;
-    const RkXmlLib16::CXmlName* localName;
-    const RkXmlLib16::CXmlName* namespaceUri;
+    const RkXmlLib16::CXmlExpandedName* name;
     CElementInfo** to;
   };
 

@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "RkXmlLib16/base/ErrorHandler.h"
@@ -40,7 +41,7 @@ struct RKXML_HIDDEN CXmlDocument::Storage {
     std::size_t declarationCount;
   };
 
-  explicit Storage(CXmlDocument& owner) : document(owner), emptyName(&owner, L"", 0, 0, 0) {}
+  explicit Storage(CXmlDocument& owner) : document(owner), emptyName(L"", 0, 0, 0) {}
 
   // Whether nothing was added or noted yet, as when a new document is emptied before its first load.
   bool IsUntouched() const noexcept {
@@ -73,6 +74,11 @@ struct RKXML_HIDDEN CXmlDocument::Storage {
   std::size_t depth = 0;                   // of the current element
   std::vector<const CXmlName*> nameTable;  // open addressing, a power of two
   std::size_t nameCount = 0;
+  struct ExpandedHash {
+    std::size_t operator()(const std::pair<const CXmlName*, const CXmlName*>& name) const noexcept;
+  };
+  // Local names with the namespaces in which they were not met first.
+  std::unordered_map<std::pair<const CXmlName*, const CXmlName*>, const CXmlExpandedName*, ExpandedHash> expandedNames;
   std::map<std::wstring_view, const CXmlName*> aliases;  // prefix to namespace
   struct Alias {
     const CXmlName** entry = nullptr;  // in the map

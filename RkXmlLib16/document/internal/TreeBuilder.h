@@ -36,22 +36,21 @@ class CTreeBuilder {
   // Whether the usual case is possible: texts can be made beforehand and shared.
   bool IsPlain() const noexcept { return m_isPlain; }
 
-  CXmlElement* AddElement(const CXmlName* namespaceUri, const CXmlName* localName, std::uint64_t offset) {
+  CXmlElement* AddElement(const CXmlExpandedName* name, std::uint64_t offset) {
     CXmlElement* const parent = m_document.m_currentElement;
     if (parent != nullptr && m_storage.pendingDeclarations == 0)
-      if (CXmlElement* const child = TryAddChild(parent, namespaceUri, localName, offset)) return child;
-    CXmlElement* const element = m_document.AddElement(namespaceUri, localName);
+      if (CXmlElement* const child = TryAddChild(parent, name, offset)) return child;
+    CXmlElement* const element = m_document.AddElement(name);
     element->m_offset = offset;
     return element;
   }
   // A child of the current element, without declarations. Null, and nothing added, unless the case is the usual one.
-  [[gnu::always_inline]] CXmlElement* TryAddChild(CXmlElement* parent, const CXmlName* namespaceUri,
-                                                  const CXmlName* localName, std::uint64_t offset) {
+  [[gnu::always_inline]] CXmlElement* TryAddChild(CXmlElement* parent, const CXmlExpandedName* name,
+                                                  std::uint64_t offset) {
     if (m_storage.depth >= m_deepest || m_storage.nodeCount >= m_mostNodes) return nullptr;
     ++m_storage.nodeCount;
     ++m_storage.depth;
-    auto* const element =
-        ::new (m_storage.nodes.Allocate(sizeof(CXmlElement))) CXmlElement(parent, localName, namespaceUri);
+    auto* const element = ::new (m_storage.nodes.Allocate(sizeof(CXmlElement))) CXmlElement(parent, name);
     element->m_offset = offset;
     parent->AppendChild(element);
     m_document.m_currentElement = element;
@@ -70,18 +69,16 @@ class CTreeBuilder {
   }
 
   // Without a value when that is none.
-  CXmlAttribute* AddAttribute(CXmlElement* element, const CXmlName* localName, const CXmlName* namespaceUri,
-                              CXmlHeldText value) {
-    CXmlAttribute* const attribute = TryAddAttribute(element, localName, namespaceUri, value);
+  CXmlAttribute* AddAttribute(CXmlElement* element, const CXmlExpandedName* name, CXmlHeldText value) {
+    CXmlAttribute* const attribute = TryAddAttribute(element, name, value);
     if (attribute != nullptr) return attribute;
-    CXmlAttribute* const added =
-        m_document.AddAttribute(element, localName, namespaceUri, static_cast<CXmlTextBlock*>(nullptr));
+    CXmlAttribute* const added = m_document.AddAttribute(element, name, static_cast<CXmlTextBlock*>(nullptr));
     added->m_value.store(value, std::memory_order_relaxed);
     return added;
   }
   // The same; null, and nothing added, unless the case is the usual one.
-  [[gnu::always_inline]] CXmlAttribute* TryAddAttribute(CXmlElement* element, const CXmlName* localName,
-                                                        const CXmlName* namespaceUri, CXmlHeldText value) {
+  [[gnu::always_inline]] CXmlAttribute* TryAddAttribute(CXmlElement* element, const CXmlExpandedName* name,
+                                                        CXmlHeldText value) {
     if (m_storage.nodeCount >= m_mostNodes) return nullptr;
     CXmlAttributeBlock*& block = element->m_attributes.m_block;
     if (block == nullptr)
@@ -91,7 +88,7 @@ class CTreeBuilder {
     else
       return nullptr;
     ++m_storage.nodeCount;
-    auto* const attribute = new (block->Attributes() + block->m_count) CXmlAttribute(element, localName, namespaceUri);
+    auto* const attribute = new (block->Attributes() + block->m_count) CXmlAttribute(element, name);
     attribute->m_value.store(value, std::memory_order_relaxed);
     ++block->m_count;
     return attribute;
