@@ -9,6 +9,7 @@
 
 #include "Expect.h"
 #include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/NameToken.h"
 #include "RkXmlLib16/context/SerializationContext.h"
 
 using namespace RkXmlTest;
@@ -35,6 +36,35 @@ TEST(ElementTree, TextsAndAttributesGrowBetweenOthers) {
   EXPECT_EQ(2000u, root->GetAttributes().size());
   EXPECT_TEXT(L"v", root->GetAttribute(L"1999", L""));
   EXPECT_TEXT(L"between", root->GetFirstElement()->GetText());
+}
+
+TEST(ElementTree, NamesAreHeldOnceInEachNamespace) {
+  for (const bool scans : {true, false}) {
+    CSerializationContext context;
+    context.SetScanPlainXml(scans);
+    CXmlDocument document(context);
+    document.LoadXml("<r xmlns='u:1' xmlns:p='u:2' xmlns:q='u:2'><a/><p:a p:a='1' a='2'/><q:a/><a xmlns=''/></r>");
+    CXmlElement* const root = document.GetDocumentElement();
+    const CXmlElement* const one = root->GetFirstElement();
+    const CXmlElement* const two = one->GetNextSiblingElement();
+    const CXmlElement* const again = two->GetNextSiblingElement();
+    const CXmlElement* const none = again->GetNextSiblingElement();
+    EXPECT_TRUE(two->HasNameOf(again));
+    EXPECT_EQ(two->GetNameRef(), two->GetAttributes()[0]->GetNameRef());
+    EXPECT_EQ(none->GetNameRef(), two->GetAttributes()[1]->GetNameRef());
+    EXPECT_EQ(one->GetLocalNameRef(), two->GetLocalNameRef());
+    EXPECT_FALSE(one->HasNameOf(two) || two->HasNameOf(none) || none->HasNameOf(one));
+    const CNameToken inOne(L"a", L"u:1"), inTwo(L"a", L"u:2");
+    for (int i = 0; i < 2; ++i) {  // compared, then known
+      EXPECT_TRUE(one->GetNameRef()->Is(inOne) && two->GetNameRef()->Is(inTwo));
+      EXPECT_FALSE(one->GetNameRef()->Is(inTwo) || none->GetNameRef()->Is(inOne));
+    }
+    CXmlElement* const built = root->CreateNewChildElement();
+    built->SetElementName(L"a");
+    EXPECT_EQ(none->GetNameRef(), built->GetNameRef());
+    built->SetNamespace(L"u:2");
+    EXPECT_EQ(two->GetNameRef(), built->GetNameRef());
+  }
 }
 
 TEST(ElementTree, PathsUseAliasesAndPositions) {
