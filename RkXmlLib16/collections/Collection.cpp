@@ -153,12 +153,11 @@ void CXmlCollection::RemoveNode(CNode* node) {
 }
 
 void CXmlCollection::AddNodes() {
-  if (m_blocks == nullptr) m_blocks = std::make_unique<Blocks>();
-  const std::size_t size = std::size_t{2} << std::min(m_blocks->size(), kLargestBlock);
+  const std::size_t size = std::size_t{2} << std::min(m_blocks.size(), kLargestBlock);
   std::unique_ptr<CNode[]> block(new CNode[size]);
   for (std::size_t i = 0; i + 1 < size; ++i) block[i].m_next = &block[i + 1];
-  m_blocks->push_back(std::move(block));
-  m_free = m_blocks->back().get();
+  m_blocks.push_back(std::move(block));
+  m_free = m_blocks.back().get();
 }
 
 inline CXmlCollection::CNode* CXmlCollection::TakeNode() {

@@ -187,11 +187,9 @@ class RKXML_EXPORT CXmlCollection : public CXmlCollectionBase {
   void InsertBefore(CNode* next, CXmlObjectBase* item);
   void Unlink(CNode* node);
 
-  using Blocks = std::vector<std::unique_ptr<CNode[]>>;
-
-  CNode m_firstNode;                 // most collections hold one item or none,
-  std::unique_ptr<Blocks> m_blocks;  // others have blocks of nodes, which grow
-  CNode* m_free = &m_firstNode;      // the nodes not in use, through m_next
+  CNode m_firstNode;                               // most collections hold one item or none,
+  std::vector<std::unique_ptr<CNode[]>> m_blocks;  // others have blocks of nodes, which grow
+  CNode* m_free = &m_firstNode;                    // the nodes not in use, through m_next
   CNode* m_head = nullptr;
   CNode* m_tail = nullptr;
   mutable CNode* m_lastNode = nullptr;  // the node that GetNodeAtIndex reached last, and its index
