@@ -8,6 +8,7 @@
 #include "RkXmlLib16/facets/FacetChecks.h"
 #include "RkXmlLib16/object/Variant.h"
 #include "RkXmlLib16/types/Conversions.h"
+#include "RkXmlLib16/types/internal/ShortDecimal.h"
 
 namespace RkXmlLib16 {
 
@@ -112,6 +113,15 @@ struct ValueMember {
     }
   }
   static bool Read(void* at, const ModelProperty& property, std::wstring_view text) {
+    if constexpr (std::is_same_v<T, CDecimal>) {
+      if (!ShortDecimal::Parse(Place::Make(at), text)) return ReadAny(at, property, text);
+      if (property.mayRefuse) CheckAs<ItemType_decimal>(at, property, property.name);
+      return true;
+    } else {
+      return ReadAny(at, property, text);
+    }
+  }
+  [[gnu::noinline]] static bool ReadAny(void* at, const ModelProperty& property, std::wstring_view text) {
     Visit<T>(property.values->itemType, [&](auto item) {
       ReadAs<item>(Place::Make(at), text, property.values->whitespace);
       if (property.mayRefuse) CheckAs<item>(at, property, property.name);

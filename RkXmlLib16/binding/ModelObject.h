@@ -244,9 +244,9 @@ class RKXML_EXPORT CModelObject : public CXmlGeneratedClass {
   CXmlCollectionBase* MakeCollection(int property);
   void Unwatch();
   void Adopt(int property, CXmlObjectBase* object);
-  [[gnu::noinline]] void CheckStart(const CXmlElement* element, const CXmlElement* firstChild,
-                                    const CSerializationContext& context) const;
-  [[gnu::noinline]] void EnsureByAccess(int property);
+  [[gnu::noinline]] RKXML_HIDDEN void CheckStart(const CXmlElement* element, const CXmlElement* firstChild,
+                                                 const CSerializationContext& context) const;
+  [[gnu::noinline]] RKXML_HIDDEN void EnsureByAccess(int property);
   void Mark(int property) { m_set.Add(property); }
   void Unmark(int property) noexcept { m_set.Remove(property); }
   void Reset();

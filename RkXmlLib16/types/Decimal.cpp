@@ -16,6 +16,7 @@
 #include "RkXmlLib16/base/Format.h"
 #include "RkXmlLib16/base/internal/Ascii.h"
 #include "RkXmlLib16/types/Whitespace.h"
+#include "RkXmlLib16/types/internal/ShortDecimal.h"
 
 namespace RkXmlLib16 {
 
@@ -110,8 +111,6 @@ void CDecimal::Parse(const wchar_t* text) { Parse(std::wstring_view(text == null
 
 namespace {
 
-constexpr std::size_t kPackedDigits = sizeof(std::uint64_t);
-
 // Writes eight digits, one in each byte, as characters that end before `end`, the lowest one last.
 void PutDigitsBackwards(std::uint64_t packed, wchar_t* end) {
   const __m128i zero = _mm_setzero_si128();
@@ -121,77 +120,11 @@ void PutDigitsBackwards(std::uint64_t packed, wchar_t* end) {
   _mm_storeu_si128(reinterpret_cast<__m128i*>(end - 4), _mm_unpackhi_epi16(pairs, zero));
 }
 
-// The digits of a text of up to sixteen characters, one in each byte, with zeros behind them.
-struct TextBytes {
-  static constexpr std::size_t kMost = 16;
-  static constexpr unsigned char kPoint = static_cast<unsigned char>('.' - '0');
-
-  TextBytes(const wchar_t* text, std::size_t length) {
-    if (length < 4) {
-      for (std::size_t i = 0; i < length; ++i)
-        bytes[i] = static_cast<unsigned char>(std::min(static_cast<char32_t>(text[i]), char32_t{0xFF}) - '0');
-      return;
-    }
-    for (std::size_t i = 0; i + 4 < length; i += 4) PutFour(text + i, bytes + i);
-    PutFour(text + length - 4, bytes + length - 4);
-  }
-  // Which of them are no digits, a bit for each.
-  unsigned FindOthers() const {
-    const __m128i all = _mm_load_si128(reinterpret_cast<const __m128i*>(bytes));
-    return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(_mm_max_epu8(all, _mm_set1_epi8(10)), all)));
-  }
-  // Up to eight digits, the least significant in the lowest byte.
-  std::uint64_t Pack(std::size_t first, std::size_t count) const {
-    if (count == 0) return 0;
-    std::uint64_t packed = 0;
-    std::memcpy(&packed, bytes + first, sizeof packed);
-    return __builtin_bswap64(packed) >> (64 - 8 * count);
-  }
-
-  alignas(16) unsigned char bytes[2 * kMost] = {};
-
- private:
-  // What does not fit a byte becomes no digit and no point.
-  static void PutFour(const wchar_t* text, unsigned char* out) {
-    const __m128i wide = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text));
-    const __m128i narrow = _mm_packus_epi16(_mm_packs_epi32(wide, wide), wide);
-    const int four = _mm_cvtsi128_si32(_mm_sub_epi8(narrow, _mm_set1_epi8('0')));
-    std::memcpy(out, &four, sizeof four);
-  }
-};
-
 }  // namespace
 
-// Most decimals have few digits on each side of the point, which fit a word as they are stored: one in each byte, the
-// least significant in the lowest.
-bool CDecimal::ParsePlain(std::wstring_view text) {
-  const bool negative = !text.empty() && text[0] == L'-';
-  const std::size_t signs = negative || (!text.empty() && text[0] == L'+') ? 1 : 0;
-  const std::size_t length = text.size() - signs;
-  if (length > TextBytes::kMost) return ParsePlainLong(text);
-  const TextBytes digits(text.data() + signs, length);
-  const unsigned others = digits.FindOthers();
-  const std::size_t point = others != 0 ? static_cast<std::size_t>(__builtin_ctz(others)) : length;
-  const bool isPlain = others == 0 || ((others & (others - 1)) == 0 && digits.bytes[point] == TextBytes::kPoint);
-  if (!isPlain) return false;
-  const std::size_t fractionLength = others != 0 ? length - point - 1 : 0;
-  if (point > kPackedDigits || fractionLength > kPackedDigits) return ParsePlainLong(text);
-  const std::uint64_t integer = digits.Pack(0, point);
-  std::uint64_t fraction = digits.Pack(point + 1, fractionLength);
-  std::int32_t divider = 1;
-  if (fraction != 0) {
-    const int zeros = __builtin_ctzll(fraction) / 8;
-    divider = static_cast<std::int32_t>(fractionLength) - zeros;
-    fraction >>= 8 * zeros;
-  }
-  const std::int32_t sign = negative && (integer | fraction) != 0 ? -1 : 1;
-  m_integer.AssignPacked(sign, integer);
-  m_fraction.AssignPacked(sign, fraction);
-  m_divider = divider;
-  return true;
-}
+bool CDecimal::ParsePlain(std::wstring_view text) { return ShortDecimal::Parse(*this, text) || ParsePlainLong(text); }
 
-// The same for any number of digits.
+// For any number of digits.
 bool CDecimal::ParsePlainLong(std::wstring_view text) {
   const bool negative = !text.empty() && text[0] == L'-';
   if (negative || (!text.empty() && text[0] == L'+')) text.remove_prefix(1);
@@ -340,7 +273,7 @@ inline const wchar_t* WriteFew(const CDecimal& value, wchar_t* end) {
   const CBigInteger& fraction = value.GetFractionPart();
   const int divider = value.GetFractionalDivider();
   if (!integer.GetDigits().FitsPacked() || !fraction.GetDigits().FitsPacked() ||
-      divider > static_cast<int>(kPackedDigits))
+      divider > static_cast<int>(ShortDecimal::kPackedDigits))
     return nullptr;
   const std::uint64_t whole = integer.GetDigits().GetPacked();
   const std::uint64_t part = fraction.GetDigits().GetPacked();

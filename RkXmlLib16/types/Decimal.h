@@ -103,6 +103,7 @@ class RKXML_EXPORT CDecimal {
   CDecimal operator--(int);
 
  private:
+  friend struct ShortDecimal;
   bool ParsePlainLong(std::wstring_view text);
 
   CBigInteger m_integer;
