@@ -35,12 +35,14 @@
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
 #include "RkXmlLib16/base/internal/StackEnd.h"
+#include "RkXmlLib16/base/internal/WideText.h"
 #include "RkXmlLib16/binding/AttributeInfo.h"
 #include "RkXmlLib16/binding/ElementInfo.h"
 #include "RkXmlLib16/binding/GeneratedClass.h"
 #include "RkXmlLib16/binding/ModelObject.h"
 #include "RkXmlLib16/binding/ParentElementInfo.h"
 #include "RkXmlLib16/binding/internal/ElementRules.h"
+#include "RkXmlLib16/binding/internal/MemberText.h"
 #include "RkXmlLib16/binding/internal/ModelClass.h"
 #include "RkXmlLib16/binding/internal/NilValue.h"
 #include "RkXmlLib16/binding/internal/ReadSession.h"
@@ -237,7 +239,7 @@ bool AskPastUnknown(CElementInfo& info, const MemberRead& read) {
   const CParentElementInfo& info = *GetClassInfo();
   const XmlElementType elementType = info.GetElementType();
   if (elementType == XmlElementType_Element) {
-    m_elementName.Set(element->GetLocalName());
+    if (!WideText::IsEqual(m_elementName.Get(), element->GetLocalName())) m_elementName.Set(element->GetLocalName());
     if (auto* const nillable = IsNil(info) ? dynamic_cast<INillable*>(this) : nullptr) nillable->SetNil(false);
   }
   CAttributeInfo** const attributes = OrEmpty(GetClassAttributeInfo());

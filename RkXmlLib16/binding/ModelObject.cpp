@@ -4,6 +4,7 @@
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/binding/internal/MemberText.h"
 #include "RkXmlLib16/binding/internal/ModelClass.h"
 #include "RkXmlLib16/binding/internal/ReadingValue.h"
 #include "RkXmlLib16/binding/internal/RecordText.h"
@@ -181,37 +182,12 @@ struct GivenText {
 
 }  // namespace
 
-// Reads into the member itself, from the text that Text makes of the source. What fails is left to the variant, which
-// tells why.
-template <class Text, bool mayBeEmpty, class Source>
-[[gnu::always_inline]] inline bool CModelObject::TrySetText(int property, const Source& source) {
-  const ModelProperty& info = m_class.GetProperty(property);
-  if (!info.isPlain || (info.mayRefuse && IsSet(property))) return false;
-  const CMember member = FindMember(property);
-  if (!member.Is(MemberType::Kind::Value)) return false;
-  const Text text(source);
-  if (!mayBeEmpty && text.Get().empty()) return false;
-  try {
-    if (!member.Type().read(member.At(), info, text.Get())) return false;
-    if (info.mayRefuse && info.member != nullptr && GetModel().group == XmlElementGroupType_Choice) Select(property);
-  } catch (const CRkException&) {
-    if (!IsSet(property)) member.Type().reset(member.At());
-    return false;
-  }
-  Mark(property);
-  return true;
-}
-
 bool CModelObject::TrySetFromText(int property, std::wstring_view text) {
   return TrySetText<GivenText, /*mayBeEmpty=*/true>(property, text);
 }
 
 bool CModelObject::TrySetFrom(int property, const CXmlElement& element) {
   return TrySetText<CNodeText, /*mayBeEmpty=*/false>(property, element);
-}
-
-bool CModelObject::TrySetFrom(int property, const CXmlAttribute& attribute) {
-  return TrySetText<CNodeText, /*mayBeEmpty=*/true>(property, attribute);
 }
 
 bool CModelObject::TrySetObject(int property, CXmlObjectBase* object) {

@@ -215,7 +215,7 @@ class RKXML_EXPORT CModelObject : public CXmlGeneratedClass {
   bool TrySetFromText(int property, std::wstring_view text);
   // The same with the text of an element, which is not empty, or the value of an attribute.
   bool TrySetFrom(int property, const CXmlElement& element);
-  bool TrySetFrom(int property, const CXmlAttribute& attribute);
+  inline bool TrySetFrom(int property, const CXmlAttribute& attribute);
   template <class Text, bool mayBeEmpty, class Source>
   bool TrySetText(int property, const Source& source);
   [[gnu::noinline]] void SetFromTextSlowly(int property, std::wstring_view text, bool& isValue);

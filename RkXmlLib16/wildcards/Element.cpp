@@ -35,16 +35,22 @@ bool ContinuesName(wchar_t c) {
   return StartsName(c) || (c >= L'0' && c <= L'9') || c == L'-' || c == L'.' || c == 0xB7;
 }
 
-// Calls `found` with each prefix of a "prefix:local" in the text.
 template <class Found>
-void ForEachPrefix(wstring_view text, Found&& found) {
-  for (std::size_t colon = text.find(L':'); colon != wstring_view::npos; colon = text.find(L':', colon + 1)) {
+[[gnu::noinline]] void ForEachPrefixFrom(std::size_t firstColon, wstring_view text, Found&& found) {
+  for (std::size_t colon = firstColon; colon != wstring_view::npos; colon = text.find(L':', colon + 1)) {
     if (colon + 1 == text.size() || !StartsName(text[colon + 1])) continue;
     std::size_t begin = colon;
     while (begin > 0 && ContinuesName(text[begin - 1])) --begin;
     while (begin < colon && !StartsName(text[begin])) ++begin;
     if (begin < colon) found(text.substr(begin, colon - begin));
   }
+}
+
+// Calls `found` with each prefix of a "prefix:local" in the text.
+template <class Found>
+void ForEachPrefix(wstring_view text, Found&& found) {
+  const std::size_t colon = text.find(L':');
+  if (colon != wstring_view::npos) ForEachPrefixFrom(colon, text, found);
 }
 
 [[noreturn]] void ThrowBadIndex(int index, int count) {
@@ -117,7 +123,7 @@ class CElement::TreeReader {
   }
 
   // Returns whether the element has a map of its own.
-  bool Take(CElement& element, const CXmlElement& source, bool isBelowOwn) {
+  [[gnu::always_inline]] bool Take(CElement& element, const CXmlElement& source, bool isBelowOwn) {
     m_used.clear();
     const auto use = [this](wstring_view prefix) { Use(prefix); };
 
@@ -129,7 +135,7 @@ class CElement::TreeReader {
     element.m_namespaceUri = m_lastShared;
     std::size_t childCount = 0;
     for (const CXmlElement* c = source.GetFirstElement(); c != nullptr; c = c->GetNextSiblingElement()) ++childCount;
-    element.m_children.reserve(childCount);
+    if (childCount != 0) element.m_children.reserve(childCount);
     if (childCount == 0 || !CNodeText::IsBlank(source)) {
       const CNodeText held(source);
       const wstring_view text = held.Get();

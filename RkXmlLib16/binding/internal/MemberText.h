@@ -1,0 +1,38 @@
+#ifndef RKXMLLIB16_BINDING_INTERNAL_MEMBERTEXT_H
+#define RKXMLLIB16_BINDING_INTERNAL_MEMBERTEXT_H
+
+#include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/binding/ModelObject.h"
+#include "RkXmlLib16/binding/internal/ModelClass.h"
+#include "RkXmlLib16/document/internal/NodeText.h"
+
+namespace RkXmlLib16 {
+
+// Reads into the member itself, from the text that Text makes of the source. What fails is left to the variant, which
+// tells why.
+template <class Text, bool mayBeEmpty, class Source>
+[[gnu::always_inline]] inline bool CModelObject::TrySetText(int property, const Source& source) {
+  const RkXmlLib16Data::ModelProperty& info = m_class.GetProperty(property);
+  if (!info.isPlain || (info.mayRefuse && IsSet(property))) return false;
+  const CMember member = FindMember(property);
+  if (!member.Is(MemberType::Kind::Value)) return false;
+  const Text text(source);
+  if (!mayBeEmpty && text.Get().empty()) return false;
+  try {
+    if (!member.Type().read(member.At(), info, text.Get())) return false;
+    if (info.mayRefuse && info.member != nullptr && GetModel().group == XmlElementGroupType_Choice) Select(property);
+  } catch (const CRkException&) {
+    if (!IsSet(property)) member.Type().reset(member.At());
+    return false;
+  }
+  Mark(property);
+  return true;
+}
+
+inline bool CModelObject::TrySetFrom(int property, const CXmlAttribute& attribute) {
+  return TrySetText<CNodeText, /*mayBeEmpty=*/true>(property, attribute);
+}
+
+}  // namespace RkXmlLib16
+
+#endif
