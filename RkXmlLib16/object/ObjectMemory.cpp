@@ -27,28 +27,31 @@ void CObjectMemory::Release(Block* block) noexcept {
   if (block->users.Decrement() == 0) ::operator delete(block);
 }
 
-void CObjectMemory::StartBlock() {
-  static_assert(sizeof(Block) + sizeof(Head) <= kAlignment);
-  auto* const block = ::new (::operator new(kBlock)) Block;
-  LeaveBlock();
-  m_block = block;
-  m_used = kAlignment;
-}
-
 inline void* CObjectMemory::Take(std::size_t size) {
-  if (m_used + size > kBlock) StartBlock();
   m_block->users.Increment();
   unsigned char* const memory = reinterpret_cast<unsigned char*>(m_block) + m_used;
   m_used += (size + sizeof(Head) + kAlignment - 1) / kAlignment * kAlignment;
   return Place(memory, m_block);
 }
 
+void* CObjectMemory::TakeFromNewBlock(std::size_t size) {
+  static_assert(sizeof(Block) + sizeof(Head) <= kAlignment);
+  auto* const block = ::new (::operator new(kBlock)) Block;
+  LeaveBlock();
+  m_block = block;
+  m_used = kAlignment;
+  return Take(size);
+}
+
 void* CObjectMemory::Allocate(std::size_t size) {
   CObjectMemory* const current = t_current;
-  if (kUsesBlocks && current != nullptr && size <= kLargest) {
-    if (current->m_count == kAlone) return current->Take(size);
-    ++current->m_count;
-  }
+  const bool usesBlock = kUsesBlocks && current != nullptr && size <= kLargest && current->m_count == kAlone;
+  if (!usesBlock) return AllocateAlone(current, size);
+  return current->m_used + size <= kBlock ? current->Take(size) : current->TakeFromNewBlock(size);
+}
+
+void* CObjectMemory::AllocateAlone(CObjectMemory* current, std::size_t size) {
+  if (current != nullptr && size <= kLargest && current->m_count != kAlone) ++current->m_count;
   if (size > SIZE_MAX - kAlignment) throw std::bad_alloc();
   return Place(static_cast<unsigned char*>(::operator new(size + kAlignment)) + kAlignment, nullptr);
 }

@@ -42,7 +42,8 @@ class CObjectMemory {
   static void* Place(unsigned char* memory, Block* block) noexcept;
   static void Release(Block* block) noexcept;
   void* Take(std::size_t size);
-  void StartBlock();
+  [[gnu::noinline]] void* TakeFromNewBlock(std::size_t size);
+  [[gnu::noinline]] static void* AllocateAlone(CObjectMemory* current, std::size_t size);
   void LeaveBlock() noexcept {
     if (m_block != nullptr) Release(m_block);
   }
