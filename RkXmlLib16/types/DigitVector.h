@@ -6,6 +6,7 @@
 #include <cstring>
 #include <initializer_list>
 #include <new>
+#include <utility>
 #include <vector>
 
 #include "RkXmlLib16/base/Export.h"
@@ -31,10 +32,12 @@ class RKXML_EXPORT CDigitVector {
   CDigitVector(CDigitVector&& other) noexcept { Take(other); }
   CDigitVector& operator=(const CDigitVector& other) {
     if (this == &other) return *this;
-    if (IsOnHeap() || other.IsOnHeap())
+    if (IsOnHeap() || other.IsOnHeap()) {
       CopyLong(other);
-    else
-      std::memcpy(static_cast<void*>(this), &other, sizeof *this);
+    } else {
+      m_size = other.m_size;
+      std::memcpy(m_own, other.m_own, kFew);
+    }
     return *this;
   }
   CDigitVector& operator=(CDigitVector&& other) noexcept {
@@ -132,8 +135,8 @@ class RKXML_EXPORT CDigitVector {
     if (IsOnHeap()) ::operator delete(Heap());
   }
   void Take(CDigitVector& other) noexcept {
-    std::memcpy(static_cast<void*>(this), &other, sizeof *this);
-    other.m_size = 0;
+    m_size = std::exchange(other.m_size, static_cast<unsigned char>(0));
+    std::memcpy(m_own, other.m_own, kFew);
   }
   void CopyLong(const CDigitVector& other);
 
