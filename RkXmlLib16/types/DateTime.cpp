@@ -11,6 +11,7 @@
 #include "RkXmlLib16/base/internal/Ascii.h"
 #include "RkXmlLib16/types/internal/Calendar.h"
 #include "RkXmlLib16/types/internal/DateTimeKind.h"
+#include "RkXmlLib16/types/internal/ReadyText.h"
 
 // The fields of dates and times, their validation and their text forms.
 namespace RkXmlLib16 {
@@ -484,19 +485,8 @@ inline const wchar_t* CDateTime::WritePlain(wchar_t* end) const noexcept {
   return text;
 }
 
-namespace {
-
-[[gnu::noinline]] std::wstring_view TextIn(std::wstring& longer, const CDateTime& value) {
-  longer.clear();
-  value.AppendTo(longer);
-  return longer;
-}
-
-}  // namespace
-
 std::wstring_view CDateTime::GetText(wchar_t* end, std::wstring& longer) const {
-  const wchar_t* const first = WritePlain(end);
-  return first != nullptr ? std::wstring_view(first, static_cast<std::size_t>(end - first)) : TextIn(longer, *this);
+  return ReadyText(*this, WritePlain(end), end, longer);
 }
 
 void CDateTime::AppendTo(std::wstring& out) const {

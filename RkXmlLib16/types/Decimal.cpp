@@ -16,6 +16,7 @@
 #include "RkXmlLib16/base/Format.h"
 #include "RkXmlLib16/base/internal/Ascii.h"
 #include "RkXmlLib16/types/Whitespace.h"
+#include "RkXmlLib16/types/internal/ReadyText.h"
 #include "RkXmlLib16/types/internal/ShortDecimal.h"
 
 namespace RkXmlLib16 {
@@ -289,17 +290,10 @@ inline const wchar_t* WriteFew(const CDecimal& value, wchar_t* end) {
   return end;
 }
 
-[[gnu::noinline]] std::wstring_view TextIn(std::wstring& longer, const CDecimal& value) {
-  longer.clear();
-  value.AppendTo(longer);
-  return longer;
-}
-
 }  // namespace
 
 std::wstring_view CDecimal::GetText(wchar_t* end, std::wstring& longer) const {
-  const wchar_t* const first = WriteFew(*this, end);
-  return first != nullptr ? std::wstring_view(first, static_cast<std::size_t>(end - first)) : TextIn(longer, *this);
+  return ReadyText(*this, WriteFew(*this, end), end, longer);
 }
 
 void CDecimal::AppendTo(std::wstring& out) const {
