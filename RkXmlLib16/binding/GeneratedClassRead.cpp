@@ -239,6 +239,7 @@ bool AskPastUnknown(CElementInfo& info, const MemberRead& read) {
   const CParentElementInfo& info = *GetClassInfo();
   const XmlElementType elementType = info.GetElementType();
   if (elementType == XmlElementType_Element) {
+    // Most objects have the name from their record, which is seen here without a call.
     if (!WideText::IsEqual(m_elementName.Get(), element->GetLocalName())) m_elementName.Set(element->GetLocalName());
     if (auto* const nillable = IsNil(info) ? dynamic_cast<INillable*>(this) : nullptr) nillable->SetNil(false);
   }
