@@ -175,9 +175,19 @@ CModelClass::CModelClass(const ClassModel& model)
   CElementInfo** record = m_records.elements;
   for (const MemberModel& member : model.members) {
     m_written.Add(**record, IsWrittenOnlyIfSet(model, member));
-    m_hasInlineAttributes = (*record)->MayHaveAttributes() || m_hasInlineAttributes;  // asks for the facts of each
+    const bool mayHaveAttributes = (*record)->MayHaveAttributes();  // asks for the facts of each
+    const bool isGroup = member.kind == MemberModel::Kind::InlineGroup;
+    if (mayHaveAttributes && (!isGroup || member.object->Require().MayWriteAttributes())) m_hasInlineAttributes = true;
     ++record;
   }
+}
+
+bool CModelClass::MayWriteAttributes() const noexcept {
+  const auto declaresPrefixes = [](const ModelProperty& property) {
+    return property.values != nullptr && property.values->holdsQNames;
+  };
+  return m_hasInlineAttributes || *m_records.attributes != nullptr ||
+         std::any_of(m_properties.begin(), m_properties.end(), declaresPrefixes);
 }
 
 ModelProperty& CModelClass::NoteValues(int property, const wchar_t* name, const ValueModel* values,

@@ -15,7 +15,7 @@ namespace RkXmlLib16 {
 
 namespace {
 
-constexpr std::size_t kUsualItemSize = 512;
+constexpr std::size_t kUsualItemSize = 128;
 constexpr int kAheadOfShortSteps = 8;
 constexpr std::size_t kLargestBlock = 7;  // of that number on the blocks grow no more
 
@@ -53,7 +53,7 @@ CXmlCollection::~CXmlCollection() {
 }
 
 void CXmlCollection::AttributesToXml_Int(CXmlWriter* writer, const CSerializationContext& context) const {
-  for (CItemWalk<sizeof(CXmlObjectBase), kAheadOfShortSteps> walk(*this); walk.Advance();)
+  for (CItemWalk<kUsualItemSize, kAheadOfShortSteps, /*kWithParts=*/false> walk(*this); walk.Advance();)
     if (walk.GetItem() != nullptr) walk.GetItem()->GetBase()->AttributesToXml_Int(writer, context);
 }
 

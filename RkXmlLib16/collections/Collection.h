@@ -6,6 +6,7 @@
 #include <memory>
 #include <vector>
 
+#include "RkXmlLib16/base/Prefetch.h"
 #include "RkXmlLib16/base/SmartPtr.h"
 #include "RkXmlLib16/collections/CollectionBase.h"
 
@@ -124,9 +125,9 @@ class RKXML_EXPORT CXmlCollection : public CXmlCollectionBase {
   // it is not there.
   static CXmlElement* ReadGroup(CXmlObjectBase* item, CXmlElement* parent, CXmlElement* current,
                                 const CSerializationContext& context, bool isOptionalChoice);
-  // Asks for the memory of items that a walk is about to reach, `kItemSize` bytes of each: long lists do not fit the
-  // caches, and the processor can't look through the nodes by itself. It runs `kAhead` nodes ahead of the walk.
-  template <std::size_t kItemSize, int kAhead = 2>
+  // Asks for the memory of items that a walk is about to reach, `kItemSize` bytes of each, and with what belongs to it
+  // unless told otherwise. It runs `kAhead` nodes ahead of the walk.
+  template <std::size_t kItemSize, int kAhead = 2, bool kWithParts = true>
   class CFetchAhead {
    public:
     explicit CFetchAhead(const CNode* first) noexcept : m_node(first) {
@@ -135,14 +136,13 @@ class RKXML_EXPORT CXmlCollection : public CXmlCollectionBase {
     // To be called once for each node.
     void Advance() noexcept {
       if (m_node == nullptr) return;
-      const char* const item = reinterpret_cast<const char*>(m_node->GetItem());
+      const CXmlObjectBase* const item = m_node->GetItem();
       m_node = m_node->GetNext();
       __builtin_prefetch(m_node);
-      for (std::size_t at = 0; at < kItemSize; at += kCacheLine) __builtin_prefetch(item + at);
+      PrefetchObject(item, kItemSize, kWithParts && m_node != nullptr ? m_node->GetItem() : nullptr);
     }
 
    private:
-    static constexpr std::size_t kCacheLine = 64;
     const CNode* m_node;
   };
 
@@ -159,7 +159,7 @@ class RKXML_EXPORT CXmlCollection : public CXmlCollectionBase {
     const CXmlCollection& collection;
     Walk* const outer;
   };
-  template <std::size_t kItemSize, int kAhead = 2>
+  template <std::size_t kItemSize, int kAhead = 2, bool kWithParts = true>
   class CItemWalk : private Walk {
    public:
     explicit CItemWalk(const CXmlCollection& walked) noexcept : Walk(walked), m_fetch(next) {}
@@ -175,7 +175,7 @@ class RKXML_EXPORT CXmlCollection : public CXmlCollectionBase {
     const CXmlObjectBase* GetItem() const noexcept { return m_item; }
 
    private:
-    CFetchAhead<kItemSize, kAhead> m_fetch;  // may run over nodes that are out of use, which lie where they were
+    CFetchAhead<kItemSize, kAhead, kWithParts> m_fetch;  // may run over nodes that are out of use, which lie where they were
     CSmartPtr<CXmlObjectBase> m_item;
   };
 

@@ -8,6 +8,7 @@
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/base/Prefetch.h"
 #include "RkXmlLib16/base/internal/NeverDestroyed.h"
 #include "RkXmlLib16/base/internal/TextOrEmpty.h"
 #include "RkXmlLib16/base/internal/WideText.h"
@@ -18,6 +19,7 @@
 #include "RkXmlLib16/document/internal/RecordOutput.h"
 #include "RkXmlLib16/document/internal/Refusal.h"
 #include "RkXmlLib16/document/internal/Section.h"
+#include "RkXmlLib16/object/internal/ObjectMemory.h"
 #include "RkXmlLib16/types/Whitespace.h"
 #include "RkXmlLib16/wildcards/internal/NameTest.h"
 #include "RkXmlLib16/wildcards/internal/RootWriter.h"
@@ -270,6 +272,7 @@ class CElement::TreeWriter {
         continue;
       }
       MarkRun(level);
+      Prefetch(level);
       enter(*level.element->m_children[level.nextChild++], false, level.declared);
     }
   }
@@ -281,6 +284,14 @@ class CElement::TreeWriter {
     const Prefixes* declared;
     bool isInRun;  // the next child has the name of the one before it
   };
+
+  // Asks for the memory of a child that is not far behind.
+  static void Prefetch(const Level& level) noexcept {
+    constexpr std::size_t kAhead = 2;
+    const Children& children = level.element->m_children;
+    const std::size_t index = level.nextChild + kAhead;
+    if (index + 1 < children.size()) PrefetchObject(children[index], sizeof(CElement), children[index + 1]);
+  }
 
   // Elements of one name in a row are a collection to writers that have a form for it.
   void MarkRun(Level& level) {
@@ -443,6 +454,7 @@ void CElement::FromXmlElement(const CXmlElement* element, const CSerializationCo
   m_text.clear();
   m_sections = nullptr;
   m_prefixes = nullptr;
+  const CObjectMemory memory;
   TreeReader::Read(*this, *element, context);
 }
 

@@ -99,6 +99,8 @@ class CModelClass {
   const CSharedName& GetElementName() const noexcept { return m_elementName; }
   // Whether some record may write attributes of the object's element.
   bool HasInlineAttributes() const noexcept { return m_hasInlineAttributes; }
+  // Whether an object of the class may write into the start tag of the element that it stands in.
+  bool MayWriteAttributes() const noexcept;
   const WrittenMembers& GetWritten() const noexcept { return m_written; }
   // The properties that begin with a value.
   const std::vector<int>& GetInitial() const noexcept { return m_initial; }

@@ -10,14 +10,16 @@ namespace RkXmlLib16 {
 // Where objects lie. While one of these lives, as during a read, its thread takes objects from blocks, so that those of
 // one document lie side by side and few allocations are made. A block goes with the last of its objects, in whatever
 // thread that ends: an object that outlives the others keeps a whole block. The first few objects, and all that are
-// made at other times, are allocated one by one. There is at most one in each thread.
+// made at other times, are allocated one by one. One that is made while another lives in the same thread does nothing.
 class CObjectMemory {
  public:
-  CObjectMemory() noexcept { t_current = this; }
+  CObjectMemory() noexcept {
+    if (t_current == nullptr) t_current = this;
+  }
   CObjectMemory(const CObjectMemory&) = delete;
   CObjectMemory& operator=(const CObjectMemory&) = delete;
   ~CObjectMemory() {
-    t_current = nullptr;
+    if (t_current == this) t_current = nullptr;
     LeaveBlock();
   }
 

@@ -55,6 +55,21 @@ TEST(Binding, TellsWhatIsNotCheckedAndNotKept) {
   EXPECT_NE(0u, schema.GetBinding().GetUnkept()[0].location.column);
 }
 
+// Groups have no start tag of their own.
+TEST(DynamicConstructs, PrefixesOfNamesInGroupsAreDeclaredAroundThem) {
+  const CSchemaUnderTest schema(
+      Schema("<xs:element name='r'><xs:complexType><xs:sequence maxOccurs='2'><xs:element name='v' type='xs:int'/>"
+             "<xs:choice maxOccurs='2'><xs:element name='q' type='xs:QName'/><xs:element name='w' type='xs:int'/>"
+             "</xs:choice></xs:sequence></xs:complexType></xs:element>"));
+  ASSERT_TRUE(schema.IsUsable()) << Narrow(schema.GetErrors());
+  CSerializationContext context;
+  context.SetDefaultNamespaceURI(L"urn:t");
+  CXmlDocument document(context);
+  RkXmlTest::Load(document, "<r xmlns='urn:t'><v>1</v><w>2</w><v>3</v><w>4</w><q xmlns:p='urn:p'>p:n</q></r>");
+  EXPECT_EQ("<r xmlns=\"urn:t\" xmlns:p=\"urn:p\"><v>1</v><w>2</w><v>3</v><w>4</w><q>p:n</q></r>",
+            Narrow(schema.Get().Read(document, context)->ToXml(false, false, EOLType_LF, context)));
+}
+
 // Reading goes on within the element that an error is found in.
 TEST(DynamicConstructs, AHandlerIsToldOfAllErrorsOfADocument) {
   const CSchemaUnderTest schema(
