@@ -9,6 +9,7 @@
 #include "RkXmlLib16/base/ErrorHandler.h"
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/base/KeptMemory.h"
 #include "RkXmlLib16/base/Location.h"
 #include "RkXmlLib16/base/NameToken.h"
 #include "RkXmlLib16/base/SmartPtr.h"

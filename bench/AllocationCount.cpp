@@ -1,6 +1,9 @@
 #include "AllocationCount.h"
 
 #include <malloc.h>
+#include <sys/mman.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -21,17 +24,27 @@ std::size_t allocations = 0;
 long long liveBytes = 0;
 long long peakBytes = 0;
 
+void Count(long long bytes) {
+  if (!counting) return;
+  liveBytes += bytes;
+  peakBytes = std::max(peakBytes, liveBytes);
+}
+
 void* Took(void* block) {
   if (counting && block != nullptr) {
     ++allocations;
-    liveBytes += static_cast<long long>(malloc_usable_size(block));
-    peakBytes = std::max(peakBytes, liveBytes);
+    Count(static_cast<long long>(malloc_usable_size(block)));
   }
   return block;
 }
 
 void Gave(void* block) {
-  if (counting && block != nullptr) liveBytes -= static_cast<long long>(malloc_usable_size(block));
+  if (counting && block != nullptr) Count(-static_cast<long long>(malloc_usable_size(block)));
+}
+
+template <class... Arguments>
+void* Call(long number, Arguments... arguments) {
+  return reinterpret_cast<void*>(syscall(number, arguments...));
 }
 
 }  // namespace
@@ -52,6 +65,21 @@ int posix_memalign(void** block, std::size_t alignment, std::size_t size) {
 void free(void* block) {
   Gave(block);
   __libc_free(block);
+}
+// What is mapped apart from the allocator.
+void* mmap(void* at, std::size_t size, int protection, int flags, int file, off_t offset) {
+  void* const memory = Call(SYS_mmap, at, size, protection, flags, file, offset);
+  if (memory != MAP_FAILED && file < 0) Count(static_cast<long long>(size));
+  return memory;
+}
+int munmap(void* memory, std::size_t size) {
+  Count(-static_cast<long long>(size));
+  return static_cast<int>(syscall(SYS_munmap, memory, size));
+}
+void* mremap(void* memory, std::size_t size, std::size_t newSize, int flags, ...) {
+  void* const moved = Call(SYS_mremap, memory, size, newSize, flags);
+  if (moved != MAP_FAILED) Count(static_cast<long long>(newSize) - static_cast<long long>(size));
+  return moved;
 }
 }
 

@@ -89,6 +89,7 @@ void PrintTable(const Subject& subject, const MedianReporter& times) {
     const double seconds = times.Seconds(Key(subject, operation));
     if (seconds == 0) continue;
     operation.prepare();
+    RkXmlLib16::FreeKeptMemory();
     Bench::StartCounting();
     operation.run();
     const Bench::HeapUse heap = Bench::StopCounting();

@@ -2,15 +2,98 @@
 
 #include <sys/mman.h>
 
+#include <array>
+#include <cstdlib>
+#include <mutex>
+#include <utility>
+
+#include "RkXmlLib16/base/KeptMemory.h"
+#include "RkXmlLib16/base/internal/HoldOverFork.h"
+#include "RkXmlLib16/base/internal/LargeMemory.h"
+#include "RkXmlLib16/base/internal/Sanitizer.h"
+
 namespace RkXmlLib16 {
+
+namespace {
+
+// Chunks of one size that are free, each with the address of the next one in it.
+class KeptChunks {
+ public:
+  void* Take() noexcept;
+  bool Keep(void* memory, std::size_t most) noexcept;
+
+ private:
+  struct Chunk {
+    Chunk* next;
+  };
+
+  Chunk* m_first = nullptr;
+  std::size_t m_count = 0;
+};
+
+// By size: powers of two up to a huge page.
+constexpr std::size_t kLeastKept = CFreeChunk::kLeastKept;
+constexpr std::size_t kMostPages = 48;
+constexpr std::size_t kMostOfOneSize = 8;  // of the smaller ones
+std::array<KeptChunks, 6> kept;
+static_assert(kLeastKept << (kept.size() - 1) == kHugePage);
+static_assert((kMostPages + kMostOfOneSize) * kHugePage + CLargeMemory::kMostSpare <= kMostKeptMemory);
+
+std::mutex keptLock;
+[[maybe_unused]] const bool isKeptHeld = HoldOverFork<keptLock>();
+
+void* KeptChunks::Take() noexcept {
+  const std::lock_guard lock(keptLock);
+  if (m_first == nullptr) return nullptr;
+  --m_count;
+  return std::exchange(m_first, m_first->next);
+}
+
+bool KeptChunks::Keep(void* memory, std::size_t most) noexcept {
+  const std::lock_guard lock(keptLock);
+  if (m_count == most) return false;
+  ++m_count;
+  m_first = ::new (memory) Chunk{m_first};
+  return true;
+}
+
+// Of a size not below the least; null for sizes that are not kept.
+KeptChunks* KeptOf(std::size_t size) noexcept {
+  const bool isKept = !kIsSanitized && size <= kHugePage && (size & (size - 1)) == 0;
+  return isKept ? &kept[static_cast<std::size_t>(__builtin_ctzll(size) - __builtin_ctzll(kLeastKept))] : nullptr;
+}
+
+}  // namespace
+
+void WishForHugePages(void* memory, std::size_t size) noexcept { ::madvise(memory, size, MADV_HUGEPAGE); }
 
 void* AllocateOfHugePages(std::size_t size) noexcept {
   if (size < kHugePage) return std::malloc(size);
   if (size > SIZE_MAX - kHugePage) return nullptr;
   size = (size + kHugePage - 1) & ~(kHugePage - 1);
   void* const memory = std::aligned_alloc(kHugePage, size);
-  if (memory != nullptr) ::madvise(memory, size, MADV_HUGEPAGE);
+  if (memory != nullptr) WishForHugePages(memory, size);
   return memory;
+}
+
+void* AllocateLargeChunk(std::size_t size) {
+  KeptChunks* const chunks = KeptOf(size);
+  void* memory = chunks != nullptr ? chunks->Take() : nullptr;
+  if (memory == nullptr) memory = AllocateOfHugePages(size);
+  if (memory == nullptr) throw std::bad_alloc();
+  return memory;
+}
+
+void CFreeChunk::FreeLarge(void* memory) const noexcept {
+  KeptChunks* const chunks = KeptOf(size);
+  const std::size_t most = size == kHugePage ? kMostPages : kMostOfOneSize;
+  if (chunks == nullptr || !chunks->Keep(memory, most)) std::free(memory);
+}
+
+void FreeKeptMemory() noexcept {
+  for (KeptChunks& chunks : kept)
+    while (void* const memory = chunks.Take()) std::free(memory);
+  CLargeMemory::FreeSpare();
 }
 
 }  // namespace RkXmlLib16

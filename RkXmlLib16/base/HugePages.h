@@ -7,25 +7,52 @@
 #include <memory>
 #include <new>
 
+#include "RkXmlLib16/base/Export.h"
+
 namespace RkXmlLib16 {
 
 constexpr std::size_t kHugePage = std::size_t{2} << 20;
 
+// Asks the kernel to make memory, which is aligned to a huge page, of such pages: page faults are a good part of
+// filling large memory, and the search for pages of reading it here and there. A wish only.
+void WishForHugePages(void* memory, std::size_t size) noexcept;
 // Memory as std::malloc gives it, null when there is none; std::free frees it. Memory that holds whole huge pages is
-// aligned to them, and the kernel is asked to use them: page faults are a good part of filling large memory, and the
-// search for pages of reading it here and there. A wish only.
+// aligned to them and made of them.
 void* AllocateOfHugePages(std::size_t size) noexcept;
 
-struct CFreeMemory {
-  void operator()(void* memory) const noexcept { std::free(memory); }
-};
+// Such memory that knows its size. Some of what is freed is kept for later, see KeptMemory.h: that the kernel clears it
+// again costs more than to fill it.
+struct CFreeChunk {
+  static constexpr std::size_t kLeastKept = 64 * 1024;
 
-// Such memory for `count` objects, none of which is made.
+  void operator()(void* memory) const noexcept {
+    if (size < kLeastKept)
+      std::free(memory);
+    else
+      FreeLarge(memory);
+  }
+  RKXML_EXPORT void FreeLarge(void* memory) const noexcept;
+
+  std::size_t size = 0;  // bytes
+};
 template <class T>
-std::unique_ptr<T[], CFreeMemory> MakeRoomOfHugePages(std::size_t count) {
-  void* const memory = count <= PTRDIFF_MAX / sizeof(T) ? AllocateOfHugePages(count * sizeof(T)) : nullptr;
+using CChunk = std::unique_ptr<T[], CFreeChunk>;
+// Throws std::bad_alloc.
+void* AllocateLargeChunk(std::size_t size);
+
+inline void* AllocateChunk(std::size_t size) {
+  if (size >= CFreeChunk::kLeastKept) return AllocateLargeChunk(size);
+  void* const memory = std::malloc(size);
   if (memory == nullptr) throw std::bad_alloc();
-  return std::unique_ptr<T[], CFreeMemory>(static_cast<T*>(memory));
+  return memory;
+}
+
+// Memory for `count` objects, none of which is made.
+template <class T>
+CChunk<T> MakeChunk(std::size_t count) {
+  if (count > PTRDIFF_MAX / sizeof(T)) throw std::bad_alloc();
+  const std::size_t size = count * sizeof(T);
+  return CChunk<T>(static_cast<T*>(AllocateChunk(size)), CFreeChunk{size});
 }
 
 // The same for containers that grow large.
@@ -36,8 +63,8 @@ struct CHugePageAllocator {
   CHugePageAllocator() noexcept = default;
   template <class U>
   CHugePageAllocator(const CHugePageAllocator<U>&) noexcept {}
-  T* allocate(std::size_t count) { return MakeRoomOfHugePages<T>(count).release(); }
-  void deallocate(T* memory, std::size_t) noexcept { std::free(memory); }
+  T* allocate(std::size_t count) { return MakeChunk<T>(count).release(); }
+  void deallocate(T* memory, std::size_t count) noexcept { CFreeChunk{count * sizeof(T)}(memory); }
 
   friend bool operator==(const CHugePageAllocator&, const CHugePageAllocator&) noexcept { return true; }
   friend bool operator!=(const CHugePageAllocator&, const CHugePageAllocator&) noexcept { return false; }

@@ -129,7 +129,7 @@ void CFIStringTable::Append(std::wstring_view text) {
   if (size() >= FI_MAX_TABLE_ENTRIES) return;
   if (text.length() > m_freeLength) {
     const std::size_t length = std::max(m_nextBlockLength, text.length());
-    m_blocks.push_back(MakeRoomOfHugePages<wchar_t>(length));
+    m_blocks.push_back(MakeChunk<wchar_t>(length));
     m_free = m_blocks.back().get();
     m_freeLength = length;
     m_nextBlockLength = std::min(2 * m_nextBlockLength, kMaxBlockLength);

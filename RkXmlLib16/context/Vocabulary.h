@@ -130,7 +130,7 @@ class RKXML_EXPORT CFIStringTable {
   [[gnu::cold, gnu::noinline]] unsigned long FindAfterHashing(std::wstring_view text, CFIKey& key) const;
 
   std::vector<std::wstring_view, CHugePageAllocator<std::wstring_view>> m_entries;  // texts in the blocks
-  std::vector<std::unique_ptr<wchar_t[], CFreeMemory>> m_blocks;
+  std::vector<CChunk<wchar_t>> m_blocks;
   wchar_t* m_free = nullptr;  // the rest of the last block
   std::size_t m_freeLength = 0;
   std::size_t m_nextBlockLength;

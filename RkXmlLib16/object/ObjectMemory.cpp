@@ -3,20 +3,10 @@
 #include <cstdint>
 #include <new>
 
+#include "RkXmlLib16/base/internal/Sanitizer.h"
+#include "RkXmlLib16/object/internal/ObjectBlocks.h"
+
 namespace RkXmlLib16 {
-
-namespace {
-
-// The sanitizer sees the misuse only of what is allocated by itself.
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool kUsesBlocks = false;
-#elif defined(__has_feature)
-constexpr bool kUsesBlocks = !__has_feature(address_sanitizer);
-#else
-constexpr bool kUsesBlocks = true;
-#endif
-
-}  // namespace
 
 void* CObjectMemory::Place(unsigned char* memory, Block* block) noexcept {
   ::new (memory - sizeof(Head)) Head{block};
@@ -24,7 +14,11 @@ void* CObjectMemory::Place(unsigned char* memory, Block* block) noexcept {
 }
 
 void CObjectMemory::Release(Block* block) noexcept {
-  if (block->users.Decrement() == 0) ::operator delete(block);
+  if (block->users.Decrement() != 0) return;
+  if (block->isOfPage)
+    CObjectBlocks::Free(block);
+  else
+    ::operator delete(block);
 }
 
 inline void* CObjectMemory::Take(std::size_t size) {
@@ -35,17 +29,19 @@ inline void* CObjectMemory::Take(std::size_t size) {
 }
 
 void* CObjectMemory::TakeFromNewBlock(std::size_t size) {
-  static_assert(sizeof(Block) + sizeof(Head) <= kAlignment);
-  auto* const block = ::new (::operator new(kBlock)) Block;
+  static_assert(sizeof(Block) + sizeof(Head) <= kFirst);
+  const bool isOfPage = ++m_blockCount > kBlocksAlone;
+  auto* const block = ::new (isOfPage ? CObjectBlocks::Allocate() : ::operator new(kBlock)) Block;
+  block->isOfPage = isOfPage;
   LeaveBlock();
   m_block = block;
-  m_used = kAlignment;
+  m_used = kFirst;
   return Take(size);
 }
 
 void* CObjectMemory::Allocate(std::size_t size) {
   CObjectMemory* const current = t_current;
-  const bool usesBlock = kUsesBlocks && current != nullptr && size <= kLargest && current->m_count == kAlone;
+  const bool usesBlock = !kIsSanitized && current != nullptr && size <= kLargest && current->m_count == kAlone;
   if (!usesBlock) return AllocateAlone(current, size);
   return current->m_used + size <= kBlock ? current->Take(size) : current->TakeFromNewBlock(size);
 }

@@ -12,6 +12,8 @@
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/base/internal/LargeMemory.h"
+#include "RkXmlLib16/base/internal/Sanitizer.h"
 #include "RkXmlLib16/types/Base64.h"
 
 namespace RkXmlLib16 {
@@ -38,11 +40,15 @@ int HexDigit(wchar_t c) {
 
 CDataHolder::CDataHolder() = default;
 
-CDataHolder::CDataHolder(unsigned char* data, unsigned long length, bool copy)
-    : m_data(data), m_length(length), m_capacity(length) {
-  if (!copy) return;
-  m_data = new unsigned char[length];
-  CopyBytes(m_data, data, length);
+CDataHolder::CDataHolder(unsigned char* data, unsigned long length, bool copy) {
+  if (copy) {
+    Grow(length);
+    CopyBytes(m_data, data, length);
+  } else {
+    m_data = data;
+    m_capacity = length;
+  }
+  m_length = length;
 }
 
 CDataHolder::~CDataHolder() { FreeData(); }
@@ -98,31 +104,55 @@ unsigned long CDataHolder::GrownCapacity(unsigned long count) const {
 }
 
 void CDataHolder::Grow(unsigned long capacity) {
-  const bool isArray = m_isArray && capacity < kLarge;
-  unsigned char* grown = nullptr;
-  if (isArray)
-    grown = new unsigned char[capacity];
-  else
-    grown = static_cast<unsigned char*>(std::realloc(m_isArray ? nullptr : m_data, capacity));
-  if (grown == nullptr) throw std::bad_alloc();
-  if (m_isArray) {
+  Origin origin = Origin::Array;
+  if (capacity >= kHugePage && !kIsSanitized) {
+    origin = Origin::Large;
+    capacity = CLargeMemory::RoundUp(capacity);
+  } else if (capacity >= kLarge) {
+    origin = Origin::Heap;
+  }
+  if (origin == m_origin && origin != Origin::Array) {
+    m_data = Enlarge(capacity);
+  } else {
+    unsigned char* const grown = Allocate(origin, capacity);
     CopyBytes(grown, m_data, m_length);
     FreeData();
+    m_data = grown;
+    m_origin = origin;
   }
-  m_data = grown;
   m_capacity = capacity;
-  m_isArray = isArray;
+}
+
+unsigned char* CDataHolder::Allocate(Origin origin, unsigned long capacity) {
+  if (origin == Origin::Array) return new unsigned char[capacity];
+  void* const memory = origin == Origin::Large ? CLargeMemory::Allocate(capacity) : std::malloc(capacity);
+  if (memory == nullptr) throw std::bad_alloc();
+  return static_cast<unsigned char*>(memory);
+}
+
+unsigned char* CDataHolder::Enlarge(unsigned long capacity) {
+  void* const memory =
+      m_origin == Origin::Large ? CLargeMemory::Grow(m_data, m_capacity, capacity) : std::realloc(m_data, capacity);
+  if (memory == nullptr) throw std::bad_alloc();
+  return static_cast<unsigned char*>(memory);
 }
 
 void CDataHolder::FreeData() noexcept {
-  if (m_isArray)
-    delete[] m_data;
-  else
-    std::free(m_data);
+  switch (m_origin) {
+    case Origin::Array:
+      delete[] m_data;
+      break;
+    case Origin::Heap:
+      std::free(m_data);
+      break;
+    case Origin::Large:
+      CLargeMemory::Free(m_data, m_capacity);
+      break;
+  }
 }
 
 unsigned char* CDataHolder::DetachData() {
-  if (m_isArray) return std::exchange(m_data, nullptr);
+  if (m_origin == Origin::Array) return std::exchange(m_data, nullptr);
   unsigned char* const array = new unsigned char[m_length];
   CopyBytes(array, m_data, m_length);
   return array;

@@ -40,9 +40,17 @@ class RKXML_EXPORT CDataHolder {
   friend class CBinaryData;
   ~CDataHolder();
 
+  enum class Origin : std::uint8_t {
+    Array,  // made by new[]
+    Heap,   // made by malloc
+    Large   // see CLargeMemory
+  };
+
   bool IsShared() const noexcept { return m_refCount.load(std::memory_order_acquire) > 1; }
   unsigned long GrownCapacity(unsigned long count) const;
   void Grow(unsigned long capacity);
+  static unsigned char* Allocate(Origin origin, unsigned long capacity);
+  unsigned char* Enlarge(unsigned long capacity);  // of the heap or large
   void FreeData() noexcept;
   // Gives the bytes away as an array of new[].
   unsigned char* DetachData();
@@ -50,7 +58,7 @@ class RKXML_EXPORT CDataHolder {
   unsigned char* m_data = nullptr;
   unsigned long m_length = 0;
   unsigned long m_capacity = 0;
-  bool m_isArray = true;                    // made by new[], else by malloc
+  Origin m_origin = Origin::Array;
   std::atomic<std::int64_t> m_refCount{1};  // nobody but the only owner can make it grow from 1
 };
 

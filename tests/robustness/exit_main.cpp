@@ -2,6 +2,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <new>
@@ -108,6 +109,31 @@ int ForkWhileMakingLazyParts() {
   return g_failed;
 }
 
+// Enough of each kind of memory that is kept for later.
+void UseKeptMemory() {
+  std::string document = "<r>";
+  for (int i = 0; i < 3000; ++i) document += "<e/>";
+  document += "</r>";
+  const CSmartPtr<CElement> element(new CElement);
+  element->FromXmlStream(reinterpret_cast<unsigned char*>(document.data()), document.size());
+  for (int i = 0; i < 20; ++i) {
+    CBinaryData data;
+    data.Reserve(3 << 20);
+    data.Reserve(40 << 20);
+  }
+}
+
+int ForkWhileMemoryIsKept() {
+  std::atomic<bool> ends{false};
+  std::thread other([&ends] {
+    while (!ends) UseKeptMemory();
+  });
+  const int failed = InChildren(50, UseKeptMemory);
+  ends = true;
+  other.join();
+  return failed;
+}
+
 }  // namespace
 
 [[gnu::noinline]] void* operator new(std::size_t size) {
@@ -122,6 +148,6 @@ int main(int argc, char** argv) {
   const std::string mode = argc > 1 ? argv[1] : "";
   if (mode == "destructors") return UseInDestructors();
   if (mode == "threads") return InChildren(30, ExitWhileThreadsRun);
-  if (mode == "fork") return ForkWhileMakingLazyParts();
+  if (mode == "fork") return ForkWhileMakingLazyParts() + ForkWhileMemoryIsKept();
   return 2;
 }

@@ -1,8 +1,15 @@
 #include "RkXmlLib16/types/BinaryData.h"
 
+#include <algorithm>
 #include <memory>
+#include <random>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
 
 #include "Expect.h"
+#include "RkXmlLib16/base/KeptMemory.h"
 #include "RkXmlLib16/types/Base64.h"
 #include "support/Bytes.h"
 
@@ -83,6 +90,33 @@ TEST(BinaryData, AppendsAndSetsItsOwnBytes) {
   data.SetBuffer(data.GetData() + 1, 3);
   data = *&data;
   EXPECT_TEXT(L"020102", data.GetAsHexString());
+}
+
+// Their memory grows in place, or into what others left, or moves.
+TEST(BinaryData, LargeBuffersKeepTheirBytesWhateverOthersDo) {
+  const auto fill = [](unsigned seed) {
+    std::mt19937 random(seed);
+    std::vector<std::pair<CBinaryData, std::string>> buffers(4);
+    for (int step = 0; step < 200; ++step) {
+      auto& [data, expected] = buffers[random() % buffers.size()];
+      if (random() % 50 == 0) {
+        data.Clear();
+        expected.clear();
+      }
+      const std::string piece(random() % 300000, static_cast<char>(random()));
+      data.Append(reinterpret_cast<const unsigned char*>(piece.data()), piece.size());
+      expected += piece;
+      CBinaryData copy = data;
+      copy.Append(static_cast<unsigned char>(1));
+      EXPECT_EQ(data.GetLength() + 1, copy.GetLength());
+      if (random() % 40 == 0) FreeKeptMemory();
+    }
+    for (auto& [data, expected] : buffers)
+      EXPECT_TRUE(std::equal(expected.begin(), expected.end(), reinterpret_cast<const char*>(data.GetData())));
+  };
+  std::thread other(fill, 1);
+  fill(2);
+  other.join();
 }
 
 TEST(BinaryData, WideTextIsItsRawBytesWithoutTerminator) {

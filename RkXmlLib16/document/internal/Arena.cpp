@@ -8,23 +8,18 @@ namespace RkXmlLib16 {
 namespace {
 
 constexpr std::size_t kFirstChunk = 4 * 1024;
-constexpr std::size_t kLargestChunk = 2 * 1024 * 1024;  // what the last one has to spare counts
+constexpr std::size_t kLargestChunk = kHugePage;  // what the last one has to spare counts
 
 }  // namespace
 
 void CArena::AddChunk(std::size_t atLeast) {
+  // Chunks double, so that small documents stay small and large ones need few.
+  const std::size_t usual = m_chunks.empty() ? kFirstChunk : std::min(2 * SizeOf(m_chunks.back()), kLargestChunk);
   Chunk chunk = std::move(m_spare);
-  m_spare.size = 0;
-  if (chunk.size < atLeast) {
-    // Chunks double, so that small documents stay small and large ones need few.
-    std::size_t size = m_chunks.empty() ? kFirstChunk : std::min(2 * m_chunks.back().size, kLargestChunk);
-    size = std::max(size, atLeast);
-    chunk.memory = MakeRoomOfHugePages<unsigned char>(size);
-    chunk.size = size;
-  }
+  if (chunk == nullptr || SizeOf(chunk) < atLeast) chunk = MakeChunk<unsigned char>(std::max(usual, atLeast));
   m_chunks.push_back(std::move(chunk));
-  m_cursor = m_chunks.back().memory.get();
-  m_limit = m_cursor + m_chunks.back().size;
+  m_cursor = m_chunks.back().get();
+  m_limit = m_cursor + SizeOf(m_chunks.back());
 }
 
 void CArena::RewindTo(const Mark& mark) noexcept {
@@ -33,7 +28,7 @@ void CArena::RewindTo(const Mark& mark) noexcept {
     m_chunks.pop_back();
   }
   m_cursor = mark.cursor;
-  m_limit = m_chunks.empty() ? m_cursor : m_chunks.back().memory.get() + m_chunks.back().size;
+  m_limit = m_chunks.empty() ? m_cursor : m_chunks.back().get() + SizeOf(m_chunks.back());
 }
 
 }  // namespace RkXmlLib16

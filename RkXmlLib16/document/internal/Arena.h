@@ -62,15 +62,13 @@ class CArena {
   static constexpr std::size_t RoundUp(std::size_t size) noexcept { return (size + 7) & ~std::size_t{7}; }
   void AddChunk(std::size_t atLeast);
 
-  struct Chunk {
-    std::unique_ptr<unsigned char[], CFreeMemory> memory;
-    std::size_t size;
-  };
+  using Chunk = CChunk<unsigned char>;
+  static std::size_t SizeOf(const Chunk& chunk) noexcept { return chunk.get_deleter().size; }
 
   std::vector<Chunk> m_chunks;
   unsigned char* m_cursor = nullptr;  // within the last chunk
   unsigned char* m_limit = nullptr;
-  Chunk m_spare{nullptr, 0};  // the last chunk that a rewind freed, so that going to and fro allocates nothing
+  Chunk m_spare;  // the last chunk that a rewind freed, so that going to and fro allocates nothing
 };
 
 }  // namespace RkXmlLib16

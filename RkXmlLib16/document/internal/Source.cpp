@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "RkXmlLib16/base/internal/CodePoints.h"
+#include "RkXmlLib16/types/BinaryData.h"
 
 namespace RkXmlLib16 {
 
@@ -46,8 +47,10 @@ CSource::Encoding CSource::EncodingOf(std::string_view xml) {
 }
 
 void CSource::KeepCopy() {
-  const auto copy = std::make_shared<const std::string>(m_input);
-  m_input = *copy;
+  const auto copy = std::make_shared<CBinaryData>();
+  copy->Reserve(m_input.size());
+  copy->Append(reinterpret_cast<const unsigned char*>(m_input.data()), m_input.size());
+  m_input = {reinterpret_cast<const char*>(copy->GetData()), m_input.size()};
   m_owner = copy;
 }
 

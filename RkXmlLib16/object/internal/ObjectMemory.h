@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "RkXmlLib16/base/ReferenceCount.h"
+#include "RkXmlLib16/object/internal/ObjectBlocks.h"
 
 namespace RkXmlLib16 {
 
@@ -30,6 +31,7 @@ class CObjectMemory {
  private:
   struct Block {
     CReferenceCount users{1};  // its objects, and who takes them from it
+    bool isOfPage = false;     // see CObjectBlocks
   };
   // Stands right in front of each object.
   struct Head {
@@ -37,7 +39,9 @@ class CObjectMemory {
   };
 
   static constexpr std::size_t kAlignment = __STDCPP_DEFAULT_NEW_ALIGNMENT__;
-  static constexpr std::size_t kBlock = 16 * 1024;
+  static constexpr std::size_t kBlock = CObjectBlocks::kBlock;
+  static constexpr std::size_t kFirst = 2 * kAlignment;  // where the first object of a block lies
+  static constexpr int kBlocksAlone = 16;                // so that small documents need no huge page
   static constexpr std::size_t kLargest = kBlock / 16;
   static constexpr int kAlone = 8;  // objects before the first block
 
@@ -55,6 +59,7 @@ class CObjectMemory {
   Block* m_block = nullptr;
   std::size_t m_used = kBlock;  // bytes of it, the head of the next object included
   int m_count = 0;              // up to kAlone
+  int m_blockCount = 0;         // so far
 };
 
 }  // namespace RkXmlLib16

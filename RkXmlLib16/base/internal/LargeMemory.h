@@ -1,0 +1,39 @@
+#ifndef RKXMLLIB16_BASE_INTERNAL_LARGEMEMORY_H
+#define RKXMLLIB16_BASE_INTERNAL_LARGEMEMORY_H
+
+#include <cstddef>
+
+#include "RkXmlLib16/base/HugePages.h"
+
+namespace RkXmlLib16 {
+
+// Large memory that is mapped apart from the heap and grows without being copied. All sizes are multiples of a huge
+// page. Some of what is freed is spare memory for later.
+class CLargeMemory {
+ public:
+  static constexpr std::size_t kMostSpare = 8 * kHugePage;
+
+  static constexpr std::size_t RoundUp(std::size_t size) noexcept { return (size + kHugePage - 1) & ~(kHugePage - 1); }
+
+  // Null when there is none.
+  static void* Allocate(std::size_t size) noexcept;
+  // Where the memory lies then; null, and nothing changed, when there is none.
+  static void* Grow(void* memory, std::size_t size, std::size_t newSize) noexcept;
+  static void Free(void* memory, std::size_t size) noexcept;
+  static void FreeSpare() noexcept;
+
+ private:
+  struct Range {
+    std::size_t Size() const noexcept { return static_cast<std::size_t>(end - begin); }
+    unsigned char* begin = nullptr;
+    unsigned char* end = nullptr;
+  };
+  static void Unmap(const Range& range) noexcept;
+
+  // Memory is taken from its front, so that what was taken last can grow into it.
+  static Range m_spare;
+};
+
+}  // namespace RkXmlLib16
+
+#endif
