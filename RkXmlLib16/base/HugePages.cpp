@@ -20,7 +20,7 @@ namespace {
 class KeptChunks {
  public:
   void* Take() noexcept;
-  bool Keep(void* memory, std::size_t most) noexcept;
+  bool Keep(void* memory) noexcept;  // false when there are enough
 
  private:
   struct Chunk {
@@ -31,13 +31,17 @@ class KeptChunks {
   std::size_t m_count = 0;
 };
 
-// By size: powers of two up to a huge page.
+// By size, powers of two, and how many of each are kept.
 constexpr std::size_t kLeastKept = CFreeChunk::kLeastKept;
-constexpr std::size_t kMostPages = 48;
-constexpr std::size_t kMostOfOneSize = 8;  // of the smaller ones
-std::array<KeptChunks, 6> kept;
-static_assert(kLeastKept << (kept.size() - 1) == kHugePage);
-static_assert((kMostPages + kMostOfOneSize) * kHugePage + CLargeMemory::kMostSpare <= kMostKeptMemory);
+constexpr std::array<std::size_t, 8> kMost = {8, 8, 8, 8, 8, 40, 2, 1};
+std::array<KeptChunks, kMost.size()> kept;
+
+constexpr std::size_t BytesOfMost() {
+  std::size_t bytes = CLargeMemory::kMostSpare;
+  for (std::size_t i = 0; i < kMost.size(); ++i) bytes += kMost[i] * (kLeastKept << i);
+  return bytes;
+}
+static_assert(BytesOfMost() <= kMostKeptMemory);
 
 std::mutex keptLock;
 [[maybe_unused]] const bool isKeptHeld = HoldOverFork<keptLock>();
@@ -49,9 +53,9 @@ void* KeptChunks::Take() noexcept {
   return std::exchange(m_first, m_first->next);
 }
 
-bool KeptChunks::Keep(void* memory, std::size_t most) noexcept {
+bool KeptChunks::Keep(void* memory) noexcept {
   const std::lock_guard lock(keptLock);
-  if (m_count == most) return false;
+  if (m_count == kMost[static_cast<std::size_t>(this - kept.data())]) return false;
   ++m_count;
   m_first = ::new (memory) Chunk{m_first};
   return true;
@@ -59,7 +63,7 @@ bool KeptChunks::Keep(void* memory, std::size_t most) noexcept {
 
 // Of a size not below the least; null for sizes that are not kept.
 KeptChunks* KeptOf(std::size_t size) noexcept {
-  const bool isKept = !kIsSanitized && size <= kHugePage && (size & (size - 1)) == 0;
+  const bool isKept = !kIsSanitized && size <= kLeastKept << (kMost.size() - 1) && (size & (size - 1)) == 0;
   return isKept ? &kept[static_cast<std::size_t>(__builtin_ctzll(size) - __builtin_ctzll(kLeastKept))] : nullptr;
 }
 
@@ -86,8 +90,7 @@ void* AllocateLargeChunk(std::size_t size) {
 
 void CFreeChunk::FreeLarge(void* memory) const noexcept {
   KeptChunks* const chunks = KeptOf(size);
-  const std::size_t most = size == kHugePage ? kMostPages : kMostOfOneSize;
-  if (chunks == nullptr || !chunks->Keep(memory, most)) std::free(memory);
+  if (chunks == nullptr || !chunks->Keep(memory)) std::free(memory);
 }
 
 void FreeKeptMemory() noexcept {
