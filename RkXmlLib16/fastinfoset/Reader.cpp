@@ -136,10 +136,10 @@ inline const CXmlExpandedName& CFastInfosetReader::QualifiedNameOrIndexBit3(unsi
   return KnownName(m_elementNames, Integer1To2pw20Bit3(octet), kInvalidIndexBit3);
 }
 
-inline void CFastInfosetReader::AddShared(CXmlTextBlock* block, Values& table) {
+inline void CFastInfosetReader::AddShared(const Value& value, Values& table) {
   if (table.size() >= FI_MAX_TABLE_ENTRIES) return;
-  CTreeBuilder::Share(*block);
-  table.push_back({block, /*mayHaveReturns=*/false});
+  CTreeBuilder::Share(*value.block);
+  table.push_back(value);
 }
 
 inline CXmlAttribute* CFastInfosetReader::NonIdentifyingStringOrIndexBit1(CXmlElement* element,
@@ -459,37 +459,43 @@ template <class Entry>
   return number < table.size() ? table[number] : Entry{};
 }
 
-// The number of an entry, in one or two octets.
+// The number of an entry, in up to three octets.
 template <const IntegerLayout& kLayout>
 [[gnu::always_inline]] inline bool CFastInfosetReader::TryIndex(const unsigned char*& at, std::size_t& number) {
   constexpr const IntegerForm& second = kLayout.forms[1];
-  const unsigned char bits = *at & kLayout.field;
-  if (bits >= second.pattern) {
-    if (bits >= kLayout.forms[2].pattern || m_end - at < 2) return false;
-    number = (static_cast<std::size_t>(bits - second.pattern) << 8 | at[1]) + second.lowest - 1;
-    at += 2;
-  } else {
+  constexpr const IntegerForm& third = kLayout.forms[2];
+  const std::size_t bits = *at & kLayout.field;
+  if (bits < second.pattern) {
     number = bits;
     ++at;
+  } else if (bits < third.pattern) {
+    if (m_end - at < 2) return false;
+    number = ((bits - second.pattern) << 8 | at[1]) + second.lowest - 1;
+    at += 2;
+  } else {
+    const std::size_t high = bits - third.pattern;
+    if (high >> third.valueBits != 0 || m_end - at < 3) return false;
+    number = (high << 16 | std::size_t{at[1]} << 8 | at[2]) + third.lowest - 1;
+    at += 3;
   }
   return true;
 }
 
 // A literal in UTF-8 with a length of up to two octets, which begins in the bits of the first.
 template <unsigned char kLengthBits, unsigned char... Refused>
-[[gnu::always_inline]] inline CXmlTextBlock* CFastInfosetReader::TryLiteral(CTreeBuilder& tree,
-                                                                            const unsigned char*& at) {
+[[gnu::always_inline]] inline CFastInfosetReader::Value CFastInfosetReader::TryLiteral(CTreeBuilder& tree,
+                                                                                       const unsigned char*& at) {
   constexpr unsigned char kLong = (kLengthBits + 1) / 2;
   constexpr std::size_t kFirstLong = kLong + 1;
   const unsigned char bits = *at & kLengthBits;
-  if (bits > kLong || m_end - at < 2) return nullptr;
+  if (bits > kLong || m_end - at < 2) return {};
   const bool isLong = bits == kLong;
   const unsigned char* const octets = at + (isLong ? 2 : 1);
   const std::size_t length = isLong ? at[1] + kFirstLong : bits + std::size_t{1};
   CXmlTextBlock* const text = tree.MakeText<Refused...>(octets, length, m_end);
-  if (text == nullptr || !tree.CanCount(*text)) return nullptr;
+  if (text == nullptr || !tree.CanCount(length)) return {};
   at = octets + length;
-  return text;
+  return {text, static_cast<std::uint32_t>(length), /*mayHaveReturns=*/false};
 }
 
 // The name.
@@ -516,23 +522,23 @@ template <unsigned char kLengthBits, unsigned char... Refused>
   if (name == nullptr) return false;
   unsigned long expanded = m_expanded + name->GetLocalName()->View().size();
   const unsigned char octet = *next;
-  CXmlTextBlock* value = nullptr;
+  Value value{};
   if ((octet & FastInfoset::kValueIndexBit) == 0) {
-    value = (octet & 0x30) == 0 ? TryLiteral<0x0F>(tree, next) : nullptr;
-    if (value == nullptr) return false;
+    value = (octet & 0x30) == 0 ? TryLiteral<0x0F>(tree, next) : Value{};
+    if (value.block == nullptr) return false;
   } else {
     std::size_t number = 0;
-    value = TryIndex<FastInfoset::kIndexBit2>(next, number) ? FindEntry(m_attributeValues, number).block : nullptr;
-    if (value == nullptr || !tree.CanCount(*value)) return false;
-    expanded += value->m_length;
+    value = TryIndex<FastInfoset::kIndexBit2>(next, number) ? FindEntry(m_attributeValues, number) : Value{};
+    if (value.block == nullptr || !tree.CanCount(value.length)) return false;
+    expanded += value.length;
   }
   if (expanded > m_expansionLimit) return false;
-  CXmlAttribute* const attribute = tree.TryAddAttribute(element, name, value);
+  CXmlAttribute* const attribute = tree.TryAddAttribute(element, name, value.block);
   if (attribute == nullptr) return false;
   CXmlDocument::SetOffset(attribute, OffsetOf(at));
   if ((octet & (FastInfoset::kValueIndexBit | FastInfoset::kValueAddBit)) == FastInfoset::kValueAddBit)
     AddShared(value, m_attributeValues);
-  tree.Count(*value);
+  tree.Count(value.length);
   m_expanded = expanded;
   at = next;
   return true;
@@ -542,25 +548,24 @@ template <unsigned char kLengthBits, unsigned char... Refused>
                                                                const unsigned char*& at) {
   const unsigned char octet = *at;
   if (CTreeBuilder::HasText(*element)) return false;
-  CXmlTextBlock* text = nullptr;
+  Value text{};
   if ((octet & FastInfoset::kChunkIndexBit) == 0) {
-    text = (octet & 0x0C) == 0 ? TryLiteral<0x03, '\r'>(tree, at) : nullptr;
-    if (text == nullptr) return false;
+    text = (octet & 0x0C) == 0 ? TryLiteral<0x03, '\r'>(tree, at) : Value{};
+    if (text.block == nullptr) return false;
     if ((octet & FastInfoset::kChunkAddBit) != 0) AddShared(text, m_chunks);
   } else {
     const unsigned char* next = at;
     std::size_t number = 0;
     if (!TryIndex<FastInfoset::kIndexBit4>(next, number)) return false;
-    const Value entry = FindEntry(m_chunks, number);
-    if (entry.block == nullptr || entry.mayHaveReturns) return false;
-    text = entry.block;
-    const unsigned long expanded = m_expanded + text->m_length;
-    if (expanded > m_expansionLimit || !tree.CanCount(*text)) return false;
+    text = FindEntry(m_chunks, number);
+    if (text.block == nullptr || text.mayHaveReturns) return false;
+    const unsigned long expanded = m_expanded + text.length;
+    if (expanded > m_expansionLimit || !tree.CanCount(text.length)) return false;
     m_expanded = expanded;
     at = next;
   }
-  CTreeBuilder::SetText(*element, text);
-  tree.Count(*text);
+  CTreeBuilder::SetText(*element, text.block);
+  tree.Count(text.length);
   return true;
 }
 
@@ -780,11 +785,14 @@ void CFastInfosetReader::DecodeText(CXmlElement* element, unsigned char octet) {
 
 void CFastInfosetReader::AddValue(std::wstring_view value, Values& table) {
   m_document.CountTable(value.size());
-  if (table.size() < FI_MAX_TABLE_ENTRIES) table.push_back({m_tree->Keep(value), /*mayHaveReturns=*/true});
+  if (table.size() < FI_MAX_TABLE_ENTRIES) {
+    CXmlTextBlock* const block = m_tree->Keep(value);
+    table.push_back({block, block != nullptr ? block->m_length : 0, /*mayHaveReturns=*/true});
+  }
 }
 
 unsigned long CFastInfosetReader::AddSkipped(Values& table) {
-  AppendEntry(table, Value{nullptr, false});
+  AppendEntry(table, Value{});
   return table.size();
 }
 

@@ -72,7 +72,8 @@ class RKXML_EXPORT CFastInfosetReader {
   // A text or attribute value of a table, as the tree holds it; null while empty.
   struct Value {
     CXmlTextBlock* block;
-    bool mayHaveReturns;  // which texts of elements lose
+    std::uint32_t length;  // of the text, which often lies far away
+    bool mayHaveReturns;   // which texts of elements lose
   };
   using Values = std::vector<Value>;
   // A string that lies in the input still encoded.
@@ -118,7 +119,7 @@ class RKXML_EXPORT CFastInfosetReader {
   inline bool TryAttribute(CTreeBuilder& tree, CXmlElement* element, const unsigned char*& at);
   inline bool TryText(CTreeBuilder& tree, CXmlElement* element, const unsigned char*& at);
   template <unsigned char kLengthBits, unsigned char... Refused>
-  inline CXmlTextBlock* TryLiteral(CTreeBuilder& tree, const unsigned char*& at);
+  inline Value TryLiteral(CTreeBuilder& tree, const unsigned char*& at);
   template <const FastInfoset::IntegerLayout& kLayout>
   inline bool TryIndex(const unsigned char*& at, std::size_t& number);
   template <class Entry>
@@ -139,7 +140,7 @@ class RKXML_EXPORT CFastInfosetReader {
   void DecodeText(CXmlElement* element, unsigned char octet);
   inline void AppendIndexed(CXmlElement* element, const Value& text);
   void AddValue(std::wstring_view value, Values& table);
-  static inline void AddShared(CXmlTextBlock* block, Values& table);
+  static inline void AddShared(const Value& value, Values& table);
   // Adds the entry of a list that was read past; its index.
   static unsigned long AddSkipped(Values& table);
   void SkipNonIdentifyingStringOrIndexBit1();

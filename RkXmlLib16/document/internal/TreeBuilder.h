@@ -154,9 +154,7 @@ class CTreeBuilder {
   // For others to have too: nobody writes to the block again.
   static void Share(CXmlTextBlock& block) noexcept { block.m_capacity = 0; }
   // Whether Count will not find the limit exceeded.
-  bool CanCount(const CXmlTextBlock& block) const noexcept {
-    return m_storage.charCount + block.m_length <= m_mostCharacters;
-  }
+  bool CanCount(std::size_t charCount) const noexcept { return m_storage.charCount + charCount <= m_mostCharacters; }
   // Of a text or value that the tree has now.
   void Count(const CXmlTextBlock& block) { Count(block.m_length); }
   void Count(std::size_t charCount) {
