@@ -175,7 +175,8 @@ class RKXML_EXPORT CXmlCollection : public CXmlCollectionBase {
     const CXmlObjectBase* GetItem() const noexcept { return m_item; }
 
    private:
-    CFetchAhead<kItemSize, kAhead, kWithParts> m_fetch;  // may run over nodes that are out of use, which lie where they were
+    CFetchAhead<kItemSize, kAhead, kWithParts>
+        m_fetch;  // may run over nodes that are out of use, which lie where they were
     CSmartPtr<CXmlObjectBase> m_item;
   };
 
