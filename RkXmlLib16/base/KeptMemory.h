@@ -7,11 +7,11 @@
 
 namespace RkXmlLib16 {
 
-// The library keeps so many bytes at most of what large documents, their objects and their bytes free, for the next
-// ones: memory that comes from the kernel costs more than to fill it.
+// The most bytes that the library keeps of the memory that large documents, their objects and large byte buffers free.
+// The next ones take it: memory from the kernel costs more time than filling it.
 constexpr std::size_t kMostKeptMemory = std::size_t{128} << 20;
 
-// Frees what it keeps. Any thread may call it at any time.
+// Frees what is kept. Any thread may call it at any time.
 RKXML_EXPORT void FreeKeptMemory() noexcept;
 
 }  // namespace RkXmlLib16
