@@ -37,9 +37,9 @@ struct CFreeChunk {
 };
 template <class T>
 using CChunk = std::unique_ptr<T[], CFreeChunk>;
-// Throws std::bad_alloc.
 void* AllocateLargeChunk(std::size_t size);
 
+// Throws std::bad_alloc.
 inline void* AllocateChunk(std::size_t size) {
   if (size >= CFreeChunk::kLeastKept) return AllocateLargeChunk(size);
   void* const memory = std::malloc(size);

@@ -3,6 +3,7 @@
 #include <sys/mman.h>
 
 #include <cstdint>
+#include <cstring>
 #include <mutex>
 #include <utility>
 
@@ -28,7 +29,6 @@ void* CLargeMemory::Allocate(std::size_t size) noexcept {
     const std::lock_guard lock(spareLock);
     if (m_spare.Size() >= size) return std::exchange(m_spare.begin, m_spare.begin + size);
   }
-  if (size > SIZE_MAX - kHugePage) return nullptr;
   const std::size_t mapped = size + kHugePage;  // to be cut to whole huge pages
   void* const memory = ::mmap(nullptr, mapped, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   if (memory == MAP_FAILED) return nullptr;
@@ -40,7 +40,7 @@ void* CLargeMemory::Allocate(std::size_t size) noexcept {
   return begin;
 }
 
-void* CLargeMemory::Grow(void* memory, std::size_t size, std::size_t newSize) noexcept {
+void* CLargeMemory::Remap(void* memory, std::size_t size, std::size_t newSize) noexcept {
   const std::lock_guard lock(spareLock);
   const bool isBeforeSpare = m_spare.begin == static_cast<unsigned char*>(memory) + size;
   if (isBeforeSpare && m_spare.Size() >= newSize - size) {
@@ -52,6 +52,16 @@ void* CLargeMemory::Grow(void* memory, std::size_t size, std::size_t newSize) no
   if (grown == MAP_FAILED) return nullptr;
   if (isBeforeSpare) m_spare = Range();
   return grown;
+}
+
+// The kernel does not remap memory at once that was mapped in parts, as what lies before the spare memory by chance.
+void* CLargeMemory::Grow(void* memory, std::size_t size, std::size_t newSize) noexcept {
+  if (void* const grown = Remap(memory, size, newSize)) return grown;
+  void* const copy = Allocate(newSize);
+  if (copy == nullptr) return nullptr;
+  std::memcpy(copy, memory, size);
+  Free(memory, size);
+  return copy;
 }
 
 void CLargeMemory::Free(void* memory, std::size_t size) noexcept {

@@ -1,6 +1,7 @@
 #include "RkXmlLib16/types/BinaryData.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <cwchar>
@@ -104,6 +105,7 @@ unsigned long CDataHolder::GrownCapacity(unsigned long count) const {
 }
 
 void CDataHolder::Grow(unsigned long capacity) {
+  if (capacity > PTRDIFF_MAX - kHugePage) throw std::bad_alloc();
   Origin origin = Origin::Array;
   if (capacity >= kHugePage && !kIsSanitized) {
     origin = Origin::Large;

@@ -1,7 +1,9 @@
 #include "RkXmlLib16/types/BinaryData.h"
 
 #include <algorithm>
+#include <limits>
 #include <memory>
+#include <new>
 #include <random>
 #include <string>
 #include <thread>
@@ -117,6 +119,7 @@ TEST(BinaryData, LargeBuffersKeepTheirBytesWhateverOthersDo) {
   std::thread other(fill, 1);
   fill(2);
   other.join();
+  EXPECT_THROW(CBinaryData().Reserve(std::numeric_limits<unsigned long>::max()), std::bad_alloc);
 }
 
 TEST(BinaryData, WideTextIsItsRawBytesWithoutTerminator) {

@@ -7,8 +7,8 @@
 
 namespace RkXmlLib16 {
 
-// Large memory that is mapped apart from the heap and grows without being copied. All sizes are multiples of a huge
-// page. Some of what is freed is spare memory for later.
+// Large memory that is mapped apart from the heap and mostly grows without being copied. All sizes are multiples of a
+// huge page, up to PTRDIFF_MAX. Some of what is freed is spare memory for later.
 class CLargeMemory {
  public:
   static constexpr std::size_t kMostSpare = 8 * kHugePage;
@@ -29,6 +29,8 @@ class CLargeMemory {
     unsigned char* end = nullptr;
   };
   static void Unmap(const Range& range) noexcept;
+  // Null, and nothing changed, where the kernel has to be asked more than once.
+  static void* Remap(void* memory, std::size_t size, std::size_t newSize) noexcept;
 
   // Memory is taken from its front, so that what was taken last can grow into it.
   static Range m_spare;
