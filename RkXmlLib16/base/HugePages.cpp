@@ -37,7 +37,7 @@ constexpr std::array<std::size_t, 8> kMost = {8, 8, 8, 8, 8, 40, 2, 1};
 std::array<KeptChunks, kMost.size()> kept;
 
 constexpr std::size_t BytesOfMost() {
-  std::size_t bytes = CLargeMemory::kMostSpare;
+  std::size_t bytes = CLargeMemory::kSpares * CLargeMemory::kMostSpare;
   for (std::size_t i = 0; i < kMost.size(); ++i) bytes += kMost[i] * (kLeastKept << i);
   return bytes;
 }

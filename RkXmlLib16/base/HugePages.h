@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <memory>
 #include <new>
+#include <vector>
 
 #include "RkXmlLib16/base/Export.h"
 
@@ -37,7 +38,7 @@ struct CFreeChunk {
 };
 template <class T>
 using CChunk = std::unique_ptr<T[], CFreeChunk>;
-void* AllocateLargeChunk(std::size_t size);
+RKXML_EXPORT void* AllocateLargeChunk(std::size_t size);
 
 // Throws std::bad_alloc.
 inline void* AllocateChunk(std::size_t size) {
@@ -69,6 +70,9 @@ struct CHugePageAllocator {
   friend bool operator==(const CHugePageAllocator&, const CHugePageAllocator&) noexcept { return true; }
   friend bool operator!=(const CHugePageAllocator&, const CHugePageAllocator&) noexcept { return false; }
 };
+
+template <class T>
+using CLargeVector = std::vector<T, CHugePageAllocator<T>>;
 
 }  // namespace RkXmlLib16
 

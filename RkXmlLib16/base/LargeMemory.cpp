@@ -2,6 +2,7 @@
 
 #include <sys/mman.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <mutex>
@@ -18,17 +19,27 @@ std::mutex spareLock;
 
 }  // namespace
 
-CLargeMemory::Range CLargeMemory::m_spare;
+std::array<CLargeMemory::Range, CLargeMemory::kSpares> CLargeMemory::m_spares;
 
 void CLargeMemory::Unmap(const Range& range) noexcept {
   if (range.Size() != 0) ::munmap(range.begin, range.Size());
 }
 
+void* CLargeMemory::TakeSpare(std::size_t size) noexcept {
+  const auto isSmaller = [](const Range& a, const Range& b) { return a.Size() < b.Size(); };
+  const std::lock_guard lock(spareLock);
+  for (Range& spare : m_spares)
+    if (spare.Size() >= size) return std::exchange(spare.begin, spare.begin + size);
+  Range& most = *std::max_element(m_spares.begin(), m_spares.end(), isSmaller);
+  if (most.Size() == 0) return nullptr;
+  void* const grown = ::mremap(most.begin, most.Size(), size, MREMAP_MAYMOVE);
+  if (grown == MAP_FAILED) return nullptr;
+  most = Range();
+  return grown;
+}
+
 void* CLargeMemory::Allocate(std::size_t size) noexcept {
-  {
-    const std::lock_guard lock(spareLock);
-    if (m_spare.Size() >= size) return std::exchange(m_spare.begin, m_spare.begin + size);
-  }
+  if (void* const memory = TakeSpare(size)) return memory;
   const std::size_t mapped = size + kHugePage;  // to be cut to whole huge pages
   void* const memory = ::mmap(nullptr, mapped, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   if (memory == MAP_FAILED) return nullptr;
@@ -42,15 +53,17 @@ void* CLargeMemory::Allocate(std::size_t size) noexcept {
 
 void* CLargeMemory::Remap(void* memory, std::size_t size, std::size_t newSize) noexcept {
   const std::lock_guard lock(spareLock);
-  const bool isBeforeSpare = m_spare.begin == static_cast<unsigned char*>(memory) + size;
-  if (isBeforeSpare && m_spare.Size() >= newSize - size) {
-    m_spare.begin += newSize - size;
+  const auto isBehind = [end = static_cast<unsigned char*>(memory) + size](const Range& r) { return r.begin == end; };
+  const auto behind = std::find_if(m_spares.begin(), m_spares.end(), isBehind);
+  Range none;
+  Range& rest = behind != m_spares.end() ? *behind : none;
+  if (rest.Size() >= newSize - size) {
+    rest.begin += newSize - size;
     return memory;
   }
-  const std::size_t held = size + (isBeforeSpare ? m_spare.Size() : 0);
-  void* const grown = ::mremap(memory, held, newSize, MREMAP_MAYMOVE);
+  void* const grown = ::mremap(memory, size + rest.Size(), newSize, MREMAP_MAYMOVE);
   if (grown == MAP_FAILED) return nullptr;
-  if (isBeforeSpare) m_spare = Range();
+  rest = Range();
   return grown;
 }
 
@@ -68,22 +81,27 @@ void CLargeMemory::Free(void* memory, std::size_t size) noexcept {
   auto* const begin = static_cast<unsigned char*>(memory);
   Range freed{begin, begin + size};
   const std::lock_guard lock(spareLock);
-  if (freed.end == m_spare.begin) {
-    m_spare.begin = freed.begin;
-    freed.end = freed.begin;
-  } else if (size > m_spare.Size()) {
-    std::swap(freed, m_spare);
+  for (Range& spare : m_spares) {
+    if (spare.begin != freed.end) continue;
+    spare.begin = freed.begin;
+    return FreeTail(spare);
   }
+  Range& least = *std::min_element(m_spares.begin(), m_spares.end(),
+                                   [](const Range& a, const Range& b) { return a.Size() < b.Size(); });
+  if (size > least.Size()) std::swap(freed, least);
   Unmap(freed);
-  if (m_spare.Size() <= kMostSpare) return;
-  unsigned char* const end = m_spare.begin + kMostSpare;
-  Unmap({end, m_spare.end});
-  m_spare.end = end;
+  FreeTail(least);
+}
+
+void CLargeMemory::FreeTail(Range& spare) noexcept {
+  if (spare.Size() <= kMostSpare) return;
+  unsigned char* const end = spare.begin + kMostSpare;
+  Unmap({end, std::exchange(spare.end, end)});
 }
 
 void CLargeMemory::FreeSpare() noexcept {
   const std::lock_guard lock(spareLock);
-  Unmap(std::exchange(m_spare, Range()));
+  for (Range& spare : m_spares) Unmap(std::exchange(spare, Range()));
 }
 
 }  // namespace RkXmlLib16

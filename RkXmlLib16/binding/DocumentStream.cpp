@@ -298,7 +298,7 @@ bool CDocumentStream::State::GetMoreText(std::wstring& text) {
       return true;
     }
     if (input.IsAtEnd()) return false;
-    const std::vector<std::uint64_t>& nodes = json->GetNodes();
+    const CLargeVector<std::uint64_t>& nodes = json->GetNodes();
     const std::uint64_t itemStart = json->GetReader().GetItemStart();
     Drop(!places.empty() ? places.front() : !nodes.empty() ? nodes.front() : itemStart);
     if (!input.Grow() && input.IsDamaged()) ThrowDamaged();

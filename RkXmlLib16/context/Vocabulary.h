@@ -60,7 +60,7 @@ class CFIIndexHash {
   static std::uint64_t SlotOf(std::uint64_t octets) noexcept;  // before it is cut to their number
   void Grow();
 
-  std::vector<Slot, CHugePageAllocator<Slot>> m_slots;  // a power of two, at most half of it in use
+  CLargeVector<Slot> m_slots;  // a power of two, at most half of it in use
   std::size_t m_count = 0;
 };
 
@@ -129,7 +129,7 @@ class RKXML_EXPORT CFIStringTable {
   void HashNewEntries() const;
   [[gnu::cold, gnu::noinline]] unsigned long FindAfterHashing(std::wstring_view text, CFIKey& key) const;
 
-  std::vector<std::wstring_view, CHugePageAllocator<std::wstring_view>> m_entries;  // texts in the blocks
+  CLargeVector<std::wstring_view> m_entries;  // texts in the blocks
   std::vector<CChunk<wchar_t>> m_blocks;
   wchar_t* m_free = nullptr;  // the rest of the last block
   std::size_t m_freeLength = 0;

@@ -316,7 +316,7 @@ void CXmlDocument::CountTable(std::size_t charCount) {
 bool CXmlDocument::KeepsText() const noexcept { return m_pieces == nullptr || m_pieces->IsInSubtree(); }
 
 // The nodes in the order of the document: an element, its attributes, its children.
-void CXmlDocument::SetPlaces(const std::vector<std::uint64_t>& places) {
+void CXmlDocument::SetPlaces(const CLargeVector<std::uint64_t>& places) {
   std::size_t next = 0;
   for (CXmlElement* element = m_documentElement; element != nullptr && next < places.size();) {
     element->m_offset = places[next++];

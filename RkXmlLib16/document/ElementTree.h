@@ -14,6 +14,7 @@
 #include "RkXmlLib16/base/Enumerations.h"
 #include "RkXmlLib16/base/ErrorHandler.h"
 #include "RkXmlLib16/base/Export.h"
+#include "RkXmlLib16/base/HugePages.h"
 #include "RkXmlLib16/base/Location.h"
 #include "RkXmlLib16/base/NameToken.h"
 #include "RkXmlLib16/document/Text.h"
@@ -519,7 +520,7 @@ class RKXML_EXPORT CXmlDocument {
   CBinaryData ConvertJsonBytes(std::string_view bytes, std::shared_ptr<const void> owner, const std::wstring& fileName);
   CBinaryData ConvertJson(std::string_view json);
   CBinaryData ConvertJson(const std::wstring& json);
-  void SetPlaces(const std::vector<std::uint64_t>& places);
+  void SetPlaces(const CLargeVector<std::uint64_t>& places);
   void TellNoted();
   void ParseBytes(std::string_view bytes, std::shared_ptr<const void> owner, const std::wstring& fileName);
   void ParseXmlText();
@@ -544,8 +545,8 @@ class RKXML_EXPORT CXmlDocument {
   std::size_t m_inputLength = 0;
   const unsigned char* m_textInput = nullptr;  // the input if texts are parts of it, as long as there are any
   CBinaryData m_convertedXml;
-  std::unique_ptr<CSource> m_source;    // null when the places of the input mean nothing to the caller
-  std::vector<std::uint64_t> m_places;  // of the nodes that JSON was converted to, in their order
+  std::unique_ptr<CSource> m_source;     // null when the places of the input mean nothing to the caller
+  CLargeVector<std::uint64_t> m_places;  // of the nodes that JSON was converted to, in their order
   bool m_inputStays = false;
   bool m_isPaused = false;
   bool m_wasScanned = false;

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "RkXmlLib16/base/Export.h"
+#include "RkXmlLib16/base/HugePages.h"
 #include "RkXmlLib16/json/JsonReaderHandler.h"
 
 namespace RkXmlLib16 {
@@ -19,8 +20,8 @@ class CJsonReaderDefaultHandler;
 
 // Where JSON text has what it was converted to, as numbers of characters (units of the wide text) before it.
 struct CJsonPlaces {
-  std::vector<std::uint64_t> nodes;  // of the elements and their attributes in the order of the XML text
-  std::size_t at = 0;                // where the value ends, or what the conversion failed at stands
+  CLargeVector<std::uint64_t> nodes;  // of the elements and their attributes in the order of the XML text
+  std::size_t at = 0;                 // where the value ends, or what the conversion failed at stands
 };
 
 class CSerializationContext;

@@ -8,6 +8,7 @@
 
 #include "RkXmlLib16/base/Enumerations.h"
 #include "RkXmlLib16/base/Export.h"
+#include "RkXmlLib16/base/HugePages.h"
 #include "RkXmlLib16/json/JsonReaderHandler.h"
 
 namespace RkXmlLib16 {
@@ -35,7 +36,7 @@ class RKXML_EXPORT CJsonReaderToXmlHandler : public IJsonReaderHandler {
 
   // Appends where each element and attribute stands in the text of `reader`; both are kept. Of attributes that declare
   // namespaces only when `areDeclarationsNodes`.
-  void SetPlaces(const CJsonTextReader& reader, std::vector<std::uint64_t>& nodes, bool areDeclarationsNodes) {
+  void SetPlaces(const CJsonTextReader& reader, CLargeVector<std::uint64_t>& nodes, bool areDeclarationsNodes) {
     m_reader = &reader;
     m_nodes = &nodes;
     m_areDeclarationsNodes = areDeclarationsNodes;
@@ -74,7 +75,7 @@ class RKXML_EXPORT CJsonReaderToXmlHandler : public IJsonReaderHandler {
   std::vector<std::wstring> m_arrays;  // the names of open arrays; those beyond m_arrayCount keep their storage
   std::size_t m_arrayCount = 0;
   const CJsonTextReader* m_reader = nullptr;
-  std::vector<std::uint64_t>* m_nodes = nullptr;
+  CLargeVector<std::uint64_t>* m_nodes = nullptr;
   bool m_areDeclarationsNodes = false;
   const CReadLimits* m_limits = nullptr;
   std::size_t m_jsonLength = 0;

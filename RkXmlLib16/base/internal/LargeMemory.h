@@ -1,6 +1,7 @@
 #ifndef RKXMLLIB16_BASE_INTERNAL_LARGEMEMORY_H
 #define RKXMLLIB16_BASE_INTERNAL_LARGEMEMORY_H
 
+#include <array>
 #include <cstddef>
 
 #include "RkXmlLib16/base/HugePages.h"
@@ -11,7 +12,8 @@ namespace RkXmlLib16 {
 // huge page, up to PTRDIFF_MAX. Some of what is freed is spare memory for later.
 class CLargeMemory {
  public:
-  static constexpr std::size_t kMostSpare = 8 * kHugePage;
+  static constexpr std::size_t kSpares = 2;
+  static constexpr std::size_t kMostSpare = 8 * kHugePage;  // in each
 
   static constexpr std::size_t RoundUp(std::size_t size) noexcept { return (size + kHugePage - 1) & ~(kHugePage - 1); }
 
@@ -29,11 +31,14 @@ class CLargeMemory {
     unsigned char* end = nullptr;
   };
   static void Unmap(const Range& range) noexcept;
+  static void* TakeSpare(std::size_t size) noexcept;  // null when there is none
   // Null, and nothing changed, where the kernel has to be asked more than once.
   static void* Remap(void* memory, std::size_t size, std::size_t newSize) noexcept;
 
-  // Memory is taken from its front, so that what was taken last can grow into it.
-  static Range m_spare;
+  static void FreeTail(Range& spare) noexcept;  // what is more than the most
+
+  // Memory is taken from the front of one, so that what was taken last can grow into the rest.
+  static std::array<Range, kSpares> m_spares;
 };
 
 }  // namespace RkXmlLib16

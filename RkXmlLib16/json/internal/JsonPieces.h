@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "RkXmlLib16/base/Export.h"
+#include "RkXmlLib16/base/HugePages.h"
 #include "RkXmlLib16/io/TextStream.h"
 #include "RkXmlLib16/json/JsonTextReader.h"
 #include "RkXmlLib16/json/JsonToXml.h"
@@ -32,7 +33,7 @@ class RKXML_EXPORT CJsonPieces {
   CJsonTextReader& GetReader() noexcept { return m_reader; }
   bool IsAtEnd() const noexcept { return m_isAtEnd; }
   // Of the elements and attributes of that text, see CJsonPlaces; for the caller to take.
-  std::vector<std::uint64_t>& GetNodes() noexcept { return m_nodes; }
+  CLargeVector<std::uint64_t>& GetNodes() noexcept { return m_nodes; }
   // The character that the failure is told of.
   std::size_t GetErrorPosition(const CRkException& error) const;
 
@@ -42,7 +43,7 @@ class RKXML_EXPORT CJsonPieces {
   CXmlTextWriter m_writer;
   CJsonTextReader m_reader;
   CJsonReaderToXmlHandler m_handler;
-  std::vector<std::uint64_t> m_nodes;
+  CLargeVector<std::uint64_t> m_nodes;
   bool m_isStarted = false;
   bool m_isAtEnd = false;
 };
