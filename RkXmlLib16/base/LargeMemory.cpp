@@ -26,11 +26,10 @@ void CLargeMemory::Unmap(const Range& range) noexcept {
 }
 
 void* CLargeMemory::TakeSpare(std::size_t size) noexcept {
-  const auto isSmaller = [](const Range& a, const Range& b) { return a.Size() < b.Size(); };
   const std::lock_guard lock(spareLock);
   for (Range& spare : m_spares)
     if (spare.Size() >= size) return std::exchange(spare.begin, spare.begin + size);
-  Range& most = *std::max_element(m_spares.begin(), m_spares.end(), isSmaller);
+  Range& most = *std::max_element(m_spares.begin(), m_spares.end(), IsSmaller);
   if (most.Size() == 0) return nullptr;
   void* const grown = ::mremap(most.begin, most.Size(), size, MREMAP_MAYMOVE);
   if (grown == MAP_FAILED) return nullptr;
@@ -86,8 +85,7 @@ void CLargeMemory::Free(void* memory, std::size_t size) noexcept {
     spare.begin = freed.begin;
     return FreeTail(spare);
   }
-  Range& least = *std::min_element(m_spares.begin(), m_spares.end(),
-                                   [](const Range& a, const Range& b) { return a.Size() < b.Size(); });
+  Range& least = *std::min_element(m_spares.begin(), m_spares.end(), IsSmaller);
   if (size > least.Size()) std::swap(freed, least);
   Unmap(freed);
   FreeTail(least);

@@ -125,8 +125,8 @@ class RKXML_EXPORT CXmlCollection : public CXmlCollectionBase {
   // it is not there.
   static CXmlElement* ReadGroup(CXmlObjectBase* item, CXmlElement* parent, CXmlElement* current,
                                 const CSerializationContext& context, bool isOptionalChoice);
-  // Asks for the memory of items that a walk is about to reach, `kItemSize` bytes of each, and with what belongs to it
-  // unless told otherwise. It runs `kAhead` nodes ahead of the walk.
+  // Asks for the memory of items that a walk is about to reach: `kItemSize` bytes of each and, unless told otherwise,
+  // what belongs to it. It runs `kAhead` nodes ahead of the walk.
   template <std::size_t kItemSize, int kAhead = 2, bool kWithParts = true>
   class CFetchAhead {
    public:
@@ -175,8 +175,8 @@ class RKXML_EXPORT CXmlCollection : public CXmlCollectionBase {
     const CXmlObjectBase* GetItem() const noexcept { return m_item; }
 
    private:
-    CFetchAhead<kItemSize, kAhead, kWithParts>
-        m_fetch;  // may run over nodes that are out of use, which lie where they were
+    // May run over nodes that are out of use, which lie where they were.
+    CFetchAhead<kItemSize, kAhead, kWithParts> m_fetch;
     CSmartPtr<CXmlObjectBase> m_item;
   };
 

@@ -30,11 +30,11 @@ class CLargeMemory {
     unsigned char* begin = nullptr;
     unsigned char* end = nullptr;
   };
+  static bool IsSmaller(const Range& a, const Range& b) noexcept { return a.Size() < b.Size(); }
   static void Unmap(const Range& range) noexcept;
   static void* TakeSpare(std::size_t size) noexcept;  // null when there is none
   // Null, and nothing changed, where the kernel has to be asked more than once.
   static void* Remap(void* memory, std::size_t size, std::size_t newSize) noexcept;
-
   static void FreeTail(Range& spare) noexcept;  // what is more than the most
 
   // Memory is taken from the front of one, so that what was taken last can grow into the rest.
