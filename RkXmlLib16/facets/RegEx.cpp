@@ -234,7 +234,9 @@ CRegEx::CRegEx(std::string utf8Pattern, const std::wstring& value) {
 CRegEx::~CRegEx() = default;
 
 bool CRegEx::Matches(const std::wstring& value) const {
-  if (m_engine->plain.Decides(value)) return m_engine->plain.Matches(value);
+  const CPlainPattern& plain = m_engine->plain;
+  if (plain.Matches(value)) return true;
+  if (plain.Decides(value)) return false;
   constexpr std::size_t kMostBytes = 4;  // of a character
   unsigned char shortSubject[kShortValue];
   std::string longSubject;

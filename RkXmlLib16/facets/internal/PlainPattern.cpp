@@ -122,6 +122,7 @@ bool CPlainPattern::Decides(std::wstring_view value) const noexcept {
 }
 
 bool CPlainPattern::Matches(std::wstring_view value) const noexcept {
+  if (IsEmpty()) return false;
   for (const Item& item : m_items) {
     const std::size_t count = std::min(value.size(), item.most);
     if (count < item.least) return false;

@@ -20,8 +20,9 @@ class CPlainPattern {
   bool IsEmpty() const noexcept { return m_items.empty(); }
   // Whether it decides on every value.
   bool IsWhole() const noexcept { return m_isWhole; }
+  // Whether a value that does not match here does not match at all.
   bool Decides(std::wstring_view value) const noexcept;
-  // Whether the whole value matches, which it decides on.
+  // Whether the whole value matches.
   bool Matches(std::wstring_view value) const noexcept;
 
  private:
