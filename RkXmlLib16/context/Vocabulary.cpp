@@ -47,7 +47,7 @@ inline void CFIIndexHash::Insert(const CFIKey& key, unsigned long index) {
   } else {
     m_slots[key.slot] = {key.octets, key.length, static_cast<std::uint32_t>(index)};
   }
-  if (++m_count * 2 > m_slots.size()) Grow();
+  if (++m_count * 4 > m_slots.size() * 3) Grow();
 }
 
 void CFIIndexHash::Grow() {

@@ -60,7 +60,7 @@ class CFIIndexHash {
   static std::uint64_t SlotOf(std::uint64_t octets) noexcept;  // before it is cut to their number
   void Grow();
 
-  CLargeVector<Slot> m_slots;  // a power of two, at most half of it in use
+  CLargeVector<Slot> m_slots;  // a power of two, at most three quarters of it in use
   std::size_t m_count = 0;
 };
 
