@@ -33,7 +33,7 @@ class KeptChunks {
 
 // By size, powers of two, and how many of each are kept.
 constexpr std::size_t kLeastKept = CFreeChunk::kLeastKept;
-constexpr std::array<std::size_t, 8> kMost = {8, 8, 8, 8, 8, 40, 2, 1};
+constexpr std::array<std::size_t, 10> kMost = {16, 8, 8, 8, 8, 8, 8, 40, 2, 1};
 std::array<KeptChunks, kMost.size()> kept;
 
 constexpr std::size_t BytesOfMost() {

@@ -24,7 +24,7 @@ void* AllocateOfHugePages(std::size_t size) noexcept;
 // Such memory that knows its size. Some of what is freed is kept for later, see KeptMemory.h: that the kernel clears it
 // again costs more than to fill it.
 struct CFreeChunk {
-  static constexpr std::size_t kLeastKept = 64 * 1024;
+  static constexpr std::size_t kLeastKept = 16 * 1024;
 
   void operator()(void* memory) const noexcept {
     if (size < kLeastKept)
@@ -32,13 +32,13 @@ struct CFreeChunk {
     else
       FreeLarge(memory);
   }
-  RKXML_EXPORT void FreeLarge(void* memory) const noexcept;
+  [[gnu::cold]] RKXML_EXPORT void FreeLarge(void* memory) const noexcept;
 
   std::size_t size = 0;  // bytes
 };
 template <class T>
 using CChunk = std::unique_ptr<T[], CFreeChunk>;
-RKXML_EXPORT void* AllocateLargeChunk(std::size_t size);
+[[gnu::cold]] RKXML_EXPORT void* AllocateLargeChunk(std::size_t size);
 
 // Throws std::bad_alloc.
 inline void* AllocateChunk(std::size_t size) {

@@ -12,8 +12,6 @@ using RkXmlLib16Data::CAttributeInfo;
 using RkXmlLib16Data::CElementInfo;
 using RkXmlLib16Data::CParentElementInfo;
 
-CXmlGeneratedClass::CXmlGeneratedClass() = default;
-
 CXmlGeneratedClass::~CXmlGeneratedClass() = default;
 
 int CXmlGeneratedClass::GetClassElementInfoCount() const {

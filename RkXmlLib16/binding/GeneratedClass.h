@@ -49,7 +49,7 @@ class RKXML_EXPORT CXmlGeneratedClass : public CXmlObjectBase {
   using CXmlObjectBase::FromXml_Int;
   using CXmlObjectBase::ToXml_Int;
 
-  CXmlGeneratedClass();
+  CXmlGeneratedClass() = default;
   ~CXmlGeneratedClass() override;
 
   void AttributesToXml_Int(CXmlWriter* writer, const CSerializationContext& context) const override;
@@ -124,10 +124,10 @@ class RKXML_EXPORT CXmlGeneratedClass : public CXmlObjectBase {
   [[gnu::noinline]] void ReadSimpleContent(const CXmlElement* element, const CSerializationContext& context,
                                            const RkXmlLib16Data::CParentElementInfo& info);
   // Whether reading goes on behind the element after the error.
-  [[gnu::noinline]] bool GoesOnAfter(CRkException& error, const CXmlElement* element,
-                                     const CSerializationContext& context) const;
-  [[gnu::noinline]] static void TellLeftOut(const CXmlElement& element, const CSerializationContext& context,
-                                            const RkXmlLib16Data::CParentElementInfo& info);
+  [[gnu::cold, gnu::noinline]] bool GoesOnAfter(CRkException& error, const CXmlElement* element,
+                                                const CSerializationContext& context) const;
+  [[gnu::cold, gnu::noinline]] static void TellLeftOut(const CXmlElement& element, const CSerializationContext& context,
+                                                       const RkXmlLib16Data::CParentElementInfo& info);
   void ReadNil(const CXmlAttribute* attribute);
   inline bool ReadAttribute(RkXmlLib16Data::CAttributeInfo& info, const CSerializationContext& context,
                             CXmlAttribute* attribute);

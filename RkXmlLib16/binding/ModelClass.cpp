@@ -246,19 +246,6 @@ CModelClass::Records::~Records() {
   for (const int id : factoryIds) ModelFactories::Remove(id);
 }
 
-CSmartPtr<CModelObject> NewModelObject(const ClassModel& model, const ElementModel* declaration,
-                                       const CSharedName* heldName) {
-  if (model.create == nullptr) return nullptr;
-  CSmartPtr<CModelObject> object(model.create(model));
-  if (declaration == nullptr)
-    object->SetUndeclared();
-  else if (heldName != nullptr)
-    object->SetDeclaration(*declaration, *heldName);
-  else
-    object->SetDeclaration(*declaration);
-  return object;
-}
-
 // ---- Values
 
 const Reading*& Reading::Current() noexcept {

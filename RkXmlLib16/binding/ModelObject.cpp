@@ -4,6 +4,7 @@
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/base/Likely.h"
 #include "RkXmlLib16/binding/internal/MemberText.h"
 #include "RkXmlLib16/binding/internal/ModelClass.h"
 #include "RkXmlLib16/binding/internal/ReadingValue.h"
@@ -67,12 +68,12 @@ void CPropertySet::RemoveMore(int property) noexcept {
 
 CModelObject::CModelObject(const ClassModel& model, const wchar_t* elementName)
     : m_class(model.Require()), m_declaration(model.element) {
-  if (elementName != nullptr && m_declaration != nullptr && m_declaration->name != std::wstring_view(elementName))
-    m_declaration = nullptr;
-  if (elementName != nullptr)
-    SetElementName(elementName);
-  else
+  if (elementName == nullptr) {
     m_elementName = m_class.GetElementName();
+    return;
+  }
+  if (m_declaration != nullptr && m_declaration->name != std::wstring_view(elementName)) m_declaration = nullptr;
+  SetElementName(elementName);
 }
 
 CModelObject::~CModelObject() { Unwatch(); }
@@ -90,11 +91,6 @@ void CModelObject::SetDeclaration(const ElementModel& declaration) {
   if (m_declaration == &declaration) return;
   m_declaration = &declaration;
   SetElementName(declaration.name);
-}
-
-void CModelObject::SetDeclaration(const ElementModel& declaration, const CSharedName& name) {
-  m_declaration = &declaration;
-  m_elementName = name;
 }
 
 const wchar_t* CModelObject::GetSelected() const {
@@ -264,8 +260,7 @@ bool CModelObject::IsFilled(int property) const {
   return value.PeekXmlCollection() != nullptr && value.PeekXmlCollection()->GetCount() > 0;
 }
 
-void CModelObject::Select(int property) {
-  if (m_set.IsEmpty()) return;
+void CModelObject::SelectAmong(int property) {
   for (const MemberModel& other : GetModel().members) {
     if (other.property == property || !IsFilled(other.property)) continue;
     throw CRkInvalidStateException(FormatString(
@@ -399,11 +394,9 @@ void CModelObject::BeginFromXml_Int(CXmlElement* element, CXmlElement* firstChil
   const ClassModel& model = GetModel();
   if (model.IsInline()) return;
   const CXmlAttributes& attributes = element->GetAttributes();
-  const bool mayBeUnusual =
-      model.isAbstract || model.isMixed || (model.textProperty < 0 && !CNodeText::IsBlank(*element)) ||
-      std::any_of(attributes.begin(), attributes.end(),
-                  [](const CXmlAttribute* attribute) { return !attribute->GetNamespaceURI().empty(); });
-  if (mayBeUnusual) CheckStart(element, firstChild, context);
+  bool mayBeUnusual = model.isAbstract || model.isMixed || (model.textProperty < 0 && !CNodeText::IsBlank(*element));
+  for (const CXmlAttribute* attribute : attributes) mayBeUnusual |= !attribute->GetNamespaceURI().empty();
+  if (RKXML_UNLIKELY(mayBeUnusual)) CheckStart(element, firstChild, context);
 }
 
 // What is asked for of a class that is abstract or mixed, an element with xsi:type or xsi:nil, or misplaced text.

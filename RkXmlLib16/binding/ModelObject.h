@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/Likely.h"
 #include "RkXmlLib16/base/SharedName.h"
 #include "RkXmlLib16/binding/GeneratedClass.h"
 #include "RkXmlLib16/binding/Model.h"
@@ -38,10 +39,10 @@ class CXmlDocument;
 class CPropertySet {
  public:
   bool Has(int property) const noexcept {
-    return property < kInPlace ? (m_first & Bit(property)) != 0 : m_more != nullptr && HasMore(property);
+    return RKXML_LIKELY(property < kInPlace) ? (m_first & Bit(property)) != 0 : m_more != nullptr && HasMore(property);
   }
   void Add(int property) {
-    if (property < kInPlace)
+    if (RKXML_LIKELY(property < kInPlace))
       m_first |= Bit(property) | kChanged;
     else
       AddMore(property);
@@ -68,8 +69,8 @@ class CPropertySet {
     int number;
     std::uint64_t bits;
   };
-  [[gnu::noinline]] RKXML_EXPORT bool HasMore(int property) const noexcept;
-  RKXML_EXPORT void AddMore(int property);
+  [[gnu::cold, gnu::noinline]] RKXML_EXPORT bool HasMore(int property) const noexcept;
+  [[gnu::cold]] RKXML_EXPORT void AddMore(int property);
   RKXML_EXPORT void RemoveMore(int property) noexcept;
 
   std::uint64_t m_first = 0;
@@ -98,7 +99,10 @@ class RKXML_EXPORT CModelObject : public CXmlGeneratedClass {
   // The object takes the name, and xsi:type is written where its class is not the declared one. Borrowed.
   void SetDeclaration(const ElementModel& declaration);
   // The same, quicker. The name is that of the declaration.
-  void SetDeclaration(const ElementModel& declaration, const CSharedName& name);
+  void SetDeclaration(const ElementModel& declaration, const CSharedName& name) {
+    m_declaration = &declaration;
+    m_elementName = name;
+  }
   // Nothing is known of the element but its type.
   void SetUndeclared() noexcept { m_declaration = nullptr; }
   // Of a choice: the element name of the member that is set; null when none is.
@@ -218,7 +222,7 @@ class RKXML_EXPORT CModelObject : public CXmlGeneratedClass {
   inline bool TrySetFrom(int property, const CXmlAttribute& attribute);
   template <class Text, bool mayBeEmpty, class Source>
   bool TrySetText(int property, const Source& source);
-  [[gnu::noinline]] void SetFromTextSlowly(int property, std::wstring_view text, bool& isValue);
+  [[gnu::cold, gnu::noinline]] void SetFromTextSlowly(int property, std::wstring_view text, bool& isValue);
   bool MustCheck(int property) const noexcept;
   // Throw when the value may not be set.
   void CheckValue(int property, CMember value);
@@ -237,7 +241,10 @@ class RKXML_EXPORT CModelObject : public CXmlGeneratedClass {
   inline void WriteAttributes(const CSerializationContext& context, CXmlWriter* writer) const;
   [[gnu::cold, gnu::noinline]] void DeclarePrefixes(CXmlWriter& writer) const;
   // Throws when another member of the choice is set.
-  void Select(int property);
+  void Select(int property) {
+    if (!m_set.IsEmpty()) SelectAmong(property);
+  }
+  void SelectAmong(int property);
   bool IsFilled(int property) const;
   // Whether its count is to be checked even when nothing was added.
   bool NeedsCollection(int property) const noexcept;
@@ -246,7 +253,7 @@ class RKXML_EXPORT CModelObject : public CXmlGeneratedClass {
   void Adopt(int property, CXmlObjectBase* object);
   [[gnu::noinline]] RKXML_HIDDEN void CheckStart(const CXmlElement* element, const CXmlElement* firstChild,
                                                  const CSerializationContext& context) const;
-  [[gnu::noinline]] RKXML_HIDDEN void EnsureByAccess(int property);
+  [[gnu::cold, gnu::noinline]] RKXML_HIDDEN void EnsureByAccess(int property);
   void Mark(int property) { m_set.Add(property); }
   void Unmark(int property) noexcept { m_set.Remove(property); }
   void Reset();

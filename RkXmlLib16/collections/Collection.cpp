@@ -75,7 +75,7 @@ void CXmlCollection::Clear() {
 void CXmlCollection::Remove(int index) { RemoveNode(GetNodeAtIndex(index)); }
 
 void CXmlCollection::AppendItem(CXmlObjectBase* item) {
-  if (!HasListeners()) return InsertBefore(nullptr, item);
+  if (!HasListeners()) return LinkBefore(nullptr, item);
   const auto held = HoldForListeners();
   FireOnCollectionAdd(item);
   InsertBefore(nullptr, item);
@@ -167,7 +167,7 @@ inline CXmlCollection::CNode* CXmlCollection::TakeNode() {
   return node;
 }
 
-void CXmlCollection::InsertBefore(CNode* next, CXmlObjectBase* item) {
+inline void CXmlCollection::LinkBefore(CNode* next, CXmlObjectBase* item) {
   if (m_count == INT_MAX) throw CRkException(L"The collection is full");
   CNode* const node = TakeNode();
   node->m_item = item;
@@ -185,6 +185,10 @@ void CXmlCollection::InsertBefore(CNode* next, CXmlObjectBase* item) {
     else
       m_lastNode = nullptr;
   }
+}
+
+void CXmlCollection::InsertBefore(CNode* next, CXmlObjectBase* item) {
+  LinkBefore(next, item);
   if (!HasListeners()) return;
   const CSmartPtr<CXmlObjectBase> held(item);  // one of them may take the item out again
   FireOnCollectionAddComplete(item);

@@ -185,7 +185,8 @@ class RKXML_EXPORT CXmlCollection : public CXmlCollectionBase {
 
   CNode* TakeNode();
   RKXML_HIDDEN void AddNodes();
-  void InsertBefore(CNode* next, CXmlObjectBase* item);
+  inline void LinkBefore(CNode* next, CXmlObjectBase* item);
+  void InsertBefore(CNode* next, CXmlObjectBase* item);  // and tells it
   void Unlink(CNode* node);
 
   CNode m_firstNode;                               // most collections hold one item or none,

@@ -11,7 +11,6 @@ const CSerializationContext& GetDefaultContext() noexcept { return CSerializatio
 
 void IEventSink::OnEvent(CXmlObjectBase* /*source*/, MsgType /*type*/, void* /*data*/) {}
 
-CXmlObjectBase::CXmlObjectBase() = default;
 CXmlObjectBase::~CXmlObjectBase() = default;
 
 void* CXmlObjectBase::operator new(std::size_t size) { return CObjectMemory::Allocate(size); }

@@ -71,7 +71,7 @@ class RKXML_EXPORT IEventSink {
 // DoesElementNameMatch in document/internal/ElementNameMatch.cpp.
 class RKXML_EXPORT CXmlObjectBase : public IEventSink {
  public:
-  CXmlObjectBase();
+  CXmlObjectBase() = default;
   CXmlObjectBase(const CXmlObjectBase&) = delete;
   CXmlObjectBase& operator=(const CXmlObjectBase&) = delete;
 

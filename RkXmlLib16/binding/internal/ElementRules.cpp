@@ -191,18 +191,8 @@ CSmartPtr<CXmlObjectBase> GetOrCreateChild(const CElementInfoCls& info, const Me
   return child;
 }
 
-void StoreChild(const CElementInfo& info, const MemberRead& read, CXmlObjectBase* child, const CXmlElement& element) {
-  info.InvokeObjectSet(read.object, child, element);
-}
-
 void StoreNull(const CElementInfo& info, const MemberRead& read, const CXmlElement& element) {
   if (GetChild(info, read.object) != nullptr) StoreChild(info, read, nullptr, element);
-}
-
-void ReadOwnElement(CElementInfo& info, const MemberRead& read, CXmlObjectBase* child, bool isOptionalChoice) {
-  CXmlElement* const element = read.At();
-  info.FromXml_Int(child, element, element->GetFirstElement(), read.context, isOptionalChoice);
-  *read.cursor = element->GetNextSiblingElement();
 }
 
 bool ReadInline(CElementInfo& info, const MemberRead& read, CXmlObjectBase* child, bool keeps) {

@@ -47,16 +47,17 @@ bool WriteMember(const Kind& info, const CSerializationContext& context, const C
 }
 
 // CRkValidationException with the path of `parent`: "Failed to find the required child element [%ls].".
-CRkValidationException MissingChild(const CElementInfo& info, const CXmlElement* parent);
+[[gnu::cold]] CRkValidationException MissingChild(const CElementInfo& info, const CXmlElement* parent);
 // "Failed to find a suitable substitution element for [%ls].".
-CRkValidationException MissingSubstitution(const CElementInfo& info, const CXmlElement* parent);
+[[gnu::cold]] CRkValidationException MissingSubstitution(const CElementInfo& info, const CXmlElement* parent);
 
 // Below, `standing` is the child of `parent` that stands where something else was expected, null at the end. Errors are
 // refused: these return only when reading goes on.
 
 // Refuses the absence of an element, with what stands there.
-void RefuseMissing(const CSerializationContext& context, CRkException error, const std::wstring& name,
-                   const std::wstring& namespaceUri, const CXmlElement* parent, const CXmlElement* standing);
+[[gnu::cold]] void RefuseMissing(const CSerializationContext& context, CRkException error, const std::wstring& name,
+                                 const std::wstring& namespaceUri, const CXmlElement* parent,
+                                 const CXmlElement* standing);
 inline void RefuseMissing(const CSerializationContext& context, const CRkException& error, const CElementInfo& info,
                           const CXmlElement* parent, const CXmlElement* standing) {
   RefuseMissing(context, error, info.GetElementName(), info.GetNamespace(), parent, standing);
@@ -68,16 +69,16 @@ inline void RefuseMissing(const MemberRead& read, const CRkException& error, con
 void RequireCount(const CSerializationContext& context, const CXmlCollectionBase& collection, const CElementInfo& info,
                   const CXmlElement* parent, const CXmlElement* standing);
 // Refuses an element that no member reads.
-void RefuseUnread(const CSerializationContext& context, const CXmlGeneratedClass& object, const CXmlElement* parent,
-                  const CXmlElement* unread);
+[[gnu::cold]] void RefuseUnread(const CSerializationContext& context, const CXmlGeneratedClass& object,
+                                const CXmlElement* parent, const CXmlElement* unread);
 
 // For reads that go on after errors, which have an error handler.
 // Whether a record of the object's class after `behind` (null: any record) could take the element.
-bool IsTaken(const CSerializationContext& context, const CXmlGeneratedClass& object, const CXmlElement* element,
-             const CElementInfo* behind = nullptr);
+[[gnu::cold]] bool IsTaken(const CSerializationContext& context, const CXmlGeneratedClass& object,
+                           const CXmlElement* element, const CElementInfo* behind = nullptr);
 // Passes over elements that no record behind `behind`, nor that record itself, could take.
-void PassOverUnexpected(const CSerializationContext& context, const CXmlGeneratedClass& object, CXmlElement* parent,
-                        CXmlElement** cursor, const CElementInfo* behind = nullptr);
+[[gnu::cold]] void PassOverUnexpected(const CSerializationContext& context, const CXmlGeneratedClass& object,
+                                      CXmlElement* parent, CXmlElement** cursor, const CElementInfo* behind = nullptr);
 
 // The member as the object holds it; null when it holds none.
 CSmartPtr<CXmlObjectBase> GetChild(const CElementInfo& info, const CXmlGeneratedClass* object);
@@ -87,12 +88,20 @@ CSmartPtr<CXmlCollectionBase> GetCollection(const CElementInfo& info, const CXml
 CSmartPtr<CXmlObjectBase> GetOrCreateChild(const CElementInfoCls& info, const MemberRead& read,
                                            const CXmlElement& element);
 // Stores the child (may be null); `element` is named when the setter refuses.
-void StoreChild(const CElementInfo& info, const MemberRead& read, CXmlObjectBase* child, const CXmlElement& element);
+inline void StoreChild(const CElementInfo& info, const MemberRead& read, CXmlObjectBase* child,
+                       const CXmlElement& element) {
+  info.InvokeObjectSet(read.object, child, element);
+}
 // Takes the child out again; a property that is null already is left alone, so that its setter is not called.
 void StoreNull(const CElementInfo& info, const MemberRead& read, const CXmlElement& element);
 
 // Lets the child read the element under the cursor and moves the cursor to the next sibling.
-void ReadOwnElement(CElementInfo& info, const MemberRead& read, CXmlObjectBase* child, bool isOptionalChoice = false);
+inline void ReadOwnElement(CElementInfo& info, const MemberRead& read, CXmlObjectBase* child,
+                           bool isOptionalChoice = false) {
+  CXmlElement* const element = read.At();
+  info.FromXml_Int(child, element, element->GetFirstElement(), read.context, isOptionalChoice);
+  *read.cursor = element->GetNextSiblingElement();
+}
 // Lets the object or collection read from the cursor's place among the children of the parent; whether it consumed
 // anything. The cursor moves over what was consumed.
 // `keeps`: what went wrong counts even if nothing was consumed.

@@ -180,8 +180,18 @@ struct NamedType {
 NamedType FindNamedType(const SchemaModel* schema, const CXmlElement& element);
 
 // A new object of the class; for the element, if there is one, whose name someone may hold already.
-CSmartPtr<CModelObject> NewModelObject(const ClassModel& model, const ElementModel* declaration,
-                                       const CSharedName* heldName = nullptr);
+inline CSmartPtr<CModelObject> NewModelObject(const ClassModel& model, const ElementModel* declaration,
+                                              const CSharedName* heldName = nullptr) {
+  if (model.create == nullptr) return nullptr;
+  CSmartPtr<CModelObject> object(model.create(model));
+  if (declaration == nullptr)
+    object->SetUndeclared();
+  else if (heldName != nullptr)
+    object->SetDeclaration(*declaration, *heldName);
+  else
+    object->SetDeclaration(*declaration);
+  return object;
+}
 // The object for an element of the declaration, as xsi:type says; null when the type does not fit.
 CSmartPtr<CModelObject> NewElement(const SchemaModel* schema, const ElementModel& declaration,
                                    const CXmlElement& element);

@@ -2,8 +2,10 @@
 #define RKXMLLIB16_OBJECT_INTERNAL_OBJECTMEMORY_H
 
 #include <cstddef>
+#include <new>
 
 #include "RkXmlLib16/base/ReferenceCount.h"
+#include "RkXmlLib16/base/internal/Sanitizer.h"
 #include "RkXmlLib16/object/internal/ObjectBlocks.h"
 
 namespace RkXmlLib16 {
@@ -25,7 +27,12 @@ class CObjectMemory {
   }
 
   // Throws std::bad_alloc.
-  static void* Allocate(std::size_t size);
+  static void* Allocate(std::size_t size) {
+    CObjectMemory* const current = t_current;
+    const bool usesBlock = !kIsSanitized && current != nullptr && size <= kLargest && current->m_count == kAlone;
+    if (!usesBlock) return AllocateAlone(current, size);
+    return current->m_used + size <= kBlock ? current->Take(size) : current->TakeFromNewBlock(size);
+  }
   static void Free(void* object) noexcept;
 
  private:
@@ -45,10 +52,18 @@ class CObjectMemory {
   static constexpr std::size_t kLargest = kBlock / 16;
   static constexpr int kAlone = 8;  // objects before the first block
 
-  static void* Place(unsigned char* memory, Block* block) noexcept;
+  static void* Place(unsigned char* memory, Block* block) noexcept {
+    ::new (memory - sizeof(Head)) Head{block};
+    return memory;
+  }
   static void Release(Block* block) noexcept;
-  void* Take(std::size_t size);
-  [[gnu::noinline]] void* TakeFromNewBlock(std::size_t size);
+  void* Take(std::size_t size) {
+    m_block->users.Increment();
+    unsigned char* const memory = reinterpret_cast<unsigned char*>(m_block) + m_used;
+    m_used += (size + sizeof(Head) + kAlignment - 1) / kAlignment * kAlignment;
+    return Place(memory, m_block);
+  }
+  [[gnu::cold, gnu::noinline]] void* TakeFromNewBlock(std::size_t size);
   [[gnu::noinline]] static void* AllocateAlone(CObjectMemory* current, std::size_t size);
   void LeaveBlock() noexcept {
     if (m_block != nullptr) Release(m_block);
