@@ -13,7 +13,7 @@ namespace RkXmlLib16 {
 // Numbers never follow the host's locale. The format is always a literal of the program, never text of a document.
 //
 //   FormatString(L"Invalid Element [%ls] found.", name.c_str());
-RKXML_EXPORT std::wstring FormatString(const wchar_t* format, ...);
+[[gnu::cold]] RKXML_EXPORT std::wstring FormatString(const wchar_t* format, ...);
 RKXML_EXPORT std::wstring FormatV(const wchar_t* format, va_list args);
 
 // The decimal value, left-padded with zeros to `digits` characters: PadZero(7, 3) is "007".

@@ -6,6 +6,8 @@
 #include <atomic>
 #include <cstdint>
 
+#include "RkXmlLib16/base/Likely.h"
+
 namespace RkXmlLib16 {
 
 // A count that threads may change at the same time. An interlocked addition costs about as much as reading a short
@@ -21,7 +23,7 @@ class CReferenceCount {
 
  private:
   std::int64_t Add(std::int64_t change, std::memory_order order) noexcept {
-    if (!__libc_single_threaded) return m_count.fetch_add(change, order) + change;
+    if (RKXML_UNLIKELY(__libc_single_threaded == 0)) return m_count.fetch_add(change, order) + change;
     const std::int64_t count = Get() + change;
     m_count.store(count, std::memory_order_relaxed);
     return count;

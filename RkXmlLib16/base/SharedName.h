@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "RkXmlLib16/base/Export.h"
+#include "RkXmlLib16/base/Likely.h"
 #include "RkXmlLib16/base/ReferenceCount.h"
 
 namespace RkXmlLib16 {
@@ -17,7 +18,7 @@ class RKXML_EXPORT CSharedName {
   CSharedName() noexcept = default;
   explicit CSharedName(std::wstring_view name) { Set(name); }
   CSharedName(const CSharedName& other) noexcept : m_shared(other.m_shared) {
-    if (m_shared != &kEmpty) m_shared->references.Increment();
+    if (RKXML_LIKELY(m_shared != &kEmpty)) m_shared->references.Increment();
   }
   CSharedName(CSharedName&& other) noexcept : m_shared(std::exchange(other.m_shared, &kEmpty)) {}
   CSharedName& operator=(CSharedName other) noexcept {
@@ -25,13 +26,13 @@ class RKXML_EXPORT CSharedName {
     return *this;
   }
   ~CSharedName() {
-    if (m_shared != &kEmpty && m_shared->references.Decrement() == 0) delete m_shared;
+    if (RKXML_LIKELY(m_shared != &kEmpty) && RKXML_UNLIKELY(m_shared->references.Decrement() == 0)) delete m_shared;
   }
 
   // Holds until the name is set again.
   const std::wstring& Get() const noexcept { return m_shared->text; }
   void Set(std::wstring_view name) {
-    if (name.data() != Get().data() || name.size() != Get().size()) SetOther(name);
+    if (RKXML_UNLIKELY(name.data() != Get().data() || name.size() != Get().size())) SetOther(name);
   }
   // Null is the empty name.
   void Set(const wchar_t* name) { Set(name != nullptr ? std::wstring_view(name) : std::wstring_view()); }

@@ -8,6 +8,7 @@
 
 #include "RkXmlLib16/base/Enumerations.h"
 #include "RkXmlLib16/base/Export.h"
+#include "RkXmlLib16/base/Likely.h"
 #include "RkXmlLib16/base/NameToken.h"
 #include "RkXmlLib16/base/SmartPtr.h"
 #include "RkXmlLib16/document/ElementTree.h"
@@ -202,7 +203,7 @@ class RKXML_EXPORT CElementInfo {
   enum Facts : std::uint8_t { kUnknown = 0, kKnown = 1, kSkipper = 2, kPlainValue = 4, kWithAttributes = 8 };
   bool Is(Facts fact) const {
     const std::uint8_t facts = m_facts.load(std::memory_order_relaxed);
-    return ((facts != kUnknown ? facts : FindFacts()) & fact) != 0;
+    return ((RKXML_LIKELY(facts != kUnknown) ? facts : FindFacts()) & fact) != 0;
   }
   [[gnu::cold, gnu::noinline]] std::uint8_t FindFacts() const;
   bool CompareName(const CSerializationContext& context, const CXmlElement& element) const;

@@ -63,7 +63,7 @@ bool ReadMandatory(Value& info, const MemberRead& read) {
 }
 
 // Passes over the members of a group whose absence was told, as some of them are missing.
-void PassOverRestOf(const CXmlObjectBase& group, const CElementInfo& info, const MemberRead& read) {
+[[gnu::cold]] void PassOverRestOf(const CXmlObjectBase& group, const CElementInfo& info, const MemberRead& read) {
   const auto* const members = dynamic_cast<const CXmlGeneratedClass*>(&group);
   if (members == nullptr || read.context.GetIgnoreUnknownElements()) return;
   while (read.At() != nullptr && IsTaken(read.context, *members, read.At()) &&

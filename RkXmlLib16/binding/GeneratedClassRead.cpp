@@ -34,6 +34,7 @@
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/base/Likely.h"
 #include "RkXmlLib16/base/internal/StackEnd.h"
 #include "RkXmlLib16/base/internal/WideText.h"
 #include "RkXmlLib16/binding/AttributeInfo.h"
@@ -75,9 +76,11 @@ namespace {
 // Whether the record at each place of an array was satisfied. Allocates only for classes of more than 64 records.
 class SeenFlags {
  public:
-  bool operator[](std::size_t index) const { return index < 64 ? (m_first >> index & 1) != 0 : Rest(index); }
+  bool operator[](std::size_t index) const {
+    return RKXML_LIKELY(index < 64) ? (m_first >> index & 1) != 0 : Rest(index);
+  }
   void Set(std::size_t index) {
-    if (index < 64) {
+    if (RKXML_LIKELY(index < 64)) {
       m_first |= std::uint64_t{1} << index;
     } else {
       if (m_rest == nullptr) m_rest = std::make_unique<std::vector<bool>>();
@@ -102,7 +105,7 @@ class ObjectLevel {
   ObjectLevel(ReadSession& session, const CSerializationContext& context, const CXmlElement& element)
       : m_session(session) {
     const unsigned long limit = context.GetLimits().GetMaxObjectDepth();
-    if (session.depth >= limit && limit != 0) ThrowTooDeep(limit, element);
+    if (RKXML_UNLIKELY(session.depth >= limit) && limit != 0) ThrowTooDeep(limit, element);
     if (CStackEnd::IsNear()) ThrowTooDeep(session.depth, element);
     ++session.depth;
   }
@@ -111,7 +114,7 @@ class ObjectLevel {
   ~ObjectLevel() { --m_session.depth; }
 
  private:
-  [[noreturn, gnu::noinline]] static void ThrowTooDeep(unsigned long limit, const CXmlElement& element) {
+  [[noreturn, gnu::cold, gnu::noinline]] static void ThrowTooDeep(unsigned long limit, const CXmlElement& element) {
     CReadLimits::ThrowExceeded(L"object depth", limit, element.GetXPath());
   }
 
@@ -126,7 +129,7 @@ class ObjectLevel {
 }
 
 // Apart, so that the objects inside each other do not all have the space for it on the stack.
-[[noreturn, gnu::noinline]] void ThrowWithPath(CRkException& e, const CXmlElement* element) {
+[[noreturn, gnu::cold, gnu::noinline]] void ThrowWithPath(CRkException& e, const CXmlElement* element) {
   if (typeid(e) == typeid(CRkException) && !e.GetPath().empty()) throw;
   if (!e.GetPath().empty()) throw CRkException(e);
   throw CRkValidationException(L"Failed to process the element.",
@@ -137,7 +140,7 @@ class ObjectLevel {
 template <class Info>
 Info** OrEmpty(Info** infos) {
   static Info* empty[] = {nullptr};
-  return infos == nullptr ? empty : infos;
+  return RKXML_UNLIKELY(infos == nullptr) ? empty : infos;
 }
 
 // Whether the last record of a sequence may be offered elements that are left: not when it would fail because its
@@ -240,18 +243,21 @@ bool AskPastUnknown(CElementInfo& info, const MemberRead& read) {
   const XmlElementType elementType = info.GetElementType();
   if (elementType == XmlElementType_Element) {
     // Most objects have the name from their record, which is seen here without a call.
-    if (!WideText::IsEqual(m_elementName.Get(), element->GetLocalName())) m_elementName.Set(element->GetLocalName());
-    if (auto* const nillable = IsNil(info) ? dynamic_cast<INillable*>(this) : nullptr) nillable->SetNil(false);
+    if (RKXML_UNLIKELY(!WideText::IsEqual(m_elementName.Get(), element->GetLocalName())))
+      m_elementName.Set(element->GetLocalName());
+    if (auto* const nillable = RKXML_UNLIKELY(IsNil(info)) ? dynamic_cast<INillable*>(this) : nullptr)
+      nillable->SetNil(false);
   }
   CAttributeInfo** const attributes = OrEmpty(GetClassAttributeInfo());
   if (attributes[0] != nullptr || !element->GetAttributes().empty())
     ProcessAttributesFromXml(context, element, info, attributes);
-  if (IsNil(info)) return firstChild;
+  if (RKXML_UNLIKELY(IsNil(info))) return firstChild;
 
-  CXmlElement* const unread = elementType == XmlElementType_Element && context.GetIgnoreUnknownElements()
-                                  ? ReadContentPastUnknown(element, firstChild, context, info, isOptionalChoice)
-                                  : ReadContent(element, firstChild, context, info, isOptionalChoice);
-  if (context.GetErrorHandler() != nullptr && elementType == XmlElementType_Element)
+  CXmlElement* const unread =
+      RKXML_UNLIKELY(context.GetIgnoreUnknownElements()) && elementType == XmlElementType_Element
+          ? ReadContentPastUnknown(element, firstChild, context, info, isOptionalChoice)
+          : ReadContent(element, firstChild, context, info, isOptionalChoice);
+  if (RKXML_UNLIKELY(context.GetErrorHandler() != nullptr) && elementType == XmlElementType_Element)
     TellLeftOut(*element, context, info);
   return unread;
 }
@@ -259,7 +265,7 @@ bool AskPastUnknown(CElementInfo& info, const MemberRead& read) {
 CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* element, CXmlElement* firstChild,
                                              const CSerializationContext& context, bool isOptionalChoice) {
   ReadSession* const session = ReadSession::Current();
-  if (session == nullptr) return ReadOutermost(*this, element, firstChild, context, isOptionalChoice);
+  if (RKXML_UNLIKELY(session == nullptr)) return ReadOutermost(*this, element, firstChild, context, isOptionalChoice);
   try {
     if (element == nullptr) throw CRkException(L"The document has no root element.");
     const ObjectLevel level(*session, context, *element);
@@ -337,9 +343,9 @@ void CXmlGeneratedClass::ReadNil(const CXmlAttribute* attribute) {
 // where there is more than a text, or it cannot be set.
 inline bool CXmlGeneratedClass::ReadAttribute(CAttributeInfo& info, const CSerializationContext& context,
                                               CXmlAttribute* attribute) {
-  if (info.IsModelText()) {
+  if (RKXML_LIKELY(info.IsModelText())) {
     if (!attribute->GetNameRef()->Is(info.GetName())) return false;
-    if (static_cast<CModelObject*>(this)->TrySetFrom(info.GetPropertyIndex(), *attribute)) return true;
+    if (RKXML_LIKELY(static_cast<CModelObject*>(this)->TrySetFrom(info.GetPropertyIndex(), *attribute))) return true;
   }
   return info.AttributeFromXml(context, this, attribute);
 }
@@ -349,7 +355,7 @@ inline bool CXmlGeneratedClass::ReadMember(CElementInfo& info, const CSerializat
   CXmlElement* const element = *cursor;
   const bool mayBeText = info.IsModelText() && info.IsThisElement(context, element) &&
                          element->GetAttributes().empty() && element->GetFirstElement() == nullptr;
-  if (!mayBeText || !static_cast<CModelObject*>(this)->TrySetFrom(info.GetPropertyIndex(), *element))
+  if (!mayBeText || RKXML_UNLIKELY(!static_cast<CModelObject*>(this)->TrySetFrom(info.GetPropertyIndex(), *element)))
     return info.ElementFromXml(context, this, parent, cursor, GetNamespace(), elementType);
   CErrorSession::NoteRead(context, element);
   *cursor = element->GetNextSiblingElement();
@@ -365,27 +371,27 @@ void CXmlGeneratedClass::ProcessAttributesFromXml(const CSerializationContext& c
   if (infos[0] == nullptr && !hasUse) return;
   SeenFlags seen;
   for (CXmlAttribute* attribute : element->GetAttributes()) {
-    if (attribute->IsNamespaceAttribute()) continue;
+    if (RKXML_UNLIKELY(attribute->IsNamespaceAttribute())) continue;
     std::size_t i = 0;
     try {
-      if (attribute->IsNilAttribute()) {
+      if (RKXML_UNLIKELY(attribute->IsNilAttribute())) {
         if (ownElement) ReadNil(attribute);  // on the element of an inline group it is the owner's
         continue;
       }
       while (infos[i] != nullptr && !ReadAttribute(*infos[i], context, attribute)) ++i;
-      if (infos[i] == nullptr && strictAttributes && !context.GetIgnoreUnknownAttributes())
+      if (RKXML_UNLIKELY(infos[i] == nullptr) && strictAttributes && !context.GetIgnoreUnknownAttributes())
         throw CRkValidationException(L"Unexpected Attribute found.", attribute->GetXPath());
     } catch (CRkException& e) {
       RefuseCaught(context, e, *attribute);
       if (infos[i] == nullptr) continue;  // told already
     }
-    if (infos[i] != nullptr)
+    if (RKXML_LIKELY(infos[i] != nullptr))
       seen.Set(i);
     else if (ownElement)
       TellDropped(context, RkDropped_Attribute, *attribute);
   }
   for (std::size_t i = 0; infos[i] != nullptr; ++i) {
-    if (infos[i]->IsModelText() && (infos[i]->IsOptional() || seen[i])) continue;
+    if (RKXML_LIKELY(infos[i]->IsModelText() && (infos[i]->IsOptional() || seen[i]))) continue;
     try {
       infos[i]->Validate(context, seen[i]);
     } catch (CRkException& e) {
@@ -400,8 +406,9 @@ CXmlElement* CXmlGeneratedClass::ProcessElementSeqFromXml(const CSerializationCo
   CXmlElement* current = first;
   // False when the sequence cannot go on.
   const auto ask = [&](CElementInfo* info) {
-    return ignoreUnknown ? AskPastUnknown(*info, {context, this, parent, &current, GetNamespace(), elementType})
-                         : ReadMember(*info, context, parent, &current, elementType);
+    return RKXML_UNLIKELY(ignoreUnknown)
+               ? AskPastUnknown(*info, {context, this, parent, &current, GetNamespace(), elementType})
+               : ReadMember(*info, context, parent, &current, elementType);
   };
 
   const bool ownElement = elementType == XmlElementType_Element;
@@ -412,16 +419,16 @@ CXmlElement* CXmlGeneratedClass::ProcessElementSeqFromXml(const CSerializationCo
   RkXmlLib16Data::SkippedRuns& runs = ReadSession::Current()->skippedRuns;
   const bool passesRuns = !goesOn && runs.HoldFor(*parent, context);
   for (; *info != nullptr; ++info) {
-    if (goesOn && current != taken) {
+    if (RKXML_UNLIKELY(goesOn) && current != taken) {
       PassOverUnexpected(context, *this, parent, &current);
       taken = current;
     }
     if ((*info)->IsSkipped(context, current)) {
-      if (!passesRuns) continue;
+      if (RKXML_UNLIKELY(!passesRuns)) continue;
       info = runs.Pass(info, current);
       if (*info == nullptr) break;
     }
-    if (!ask(*info)) return first;
+    if (RKXML_UNLIKELY(!ask(*info))) return first;
   }
   CElementInfo* const last = info != infos ? info[-1] : nullptr;
   if (!ownElement) return current;
@@ -446,7 +453,7 @@ CXmlElement* CXmlGeneratedClass::ProcessElementChoiceFromXml(const CSerializatio
   const auto isMemberRead = [&] {
     for (CElementInfo** info = infos; *info != nullptr; ++info) {
       if (!ReadMember(**info, context, parent, &current, elementType)) continue;
-      if (ignoreUnknown) ++ReadSession::Current()->takenCount;
+      if (RKXML_UNLIKELY(ignoreUnknown)) ++ReadSession::Current()->takenCount;
       return true;
     }
     return false;
@@ -454,7 +461,7 @@ CXmlElement* CXmlGeneratedClass::ProcessElementChoiceFromXml(const CSerializatio
 
   const bool goesOn = ownElement && !ignoreUnknown && context.GetErrorHandler() != nullptr;
   bool chosen = isMemberRead();
-  while (!chosen && current != nullptr && ownElement && (ignoreUnknown || goesOn)) {
+  while (RKXML_UNLIKELY(!chosen) && current != nullptr && ownElement && (ignoreUnknown || goesOn)) {
     if (goesOn) {
       // Of a choice that nobody answers that is the error, not what stands there instead.
       const CXmlElement* next = current;
@@ -465,7 +472,7 @@ CXmlElement* CXmlGeneratedClass::ProcessElementChoiceFromXml(const CSerializatio
     current = current->GetNextSiblingElement();
     chosen = isMemberRead();
   }
-  if (!chosen && !isOptionalChoice) {
+  if (RKXML_UNLIKELY(!chosen) && !isOptionalChoice) {
     if (elementType == XmlElementType_InlineGroup) return ignoreUnknown ? first : current;
     if (!ownElement) return current;
     if (!DoesElementContainOptionalElements() && !context.GetIgnoreMissingChoice()) {

@@ -36,7 +36,7 @@ bool HasSimpleContent(const CParentElementInfo& info) {
 }
 
 // These two stand apart, so that the objects inside each other do not all have the space for them on the stack.
-[[noreturn, gnu::noinline]] void ThrowNotWritten(const CXmlGeneratedClass& object, CRkException& e) {
+[[noreturn, gnu::cold, gnu::noinline]] void ThrowNotWritten(const CXmlGeneratedClass& object, CRkException& e) {
   throw CRkValidationException(
       FormatString(L"Failed to convert the element [%ls] to XML", object.GetElementNameRef().c_str()), std::wstring(),
       std::move(e));
@@ -47,7 +47,7 @@ bool HasSimpleContent(const CParentElementInfo& info) {
 }
 
 // Puts the element before the path of an error of writing, which ends with the member that was refused.
-[[gnu::noinline]] void AddToPath(CRkException& error, const std::wstring& name) {
+[[gnu::cold, gnu::noinline]] void AddToPath(CRkException& error, const std::wstring& name) {
   std::wstring path = error.GetLocation().GetPath();
   if (path.empty() && error.GetRefusedValue() != nullptr) path = L'/' + error.GetRefusedValue()->name;
   error.SetLocation(CRkLocation(L'/' + name + path));

@@ -4,6 +4,7 @@
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/base/Likely.h"
 #include "RkXmlLib16/binding/internal/ModelClass.h"
 #include "RkXmlLib16/facets/FacetChecks.h"
 #include "RkXmlLib16/object/Variant.h"
@@ -107,14 +108,14 @@ struct ValueMember {
       else
         AssignByRule(value, text, rule);
     } else if constexpr (kItem == ItemType_decimal || kItem == ItemType_dateTime) {
-      if (!value.ParsePlain(text)) ReadUnusual<kItem>(value, text, rule);
+      if (RKXML_UNLIKELY(!value.ParsePlain(text))) ReadUnusual<kItem>(value, text, rule);
     } else {
       value = CConversions::FromText<kItem>(text, rule);
     }
   }
   static bool Read(void* at, const ModelProperty& property, std::wstring_view text) {
     if constexpr (std::is_same_v<T, CDecimal>) {
-      if (!ShortDecimal::Parse(Place::Make(at), text)) return ReadAny(at, property, text);
+      if (RKXML_UNLIKELY(!ShortDecimal::Parse(Place::Make(at), text))) return ReadAny(at, property, text);
       if (property.mayRefuse) CheckAs<ItemType_decimal>(at, property, property.name);
       return true;
     } else {

@@ -9,6 +9,7 @@
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/base/Likely.h"
 #include "RkXmlLib16/base/internal/CodePoints.h"
 #include "RkXmlLib16/facets/RegEx.h"
 #include "RkXmlLib16/io/Encoder.h"
@@ -256,7 +257,7 @@ template <ItemType kItem>
 void Check(const wchar_t* name, const XsdValue<kItem>& value, const CPrimitiveRestrictions& facets) {
   if (facets.IsEmpty()) return;
   const bool countsDigits = facets.GetTotalDigits() >= 0 || facets.GetFractionDigits() >= 0;
-  if (countsDigits || !SurelyMeetsBounds<kItem>(value, facets)) CheckAll<kItem>(name, value, facets);
+  if (RKXML_UNLIKELY(countsDigits || !SurelyMeetsBounds<kItem>(value, facets))) CheckAll<kItem>(name, value, facets);
 }
 
 struct Pattern : CPrimitiveRestrictions::Derived {

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/Likely.h"
 #include "RkXmlLib16/base/internal/Ascii.h"
 #include "RkXmlLib16/base/internal/CodePoints.h"
 #include "RkXmlLib16/context/ReadLimits.h"
@@ -86,7 +87,7 @@ void AppendEntry(Table& table, Entry entry) {
 // What nearly every octet goes through, inline.
 
 inline const unsigned char* CFastInfosetReader::Move(std::size_t n) {
-  if (n > GetRemaining()) GetMore(n);
+  if (RKXML_UNLIKELY(n > GetRemaining())) GetMore(n);
   const unsigned char* const at = m_at;
   m_at += n;
   return at;
@@ -137,7 +138,7 @@ inline const CXmlExpandedName& CFastInfosetReader::QualifiedNameOrIndexBit3(unsi
 }
 
 inline void CFastInfosetReader::AddShared(const Value& value, Values& table) {
-  if (table.size() >= FI_MAX_TABLE_ENTRIES) return;
+  if (RKXML_UNLIKELY(table.size() >= FI_MAX_TABLE_ENTRIES)) return;
   CTreeBuilder::Share(*value.block);
   table.push_back(value);
 }
@@ -185,7 +186,7 @@ void CFastInfosetReader::AtrributeBit2(CXmlElement* element, unsigned char octet
 
 inline void CFastInfosetReader::RequireDifferentNames(const CXmlElement& element) {
   const CXmlAttributes& attributes = element.GetAttributes();
-  if (attributes.size() > 2 || (attributes.size() == 2 && HasSameName(*attributes[0], *attributes[1])))
+  if (RKXML_UNLIKELY(attributes.size() > 2) || (attributes.size() == 2 && HasSameName(*attributes[0], *attributes[1])))
     CompareNames(attributes);
 }
 
@@ -456,7 +457,7 @@ void CFastInfosetReader::ReadItem(unsigned char octet) {
 // Nothing for a number that is not in the table.
 template <class Entry>
 [[gnu::always_inline]] inline Entry CFastInfosetReader::FindEntry(const std::vector<Entry>& table, std::size_t number) {
-  return number < table.size() ? table[number] : Entry{};
+  return RKXML_LIKELY(number < table.size()) ? table[number] : Entry{};
 }
 
 // The number of an entry, in up to three octets.
@@ -488,12 +489,12 @@ template <unsigned char kLengthBits, unsigned char... Refused>
   constexpr unsigned char kLong = (kLengthBits + 1) / 2;
   constexpr std::size_t kFirstLong = kLong + 1;
   const unsigned char bits = *at & kLengthBits;
-  if (bits > kLong || m_end - at < 2) return {};
+  if (RKXML_UNLIKELY(bits > kLong || m_end - at < 2)) return {};
   const bool isLong = bits == kLong;
   const unsigned char* const octets = at + (isLong ? 2 : 1);
   const std::size_t length = isLong ? at[1] + kFirstLong : bits + std::size_t{1};
   CXmlTextBlock* const text = tree.MakeText<Refused...>(octets, length, m_end);
-  if (text == nullptr || !tree.CanCount(length)) return {};
+  if (RKXML_UNLIKELY(text == nullptr || !tree.CanCount(length))) return {};
   at = octets + length;
   return {text, static_cast<std::uint32_t>(length), /*mayHaveReturns=*/false};
 }
@@ -502,13 +503,13 @@ template <unsigned char kLengthBits, unsigned char... Refused>
 [[gnu::always_inline]] inline CXmlElement* CFastInfosetReader::TryStart(CTreeBuilder& tree, CXmlElement* parent,
                                                                         const unsigned char*& at) {
   const unsigned char index = *at & FastInfoset::kIndexBit3.field;
-  if (index >= FastInfoset::kIndexBit3.forms[1].pattern) return nullptr;
+  if (RKXML_UNLIKELY(index >= FastInfoset::kIndexBit3.forms[1].pattern)) return nullptr;
   const CXmlExpandedName* const name = FindEntry(m_elementNames, index);
-  if (name == nullptr) return nullptr;
+  if (RKXML_UNLIKELY(name == nullptr)) return nullptr;
   const unsigned long expanded = m_expanded + name->GetLocalName()->View().size();
-  if (expanded > m_expansionLimit) return nullptr;
+  if (RKXML_UNLIKELY(expanded > m_expansionLimit)) return nullptr;
   CXmlElement* const element = tree.TryAddChild(parent, name, OffsetOf(at));
-  if (element == nullptr) return nullptr;
+  if (RKXML_UNLIKELY(element == nullptr)) return nullptr;
   m_expanded = expanded;
   ++at;
   return element;
@@ -517,24 +518,24 @@ template <unsigned char kLengthBits, unsigned char... Refused>
 [[gnu::always_inline]] inline bool CFastInfosetReader::TryAttribute(CTreeBuilder& tree, CXmlElement* element,
                                                                     const unsigned char*& at) {
   const unsigned char* next = at + 1;
-  if (*at >= FastInfoset::kIndexBit2.forms[1].pattern || next == m_end) return false;
+  if (RKXML_UNLIKELY(*at >= FastInfoset::kIndexBit2.forms[1].pattern || next == m_end)) return false;
   const CXmlExpandedName* const name = FindEntry(m_attributeNames, *at);
-  if (name == nullptr) return false;
+  if (RKXML_UNLIKELY(name == nullptr)) return false;
   unsigned long expanded = m_expanded + name->GetLocalName()->View().size();
   const unsigned char octet = *next;
   Value value{};
   if ((octet & FastInfoset::kValueIndexBit) == 0) {
     value = (octet & 0x30) == 0 ? TryLiteral<0x0F>(tree, next) : Value{};
-    if (value.block == nullptr) return false;
+    if (RKXML_UNLIKELY(value.block == nullptr)) return false;
   } else {
     std::size_t number = 0;
     value = TryIndex<FastInfoset::kIndexBit2>(next, number) ? FindEntry(m_attributeValues, number) : Value{};
-    if (value.block == nullptr || !tree.CanCount(value.length)) return false;
+    if (RKXML_UNLIKELY(value.block == nullptr || !tree.CanCount(value.length))) return false;
     expanded += value.length;
   }
-  if (expanded > m_expansionLimit) return false;
+  if (RKXML_UNLIKELY(expanded > m_expansionLimit)) return false;
   CXmlAttribute* const attribute = tree.TryAddAttribute(element, name, value.block);
-  if (attribute == nullptr) return false;
+  if (RKXML_UNLIKELY(attribute == nullptr)) return false;
   CXmlDocument::SetOffset(attribute, OffsetOf(at));
   if ((octet & (FastInfoset::kValueIndexBit | FastInfoset::kValueAddBit)) == FastInfoset::kValueAddBit)
     AddShared(value, m_attributeValues);
@@ -547,20 +548,20 @@ template <unsigned char kLengthBits, unsigned char... Refused>
 [[gnu::always_inline]] inline bool CFastInfosetReader::TryText(CTreeBuilder& tree, CXmlElement* element,
                                                                const unsigned char*& at) {
   const unsigned char octet = *at;
-  if (CTreeBuilder::HasText(*element)) return false;
+  if (RKXML_UNLIKELY(CTreeBuilder::HasText(*element))) return false;
   Value text{};
   if ((octet & FastInfoset::kChunkIndexBit) == 0) {
     text = (octet & 0x0C) == 0 ? TryLiteral<0x03, '\r'>(tree, at) : Value{};
-    if (text.block == nullptr) return false;
+    if (RKXML_UNLIKELY(text.block == nullptr)) return false;
     if ((octet & FastInfoset::kChunkAddBit) != 0) AddShared(text, m_chunks);
   } else {
     const unsigned char* next = at;
     std::size_t number = 0;
-    if (!TryIndex<FastInfoset::kIndexBit4>(next, number)) return false;
+    if (RKXML_UNLIKELY(!TryIndex<FastInfoset::kIndexBit4>(next, number))) return false;
     text = FindEntry(m_chunks, number);
-    if (text.block == nullptr || text.mayHaveReturns) return false;
+    if (RKXML_UNLIKELY(text.block == nullptr || text.mayHaveReturns)) return false;
     const unsigned long expanded = m_expanded + text.length;
-    if (expanded > m_expansionLimit || !tree.CanCount(text.length)) return false;
+    if (RKXML_UNLIKELY(expanded > m_expansionLimit || !tree.CanCount(text.length))) return false;
     m_expanded = expanded;
     at = next;
   }
@@ -580,14 +581,15 @@ void CFastInfosetReader::ReadUsual() {
     at = m_at;
   };
   while (element != nullptr) {
-    const unsigned char octet = at != m_end ? *at : FastInfoset::kComment;
+    const unsigned char octet = RKXML_LIKELY(at != m_end) ? *at : FastInfoset::kComment;
     CXmlElement* const parent = element->GetParentElement();
     if (octet < 0x80) {
-      if (CXmlElement* const child = TryStart(tree, element, at)) {
+      CXmlElement* const child = TryStart(tree, element, at);
+      if (RKXML_LIKELY(child != nullptr)) {
         element = child;
         if ((octet & FastInfoset::kAttributesBit) == 0) continue;
         while (at != m_end && *at < 0x80)
-          if (!TryAttribute(tree, element, at)) leave([&] { AtrributeBit2(element, Next()); });
+          if (RKXML_UNLIKELY(!TryAttribute(tree, element, at))) leave([&] { AtrributeBit2(element, Next()); });
         leave([&] {
           const unsigned char end = Next();
           RequireDifferentNames(*element);
@@ -598,7 +600,7 @@ void CFastInfosetReader::ReadUsual() {
         continue;
       }
     } else if (octet < 0xC0) {
-      if (TryText(tree, element, at)) continue;
+      if (RKXML_LIKELY(TryText(tree, element, at))) continue;
     } else if (octet == FastInfoset::kTerminator && parent != nullptr) {
       tree.EndPlain(*element);
       element = parent;

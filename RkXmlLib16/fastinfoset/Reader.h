@@ -174,7 +174,7 @@ class RKXML_EXPORT CFastInfosetReader {
   // Of the octet read last.
   std::size_t GetLastOffset() const noexcept { return GetOffset() - 1; }
   // So that n octets are left.
-  void GetMore(std::size_t n);
+  [[gnu::cold]] void GetMore(std::size_t n);
   inline unsigned char Next();
   inline const unsigned char* Move(std::size_t n);
 

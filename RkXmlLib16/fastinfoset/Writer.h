@@ -141,7 +141,7 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
   unsigned long& NamespaceNameIndex(const CNamespaceName& name);
   const Binding* FindBinding(std::wstring_view prefix) const;
   void AddToIndex(Binding& binding);
-  void RemoveLastBinding();
+  [[gnu::cold]] void RemoveLastBinding();
   void Declare(const std::wstring& prefix, const CNamespaceName& name);
   void ChangeScope();
   void LeaveScope();
@@ -179,7 +179,7 @@ class RKXML_EXPORT CFastInfosetWriter : public CXmlWriter {
 
   // Space for `count` octets behind those that are written; the caller moves m_end over what it fills.
   unsigned char* Reserve(std::size_t count);
-  void Grow(std::size_t count);
+  [[gnu::cold]] void Grow(std::size_t count);
   void Put(unsigned char octet);
   void Put(const unsigned char* octets, std::size_t count);
   std::size_t GetLength() const;

@@ -77,8 +77,8 @@ class RKXML_EXPORT CStringBuffer {
   }
 
   static Block MakeBlock(unsigned long capacity);
-  void AddNewBlock(unsigned long capacity);
-  void AppendInPieces(std::wstring_view text);
+  [[gnu::cold]] void AddNewBlock(unsigned long capacity);
+  [[gnu::cold]] void AppendInPieces(std::wstring_view text);
   void SetCurrent(unsigned long before, unsigned long used);
 
   std::vector<Block> m_blocks;

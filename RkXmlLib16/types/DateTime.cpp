@@ -8,6 +8,7 @@
 
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Format.h"
+#include "RkXmlLib16/base/Likely.h"
 #include "RkXmlLib16/base/internal/Ascii.h"
 #include "RkXmlLib16/types/internal/Calendar.h"
 #include "RkXmlLib16/types/internal/DateTimeKind.h"
@@ -252,17 +253,17 @@ void CDateTime::ParseXSDDateTime(const wchar_t* text) {
 bool CDateTime::ParsePlain(std::wstring_view text) noexcept {
   constexpr std::size_t kSize = 19;
   const bool isUtc = text.size() == kSize + 1 && text[kSize] == L'Z';
-  if (!isUtc && text.size() != kSize) return false;
+  if (RKXML_UNLIKELY(!isUtc && text.size() != kSize)) return false;
   constexpr char kFrom[16] = {'0', '0', '0', '0', '-', '0', '0', '-', '0', '0', 'T', '0', '0', ':', '0', '0'};
   constexpr unsigned char kMost[16] = {9, 9, 9, 9, 0, 1, 9, 0, 3, 9, 0, 2, 9, 0, 5, 9};
   unsigned char digits[16];
-  if (!Ascii::Distances(text.data(), kFrom, kMost, digits)) return false;
-  if (text[16] != L':' || !IsDigit(text[17]) || text[17] > L'5' || !IsDigit(text[18])) return false;
+  if (RKXML_UNLIKELY(!Ascii::Distances(text.data(), kFrom, kMost, digits))) return false;
+  if (RKXML_UNLIKELY(text[16] != L':' || !IsDigit(text[17]) || text[17] > L'5' || !IsDigit(text[18]))) return false;
   const auto number = [&digits](std::size_t at) { return digits[at] * 10 + digits[at + 1]; };
   const int year = number(0) * 100 + number(2), month = number(5), day = number(8), hour = number(11);
   constexpr int kDaysOfEveryMonth = 28;
-  if (year == 0 || month < 1 || month > 12 || day < 1 || hour > 23 ||
-      (day > kDaysOfEveryMonth && day > Calendar::DaysInMonth(year, month)))
+  if (RKXML_UNLIKELY(year == 0 || month < 1 || month > 12 || day < 1 || hour > 23 ||
+                     (day > kDaysOfEveryMonth && day > Calendar::DaysInMonth(year, month))))
     return false;
   Clear();
   m_type = dt_dateTime;

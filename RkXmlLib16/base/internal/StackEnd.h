@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "RkXmlLib16/base/Likely.h"
+
 namespace RkXmlLib16 {
 
 // How far the stack of this thread has been used up.
@@ -13,9 +15,9 @@ class CStackEnd {
   // recursion is walked by other recursions afterwards. False on a stack that the system does not know, such as that of
   // a coroutine.
   static bool IsNear() noexcept {
-    if (t_range.near == 0) Measure();
+    if (RKXML_UNLIKELY(t_range.near == 0)) Measure();
     const auto here = reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0));
-    return here < t_range.near && here >= t_range.end;
+    return RKXML_UNLIKELY(here < t_range.near) && here >= t_range.end;
   }
 
  private:
@@ -25,7 +27,7 @@ class CStackEnd {
   };
   static constexpr std::size_t kReserve = 64 * 1024;
 
-  static void Measure() noexcept;
+  [[gnu::cold]] static void Measure() noexcept;
 
   static inline thread_local Range t_range{0, 0};
 };

@@ -3,6 +3,8 @@
 
 #include <memory>
 
+#include "RkXmlLib16/base/Likely.h"
+
 namespace RkXmlLib16 {
 
 // The one T of each thread, made by its first use and destroyed when the thread ends. Everything that the library keeps
@@ -13,7 +15,7 @@ class CThreadObject {
   // Null when the thread has ended it already: static objects live longer. Throws std::bad_alloc and what T's
   // constructor throws.
   static T* Get() {
-    if (t_object == nullptr && !t_isGone) Make();
+    if (RKXML_UNLIKELY(t_object == nullptr) && !t_isGone) Make();
     return t_object;
   }
 

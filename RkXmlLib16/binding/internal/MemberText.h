@@ -2,6 +2,7 @@
 #define RKXMLLIB16_BINDING_INTERNAL_MEMBERTEXT_H
 
 #include "RkXmlLib16/base/Exception.h"
+#include "RkXmlLib16/base/Likely.h"
 #include "RkXmlLib16/binding/ModelObject.h"
 #include "RkXmlLib16/binding/internal/ModelClass.h"
 #include "RkXmlLib16/document/internal/NodeText.h"
@@ -13,14 +14,15 @@ namespace RkXmlLib16 {
 template <class Text, bool mayBeEmpty, class Source>
 [[gnu::always_inline]] inline bool CModelObject::TrySetText(int property, const Source& source) {
   const RkXmlLib16Data::ModelProperty& info = m_class.GetProperty(property);
-  if (!info.isPlain || (info.mayRefuse && IsSet(property))) return false;
+  if (RKXML_UNLIKELY(!info.isPlain || (info.mayRefuse && IsSet(property)))) return false;
   const CMember member = FindMember(property);
-  if (!member.Is(MemberType::Kind::Value)) return false;
+  if (RKXML_UNLIKELY(!member.Is(MemberType::Kind::Value))) return false;
   const Text text(source);
-  if (!mayBeEmpty && text.Get().empty()) return false;
+  if (!mayBeEmpty && RKXML_UNLIKELY(text.Get().empty())) return false;
   try {
-    if (!member.Type().read(member.At(), info, text.Get())) return false;
-    if (info.mayRefuse && info.member != nullptr && GetModel().group == XmlElementGroupType_Choice) Select(property);
+    if (RKXML_UNLIKELY(!member.Type().read(member.At(), info, text.Get()))) return false;
+    if (info.mayRefuse && info.member != nullptr && RKXML_UNLIKELY(GetModel().group == XmlElementGroupType_Choice))
+      Select(property);
   } catch (const CRkException&) {
     if (!IsSet(property)) member.Type().reset(member.At());
     return false;

@@ -11,6 +11,7 @@
 #include "RkXmlLib16/base/ErrorHandler.h"
 #include "RkXmlLib16/base/Exception.h"
 #include "RkXmlLib16/base/Export.h"
+#include "RkXmlLib16/base/Likely.h"
 #include "RkXmlLib16/context/SerializationContext.h"
 
 namespace RkXmlLib16 {
@@ -42,35 +43,35 @@ class RKXML_EXPORT CErrorSession {
   static bool IsActive() noexcept;
   // Whether reading goes on after the error; false without a handler.
   static bool Tell(const CSerializationContext& context, const CRkException& error) {
-    return context.GetErrorHandler() != nullptr && TellHandler(error);
+    return RKXML_UNLIKELY(context.GetErrorHandler() != nullptr) && TellHandler(error);
   }
   // Needs a handler.
-  static void TellDropped(const CSerializationContext& context, CRkDropped dropped);
+  [[gnu::cold]] static void TellDropped(const CSerializationContext& context, CRkDropped dropped);
   // Where unknown elements are skipped: that this one was read. TakeRead tells so once.
   static void NoteRead(const CSerializationContext& context, const void* element) {
-    if (context.GetErrorHandler() != nullptr && context.GetIgnoreUnknownElements()) AddRead(element);
+    if (RKXML_UNLIKELY(context.GetErrorHandler() != nullptr) && context.GetIgnoreUnknownElements()) AddRead(element);
   }
-  static bool TakeRead(const void* element);
+  [[gnu::cold]] static bool TakeRead(const void* element);
 
   // An attempt to read a group of members, which the rules may take back; what it told is then not told.
   class RKXML_EXPORT Attempt {
    public:
     explicit Attempt(const CSerializationContext& context)
-        : m_session(context.GetErrorHandler() != nullptr ? Open() : nullptr) {}
+        : m_session(RKXML_UNLIKELY(context.GetErrorHandler() != nullptr) ? Open() : nullptr) {}
     Attempt(const Attempt&) = delete;
     Attempt& operator=(const Attempt&) = delete;
     ~Attempt() {
-      if (m_session != nullptr) Close();
+      if (RKXML_UNLIKELY(m_session != nullptr)) Close();
     }
     // The attempt counts. Throws the error after which the handler does not want to go on.
     void Keep() {
-      if (m_session != nullptr) KeepAll();
+      if (RKXML_UNLIKELY(m_session != nullptr)) KeepAll();
     }
 
    private:
-    static CErrorSession* Open();
-    void Close() noexcept;
-    void KeepAll();
+    [[gnu::cold]] static CErrorSession* Open();
+    [[gnu::cold]] void Close() noexcept;
+    [[gnu::cold]] void KeepAll();
 
     CErrorSession* m_session;
     int m_exceptions = m_session != nullptr ? std::uncaught_exceptions() : 0;
@@ -83,7 +84,7 @@ class RKXML_EXPORT CErrorSession {
   };
 
   static bool TellHandler(const CRkException& error);
-  static void AddRead(const void* element);
+  [[gnu::cold]] static void AddRead(const void* element);
   bool Deliver(const Told& told);
   bool Deliver(const CRkException& error);
   void DeliverPending();

@@ -60,7 +60,7 @@ class CArena {
 
  private:
   static constexpr std::size_t RoundUp(std::size_t size) noexcept { return (size + 7) & ~std::size_t{7}; }
-  void AddChunk(std::size_t atLeast);
+  [[gnu::cold]] void AddChunk(std::size_t atLeast);
 
   using Chunk = CChunk<unsigned char>;
   static std::size_t SizeOf(const Chunk& chunk) noexcept { return chunk.get_deleter().size; }

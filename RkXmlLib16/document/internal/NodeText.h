@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <string_view>
 
+#include "RkXmlLib16/base/Likely.h"
 #include "RkXmlLib16/base/internal/Ascii.h"
 #include "RkXmlLib16/document/ElementTree.h"
 #include "RkXmlLib16/types/Whitespace.h"
@@ -34,7 +35,7 @@ class CNodeText {
     if (!text.IsOfInput()) return text.View();
     const CXmlDocument& document = *element.GetDocument();
     const std::size_t length = text.GetLength();
-    if (length > kFew || text.IsOfGaps()) return document.Widen(element, held);
+    if (RKXML_UNLIKELY(length > kFew || text.IsOfGaps())) return document.Widen(element, held);
     Ascii::WidenSteps(document.m_textInput + text.GetOffset(), length, m_few);
     m_few[length] = L'\0';
     return {m_few, length};

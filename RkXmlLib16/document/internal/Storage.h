@@ -52,7 +52,7 @@ struct RKXML_HIDDEN CXmlDocument::Storage {
   void Open(CXmlElement* previousSibling);    // before an element is made
   void DropCounts(const OpenElement& start);  // of what was added since, but for what lasts
   void CountNode();
-  void CountCharacters(std::size_t charCount);
+  [[gnu::cold]] void CountCharacters(std::size_t charCount);
   void CountLasting(std::size_t charCount);  // the same for what no filter drops
   [[noreturn]] void ThrowExceeded(const wchar_t* name, unsigned long value) const;
   void DropDeclarations(std::size_t count);  // those after the first so many

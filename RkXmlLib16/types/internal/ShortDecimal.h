@@ -9,6 +9,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "RkXmlLib16/base/Likely.h"
 #include "RkXmlLib16/types/Decimal.h"
 
 namespace RkXmlLib16 {
@@ -22,7 +23,7 @@ struct TextBytes {
     // An initializer becomes an instruction that repeats, which takes longer for so few bytes.
     for (unsigned char* at : {bytes, bytes + kMost})
       _mm_store_si128(reinterpret_cast<__m128i*>(at), _mm_setzero_si128());
-    if (length < 4) {
+    if (RKXML_UNLIKELY(length < 4)) {
       for (std::size_t i = 0; i < length; ++i)
         bytes[i] = static_cast<unsigned char>(std::min(static_cast<char32_t>(text[i]), char32_t{0xFF}) - '0');
       return;
@@ -65,14 +66,14 @@ struct ShortDecimal {
     const bool negative = !text.empty() && text[0] == L'-';
     const std::size_t signs = negative || (!text.empty() && text[0] == L'+') ? 1 : 0;
     const std::size_t length = text.size() - signs;
-    if (length > TextBytes::kMost) return false;
+    if (RKXML_UNLIKELY(length > TextBytes::kMost)) return false;
     const TextBytes digits(text.data() + signs, length);
     const unsigned others = digits.FindOthers();
     const std::size_t point = others != 0 ? static_cast<std::size_t>(__builtin_ctz(others)) : length;
     const bool isPlain = others == 0 || ((others & (others - 1)) == 0 && digits.bytes[point] == TextBytes::kPoint);
-    if (!isPlain) return false;
+    if (RKXML_UNLIKELY(!isPlain)) return false;
     const std::size_t fractionLength = others != 0 ? length - point - 1 : 0;
-    if (point > kPackedDigits || fractionLength > kPackedDigits) return false;
+    if (RKXML_UNLIKELY(point > kPackedDigits || fractionLength > kPackedDigits)) return false;
     const std::uint64_t integer = digits.Pack(0, point);
     std::uint64_t fraction = digits.Pack(point + 1, fractionLength);
     std::int32_t divider = 1;
