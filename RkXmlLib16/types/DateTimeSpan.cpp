@@ -1,6 +1,8 @@
 #include "RkXmlLib16/types/DateTimeSpan.h"
 
+#include <algorithm>
 #include <charconv>
+#include <cstddef>
 #include <limits>
 
 #include "RkXmlLib16/base/Exception.h"
@@ -20,12 +22,19 @@ using Ascii::IsDigit;
 // What may still follow in the text of a duration, in the order of its parts.
 enum class Part { Start, Years, Months, Days, Time, Hours, Minutes, Seconds };
 
-template <class Count>
-void AppendPart(std::wstring& out, Count count, wchar_t designator) {
-  if (count == 0) return;
-  char buffer[24];
-  out.append(buffer, std::to_chars(buffer, buffer + sizeof buffer, count).ptr);
-  out += designator;
+constexpr std::size_t kMostDigits = std::numeric_limits<unsigned long long>::digits10 + 1;
+
+// These write to `to` and return the end.
+wchar_t* PutCount(wchar_t* to, unsigned long long count) {
+  char digits[kMostDigits];
+  return std::copy(digits, std::to_chars(digits, digits + kMostDigits, count).ptr, to);
+}
+
+wchar_t* PutPart(wchar_t* to, unsigned long long count, wchar_t designator) {
+  if (count == 0) return to;
+  to = PutCount(to, count);
+  *to++ = designator;
+  return to;
 }
 
 // A duration as the XSD value space sees it.
@@ -239,21 +248,24 @@ void CDateTimeSpan::AppendTo(std::wstring& out) const {
     out += L"PT0S";
     return;
   }
-  out += m_negative ? L"-P" : L"P";
-  AppendPart(out, m_years, L'Y');
-  AppendPart(out, m_months, L'M');
-  AppendPart(out, m_days, L'D');
-  if (!hasTime) return;
-  out += L'T';
-  AppendPart(out, m_hours, L'H');
-  AppendPart(out, m_minutes, L'M');
-  if (fraction.empty()) {
-    AppendPart(out, m_seconds, L'S');
-  } else {
-    out += std::to_wstring(m_seconds);
-    out += fraction;
-    out += L'S';
+  constexpr std::size_t kParts = 6;
+  wchar_t text[3 + kParts * (kMostDigits + 1)];
+  wchar_t* to = text;
+  if (m_negative) *to++ = L'-';
+  *to++ = L'P';
+  to = PutPart(to, m_years, L'Y');
+  to = PutPart(to, m_months, L'M');
+  to = PutPart(to, m_days, L'D');
+  if (hasTime) {
+    *to++ = L'T';
+    to = PutPart(to, m_hours, L'H');
+    to = PutPart(to, m_minutes, L'M');
+    to = fraction.empty() ? PutPart(to, m_seconds, L'S') : PutCount(to, m_seconds);
   }
+  out.append(text, static_cast<std::size_t>(to - text));
+  if (fraction.empty()) return;
+  out += fraction;
+  out += L'S';
 }
 
 CompareResult CDateTimeSpan::CompareTo(const CDateTimeSpan& other) const {
