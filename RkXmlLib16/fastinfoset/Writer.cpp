@@ -51,7 +51,7 @@ using FastInfoset::IntegerLayout;
 
 namespace {
 
-constexpr std::size_t kFlushLength = 2048;
+constexpr std::size_t kFlushLength = 6 * 1024;
 constexpr unsigned char kExternalVocabulary[] = {0x20, 0x10, 0x00};
 constexpr unsigned char kNoAddBit = 0;
 constexpr std::size_t kShortText = 64;
