@@ -134,7 +134,7 @@ class RKXML_EXPORT CXmlCollection : public CXmlCollectionBase {
       for (int i = 0; i < kAhead; ++i) Advance();
     }
     // To be called once for each node.
-    void Advance() noexcept {
+    [[gnu::always_inline]] void Advance() noexcept {
       if (m_node == nullptr) return;
       const CXmlObjectBase* const item = m_node->GetItem();
       m_node = m_node->GetNext();

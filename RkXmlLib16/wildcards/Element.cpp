@@ -286,7 +286,7 @@ class CElement::TreeWriter {
   };
 
   // Asks for the memory of a child that is not far behind.
-  static void Prefetch(const Level& level) noexcept {
+  [[gnu::always_inline]] static void Prefetch(const Level& level) noexcept {
     constexpr std::size_t kAhead = 2;
     const Children& children = level.element->m_children;
     const std::size_t index = level.nextChild + kAhead;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "RkXmlLib16/base/HugePages.h"
+#include "RkXmlLib16/base/Prefetch.h"
 
 namespace RkXmlLib16 {
 
@@ -23,7 +24,7 @@ class CArena {
     size = RoundUp(size);
     if (size > static_cast<std::size_t>(m_limit - m_cursor)) AddChunk(size);
     void* const memory = m_cursor;
-    m_cursor += size;
+    Advance(size);
     return memory;
   }
 
@@ -33,7 +34,7 @@ class CArena {
     if (most > static_cast<std::size_t>(m_limit - m_cursor)) AddChunk(most);
     return m_cursor;
   }
-  void Take(std::size_t size) noexcept { m_cursor += RoundUp(size); }
+  void Take(std::size_t size) noexcept { Advance(RoundUp(size)); }
 
   // Takes `more` bytes, a multiple of 8, if they lie at `place`; false when something else does or there is no space.
   bool Extend(const void* place, std::size_t more) noexcept {
@@ -60,6 +61,10 @@ class CArena {
 
  private:
   static constexpr std::size_t RoundUp(std::size_t size) noexcept { return (size + 7) & ~std::size_t{7}; }
+  void Advance(std::size_t size) noexcept {
+    PrefetchBehind(m_cursor, kCacheLine);  // most nodes and texts are shorter
+    m_cursor += size;
+  }
   [[gnu::cold]] void AddChunk(std::size_t atLeast);
 
   using Chunk = CChunk<unsigned char>;

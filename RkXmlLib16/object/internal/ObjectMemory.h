@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <new>
 
+#include "RkXmlLib16/base/Prefetch.h"
 #include "RkXmlLib16/base/ReferenceCount.h"
 #include "RkXmlLib16/base/internal/Sanitizer.h"
 #include "RkXmlLib16/object/internal/ObjectBlocks.h"
@@ -61,6 +62,7 @@ class CObjectMemory {
     m_block->users.Increment();
     unsigned char* const memory = reinterpret_cast<unsigned char*>(m_block) + m_used;
     m_used += (size + sizeof(Head) + kAlignment - 1) / kAlignment * kAlignment;
+    PrefetchBehind(memory, size);
     return Place(memory, m_block);
   }
   [[gnu::cold, gnu::noinline]] void* TakeFromNewBlock(std::size_t size);
